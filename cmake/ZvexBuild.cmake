@@ -1,0 +1,17 @@
+# SPDX-License-Identifier: Apache-2.0
+# The compiler settings every target of the project shares.
+find_package(Threads REQUIRED)
+
+# Pixels are a promise: no fused multiply-add, no reordering of floats, on any machine at any level.
+set(ZVEX_EXACT_MATH -ffp-contract=off -fno-fast-math)
+
+function(zvex_compile_options target)
+  target_compile_options(${target} PRIVATE ${ZVEX_EXACT_MATH} -Wall -Wextra
+      $<$<BOOL:${ZVEX_WERROR}>:-Werror> -fvisibility=hidden -fvisibility-inlines-hidden)
+  if(ZVEX_SANITIZE)
+    # Part of the public interface, so that whatever links the library is instrumented with it.
+    target_compile_options(${target} PUBLIC -fsanitize=${ZVEX_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    target_link_options(${target} PUBLIC -fsanitize=${ZVEX_SANITIZE})
+  endif()
+  target_link_libraries(${target} PUBLIC Threads::Threads)
+endfunction()
