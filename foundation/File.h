@@ -1,0 +1,61 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef ZVEX_FOUNDATION_FILE_H_
+#define ZVEX_FOUNDATION_FILE_H_
+
+#include <cstdio>
+
+namespace Zvex {
+
+class ZvString;
+
+// Owns a C stream, in two-phase construction. Tag of its lines: "ZV_File". One thread at a time.
+//
+// Operations without an open stream (never constructed, failed to open, closed) give 0, -1 or null as each
+// says and set code 8. The return values of the others are those of the C call of the same purpose.
+class File {
+public:
+    File() = default;
+    ~File();  // as Close
+    File(const File&) = delete;
+    File& operator=(const File&) = delete;
+
+    // Opens as fopen does; a wide path is opened by its UTF-8 form. A null path or mode fails with 7, an
+    // empty wide path with 7, a file that cannot be opened with 11. An attempt that got as far as the path
+    // leaves the object constructed without a stream, so a second Construct fails with 4 whatever the first
+    // one came to. keepOpen: the object never closes the stream; whoever took GetFilePointer does.
+    bool Construct(const ZvString* path, const char* mode, bool keepOpen);
+    bool Construct(const char* path, const char* mode);
+
+    unsigned long Read(void* buffer, unsigned long size, unsigned long count);
+    unsigned long Write(const void* buffer, unsigned long size, unsigned long count);
+    int Seek(long offset, int whence);
+    long Tell();
+    int Eof();
+    int Error();
+    int GetFileDescriptor();
+    FILE* GetFilePointer();  // null without a stream; sets no code
+
+    // Flushes and closes; a stream opened to write or append is synced to storage first. Does nothing for a
+    // stream to be kept open.
+    void Close();
+
+    // access, unlink and rename: 0 on success, -1 on failure with errno set. A null path, or a wide path
+    // without a single byte of UTF-8, gives -1 with code 7.
+    static int IsAccessible(const ZvString* path, int mode);
+    static int IsAccessible(const char* path, int mode);
+    static int Unlink(const ZvString* path);
+    static int Unlink(const char* path);
+    static int Rename(const ZvString* oldPath, const ZvString* newPath);
+    static int Rename(const char* oldPath, const char* newPath);
+
+private:
+    struct State;
+    FILE* stream();
+    bool open(const char* path, const char* mode, bool keepOpen);
+
+    State* mState = nullptr;  // null: not constructed
+};
+
+}  // namespace Zvex
+
+#endif  // ZVEX_FOUNDATION_FILE_H_
