@@ -1,0 +1,225 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef ZVEX_EFFECT_ZVPROPERTY_H_
+#define ZVEX_EFFECT_ZVPROPERTY_H_
+
+#include <cstdint>
+
+namespace Zvex {
+
+class ZvBitmap;
+
+// The settings of the effects, one record for each, and the key they are written as.
+//
+// A record is a plain value: public fields, copied freely. It owns nothing: a stop array or a bitmap it
+// points at belongs to the record's user and has to outlive the use. Constructors limit what is said at each
+// field and keep everything else as given. A value below a range becomes its lower end, one above its upper
+// end, NaN the lower end; a float becomes an int by dropping its fraction, held within the ints, NaN becoming
+// 0.
+//
+// Colours are 0xAARRGGBB. Whether one is premultiplied is settled by the adder that builds it (see ZvEffect).
+
+// One colour stop of a gradient.
+struct ZvGradient {
+    uint32_t color = 0;
+    float opacity = 0;   // 0 to 1; the adders have folded it into the alpha byte of color
+    float position = 0;  // 0 to 1, the place along the gradient
+};
+
+class ZvProperty {
+public:
+    uint32_t color;
+    float opacity;  // 0 to 1
+
+    ZvProperty(unsigned int color, float opacity);
+    virtual ~ZvProperty();
+
+    // The most bytes that toSequentialChar writes, its closing NUL not counted; never negative.
+    virtual int getSequentialCharLength() = 0;
+
+    // Writes the record's part of the layer key at *cursor, closes it with a NUL and leaves *cursor on that
+    // NUL, where the next record goes on. Needs getSequentialCharLength() + 1 bytes. No byte before the NUL
+    // is 0: the first is a letter for the kind of record, every other one has its top bit set. Returns 1.
+    //
+    // The key leaves out what an effect's picture does not depend on by itself: the opacities (the adders
+    // fold them into the colours; the pattern's is written), the number of stops and the stops' opacities.
+    // Two sets that differ only there have one key. Large values do not fit: a "small" field below keeps the
+    // low 7 bits of its integer part, a "byte" field 8, a "word" field 16.
+    virtual int toSequentialChar(char** cursor) = 0;
+
+protected:
+    ZvProperty(const ZvProperty&) = default;
+    ZvProperty& operator=(const ZvProperty&) = default;
+};
+
+// Plain text fill. Key: 'T', color.
+class ZvTextProperty : public ZvProperty {
+public:
+    ZvTextProperty(unsigned int color, float opacity);
+    int getSequentialCharLength() override;
+    int toSequentialChar(char** cursor) override;
+};
+
+// What both shadows share; not used by itself.
+class ZvShadowProperty : public ZvProperty {
+public:
+    float angle;     // degrees, where the light comes from, counter-clockwise from the positive x axis
+    float distance;  // pixels by which the shadow is moved away from the light
+    float size;      // pixels, radius of the blur
+
+    int getSequentialCharLength() override;
+
+protected:
+    ZvShadowProperty(float angle, float distance, float size, unsigned int color, float opacity);
+};
+
+// Keeps its numbers as given. Key: 'S', angle, distance and size small, color.
+class ZvOuterShadowProperty : public ZvShadowProperty {
+public:
+    ZvOuterShadowProperty(float angle, float distance, float size, unsigned int color, float opacity);
+    int toSequentialChar(char** cursor) override;
+};
+
+// The angle becomes a whole number of degrees in -359..359, of the sign it had. Key: 'I', then as the outer
+// one.
+class ZvInnerShadowProperty : public ZvShadowProperty {
+public:
+    ZvInnerShadowProperty(float angle, float distance, float size, unsigned int color, float opacity);
+    int toSequentialChar(char** cursor) override;
+};
+
+// Where a stroke runs; any other number draws as inside.
+enum ZvStrokePosition : int {
+    ZV_STROKE_CENTER = 0,  // half its width on either side of the glyph edge
+    ZV_STROKE_OUTSIDE = 1,
+    ZV_STROKE_INSIDE = 2,
+};
+
+// Key: 'K', width small, color, kind and position small.
+class ZvStrokeProperty : public ZvProperty {
+public:
+    float width;   // pixels
+    int kind;      // carried and copied; no picture depends on it
+    int position;  // ZvStrokePosition
+
+    ZvStrokeProperty(float width, unsigned int color, float opacity, int kind, int position);
+    int getSequentialCharLength() override;
+    int toSequentialChar(char** cursor) override;
+};
+
+// What both glows share; not used by itself. A negative count writes and counts as 0 in the key, as does a
+// null array.
+class ZvGlowProperty : public ZvProperty {
+public:
+    float size;         // pixels, how far the glow reaches
+    int count;          // stops; 0: the glow has one colour
+    ZvGradient* stops;  // count entries, not owned
+
+    int getSequentialCharLength() override;
+
+protected:
+    ZvGlowProperty(float size, unsigned int color, float opacity, int count, ZvGradient* stops);
+};
+
+// Key: 'G', size small, color, then for each stop its color and its position in hundredths, small. The length
+// announced is one byte a stop more than is written.
+class ZvOuterGlowProperty : public ZvGlowProperty {
+public:
+    ZvOuterGlowProperty(float size, unsigned int color, float opacity, int count, ZvGradient* stops);
+    int toSequentialChar(char** cursor) override;
+};
+
+// Key: 'N', then as the outer glow.
+class ZvInnerGlowProperty : public ZvGlowProperty {
+public:
+    ZvInnerGlowProperty(float size, unsigned int color, float opacity, int count, ZvGradient* stops);
+    int toSequentialChar(char** cursor) override;
+};
+
+// What both gradient fills share; not used by itself. color is 0. A negative count writes and counts as 0 in
+// the key, as does a null array.
+class ZvGradientFillProperty : public ZvProperty {
+public:
+    float angle;        // whole degrees in -359..359, of the sign given; the radial fill does not read it
+    float scale;        // 0 to 2, length of the gradient relative to the text
+    int count;          // stops
+    ZvGradient* stops;  // count entries, not owned
+
+    int getSequentialCharLength() override;
+
+protected:
+    ZvGradientFillProperty(float angle, float scale, float opacity, int count, ZvGradient* stops);
+};
+
+// Key: 'L', angle, scale in hundredths as a byte, then the stops as for the glows. As there, the length
+// announced is one byte a stop more than is written.
+class ZvLinearGradientProperty : public ZvGradientFillProperty {
+public:
+    ZvLinearGradientProperty(float angle, float scale, float opacity, int count, ZvGradient* stops);
+    int toSequentialChar(char** cursor) override;
+};
+
+// Key: 'D', then as the linear gradient.
+class ZvRadialGradientProperty : public ZvGradientFillProperty {
+public:
+    ZvRadialGradientProperty(float angle, float scale, float opacity, int count, ZvGradient* stops);
+    int toSequentialChar(char** cursor) override;
+};
+
+// What bevel and emboss share; not used by itself. color is 0.
+class ZvReliefProperty : public ZvProperty {
+public:
+    int style;      // bevel: 1 lies inside the glyphs, any other around them
+    float size;     // pixels
+    float depth;    // 0 to 10
+    int direction;  // 0: lit from the other side
+    int technique;
+    int soften;      // pixels, 0 to 16
+    float angle;     // azimuth of the light, whole degrees in -359..359, of the sign given
+    float altitude;  // elevation of the light, whole degrees in -89..89, of the sign given
+    uint32_t shadowColor;
+    float shadowOpacity;
+    uint32_t highlightColor;
+    float highlightOpacity;
+
+    int getSequentialCharLength() override;
+
+protected:
+    ZvReliefProperty(int style, float size, float depth, int direction, int technique, int soften,
+                     float opacity, float angle, float altitude, unsigned int shadowColor,
+                     float shadowOpacity, unsigned int highlightColor, float highlightOpacity);
+};
+
+// Key: 'B', style small, size as a byte, depth in hundredths as a word, direction, technique and soften
+// small, angle, altitude small, both colours.
+class ZvBevelProperty : public ZvReliefProperty {
+public:
+    ZvBevelProperty(int style, float size, float depth, int direction, int technique, int soften,
+                    float opacity, float angle, float altitude, unsigned int shadowColor, float shadowOpacity,
+                    unsigned int highlightColor, float highlightOpacity);
+    int toSequentialChar(char** cursor) override;
+};
+
+// Key: 'E', then as the bevel.
+class ZvEmbossProperty : public ZvReliefProperty {
+public:
+    ZvEmbossProperty(int style, float size, float depth, int direction, int technique, int soften,
+                     float opacity, float angle, float altitude, unsigned int shadowColor,
+                     float shadowOpacity, unsigned int highlightColor, float highlightOpacity);
+    int toSequentialChar(char** cursor) override;
+};
+
+// color is 0. Key: 'P', the low 32 bits of the bitmap's address written as a colour, scale and opacity in
+// hundredths as words: equal pixels in two bitmaps give two keys.
+class ZvPatternProperty : public ZvProperty {
+public:
+    ZvBitmap* bitmap;  // 4 bytes a pixel: alpha, red, green, blue, straight; not owned
+    float scale;       // 0 to 10
+
+    ZvPatternProperty(ZvBitmap* bitmap, float scale, float opacity);
+    int getSequentialCharLength() override;
+    int toSequentialChar(char** cursor) override;
+};
+
+}  // namespace Zvex
+
+#endif  // ZVEX_EFFECT_ZVPROPERTY_H_
