@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef ZVEX_TEXT_LINEPLACEMENT_H_
+#define ZVEX_TEXT_LINEPLACEMENT_H_
+
+#include <cstdint>
+#include <vector>
+
+#include "text/ZvLineInfo.h"
+#include "text/ZvView.h"
+
+namespace Zvex {
+
+// One line as a line breaker reports it, before it is placed in a view. Vertical values are pixels from the
+// top of the laid-out text, growing downwards; ascent and descent are distances from the baseline (ascent is
+// negative).
+struct LaidOutLine {
+    int32_t baseline = 0;
+    int32_t top = 0;
+    int32_t bottom = 0;
+    int32_t ascent = 0;
+    int32_t descent = 0;
+    float left = 0;     // pixels from the left edge of the text's column
+    float width = 0;    // pixels
+    int32_t start = 0;  // UTF-16 offset of the first character
+    int32_t visibleEnd =
+        0;  // UTF-16 offset one past the last character that shows (trailing blanks left out)
+};
+
+// Chooses the lines that the view shows and places them in it.
+//
+// How many: `view.lines` if it is 1 or more, else `view.maxLines` if that is 1 or more, never more than
+// `count`; with neither set, none at all. Which: the first ones, with bottom gravity the last ones. Where:
+// centred vertically (gravity CENTER_VERTICAL or FILL_VERTICAL) between top and bottom padding if they fit
+// there; with bottom gravity with the last line of the whole text on the bottom padding; else below the top
+// padding. Horizontally at the line's left (its fraction cut off) plus the left padding.
+//
+// The records come in line order with direction 1 and the rectangle x, y + ascent, x + width, y + descent.
+// Sums are made in 64 bits and clamped to 32; a left or width that is not a number counts as 0. `lines` may
+// be null when `count` is 0 or less. Pure: no state, any thread.
+std::vector<ZvLineInfo> placeLines(const ZvView& view, const LaidOutLine* lines, int count);
+
+}  // namespace Zvex
+
+#endif  // ZVEX_TEXT_LINEPLACEMENT_H_
