@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef ZVEX_TEXT_ZVFONTDRAWING_H_
+#define ZVEX_TEXT_ZVFONTDRAWING_H_
+
+namespace Zvex {
+
+class List;
+class ZvBitmap;
+class ZvEffect;
+class ZvString;
+class ZvTextObject;
+
+// Turns a text object's text, paint, font and lines into a picture: lays each line out with the platform,
+// draws its glyph runs into an 8-bit coverage image, hands that to the effect stack at the line's place, and
+// lets the stack make the colour picture. Used by one thread at a time, together with its text object.
+class ZvFontDrawing {
+public:
+    ZvFontDrawing();
+    virtual ~ZvFontDrawing();
+    ZvFontDrawing(const ZvFontDrawing&) = delete;
+    ZvFontDrawing& operator=(const ZvFontDrawing&) = delete;
+
+    // The path or name of the font, as the font manager knows it. Null changes nothing.
+    void SetFontPath(const char* path);
+    ZvString* GetFontPath() { return fontPath; }
+
+    // Frees the coverage images of the last line drawn.
+    void ClearGlyphList();
+
+    // Draws `text` with its effects into `out`: 4 bytes a pixel, straight colour, in memory red, green, blue,
+    // alpha. The result is always 0. Nothing is drawn, and an error line says why, without text, effect
+    // stack, line list (this one with error 8) or any font at all.
+    //
+    // Each line's rectangle is moved to output pixels on the way: left and right are set anew (right is left
+    // + the advance), top and bottom grow by the stack's top margin, again at every call. Line offsets
+    // outside the text are cut to it. A line image that cannot be allocated leaves its line out.
+    int DrawTextEffect(ZvTextObject* text, ZvBitmap* out);
+
+    // Hands the glyph images in `glyphs` (of ZvGlyph*) to `effect`, one beside the other from the pen
+    // position (x, y) on, which is in 26.6 fixed point and wraps around; y is the baseline. Backwards through
+    // the list when `direction` is negative.
+    void _DoRender(int x, int y, List* glyphs, ZvEffect* effect, int direction);
+
+    ZvString* fontPath;  // owned; null until set
+    List* glyphList;     // owned; of ZvGlyph*: records and pixels owned too
+};
+
+}  // namespace Zvex
+
+#endif  // ZVEX_TEXT_ZVFONTDRAWING_H_

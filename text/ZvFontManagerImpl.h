@@ -1,0 +1,47 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef ZVEX_TEXT_ZVFONTMANAGERIMPL_H_
+#define ZVEX_TEXT_ZVFONTMANAGERIMPL_H_
+
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "text/FontManager.h"
+
+namespace Zvex {
+
+// What a FontManager holds. FontManager.h has the contract.
+class ZvFontManagerImpl {
+public:
+    ~ZvFontManagerImpl();
+
+    // Release what the manager holds, and not a reference more: a font that a drawing on another thread still
+    // uses keeps itself and its bytes.
+    void ClearFontFamilies();
+    void ClearFontMaps();
+
+    // Font key: path, '0' + index as one character, NUL. Data key: path, NUL. The NUL is part of the key.
+    static std::string fontKey(const char* path, int index);
+    static std::string dataKey(const char* path);
+
+    // A family with its entries in arrays. Walking a List moves its cursor, so drawings that read the
+    // families side by side walk these instead.
+    struct IndexedFamily {
+        const ZvFontFamily* family;
+        std::vector<const ZvFontEntry*> fonts;
+    };
+    // Makes familyIndex follow `families`.
+    void indexFamilies();
+
+    double totalSize = 0;  // font bytes read from files so far, in units of 1024000
+    std::map<std::string, std::shared_ptr<ZvFontData>> dataMap;
+    std::map<std::string, std::shared_ptr<minikin::MinikinFont>> fontMap;  // each an android::MinikinFontSkia
+    List* families = nullptr;  // owned; of ZvFontFamily*, owned too
+    bool familiesSet = false;
+    std::vector<IndexedFamily> familyIndex;  // the records of `families`, in its order
+};
+
+}  // namespace Zvex
+
+#endif  // ZVEX_TEXT_ZVFONTMANAGERIMPL_H_

@@ -1,0 +1,93 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef ZVEX_TEXT_ZVTEXTOBJECT_H_
+#define ZVEX_TEXT_ZVTEXTOBJECT_H_
+
+#include <hwui/Paint.h>
+
+#include <cstdint>
+
+namespace Zvex {
+
+class List;
+class ZvEffect;
+class ZvFontDrawing;
+class ZvString;
+class ZvTextObjectImpl;
+class ZvView;
+
+// One text with everything needed to render it: string, font, paint, view, lines, colours and effect stack.
+// Every operation but Construct fails with error 8 until Construct has succeeded: false, null, -1 or the
+// value stated.
+//
+// Used by one thread at a time; different text objects may render on different threads. SetText and SetFont
+// change the process's font manager, and RenderTextEffect reads it: callers keep those apart (FontManager.h).
+class ZvTextObject {
+public:
+    // The first text object of the process makes the registry delete objects whose last reference goes.
+    ZvTextObject();
+    virtual ~ZvTextObject();
+    ZvTextObject(const ZvTextObject&) = delete;
+    ZvTextObject& operator=(const ZvTextObject&) = delete;
+
+    // Makes the parts and registers the object, which gives it its handle. Error 4 the second time.
+    bool Construct();
+
+    int GetRuntimeHandle() const;
+    ZvEffect* GetEffect();
+
+    // Copies the text (null clears it) and has the font manager load the families that its scripts need.
+    bool SetText(const ZvString* text);
+    bool SetText(const wchar_t* text);
+    ZvString* GetText();
+
+    // Chooses the font: a file, or a name the font manager already holds. Null path: error 7. False, and the
+    // font chosen before stays, when the font manager cannot add it.
+    bool SetFont(const char* path);
+    // The same with the font file's bytes, under the name `path`. `buffer` comes from new char[] and belongs
+    // to the callee whatever the result is.
+    bool SetFont(const char* path, char* buffer, unsigned int size);
+    ZvFontDrawing* GetFont();
+
+    // Replaces the lines by those of `list` (of ZvLineInfo* made with new), which belong to the text object
+    // from then on; the list itself stays the caller's, who empties it without freeing them. Null: error 7.
+    bool SetLineInfo(const List* list);
+    List* GetLineInfo();
+
+    bool SetTextStyle(bool bold, bool italic);
+    bool isBoldTextStyle() const;
+    bool isItalicTextStyle() const;
+
+    ZvView* GetView();
+
+    // A copy; of a default paint when not constructed.
+    android::Paint GetPaint() const;
+    void SetPaint(android::Paint& paint);
+
+    // Colours are straight 0xAARRGGBB. The background fills the lines' rectangles, not the whole picture.
+    void SetBackgroundColor(unsigned int color, bool enabled);
+    void SetTextColor(unsigned int color);
+    unsigned int GetTextColor() const;  // 0xFF000000 when not constructed
+
+    // Renders into a new picture of width x height pixels, straight 0xAARRGGBB words, and returns its first
+    // pixel. `width` and `height` are the view's size plus the effects' margins; the view's bitmap size,
+    // which sets the clip, must hold them by then. The picture belongs to the text object and lives until the
+    // next rendering. A size below 1, or one that cannot be allocated, gives null and no picture. Without a
+    // font-drawing object: error 8 and the picture of the last rendering, or null.
+    //
+    // The clip leaves out the paddings, except on the side that the gravity pulls the text to: there the text
+    // may use it. Rendering again without new lines moves the background rectangles down once more by the top
+    // margin.
+    uint32_t* RenderTextEffect(int width, int height);
+
+    // The text object with that handle, or null.
+    static ZvTextObject* FindZvTextObject(int handle);
+
+    // Has the font manager load the families for the scripts of the held text.
+    void SetTextLocaleListId();
+
+    ZvTextObjectImpl* mImpl;  // owned; null until Construct succeeds
+};
+
+}  // namespace Zvex
+
+#endif  // ZVEX_TEXT_ZVTEXTOBJECT_H_
