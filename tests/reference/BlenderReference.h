@@ -1,0 +1,32 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef ZVEX_TESTS_REFERENCE_BLENDERREFERENCE_H_
+#define ZVEX_TESTS_REFERENCE_BLENDERREFERENCE_H_
+
+#include <cstdint>
+
+#include "raster/ZvBitmap.h"
+
+// The blender as its definition reads, one pixel and one channel at a time, without the library's kernels.
+namespace reference {
+
+// One pixel under one blend: the target's pixel, the coverage and the colour in, the new pixel out. Modes 1,
+// 2, 3, 7; any other mode gives the pixel back.
+struct Pixel {
+    int red, green, blue, alpha;
+};
+Pixel blend8(Pixel target, int coverage, uint32_t color, int mode);
+// Modes 1 and 2.
+Pixel blend32(Pixel target, Pixel source, int mode);
+
+void drawBitmapBlend8(int x, int y, const Zvex::ZvBitmap* dst, const uint8_t* src, int w, int h,
+                      int srcStride, uint32_t color, int mode);
+void drawBitmapBlend32(int x, int y, const Zvex::ZvBitmap* dst, const uint32_t* src, int w, int h,
+                       int srcStride, int mode);
+// The byte-addressed form.
+void drawBitmapBlend32(int x, int y, const Zvex::ZvBitmap* dst, const uint8_t* src, int w, int h,
+                       int srcStride, int ignored, int order);
+void drawBitmap(int x, int y, const Zvex::ZvBitmap* dst, const uint8_t* src, int w, int h, uint32_t color);
+
+}  // namespace reference
+
+#endif  // ZVEX_TESTS_REFERENCE_BLENDERREFERENCE_H_
