@@ -1,0 +1,46 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef ZVEX_PLATFORM_HOST_INCLUDE_HWUI_MINIKINSKIA_H_
+#define ZVEX_PLATFORM_HOST_INCLUDE_HWUI_MINIKINSKIA_H_
+
+#include <SkPaint.h>
+#include <SkRefCnt.h>
+#include <SkTypeface.h>
+#include <minikin/MinikinFont.h>
+
+#include <cstddef>
+#include <vector>
+
+namespace android {
+
+// A typeface as a font for layout.
+class MinikinFontSkia : public minikin::MinikinFont {
+public:
+    // Holds a reference on the typeface, which may be null: the font is then not usable. `fontData`,
+    // `fontSize` and `ttcIndex` say where the typeface came from and are only handed on. The port draws fonts
+    // at the default place of every axis, so `axes` is not kept.
+    MinikinFontSkia(sk_sp<SkTypeface> typeface, const void* fontData, size_t fontSize, int ttcIndex,
+                    const std::vector<minikin::FontVariation>& axes);
+    ~MinikinFontSkia() override;
+
+    const void* GetFontData() const override { return mFontData; }
+    size_t GetFontSize() const override { return mFontSize; }
+    int GetFontIndex() const override { return mTtcIndex; }
+
+    SkTypeface* GetSkTypeface() const { return mTypeface.get(); }
+    // A reference of the caller's own.
+    sk_sp<SkTypeface> RefSkTypeface() const { return mTypeface; }
+
+    // Makes the paint draw with the font: sets the typeface, adds fake bold to what the paint has, and leans
+    // the text by -0.25 more for fake italic. `font` is a MinikinFontSkia.
+    static void populateSkPaint(SkPaint* paint, const minikin::MinikinFont* font, minikin::FontFakery fakery);
+
+private:
+    const sk_sp<SkTypeface> mTypeface;
+    const void* const mFontData;
+    const size_t mFontSize;
+    const int mTtcIndex;
+};
+
+}  // namespace android
+
+#endif  // ZVEX_PLATFORM_HOST_INCLUDE_HWUI_MINIKINSKIA_H_

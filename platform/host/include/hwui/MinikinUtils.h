@@ -1,0 +1,62 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef ZVEX_PLATFORM_HOST_INCLUDE_HWUI_MINIKINUTILS_H_
+#define ZVEX_PLATFORM_HOST_INCLUDE_HWUI_MINIKINUTILS_H_
+
+#include <hwui/MinikinSkia.h>
+#include <hwui/Paint.h>
+#include <hwui/Typeface.h>
+#include <minikin/Layout.h>
+
+#include <cstddef>
+#include <cstdint>
+
+namespace minikin {
+class MeasuredText;
+}
+
+namespace android {
+
+class MinikinUtils {
+public:
+    // Lays [start, start + count) of the UTF-16 text `buf` of `bufSize` units out as one line; the rest of
+    // the text is context (direction, joining letters). What lies beyond bufSize is cut off. The line is cut
+    // into runs of one direction, put in visual order, then of one font, then of one script, and each is
+    // shaped:
+    // - Text size and scale X that are no number, negative or infinite count as 0, huge ones as 2^20 pixels.
+    // - Language: the first locale of the paint's list whose script fits the run's, else the first of the
+    // list.
+    // - Without the linear-text flag (0x40) each advance is rounded to a whole pixel.
+    // - Letter spacing x size x scale X, rounded to a whole pixel without the linear-text flag, is added to
+    // each
+    //   cluster: half of it, rounded down, before and the rest after. Scripts whose letters join or hang from
+    //   a line take none. Beyond 0.03 em either way the ligature features liga and clig are off.
+    // A null paint, typeface or text, or a typeface without fonts, gives a layout without glyphs. The
+    // measured text is not used and may be null. Any number of threads may lay text out at once.
+    static minikin::Layout doLayout(const Paint* paint, minikin::Bidi bidiFlags, const Typeface* typeface,
+                                    const uint16_t* buf, size_t start, size_t count, size_t bufSize,
+                                    minikin::MeasuredText* mt);
+
+    // Calls f(start, end) for each maximal run [start, end) of glyphs in one font, with the paint set up to
+    // draw that font; the paint's skew and fake bold are as before afterwards, its typeface is the last
+    // run's.
+    template <typename F>
+    static void forFontRun(const minikin::Layout& layout, Paint* paint, F& f) {
+        const float skewX = paint->getTextSkewX();
+        const bool fakeBold = paint->isFakeBoldText();
+        const size_t end = layout.nGlyphs();
+        for (size_t runStart = 0; runStart < end;) {
+            const minikin::MinikinFont* font = layout.getFont(static_cast<int>(runStart));
+            size_t runEnd = runStart + 1;
+            while (runEnd < end && layout.getFont(static_cast<int>(runEnd)) == font) runEnd++;
+            MinikinFontSkia::populateSkPaint(paint, font, layout.getFakery(static_cast<int>(runStart)));
+            f(runStart, runEnd);
+            paint->setTextSkewX(skewX);
+            paint->setFakeBoldText(fakeBold);
+            runStart = runEnd;
+        }
+    }
+};
+
+}  // namespace android
+
+#endif  // ZVEX_PLATFORM_HOST_INCLUDE_HWUI_MINIKINUTILS_H_

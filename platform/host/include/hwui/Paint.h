@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef ZVEX_PLATFORM_HOST_INCLUDE_HWUI_PAINT_H_
+#define ZVEX_PLATFORM_HOST_INCLUDE_HWUI_PAINT_H_
+
+#include <SkPaint.h>
+#include <minikin/FontFamily.h>
+#include <minikin/LocaleList.h>
+
+#include <cstdint>
+#include <string>
+
+namespace android {
+
+// SkPaint with what layout needs besides. Copies are independent; one object belongs to one thread at a time.
+class Paint : public SkPaint {
+public:
+    Paint();
+    explicit Paint(const SkPaint& paint);
+    Paint(const Paint&);
+    Paint& operator=(const Paint&);
+    ~Paint();
+
+    // Space added to every cluster, in ems; 0 at the start, may be negative.
+    void setLetterSpacing(float letterSpacing) { mLetterSpacing = letterSpacing; }
+    float getLetterSpacing() const { return mLetterSpacing; }
+
+    // OpenType features: comma-separated "tag", "tag=value", "-tag" or "'tag' value"; what cannot be read, or
+    // names only a range of the text, is skipped.
+    void setFontFeatureSettings(const std::string& settings) { mFontFeatureSettings = settings; }
+    const std::string& getFontFeatureSettings() const { return mFontFeatureSettings; }
+
+    // From minikin::registerLocaleList; 0, the empty list, at the start.
+    void setMinikinLocaleListId(uint32_t localeListId) { mMinikinLocaleListId = localeListId; }
+    uint32_t getMinikinLocaleListId() const { return mMinikinLocaleListId; }
+
+    void setFamilyVariant(minikin::FontFamily::Variant variant) { mFamilyVariant = variant; }
+    minikin::FontFamily::Variant getFamilyVariant() const { return mFamilyVariant; }
+
+private:
+    float mLetterSpacing = 0;
+    std::string mFontFeatureSettings;
+    uint32_t mMinikinLocaleListId = 0;
+    minikin::FontFamily::Variant mFamilyVariant = minikin::FontFamily::Variant::DEFAULT;
+};
+
+}  // namespace android
+
+#endif  // ZVEX_PLATFORM_HOST_INCLUDE_HWUI_PAINT_H_
