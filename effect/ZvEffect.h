@@ -71,8 +71,8 @@ public:
 
     // Gives the layer of that type a copy of *property, creating the layer when there is none; a layer that
     // exists keeps its place and id. property is the type's record; null leaves the settings as they are.
-    // Returns the layer's id, -1 for a type without a class or when memory is short (the stack is then
-    // unchanged).
+    // Returns the layer's id; -1, with nothing changed, for a type without a class and when there is no
+    // memory for a new layer.
     int addEffect(int id, int type, ZvProperty* property);
     int addEffect(int type, ZvProperty* property);
 

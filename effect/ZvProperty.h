@@ -106,8 +106,8 @@ public:
     int toSequentialChar(char** cursor) override;
 };
 
-// What both glows share; not used by itself. A negative count writes and counts as 0 in the key, as does a
-// null array.
+// What both glows share; not used by itself. The key takes a negative count as 0 and writes no stops of
+// a null array.
 class ZvGlowProperty : public ZvProperty {
 public:
     float size;         // pixels, how far the glow reaches
@@ -135,8 +135,8 @@ public:
     int toSequentialChar(char** cursor) override;
 };
 
-// What both gradient fills share; not used by itself. color is 0. A negative count writes and counts as 0 in
-// the key, as does a null array.
+// What both gradient fills share; not used by itself. color is 0. The key takes a negative count as 0 and
+// writes no stops of a null array.
 class ZvGradientFillProperty : public ZvProperty {
 public:
     float angle;        // whole degrees in -359..359, of the sign given; the radial fill does not read it

@@ -19,7 +19,7 @@ public:
     // destination-over.
     // Two layers: every pixel with any coverage gets the full colour; the merge of the two pictures brings
     // the glyphs' smooth edges back. One layer: the picture is then cut down to the glyphs: pixels are scaled
-    // by their coverage, and all of the target where the mask is 0, or has no pixels at all, becomes
+    // by their coverage, and all of the target where the mask is 0, or ends, becomes
     // transparent. What belongs beside the glyphs is drawn by layers that run after this one.
     int doPostProcessing(ParamPostProcessing* param) override;
 

@@ -62,8 +62,9 @@ public:
     // The dilations of the three positions, over the rows rowStart..rowEnd - 1 of a DTJob. Each byte of dst
     // becomes the largest of its old value and, over all pixels of src and cells of the disc centred there,
     // of max(0, value + cell - 255). The value is the coverage (outside), 255 minus it (inside), or the
-    // former in the first and the latter in the second plane (centre). What lies outside src or dst is left
-    // out. Bands may be done in any order, not at once: they overlap in dst. Null gives nothing. Return 0.
+    // former in the first and the latter in the second plane (centre). Rows and columns
+    // beyond the end of src, and what falls outside dst, are left out. Bands may be done in any order, not at
+    // once: they overlap in dst. Null gives nothing. Return 0.
     static int partalDTStrokeCenter(void* job);
     static int partalDTStrokeOutside(void* job);
     static int partalDTStrokeInside(void* job);

@@ -1,0 +1,22 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "effect/EffectFactory.h"
+
+#include <new>
+
+#include "effect/ZvText.h"
+#include "effect/filters/ZvStroke.h"
+
+namespace Zvex {
+
+ZvECore* newEffectLayer(int type) {
+    switch (type) {
+        case ZV_EFFECT_STROKE:
+            return new (std::nothrow) ZvStroke;
+        case ZV_EFFECT_TEXT:
+            return new (std::nothrow) ZvText;
+        default:
+            return nullptr;
+    }
+}
+
+}  // namespace Zvex

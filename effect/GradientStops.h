@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef ZVEX_EFFECT_GRADIENTSTOPS_H_
+#define ZVEX_EFFECT_GRADIENTSTOPS_H_
+
+#include <memory>
+
+#include "effect/ZvProperty.h"
+
+namespace Zvex {
+
+// Owns an array of stops. Records only point at stops: whoever keeps a record with stops keeps one of these
+// beside it.
+class GradientStops {
+public:
+    // Replaces the content by a copy of `count` stops; none when count is below 1 or stops is null. False
+    // when memory is short; the old content then stays.
+    bool copy(const ZvGradient* stops, int count);
+
+    ZvGradient* data() const { return stops_.get(); }  // null when there are none
+    int count() const { return count_; }
+
+private:
+    std::unique_ptr<ZvGradient[]> stops_;
+    int count_ = 0;
+};
+
+}  // namespace Zvex
+
+#endif  // ZVEX_EFFECT_GRADIENTSTOPS_H_

@@ -1,0 +1,56 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef ZVEX_EFFECT_NUMBERS_H_
+#define ZVEX_EFFECT_NUMBERS_H_
+
+#include <cstdint>
+#include <limits>
+
+namespace Zvex {
+
+// The rounding and limiting rules of the effect arguments, records and keys. Every float is safe to pass:
+// what the language leaves undefined (NaN, values beyond the ints) has a result here, the same on every
+// machine.
+
+// Drops the fraction, towards zero. Held within the ints; NaN becomes 0.
+inline int truncateToInt(double value) {
+    if (value != value) return 0;
+    if (value >= std::numeric_limits<int>::max()) return std::numeric_limits<int>::max();
+    if (value <= std::numeric_limits<int>::min()) return std::numeric_limits<int>::min();
+    return static_cast<int>(value);
+}
+
+// Half up for what is not negative, towards zero after adding a half for the rest: -0.6 becomes 0. The sum is
+// rounded to single precision before the fraction is dropped.
+inline int roundSize(float value) {
+    return truncateToInt(value + 0.5f);
+}
+
+inline int clampInt(int value, int low, int high) {
+    return value < low ? low : value > high ? high : value;
+}
+
+// NaN becomes low.
+inline float clampFloat(float value, float low, float high) {
+    if (!(value >= low)) return low;
+    return value > high ? high : value;
+}
+
+// Whole part modulo `modulus`, of the sign of the value: 405.7 becomes 45 of 360, -30.2 becomes -30.
+inline int signedRemainder(float value, int modulus) {
+    return truncateToInt(value) % modulus;
+}
+
+// The same brought into 0..modulus - 1: -30.2 becomes 330 of 360.
+inline int positiveRemainder(float value, int modulus) {
+    const int remainder = signedRemainder(value, modulus);
+    return remainder < 0 ? remainder + modulus : remainder;
+}
+
+// 0 to 1 as a byte, half up, in single precision.
+inline uint8_t byteOfUnit(float value) {
+    return static_cast<uint8_t>(clampInt(truncateToInt(value * 255.0f + 0.5f), 0, 255));
+}
+
+}  // namespace Zvex
+
+#endif  // ZVEX_EFFECT_NUMBERS_H_

@@ -1,0 +1,499 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "effect/ZvEffect.h"
+
+#include <algorithm>
+#include <climits>
+#include <cstring>
+#include <memory>
+#include <new>
+
+#include "effect/Composite.h"
+#include "effect/EffectArguments.h"
+#include "effect/EffectFactory.h"
+#include "effect/ZvGlyph.h"
+#include "foundation/ZvLog.h"
+#include "raster/ZvBitmap.h"
+#include "raster/ZvBlender.h"
+
+namespace Zvex {
+
+namespace {
+
+constexpr char TAG[] = "ZvEffect";
+
+// The bevel style that lies inside the glyphs.
+constexpr int BEVEL_INSIDE = 1;
+
+bool isStroke(int type) {
+    return type == ZV_EFFECT_STROKE || type == ZV_EFFECT_STROKE_OLD;
+}
+
+// A layer without settings draws nothing; it is taken for the kind that lies under the text and needs no
+// second picture.
+int strokePosition(ZvECore* stroke) {
+    const auto* property = static_cast<const ZvStrokeProperty*>(stroke->getProperty());
+    return property != nullptr ? property->position : static_cast<int>(ZV_STROKE_OUTSIDE);
+}
+
+bool isInsideBevel(ZvECore* bevel) {
+    const auto* property = static_cast<const ZvBevelProperty*>(bevel->getProperty());
+    return property != nullptr && property->style == BEVEL_INSIDE;
+}
+
+// Such layers draw on both sides of the glyph edge.
+bool needsTwoLayers(ZvECore* effect) {
+    const int type = effect->getStyle();
+    return type == ZV_EFFECT_EMBOSS || (isStroke(type) && strokePosition(effect) == ZV_STROKE_CENTER);
+}
+
+int clampToSize(int value, uint32_t size) {
+    const int64_t most = std::min<int64_t>(size, INT_MAX);
+    return static_cast<int>(std::clamp<int64_t>(value, 0, most));
+}
+
+int addHeld(int value, int length) {
+    return static_cast<int>(std::min<int64_t>(int64_t{value} + length, INT_MAX));
+}
+
+// Where a layer draws when there are two pictures: dst is seen within the glyphs, back around them.
+void chooseTargets(ZvECore* effect, ZvBitmap* dst, ZvBitmap* back, ZvECore::ParamPostProcessing* param) {
+    bool behind = false;
+    bool both = false;
+    const int type = effect->getStyle();
+    switch (type) {
+        case ZV_EFFECT_OUTER_SHADOW:
+        case ZV_EFFECT_OUTER_GLOW:
+        case ZV_EFFECT_NONE:
+            behind = true;
+            break;
+        case ZV_EFFECT_BEVEL:
+            behind = !isInsideBevel(effect);
+            break;
+        case ZV_EFFECT_EMBOSS:
+            behind = both = true;
+            break;
+        case ZV_EFFECT_STROKE:
+        case ZV_EFFECT_STROKE_OLD: {
+            const int position = strokePosition(effect);
+            behind = position != ZV_STROKE_INSIDE;
+            both = position == ZV_STROKE_CENTER;
+            break;
+        }
+        default:
+            break;
+    }
+    param->target = behind ? back : dst;
+    param->otherLayer = both ? dst : nullptr;
+}
+
+int widestMargin(const std::vector<ZvECore*>& effects, int (ZvECore::*side)()) {
+    int widest = 0;
+    for (ZvECore* effect : effects) widest = std::max({widest, (effect->*side)(), effect->getOffset()});
+    return widest;
+}
+
+void forget(std::vector<ZvECore*>& list, ZvECore* effect) {
+    list.erase(std::remove(list.begin(), list.end(), effect), list.end());
+}
+
+}  // namespace
+
+ZvEffect::ZvEffect() {
+    ZV_DEBUG_LOG(TAG, "ZvEffect(%p)", static_cast<void*>(this));
+}
+
+ZvEffect::ZvEffect(void*) {}
+
+ZvEffect::ZvEffect(const ZvEffect& other)
+    : textOpacity(other.textOpacity),
+      textColor(other.textColor),
+      nextEffectId(other.nextEffectId),
+      textAlpha(other.textAlpha) {
+    for (ZvECore* effect : other.effects)
+        addEffect(effect->getId(), effect->getStyle(), effect->getProperty());
+}
+
+ZvEffect::~ZvEffect() {
+    releaseEffect();
+    releaseBitmap();
+    ZV_DEBUG_LOG(TAG, "~ZvEffect(%p)", static_cast<void*>(this));
+}
+
+// --- Layers
+// -----------------------------------------------------------------------------------------------------
+
+ZvECore* ZvEffect::createEffect(int id, int type) {
+    ZvECore* effect = newEffectLayer(type);
+    if (effect == nullptr) return nullptr;
+    effect->setId(id < 0 ? getNewEffectId() : id);
+    return effect;
+}
+
+int ZvEffect::getNewEffectId() {
+    const int id = std::max(nextEffectId, 0);
+    nextEffectId = addHeld(id, 1);
+    return id;
+}
+
+int ZvEffect::addEffect(int id, int type, ZvProperty* property) {
+    if (ZvECore* existing = getEffect(type)) {
+        existing->setProperty(property);
+        return existing->getId();
+    }
+    const int oldNextId = nextEffectId;
+    std::unique_ptr<ZvECore> created(createEffect(id, type));
+    if (created == nullptr) return -1;
+    created->setProperty(property);
+    if (property != nullptr && created->getProperty() == nullptr) {  // no memory for the copy
+        nextEffectId = oldNextId;
+        return -1;
+    }
+    effects.push_back(created.get());
+    return created.release()->getId();
+}
+
+int ZvEffect::addEffect(int type, ZvProperty* property) {
+    return addEffect(-1, type, property);
+}
+
+ZvECore* ZvEffect::getEffect(int type) {
+    for (ZvECore* effect : effects) {
+        if (effect->getStyle() == type) return effect;
+    }
+    return nullptr;
+}
+
+bool ZvEffect::hasEffect(int type) {
+    return getEffect(type) != nullptr;
+}
+
+bool ZvEffect::hasEffects() {
+    return !effects.empty() || textOpacity < 1.0f;
+}
+
+bool ZvEffect::removeEffect(int id) {
+    for (ZvECore* effect : effects) {
+        if (effect->getId() != id) continue;
+        releaseEffect(effect);
+        return true;
+    }
+    return false;
+}
+
+// The layer leaves the drawing order as well: a rendering may be under way.
+void ZvEffect::releaseEffect(ZvECore* effect) {
+    if (effect == nullptr) return;
+    forget(effects, effect);
+    forget(layers, effect);
+    delete effect;
+}
+
+void ZvEffect::releaseEffect() {
+    for (ZvECore* effect : effects) delete effect;
+    effects.clear();
+    layers.clear();
+    nextEffectId = 0;
+}
+
+void ZvEffect::cleanAllEffect() {
+    releaseEffect();
+}
+
+// --- Adders
+// -----------------------------------------------------------------------------------------------------
+
+int ZvEffect::addOuterShadowText(float angle, float distance, float size, unsigned int color, float opacity) {
+    auto record = shadowArguments<ZvOuterShadowProperty>(angle, distance, size, color, opacity);
+    return addEffect(ZV_EFFECT_OUTER_SHADOW, &record);
+}
+
+int ZvEffect::addInnerShadowText(float angle, float distance, float size, unsigned int color, float opacity) {
+    auto record = shadowArguments<ZvInnerShadowProperty>(angle, distance, size, color, opacity);
+    return addEffect(ZV_EFFECT_INNER_SHADOW, &record);
+}
+
+int ZvEffect::addOuterGlowText(float size, unsigned int color, float opacity, int count, ZvGradient* stops) {
+    GradientStops copies;
+    if (!stopArguments(count, stops, opacity, &copies)) return -1;
+    auto record = glowArguments<ZvOuterGlowProperty>(size, color, opacity, copies);
+    return addEffect(ZV_EFFECT_OUTER_GLOW, &record);
+}
+
+int ZvEffect::addInnerGlowText(float size, unsigned int color, float opacity, int count, ZvGradient* stops) {
+    GradientStops copies;
+    if (!stopArguments(count, stops, opacity, &copies)) return -1;
+    auto record = glowArguments<ZvInnerGlowProperty>(size, color, opacity, copies);
+    return addEffect(ZV_EFFECT_INNER_GLOW, &record);
+}
+
+int ZvEffect::addBevelText(int style, float size, float depth, int direction, int technique, int soften,
+                           float opacity, float angle, float altitude, unsigned int shadowColor,
+                           float shadowOpacity, unsigned int highlightColor, float highlightOpacity) {
+    auto record = reliefArguments<ZvBevelProperty>(style, size, depth, direction, technique, soften, opacity,
+                                                   angle, altitude, shadowColor, shadowOpacity,
+                                                   highlightColor, highlightOpacity);
+    return addEffect(ZV_EFFECT_BEVEL, &record);
+}
+
+int ZvEffect::addEmbossText(int style, float size, float depth, int direction, int technique, int soften,
+                            float opacity, float angle, float altitude, unsigned int shadowColor,
+                            float shadowOpacity, unsigned int highlightColor, float highlightOpacity) {
+    auto record = reliefArguments<ZvEmbossProperty>(style, size, depth, direction, technique, soften, opacity,
+                                                    angle, altitude, shadowColor, shadowOpacity,
+                                                    highlightColor, highlightOpacity);
+    return addEffect(ZV_EFFECT_EMBOSS, &record);
+}
+
+int ZvEffect::addLinearGradientText(float angle, float scale, float opacity, int count, ZvGradient* stops) {
+    GradientStops copies;
+    if (!stopArguments(count, stops, opacity, &copies)) return -1;
+    auto record = gradientArguments<ZvLinearGradientProperty>(angle, scale, opacity, copies);
+    return addEffect(ZV_EFFECT_LINEAR_GRADIENT, &record);
+}
+
+int ZvEffect::addRadialGradientText(float scale, float opacity, int count, ZvGradient* stops) {
+    GradientStops copies;
+    if (!stopArguments(count, stops, opacity, &copies)) return -1;
+    auto record = gradientArguments<ZvRadialGradientProperty>(0.0f, scale, opacity, copies);
+    return addEffect(ZV_EFFECT_RADIAL_GRADIENT, &record);
+}
+
+int ZvEffect::addStrokeText(float width, unsigned int color, float opacity, int kind, int position) {
+    auto record = strokeArguments(width, color, opacity, kind, position);
+    return addEffect(ZV_EFFECT_STROKE, &record);
+}
+
+int ZvEffect::addPatternText(ZvBitmap* bitmap, float scale, float opacity) {
+    auto record = patternArguments(bitmap, scale, opacity);
+    return addEffect(ZV_EFFECT_PATTERN, &record);
+}
+
+int ZvEffect::addText(unsigned int color, float opacity) {
+    ZV_DEBUG_LOG(TAG, "AddText(%p) - (color:%d/opacity:%f)", static_cast<void*>(this),
+                 static_cast<int>(color), static_cast<double>(opacity));
+    textAlpha = static_cast<uint8_t>(color >> 24);
+    auto record = textArguments(color, opacity);
+    return addEffect(ZV_EFFECT_TEXT, &record);
+}
+
+int ZvEffect::addText(unsigned int color) {
+    ZV_DEBUG_LOG(TAG, "AddText(%p) - (color:%x)", static_cast<void*>(this), color);
+    textAlpha = static_cast<uint8_t>(color >> 24);
+    auto record = opaqueTextArguments(color);
+    return addEffect(ZV_EFFECT_TEXT, &record);
+}
+
+// --- Text colour and opacity
+// ------------------------------------------------------------------------------------
+
+void ZvEffect::setTextOpacity(float opacity) {
+    textOpacity = opacityArgument(opacity);
+}
+
+float ZvEffect::getTextOpacity() {
+    return textOpacity;
+}
+
+void ZvEffect::clearTextOpacity() {
+    textOpacity = 1.0f;
+}
+
+char* ZvEffect::getMapKey() {
+    uint64_t length = 0;
+    for (ZvECore* effect : effects) {
+        if (ZvProperty* property = effect->getProperty()) {
+            length += static_cast<uint64_t>(std::max(property->getSequentialCharLength(), 0));
+        }
+    }
+    if (length >= PTRDIFF_MAX) return nullptr;
+    const size_t size = static_cast<size_t>(length) + 1;
+    char* key = new (std::nothrow) char[size];
+    if (key == nullptr) return nullptr;
+    // Records with stops write less than they announce; the rest of the buffer is NULs.
+    std::memset(key, 0, size);
+    char* cursor = key;
+    for (ZvECore* effect : effects) {
+        if (ZvProperty* property = effect->getProperty()) property->toSequentialChar(&cursor);
+    }
+    return key;
+}
+
+char* ZvEffect::getMapKey(unsigned int color) {
+    textColor = color;
+    addText(color, textOpacity);
+    return getMapKey();
+}
+
+// --- Margins
+// ----------------------------------------------------------------------------------------------------
+
+int ZvEffect::getLeftOffset() {
+    return widestMargin(effects, &ZvECore::getLeftOffset);
+}
+
+int ZvEffect::getRightOffset() {
+    return widestMargin(effects, &ZvECore::getRightOffset);
+}
+
+int ZvEffect::getTopOffset() {
+    return widestMargin(effects, &ZvECore::getTopOffset);
+}
+
+int ZvEffect::getBottomOffset() {
+    return widestMargin(effects, &ZvECore::getBottomOffset);
+}
+
+// --- Rendering
+// --------------------------------------------------------------------------------------------------
+
+void ZvEffect::initEffect(int width, int height) {
+    ZV_DEBUG_LOG(TAG, "InitEffect(%p)", static_cast<void*>(this));
+    layers = effects;
+    const bool twoLayers = textOpacity < 1.0f || std::any_of(layers.begin(), layers.end(), needsTwoLayers);
+    layerMode = twoLayers ? 1 : 0;
+
+    releaseBitmap();
+    const unsigned int bitmapWidth = static_cast<unsigned int>(std::max(width, 0));
+    const unsigned int bitmapHeight = static_cast<unsigned int>(std::max(height, 0));
+    mask = new (std::nothrow) ZvBitmap(bitmapWidth, bitmapHeight, 1);
+    if (twoLayers) back = new (std::nothrow) ZvBitmap(bitmapWidth, bitmapHeight, 4);
+
+    // The newest layer is the topmost one of its group.
+    std::reverse(layers.begin(), layers.end());
+    if (twoLayers) {
+        // What is drawn within the glyphs covers the text; what lies around them is in the other picture
+        // anyway.
+        const auto text = std::find_if(layers.begin(), layers.end(),
+                                       [](ZvECore* effect) { return effect->getStyle() == ZV_EFFECT_TEXT; });
+        if (text != layers.end()) std::rotate(text, text + 1, layers.end());
+    } else {
+        // Over the text, the text (oldest first, were there several), under the text: three passes over the
+        // list from the newest, in a buffer of the size the layers have already.
+        std::vector<ZvECore*> ordered;
+        ordered.reserve(layers.size());
+        for (ZvECore* effect : layers) {
+            if (!isUnderEffect(effect) && effect->getStyle() != ZV_EFFECT_TEXT) ordered.push_back(effect);
+        }
+        for (ZvECore* effect : effects) {
+            if (effect->getStyle() == ZV_EFFECT_TEXT) ordered.push_back(effect);
+        }
+        for (ZvECore* effect : layers) {
+            if (isUnderEffect(effect)) ordered.push_back(effect);
+        }
+        layers.swap(ordered);
+    }
+
+    ZvECore::ParamInit param;
+    param.width = width;
+    param.height = height;
+    param.layerMode = layerMode;
+    for (ZvECore* effect : layers) effect->initEffect(&param);
+}
+
+bool ZvEffect::isUnderEffect(ZvECore* effect) {
+    if (effect == nullptr) return false;
+    const int type = effect->getStyle();
+    switch (type) {
+        case ZV_EFFECT_NONE:
+        case ZV_EFFECT_OUTER_SHADOW:
+        case ZV_EFFECT_OUTER_GLOW:
+            return true;
+        case ZV_EFFECT_EMBOSS:
+            return layerMode != 1;
+        case ZV_EFFECT_STROKE:
+        case ZV_EFFECT_STROKE_OLD: {
+            const int position = strokePosition(effect);
+            return position == ZV_STROKE_OUTSIDE || (position == ZV_STROKE_CENTER && layerMode != 1);
+        }
+        case ZV_EFFECT_BEVEL:
+            return !isInsideBevel(effect);
+        default:
+            return false;
+    }
+}
+
+int ZvEffect::renderEffectLayer(int x, int y, ZvGlyph* glyph) {
+    if (glyph != nullptr && mask != nullptr) {
+        const ZvRect box(x, y, addHeld(x, glyph->width), addHeld(y, glyph->height));
+        if (textRectReset) {
+            textRect = box;
+            textRectReset = false;
+        } else {
+            textRect = ZvRect(std::min(textRect.left, box.left), std::min(textRect.top, box.top),
+                              std::max(textRect.right, box.right), std::max(textRect.bottom, box.bottom));
+        }
+        ZvBlender::drawBitmap(x, y, mask, glyph->pixels, glyph->width, glyph->height, 0xFF000000);
+    }
+    ZvECore::ParamRender param;
+    param.x = x;
+    param.y = y;
+    param.glyph = glyph;
+    param.target = dst;
+    for (ZvECore* effect : layers) effect->render(&param);
+    return 0;
+}
+
+void ZvEffect::doEffectPostProcessing() {
+    ZV_DEBUG_LOG(TAG, "DoEffectPostProcessing(%p) - start", static_cast<void*>(this));
+    if (textRectReset) textRect = ZvRect();  // an earlier rendering's box says nothing about this one
+    if (mask != nullptr) {
+        textRect.left = clampToSize(textRect.left, mask->width);
+        textRect.right = clampToSize(textRect.right, mask->width);
+        textRect.top = clampToSize(textRect.top, mask->height);
+        textRect.bottom = clampToSize(textRect.bottom, mask->height);
+        if (textRect.left < textRect.right && textRect.top < textRect.bottom) {
+            ZvECore::ParamPostProcessing param;
+            param.mask = mask;
+            param.textRect = &textRect;
+            param.layerMode = layerMode;
+            for (ZvECore* effect : layers) {
+                param.target = dst;
+                if (layerMode == 1) chooseTargets(effect, dst, back, &param);
+                effect->doPostProcessing(&param);
+            }
+        }
+    }
+    textRectReset = true;
+    ZV_DEBUG_LOG(TAG, "DoEffectPostProcessing(%p) - end", static_cast<void*>(this));
+}
+
+void ZvEffect::compositeLayers(ZvBitmap* out) {
+    ZV_DEBUG_LOG(TAG, "CompositeLayers(%p) - start", static_cast<void*>(this));
+    if (mask != nullptr) {
+        if (layerMode == 1) mergeBackLayer(out, back, mask);
+        finishPicture(out, textAlpha);
+    }
+    releaseBitmap();
+    layerMode = 0;
+    ZV_DEBUG_LOG(TAG, "CompositeLayers(%p) - end", static_cast<void*>(this));
+}
+
+void ZvEffect::releaseBitmap() {
+    delete mask;
+    delete back;
+    mask = nullptr;
+    back = nullptr;
+    dst = nullptr;
+}
+
+ZvRect* ZvEffect::getTextRect() {
+    return &textRect;
+}
+
+ZvBitmap* ZvEffect::getSrcBitmap() {
+    return mask;
+}
+
+void ZvEffect::setSrcBitmap(ZvBitmap* bitmap) {
+    mask = bitmap;
+}
+
+ZvBitmap* ZvEffect::getDstBitmap() {
+    return dst;
+}
+
+void ZvEffect::setDstBitmap(ZvBitmap* bitmap) {
+    dst = bitmap;
+}
+
+}  // namespace Zvex

@@ -1,0 +1,65 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef ZVEX_EFFECT_FILTERS_BUFFER_H_
+#define ZVEX_EFFECT_FILTERS_BUFFER_H_
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <initializer_list>
+#include <memory>
+#include <type_traits>
+
+namespace Zvex {
+
+// Working memory of a filter: one owner, from malloc, freed when the owner goes. The filters take all their
+// memory through this type and treat a failure by returning, the target untouched.
+//
+// A buffer of rows x columns x planes elements is allocated with the three sizes given apart: they are
+// multiplied in 64 bits, and what is negative, empty or too large to address is refused as if memory had run
+// out.
+template <typename T>
+class Buffer {
+    static_assert(std::is_trivially_copyable<T>::value, "the memory is not constructed");
+
+public:
+    // The content is undefined, or zero. False, and no memory, on failure. What was held before is freed
+    // first.
+    bool allocate(int64_t rows, int64_t columns = 1, int64_t planes = 1) {
+        const size_t bytes = reserve(rows, columns, planes);
+        if (bytes != 0) data_.reset(static_cast<T*>(std::malloc(bytes)));
+        return data_ != nullptr;
+    }
+    bool allocateZeroed(int64_t rows, int64_t columns = 1, int64_t planes = 1) {
+        const size_t bytes = reserve(rows, columns, planes);
+        if (bytes != 0) data_.reset(static_cast<T*>(std::calloc(bytes, 1)));
+        return data_ != nullptr;
+    }
+
+    // Takes over memory that came from malloc.
+    void adopt(T* data) { data_.reset(data); }
+
+    T* get() const { return data_.get(); }
+    T& operator[](size_t index) const { return data_.get()[index]; }
+
+private:
+    struct Free {
+        void operator()(T* data) const { std::free(data); }
+    };
+
+    // The size in bytes, 0 when it is refused. Sizes above half the address space are, so that pointer
+    // differences stay exact.
+    size_t reserve(int64_t rows, int64_t columns, int64_t planes) {
+        data_.reset();
+        if (rows <= 0 || columns <= 0 || planes <= 0) return 0;
+        uint64_t left = uint64_t{PTRDIFF_MAX} / sizeof(T);
+        for (const int64_t factor : {rows, columns, planes}) left /= static_cast<uint64_t>(factor);
+        if (left == 0) return 0;
+        return static_cast<size_t>(rows * columns * planes * static_cast<int64_t>(sizeof(T)));
+    }
+
+    std::unique_ptr<T, Free> data_;
+};
+
+}  // namespace Zvex
+
+#endif  // ZVEX_EFFECT_FILTERS_BUFFER_H_

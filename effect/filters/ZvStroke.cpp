@@ -1,0 +1,212 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// An outline: the text's coverage dilated by a smooth disc (outside), the coverage of everything but the text
+// dilated by it (inside), or the smaller of the two (centred: a band of half the width on either side of the
+// edge). One dilation for the first two, two for the third; see Dilation.h for their cost.
+
+#include "effect/filters/ZvStroke.h"
+
+#include <algorithm>
+#include <climits>
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <new>
+
+#include "effect/Numbers.h"
+#include "effect/filters/Buffer.h"
+#include "effect/filters/Dilation.h"
+#include "raster/ZvBitmap.h"
+#include "raster/ZvBlender.h"
+#include "raster/ZvRect.h"
+
+namespace Zvex {
+
+namespace {
+
+// Transparent pixels around the text box, so that glyphs which touch it have an edge there. Together with the
+// disc's radius this is how far the picture of the stroke reaches:
+//
+//     |<- r ->|1|<- text box ->|1|<- r ->|
+constexpr int BORDER = 1;
+
+// The cell of a disc at `distance` from its middle: 1 up to the radius, falling to 0 within the next pixel.
+uint8_t discCoverage(float distance, float radius) {
+    return byteOfUnit(clampFloat(1.0f - (distance - radius), 0.0f, 1.0f));
+}
+
+// Fills the zeroed plane (box and border) with the mask within box; what lies outside the mask stays 0.
+void copyCoverage(const ZvBitmap& mask, const ZvRect& box, uint8_t* plane, int64_t planeWidth) {
+    const int64_t left = std::max<int64_t>(box.left, 0);
+    const int64_t right = std::min<int64_t>(box.right, mask.width);
+    const int64_t top = std::max<int64_t>(box.top, 0);
+    const int64_t bottom = std::min<int64_t>(box.bottom, mask.height);
+    if (left >= right) return;
+    for (int64_t y = top; y < bottom; ++y) {
+        std::memcpy(plane + (y - box.top + BORDER) * planeWidth + (left - box.left + BORDER),
+                    mask.pixels + y * mask.width + left, static_cast<size_t>(right - left));
+    }
+}
+
+// Dilates the job's rows into one of its planes.
+void dilatePlane(const ZvStroke::DTJob& job, int plane, uint8_t inverted) {
+    if (job.dst == nullptr || job.src == nullptr || job.kernel == nullptr) return;
+    DilationParam param;
+    param.source = job.src + static_cast<ptrdiff_t>(job.srcY) * job.srcStride + job.srcX;
+    param.sourceStride = job.srcStride;
+    param.columns = std::min(job.columns, job.srcStride - job.srcX);
+    param.inverted = inverted;
+    param.target = job.dst + static_cast<ptrdiff_t>(plane) * job.planeSize;
+    param.targetWidth = job.dstStride;
+    param.targetHeight = job.dstHeight;
+    param.originX = job.dstX;
+    param.originY = job.dstY;
+    param.kernel = job.kernel;
+    param.kernelSize = job.kernelSize;
+    param.rowBegin = std::max(job.rowStart, 0);
+    param.rowEnd = std::min({job.rowEnd, job.rows, job.srcHeight - job.srcY});
+    dilate(param);
+}
+
+constexpr uint8_t COVERAGE = 0;
+constexpr uint8_t BACKGROUND = 255;
+
+bool isDrawable(const ZvBitmap* bitmap) {
+    return bitmap != nullptr && bitmap->pixels != nullptr;
+}
+
+}  // namespace
+
+int makeCircleKernel(unsigned char** kernel, float radius) {
+    if (kernel == nullptr) return 0;
+    *kernel = nullptr;
+    const int r = roundSize(radius);
+    const int64_t size = 2 * int64_t{r} + 1;
+    if (r < 0 || size * size > INT_MAX) return 0;
+    unsigned char* cells = static_cast<unsigned char*>(std::malloc(static_cast<size_t>(size * size)));
+    if (cells == nullptr) return 0;
+    unsigned char* cell = cells;
+    for (int dy = -r; dy <= r; ++dy) {
+        for (int dx = -r; dx <= r; ++dx)
+            *cell++ = discCoverage(std::sqrt(static_cast<float>(dx * dx + dy * dy)), radius);
+    }
+    // A pen thinner than a pixel leaves a paler line; the ramp alone would make the middle opaque for any
+    // radius.
+    cells[size * r + r] = byteOfUnit(clampFloat(radius, 0.0f, 1.0f));
+    *kernel = cells;
+    return static_cast<int>(size);
+}
+
+ZvStroke::ZvStroke() {
+    style = ZV_EFFECT_STROKE;
+}
+
+ZvStroke::~ZvStroke() {
+    delete property;
+}
+
+int ZvStroke::doPostProcessing(ParamPostProcessing* param) {
+    if (param == nullptr || property == nullptr || param->textRect == nullptr) return 0;
+    if (!isDrawable(param->target) || !isDrawable(param->mask)) return 0;
+    const ZvRect& box = *param->textRect;
+    if (box.left >= box.right || box.top >= box.bottom) return 0;
+
+    const bool centered = property->position == ZV_STROKE_CENTER;
+    unsigned char* cells = nullptr;
+    const int kernelSize = makeCircleKernel(&cells, centered ? property->width * 0.5f : property->width);
+    if (cells == nullptr) return 0;
+    Buffer<uint8_t> kernel;
+    kernel.adopt(cells);
+    const int64_t radius = kernelSize / 2;
+
+    const int64_t paddedWidth = int64_t{box.right} - box.left + 2 * BORDER;
+    const int64_t paddedHeight = int64_t{box.bottom} - box.top + 2 * BORDER;
+    const int64_t width = paddedWidth + 2 * radius;
+    const int64_t height = paddedHeight + 2 * radius;
+    const int64_t x = int64_t{box.left} - BORDER - radius;
+    const int64_t y = int64_t{box.top} - BORDER - radius;
+    // Sides are below 2^33, so their product fits; the job and the blender count in ints.
+    if (width * height > INT_MAX || x < INT_MIN || y < INT_MIN) return 0;
+
+    Buffer<uint8_t> padded;
+    Buffer<uint8_t> band;
+    if (!padded.allocateZeroed(paddedHeight, paddedWidth)) return 0;
+    if (!band.allocateZeroed(height, width, centered ? 2 : 1)) return 0;
+    copyCoverage(*param->mask, box, padded.get(), paddedWidth);
+
+    DTJob job;
+    job.dst = band.get();
+    job.src = padded.get();
+    job.kernel = kernel.get();
+    job.srcStride = static_cast<int>(paddedWidth);
+    job.srcHeight = static_cast<int>(paddedHeight);
+    job.dstStride = static_cast<int>(width);
+    job.dstHeight = static_cast<int>(height);
+    job.dstY = static_cast<int>(radius);
+    job.dstX = static_cast<int>(radius);
+    job.planeSize = static_cast<int>(width * height);
+    job.radius = static_cast<int>(radius);
+    job.kernelSize = kernelSize;
+    job.columns = job.srcStride;
+    job.rows = job.srcHeight;
+    job.rowStart = 0;
+    job.rowEnd = job.rows;
+    if (centered) {
+        partalDTStrokeCenter(&job);
+        uint8_t* outside = band.get();
+        const uint8_t* inside = outside + job.planeSize;
+        for (int i = 0; i < job.planeSize; ++i) outside[i] = std::min(outside[i], inside[i]);
+    } else if (property->position == ZV_STROKE_OUTSIDE) {
+        partalDTStrokeOutside(&job);
+    } else {
+        partalDTStrokeInside(&job);
+    }
+
+    const int mode = centered && param->layerMode != 1 ? ZVE_BLEND_SRC_OVER : ZVE_BLEND_DST_OVER;
+    for (ZvBitmap* target : {param->target, param->otherLayer}) {
+        ZvBlender::drawBitmapBlend8(static_cast<int>(x), static_cast<int>(y), target, band.get(),
+                                    job.dstStride, job.dstHeight, job.dstStride, property->color, mode);
+    }
+    return 0;
+}
+
+void ZvStroke::setProperty(ZvProperty* newProperty) {
+    if (newProperty == nullptr) return;
+    ZvStrokeProperty* copy =
+        new (std::nothrow) ZvStrokeProperty(*static_cast<const ZvStrokeProperty*>(newProperty));
+    if (copy == nullptr) return;
+    delete property;
+    property = copy;
+}
+
+ZvProperty* ZvStroke::getProperty() {
+    return property;
+}
+
+int ZvStroke::getOffset() {
+    if (property == nullptr) return 0;
+    if (property->position == ZV_STROKE_OUTSIDE) return roundSize(property->width);
+    if (property->position == ZV_STROKE_CENTER) return roundSize(property->width * 0.5f);
+    return 0;
+}
+
+int ZvStroke::partalDTStrokeCenter(void* job) {
+    if (job == nullptr) return 0;
+    dilatePlane(*static_cast<const DTJob*>(job), 0, COVERAGE);
+    dilatePlane(*static_cast<const DTJob*>(job), 1, BACKGROUND);
+    return 0;
+}
+
+int ZvStroke::partalDTStrokeOutside(void* job) {
+    if (job != nullptr) dilatePlane(*static_cast<const DTJob*>(job), 0, COVERAGE);
+    return 0;
+}
+
+int ZvStroke::partalDTStrokeInside(void* job) {
+    if (job != nullptr) dilatePlane(*static_cast<const DTJob*>(job), 0, BACKGROUND);
+    return 0;
+}
+
+}  // namespace Zvex
