@@ -1,0 +1,100 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef ZVEX_PLATFORM_HOST_FONTFACE_H_
+#define ZVEX_PLATFORM_HOST_FONTFACE_H_
+
+#include <hb.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+namespace host {
+
+// How a glyph is sized and drawn. Sizes of 0 or less, sizes (or widths, size * scaleX) beyond kMaxGlyphSize,
+// skews beyond kMaxGlyphSkew and values that are no number make every glyph blank.
+struct GlyphStyle {
+    float size = 0;    // pixels per em
+    float scaleX = 1;  // of outlines and advances; negative mirrors, 0 is blank
+    float skewX = 0;   // pixels to the right for each pixel downwards; slants to the right are negative
+    bool fakeBold = false;
+    bool antiAlias = true;
+    bool subpixel = false;  // fractional advances; images and boxes take no notice
+};
+
+constexpr float kMaxGlyphSize = 16384;
+constexpr float kMaxGlyphSkew = 64;
+// A glyph whose image would take more bytes than this, or be wider or taller than kMaxGlyphSide, is blank.
+constexpr size_t kMaxGlyphBytes = size_t{64} << 20;
+constexpr int kMaxGlyphSide = 32767;
+
+// Pixels, y downwards, origin at the pen; right and bottom exclusive.
+struct GlyphBox {
+    int left = 0, top = 0, right = 0, bottom = 0;
+    bool empty() const { return left >= right || top >= bottom; }
+};
+
+// Coverage, 0 to 255, in rows of `width` bytes. Its top left pixel lies at (left, top) from the pixel the pen
+// is in, y downwards. Blank glyphs have width and height 0.
+struct GlyphImage {
+    int left = 0, top = 0, width = 0, height = 0;
+    std::vector<uint8_t> coverage;
+};
+
+// One font of a file: its characters, advances, and glyphs as coverage. The seam between the drawing half of
+// the port (Sk*) and the layout half (minikin, hwui), and the only place that talks to FreeType.
+//
+// Outlines are rasterised by FreeType's smooth rasteriser without hinting; with anti-alias off, by its
+// monochrome one. Fake bold widens the outline by size x (1/24 at size 9 and below, falling linearly to 1/32
+// at size 36 and above) in total, evenly on both sides, after scale and skew. Colour glyphs give their alpha:
+// a strike bitmap resampled from the nearest strike not smaller than the size (else the largest; fake bold
+// leaves it as it is), or the layers of a layered glyph, one over the other, with their palette alphas.
+//
+// Any method may be called from any thread. A glyph that the font lacks or that cannot be read is blank; its
+// advance is 0 where the font states none.
+class FontFace {
+public:
+    // Null when the bytes are no sfnt font that both FreeType and HarfBuzz read, when no character is mapped,
+    // or when a collection has no such index. The bytes must not change; they are borrowed for the life of
+    // the face, unless `owner`, which is kept that long, holds them. A variable font stands at its defaults.
+    static std::shared_ptr<FontFace> open(const void* data, size_t size, int index,
+                                          std::shared_ptr<void> owner = nullptr);
+    ~FontFace();
+    FontFace(const FontFace&) = delete;
+    FontFace& operator=(const FontFace&) = delete;
+
+    // Different for every face of the process; never 0.
+    uint32_t uniqueId() const;
+    // Immutable; belongs to this face.
+    hb_face_t* hbFace() const;
+    unsigned unitsPerEm() const;
+    unsigned glyphCount() const;
+
+    // Whether the character map gives the code point a glyph. Lock-free.
+    bool covers(uint32_t codePoint) const;
+    // Whether the font has an entry for the sequence (base, variation selector). Lock-free.
+    bool coversVariation(uint32_t codePoint, uint32_t selector) const;
+
+    // Pixels, whole (halves up) unless style.subpixel: the font's own advance x size x scaleX / units per em.
+    // Neither fake bold nor skew changes it. 0 for a blank style. Lock-free.
+    float advance(uint32_t glyph, const GlyphStyle& style) const;
+
+    // The box of the outline's control points (of all layers; of the scaled strike), rounded outwards to
+    // whole pixels, for a pen at a whole pixel; empty for blank glyphs. No pixel of image(glyph, style, 0)
+    // lies outside.
+    GlyphBox inkBox(uint32_t glyph, const GlyphStyle& style) const;
+
+    // Coverage for a pen at quarterX / 4 pixels, quarterX in 0..3 (taken modulo 4). Never null. Kept in the
+    // process-wide glyph cache.
+    std::shared_ptr<const GlyphImage> image(uint32_t glyph, const GlyphStyle& style, int quarterX) const;
+
+private:
+    struct Impl;
+    explicit FontFace(std::unique_ptr<Impl> impl);
+
+    std::unique_ptr<Impl> mImpl;
+};
+
+}  // namespace host
+
+#endif  // ZVEX_PLATFORM_HOST_FONTFACE_H_

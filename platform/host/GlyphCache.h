@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef ZVEX_PLATFORM_HOST_GLYPHCACHE_H_
+#define ZVEX_PLATFORM_HOST_GLYPHCACHE_H_
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+
+#include "platform/host/FontFace.h"
+
+namespace host {
+
+// The process keeps rasterised glyphs, least recently used last, up to a bound in bytes (16 MiB at the
+// start). An image of more than a quarter of the bound is not kept. All of this may be called from any
+// thread; images in use elsewhere stay valid whatever happens here.
+constexpr size_t kDefaultGlyphCacheLimit = size_t{16} << 20;
+
+void clearGlyphCache();
+// What the kept glyphs take, their bookkeeping included; never more than the bound.
+size_t glyphCacheBytes();
+// 0 keeps nothing.
+void setGlyphCacheLimit(size_t bytes);
+
+// What an image depends on. Equal keys, equal bytes.
+struct GlyphKey {
+    uint32_t faceId = 0;
+    uint32_t glyph = 0;
+    uint32_t size = 0, scaleX = 0, skewX = 0;  // the bits of the floats
+    uint32_t flags = 0;                        // fake bold 1, anti-alias 2, quarterX << 2
+
+    bool operator==(const GlyphKey& other) const;
+};
+
+// FontFace's side of the cache.
+std::shared_ptr<const GlyphImage> findGlyph(const GlyphKey& key);  // null when not kept
+// Keeps the image, unless the key has one already, and returns the one that is kept (or just `image`).
+std::shared_ptr<const GlyphImage> keepGlyph(const GlyphKey& key, std::shared_ptr<const GlyphImage> image);
+void forgetGlyphs(uint32_t faceId);
+
+}  // namespace host
+
+#endif  // ZVEX_PLATFORM_HOST_GLYPHCACHE_H_

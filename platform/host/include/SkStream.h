@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef ZVEX_PLATFORM_HOST_INCLUDE_SKSTREAM_H_
+#define ZVEX_PLATFORM_HOST_INCLUDE_SKSTREAM_H_
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+// Bytes of known length that lie in memory. Immutable once made.
+class SkStreamAsset {
+public:
+    SkStreamAsset() = default;
+    virtual ~SkStreamAsset() = default;
+    SkStreamAsset(const SkStreamAsset&) = delete;
+    SkStreamAsset& operator=(const SkStreamAsset&) = delete;
+
+    virtual size_t getLength() const = 0;
+    // All bytes in one piece, valid for as long as the stream lives; null when there are none.
+    virtual const void* getMemoryBase() = 0;
+};
+
+class SkMemoryStream : public SkStreamAsset {
+public:
+    // Without copyData the bytes stay the caller's and must outlive the stream and every typeface made from
+    // it. A null pointer counts as length 0.
+    SkMemoryStream(const void* data, size_t length, bool copyData = false);
+
+    size_t getLength() const override { return mLength; }
+    const void* getMemoryBase() override { return mData; }
+
+private:
+    std::vector<uint8_t> mCopy;
+    const void* mData;
+    size_t mLength;
+};
+
+#endif  // ZVEX_PLATFORM_HOST_INCLUDE_SKSTREAM_H_
