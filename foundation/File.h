@@ -10,8 +10,8 @@ class ZvString;
 
 // Owns a C stream, in two-phase construction. Tag of its lines: "ZV_File". One thread at a time.
 //
-// Operations without an open stream (never constructed, failed to open, closed) give 0, -1 or null as each
-// says and set code 8. The return values of the others are those of the C call of the same purpose.
+// Operations on a stream that is not there (never constructed, failed to open, closed) report code 8; Read
+// and Write then give 0, the others -1. Otherwise results are those of the C call of the same purpose.
 class File {
 public:
     File() = default;
@@ -50,8 +50,9 @@ public:
 
 private:
     struct State;
-    FILE* stream();
+    bool attachState(const void* path, const char* mode);
     bool open(const char* path, const char* mode, bool keepOpen);
+    FILE* openStream();  // null, reported, without a stream
 
     State* mState = nullptr;  // null: not constructed
 };

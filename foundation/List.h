@@ -16,9 +16,9 @@ class ListImpl;
 //
 // Results: 1 on success, 0 or null on failure; -1 for failed counts and indexes. A failure sets the thread's
 // last error and writes nothing: 2 too many positions, 3 index out of range, 4 already constructed, 7 null or
-// unknown argument, 8 not constructed, 9 traversal past the end, 1 no memory. An argument list that is not
-// constructed fails with 8. One thread at a time; walking a list moves its cursor, so reading it is no
-// exception.
+// unknown argument, 8 not constructed, 9 traversal past the end, 1 no memory. A failed Construct leaves the
+// list unconstructed. An argument list that is not constructed fails with 8. One thread at a time; walking a
+// list moves its cursor, so reading it is no exception.
 //
 // An argument of type List* picks the overloads that take a list; to hold a list as an element, cast it to
 // void*.
@@ -30,8 +30,7 @@ public:
     List& operator=(const List&) = delete;
 
     int Construct();
-    int Construct(
-        const List* other);  // with other's elements; null fails with 7, the list stays unconstructed
+    int Construct(const List* other);  // with other's elements; null fails with 7
     int Construct(void** items,
                   int count);  // with items[0] to items[count - 1]; null or count < 0 fails with 7
 
@@ -73,6 +72,8 @@ public:
     int EndTraversal(long position);
 
 private:
+    int unconstruct();  // after a failed Construct; 0
+
     ListImpl* mImpl = nullptr;  // null: not constructed
 };
 

@@ -52,7 +52,7 @@ public:
     // Frees the buffer.
     int Clear();
 
-    // Null and empty sources succeed and change nothing.
+    // Null succeeds and changes nothing.
     int Append(const ZvString* source);
     int Append(const wchar_t* source);
     int Append(const char* source);
@@ -108,6 +108,9 @@ public:
     uint16_t* GetUTF16(int& count) const;
 
 private:
+    int adopt(wchar_t* text);                           // takes the array as the new buffer
+    int insertAt(int position, const wchar_t* source);  // position within the text, source not null
+
     ZvStringImpl* mImpl = nullptr;  // null: not constructed
 };
 

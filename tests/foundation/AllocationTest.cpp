@@ -1,0 +1,156 @@
+// SPDX-License-Identifier: Apache-2.0
+// Makes the N-th allocation of an operation fail, for every N it makes.
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <functional>
+#include <memory>
+#include <new>
+#include <string>
+
+#include "foundation/Error.h"
+#include "foundation/File.h"
+#include "foundation/List.h"
+#include "foundation/Mutex.h"
+#include "foundation/ZvString.h"
+
+namespace {
+// Allocations of the calling thread until one fails; negative: none does.
+thread_local int allocationsLeft = -1;
+
+bool failsNow() {
+    return allocationsLeft >= 0 && allocationsLeft-- == 0;
+}
+}  // namespace
+
+// The foundation allocates through the forms that do not throw; only those fail here.
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+    return failsNow() ? nullptr : std::malloc(size);
+}
+void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
+    return failsNow() ? nullptr : std::malloc(size);
+}
+void* operator new(std::size_t size) {
+    if (void* memory = std::malloc(size != 0 ? size : 1)) return memory;
+    throw std::bad_alloc();
+}
+void* operator new[](std::size_t size) {
+    return operator new(size);
+}
+void operator delete(void* memory) noexcept {
+    std::free(memory);
+}
+void operator delete[](void* memory) noexcept {
+    std::free(memory);
+}
+void operator delete(void* memory, std::size_t) noexcept {
+    std::free(memory);
+}
+void operator delete[](void* memory, std::size_t) noexcept {
+    std::free(memory);
+}
+
+namespace Zvex {
+namespace {
+
+// `attempt` prepares fresh objects, runs its operation between arm() and disarm(), and says whether it
+// succeeded. It must fail with code 1 for each allocation that fails, and succeed once all are granted.
+void failEachAllocation(const std::function<bool(const std::function<void()>& arm)>& attempt) {
+    for (int n = 0; n < 100; ++n) {
+        Error::SetError(0);
+        const bool succeeded = attempt([n] { allocationsLeft = n; });
+        const bool ranOut = allocationsLeft < 0;
+        allocationsLeft = -1;
+        EXPECT_EQ(succeeded, !ranOut) << "allocation " << n;
+        if (succeeded) {
+            EXPECT_GT(n, 0) << "nothing was allocated";
+            return;
+        }
+        EXPECT_EQ(Error::GetError(), ZV_ERROR_PLATFORM) << "allocation " << n;
+    }
+    FAIL() << "never succeeded";
+}
+
+TEST(Allocation, StringsKeepTheirText) {
+    const auto text = [](ZvString* string) { return std::wstring(string->GetPointer()); };
+    failEachAllocation([](const auto& arm) {
+        ZvString string;
+        arm();
+        const bool done = string.Construct("text") == 1;
+        EXPECT_EQ(string.Construct(), done ? 0 : 1)
+            << "a failed construction leaves the string unconstructed";
+        return done;
+    });
+    const std::function<int(ZvString*)> edits[] = {
+        [](ZvString* s) { return s->Set(L"new"); },
+        [](ZvString* s) { return s->Set("new"); },
+        [](ZvString* s) { return s->Append("new"); },
+        [](ZvString* s) { return s->Insert(L"new", 1); },
+        [](ZvString* s) { return s->SetSubstring(s, 1, 2); },
+        [](ZvString* s) { return s->Find("o") >= 0 ? 1 : 0; },
+        [](ZvString* s) {
+            int count = -1;
+            const std::unique_ptr<uint16_t[]> units(s->GetUTF16(count));
+            EXPECT_EQ(count, units != nullptr ? 3 : -1);
+            return units != nullptr ? 1 : 0;
+        },
+    };
+    for (const auto& edit : edits) {
+        failEachAllocation([&](const auto& arm) {
+            ZvString string;
+            EXPECT_EQ(string.Construct(L"old"), 1);
+            arm();
+            const bool done = edit(&string) == 1;
+            if (!done) {
+                EXPECT_EQ(text(&string), L"old");
+            }
+            return done;
+        });
+    }
+}
+
+TEST(Allocation, ListsAddAllOrNothing) {
+    int items[3];
+    void* pointers[] = {&items[0], &items[1], &items[2]};
+    failEachAllocation([&](const auto& arm) {
+        List source, list;
+        EXPECT_EQ(source.Construct(pointers, 3), 1);
+        EXPECT_EQ(list.Construct(pointers, 2), 1);
+        arm();
+        const bool done = list.Add(&source) == 1;
+        EXPECT_EQ(list.GetCount(), done ? 5 : 2);
+        EXPECT_EQ(list.Get(1), pointers[1]);
+        return done;
+    });
+    failEachAllocation([&](const auto& arm) {
+        List list;
+        arm();
+        const bool done = list.Construct(pointers, 3) == 1;
+        const unsigned long code = Error::GetError();
+        EXPECT_EQ(list.GetCount(), done ? 3 : -1) << "a failed construction leaves the list unconstructed";
+        Error::SetError(code);
+        return done;
+    });
+    failEachAllocation([&](const auto& arm) {
+        List list;
+        EXPECT_EQ(list.Construct(pointers, 3), 1);
+        arm();
+        return list.Insert(&items[0], 1) == 1 && list.BeginTraversal() > 0;
+    });
+}
+
+TEST(Allocation, MutexAndFileReport) {
+    failEachAllocation([](const auto& arm) {
+        Mutex mutex;
+        arm();
+        return mutex.Construct();
+    });
+    failEachAllocation([](const auto& arm) {
+        File file;
+        arm();
+        return file.Construct("/dev/null", "r");
+    });
+}
+
+}  // namespace
+}  // namespace Zvex

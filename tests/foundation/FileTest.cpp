@@ -1,0 +1,195 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "foundation/File.h"
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdlib>
+#include <string>
+
+#include "foundation/Error.h"
+#include "foundation/ZvString.h"
+#include "platform/host/LogCapture.h"
+
+namespace Zvex {
+namespace {
+
+// Syncs seen since a test set it to 0: the program's own fsync stands before the C library's.
+int syncs = 0;
+
+}  // namespace
+}  // namespace Zvex
+
+extern "C" int fsync(int) {
+    ++Zvex::syncs;
+    return 0;
+}
+
+namespace Zvex {
+namespace {
+
+class FileTest : public testing::Test {
+protected:
+    void SetUp() override {
+        std::string pattern = testing::TempDir() + "zvex-file-XXXXXX";
+        ASSERT_NE(mkdtemp(&pattern[0]), nullptr);
+        mFolder = pattern;
+        mPath = mFolder + "/gr\xC3\xBC\xC3\x9F.txt";
+        ASSERT_EQ(mWide.Construct(mPath.c_str()), 1);
+        syncs = 0;
+        Error::SetError(0);
+    }
+    void TearDown() override {
+        unlink(mPath.c_str());
+        rmdir(mFolder.c_str());
+    }
+    void write(const char* text) {
+        File file;
+        ASSERT_TRUE(file.Construct(mPath.c_str(), "w"));
+        ASSERT_EQ(file.Write(text, 1, std::char_traits<char>::length(text)),
+                  std::char_traits<char>::length(text));
+    }
+
+    std::string mFolder, mPath;
+    ZvString mWide;
+};
+
+TEST_F(FileTest, WritesSeeksAndReads) {
+    write("hello");
+    File file;
+    ASSERT_TRUE(file.Construct(&mWide, "r+", false));
+    EXPECT_EQ(file.Seek(1, SEEK_SET), 0);
+    EXPECT_EQ(file.Tell(), 1);
+    char buffer[8] = "";
+    EXPECT_EQ(file.Eof(), 0);
+    EXPECT_EQ(file.Read(buffer, 1, 8), 4u);
+    EXPECT_STREQ(buffer, "ello");
+    EXPECT_NE(file.Eof(), 0);
+    EXPECT_EQ(file.Error(), 0);
+    EXPECT_EQ(file.GetFileDescriptor(), fileno(file.GetFilePointer()));
+    EXPECT_EQ(file.Read(nullptr, 1, 1), 0u);
+    EXPECT_EQ(Error::GetError(), ZV_ERROR_INVALID_ARGUMENT);
+}
+
+TEST_F(FileTest, SyncsWhatWasOpenedToWriteOrAppend) {
+    for (const char* mode : {"w", "a", "w+", "ab", "r", "r+"}) {
+        syncs = 0;
+        File file;
+        ASSERT_TRUE(file.Construct(mPath.c_str(), mode)) << mode;
+        file.Close();
+        EXPECT_EQ(syncs, mode[0] != 'r' ? 1 : 0) << mode;
+        file.Close();
+        EXPECT_EQ(syncs, mode[0] != 'r' ? 1 : 0) << "closed once";
+        EXPECT_EQ(file.GetFilePointer(), nullptr);
+    }
+    syncs = 0;
+    write("x");
+    EXPECT_EQ(syncs, 1) << "the destructor closes";
+}
+
+TEST_F(FileTest, KeptOpenStreamsOutliveTheObject) {
+    FILE* stream = nullptr;
+    {
+        File file;
+        ASSERT_TRUE(file.Construct(&mWide, "w", true));
+        file.Close();
+        stream = file.GetFilePointer();
+        ASSERT_NE(stream, nullptr);
+    }
+    EXPECT_EQ(syncs, 0);
+    EXPECT_GE(std::fputs("still open", stream), 0);
+    EXPECT_EQ(std::fclose(stream), 0);
+}
+
+TEST_F(FileTest, FailedOpenLeavesTheObjectConstructedWithoutAStream) {
+    File file;
+    host::LogCapture capture;
+    EXPECT_FALSE(file.Construct((mFolder + "/missing").c_str(), "r"));
+    EXPECT_EQ(Error::GetError(), ZV_ERROR_OPEN_FILE);
+    EXPECT_FALSE(file.Construct(mPath.c_str(), "w"));
+    EXPECT_EQ(Error::GetError(), ZV_ERROR_ALREADY_CONSTRUCTED);
+    const auto lines = capture.lines();
+    ASSERT_EQ(lines.size(), 3u);
+    EXPECT_EQ(lines[0].tag, "ZV_File");
+    EXPECT_EQ(lines[0].priority, ANDROID_LOG_ERROR);
+    EXPECT_EQ(lines[0].text, "OpenFile - Fail to open file. errno = " + std::to_string(ENOENT));
+    EXPECT_EQ(lines[1].text.rfind("@ Native Error 11 : ", 0), 0u);
+    EXPECT_EQ(lines[2].text.rfind("@ Native Error 4 : ", 0), 0u);
+}
+
+TEST_F(FileTest, MissingAndEmptyPathsAreInvalid) {
+    const char* const none = nullptr;
+    const ZvString* const noString = nullptr;
+    File file;
+    {
+        host::LogCapture capture;
+        EXPECT_FALSE(file.Construct(none, "r"));
+        EXPECT_FALSE(file.Construct(noString, "r", false));
+        EXPECT_FALSE(file.Construct(mPath.c_str(), none));
+        EXPECT_EQ(Error::GetError(), ZV_ERROR_INVALID_ARGUMENT);
+        EXPECT_TRUE(capture.lines().empty()) << "no report line";
+    }
+    ZvString empty;
+    ASSERT_EQ(empty.Construct(L""), 1);
+    host::LogCapture capture;
+    const auto fails = [&](int result, const std::string& line) {
+        EXPECT_EQ(result, -1) << line;
+        EXPECT_EQ(Error::GetError(), ZV_ERROR_INVALID_ARGUMENT) << line;
+        EXPECT_EQ(capture.lines().back().text, line);
+        Error::SetError(0);
+    };
+    fails(file.Construct(&empty, "r", false) ? 0 : -1, "OpenFile() - pathSize < 0");
+    EXPECT_FALSE(file.Construct(mPath.c_str(), "w")) << "the state stayed attached";
+    fails(File::IsAccessible(&empty, F_OK), "IsAccessible() - pathSize < 0");
+    fails(File::Unlink(&empty), "Unlink() - pathSize < 0");
+    ZvString x;
+    ASSERT_EQ(x.Construct("xy"), 1);
+    fails(File::Rename(&empty, &x), "Rename() - pathSize < 0 : old 0, new 2");
+    fails(File::Rename(&x, &empty), "Rename() - pathSize < 0 : old 2, new 0");
+    for (const int result :
+         {File::IsAccessible(none, 0), File::Unlink(none), File::Rename(none, "x"),
+          File::IsAccessible(noString, 0), File::Unlink(noString), File::Rename(&x, noString)}) {
+        EXPECT_EQ(result, -1);
+    }
+    EXPECT_EQ(Error::GetError(), ZV_ERROR_INVALID_ARGUMENT);
+}
+
+TEST_F(FileTest, WithoutAStreamOperationsFailWithEight) {
+    write("x");
+    File unconstructed, closed;
+    ASSERT_TRUE(closed.Construct(mPath.c_str(), "r"));
+    closed.Close();
+    char byte = 0;
+    for (File* file : {&unconstructed, &closed}) {
+        const long results[] = {static_cast<long>(file->Read(&byte, 1, 1)),
+                                static_cast<long>(file->Write(&byte, 1, 1)),
+                                file->Seek(0, SEEK_SET),
+                                file->Tell(),
+                                file->Eof(),
+                                file->Error(),
+                                file->GetFileDescriptor()};
+        for (int i = 0; i < 7; ++i) EXPECT_EQ(results[i], i < 2 ? 0 : -1) << i;
+        EXPECT_EQ(Error::GetError(), ZV_ERROR_NOT_CONSTRUCTED);
+        Error::SetError(0);
+        EXPECT_EQ(file->GetFilePointer(), nullptr);
+        EXPECT_EQ(Error::GetError(), 0u);
+    }
+}
+
+TEST_F(FileTest, PathHelpersTakeBothKindsOfText) {
+    EXPECT_EQ(File::IsAccessible(&mWide, R_OK), -1);
+    write("x");
+    EXPECT_EQ(File::IsAccessible(&mWide, 4), 0);
+    EXPECT_EQ(File::IsAccessible(mPath.c_str(), 4), 0);
+    ZvString other;
+    ASSERT_EQ(other.Construct((mFolder + "/\xE6\x96\x87").c_str()), 1);
+    EXPECT_EQ(File::Rename(&mWide, &other), 0);
+    EXPECT_EQ(File::IsAccessible(&mWide, F_OK), -1);
+    EXPECT_EQ(File::Rename((mFolder + "/\xE6\x96\x87").c_str(), mPath.c_str()), 0);
+    EXPECT_EQ(File::Unlink(&mWide), 0);
+    EXPECT_EQ(File::Unlink(mPath.c_str()), -1) << "gone already";
+}
+
+}  // namespace
+}  // namespace Zvex

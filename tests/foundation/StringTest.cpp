@@ -1,0 +1,445 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <clocale>
+#include <cstring>
+#include <initializer_list>
+#include <memory>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "foundation/Error.h"
+#include "foundation/ZvString.h"
+#include "foundation/ZvStringImpl.h"
+#include "platform/host/LogCapture.h"
+
+namespace Zvex {
+namespace {
+
+using Units = std::vector<uint16_t>;
+
+const char* const kNoChars = nullptr;
+const wchar_t* const kNoWide = nullptr;
+const ZvString* const kNoString = nullptr;
+
+wchar_t wide(uint32_t c) {
+    return static_cast<wchar_t>(c);
+}
+
+std::wstring textOf(const ZvString& string) {
+    const wchar_t* text = string.GetPointer();
+    return text != nullptr ? text : L"(null)";
+}
+
+std::string utf8Of(const ZvString& string) {
+    std::vector<char> buffer(static_cast<size_t>(std::max(string.GetUTF8Size(), 1)), '#');
+    EXPECT_EQ(string.GetUTF8(buffer.data(), static_cast<int>(buffer.size())), 1);
+    return buffer.data();
+}
+
+Units utf16Of(const ZvString& string) {
+    int count = -1;
+    const std::unique_ptr<uint16_t[]> units(string.GetUTF16(count));
+    if (units == nullptr || count < 0) return {0xDEAD};
+    EXPECT_EQ(units[static_cast<size_t>(count)], 0);
+    return Units(units.get(), units.get() + count);
+}
+
+// Runs an operation that must fail: its result, its code, and one report line of that code under the class's
+// tag.
+template <typename Result, typename Operation>
+void expectFailure(unsigned long code, Result result, Operation operation, const char* what) {
+    Error::SetError(0);
+    host::LogCapture capture;
+    EXPECT_EQ(operation(), result) << what;
+    EXPECT_EQ(Error::GetError(), code) << what;
+    const auto lines = capture.lines();
+    ASSERT_EQ(lines.size(), 1u) << what;
+    EXPECT_EQ(lines[0].tag, "ZvString");
+    EXPECT_EQ(lines[0].priority, ANDROID_LOG_ERROR);
+    EXPECT_EQ(lines[0].text.rfind("@ Native Error " + std::to_string(code) + " : ", 0), 0u) << lines[0].text;
+}
+#define EXPECT_FAILURE(code, result, expression) \
+    expectFailure(                               \
+        code, result, [&] { return expression; }, #expression)
+
+TEST(String, ConstructsFromEverySource) {
+    ZvString empty, fromChars, fromWide, copy, prefix, cut, copyOfEmpty;
+    EXPECT_EQ(empty.Construct(), 1);
+    EXPECT_EQ(empty.GetPointer(), nullptr);
+    EXPECT_EQ(empty.GetLength(), 0);
+    EXPECT_EQ(fromChars.Construct("gr\xC3\xBC\xC3\x9F"), 1);
+    EXPECT_EQ(textOf(fromChars), L"gr\u00FC\u00DF");
+    EXPECT_EQ(fromWide.Construct(L"wide"), 1);
+    EXPECT_EQ(copy.Construct(&fromWide), 1);
+    EXPECT_EQ(textOf(copy), L"wide");
+    EXPECT_NE(copy.GetPointer(), fromWide.GetPointer());
+    EXPECT_EQ(prefix.Construct(&fromWide, 2), 1);
+    EXPECT_EQ(textOf(prefix), L"wi");
+    const wchar_t unterminated[3] = {L'a', L'b', L'c'};
+    EXPECT_EQ(cut.Construct(unterminated, 3), 1);
+    EXPECT_EQ(textOf(cut), L"abc");
+    ZvString beyond;
+    EXPECT_EQ(beyond.Construct(L"abc", INT_MAX), 1);
+    EXPECT_EQ(textOf(beyond), L"abc");
+    EXPECT_EQ(copyOfEmpty.Construct(&empty), 1);
+    EXPECT_EQ(copyOfEmpty.GetPointer(), nullptr);
+}
+
+TEST(String, RefusesWhatCannotBeDone) {
+    ZvString bare, text;
+    ASSERT_EQ(text.Construct(L"abc"), 1);
+    char utf8[4];
+    int count = -5;
+    wchar_t out = 0;
+    EXPECT_FAILURE(4, 0, text.Construct());
+    EXPECT_FAILURE(4, 0, text.Construct(L"x"));
+    EXPECT_FAILURE(4, 0, text.Construct(kNoChars));
+    EXPECT_FAILURE(7, 0, bare.Construct(kNoChars));
+    EXPECT_FAILURE(7, 0, bare.Construct(kNoWide));
+    EXPECT_FAILURE(7, 0, bare.Construct(kNoString));
+    EXPECT_FAILURE(7, 0, bare.Construct(kNoWide, 3));
+    EXPECT_FAILURE(7, 0, bare.Construct(L"x", -1));
+    // Every operation of a string that is still not constructed.
+    EXPECT_FAILURE(8, 0, bare.Set(L"x"));
+    EXPECT_FAILURE(8, 0, bare.Set("x"));
+    EXPECT_FAILURE(8, 0, bare.Set(&text));
+    EXPECT_FAILURE(8, 0, bare.Set(kNoString));
+    EXPECT_FAILURE(8, 0, bare.Clear());
+    EXPECT_FAILURE(8, 0, bare.Append(L"x"));
+    EXPECT_FAILURE(8, 0, bare.Append("x"));
+    EXPECT_FAILURE(8, 0, bare.Append(&text));
+    EXPECT_FAILURE(8, 0, bare.Insert(L"x", 0));
+    EXPECT_FAILURE(8, 0, bare.Remove(0, 0));
+    EXPECT_FAILURE(8, 0, bare.SetSubstring(&text, 0, 1));
+    EXPECT_FAILURE(8, -1, bare.GetLength());
+    EXPECT_FAILURE(8, static_cast<wchar_t*>(nullptr), bare.GetPointer());
+    EXPECT_FAILURE(8, 0, bare.GetChar(0, &out));
+    EXPECT_FAILURE(8, -1, bare.CompareTo(&text));
+    EXPECT_FAILURE(8, -1, bare.CompareTo("x"));
+    EXPECT_FAILURE(8, -1, bare.CompareTo("x", 1));
+    EXPECT_FAILURE(8, -1, bare.Find(L"x"));
+    EXPECT_FAILURE(8, -1, bare.Find("x"));
+    EXPECT_FAILURE(8, -1, bare.ReverseFind(L"x"));
+    EXPECT_FAILURE(8, -1, bare.ReverseFind("x"));
+    EXPECT_FAILURE(8, -1, bare.GetUTF8Size());
+    EXPECT_FAILURE(8, 0, bare.GetUTF8(utf8, 4));
+    EXPECT_FAILURE(8, static_cast<uint16_t*>(nullptr), bare.GetUTF16(count));
+    EXPECT_EQ(count, -5);
+    // Ranges and arguments.
+    EXPECT_FAILURE(3, 0, text.Insert(L"x", -1));
+    EXPECT_FAILURE(3, 0, text.Insert(L"x", 4));
+    EXPECT_FAILURE(7, 0, text.Insert(L"", 1));
+    EXPECT_FAILURE(7, 0, text.Insert(kNoWide, 1));
+    EXPECT_FAILURE(7, 0, text.Insert(&bare, 1));
+    EXPECT_FAILURE(3, 0, text.Remove(-1, 1));
+    EXPECT_FAILURE(3, 0, text.Remove(3, 0));
+    EXPECT_FAILURE(7, 0, text.Remove(1, 3));
+    EXPECT_FAILURE(7, 0, text.Remove(1, INT_MAX));
+    EXPECT_FAILURE(7, 0, text.Remove(1, -1));
+    EXPECT_FAILURE(3, 0, text.GetChar(3, &out));
+    EXPECT_FAILURE(3, 0, text.GetChar(-1, &out));
+    EXPECT_FAILURE(7, 0, text.SetSubstring(kNoString, 0, 1));
+    EXPECT_FAILURE(7, -1, text.CompareTo(kNoString));
+    EXPECT_FAILURE(7, -1, text.Find(kNoWide));
+    EXPECT_FAILURE(7, 0, text.GetUTF8(nullptr, 4));
+    EXPECT_FAILURE(7, 0, text.GetUTF8(utf8, -1));
+    std::memset(utf8, '#', sizeof utf8);
+    EXPECT_FAILURE(7, 0, text.GetUTF8(utf8, 0));
+    EXPECT_EQ(utf8[0], '#') << "no room, nothing written";
+    EXPECT_EQ(textOf(text), L"abc") << "failures leave the text alone";
+}
+
+TEST(String, EditsTheText) {
+    ZvString text, other;
+    ASSERT_EQ(text.Construct(), 1);
+    ASSERT_EQ(other.Construct(L"[]"), 1);
+    EXPECT_EQ(text.Append(L"bd"), 1);
+    EXPECT_EQ(text.Insert(L"a", 0), 1);
+    EXPECT_EQ(text.Insert(L"c", 2), 1);
+    EXPECT_EQ(text.Insert(&other, 4), 1) << "at the length it appends";
+    EXPECT_EQ(textOf(text), L"abcd[]");
+    EXPECT_EQ(text.Append("\xE2\x82\xAC"), 1);
+    EXPECT_EQ(text.Append(&other), 1);
+    EXPECT_EQ(text.Append(kNoChars) + text.Append(kNoWide) + text.Append(kNoString), 3);
+    EXPECT_EQ(textOf(text), L"abcd[]\u20AC[]");
+    EXPECT_EQ(text.Remove(2, 0), 1);
+    EXPECT_EQ(text.Remove(4, 5), 1);
+    EXPECT_EQ(textOf(text), L"abcd");
+    wchar_t c = 0;
+    EXPECT_EQ(text.GetChar(3, &c), 1);
+    EXPECT_EQ(c, L'd');
+    EXPECT_EQ(other.SetSubstring(&text, 1, 2), 1);
+    EXPECT_EQ(textOf(other), L"bc");
+    EXPECT_EQ(other.SetSubstring(&text, -7, INT_MAX), 1) << "only what exists";
+    EXPECT_EQ(textOf(other), L"abcd");
+    EXPECT_EQ(other.SetSubstring(&text, 3, 1), 1);
+    EXPECT_EQ(textOf(other), L"");
+    EXPECT_EQ(other.Set("set"), 1);
+    EXPECT_EQ(textOf(other), L"set");
+    for (const int cleared : {other.Set(kNoChars), other.Set(kNoWide), other.Set(kNoString), other.Clear()}) {
+        EXPECT_EQ(cleared, 1);
+    }
+    EXPECT_EQ(other.GetPointer(), nullptr);
+    EXPECT_EQ(other.GetLength(), 0);
+}
+
+TEST(String, SourcesMayBeTheStringItself) {
+    ZvString text;
+    ASSERT_EQ(text.Construct(L"abcd"), 1);
+    EXPECT_EQ(text.Set(text.GetPointer() + 1), 1);
+    EXPECT_EQ(textOf(text), L"bcd");
+    EXPECT_EQ(text.Set(&text), 1);
+    EXPECT_EQ(text.Append(&text), 1);
+    EXPECT_EQ(text.Insert(&text, 1), 1);
+    EXPECT_EQ(textOf(text), L"bbcdbcdcdbcd");
+    EXPECT_EQ(text.SetSubstring(&text, 2, 3), 1);
+    EXPECT_EQ(textOf(text), L"cd");
+}
+
+TEST(String, ComparesLengthsFirst) {
+    ZvString b, aa, ab, empty;
+    ASSERT_EQ(b.Construct(L"b") + aa.Construct(L"aa") + ab.Construct(L"ab") + empty.Construct(), 4);
+    EXPECT_EQ(b.CompareTo(&aa), -1);
+    EXPECT_EQ(aa.CompareTo(&b), 1);
+    EXPECT_LT(aa.CompareTo(&ab), 0);
+    EXPECT_GT(ab.CompareTo(&aa), 0);
+    EXPECT_EQ(ab.CompareTo(&ab), 0);
+    EXPECT_EQ(ab.CompareTo("ab"), 0);
+    EXPECT_EQ(ab.CompareTo("b"), 1);
+    EXPECT_EQ(ab.CompareTo("abc", 2), 0) << "no length rule";
+    EXPECT_LT(ab.CompareTo("abc", 3), 0);
+    EXPECT_EQ(empty.CompareTo(""), 0);
+    EXPECT_EQ(empty.CompareTo(&b), -1);
+}
+
+TEST(String, ComparingWithCharTextCountsItsBytes) {
+    ZvString text;
+    ASSERT_EQ(text.Construct("\xC3\xA9"), 1);
+    EXPECT_EQ(text.GetLength(), 1);
+    EXPECT_EQ(text.CompareTo("\xC3\xA9"), -1) << "one character against two bytes";
+    EXPECT_EQ(text.CompareTo("\xC3\xA9", 1), 0);
+}
+
+TEST(String, FindMissesTheEndThatReverseFindSees) {
+    ZvString text, empty;
+    ASSERT_EQ(text.Construct(L"abcab") + empty.Construct(), 2);
+    EXPECT_EQ(text.Find(L"ab"), 0);
+    EXPECT_EQ(text.ReverseFind(L"ab"), 3);
+    EXPECT_EQ(text.Find("ca"), 2);
+    EXPECT_EQ(text.Find(L"cab"), -1) << "only at the very end";
+    EXPECT_EQ(text.ReverseFind("cab"), 2);
+    EXPECT_EQ(text.Find(L"abcab"), -1) << "as long as the text";
+    EXPECT_EQ(text.ReverseFind(L"abcab"), 0);
+    EXPECT_EQ(text.Find(L"abcabc"), -1);
+    EXPECT_EQ(text.ReverseFind(L"abcabc"), -1);
+    EXPECT_EQ(text.ReverseFind(L"x"), -1);
+    EXPECT_EQ(empty.Find(L"a"), -1);
+    EXPECT_EQ(empty.ReverseFind("a"), -1);
+}
+
+TEST(StringUTF8, SizesAndBytesAgreeInEveryLengthClass) {
+    if (sizeof(wchar_t) < 4) GTEST_SKIP() << "characters above 0xFFFF are pairs here";
+    const struct {
+        uint32_t c;
+        const char* utf8;
+    } rows[] = {
+        {0x01, "\x01"},
+        {0x7F, "\x7F"},
+        {0x80, "\xC2\x80"},
+        {0x7FF, "\xDF\xBF"},
+        {0x800, "\xE0\xA0\x80"},
+        {0xD800, "\xED\xA0\x80"},  // a surrogate alone stays what it is
+        {0xDFFF, "\xED\xBF\xBF"},
+        {0xFFFF, "\xEF\xBF\xBF"},
+        {0x10000, "\xF0\x90\x80\x80"},
+        {0x10FFFF, "\xF4\x8F\xBF\xBF"},
+        {0x1FFFFF, "\xF7\xBF\xBF\xBF"},
+        {0x200000, "\xF8\x88\x80\x80\x80"},
+        {0x3FFFFFF, "\xFB\xBF\xBF\xBF\xBF"},
+        {0x4000000, "\xFC\x84\x80\x80\x80\x80"},
+        {0x7FFFFFFF, "\xFD\xBF\xBF\xBF\xBF\xBF"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(testing::Message() << std::hex << row.c);
+        const wchar_t text[] = {wide(row.c), 0};
+        ZvString string, back;
+        ASSERT_EQ(string.Construct(text), 1);
+        EXPECT_EQ(string.GetUTF8Size(), static_cast<int>(std::strlen(row.utf8)) + 1);
+        EXPECT_EQ(utf8Of(string), row.utf8);
+        ASSERT_EQ(back.Construct(row.utf8), 1);
+        EXPECT_EQ(textOf(back), text);
+    }
+    EXPECT_EQ(ZvStringImpl::GetUTF8Size(nullptr), 1);
+    EXPECT_EQ(ZvStringImpl::GetUTF8Size(L""), 1);
+}
+
+TEST(StringUTF8, NegativeCharactersCountMinusOneAndEndTheConversion) {
+    if (sizeof(wchar_t) < 4) GTEST_SKIP() << "no negative characters here";
+    const wchar_t text[] = {L'a', L'b', L'c', wide(0x80000000u), L'd', 0};
+    ZvString string;
+    ASSERT_EQ(string.Construct(text), 1);
+    EXPECT_EQ(string.GetUTF8Size(), 4);
+    EXPECT_EQ(utf8Of(string), "abc");
+    EXPECT_EQ(utf16Of(string), (Units{'a', 'b', 'c'}));
+
+    // A size below 1: the empty text, however much room there is.
+    const wchar_t sunk[] = {L'a', wide(0xFFFFFFFFu), wide(0xFFFFFFFFu), wide(0xFFFFFFFFu), 0};
+    string.Set(sunk);
+    EXPECT_EQ(string.GetUTF8Size(), -1);
+    char room[8] = "#######";
+    EXPECT_EQ(string.GetUTF8(room, 8), 1);
+    EXPECT_STREQ(room, "");
+    EXPECT_EQ(utf16Of(string), Units{});
+}
+
+TEST(StringUTF8, CutsAtWholeCharactersAndAlwaysEnds) {
+    ZvString string;
+    ASSERT_EQ(string.Construct("a\xE2\x82\xAC"
+                               "b"),
+              1);
+    const char* const expected[] = {"",
+                                    "a",
+                                    "a",
+                                    "a",
+                                    "a\xE2\x82\xAC",
+                                    "a\xE2\x82\xAC"
+                                    "b",
+                                    "a\xE2\x82\xAC"
+                                    "b"};
+    for (int size = 1; size <= 7; ++size) {
+        char buffer[9];
+        std::memset(buffer, '#', sizeof buffer);
+        EXPECT_EQ(string.GetUTF8(buffer, size), 1);
+        EXPECT_STREQ(buffer, expected[size - 1]) << size;
+        EXPECT_EQ(buffer[size - 1], '\0') << size;
+        EXPECT_EQ(buffer[size], '#') << size;
+    }
+    string.Clear();
+    char buffer[3] = {'#', '#', '#'};
+    EXPECT_EQ(string.GetUTF8(buffer, 3), 1);
+    EXPECT_EQ(std::string(buffer, 3), std::string("\0##", 3)) << "without a buffer only the first byte";
+}
+
+TEST(StringUTF8, ReadingEndsAtTheFirstMalformedByte) {
+    for (const char* tail : {"\x80", "\xBF", "\xC3", "\xC3(", "\xE2\x82", "\xE2(\xAC", "\xF0\x9F\x98", "\xFE",
+                             "\xFF", "\xC0\x80", "\xC1\xBF", "\xE0\x9F\xBF", "\xF0\x8F\xBF\xBF",
+                             "\xF8\x87\xBF\xBF\xBF", "\xFD\xBF\xBF\xBF\xBF"}) {
+        ZvString string;
+        // In memory of its exact size, so that the address sanitizer sees a read past the NUL.
+        const std::string text = std::string("ok") + tail;
+        const std::unique_ptr<char[]> exact(new char[text.size() + 1]);
+        std::memcpy(exact.get(), text.c_str(), text.size() + 1);
+        EXPECT_EQ(string.Construct(exact.get()), 1);
+        EXPECT_EQ(textOf(string), L"ok") << testing::PrintToString(tail);
+    }
+}
+
+// Java's native strings write a character above U+FFFF as its two surrogates.
+TEST(StringUTF8, ReadsSurrogatePairsOfThreeByteSequencesAsOneCharacter) {
+    ZvString string;
+    ASSERT_EQ(string.Construct("\xED\xA0\xBD\xED\xB8\x80!"), 1);
+    EXPECT_EQ(utf8Of(string), "\xF0\x9F\x98\x80!");
+    EXPECT_EQ(utf16Of(string), (Units{0xD83D, 0xDE00, '!'}));
+    for (const char* alone : {"\xED\xA0\xBD", "\xED\xB8\x80", "\xED\xB8\x80\xED\xA0\xBD", "\xED\xA0\xBDx"}) {
+        string.Set(alone);
+        EXPECT_EQ(utf8Of(string), alone);
+    }
+}
+
+TEST(StringUTF8, DoesNotDependOnTheLocale) {
+    const std::string before = std::setlocale(LC_ALL, nullptr);
+    for (const char* locale : {"C", "C.UTF-8", "", "de_DE.ISO-8859-1"}) {
+        if (std::setlocale(LC_ALL, locale) == nullptr) continue;
+        ZvString string;
+        EXPECT_EQ(string.Construct("\xE6\x96\x87\xC3\xA9"), 1);
+        EXPECT_EQ(textOf(string), L"\u6587\u00E9") << locale;
+        EXPECT_EQ(utf8Of(string), "\xE6\x96\x87\xC3\xA9") << locale;
+    }
+    std::setlocale(LC_ALL, before.c_str());
+}
+
+TEST(StringUTF16, UnitsOfEveryClass) {
+    ZvString string;
+    ASSERT_EQ(string.Construct("Az\x7F\xC3\xA9\xE2\x82\xAC\xEF\xBF\xBF\xF0\x90\x80\x80\xF0\x9F\xBF\xBF"), 1);
+    EXPECT_EQ(utf16Of(string), (Units{'A', 'z', 0x7F, 0xE9, 0x20AC, 0xFFFF, 0xD800, 0xDC00, 0xD83F, 0xDFFF}));
+    string.Set("");
+    EXPECT_EQ(utf16Of(string), Units{});
+    string.Clear();
+    int count = 77;
+    const std::unique_ptr<uint16_t[]> empty(string.GetUTF16(count));
+    ASSERT_NE(empty, nullptr);
+    EXPECT_EQ(empty[0], 0);
+    EXPECT_EQ(count, 77) << "without a buffer the count stays";
+    if (sizeof(wchar_t) < 4) return;
+    const wchar_t old[] = {L'a', wide(0x200000), wide(0x7FFFFFFF), L'b', 0};
+    string.Set(old);
+    EXPECT_EQ(utf16Of(string), (Units{'a', 0x25A1, 0x25A1, 'b'})) << "white squares";
+}
+
+TEST(StringUTF16, HighUnitIgnoresTheLeadByte) {
+    ZvString string;
+    // U+20000: right would be D840 DC00; its low 16 bits are 0. U+10FFFF: right would be DBFF.
+    ASSERT_EQ(string.Construct("\xF0\xA0\x80\x80\xF4\x8F\xBF\xBF"), 1);
+    if (sizeof(wchar_t) >= 4) {
+        EXPECT_EQ(utf16Of(string), (Units{0xD800, 0xDC00, 0xD83F, 0xDFFF}));
+    }
+}
+
+TEST(StringUTF16, WorkersStayInsideAnyBytes) {
+    // Fixed cases first: a stray byte ends both, a sequence cut off by the end is left out.
+    const char stray[] =
+        "ab\x80"
+        "c";
+    EXPECT_EQ(ZvStringImpl::GetUTF16Size(stray, 4), 2);
+    EXPECT_EQ(ZvStringImpl::GetUTF16Size("\xFE", 1), 0);
+    EXPECT_EQ(ZvStringImpl::GetUTF16Size("a\xF0\x9F\x98", 4), 1);
+    EXPECT_EQ(ZvStringImpl::GetUTF16Size("a", 0), 0);
+
+    std::mt19937 random(99);
+    for (int round = 0; round < 20000; ++round) {
+        const size_t length = random() % 12;
+        const std::unique_ptr<char[]> bytes(new char[length]);
+        for (size_t i = 0; i < length; ++i) {
+            static const uint8_t kLikely[] = {0x41, 0x80, 0xC3, 0xE2, 0xF0, 0xF8, 0xFC, 0xFE};
+            bytes[i] = static_cast<char>(random() % 2 == 0 ? kLikely[random() % 8] : random());
+        }
+        const int units = ZvStringImpl::GetUTF16Size(bytes.get(), static_cast<int>(length));
+        Units target(static_cast<size_t>(units) + 1, 0xBEEF);
+        ASSERT_EQ(ZvStringImpl::Mbstowcs(target.data(), bytes.get(), static_cast<int>(length)), units);
+        ASSERT_EQ(target.back(), 0);
+    }
+}
+
+// Whatever the characters, the UTF-8 form fits what was announced and reads back as the text it shows.
+TEST(StringUTF8, RandomTextFitsItsSizeAndReadsBack) {
+    std::mt19937 random(7);
+    for (int round = 0; round < 5000; ++round) {
+        std::wstring text;
+        for (size_t i = random() % 10; i > 0; --i) {
+            uint32_t c = static_cast<uint32_t>(random()) >> (random() % 32);
+            // Pairs of surrogates read back as one character; they have a test of their own.
+            if (c >= 0xD800 && c < 0xE000) c = 'x';
+            if (c != 0) text += wide(sizeof(wchar_t) < 4 ? c & 0xD7FF : c);
+        }
+        ZvString string, back;
+        ASSERT_EQ(string.Construct(text.c_str()), 1);
+        const int size = std::max(string.GetUTF8Size(), 1);
+        std::vector<char> utf8(static_cast<size_t>(size) + 4, '#');
+        ASSERT_EQ(string.GetUTF8(utf8.data(), size), 1);
+        ASSERT_EQ(utf8[static_cast<size_t>(size)], '#') << "round " << round;
+        ASSERT_EQ(back.Construct(utf8.data()), 1);
+        const std::wstring shown = textOf(back);
+        ASSERT_EQ(shown, text.substr(0, shown.size())) << "round " << round;
+        bool negative = false;
+        for (const wchar_t c : text) negative = negative || (static_cast<uint32_t>(c) & 0x80000000u) != 0;
+        if (!negative) {
+            ASSERT_EQ(shown.size(), text.size()) << "round " << round;
+        }
+    }
+}
+
+}  // namespace
+}  // namespace Zvex
