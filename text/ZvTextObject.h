@@ -86,6 +86,10 @@ public:
     void SetTextLocaleListId();
 
     ZvTextObjectImpl* mImpl;  // owned; null until Construct succeeds
+
+private:
+    bool createTextIfMissing();
+    bool addFont(const char* path, char* buffer, unsigned int size);
 };
 
 }  // namespace Zvex

@@ -33,6 +33,10 @@ public:
     // Frees the line records and empties the list.
     void clearLineInfo();
 
+    // Clip, background and effects make the picture. Both images hold straight colour and have pixels;
+    // `effectImage` is used up.
+    void compose(ZvBitmap& effectImage, ZvBitmap& picture) const;
+
     ZvTextObject* owner;         // not owned
     ZvString* text;              // owned; null until a text is set
     ZvFontDrawing* fontDrawing;  // owned

@@ -1,0 +1,407 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "text/FontManager.h"
+
+#include <SkStream.h>
+#include <SkTypeface.h>
+#include <fcntl.h>
+#include <hwui/MinikinSkia.h>
+#include <minikin/FontStyle.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <limits>
+#include <new>
+#include <string>
+#include <utility>
+
+#include "foundation/Error.h"
+#include "foundation/List.h"
+#include "foundation/ZvLog.h"
+#include "foundation/ZvString.h"
+#include "text/ZvFontManagerImpl.h"
+
+#ifndef ZVEX_SYSTEM_FONT_DIR
+#define ZVEX_SYSTEM_FONT_DIR "/system/fonts"
+#endif
+
+namespace Zvex {
+
+namespace {
+
+constexpr char kTag[] = "ZvFontManager";
+
+// The family that the system's own configuration names first; its fonts never make a family of their own.
+constexpr char kSystemRoboto[] = ZVEX_SYSTEM_FONT_DIR "/Roboto-";
+
+// The log counts megabytes of 1024 x 1000 bytes.
+constexpr float kBytesPerMegabyte = 1.024e6f;
+
+struct FileCloser {
+    void operator()(FILE* file) const { std::fclose(file); }
+};
+
+bool toUtf8(const ZvString* string, std::string& out) {
+    const int size = string != nullptr ? string->GetUTF8Size() : -1;
+    if (size < 0) return false;
+    std::vector<char> bytes(static_cast<size_t>(size) + 1, '\0');
+    if (size > 0 && string->GetUTF8(bytes.data(), size) == 0) return false;
+    out = bytes.data();
+    return true;
+}
+
+bool contains(const std::string& text, const char* part) {
+    return text.find(part) != std::string::npos;
+}
+
+// The style a font's file name speaks of; `weight` keeps its value when the name names none. The whole path
+// is looked at, so a folder called "Light" makes every font in it light.
+void styleFromPath(const std::string& path, int& weight, bool& italic) {
+    static constexpr struct {
+        const char* name;
+        int weight;
+    } kWeights[] = {{"Thin", 100}, {"Light", 300}, {"Medium", 500}, {"Black", 900}, {"Bold", 700}};
+
+    italic = false;
+    if (path.find('-', 1) == std::string::npos) return;  // a "-" that opens the path says nothing
+    italic = contains(path, "Italic");
+    for (const auto& candidate : kWeights) {
+        if (contains(path, candidate.name)) {
+            weight = candidate.weight;
+            return;
+        }
+    }
+}
+
+minikin::Font makeFont(const std::shared_ptr<minikin::MinikinFont>& font, int weight, bool italic) {
+    const int known = std::clamp(weight, 0, int{std::numeric_limits<uint16_t>::max()});
+    return minikin::Font::Builder(font)
+        .setWeight(static_cast<uint16_t>(known))
+        .setSlant(italic ? minikin::FontStyle::Slant::ITALIC : minikin::FontStyle::Slant::UPRIGHT)
+        .build();
+}
+
+// Makes the platform's font of collection index `index`; null when the bytes hold no such font. The typeface
+// reads the bytes where they lie, so they go into the deleter: freed after the font, with the last one that
+// uses them.
+std::shared_ptr<minikin::MinikinFont> wrapFont(std::shared_ptr<ZvFontData> bytes, int index) {
+    if (index < 0) return nullptr;
+    sk_sp<SkTypeface> typeface =
+        SkTypeface::MakeFromStream(new SkMemoryStream(bytes->data, bytes->size, false), index);
+    if (typeface == nullptr) return nullptr;
+    auto* font = new android::MinikinFontSkia(std::move(typeface), bytes->data, bytes->size, index,
+                                              std::vector<minikin::FontVariation>());
+    return std::shared_ptr<minikin::MinikinFont>(
+        font, [bytes = std::move(bytes)](minikin::MinikinFont* unused) { delete unused; });
+}
+
+}  // namespace
+
+void freeFontEntry(ZvFontEntry* entry) {
+    if (entry == nullptr) return;
+    delete entry->path;
+    delete entry->spare;
+    delete entry;
+}
+
+void freeFontFamily(ZvFontFamily* family) {
+    if (family == nullptr) return;
+    if (family->fonts != nullptr) {
+        const int count = family->fonts->GetCount();
+        for (int i = 0; i < count; ++i) freeFontEntry(static_cast<ZvFontEntry*>(family->fonts->Get(i)));
+        delete family->fonts;
+    }
+    delete family;
+}
+
+char* getFontData(const char* path, unsigned int& size) {
+    const char* name = path != nullptr ? path : "";
+    // Without blocking: a pipe would wait for its writer here, instead of being refused by the seek.
+    const int descriptor = open(name, O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    std::unique_ptr<FILE, FileCloser> file(descriptor >= 0 ? fdopen(descriptor, "rb") : nullptr);
+    if (file == nullptr) {
+        if (descriptor >= 0) close(descriptor);
+        ZV_DEBUG_LOG(kTag, "getFontData: fail open file path = %s", name);
+        return nullptr;
+    }
+    const long length = std::fseek(file.get(), 0, SEEK_END) == 0 ? std::ftell(file.get()) : -1;
+    if (length < 0) {
+        ZV_DEBUG_LOG(kTag, "getFontData: fseek(file, 0, SEEK_END) failure path = %s", name);
+        return nullptr;
+    }
+    if (length == 0) {
+        ZV_DEBUG_LOG(kTag, "getFontData: font length is 0 path = %s", name);
+        return nullptr;
+    }
+    if (std::fseek(file.get(), 0, SEEK_SET) != 0) {
+        ZV_DEBUG_LOG(kTag, "getFontData: fseek(file, 0, SEEK_SET) failure path = %s", name);
+        return nullptr;
+    }
+    // A folder opens too: it claims a length beyond all bounds or fails to read.
+    const auto wanted = static_cast<unsigned long long>(length);
+    const bool fits = wanted <= std::numeric_limits<uint32_t>::max();
+    std::unique_ptr<char[]> data(fits ? new (std::nothrow) char[static_cast<size_t>(wanted)] : nullptr);
+    if (data == nullptr || std::fread(data.get(), static_cast<size_t>(wanted), 1, file.get()) != 1) {
+        ZV_DEBUG_LOG(kTag, "getFontData: fread failure path = %s length = %zu", name,
+                     static_cast<size_t>(wanted));
+        return nullptr;
+    }
+    size = static_cast<unsigned int>(wanted);
+    return data.release();
+}
+
+ZvFontManagerImpl::~ZvFontManagerImpl() {
+    ClearFontFamilies();
+    ClearFontMaps();
+}
+
+std::string ZvFontManagerImpl::fontKey(const char* path, int index) {
+    std::string key(path);
+    // One character whatever the index is: keys of indices above 9 carry the characters that follow '9'.
+    key += static_cast<char>('0' + static_cast<unsigned int>(index));
+    key += '\0';
+    return key;
+}
+
+std::string ZvFontManagerImpl::dataKey(const char* path) {
+    std::string key(path);
+    key += '\0';
+    return key;
+}
+
+void ZvFontManagerImpl::indexFamilies() {
+    familyIndex.clear();
+    const int familyCount = families != nullptr ? families->GetCount() : 0;
+    for (int i = 0; i < familyCount; ++i) {
+        const auto* family = static_cast<const ZvFontFamily*>(families->Get(i));
+        IndexedFamily indexed = {family, {}};
+        const bool hasFonts = family != nullptr && family->fonts != nullptr;
+        const int fontCount = hasFonts ? family->fonts->GetCount() : 0;
+        for (int j = 0; j < fontCount; ++j) {
+            const auto* entry = static_cast<const ZvFontEntry*>(family->fonts->Get(j));
+            if (entry != nullptr) indexed.fonts.push_back(entry);
+        }
+        familyIndex.push_back(std::move(indexed));
+    }
+}
+
+void ZvFontManagerImpl::ClearFontFamilies() {
+    familyIndex.clear();
+    const int count = families != nullptr ? families->GetCount() : 0;
+    for (int i = 0; i < count; ++i) freeFontFamily(static_cast<ZvFontFamily*>(families->Get(i)));
+    delete families;
+    families = nullptr;
+    familiesSet = false;
+}
+
+void ZvFontManagerImpl::ClearFontMaps() {
+    fontMap.clear();
+    dataMap.clear();
+}
+
+FontManager* FontManager::GetInstance() {
+    static FontManager instance;
+    return &instance;
+}
+
+FontManager::FontManager() : mImpl(new (std::nothrow) ZvFontManagerImpl) {}
+
+FontManager::~FontManager() {
+    ZV_DEBUG_LOG(kTag, "~FontManager(%p)", static_cast<void*>(this));
+    delete mImpl;
+}
+
+bool FontManager::IsExisting(const char* path, int index) const {
+    if (mImpl == nullptr) {
+        ZV_REPORT_ERROR(kTag, ZV_ERROR_NOT_CONSTRUCTED);
+        return false;
+    }
+    if (path == nullptr || *path == '\0') {
+        ZV_DEBUG_LOG(kTag, "IsExisting() - path is NULL");
+        return false;
+    }
+    return mImpl->fontMap.count(ZvFontManagerImpl::fontKey(path, index)) != 0;
+}
+
+bool FontManager::AddMinikinFont(const char* path, char* buffer, unsigned int size, int index,
+                                 bool checkExisting) {
+    std::unique_ptr<char[]> handedOver(buffer);
+    if (mImpl == nullptr) {
+        ZV_REPORT_ERROR(kTag, ZV_ERROR_NOT_CONSTRUCTED);
+        return false;
+    }
+    if (path == nullptr || *path == '\0') {
+        ZV_DEBUG_LOG(kTag, "AddMinikinFont() - path is NULL");
+        return false;
+    }
+    if (checkExisting && IsExisting(path, index)) return true;
+
+    std::shared_ptr<ZvFontData> bytes;
+    const std::string dataKey = ZvFontManagerImpl::dataKey(path);
+    bool freshlyRead = false;
+    if (handedOver != nullptr) {
+        bytes = std::make_shared<ZvFontData>(handedOver.get(), size);
+        handedOver.release();
+    } else if (const auto known = mImpl->dataMap.find(dataKey); known != mImpl->dataMap.end()) {
+        bytes = known->second;
+    } else {
+        unsigned int length = 0;
+        if (char* data = getFontData(path, length)) {
+            bytes = std::make_shared<ZvFontData>(data, length);
+            mImpl->dataMap.emplace(dataKey, bytes);
+            freshlyRead = true;
+            const float megabytes = static_cast<float>(length) / kBytesPerMegabyte;
+            mImpl->totalSize += megabytes;
+            ZV_DEBUG_LOG(kTag, "BUFFER TOTAL SIZE(%.2fMB) <- %s(%.2fMB) ", mImpl->totalSize, path,
+                         static_cast<double>(megabytes));
+        }
+    }
+    if (bytes == nullptr || bytes->size == 0) {
+        __android_log_print(ANDROID_LOG_ERROR, kTag, "AddMinikinFont() - Fail to get font");
+        return false;
+    }
+
+    std::shared_ptr<minikin::MinikinFont> font = wrapFont(bytes, index);
+    if (font == nullptr) {
+        __android_log_print(ANDROID_LOG_ERROR, kTag, "AddMinikinFont() - Fail to create typeface");
+        // The file may be replaced by a font later. Bytes that were in the map before carry another font.
+        if (freshlyRead) mImpl->dataMap.erase(dataKey);
+        return false;
+    }
+    mImpl->fontMap.emplace(ZvFontManagerImpl::fontKey(path, index), std::move(font));
+    return true;
+}
+
+bool FontManager::AddMinikinFont(ZvString* path, char* buffer, unsigned int size, int index,
+                                 bool checkExisting) {
+    std::string utf8;
+    const char* known = toUtf8(path, utf8) ? utf8.c_str() : nullptr;
+    return AddMinikinFont(known, buffer, size, index, checkExisting);
+}
+
+bool FontManager::BuildMinikinFamily(ZvFontFamily* family) {
+    if (mImpl == nullptr) {
+        ZV_REPORT_ERROR(kTag, ZV_ERROR_NOT_CONSTRUCTED);
+        return false;
+    }
+    const int count = family != nullptr && family->fonts != nullptr ? family->fonts->GetCount() : 0;
+    if (count < 1) return false;
+    for (int i = 0; i < count; ++i) {
+        const auto* entry = static_cast<const ZvFontEntry*>(family->fonts->Get(i));
+        if (entry == nullptr || !AddMinikinFont(entry->path, nullptr, 0, entry->index, false)) return false;
+    }
+    return true;
+}
+
+bool FontManager::LoadMinikinFontFamily(unsigned int localeListId) {
+    if (mImpl == nullptr) {
+        ZV_REPORT_ERROR(kTag, ZV_ERROR_NOT_CONSTRUCTED);
+        return false;
+    }
+    const int count = mImpl->families != nullptr ? mImpl->families->GetCount() : 0;
+    for (int i = 0; i < count; ++i) {
+        auto* family = static_cast<ZvFontFamily*>(mImpl->families->Get(i));
+        if (family == nullptr || family->loaded != 0 || family->localeListId != localeListId) continue;
+        family->loaded = BuildMinikinFamily(family) ? 1 : 0;
+        mImpl->indexFamilies();
+        return true;
+    }
+    return false;
+}
+
+bool FontManager::SetSystemFontFamilies(List* families) {
+    if (mImpl == nullptr) {
+        ZV_REPORT_ERROR(kTag, ZV_ERROR_NOT_CONSTRUCTED);
+        return false;
+    }
+    if (!mImpl->familiesSet) {
+        mImpl->ClearFontFamilies();
+        mImpl->families = families;
+        mImpl->familiesSet = true;
+        mImpl->indexFamilies();
+    }
+    return true;
+}
+
+bool FontManager::IsSystemFontFamiliesAlreadySet() const {
+    if (mImpl == nullptr) {
+        ZV_REPORT_ERROR(kTag, ZV_ERROR_NOT_CONSTRUCTED);
+        return false;
+    }
+    return mImpl->familiesSet;
+}
+
+bool FontManager::GetMinikinFont(std::shared_ptr<minikin::MinikinFont>& out, ZvString* path,
+                                 int index) const {
+    if (mImpl == nullptr) {
+        ZV_REPORT_ERROR(kTag, ZV_ERROR_NOT_CONSTRUCTED);
+        return false;
+    }
+    std::string utf8;
+    if (!toUtf8(path, utf8)) return false;
+    const auto found = mImpl->fontMap.find(ZvFontManagerImpl::fontKey(utf8.c_str(), index));
+    if (found == mImpl->fontMap.end()) return false;
+    out = found->second;
+    return true;
+}
+
+bool FontManager::GetMinikinFontFamilies(std::vector<std::shared_ptr<minikin::FontFamily>>& out,
+                                         ZvString* path, int& weight) const {
+    if (mImpl == nullptr) {
+        ZV_REPORT_ERROR(kTag, ZV_ERROR_NOT_CONSTRUCTED);
+        return false;
+    }
+    ZV_DEBUG_LOG(kTag, "GetMinikinFontFamilies >>> GetMinikinFontFamilies");
+
+    std::string utf8;
+    if (path != nullptr && toUtf8(path, utf8)) {
+        bool italic = false;
+        styleFromPath(utf8, weight, italic);
+        std::shared_ptr<minikin::MinikinFont> font;
+        if (!contains(utf8, kSystemRoboto) && GetMinikinFont(font, path, 0)) {
+            std::vector<minikin::Font> fonts;
+            fonts.push_back(makeFont(font, weight, italic));
+            out.push_back(std::make_shared<minikin::FontFamily>(std::move(fonts)));
+        }
+    }
+
+    // Nobody adds to the list after handing it over; should somebody do so all the same, the families count.
+    if (mImpl->families != nullptr &&
+        mImpl->families->GetCount() != static_cast<int>(mImpl->familyIndex.size())) {
+        mImpl->indexFamilies();
+    }
+    for (const ZvFontManagerImpl::IndexedFamily& indexed : mImpl->familyIndex) {
+        if (indexed.family == nullptr || indexed.family->loaded == 0) continue;
+        std::vector<minikin::Font> fonts;
+        for (const ZvFontEntry* entry : indexed.fonts) {
+            std::shared_ptr<minikin::MinikinFont> font;
+            if (GetMinikinFont(font, entry->path, entry->index)) {
+                fonts.push_back(makeFont(font, entry->weight, entry->italic));
+            }
+        }
+        if (fonts.empty()) continue;
+        out.push_back(std::make_shared<minikin::FontFamily>(
+            indexed.family->localeListId, static_cast<minikin::FontFamily::Variant>(indexed.family->variant),
+            std::move(fonts)));
+    }
+    ZV_DEBUG_LOG(kTag, "GetMinikinFontFamilies <<< GetMinikinFontFamilies");
+    return true;
+}
+
+void FontManager::ClearFontFamilies() {
+    if (mImpl == nullptr) {
+        ZV_REPORT_ERROR(kTag, ZV_ERROR_NOT_CONSTRUCTED);
+        return;
+    }
+    mImpl->ClearFontFamilies();
+}
+
+void FontManager::ClearFontMaps() {
+    if (mImpl == nullptr) {
+        ZV_REPORT_ERROR(kTag, ZV_ERROR_NOT_CONSTRUCTED);
+        return;
+    }
+    mImpl->ClearFontMaps();
+}
+
+}  // namespace Zvex

@@ -1,0 +1,241 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "text/ZvFontDrawing.h"
+
+#include <SkBitmap.h>
+#include <SkCanvas.h>
+#include <SkImageInfo.h>
+#include <SkPaint.h>
+#include <SkTextBlob.h>
+#include <hwui/MinikinUtils.h>
+#include <hwui/Paint.h>
+#include <hwui/Typeface.h>
+#include <minikin/FontFamily.h>
+#include <minikin/Layout.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <memory>
+#include <new>
+#include <vector>
+
+#include "effect/ZvEffect.h"
+#include "effect/ZvGlyph.h"
+#include "foundation/Error.h"
+#include "foundation/List.h"
+#include "foundation/ZvString.h"
+#include "raster/ZvBitmap.h"
+#include "text/DrawTextFunctor.h"
+#include "text/FontManager.h"
+#include "text/SafeConvert.h"
+#include "text/ZvLineInfo.h"
+#include "text/ZvTextObject.h"
+
+namespace Zvex {
+
+namespace {
+
+constexpr char kTag[] = "ZvFontDrawing";
+
+// Pen positions are 26.6 fixed point: 26 bits of whole pixels, so positions beyond them wrap around.
+int32_t toFixed(int32_t pixels) {
+    return static_cast<int32_t>(static_cast<uint32_t>(pixels) * 64u);
+}
+
+int32_t toPixels(int32_t fixed) {
+    return fixed >> 6;  // arithmetic: towards minus infinity
+}
+
+// The part of [0, length) that a line covers. Line records come from outside and may be older than the text.
+struct TextRange {
+    TextRange(const ZvLineInfo& line, int length)
+        : start(std::clamp(line.start, 0, length)), end(std::clamp(line.end, start, length)) {}
+    int start;
+    int end;
+};
+
+// The line's coverage image, not yet drawn: as wide as the advance (not as the ink, so ink beyond the advance
+// is cut off), as high as the bounds. Null when memory is short.
+std::unique_ptr<ZvGlyph> makeLineImage(const minikin::MinikinRect& bounds, float advance) {
+    std::unique_ptr<ZvGlyph> glyph(new (std::nothrow) ZvGlyph);
+    if (glyph == nullptr) return nullptr;
+    glyph->width = static_cast<uint16_t>(truncateToUnsigned(advance));
+    glyph->height = static_cast<uint16_t>(truncateToUnsigned(bounds.mBottom - bounds.mTop));
+    glyph->baseline = truncateToInt(-bounds.mTop);
+    glyph->left = 0;
+    glyph->pixels = new (std::nothrow) uint8_t[size_t{glyph->width} * glyph->height];
+    if (glyph->pixels == nullptr) return nullptr;
+    return glyph;
+}
+
+void drawLineImage(const ZvGlyph& glyph, const minikin::Layout& layout, const minikin::MinikinRect& bounds,
+                   android::Paint& paint) {
+    if (glyph.width == 0 || glyph.height == 0) return;
+    SkBitmap bitmap;
+    bitmap.installPixels(
+        SkImageInfo::Make(glyph.width, glyph.height, kAlpha_8_SkColorType, kPremul_SkAlphaType), glyph.pixels,
+        glyph.width);
+    SkCanvas canvas(bitmap);
+    canvas.drawColor(0, SkBlendMode::kSrc);
+    DrawTextFunctor functor(layout, &canvas, &paint, bounds);
+    android::MinikinUtils::forFontRun(layout, &paint, functor);
+}
+
+}  // namespace
+
+void DrawTextFunctor::operator()(size_t start, size_t end) {
+    SkPaint glyphPaint(*paint);
+    glyphPaint.setTextAlign(SkPaint::kLeft_Align);
+    glyphPaint.setTextEncoding(SkPaint::kGlyphID_TextEncoding);
+    glyphPaint.setStyle(SkPaint::kFill_Style);
+
+    const SkRect runBounds = SkRect::MakeLTRB(bounds.mLeft, bounds.mTop, bounds.mRight, bounds.mBottom);
+    const int count = static_cast<int>(end - start);
+    SkTextBlobBuilder builder;
+    const SkTextBlobBuilder::RunBuffer& run = builder.allocRunPos(glyphPaint, count, &runBounds);
+    for (int i = 0; i < count; ++i) {
+        const int index = static_cast<int>(start) + i;
+        run.glyphs[i] = static_cast<uint16_t>(layout.getGlyphId(index));
+        run.pos[2 * i] = layout.getX(index);
+        run.pos[2 * i + 1] = layout.getY(index);
+    }
+    canvas->drawTextBlob(builder.make(), -bounds.mLeft, -bounds.mTop, glyphPaint);
+}
+
+ZvFontDrawing::ZvFontDrawing() : fontPath(nullptr), glyphList(new (std::nothrow) List) {
+    if (glyphList != nullptr) glyphList->Construct();
+}
+
+ZvFontDrawing::~ZvFontDrawing() {
+    delete fontPath;
+    ClearGlyphList();
+    delete glyphList;
+}
+
+void ZvFontDrawing::SetFontPath(const char* path) {
+    if (path == nullptr) return;
+    if (fontPath == nullptr) {
+        fontPath = new (std::nothrow) ZvString;
+        if (fontPath != nullptr) fontPath->Construct(path);
+    } else if (fontPath->CompareTo(path) != 0) {
+        fontPath->Set(path);
+    }
+}
+
+void ZvFontDrawing::ClearGlyphList() {
+    if (glyphList == nullptr) return;
+    const int count = glyphList->GetCount();
+    for (int i = 0; i < count; ++i) {
+        auto* glyph = static_cast<ZvGlyph*>(glyphList->Get(i));
+        if (glyph == nullptr) continue;
+        delete[] glyph->pixels;
+        delete glyph;
+    }
+    glyphList->RemoveAll();
+}
+
+int ZvFontDrawing::DrawTextEffect(ZvTextObject* text, ZvBitmap* out) {
+    const ZvString* string = text != nullptr ? text->GetText() : nullptr;
+    if (string == nullptr) {
+        __android_log_print(ANDROID_LOG_ERROR, kTag, "DrawTextEffect(%p) - text is NULL",
+                            static_cast<void*>(this));
+        return 0;
+    }
+    int length = -1;
+    const std::unique_ptr<uint16_t[]> utf16(string->GetUTF16(length));
+    if (utf16 == nullptr || length < 1) {
+        __android_log_print(ANDROID_LOG_ERROR, kTag, "DrawTextEffect(%p) - textLength is 0",
+                            static_cast<void*>(this));
+        return 0;
+    }
+    ZvEffect* effect = text->GetEffect();
+    if (effect == nullptr) {
+        __android_log_print(ANDROID_LOG_ERROR, kTag, "DrawTextEffect(%p) - Effect is NULL",
+                            static_cast<void*>(this));
+        return 0;
+    }
+    if (out == nullptr) return 0;
+
+    // Declared before the paint and the typeface, which point into the fonts: so it goes after them.
+    std::vector<std::shared_ptr<minikin::FontFamily>> families;
+    android::Paint paint = text->GetPaint();
+    effect->addText(text->GetTextColor());
+    effect->initEffect(static_cast<int>(out->width), static_cast<int>(out->height));
+    effect->setDstBitmap(out);
+
+    const List* lines = text->GetLineInfo();
+    if (lines == nullptr) {
+        __android_log_print(ANDROID_LOG_ERROR, kTag, "DrawTextEffect(%p) - lineInfoList is NULL",
+                            static_cast<void*>(this));
+        ZV_REPORT_ERROR(kTag, ZV_ERROR_NOT_CONSTRUCTED);
+        return 0;
+    }
+
+    // The platform cannot make a typeface of no family at all, so that counts as a failure here too.
+    int weight = 400;
+    if (!FontManager::GetInstance()->GetMinikinFontFamilies(families, fontPath, weight) || families.empty()) {
+        __android_log_print(ANDROID_LOG_ERROR, kTag, "DrawTextEffect(%p) - GetMinikinFontFamilies failed",
+                            static_cast<void*>(this));
+        return 0;
+    }
+    // Boldness comes from the font's name and the paint's fake bold; the bold style bit plays no part.
+    const std::unique_ptr<android::Typeface> typeface(
+        android::Typeface::createFromFamilies(std::vector<std::shared_ptr<minikin::FontFamily>>(families),
+                                              weight, text->isItalicTextStyle() ? 1 : 0));
+
+    const int leftOffset = effect->getLeftOffset();
+    const int topOffset = effect->getTopOffset();
+    const int lineCount = lines->GetCount();
+    for (int i = 0; i < lineCount; ++i) {
+        auto* line = static_cast<ZvLineInfo*>(lines->Get(i));
+        if (line == nullptr) continue;
+        ClearGlyphList();
+
+        const TextRange range(*line, length);
+        const minikin::Layout layout = android::MinikinUtils::doLayout(
+            &paint, line->direction < 0 ? minikin::Bidi::DEFAULT_RTL : minikin::Bidi::DEFAULT_LTR,
+            typeface.get(), utf16.get(), static_cast<size_t>(range.start),
+            static_cast<size_t>(range.end - range.start), static_cast<size_t>(length), nullptr);
+        minikin::MinikinRect bounds;
+        layout.getBounds(&bounds);
+        const float advance = layout.getAdvance();
+
+        std::unique_ptr<ZvGlyph> glyph = makeLineImage(bounds, advance);
+        if (glyph == nullptr) continue;
+        drawLineImage(*glyph, layout, bounds, paint);
+
+        const int32_t penX = toFixed(wrapAdd(line->x, leftOffset));
+        const int32_t penY = toFixed(wrapAdd(line->y, topOffset));
+        if (glyphList == nullptr || glyphList->Add(glyph.get()) == 0) {
+            delete[] glyph->pixels;
+            continue;
+        }
+        glyph.release();
+        _DoRender(penX, penY, glyphList, effect, line->direction);
+
+        // Top and bottom move relative to what they were, so a second rendering of the same lines moves them
+        // once more; left and right start from the line itself.
+        line->rect.left = toPixels(penX);
+        line->rect.top = wrapAdd(line->rect.top, topOffset);
+        line->rect.right = wrapAdd(line->rect.left, truncateToInt(advance));
+        line->rect.bottom = wrapAdd(line->rect.bottom, topOffset);
+    }
+
+    effect->doEffectPostProcessing();
+    effect->compositeLayers(out);
+    return 0;
+}
+
+void ZvFontDrawing::_DoRender(int x, int y, List* glyphs, ZvEffect* effect, int direction) {
+    const int count = glyphs != nullptr ? glyphs->GetCount() : 0;
+    if (effect == nullptr) return;
+    for (int i = 0; i < count; ++i) {
+        auto* glyph = static_cast<ZvGlyph*>(glyphs->Get(direction >= 0 ? i : count - 1 - i));
+        if (glyph == nullptr) continue;
+        const int32_t left = wrapAdd(glyph->left, toPixels(x));
+        const int32_t top = wrapSubtract(toPixels(y), glyph->baseline);
+        effect->renderEffectLayer(left, top, glyph);
+        x = wrapAdd(x, toFixed(glyph->width));
+    }
+}
+
+}  // namespace Zvex

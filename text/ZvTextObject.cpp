@@ -1,0 +1,418 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "text/ZvTextObject.h"
+
+#include <SkBitmap.h>
+#include <SkCanvas.h>
+#include <SkColorSpace.h>
+#include <SkImageInfo.h>
+#include <SkPaint.h>
+#include <minikin/LocaleList.h>
+#include <unicode/uscript.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <memory>
+#include <mutex>
+#include <new>
+#include <string>
+
+#include "effect/ZvEffect.h"
+#include "foundation/Error.h"
+#include "foundation/List.h"
+#include "foundation/ZvLog.h"
+#include "foundation/ZvString.h"
+#include "raster/ZvBitmap.h"
+#include "raster/ZvBlender.h"
+#include "text/FontManager.h"
+#include "text/ZvFontDrawing.h"
+#include "text/ZvLineInfo.h"
+#include "text/ZvTextInstanceManager.h"
+#include "text/ZvTextObjectImpl.h"
+#include "text/ZvView.h"
+
+// The script runs of ICU's common library. It exports them, but no installed header of it declares them.
+struct UScriptRun;
+extern "C" {
+UScriptRun* U_EXPORT2 uscript_openRun(const UChar* text, int32_t length, UErrorCode* status);
+UBool U_EXPORT2 uscript_nextRun(UScriptRun* run, int32_t* start, int32_t* limit, UScriptCode* script);
+void U_EXPORT2 uscript_closeRun(UScriptRun* run);
+}
+
+// Every operation starts with it; `result` is what it answers then, nothing for operations without a result.
+#define RETURN_UNLESS_CONSTRUCTED(result)                    \
+    do {                                                     \
+        if (mImpl == nullptr) {                              \
+            ZV_REPORT_ERROR(kTag, ZV_ERROR_NOT_CONSTRUCTED); \
+            return result;                                   \
+        }                                                    \
+    } while (false)
+
+namespace Zvex {
+
+namespace {
+
+constexpr char kTag[] = "ZvTextObject";
+
+void deleteReleasedObject(ZvTextObject* object) {
+    ZV_DEBUG_LOG("ZvTextInstanceManager", "Delete ZvTextObject by InstanceManager : %p",
+                 static_cast<void*>(object));
+    delete object;
+}
+
+// The locale list that stands for a script where the system's families are told apart by language. Empty for
+// characters that any font has.
+std::string localesForScript(UScriptCode script) {
+    switch (script) {
+        case USCRIPT_HAN:
+        case USCRIPT_SIMPLIFIED_HAN:
+            return "zh-Hans";
+        case USCRIPT_TRADITIONAL_HAN:
+        case USCRIPT_HAN_WITH_BOPOMOFO:
+            return "zh-Hant";
+        case USCRIPT_HANGUL:
+        case USCRIPT_KOREAN:
+        case USCRIPT_JAMO:
+            return "ko";
+        case USCRIPT_HIRAGANA:
+        case USCRIPT_KATAKANA:
+        case USCRIPT_JAPANESE:
+            return "ja";
+        case USCRIPT_INVALID_CODE:
+        case USCRIPT_COMMON:
+        case USCRIPT_INHERITED:
+        case USCRIPT_LATIN:
+        case USCRIPT_UNWRITTEN_LANGUAGES:
+        case USCRIPT_UNKNOWN:
+            return std::string();
+        default: {
+            const char* name = uscript_getShortName(script);
+            if (name == nullptr) return std::string();
+            char locale[16];
+            std::snprintf(locale, sizeof(locale), "und-%s", name);
+            return locale;
+        }
+    }
+}
+
+SkImageInfo straightColorInfo(const ZvBitmap& bitmap) {
+    return SkImageInfo::Make(static_cast<int>(bitmap.width), static_cast<int>(bitmap.height),
+                             kRGBA_8888_SkColorType, kUnpremul_SkAlphaType, SkColorSpace::MakeSRGB());
+}
+
+void wrapColorBitmap(const ZvBitmap& bitmap, SkBitmap& out) {
+    out.installPixels(straightColorInfo(bitmap), bitmap.pixels, size_t{bitmap.width} * bitmap.bytesPerPixel);
+}
+
+// The part of the picture that may be drawn to: all of it without the paddings, except that the text may run
+// into the padding on the side its gravity pulls it to.
+SkRect clipOf(const ZvView& view) {
+    const int horizontal = view.gravity & ZvView::HORIZONTAL_MASK;
+    const int vertical = view.gravity & ZvView::VERTICAL_MASK;
+    const int64_t left = horizontal == ZvView::LEFT ? 0 : view.paddingLeft;
+    const int64_t top = vertical == ZvView::TOP ? 0 : view.paddingTop;
+    const int64_t right = int64_t{view.bitmapWidth} - (horizontal == ZvView::RIGHT ? 0 : view.paddingRight);
+    const int64_t bottom = int64_t{view.bitmapHeight} - (vertical == ZvView::BOTTOM ? 0 : view.paddingBottom);
+    // Paddings larger than the picture leave nothing, not a rectangle turned inside out.
+    return SkRect::MakeLTRB(static_cast<float>(left), static_cast<float>(top),
+                            static_cast<float>(std::max(left, right)),
+                            static_cast<float>(std::max(top, bottom)));
+}
+
+}  // namespace
+
+ZvTextObjectImpl::ZvTextObjectImpl(ZvTextObject* ownerObject)
+    : owner(ownerObject),
+      text(nullptr),
+      fontDrawing(new (std::nothrow) ZvFontDrawing),
+      effect(new (std::nothrow) ZvEffect),
+      lineInfo(new (std::nothrow) List),
+      view(new (std::nothrow) ZvView) {
+    if (lineInfo != nullptr) lineInfo->Construct();
+}
+
+ZvTextObjectImpl::~ZvTextObjectImpl() {
+    delete text;
+    clearLineInfo();
+    delete lineInfo;
+    delete effect;
+    delete fontDrawing;
+    delete result;
+    delete view;
+}
+
+void ZvTextObjectImpl::clearLineInfo() {
+    if (lineInfo == nullptr) return;
+    const int count = lineInfo->GetCount();
+    for (int i = 0; i < count; ++i) delete static_cast<ZvLineInfo*>(lineInfo->Get(i));
+    lineInfo->RemoveAll();
+}
+
+ZvTextObject::ZvTextObject() : mImpl(nullptr) {
+    static std::once_flag callbackSet;
+    std::call_once(callbackSet, [] { ZvTextInstanceManager::SetCallBack(deleteReleasedObject); });
+    ZV_DEBUG_LOG(kTag, "ZvTextObject(%p)", static_cast<void*>(this));
+}
+
+ZvTextObject::~ZvTextObject() {
+    const int handle = mImpl != nullptr ? mImpl->runtimeHandle : -1;
+    ZV_DEBUG_LOG(kTag, "~ZvTextObject(%p / %d)", static_cast<void*>(this), handle);
+    ZvTextInstanceManager::Unregister(handle);
+    delete mImpl;
+}
+
+bool ZvTextObject::Construct() {
+    if (mImpl != nullptr) {
+        ZV_REPORT_ERROR(kTag, ZV_ERROR_ALREADY_CONSTRUCTED);
+        return false;
+    }
+    mImpl = new (std::nothrow) ZvTextObjectImpl(this);
+    if (mImpl == nullptr) return false;
+    mImpl->runtimeHandle = ZvTextInstanceManager::Register(this);
+    ZV_DEBUG_LOG(kTag, "Construct(%p / %d)", static_cast<void*>(this), mImpl->runtimeHandle);
+    return true;
+}
+
+int ZvTextObject::GetRuntimeHandle() const {
+    RETURN_UNLESS_CONSTRUCTED(-1);
+    return mImpl->runtimeHandle;
+}
+
+ZvEffect* ZvTextObject::GetEffect() {
+    RETURN_UNLESS_CONSTRUCTED(nullptr);
+    return mImpl->effect;
+}
+
+bool ZvTextObject::SetText(const ZvString* text) {
+    RETURN_UNLESS_CONSTRUCTED(false);
+    ZV_DEBUG_LOG(kTag, "SetText() - %p [%s] strLen=%d", static_cast<void*>(this), ZvLog::ConvertLog(text),
+                 text != nullptr ? text->GetLength() : 0);
+    if (text == nullptr) {
+        delete mImpl->text;
+        mImpl->text = nullptr;
+        return true;
+    }
+    if (!createTextIfMissing()) return false;
+    if (text != mImpl->text && mImpl->text->Set(text) == 0) return false;
+    SetTextLocaleListId();
+    return true;
+}
+
+bool ZvTextObject::SetText(const wchar_t* text) {
+    RETURN_UNLESS_CONSTRUCTED(false);
+    if (text == nullptr) {
+        delete mImpl->text;
+        mImpl->text = nullptr;
+        return true;
+    }
+    if (!createTextIfMissing() || mImpl->text->Set(text) == 0) return false;
+    SetTextLocaleListId();
+    return true;
+}
+
+ZvString* ZvTextObject::GetText() {
+    RETURN_UNLESS_CONSTRUCTED(nullptr);
+    return mImpl->text;
+}
+
+void ZvTextObject::SetTextLocaleListId() {
+    RETURN_UNLESS_CONSTRUCTED();
+    if (mImpl->text == nullptr) {
+        ZV_DEBUG_LOG(kTag, "SetTextLocaleListId - text is null.");
+        return;
+    }
+    int length = -1;
+    const std::unique_ptr<uint16_t[]> utf16(mImpl->text->GetUTF16(length));
+    if (utf16 == nullptr || length < 1) return;  // an empty text has no scripts
+
+    UErrorCode status = U_ZERO_ERROR;
+    const std::unique_ptr<UScriptRun, void (*)(UScriptRun*)> runs(
+        uscript_openRun(reinterpret_cast<const UChar*>(utf16.get()), length, &status), uscript_closeRun);
+    if (U_FAILURE(status) || runs == nullptr) {
+        __android_log_print(ANDROID_LOG_ERROR, kTag, "SetTextLocaleListId - uscript_openRun is failed.");
+        return;
+    }
+    int32_t start = 0;
+    int32_t limit = 0;
+    UScriptCode script = USCRIPT_INVALID_CODE;
+    while (uscript_nextRun(runs.get(), &start, &limit, &script)) {
+        const std::string locales = localesForScript(script);
+        if (locales.empty()) continue;
+        const uint32_t id = minikin::registerLocaleList(locales);
+        if (id != 0) FontManager::GetInstance()->LoadMinikinFontFamily(id);
+    }
+}
+
+bool ZvTextObject::SetFont(const char* path) {
+    RETURN_UNLESS_CONSTRUCTED(false);
+    if (path == nullptr) {
+        ZV_REPORT_ERROR(kTag, ZV_ERROR_INVALID_ARGUMENT);
+        return false;
+    }
+    ZV_DEBUG_LOG(kTag, "SetFont(%p) - path[%s]", static_cast<void*>(this), path);
+    return addFont(path, nullptr, 0);
+}
+
+bool ZvTextObject::SetFont(const char* path, char* buffer, unsigned int size) {
+    std::unique_ptr<char[]> handedOver(buffer);
+    RETURN_UNLESS_CONSTRUCTED(false);
+    if (path == nullptr) {
+        ZV_REPORT_ERROR(kTag, ZV_ERROR_INVALID_ARGUMENT);
+        return false;
+    }
+    ZV_DEBUG_LOG(kTag, "SetFont2(%p) - path[%s] - size: %d", static_cast<void*>(this), path,
+                 static_cast<int>(size));
+    return addFont(path, handedOver.release(), size);
+}
+
+// `buffer` passes to the font manager.
+bool ZvTextObject::addFont(const char* path, char* buffer, unsigned int size) {
+    if (mImpl->fontDrawing == nullptr) mImpl->fontDrawing = new (std::nothrow) ZvFontDrawing;
+    if (!FontManager::GetInstance()->AddMinikinFont(path, buffer, size, 0, true)) return false;
+    if (mImpl->fontDrawing == nullptr) return false;
+    mImpl->fontDrawing->SetFontPath(path);
+    return true;
+}
+
+ZvFontDrawing* ZvTextObject::GetFont() {
+    RETURN_UNLESS_CONSTRUCTED(nullptr);
+    return mImpl->fontDrawing;
+}
+
+bool ZvTextObject::SetLineInfo(const List* list) {
+    RETURN_UNLESS_CONSTRUCTED(false);
+    if (list == nullptr) {
+        __android_log_print(ANDROID_LOG_ERROR, kTag, "SetLineInfo - lineInfo is NULL");
+        ZV_REPORT_ERROR(kTag, ZV_ERROR_INVALID_ARGUMENT);
+        return false;
+    }
+    if (mImpl->lineInfo == nullptr) {
+        __android_log_print(ANDROID_LOG_ERROR, kTag, "SetLineInfo - M->lineInfo is NULL");
+        ZV_REPORT_ERROR(kTag, ZV_ERROR_NOT_CONSTRUCTED);
+        return false;
+    }
+    if (list == mImpl->lineInfo) return true;
+    mImpl->clearLineInfo();
+    if (list->GetCount() == 0) return true;
+    return mImpl->lineInfo->Add(list) != 0;
+}
+
+List* ZvTextObject::GetLineInfo() {
+    RETURN_UNLESS_CONSTRUCTED(nullptr);
+    return mImpl->lineInfo;
+}
+
+bool ZvTextObject::SetTextStyle(bool bold, bool italic) {
+    RETURN_UNLESS_CONSTRUCTED(false);
+    mImpl->style &= ~uint32_t{ZV_TEXT_STYLE_BOLD | ZV_TEXT_STYLE_ITALIC};
+    if (bold) mImpl->style |= ZV_TEXT_STYLE_BOLD;
+    if (italic) mImpl->style |= ZV_TEXT_STYLE_ITALIC;
+    return true;
+}
+
+bool ZvTextObject::isBoldTextStyle() const {
+    RETURN_UNLESS_CONSTRUCTED(false);
+    return (mImpl->style & ZV_TEXT_STYLE_BOLD) != 0;
+}
+
+bool ZvTextObject::isItalicTextStyle() const {
+    RETURN_UNLESS_CONSTRUCTED(false);
+    return (mImpl->style & ZV_TEXT_STYLE_ITALIC) != 0;
+}
+
+ZvView* ZvTextObject::GetView() {
+    RETURN_UNLESS_CONSTRUCTED(nullptr);
+    return mImpl->view;
+}
+
+android::Paint ZvTextObject::GetPaint() const {
+    RETURN_UNLESS_CONSTRUCTED(android::Paint());
+    return mImpl->paint;
+}
+
+void ZvTextObject::SetPaint(android::Paint& paint) {
+    RETURN_UNLESS_CONSTRUCTED();
+    mImpl->paint = paint;
+}
+
+void ZvTextObject::SetBackgroundColor(unsigned int color, bool enabled) {
+    RETURN_UNLESS_CONSTRUCTED();
+    mImpl->backgroundColor = color;
+    mImpl->backgroundEnabled = enabled;
+}
+
+void ZvTextObject::SetTextColor(unsigned int color) {
+    RETURN_UNLESS_CONSTRUCTED();
+    mImpl->textColor = color;
+}
+
+unsigned int ZvTextObject::GetTextColor() const {
+    RETURN_UNLESS_CONSTRUCTED(0xFF000000u);
+    return mImpl->textColor;
+}
+
+uint32_t* ZvTextObject::RenderTextEffect(int width, int height) {
+    RETURN_UNLESS_CONSTRUCTED(nullptr);
+    ZV_DEBUG_LOG(kTag, "RenderTextEffect(%p / %d) >>> Start! - (w=%d,h=%d)", static_cast<void*>(this),
+                 mImpl->runtimeHandle, width, height);
+    if (mImpl->fontDrawing == nullptr) {
+        ZV_REPORT_ERROR(kTag, ZV_ERROR_NOT_CONSTRUCTED);
+        return mImpl->result != nullptr ? reinterpret_cast<uint32_t*>(mImpl->result->pixels) : nullptr;
+    }
+    const unsigned int safeWidth = width > 0 ? static_cast<unsigned int>(width) : 0;
+    const unsigned int safeHeight = height > 0 ? static_cast<unsigned int>(height) : 0;
+    ZvBitmap effectImage(safeWidth, safeHeight, 4);
+    std::unique_ptr<ZvBitmap> result(new (std::nothrow) ZvBitmap(safeWidth, safeHeight, 4));
+    if (result == nullptr) return nullptr;
+    if (effectImage.pixels != nullptr && result->pixels != nullptr) {
+        mImpl->fontDrawing->DrawTextEffect(this, &effectImage);
+        mImpl->compose(effectImage, *result);
+    }
+    delete mImpl->result;
+    mImpl->result = result.release();
+    ZV_DEBUG_LOG(kTag, "RenderTextEffect(%p / %d) <<< End.", static_cast<void*>(this), mImpl->runtimeHandle);
+    return reinterpret_cast<uint32_t*>(mImpl->result->pixels);
+}
+
+void ZvTextObjectImpl::compose(ZvBitmap& effectImage, ZvBitmap& picture) const {
+    SkBitmap pictureBitmap;
+    wrapColorBitmap(picture, pictureBitmap);
+    SkCanvas canvas(pictureBitmap);
+    canvas.drawColor(0, SkBlendMode::kSrc);
+    if (view != nullptr) canvas.clipRect(clipOf(*view), SkClipOp::kIntersect, true);
+
+    if (backgroundEnabled && lineInfo != nullptr) {
+        SkPaint background;
+        background.setColor(backgroundColor);
+        background.setStyle(SkPaint::kFill_Style);
+        const int count = lineInfo->GetCount();
+        for (int i = 0; i < count; ++i) {
+            const auto* line = static_cast<const ZvLineInfo*>(lineInfo->Get(i));
+            if (line == nullptr) continue;
+            canvas.drawRect(
+                SkRect::MakeLTRB(static_cast<float>(line->rect.left), static_cast<float>(line->rect.top),
+                                 static_cast<float>(line->rect.right), static_cast<float>(line->rect.bottom)),
+                background);
+        }
+    }
+
+    // From here on both hold words 0xAARRGGBB, blue first in memory. The canvas treats the three colour
+    // channels alike, so it need not know.
+    SkBitmap effectBitmap;
+    wrapColorBitmap(effectImage, effectBitmap);
+    ZvBlender::convertBGRAToARGB(&picture);
+    ZvBlender::convertBGRAToARGB(&effectImage);
+    canvas.drawBitmap(effectBitmap, 0, 0);
+}
+
+ZvTextObject* ZvTextObject::FindZvTextObject(int handle) {
+    return ZvTextInstanceManager::FindZvTextObject(handle);
+}
+
+bool ZvTextObject::createTextIfMissing() {
+    if (mImpl->text != nullptr) return true;
+    mImpl->text = new (std::nothrow) ZvString;
+    if (mImpl->text == nullptr) return false;
+    return mImpl->text->Construct() != 0;
+}
+
+}  // namespace Zvex
