@@ -24,7 +24,7 @@ TEST(Error, BelongsToItsThreadAndStaysUntilReplaced) {
     unsigned long fresh = 99, own = 99;
     std::thread([&] {
         fresh = Error::GetError();
-        Error::SetError(0x100000007ull & 0xFFFFFFFFFFul);
+        Error::SetError(static_cast<unsigned long>(0x100000007ull));
         own = Error::GetError();
     }).join();
     EXPECT_EQ(fresh, 0u);
@@ -51,7 +51,7 @@ TEST_F(Log, LinesCarryTheFileNameAndThePriorityOfTheirLevel) {
 
 TEST_F(Log, WritesNothingWhenSwitchedOffOrWithoutFormatOrWithAnEndlessFileName) {
     const char* noFormat = nullptr;
-    ZvLog::printLog(ZV_LOG_ERROR, "F.cpp", noFormat);
+    ZvLog::printLog(ZV_LOG_ERROR, "F.cpp", noFormat, 1);
     ZvLog::printLog(ZV_LOG_ERROR, nullptr, "x");
     ZvLog::printLog(ZV_LOG_ERROR, std::string(256, 'f').c_str(), "x");
     ZvLog::printLog(static_cast<ZvLogLevel>(0), "F.cpp", "x");
