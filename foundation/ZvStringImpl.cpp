@@ -7,6 +7,7 @@
 #include <climits>
 #include <cstring>
 #include <new>
+#include <type_traits>
 
 namespace Zvex {
 
@@ -27,18 +28,21 @@ uint32_t paired(uint32_t high, uint32_t low) {
     return 0x10000 + ((high - 0xD800) << 10) + (low - 0xDC00);
 }
 
-// The next character of wide text, which must not stand on the NUL. A negative wchar_t comes out as
-// 0x80000000 or more, whether the type is signed or not.
+// A wchar_t without its sign: a negative one comes out with the top bit set, whether the type is signed or
+// not.
+uint32_t unsignedOf(wchar_t c) {
+    return static_cast<std::make_unsigned_t<wchar_t>>(c);
+}
+
+// The next character of wide text, which must not stand on the NUL.
 uint32_t nextWide(const wchar_t*& text) {
-    const uint32_t c = static_cast<uint32_t>(*text++);
+    const uint32_t c = unsignedOf(*text++);
     if constexpr (sizeof(wchar_t) == 2) {
-        const uint32_t unit = c & 0xFFFF;
-        const uint32_t next = static_cast<uint32_t>(*text) & 0xFFFF;
-        if (isHighSurrogate(unit) && isLowSurrogate(next)) {
+        const uint32_t following = unsignedOf(*text);
+        if (isHighSurrogate(c) && isLowSurrogate(following)) {
             ++text;
-            return paired(unit, next);
+            return paired(c, following);
         }
-        return unit;
     }
     return c;
 }
