@@ -1,0 +1,129 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "tests/FailingAllocations.h"
+
+#include <cstddef>
+#include <cstdlib>
+#include <new>
+
+namespace {
+
+struct Counters {
+    bool armed = false;
+    int failing = -1;
+    int made = 0;
+    int outstanding = 0;
+};
+thread_local Counters counters;
+
+// Whether this allocation is the one to fail.
+bool failsNow() {
+    return counters.armed && counters.made++ == counters.failing;
+}
+
+void* counted(void* block) {
+    if (counters.armed && block != nullptr) ++counters.outstanding;
+    return block;
+}
+
+void uncount(void* block) {
+    if (counters.armed && block != nullptr) --counters.outstanding;
+}
+
+}  // namespace
+
+// The linker sends the program's own calls of malloc here (its option --wrap) and calls of __real_malloc to
+// the C library, or to whatever a sanitizer put in its place.
+extern "C" {
+void* __real_malloc(size_t size);
+void* __real_calloc(size_t count, size_t size);
+void* __real_realloc(void* block, size_t size);
+void __real_free(void* block);
+
+void* __wrap_malloc(size_t size) {
+    return failsNow() ? nullptr : counted(__real_malloc(size));
+}
+
+void* __wrap_calloc(size_t count, size_t size) {
+    return failsNow() ? nullptr : counted(__real_calloc(count, size));
+}
+
+void* __wrap_realloc(void* block, size_t size) {
+    if (failsNow()) return nullptr;
+    void* moved = __real_realloc(block, size);
+    if (block == nullptr) counted(moved);
+    return moved;
+}
+
+void __wrap_free(void* block) {
+    uncount(block);
+    __real_free(block);
+}
+}
+
+namespace {
+
+void* throwing(size_t size) {
+    void* block = counted(__real_malloc(size == 0 ? 1 : size));
+    if (block == nullptr) throw std::bad_alloc();
+    return block;
+}
+
+void* nothrow(size_t size) {
+    return failsNow() ? nullptr : counted(__real_malloc(size == 0 ? 1 : size));
+}
+
+void release(void* block) {
+    uncount(block);
+    __real_free(block);
+}
+
+}  // namespace
+
+void* operator new(size_t size) {
+    return throwing(size);
+}
+void* operator new[](size_t size) {
+    return throwing(size);
+}
+void* operator new(size_t size, const std::nothrow_t&) noexcept {
+    return nothrow(size);
+}
+void* operator new[](size_t size, const std::nothrow_t&) noexcept {
+    return nothrow(size);
+}
+void operator delete(void* block) noexcept {
+    release(block);
+}
+void operator delete[](void* block) noexcept {
+    release(block);
+}
+void operator delete(void* block, size_t) noexcept {
+    release(block);
+}
+void operator delete[](void* block, size_t) noexcept {
+    release(block);
+}
+void operator delete(void* block, const std::nothrow_t&) noexcept {
+    release(block);
+}
+void operator delete[](void* block, const std::nothrow_t&) noexcept {
+    release(block);
+}
+
+FailingAllocations::FailingAllocations(int failing) {
+    counters = Counters();
+    counters.failing = failing;
+    counters.armed = true;
+}
+
+FailingAllocations::~FailingAllocations() {
+    counters.armed = false;
+}
+
+int FailingAllocations::made() const {
+    return counters.made;
+}
+
+int FailingAllocations::outstanding() const {
+    return counters.outstanding;
+}

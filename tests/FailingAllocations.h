@@ -1,0 +1,53 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef ZVEX_TESTS_FAILINGALLOCATIONS_H_
+#define ZVEX_TESTS_FAILINGALLOCATIONS_H_
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+// Makes one allocation fail. While an object of this class lives, the calling thread's allocations with
+// malloc, calloc, realloc and the non-throwing operator new are counted from 0, and number `failing` gives
+// null; nothing fails when it is negative. Throwing operator new (containers) never fails. One object at a
+// time.
+//
+// Works in programs made with zvex_add_failing_allocations (tests/CMakeLists.txt), which route those calls
+// here.
+class FailingAllocations {
+public:
+    explicit FailingAllocations(int failing = -1);
+    ~FailingAllocations();
+    FailingAllocations(const FailingAllocations&) = delete;
+    FailingAllocations& operator=(const FailingAllocations&) = delete;
+
+    int made() const;         // allocations counted so far, the failed one included
+    int outstanding() const;  // blocks allocated in any way less blocks freed, since the start
+};
+
+// Runs `work` with no failure, to count its allocations, then once for each of them with that one failing.
+// `work(failed)` gets whether its allocation number will fail; it must free all that it takes. Whether
+// anything leaked is checked after each run; what else should hold is checked by work itself.
+template <typename Work>
+void forEachFailingAllocation(Work work) {
+    int allocations = 0;
+    {
+        FailingAllocations none;
+        work(false);
+        allocations = none.made();
+        EXPECT_EQ(none.outstanding(), 0) << "leaked without a failure";
+    }
+    EXPECT_GT(allocations, 0) << "nothing to fail";
+    for (int failing = 0; failing < allocations; ++failing) {
+        SCOPED_TRACE("allocation " + std::to_string(failing) + " of " + std::to_string(allocations));
+        int outstanding = 0;
+        {
+            FailingAllocations one(failing);
+            work(true);
+            EXPECT_GT(one.made(), failing) << "was not reached";
+            outstanding = one.outstanding();
+        }
+        EXPECT_EQ(outstanding, 0) << "leaked";
+    }
+}
+
+#endif  // ZVEX_TESTS_FAILINGALLOCATIONS_H_

@@ -1,0 +1,98 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "effect/Composite.h"
+
+#include <gtest/gtest.h>
+
+#include "raster/ZvBitmap.h"
+#include "tests/effect/TestPictures.h"
+#include "tests/reference/CompositeReference.h"
+
+namespace Zvex {
+namespace {
+
+// Every front byte, back byte and coverage, in the four places of a pixel.
+TEST(Composite, MergeEqualsTheDefinitionOnAllBytes) {
+    ZvBitmap picture(256, 256, 4), back(256, 256, 4), mask(256, 256, 1);
+    for (int coverage = 0; coverage < 256; ++coverage) {
+        for (int y = 0; y < 256; ++y) {
+            for (int x = 0; x < 256; ++x) {
+                for (int c = 0; c < 4; ++c) {
+                    picture.pixels[(y * 256 + x) * 4 + c] = static_cast<uint8_t>(c % 2 == 0 ? x : 255 - x);
+                    back.pixels[(y * 256 + x) * 4 + c] = static_cast<uint8_t>(y);
+                }
+                mask.pixels[y * 256 + x] = static_cast<uint8_t>(coverage);
+            }
+        }
+        mergeBackLayer(&picture, &back, &mask);
+        int differences = 0;
+        for (int i = 0; i < 256 * 256 * 4; ++i) {
+            const int x = i / 4 % 256, y = i / 1024;
+            const int front = i % 2 == 0 ? x : 255 - x;
+            differences += picture.pixels[i] != reference::mergeByte(front, y, coverage);
+        }
+        ASSERT_EQ(differences, 0) << "coverage " << coverage;
+    }
+}
+
+// Every colour byte, alpha and text alpha, also colours above their alpha.
+TEST(Composite, FinishEqualsTheDefinitionOnAllBytes) {
+    ZvBitmap picture(256, 256, 4);
+    for (int textAlpha = 0; textAlpha < 256; ++textAlpha) {
+        for (int i = 0; i < 256 * 256; ++i) {
+            for (int c = 0; c < 3; ++c) picture.pixels[i * 4 + c] = static_cast<uint8_t>(i + c);
+            picture.pixels[i * 4 + 3] = static_cast<uint8_t>(i >> 8);
+        }
+        finishPicture(&picture, static_cast<uint8_t>(textAlpha));
+        int differences = 0;
+        for (int i = 0; i < 256 * 256; ++i) {
+            const int alpha = i >> 8;
+            for (int c = 0; c < 3; ++c) {
+                differences +=
+                    picture.pixels[i * 4 + c] != reference::finishedColor((i + c) & 0xFF, alpha, textAlpha);
+            }
+            differences += picture.pixels[i * 4 + 3] != reference::finishedAlpha(alpha, textAlpha);
+        }
+        ASSERT_EQ(differences, 0) << "text alpha " << textAlpha;
+    }
+}
+
+TEST(Composite, MergesTheCommonArea) {
+    Random random(1);
+    const int sizes[][2] = {{6, 5}, {9, 3}, {4, 8}};
+    for (int p = 0; p < 3; ++p) {
+        ZvBitmap picture = makeTarget(TargetKind::Partly, sizes[p][0], sizes[p][1], random);
+        ZvBitmap back = makeTarget(TargetKind::Partly, sizes[(p + 1) % 3][0], sizes[(p + 1) % 3][1], random);
+        ZvBitmap mask = makeMask(MaskKind::Noise, sizes[(p + 2) % 3][0], sizes[(p + 2) % 3][1], random);
+        ZvBitmap expected(picture);
+        for (int y = 0; y < 3; ++y) {
+            for (int x = 0; x < 4; ++x) {
+                for (int c = 0; c < 4; ++c) {
+                    uint8_t& byte = expected.pixels[(y * static_cast<int>(picture.width) + x) * 4 + c];
+                    byte = static_cast<uint8_t>(reference::mergeByte(
+                        byte, back.pixels[(y * static_cast<int>(back.width) + x) * 4 + c],
+                        mask.pixels[y * static_cast<int>(mask.width) + x]));
+                }
+            }
+        }
+        mergeBackLayer(&picture, &back, &mask);
+        EXPECT_TRUE(samePixels(expected, picture)) << p;
+    }
+}
+
+TEST(Composite, IgnoresWhatIsNoPicture) {
+    Random random(2);
+    ZvBitmap picture = makeTarget(TargetKind::Partly, 4, 4, random);
+    const ZvBitmap before(picture);
+    ZvBitmap back(4, 4, 4), mask(4, 4, 1), empty, noPixels(0, 4, 4);
+    for (ZvBitmap* bad : {static_cast<ZvBitmap*>(nullptr), &empty, &noPixels, &mask}) {
+        mergeBackLayer(&picture, bad, &mask);
+        mergeBackLayer(bad, &back, &mask);
+        finishPicture(bad, 100);
+    }
+    for (ZvBitmap* bad : {static_cast<ZvBitmap*>(nullptr), &empty, &back})
+        mergeBackLayer(&picture, &back, bad);
+    EXPECT_TRUE(samePixels(before, picture));
+}
+
+}  // namespace
+}  // namespace Zvex

@@ -1,0 +1,366 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <cstdlib>
+#include <cstring>
+#include <limits>
+#include <vector>
+
+#include "effect/ZvProperty.h"
+#include "effect/filters/ZvStroke.h"
+#include "raster/ZvBitmap.h"
+#include "raster/ZvRect.h"
+#include "tests/FailingAllocations.h"
+#include "tests/effect/TestPictures.h"
+#include "tests/reference/StrokeReference.h"
+
+namespace Zvex {
+namespace {
+
+constexpr uint32_t COLOR = 0xC0604020;  // premultiplied
+constexpr float WIDTHS[] = {0.0f, 0.3f, 0.6f, 1.0f, 1.5f, 3.0f, 7.5f, 12.0f};
+constexpr float NOT_A_NUMBER = std::numeric_limits<float>::quiet_NaN();
+constexpr float ENDLESS = std::numeric_limits<float>::infinity();
+
+int drawWith(ZvStroke& stroke, ZvBitmap* target, ZvBitmap* mask, ZvRect* box, int layerMode = 0,
+             ZvBitmap* other = nullptr) {
+    ZvECore::ParamPostProcessing param;
+    param.target = target;
+    param.mask = mask;
+    param.textRect = box;
+    param.layerMode = layerMode;
+    param.otherLayer = other;
+    return stroke.doPostProcessing(&param);
+}
+
+void setStroke(ZvStroke& stroke, float width, int position) {
+    ZvStrokeProperty property(width, COLOR, 1.0f, 0, position);
+    stroke.setProperty(&property);
+}
+
+std::vector<int> circle(float radius) {
+    unsigned char* kernel = nullptr;
+    const int side = makeCircleKernel(&kernel, radius);
+    std::vector<int> cells(kernel, kernel + side * side);
+    std::free(kernel);
+    return cells;
+}
+
+TEST(CircleKernel, EqualsTheDiscAsDefined) {
+    for (float radius :
+         {0.0f, 0.3f, 0.49f, 0.5f, 0.6f, 0.75f, 1.0f, 1.5f, 2.25f, 3.0f, 6.0f, 7.5f, 12.0f, 50.0f}) {
+        EXPECT_EQ(circle(radius), reference::makeDisc(radius).cells) << "radius " << radius;
+    }
+}
+
+TEST(CircleKernel, ThinPensHaveAPaleMiddle) {
+    EXPECT_EQ(circle(0.0f), std::vector<int>{0});
+    EXPECT_EQ(circle(0.3f), std::vector<int>{77});
+    EXPECT_EQ(circle(-0.7f), std::vector<int>{0});  // rounds to a disc of one cell
+    EXPECT_EQ(circle(NOT_A_NUMBER), std::vector<int>{0});
+}
+
+TEST(CircleKernel, RefusesSizesItCannotMake) {
+    for (float radius : {-1.5f, -ENDLESS, ENDLESS, 3e9f, 23171.0f}) {
+        unsigned char some = 0;
+        unsigned char* kernel = &some;
+        EXPECT_EQ(makeCircleKernel(&kernel, radius), 0) << radius;
+        EXPECT_EQ(kernel, nullptr) << radius;
+    }
+    EXPECT_EQ(makeCircleKernel(nullptr, 1.0f), 0);
+}
+
+TEST(Stroke, MarginIsTheWidthOnTheOutside) {
+    ZvStroke stroke;
+    EXPECT_EQ(stroke.getOffset(), 0);  // no settings yet
+    const struct {
+        float width;
+        int position, margin;
+    } cases[] = {{0, 1, 0},
+                 {3, 1, 3},
+                 {2.5f, 1, 3},
+                 {2.4f, 1, 2},
+                 {3, 0, 2},
+                 {0.6f, 0, 0},
+                 {1, 0, 1},
+                 {100, 0, 50},
+                 {100, 2, 0},
+                 {-1.0f, 1, 0},
+                 {ENDLESS, 1, INT_MAX},
+                 {NOT_A_NUMBER, 1, 0}};
+    for (const auto& c : cases) {
+        setStroke(stroke, c.width, c.position);
+        EXPECT_EQ(stroke.getOffset(), c.margin) << "width " << c.width << ", position " << c.position;
+        EXPECT_EQ(stroke.getLeftOffset(), 0);
+        EXPECT_EQ(stroke.getBottomOffset(), 0);
+    }
+}
+
+TEST(Stroke, KeepsACopyOfItsSettings) {
+    ZvStroke stroke;
+    EXPECT_EQ(stroke.getStyle(), 10);
+    EXPECT_EQ(stroke.getProperty(), nullptr);
+    {
+        ZvStrokeProperty property(4.0f, 0x11223344, 0.25f, 7, 2);
+        stroke.setProperty(&property);
+    }
+    stroke.setProperty(nullptr);
+    stroke.setProperty(stroke.getProperty());  // its own record
+    ASSERT_NE(stroke.property, nullptr);
+    EXPECT_EQ(stroke.getProperty(), stroke.property);
+    EXPECT_EQ(stroke.property->width, 4.0f);
+    EXPECT_EQ(stroke.property->color, 0x11223344u);
+    EXPECT_EQ(stroke.property->opacity, 0.25f);
+    EXPECT_EQ(stroke.property->kind, 7);
+    EXPECT_EQ(stroke.property->position, 2);
+}
+
+// Every kind of mask, width and position; the box, the targets and the layer mode vary with the seed.
+TEST(Stroke, EqualsThePlainForm) {
+    constexpr int WIDTH = 30, HEIGHT = 22;
+    unsigned seed = 0;
+    for (MaskKind kind : ALL_MASKS) {
+        for (float width : WIDTHS) {
+            for (int position : {0, 1, 2, 7}) {
+                Random random(++seed);
+                ZvBitmap mask = makeMask(kind, WIDTH, HEIGHT, random);
+                ZvRect box(random.below(WIDTH), random.below(HEIGHT), 0, 0);
+                if (seed % 3 == 0) box = ZvRect(0, 0, 0, 0);
+                box.right = seed % 3 == 0 ? WIDTH : random.between(box.left + 1, WIDTH);
+                box.bottom = seed % 3 == 0 ? HEIGHT : random.between(box.top + 1, HEIGHT);
+                const int layerMode = random.below(2);
+                const bool both = random.below(2) == 0;
+                const TargetKind targetKind = ALL_TARGETS[seed % 3];
+                // Larger than the mask, or smaller: the picture of the stroke is clipped.
+                const int grow = random.between(-5, 5);
+                ZvBitmap target = makeTarget(targetKind, WIDTH + grow, HEIGHT + grow, random);
+                ZvBitmap other = makeTarget(TargetKind::Partly, WIDTH, HEIGHT, random);
+                ZvBitmap expectedTarget(target), expectedOther(other);
+
+                reference::drawStroke(&expectedTarget, both ? &expectedOther : nullptr, mask, box, layerMode,
+                                      width, COLOR, position);
+                ZvStroke stroke;
+                setStroke(stroke, width, position);
+                EXPECT_EQ(drawWith(stroke, &target, &mask, &box, layerMode, both ? &other : nullptr), 0);
+
+                ASSERT_TRUE(samePixels(expectedTarget, target))
+                    << "seed " << seed << ", mask " << static_cast<int>(kind) << ", width " << width
+                    << ", position " << position << ", box " << box.left << " " << box.top << " " << box.right
+                    << " " << box.bottom << ", layer mode " << layerMode << ", target "
+                    << static_cast<int>(targetKind);
+                ASSERT_TRUE(samePixels(expectedOther, other)) << "other layer, seed " << seed;
+            }
+        }
+    }
+}
+
+TEST(Stroke, EndsAtItsBox) {
+    Random random(1);
+    ZvBitmap mask = makeMask(MaskKind::Full, 20, 20, random);
+    ZvBitmap target(20, 20, 4);
+    ZvRect box(8, 8, 12, 12);
+    ZvStroke stroke;
+    setStroke(stroke, 2.0f, ZV_STROKE_OUTSIDE);
+    drawWith(stroke, &target, &mask, &box);
+    const auto alpha = [&](int x, int y) { return int{target.pixels[(y * 20 + x) * 4 + 3]}; };
+    // The disc's ramp is cut at its whole radius: two pixels beyond the box are full, the third is empty,
+    // though the mask goes on.
+    EXPECT_EQ(alpha(10, 6), 0xC0);
+    EXPECT_EQ(alpha(10, 5), 0);
+    EXPECT_EQ(alpha(13, 10), 0xC0);
+    EXPECT_EQ(alpha(14, 10), 0);
+}
+
+TEST(Stroke, RowBandsGiveTheWhole) {
+    constexpr int COLUMNS = 17, ROWS = 13, SIDE = 7, R = 3;
+    constexpr int WIDTH = COLUMNS + 2 * R, HEIGHT = ROWS + 2 * R;
+    Random random(5);
+    ZvBitmap source = makeMask(MaskKind::Noise, COLUMNS, ROWS, random);
+    unsigned char* kernel = nullptr;
+    ASSERT_EQ(makeCircleKernel(&kernel, 2.75f), SIDE);
+    ZvStroke::DTJob job;
+    job.src = source.pixels;
+    job.kernel = kernel;
+    job.srcStride = job.columns = COLUMNS;
+    job.srcHeight = job.rows = ROWS;
+    job.dstStride = WIDTH;
+    job.dstHeight = HEIGHT;
+    job.dstX = job.dstY = R;
+    job.planeSize = WIDTH * HEIGHT;
+    job.radius = R;
+    job.kernelSize = SIDE;
+
+    using Routine = int (*)(void*);
+    for (Routine routine : {&ZvStroke::partalDTStrokeCenter, &ZvStroke::partalDTStrokeOutside,
+                            &ZvStroke::partalDTStrokeInside}) {
+        std::vector<unsigned char> whole(2 * WIDTH * HEIGHT, 0), bands(whole);
+        job.dst = whole.data();
+        job.rowStart = 0;
+        job.rowEnd = ROWS;
+        EXPECT_EQ(routine(&job), 0);
+        job.dst = bands.data();
+        for (int start : {9, 0, 4}) {
+            job.rowStart = start;
+            job.rowEnd = start == 0 ? 4 : start == 4 ? 9 : ROWS + 5;  // ends with the source at the latest
+            EXPECT_EQ(routine(&job), 0);
+        }
+        EXPECT_EQ(whole, bands);
+    }
+    EXPECT_EQ(ZvStroke::partalDTStrokeCenter(nullptr), 0);
+    std::free(kernel);
+}
+
+// A job that reads a part of its source and lays it near the corner of its target: the cells that fall
+// outside are left out and nothing beside the plane is written.
+TEST(Stroke, JobsMayReadAndWriteAPart) {
+    constexpr int R = 3, SIDE = 2 * R + 1;
+    Random random(6);
+    ZvBitmap source = makeMask(MaskKind::Noise, 12, 9, random);
+    unsigned char* kernel = nullptr;
+    ASSERT_EQ(makeCircleKernel(&kernel, static_cast<float>(R)), SIDE);
+    constexpr int WIDTH = 10, HEIGHT = 8, CANARY = 32;
+    std::vector<unsigned char> memory(WIDTH * HEIGHT + 2 * CANARY, 0);
+    std::fill_n(memory.begin(), CANARY, 0xA5);
+    std::fill_n(memory.end() - CANARY, CANARY, 0xA5);
+
+    ZvStroke::DTJob job;
+    job.dst = memory.data() + CANARY;
+    job.src = source.pixels;
+    job.kernel = kernel;
+    job.srcStride = 12;
+    job.srcHeight = 9;
+    job.srcY = 4;
+    job.srcX = 3;
+    job.dstStride = WIDTH;
+    job.dstHeight = HEIGHT;
+    job.dstY = 1;
+    job.dstX = 4;
+    job.kernelSize = SIDE;
+    job.columns = 9;
+    job.rows = 5;
+    job.rowEnd = 5;
+    ZvStroke::partalDTStrokeOutside(&job);
+
+    reference::Plane part{9, 5, {}};
+    for (int y = 0; y < 5; ++y) {
+        for (int x = 0; x < 9; ++x) part.values.push_back(source.pixels[(y + 4) * 12 + x + 3]);
+    }
+    const reference::Plane expected =
+        reference::dilate(part, reference::makeDisc(R));  // its pixel (R, R) is (4, 1)
+    for (int y = 0; y < HEIGHT; ++y) {
+        for (int x = 0; x < WIDTH; ++x) {
+            const int fromX = x - 4 + R, fromY = y - 1 + R;
+            const bool reached =
+                fromX >= 0 && fromX < expected.width && fromY >= 0 && fromY < expected.height;
+            EXPECT_EQ(int{memory[CANARY + y * WIDTH + x]}, reached ? expected.at(fromX, fromY) : 0)
+                << x << " " << y;
+        }
+    }
+    for (int i = 0; i < CANARY; ++i) {
+        EXPECT_EQ(int{memory[i]}, 0xA5);
+        EXPECT_EQ(int{memory[memory.size() - 1 - i]}, 0xA5);
+    }
+    std::free(kernel);
+}
+
+TEST(Stroke, ReadsNothingOutsideTheMask) {
+    Random random(7);
+    ZvBitmap mask = makeMask(MaskKind::Noise, 10, 10, random);
+    for (const ZvRect& given : {ZvRect(-4, -3, 14, 5), ZvRect(6, 7, 15, 16), ZvRect(12, 12, 15, 15),
+                                ZvRect(-9, 2, -2, 8), ZvRect(3, -6, 5, -1)}) {
+        for (int position : {0, 1, 2}) {
+            ZvRect box = given;
+            ZvBitmap target(16, 16, 4), expected(16, 16, 4);
+            reference::drawStroke(&expected, nullptr, mask, box, 0, 3.0f, COLOR, position);
+            ZvStroke stroke;
+            setStroke(stroke, 3.0f, position);
+            drawWith(stroke, &target, &mask, &box);
+            EXPECT_TRUE(samePixels(expected, target))
+                << box.left << " " << box.top << ", position " << position;
+        }
+    }
+}
+
+TEST(Stroke, DrawsNothingWithoutItsParts) {
+    Random random(8);
+    ZvBitmap mask = makeMask(MaskKind::Noise, 10, 10, random);
+    ZvBitmap target = makeTarget(TargetKind::Partly, 10, 10, random);
+    const ZvBitmap before(target);
+    ZvBitmap empty;
+    ZvRect box(0, 0, 10, 10);
+    ZvRect inverted(8, 8, 2, 2), flat(2, 2, 2, 8);
+    ZvStroke stroke;
+    EXPECT_EQ(drawWith(stroke, &target, &mask, &box), 0);  // no settings
+    for (int position : {0, 1, 2}) {
+        setStroke(stroke, 3.0f, position);
+        EXPECT_EQ(stroke.doPostProcessing(nullptr), 0);
+        EXPECT_EQ(drawWith(stroke, nullptr, &mask, &box), 0);
+        EXPECT_EQ(drawWith(stroke, &empty, &mask, &box), 0);
+        EXPECT_EQ(drawWith(stroke, &target, nullptr, &box), 0);
+        EXPECT_EQ(drawWith(stroke, &target, &empty, &box), 0);
+        EXPECT_EQ(drawWith(stroke, &target, &mask, nullptr), 0);
+        EXPECT_EQ(drawWith(stroke, &target, &mask, &inverted), 0);
+        EXPECT_EQ(drawWith(stroke, &target, &mask, &flat), 0);
+    }
+    EXPECT_TRUE(samePixels(before, target));
+    setStroke(stroke, 3.0f, 0);
+    EXPECT_EQ(drawWith(stroke, &target, &mask, &box, 1, &empty), 0);  // the other layer is missing its pixels
+    EXPECT_FALSE(samePixels(before, target));
+}
+
+TEST(Stroke, RefusesSizesBeforeTheyOverflow) {
+    Random random(9);
+    ZvBitmap mask = makeMask(MaskKind::Full, 8, 8, random);
+    ZvBitmap target(8, 8, 4);
+    const ZvBitmap before(target);
+    ZvStroke stroke;
+    ZvRect whole(0, 0, 8, 8);
+    for (float width : {-3.0f, 5e4f, 1e6f, 2147483648.0f, 1e30f, ENDLESS, -ENDLESS}) {
+        for (int position : {0, 1, 2}) {
+            setStroke(stroke, width, position);
+            drawWith(stroke, &target, &mask, &whole);
+        }
+    }
+    const ZvRect hugeBoxes[] = {ZvRect(INT_MIN, INT_MIN, INT_MAX, INT_MAX), ZvRect(0, 0, 65536, 65536),
+                                ZvRect(INT_MIN, 0, INT_MIN + 4, 4), ZvRect(0, 0, INT_MAX, 1)};
+    for (ZvRect box : hugeBoxes) {
+        for (int position : {0, 1, 2}) {
+            setStroke(stroke, 3.0f, position);
+            drawWith(stroke, &target, &mask, &box);
+        }
+    }
+    EXPECT_TRUE(samePixels(before, target));
+}
+
+TEST(Stroke, AFailedAllocationLeavesThePicturesAlone) {
+    Random random(10);
+    ZvBitmap mask = makeMask(MaskKind::Shapes, 16, 16, random);
+    ZvBitmap target = makeTarget(TargetKind::Partly, 16, 16, random);
+    const ZvBitmap before(target);
+    ZvRect box(0, 0, 16, 16);
+    for (int position : {0, 1, 2}) {
+        ZvStroke stroke;
+        setStroke(stroke, 2.0f, position);
+        forEachFailingAllocation([&](bool fails) {
+            std::memcpy(target.pixels, before.pixels, before.byteCount());
+            EXPECT_EQ(drawWith(stroke, &target, &mask, &box), 0);
+            EXPECT_EQ(std::memcmp(target.pixels, before.pixels, before.byteCount()) == 0, fails);
+        });
+    }
+}
+
+TEST(Stroke, SettingsThatCannotBeCopiedLeaveTheOldOnes) {
+    ZvStrokeProperty first(1.0f, 1, 1.0f, 0, 1), second(2.0f, 2, 1.0f, 0, 1);
+    forEachFailingAllocation([&](bool fails) {
+        ZvStroke stroke;
+        stroke.setProperty(&first);
+        const bool hadFirst = stroke.property != nullptr;
+        stroke.setProperty(&second);
+        EXPECT_EQ(hadFirst && stroke.property != nullptr && stroke.property->width == 2.0f, !fails);
+        EXPECT_TRUE(!hadFirst || stroke.property != nullptr);
+    });
+}
+
+}  // namespace
+}  // namespace Zvex

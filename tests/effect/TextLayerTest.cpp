@@ -1,0 +1,89 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "effect/ZvText.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+#include "raster/ZvBitmap.h"
+#include "tests/effect/TestPictures.h"
+#include "tests/reference/BlenderReference.h"
+
+namespace Zvex {
+namespace {
+
+constexpr uint32_t COLOR = 0xC0604020;
+
+void drawText(ZvBitmap* target, ZvBitmap* mask, int layerMode) {
+    ZvText text;
+    ZvTextProperty property(COLOR, 1.0f);
+    text.setProperty(&property);
+    ZvECore::ParamPostProcessing param;
+    param.target = target;
+    param.mask = mask;
+    param.layerMode = layerMode;  // no box: the whole mask is drawn
+    EXPECT_EQ(text.doPostProcessing(&param), 0);
+}
+
+TEST(TextLayer, TwoLayersGetTheFullColorWhereverThereIsCoverage) {
+    Random random(1);
+    ZvBitmap mask = makeMask(MaskKind::Sparse, 20, 15, random);
+    for (TargetKind kind : ALL_TARGETS) {
+        ZvBitmap target = makeTarget(kind, 18, 17, random);
+        ZvBitmap expected(target);
+        reference::drawBitmapBlend8(0, 0, &expected, mask.pixels, 20, 15, 20, COLOR, 3);
+        drawText(&target, &mask, 1);
+        EXPECT_TRUE(samePixels(expected, target));
+    }
+}
+
+// An inside stroke, or a gradient, that is drawn first fills all around the glyphs; only what covers them may
+// stay.
+TEST(TextLayer, OneLayerIsCutDownToTheGlyphs) {
+    Random random(2);
+    for (MaskKind maskKind : ALL_MASKS) {
+        ZvBitmap mask = makeMask(maskKind, 20, 15, random);
+        for (TargetKind kind : ALL_TARGETS) {
+            for (int grow : {-3, 0, 4}) {  // pixels of the target beyond the mask count as not covered
+                ZvBitmap target = makeTarget(kind, 20 + grow, 15 + grow, random);
+                ZvBitmap expected(target);
+                reference::drawBitmapBlend8(0, 0, &expected, mask.pixels, 20, 15, 20, COLOR, 7);
+                for (int y = 0; y < 15 + grow; ++y) {
+                    for (int x = 0; x < 20 + grow; ++x) {
+                        if (x < 20 && y < 15 && mask.pixels[y * 20 + x] != 0) continue;
+                        std::memset(expected.pixels + (y * (20 + grow) + x) * 4, 0, 4);
+                    }
+                }
+                drawText(&target, &mask, 0);
+                EXPECT_TRUE(samePixels(expected, target))
+                    << "mask " << static_cast<int>(maskKind) << ", grow " << grow;
+            }
+        }
+    }
+}
+
+TEST(TextLayer, DrawsNothingWithoutItsParts) {
+    Random random(3);
+    ZvBitmap mask = makeMask(MaskKind::Noise, 6, 6, random);
+    ZvBitmap target = makeTarget(TargetKind::Partly, 6, 6, random);
+    const ZvBitmap before(target);
+    ZvBitmap empty;
+    for (int layerMode : {0, 1}) {
+        drawText(nullptr, &mask, layerMode);
+        drawText(&empty, &mask, layerMode);
+        drawText(&mask, &mask, layerMode);  // not a colour picture
+        drawText(&target, nullptr, layerMode);
+        drawText(&target, &empty, layerMode);
+    }
+    ZvText text;
+    ZvECore::ParamPostProcessing param;
+    param.target = &target;
+    param.mask = &mask;
+    text.setProperty(nullptr);
+    text.doPostProcessing(&param);  // no settings
+    text.doPostProcessing(nullptr);
+    EXPECT_TRUE(samePixels(before, target));
+}
+
+}  // namespace
+}  // namespace Zvex

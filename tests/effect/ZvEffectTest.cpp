@@ -1,0 +1,693 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "effect/ZvEffect.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <cstring>
+#include <limits>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "effect/ZvECoreBase.h"
+#include "effect/ZvGlyph.h"
+#include "effect/ZvText.h"
+#include "effect/filters/ZvStroke.h"
+#include "foundation/ZvLog.h"
+#include "platform/host/LogCapture.h"
+#include "raster/ZvBitmap.h"
+#include "tests/FailingAllocations.h"
+#include "tests/effect/TestPictures.h"
+#include "tests/reference/CompositeReference.h"
+
+namespace Zvex {
+namespace {
+
+using testing::ElementsAre;
+
+// A layer of any type that writes down what happens to it. The settings are not its own.
+class Recorder : public ZvECoreBase {
+public:
+    ZvProperty* settings;
+    std::vector<ParamInit> inits;
+    std::vector<ParamRender> renders;
+    std::vector<ParamPostProcessing> draws;
+    ZvRect drawnBox;
+    int left = 0, right = 0, top = 0, bottom = 0, around = 0;
+    int* deleted = nullptr;
+
+    explicit Recorder(int type, ZvProperty* settings_ = nullptr, int id_ = -1) : settings(settings_) {
+        style = type;
+        id = id_;
+    }
+    ~Recorder() override {
+        if (deleted != nullptr) ++*deleted;
+    }
+    int initEffect(ParamInit* param) override {
+        inits.push_back(*param);
+        return 1;
+    }
+    int render(ParamRender* param) override {
+        renders.push_back(*param);
+        return 1;
+    }
+    int doPostProcessing(ParamPostProcessing* param) override {
+        draws.push_back(*param);
+        drawnBox = *param->textRect;
+        return 0;
+    }
+    void setProperty(ZvProperty*) override {}
+    ZvProperty* getProperty() override { return settings; }
+    int getLeftOffset() override { return left; }
+    int getRightOffset() override { return right; }
+    int getTopOffset() override { return top; }
+    int getBottomOffset() override { return bottom; }
+    int getOffset() override { return around; }
+};
+
+Recorder* addRecorder(ZvEffect& stack, int type, ZvProperty* settings = nullptr) {
+    Recorder* layer = new Recorder(type, settings, stack.getNewEffectId());
+    stack.effects.push_back(layer);
+    return layer;
+}
+
+std::vector<int> typesOf(const std::vector<ZvECore*>& list) {
+    std::vector<int> types;
+    for (ZvECore* layer : list) types.push_back(layer->getStyle());
+    return types;
+}
+
+ZvGlyph glyphOf(ZvBitmap& coverage) {
+    ZvGlyph glyph;
+    glyph.pixels = coverage.pixels;
+    glyph.width = static_cast<uint16_t>(coverage.width);
+    glyph.height = static_cast<uint16_t>(coverage.height);
+    return glyph;
+}
+
+std::string keyOf(ZvEffect& stack) {
+    const std::unique_ptr<char[]> key(stack.getMapKey());
+    return key.get();
+}
+
+void expectRect(const ZvRect& rect, int left, int top, int right, int bottom) {
+    EXPECT_EQ(rect.left, left);
+    EXPECT_EQ(rect.top, top);
+    EXPECT_EQ(rect.right, right);
+    EXPECT_EQ(rect.bottom, bottom);
+}
+
+// --- Layers
+// -----------------------------------------------------------------------------------------------------
+
+TEST(EffectStack, ALaterAddReplacesTheSettingsInPlace) {
+    ZvEffect stack;
+    EXPECT_EQ(stack.addStrokeText(3, 0xFF000000, 1, 0, 1), 0);
+    EXPECT_EQ(stack.addText(0xFF00FF00), 1);
+    EXPECT_EQ(stack.addStrokeText(5, 0xFF000000, 1, 0, 2), 0);
+    EXPECT_EQ(stack.addEffect(77, ZV_EFFECT_STROKE, nullptr), 0);
+    EXPECT_THAT(typesOf(stack.effects), ElementsAre(10, 12));
+    EXPECT_TRUE(stack.hasEffect(10));
+    const auto* property = static_cast<ZvStrokeProperty*>(stack.getEffect(10)->getProperty());
+    EXPECT_EQ(property->width, 5.0f);
+    EXPECT_EQ(property->position, 2);
+}
+
+TEST(EffectStack, OnlyTypesWithAClassAreCreated) {
+    ZvEffect stack;
+    for (int type : {INT_MIN, -1, 0, 9, 13, 14, INT_MAX}) {
+        EXPECT_EQ(stack.createEffect(-1, type), nullptr) << type;
+        EXPECT_EQ(stack.addEffect(type, nullptr), -1) << type;
+        EXPECT_FALSE(stack.hasEffect(type)) << type;
+    }
+    EXPECT_EQ(stack.nextEffectId, 0);  // a refusal takes no id
+    for (int type : {ZV_EFFECT_STROKE, ZV_EFFECT_TEXT}) {
+        const std::unique_ptr<ZvECore> layer(stack.createEffect(-1, type));
+        ASSERT_NE(layer, nullptr);
+        EXPECT_EQ(layer->getStyle(), type);
+        EXPECT_EQ(layer->getOpacity(), 1.0f);
+    }
+    EXPECT_TRUE(stack.effects.empty());
+}
+
+TEST(EffectStack, IdsCountUpAndChosenOnesDoNotMoveTheCounter) {
+    ZvEffect stack;
+    EXPECT_EQ(stack.addEffect(40, ZV_EFFECT_TEXT, nullptr), 40);
+    EXPECT_EQ(stack.addEffect(-7, ZV_EFFECT_STROKE, nullptr), 0);
+    EXPECT_EQ(stack.getNewEffectId(), 1);
+    EXPECT_TRUE(stack.removeEffect(0));
+    EXPECT_EQ(stack.addEffect(ZV_EFFECT_STROKE, nullptr), 2);
+    stack.nextEffectId = -5;
+    EXPECT_EQ(stack.getNewEffectId(), 0);
+    EXPECT_EQ(stack.nextEffectId, 1);
+    stack.nextEffectId = INT_MAX;
+    EXPECT_EQ(stack.getNewEffectId(), INT_MAX);
+    EXPECT_EQ(stack.getNewEffectId(), INT_MAX);
+    stack.cleanAllEffect();
+    EXPECT_EQ(stack.getNewEffectId(), 0);
+}
+
+TEST(EffectStack, ARemovedLayerIsGoneFromTheRenderingUnderWay) {
+    ZvEffect stack;
+    int deleted = 0;
+    addRecorder(stack, 1);
+    addRecorder(stack, 3)->deleted = &deleted;
+    addRecorder(stack, 12);
+    stack.initEffect(4, 4);
+    EXPECT_FALSE(stack.removeEffect(9));
+    EXPECT_TRUE(stack.removeEffect(1));
+    EXPECT_EQ(deleted, 1);
+    EXPECT_THAT(typesOf(stack.effects), ElementsAre(1, 12));
+    stack.renderEffectLayer(0, 0, nullptr);
+    EXPECT_THAT(typesOf(stack.layers), ElementsAre(12, 1));
+
+    stack.releaseEffect(stack.effects[0]);
+    EXPECT_THAT(typesOf(stack.effects), ElementsAre(12));
+    stack.releaseEffect(nullptr);
+    stack.releaseEffect(new Recorder(5));  // never was in the stack
+    stack.releaseEffect();
+    EXPECT_TRUE(stack.effects.empty());
+    EXPECT_TRUE(stack.layers.empty());
+    stack.renderEffectLayer(0, 0, nullptr);
+}
+
+TEST(EffectStack, HasEffectsWithALayerOrATranslucentText) {
+    ZvEffect stack;
+    EXPECT_FALSE(stack.hasEffects());
+    stack.setTextOpacity(0.5f);
+    EXPECT_TRUE(stack.hasEffects());
+    stack.clearTextOpacity();
+    EXPECT_FALSE(stack.hasEffects());
+    stack.addText(0);
+    EXPECT_TRUE(stack.hasEffects());
+}
+
+TEST(EffectStack, TextOpacityIsClamped) {
+    ZvEffect stack;
+    EXPECT_EQ(stack.getTextOpacity(), 1.0f);
+    stack.setTextOpacity(-1);
+    EXPECT_EQ(stack.getTextOpacity(), 0.0f);
+    stack.setTextOpacity(2);
+    EXPECT_EQ(stack.getTextOpacity(), 1.0f);
+    stack.setTextOpacity(std::numeric_limits<float>::quiet_NaN());
+    EXPECT_EQ(stack.getTextOpacity(), 0.0f);
+}
+
+TEST(EffectStack, AddTextKeepsTheAlphaApart) {
+    ZvEffect stack;
+    stack.addText(0x80FF8001);
+    EXPECT_EQ(stack.textAlpha, 0x80);
+    EXPECT_EQ(stack.getEffect(12)->getProperty()->color, 0xFFFF8001);
+    stack.addText(0x40FF8001, 0.5f);
+    EXPECT_EQ(stack.textAlpha, 0x40);
+    EXPECT_EQ(stack.getEffect(12)->getProperty()->color, 0x80804001);
+    EXPECT_EQ(stack.getEffect(12)->getProperty()->opacity, 0.5f);
+}
+
+TEST(EffectStack, ACopyHasItsOwnLayersAndNoRendering) {
+    ZvEffect stack;
+    stack.addEffect(7, ZV_EFFECT_TEXT, nullptr);
+    stack.addText(0x80123456);
+    stack.addStrokeText(3, 0xFF000000, 1, 9, 0);
+    stack.setTextOpacity(0.25f);
+    stack.textColor = 5;
+    stack.initEffect(8, 8);
+    ZvBitmap picture(8, 8, 4), coverage(2, 2, 1);
+    stack.setDstBitmap(&picture);
+    ZvGlyph glyph = glyphOf(coverage);
+    stack.renderEffectLayer(1, 1, &glyph);
+
+    ZvEffect copy(stack);
+    EXPECT_EQ(keyOf(copy), keyOf(stack));
+    EXPECT_EQ(copy.effects[0]->getId(), 7);
+    EXPECT_EQ(copy.effects[1]->getId(), 0);
+    EXPECT_NE(copy.effects[1], stack.effects[1]);
+    EXPECT_NE(copy.effects[1]->getProperty(), stack.effects[1]->getProperty());
+    EXPECT_EQ(copy.textOpacity, 0.25f);
+    EXPECT_EQ(copy.textColor, 5u);
+    EXPECT_EQ(copy.textAlpha, 0x80);
+    EXPECT_EQ(copy.nextEffectId, 1);
+    EXPECT_TRUE(copy.textRectReset);
+    expectRect(copy.textRect, 0, 0, 0, 0);
+    EXPECT_EQ(copy.layerMode, 0);
+    EXPECT_EQ(copy.mask, nullptr);
+    EXPECT_EQ(copy.dst, nullptr);
+    EXPECT_EQ(copy.back, nullptr);
+    EXPECT_TRUE(copy.layers.empty());
+    copy.doEffectPostProcessing();
+    copy.compositeLayers(&picture);
+}
+
+// --- Keys
+// -------------------------------------------------------------------------------------------------------
+
+TEST(EffectStack, KeyJoinsTheLayersInOrderOfCreation) {
+    ZvEffect stack;
+    EXPECT_EQ(keyOf(stack), "");
+    stack.addStrokeText(3, 0xFF000000, 1, 0, 1);
+    stack.addText(0xFF123456);
+    EXPECT_EQ(keyOf(stack),
+              "K\x83\x8f\x8f\x80\x80\x80\x80\x80\x80\x80\x81"
+              "T\x8f\x8f\x81\x82\x83\x84\x85\x86");
+    addRecorder(stack, 1);  // without settings: nothing to write
+    EXPECT_EQ(keyOf(stack).size(), 12u + 9u);
+}
+
+TEST(EffectStack, KeyWithAColorSetsTheText) {
+    ZvEffect stack;
+    stack.setTextOpacity(0.5f);
+    const std::unique_ptr<char[]> key(stack.getMapKey(0x40FF8001));
+    EXPECT_STREQ(key.get(), "T\x88\x80\x88\x80\x84\x80\x80\x81");
+    EXPECT_EQ(stack.textColor, 0x40FF8001u);
+    EXPECT_EQ(stack.textAlpha, 0x40);
+}
+
+TEST(EffectStack, KeyEndsWhereTheStopsEnd) {
+    ZvEffect stack;
+    ZvGradient stops[] = {{0, 0, 0}, {0, 0, 1}};
+    ZvOuterGlowProperty glow(1, 0, 1, 2, stops);
+    addRecorder(stack, 3, &glow);
+    stack.addText(0xFF000000);
+    EXPECT_EQ(keyOf(stack).size(), 10u + 2 * 9 + 9);
+}
+
+// --- Margins
+// ----------------------------------------------------------------------------------------------------
+
+TEST(EffectStack, MarginsAreTheWidestLayersSideBySide) {
+    ZvEffect stack;
+    EXPECT_EQ(stack.getLeftOffset(), 0);
+    Recorder* first = addRecorder(stack, 1);
+    Recorder* second = addRecorder(stack, 3);
+    first->left = 7;
+    first->top = -4;
+    first->bottom = 2;
+    second->right = 3;
+    second->around = 5;
+    first->around = -9;
+    EXPECT_EQ(stack.getLeftOffset(), 7);
+    EXPECT_EQ(stack.getRightOffset(), 5);
+    EXPECT_EQ(stack.getTopOffset(), 5);
+    EXPECT_EQ(stack.getBottomOffset(), 5);
+    stack.removeEffect(1);
+    EXPECT_EQ(stack.getTopOffset(), 0);
+    EXPECT_EQ(stack.getBottomOffset(), 2);
+    stack.removeEffect(0);
+    EXPECT_EQ(stack.getLeftOffset(), 0);
+    stack.addStrokeText(4, 0, 1, 0, 1);
+    EXPECT_EQ(stack.getLeftOffset(), 4);  // a stroke has no side margins, only one all around
+}
+
+// --- Order and targets
+// ------------------------------------------------------------------------------------------
+
+struct AllTypes {
+    ZvStrokeProperty stroke{1, 0, 1, 0, 1}, oldStroke{1, 0, 1, 0, 2};
+    ZvBevelProperty bevel{0, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1};
+
+    // Types 1 to 13 in that order, but for the emboss, which decides the layer mode.
+    void addTo(ZvEffect& stack) {
+        for (int type = 1; type <= 13; ++type) {
+            if (type == ZV_EFFECT_EMBOSS) continue;
+            addRecorder(stack, type,
+                        type == 5    ? static_cast<ZvProperty*>(&bevel)
+                        : type == 9  ? &oldStroke
+                        : type == 10 ? &stroke
+                                     : nullptr);
+        }
+    }
+};
+
+TEST(EffectStack, OneLayerOrder) {
+    AllTypes types;
+    ZvEffect stack;
+    types.addTo(stack);
+    stack.initEffect(4, 5);
+    EXPECT_EQ(stack.layerMode, 0);
+    EXPECT_EQ(stack.back, nullptr);
+    EXPECT_EQ(stack.mask->width, 4u);
+    EXPECT_EQ(stack.mask->height, 5u);
+    EXPECT_EQ(stack.mask->bytesPerPixel, 1u);
+    // Over the text the newest first, the text, under it the newest first.
+    EXPECT_THAT(typesOf(stack.layers), ElementsAre(11, 9, 8, 7, 4, 2, 12, 13, 10, 5, 3, 1));
+    types.bevel.style = 1;
+    types.stroke.position = 2;
+    types.oldStroke.position = 1;
+    stack.initEffect(4, 5);
+    EXPECT_THAT(typesOf(stack.layers), ElementsAre(11, 10, 8, 7, 5, 4, 2, 12, 13, 9, 3, 1));
+    types.stroke.position = 7;
+    stack.initEffect(4, 5);
+    EXPECT_EQ(stack.layerMode, 0);
+    EXPECT_EQ(stack.layers[1]->getStyle(), 10);  // drawn as an inside stroke
+}
+
+TEST(EffectStack, TwoLayerOrderAndTargets) {
+    AllTypes types;
+    ZvEffect stack;
+    types.addTo(stack);
+    ZvBitmap picture(4, 5, 4), coverage(2, 2, 1);
+    ZvGlyph glyph = glyphOf(coverage);
+    ZvBitmap* front = &picture;
+
+    // Whether each type draws into the back picture, and whether into dst as well.
+    const auto check = [&](std::vector<int> inBack, std::vector<int> inBoth) {
+        stack.setDstBitmap(front);
+        stack.renderEffectLayer(1, 1, &glyph);
+        stack.doEffectPostProcessing();
+        for (ZvECore* layer : stack.layers) {
+            const auto& draw = static_cast<Recorder*>(layer)->draws.back();
+            const int type = layer->getStyle();
+            const auto has = [type](const std::vector<int>& list) {
+                return testing::Value(list, testing::Contains(type));
+            };
+            EXPECT_EQ(draw.target, has(inBack) ? stack.back : front) << "type " << type;
+            EXPECT_EQ(draw.otherLayer, has(inBoth) ? front : nullptr) << "type " << type;
+            EXPECT_EQ(draw.mask, stack.mask);
+            EXPECT_EQ(draw.layerMode, stack.layerMode);
+            expectRect(static_cast<Recorder*>(layer)->drawnBox, 1, 1, 3, 3);
+        }
+    };
+
+    stack.setTextOpacity(0.99f);
+    stack.initEffect(4, 5);
+    EXPECT_EQ(stack.layerMode, 1);
+    ASSERT_NE(stack.back, nullptr);
+    EXPECT_EQ(stack.back->bytesPerPixel, 4u);
+    EXPECT_THAT(typesOf(stack.layers), ElementsAre(13, 11, 10, 9, 8, 7, 5, 4, 3, 2, 1, 12));
+    check({1, 3, 13, 5, 10}, {});
+
+    types.bevel.style = 1;
+    types.stroke.position = 0;
+    types.oldStroke.position = 1;
+    stack.clearTextOpacity();
+    stack.initEffect(4, 5);  // for the centred stroke
+    EXPECT_EQ(stack.layerMode, 1);
+    check({1, 3, 13, 10, 9}, {10});
+
+    types.stroke.position = 2;
+    types.oldStroke.position = 0;
+    stack.initEffect(4, 5);
+    EXPECT_EQ(stack.layerMode, 1);
+    check({1, 3, 13, 9}, {9});
+
+    types.oldStroke.position = 2;
+    addRecorder(stack, ZV_EFFECT_EMBOSS);
+    stack.initEffect(4, 5);
+    EXPECT_EQ(stack.layerMode, 1);
+    EXPECT_EQ(stack.layers.front()->getStyle(), 6);
+    check({1, 3, 13, 6}, {6});
+
+    stack.removeEffect(stack.getEffect(6)->getId());
+    stack.initEffect(4, 5);
+    EXPECT_EQ(stack.layerMode, 0);
+    EXPECT_EQ(stack.back, nullptr);
+    check({}, {});
+}
+
+TEST(EffectStack, UnderTheTextDependsOnTheLayerMode) {
+    ZvEffect stack;
+    ZvStrokeProperty centered(1, 0, 1, 0, 0);
+    Recorder emboss(6), stroke(10, &centered), bevel(5), unset(10);
+    for (int mode : {0, 1}) {
+        stack.layerMode = mode;
+        EXPECT_EQ(stack.isUnderEffect(&emboss), mode == 0);
+        EXPECT_EQ(stack.isUnderEffect(&stroke), mode == 0);
+        EXPECT_TRUE(stack.isUnderEffect(&bevel));
+        EXPECT_TRUE(stack.isUnderEffect(&unset));
+        EXPECT_FALSE(stack.isUnderEffect(nullptr));
+    }
+}
+
+// --- Rendering
+// --------------------------------------------------------------------------------------------------
+
+TEST(EffectStack, LayersAreToldOfEveryRunWithOrWithoutAGlyph) {
+    ZvEffect stack;
+    Recorder* layer = addRecorder(stack, 2);
+    stack.initEffect(9, 7);
+    ASSERT_EQ(layer->inits.size(), 1u);
+    EXPECT_EQ(layer->inits[0].width, 9);
+    EXPECT_EQ(layer->inits[0].height, 7);
+    EXPECT_EQ(layer->inits[0].layerMode, 0);
+    ZvBitmap picture(9, 7, 4), coverage(2, 2, 1);
+    ZvGlyph glyph = glyphOf(coverage);
+    EXPECT_EQ(stack.renderEffectLayer(3, -4, &glyph), 0);
+    stack.setDstBitmap(&picture);
+    EXPECT_EQ(stack.getDstBitmap(), &picture);
+    EXPECT_EQ(stack.renderEffectLayer(0, 0, nullptr), 0);
+    ASSERT_EQ(layer->renders.size(), 2u);
+    EXPECT_EQ(layer->renders[0].x, 3);
+    EXPECT_EQ(layer->renders[0].y, -4);
+    EXPECT_EQ(layer->renders[0].glyph, &glyph);
+    EXPECT_EQ(layer->renders[0].target, nullptr);
+    EXPECT_EQ(layer->renders[1].glyph, nullptr);
+    EXPECT_EQ(layer->renders[1].target, &picture);
+}
+
+TEST(EffectStack, GlyphsMergeIntoTheMaskAndItsBox) {
+    ZvEffect stack;
+    stack.addText(0xFF000000);
+    stack.initEffect(6, 6);
+    Random random(1);
+    ZvBitmap first = makeMask(MaskKind::Noise, 3, 3, random),
+             second = makeMask(MaskKind::Noise, 4, 2, random);
+    ZvGlyph one = glyphOf(first), two = glyphOf(second);
+    stack.renderEffectLayer(1, 2, &one);
+    expectRect(stack.textRect, 1, 2, 4, 5);
+    stack.renderEffectLayer(2, 3, &two);
+    stack.renderEffectLayer(-1, -1, &two);
+    expectRect(*stack.getTextRect(), -1, -1, 6, 5);
+    for (int y = 0; y < 6; ++y) {
+        for (int x = 0; x < 6; ++x) {
+            const auto at = [&](const ZvBitmap& glyph, int left, int top) {
+                const int gx = x - left, gy = y - top;
+                const bool inside = gx >= 0 && gx < static_cast<int>(glyph.width) && gy >= 0 &&
+                                    gy < static_cast<int>(glyph.height);
+                return inside ? int{glyph.pixels[gy * static_cast<int>(glyph.width) + gx]} : 0;
+            };
+            EXPECT_EQ(int{stack.mask->pixels[y * 6 + x]},
+                      std::max({at(first, 1, 2), at(second, 2, 3), at(second, -1, -1)}));
+        }
+    }
+    stack.doEffectPostProcessing();
+    expectRect(stack.textRect, 0, 0, 6, 5);
+    EXPECT_TRUE(stack.textRectReset);
+    stack.renderEffectLayer(4, 4, &one);
+    expectRect(stack.textRect, 4, 4, 7, 7);
+}
+
+TEST(EffectStack, ABoxAtTheEndOfTheIntsDoesNotWrap) {
+    ZvEffect stack;
+    Recorder* layer = addRecorder(stack, 1);
+    stack.initEffect(4, 4);
+    ZvBitmap coverage(5, 5, 1);
+    ZvGlyph glyph = glyphOf(coverage);
+    stack.renderEffectLayer(INT_MAX - 2, INT_MAX, &glyph);
+    expectRect(stack.textRect, INT_MAX - 2, INT_MAX, INT_MAX, INT_MAX);
+    stack.renderEffectLayer(INT_MIN, INT_MIN, &glyph);
+    stack.doEffectPostProcessing();
+    expectRect(stack.textRect, 0, 0, 4, 4);
+    EXPECT_EQ(layer->draws.size(), 1u);
+}
+
+TEST(EffectStack, NoLayerRunsWithoutGlyphsInTheMask) {
+    ZvEffect stack;
+    Recorder* layer = addRecorder(stack, 1);
+    ZvBitmap coverage(3, 3, 1);
+    ZvGlyph glyph = glyphOf(coverage);
+    const int places[][2] = {{4, 0}, {0, 4}, {-3, 0}, {0, -3}, {100, 100}};
+    for (const auto& place : places) {
+        stack.initEffect(4, 4);
+        stack.renderEffectLayer(place[0], place[1], &glyph);
+        stack.doEffectPostProcessing();
+    }
+    stack.initEffect(4, 4);
+    stack.renderEffectLayer(0, 0, &glyph);
+    stack.doEffectPostProcessing();
+    EXPECT_EQ(layer->draws.size(), 1u);
+    // The box of the rendering before must not be taken for this one's.
+    stack.initEffect(4, 4);
+    stack.doEffectPostProcessing();
+    EXPECT_EQ(layer->draws.size(), 1u);
+    expectRect(stack.textRect, 0, 0, 0, 0);
+    // Nor is there anything to draw without a mask.
+    stack.compositeLayers(nullptr);
+    stack.renderEffectLayer(0, 0, &glyph);
+    stack.doEffectPostProcessing();
+    EXPECT_EQ(layer->draws.size(), 1u);
+}
+
+// A translucent colour is left out of the fill and applied once, to the whole picture.
+TEST(EffectStack, PlainTextBecomesStraightColor) {
+    ZvEffect stack;
+    stack.addText(0x80FF8001);
+    stack.initEffect(4, 3);
+    ZvBitmap picture(4, 3, 4), coverage(2, 1, 1);
+    coverage.pixels[0] = 255;
+    coverage.pixels[1] = 100;
+    ZvGlyph glyph = glyphOf(coverage);
+    stack.setDstBitmap(&picture);
+    stack.renderEffectLayer(1, 1, &glyph);
+    stack.doEffectPostProcessing();
+    stack.compositeLayers(&picture);
+    const uint8_t* full = picture.pixels + (1 * 4 + 1) * 4;
+    const int alpha = 256 * 128 >> 8;
+    EXPECT_EQ(full[3], alpha);
+    EXPECT_EQ(full[0], 255);
+    EXPECT_EQ(full[1], (129 * 128 & 0x1FF00) / alpha);
+    const uint8_t* edge = full + 4;
+    const int edgeAlpha = (101 * 128) >> 8;  // coverage 100 of an opaque fill is alpha 100
+    EXPECT_EQ(edge[3], edgeAlpha);
+    for (int i = 0; i < 4 * 3; ++i) {
+        if (i == 5 || i == 6) continue;
+        EXPECT_EQ(std::memcmp(picture.pixels + i * 4, "\0\0\0\0", 4), 0) << i;
+    }
+    EXPECT_EQ(stack.mask, nullptr);
+    EXPECT_EQ(stack.dst, nullptr);
+    EXPECT_EQ(stack.layerMode, 0);
+}
+
+TEST(EffectStack, TwoLayersAreCrossFadedByTheCoverage) {
+    ZvEffect stack;
+    stack.setTextOpacity(0.5f);
+    stack.initEffect(5, 4);
+    ASSERT_NE(stack.back, nullptr);
+    Random random(3);
+    ZvBitmap front = makeTarget(TargetKind::Partly, 5, 4, random),
+             back = makeTarget(TargetKind::Partly, 5, 4, random);
+    ZvBitmap mask = makeMask(MaskKind::Noise, 5, 4, random);
+    *stack.back = back;
+    *stack.mask = mask;
+    stack.textAlpha = 200;
+    ZvBitmap out(front);
+    stack.compositeLayers(&out);
+    for (int i = 0; i < 20; ++i) {
+        int merged[4];
+        for (int c = 0; c < 4; ++c) {
+            merged[c] = reference::mergeByte(front.pixels[i * 4 + c], back.pixels[i * 4 + c], mask.pixels[i]);
+        }
+        for (int c = 0; c < 3; ++c) {
+            EXPECT_EQ(out.pixels[i * 4 + c], reference::finishedColor(merged[c], merged[3], 200)) << i;
+        }
+        EXPECT_EQ(out.pixels[i * 4 + 3], reference::finishedAlpha(merged[3], 200)) << i;
+    }
+    EXPECT_EQ(stack.back, nullptr);
+}
+
+TEST(EffectStack, CompositingOutsideARenderingLeavesThePictureAlone) {
+    Random random(4);
+    ZvBitmap out = makeTarget(TargetKind::Partly, 5, 4, random);
+    const ZvBitmap before(out);
+    ZvEffect stack;
+    stack.addText(0x80000000);
+    stack.compositeLayers(&out);
+    stack.compositeLayers(nullptr);
+    EXPECT_TRUE(samePixels(before, out));
+}
+
+TEST(EffectStack, SizesThatMakeNoBitmapDrawNothing) {
+    ZvBitmap coverage(2, 2, 1), picture(4, 4, 4), empty;
+    ZvGlyph glyph = glyphOf(coverage);
+    ZvGlyph noPixels;
+    noPixels.width = noPixels.height = 3;
+    const int sizes[][2] = {{0, 0}, {-1, 5}, {INT_MIN, INT_MIN}, {INT_MAX, INT_MAX}, {3, 0}};
+    for (const auto& size : sizes) {
+        for (float opacity : {1.0f, 0.5f}) {
+            ZvEffect stack;
+            stack.setTextOpacity(opacity);
+            stack.addText(0xFFFFFFFF);
+            stack.addStrokeText(2, 0xFFFFFFFF, 1, 0, 1);
+            stack.initEffect(size[0], size[1]);
+            for (ZvBitmap* out : {&picture, &empty, static_cast<ZvBitmap*>(nullptr)}) {
+                stack.setDstBitmap(out);
+                stack.renderEffectLayer(0, 0, &glyph);
+                stack.renderEffectLayer(0, 0, &noPixels);
+                stack.doEffectPostProcessing();
+            }
+            stack.compositeLayers(&picture);
+        }
+    }
+    EXPECT_TRUE(samePixels(ZvBitmap(4, 4, 4), picture));
+}
+
+TEST(EffectStack, BitmapsAreReplacedAndReleased) {
+    ZvEffect stack;
+    stack.initEffect(2, 2);
+    delete stack.getSrcBitmap();
+    ZvBitmap* own = new ZvBitmap(3, 3, 1);
+    stack.setSrcBitmap(own);
+    EXPECT_EQ(stack.mask, own);
+    ZvBitmap picture(2, 2, 4);
+    stack.setDstBitmap(&picture);
+    stack.releaseBitmap();
+    EXPECT_EQ(stack.getSrcBitmap(), nullptr);
+    EXPECT_EQ(stack.getDstBitmap(), nullptr);
+    stack.setTextOpacity(0.5f);
+    stack.initEffect(2, 2);
+    stack.initEffect(4, 4);  // a rendering that was never finished
+    EXPECT_EQ(stack.back->width, 4u);
+}
+
+// A whole rendering with one allocation failing, for each of them: nothing leaks and nothing crashes, and a
+// layer that could not be made is not in the stack.
+TEST(EffectStack, AnyAllocationMayFail) {
+    ZvBitmap coverage(6, 6, 1);
+    std::memset(coverage.pixels, 255, 36);
+    ZvBitmap picture(16, 16, 4);
+    for (float opacity : {1.0f, 0.5f}) {
+        forEachFailingAllocation([&](bool) {
+            ZvEffect stack;
+            stack.setTextOpacity(opacity);
+            ZvGradient stops[2] = {};
+            stack.addOuterGlowText(3, 0xFF000000, 1, 2, stops);
+            const int stroke = stack.addStrokeText(2, 0xFF000000, 1, 0, 0);
+            EXPECT_EQ(stroke != -1, stack.hasEffect(ZV_EFFECT_STROKE));
+            const int text = stack.addText(0xFFFFFFFF);
+            EXPECT_EQ(text != -1, stack.hasEffect(ZV_EFFECT_TEXT));
+            for (ZvECore* layer : stack.effects) EXPECT_NE(layer->getProperty(), nullptr);
+            ZvEffect copy(stack);
+            delete[] copy.getMapKey();
+            stack.initEffect(16, 16);
+            stack.setDstBitmap(&picture);
+            ZvGlyph glyph = glyphOf(coverage);
+            stack.renderEffectLayer(4, 4, &glyph);
+            stack.doEffectPostProcessing();
+            stack.compositeLayers(&picture);
+        });
+    }
+}
+
+TEST(EffectStack, SpeaksOnlyAtDebugLevel) {
+    host::LogCapture log;
+    {
+        ZvEffect stack;
+        ZvEffect silent(nullptr);
+        stack.addText(0x80FF8001);
+        stack.addText(0x80FF8001, 0.5f);
+        stack.initEffect(1, 1);
+        stack.doEffectPostProcessing();
+        stack.compositeLayers(nullptr);
+    }
+    if (!ZvLog::IsAllLogEnable()) {
+        EXPECT_TRUE(log.lines().empty());
+        return;
+    }
+    std::vector<std::string> texts;
+    for (const host::LogLine& line : log.lines()) {
+        EXPECT_EQ(line.priority, 3);
+        EXPECT_EQ(line.tag, "ZvEffect");
+        const size_t address = line.text.find("(0x");
+        ASSERT_NE(address, std::string::npos) << line.text;
+        texts.push_back(line.text.substr(0, address) + line.text.substr(line.text.find(')') + 1));
+    }
+    EXPECT_THAT(texts,
+                ElementsAre("ZvEffect", "AddText - (color:80ff8001)",
+                            "AddText - (color:-2130739199/opacity:0.500000)", "InitEffect",
+                            "DoEffectPostProcessing - start", "DoEffectPostProcessing - end",
+                            "CompositeLayers - start", "CompositeLayers - end", "~ZvEffect", "~ZvEffect"));
+}
+
+}  // namespace
+}  // namespace Zvex

@@ -1,0 +1,194 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "effect/ZvProperty.h"
+
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <cstdint>
+#include <limits>
+#include <string>
+#include <vector>
+
+#include "raster/ZvBitmap.h"
+
+namespace Zvex {
+namespace {
+
+constexpr float NOT_A_NUMBER = std::numeric_limits<float>::quiet_NaN();
+constexpr float ENDLESS = std::numeric_limits<float>::infinity();
+
+// A record's key as its letter and then, for each byte, two hexadecimal digits of the low seven bits: easier
+// to read, and it fails for a byte without its top bit. Also checks the announced length and what lies beyond
+// it.
+std::string keyOf(ZvProperty& property) {
+    const size_t length = static_cast<size_t>(property.getSequentialCharLength());
+    std::vector<char> memory(length + 2, '?');
+    char* cursor = memory.data();
+    EXPECT_EQ(property.toSequentialChar(&cursor), 1);
+    const size_t written = static_cast<size_t>(cursor - memory.data());
+    EXPECT_LE(written, length);
+    EXPECT_EQ(*cursor, '\0');
+    EXPECT_EQ(memory[length + 1], '?');
+    std::string text(1, memory[0]);
+    for (size_t i = 1; i < written; ++i) {
+        const unsigned byte = static_cast<unsigned char>(memory[i]);
+        EXPECT_GE(byte, 0x80u) << "byte " << i;
+        const char* digits = "0123456789abcdef";
+        text += digits[(byte >> 4) & 7];
+        text += digits[byte & 15];
+    }
+    return text;
+}
+
+constexpr char COLOR_KEY[] = "01020a0b0c0d0e0f";  // one byte for each digit of the colour
+constexpr uint32_t COLOR = 0x12ABCDEF;
+
+TEST(LayerKey, Text) {
+    ZvTextProperty text(COLOR, 0.5f);
+    EXPECT_EQ(text.getSequentialCharLength(), 9);
+    EXPECT_EQ(keyOf(text), std::string("T") + COLOR_KEY);
+}
+
+TEST(LayerKey, Shadows) {
+    ZvOuterShadowProperty outer(-30.0f, 5.9f, 100.0f, COLOR, 0.5f);
+    EXPECT_EQ(outer.getSequentialCharLength(), 13);
+    EXPECT_EQ(keyOf(outer), std::string("S") + "024a" + "05" + "64" + COLOR_KEY);
+    ZvInnerShadowProperty inner(-30.0f, 5.9f, 100.0f, COLOR, 0.5f);
+    EXPECT_EQ(inner.getSequentialCharLength(), 13);
+    EXPECT_EQ(keyOf(inner), std::string("I") + "024a" + "05" + "64" + COLOR_KEY);
+}
+
+TEST(LayerKey, AnglesAreBroughtToACircle) {
+    const struct {
+        float angle;
+        const char* key;
+    } cases[] = {{0, "0000"},   {127.9f, "007f"}, {128, "0100"},          {359, "0267"},    {720, "0000"},
+                 {-30, "024a"}, {-0.9f, "0000"},  {NOT_A_NUMBER, "0000"}, {ENDLESS, "007f"}};
+    for (const auto& c : cases) {
+        ZvOuterShadowProperty shadow(c.angle, 0, 0, 0, 0);
+        EXPECT_EQ(keyOf(shadow).substr(1, 4), c.key) << c.angle;
+    }
+}
+
+TEST(LayerKey, SmallFieldsKeepSevenBits) {
+    ZvStrokeProperty stroke(129.9f, COLOR, 1.0f, 300, -1);
+    EXPECT_EQ(stroke.getSequentialCharLength(), 12);
+    EXPECT_EQ(keyOf(stroke), std::string("K") + "01" + COLOR_KEY + "2c" + "7f");
+    ZvStrokeProperty odd(NOT_A_NUMBER, 0, 0, INT_MIN, INT_MAX);
+    EXPECT_EQ(keyOf(odd), std::string("K") + "00" + "0000000000000000" + "00" + "7f");
+}
+
+TEST(LayerKey, GlowsWriteTheirStops) {
+    // 0.29f is a little below 0.29: the product, in double precision, is cut to 28.
+    ZvGradient stops[] = {{0x00000001, 1.0f, 0.0f}, {COLOR, 0.2f, 0.29f}, {0xFF000000, 1.0f, 1.0f}};
+    const std::string written = std::string("000000000000000100") + COLOR_KEY + "1c" + "0f0f00000000000064";
+    ZvOuterGlowProperty outer(20.5f, COLOR, 0.5f, 3, stops);
+    EXPECT_EQ(outer.getSequentialCharLength(), 40);  // one byte a stop more than is written
+    EXPECT_EQ(keyOf(outer), std::string("G") + "14" + COLOR_KEY + written);
+    ZvInnerGlowProperty inner(20.5f, COLOR, 0.5f, 3, stops);
+    EXPECT_EQ(inner.getSequentialCharLength(), 40);
+    EXPECT_EQ(keyOf(inner), std::string("N") + "14" + COLOR_KEY + written);
+    ZvOuterGlowProperty none(0, COLOR, 0.5f, 0, nullptr);
+    EXPECT_EQ(none.getSequentialCharLength(), 10);
+    EXPECT_EQ(keyOf(none), std::string("G") + "00" + COLOR_KEY);
+}
+
+TEST(LayerKey, Gradients) {
+    ZvGradient stops[] = {{COLOR, 1.0f, 0.5f}};
+    ZvLinearGradientProperty linear(-405.7f, 3.5f, 0.5f, 1, stops);  // scale 2, 200 hundredths
+    EXPECT_EQ(linear.getSequentialCharLength(), 15);
+    EXPECT_EQ(keyOf(linear), std::string("L") + "023b" + "0c08" + COLOR_KEY + "32");
+    ZvRadialGradientProperty radial(0, 0.29f, 0.5f, 1, stops);  // 28 again
+    EXPECT_EQ(radial.getSequentialCharLength(), 15);
+    EXPECT_EQ(keyOf(radial), std::string("D") + "0000" + "010c" + COLOR_KEY + "32");
+}
+
+TEST(LayerKey, StopCountsNobodyMeantAreHarmless) {
+    ZvGradient stop{COLOR, 1.0f, 0.5f};
+    for (int count : {-1, INT_MIN}) {
+        ZvOuterGlowProperty glow(1, COLOR, 1, count, &stop);
+        EXPECT_EQ(glow.getSequentialCharLength(), 10);
+        EXPECT_EQ(keyOf(glow).size(), 1u + 2 * 9);
+        ZvLinearGradientProperty gradient(0, 1, 1, count, &stop);
+        EXPECT_EQ(gradient.getSequentialCharLength(), 5);
+        EXPECT_EQ(keyOf(gradient).size(), 1u + 2 * 4);
+    }
+    ZvInnerGlowProperty glow(1, COLOR, 1, 7, nullptr);
+    EXPECT_EQ(keyOf(glow).size(), 1u + 2 * 9);
+    ZvInnerGlowProperty huge(1, COLOR, 1, INT_MAX, nullptr);
+    EXPECT_GT(huge.getSequentialCharLength(), 2000000000);
+    ZvRadialGradientProperty hugeGradient(1, 1, 1, INT_MAX, nullptr);
+    EXPECT_GT(hugeGradient.getSequentialCharLength(), 2000000000);
+}
+
+TEST(LayerKey, BevelAndEmboss) {
+    ZvBevelProperty bevel(1, 255.9f, 9.99f, 1, 2, 16, 0.5f, -45.0f, 30.9f, COLOR, 0.3f, 0x000000FF, 0.3f);
+    EXPECT_EQ(bevel.getSequentialCharLength(), 30);
+    // 9.99f is a little below 9.99: 998, 0x3e6.
+    const std::string fields = std::string("01") + "0f0f" + "00030e06" + "01" + "02" + "10" + "023b" + "1e" +
+                               COLOR_KEY + "0000000000000f0f";
+    EXPECT_EQ(keyOf(bevel), "B" + fields);
+    ZvEmbossProperty emboss(1, 255.9f, 9.99f, 1, 2, 16, 0.5f, -45.0f, 30.9f, COLOR, 0.3f, 0x000000FF, 0.3f);
+    EXPECT_EQ(emboss.getSequentialCharLength(), 30);
+    EXPECT_EQ(keyOf(emboss), "E" + fields);
+}
+
+TEST(LayerKey, PatternsAreToldApartByTheirBitmap) {
+    ZvBitmap one(2, 2, 4), two(one);
+    ZvPatternProperty first(&one, 12.0f, 0.29f), second(&two, 12.0f, 0.29f);
+    EXPECT_EQ(first.getSequentialCharLength(), 17);
+    const uint32_t address = static_cast<uint32_t>(reinterpret_cast<uintptr_t>(&one));
+    std::string digits;
+    for (int shift = 28; shift >= 0; shift -= 4) {
+        digits += '0';
+        digits += "0123456789abcdef"[(address >> shift) & 15];
+    }
+    EXPECT_EQ(keyOf(first), "P" + digits + "00030e08" + "0000010c");  // 1000 and 28
+    EXPECT_NE(keyOf(first), keyOf(second));
+}
+
+TEST(ZvProperty, RecordsKeepOrLimitTheirNumbers) {
+    const ZvOuterShadowProperty outer(-405.7f, -3.0f, 1e9f, COLOR, 7.0f);
+    EXPECT_EQ(outer.angle, -405.7f);
+    EXPECT_EQ(outer.distance, -3.0f);
+    EXPECT_EQ(outer.size, 1e9f);
+    EXPECT_EQ(outer.color, COLOR);
+    EXPECT_EQ(outer.opacity, 7.0f);
+    EXPECT_EQ(ZvInnerShadowProperty(405.7f, 0, 0, 0, 0).angle, 45.0f);
+    EXPECT_EQ(ZvInnerShadowProperty(-30.2f, 0, 0, 0, 0).angle, -30.0f);
+    EXPECT_EQ(ZvInnerShadowProperty(NOT_A_NUMBER, 0, 0, 0, 0).angle, 0.0f);
+    EXPECT_EQ(ZvInnerShadowProperty(-ENDLESS, 0, 0, 0, 0).angle, -128.0f);
+
+    const ZvLinearGradientProperty linear(-405.7f, 3.5f, 0.5f, 2, nullptr);
+    EXPECT_EQ(linear.angle, -45.0f);
+    EXPECT_EQ(linear.scale, 2.0f);
+    EXPECT_EQ(linear.color, 0u);
+    EXPECT_EQ(linear.opacity, 0.5f);
+    EXPECT_EQ(linear.count, 2);
+    EXPECT_EQ(ZvRadialGradientProperty(0, -1.0f, 0, 0, nullptr).scale, 0.0f);
+    EXPECT_EQ(ZvRadialGradientProperty(0, NOT_A_NUMBER, 0, 0, nullptr).scale, 0.0f);
+
+    const ZvBevelProperty bevel(3, -5.0f, -1.0f, 4, 5, 20, 0.75f, 370.5f, -100.5f, COLOR, 2.0f, ~COLOR, 3.0f);
+    EXPECT_EQ(bevel.style, 3);
+    EXPECT_EQ(bevel.size, -5.0f);
+    EXPECT_EQ(bevel.depth, 0.0f);
+    EXPECT_EQ(bevel.direction, 4);
+    EXPECT_EQ(bevel.technique, 5);
+    EXPECT_EQ(bevel.soften, 16);
+    EXPECT_EQ(bevel.opacity, 0.75f);
+    EXPECT_EQ(bevel.angle, 10.0f);
+    EXPECT_EQ(bevel.altitude, -10.0f);
+    EXPECT_EQ(bevel.shadowColor, COLOR);
+    EXPECT_EQ(bevel.shadowOpacity, 2.0f);
+    EXPECT_EQ(bevel.highlightColor, ~COLOR);
+    EXPECT_EQ(bevel.highlightOpacity, 3.0f);
+    EXPECT_EQ(bevel.color, 0u);
+    const ZvEmbossProperty emboss(0, 0, 11.0f, 0, 0, -4, 0, 0, 0, 0, 0, 0, 0);
+    EXPECT_EQ(emboss.depth, 10.0f);
+    EXPECT_EQ(emboss.soften, 0);
+    EXPECT_EQ(ZvPatternProperty(nullptr, 11.0f, 1.0f).scale, 10.0f);
+    EXPECT_EQ(ZvPatternProperty(nullptr, -1.0f, 1.0f).scale, 0.0f);
+}
+
+}  // namespace
+}  // namespace Zvex

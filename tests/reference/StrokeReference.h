@@ -1,0 +1,118 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef ZVEX_TESTS_REFERENCE_STROKEREFERENCE_H_
+#define ZVEX_TESTS_REFERENCE_STROKEREFERENCE_H_
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <vector>
+
+#include "raster/ZvBitmap.h"
+#include "raster/ZvRect.h"
+#include "tests/reference/BlenderReference.h"
+
+// The stroke as its definition reads: for every pixel of the picture, the largest value that any pixel of the
+// text brings there through the disc.
+namespace reference {
+
+struct Disc {
+    int side = 0;
+    std::vector<int> cells;
+};
+
+inline int strokeByte(float unit) {
+    return static_cast<int>(std::min(1.0f, std::max(0.0f, unit)) * 255.0f + 0.5f);
+}
+
+inline Disc makeDisc(float radius) {
+    const int r = static_cast<int>(radius + 0.5f);
+    Disc disc;
+    disc.side = 2 * r + 1;
+    for (int y = -r; y <= r; ++y) {
+        for (int x = -r; x <= r; ++x) {
+            const float distance = sqrtf(static_cast<float>(x * x + y * y));
+            const bool middle = x == 0 && y == 0;
+            disc.cells.push_back(strokeByte(middle ? radius : 1 - (distance - radius)));
+        }
+    }
+    return disc;
+}
+
+struct Plane {
+    int width = 0, height = 0;
+    std::vector<int> values;
+
+    int at(int x, int y) const { return values[static_cast<size_t>(y) * width + x]; }
+};
+
+// The plane grown by r on every side and dilated by the disc.
+inline Plane dilate(const Plane& source, const Disc& disc) {
+    const int r = disc.side / 2;
+    Plane result{source.width + 2 * r, source.height + 2 * r, {}};
+    for (int y = 0; y < result.height; ++y) {
+        for (int x = 0; x < result.width; ++x) {
+            int best = 0;
+            for (int i = 0; i < disc.side; ++i) {
+                for (int j = 0; j < disc.side; ++j) {
+                    // The source pixel whose disc puts its cell (i, j) on (x, y).
+                    const int sx = x - j, sy = y - i;
+                    if (sx < 0 || sx >= source.width || sy < 0 || sy >= source.height) continue;
+                    best = std::max(
+                        best, source.at(sx, sy) + disc.cells[static_cast<size_t>(i) * disc.side + j] - 255);
+                }
+            }
+            result.values.push_back(best);
+        }
+    }
+    return result;
+}
+
+inline Plane complement(Plane plane) {
+    for (int& value : plane.values) value = 255 - value;
+    return plane;
+}
+
+// The box of the mask with a border of one transparent pixel; beyond the mask there is no coverage.
+inline Plane strokeSource(const Zvex::ZvBitmap& mask, const Zvex::ZvRect& box) {
+    Plane plane{box.right - box.left + 2, box.bottom - box.top + 2, {}};
+    for (int y = box.top - 1; y <= box.bottom; ++y) {
+        for (int x = box.left - 1; x <= box.right; ++x) {
+            const bool inBox = x >= box.left && x < box.right && y >= box.top && y < box.bottom;
+            const bool inMask =
+                x >= 0 && x < static_cast<int>(mask.width) && y >= 0 && y < static_cast<int>(mask.height);
+            plane.values.push_back(inBox && inMask ? mask.pixels[static_cast<size_t>(y) * mask.width + x]
+                                                   : 0);
+        }
+    }
+    return plane;
+}
+
+// position 0: centred, 1: outside, else inside. other may be null.
+inline void drawStroke(const Zvex::ZvBitmap* target, const Zvex::ZvBitmap* other, const Zvex::ZvBitmap& mask,
+                       const Zvex::ZvRect& box, int layerMode, float width, uint32_t color, int position) {
+    const Disc disc = makeDisc(position == 0 ? width * 0.5f : width);
+    const Plane source = strokeSource(mask, box);
+    Plane band;
+    if (position == 1) {
+        band = dilate(source, disc);
+    } else if (position == 0) {
+        const Plane inside = dilate(complement(source), disc);
+        band = dilate(source, disc);
+        for (size_t i = 0; i < band.values.size(); ++i)
+            band.values[i] = std::min(band.values[i], inside.values[i]);
+    } else {
+        band = dilate(complement(source), disc);
+    }
+    const std::vector<uint8_t> coverage(band.values.begin(), band.values.end());
+    const int mode = position == 0 && layerMode != 1 ? 1 : 2;
+    const int reach = 1 + disc.side / 2;
+    for (const Zvex::ZvBitmap* picture : {target, other}) {
+        if (picture == nullptr) continue;
+        drawBitmapBlend8(box.left - reach, box.top - reach, picture, coverage.data(), band.width, band.height,
+                         band.width, color, mode);
+    }
+}
+
+}  // namespace reference
+
+#endif  // ZVEX_TESTS_REFERENCE_STROKEREFERENCE_H_
