@@ -84,7 +84,7 @@ int makeCircleKernel(unsigned char** kernel, float radius) {
     *kernel = nullptr;
     const int r = roundSize(radius);
     const int64_t size = 2 * int64_t{r} + 1;
-    if (r < 0 || size * size > INT_MAX) return 0;
+    if (r < 0 || size > INT_MAX / size) return 0;
     unsigned char* cells = static_cast<unsigned char*>(std::malloc(static_cast<size_t>(size * size)));
     if (cells == nullptr) return 0;
     unsigned char* cell = cells;
@@ -127,8 +127,8 @@ int ZvStroke::doPostProcessing(ParamPostProcessing* param) {
     const int64_t height = paddedHeight + 2 * radius;
     const int64_t x = int64_t{box.left} - BORDER - radius;
     const int64_t y = int64_t{box.top} - BORDER - radius;
-    // Sides are below 2^33, so their product fits; the job and the blender count in ints.
-    if (width * height > INT_MAX || x < INT_MIN || y < INT_MIN) return 0;
+    // The job and the blender count in ints.
+    if (height > INT_MAX / width || x < INT_MIN || y < INT_MIN) return 0;
 
     Buffer<uint8_t> padded;
     Buffer<uint8_t> band;
