@@ -212,11 +212,12 @@ TEST(Stroke, RowBandsGiveTheWhole) {
 }
 
 // A job that reads a part of its source and lays it near the corner of its target: the cells that fall
-// outside are left out and nothing beside the plane is written.
+// outside are left out and nothing beside the plane is written. It asks for more rows and columns than the
+// source says it has.
 TEST(Stroke, JobsMayReadAndWriteAPart) {
     constexpr int R = 3, SIDE = 2 * R + 1;
     Random random(6);
-    ZvBitmap source = makeMask(MaskKind::Noise, 12, 9, random);
+    ZvBitmap source = makeMask(MaskKind::Noise, 12, 14, random);
     unsigned char* kernel = nullptr;
     ASSERT_EQ(makeCircleKernel(&kernel, static_cast<float>(R)), SIDE);
     constexpr int WIDTH = 10, HEIGHT = 8, CANARY = 32;  // guards of value 1: a stray write raises them
@@ -235,11 +236,11 @@ TEST(Stroke, JobsMayReadAndWriteAPart) {
     job.dstStride = WIDTH;
     job.dstHeight = HEIGHT;
     job.dstY = 1;
-    job.dstX = 4;
+    job.dstX = 1;
     job.kernelSize = SIDE;
-    job.columns = 9;
-    job.rows = 5;
-    job.rowEnd = 5;
+    job.columns = 12;
+    job.rows = 8;
+    job.rowEnd = 8;
     ZvStroke::partalDTStrokeOutside(&job);
 
     reference::Plane part{9, 5, {}};
@@ -247,10 +248,10 @@ TEST(Stroke, JobsMayReadAndWriteAPart) {
         for (int x = 0; x < 9; ++x) part.values.push_back(source.pixels[(y + 4) * 12 + x + 3]);
     }
     const reference::Plane expected =
-        reference::dilate(part, reference::makeDisc(R));  // its pixel (R, R) is (4, 1)
+        reference::dilate(part, reference::makeDisc(R));  // its pixel (R, R) is (1, 1)
     for (int y = 0; y < HEIGHT; ++y) {
         for (int x = 0; x < WIDTH; ++x) {
-            const int fromX = x - 4 + R, fromY = y - 1 + R;
+            const int fromX = x - 1 + R, fromY = y - 1 + R;
             const bool reached =
                 fromX >= 0 && fromX < expected.width && fromY >= 0 && fromY < expected.height;
             EXPECT_EQ(int{memory[CANARY + y * WIDTH + x]}, reached ? expected.at(fromX, fromY) : 0)
