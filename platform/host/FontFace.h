@@ -11,8 +11,9 @@
 
 namespace host {
 
-// How a glyph is sized and drawn. Sizes of 0 or less, sizes (or widths, size * scaleX) beyond kMaxGlyphSize,
-// skews beyond kMaxGlyphSkew and values that are no number make every glyph blank.
+// How a glyph is sized and drawn. Sizes and widths (size * scaleX, of either sign) outside
+// kMinGlyphSize..kMaxGlyphSize, skews beyond kMaxGlyphSkew and values that are no number make every glyph
+// blank.
 struct GlyphStyle {
     float size = 0;    // pixels per em
     float scaleX = 1;  // of outlines and advances; negative mirrors, 0 is blank
@@ -22,6 +23,7 @@ struct GlyphStyle {
     bool subpixel = false;  // fractional advances; images and boxes take no notice
 };
 
+constexpr float kMinGlyphSize = 1.0f / 64;
 constexpr float kMaxGlyphSize = 16384;
 constexpr float kMaxGlyphSkew = 64;
 // A glyph whose image would take more bytes than this, or be wider or taller than kMaxGlyphSide, is blank.

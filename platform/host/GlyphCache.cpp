@@ -1,0 +1,134 @@
+// SPDX-License-Identifier: Apache-2.0
+// A list in order of use and a table into it, under one lock. Rasterising happens outside the lock, so two
+// threads may make the same image; the first one kept stays.
+#include "platform/host/GlyphCache.h"
+
+#include <list>
+#include <mutex>
+#include <unordered_map>
+#include <utility>
+
+namespace host {
+
+bool GlyphKey::operator==(const GlyphKey& other) const {
+    return faceId == other.faceId && glyph == other.glyph && size == other.size && scaleX == other.scaleX &&
+           skewX == other.skewX && flags == other.flags;
+}
+
+namespace {
+
+struct GlyphKeyHash {
+    size_t operator()(const GlyphKey& key) const {
+        uint64_t hash = 0;
+        for (const uint32_t part : {key.faceId, key.glyph, key.size, key.scaleX, key.skewX, key.flags}) {
+            hash = (hash ^ part) * 0x9E3779B97F4A7C15u;
+            hash ^= hash >> 29;
+        }
+        return static_cast<size_t>(hash);
+    }
+};
+
+class GlyphCache {
+public:
+    // Never destroyed: fonts in static objects still forget their glyphs at the end of the process.
+    static GlyphCache& get() {
+        static GlyphCache* cache = new GlyphCache;
+        return *cache;
+    }
+
+    std::shared_ptr<const GlyphImage> find(const GlyphKey& key) {
+        std::lock_guard<std::mutex> lock(mMutex);
+        const auto found = mTable.find(key);
+        if (found == mTable.end()) return nullptr;
+        mEntries.splice(mEntries.begin(), mEntries, found->second);
+        return found->second->image;
+    }
+
+    std::shared_ptr<const GlyphImage> keep(const GlyphKey& key, std::shared_ptr<const GlyphImage> image) {
+        // The image's bytes, and about what the two records and their links take.
+        const size_t bytes = image->coverage.capacity() + sizeof(GlyphImage) + sizeof(Entry) + 128;
+        std::lock_guard<std::mutex> lock(mMutex);
+        const auto found = mTable.find(key);
+        if (found != mTable.end()) return found->second->image;
+        if (bytes > mLimit / 4) return image;
+        mEntries.push_front({key, image, bytes});
+        mTable.emplace(key, mEntries.begin());
+        mBytes += bytes;
+        shrink();
+        return image;
+    }
+
+    void forget(uint32_t faceId) {
+        std::lock_guard<std::mutex> lock(mMutex);
+        for (auto entry = mEntries.begin(); entry != mEntries.end();) {
+            const auto next = std::next(entry);
+            if (entry->key.faceId == faceId) drop(entry);
+            entry = next;
+        }
+    }
+
+    void clear() {
+        std::lock_guard<std::mutex> lock(mMutex);
+        mTable.clear();
+        mEntries.clear();
+        mBytes = 0;
+    }
+
+    size_t bytes() {
+        std::lock_guard<std::mutex> lock(mMutex);
+        return mBytes;
+    }
+
+    void setLimit(size_t bytes) {
+        std::lock_guard<std::mutex> lock(mMutex);
+        mLimit = bytes;
+        shrink();
+    }
+
+private:
+    struct Entry {
+        GlyphKey key;
+        std::shared_ptr<const GlyphImage> image;
+        size_t bytes;
+    };
+    using Entries = std::list<Entry>;
+
+    void drop(Entries::iterator entry) {
+        mBytes -= entry->bytes;
+        mTable.erase(entry->key);
+        mEntries.erase(entry);
+    }
+    void shrink() {
+        while (mBytes > mLimit) drop(std::prev(mEntries.end()));
+    }
+
+    std::mutex mMutex;
+    Entries mEntries;  // most recently used first
+    std::unordered_map<GlyphKey, Entries::iterator, GlyphKeyHash> mTable;
+    size_t mBytes = 0;
+    size_t mLimit = kDefaultGlyphCacheLimit;
+};
+
+}  // namespace
+
+void clearGlyphCache() {
+    GlyphCache::get().clear();
+}
+size_t glyphCacheBytes() {
+    return GlyphCache::get().bytes();
+}
+void setGlyphCacheLimit(size_t bytes) {
+    GlyphCache::get().setLimit(bytes);
+}
+
+std::shared_ptr<const GlyphImage> findGlyph(const GlyphKey& key) {
+    return GlyphCache::get().find(key);
+}
+std::shared_ptr<const GlyphImage> keepGlyph(const GlyphKey& key, std::shared_ptr<const GlyphImage> image) {
+    return GlyphCache::get().keep(key, std::move(image));
+}
+void forgetGlyphs(uint32_t faceId) {
+    GlyphCache::get().forget(faceId);
+}
+
+}  // namespace host

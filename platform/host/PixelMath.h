@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef ZVEX_PLATFORM_HOST_PIXELMATH_H_
+#define ZVEX_PLATFORM_HOST_PIXELMATH_H_
+
+#include <cstdint>
+
+// The canvas's roundings, each once. They are true divisions by 255, unlike the effect filters' (v + 1) * w
+// >> 8.
+namespace host {
+
+// a * b / 255 rounded to the nearest, for bytes; there are no ties, 255 being odd.
+constexpr uint32_t multiplyBytes(uint32_t a, uint32_t b) {
+    const uint32_t product = a * b + 128;
+    return (product + (product >> 8)) >> 8;
+}
+
+// Source-over on coverage: s + d * (255 - s) / 255.
+constexpr uint8_t coverageOver(uint8_t source, uint8_t target) {
+    return static_cast<uint8_t>(source + multiplyBytes(target, 255u - source));
+}
+
+// The quotient rounded to the nearest, halves up. The sum must fit: n + d / 2 < 2^32.
+constexpr uint32_t nearestQuotient(uint32_t n, uint32_t d) {
+    return (n + d / 2) / d;
+}
+
+// Source-over of the straight colour (red, green, blue) at alpha onto a straight pixel, red, green, blue,
+// alpha in memory. Alpha 0 leaves the pixel as it is.
+inline void straightOver(uint8_t* pixel, uint8_t red, uint8_t green, uint8_t blue, uint8_t alpha) {
+    if (alpha == 0) return;
+    if (alpha == 255 || pixel[3] == 0) {  // the general formula gives the source's own bytes here
+        pixel[0] = red;
+        pixel[1] = green;
+        pixel[2] = blue;
+        pixel[3] = alpha;
+        return;
+    }
+    const uint32_t source = alpha * 255u;
+    const uint32_t target = pixel[3] * (255u - alpha);
+    const uint32_t sum = source + target;  // 255 <= sum <= 255 * 255; the numerators stay below 255^3 < 2^24
+    pixel[0] = static_cast<uint8_t>(nearestQuotient(red * source + pixel[0] * target, sum));
+    pixel[1] = static_cast<uint8_t>(nearestQuotient(green * source + pixel[1] * target, sum));
+    pixel[2] = static_cast<uint8_t>(nearestQuotient(blue * source + pixel[2] * target, sum));
+    pixel[3] = static_cast<uint8_t>(nearestQuotient(sum, 255));
+}
+
+}  // namespace host
+
+#endif  // ZVEX_PLATFORM_HOST_PIXELMATH_H_

@@ -1,0 +1,199 @@
+// SPDX-License-Identifier: Apache-2.0
+// Rectangles, bitmaps and glyphs onto coverage or straight colour. Everything is first cut to the clip as a
+// rectangle of pixels, so the row loops know no edges.
+#include <SkCanvas.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <cstring>
+#include <memory>
+
+#include "platform/host/FontFace.h"
+#include "platform/host/PixelMath.h"
+
+namespace {
+
+// Glyphs and bitmaps farther away than this touch no bitmap; nearer ones add up in an int.
+constexpr float kFarAway = 268435456;  // 2^28
+
+// The first pixel whose centre lies at or right of the edge, between low and high. The edge is no NaN.
+int firstPixel(float edge, int low, int high) {
+    const double pixel = std::ceil(static_cast<double>(edge) - 0.5);
+    if (!(pixel > low)) return low;
+    return pixel < high ? static_cast<int>(pixel) : high;
+}
+
+uint8_t* pixelAt(const SkBitmap& bitmap, int x, int y) {
+    return static_cast<uint8_t*>(bitmap.getPixels()) + static_cast<size_t>(y) * bitmap.rowBytes() +
+           static_cast<size_t>(x) * static_cast<size_t>(bitmap.info().bytesPerPixel());
+}
+
+bool isCoverage(const SkBitmap& bitmap) {
+    return bitmap.info().colorType() == kAlpha_8_SkColorType;
+}
+
+void coverageRowOver(uint8_t* target, uint8_t source, int count) {
+    for (int i = 0; i < count; ++i) target[i] = host::coverageOver(source, target[i]);
+}
+
+// A row of a glyph's coverage, scaled by alpha, onto a row of coverage.
+void glyphRowOver(uint8_t* target, const uint8_t* coverage, uint8_t alpha, int count) {
+    if (alpha == 255) {
+        for (int i = 0; i < count; ++i) target[i] = host::coverageOver(coverage[i], target[i]);
+        return;
+    }
+    for (int i = 0; i < count; ++i) {
+        const uint8_t source = static_cast<uint8_t>(host::multiplyBytes(coverage[i], alpha));
+        target[i] = host::coverageOver(source, target[i]);
+    }
+}
+
+// The same onto a row of straight colour.
+void glyphRowOver(uint8_t* target, const uint8_t* coverage, SkColor color, int count) {
+    const uint8_t red = SkColorGetR(color), green = SkColorGetG(color), blue = SkColorGetB(color);
+    for (int i = 0; i < count; ++i) {
+        const uint32_t alpha = host::multiplyBytes(coverage[i], SkColorGetA(color));
+        host::straightOver(target + 4 * static_cast<size_t>(i), red, green, blue,
+                           static_cast<uint8_t>(alpha));
+    }
+}
+
+// A row of straight colour, scaled by alpha, onto another.
+void straightRowOver(uint8_t* target, const uint8_t* source, uint8_t alpha, int count) {
+    for (int i = 0; i < count; ++i, target += 4, source += 4) {
+        const uint32_t scaled = host::multiplyBytes(source[3], alpha);
+        host::straightOver(target, source[0], source[1], source[2], static_cast<uint8_t>(scaled));
+    }
+}
+
+// Where a glyph's image goes: the pixel the pen is in and the quarter of that pixel it stands at.
+struct PenPixel {
+    int x, y, quarterX;
+};
+
+// False when the pen is too far away or no number.
+bool penPixel(float x, float y, bool subpixel, PenPixel* pen) {
+    if (!(std::fabs(x) < kFarAway) || !(std::fabs(y) < kFarAway)) return false;
+    pen->y = static_cast<int>(std::floor(static_cast<double>(y) + 0.5));
+    if (subpixel) {
+        const int quarters = static_cast<int>(std::floor(static_cast<double>(x) * 4));  // below 2^30
+        pen->quarterX = ((quarters % 4) + 4) % 4;
+        pen->x = (quarters - pen->quarterX) / 4;
+    } else {
+        pen->quarterX = 0;
+        pen->x = static_cast<int>(std::floor(static_cast<double>(x) + 0.5));
+    }
+    return true;
+}
+
+}  // namespace
+
+SkCanvas::SkCanvas(const SkBitmap& bitmap) : mBitmap(bitmap) {
+    if (bitmap.getPixels() != nullptr) mClip = {0, 0, bitmap.width(), bitmap.height()};
+}
+
+SkCanvas::PixelRect SkCanvas::pixelsOf(const SkRect& rect) const {
+    if (std::isnan(rect.fLeft) || std::isnan(rect.fTop) || std::isnan(rect.fRight) ||
+        std::isnan(rect.fBottom)) {
+        return {};
+    }
+    return {firstPixel(std::min(rect.fLeft, rect.fRight), mClip.left, mClip.right),
+            firstPixel(std::min(rect.fTop, rect.fBottom), mClip.top, mClip.bottom),
+            firstPixel(std::max(rect.fLeft, rect.fRight), mClip.left, mClip.right),
+            firstPixel(std::max(rect.fTop, rect.fBottom), mClip.top, mClip.bottom)};
+}
+
+void SkCanvas::clipRect(const SkRect& rect, SkClipOp /*op: there is only intersect*/, bool /*doAntiAlias*/) {
+    mClip = pixelsOf(rect);
+}
+
+void SkCanvas::drawColor(SkColor color, SkBlendMode mode) {
+    fill(mClip, color, mode);
+}
+
+void SkCanvas::drawRect(const SkRect& rect, const SkPaint& paint) {
+    fill(pixelsOf(rect), paint.getColor(), SkBlendMode::kSrcOver);
+}
+
+void SkCanvas::fill(const PixelRect& area, SkColor color, SkBlendMode mode) {
+    if (area.left >= area.right) return;
+    const int count = area.right - area.left;
+    const uint8_t alpha = SkColorGetA(color);
+    const bool replace = mode == SkBlendMode::kSrc || alpha == 255;
+    const uint8_t source[4] = {SkColorGetR(color), SkColorGetG(color), SkColorGetB(color), alpha};
+    for (int y = area.top; y < area.bottom; ++y) {
+        uint8_t* row = pixelAt(mBitmap, area.left, y);
+        if (isCoverage(mBitmap)) {
+            if (replace) {
+                std::memset(row, alpha, static_cast<size_t>(count));
+            } else {
+                coverageRowOver(row, alpha, count);
+            }
+        } else if (replace) {
+            for (int x = 0; x < count; ++x) std::memcpy(row + 4 * static_cast<size_t>(x), source, 4);
+        } else {
+            for (int x = 0; x < count; ++x) {
+                host::straightOver(row + 4 * static_cast<size_t>(x), source[0], source[1], source[2], alpha);
+            }
+        }
+    }
+}
+
+void SkCanvas::drawBitmap(const SkBitmap& bitmap, SkScalar x, SkScalar y, const SkPaint* paint) {
+    if (bitmap.getPixels() == nullptr || isCoverage(bitmap) || isCoverage(mBitmap)) return;
+    if (!(std::fabs(x) < kFarAway) || !(std::fabs(y) < kFarAway)) return;
+    const int left = static_cast<int>(std::ceil(static_cast<double>(x) - 0.5));
+    const int top = static_cast<int>(std::ceil(static_cast<double>(y) - 0.5));
+    // Sides of a colour bitmap are below 2^31 / 4 except where the other one is 0; 64 bits take any.
+    const int64_t right = std::min<int64_t>(int64_t{left} + bitmap.width(), mClip.right);
+    const int64_t bottom = std::min<int64_t>(int64_t{top} + bitmap.height(), mClip.bottom);
+    const int begin = std::max(left, mClip.left);
+    if (begin >= right) return;
+    const uint8_t alpha = paint != nullptr ? SkColorGetA(paint->getColor()) : 255;
+    for (int row = std::max(top, mClip.top); row < bottom; ++row) {
+        straightRowOver(pixelAt(mBitmap, begin, row), pixelAt(bitmap, begin - left, row - top), alpha,
+                        static_cast<int>(right) - begin);
+    }
+}
+
+void SkCanvas::drawTextBlob(const sk_sp<SkTextBlob>& blob, SkScalar x, SkScalar y, const SkPaint& paint) {
+    const SkColor color = paint.getColor();
+    if (blob == nullptr || SkColorGetA(color) == 0 || mClip.left >= mClip.right || mClip.top >= mClip.bottom)
+        return;
+    for (const std::unique_ptr<SkTextBlob::Run>& run : blob->runs()) {
+        const SkPaint& font = run->font;
+        if (font.getTypeface() == nullptr) continue;
+        const host::FontFace& face = *font.getTypeface()->face();
+        host::GlyphStyle style;
+        style.size = font.getTextSize();
+        style.scaleX = font.getTextScaleX();
+        style.skewX = font.getTextSkewX();
+        style.fakeBold = font.isFakeBoldText();
+        style.antiAlias = font.isAntiAlias();
+        style.subpixel = font.isSubpixelText();
+        for (size_t i = 0; i < run->glyphs.size(); ++i) {
+            PenPixel pen;
+            if (!penPixel(x + run->positions[2 * i], y + run->positions[2 * i + 1], style.subpixel, &pen))
+                continue;
+            const std::shared_ptr<const host::GlyphImage> image =
+                face.image(run->glyphs[i], style, pen.quarterX);
+            const int left = pen.x + image->left, top = pen.y + image->top;
+            const int begin = std::max(left, mClip.left);
+            const int count = std::min(left + image->width, mClip.right) - begin;
+            const int bottom = std::min(top + image->height, mClip.bottom);
+            if (count <= 0) continue;
+            for (int row = std::max(top, mClip.top); row < bottom; ++row) {
+                const uint8_t* coverage = image->coverage.data() +
+                                          static_cast<size_t>(row - top) * static_cast<size_t>(image->width) +
+                                          static_cast<size_t>(begin - left);
+                uint8_t* target = pixelAt(mBitmap, begin, row);
+                if (isCoverage(mBitmap)) {
+                    glyphRowOver(target, coverage, SkColorGetA(color), count);
+                } else {
+                    glyphRowOver(target, coverage, color, count);
+                }
+            }
+        }
+    }
+}

@@ -1,0 +1,128 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "platform/host/GlyphCache.h"
+
+#include <gtest/gtest.h>
+
+#include <thread>
+#include <vector>
+
+#include "Fonts.h"
+
+namespace {
+
+class GlyphCacheTest : public testing::Test {
+protected:
+    void SetUp() override {
+        host::clearGlyphCache();
+        host::setGlyphCacheLimit(host::kDefaultGlyphCacheLimit);
+    }
+    void TearDown() override { SetUp(); }
+
+    static host::GlyphStyle sized(float size) {
+        host::GlyphStyle style;
+        style.size = size;
+        return style;
+    }
+};
+
+TEST_F(GlyphCacheTest, KeepsOneImageForEachKey) {
+    const auto face = fonts::open(fonts::Role::kLatin);
+    ASSERT_NE(face, nullptr);
+    const auto first = face->image(40, sized(30), 0);
+    EXPECT_EQ(face->image(40, sized(30), 0), first);
+    EXPECT_EQ(face->image(40, sized(30), 4), first);  // quarters are taken modulo 4
+    host::GlyphStyle style = sized(30);
+    style.subpixel = true;
+    style.skewX = -0.0f;
+    EXPECT_EQ(face->image(40, style, 0), first);
+
+    std::vector<std::shared_ptr<const host::GlyphImage>> others = {
+        first, face->image(41, sized(30), 0), face->image(40, sized(31), 0), face->image(40, sized(30), 1)};
+    style.skewX = -0.25f;
+    others.push_back(face->image(40, style, 0));
+    style = sized(30);
+    style.fakeBold = true;
+    others.push_back(face->image(40, style, 0));
+    style = sized(30);
+    style.scaleX = 2;
+    others.push_back(face->image(40, style, 0));
+    style = sized(30);
+    style.antiAlias = false;
+    others.push_back(face->image(40, style, 0));
+    others.push_back(fonts::open(fonts::Role::kLatin)->image(40, sized(30), 0));  // another face, another key
+    for (size_t i = 0; i < others.size(); ++i) {
+        for (size_t j = 0; j < i; ++j) EXPECT_NE(others[i], others[j]) << i << ", " << j;
+    }
+}
+
+TEST_F(GlyphCacheTest, StaysWithinItsBoundAndDropsTheLeastRecentlyUsed) {
+    const auto face = fonts::open(fonts::Role::kLatin);
+    ASSERT_NE(face, nullptr);
+    constexpr size_t kBound = 100000;
+    host::setGlyphCacheLimit(kBound);
+    const auto used = face->image(36, sized(50), 0);
+    const auto unused = face->image(37, sized(50), 0);
+    for (uint32_t glyph = 38; glyph < 138; ++glyph) {
+        face->image(glyph, sized(50), 0);
+        face->image(36, sized(50), 0);
+        ASSERT_LE(host::glyphCacheBytes(), kBound);
+    }
+    EXPECT_GT(host::glyphCacheBytes(), kBound / 2);
+    EXPECT_EQ(face->image(36, sized(50), 0), used);
+    const auto again = face->image(37, sized(50), 0);
+    EXPECT_NE(again, unused);
+    EXPECT_EQ(again->coverage, unused->coverage);
+
+    // Images of more than a quarter of the bound pass through.
+    host::clearGlyphCache();
+    EXPECT_EQ(host::glyphCacheBytes(), 0u);
+    EXPECT_FALSE(face->image(36, sized(400), 0)->coverage.empty());
+    EXPECT_EQ(host::glyphCacheBytes(), 0u);
+
+    host::setGlyphCacheLimit(0);
+    EXPECT_NE(face->image(36, sized(20), 0), face->image(36, sized(20), 0));
+    EXPECT_EQ(host::glyphCacheBytes(), 0u);
+}
+
+TEST_F(GlyphCacheTest, AFaceThatGoesTakesItsGlyphsAlong) {
+    auto face = fonts::open(fonts::Role::kLatin);
+    ASSERT_NE(face, nullptr);
+    const auto image = face->image(36, sized(50), 0);
+    const size_t one = host::glyphCacheBytes();
+    auto other = fonts::open(fonts::Role::kLatin);
+    other->image(36, sized(50), 0);
+    EXPECT_EQ(host::glyphCacheBytes(), 2 * one);
+    face.reset();
+    EXPECT_EQ(host::glyphCacheBytes(), one);
+    EXPECT_FALSE(image->coverage.empty());  // still the holder's
+}
+
+// Run under the thread sanitizer too; here it finds images that differ from those made alone.
+TEST_F(GlyphCacheTest, ThreadsShareFacesAndGlyphs) {
+    const auto face = fonts::open(fonts::Role::kLatin);
+    ASSERT_NE(face, nullptr);
+    std::vector<std::vector<uint8_t>> alone;
+    for (uint32_t glyph = 36; glyph < 90; ++glyph)
+        alone.push_back(face->image(glyph, sized(25), 0)->coverage);
+    host::clearGlyphCache();
+    host::setGlyphCacheLimit(10000);
+    std::vector<int> wrong(4);
+    std::vector<std::thread> threads;
+    for (size_t t = 0; t < wrong.size(); ++t) {
+        threads.emplace_back([&, t] {
+            for (uint32_t round = 0; round < 10; ++round) {
+                for (uint32_t i = 0; i < alone.size(); ++i) {
+                    const uint32_t at =
+                        (i * 7 + static_cast<uint32_t>(t) * 13) % static_cast<uint32_t>(alone.size());
+                    wrong[t] += face->image(36 + at, sized(25), 0)->coverage != alone[at];
+                    face->inkBox(36 + at, sized(25.0f + static_cast<float>(t)));
+                }
+                if (t == 0) host::clearGlyphCache();
+            }
+        });
+    }
+    for (std::thread& thread : threads) thread.join();
+    EXPECT_EQ(wrong, std::vector<int>(4, 0));
+}
+
+}  // namespace
