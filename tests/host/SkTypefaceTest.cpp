@@ -25,7 +25,8 @@ TEST(SkRefCnt, PointersShareOneObjectAndTheLastDeletesIt) {
     sk_sp<SkRefCnt> b = a;
     EXPECT_FALSE(a->unique());
     EXPECT_TRUE(a == b);
-    b = b;  // NOLINT: the point is the assignment to itself
+    const sk_sp<SkRefCnt>& itself = b;
+    b = itself;
     sk_sp<Counted> c = std::move(a);
     EXPECT_TRUE(a == nullptr);  // NOLINT: moved from, and so stated to be empty
     Counted* raw = c.release();
