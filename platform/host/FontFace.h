@@ -50,7 +50,8 @@ struct GlyphImage {
 // monochrome one. Fake bold widens the outline by size x (1/24 at size 9 and below, falling linearly to 1/32
 // at size 36 and above) in total, evenly on both sides, after scale and skew. Colour glyphs give their alpha:
 // a strike bitmap resampled from the nearest strike not smaller than the size (else the largest; fake bold
-// leaves it as it is), or the layers of a layered glyph, one over the other, with their palette alphas.
+// leaves it as it is), or the layers of a layered glyph, one over the other, with their palette alphas. A
+// font with an sbix table has strikes only, as FreeType sees it.
 //
 // Any method may be called from any thread. A glyph that the font lacks or that cannot be read is blank; its
 // advance is 0 where the font states none.

@@ -2,6 +2,7 @@
 #include "platform/host/FontFace.h"
 
 #include <gtest/gtest.h>
+#include <hb-ot.h>
 
 #include <algorithm>
 #include <cmath>
@@ -342,8 +343,42 @@ void put(std::string& table, uint32_t value, int bytes) {
     for (int i = bytes - 1; i >= 0; --i) table.push_back(static_cast<char>(value >> (8 * i)));
 }
 
-// The file with a COLR and a CPAL table: glyph `base` is made of `layers` (glyph, palette entry); the palette
-// has the given alphas.
+using TableBytes = std::pair<hb_tag_t, std::string>;
+
+// The first font of the file with some tables more.
+std::string withTables(Role role, const std::vector<TableBytes>& added) {
+    const std::vector<uint8_t>& file = fonts::bytes(role);
+    hb_blob_t* whole =
+        hb_blob_create(reinterpret_cast<const char*>(file.data()), static_cast<unsigned>(file.size()),
+                       HB_MEMORY_MODE_READONLY, nullptr, nullptr);
+    hb_face_t* source = hb_face_create(whole, 0);
+    hb_face_t* builder = hb_face_builder_create();
+    hb_tag_t tags[64];
+    unsigned count = 64;
+    hb_face_get_table_tags(source, 0, &count, tags);
+    for (unsigned i = 0; i < count; ++i) {
+        hb_blob_t* table = hb_face_reference_table(source, tags[i]);
+        hb_face_builder_add_table(builder, tags[i], table);
+        hb_blob_destroy(table);
+    }
+    for (const auto& [tag, bytes] : added) {
+        hb_blob_t* table = hb_blob_create(bytes.data(), static_cast<unsigned>(bytes.size()),
+                                          HB_MEMORY_MODE_DUPLICATE, nullptr, nullptr);
+        hb_face_builder_add_table(builder, tag, table);
+        hb_blob_destroy(table);
+    }
+    hb_blob_t* built = hb_face_reference_blob(builder);
+    unsigned length = 0;
+    const char* data = hb_blob_get_data(built, &length);
+    std::string result(data, length);
+    hb_blob_destroy(built);
+    hb_face_destroy(builder);
+    hb_face_destroy(source);
+    hb_blob_destroy(whole);
+    return result;
+}
+
+// The file with glyph `base` made of `layers` (glyph, palette entry); the palette has the given alphas.
 std::string layeredFont(Role role, uint32_t base, const std::vector<std::pair<uint32_t, uint32_t>>& layers,
                         const std::vector<uint8_t>& alphas) {
     std::string color, palette;
@@ -366,38 +401,65 @@ std::string layeredFont(Role role, uint32_t base, const std::vector<std::pair<ui
     put(palette, 14, 4);
     put(palette, 0, 2);
     for (const uint8_t alpha : alphas) put(palette, 0x10203000u | alpha, 4);  // blue, green, red, alpha
+    return withTables(role, {{HB_TAG('C', 'O', 'L', 'R'), color}, {HB_TAG('C', 'P', 'A', 'L'), palette}});
+}
 
-    const std::vector<uint8_t>& file = fonts::bytes(role);
-    hb_blob_t* whole =
-        hb_blob_create(reinterpret_cast<const char*>(file.data()), static_cast<unsigned>(file.size()),
-                       HB_MEMORY_MODE_READONLY, nullptr, nullptr);
-    hb_face_t* source = hb_face_create(whole, 0);
-    hb_face_t* builder = hb_face_builder_create();
-    hb_tag_t tags[64];
-    unsigned count = 64;
-    hb_face_get_table_tags(source, 0, &count, tags);
-    for (unsigned i = 0; i < count; ++i) {
-        hb_blob_t* table = hb_face_reference_table(source, tags[i]);
-        hb_face_builder_add_table(builder, tags[i], table);
-        hb_blob_destroy(table);
+// The file with a strike of each size in which `base` alone has a bitmap.
+std::string strikeFont(Role role, uint32_t glyphCount, uint32_t base, const std::string& png,
+                       const std::vector<uint32_t>& ppems) {
+    std::string table;
+    const uint32_t header = 4 + 4 * (glyphCount + 1), record = 8 + static_cast<uint32_t>(png.size());
+    put(table, 1, 2);  // version
+    put(table, 1, 2);
+    put(table, static_cast<uint32_t>(ppems.size()), 4);
+    for (uint32_t i = 0; i < ppems.size(); ++i) {
+        put(table, 8 + 4 * static_cast<uint32_t>(ppems.size()) + i * (header + record), 4);
     }
-    const auto add = [&](hb_tag_t tag, const std::string& bytes) {
-        hb_blob_t* table = hb_blob_create(bytes.data(), static_cast<unsigned>(bytes.size()),
-                                          HB_MEMORY_MODE_DUPLICATE, nullptr, nullptr);
-        hb_face_builder_add_table(builder, tag, table);
-        hb_blob_destroy(table);
-    };
-    add(HB_TAG('C', 'O', 'L', 'R'), color);
-    add(HB_TAG('C', 'P', 'A', 'L'), palette);
-    hb_blob_t* built = hb_face_reference_blob(builder);
+    for (const uint32_t ppem : ppems) {
+        put(table, ppem, 2);
+        put(table, 72, 2);
+        for (uint32_t glyph = 0; glyph <= glyphCount; ++glyph)
+            put(table, header + (glyph > base ? record : 0), 4);
+        put(table, 0, 4);  // the bitmap's lower left corner is at the origin
+        table += "png " + png;
+    }
+    return withTables(role, {{HB_TAG('s', 'b', 'i', 'x'), table}});
+}
+
+TEST(FontFace, TheNearestStrikeNotSmallerThanTheSizeIsScaled) {
+    const auto plain = fonts::open(Role::kLatinSmall), emoji = fonts::open(Role::kEmoji);
+    ASSERT_TRUE(plain && emoji);
+    hb_font_t* font = hb_font_create(emoji->hbFace());
+    hb_blob_t* blob = hb_ot_color_glyph_reference_png(font, glyphOf(*emoji, 0x1F600));
     unsigned length = 0;
-    const char* data = hb_blob_get_data(built, &length);
-    std::string result(data, length);
-    hb_blob_destroy(built);
-    hb_face_destroy(builder);
-    hb_face_destroy(source);
-    hb_blob_destroy(whole);
-    return result;
+    const char* data = hb_blob_get_data(blob, &length);
+    const std::string png(data, length);
+    hb_blob_destroy(blob);
+    hb_font_destroy(font);
+    const int width = 136, height = 128;  // of every bitmap of that font
+
+    const uint32_t base = glyphOf(*plain, ' ');  // an outline would move the bitmap
+    const std::string file = strikeFont(Role::kLatinSmall, plain->glyphCount(), base, png, {40, 160, 20, 80});
+    const auto face = FontFace::open(file.data(), file.size(), 0);
+    ASSERT_NE(face, nullptr);
+    struct Case {
+        float size;
+        int ppem;
+    };
+    for (const Case& c : {Case{8, 20}, Case{20, 20}, Case{20.5f, 40}, Case{40, 40}, Case{79, 80},
+                          Case{81, 160}, Case{200, 160}}) {
+        const GlyphBox box = face->inkBox(base, sized(c.size));
+        const auto scaled = [&](int side) {
+            return static_cast<double>(side) * static_cast<double>(c.size) / c.ppem;
+        };
+        EXPECT_EQ(box.left, 0) << c.size;
+        EXPECT_EQ(box.right, static_cast<int>(std::ceil(scaled(width)))) << c.size;
+        EXPECT_EQ(box.top, -static_cast<int>(std::ceil(scaled(height)))) << c.size;
+        EXPECT_EQ(box.bottom, 0) << c.size;
+        EXPECT_TRUE(inside(*face->image(base, sized(c.size), 0), box));
+        EXPECT_GT(inkOf(*face->image(base, sized(c.size), 0)), 255 * scaled(width) * scaled(height) / 2);
+    }
+    EXPECT_TRUE(face->inkBox(glyphOf(*plain, 'B'), sized(30)).empty());  // such fonts have strikes only
 }
 
 TEST(FontFace, LayersLieOverEachOtherWithTheirPaletteAlphas) {
