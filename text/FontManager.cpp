@@ -92,7 +92,10 @@ std::shared_ptr<minikin::MinikinFont> wrapFont(std::shared_ptr<ZvFontData> bytes
     auto* font = new android::MinikinFontSkia(std::move(typeface), bytes->data, bytes->size, index,
                                               std::vector<minikin::FontVariation>());
     return std::shared_ptr<minikin::MinikinFont>(
-        font, [bytes = std::move(bytes)](minikin::MinikinFont* unused) { delete unused; });
+        font, [bytes = std::move(bytes)](minikin::MinikinFont* f) mutable {
+            delete f;
+            bytes.reset();  // now, not when the last weak pointer lets the deleter go
+        });
 }
 
 }  // namespace

@@ -54,8 +54,7 @@ namespace {
 constexpr char kTag[] = "ZvTextObject";
 
 void deleteReleasedObject(ZvTextObject* object) {
-    ZV_DEBUG_LOG("ZvTextInstanceManager", "Delete ZvTextObject by InstanceManager : %p",
-                 static_cast<void*>(object));
+    ZV_DEBUG_LOG(kTag, "Delete ZvTextObject by InstanceManager : %p", static_cast<void*>(object));
     delete object;
 }
 
@@ -365,6 +364,8 @@ uint32_t* ZvTextObject::RenderTextEffect(int width, int height) {
     if (result == nullptr) return nullptr;
     if (effectImage.pixels != nullptr && result->pixels != nullptr) {
         mImpl->fontDrawing->DrawTextEffect(this, &effectImage);
+        // A drawing that stopped half-way leaves the stack pointing at the image, which goes in a moment.
+        if (mImpl->effect != nullptr) mImpl->effect->setDstBitmap(nullptr);
         mImpl->compose(effectImage, *result);
     }
     delete mImpl->result;
