@@ -21,10 +21,12 @@ enum class Role {
     kLatin,  // TrueType outlines, many scripts
     kLatinBold,
     kLatinSmall,  // TrueType, a small file
+    kLatinBoldItalic,
     kHebrew,
     kArabic,
     kDevanagari,
     kThai,
+    kSymbols,     // of text presentation
     kCollection,  // CFF outlines, several fonts in one big file
     kEmoji,       // colour strikes, no outlines
     kVariable,    // TrueType with variations
@@ -39,10 +41,12 @@ constexpr Font kFonts[] = {
     {Role::kLatin, "/usr/share/fonts/truetype/dejavu/DejaVuSans.ttf"},
     {Role::kLatinBold, "/usr/share/fonts/truetype/dejavu/DejaVuSans-Bold.ttf"},
     {Role::kLatinSmall, "/usr/share/fonts/truetype/roboto/unhinted/RobotoTTF/Roboto-Regular.ttf"},
+    {Role::kLatinBoldItalic, "/usr/share/fonts/truetype/roboto/unhinted/RobotoTTF/Roboto-BoldItalic.ttf"},
     {Role::kHebrew, "/usr/share/fonts/truetype/noto/NotoSansHebrew-Regular.ttf"},
     {Role::kArabic, "/usr/share/fonts/truetype/noto/NotoNaskhArabic-Regular.ttf"},
     {Role::kDevanagari, "/usr/share/fonts/truetype/noto/NotoSansDevanagari-Regular.ttf"},
     {Role::kThai, "/usr/share/fonts/truetype/noto/NotoSansThai-Regular.ttf"},
+    {Role::kSymbols, "/usr/share/fonts/truetype/noto/NotoSansSymbols-Regular.ttf"},
     {Role::kCollection, "/usr/share/fonts/opentype/noto/NotoSansCJK-Regular.ttc"},
     {Role::kEmoji, "/usr/share/fonts/truetype/noto/NotoColorEmoji.ttf"},
     {Role::kVariable, "/usr/share/fonts/truetype/inter-vf/Inter-roman.var.ttf"},

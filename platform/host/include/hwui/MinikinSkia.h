@@ -30,6 +30,9 @@ public:
     // A reference of the caller's own.
     sk_sp<SkTypeface> RefSkTypeface() const { return mTypeface; }
 
+    // What fake italic adds to the skew of a text.
+    static constexpr float kFakeItalicSkew = -0.25f;
+
     // Makes the paint draw with the font: sets the typeface, adds fake bold to what the paint has, and leans
     // the text by -0.25 more for fake italic. `font` is a MinikinFontSkia.
     static void populateSkPaint(SkPaint* paint, const minikin::MinikinFont* font, minikin::FontFakery fakery);

@@ -22,7 +22,7 @@ public:
     // the text is context (direction, joining letters). What lies beyond bufSize is cut off. The line is cut
     // into runs of one direction, put in visual order, then of one font, then of one script, and each is
     // shaped:
-    // - Text size and scale X that are no number, negative or infinite count as 0, huge ones as 2^20 pixels.
+    // - A text size or scale X beyond what glyphs are drawn at, or one that is no number, counts as size 0.
     // - Language: the first locale of the paint's list whose script fits the run's, else the first of the
     // list.
     // - Without the linear-text flag (0x40) each advance is rounded to a whole pixel.

@@ -14,11 +14,8 @@ namespace android {
 // SkPaint with what layout needs besides. Copies are independent; one object belongs to one thread at a time.
 class Paint : public SkPaint {
 public:
-    Paint();
-    explicit Paint(const SkPaint& paint);
-    Paint(const Paint&);
-    Paint& operator=(const Paint&);
-    ~Paint();
+    Paint() = default;
+    explicit Paint(const SkPaint& paint) : SkPaint(paint) {}
 
     // Space added to every cluster, in ems; 0 at the start, may be negative.
     void setLetterSpacing(float letterSpacing) { mLetterSpacing = letterSpacing; }

@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef ZVEX_PLATFORM_HOST_BIDIRUNS_H_
+#define ZVEX_PLATFORM_HOST_BIDIRUNS_H_
+
+#include <minikin/Layout.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+namespace host {
+
+// Text of one direction: [start, end) in UTF-16 units.
+struct BidiRun {
+    size_t start = 0;
+    size_t end = 0;
+    bool rightToLeft = false;
+};
+
+// The runs of [start, end) in visual order, left to right. The whole text is context, as far as it matters:
+// the paragraphs that the range touches. A range without right-to-left characters in its paragraphs costs a
+// scan of them, and the lines of one long paragraph share one analysis. start <= end <= size <= INT32_MAX.
+// Any thread.
+std::vector<BidiRun> visualRuns(const uint16_t* text, size_t start, size_t end, size_t size,
+                                minikin::Bidi bidi);
+
+}  // namespace host
+
+#endif  // ZVEX_PLATFORM_HOST_BIDIRUNS_H_

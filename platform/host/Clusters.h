@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef ZVEX_PLATFORM_HOST_CLUSTERS_H_
+#define ZVEX_PLATFORM_HOST_CLUSTERS_H_
+
+#include <cstddef>
+#include <cstdint>
+
+namespace host {
+
+// The end of the cluster that starts at `start`: a character with the marks, joiners, selectors and modifiers
+// that belong to it, a flag, an emoji sequence, a Hangul syllable (the extended grapheme clusters of
+// Unicode). start < end. A surrogate without its partner is a character of its own. Opens nothing, allocates
+// nothing, any thread.
+size_t clusterEnd(const uint16_t* text, size_t start, size_t end);
+
+// Whether the character shows nothing and needs no glyph: soft hyphen, joiners, directional marks, selectors.
+bool isDefaultIgnorable(uint32_t codePoint);
+
+bool isVariationSelector(uint32_t codePoint);
+
+// The code point at *at, which moves past it; U+FFFD for a surrogate without its partner. *at < end.
+uint32_t nextCodePoint(const uint16_t* text, size_t* at, size_t end);
+
+}  // namespace host
+
+#endif  // ZVEX_PLATFORM_HOST_CLUSTERS_H_

@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <hwui/MinikinUtils.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+
+#include "platform/host/LayoutBuilder.h"
+
+namespace android {
+namespace {
+
+// Every comparison is false for what is no number.
+bool drawable(const host::GlyphStyle& style) {
+    return style.size > 0 && style.size <= host::kMaxGlyphSize &&
+           std::fabs(style.size * style.scaleX) <= host::kMaxGlyphSize &&
+           std::fabs(style.skewX) <= host::kMaxGlyphSkew;
+}
+
+}  // namespace
+
+minikin::Layout MinikinUtils::doLayout(const Paint* paint, minikin::Bidi bidiFlags, const Typeface* typeface,
+                                       const uint16_t* buf, size_t start, size_t count, size_t bufSize,
+                                       minikin::MeasuredText*) {
+    if (!paint || !typeface || !typeface->fFontCollection || !buf) return minikin::Layout();
+    const size_t size = std::min(bufSize, static_cast<size_t>(INT32_MAX));
+    const size_t begin = std::min(start, size);
+    const size_t end = begin + std::min(count, size - begin);
+
+    host::LayoutRequest request;
+    request.collection = typeface->fFontCollection.get();
+    request.style = typeface->fStyle;
+    request.glyph.size = paint->getTextSize();
+    request.glyph.scaleX = paint->getTextScaleX();
+    request.glyph.skewX = paint->getTextSkewX();
+    request.glyph.fakeBold = paint->isFakeBoldText();
+    request.glyph.antiAlias = paint->isAntiAlias();
+    request.glyph.subpixel = paint->isSubpixelText();
+    if (!drawable(request.glyph)) request.glyph = host::GlyphStyle();
+    request.letterSpacing = std::isfinite(paint->getLetterSpacing()) ? paint->getLetterSpacing() : 0;
+    request.linearText = paint->isLinearText();
+    request.localeListId = paint->getMinikinLocaleListId();
+    request.variant = paint->getFamilyVariant();
+    request.features = paint->getFontFeatureSettings();
+    return host::LayoutBuilder(request).build(bidiFlags, buf, begin, end, size);
+}
+
+}  // namespace android

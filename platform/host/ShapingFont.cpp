@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "platform/host/ShapingFont.h"
+
+#include <hwui/MinikinSkia.h>
+
+#include <utility>
+
+namespace host {
+namespace {
+
+hb_font_t* immutableFont(hb_face_t* face) {
+    hb_font_t* font = hb_font_create(face);
+    hb_font_make_immutable(font);
+    return font;
+}
+
+}  // namespace
+
+std::shared_ptr<const ShapingFont> ShapingFont::open(const minikin::MinikinFont* font) {
+    if (!font) return nullptr;
+    std::shared_ptr<FontFace> face;
+    if (const auto* skia = dynamic_cast<const android::MinikinFontSkia*>(font)) {
+        if (skia->GetSkTypeface()) face = skia->GetSkTypeface()->face();
+    } else {
+        face = FontFace::open(font->GetFontData(), font->GetFontSize(), font->GetFontIndex());
+    }
+    return face ? std::make_shared<const ShapingFont>(std::move(face)) : nullptr;
+}
+
+ShapingFont::ShapingFont(std::shared_ptr<FontFace> fontFace)
+    : face(std::move(fontFace)), hbFont(immutableFont(face->hbFace())) {}
+
+ShapingFont::~ShapingFont() {
+    hb_font_destroy(hbFont);
+}
+
+}  // namespace host

@@ -1,0 +1,31 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef ZVEX_PLATFORM_HOST_SHAPINGFONT_H_
+#define ZVEX_PLATFORM_HOST_SHAPINGFONT_H_
+
+#include <hb.h>
+#include <minikin/MinikinFont.h>
+
+#include <memory>
+
+#include "platform/host/FontFace.h"
+
+namespace host {
+
+// A font as HarfBuzz wants it, at the scale of its design units: the parent that the font of each size is
+// made from. Immutable, any thread.
+struct ShapingFont {
+    // Null when the font is null or its bytes are no usable font.
+    static std::shared_ptr<const ShapingFont> open(const minikin::MinikinFont* font);
+
+    explicit ShapingFont(std::shared_ptr<FontFace> face);
+    ~ShapingFont();
+    ShapingFont(const ShapingFont&) = delete;
+    ShapingFont& operator=(const ShapingFont&) = delete;
+
+    const std::shared_ptr<FontFace> face;
+    hb_font_t* const hbFont;
+};
+
+}  // namespace host
+
+#endif  // ZVEX_PLATFORM_HOST_SHAPINGFONT_H_

@@ -1,0 +1,490 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <unicode/ubidi.h>
+#include <unicode/ubrk.h>
+
+#include <cmath>
+#include <limits>
+#include <random>
+#include <thread>
+
+#include "LayoutHelpers.h"
+#include "platform/host/BidiRuns.h"
+#include "platform/host/Clusters.h"
+
+using namespace hosttest;
+
+namespace {
+
+constexpr uint32_t kLinear = 0x40;
+constexpr uint32_t kSubpixel = 0x80;
+
+host::GlyphStyle styleOf(const android::Paint& paint) {
+    host::GlyphStyle style;
+    style.size = paint.getTextSize();
+    style.scaleX = paint.getTextScaleX();
+    style.skewX = paint.getTextSkewX();
+    style.fakeBold = paint.isFakeBoldText();
+    style.antiAlias = paint.isAntiAlias();
+    style.subpixel = paint.isSubpixelText();
+    return style;
+}
+
+}  // namespace
+
+TEST(Layout, WholeAdvancesAreTheFontsOwn) {
+    const TypefacePtr typeface = typefaceOf({familyOf(roboto())});
+    android::Paint paint = paintOf(23.5f);
+    paint.setFontFeatureSettings("-kern, -liga");
+    for (const float scaleX : {1.0f, 1.5f}) {
+        paint.setTextScaleX(scaleX);
+        const Layout layout = layLine(u"Hamburg fiz AV", typeface, paint);
+        ASSERT_EQ(nominalGlyphs(roboto(), U"Hamburg fiz AV"), glyphsOf(layout));
+        float pen = 0;
+        for (int i = 0; i < static_cast<int>(layout.nGlyphs()); i++) {
+            EXPECT_EQ(pen, layout.getX(i)) << "glyph " << i << " at scale " << scaleX;
+            EXPECT_EQ(0, layout.getY(i));
+            pen += faceOf(roboto().get()).advance(layout.getGlyphId(i), styleOf(paint));
+        }
+        EXPECT_EQ(pen, layout.getAdvance());
+        EXPECT_EQ(pen, std::floor(pen));
+    }
+}
+
+TEST(Layout, LinearTextKeepsFractions) {
+    const TypefacePtr typeface = typefaceOf({familyOf(roboto())});
+    android::Paint paint = paintOf(23.5f, 1 | kLinear | kSubpixel);
+    paint.setFontFeatureSettings("-kern");
+    const Layout layout = layLine(u"Hamburg", typeface, paint);
+    float exact = 0;
+    for (const unsigned glyph : nominalGlyphs(roboto(), U"Hamburg")) {
+        exact += faceOf(roboto().get()).advance(glyph, styleOf(paint));
+    }
+    EXPECT_NEAR(exact, layout.getAdvance(), 7 / 512.0) << "half a step of the fixed point for each glyph";
+    EXPECT_NE(layout.getAdvance(), std::floor(layout.getAdvance()));
+
+    // Subpixel positions alone do not make advances fractional.
+    paint.setFlags(1 | kSubpixel);
+    const Layout whole = layLine(u"Hamburg", typeface, paint);
+    for (const float x : pensOf(whole)) EXPECT_EQ(x, std::floor(x));
+}
+
+TEST(Layout, KerningIsRoundedWithEachAdvance) {
+    const TypefacePtr typeface = typefaceOf({familyOf(roboto())});
+    android::Paint paint = paintOf(40);
+    const Layout kerned = layLine(u"AVAV", typeface, paint);
+    for (const float x : pensOf(kerned)) EXPECT_EQ(x, std::floor(x));
+    paint.setFontFeatureSettings("kern=0");
+    EXPECT_LT(kerned.getAdvance(), layLine(u"AVAV", typeface, paint).getAdvance());
+}
+
+TEST(Layout, LetterSpacingSurroundsEachCluster) {
+    const TypefacePtr typeface = typefaceOf({familyOf(roboto())});
+    const auto spaced = [&](float size, float spacing, uint32_t flags, float scaleX = 1) {
+        android::Paint paint = paintOf(size, flags);
+        paint.setTextScaleX(scaleX);
+        paint.setFontFeatureSettings("-kern");
+        const std::vector<float> plain = pensOf(layLine(u"HIJ", typeface, paint));
+        const float advance = layLine(u"HIJ", typeface, paint).getAdvance();
+        paint.setLetterSpacing(spacing);
+        const Layout layout = layLine(u"HIJ", typeface, paint);
+        std::vector<float> moved = pensOf(layout);
+        moved.push_back(layout.getAdvance());
+        for (size_t i = 0; i < plain.size(); i++) moved[i] -= plain[i];
+        moved.back() -= advance;
+        return moved;
+    };
+    using Moves = std::vector<float>;
+    EXPECT_EQ((Moves{1, 4, 7, 9}), spaced(30, 0.09f, 1)) << "2.7 -> 3: 1 before, 2 after";
+    EXPECT_EQ((Moves{1, 3, 5, 6}), spaced(30, 0.07f, 1)) << "2.1 -> 2: 1 and 1";
+    EXPECT_EQ((Moves{-2, -5, -8, -9}), spaced(30, -0.09f, 1)) << "-2.7 -> -3: -2 before, -1 after";
+    EXPECT_EQ((Moves{0, 0, 0, 0}), spaced(30, 0.01f, 1)) << "0.3 -> 0";
+    EXPECT_EQ((Moves{2, 6, 10, 12}), spaced(30, 0.09f, 1, 1.5f)) << "4.05 -> 4: it widens with the text";
+    EXPECT_EQ((Moves{1, 3.5f, 6, 7.5f}), spaced(32, 0.078125f, 1 | kLinear)) << "2.5: 1 before, 1.5 after";
+}
+
+TEST(Layout, LetterSpacingKeepsClustersAndJoinedScriptsWhole) {
+    android::Paint paint = paintOf(32);
+    const auto growth = [&paint](const std::u16string& text, const FontPtr& font) {
+        const TypefacePtr typeface = typefaceOf({familyOf(font)});
+        paint.setLetterSpacing(0);
+        const float plain = layLine(text, typeface, paint).getAdvance();
+        paint.setLetterSpacing(0.25f);
+        return layLine(text, typeface, paint).getAdvance() - plain;
+    };
+    EXPECT_EQ(16, growth(u"אב", hebrew()));
+    EXPECT_EQ(16, growth(u"א\u05B8ב\u05BC", hebrew())) << "points ride on their letters";
+    EXPECT_EQ(0, growth(u"سلام", arabic()));
+    EXPECT_EQ(0, growth(u"देव", devanagari()));
+    EXPECT_EQ(16, growth(u"ที่นี่", thai()));
+}
+
+TEST(Layout, WideLetterSpacingTurnsLigaturesOff) {
+    const TypefacePtr typeface = typefaceOf({familyOf(dejavu())});
+    android::Paint paint = paintOf(32);
+    const auto count = [&](float spacing, const char* features) {
+        paint.setLetterSpacing(spacing);
+        paint.setFontFeatureSettings(features);
+        return layLine(u"fi", typeface, paint).nGlyphs();
+    };
+    EXPECT_EQ(1u, count(0, ""));
+    EXPECT_EQ(1u, count(0.03f, ""));
+    EXPECT_EQ(2u, count(0.04f, ""));
+    EXPECT_EQ(2u, count(-0.04f, ""));
+    EXPECT_EQ(1u, count(0.04f, "liga")) << "a setting outranks the spacing";
+}
+
+TEST(Layout, FeatureSettingsInEveryForm) {
+    const TypefacePtr typeface = typefaceOf({familyOf(roboto())});
+    android::Paint paint = paintOf(32);
+    const auto glyphs = [&](const char* features) {
+        paint.setFontFeatureSettings(features);
+        return glyphsOf(layLine(u"fi", typeface, paint));
+    };
+    const std::vector<unsigned> plain = glyphs("-liga"), joined = glyphs(""), small = glyphs("smcp,-liga");
+    ASSERT_EQ(nominalGlyphs(roboto(), U"fi"), plain);
+    ASSERT_EQ(1u, joined.size());
+    ASSERT_EQ(2u, small.size());
+    ASSERT_NE(plain, small);
+    for (const char* form :
+         {"liga=0", "liga off", "'liga' 0", "\"liga\" off", " -liga ", "rubbish!!,,-liga", "-liga,=,x"}) {
+        EXPECT_EQ(plain, glyphs(form)) << form;
+    }
+    EXPECT_EQ(small, glyphs("'smcp' on, 'liga' 0"));
+    EXPECT_EQ(joined, glyphs("liga[0:1]=0")) << "ranges are not taken";
+}
+
+TEST(Layout, RunsStandInVisualOrder) {
+    const FontPtr font = dejavu();  // Hebrew and Latin in one font
+    const TypefacePtr typeface = typefaceOf({familyOf(font)});
+    const android::Paint paint = paintOf(20);
+    const struct {
+        const char16_t* text;
+        Bidi bidi;
+        const char32_t* visual;
+    } cases[] = {
+        {u"אב 12 cd", Bidi::DEFAULT_LTR, U"cd 12 בא"},
+        {u"אב 12 cd", Bidi::DEFAULT_RTL, U"cd 12 בא"},
+        {u"אב 12 cd", Bidi::LTR, U"12 בא cd"},
+        {u"cd אב 12", Bidi::DEFAULT_RTL, U"cd 12 בא"},
+        {u"cd אב 12", Bidi::RTL, U"12 בא cd"},
+        {u"אב", Bidi::FORCE_LTR, U"אב"},
+        {u"12 cd", Bidi::FORCE_RTL, U"dc 21"},
+        {u"12.", Bidi::DEFAULT_RTL, U".12"},
+        {u"12.", Bidi::DEFAULT_LTR, U"12."},
+        {u"a\n12.", Bidi::DEFAULT_RTL, U"a\n.12"},
+        {u"\u2068a\u2069 12.", Bidi::DEFAULT_RTL, U".12 \u2069a\u2068"},
+        {u"\u202Eab\u202C", Bidi::LTR, U"\u202Eba\u202C"},
+    };
+    for (const auto& c : cases) {
+        const Layout layout = layLine(c.text, typeface, paint, c.bidi);
+        // Controls are laid out as glyphs without width; leave them out on both sides.
+        std::u32string visible;
+        for (const char32_t ch : std::u32string(c.visual)) {
+            if (ch > 0x20 && !host::isDefaultIgnorable(ch)) visible += ch;
+        }
+        const unsigned space = nominalGlyphs(font, U" ")[0], missing = 0;
+        std::vector<unsigned> glyphs;
+        for (const unsigned glyph : glyphsOf(layout)) {
+            if (glyph != space && glyph != missing) glyphs.push_back(glyph);
+        }
+        EXPECT_EQ(nominalGlyphs(font, visible), glyphs)
+            << testing::PrintToString(std::u16string(c.text)) << " bidi " << static_cast<int>(c.bidi);
+    }
+}
+
+// The paragraphs that a range touches are enough: what the bidirectional algorithm makes of the whole text,
+// cut to the range, is the same.
+TEST(Layout, VisualRunsAgreeWithTheWholeText) {
+    const char16_t alphabet[] = u"abאבش١12 .,(-)\n\r\u2029\u200F\u2067\u2068\u2069\u202B\u202C\U0001E900漢";
+    const size_t letters = std::size(alphabet) - 1;
+    std::mt19937 random(20240601);
+    for (int round = 0; round < 3000; round++) {
+        std::u16string text(1 + random() % 24, u' ');
+        for (char16_t& unit : text) unit = alphabet[random() % letters];
+        const size_t start = random() % text.size(), end = start + 1 + random() % (text.size() - start);
+        const Bidi bidi = static_cast<Bidi>(random() % 4);
+        const UBiDiLevel levels[] = {0, 1, UBIDI_DEFAULT_LTR, UBIDI_DEFAULT_RTL};
+
+        std::vector<UBiDiLevel> resolved;
+        UErrorCode status = U_ZERO_ERROR;
+        UBiDi* analysis = ubidi_open();
+        for (size_t at = 0; at < text.size();) {
+            size_t next = text.find_first_of(u"\n\r\u2029", at);
+            next = next == std::u16string::npos ? text.size() : next + 1;
+            if (text[next - 1] == u'\r' && text[next] == u'\n') next++;
+            const auto length = static_cast<int32_t>(next - at);
+            ubidi_setPara(analysis, text.data() + at, length, levels[static_cast<int>(bidi)], nullptr,
+                          &status);
+            const UBiDiLevel* found = ubidi_getLevels(analysis, &status);
+            ASSERT_TRUE(U_SUCCESS(status));
+            resolved.insert(resolved.end(), found, found + length);
+            at = next;
+        }
+        ubidi_close(analysis);
+        std::vector<int32_t> order(text.size());
+        ubidi_reorderVisual(resolved.data(), static_cast<int32_t>(resolved.size()), order.data());
+        std::vector<size_t> expected;
+        for (const int32_t at : order) {
+            if (at >= static_cast<int32_t>(start) && at < static_cast<int32_t>(end)) {
+                expected.push_back(static_cast<size_t>(at));
+            }
+        }
+
+        std::vector<size_t> actual;
+        const auto* units = reinterpret_cast<const uint16_t*>(text.data());
+        for (const host::BidiRun& run : host::visualRuns(units, start, end, text.size(), bidi)) {
+            for (size_t i = 0; i < run.end - run.start; i++) {
+                actual.push_back(run.rightToLeft ? run.end - 1 - i : run.start + i);
+            }
+        }
+        ASSERT_EQ(expected, actual) << "round " << round << " [" << start << ", " << end << ") bidi "
+                                    << static_cast<int>(bidi) << " of " << testing::PrintToString(text);
+    }
+}
+
+TEST(Layout, ClustersAreThoseOfABreakIterator) {
+    const char32_t alphabet[] =
+        U"ae\u0301\u0308\u200D\u200C\uFE0F\u20E3\r\n\u00AD가각\u1100\u1161\u11A8नि\u094Dที่\U0001F468\U0001F3FD"
+        U"\u2764"
+        U"\U0001F1E9\U0001F1EA\U000E0067\u0600漢\u0903";
+    const size_t letters = std::size(alphabet) - 1;
+    UErrorCode status = U_ZERO_ERROR;
+    UBreakIterator* breaks = ubrk_open(UBRK_CHARACTER, "", nullptr, 0, &status);
+    ASSERT_TRUE(U_SUCCESS(status));
+    std::mt19937 random(7);
+    for (int round = 0; round < 5000; round++) {
+        std::u16string text;
+        for (size_t i = 1 + random() % 10; i > 0; i--) {
+            const char32_t c = alphabet[random() % letters];
+            if (c >= 0x10000) text += static_cast<char16_t>(0xD7C0 + (c >> 10));
+            text += static_cast<char16_t>(c >= 0x10000 ? 0xDC00 | (c & 0x3FF) : c);
+        }
+        ubrk_setText(breaks, text.data(), static_cast<int32_t>(text.size()), &status);
+        const auto* units = reinterpret_cast<const uint16_t*>(text.data());
+        for (size_t at = 0; at < text.size();) {
+            const auto expected = static_cast<size_t>(ubrk_following(breaks, static_cast<int32_t>(at)));
+            ASSERT_EQ(expected, host::clusterEnd(units, at, text.size()))
+                << "round " << round << " at " << at << " of " << testing::PrintToString(text);
+            at = expected;
+        }
+    }
+    ubrk_close(breaks);
+}
+
+TEST(Layout, TextAroundTheLineShapesItsLetters) {
+    const TypefacePtr typeface = typefaceOf({familyOf(arabic())});
+    const android::Paint paint = paintOf(40);
+    const std::u16string text = u"ببب";
+    const std::vector<unsigned> whole = glyphsOf(layLine(text, typeface, paint));
+    const unsigned alone = glyphsOf(layLine(u"ب", typeface, paint)).back();
+    std::vector<unsigned> parts;
+    for (size_t at = text.size(); at-- > 0;) {
+        const std::vector<unsigned> part = glyphsOf(layRange(text, at, at + 1, typeface, paint));
+        EXPECT_NE(alone, part.back()) << "unit " << at;
+        parts.insert(parts.end(), part.begin(), part.end());
+    }
+    EXPECT_EQ(whole, parts);
+}
+
+TEST(Layout, LanguageComesFromTheLocaleThatWritesTheScript) {
+    // Han shapes differ by language within one font of the collection.
+    const TypefacePtr typeface = typefaceOf({familyOf(japanese())});
+    android::Paint paint = paintOf(40);
+    const auto glyphIn = [&](const char* locales) {
+        paint.setMinikinLocaleListId(minikin::registerLocaleList(locales));
+        return glyphsOf(layLine(u"直", typeface, paint)).at(0);
+    };
+    const unsigned japanese = glyphIn("ja"), chinese = glyphIn("zh-Hans");
+    ASSERT_NE(japanese, chinese);
+    EXPECT_EQ(japanese, glyphIn(""));
+    EXPECT_EQ(chinese, glyphIn("en,zh-Hans")) << "English is not written in Han";
+    EXPECT_EQ(chinese, glyphIn("zh-CN,ja")) << "the first that fits";
+    EXPECT_EQ(japanese, glyphIn("en-US,ja-JP,zh-Hans"));
+}
+
+TEST(Layout, BoundsAreTheUnionOfInkBoxes) {
+    android::Paint paint = paintOf(37);
+    const TypefacePtr upright = typefaceOf({familyOf(roboto()), familyOf(hebrew())});
+    const TypefacePtr slanted = typefaceOf({familyOf(roboto()), familyOf(hebrew())}, 700, 1);
+    for (const float skew : {0.0f, -0.4f}) {
+        for (const TypefacePtr& typeface : {std::cref(upright), std::cref(slanted)}) {
+            paint.setTextSkewX(skew);
+            const Layout layout = layLine(u"  Ag\u0328jÅ ק\u05B8 ", typeface, paint);
+            float left = 1e9f, top = 1e9f, right = -1e9f, bottom = -1e9f;
+            for (int i = 0; i < static_cast<int>(layout.nGlyphs()); i++) {
+                host::GlyphStyle style = styleOf(paint);
+                style.fakeBold = layout.getFakery(i).isFakeBold();
+                if (layout.getFakery(i).isFakeItalic()) style.skewX += -0.25f;
+                const host::GlyphBox ink = faceOf(layout.getFont(i)).inkBox(layout.getGlyphId(i), style);
+                if (ink.empty()) continue;
+                left = std::min(left, static_cast<float>(ink.left) + layout.getX(i));
+                top = std::min(top, static_cast<float>(ink.top) + layout.getY(i));
+                right = std::max(right, static_cast<float>(ink.right) + layout.getX(i));
+                bottom = std::max(bottom, static_cast<float>(ink.bottom) + layout.getY(i));
+            }
+            MinikinRect bounds;
+            layout.getBounds(&bounds);
+            EXPECT_EQ(left, bounds.mLeft);
+            EXPECT_EQ(top, bounds.mTop);
+            EXPECT_EQ(right, bounds.mRight);
+            EXPECT_EQ(bottom, bounds.mBottom);
+            EXPECT_LT(bounds.mTop, 0);
+            EXPECT_GT(bounds.mBottom, 0);
+        }
+    }
+}
+
+TEST(Layout, BlankTextHasAdvanceButNoBounds) {
+    const Layout layout = layLine(u" \u00A0 ", typefaceOf({familyOf(roboto())}), paintOf(30));
+    MinikinRect bounds;
+    layout.getBounds(&bounds);
+    EXPECT_EQ(0, bounds.mLeft);
+    EXPECT_EQ(0, bounds.mTop);
+    EXPECT_EQ(0, bounds.mRight);
+    EXPECT_EQ(0, bounds.mBottom);
+    EXPECT_EQ(3 * faceOf(roboto().get()).advance(nominalGlyphs(roboto(), U" ")[0], styleOf(paintOf(30))),
+              layout.getAdvance());
+}
+
+TEST(Layout, SkewMovesWhatIsRaised) {
+    const TypefacePtr typeface = typefaceOf({familyOf(dejavu())});
+    android::Paint paint = paintOf(64, 1 | kLinear);
+    const std::u16string text = u"x\u0333";  // two lines below, lowered a little
+    const Layout plain = layLine(text, typeface, paint);
+    paint.setTextSkewX(-0.5f);
+    const Layout skewed = layLine(text, typeface, paint);
+    ASSERT_EQ(glyphsOf(plain), glyphsOf(skewed));
+    bool raised = false;
+    for (int i = 0; i < static_cast<int>(plain.nGlyphs()); i++) {
+        EXPECT_EQ(plain.getY(i), skewed.getY(i));
+        EXPECT_EQ(plain.getX(i) + plain.getY(i) * -0.5f, skewed.getX(i)) << "glyph " << i;
+        raised = raised || plain.getY(i) != 0;
+    }
+    EXPECT_TRUE(raised) << "the text tests nothing";
+}
+
+TEST(Layout, FontRunsSetThePaintUpAndPutItBack) {
+    const TypefacePtr typeface = typefaceOf({familyOf(roboto()), familyOf(hebrew())}, 700, 1);
+    android::Paint paint = paintOf(30);
+    paint.setTextSkewX(-0.1f);
+    const Layout layout = layLine(u"ab אב cd", typeface, paint);
+    std::vector<std::pair<size_t, size_t>> runs;
+    auto draw = [&](size_t start, size_t end) {
+        runs.emplace_back(start, end);
+        EXPECT_EQ(&faceOf(layout.getFont(static_cast<int>(start))), paint.getTypeface()->face().get());
+        EXPECT_TRUE(paint.isFakeBoldText());
+        EXPECT_FLOAT_EQ(-0.35f, paint.getTextSkewX());
+    };
+    android::MinikinUtils::forFontRun(layout, &paint, draw);
+    EXPECT_EQ((std::vector<std::pair<size_t, size_t>>{{0, 3}, {3, 5}, {5, 8}}), runs);
+    EXPECT_FALSE(paint.isFakeBoldText());
+    EXPECT_EQ(-0.1f, paint.getTextSkewX());
+}
+
+TEST(Layout, NothingToLayOutIsEmpty) {
+    const TypefacePtr typeface = typefaceOf({familyOf(roboto())});
+    const TypefacePtr fontless = typefaceOf({nullptr, familyOf(nullptr)});
+    const android::Paint paint = paintOf(30);
+    const uint16_t text[] = {'a', 'b', 'c'};
+    const auto count = [&](const android::Paint* p, const android::Typeface* t, const uint16_t* buffer,
+                           size_t start, size_t length, size_t size) {
+        const Layout layout =
+            android::MinikinUtils::doLayout(p, Bidi::DEFAULT_LTR, t, buffer, start, length, size, nullptr);
+        EXPECT_EQ(layout.nGlyphs() == 0, layout.getAdvance() == 0);
+        return layout.nGlyphs();
+    };
+    EXPECT_EQ(0u, count(nullptr, typeface.get(), text, 0, 3, 3));
+    EXPECT_EQ(0u, count(&paint, nullptr, text, 0, 3, 3));
+    EXPECT_EQ(0u, count(&paint, typeface.get(), nullptr, 0, 3, 3));
+    EXPECT_EQ(0u, count(&paint, fontless.get(), text, 0, 3, 3));
+    EXPECT_EQ(0u, count(&paint, typeface.get(), text, 0, 0, 3));
+    EXPECT_EQ(0u, count(&paint, typeface.get(), text, 4, 1, 3));
+    EXPECT_EQ(1u, count(&paint, typeface.get(), text, 2, 9, 3));
+    EXPECT_EQ(2u, count(&paint, typeface.get(), text, 1, SIZE_MAX, 3));
+}
+
+TEST(Layout, OddSizesDrawNothing) {
+    const TypefacePtr typeface = typefaceOf({familyOf(roboto()), familyOf(emoji())});
+    const float nan = std::numeric_limits<float>::quiet_NaN(), inf = std::numeric_limits<float>::infinity();
+    for (const float size : {0.0f, 1e-30f, inf, 1e30f, 20000.0f, 3.4e38f}) {
+        for (const float scaleX : {1.0f, 0.0f, -1.0f, nan, inf, 1e30f}) {
+            android::Paint paint = paintOf(size);
+            paint.setTextScaleX(scaleX);
+            paint.setTextSkewX(scaleX);
+            paint.setLetterSpacing(scaleX);
+            const Layout layout = layLine(u"aé\U0001F600", typeface, paint);
+            EXPECT_EQ(3u, layout.nGlyphs());
+            EXPECT_TRUE(std::isfinite(layout.getAdvance())) << size << " x " << scaleX;
+        }
+    }
+    android::Paint paint = paintOf(30);
+    paint.setTextScaleX(nan);
+    EXPECT_EQ(0, layLine(u"abc", typeface, paint).getAdvance());
+    paint.setTextScaleX(1);
+    paint.setLetterSpacing(nan);
+    EXPECT_GT(layLine(u"abc", typeface, paint).getAdvance(), 0);
+}
+
+TEST(Layout, LoneSurrogatesAreMissingCharacters) {
+    const TypefacePtr typeface = typefaceOf({familyOf(roboto())});
+    const std::vector<unsigned> replacement = nominalGlyphs(roboto(), U"a\uFFFDb");
+    for (const char16_t unit : {u'\xD83D', u'\xDE00'}) {
+        const std::u16string text = {u'a', unit, u'b'};
+        EXPECT_EQ(replacement, glyphsOf(layLine(text, typeface, paintOf(30))));
+    }
+    // A range that starts or ends within a pair.
+    EXPECT_EQ(1u, layRange(u"\U0001F600", 0, 1, typeface, paintOf(30)).nGlyphs());
+    EXPECT_EQ(1u, layRange(u"\U0001F600", 1, 2, typeface, paintOf(30)).nGlyphs());
+}
+
+TEST(Layout, AMillionCharacters) {
+    const TypefacePtr typeface = typefaceOf({familyOf(roboto()), familyOf(hebrew())});
+    const std::u16string piece = u"Ham אב ";
+    std::u16string text;
+    while (text.size() < 1000000) text += piece;
+    const android::Paint paint = paintOf(16);
+    const Layout layout = layLine(text, typeface, paint);
+    EXPECT_EQ(text.size(), layout.nGlyphs());
+    EXPECT_GT(layout.getAdvance(), 16 * 100000);
+
+    // Its lines: as many as a long text has, all in one paragraph.
+    size_t glyphs = 0;
+    for (size_t at = 0; at < text.size(); at += 1000) {
+        glyphs += layRange(text, at, std::min(at + 1000, text.size()), typeface, paint).nGlyphs();
+    }
+    EXPECT_EQ(text.size(), glyphs);
+}
+
+TEST(Layout, ThreadsGetTheSameLines) {
+    const std::u16string text = u"Ham שלום سلام 12 देवनागरी 漢字 e\u0332 \U0001F468\u200D\U0001F469";
+    const std::vector<FamilyPtr> families = {familyOf(roboto()),
+                                             familyOf(hebrew(), "und-Hebr"),
+                                             familyOf(arabic(), "und-Arab"),
+                                             familyOf(devanagari(), "und-Deva"),
+                                             familyOf(japanese(), "ja"),
+                                             familyOf(emoji(), "und-Zsye"),
+                                             familyOf(dejavu())};
+    const auto print = [&text, &families](float size) {
+        const TypefacePtr typeface = typefaceOf(families);
+        android::Paint paint = paintOf(size);
+        paint.setMinikinLocaleListId(minikin::registerLocaleList("en-US,ja"));
+        const Layout layout = layLine(text, typeface, paint);
+        MinikinRect bounds;
+        layout.getBounds(&bounds);
+        std::vector<float> all = pensOf(layout);
+        for (const unsigned glyph : glyphsOf(layout)) all.push_back(static_cast<float>(glyph));
+        all.insert(all.end(),
+                   {layout.getAdvance(), bounds.mLeft, bounds.mTop, bounds.mRight, bounds.mBottom});
+        return all;
+    };
+    const std::vector<float> expected[] = {print(20), print(31)};
+    std::vector<int> wrong(4, 0);
+    std::vector<std::thread> threads;
+    for (size_t t = 0; t < wrong.size(); t++) {
+        threads.emplace_back([&, t] {
+            for (int i = 0; i < 50; i++) wrong[t] += print(i % 2 ? 31 : 20) != expected[i % 2];
+        });
+    }
+    for (std::thread& thread : threads) thread.join();
+    EXPECT_EQ(std::vector<int>(4, 0), wrong);
+}
