@@ -1,0 +1,163 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+#include "foundation/Error.h"
+#include "foundation/ZvLog.h"
+#include "platform/host/LogCapture.h"
+#include "text/ZvTextInstanceManager.h"
+#include "text/ZvTextObject.h"
+
+using namespace Zvex;
+using Registry = ZvTextInstanceManager;
+
+namespace {
+
+// A text object that writes its name down when it is deleted.
+class Probe : public ZvTextObject {
+public:
+    Probe(char name, std::string* deletedNames) : mName(name), mDeletedNames(deletedNames) { Construct(); }
+    ~Probe() override { *mDeletedNames += mName; }
+
+private:
+    char mName;
+    std::string* mDeletedNames;
+};
+
+bool isErrorReport(const host::LogLine& line, const std::string& tag, int code) {
+    return line.priority == 6 && line.tag == tag &&
+           line.text.rfind("@ Native Error " + std::to_string(code) + " : ", 0) == 0;
+}
+
+}  // namespace
+
+TEST(Registry, HandlesGrowAndAreNeverUsedAgain) {
+    std::string deleted;
+    auto* first = new Probe('a', &deleted);
+    const int handle = first->GetRuntimeHandle();
+    EXPECT_GE(handle, 1);
+    EXPECT_EQ(Registry::Register(first), handle);
+    EXPECT_EQ(Registry::FindZvTextHandle(first), handle);
+    EXPECT_EQ(ZvTextObject::FindZvTextObject(handle), first);
+
+    EXPECT_EQ(Registry::Unregister(handle), 0);
+    EXPECT_EQ(Registry::FindZvTextHandle(first), -1);
+    EXPECT_EQ(Registry::FindZvTextObject(handle), nullptr);
+    EXPECT_EQ(Registry::Unregister(handle), 0);
+    EXPECT_EQ(Registry::Register(first), handle + 1);
+    // The object still believes in its first handle and does not take the second one back.
+    EXPECT_EQ(Registry::Unregister(handle + 1), 0);
+    delete first;
+
+    Probe second('b', &deleted);
+    EXPECT_EQ(second.GetRuntimeHandle(), handle + 2);
+}
+
+TEST(Registry, LastReleaseDeletes) {
+    std::string deleted;
+    auto* object = new Probe('a', &deleted);
+    const int handle = object->GetRuntimeHandle();
+    Registry::Bind(object);
+    Registry::Bind(object);
+    EXPECT_TRUE(Registry::Release(object, true));
+    EXPECT_EQ(deleted, "");
+    EXPECT_TRUE(Registry::Release(handle));
+    EXPECT_EQ(deleted, "a");
+    EXPECT_EQ(Registry::FindZvTextObject(handle), nullptr);
+}
+
+TEST(Registry, ReleaseWithoutDestroyLeavesACountOfZero) {
+    std::string deleted;
+    auto* object = new Probe('a', &deleted);
+    Registry::Bind(object);
+    EXPECT_TRUE(Registry::Release(object, false));
+    Registry::Bind(object);
+    EXPECT_TRUE(Registry::Release(object, true));
+    EXPECT_EQ(deleted, "a");
+}
+
+TEST(Registry, UnknownObjectsAndHandlesAreReported) {
+    std::string deleted;
+    Probe unbound('a', &deleted);
+    Error::SetError(0);
+    host::LogCapture log;
+    EXPECT_FALSE(Registry::Release(&unbound, true));
+    EXPECT_EQ(Error::GetError(), 9u);
+    Error::SetError(0);
+    EXPECT_FALSE(Registry::Release(1 << 30));
+    EXPECT_EQ(Error::GetError(), 9u);
+    const auto lines = log.lines();
+    ASSERT_EQ(lines.size(), 2u);
+    EXPECT_TRUE(isErrorReport(lines[0], "ZvTextInstanceManager", 9)) << lines[0].text;
+    EXPECT_TRUE(isErrorReport(lines[1], "ZvTextInstanceManager", 9)) << lines[1].text;
+    EXPECT_NE(lines[0].text, lines[1].text);
+}
+
+TEST(Registry, LockDefersLastReleasesAndUnlockMakesThemUpBackwards) {
+    std::string deleted;
+    Probe* objects[4];
+    for (int i = 0; i < 4; ++i) {
+        objects[i] = new Probe(static_cast<char>('a' + i), &deleted);
+        Registry::Bind(objects[i]);
+    }
+    Registry::Lock();
+    for (Probe* object : objects) EXPECT_TRUE(Registry::Release(object, true));
+    EXPECT_EQ(deleted, "");
+    EXPECT_FALSE(Registry::Release(objects[0], true));  // its count is gone already
+    Registry::Bind(objects[1]);
+    Registry::Unlock();
+    EXPECT_EQ(deleted, "dca");
+    EXPECT_TRUE(Registry::Release(objects[1], true));
+    EXPECT_EQ(deleted, "dcab");
+}
+
+// Debug builds tell the life of an object; others say nothing.
+TEST(Registry, DebugLinesFollowTheBuild) {
+    host::LogCapture log;
+    auto* object = new ZvTextObject;
+    object->Construct();
+    const std::string handle = std::to_string(object->GetRuntimeHandle());
+    char address[32];
+    std::snprintf(address, sizeof(address), "%p", static_cast<void*>(object));
+    const std::string self = address;
+    Registry::Bind(object);
+    Registry::Bind(object);
+    Registry::FindZvTextObject(1 << 30);
+    Registry::Release(object, true);
+    Registry::Release(object, true);
+
+    std::vector<std::string> wanted;
+    if (ZvLog::IsAllLogEnable()) {
+        wanted = {
+            "ZvTextObject: ZvTextObject(" + self + ")",
+            "ZvTextObject: Construct(" + self + " / " + handle + ")",
+            "ZvTextInstanceManager: Bind(" + self + ") - count: 1",
+            "ZvTextInstanceManager: Bind(" + self + ") - count: 2",
+            "ZvTextInstanceManager: FindZvTextObject() - Can't find the handle[1073741824]",
+            "ZvTextObject: Delete ZvTextObject by InstanceManager : " + self,
+            "ZvTextObject: ~ZvTextObject(" + self + " / " + handle + ")",
+        };
+    }
+    std::vector<std::string> written;
+    for (const auto& line : log.lines()) {
+        EXPECT_EQ(line.priority, 3);
+        if (line.tag != "ZvEffect") written.push_back(line.tag + ": " + line.text);
+    }
+    EXPECT_EQ(written, wanted);
+}
+
+// In a process of its own, because handles count up for the whole process.
+TEST(RegistryDeathTest, TheFirstHandleIsOne) {
+    ::testing::FLAGS_gtest_death_test_style = "threadsafe";
+    EXPECT_EXIT(
+        {
+            ZvTextObject object;
+            object.Construct();
+            std::_Exit(object.GetRuntimeHandle());
+        },
+        ::testing::ExitedWithCode(1), "");
+}

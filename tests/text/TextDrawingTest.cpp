@@ -1,0 +1,394 @@
+// SPDX-License-Identifier: Apache-2.0
+// From a text object to pixels: what lines become images, where they land, what the clip and the background
+// do, and what the drawer says when a part is missing.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdlib>
+#include <functional>
+#include <limits>
+#include <string>
+#include <vector>
+
+#include "TextScene.h"
+#include "effect/ZvECoreBase.h"
+#include "effect/ZvGlyph.h"
+#include "foundation/Error.h"
+#include "raster/ZvBitmap.h"
+#include "text/FontManager.h"
+#include "text/SafeConvert.h"
+#include "text/ZvFontDrawing.h"
+#include "text/ZvTextObjectImpl.h"
+
+using namespace Zvex;
+using namespace text_test;
+
+namespace {
+
+// What the effect stack was handed.
+struct Handed {
+    int x = 0;
+    int y = 0;
+    int width = 0;
+    int height = 0;
+    int baseline = 0;
+    std::vector<uint8_t> pixels;
+};
+
+// A layer that draws nothing and writes down every line image.
+class Recorder : public ZvECoreBase {
+public:
+    explicit Recorder(std::vector<Handed>* handed) : mHanded(handed) {}
+    int render(ParamRender* p) override {
+        const ZvGlyph& g = *p->glyph;
+        mHanded->push_back({p->x, p->y, g.width, g.height, g.baseline,
+                            std::vector<uint8_t>(g.pixels, g.pixels + size_t{g.width} * g.height)});
+        return 1;
+    }
+    void setProperty(ZvProperty*) override {}
+    ZvProperty* getProperty() override { return nullptr; }
+
+private:
+    std::vector<Handed>* mHanded;
+};
+
+TextScene& withOneLine(TextScene& scene, int x, int y, int end) {
+    scene.setLines({TextScene::makeLine(x, y, 0, end)});
+    return scene;
+}
+
+// Box of the pixels that are not transparent.
+ZvRect inkOf(const Picture& picture) {
+    ZvRect box(picture.width, picture.height, 0, 0);
+    for (int y = 0; y < picture.height; ++y) {
+        for (int x = 0; x < picture.width; ++x) {
+            if (picture.at(x, y) == 0) continue;
+            box = ZvRect(std::min(box.left, x), std::min(box.top, y), std::max(box.right, x + 1),
+                         std::max(box.bottom, y + 1));
+        }
+    }
+    return box;
+}
+
+}  // namespace
+
+TEST(TextDrawing, FailuresSayWhatIsMissing) {
+    const struct {
+        const char* name;
+        std::function<void(TextScene&)> spoil;
+        std::string line;  // after the drawer's address
+        bool reportsEight;
+    } cases[] = {
+        {"no text", [](TextScene& s) { s.object.SetText(static_cast<const wchar_t*>(nullptr)); },
+         "text is NULL", false},
+        {"empty text", [](TextScene& s) { s.object.SetText(L""); }, "textLength is 0", false},
+        {"no stack",
+         [](TextScene& s) {
+             delete s.object.mImpl->effect;
+             s.object.mImpl->effect = nullptr;
+         },
+         "Effect is NULL", false},
+        {"no lines",
+         [](TextScene& s) {
+             s.object.mImpl->clearLineInfo();
+             delete s.object.mImpl->lineInfo;
+             s.object.mImpl->lineInfo = nullptr;
+         },
+         "lineInfoList is NULL", true},
+        {"no font", [](TextScene& s) { s.object.GetFont()->SetFontPath("TextDrawing.unknown"); },
+         "GetMinikinFontFamilies failed", false},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        TextScene scene(kSans, L"ab", 20, 60, 30);
+        withOneLine(scene, 0, 20, 2);
+        c.spoil(scene);
+        ZvBitmap out(60, 30, 4);
+        Error::SetError(0);
+        host::LogCapture log;
+        EXPECT_EQ(scene.object.GetFont()->DrawTextEffect(&scene.object, &out), 0);
+
+        char address[32];
+        std::snprintf(address, sizeof(address), "%p", static_cast<void*>(scene.object.GetFont()));
+        const std::vector<std::string> lines = errorLines(log);
+        ASSERT_EQ(lines.size(), c.reportsEight ? 2u : 1u);
+        EXPECT_EQ(lines[0], std::string("ZvFontDrawing: DrawTextEffect(") + address + ") - " + c.line);
+        EXPECT_EQ(lines.back().rfind("ZvFontDrawing: @ Native Error 8 : ", 0) == 0, c.reportsEight);
+        EXPECT_EQ(Error::GetError(), c.reportsEight ? 8u : 0u);
+        EXPECT_EQ(std::count(out.pixels, out.pixels + out.byteCount(), 0), 60 * 30 * 4);
+    }
+}
+
+TEST(TextDrawing, NoLinesAreNoFailure) {
+    TextScene scene(kSans, L"ab", 20, 60, 30);
+    host::LogCapture log;
+    const Picture picture = scene.render();
+    EXPECT_EQ(picture.countVisible(), 0);
+    EXPECT_TRUE(errorLines(log).empty());
+}
+
+TEST(TextDrawing, LineImagesAreAsWideAsTheAdvanceAndAsHighAsTheInk) {
+    std::vector<Handed> handed;
+    TextScene scene(kSans, L"Hpp  \u0416", 20, 200, 60);
+    // The stack owns it, outside the types it knows.
+    scene.effect().effects.push_back(new Recorder(&handed));
+    scene.setLines({TextScene::makeLine(7, 30, 0, 1), TextScene::makeLine(7, 30, 1, 2),
+                    TextScene::makeLine(7, 30, 1, 3), TextScene::makeLine(7, 30, 3, 5),
+                    TextScene::makeLine(-3, 30, 5, 6, -1)});
+    const Picture picture = scene.render();
+    ASSERT_EQ(handed.size(), 5u);
+
+    const Handed& capital = handed[0];
+    EXPECT_EQ(capital.x, 7);
+    EXPECT_EQ(capital.height, capital.baseline);  // stands on the baseline
+    EXPECT_EQ(capital.y, 30 - capital.baseline);
+    EXPECT_EQ(capital.width, 15);  // 0.752 of 20, rounded to a whole pixel without the linear-text flag
+    EXPECT_GE(*std::max_element(capital.pixels.begin(), capital.pixels.end()), 250);
+
+    EXPECT_GT(handed[1].height, handed[1].baseline);  // hangs below it
+    EXPECT_EQ(handed[2].width, 2 * handed[1].width);
+    EXPECT_EQ(handed[3].height, 0);  // blanks: an image without rows, as wide as their advances
+    EXPECT_GT(handed[3].width, 0);
+    EXPECT_EQ(handed[4].x, -3);
+    EXPECT_GT(picture.countVisible(), 0);
+}
+
+TEST(TextDrawing, PensRunAlongTheListAndBackwardsForRightToLeft) {
+    std::vector<Handed> handed;
+    Recorder recorder(&handed);
+    ZvEffect effect;
+    effect.layers.push_back(&recorder);
+    uint8_t pixel = 0;
+    ZvGlyph glyphs[3];
+    List list;
+    list.Construct();
+    for (int i = 0; i < 3; ++i) {
+        glyphs[i].pixels = &pixel;
+        glyphs[i].width = static_cast<uint16_t>(10 + i);
+        glyphs[i].baseline = i;
+        glyphs[i].left = 100 * i;
+        list.Add(static_cast<void*>(&glyphs[i]));
+    }
+    ZvFontDrawing drawing;
+    drawing._DoRender(5 * 64 + 63, -2 * 64 - 1, &list, &effect, 0);
+    drawing._DoRender(5 * 64, 20 * 64, &list, &effect, -1);
+    drawing._DoRender(0, 0, nullptr, &effect, 0);
+    ASSERT_EQ(handed.size(), 6u);
+    const int expected[6][3] = {{5, -3, 10},   {115, -4, 11}, {5 + 21 + 200, -5, 12},
+                                {205, 18, 12}, {117, 19, 11}, {5 + 23, 20, 10}};
+    for (int i = 0; i < 6; ++i) {
+        EXPECT_EQ(handed[i].x, expected[i][0]) << i;
+        EXPECT_EQ(handed[i].y, expected[i][1]) << i;
+        EXPECT_EQ(handed[i].width, expected[i][2]) << i;
+    }
+}
+
+TEST(TextDrawing, TwoRenderingsGiveTheSameBytes) {
+    TextScene scene(kSans, L"Twice", 24, 120, 40);
+    withOneLine(scene, 4, 28, 5);
+    scene.object.SetTextColor(0xFF2040C0);
+    const Picture plain = scene.render();
+    EXPECT_GT(plain.count(0xFF2040C0), 50);
+    EXPECT_TRUE(plain == scene.render());
+
+    scene.effect().addStrokeText(3, 0xFFFFFFFF, 1.0f, 0, 1);
+    const Picture stroked = scene.render();
+    EXPECT_EQ(stroked.width, 120 + scene.effect().getLeftOffset() + scene.effect().getRightOffset());
+    EXPECT_GT(stroked.count(0xFFFFFFFF), 50);
+    EXPECT_TRUE(stroked == scene.render());
+    scene.effect().cleanAllEffect();
+    EXPECT_TRUE(plain == scene.render());
+}
+
+TEST(TextDrawing, MarginsMoveTheTextAndLeaveTheViewInPlace) {
+    TextScene scene(kSans, L"M", 30, 60, 50);
+    withOneLine(scene, 10, 40, 1);
+    const ZvRect plain = inkOf(scene.render());
+    scene.effect().addStrokeText(4, 0xFFFF0000, 1.0f, 0, 1);
+    const int left = scene.effect().getLeftOffset();
+    const int top = scene.effect().getTopOffset();
+    ASSERT_GE(left, 4);
+    const ZvRect stroked = inkOf(scene.render());
+    EXPECT_LE(stroked.left, plain.left + left - 3);
+    EXPECT_GE(stroked.left, plain.left + left - 6);
+    EXPECT_LE(stroked.bottom, plain.bottom + top + 6);
+    EXPECT_GE(stroked.bottom, plain.bottom + top + 3);
+}
+
+TEST(TextDrawing, TextAlphaAppliesToTheWholePicture) {
+    TextScene scene(kSans, L"\u2588", 30, 60, 40);
+    withOneLine(scene, 5, 30, 1);
+    scene.object.SetTextColor(0x80FF8000);
+    const Picture picture = scene.render();
+    EXPECT_GT(picture.count(0x80FF8000), 100);
+}
+
+TEST(TextDrawing, BackgroundFillsTheLineRectangles) {
+    TextScene scene(kSans, L"ab", 20, 100, 50);
+    withOneLine(scene, 10, 30, 2);
+    scene.line(0).rect = ZvRect(0, 12, 0, 35);  // left and right are made anew
+    scene.object.SetBackgroundColor(0xFF00FF00, true);
+    const Picture picture = scene.render();
+    const ZvRect box = inkOf(picture);
+    EXPECT_EQ(box.left, 10);
+    EXPECT_EQ(box.top, 12);
+    EXPECT_EQ(box.right, scene.line(0).rect.right);
+    EXPECT_EQ(box.bottom, 35);
+    EXPECT_EQ(scene.line(0).rect.left, 10);
+    EXPECT_EQ(picture.at(10, 12), 0xFF00FF00u);
+    EXPECT_GT(picture.count(0xFF000000), 20);
+
+    scene.object.SetBackgroundColor(0xFF00FF00, false);
+    EXPECT_EQ(scene.render().count(0xFF00FF00), 0);
+}
+
+// Whoever renders again without laying the text out again sees the background slide down by the top margin.
+TEST(TextDrawing, EveryRenderingMovesTheLineRectanglesDown) {
+    TextScene scene(kSans, L"ab", 20, 100, 50);
+    withOneLine(scene, 10, 30, 2);
+    scene.effect().addStrokeText(5, 0xFFFFFFFF, 1.0f, 0, 1);
+    const int left = scene.effect().getLeftOffset();
+    const int top = scene.effect().getTopOffset();
+    ASSERT_GT(top, 0);
+    const ZvRect before = scene.line(0).rect;
+    scene.render();
+    const ZvRect once = scene.line(0).rect;
+    scene.render();
+    const ZvRect twice = scene.line(0).rect;
+    EXPECT_EQ(once.left, 10 + left);
+    EXPECT_EQ(once.top, before.top + top);
+    EXPECT_EQ(once.bottom, before.bottom + top);
+    EXPECT_EQ(twice.left, once.left);
+    EXPECT_EQ(twice.right, once.right);
+    EXPECT_EQ(twice.top, before.top + 2 * top);
+    EXPECT_EQ(twice.bottom, before.bottom + 2 * top);
+}
+
+TEST(TextDrawing, ClipKeepsThePaddingOnlyAwayFromTheGravity) {
+    const struct {
+        int gravity;
+        ZvRect visible;
+    } cases[] = {
+        {0x33, ZvRect(0, 0, 100 - 7, 60 - 9)},  // left, top
+        {0x55, ZvRect(5, 6, 100, 60)},          // right, bottom
+        {0x11, ZvRect(5, 6, 100 - 7, 60 - 9)},  // centre
+        {0x77, ZvRect(5, 6, 100 - 7, 60 - 9)},  // fill
+    };
+    for (const auto& c : cases) {
+        TextScene scene(kSans, L"a", 10, 100, 60);
+        withOneLine(scene, 0, 30, 1);
+        scene.view().gravity = c.gravity;
+        scene.view().SetPadding(5, 6, 7, 9);
+        android::Paint paint = scene.object.GetPaint();
+        paint.setTextScaleX(30);  // an advance wider than the view, so that the background covers it all
+        scene.object.SetPaint(paint);
+        scene.line(0).rect = ZvRect(0, -100, 0, 200);
+        scene.object.SetBackgroundColor(0xFFFF0000, true);
+        const ZvRect visible = inkOf(scene.render());
+        EXPECT_EQ(visible.left, c.visible.left) << c.gravity;
+        EXPECT_EQ(visible.top, c.visible.top) << c.gravity;
+        EXPECT_EQ(visible.right, c.visible.right) << c.gravity;
+        EXPECT_EQ(visible.bottom, c.visible.bottom) << c.gravity;
+    }
+    TextScene scene(kSans, L"abc", 20, 60, 30);
+    withOneLine(scene, 0, 20, 3);
+    scene.view().SetPadding(0, 0, 70, -2147483647);  // more than there is, and far less than nothing
+    EXPECT_EQ(scene.render().countVisible(), 0);
+}
+
+TEST(TextDrawing, LinesOutsideTheTextAreCutToIt) {
+    TextScene scene(kSans, L"abc", 20, 100, 40);
+    scene.setLines({TextScene::makeLine(0, 30, 1, 3)});
+    const Picture expected = scene.render();
+    scene.setLines({TextScene::makeLine(0, 30, 1, 1000)});
+    EXPECT_TRUE(expected == scene.render());
+    const int kMin = std::numeric_limits<int>::min(), kMax = std::numeric_limits<int>::max();
+    for (const auto& [start, end] :
+         {std::pair(2, 1), std::pair(3, 3), std::pair(kMax, kMin), std::pair(-9, -2)}) {
+        scene.setLines({TextScene::makeLine(0, 30, start, end)});
+        EXPECT_EQ(scene.render().countVisible(), 0) << start << " " << end;
+    }
+}
+
+TEST(TextDrawing, AbsurdPositionsDrawNothingAndOverflowNothing) {
+    const int kMin = std::numeric_limits<int>::min(), kMax = std::numeric_limits<int>::max();
+    TextScene scene(kSans, L"abc", 20, 100, 40);
+    scene.effect().addStrokeText(3, 0xFFFFFFFF, 1.0f, 0, 1);
+    ZvLineInfo low = TextScene::makeLine(0, 0, 0, 3);
+    low.x = low.y = kMin;
+    low.rect = ZvRect(kMin, kMin, kMin, kMin);
+    ZvLineInfo high = TextScene::makeLine(kMax / 64, 0, 0, 3);
+    high.y = kMax;
+    high.rect = ZvRect(kMax, kMax, kMax, kMax);
+    scene.setLines({low, high, TextScene::makeLine(1 << 24, 1 << 24, 0, 3)});
+    scene.object.SetBackgroundColor(0xFF00FF00, true);
+    scene.render();
+    scene.render();
+    // 26 bits of pixels: 2^26 is 0 again.
+    scene.effect().cleanAllEffect();
+    scene.setLines({TextScene::makeLine(1 << 26, (1 << 26) + 30, 0, 3)});
+    EXPECT_GT(scene.render().countVisible(), 0);
+}
+
+TEST(TextDrawing, ItalicStyleSlantsAFontThatIsNotItalic) {
+    TextScene scene(kSans, L"lll", 40, 100, 60);
+    withOneLine(scene, 10, 45, 3);
+    const Picture upright = scene.render();
+    scene.object.SetTextStyle(false, true);
+    const Picture slanted = scene.render();
+    EXPECT_FALSE(upright == slanted);
+    EXPECT_GT(slanted.countVisible(), 0);
+
+    // A name that says italic is believed: no slant is added.
+    const std::string bytes = readFile(kSans);
+    ASSERT_TRUE(
+        scene.object.SetFont("TextDrawing-Italic", newBuffer(bytes), static_cast<unsigned>(bytes.size())));
+    EXPECT_TRUE(upright == scene.render());
+}
+
+// The bold style bit plays no part in drawing; a font named bold is drawn as it is.
+TEST(TextDrawing, BoldStyleChangesNothing) {
+    TextScene scene(kSans, L"lll", 40, 100, 60);
+    withOneLine(scene, 10, 45, 3);
+    const Picture plain = scene.render();
+    scene.object.SetTextStyle(true, false);
+    EXPECT_TRUE(plain == scene.render());
+}
+
+TEST(TextDrawing, EmojiAndIdeographsComeFromTheSystemFamilies) {
+    FontManager& manager = *FontManager::GetInstance();
+    manager.ClearFontFamilies();
+    ZvFontFamily* families[] = {makeFamily("und-Zsye", {kEmoji}), makeFamily("", {kCjk})};
+    for (ZvFontFamily* family : families) {
+        ASSERT_TRUE(manager.BuildMinikinFamily(family));
+        family->loaded = 1;
+    }
+    ASSERT_TRUE(manager.SetSystemFontFamilies(makeFamilies({families[0], families[1]})));
+    TextScene scene(fonts::path(fonts::Role::kLatinSmall), L"A\u6F22\U0001F600", 30, 140, 50);
+    scene.setLines({TextScene::makeLine(0, 40, 0, 1), TextScene::makeLine(40, 40, 1, 2),
+                    TextScene::makeLine(90, 40, 2, 4)});
+    const Picture picture = scene.render();
+    manager.ClearFontFamilies();
+    for (const int begin : {0, 40, 90}) {
+        int ink = 0;
+        for (int y = 0; y < 50; ++y) {
+            for (int x = begin; x < begin + 40; ++x) ink += picture.at(x, y) != 0;
+        }
+        EXPECT_GT(ink, 60) << begin;
+    }
+}
+
+TEST(SafeConvert, CutsOffFractionsAndSaturates) {
+    const float kInfinity = std::numeric_limits<float>::infinity();
+    EXPECT_EQ(truncateToUnsigned(3.99f), 3u);
+    EXPECT_EQ(truncateToUnsigned(-0.5f), 0u);
+    EXPECT_EQ(truncateToUnsigned(-1e20f), 0u);
+    EXPECT_EQ(truncateToUnsigned(std::nanf("")), 0u);
+    EXPECT_EQ(truncateToUnsigned(70000.5f), 70000u);
+    EXPECT_EQ(truncateToUnsigned(4294967296.0f), 4294967295u);
+    EXPECT_EQ(truncateToUnsigned(kInfinity), 4294967295u);
+    EXPECT_EQ(truncateToInt(-3.99f), -3);
+    EXPECT_EQ(truncateToInt(std::nanf("")), 0);
+    EXPECT_EQ(truncateToInt(2147483648.0f), 2147483647);
+    EXPECT_EQ(truncateToInt(-kInfinity), std::numeric_limits<int>::min());
+}

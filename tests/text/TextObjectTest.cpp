@@ -1,0 +1,210 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "text/ZvTextObject.h"
+
+#include <gtest/gtest.h>
+#include <minikin/LocaleList.h>
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "TextScene.h"
+#include "foundation/Error.h"
+#include "foundation/ZvString.h"
+#include "raster/ZvBitmap.h"
+#include "text/FontManager.h"
+#include "text/ZvFontDrawing.h"
+#include "text/ZvTextObjectImpl.h"
+
+using namespace Zvex;
+using namespace text_test;
+
+TEST(TextObject, BeforeConstructEverythingReportsEight) {
+    ZvTextObject object;
+    ZvString string;
+    android::Paint paint;
+    const std::map<std::string, std::function<bool()>> failures = {
+        {"GetRuntimeHandle", [&] { return object.GetRuntimeHandle() == -1; }},
+        {"GetEffect", [&] { return object.GetEffect() == nullptr; }},
+        {"SetText string", [&] { return !object.SetText(&string); }},
+        {"SetText wide", [&] { return !object.SetText(L"a"); }},
+        {"GetText", [&] { return object.GetText() == nullptr; }},
+        {"SetFont", [&] { return !object.SetFont(kSans); }},
+        {"SetFont buffer", [&] { return !object.SetFont("name", newBuffer("x"), 1); }},
+        {"GetFont", [&] { return object.GetFont() == nullptr; }},
+        {"SetLineInfo", [&] { return !object.SetLineInfo(nullptr); }},
+        {"GetLineInfo", [&] { return object.GetLineInfo() == nullptr; }},
+        {"SetTextStyle", [&] { return !object.SetTextStyle(true, true); }},
+        {"isBoldTextStyle", [&] { return !object.isBoldTextStyle(); }},
+        {"isItalicTextStyle", [&] { return !object.isItalicTextStyle(); }},
+        {"GetView", [&] { return object.GetView() == nullptr; }},
+        {"GetPaint", [&] { return object.GetPaint().getTextSize() == android::Paint().getTextSize(); }},
+        {"SetPaint", [&] { return object.SetPaint(paint), true; }},
+        {"SetBackgroundColor", [&] { return object.SetBackgroundColor(1, true), true; }},
+        {"SetTextColor", [&] { return object.SetTextColor(1), true; }},
+        {"GetTextColor", [&] { return object.GetTextColor() == 0xFF000000u; }},
+        {"RenderTextEffect", [&] { return object.RenderTextEffect(10, 10) == nullptr; }},
+    };
+    for (const auto& [name, fails] : failures) {
+        Error::SetError(0);
+        host::LogCapture log;
+        EXPECT_TRUE(fails()) << name;
+        EXPECT_EQ(Error::GetError(), 8u) << name;
+        ASSERT_EQ(errorLines(log).size(), 1u) << name;
+        EXPECT_EQ(errorLines(log)[0].rfind("ZvTextObject: @ Native Error 8 : ", 0), 0u) << errorLines(log)[0];
+    }
+}
+
+TEST(TextObject, ConstructsOnce) {
+    ZvTextObject object;
+    ASSERT_TRUE(object.Construct());
+    Error::SetError(0);
+    EXPECT_FALSE(object.Construct());
+    EXPECT_EQ(Error::GetError(), 4u);
+    EXPECT_EQ(ZvTextObject::FindZvTextObject(object.GetRuntimeHandle()), &object);
+    EXPECT_EQ(object.GetTextColor(), 0xFF000000u);
+    EXPECT_EQ(object.GetView()->gravity, 3);
+    EXPECT_EQ(object.GetText(), nullptr);
+}
+
+TEST(TextObject, CopiesTheText) {
+    ZvTextObject object;
+    object.Construct();
+    ZvString string;
+    string.Construct("Grüße");
+    EXPECT_TRUE(object.SetText(&string));
+    string.Set("other");
+    ASSERT_NE(object.GetText(), nullptr);
+    EXPECT_EQ(std::wstring(object.GetText()->GetPointer()), L"Gr\u00fc\u00dfe");
+    EXPECT_TRUE(object.SetText(object.GetText()));
+    EXPECT_EQ(object.GetText()->GetLength(), 5);
+    EXPECT_TRUE(object.SetText(L""));
+    EXPECT_EQ(object.GetText()->GetLength(), 0);
+    EXPECT_TRUE(object.SetText(static_cast<const ZvString*>(nullptr)));
+    EXPECT_EQ(object.GetText(), nullptr);
+    EXPECT_TRUE(object.SetText(static_cast<const wchar_t*>(nullptr)));
+}
+
+TEST(TextObject, AFontThatFailsLeavesTheOldOneChosen) {
+    ZvTextObject object;
+    object.Construct();
+    ASSERT_TRUE(object.SetFont(kSans));
+    const std::string bytes = readFile(kBold);
+    Error::SetError(0);
+    EXPECT_FALSE(object.SetFont("/missing.ttf"));
+    EXPECT_FALSE(object.SetFont(""));
+    EXPECT_FALSE(object.SetFont("TextObject.garbage", newBuffer("garbage"), 7));
+    EXPECT_EQ(Error::GetError(), 0u);
+    EXPECT_FALSE(object.SetFont(nullptr));
+    EXPECT_EQ(Error::GetError(), 7u);
+    EXPECT_FALSE(object.SetFont(nullptr, newBuffer(bytes), static_cast<unsigned>(bytes.size())));
+    EXPECT_EQ(object.GetFont()->fontPath->CompareTo(kSans), 0);
+
+    EXPECT_TRUE(object.SetFont("TextObject.bold", newBuffer(bytes), static_cast<unsigned>(bytes.size())));
+    EXPECT_EQ(object.GetFont()->fontPath->CompareTo("TextObject.bold"), 0);
+    EXPECT_TRUE(object.SetFont("TextObject.bold"));  // a name, no file, held already
+}
+
+TEST(TextObject, TakesLineRecordsOver) {
+    TextScene scene(nullptr, L"ab", 20, 100, 100);
+    scene.setLines({TextScene::makeLine(1, 20, 0, 1), TextScene::makeLine(2, 40, 1, 2)});
+    ASSERT_EQ(scene.object.GetLineInfo()->GetCount(), 2);
+    EXPECT_EQ(scene.line(1).x, 2);
+    EXPECT_TRUE(scene.object.SetLineInfo(scene.object.GetLineInfo()));
+    EXPECT_EQ(scene.object.GetLineInfo()->GetCount(), 2);
+    scene.setLines({TextScene::makeLine(3, 20, 0, 1)});
+    ASSERT_EQ(scene.object.GetLineInfo()->GetCount(), 1);
+    EXPECT_EQ(scene.line(0).x, 3);
+    scene.setLines({});
+    EXPECT_EQ(scene.object.GetLineInfo()->GetCount(), 0);
+
+    Error::SetError(0);
+    host::LogCapture log;
+    EXPECT_FALSE(scene.object.SetLineInfo(nullptr));
+    EXPECT_EQ(Error::GetError(), 7u);
+    EXPECT_EQ(errorLines(log).at(0), "ZvTextObject: SetLineInfo - lineInfo is NULL");
+
+    delete scene.object.mImpl->lineInfo;
+    scene.object.mImpl->lineInfo = nullptr;
+    List list;
+    list.Construct();
+    EXPECT_FALSE(scene.object.SetLineInfo(&list));
+    EXPECT_EQ(Error::GetError(), 8u);
+    EXPECT_EQ(errorLines(log).at(2), "ZvTextObject: SetLineInfo - M->lineInfo is NULL");
+}
+
+TEST(TextObject, StyleBitsLeaveOthersAlone) {
+    ZvTextObject object;
+    object.Construct();
+    object.mImpl->style = 0x10;
+    EXPECT_TRUE(object.SetTextStyle(true, false));
+    EXPECT_TRUE(object.isBoldTextStyle());
+    EXPECT_FALSE(object.isItalicTextStyle());
+    EXPECT_TRUE(object.SetTextStyle(false, true));
+    EXPECT_EQ(object.mImpl->style, 0x12u);
+}
+
+// Which families the process's font manager loads for a text, by the scripts in it.
+TEST(TextObject, TextLoadsTheFamiliesOfItsScripts) {
+    const struct {
+        const wchar_t* text;
+        std::string loaded;  // locales, in the order of kLocales
+    } cases[] = {
+        {L"Latin 123, e\u0301!", ""},
+        {L"\u0416", "und-Cyrl "},
+        {L"a \u3042", "ja "},
+        {L"\u30AB", "ja "},
+        {L"\uD55C", "ko "},
+        {L"\u6F22", "zh-Hans "},
+        {L"\u0E01\u0416", "und-Cyrl und-Thai "},
+    };
+    static const char* const kLocales[] = {"ja", "ko", "und-Cyrl", "und-Thai", "zh-Hans", "zh-Hant"};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.loaded);
+        FontManager& manager = *FontManager::GetInstance();
+        std::vector<ZvFontFamily*> families;
+        for (const char* locale : kLocales) families.push_back(makeFamily(locale, {kSans}));
+        manager.ClearFontFamilies();
+        ASSERT_TRUE(manager.SetSystemFontFamilies(makeFamilies(families)));
+
+        ZvTextObject object;
+        object.Construct();
+        EXPECT_TRUE(object.SetText(c.text));
+        std::string loaded;
+        for (size_t i = 0; i < families.size(); ++i) {
+            if (families[i]->loaded != 0) loaded += std::string(kLocales[i]) + " ";
+        }
+        EXPECT_EQ(loaded, c.loaded);
+        manager.ClearFontFamilies();
+    }
+}
+
+TEST(TextObject, SizesThatCannotBeGiveNoPicture) {
+    TextScene scene(kSans, L"ab", 20, 60, 30);
+    scene.setLines({TextScene::makeLine(0, 20, 0, 2)});
+    ASSERT_GT(scene.render().countVisible(), 0);
+    const int sizes[][2] = {{0, 0},          {0, 30}, {60, 0}, {-1, -1}, {-60, 30}, {2147483647, 2147483647},
+                            {-2147483647, 1}};
+    for (const auto& size : sizes) {
+        EXPECT_EQ(scene.object.RenderTextEffect(size[0], size[1]), nullptr) << size[0] << "x" << size[1];
+    }
+    EXPECT_GT(scene.render().countVisible(), 0);
+}
+
+TEST(TextObject, WithoutAFontDrawerTheLastPictureStays) {
+    TextScene scene(kSans, L"ab", 20, 60, 30);
+    scene.setLines({TextScene::makeLine(0, 20, 0, 2)});
+    scene.render();
+    uint32_t* const last = reinterpret_cast<uint32_t*>(scene.object.mImpl->result->pixels);
+    const std::vector<uint32_t> before(last, last + 60 * 30);
+    delete scene.object.mImpl->fontDrawing;
+    scene.object.mImpl->fontDrawing = nullptr;
+    Error::SetError(0);
+    EXPECT_EQ(scene.object.RenderTextEffect(10, 10), last);
+    EXPECT_EQ(Error::GetError(), 8u);
+    EXPECT_EQ(std::vector<uint32_t>(last, last + 60 * 30), before);
+    EXPECT_TRUE(scene.object.SetFont(kSans));  // makes a new one
+    EXPECT_GT(scene.render().countVisible(), 0);
+}

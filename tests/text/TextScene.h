@@ -1,0 +1,148 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef ZVEX_TESTS_TEXT_TEXTSCENE_H_
+#define ZVEX_TESTS_TEXT_TEXTSCENE_H_
+
+#include <minikin/LocaleList.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <vector>
+
+#include "effect/ZvEffect.h"
+#include "foundation/List.h"
+#include "foundation/ZvString.h"
+#include "platform/host/LogCapture.h"
+#include "tests/host/Fonts.h"
+#include "text/FontManager.h"
+#include "text/ZvLineInfo.h"
+#include "text/ZvTextObject.h"
+#include "text/ZvView.h"
+
+namespace text_test {
+
+constexpr const char* kSans = fonts::path(fonts::Role::kLatin);
+constexpr const char* kBold = fonts::path(fonts::Role::kLatinBold);
+constexpr const char* kCjk = fonts::path(fonts::Role::kCollection);
+constexpr const char* kEmoji = fonts::path(fonts::Role::kEmoji);
+
+inline std::string readFile(const char* path) {
+    std::ifstream file(path, std::ios::binary);
+    return std::string(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
+}
+
+// The bytes as a caller hands them to the font manager.
+inline char* newBuffer(const std::string& bytes) {
+    char* buffer = new char[bytes.size()];
+    std::copy(bytes.begin(), bytes.end(), buffer);
+    return buffer;
+}
+
+// The captured lines of error priority as "tag: text".
+inline std::vector<std::string> errorLines(const host::LogCapture& capture) {
+    std::vector<std::string> lines;
+    for (const host::LogLine& line : capture.lines()) {
+        if (line.priority == 6) lines.push_back(line.tag + ": " + line.text);
+    }
+    return lines;
+}
+
+// A system family of the fonts at index 0 of the files, not loaded; "" for no locale.
+inline Zvex::ZvFontFamily* makeFamily(const char* locale, const std::vector<const char*>& paths) {
+    auto* family = new Zvex::ZvFontFamily;
+    if (*locale != '\0') family->localeListId = minikin::registerLocaleList(locale);
+    family->fonts = new Zvex::List;
+    family->fonts->Construct();
+    for (const char* path : paths) {
+        auto* entry = new Zvex::ZvFontEntry;
+        entry->path = new Zvex::ZvString;
+        entry->path->Construct(path);
+        family->fonts->Add(entry);
+    }
+    return family;
+}
+
+inline Zvex::List* makeFamilies(const std::vector<Zvex::ZvFontFamily*>& families) {
+    auto* list = new Zvex::List;
+    list->Construct();
+    for (Zvex::ZvFontFamily* family : families) list->Add(family);
+    return list;
+}
+
+struct Picture {
+    int width = 0;
+    int height = 0;
+    std::vector<uint32_t> pixels;  // straight 0xAARRGGBB
+
+    uint32_t at(int x, int y) const { return pixels.at(static_cast<size_t>(y) * width + x); }
+    bool operator==(const Picture& other) const {
+        return width == other.width && height == other.height && pixels == other.pixels;
+    }
+    int count(uint32_t color) const {
+        return static_cast<int>(std::count(pixels.begin(), pixels.end(), color));
+    }
+    int countVisible() const { return static_cast<int>(pixels.size()) - count(0); }
+};
+
+// A text object and the calls a caller makes to get a picture of it.
+struct TextScene {
+    Zvex::ZvTextObject object;
+
+    // A view of the size with gravity left and top, and no lines yet.
+    TextScene(const char* font, const wchar_t* text, float size, int width, int height) {
+        object.Construct();
+        if (font != nullptr) object.SetFont(font);
+        object.SetText(text);
+        android::Paint paint;
+        paint.setTextSize(size);
+        paint.setAntiAlias(true);
+        object.SetPaint(paint);
+        view().SetSize(width, height);
+        view().gravity = 0x33;
+    }
+
+    Zvex::ZvView& view() { return *object.GetView(); }
+    Zvex::ZvEffect& effect() { return *object.GetEffect(); }
+    Zvex::ZvLineInfo& line(int index) {
+        return *static_cast<Zvex::ZvLineInfo*>(object.GetLineInfo()->Get(index));
+    }
+
+    // Replaces the lines.
+    void setLines(const std::vector<Zvex::ZvLineInfo>& lines) {
+        Zvex::List list;
+        list.Construct();
+        for (const Zvex::ZvLineInfo& info : lines) list.Add(new Zvex::ZvLineInfo(info));
+        object.SetLineInfo(&list);
+    }
+
+    static Zvex::ZvLineInfo makeLine(int x, int y, int start, int end, int direction = 1) {
+        Zvex::ZvLineInfo info;
+        info.x = x;
+        info.y = y;
+        info.start = start;
+        info.end = end;
+        info.direction = direction;
+        info.rect = Zvex::ZvRect(x, y - 20, x + 100, y + 5);
+        return info;
+    }
+
+    Picture render() {
+        Picture picture;
+        picture.width = view().width + effect().getLeftOffset() + effect().getRightOffset();
+        picture.height = view().height + effect().getTopOffset() + effect().getBottomOffset();
+        view().SetBitmapWidth(picture.width);
+        view().SetBitmapHeight(picture.height);
+        const uint32_t* pixels = object.RenderTextEffect(picture.width, picture.height);
+        if (pixels != nullptr) {
+            picture.pixels.assign(pixels, pixels + static_cast<size_t>(picture.width) * picture.height);
+        }
+        return picture;
+    }
+};
+
+}  // namespace text_test
+
+#endif  // ZVEX_TESTS_TEXT_TEXTSCENE_H_
