@@ -6,14 +6,17 @@
 
 #include <cstdint>
 
+// What a text object hands out, so that this header is all a caller needs.
+#include "effect/ZvEffect.h"
+#include "foundation/List.h"
+#include "foundation/ZvString.h"
+#include "text/ZvFontDrawing.h"
+#include "text/ZvLineInfo.h"
+#include "text/ZvView.h"
+
 namespace Zvex {
 
-class List;
-class ZvEffect;
-class ZvFontDrawing;
-class ZvString;
 class ZvTextObjectImpl;
-class ZvView;
 
 // One text with everything needed to render it: string, font, paint, view, lines, colours and effect stack.
 // Every operation but Construct fails with error 8 until Construct has succeeded: false, null, -1 or the

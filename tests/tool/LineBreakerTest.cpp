@@ -1,0 +1,85 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "tools/zvtext/LineBreaker.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace zvtext {
+namespace {
+
+const uint16_t* units(const std::u16string& text) {
+    return reinterpret_cast<const uint16_t*>(text.data());
+}
+
+// Every unit ten pixels wide: the arithmetic of a line is countable by eye.
+float tenEach(int start, int end) {
+    return 10.0f * static_cast<float>(end - start);
+}
+
+std::vector<std::u16string> lines(const std::u16string& text, float width) {
+    std::vector<std::u16string> parts;
+    int position = 0;
+    for (const LineRange& line : breakLines(units(text), static_cast<int>(text.size()), width, tenEach)) {
+        EXPECT_EQ(line.start, position) << "lines leave no unit out";
+        EXPECT_LE(line.visibleEnd, line.end);
+        parts.push_back(
+            text.substr(static_cast<size_t>(line.start), static_cast<size_t>(line.visibleEnd - line.start)));
+        position = line.end;
+    }
+    EXPECT_EQ(position, static_cast<int>(text.size()));
+    return parts;
+}
+
+using Lines = std::vector<std::u16string>;
+
+TEST(LineBreaker, WrapsAtWordsAndDropsTheBlanksThere) {
+    EXPECT_EQ(lines(u"one two three", 70), (Lines{u"one two", u"three"}));
+    EXPECT_EQ(lines(u"one two three", 69), (Lines{u"one", u"two", u"three"}));
+    EXPECT_EQ(lines(u"one   two", 30), (Lines{u"one", u"two"}));
+    EXPECT_EQ(lines(u"one two", 0), (Lines{u"one two"}));
+    EXPECT_EQ(lines(u"well-known", 60), (Lines{u"well-", u"known"}));
+    EXPECT_EQ(lines(u"10\u00A0km on", 60), (Lines{u"10\u00A0km", u"on"}));
+}
+
+TEST(LineBreaker, LineEndingsOfEveryKindEndALine) {
+    EXPECT_EQ(lines(u"a\nb\r\nc\rd\u2028e", 0), (Lines{u"a", u"b", u"c", u"d", u"e"}));
+    EXPECT_EQ(lines(u"a\n\nb\n", 100), (Lines{u"a", u"", u"b", u""}));
+    EXPECT_EQ(lines(u"   ", 10), (Lines{u""}));
+}
+
+TEST(LineBreaker, AWordWiderThanTheLineIsCutBetweenClusters) {
+    EXPECT_EQ(lines(u"abcdefgh ij", 30), (Lines{u"abc", u"def", u"gh", u"ij"}));
+    EXPECT_EQ(lines(u"a\u0301b\u0301c", 30), (Lines{u"a\u0301", u"b\u0301c"}));
+    EXPECT_EQ(lines(u"ab", 5), (Lines{u"a", u"b"}));
+    EXPECT_EQ(lines(u"\u65E5\u672C\u8A9E\u306E", 20), (Lines{u"\u65E5\u672C", u"\u8A9E\u306E"}));
+}
+
+// Where pieces shape narrower together than alone (ligatures, joining letters), the line takes what really
+// fits.
+TEST(LineBreaker, SettlesLinesByTheirWholeShape) {
+    const std::u16string text = u"aa bb cc dd";
+    const auto tight = [](int start, int end) {
+        const int length = end - start;
+        return length <= 3 ? 10.0f * static_cast<float>(length) : 20.0f + static_cast<float>(length);
+    };
+    const auto found = breakLines(units(text), static_cast<int>(text.size()), 31, tight);
+    ASSERT_EQ(found.size(), 1u);
+    EXPECT_EQ(found[0].visibleEnd, 11);
+}
+
+TEST(LineBreaker, AMillionCharactersInOneParagraphTakeLinearWork) {
+    std::u16string text;
+    while (text.size() < 1'000'000) text += u"lorem ipsum ";
+    int64_t measured = 0;
+    const auto count = [&](int start, int end) {
+        measured += end - start;
+        return tenEach(start, end);
+    };
+    const auto found = breakLines(units(text), static_cast<int>(text.size()), 800, count);
+    EXPECT_GT(found.size(), 10'000u);
+    EXPECT_LT(measured, 6'000'000);
+}
+
+}  // namespace
+}  // namespace zvtext

@@ -1,0 +1,310 @@
+// SPDX-License-Identifier: Apache-2.0
+// The real program with real files, as a user calls it.
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <png.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+const std::string kFont = "/usr/share/fonts/truetype/dejavu/DejaVuSans-Bold.ttf";
+const std::string kCjkFont = "/usr/share/fonts/opentype/noto/NotoSansCJK-Regular.ttc";
+const std::string kArabicFont = "/usr/share/fonts/truetype/noto/NotoSansArabic-Regular.ttf";
+
+struct Result {
+    int status = -1;  // exit status; -1 when the program was killed
+    std::string out, err;
+};
+
+std::string slurp(const fs::path& path) {
+    std::ifstream file(path, std::ios::binary);
+    std::stringstream content;
+    content << file.rdbuf();
+    return content.str();
+}
+
+struct Image {
+    unsigned width = 0, height = 0;
+    std::vector<uint8_t> rgba;
+
+    // Sum of the alpha over the columns [x0, x1).
+    uint64_t ink(unsigned x0, unsigned x1) const {
+        uint64_t sum = 0;
+        for (unsigned y = 0; y < height; ++y)
+            for (unsigned x = x0; x < std::min(x1, width); ++x) sum += rgba[(size_t{y} * width + x) * 4 + 3];
+        return sum;
+    }
+    uint64_t ink() const { return ink(0, width); }
+};
+
+Image readPng(const fs::path& path) {
+    png_image png = {};
+    png.version = PNG_IMAGE_VERSION;
+    Image image;
+    EXPECT_TRUE(png_image_begin_read_from_file(&png, path.c_str())) << path << ": " << png.message;
+    png.format = PNG_FORMAT_RGBA;
+    image.width = png.width;
+    image.height = png.height;
+    image.rgba.resize(PNG_IMAGE_SIZE(png));
+    EXPECT_TRUE(png_image_finish_read(&png, nullptr, image.rgba.data(), 0, nullptr)) << png.message;
+    return image;
+}
+
+class RenderCommand : public testing::Test {
+protected:
+    RenderCommand() {
+        std::string pattern = (fs::temp_directory_path() / "zvtext-test-XXXXXX").string();
+        mFolder = mkdtemp(pattern.data());
+    }
+    ~RenderCommand() override { fs::remove_all(mFolder); }
+
+    fs::path file(const std::string& name) const { return mFolder / name; }
+
+    fs::path write(const std::string& name, const std::string& content) const {
+        std::ofstream(file(name), std::ios::binary) << content;
+        return file(name);
+    }
+
+    Result run(const std::vector<std::string>& arguments, const std::string& input = "") const {
+        write("stdin", input);
+        const pid_t child = fork();
+        if (child == 0) {
+            dup2(open(file("stdin").c_str(), O_RDONLY), 0);
+            dup2(open(file("stdout").c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600), 1);
+            dup2(open(file("stderr").c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600), 2);
+            std::vector<char*> argv = {const_cast<char*>(ZVTEXT_BINARY)};
+            for (const std::string& argument : arguments) argv.push_back(const_cast<char*>(argument.c_str()));
+            argv.push_back(nullptr);
+            execv(ZVTEXT_BINARY, argv.data());
+            _exit(127);
+        }
+        int status = 0;
+        waitpid(child, &status, 0);
+        Result result;
+        if (WIFEXITED(status)) result.status = WEXITSTATUS(status);
+        result.out = slurp(file("stdout"));
+        std::stringstream errors(slurp(file("stderr")));
+        for (std::string line; std::getline(errors, line);) {
+            // Builds with every log line compiled in write the library's debug lines there too.
+            if (line.rfind("D/", 0) != 0) result.err += line + "\n";
+        }
+        return result;
+    }
+
+    // Renders `text` with more arguments and reads the picture back.
+    Image render(const std::string& text, std::vector<std::string> more = {},
+                 const std::string& input = "") const {
+        std::vector<std::string> arguments = {"render", "-o", file("out.png"), "--size", "48"};
+        if (!text.empty()) arguments.insert(arguments.begin() + 1, text);
+        if (std::find(more.begin(), more.end(), "--font") == more.end()) {
+            arguments.insert(arguments.end(), {"--font", kFont});
+        }
+        arguments.insert(arguments.end(), more.begin(), more.end());
+        const Result result = run(arguments, input);
+        EXPECT_EQ(result.status, 0) << result.err;
+        return result.status == 0 ? readPng(file("out.png")) : Image();
+    }
+
+    // The run fails with `status`, says `message` on one line, and leaves the output as it was.
+    void expectRefused(std::vector<std::string> arguments, int status, const std::string& message) const {
+        for (const bool present : {false, true}) {
+            fs::remove(file("out.png"));
+            if (present) write("out.png", "an older picture");
+            std::vector<std::string> all = {"render", "-o", file("out.png")};
+            all.insert(all.end(), arguments.begin(), arguments.end());
+            const Result result = run(all);
+            EXPECT_EQ(result.status, status) << result.err;
+            EXPECT_EQ(result.err.substr(0, 8 + message.size()), "zvtext: " + message);
+            EXPECT_EQ(std::count(result.err.begin(), result.err.end(), '\n'), 1) << result.err;
+            EXPECT_EQ(result.out, "");
+            EXPECT_EQ(fs::exists(file("out.png")), present);
+            if (present) {
+                EXPECT_EQ(slurp(file("out.png")), "an older picture");
+            }
+            for (const auto& entry : fs::directory_iterator(mFolder)) {
+                EXPECT_EQ(entry.path().filename().string().rfind("out.png.", 0), std::string::npos)
+                    << entry.path();
+            }
+        }
+    }
+
+    fs::path mFolder;
+};
+
+TEST_F(RenderCommand, DrawsTextInItsColourAndNamesTheFile) {
+    const Result result =
+        run({"render", "Grüße", "--font", kFont, "--color", "#ff8800", "-o", file("out.png")});
+    EXPECT_EQ(result.status, 0) << result.err;
+    EXPECT_EQ(result.err, "");
+    const Image image = readPng(file("out.png"));
+    EXPECT_EQ(result.out, file("out.png").string() + ": " + std::to_string(image.width) + " x " +
+                              std::to_string(image.height) + " pixels\n");
+    size_t opaque = 0;
+    for (size_t i = 0; i < image.rgba.size(); i += 4) {
+        if (image.rgba[i + 3] == 0) continue;
+        EXPECT_EQ(image.rgba[i], 0xFF);
+        // Straight colour whatever the coverage, as far as a byte of premultiplied colour could hold it.
+        EXPECT_NEAR(image.rgba[i + 1], 0x88, 1 + 256 / image.rgba[i + 3]);
+        EXPECT_EQ(image.rgba[i + 2], 0);
+        opaque += image.rgba[i + 3] == 255;
+    }
+    EXPECT_GT(opaque, 1000u);
+}
+
+TEST_F(RenderCommand, TwoProcessesWriteTheSameBytes) {
+    const std::vector<std::string> scene = {"--fallback", kCjkFont, "--stroke", "5:#20c0ff:center"};
+    render("Twice 世界", scene);
+    const std::string first = slurp(file("out.png"));
+    render("Twice 世界", scene);
+    EXPECT_EQ(first, slurp(file("out.png")));
+}
+
+TEST_F(RenderCommand, TextComesFromArgumentFileOrStandardInput) {
+    const Image argument = render("Two\nlines");
+    const Image file = render("", {"--text-file", write("text", "Two\r\nlines\n")});
+    const Image piped = render("-", {}, "Two\nlines\n");
+    EXPECT_EQ(argument.rgba, file.rgba);
+    EXPECT_EQ(argument.rgba, piped.rgba);
+}
+
+TEST_F(RenderCommand, StrokeWidensThePictureByItsMargin) {
+    const Image plain = render("Edge");
+    const Image outside = render("Edge", {"--stroke", "8:#202020"});
+    const Image center = render("Edge", {"--stroke", "8:#202020:center"});
+    const Image inside = render("Edge", {"--stroke", "8:#202020:inside"});
+    EXPECT_EQ(outside.width, plain.width + 16);
+    EXPECT_EQ(outside.height, plain.height + 16);
+    EXPECT_EQ(center.width, plain.width + 8);
+    EXPECT_EQ(inside.width, plain.width);
+    EXPECT_GT(outside.ink(), center.ink());
+    EXPECT_GT(center.ink(), plain.ink());
+    EXPECT_EQ(inside.ink(), plain.ink());
+}
+
+TEST_F(RenderCommand, AlignmentGravityAndLimitsPlaceTheLines) {
+    const std::string text = "one two three";
+    const Image left = render(text, {"--width", "500"}),
+                right = render(text, {"--width", "500", "--align", "right"});
+    EXPECT_EQ(left.width, 500u);
+    EXPECT_GT(left.ink(0, 50), 0u);
+    EXPECT_EQ(right.ink(0, 20), 0u);
+    EXPECT_GT(right.ink(450, 500), 0u);
+    EXPECT_EQ(left.ink(), right.ink());
+
+    const Image wrapped = render(text, {"--width", "200"});
+    EXPECT_GT(wrapped.height, left.height) << "the words wrap";
+    const Image limited = render(text, {"--width", "200", "--max-lines", "1"});
+    EXPECT_EQ(limited.height, left.height);
+    EXPECT_LT(limited.ink(), wrapped.ink());
+
+    const Image bottom = render(text, {"--width", "500", "--height", "300", "--gravity", "bottom"});
+    EXPECT_EQ(bottom.height, 300u);
+    const size_t upperHalf = size_t{500} * 150 * 4;
+    EXPECT_TRUE(std::all_of(bottom.rgba.begin(), bottom.rgba.begin() + upperHalf,
+                            [](uint8_t byte) { return byte == 0; }));
+    EXPECT_EQ(bottom.ink(), left.ink());
+}
+
+TEST_F(RenderCommand, SpacingFeaturesOpacityAndBackgroundReachThePicture) {
+    const Image plain = render("office");
+    EXPECT_GT(render("office", {"--letter-spacing", "0.5"}).width, plain.width + 100);
+    EXPECT_NE(render("AVAVA", {"--features", "-kern"}).width, render("AVAVA").width);
+    const Image half = render("office", {"--opacity", "50%"});
+    EXPECT_NEAR(static_cast<double>(half.ink()), static_cast<double>(plain.ink()) / 2,
+                static_cast<double>(plain.ink()) / 100);
+    const Image boxed = render("office", {"--background", "#0000ff"});
+    EXPECT_EQ(boxed.rgba[(size_t{boxed.width} * boxed.height / 2) * 4 + 3], 255);
+    EXPECT_GT(boxed.ink(), plain.ink());
+    EXPECT_EQ(render("office", {"--padding", "10,20,30,40"}).width, plain.width + 40);
+}
+
+TEST_F(RenderCommand, FallbackFontsServeWhatTheFirstFontLacks) {
+    const Image missing = render("世界");
+    const Image found = render("世界", {"--fallback", kCjkFont});
+    EXPECT_NE(missing.rgba, found.rgba);
+    const Image arabic = render("سلام", {"--font", kArabicFont});
+    EXPECT_GT(arabic.ink(), 0u);
+}
+
+TEST_F(RenderCommand, WritesToStandardOutputAndThroughALink) {
+    const Result piped = run({"render", "Pipe", "--font", kFont, "-o", "-"});
+    EXPECT_EQ(piped.status, 0) << piped.err;
+    write("piped.png", piped.out);
+    EXPECT_GT(readPng(file("piped.png")).ink(), 0u);
+
+    write("target.png", "old");
+    fs::create_symlink(file("target.png"), file("out.png"));
+    render("Link");
+    EXPECT_TRUE(fs::is_symlink(file("out.png")));
+    EXPECT_GT(readPng(file("target.png")).ink(), 0u);
+}
+
+TEST_F(RenderCommand, BadFontsAreNamedAndLeaveTheOutputAlone) {
+    const std::string whole = slurp(kFont);
+    expectRefused({"x"}, 2, "--font");
+    expectRefused({"x", "--font", file("none.ttf")}, 1, "--font: cannot read '");
+    expectRefused({"x", "--font", mFolder}, 1, "--font: '" + mFolder.string() + "' is a folder");
+    expectRefused({"x", "--font", write("empty.ttf", "")}, 1,
+                  "--font: '" + file("empty.ttf").string() + "' is empty");
+    expectRefused({"x", "--font", write("garbage.ttf", std::string(5000, 'z'))}, 1, "--font: '");
+    expectRefused({"x", "--font", write("cut.ttf", whole.substr(0, 200))}, 1, "--font: '");
+    expectRefused({"x", "--font", ""}, 1, "--font: the path is empty");
+    expectRefused({"x", "--font", kFont, "--fallback", file("none.ttf")}, 1, "--fallback: cannot read '");
+}
+
+TEST_F(RenderCommand, BadValuesAreNamedAndLeaveTheOutputAlone) {
+    const auto refuse = [&](std::vector<std::string> more, const std::string& message) {
+        more.insert(more.begin(), {"x", "--font", kFont});
+        expectRefused(more, 2, message);
+    };
+    for (const char* size : {"0", "-1", "nan", "1e9", "inf", "", "big"}) refuse({"--size", size}, "--size: ");
+    for (const char* width : {"0", "2147483648", "-5", "32768"}) refuse({"--width", width}, "--width: ");
+    refuse({"--width", "32767", "--height", "32767"}, "--width: the picture would be");
+    refuse({"--height", "2147483648"}, "--height: ");
+    refuse({"--color", "orange"}, "--color: ");
+    refuse({"--align", "middle"}, "--align: 'middle' is not one of center, left, right");
+    refuse({"--width", "20", "--padding", "10"}, "--width: the padding");
+    refuse({"--stroke", "8:#000:under"}, "--stroke position: ");
+    refuse({"--sizes"}, "The following argument was not expected: --sizes");
+    expectRefused({"", "--font", kFont}, 2, "TEXT: the text is empty");
+    expectRefused({"a\xFF", "--font", kFont}, 2, "TEXT: the text is not UTF-8 (byte 1)");
+    expectRefused({"--font", kFont, "--text-file", write("nul", std::string("a\0b", 3))}, 1,
+                  "--text-file: the text holds a NUL");
+    expectRefused({"--font", kFont, "--text-file", file("none.txt")}, 1, "--text-file: cannot read");
+    expectRefused({std::string(20000, 'W'), "--font", kFont}, 2, "--size: a line of the text is wider");
+}
+
+TEST_F(RenderCommand, AnOutputThatCannotBeWrittenFails) {
+    for (const fs::path& path : {file("no/such/folder.png"), mFolder, fs::path("/dev/full")}) {
+        const Result result = run({"render", "x", "--font", kFont, "-o", path});
+        EXPECT_EQ(result.status, 1);
+        EXPECT_EQ(result.err.rfind("zvtext: --output: ", 0), 0u) << result.err;
+        EXPECT_EQ(std::count(result.err.begin(), result.err.end(), '\n'), 1) << result.err;
+    }
+    EXPECT_TRUE(fs::is_character_file("/dev/full"));
+}
+
+TEST_F(RenderCommand, HelpHelps) {
+    for (const std::vector<std::string>& arguments :
+         {std::vector<std::string>{"--help"}, {"render", "--help"}}) {
+        const Result result = run(arguments);
+        EXPECT_EQ(result.status, 0);
+        EXPECT_NE(result.out.find("render"), std::string::npos);
+    }
+    EXPECT_NE(run({"render", "--help"}).out.find("--letter-spacing"), std::string::npos);
+    EXPECT_EQ(run({}).status, 2);
+}
+
+}  // namespace

@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef ZVEX_TOOLS_ZVTEXT_LINEBREAKER_H_
+#define ZVEX_TOOLS_ZVTEXT_LINEBREAKER_H_
+
+#include <cstdint>
+#include <functional>
+#include <vector>
+
+namespace zvtext {
+
+// A line's part of the text in UTF-16 offsets. Blanks and the line ending that follow the last visible
+// character lie between visibleEnd and end.
+struct LineRange {
+    int start = 0, visibleEnd = 0, end = 0;
+};
+
+// The advance in pixels of text[start, end), laid out as one line.
+using MeasureText = std::function<float(int start, int end)>;
+
+// Cuts the text at its line endings and, where a line would be wider than `width` pixels, at the last place
+// the Unicode line breaking rules (UAX #14, through ICU) allow; a word wider than the whole line is cut
+// between grapheme clusters. A line holds at least one cluster, however narrow the width. width <= 0 wraps
+// nothing. An empty line is kept: a text with n line endings has at least n + 1 lines.
+std::vector<LineRange> breakLines(const uint16_t* text, int length, float width, const MeasureText& measure);
+
+}  // namespace zvtext
+
+#endif  // ZVEX_TOOLS_ZVTEXT_LINEBREAKER_H_

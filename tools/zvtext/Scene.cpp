@@ -1,0 +1,261 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "tools/zvtext/Scene.h"
+
+#include <hwui/MinikinUtils.h>
+#include <hwui/Paint.h>
+#include <hwui/Typeface.h>
+#include <minikin/Layout.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <cstring>
+#include <memory>
+
+#include "effect/ZvEffect.h"
+#include "foundation/List.h"
+#include "foundation/ZvString.h"
+#include "text/FontManager.h"
+#include "text/LinePlacement.h"
+#include "text/ZvFontDrawing.h"
+#include "text/ZvTextObject.h"
+#include "text/ZvView.h"
+#include "tools/zvtext/Failure.h"
+#include "tools/zvtext/FontFile.h"
+#include "tools/zvtext/LineBreaker.h"
+
+namespace zvtext {
+
+namespace {
+
+using Zvex::FontManager;
+using Zvex::List;
+using Zvex::ZvEffect;
+using Zvex::ZvLineInfo;
+using Zvex::ZvString;
+using Zvex::ZvTextObject;
+using Zvex::ZvView;
+
+constexpr int kAntiAlias = 1;                // SkPaint's flag bits
+constexpr float kMaxLineAdvance = 65535;     // a line's image stores its width in 16 bits
+constexpr int kMaxTextHeight = 100'000'000;  // of all lines, shown or not; keeps sums far from the end of int
+
+int gravityBits(const Scene& scene) {
+    static constexpr int kHorizontal[] = {0x3, 0x1, 0x5};   // left, center, right
+    static constexpr int kVertical[] = {0x30, 0x10, 0x50};  // top, center, bottom
+    return kHorizontal[static_cast<int>(scene.align)] | kVertical[static_cast<int>(scene.gravity)];
+}
+
+uint32_t withOpacity(uint32_t color, float opacity) {
+    const auto alpha = static_cast<uint32_t>(static_cast<float>(color >> 24) * opacity + 0.5f);
+    return alpha << 24 | (color & 0xFFFFFF);
+}
+
+// The text's own UTF-16 form keeps characters beyond the second plane only in part; say so instead of drawing
+// another character silently.
+void warnAboutFarCharacters(const std::string& text) {
+    for (size_t i = 0; i + 1 < text.size(); ++i) {
+        const auto lead = static_cast<unsigned char>(text[i]), next = static_cast<unsigned char>(text[i + 1]);
+        if (lead > 0xF0 || (lead == 0xF0 && next >= 0xA0)) {
+            std::fprintf(stderr,
+                         "zvtext: warning: characters above U+1FFFF are not supported and come out wrong\n");
+            return;
+        }
+    }
+}
+
+// The fallback fonts as system families: one family of one font each, already loaded, asked in the order
+// given.
+void setFallbacks(const std::vector<std::string>& paths) {
+    FontManager* manager = FontManager::GetInstance();
+    if (manager->IsSystemFontFamiliesAlreadySet()) return;
+    auto* families = new List;
+    families->Construct();
+    std::string unloaded;
+    for (const std::string& path : paths) {
+        auto* entry = new Zvex::ZvFontEntry;
+        entry->path = new ZvString;
+        entry->path->Construct(path.c_str());
+        entry->weight = 400;
+        auto* family = new Zvex::ZvFontFamily;
+        family->fonts = new List;
+        family->fonts->Construct();
+        family->fonts->Add(entry);
+        family->loaded = manager->BuildMinikinFamily(family) ? 1 : 0;
+        families->Add(family);
+        if (family->loaded == 0 && unloaded.empty()) unloaded = path;
+    }
+    manager->SetSystemFontFamilies(families);
+    if (!unloaded.empty()) throw Failure("--fallback: '" + unloaded + "' could not be loaded");
+}
+
+// Lays lines out the way the text object will draw them: same paint, same families, same UTF-16 text.
+class LineShaper {
+public:
+    LineShaper(ZvTextObject& object, const android::Paint& paint) : mPaint(paint) {
+        std::vector<std::shared_ptr<minikin::FontFamily>> families;
+        int weight = 400;
+        FontManager::GetInstance()->GetMinikinFontFamilies(families, object.GetFont()->GetFontPath(), weight);
+        mTypeface.reset(android::Typeface::createFromFamilies(std::move(families), weight, 0));
+        int count = 0;
+        mText.reset(object.GetText()->GetUTF16(count));
+        mLength = mText ? count : 0;
+    }
+
+    const uint16_t* text() const { return reinterpret_cast<const uint16_t*>(mText.get()); }
+    int length() const { return mLength; }
+
+    // Around the line only as much of the text as shaping looks at: the whole of it would make a long
+    // paragraph's many lines cost its length each. Widths and heights do not depend on the rest.
+    minikin::Layout layOut(int start, int end) const {
+        constexpr int kContext = 64;
+        const int begin = std::max(start - kContext, 0);
+        const int limit = std::min(end + kContext, mLength);
+        return android::MinikinUtils::doLayout(&mPaint, minikin::Bidi::DEFAULT_LTR, mTypeface.get(),
+                                               text() + begin, static_cast<size_t>(start - begin),
+                                               static_cast<size_t>(end - start),
+                                               static_cast<size_t>(limit - begin), nullptr);
+    }
+
+private:
+    const android::Paint& mPaint;
+    std::unique_ptr<android::Typeface> mTypeface;
+    std::unique_ptr<uint16_t[]> mText;
+    int mLength = 0;
+};
+
+// The laid-out lines one below the other from y = 0. A line is as high as the font's metrics say, or as its
+// ink where a fallback font's glyphs reach further, so that no line cuts another's marks off.
+std::vector<Zvex::LaidOutLine> layOutLines(const Scene& scene, const LineShaper& shaper,
+                                           const LineMetrics& metrics, float wrapWidth) {
+    const auto measure = [&](int start, int end) {
+        return start < end ? shaper.layOut(start, end).getAdvance() : 0.0f;
+    };
+    std::vector<Zvex::LaidOutLine> lines;
+    int top = 0;
+    for (const LineRange& range : breakLines(shaper.text(), shaper.length(), wrapWidth, measure)) {
+        minikin::MinikinRect ink;
+        float advance = 0;
+        if (range.start < range.visibleEnd) {
+            const minikin::Layout layout = shaper.layOut(range.start, range.visibleEnd);
+            layout.getBounds(&ink);
+            advance = layout.getAdvance();
+        }
+        if (!(advance <= kMaxLineAdvance)) {
+            throw UsageError(
+                "--size: a line of the text is wider than 65535 pixels; lower --size or set --width");
+        }
+        Zvex::LaidOutLine line;
+        const int ascent = static_cast<int>(std::ceil(std::max(metrics.ascent * scene.size, -ink.mTop)));
+        const int descent = static_cast<int>(std::ceil(std::max(metrics.descent * scene.size, ink.mBottom)));
+        line.top = top;
+        line.baseline = top + ascent;
+        line.bottom = line.baseline + descent;
+        line.ascent = -ascent;
+        line.descent = descent;
+        line.width = advance;
+        line.start = range.start;
+        line.visibleEnd = range.visibleEnd;
+        lines.push_back(line);
+        if (line.bottom > kMaxTextHeight) {
+            throw UsageError("--size: the lines of the text are higher than " +
+                             std::to_string(kMaxTextHeight) + " pixels in all");
+        }
+        top = line.bottom;
+    }
+    return lines;
+}
+
+void alignLines(std::vector<Zvex::LaidOutLine>& lines, Scene::Align align, int innerWidth) {
+    for (Zvex::LaidOutLine& line : lines) {
+        const float room = static_cast<float>(innerWidth) - line.width;
+        if (align == Scene::Align::Center) line.left = std::floor(room / 2);
+        if (align == Scene::Align::Right) line.left = room;
+    }
+}
+
+void setLines(ZvTextObject& object, const std::vector<ZvLineInfo>& placed) {
+    List records;
+    records.Construct();
+    for (const ZvLineInfo& info : placed) records.Add(new ZvLineInfo(info));
+    object.SetLineInfo(&records);  // the text object owns the records now
+}
+
+}  // namespace
+
+Picture renderScene(const Scene& scene) {
+    LineMetrics metrics = checkFont("--font", scene.font);
+    for (const std::string& path : scene.fallbacks) checkFont("--fallback", path);
+    warnAboutFarCharacters(scene.text);
+    setFallbacks(scene.fallbacks);
+
+    ZvTextObject object;
+    ZvString text;
+    if (!object.Construct() || text.Construct(scene.text.c_str()) == 0 || !object.SetText(&text)) {
+        throw Failure("TEXT: the text could not be taken over");
+    }
+    if (!object.SetFont(scene.font.c_str()))
+        throw Failure("--font: '" + scene.font + "' could not be loaded");
+
+    android::Paint paint;
+    paint.setFlags(kAntiAlias);
+    paint.setTextSize(scene.size);
+    paint.setLetterSpacing(scene.letterSpacing);
+    paint.setFontFeatureSettings(scene.features);
+    object.SetPaint(paint);
+    object.SetTextColor(withOpacity(scene.color, scene.opacity));
+    object.SetBackgroundColor(withOpacity(scene.background.value_or(0), scene.opacity),
+                              scene.background.has_value());
+    if (scene.stroke) {
+        const float opacity = static_cast<float>(scene.stroke->color >> 24) / 255.0f;
+        object.GetEffect()->addStrokeText(scene.stroke->width, scene.stroke->color, opacity, 0,
+                                          scene.stroke->position);
+    }
+
+    const Padding& pad = scene.padding;
+    const int wrapWidth = scene.width > 0 ? scene.width - pad.left - pad.right : 0;
+    if (scene.width > 0 && wrapWidth < 1) throw UsageError("--width: the padding leaves no room for text");
+    const LineShaper shaper(object, paint);
+    std::vector<Zvex::LaidOutLine> lines = layOutLines(scene, shaper, metrics, static_cast<float>(wrapWidth));
+    const size_t shown = scene.maxLines > 0
+                             ? std::min<size_t>(lines.size(), static_cast<size_t>(scene.maxLines))
+                             : lines.size();
+    // Under a line limit, bottom gravity shows the last lines and any other the first.
+    const size_t first = scene.gravity == Scene::Gravity::Bottom ? lines.size() - shown : 0;
+    const int linesHeight = lines[first + shown - 1].bottom - lines[first].top;
+    float widest = 1;
+    for (const Zvex::LaidOutLine& line : lines) widest = std::max(widest, line.width);
+    const int innerWidth = wrapWidth > 0 ? wrapWidth : static_cast<int>(std::ceil(widest));
+    alignLines(lines, scene.align, innerWidth);
+
+    ZvView& view = *object.GetView();
+    const int64_t viewWidth = int64_t{innerWidth} + pad.left + pad.right;
+    const int64_t viewHeight =
+        scene.height > 0 ? scene.height : int64_t{std::max(linesHeight, 1)} + pad.top + pad.bottom;
+    ZvEffect& effect = *object.GetEffect();
+    const int64_t width = viewWidth + effect.getLeftOffset() + effect.getRightOffset();
+    const int64_t height = viewHeight + effect.getTopOffset() + effect.getBottomOffset();
+    if (width > kMaxSide || height > kMaxSide || width * height > kMaxPixels) {
+        throw UsageError(std::string(scene.width > 0 ? "--width" : "--size") + ": the picture would be " +
+                         std::to_string(width) + " x " + std::to_string(height) + " pixels; at most " +
+                         std::to_string(kMaxSide) + " a side and " + std::to_string(kMaxPixels) + " in all");
+    }
+    view.gravity = gravityBits(scene);
+    view.maxLines = static_cast<int>(shown);
+    view.SetSize(static_cast<int>(viewWidth), static_cast<int>(viewHeight));
+    view.SetPadding(pad.left, pad.top, pad.right, pad.bottom);
+    view.SetBitmapWidth(static_cast<int>(width));
+    view.SetBitmapHeight(static_cast<int>(height));
+    setLines(object, Zvex::placeLines(view, lines.data(), static_cast<int>(lines.size())));
+
+    const unsigned int* pixels = object.RenderTextEffect(static_cast<int>(width), static_cast<int>(height));
+    if (pixels == nullptr) throw Failure("TEXT: not enough memory for the picture");
+    Picture picture;
+    picture.width = static_cast<int>(width);
+    picture.height = static_cast<int>(height);
+    picture.pixels.resize(static_cast<size_t>(width * height));
+    std::memcpy(picture.pixels.data(), pixels, picture.pixels.size() * 4);
+    return picture;
+}
+
+}  // namespace zvtext

@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef ZVEX_TOOLS_ZVTEXT_SCENE_H_
+#define ZVEX_TOOLS_ZVTEXT_SCENE_H_
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "tools/zvtext/PngWriter.h"
+#include "tools/zvtext/Values.h"
+
+namespace zvtext {
+
+// One picture to make: everything the command line can say of it. Sizes are pixels, colours 0xAARRGGBB.
+struct Scene {
+    enum class Align { Left, Center, Right };
+    enum class Gravity { Top, Center, Bottom };
+
+    std::string text;                    // UTF-8, not empty
+    std::string font;                    // path of a font file
+    std::vector<std::string> fallbacks;  // paths of the fonts asked next, in this order
+    float size = 96;                     // pixels per em
+    uint32_t color = 0xFF000000;
+    std::optional<uint32_t> background;  // behind each line
+    int width = 0;                       // of the view, padding included; 0: as wide as the widest line
+    int height = 0;                      // of the view, padding included; 0: as high as the lines shown
+    Align align = Align::Left;
+    Gravity gravity = Gravity::Top;
+    int maxLines = 0;  // 0: all
+    Padding padding;
+    float letterSpacing = 0;  // in ems
+    std::string features;     // OpenType features, "smcp, -liga"
+    float opacity = 1;        // of the whole picture
+    std::optional<StrokeValue> stroke;
+};
+
+// The largest picture made, effect margins included: each side, and the pixels in all (about 1.5 GB of
+// working memory).
+constexpr int kMaxSide = 32767;
+constexpr int64_t kMaxPixels = 100'000'000;
+
+// Renders the scene through a text object of the library. The fallback fonts become the process's system
+// families, so the scenes of one process share those of the first. Throws UsageError or Failure.
+Picture renderScene(const Scene& scene);
+
+}  // namespace zvtext
+
+#endif  // ZVEX_TOOLS_ZVTEXT_SCENE_H_

@@ -1,0 +1,89 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "tools/zvtext/TextInput.h"
+
+#include <sys/stat.h>
+#include <unicode/utf8.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <memory>
+
+#include "tools/zvtext/Failure.h"
+
+namespace zvtext {
+
+namespace {
+
+// Why the text cannot be drawn, or empty.
+std::string fault(const std::string& text) {
+    if (text.empty()) return "the text is empty";
+    const size_t invalid = findInvalidUtf8(text);
+    if (invalid != std::string::npos) return "the text is not UTF-8 (byte " + std::to_string(invalid) + ")";
+    const size_t nul = text.find('\0');
+    if (nul != std::string::npos) return "the text holds a NUL character (byte " + std::to_string(nul) + ")";
+    return "";
+}
+
+}  // namespace
+
+size_t findInvalidUtf8(const std::string& text) {
+    const char* bytes = text.data();
+    const auto length = static_cast<int64_t>(text.size());
+    int64_t i = 0;
+    while (i < length) {
+        const int64_t begin = i;
+        UChar32 c;
+        U8_NEXT(bytes, i, length, c);
+        if (c < 0) return static_cast<size_t>(begin);
+    }
+    return std::string::npos;
+}
+
+std::string readFile(const std::string& option, const std::string& path, size_t maxBytes) {
+    const bool standardInput = path == "-";
+    const std::string name = standardInput ? "standard input" : "'" + path + "'";
+    struct stat status;
+    if (!standardInput && stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode)) {
+        throw Failure(option + ": " + name + " is a folder");
+    }
+    std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(
+        standardInput ? stdin : std::fopen(path.c_str(), "rb"), standardInput ? std::fflush : std::fclose);
+    if (!file) throw Failure(option + ": cannot read " + name + ": " + std::strerror(errno));
+    std::string content;
+    char block[65536];
+    for (;;) {
+        const size_t got = std::fread(block, 1, sizeof block, file.get());
+        content.append(block, got);
+        if (content.size() > maxBytes) {
+            throw Failure(option + ": " + name + " is larger than " + std::to_string(maxBytes) + " bytes");
+        }
+        if (got < sizeof block) break;
+    }
+    if (std::ferror(file.get()))
+        throw Failure(option + ": cannot read " + name + ": " + std::strerror(errno));
+    return content;
+}
+
+std::string readText(const std::string& argument, const std::string& file) {
+    if (file.empty() && argument != "-") {
+        const std::string why = fault(argument);
+        if (!why.empty()) throw UsageError("TEXT: " + why);
+        if (argument.size() > kMaxTextBytes) throw UsageError("TEXT: the text is longer than 4 MiB");
+        return argument;
+    }
+    const std::string option = file.empty() ? "TEXT" : "--text-file";
+    const std::string raw = readFile(option, file.empty() ? "-" : file, kMaxTextBytes);
+    std::string text;
+    text.reserve(raw.size());
+    for (size_t i = 0; i < raw.size(); ++i) {
+        if (raw[i] == '\r' && i + 1 < raw.size() && raw[i + 1] == '\n') continue;
+        text += raw[i];
+    }
+    if (!text.empty() && text.back() == '\n') text.pop_back();
+    const std::string why = fault(text);
+    if (!why.empty()) throw Failure(option + ": " + why);
+    return text;
+}
+
+}  // namespace zvtext

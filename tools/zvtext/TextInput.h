@@ -1,0 +1,26 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef ZVEX_TOOLS_ZVTEXT_TEXTINPUT_H_
+#define ZVEX_TOOLS_ZVTEXT_TEXTINPUT_H_
+
+#include <cstddef>
+#include <string>
+
+namespace zvtext {
+
+// Where the text comes from: `argument` unless it is empty and `file` is given. The argument "-" and the file
+// "-" mean standard input. From a file or standard input one line ending at the very end is dropped, and CR
+// LF becomes LF. Throws UsageError for text on the command line and Failure for a file, where the text is
+// empty, not UTF-8, or holds a NUL, and where the file cannot be read or is larger than kMaxTextBytes.
+constexpr size_t kMaxTextBytes = size_t{4} << 20;
+std::string readText(const std::string& argument, const std::string& file);
+
+// The whole of a file, or of standard input for "-". Throws Failure, its message starting with `option`.
+std::string readFile(const std::string& option, const std::string& path, size_t maxBytes);
+
+// Offset of the first byte that is no part of well-formed UTF-8 (Unicode 15, table 3-7); npos when all of it
+// is.
+size_t findInvalidUtf8(const std::string& text);
+
+}  // namespace zvtext
+
+#endif  // ZVEX_TOOLS_ZVTEXT_TEXTINPUT_H_
