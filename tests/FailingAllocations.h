@@ -24,11 +24,12 @@ public:
     int outstanding() const;  // blocks allocated in any way less blocks freed, since the start
 };
 
-// Runs `work` with no failure, to count its allocations, then once for each of them with that one failing.
-// `work(failed)` gets whether its allocation number will fail; it must free all that it takes. Whether
-// anything leaked is checked after each run; what else should hold is checked by work itself.
+// Runs `work` with no failure, twice, to count its allocations, then once for each of them with that one
+// failing. `work(failed)` gets whether its allocation number will fail; it must free all that it takes.
+// Whether anything leaked is checked after each run; what else should hold is checked by work itself.
 template <typename Work>
 void forEachFailingAllocation(Work work) {
+    work(false);  // what the process makes once, such as its log, is no leak of work's
     int allocations = 0;
     {
         FailingAllocations none;
