@@ -21,6 +21,7 @@ namespace fs = std::filesystem;
 
 const std::string kFont = "/usr/share/fonts/truetype/dejavu/DejaVuSans-Bold.ttf";
 const std::string kCjkFont = "/usr/share/fonts/opentype/noto/NotoSansCJK-Regular.ttc";
+const std::string kCjkBold = "/usr/share/fonts/opentype/noto/NotoSansCJK-Bold.ttc";
 const std::string kArabicFont = "/usr/share/fonts/truetype/noto/NotoSansArabic-Regular.ttf";
 
 struct Result {
@@ -234,6 +235,8 @@ TEST_F(RenderCommand, FallbackFontsServeWhatTheFirstFontLacks) {
     const Image missing = render("世界");
     const Image found = render("世界", {"--fallback", kCjkFont});
     EXPECT_NE(missing.rgba, found.rgba);
+    // A bold font behind a bold one is drawn as it is, not widened once more.
+    EXPECT_EQ(render("世界", {"--fallback", kCjkBold}).ink(), render("世界", {"--font", kCjkBold}).ink());
     const Image arabic = render("سلام", {"--font", kArabicFont});
     EXPECT_GT(arabic.ink(), 0u);
 }

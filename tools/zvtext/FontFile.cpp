@@ -3,6 +3,7 @@
 
 #include <hb.h>
 
+#include <algorithm>
 #include <memory>
 
 #include "platform/host/FontFace.h"
@@ -15,7 +16,7 @@ namespace {
 constexpr size_t kMaxFontBytes = size_t{1} << 30;
 }
 
-LineMetrics checkFont(const std::string& option, const std::string& path) {
+FontFacts checkFont(const std::string& option, const std::string& path) {
     if (path.empty()) throw Failure(option + ": the path is empty");
     // readFile takes "-" for standard input; a font is always a file.
     const std::string content = readFile(option, path == "-" ? "./-" : path, kMaxFontBytes);
@@ -28,10 +29,13 @@ LineMetrics checkFont(const std::string& option, const std::string& path) {
     hb_font_extents_t extents = {};
     hb_font_get_h_extents(font.get(), &extents);
     const auto em = static_cast<float>(face->unitsPerEm());
-    LineMetrics metrics;
-    metrics.ascent = static_cast<float>(extents.ascender) / em;
-    metrics.descent = static_cast<float>(extents.line_gap - extents.descender) / em;
-    return metrics;
+    FontFacts facts;
+    facts.ascent = static_cast<float>(extents.ascender) / em;
+    facts.descent = static_cast<float>(extents.line_gap - extents.descender) / em;
+    const float weight = hb_style_get_value(font.get(), HB_STYLE_TAG_WEIGHT);
+    facts.weight = static_cast<int>(std::clamp(weight, 1.0f, 1000.0f));
+    facts.italic = hb_style_get_value(font.get(), HB_STYLE_TAG_ITALIC) > 0;
+    return facts;
 }
 
 }  // namespace zvtext

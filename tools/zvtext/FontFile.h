@@ -6,16 +6,17 @@
 
 namespace zvtext {
 
-// The line metrics of a font in ems, both positive: how far its lines reach above and below the baseline, the
-// line gap counted below.
-struct LineMetrics {
-    float ascent = 0, descent = 0;
+// What a font says of itself.
+struct FontFacts {
+    float ascent = 0, descent = 0;  // ems, positive: how far its lines reach; the line gap counts below
+    int weight = 400;               // 100 to 900
+    bool italic = false;
 };
 
-// Checks that `path` is a font file the port can draw with, and reads its line metrics. Throws Failure with
+// Checks that `path` is a font file the port can draw with, and reads its facts. Throws Failure with
 // one line that starts with `option` and says what is wrong: missing, a folder, empty, unreadable, or no
 // font.
-LineMetrics checkFont(const std::string& option, const std::string& path);
+FontFacts checkFont(const std::string& option, const std::string& path);
 
 }  // namespace zvtext
 

@@ -66,17 +66,20 @@ void warnAboutFarCharacters(const std::string& text) {
 
 // The fallback fonts as system families: one family of one font each, already loaded, asked in the order
 // given.
-void setFallbacks(const std::vector<std::string>& paths) {
+// Their own weights keep a bold fallback behind a bold font from being widened once more.
+void setFallbacks(const std::vector<std::string>& paths, const std::vector<FontFacts>& facts) {
     FontManager* manager = FontManager::GetInstance();
     if (manager->IsSystemFontFamiliesAlreadySet()) return;
     auto* families = new List;
     families->Construct();
     std::string unloaded;
-    for (const std::string& path : paths) {
+    for (size_t i = 0; i < paths.size(); ++i) {
+        const std::string& path = paths[i];
         auto* entry = new Zvex::ZvFontEntry;
         entry->path = new ZvString;
         entry->path->Construct(path.c_str());
-        entry->weight = 400;
+        entry->weight = facts[i].weight;
+        entry->italic = facts[i].italic;
         auto* family = new Zvex::ZvFontFamily;
         family->fonts = new List;
         family->fonts->Construct();
@@ -127,7 +130,7 @@ private:
 // The laid-out lines one below the other from y = 0. A line is as high as the font's metrics say, or as its
 // ink where a fallback font's glyphs reach further, so that no line cuts another's marks off.
 std::vector<Zvex::LaidOutLine> layOutLines(const Scene& scene, const LineShaper& shaper,
-                                           const LineMetrics& metrics, float wrapWidth) {
+                                           const FontFacts& font, float wrapWidth) {
     const auto measure = [&](int start, int end) {
         return start < end ? shaper.layOut(start, end).getAdvance() : 0.0f;
     };
@@ -146,8 +149,8 @@ std::vector<Zvex::LaidOutLine> layOutLines(const Scene& scene, const LineShaper&
                 "--size: a line of the text is wider than 65535 pixels; lower --size or set --width");
         }
         Zvex::LaidOutLine line;
-        const int ascent = static_cast<int>(std::ceil(std::max(metrics.ascent * scene.size, -ink.mTop)));
-        const int descent = static_cast<int>(std::ceil(std::max(metrics.descent * scene.size, ink.mBottom)));
+        const int ascent = static_cast<int>(std::ceil(std::max(font.ascent * scene.size, -ink.mTop)));
+        const int descent = static_cast<int>(std::ceil(std::max(font.descent * scene.size, ink.mBottom)));
         line.top = top;
         line.baseline = top + ascent;
         line.bottom = line.baseline + descent;
@@ -184,10 +187,11 @@ void setLines(ZvTextObject& object, const std::vector<ZvLineInfo>& placed) {
 }  // namespace
 
 Picture renderScene(const Scene& scene) {
-    LineMetrics metrics = checkFont("--font", scene.font);
-    for (const std::string& path : scene.fallbacks) checkFont("--fallback", path);
+    const FontFacts font = checkFont("--font", scene.font);
+    std::vector<FontFacts> fallbackFacts;
+    for (const std::string& path : scene.fallbacks) fallbackFacts.push_back(checkFont("--fallback", path));
     warnAboutFarCharacters(scene.text);
-    setFallbacks(scene.fallbacks);
+    setFallbacks(scene.fallbacks, fallbackFacts);
 
     ZvTextObject object;
     ZvString text;
@@ -216,7 +220,7 @@ Picture renderScene(const Scene& scene) {
     const int wrapWidth = scene.width > 0 ? scene.width - pad.left - pad.right : 0;
     if (scene.width > 0 && wrapWidth < 1) throw UsageError("--width: the padding leaves no room for text");
     const LineShaper shaper(object, paint);
-    std::vector<Zvex::LaidOutLine> lines = layOutLines(scene, shaper, metrics, static_cast<float>(wrapWidth));
+    std::vector<Zvex::LaidOutLine> lines = layOutLines(scene, shaper, font, static_cast<float>(wrapWidth));
     const size_t shown = scene.maxLines > 0
                              ? std::min<size_t>(lines.size(), static_cast<size_t>(scene.maxLines))
                              : lines.size();
