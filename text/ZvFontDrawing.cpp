@@ -209,7 +209,7 @@ int ZvFontDrawing::DrawTextEffect(ZvTextObject* text, ZvBitmap* out) {
             delete[] glyph->pixels;
             continue;
         }
-        glyph.release();
+        static_cast<void>(glyph.release());  // the list owns it now
         _DoRender(penX, penY, glyphList, effect, line->direction);
 
         // Top and bottom move relative to what they were, so a second rendering of the same lines moves them

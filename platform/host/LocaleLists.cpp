@@ -72,7 +72,7 @@ bool parseLocale(const std::string& tag, Locale* out) {
         UErrorCode likelyStatus = U_ZERO_ERROR;
         uloc_addLikelySubtags(id, likely, sizeof likely, &likelyStatus);
         if (U_SUCCESS(likelyStatus) && likelyStatus != U_STRING_NOT_TERMINATED_WARNING)
-            std::strcpy(id, likely);
+            std::memcpy(id, likely, sizeof likely);
     }
     uloc_getLanguage(id, part, sizeof part, &status);
     out->language = *part ? part : "und";

@@ -24,7 +24,7 @@ struct LogSink {
         return *sink;
     }
 
-    void write(int priority, const char* tag, std::string text) {
+    void write(int priority, const char* tag, const std::string& text) {
         static const char kLetters[] = "??VDIWEFS";
         const char letter = priority >= 0 && priority <= 8 ? kLetters[priority] : '?';
         std::lock_guard<std::mutex> lock(mutex);
@@ -68,6 +68,6 @@ extern "C" int __android_log_print(int priority, const char* tag, const char* fo
         va_end(arguments);
     }
     const int written = static_cast<int>(text.size());
-    host::LogSink::get().write(priority, tag != nullptr ? tag : "", std::move(text));
+    host::LogSink::get().write(priority, tag != nullptr ? tag : "", text);
     return written;
 }

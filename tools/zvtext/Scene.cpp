@@ -47,7 +47,7 @@ int gravityBits(const Scene& scene) {
 }
 
 uint32_t withOpacity(uint32_t color, float opacity) {
-    const auto alpha = static_cast<uint32_t>(static_cast<float>(color >> 24) * opacity + 0.5f);
+    const auto alpha = static_cast<uint32_t>(std::lround(static_cast<float>(color >> 24) * opacity));
     return alpha << 24 | (color & 0xFFFFFF);
 }
 

@@ -172,6 +172,8 @@ int run(int argc, char** argv) {
 
 }  // namespace zvtext
 
-int main(int argc, char** argv) {
+int main(int argc, char** argv) try {
     return zvtext::run(argc, argv);
+} catch (...) {  // the help itself found no memory
+    return zvtext::kExitFailure;
 }
