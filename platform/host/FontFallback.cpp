@@ -17,8 +17,12 @@ constexpr size_t kAny = SIZE_MAX - 1;  // shows nothing, any family will do
 constexpr uint32_t kTextSelector = 0xFE0E;
 constexpr uint32_t kEmojiSelector = 0xFE0F;
 
+// Longer clusters are no letters; ordering their marks could take time with the square of their number.
+constexpr size_t kNormalizedLength = 64;
+
 // A cluster composed or decomposed; empty when that changes nothing.
 std::vector<uint32_t> normalized(const std::vector<uint32_t>& cluster, bool compose) {
+    if (cluster.size() > kNormalizedLength) return {};
     UErrorCode status = U_ZERO_ERROR;
     const UNormalizer2* form = compose ? unorm2_getNFCInstance(&status) : unorm2_getNFDInstance(&status);
     if (U_FAILURE(status)) return {};
@@ -27,7 +31,7 @@ std::vector<uint32_t> normalized(const std::vector<uint32_t>& cluster, bool comp
         if (c >= 0x10000) source.push_back(static_cast<UChar>(0xD7C0 + (c >> 10)));
         source.push_back(static_cast<UChar>(c >= 0x10000 ? 0xDC00 | (c & 0x3FF) : c));
     }
-    // A character decomposes into at most 4 units, or 3 for one of two.
+    // A character decomposes into at most four units for each of its own.
     std::vector<UChar> target(source.size() * 4 + 4);
     const int32_t length = unorm2_normalize(form, source.data(), static_cast<int32_t>(source.size()),
                                             target.data(), static_cast<int32_t>(target.size()), &status);

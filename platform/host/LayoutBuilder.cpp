@@ -16,9 +16,12 @@ namespace host {
 namespace {
 
 constexpr uint32_t kNoFace = UINT32_MAX;
-constexpr float kFixedOne = 256;            // 24.8 fixed point
-constexpr float kLigatureSpacing = 0.03f;   // ems; letters further apart than this do not join into one shape
-constexpr double kMaxSpacing = 1 << 20;     // pixels
+constexpr float kFixedOne = 256;           // 24.8 fixed point
+constexpr float kLigatureSpacing = 0.03f;  // ems; letters further apart than this do not join into one shape
+constexpr double kMaxSpacing = 1 << 20;    // pixels
+// HarfBuzz takes time with the square of a row of marks, and gives the process up over rows of more than
+// 32767.
+constexpr size_t kShapedUnits = 2048;
 constexpr unsigned kKeptGlyphs = 1u << 16;  // a buffer that grew beyond this is not kept
 
 hb_position_t toFixed(float pixels) {
@@ -84,6 +87,21 @@ Spacing spacingFor(const LayoutRequest& request, hb_script_t script) {
     if (!request.linearText) space = std::round(space);
     const double before = std::floor(space * 0.5);
     return Spacing{static_cast<float>(before), static_cast<float>(space - before)};
+}
+
+// Where to end a piece of [start, end) that can be shaped at once: after a space, as words shape alike on
+// either side of it, else between clusters, and within a cluster only if it is longer than a piece.
+size_t pieceEnd(const uint16_t* text, size_t start, size_t end) {
+    if (end - start <= kShapedUnits) return end;
+    const size_t limit = start + kShapedUnits;
+    for (size_t at = limit; at > start; at--) {
+        if (text[at - 1] == ' ' && clusterEnd(text, at - 1, limit + 1) == at) return at;
+    }
+    size_t piece = start;
+    for (size_t at = start; at <= limit; at = clusterEnd(text, at, limit + 1)) piece = at;
+    if (piece > start) return piece;
+    const bool withinPair = (text[limit - 1] & 0xFC00) == 0xD800 && (text[limit] & 0xFC00) == 0xDC00;
+    return withinPair ? limit - 1 : limit;
 }
 
 // A buffer for the thread, so that a line of text allocates none.
@@ -201,7 +219,8 @@ uint32_t LayoutBuilder::faceIndexOf(size_t family) {
     return index;
 }
 
-// Common and inherited characters join the script before them, at the start the one after them.
+// Common and inherited characters join the script before them, at the start the one after them. Long runs
+// come in pieces.
 std::vector<LayoutBuilder::ScriptRun> LayoutBuilder::scriptRuns(size_t start, size_t end) const {
     hb_unicode_funcs_t* unicode = hb_unicode_funcs_get_default();
     std::vector<ScriptRun> runs;
@@ -218,7 +237,13 @@ std::vector<LayoutBuilder::ScriptRun> LayoutBuilder::scriptRuns(size_t start, si
             runs.push_back({here, at, script});
         }
     }
-    return runs;
+    std::vector<ScriptRun> pieces;
+    for (const ScriptRun& run : runs) {
+        for (size_t at = run.start; at < run.end; at = pieces.back().end) {
+            pieces.push_back({at, pieceEnd(mText, at, run.end), run.script});
+        }
+    }
+    return pieces;
 }
 
 hb_language_t LayoutBuilder::languageFor(hb_script_t script) const {

@@ -38,6 +38,8 @@ TEST(Fallback, FirstFamilyThatCovers) {
     EXPECT_EQ("0", fontsFor(u"abc", {{dejavu()}, {roboto()}}));
     EXPECT_EQ("010", fontsFor(u"ab שלום cd", {{roboto()}, {dejavu()}, {hebrew()}}));
     EXPECT_EQ("020", fontsFor(u"ab שלום cd", {{roboto()}, {symbols()}, {dejavu()}}));
+    EXPECT_EQ("10", fontsFor(u"אבسل", {{hebrew()}, {arabic()}}))
+        << "right to left, the last font stands first";
 }
 
 TEST(Fallback, WhatNoFamilyCoversIsMissingInTheFirst) {
@@ -91,6 +93,12 @@ TEST(Fallback, MarksStayWithTheirBase) {
     EXPECT_EQ(nominalGlyphs(roboto(), U"é"), glyphsOf(layLine(u"e\u0301", typeface, paintOf(32))));
 }
 
+TEST(Fallback, DecomposesWhatNoFontHasWhole) {
+    EXPECT_EQ("1", fontsFor(u"\u226E", {{thai()}, {roboto()}}));
+    const Layout layout = layLine(u"\u226E", typefaceOf({familyOf(thai()), familyOf(roboto())}), paintOf(32));
+    EXPECT_EQ(nominalGlyphs(roboto(), U"<\u0338"), glyphsOf(layout));
+}
+
 TEST(Fallback, ScriptsWithClustersKeepOneFont) {
     const std::vector<Entry> entries = {{roboto()}, {devanagari(), "und-Deva"}, {thai()}, {dejavu()}};
     EXPECT_EQ("1", fontsFor(u"क्षत्रिय\u200Dर्\u200Cकि", entries));
@@ -102,6 +110,8 @@ TEST(Fallback, InvisibleCharactersJoinTheirNeighbour) {
     EXPECT_EQ("0", fontsFor(u"a\u00ADb\u200E\u2060c\uFEFF", entries));
     EXPECT_EQ("1", fontsFor(u"\uFEFF\u200Fא\u200Fב\u00AD", entries));
     EXPECT_EQ("0", fontsFor(u"\u200F\u00AD", entries));
+    const TypefacePtr typeface = typefaceOf({familyOf(roboto()), familyOf(hebrew())});
+    EXPECT_EQ(3u, layLine(u"\uFEFF\u200Fא", typeface, paintOf(32)).nGlyphs()) << "none is left out";
 }
 
 TEST(Fallback, EmojiSequencesAreOneGlyph) {
@@ -143,6 +153,10 @@ TEST(Fallback, SelectorsAskForAPresentation) {
     const std::vector<Entry> textFirst = {{dejavu()}, {emoji(), "und-Zsye"}};
     EXPECT_EQ("0", fontsFor(u"\u2764", textFirst));
     EXPECT_EQ("1", fontsFor(u"\u2764\uFE0F", textFirst));
+    // A family may be made for emoji without a table of selectors.
+    const std::vector<Entry> tableless = {{roboto()}, {symbols()}, {dejavu(), "und-Zsye"}};
+    EXPECT_EQ("1", fontsFor(u"\u263A\uFE0E", tableless));
+    EXPECT_EQ("2", fontsFor(u"\u263A\uFE0F", tableless));
     // A selector no font knows changes nothing.
     EXPECT_EQ("0", fontsFor(u"a\uFE03b", textFirst));
 }
@@ -170,7 +184,7 @@ TEST(Fallback, NoUsableFont) {
 TEST(Fallback, FamilyAnswersWithItsClosestFont) {
     using Slant = FontStyle::Slant;
     const FontStyle styles[] = {
-        {300, Slant::UPRIGHT}, {400, Slant::UPRIGHT}, {400, Slant::ITALIC}, {700, Slant::UPRIGHT}};
+        {300, Slant::UPRIGHT}, {400, Slant::UPRIGHT}, {700, Slant::UPRIGHT}, {400, Slant::ITALIC}};
     const FontPtr files[] = {roboto(), dejavu(), symbols(), emoji()};
     std::vector<Font> fonts;
     for (size_t i = 0; i < std::size(styles); i++)
@@ -189,12 +203,13 @@ TEST(Fallback, FamilyAnswersWithItsClosestFont) {
     };
     EXPECT_EQ("0", closest(100, Slant::UPRIGHT));
     EXPECT_EQ("1", closest(500, Slant::UPRIGHT));
-    EXPECT_EQ("3", closest(600, Slant::UPRIGHT));
-    EXPECT_EQ("3b", closest(900, Slant::UPRIGHT));
-    EXPECT_EQ("3", closest(800, Slant::UPRIGHT));
-    EXPECT_EQ("2", closest(500, Slant::ITALIC));
-    EXPECT_EQ("2b", closest(600, Slant::ITALIC)) << "as near as bold and slanted by hand, and earlier";
-    EXPECT_EQ("3i", closest(700, Slant::ITALIC));
+    EXPECT_EQ("2", closest(600, Slant::UPRIGHT));
+    EXPECT_EQ("2", closest(800, Slant::UPRIGHT));
+    EXPECT_EQ("2b", closest(900, Slant::UPRIGHT));
+    EXPECT_EQ("3", closest(500, Slant::ITALIC));
+    EXPECT_EQ("3b", closest(600, Slant::ITALIC)) << "two hundreds off is nearer than one and the wrong slant";
+    EXPECT_EQ("2i", closest(700, Slant::ITALIC));
+    EXPECT_EQ("0", closest(390, Slant::UPRIGHT)) << "hundreds are cut, so this is 300";
 }
 
 TEST(Fallback, FakeryOfAFamilyOfOneFont) {

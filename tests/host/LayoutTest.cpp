@@ -73,8 +73,11 @@ TEST(Layout, KerningIsRoundedWithEachAdvance) {
     android::Paint paint = paintOf(40);
     const Layout kerned = layLine(u"AVAV", typeface, paint);
     for (const float x : pensOf(kerned)) EXPECT_EQ(x, std::floor(x));
+    // A quotation mark belongs to no script and is shaped with the letter after it.
+    const float quoted = layLine(u"\"A", typeface, paint).getAdvance();
     paint.setFontFeatureSettings("kern=0");
     EXPECT_LT(kerned.getAdvance(), layLine(u"AVAV", typeface, paint).getAdvance());
+    EXPECT_LT(quoted, layLine(u"\"A", typeface, paint).getAdvance());
 }
 
 TEST(Layout, LetterSpacingSurroundsEachCluster) {
@@ -150,7 +153,7 @@ TEST(Layout, FeatureSettingsInEveryForm) {
         EXPECT_EQ(plain, glyphs(form)) << form;
     }
     EXPECT_EQ(small, glyphs("'smcp' on, 'liga' 0"));
-    EXPECT_EQ(joined, glyphs("liga[0:1]=0")) << "ranges are not taken";
+    EXPECT_EQ(joined, glyphs("liga[0:1]=0,liga[1:]=0")) << "ranges are not taken";
 }
 
 TEST(Layout, RunsStandInVisualOrder) {
@@ -361,6 +364,10 @@ TEST(Layout, SkewMovesWhatIsRaised) {
         raised = raised || plain.getY(i) != 0;
     }
     EXPECT_TRUE(raised) << "the text tests nothing";
+
+    // The lean that the layout makes up for a missing italic leaves marks where they are, as on the platform.
+    paint.setTextSkewX(0);
+    EXPECT_EQ(pensOf(plain), pensOf(layLine(text, typefaceOf({familyOf(dejavu())}, 400, 1), paint)));
 }
 
 TEST(Layout, FontRunsSetThePaintUpAndPutItBack) {
@@ -379,6 +386,12 @@ TEST(Layout, FontRunsSetThePaintUpAndPutItBack) {
     EXPECT_EQ((std::vector<std::pair<size_t, size_t>>{{0, 3}, {3, 5}, {5, 8}}), runs);
     EXPECT_FALSE(paint.isFakeBoldText());
     EXPECT_EQ(-0.1f, paint.getTextSkewX());
+
+    paint.setFakeBoldText(true);
+    const Layout regular = layLine(u"ab", typefaceOf({familyOf(roboto())}), paint);
+    auto check = [&paint](size_t, size_t) { EXPECT_TRUE(paint.isFakeBoldText()); };
+    android::MinikinUtils::forFontRun(regular, &paint, check);
+    EXPECT_TRUE(paint.isFakeBoldText());
 }
 
 TEST(Layout, NothingToLayOutIsEmpty) {
@@ -453,6 +466,38 @@ TEST(Layout, AMillionCharacters) {
         glyphs += layRange(text, at, std::min(at + 1000, text.size()), typeface, paint).nGlyphs();
     }
     EXPECT_EQ(text.size(), glyphs);
+}
+
+// Long runs are shaped in pieces; where they meet must not show.
+TEST(Layout, LongRunsHaveNoSeams) {
+    const TypefacePtr latin = typefaceOf({familyOf(roboto())});
+    const android::Paint paint = paintOf(20);
+    std::u16string text;
+    for (int i = 0; i < 1000; i++) text += u"AV office ";
+    const float word = layLine(u"AV office ", latin, paint).getAdvance();
+    EXPECT_EQ(1000 * word, layLine(text, latin, paint).getAdvance());
+
+    const std::vector<unsigned> joined =
+        glyphsOf(layLine(std::u16string(9000, u'\u0628'), typefaceOf({familyOf(arabic())}), paint));
+    const std::vector<unsigned> three = glyphsOf(layLine(u"ببب", typefaceOf({familyOf(arabic())}), paint));
+    ASSERT_EQ(0u, joined.size() % 9000);
+    ASSERT_EQ(joined.size() / 9000, three.size() / 3) << "glyphs for a letter";
+    const size_t each = three.size() / 3;
+    EXPECT_TRUE(std::equal(three.begin(), three.begin() + static_cast<ptrdiff_t>(each), joined.begin()));
+    for (size_t i = each; i + each < joined.size(); i++) {
+        ASSERT_EQ(three[each + i % each], joined[i]) << "glyph " << i << " is not a middle form";
+    }
+    EXPECT_TRUE(std::equal(three.rbegin(), three.rbegin() + static_cast<ptrdiff_t>(each), joined.rbegin()));
+}
+
+// Rows of marks longer than the shaper can chain.
+TEST(Layout, RowsOfMarks) {
+    const TypefacePtr typeface = typefaceOf({familyOf(dejavu())});
+    for (const char16_t* pair : {u"\u0301\u0323", u"\u20D0\u200D", u"\u05B8\u0301"}) {
+        std::u16string text = u"x";
+        while (text.size() < 70001) text += pair;
+        EXPECT_EQ(text.size(), layLine(text, typeface, paintOf(20)).nGlyphs());
+    }
 }
 
 TEST(Layout, ThreadsGetTheSameLines) {
