@@ -235,6 +235,12 @@ TEST_F(RenderCommand, FallbackFontsServeWhatTheFirstFontLacks) {
     const Image missing = render("世界");
     const Image found = render("世界", {"--fallback", kCjkFont});
     EXPECT_NE(missing.rgba, found.rgba);
+    // One file for each --fallback, so that the text may follow it.
+    const std::string path = file("after.png");
+    const Result after = run({"render", "--font", kFont, "--fallback", kArabicFont, "--fallback", kCjkFont,
+                              "世界", "--size", "48", "-o", path});
+    EXPECT_EQ(after.err, "");
+    EXPECT_EQ(readPng(path).rgba, found.rgba);
     // A bold font behind a bold one is drawn as it is, not widened once more.
     EXPECT_EQ(render("世界", {"--fallback", kCjkBold}).ink(), render("世界", {"--font", kCjkBold}).ink());
     const Image arabic = render("سلام", {"--font", kArabicFont});

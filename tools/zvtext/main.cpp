@@ -92,7 +92,7 @@ void addRender(CLI::App& app, RenderArguments& a) {
                      "A font for what --font lacks; give it again for more, in order")
         ->type_name("FILE")
         ->take_all()
-        ->expected(1);
+        ->allow_extra_args(false);  // the text may follow
     command->add_option("-s,--size", a.size, "Pixels per em, up to 10000")
         ->type_name("PX")
         ->capture_default_str();
