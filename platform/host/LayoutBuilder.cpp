@@ -24,8 +24,10 @@ constexpr double kMaxSpacing = 1 << 20;    // pixels
 constexpr size_t kShapedUnits = 2048;
 constexpr unsigned kKeptGlyphs = 1u << 16;  // a buffer that grew beyond this is not kept
 
+// Cut to what leaves HarfBuzz room for sums; only a font made to hurt states such advances.
 hb_position_t toFixed(float pixels) {
-    return static_cast<hb_position_t>(std::floor(pixels * kFixedOne + 0.5f));
+    const float limit = 1 << 28;
+    return static_cast<hb_position_t>(std::clamp(std::floor(pixels * kFixedOne + 0.5f), -limit, limit));
 }
 float fromFixed(hb_position_t position) {
     return static_cast<float>(position) / kFixedOne;

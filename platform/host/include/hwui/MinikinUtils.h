@@ -21,15 +21,16 @@ public:
     // Lays [start, start + count) of the UTF-16 text `buf` of `bufSize` units out as one line; the rest of
     // the text is context (direction, joining letters). What lies beyond bufSize is cut off. The line is cut
     // into runs of one direction, put in visual order, then of one font, then of one script, and each is
-    // shaped:
-    // - A text size or scale X beyond what glyphs are drawn at, or one that is no number, counts as size 0.
-    // - Language: the first locale of the paint's list whose script fits the run's, else the first of the
-    // list.
-    // - Without the linear-text flag (0x40) each advance is rounded to a whole pixel.
-    // - Letter spacing x size x scale X, rounded to a whole pixel without the linear-text flag, is added to
-    // each
-    //   cluster: half of it, rounded down, before and the rest after. Scripts whose letters join or hang from
-    //   a line take none. Beyond 0.03 em either way the ligature features liga and clig are off.
+    // shaped (one of thousands of characters in pieces, which meet after a space where there is one).
+    // Language: the first locale of the paint's list whose script fits the run's, else the first of all.
+    //
+    // A text size or scale X beyond what glyphs are drawn at, or that is no number, counts as size 0.
+    // Without the linear-text flag (0x40) each advance is rounded to a whole pixel.
+    //
+    // Letter spacing x size x scale X, rounded to a whole pixel without the linear-text flag, is added to
+    // each cluster: half of it, rounded down, before and the rest after. Scripts whose letters join or hang
+    // from a line take none. Beyond 0.03 em either way the ligature features liga and clig are off.
+    //
     // A null paint, typeface or text, or a typeface without fonts, gives a layout without glyphs. The
     // measured text is not used and may be null. Any number of threads may lay text out at once.
     static minikin::Layout doLayout(const Paint* paint, minikin::Bidi bidiFlags, const Typeface* typeface,

@@ -13,9 +13,8 @@ namespace minikin {
 // the marks, joiners and variation selector that belong to it):
 // - the first family, wherever it covers the base (with the variation selector, if one follows);
 // - else, among the families that cover the base, the best by these in turn: a glyph of its own for the
-// variation
-//   selector; made for the presentation that U+FE0F (emoji) or U+FE0E (text) asks for; made for the locales
-//   of the paint, the first locale counting most; of the paint's variant; earlier in the list;
+//   variation selector; made for the presentation that U+FE0F (emoji) or U+FE0E (text) asks for; made for
+//   the locales of the paint, the first locale counting most; of the paint's variant; earlier in the list;
 // - but if that family lacks a mark of the cluster, the first family that covers all of it, if there is one;
 // - and where no family covers the base, the first one, with its missing glyph.
 // A character that shows nothing (soft hyphen, joiner, directional mark) takes the font of its neighbour.
