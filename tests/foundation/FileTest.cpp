@@ -6,28 +6,21 @@
 
 #include <cerrno>
 #include <cstdlib>
+#include <cstring>
 #include <string>
 
-#include "foundation/Error.h"
 #include "foundation/ZvString.h"
-#include "platform/host/LogCapture.h"
+#include "tests/foundation/Outcome.h"
 
 namespace Zvex {
 namespace {
 
 // Syncs seen since a test set it to 0: the program's own fsync stands before the C library's.
 int syncs = 0;
-
-}  // namespace
-}  // namespace Zvex
-
 extern "C" int fsync(int) {
-    ++Zvex::syncs;
+    ++syncs;
     return 0;
 }
-
-namespace Zvex {
-namespace {
 
 class FileTest : public testing::Test {
 protected:
@@ -47,8 +40,7 @@ protected:
     void write(const char* text) {
         File file;
         ASSERT_TRUE(file.Construct(mPath.c_str(), "w"));
-        ASSERT_EQ(file.Write(text, 1, std::char_traits<char>::length(text)),
-                  std::char_traits<char>::length(text));
+        ASSERT_EQ(file.Write(text, 1, std::strlen(text)), std::strlen(text));
     }
 
     std::string mFolder, mPath;
@@ -105,14 +97,14 @@ TEST_F(FileTest, KeptOpenStreamsOutliveTheObject) {
 TEST_F(FileTest, FailedOpenLeavesTheObjectConstructedWithoutAStream) {
     File file;
     host::LogCapture capture;
-    EXPECT_FALSE(file.Construct((mFolder + "/missing").c_str(), "r"));
-    EXPECT_EQ(Error::GetError(), ZV_ERROR_OPEN_FILE);
-    EXPECT_FALSE(file.Construct(mPath.c_str(), "w"));
-    EXPECT_EQ(Error::GetError(), ZV_ERROR_ALREADY_CONSTRUCTED);
+    EXPECT_EQ(of(file.Construct((mFolder + "/missing").c_str(), "r")), Outcome(0, ZV_ERROR_OPEN_FILE));
+    EXPECT_EQ(of(file.Construct(mPath.c_str(), "w")), Outcome(0, ZV_ERROR_ALREADY_CONSTRUCTED));
     const auto lines = capture.lines();
     ASSERT_EQ(lines.size(), 3u);
-    EXPECT_EQ(lines[0].tag, "ZV_File");
-    EXPECT_EQ(lines[0].priority, ANDROID_LOG_ERROR);
+    for (const host::LogLine& line : lines) {
+        EXPECT_EQ(line.tag, "ZV_File");
+        EXPECT_EQ(line.priority, ANDROID_LOG_ERROR);
+    }
     EXPECT_EQ(lines[0].text, "OpenFile - Fail to open file. errno = " + std::to_string(ENOENT));
     EXPECT_EQ(lines[1].text.rfind("@ Native Error 11 : ", 0), 0u);
     EXPECT_EQ(lines[2].text.rfind("@ Native Error 4 : ", 0), 0u);
@@ -122,37 +114,27 @@ TEST_F(FileTest, MissingAndEmptyPathsAreInvalid) {
     const char* const none = nullptr;
     const ZvString* const noString = nullptr;
     File file;
-    {
-        host::LogCapture capture;
-        EXPECT_FALSE(file.Construct(none, "r"));
-        EXPECT_FALSE(file.Construct(noString, "r", false));
-        EXPECT_FALSE(file.Construct(mPath.c_str(), none));
-        EXPECT_EQ(Error::GetError(), ZV_ERROR_INVALID_ARGUMENT);
-        EXPECT_TRUE(capture.lines().empty()) << "no report line";
-    }
-    ZvString empty;
-    ASSERT_EQ(empty.Construct(L""), 1);
+    ZvString empty, x;
+    ASSERT_EQ(empty.Construct(L"") + x.Construct("xy"), 2);
+    EXPECT_OUTCOMES(ZV_ERROR_INVALID_ARGUMENT, 0, nullptr, of(file.Construct(none, "r")),
+                    of(file.Construct(noString, "r", false)), of(file.Construct(mPath.c_str(), none)));
     host::LogCapture capture;
-    const auto fails = [&](int result, const std::string& line) {
-        EXPECT_EQ(result, -1) << line;
-        EXPECT_EQ(Error::GetError(), ZV_ERROR_INVALID_ARGUMENT) << line;
-        EXPECT_EQ(capture.lines().back().text, line);
-        Error::SetError(0);
-    };
-    fails(file.Construct(&empty, "r", false) ? 0 : -1, "OpenFile() - pathSize < 0");
+    const Outcomes outcomes = {of(file.Construct(&empty, "r", false) ? 0 : -1),
+                               of(File::IsAccessible(&empty, F_OK)), of(File::Unlink(&empty)),
+                               of(File::Rename(&empty, &x)), of(File::Rename(&x, &empty))};
+    std::vector<std::string> texts;
+    for (const host::LogLine& line : capture.lines()) texts.push_back(line.text);
+    EXPECT_THAT(texts,
+                testing::ElementsAre("OpenFile() - pathSize < 0", "IsAccessible() - pathSize < 0",
+                                     "Unlink() - pathSize < 0", "Rename() - pathSize < 0 : old 0, new 2",
+                                     "Rename() - pathSize < 0 : old 2, new 0"));
+    EXPECT_THAT(outcomes, testing::Each(Outcome(-1, ZV_ERROR_INVALID_ARGUMENT)));
     EXPECT_FALSE(file.Construct(mPath.c_str(), "w")) << "the state stayed attached";
-    fails(File::IsAccessible(&empty, F_OK), "IsAccessible() - pathSize < 0");
-    fails(File::Unlink(&empty), "Unlink() - pathSize < 0");
-    ZvString x;
-    ASSERT_EQ(x.Construct("xy"), 1);
-    fails(File::Rename(&empty, &x), "Rename() - pathSize < 0 : old 0, new 2");
-    fails(File::Rename(&x, &empty), "Rename() - pathSize < 0 : old 2, new 0");
-    for (const int result :
-         {File::IsAccessible(none, 0), File::Unlink(none), File::Rename(none, "x"),
-          File::IsAccessible(noString, 0), File::Unlink(noString), File::Rename(&x, noString)}) {
-        EXPECT_EQ(result, -1);
-    }
-    EXPECT_EQ(Error::GetError(), ZV_ERROR_INVALID_ARGUMENT);
+    Error::SetError(0);
+    EXPECT_THAT((Outcomes{of(File::IsAccessible(none, 0)), of(File::Unlink(none)),
+                          of(File::Rename(none, "x")), of(File::IsAccessible(noString, 0)),
+                          of(File::Unlink(noString)), of(File::Rename(&x, noString))}),
+                testing::Each(Outcome(-1, ZV_ERROR_INVALID_ARGUMENT)));
 }
 
 TEST_F(FileTest, WithoutAStreamOperationsFailWithEight) {
@@ -162,18 +144,14 @@ TEST_F(FileTest, WithoutAStreamOperationsFailWithEight) {
     closed.Close();
     char byte = 0;
     for (File* file : {&unconstructed, &closed}) {
-        const long results[] = {static_cast<long>(file->Read(&byte, 1, 1)),
-                                static_cast<long>(file->Write(&byte, 1, 1)),
-                                file->Seek(0, SEEK_SET),
-                                file->Tell(),
-                                file->Eof(),
-                                file->Error(),
-                                file->GetFileDescriptor()};
-        for (int i = 0; i < 7; ++i) EXPECT_EQ(results[i], i < 2 ? 0 : -1) << i;
-        EXPECT_EQ(Error::GetError(), ZV_ERROR_NOT_CONSTRUCTED);
         Error::SetError(0);
-        EXPECT_EQ(file->GetFilePointer(), nullptr);
-        EXPECT_EQ(Error::GetError(), 0u);
+        EXPECT_THAT((Outcomes{of(static_cast<long>(file->Read(&byte, 1, 1))),
+                              of(static_cast<long>(file->Write(&byte, 1, 1)))}),
+                    testing::Each(Outcome(0, ZV_ERROR_NOT_CONSTRUCTED)));
+        EXPECT_THAT((Outcomes{of(file->Seek(0, SEEK_SET)), of(file->Tell()), of(file->Eof()),
+                              of(file->Error()), of(file->GetFileDescriptor())}),
+                    testing::Each(Outcome(-1, ZV_ERROR_NOT_CONSTRUCTED)));
+        EXPECT_EQ(of(file->GetFilePointer()), Outcome(0, 0));
     }
 }
 
