@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <climits>
 #include <cstring>
 #include <random>
@@ -22,12 +23,7 @@ using Bytes = std::vector<uint8_t>;
 class GuardedBitmap {
 public:
     GuardedBitmap(uint32_t width, uint32_t height, uint32_t depth, std::mt19937* random)
-        : mStore(kGuard + size_t{width} * height * depth + kGuard, kCanary) {
-        bitmap.width = width;
-        bitmap.height = height;
-        bitmap.bytesPerPixel = depth;
-        bitmap.format = depth == 4 ? 1 : 2;
-        bitmap.pixels = mStore.data() + kGuard;
+        : GuardedBitmap(width, height, depth) {
         const size_t count = bitmap.byteCount();
         for (size_t i = 0; i < count; ++i) bitmap.pixels[i] = static_cast<uint8_t>((*random)());
         // Empty and opaque pixels take branches of their own, and are the usual ones.
@@ -36,12 +32,9 @@ public:
             if (kind < 2) bitmap.pixels[i] = kind == 0 ? 0 : 255;
         }
     }
-    GuardedBitmap(const GuardedBitmap& other) : bitmap(), mStore(other.mStore) {
-        bitmap.width = other.bitmap.width;
-        bitmap.height = other.bitmap.height;
-        bitmap.bytesPerPixel = other.bitmap.bytesPerPixel;
-        bitmap.format = other.bitmap.format;
-        bitmap.pixels = mStore.data() + kGuard;
+    GuardedBitmap(const GuardedBitmap& other)
+        : GuardedBitmap(other.bitmap.width, other.bitmap.height, other.bitmap.bytesPerPixel) {
+        std::copy(other.mStore.begin(), other.mStore.end(), mStore.begin());
     }
     GuardedBitmap& operator=(const GuardedBitmap&) = delete;
     ~GuardedBitmap() { bitmap.pixels = nullptr; }
@@ -50,6 +43,14 @@ public:
     ZvBitmap bitmap;
 
 private:
+    GuardedBitmap(uint32_t width, uint32_t height, uint32_t depth)
+        : mStore(kGuard + size_t{width} * height * depth + kGuard, kCanary) {
+        bitmap.width = width;
+        bitmap.height = height;
+        bitmap.bytesPerPixel = depth;
+        bitmap.format = depth == 4 ? 1 : 2;
+        bitmap.pixels = mStore.data() + kGuard;
+    }
     static constexpr size_t kGuard = 64;
     static constexpr uint8_t kCanary = 0xA5;
     Bytes mStore;
@@ -101,42 +102,34 @@ TEST_P(BlenderAgainstPlain, SameBytes) {
         GuardedBitmap actual(width, height, depth, &random);
         GuardedBitmap expected(actual);
 
-        const size_t pixels = w == 0 || h == 0 ? 0 : static_cast<size_t>(h - 1) * (w + wider) + w;
+        // The source's rows are `stride` units of `unit` bytes apart.
+        const int unit = operation.source == Source::kWords ? 4 : 1;
+        const int rowUnits = operation.source == Source::kBytes ? 4 * w : w;
+        const int stride = rowUnits + (operation.source == Source::kCopy ? 0 : wider);
+        const size_t count = w == 0 || h == 0 ? 0 : static_cast<size_t>(h - 1) * stride + rowUnits;
+        const Bytes source = noise(count * unit, &random);
+        std::vector<uint32_t> words(count);
+        if (unit == 4 && count > 0) std::memcpy(words.data(), source.data(), source.size());
+        const uint8_t* bytes = source.data();
+        const int mode = operation.mode;
+        ZvBitmap* to = &actual.bitmap;
         switch (operation.source) {
-            case Source::kCoverage: {
-                const Bytes source = noise(pixels, &random);
-                ZvBlender::drawBitmapBlend8(x, y, &actual.bitmap, source.data(), w, h, w + wider, color,
-                                            operation.mode);
-                reference::drawBitmapBlend8(x, y, &expected.bitmap, source.data(), w, h, w + wider, color,
-                                            operation.mode);
+            case Source::kCoverage:
+                ZvBlender::drawBitmapBlend8(x, y, to, bytes, w, h, stride, color, mode);
+                reference::drawBitmapBlend8(x, y, &expected.bitmap, bytes, w, h, stride, color, mode);
                 break;
-            }
-            case Source::kWords: {
-                const Bytes bytes = noise(pixels * 4, &random);
-                std::vector<uint32_t> source(pixels);
-                if (pixels > 0) std::memcpy(source.data(), bytes.data(), bytes.size());
-                ZvBlender::drawBitmapBlend32(x, y, &actual.bitmap, source.data(), w, h, w + wider,
-                                             operation.mode);
-                reference::drawBitmapBlend32(x, y, &expected.bitmap, source.data(), w, h, w + wider,
-                                             operation.mode);
+            case Source::kWords:
+                ZvBlender::drawBitmapBlend32(x, y, to, words.data(), w, h, stride, mode);
+                reference::drawBitmapBlend32(x, y, &expected.bitmap, words.data(), w, h, stride, mode);
                 break;
-            }
-            case Source::kBytes: {
-                const int stride = 4 * w + wider;
-                const size_t count = w == 0 || h == 0 ? 0 : static_cast<size_t>(h - 1) * stride + 4 * w;
-                const Bytes source = noise(count, &random);
-                ZvBlender::drawBitmapBlend32(x, y, &actual.bitmap, source.data(), w, h, stride, pick(0, 9),
-                                             operation.mode);
-                reference::drawBitmapBlend32(x, y, &expected.bitmap, source.data(), w, h, stride, 0,
-                                             operation.mode);
+            case Source::kBytes:
+                ZvBlender::drawBitmapBlend32(x, y, to, bytes, w, h, stride, pick(0, 9), mode);
+                reference::drawBitmapBlend32(x, y, &expected.bitmap, bytes, w, h, stride, 0, mode);
                 break;
-            }
-            case Source::kCopy: {
-                const Bytes source = noise(static_cast<size_t>(w) * h, &random);
-                ZvBlender::drawBitmap(x, y, &actual.bitmap, source.data(), w, h, color);
-                reference::drawBitmap(x, y, &expected.bitmap, source.data(), w, h, color);
+            case Source::kCopy:
+                ZvBlender::drawBitmap(x, y, to, bytes, w, h, color);
+                reference::drawBitmap(x, y, &expected.bitmap, bytes, w, h, color);
                 break;
-            }
         }
         ASSERT_EQ(actual.store(), expected.store())
             << "round " << round << ": " << w << "x" << h << " (stride +" << wider << ") at " << x << "," << y
@@ -152,98 +145,74 @@ INSTANTIATE_TEST_SUITE_P(Blender, BlenderAgainstPlain, testing::ValuesIn(kOperat
     return name;
 });
 
-// 65536 pixels in a row: every coverage over every target alpha, with every colour channel met on the way.
-TEST(Blender, CoverageBlendsAgreeOnEveryCoverageAndTargetAlpha) {
+// 65536 pixels in a row: every coverage, or source alpha, over every target alpha, with every colour channel
+// met on the way.
+TEST(Blender, EveryCoverageOrAlphaAgreesOverEveryTargetAlpha) {
     std::mt19937 random(1);
     std::vector<uint32_t> colors = {0xFFFFFFFFu, 0xFF000000u, 0x00FFFFFFu, 0,
                                     0x01020304u, 0x80FF7F00u, 0xFE01FE80u};
     for (int i = 0; i < 40; ++i) colors.push_back(random());
     Bytes coverage(65536);
-    for (size_t i = 0; i < coverage.size(); ++i) coverage[i] = static_cast<uint8_t>(i);
-    for (const int mode : {1, 2, 3, 7}) {
-        for (const uint32_t color : colors) {
-            ZvBitmap target(65536, 1, 4);
-            for (size_t i = 0; i < coverage.size(); ++i) {
-                for (int channel = 0; channel < 3; ++channel) {
-                    target.pixels[4 * i + channel] = static_cast<uint8_t>(random());
-                }
-                target.pixels[4 * i + 3] = static_cast<uint8_t>(i >> 8);
-            }
-            ZvBitmap expected(target);
-            ZvBlender::drawBitmapBlend8(0, 0, &target, coverage.data(), 65536, 1, 65536, color, mode);
-            reference::drawBitmapBlend8(0, 0, &expected, coverage.data(), 65536, 1, 65536, color, mode);
+    std::vector<uint32_t> words(65536);
+    ZvBitmap target(65536, 1, 4);
+    for (const uint32_t color : colors) {
+        for (size_t i = 0; i < words.size(); ++i) {
+            coverage[i] = static_cast<uint8_t>(i);
+            words[i] = static_cast<uint32_t>(i) << 24 | (random() & 0xFFFFFFu);
+            const uint32_t below = (random() & 0xFFFFFFu) | static_cast<uint32_t>(i >> 8) << 24;
+            for (int c = 0; c < 4; ++c) target.pixels[4 * i + c] = static_cast<uint8_t>(below >> 8 * c);
+        }
+        const auto check = [&](int mode, const char* what, ZvBitmap& actual, const ZvBitmap& expected) {
             for (size_t i = 0; i < target.byteCount(); ++i) {
-                ASSERT_EQ(target.pixels[i], expected.pixels[i])
-                    << "mode " << mode << std::hex << " color " << color << std::dec << " coverage "
-                    << int{coverage[i / 4]} << " target alpha " << i / 4 / 256 << " byte " << i % 4;
+                ASSERT_EQ(actual.pixels[i], expected.pixels[i])
+                    << what << ", mode " << mode << std::hex << " color " << color << std::dec << " over "
+                    << i / 4 % 256 << " target alpha " << i / 4 / 256 << " byte " << i % 4;
             }
+        };
+        for (const int mode : {1, 2, 3, 7}) {
+            ZvBitmap actual(target), expected(target);
+            ZvBlender::drawBitmapBlend8(0, 0, &actual, coverage.data(), 65536, 1, 65536, color, mode);
+            reference::drawBitmapBlend8(0, 0, &expected, coverage.data(), 65536, 1, 65536, color, mode);
+            check(mode, "coverage", actual, expected);
         }
-    }
-}
-
-TEST(Blender, ColourBlendsAgreeOnEverySourceAndTargetAlpha) {
-    std::mt19937 random(2);
-    std::vector<uint32_t> source(65536);
-    for (const int mode : {1, 2}) {
-        for (int round = 0; round < 20; ++round) {
-            ZvBitmap target(65536, 1, 4);
-            for (size_t i = 0; i < source.size(); ++i) {
-                source[i] = (static_cast<uint32_t>(i & 255) << 24) | (random() & 0xFFFFFFu);
-                for (int channel = 0; channel < 3; ++channel) {
-                    target.pixels[4 * i + channel] = static_cast<uint8_t>(random());
-                }
-                target.pixels[4 * i + 3] = static_cast<uint8_t>(i >> 8);
-            }
-            ZvBitmap expected(target);
-            ZvBlender::drawBitmapBlend32(0, 0, &target, source.data(), 65536, 1, 65536, mode);
-            reference::drawBitmapBlend32(0, 0, &expected, source.data(), 65536, 1, 65536, mode);
-            ASSERT_EQ(std::memcmp(target.pixels, expected.pixels, target.byteCount()), 0)
-                << "mode " << mode << " round " << round;
+        for (const int mode : {1, 2}) {
+            ZvBitmap actual(target), expected(target);
+            ZvBlender::drawBitmapBlend32(0, 0, &actual, words.data(), 65536, 1, 65536, mode);
+            reference::drawBitmapBlend32(0, 0, &expected, words.data(), 65536, 1, 65536, mode);
+            check(mode, "words", actual, expected);
         }
+        if (HasFatalFailure()) return;
     }
 }
 
 // Numbers worked out apart from either form.
 TEST(Blender, KnownPixels) {
-    struct Row {
-        const char* what;
+    const struct {
         int mode;
-        uint8_t target[4], coverage;
-        uint32_t color;
-        uint8_t expected[4];
+        uint32_t target;  // red, green, blue, alpha from the top
+        uint8_t coverage;
+        uint32_t color, expected;
+        const char* what;
+    } rows[] = {
+        {1, 0x0A141E28, 200, 0x80FF4020, 0xCE3E2B7C, "source over mixes"},
+        {1, 0x0A141E28, 255, 0xFF804020, 0x804020FF, "source over, opaque, writes the colour"},
+        {1, 0x0A141E28, 255, 0x00FFFFFF, 0x0A141E28, "source over, alpha 0, leaves the pixel"},
+        {2, 0x09090900, 128, 0xFF804020, 0x40201080, "under: nothing there gives the covered colour"},
+        {2, 0x010203FF, 255, 0xFF804020, 0x010203FF, "under: an opaque pixel stays"},
+        {2, 0x0A141E64, 128, 0xFF804020, 0x312728B2, "under: the rest is filled"},
+        {3, 0x09090900, 1, 0x40102030, 0x10203040, "yes or no: any coverage writes the colour"},
+        {3, 0x010203FF, 9, 0x40102030, 0x010203FF, "yes or no: an opaque pixel stays"},
+        {7, 0xFF6400FF, 128, 0xFFFFFFFF, 0x80320080, "scaled: an opaque pixel is cut down"},
+        {7, 0x0A141E64, 255, 0xFF804020, 0x583B31FF, "scaled: full coverage fills the rest"},
+        {7, 0x0A141E64, 0, 0xFF804020, 0x0A141E64, "scaled: coverage 0 changes nothing"},
     };
-    const Row rows[] = {
-        {"source over mixes", 1, {10, 20, 30, 40}, 200, 0x80FF4020u, {206, 62, 43, 124}},
-        {"source over, opaque, writes the colour", 1, {10, 20, 30, 40}, 255, 0xFF804020u, {128, 64, 32, 255}},
-        {"source over, colour alpha 0, leaves the pixel",
-         1,
-         {10, 20, 30, 40},
-         255,
-         0x00FFFFFFu,
-         {10, 20, 30, 40}},
-        {"destination over onto nothing writes the covered colour",
-         2,
-         {9, 9, 9, 0},
-         128,
-         0xFF804020u,
-         {64, 32, 16, 128}},
-        {"destination over leaves an opaque pixel", 2, {1, 2, 3, 255}, 255, 0xFF804020u, {1, 2, 3, 255}},
-        {"destination over fills the rest", 2, {10, 20, 30, 100}, 128, 0xFF804020u, {49, 39, 40, 178}},
-        {"without source alpha any coverage writes the colour",
-         3,
-         {9, 9, 9, 0},
-         1,
-         0x40102030u,
-         {16, 32, 48, 64}},
-        {"without source alpha an opaque pixel stays", 3, {1, 2, 3, 255}, 9, 0x40102030u, {1, 2, 3, 255}},
-        {"scaled: an opaque pixel is cut down", 7, {255, 100, 0, 255}, 128, 0xFFFFFFFFu, {128, 50, 0, 128}},
-        {"scaled: full coverage fills the rest", 7, {10, 20, 30, 100}, 255, 0xFF804020u, {88, 59, 49, 255}},
-        {"scaled: coverage 0 changes nothing", 7, {10, 20, 30, 100}, 0, 0xFF804020u, {10, 20, 30, 100}},
-    };
-    for (const Row& row : rows) {
-        ZvBitmap target(1, 1, row.target, 4);
+    for (const auto& row : rows) {
+        ZvBitmap target(1, 1, 4);
+        for (int c = 0; c < 4; ++c) target.pixels[c] = static_cast<uint8_t>(row.target >> (24 - 8 * c));
         ZvBlender::drawBitmapBlend8(0, 0, &target, &row.coverage, 1, 1, 1, row.color, row.mode);
-        EXPECT_EQ(Bytes(target.pixels, target.pixels + 4), Bytes(row.expected, row.expected + 4)) << row.what;
+        uint32_t actual = 0;
+        for (int c = 0; c < 4; ++c) actual = actual << 8 | target.pixels[c];
+        EXPECT_EQ(actual, row.expected) << row.what << std::hex << ": " << actual;
     }
 }
 
@@ -304,43 +273,36 @@ TEST(Blender, FillStartsRowsAtByteOffsets) {
 }
 
 TEST(Blender, MergingMasksKeepsTheLargerCoverage) {
-    ZvBitmap mask(4, 1, 1);
-    const Bytes first = {10, 200, 30}, second = {100, 100, 100};
-    ZvBlender::drawBitmap(0, 0, &mask, first.data(), 3, 1, 0xFF000000u);
-    ZvBitmap glyph(3, 1, second.data(), 1);
+    ZvBitmap mask(4, 1, Bytes{10, 200, 30, 0}.data(), 1);
+    const ZvBitmap glyph(3, 1, Bytes{100, 100, 100}.data(), 1);
     ZvBlender::drawBitmap(1, 0, &mask, &glyph, 0xFF000000u);
     EXPECT_EQ(Bytes(mask.pixels, mask.pixels + 4), (Bytes{10, 200, 100, 100}));
 }
 
 TEST(Blender, NothingToDrawOnOrFromIsIgnored) {
-    const Bytes bytes(16, 255);
+    const Bytes full(16, 255);
     const uint32_t words[4] = {~0u, ~0u, ~0u, ~0u};
     ZvBitmap mask(2, 2, 1), color(2, 2, 4), unallocated;
     unallocated.width = unallocated.height = 2;
     unallocated.bytesPerPixel = 4;
-    const unsigned char* noBytes = nullptr;
-    const unsigned int* noWords = nullptr;
-    const ZvBitmap* noBitmap = nullptr;
-    for (const int mode : {1, 2, 3, 7}) {
-        // A mask is no target of a colour blend: four bytes a pixel would leave its buffer.
-        for (const ZvBitmap* target :
-             {noBitmap, static_cast<const ZvBitmap*>(&unallocated), static_cast<const ZvBitmap*>(&mask)}) {
-            ZvBlender::drawBitmapBlend8(0, 0, target, bytes.data(), 2, 2, 2, 0xFFFFFFFFu, mode);
-            ZvBlender::drawBitmapBlend32(0, 0, target, words, 2, 2, 2, mode);
-            ZvBlender::drawBitmapBlend32(0, 0, target, bytes.data(), 2, 2, 8, 0, 1);
+    const auto draw = [&](const ZvBitmap* target, const unsigned char* bytes, const unsigned int* from) {
+        for (const int mode : {1, 2, 3, 7}) {
+            ZvBlender::drawBitmapBlend8(0, 0, target, bytes, 2, 2, 2, ~0u, mode);
+            ZvBlender::drawBitmapBlend32(0, 0, target, from, 2, 2, 2, mode);
         }
-        ZvBlender::drawBitmapBlend8(0, 0, &color, noBytes, 2, 2, 2, 0xFFFFFFFFu, mode);
-        ZvBlender::drawBitmapBlend32(0, 0, &color, noWords, 2, 2, 2, mode);
+        ZvBlender::drawBitmapBlend32(0, 0, target, bytes, 2, 2, 8, 0, 1);
+        ZvBlender::drawBitmap8To32(0, 0, target, bytes, 2, 2, ~0u);
+        if (target != &mask) ZvBlender::drawBitmap(0, 0, target, bytes, 2, 2, ~0u);
+    };
+    draw(nullptr, full.data(), words);
+    draw(&unallocated, full.data(), words);
+    draw(&mask, full.data(),
+         words);  // no target of a colour blend: four bytes a pixel would leave its buffer
+    draw(&color, nullptr, nullptr);
+    ZvBlender::drawBitmap(0, 0, &color, static_cast<const ZvBitmap*>(nullptr), ~0u);
+    for (ZvBitmap* bitmap : {static_cast<ZvBitmap*>(nullptr), &unallocated, &mask}) {
+        ZvBlender::convertBGRAToARGB(bitmap);
     }
-    ZvBlender::drawBitmapBlend32(0, 0, &color, noBytes, 2, 2, 8, 0, 1);
-    ZvBlender::drawBitmap8To32(0, 0, &mask, bytes.data(), 2, 2, 0xFFFFFFFFu);
-    ZvBlender::drawBitmap(0, 0, &unallocated, bytes.data(), 2, 2, 0xFFFFFFFFu);
-    ZvBlender::drawBitmap(0, 0, noBitmap, bytes.data(), 2, 2, 0xFFFFFFFFu);
-    ZvBlender::drawBitmap(0, 0, &color, noBytes, 2, 2, 0xFFFFFFFFu);
-    ZvBlender::drawBitmap(0, 0, &color, noBitmap, 0xFFFFFFFFu);
-    ZvBlender::convertBGRAToARGB(nullptr);
-    ZvBlender::convertBGRAToARGB(&unallocated);
-    ZvBlender::convertBGRAToARGB(&mask);
     EXPECT_EQ(Bytes(mask.pixels, mask.pixels + 4), Bytes(4, 0));
     EXPECT_EQ(Bytes(color.pixels, color.pixels + 16), Bytes(16, 0));
 }
