@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "raster/ZvBitmap.h"
+#include "tests/effect/PropertyFields.h"
 
 namespace Zvex {
 namespace {
@@ -20,7 +21,10 @@ constexpr float ENDLESS = std::numeric_limits<float>::infinity();
 // A record's key as its letter and then, for each byte, two hexadecimal digits of the low seven bits: easier
 // to read, and it fails for a byte without its top bit. Also checks the announced length and what lies beyond
 // it.
-std::string keyOf(ZvProperty& property) {
+std::string keyOf(ZvProperty& property, int announced = -1) {
+    if (announced >= 0) {
+        EXPECT_EQ(property.getSequentialCharLength(), announced);
+    }
     const size_t length = static_cast<size_t>(property.getSequentialCharLength());
     std::vector<char> memory(length + 2, '?');
     char* cursor = memory.data();
@@ -45,17 +49,14 @@ constexpr uint32_t COLOR = 0x12ABCDEF;
 
 TEST(LayerKey, Text) {
     ZvTextProperty text(COLOR, 0.5f);
-    EXPECT_EQ(text.getSequentialCharLength(), 9);
-    EXPECT_EQ(keyOf(text), std::string("T") + COLOR_KEY);
+    EXPECT_EQ(keyOf(text, 9), std::string("T") + COLOR_KEY);
 }
 
 TEST(LayerKey, Shadows) {
     ZvOuterShadowProperty outer(-30.0f, 5.9f, 100.0f, COLOR, 0.5f);
-    EXPECT_EQ(outer.getSequentialCharLength(), 13);
-    EXPECT_EQ(keyOf(outer), std::string("S") + "024a" + "05" + "64" + COLOR_KEY);
+    EXPECT_EQ(keyOf(outer, 13), std::string("S") + "024a" + "05" + "64" + COLOR_KEY);
     ZvInnerShadowProperty inner(-30.0f, 5.9f, 100.0f, COLOR, 0.5f);
-    EXPECT_EQ(inner.getSequentialCharLength(), 13);
-    EXPECT_EQ(keyOf(inner), std::string("I") + "024a" + "05" + "64" + COLOR_KEY);
+    EXPECT_EQ(keyOf(inner, 13), std::string("I") + "024a" + "05" + "64" + COLOR_KEY);
 }
 
 TEST(LayerKey, AnglesAreBroughtToACircle) {
@@ -72,8 +73,7 @@ TEST(LayerKey, AnglesAreBroughtToACircle) {
 
 TEST(LayerKey, SmallFieldsKeepSevenBits) {
     ZvStrokeProperty stroke(129.9f, COLOR, 1.0f, 300, -1);
-    EXPECT_EQ(stroke.getSequentialCharLength(), 12);
-    EXPECT_EQ(keyOf(stroke), std::string("K") + "01" + COLOR_KEY + "2c" + "7f");
+    EXPECT_EQ(keyOf(stroke, 12), std::string("K") + "01" + COLOR_KEY + "2c" + "7f");
     ZvStrokeProperty odd(NOT_A_NUMBER, 0, 0, INT_MIN, INT_MAX);
     EXPECT_EQ(keyOf(odd), std::string("K") + "00" + "0000000000000000" + "00" + "7f");
 }
@@ -83,35 +83,28 @@ TEST(LayerKey, GlowsWriteTheirStops) {
     ZvGradient stops[] = {{0x00000001, 1.0f, 0.0f}, {COLOR, 0.2f, 0.29f}, {0xFF000000, 1.0f, 1.0f}};
     const std::string written = std::string("000000000000000100") + COLOR_KEY + "1c" + "0f0f00000000000064";
     ZvOuterGlowProperty outer(20.5f, COLOR, 0.5f, 3, stops);
-    EXPECT_EQ(outer.getSequentialCharLength(), 40);  // one byte a stop more than is written
-    EXPECT_EQ(keyOf(outer), std::string("G") + "14" + COLOR_KEY + written);
+    EXPECT_EQ(keyOf(outer, 40), std::string("G") + "14" + COLOR_KEY + written);
     ZvInnerGlowProperty inner(20.5f, COLOR, 0.5f, 3, stops);
-    EXPECT_EQ(inner.getSequentialCharLength(), 40);
-    EXPECT_EQ(keyOf(inner), std::string("N") + "14" + COLOR_KEY + written);
+    EXPECT_EQ(keyOf(inner, 40), std::string("N") + "14" + COLOR_KEY + written);
     ZvOuterGlowProperty none(0, COLOR, 0.5f, 0, nullptr);
-    EXPECT_EQ(none.getSequentialCharLength(), 10);
-    EXPECT_EQ(keyOf(none), std::string("G") + "00" + COLOR_KEY);
+    EXPECT_EQ(keyOf(none, 10), std::string("G") + "00" + COLOR_KEY);
 }
 
 TEST(LayerKey, Gradients) {
     ZvGradient stops[] = {{COLOR, 1.0f, 0.5f}};
     ZvLinearGradientProperty linear(-405.7f, 3.5f, 0.5f, 1, stops);  // scale 2, 200 hundredths
-    EXPECT_EQ(linear.getSequentialCharLength(), 15);
-    EXPECT_EQ(keyOf(linear), std::string("L") + "023b" + "0c08" + COLOR_KEY + "32");
+    EXPECT_EQ(keyOf(linear, 15), std::string("L") + "023b" + "0c08" + COLOR_KEY + "32");
     ZvRadialGradientProperty radial(0, 0.29f, 0.5f, 1, stops);  // 28 again
-    EXPECT_EQ(radial.getSequentialCharLength(), 15);
-    EXPECT_EQ(keyOf(radial), std::string("D") + "0000" + "010c" + COLOR_KEY + "32");
+    EXPECT_EQ(keyOf(radial, 15), std::string("D") + "0000" + "010c" + COLOR_KEY + "32");
 }
 
 TEST(LayerKey, StopCountsNobodyMeantAreHarmless) {
     ZvGradient stop{COLOR, 1.0f, 0.5f};
     for (int count : {-1, INT_MIN}) {
         ZvOuterGlowProperty glow(1, COLOR, 1, count, &stop);
-        EXPECT_EQ(glow.getSequentialCharLength(), 10);
-        EXPECT_EQ(keyOf(glow).size(), 1u + 2 * 9);
+        EXPECT_EQ(keyOf(glow, 10).size(), 1u + 2 * 9);
         ZvLinearGradientProperty gradient(0, 1, 1, count, &stop);
-        EXPECT_EQ(gradient.getSequentialCharLength(), 5);
-        EXPECT_EQ(keyOf(gradient).size(), 1u + 2 * 4);
+        EXPECT_EQ(keyOf(gradient, 5).size(), 1u + 2 * 4);
     }
     ZvInnerGlowProperty glow(1, COLOR, 1, 7, nullptr);
     EXPECT_EQ(keyOf(glow).size(), 1u + 2 * 9);
@@ -129,8 +122,7 @@ TEST(LayerKey, BevelAndEmboss) {
                                COLOR_KEY + "0000000000000f0f";
     EXPECT_EQ(keyOf(bevel), "B" + fields);
     ZvEmbossProperty emboss(1, 255.9f, 9.99f, 1, 2, 16, 0.5f, -45.0f, 30.9f, COLOR, 0.3f, 0x000000FF, 0.3f);
-    EXPECT_EQ(emboss.getSequentialCharLength(), 30);
-    EXPECT_EQ(keyOf(emboss), "E" + fields);
+    EXPECT_EQ(keyOf(emboss, 30), "E" + fields);
 }
 
 TEST(LayerKey, PatternsAreToldApartByTheirBitmap) {
@@ -148,46 +140,23 @@ TEST(LayerKey, PatternsAreToldApartByTheirBitmap) {
 }
 
 TEST(ZvProperty, RecordsKeepOrLimitTheirNumbers) {
-    const ZvOuterShadowProperty outer(-405.7f, -3.0f, 1e9f, COLOR, 7.0f);
-    EXPECT_EQ(outer.angle, -405.7f);
-    EXPECT_EQ(outer.distance, -3.0f);
-    EXPECT_EQ(outer.size, 1e9f);
-    EXPECT_EQ(outer.color, COLOR);
-    EXPECT_EQ(outer.opacity, 7.0f);
-    EXPECT_EQ(ZvInnerShadowProperty(405.7f, 0, 0, 0, 0).angle, 45.0f);
-    EXPECT_EQ(ZvInnerShadowProperty(-30.2f, 0, 0, 0, 0).angle, -30.0f);
-    EXPECT_EQ(ZvInnerShadowProperty(NOT_A_NUMBER, 0, 0, 0, 0).angle, 0.0f);
-    EXPECT_EQ(ZvInnerShadowProperty(-ENDLESS, 0, 0, 0, 0).angle, -128.0f);
-
-    const ZvLinearGradientProperty linear(-405.7f, 3.5f, 0.5f, 2, nullptr);
-    EXPECT_EQ(linear.angle, -45.0f);
-    EXPECT_EQ(linear.scale, 2.0f);
-    EXPECT_EQ(linear.color, 0u);
-    EXPECT_EQ(linear.opacity, 0.5f);
-    EXPECT_EQ(linear.count, 2);
-    EXPECT_EQ(ZvRadialGradientProperty(0, -1.0f, 0, 0, nullptr).scale, 0.0f);
-    EXPECT_EQ(ZvRadialGradientProperty(0, NOT_A_NUMBER, 0, 0, nullptr).scale, 0.0f);
-
-    const ZvBevelProperty bevel(3, -5.0f, -1.0f, 4, 5, 20, 0.75f, 370.5f, -100.5f, COLOR, 2.0f, ~COLOR, 3.0f);
-    EXPECT_EQ(bevel.style, 3);
-    EXPECT_EQ(bevel.size, -5.0f);
-    EXPECT_EQ(bevel.depth, 0.0f);
-    EXPECT_EQ(bevel.direction, 4);
-    EXPECT_EQ(bevel.technique, 5);
-    EXPECT_EQ(bevel.soften, 16);
-    EXPECT_EQ(bevel.opacity, 0.75f);
-    EXPECT_EQ(bevel.angle, 10.0f);
-    EXPECT_EQ(bevel.altitude, -10.0f);
-    EXPECT_EQ(bevel.shadowColor, COLOR);
-    EXPECT_EQ(bevel.shadowOpacity, 2.0f);
-    EXPECT_EQ(bevel.highlightColor, ~COLOR);
-    EXPECT_EQ(bevel.highlightOpacity, 3.0f);
-    EXPECT_EQ(bevel.color, 0u);
-    const ZvEmbossProperty emboss(0, 0, 11.0f, 0, 0, -4, 0, 0, 0, 0, 0, 0, 0);
-    EXPECT_EQ(emboss.depth, 10.0f);
-    EXPECT_EQ(emboss.soften, 0);
+    EXPECT_EQ(fieldsOf(ZvOuterShadowProperty(-405.7f, -3, 1e9f, COLOR, 7)),
+              fields(-405.7f, -3, 1e9f, COLOR, 7));
+    const float angles[][2] = {{405.7f, 45}, {-30.2f, -30}, {NOT_A_NUMBER, 0}, {-ENDLESS, -128}};
+    for (const auto& angle : angles) {
+        EXPECT_EQ(fieldsOf(ZvInnerShadowProperty(angle[0], 1, 2, 3, 4)), fields(angle[1], 1, 2, 3, 4));
+    }
+    EXPECT_EQ(fieldsOf(ZvLinearGradientProperty(-405.7f, 3.5f, 0.5f, 2, nullptr)),
+              fields(-45, 2, 0.5f, 2, 0));
+    for (float low : {-1.0f, NOT_A_NUMBER}) {
+        EXPECT_EQ(ZvRadialGradientProperty(0, low, 0, 0, nullptr).scale, 0.0f);
+        EXPECT_EQ(ZvPatternProperty(nullptr, low, 1.0f).scale, 0.0f);
+    }
     EXPECT_EQ(ZvPatternProperty(nullptr, 11.0f, 1.0f).scale, 10.0f);
-    EXPECT_EQ(ZvPatternProperty(nullptr, -1.0f, 1.0f).scale, 0.0f);
+    EXPECT_EQ(fieldsOf(ZvBevelProperty(3, -5, -1, 4, 5, 20, 0.75f, 370.5f, -100.5f, COLOR, 2, ~COLOR, 3)),
+              fields(3, -5, 0, 4, 5, 16, 0.75f, 10, -10, COLOR, 2, ~COLOR, 3, 0));
+    EXPECT_EQ(fieldsOf(ZvEmbossProperty(0, 0, 11, 0, 0, -4, 0, 0, 0, 0, 0, 0, 0)),
+              fields(0, 0, 10, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0));
 }
 
 }  // namespace
