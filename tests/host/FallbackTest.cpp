@@ -33,85 +33,89 @@ std::string fontsFor(const std::u16string& text, const std::vector<Entry>& entri
 
 }  // namespace
 
-TEST(Fallback, FirstFamilyThatCovers) {
-    EXPECT_EQ("0", fontsFor(u"abc", {{roboto()}, {dejavu()}}));
-    EXPECT_EQ("0", fontsFor(u"abc", {{dejavu()}, {roboto()}}));
-    EXPECT_EQ("010", fontsFor(u"ab שלום cd", {{roboto()}, {dejavu()}, {hebrew()}}));
-    EXPECT_EQ("020", fontsFor(u"ab שלום cd", {{roboto()}, {symbols()}, {dejavu()}}));
-    EXPECT_EQ("10", fontsFor(u"אבسل", {{hebrew()}, {arabic()}}))
-        << "right to left, the last font stands first";
+TEST(Fallback, ChoosesByCoverageThenLocaleVariantAndPresentation) {
+    const Entry roman{roboto()}, sans{dejavu()}, signs{symbols()}, symbolic{symbols(), "und-Zsym"},
+        emojis{emoji(), "und-Zsye"}, hans{chinese(), "zh-Hans"}, ja{japanese(), "ja"}, none{nullptr};
+    const Entry elegant{dejavu(), "und-Hebr", Variant::ELEGANT},
+        compact{hebrew(), "und-Hebr", Variant::COMPACT};
+    struct Case {
+        const char* fonts;
+        const char16_t* text;
+        const char* locales = "";
+        Variant variant = Variant::DEFAULT;
+    };
+    const std::pair<std::vector<Entry>, std::vector<Case>> groups[] = {
+        {{}, {{"", u"abc"}}},
+        {{none}, {{"", u"abc"}}},
+        {{none, roman}, {{"1", u"abc"}}},
+        {{sans, roman}, {{"0", u"abc"}}},
+        {{roman, sans, {hebrew()}}, {{"010", u"ab שלום cd"}}},
+        {{{hebrew()}, {arabic()}}, {{"10", u"אבسل"}}},  // right to left, the last font stands first
+        {{{thai()}, roman}, {{"1", u"\u226E"}}},        // decomposed: no font has it whole
+        // The first family wins over locales, they choose among the later ones.
+        {{ja, hans}, {{"0", u"直", "zh-Hans"}}},
+        {{roman, hans, ja},
+         {{"1", u"直"},
+          {"2", u"直", "ja"},
+          {"2", u"直", "ja-JP,zh-Hans"},
+          {"1", u"直", "zh-CN,ja"},
+          {"2", u"直", "en-US,ja"},
+          {"02", u"a直", "ja"}}},
+        // The script alone counts as well.
+        {{roman, sans, {hebrew(), "und-Hebr"}}, {{"1", u"אב", "en"}, {"2", u"אב", "he"}}},
+        // The variant breaks ties, and the first family outranks it.
+        {{roman, elegant, compact},
+         {{"1", u"אב"},
+          {"1", u"אב", "", Variant::ELEGANT},
+          {"2", u"אב", "", Variant::COMPACT},
+          {"0", u"ab", "", Variant::COMPACT}}},
+        // Marks: Roboto has the x but not the mark, so both go to the first font that has both. It has the
+        // composed letter of a mark that it lacks.
+        {{roman, sans}, {{"0", u"abc"}, {"010", u"ax\u20D0b"}, {"0", u"ae\u0301b"}}},
+        // Where no font has both they stay with the base's.
+        {{roman, signs}, {{"0", u"ax\u20D0b"}}},
+        {{roman, signs, sans},
+         {{"020", u"ab שלום cd"}, {"020", u"ax\u20D0b"}, {"010", u"ax\u20DDb"}, {"0", u"ax\u20D0\u20DDb"}}},
+        {{roman, {devanagari(), "und-Deva"}, {thai()}, sans},
+         {{"1", u"क्षत्रिय\u200Dर्\u200Cकि"}, {"2", u"ที่นี่น้ำ"}}},
+        // Invisible characters join their neighbour.
+        {{roman, {hebrew()}},
+         {{"0", u"a\u00ADb\u200E\u2060c\uFEFF"},
+          {"1", u"\uFEFF\u200Fא\u200Fב\u00AD"},
+          {"0", u"\u200F\u00AD"}}},
+        // Selectors ask for a presentation; the first family too gives way to one that has it. One that no
+        // font knows changes nothing.
+        {{roman, symbolic, emojis}, {{"1", u"\u263A"}, {"1", u"\u263A\uFE0E"}, {"2", u"\u263A\uFE0F"}}},
+        {{roman, emojis, symbolic}, {{"1", u"\u263A"}, {"2", u"\u263A\uFE0E"}, {"1", u"\u263A\uFE0F"}}},
+        // A family may be made for emoji without a table of selectors.
+        {{roman, signs, {dejavu(), "und-Zsye"}}, {{"1", u"\u263A\uFE0E"}, {"2", u"\u263A\uFE0F"}}},
+        {{emojis, symbolic}, {{"0", u"\u263A"}, {"1", u"\u263A\uFE0E"}}},
+        {{sans, emojis}, {{"0", u"\u2764"}, {"1", u"\u2764\uFE0F"}, {"0", u"a\uFE03b"}}},
+    };
+    for (const auto& [entries, cases] : groups) {
+        for (const Case& c : cases) {
+            EXPECT_EQ(c.fonts, fontsFor(c.text, entries, c.locales, c.variant))
+                << testing::PrintToString(std::u16string(c.text)) << " in " << c.locales;
+        }
+    }
 }
 
 TEST(Fallback, WhatNoFamilyCoversIsMissingInTheFirst) {
-    const std::vector<FontPtr> fonts = {hebrew(), thai()};
-    const TypefacePtr typeface = typefaceOf({familyOf(fonts[0]), familyOf(fonts[1])});
+    const FontPtr first = hebrew();
+    const TypefacePtr typeface = typefaceOf({familyOf(first), familyOf(thai())});
     const Layout layout = layLine(u"\u0E01漢\u0E01", typeface, paintOf(32));
     ASSERT_EQ(3u, layout.nGlyphs());
-    EXPECT_EQ(fonts[0].get(), layout.getFont(1));
+    EXPECT_EQ(first.get(), layout.getFont(1));
     EXPECT_EQ(0u, layout.getGlyphId(1));
     EXPECT_GT(layout.getX(2), layout.getX(1)) << "the missing glyph takes room";
 }
 
-TEST(Fallback, FirstFamilyWinsOverLocales) {
-    const std::vector<Entry> entries = {{japanese(), "ja"}, {chinese(), "zh-Hans"}};
-    EXPECT_EQ("0", fontsFor(u"直", entries, "zh-Hans"));
-}
-
-TEST(Fallback, LocalesChooseAmongLaterFamilies) {
-    const std::vector<Entry> entries = {{roboto()}, {chinese(), "zh-Hans"}, {japanese(), "ja"}};
-    EXPECT_EQ("1", fontsFor(u"直", entries)) << "earlier in the list";
-    EXPECT_EQ("2", fontsFor(u"直", entries, "ja"));
-    EXPECT_EQ("2", fontsFor(u"直", entries, "ja-JP,zh-Hans"));
-    EXPECT_EQ("1", fontsFor(u"直", entries, "zh-CN,ja"));
-    EXPECT_EQ("2", fontsFor(u"直", entries, "en-US,ja")) << "English says nothing of Han";
-    EXPECT_EQ("02", fontsFor(u"a直", entries, "ja"));
-    const std::vector<Entry> byScript = {{roboto()}, {dejavu()}, {hebrew(), "und-Hebr"}};
-    EXPECT_EQ("1", fontsFor(u"אב", byScript, "en"));
-    EXPECT_EQ("2", fontsFor(u"אב", byScript, "he")) << "the script alone counts as well";
-}
-
-TEST(Fallback, VariantBreaksTies) {
-    const std::vector<Entry> entries = {
-        {roboto()}, {dejavu(), "und-Hebr", Variant::ELEGANT}, {hebrew(), "und-Hebr", Variant::COMPACT}};
-    EXPECT_EQ("1", fontsFor(u"אב", entries));
-    EXPECT_EQ("1", fontsFor(u"אב", entries, "", Variant::ELEGANT));
-    EXPECT_EQ("2", fontsFor(u"אב", entries, "", Variant::COMPACT));
-    EXPECT_EQ("0", fontsFor(u"ab", entries, "", Variant::COMPACT)) << "the first family outranks it";
-}
-
-TEST(Fallback, MarksStayWithTheirBase) {
-    // Roboto has the x but not the mark, so both go to the first font that has both.
-    EXPECT_EQ("010", fontsFor(u"ax\u20D0b", {{roboto()}, {dejavu()}}));
-    EXPECT_EQ("020", fontsFor(u"ax\u20D0b", {{roboto()}, {symbols()}, {dejavu()}}));
-    EXPECT_EQ("010", fontsFor(u"ax\u20DDb", {{roboto()}, {symbols()}, {dejavu()}}));
-    // No font has both, so they stay with the base's.
-    EXPECT_EQ("0", fontsFor(u"ax\u20D0b", {{roboto()}, {symbols()}}));
-    EXPECT_EQ("0", fontsFor(u"ax\u20D0\u20DDb", {{roboto()}, {symbols()}, {dejavu()}}));
-    // Spelled with a mark that the font lacks, but it has the composed letter.
-    EXPECT_EQ("0", fontsFor(u"ae\u0301b", {{roboto()}, {dejavu()}}));
-    const TypefacePtr typeface = typefaceOf({familyOf(roboto())});
-    EXPECT_EQ(nominalGlyphs(roboto(), U"é"), glyphsOf(layLine(u"e\u0301", typeface, paintOf(32))));
-}
-
-TEST(Fallback, DecomposesWhatNoFontHasWhole) {
-    EXPECT_EQ("1", fontsFor(u"\u226E", {{thai()}, {roboto()}}));
-    const Layout layout = layLine(u"\u226E", typefaceOf({familyOf(thai()), familyOf(roboto())}), paintOf(32));
-    EXPECT_EQ(nominalGlyphs(roboto(), U"<\u0338"), glyphsOf(layout));
-}
-
-TEST(Fallback, ScriptsWithClustersKeepOneFont) {
-    const std::vector<Entry> entries = {{roboto()}, {devanagari(), "und-Deva"}, {thai()}, {dejavu()}};
-    EXPECT_EQ("1", fontsFor(u"क्षत्रिय\u200Dर्\u200Cकि", entries));
-    EXPECT_EQ("2", fontsFor(u"ที่นี่น้ำ", entries));
-}
-
-TEST(Fallback, InvisibleCharactersJoinTheirNeighbour) {
-    const std::vector<Entry> entries = {{roboto()}, {hebrew()}};
-    EXPECT_EQ("0", fontsFor(u"a\u00ADb\u200E\u2060c\uFEFF", entries));
-    EXPECT_EQ("1", fontsFor(u"\uFEFF\u200Fא\u200Fב\u00AD", entries));
-    EXPECT_EQ("0", fontsFor(u"\u200F\u00AD", entries));
-    const TypefacePtr typeface = typefaceOf({familyOf(roboto()), familyOf(hebrew())});
-    EXPECT_EQ(3u, layLine(u"\uFEFF\u200Fא", typeface, paintOf(32)).nGlyphs()) << "none is left out";
+TEST(Fallback, ComposesAndDecomposesAndLeavesNothingOut) {
+    const TypefacePtr typeface = typefaceOf({familyOf(thai()), familyOf(roboto()), familyOf(hebrew())});
+    const auto glyphs = [&](const char16_t* text) { return glyphsOf(layLine(text, typeface, paintOf(32))); };
+    EXPECT_EQ(nominalGlyphs(roboto(), U"é"), glyphs(u"e\u0301"));
+    EXPECT_EQ(nominalGlyphs(roboto(), U"<\u0338"), glyphs(u"\u226E"));
+    EXPECT_EQ(3u, glyphs(u"\uFEFF\u200Fא").size());
 }
 
 TEST(Fallback, EmojiSequencesAreOneGlyph) {
@@ -137,43 +141,13 @@ TEST(Fallback, EmojiSequencesAreOneGlyph) {
     }
 }
 
-TEST(Fallback, SelectorsAskForAPresentation) {
-    const std::vector<Entry> entries = {{roboto()}, {symbols(), "und-Zsym"}, {emoji(), "und-Zsye"}};
-    EXPECT_EQ("1", fontsFor(u"\u263A", entries)) << "earlier in the list";
-    EXPECT_EQ("1", fontsFor(u"\u263A\uFE0E", entries));
-    EXPECT_EQ("2", fontsFor(u"\u263A\uFE0F", entries));
-    const std::vector<Entry> emojiBefore = {{roboto()}, {emoji(), "und-Zsye"}, {symbols(), "und-Zsym"}};
-    EXPECT_EQ("1", fontsFor(u"\u263A", emojiBefore));
-    EXPECT_EQ("2", fontsFor(u"\u263A\uFE0E", emojiBefore));
-    EXPECT_EQ("1", fontsFor(u"\u263A\uFE0F", emojiBefore));
-    // The first family too gives way to one with what the selector asks for.
-    const std::vector<Entry> emojiFirst = {{emoji(), "und-Zsye"}, {symbols(), "und-Zsym"}};
-    EXPECT_EQ("0", fontsFor(u"\u263A", emojiFirst));
-    EXPECT_EQ("1", fontsFor(u"\u263A\uFE0E", emojiFirst));
-    const std::vector<Entry> textFirst = {{dejavu()}, {emoji(), "und-Zsye"}};
-    EXPECT_EQ("0", fontsFor(u"\u2764", textFirst));
-    EXPECT_EQ("1", fontsFor(u"\u2764\uFE0F", textFirst));
-    // A family may be made for emoji without a table of selectors.
-    const std::vector<Entry> tableless = {{roboto()}, {symbols()}, {dejavu(), "und-Zsye"}};
-    EXPECT_EQ("1", fontsFor(u"\u263A\uFE0E", tableless));
-    EXPECT_EQ("2", fontsFor(u"\u263A\uFE0F", tableless));
-    // A selector no font knows changes nothing.
-    EXPECT_EQ("0", fontsFor(u"a\uFE03b", textFirst));
-}
-
 TEST(Fallback, IdeographicVariantsGoToTheFontThatHasThem) {
-    const std::vector<Entry> entries = {{korean()}, {japanese(), "ja"}};
-    const std::u16string variant = u"\u845B\U000E0100";
-    const bool koreanHas = faceOf(entries[0].font.get()).coversVariation(0x845B, 0xE0100);
-    const bool japaneseHas = faceOf(japanese().get()).coversVariation(0x845B, 0xE0100);
-    ASSERT_TRUE(japaneseHas);
-    EXPECT_EQ(koreanHas ? "0" : "1", fontsFor(variant, entries));
+    const bool koreanHas = faceOf(korean().get()).coversVariation(0x845B, 0xE0100);
+    ASSERT_TRUE(faceOf(japanese().get()).coversVariation(0x845B, 0xE0100));
+    EXPECT_EQ(koreanHas ? "0" : "1", fontsFor(u"\u845B\U000E0100", {{korean()}, {japanese(), "ja"}}));
 }
 
-TEST(Fallback, NoUsableFont) {
-    EXPECT_EQ("", fontsFor(u"abc", {}));
-    EXPECT_EQ("", fontsFor(u"abc", {{nullptr}}));
-    EXPECT_EQ("1", fontsFor(u"abc", {{nullptr}, {roboto()}}));
+TEST(Fallback, UnusableFontsAreSkipped) {
     const TypefacePtr typeface = typefaceOf({nullptr, familyOf(roboto()), nullptr});
     EXPECT_EQ(3u, layLine(u"abc", typeface, paintOf(32)).nGlyphs());
     const FontPtr empty = std::make_shared<android::MinikinFontSkia>(nullptr, nullptr, 0, 0,
@@ -201,15 +175,12 @@ TEST(Fallback, FamilyAnswersWithItsClosestFont) {
         if (match.fakery.isFakeItalic()) answer += 'i';
         return answer;
     };
-    EXPECT_EQ("0", closest(100, Slant::UPRIGHT));
-    EXPECT_EQ("1", closest(500, Slant::UPRIGHT));
-    EXPECT_EQ("2", closest(600, Slant::UPRIGHT));
-    EXPECT_EQ("2", closest(800, Slant::UPRIGHT));
-    EXPECT_EQ("2b", closest(900, Slant::UPRIGHT));
-    EXPECT_EQ("3", closest(500, Slant::ITALIC));
-    EXPECT_EQ("3b", closest(600, Slant::ITALIC)) << "two hundreds off is nearer than one and the wrong slant";
-    EXPECT_EQ("2i", closest(700, Slant::ITALIC));
-    EXPECT_EQ("0", closest(390, Slant::UPRIGHT)) << "hundreds are cut, so this is 300";
+    const std::tuple<const char*, int, Slant> cases[] = {
+        {"0", 100, Slant::UPRIGHT}, {"1", 500, Slant::UPRIGHT},  {"2", 600, Slant::UPRIGHT},
+        {"2", 800, Slant::UPRIGHT}, {"2b", 900, Slant::UPRIGHT}, {"3", 500, Slant::ITALIC},
+        {"3b", 600, Slant::ITALIC},  // two hundreds off is nearer than one and the wrong slant
+        {"2i", 700, Slant::ITALIC}, {"0", 390, Slant::UPRIGHT}};  // hundreds are cut, so this is 300
+    for (const auto& [answer, weight, slant] : cases) EXPECT_EQ(answer, closest(weight, slant)) << weight;
 }
 
 TEST(Fallback, FakeryOfAFamilyOfOneFont) {
@@ -221,15 +192,13 @@ TEST(Fallback, FakeryOfAFamilyOfOneFont) {
         return std::string(layout.getFakery(0).isFakeBold() ? "b" : "") +
                (layout.getFakery(0).isFakeItalic() ? "i" : "");
     };
-    EXPECT_EQ("", fakery(400, false, 400, false));
-    EXPECT_EQ("", fakery(599, false, 100, false));
-    EXPECT_EQ("b", fakery(600, false, 400, false));
-    EXPECT_EQ("", fakery(600, false, 401, false));
-    EXPECT_EQ("b", fakery(1000, false, 800, false));
-    EXPECT_EQ("i", fakery(400, true, 400, false));
-    EXPECT_EQ("", fakery(400, true, 400, true));
-    EXPECT_EQ("", fakery(400, false, 400, true));
-    EXPECT_EQ("bi", fakery(700, true, 400, false));
+    const std::tuple<const char*, int, bool, int, bool> cases[] = {
+        {"", 400, false, 400, false}, {"", 599, false, 100, false},   {"b", 600, false, 400, false},
+        {"", 600, false, 401, false}, {"b", 1000, false, 800, false}, {"i", 400, true, 400, false},
+        {"", 400, true, 400, true},   {"", 400, false, 400, true},    {"bi", 700, true, 400, false}};
+    for (const auto& [answer, wanted, italic, has, hasItalic] : cases) {
+        EXPECT_EQ(answer, fakery(wanted, italic, has, hasItalic)) << wanted << " of " << has;
+    }
 }
 
 TEST(Fallback, StyleThatWasNotSetIsTheFiles) {
@@ -243,20 +212,19 @@ TEST(Fallback, StyleThatWasNotSetIsTheFiles) {
 
 TEST(LocaleList, SameListSameId) {
     using minikin::registerLocaleList;
-    EXPECT_EQ(0u, registerLocaleList(""));
-    EXPECT_EQ(0u, registerLocaleList(" , ,"));
-    EXPECT_EQ(0u, registerLocaleList("!!,12345678901234567890"));
+    for (const char* empty : {"", " , ,", "!!,12345678901234567890"})
+        EXPECT_EQ(0u, registerLocaleList(empty));
     const uint32_t list = registerLocaleList("en-US,ja-JP");
     EXPECT_NE(0u, list);
     EXPECT_EQ(list, registerLocaleList("en-US,ja-JP"));
     EXPECT_EQ(list, registerLocaleList(" EN-us , !! , ja"));
     EXPECT_NE(list, registerLocaleList("ja-JP,en-US"));
     EXPECT_NE(list, registerLocaleList("en-US"));
-    EXPECT_NE(registerLocaleList("zh-Hans"), registerLocaleList("zh-Hant"));
-    EXPECT_NE(registerLocaleList("und-Cyrl"), registerLocaleList("und-Arab"));
-    EXPECT_NE(registerLocaleList("und-Zsye"), registerLocaleList("und-Zsym"));
-    EXPECT_NE(registerLocaleList("und-Cyrl"), registerLocaleList("ru"))
-        << "a script is no guess at a language";
+    // The last: a script is no guess at a language.
+    for (const auto& [a, b] : {std::pair("zh-Hans", "zh-Hant"), std::pair("und-Cyrl", "und-Arab"),
+                               std::pair("und-Zsye", "und-Zsym"), std::pair("und-Cyrl", "ru")}) {
+        EXPECT_NE(registerLocaleList(a), registerLocaleList(b)) << a;
+    }
     EXPECT_TRUE(host::localeListOf(0xFFFFFFF0).empty());
 }
 
@@ -265,19 +233,23 @@ TEST(LocaleList, ScoresLanguageBeforeScriptBeforeNothing) {
         return host::localeScore(host::localeListOf(minikin::registerLocaleList(wanted)),
                                  host::localeListOf(minikin::registerLocaleList(offered)));
     };
-    EXPECT_EQ(0u, score("", "ja"));
-    EXPECT_EQ(0u, score("ja", ""));
-    EXPECT_EQ(0u, score("ja", "und-Arab"));
-    EXPECT_EQ(3u, score("ja", "ja-JP"));
-    EXPECT_EQ(1u, score("fr", "en"));
-    EXPECT_EQ(1u, score("ar", "und-Arab"));
-    EXPECT_EQ(0u, score("zh-Hans", "zh-Hant"));
-    EXPECT_EQ(3u, score("zh-Hani", "zh-Hant")) << "any Han will do";
-    EXPECT_EQ(3u, score("zh-Hanb", "zh-Hant,zh-Bopo")) << "the parts of a script one by one";
-    EXPECT_EQ(4u, score("und-Zsye", "und-Zsye"));
-    EXPECT_EQ(2u, score("en-u-em-emoji", "und-Zsye"));
-    EXPECT_EQ(3u * 5 + 0, score("ja,en", "ja"));
-    EXPECT_EQ(0u * 5 + 3, score("en,ja", "ja"));
+    const std::tuple<uint32_t, const char*, const char*> cases[] = {
+        {0, "", "ja"},
+        {0, "ja", ""},
+        {0, "ja", "und-Arab"},
+        {3, "ja", "ja-JP"},
+        {1, "fr", "en"},
+        {1, "ar", "und-Arab"},
+        {0, "zh-Hans", "zh-Hant"},
+        {3, "zh-Hani", "zh-Hant"},          // any Han will do
+        {3, "zh-Hanb", "zh-Hant,zh-Bopo"},  // the parts of a script one by one
+        {4, "und-Zsye", "und-Zsye"},
+        {2, "en-u-em-emoji", "und-Zsye"},
+        {3 * 5 + 0, "ja,en", "ja"},
+        {0 * 5 + 3, "en,ja", "ja"}};
+    for (const auto& [expected, wanted, offered] : cases) {
+        EXPECT_EQ(expected, score(wanted, offered)) << wanted << " and " << offered;
+    }
     EXPECT_LT(score("en,ja,ja", "ja"), score("ja,en,en", "ja")) << "one wanted earlier outweighs the rest";
 }
 

@@ -57,9 +57,15 @@ bool exercise(const uint8_t* data, size_t size, std::mt19937& random) {
     return true;
 }
 
-void mutate(fonts::Role role, size_t start, int rounds, uint32_t seed) {
+// The font, and how often it is changed.
+using FontFuzz = testing::TestWithParam<std::tuple<fonts::Role, int>>;
+
+TEST_P(FontFuzz, ChangedFontsAreSafe) {
+    const auto [role, rounds] = GetParam();
+    const auto seed = static_cast<uint32_t>(rounds);
     std::mt19937 random(seed);
     std::vector<uint8_t> file = fonts::bytes(role);
+    const size_t start = role == fonts::Role::kCollection ? readBig(file, 12, 4) : 0;
     ASSERT_GT(file.size(), start + 12);
     const std::vector<Table> tables = tablesOf(file, start);
     int opened = 0;
@@ -85,20 +91,13 @@ void mutate(fonts::Role role, size_t start, int rounds, uint32_t seed) {
     host::clearGlyphCache();
 }
 
-TEST(FontFuzz, ChangedTrueTypeFontsAreSafe) {
-    mutate(fonts::Role::kLatinSmall, 0, 3000, 1);
-}
-TEST(FontFuzz, ChangedVariableFontsAreSafe) {
-    mutate(fonts::Role::kVariable, 0, 1000, 2);
-}
-TEST(FontFuzz, ChangedColourStrikesAreSafe) {
-    mutate(fonts::Role::kEmoji, 0, 500, 3);
-}
-TEST(FontFuzz, ChangedCollectionsAreSafe) {
-    mutate(fonts::Role::kCollection, readBig(fonts::bytes(fonts::Role::kCollection), 12, 4), 150, 4);
-}
+INSTANTIATE_TEST_SUITE_P(, FontFuzz,
+                         testing::Values(std::tuple(fonts::Role::kLatinSmall, 3000),
+                                         std::tuple(fonts::Role::kVariable, 1000),
+                                         std::tuple(fonts::Role::kEmoji, 500),
+                                         std::tuple(fonts::Role::kCollection, 150)));
 
-TEST(FontFuzz, TruncatedFontsAreSafe) {
+TEST(TruncatedFonts, AreSafe) {
     std::mt19937 random(5);
     const std::vector<uint8_t>& file = fonts::bytes(fonts::Role::kLatinSmall);
     ASSERT_FALSE(file.empty());

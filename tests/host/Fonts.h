@@ -32,31 +32,24 @@ enum class Role {
     kVariable,    // TrueType with variations
 };
 
-struct Font {
-    Role role;
-    const char* path;
-};
-
-constexpr Font kFonts[] = {
-    {Role::kLatin, "/usr/share/fonts/truetype/dejavu/DejaVuSans.ttf"},
-    {Role::kLatinBold, "/usr/share/fonts/truetype/dejavu/DejaVuSans-Bold.ttf"},
-    {Role::kLatinSmall, "/usr/share/fonts/truetype/roboto/unhinted/RobotoTTF/Roboto-Regular.ttf"},
-    {Role::kLatinBoldItalic, "/usr/share/fonts/truetype/roboto/unhinted/RobotoTTF/Roboto-BoldItalic.ttf"},
-    {Role::kHebrew, "/usr/share/fonts/truetype/noto/NotoSansHebrew-Regular.ttf"},
-    {Role::kArabic, "/usr/share/fonts/truetype/noto/NotoNaskhArabic-Regular.ttf"},
-    {Role::kDevanagari, "/usr/share/fonts/truetype/noto/NotoSansDevanagari-Regular.ttf"},
-    {Role::kThai, "/usr/share/fonts/truetype/noto/NotoSansThai-Regular.ttf"},
-    {Role::kSymbols, "/usr/share/fonts/truetype/noto/NotoSansSymbols-Regular.ttf"},
-    {Role::kCollection, "/usr/share/fonts/opentype/noto/NotoSansCJK-Regular.ttc"},
-    {Role::kEmoji, "/usr/share/fonts/truetype/noto/NotoColorEmoji.ttf"},
-    {Role::kVariable, "/usr/share/fonts/truetype/inter-vf/Inter-roman.var.ttf"},
+constexpr const char* kPaths[] = {
+    // In the order of Role.
+    "/usr/share/fonts/truetype/dejavu/DejaVuSans.ttf",
+    "/usr/share/fonts/truetype/dejavu/DejaVuSans-Bold.ttf",
+    "/usr/share/fonts/truetype/roboto/unhinted/RobotoTTF/Roboto-Regular.ttf",
+    "/usr/share/fonts/truetype/roboto/unhinted/RobotoTTF/Roboto-BoldItalic.ttf",
+    "/usr/share/fonts/truetype/noto/NotoSansHebrew-Regular.ttf",
+    "/usr/share/fonts/truetype/noto/NotoNaskhArabic-Regular.ttf",
+    "/usr/share/fonts/truetype/noto/NotoSansDevanagari-Regular.ttf",
+    "/usr/share/fonts/truetype/noto/NotoSansThai-Regular.ttf",
+    "/usr/share/fonts/truetype/noto/NotoSansSymbols-Regular.ttf",
+    "/usr/share/fonts/opentype/noto/NotoSansCJK-Regular.ttc",
+    "/usr/share/fonts/truetype/noto/NotoColorEmoji.ttf",
+    "/usr/share/fonts/truetype/inter-vf/Inter-roman.var.ttf",
 };
 
 constexpr const char* path(Role role) {
-    for (const Font& font : kFonts) {
-        if (font.role == role) return font.path;
-    }
-    return nullptr;
+    return kPaths[static_cast<int>(role)];
 }
 
 // The file's bytes, read once and kept for the life of the process; empty, and a failed test, when it is
@@ -73,8 +66,7 @@ inline const std::vector<uint8_t>& bytes(Role role) {
 }
 
 inline std::shared_ptr<host::FontFace> open(Role role, int index = 0) {
-    const std::vector<uint8_t>& file = bytes(role);
-    return host::FontFace::open(file.data(), file.size(), index);
+    return host::FontFace::open(bytes(role).data(), bytes(role).size(), index);
 }
 
 }  // namespace fonts

@@ -29,9 +29,6 @@ using minikin::MinikinRect;
 using FamilyPtr = std::shared_ptr<FontFamily>;
 using FontPtr = std::shared_ptr<minikin::MinikinFont>;
 
-// Fonts of the collection.
-constexpr int kCjkJapanese = 0, kCjkKorean = 1, kCjkSimplified = 2;
-
 constexpr FontStyle kRegular(400, FontStyle::Slant::UPRIGHT);
 
 // One object for a file and index.
@@ -49,39 +46,17 @@ inline FontPtr fontOf(fonts::Role role, int index = 0) {
     return font;
 }
 
-inline FontPtr roboto() {
-    return fontOf(fonts::Role::kLatinSmall);
-}
-inline FontPtr dejavu() {
-    return fontOf(fonts::Role::kLatin);
-}
-inline FontPtr hebrew() {
-    return fontOf(fonts::Role::kHebrew);
-}
-inline FontPtr arabic() {
-    return fontOf(fonts::Role::kArabic);
-}
-inline FontPtr devanagari() {
-    return fontOf(fonts::Role::kDevanagari);
-}
-inline FontPtr thai() {
-    return fontOf(fonts::Role::kThai);
-}
-inline FontPtr symbols() {
-    return fontOf(fonts::Role::kSymbols);
-}
-inline FontPtr emoji() {
-    return fontOf(fonts::Role::kEmoji);
-}
-inline FontPtr japanese() {
-    return fontOf(fonts::Role::kCollection, kCjkJapanese);
-}
-inline FontPtr korean() {
-    return fontOf(fonts::Role::kCollection, kCjkKorean);
-}
-inline FontPtr chinese() {
-    return fontOf(fonts::Role::kCollection, kCjkSimplified);
-}
+// fontOf() by a short name.
+struct FontName {
+    fonts::Role role;
+    int index = 0;
+    FontPtr operator()() const { return fontOf(role, index); }
+};
+constexpr FontName roboto{fonts::Role::kLatinSmall}, dejavu{fonts::Role::kLatin},
+    hebrew{fonts::Role::kHebrew}, arabic{fonts::Role::kArabic}, devanagari{fonts::Role::kDevanagari},
+    thai{fonts::Role::kThai}, symbols{fonts::Role::kSymbols}, emoji{fonts::Role::kEmoji};
+constexpr FontName japanese{fonts::Role::kCollection, 0}, korean{fonts::Role::kCollection, 1},
+    chinese{fonts::Role::kCollection, 2};
 
 inline const host::FontFace& faceOf(const minikin::MinikinFont* font) {
     return *static_cast<const android::MinikinFontSkia*>(font)->GetSkTypeface()->face();

@@ -31,40 +31,33 @@ double boxMean(const host::ResampleParam& p, int i, int j) {
     return sum / (4 * halfWidth * halfHeight);
 }
 
-struct Case {
-    double xStep, xShear, yStep;
-};
-
 TEST(ResampleAlpha, IsTheMeanUnderEachPixelsBox) {
     std::mt19937 random(7);
-    const Case cases[] = {{1, 0, 1},       {0.3, 0, 0.3}, {2.75, 0, 3.2}, {-1.5, 0, 1.5},
-                          {0.5, 0.125, 2}, {9, -2.25, 9}, {100, 0, 100},  {0.001, 0, 0.001}};
-    for (const Case& c : cases) {
+    const double steps[][3] = {{1, 0, 1},       {0.3, 0, 0.3}, {2.75, 0, 3.2}, {-1.5, 0, 1.5},
+                               {0.5, 0.125, 2}, {9, -2.25, 9}, {100, 0, 100},  {0.001, 0, 0.001}};
+    for (const auto& [xStep, xShear, yStep] : steps) {
         const int width = 13, height = 11, step = 4, stride = width * step + 3;
-        std::vector<uint8_t> source(static_cast<size_t>(stride) * height);
+        std::vector<uint8_t> source(static_cast<size_t>(stride) * height), target(17 * 15 + 1, 0xAB);
         for (uint8_t& byte : source) byte = static_cast<uint8_t>(random());
-        std::vector<uint8_t> target(17 * 15 + 1, 0xAB);
-        host::ResampleParam p;
-        p.source = source.data() + 3;
-        p.sourceWidth = width;
-        p.sourceHeight = height;
-        p.sourceStride = stride;
-        p.sourceStep = step;
-        p.target = target.data();
-        p.targetWidth = 17;
-        p.targetHeight = 15;
-        p.xStep = std::llround(c.xStep * kOne);
-        p.xShear = std::llround(c.xShear * kOne);
-        p.yStep = std::llround(c.yStep * kOne);
-        p.x = (c.xStep < 0 ? 14 : -2) * kOne + 12345;
-        p.y = -kOne + 4321;
+        const auto fixed = [](double v) { return static_cast<int64_t>(std::llround(v * kOne)); };
+        const host::ResampleParam p{source.data() + 3,
+                                    width,
+                                    height,
+                                    stride,
+                                    step,
+                                    target.data(),
+                                    17,
+                                    15,
+                                    (xStep < 0 ? 14 : -2) * kOne + 12345,
+                                    fixed(xStep),
+                                    fixed(xShear),
+                                    4321 - kOne,
+                                    fixed(yStep)};
         host::resampleAlpha(p);
-        for (int j = 0; j < p.targetHeight; ++j) {
-            for (int i = 0; i < p.targetWidth; ++i) {
-                // Rounded twice, and the weights are 65536ths.
-                ASSERT_NEAR(target[static_cast<size_t>(j * p.targetWidth + i)], boxMean(p, i, j), 0.51)
-                    << "step " << c.xStep << " at " << i << ", " << j;
-            }
+        for (int i = 0; i < 17 * 15; ++i) {
+            // Rounded twice, and the weights are 65536ths.
+            ASSERT_NEAR(target[static_cast<size_t>(i)], boxMean(p, i % 17, i / 17), 0.51)
+                << "step " << xStep << " at " << i % 17 << ", " << i / 17;
         }
         EXPECT_EQ(target.back(), 0xAB);
     }

@@ -111,30 +111,38 @@ TEST(PixelMath, StraightSourceOverIsRoundedToTheNearest) {
 
 TEST(SkBitmap, RefusesWhatItCannotDraw) {
     uint8_t pixels[64] = {};
-    const auto install = [&](int width, int height, SkColorType type, SkAlphaType alpha, size_t rowBytes) {
-        SkBitmap bitmap;
-        const bool installed =
-            bitmap.installPixels(SkImageInfo::Make(width, height, type, alpha), pixels, rowBytes);
-        EXPECT_EQ(bitmap.getPixels() != nullptr, installed);
-        SkCanvas canvas(bitmap);
-        if (!installed) canvas.drawColor(0xFFFFFFFF, SkBlendMode::kSrc);
-        return installed;
+    const auto k8888 = kRGBA_8888_SkColorType;
+    const auto k8 = kAlpha_8_SkColorType;
+    const auto straight = kUnpremul_SkAlphaType, premultiplied = kPremul_SkAlphaType;
+    const struct {
+        int width, height;
+        SkColorType type;
+        SkAlphaType alpha;
+        size_t rowBytes;
+        bool taken;
+    } cases[] = {
+        {4, 4, k8888, straight, 16, true},
+        {0, 4, k8, premultiplied, 0, true},
+        {4, 0, k8, premultiplied, 4, true},
+        {4, 4, k8888, straight, 15, false},
+        {4, 4, k8888, premultiplied, 16, false},
+        {4, 4, kUnknown_SkColorType, straight, 16, false},
+        {-1, 4, k8, premultiplied, 16, false},
+        {4, -4, k8, premultiplied, 16, false},
+        {0x20000000, 1, k8888, straight, 0x80000000, false},
+        {1, 0x40000000, k8, premultiplied, 2, false},
     };
-    EXPECT_TRUE(install(4, 4, kRGBA_8888_SkColorType, kUnpremul_SkAlphaType, 16));
-    EXPECT_TRUE(install(0, 4, kAlpha_8_SkColorType, kPremul_SkAlphaType, 0));
-    EXPECT_TRUE(install(4, 0, kAlpha_8_SkColorType, kPremul_SkAlphaType, 4));
-    EXPECT_FALSE(install(4, 4, kRGBA_8888_SkColorType, kUnpremul_SkAlphaType, 15));
-    EXPECT_FALSE(install(4, 4, kRGBA_8888_SkColorType, kPremul_SkAlphaType, 16));
-    EXPECT_FALSE(install(4, 4, kUnknown_SkColorType, kUnpremul_SkAlphaType, 16));
-    EXPECT_FALSE(install(-1, 4, kAlpha_8_SkColorType, kPremul_SkAlphaType, 16));
-    EXPECT_FALSE(install(4, -4, kAlpha_8_SkColorType, kPremul_SkAlphaType, 16));
-    EXPECT_FALSE(install(0x20000000, 1, kRGBA_8888_SkColorType, kUnpremul_SkAlphaType, 0x80000000));
-    EXPECT_FALSE(install(1, 0x40000000, kAlpha_8_SkColorType, kPremul_SkAlphaType, 2));
+    for (const auto& c : cases) {
+        SkBitmap bitmap;
+        const SkImageInfo info = SkImageInfo::Make(c.width, c.height, c.type, c.alpha);
+        EXPECT_EQ(bitmap.installPixels(info, pixels, c.rowBytes), c.taken) << &c - cases;
+        EXPECT_EQ(bitmap.getPixels() != nullptr, c.taken) << &c - cases;
+        if (!c.taken) SkCanvas(bitmap).drawColor(0xFFFFFFFF, SkBlendMode::kSrc);
+    }
     EXPECT_EQ(pixels[0], 0);
 
     SkBitmap bitmap;
-    EXPECT_TRUE(
-        bitmap.installPixels(SkImageInfo::Make(4, 4, kAlpha_8_SkColorType, kPremul_SkAlphaType), nullptr, 4));
+    EXPECT_TRUE(bitmap.installPixels(SkImageInfo::Make(4, 4, k8, premultiplied), nullptr, 4));
     SkCanvas canvas(bitmap);  // draws nothing
     canvas.drawColor(0xFFFFFFFF, SkBlendMode::kSrc);
     canvas.drawRect(SkRect::MakeLTRB(0, 0, 4, 4), colored(0xFF00FF00));
@@ -158,89 +166,80 @@ TEST(SkCanvas, DrawColorWritesOrComposites) {
 }
 
 TEST(SkCanvas, APixelBelongsToARectangleThatHoldsItsCentre) {
-    struct Case {
+    const struct {
         float from, to;
         int first, count;
-    };
-    const Case cases[] = {
-        {2, 5, 2, 3},    {2.4f, 4.6f, 2, 3},    {2.5f, 4.5f, 2, 2}, {2.6f, 2.9f, 0, 0},
-        {5, 2, 2, 3},    {-kInfinity, 3, 0, 3}, {7, 1e30f, 7, 3},   {-1e30f, kInfinity, 0, 10},
-        {kNan, 4, 0, 0}, {3, kNan, 0, 0},       {-5, 0.5f, 0, 0},   {9.5f, 12, 9, 1},
-        {10, 20, 0, 0}};
-    for (const Case& c : cases) {
-        for (const bool clip : {false, true}) {
-            for (const bool across : {false, true}) {
-                Picture picture(10, 10, kAlpha_8_SkColorType);
-                const SkRect rect =
-                    across ? SkRect::MakeLTRB(c.from, 1, c.to, 2) : SkRect::MakeLTRB(1, c.from, 2, c.to);
-                if (clip) {
-                    picture.canvas->clipRect(rect, SkClipOp::kIntersect, true);
-                    picture.canvas->drawColor(0xFF000000, SkBlendMode::kSrc);
-                } else {
-                    picture.canvas->drawRect(rect, colored(0xFF000000));
-                }
-                for (int i = 0; i < 10; ++i) {
-                    const int expected = i >= c.first && i < c.first + c.count ? 255 : 0;
-                    ASSERT_EQ(across ? picture.coverage(i, 1) : picture.coverage(1, i), expected)
-                        << c.from << " to " << c.to << ", clip " << clip << ", pixel " << i;
-                    ASSERT_EQ(across ? picture.coverage(i, 2) : picture.coverage(2, i), 0);
-                }
+    } cases[] = {{2, 5, 2, 3},    {2.4f, 4.6f, 2, 3},    {2.5f, 4.5f, 2, 2}, {2.6f, 2.9f, 0, 0},
+                 {5, 2, 2, 3},    {-kInfinity, 3, 0, 3}, {7, 1e30f, 7, 3},   {-1e30f, kInfinity, 0, 10},
+                 {kNan, 4, 0, 0}, {3, kNan, 0, 0},       {-5, 0.5f, 0, 0},   {9.5f, 12, 9, 1},
+                 {10, 20, 0, 0}};
+    for (const auto& c : cases) {
+        for (const int mode : {0, 1, 2, 3}) {
+            const bool clip = mode % 2 != 0, across = mode / 2 != 0;
+            Picture picture(10, 10, kAlpha_8_SkColorType);
+            const SkRect rect =
+                across ? SkRect::MakeLTRB(c.from, 1, c.to, 2) : SkRect::MakeLTRB(1, c.from, 2, c.to);
+            if (clip) {
+                picture.canvas->clipRect(rect, SkClipOp::kIntersect, true);
+                picture.canvas->drawColor(0xFF000000, SkBlendMode::kSrc);
+            } else {
+                picture.canvas->drawRect(rect, colored(0xFF000000));
             }
+            std::vector<uint8_t> expected(100);
+            for (int i = c.first; i < c.first + c.count; ++i) {
+                expected[static_cast<size_t>(across ? 10 + i : 10 * i + 1)] = 255;
+            }
+            ASSERT_EQ(picture.pixels(), expected) << c.from << " to " << c.to << ", mode " << mode;
         }
     }
 }
 
 TEST(SkCanvas, ClipsOnlyShrink) {
     Picture picture(10, 4, kAlpha_8_SkColorType);
-    picture.canvas->clipRect(SkRect::MakeLTRB(2, 0, 8, 4), SkClipOp::kIntersect, true);
-    picture.canvas->clipRect(SkRect::MakeLTRB(0, 1, 6, 40), SkClipOp::kIntersect, false);
+    const auto clip = [&picture](float left, float top, float right, float bottom) {
+        picture.canvas->clipRect(SkRect::MakeLTRB(left, top, right, bottom), SkClipOp::kIntersect, true);
+    };
+    clip(2, 0, 8, 4);
+    clip(0, 1, 6, 40);
     picture.canvas->drawRect(SkRect::MakeLTRB(0, 0, 10, 4), colored(0x80000000));
     for (int y = 0; y < 4; ++y) {
         for (int x = 0; x < 10; ++x) EXPECT_EQ(picture.coverage(x, y), x >= 2 && x < 6 && y >= 1 ? 128 : 0);
     }
-    picture.canvas->clipRect(SkRect::MakeLTRB(7, 0, 9, 4), SkClipOp::kIntersect,
-                             true);  // disjoint: nothing is left
+    clip(7, 0, 9, 4);  // disjoint: nothing is left
     const std::vector<uint8_t> before = picture.pixels();
-    picture.canvas->clipRect(SkRect::MakeLTRB(0, 0, 10, 4), SkClipOp::kIntersect, true);
+    clip(0, 0, 10, 4);
     picture.canvas->drawColor(0xFFFFFFFF, SkBlendMode::kSrc);
     EXPECT_EQ(picture.pixels(), before);
 }
 
 TEST(SkCanvas, BitmapsAreCompositedInsideTheClip) {
     Picture source(4, 3, kRGBA_8888_SkColorType);
-    for (int y = 0; y < 3; ++y) {
-        for (int x = 0; x < 4; ++x) {
-            const uint8_t pixel[4] = {static_cast<uint8_t>(10 * x), static_cast<uint8_t>(20 * y), 200,
-                                      static_cast<uint8_t>(60 * x + 20 * y)};
-            std::memcpy(source.row(y) + 4 * x, pixel, 4);
-        }
+    for (int i = 0; i < 12; ++i) {
+        const int x = i % 4, y = i / 4, channels[4] = {10 * x, 20 * y, 200, 60 * x + 20 * y};
+        std::copy(channels, channels + 4, source.row(y) + 4 * x);
     }
-    struct Place {
+    const struct {
         float x, y;
         int left, top;
-    };
-    const Place places[] = {{0, 0, 0, 0},         {2, 1, 2, 1},           {-2, -1, -2, -1},
-                            {1.4f, 0.6f, 1, 1},   {-0.5f, -0.6f, -1, -1}, {5, 4, 5, 4},
-                            {-4, 0, -4, 0},       {1e30f, 0, 100, 0},     {0, -1e30f, 0, 100},
-                            {kNan, 0, 100, 0},    {0, kInfinity, 0, 100}, {2e9f, 2e9f, 100, 100},
-                            {-2.68e8f, 0, 100, 0}};
-    for (const Place& place : places) {
+    } places[] = {{0, 0, 0, 0},         {2, 1, 2, 1},           {-2, -1, -2, -1},
+                  {1.4f, 0.6f, 1, 1},   {5, 4, 5, 4},           {-0.5f, -0.6f, -1, -1},
+                  {-4, 0, -4, 0},       {1e30f, 0, 100, 0},     {kNan, 0, 100, 0},
+                  {0, -1e30f, 0, 100},  {0, kInfinity, 0, 100}, {2e9f, 2e9f, 100, 100},
+                  {-2.68e8f, 0, 100, 0}};
+    for (const auto& place : places) {
         Picture target(6, 5, kRGBA_8888_SkColorType);
         target.canvas->drawColor(0x77334455, SkBlendMode::kSrc);
         target.canvas->clipRect(SkRect::MakeLTRB(0, 0, 5, 5), SkClipOp::kIntersect, true);
         target.canvas->drawBitmap(source.bitmap, place.x, place.y);
-        for (int y = 0; y < 5; ++y) {
-            for (int x = 0; x < 6; ++x) {
-                uint8_t expected[4] = {0x33, 0x44, 0x55, 0x77};
-                const int sx = x - place.left, sy = y - place.top;
-                if (x < 5 && sx >= 0 && sx < 4 && sy >= 0 && sy < 3) {
-                    const std::array<int, 4> s = source.colour(sx, sy);
-                    host::straightOver(expected, static_cast<uint8_t>(s[0]), static_cast<uint8_t>(s[1]),
-                                       static_cast<uint8_t>(s[2]), static_cast<uint8_t>(s[3]));
-                }
-                ASSERT_EQ(std::memcmp(target.row(y) + 4 * x, expected, 4), 0)
-                    << "at " << place.x << ", " << place.y << " pixel " << x << ", " << y;
+        for (int i = 0; i < 30; ++i) {
+            uint8_t expected[4] = {0x33, 0x44, 0x55, 0x77};
+            const int x = i % 6, y = i / 6, sx = x - place.left, sy = y - place.top;
+            if (x < 5 && sx >= 0 && sx < 4 && sy >= 0 && sy < 3) {
+                const uint8_t* p = source.row(sy) + 4 * sx;
+                host::straightOver(expected, p[0], p[1], p[2], p[3]);
             }
+            ASSERT_EQ(std::memcmp(target.row(y) + 4 * x, expected, 4), 0)
+                << "at " << place.x << ", " << place.y << " pixel " << x << ", " << y;
         }
     }
 
@@ -341,24 +340,21 @@ TEST_F(TextTest, GlyphsLieOverEachOtherInOrder) {
     const sk_sp<SkTextBlob> both = blobOf({{kA, 10, 30}, {kO, 14.5f, 30}});
     const std::vector<uint8_t> a = placed(kA, 10, 30, 0), o = placed(kO, 14, 30, 2);
     const std::vector<uint8_t> result = drawn(both, 0, 0), faint = drawn(both, 0, 0, 0x80123456);
+    Picture colour(kWidth, kHeight, kRGBA_8888_SkColorType);
+    colour.canvas->drawColor(0xFFFFFFFF, SkBlendMode::kSrc);
+    colour.canvas->drawTextBlob(both, 0, 0, colored(0xFF0000FF));
+    const std::vector<uint8_t> blue = colour.pixels();
     int overlapped = 0;
     for (size_t i = 0; i < result.size(); ++i) {
         ASSERT_EQ(result[i], host::coverageOver(o[i], a[i]));
         const auto half = [](uint8_t c) { return static_cast<uint8_t>(host::multiplyBytes(c, 128)); };
         ASSERT_EQ(faint[i], host::coverageOver(half(o[i]), half(a[i])));
+        uint8_t pixel[4] = {255, 255, 255, 255};
+        for (const uint8_t coverage : {a[i], o[i]}) host::straightOver(pixel, 0, 0, 255, coverage);
+        ASSERT_EQ(std::memcmp(&blue[4 * i], pixel, 4), 0);
         overlapped += a[i] != 0 && o[i] != 0;
     }
     EXPECT_GT(overlapped, 5);
-
-    Picture colour(kWidth, kHeight, kRGBA_8888_SkColorType);
-    colour.canvas->drawColor(0xFFFFFFFF, SkBlendMode::kSrc);
-    colour.canvas->drawTextBlob(both, 0, 0, colored(0xFF0000FF));
-    for (int i = 0; i < kWidth * kHeight; ++i) {
-        uint8_t pixel[4] = {255, 255, 255, 255};
-        host::straightOver(pixel, 0, 0, 255, a[static_cast<size_t>(i)]);
-        host::straightOver(pixel, 0, 0, 255, o[static_cast<size_t>(i)]);
-        ASSERT_EQ(std::memcmp(colour.row(i / kWidth) + 4 * (i % kWidth), pixel, 4), 0);
-    }
 }
 
 TEST_F(TextTest, TheRunsPaintSetsTheFontAndTheDrawingPaintTheColour) {
@@ -366,7 +362,7 @@ TEST_F(TextTest, TheRunsPaintSetsTheFontAndTheDrawingPaintTheColour) {
     *builder.allocRunPos(font, 1).glyphs = kA;
     const auto& second = builder.allocRunPos(font, 1);
     *second.glyphs = kO;
-    second.pos[0] = 25;
+    second.pos[0] = 40;
     const sk_sp<SkTextBlob> blob = builder.make();
     EXPECT_FALSE(builder.make());
     SkPaint other;
@@ -374,10 +370,7 @@ TEST_F(TextTest, TheRunsPaintSetsTheFontAndTheDrawingPaintTheColour) {
     other.setFakeBoldText(true);
     Picture picture(kWidth, kHeight, kAlpha_8_SkColorType);
     picture.canvas->drawTextBlob(blob, 5, 30, other);
-    std::vector<uint8_t> expected = placed(kA, 5, 30, 0);
-    const std::vector<uint8_t> o = placed(kO, 30, 30, 0);
-    for (size_t i = 0; i < expected.size(); ++i) expected[i] = host::coverageOver(o[i], expected[i]);
-    EXPECT_EQ(picture.pixels(), expected);
+    EXPECT_EQ(picture.pixels(), drawn(blobOf({{kA, 5, 30}, {kO, 45, 30}}), 0, 0));
 }
 
 TEST_F(TextTest, WhatCannotBeDrawnLeavesThePicture) {

@@ -48,32 +48,26 @@ struct TracedStream : SkMemoryStream {
 
 TEST(SkTypeface, TakesTheStreamOverAndKeepsItAsLongAsTheFace) {
     const auto& file = fonts::bytes(fonts::Role::kLatinSmall);
-    bool living = false;
-    sk_sp<SkTypeface> typeface =
-        SkTypeface::MakeFromStream(new TracedStream(file.data(), file.size(), &living));
-    ASSERT_TRUE(typeface);
+    bool living = false, other = false;
+    const auto make = [&file](bool* living, size_t size, int index = 0) {
+        return SkTypeface::MakeFromStream(new TracedStream(file.data(), size, living), index);
+    };
+    sk_sp<SkTypeface> typeface = make(&living, file.size()), second = make(&other, file.size());
+    ASSERT_TRUE(typeface && second);
+    EXPECT_NE(typeface->uniqueID(), 0u);
+    EXPECT_NE(typeface->uniqueID(), second->uniqueID());
     std::shared_ptr<host::FontFace> face = typeface->face();
     typeface.reset();
     EXPECT_TRUE(living);
     face.reset();
     EXPECT_FALSE(living);
 
-    EXPECT_FALSE(SkTypeface::MakeFromStream(new TracedStream(file.data(), 100, &living)));
+    EXPECT_FALSE(make(&living, 100));
     EXPECT_FALSE(living);
-    EXPECT_FALSE(SkTypeface::MakeFromStream(new TracedStream(file.data(), file.size(), &living), 1));
+    EXPECT_FALSE(make(&living, file.size(), 1));
     EXPECT_FALSE(living);
     EXPECT_FALSE(SkTypeface::MakeFromStream(nullptr));
     EXPECT_FALSE(SkTypeface::MakeFromStream(new SkMemoryStream(nullptr, 100)));
-}
-
-TEST(SkTypeface, EveryOneHasItsOwnId) {
-    const auto& file = fonts::bytes(fonts::Role::kLatinSmall);
-    const auto make = [&] {
-        return SkTypeface::MakeFromStream(new SkMemoryStream(file.data(), file.size()));
-    };
-    const sk_sp<SkTypeface> a = make(), b = make();
-    EXPECT_NE(a->uniqueID(), 0u);
-    EXPECT_NE(a->uniqueID(), b->uniqueID());
 }
 
 TEST(SkMemoryStream, CopiesWhenAsked) {
@@ -85,7 +79,7 @@ TEST(SkMemoryStream, CopiesWhenAsked) {
     EXPECT_EQ(copied.getLength(), 3u);
 }
 
-TEST(SkPaint, FlagsAreTheBooleanSettings) {
+TEST(SkPaint, FlagsAndSizes) {
     SkPaint paint;
     EXPECT_EQ(paint.getFlags(), 0u);
     paint.setFlags(0x1 | 0x20 | 0x40 | 0x80 | 0x10000);
@@ -96,15 +90,12 @@ TEST(SkPaint, FlagsAreTheBooleanSettings) {
     EXPECT_EQ(paint.getFlags(), 0x40u | 0x80 | 0x10000);
     paint.setAntiAlias(true);
     EXPECT_EQ(paint.getFlags(), 0x1u | 0x40 | 0x80 | 0x10000);
-}
 
-TEST(SkPaint, SizesBelowZeroLeaveTheOldOne) {
-    SkPaint paint;
     EXPECT_EQ(paint.getTextSize(), 12);
-    paint.setTextSize(30);
-    paint.setTextSize(-1);
-    paint.setTextSize(std::nanf(""));
-    EXPECT_EQ(paint.getTextSize(), 30);
+    for (const float size : {30.0f, -1.0f, std::nanf("")}) {  // what is no size leaves the old one
+        paint.setTextSize(size);
+        EXPECT_EQ(paint.getTextSize(), 30);
+    }
     paint.setTextSize(0);
     EXPECT_EQ(paint.getTextSize(), 0);
 }
