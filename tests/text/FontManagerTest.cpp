@@ -8,6 +8,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -64,10 +65,8 @@ int familyCount(const FontManager& manager, const char* path) {
     return static_cast<int>(families.size());
 }
 
-std::vector<std::string> keysOf(const FontManager& manager) {
-    std::vector<std::string> keys;
-    for (const auto& entry : manager.mImpl->fontMap) keys.push_back(entry.first);
-    return keys;
+bool add(FontManager& manager, const char* path, int index = 0, bool isDefault = true) {
+    return manager.AddMinikinFont(path, nullptr, 0, index, isDefault);
 }
 
 }  // namespace
@@ -76,100 +75,82 @@ using FontManagerFiles = FontFiles;
 
 TEST(FontManager, ReadsAFileOnceAndKeepsTheFirstFont) {
     FontManager manager;
-    ASSERT_TRUE(manager.AddMinikinFont(kSans, nullptr, 0, 0, true));
+    ASSERT_TRUE(add(manager, kSans));
     const double readOnce = manager.mImpl->totalSize;
     EXPECT_NEAR(readOnce, readFile(kSans).size() / 1024000.0, 1e-6);
     const std::weak_ptr<minikin::MinikinFont> first = manager.mImpl->fontMap.begin()->second;
-
-    EXPECT_TRUE(manager.AddMinikinFont(kSans, nullptr, 0, 0, true));
-    EXPECT_TRUE(manager.AddMinikinFont(kSans, nullptr, 0, 0, false));
+    EXPECT_TRUE(add(manager, kSans));
+    EXPECT_TRUE(add(manager, kSans, 0, false));
     EXPECT_EQ(manager.mImpl->totalSize, readOnce);
     EXPECT_EQ(manager.mImpl->fontMap.begin()->second, first.lock());
     EXPECT_EQ(manager.mImpl->fontMap.size(), 1u);
 }
 
-TEST(FontManager, KeysHoldTheIndexAsOneCharacterAndANul) {
+// The address sanitizer is a judge here too: each buffer is freed exactly once.
+TEST(FontManager, OwnsHandedOverBuffersUnderTheirNameAndIndex) {
     FontManager manager;
     const std::string bytes = readFile(kSans);
-    ASSERT_TRUE(manager.AddMinikinFont("name", newBuffer(bytes), bytes.size(), 0, true));
-    EXPECT_EQ(keysOf(manager), std::vector<std::string>({std::string("name0\0", 6)}));
+    const unsigned int size = static_cast<unsigned int>(bytes.size());
+    const auto name = makeString("name");
+    for (const bool isDefault : {true, true, false}) {
+        EXPECT_TRUE(manager.AddMinikinFont("name", newBuffer(bytes), size, 0, isDefault));
+    }
+    EXPECT_TRUE(manager.AddMinikinFont(name.get(), newBuffer(bytes), size, 0, true));
+    EXPECT_FALSE(manager.AddMinikinFont(static_cast<ZvString*>(nullptr), newBuffer(bytes), size, 0, true));
+    const std::tuple<const char*, unsigned, int> bad[] = {{"", size, 0},      {nullptr, size, 0},
+                                                          {"empty", 0, 0},    {"cut", 14, 0},
+                                                          {"index", size, 7}, {"index", size, -1}};
+    for (const auto& [path, length, index] : bad) {
+        EXPECT_FALSE(manager.AddMinikinFont(path, newBuffer(bytes), length, index, true)) << length << index;
+    }
+    // The key holds the index as one character, and a NUL.
+    ASSERT_EQ(manager.mImpl->fontMap.size(), 1u);
+    EXPECT_EQ(manager.mImpl->fontMap.begin()->first, std::string("name0\0", 6));
     EXPECT_TRUE(manager.mImpl->dataMap.empty());  // a buffer belongs to its font alone
     EXPECT_EQ(manager.mImpl->totalSize, 0);
-
     EXPECT_EQ(ZvFontManagerImpl::fontKey("p", 9), std::string("p9\0", 3));
     EXPECT_EQ(ZvFontManagerImpl::fontKey("p", 10), std::string("p:\0", 3));
     EXPECT_EQ(ZvFontManagerImpl::fontKey("p", 10 + 256), std::string("p:\0", 3));
     EXPECT_EQ(ZvFontManagerImpl::dataKey("p"), std::string("p\0", 2));
     EXPECT_TRUE(manager.IsExisting("name", 0));
     EXPECT_FALSE(manager.IsExisting("name", 1));
-    EXPECT_FALSE(manager.IsExisting("", 0));
-    EXPECT_FALSE(manager.IsExisting(nullptr, 0));
-}
-
-// The address sanitizer is the judge here: each buffer is freed exactly once.
-TEST(FontManager, OwnsHandedOverBuffersOnEveryPath) {
-    FontManager manager;
-    const std::string bytes = readFile(kSans);
-    const unsigned int size = static_cast<unsigned int>(bytes.size());
-    const auto name = makeString("name");
-    EXPECT_TRUE(manager.AddMinikinFont("name", newBuffer(bytes), size, 0, true));
-    EXPECT_TRUE(manager.AddMinikinFont("name", newBuffer(bytes), size, 0, true));
-    EXPECT_TRUE(manager.AddMinikinFont("name", newBuffer(bytes), size, 0, false));
-    EXPECT_TRUE(manager.AddMinikinFont(name.get(), newBuffer(bytes), size, 0, true));
-    EXPECT_FALSE(manager.AddMinikinFont("", newBuffer(bytes), size, 0, true));
-    EXPECT_FALSE(manager.AddMinikinFont(static_cast<const char*>(nullptr), newBuffer(bytes), size, 0, true));
-    EXPECT_FALSE(manager.AddMinikinFont(static_cast<ZvString*>(nullptr), newBuffer(bytes), size, 0, true));
-    EXPECT_FALSE(manager.AddMinikinFont("empty", newBuffer(bytes), 0, 0, true));
-    EXPECT_FALSE(manager.AddMinikinFont("garbage", newBuffer("no font at all"), 14, 0, true));
-    EXPECT_FALSE(manager.AddMinikinFont("index", newBuffer(bytes), size, 7, true));
-    EXPECT_FALSE(manager.AddMinikinFont("index", newBuffer(bytes), size, -1, true));
-    EXPECT_EQ(manager.mImpl->fontMap.size(), 1u);
+    for (const char* none : {"", static_cast<const char*>(nullptr)})
+        EXPECT_FALSE(manager.IsExisting(none, 0));
 }
 
 TEST_F(FontManagerFiles, BadFilesFailWithALineAndLeaveNothingBehind) {
-    const std::string fontBytes = readFile(kSans);
     const std::string fifo = pathOf("fifo");
     ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
-    const struct {
-        std::string path;
-        const char* line;
-    } cases[] = {
-        {mFolder + "/missing.ttf", "ZvFontManager: AddMinikinFont() - Fail to get font"},
-        {mFolder, "ZvFontManager: AddMinikinFont() - Fail to get font"},
-        {fifo, "ZvFontManager: AddMinikinFont() - Fail to get font"},
-        {write("empty.ttf", ""), "ZvFontManager: AddMinikinFont() - Fail to get font"},
-        {write("garbage.ttf", std::string(5000, 'x')),
-         "ZvFontManager: AddMinikinFont() - Fail to create typeface"},
-        {write("cut.ttf", fontBytes.substr(0, 100)),
-         "ZvFontManager: AddMinikinFont() - Fail to create typeface"},
+    const std::pair<std::string, std::string> cases[] = {
+        {mFolder + "/missing.ttf", "get font"},
+        {mFolder, "get font"},
+        {fifo, "get font"},
+        {write("empty.ttf", ""), "get font"},
+        {write("garbage.ttf", std::string(5000, 'x')), "create typeface"},
+        {write("late.ttf", readFile(kSans).substr(0, 100)), "create typeface"},
     };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.path);
-        FontManager manager;
-        Error::SetError(0);
+    FontManager manager;
+    Error::SetError(0);
+    for (const auto& [path, failure] : cases) {
+        SCOPED_TRACE(path);
         host::LogCapture log;
-        EXPECT_FALSE(manager.AddMinikinFont(c.path.c_str(), nullptr, 0, 0, true));
-        EXPECT_EQ(errorLines(log), std::vector<std::string>({c.line}));
+        EXPECT_FALSE(add(manager, path.c_str()));
+        EXPECT_EQ(errorLines(log),
+                  std::vector<std::string>({"ZvFontManager: AddMinikinFont() - Fail to " + failure}));
         EXPECT_EQ(Error::GetError(), 0u);
         EXPECT_TRUE(manager.mImpl->fontMap.empty());
         EXPECT_TRUE(manager.mImpl->dataMap.empty());
     }
-}
-
-TEST_F(FontManagerFiles, AFileThatBecomesAFontIsReadAfresh) {
-    FontManager manager;
-    const std::string path = write("late.ttf", "not yet");
-    EXPECT_FALSE(manager.AddMinikinFont(path.c_str(), nullptr, 0, 0, true));
-    write("late.ttf", readFile(kSans));
-    EXPECT_TRUE(manager.AddMinikinFont(path.c_str(), nullptr, 0, 0, true));
+    // A file that becomes a font is read afresh.
+    EXPECT_TRUE(add(manager, write("late.ttf", readFile(kSans)).c_str()));
 }
 
 TEST(FontManager, ARefusedIndexKeepsTheBytesOfTheOthers) {
     FontManager manager;
-    ASSERT_TRUE(manager.AddMinikinFont(kCjk, nullptr, 0, 1, true));
-    EXPECT_FALSE(manager.AddMinikinFont(kCjk, nullptr, 0, 200, true));
+    ASSERT_TRUE(add(manager, kCjk, 1));
+    EXPECT_FALSE(add(manager, kCjk, 200));
     EXPECT_EQ(manager.mImpl->dataMap.size(), 1u);
-    EXPECT_TRUE(manager.AddMinikinFont(kCjk, nullptr, 0, 0, true));
+    EXPECT_TRUE(add(manager, kCjk, 0));
     EXPECT_EQ(manager.mImpl->fontMap.size(), 2u);
     EXPECT_EQ(manager.mImpl->dataMap.size(), 1u);
 }
@@ -191,27 +172,22 @@ TEST_F(FontManagerFiles, GetFontDataReadsWholeFilesOnly) {
 }
 
 TEST(FontManager, FileNameTellsTheWeight) {
-    const struct {
-        const char* path;
-        int weight;
-    } cases[] = {
-        {"/fonts/Roboto-BoldItalic.ttf", 700},
-        {"/fonts/NotoSans-Black.ttf", 900},
-        {"/fonts/NotoSans-Thin.ttf", 100},
-        {"/fonts/NotoSans-ExtraLight.ttf", 300},
-        {"/fonts/NotoSans-MediumBlack.ttf", 500},
-        {"/fonts/Name-Bold", 700},  // at the very end too
-        {"/fonts-Light/NotoSans-Bold.ttf", 300},
-        {"/fonts/MyBoldFont.ttf", 350},
-        {"-Bold.ttf", 350},
-        {"/fonts/NotoSans-Regular.ttf", 350},
-    };
+    const std::pair<const char*, int> cases[] = {{"/fonts/Roboto-BoldItalic.ttf", 700},
+                                                 {"/fonts/NotoSans-Black.ttf", 900},
+                                                 {"/fonts/NotoSans-Thin.ttf", 100},
+                                                 {"/fonts/NotoSans-ExtraLight.ttf", 300},
+                                                 {"/fonts/NotoSans-MediumBlack.ttf", 500},
+                                                 {"/fonts/Name-Bold", 700},
+                                                 {"/fonts-Light/NotoSans-Bold.ttf", 300},
+                                                 {"/fonts/MyBoldFont.ttf", 350},
+                                                 {"-Bold.ttf", 350},
+                                                 {"/fonts/NotoSans-Regular.ttf", 350}};
     FontManager manager;
-    for (const auto& c : cases) {
+    for (const auto& [path, expected] : cases) {
         std::vector<std::shared_ptr<minikin::FontFamily>> families;
         int weight = 350;
-        EXPECT_TRUE(manager.GetMinikinFontFamilies(families, makeString(c.path).get(), weight));
-        EXPECT_EQ(weight, c.weight) << c.path;
+        EXPECT_TRUE(manager.GetMinikinFontFamilies(families, makeString(path).get(), weight));
+        EXPECT_EQ(weight, expected) << path;
         EXPECT_TRUE(families.empty());
     }
 }
@@ -232,8 +208,10 @@ TEST(FontManager, SystemRobotoMakesNoFamilyOfItsOwn) {
 
 TEST(FontManager, LoadsOneFamilyOfALocaleAtATime) {
     FontManager manager;
-    const uint32_t japanese = minikin::registerLocaleList("ja");
-    EXPECT_FALSE(manager.LoadMinikinFontFamily(japanese));
+    const auto load = [&manager](const char* locale) {
+        return manager.LoadMinikinFontFamily(minikin::registerLocaleList(locale));
+    };
+    EXPECT_FALSE(load("ja"));
     ZvFontFamily* first = makeFamily("ja", {kSans});
     ZvFontFamily* broken = makeFamily("ja", {kBold, "/missing.ttf"});
     ZvFontFamily* empty = makeFamily("ko", {});
@@ -241,35 +219,30 @@ TEST(FontManager, LoadsOneFamilyOfALocaleAtATime) {
     EXPECT_TRUE(manager.IsSystemFontFamiliesAlreadySet());
     EXPECT_EQ(familyCount(manager, nullptr), 0);
 
-    EXPECT_TRUE(manager.LoadMinikinFontFamily(japanese));
+    EXPECT_TRUE(load("ja"));
     EXPECT_NE(first->loaded, 0);
-    EXPECT_EQ(broken->loaded, 0);
     EXPECT_EQ(familyCount(manager, nullptr), 1);
     // Found, but it cannot be built: true all the same, and again the next time.
-    EXPECT_TRUE(manager.LoadMinikinFontFamily(japanese));
+    for (const char* locale : {"ja", "ja", "ko"}) EXPECT_TRUE(load(locale));
     EXPECT_EQ(broken->loaded, 0);
-    EXPECT_TRUE(manager.LoadMinikinFontFamily(minikin::registerLocaleList("ko")));
     EXPECT_EQ(empty->loaded, 0);
-    EXPECT_FALSE(manager.LoadMinikinFontFamily(minikin::registerLocaleList("und-Cyrl")));
+    EXPECT_FALSE(load("und-Cyrl"));
     EXPECT_EQ(familyCount(manager, nullptr), 1);
     EXPECT_EQ(familyCount(manager, kBold), 2);  // its own first, held since the broken family's first font
-}
 
-TEST(FontManager, TakesOneFamilyListUntilItIsCleared) {
-    FontManager manager;
-    ASSERT_TRUE(manager.SetSystemFontFamilies(makeFamilies({})));
-    List* second = makeFamilies({makeFamily("ja", {kSans})});
+    // One family list is taken until it is cleared.
+    List* second = makeFamilies({makeFamily("th", {kSans})});
     EXPECT_TRUE(manager.SetSystemFontFamilies(second));
-    EXPECT_FALSE(manager.LoadMinikinFontFamily(minikin::registerLocaleList("ja")));
+    EXPECT_FALSE(load("th"));
     manager.ClearFontFamilies();
     EXPECT_FALSE(manager.IsSystemFontFamiliesAlreadySet());
     EXPECT_TRUE(manager.SetSystemFontFamilies(second));
-    EXPECT_TRUE(manager.LoadMinikinFontFamily(minikin::registerLocaleList("ja")));
+    EXPECT_TRUE(load("th"));
 }
 
 TEST(FontManager, FontsInUseOutliveClearing) {
     FontManager manager;
-    ASSERT_TRUE(manager.AddMinikinFont(kSans, nullptr, 0, 0, true));
+    ASSERT_TRUE(add(manager, kSans));
     std::vector<std::shared_ptr<minikin::FontFamily>> families;
     int weight = 400;
     const auto path = makeString(kSans);
@@ -285,7 +258,7 @@ TEST(FontManager, FontsInUseOutliveClearing) {
     families.clear();
     EXPECT_TRUE(font.expired());
     EXPECT_TRUE(bytes.expired());
-    EXPECT_TRUE(manager.AddMinikinFont(kSans, nullptr, 0, 0, true));
+    EXPECT_TRUE(add(manager, kSans));
 }
 
 TEST(FontManager, WithoutAnImplementationEverythingReportsEight) {
@@ -296,20 +269,21 @@ TEST(FontManager, WithoutAnImplementationEverythingReportsEight) {
     std::vector<std::shared_ptr<minikin::FontFamily>> families;
     int weight = 400;
     ZvFontFamily family;
-    host::LogCapture log;
-    size_t reports = 0;
-    const auto failsWithEight = [&](bool result) {
-        const bool reported = Error::GetError() == 8 && errorLines(log).size() == ++reports;
-        Error::SetError(0);
-        return !result && reported;
+    const std::function<bool()> calls[] = {
+        [&] { return manager.IsExisting("p", 0); },
+        [&] { return manager.AddMinikinFont("p", newBuffer("x"), 1, 0, true); },
+        [&] { return manager.BuildMinikinFamily(&family); },
+        [&] { return manager.LoadMinikinFontFamily(1); },
+        [&] { return manager.SetSystemFontFamilies(nullptr); },
+        [&] { return manager.IsSystemFontFamiliesAlreadySet(); },
+        [&] { return manager.GetMinikinFont(font, nullptr, 0); },
+        [&] { return manager.GetMinikinFontFamilies(families, nullptr, weight); },
     };
-    Error::SetError(0);
-    EXPECT_TRUE(failsWithEight(manager.IsExisting("p", 0)));
-    EXPECT_TRUE(failsWithEight(manager.AddMinikinFont("p", newBuffer("x"), 1, 0, true)));
-    EXPECT_TRUE(failsWithEight(manager.BuildMinikinFamily(&family)));
-    EXPECT_TRUE(failsWithEight(manager.LoadMinikinFontFamily(1)));
-    EXPECT_TRUE(failsWithEight(manager.SetSystemFontFamilies(nullptr)));
-    EXPECT_TRUE(failsWithEight(manager.IsSystemFontFamiliesAlreadySet()));
-    EXPECT_TRUE(failsWithEight(manager.GetMinikinFont(font, nullptr, 0)));
-    EXPECT_TRUE(failsWithEight(manager.GetMinikinFontFamilies(families, nullptr, weight)));
+    for (const auto& call : calls) {
+        Error::SetError(0);
+        host::LogCapture log;
+        EXPECT_FALSE(call()) << &call - calls;
+        EXPECT_EQ(Error::GetError(), 8u) << &call - calls;
+        EXPECT_EQ(errorLines(log).size(), 1u) << &call - calls;
+    }
 }

@@ -25,7 +25,6 @@ std::vector<LaidOutLine> evenLines(int count) {
         line.bottom = 20 * i + 20;
         line.ascent = -15;
         line.descent = 5;
-        line.left = 0;
         line.width = 50;
         line.start = 10 * i;
         line.visibleEnd = 10 * i + 8;
@@ -44,48 +43,41 @@ ZvView makeView(int height, int gravity, int paddingTop, int paddingBottom, int 
     return view;
 }
 
-struct PlacementCase {
-    const char* name;
-    ZvView view;
-    int count;
-    std::vector<int> starts;     // of the lines shown
-    std::vector<int> baselines;  // of the lines shown
-};
-
 }  // namespace
 
 TEST(LinePlacement, ChoosesAndPlacesLines) {
     const int top = 0x30, centre = 0x10, fill = 0x70, bottom = 0x50, none = 0;
-    const std::vector<PlacementCase> cases = {
-        {"no limit shows nothing", makeView(200, top, 0, 0, 0, 0), 5, {}, {}},
-        {"no lines", makeView(200, top, 0, 0, 3, 0), 0, {}, {}},
-        {"maxLines", makeView(200, top, 7, 0, 0, 3), 5, {0, 10, 20}, {22, 42, 62}},
-        {"lines win over maxLines", makeView(200, top, 0, 0, 2, 4), 5, {0, 10}, {15, 35}},
-        {"negative limits count as none", makeView(200, top, 0, 0, -1, -1), 5, {}, {}},
-        {"more asked for than there are", makeView(200, none, 0, 0, 0, 9), 2, {0, 10}, {15, 35}},
-        {"centre takes the first lines", makeView(100, centre, 10, 4, 0, 2), 5, {0, 10}, {48, 68}},
-        {"centre, odd rest is halved downwards", makeView(45, centre, 0, 0, 0, 2), 2, {0, 10}, {17, 37}},
-        {"centre without room starts at the top", makeView(39, centre, 3, 0, 0, 2), 2, {0, 10}, {18, 38}},
-        {"fill is centre", makeView(100, fill, 10, 4, 0, 2), 5, {0, 10}, {48, 68}},
-        {"bottom, all lines", makeView(100, bottom, 9, 6, 0, 5), 2, {0, 10}, {69, 89}},
-        {"bottom takes the last lines", makeView(100, bottom, 9, 6, 0, 3), 5, {20, 30, 40}, {49, 69, 89}},
-        {"bottom, text higher than the view", makeView(30, bottom, 0, 0, 0, 5), 3, {0, 10, 20}, {-15, 5, 25}},
+    const struct {
+        const char* name;
+        ZvView view;
+        int count;
+        std::vector<std::pair<int, int>> shown;  // starts and baselines
+    } cases[] = {
+        {"no limit shows nothing", makeView(200, top, 0, 0, 0, 0), 5, {}},
+        {"no lines", makeView(200, top, 0, 0, 3, 0), 0, {}},
+        {"maxLines", makeView(200, top, 7, 0, 0, 3), 5, {{0, 22}, {10, 42}, {20, 62}}},
+        {"lines win over maxLines", makeView(200, top, 0, 0, 2, 4), 5, {{0, 15}, {10, 35}}},
+        {"negative limits count as none", makeView(200, top, 0, 0, -1, -1), 5, {}},
+        {"more asked for than there are", makeView(200, none, 0, 0, 0, 9), 2, {{0, 15}, {10, 35}}},
+        {"centre takes the first lines", makeView(100, centre, 10, 4, 0, 2), 5, {{0, 48}, {10, 68}}},
+        {"centre halves an odd rest downwards", makeView(45, centre, 0, 0, 0, 2), 2, {{0, 17}, {10, 37}}},
+        {"centre without room is at the top", makeView(39, centre, 3, 0, 0, 2), 2, {{0, 18}, {10, 38}}},
+        {"fill is centre", makeView(100, fill, 10, 4, 0, 2), 5, {{0, 48}, {10, 68}}},
+        {"bottom, all lines", makeView(100, bottom, 9, 6, 0, 5), 2, {{0, 69}, {10, 89}}},
+        {"bottom, the last lines", makeView(100, bottom, 9, 6, 0, 3), 5, {{20, 49}, {30, 69}, {40, 89}}},
+        {"bottom without room", makeView(30, bottom, 0, 0, 0, 5), 3, {{0, -15}, {10, 5}, {20, 25}}},
     };
-    for (const PlacementCase& c : cases) {
+    for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
-        const std::vector<LaidOutLine> lines = evenLines(c.count);
-        const std::vector<ZvLineInfo> placed = placeLines(c.view, lines.data(), c.count);
-        std::vector<int> starts, baselines;
-        for (const ZvLineInfo& info : placed) {
-            starts.push_back(info.start);
-            baselines.push_back(info.y);
+        std::vector<std::pair<int, int>> shown;
+        for (const ZvLineInfo& info : placeLines(c.view, evenLines(c.count).data(), c.count)) {
+            shown.emplace_back(info.start, info.y);
             EXPECT_EQ(info.end, info.start + 8);
             EXPECT_EQ(info.direction, 1);
             EXPECT_EQ(info.rect.top, info.y - 15);
             EXPECT_EQ(info.rect.bottom, info.y + 5);
         }
-        EXPECT_EQ(starts, c.starts);
-        EXPECT_EQ(baselines, c.baselines);
+        EXPECT_EQ(shown, c.shown);
     }
 }
 
@@ -95,9 +87,10 @@ TEST(LinePlacement, CutsFractionsTowardsZeroBeforeThePadding) {
     std::vector<LaidOutLine> lines = evenLines(1);
     lines[0].left = 10.9f;
     lines[0].width = 20.9f;
-    EXPECT_EQ(placeLines(view, lines.data(), 1).at(0).x, 15);
-    EXPECT_EQ(placeLines(view, lines.data(), 1).at(0).rect.left, 15);
-    EXPECT_EQ(placeLines(view, lines.data(), 1).at(0).rect.right, 35);
+    const ZvLineInfo placed = placeLines(view, lines.data(), 1).at(0);
+    EXPECT_EQ(placed.x, 15);
+    EXPECT_EQ(placed.rect.left, 15);
+    EXPECT_EQ(placed.rect.right, 35);
     lines[0].left = -10.9f;
     EXPECT_EQ(placeLines(view, lines.data(), 1).at(0).x, -5);
 }

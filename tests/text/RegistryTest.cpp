@@ -1,14 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
-#include <cstdio>
 #include <cstdlib>
 #include <string>
 #include <vector>
 
+#include "TextScene.h"
 #include "foundation/Error.h"
 #include "foundation/ZvLog.h"
-#include "platform/host/LogCapture.h"
 #include "text/ZvTextInstanceManager.h"
 #include "text/ZvTextObject.h"
 
@@ -27,11 +26,6 @@ private:
     char mName;
     std::string* mDeletedNames;
 };
-
-bool isErrorReport(const host::LogLine& line, const std::string& tag, int code) {
-    return line.priority == 6 && line.tag == tag &&
-           line.text.rfind("@ Native Error " + std::to_string(code) + " : ", 0) == 0;
-}
 
 }  // namespace
 
@@ -57,10 +51,12 @@ TEST(Registry, HandlesGrowAndAreNeverUsedAgain) {
     EXPECT_EQ(second.GetRuntimeHandle(), handle + 2);
 }
 
-TEST(Registry, LastReleaseDeletes) {
+TEST(Registry, LastReleaseDeletesUnlessToldNotTo) {
     std::string deleted;
     auto* object = new Probe('a', &deleted);
     const int handle = object->GetRuntimeHandle();
+    Registry::Bind(object);
+    EXPECT_TRUE(Registry::Release(object, false));  // leaves a count of zero
     Registry::Bind(object);
     Registry::Bind(object);
     EXPECT_TRUE(Registry::Release(object, true));
@@ -70,31 +66,21 @@ TEST(Registry, LastReleaseDeletes) {
     EXPECT_EQ(Registry::FindZvTextObject(handle), nullptr);
 }
 
-TEST(Registry, ReleaseWithoutDestroyLeavesACountOfZero) {
-    std::string deleted;
-    auto* object = new Probe('a', &deleted);
-    Registry::Bind(object);
-    EXPECT_TRUE(Registry::Release(object, false));
-    Registry::Bind(object);
-    EXPECT_TRUE(Registry::Release(object, true));
-    EXPECT_EQ(deleted, "a");
-}
-
 TEST(Registry, UnknownObjectsAndHandlesAreReported) {
     std::string deleted;
     Probe unbound('a', &deleted);
-    Error::SetError(0);
     host::LogCapture log;
-    EXPECT_FALSE(Registry::Release(&unbound, true));
-    EXPECT_EQ(Error::GetError(), 9u);
-    Error::SetError(0);
-    EXPECT_FALSE(Registry::Release(1 << 30));
-    EXPECT_EQ(Error::GetError(), 9u);
-    const auto lines = log.lines();
+    for (const bool byObject : {true, false}) {
+        Error::SetError(0);
+        EXPECT_FALSE(byObject ? Registry::Release(&unbound, true) : Registry::Release(1 << 30));
+        EXPECT_EQ(Error::GetError(), 9u);
+    }
+    const std::vector<std::string> lines = text_test::errorLines(log);
     ASSERT_EQ(lines.size(), 2u);
-    EXPECT_TRUE(isErrorReport(lines[0], "ZvTextInstanceManager", 9)) << lines[0].text;
-    EXPECT_TRUE(isErrorReport(lines[1], "ZvTextInstanceManager", 9)) << lines[1].text;
-    EXPECT_NE(lines[0].text, lines[1].text);
+    for (const std::string& line : lines) {
+        EXPECT_EQ(line.rfind("ZvTextInstanceManager: @ Native Error 9 : ", 0), 0u) << line;
+    }
+    EXPECT_NE(lines[0], lines[1]);
 }
 
 TEST(Registry, LockDefersLastReleasesAndUnlockMakesThemUpBackwards) {
@@ -121,27 +107,23 @@ TEST(Registry, DebugLinesFollowTheBuild) {
     auto* object = new ZvTextObject;
     object->Construct();
     const std::string handle = std::to_string(object->GetRuntimeHandle());
-    char address[32];
-    std::snprintf(address, sizeof(address), "%p", static_cast<void*>(object));
-    const std::string self = address;
+    const std::string self = text_test::addressOf(object);
     Registry::Bind(object);
     Registry::Bind(object);
     Registry::FindZvTextObject(1 << 30);
     Registry::Release(object, true);
     Registry::Release(object, true);
 
-    std::vector<std::string> wanted;
-    if (ZvLog::IsAllLogEnable()) {
-        wanted = {
-            "ZvTextObject: ZvTextObject(" + self + ")",
-            "ZvTextObject: Construct(" + self + " / " + handle + ")",
-            "ZvTextInstanceManager: Bind(" + self + ") - count: 1",
-            "ZvTextInstanceManager: Bind(" + self + ") - count: 2",
-            "ZvTextInstanceManager: FindZvTextObject() - Can't find the handle[1073741824]",
-            "ZvTextObject: Delete ZvTextObject by InstanceManager : " + self,
-            "ZvTextObject: ~ZvTextObject(" + self + " / " + handle + ")",
-        };
-    }
+    std::vector<std::string> wanted = {
+        "ZvTextObject: ZvTextObject(" + self + ")",
+        "ZvTextObject: Construct(" + self + " / " + handle + ")",
+        "ZvTextInstanceManager: Bind(" + self + ") - count: 1",
+        "ZvTextInstanceManager: Bind(" + self + ") - count: 2",
+        "ZvTextInstanceManager: FindZvTextObject() - Can't find the handle[1073741824]",
+        "ZvTextObject: Delete ZvTextObject by InstanceManager : " + self,
+        "ZvTextObject: ~ZvTextObject(" + self + " / " + handle + ")",
+    };
+    if (!ZvLog::IsAllLogEnable()) wanted.clear();
     std::vector<std::string> written;
     for (const auto& line : log.lines()) {
         EXPECT_EQ(line.priority, 3);

@@ -3,11 +3,13 @@
 // do, and what the drawer says when a part is missing.
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cmath>
-#include <cstdlib>
+#include <cwchar>
 #include <functional>
 #include <limits>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "TextScene.h"
@@ -27,11 +29,7 @@ namespace {
 
 // What the effect stack was handed.
 struct Handed {
-    int x = 0;
-    int y = 0;
-    int width = 0;
-    int height = 0;
-    int baseline = 0;
+    int x, y, width, height, baseline;
     std::vector<uint8_t> pixels;
 };
 
@@ -52,9 +50,18 @@ private:
     std::vector<Handed>* mHanded;
 };
 
-TextScene& withOneLine(TextScene& scene, int x, int y, int end) {
-    scene.setLines({TextScene::makeLine(x, y, 0, end)});
-    return scene;
+// A scene with one line of all of the text.
+struct OneLine : TextScene {
+    OneLine(const wchar_t* text, float size, int width, int height, int x, int y)
+        : TextScene(kSans, text, size, width, height) {
+        setLines({makeLine(x, y, 0, static_cast<int>(std::wcslen(text)))});
+    }
+};
+
+using Edges = std::array<int, 4>;
+
+Edges edgesOf(const ZvRect& rect) {
+    return {rect.left, rect.top, rect.right, rect.bottom};
 }
 
 // Box of the pixels that are not transparent.
@@ -74,56 +81,40 @@ ZvRect inkOf(const Picture& picture) {
 
 TEST(TextDrawing, FailuresSayWhatIsMissing) {
     const struct {
-        const char* name;
-        std::function<void(TextScene&)> spoil;
         std::string line;  // after the drawer's address
         bool reportsEight;
+        std::function<void(TextScene&)> spoil;
     } cases[] = {
-        {"no text", [](TextScene& s) { s.object.SetText(static_cast<const wchar_t*>(nullptr)); },
-         "text is NULL", false},
-        {"empty text", [](TextScene& s) { s.object.SetText(L""); }, "textLength is 0", false},
-        {"no stack",
-         [](TextScene& s) {
-             delete s.object.mImpl->effect;
-             s.object.mImpl->effect = nullptr;
-         },
-         "Effect is NULL", false},
-        {"no lines",
-         [](TextScene& s) {
+        {"text is NULL", false, [](auto& s) { s.object.SetText(static_cast<const wchar_t*>(nullptr)); }},
+        {"textLength is 0", false, [](auto& s) { s.object.SetText(L""); }},
+        {"Effect is NULL", false, [](auto& s) { delete std::exchange(s.object.mImpl->effect, nullptr); }},
+        {"lineInfoList is NULL", true,
+         [](auto& s) {
              s.object.mImpl->clearLineInfo();
-             delete s.object.mImpl->lineInfo;
-             s.object.mImpl->lineInfo = nullptr;
-         },
-         "lineInfoList is NULL", true},
-        {"no font", [](TextScene& s) { s.object.GetFont()->SetFontPath("TextDrawing.unknown"); },
-         "GetMinikinFontFamilies failed", false},
+             delete std::exchange(s.object.mImpl->lineInfo, nullptr);
+         }},
+        {"GetMinikinFontFamilies failed", false,
+         [](auto& s) { s.object.GetFont()->SetFontPath("TextDrawing.unknown"); }},
     };
     for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
-        TextScene scene(kSans, L"ab", 20, 60, 30);
-        withOneLine(scene, 0, 20, 2);
+        SCOPED_TRACE(c.line);
+        OneLine scene(L"ab", 20, 60, 30, 0, 20);
         c.spoil(scene);
         ZvBitmap out(60, 30, 4);
         Error::SetError(0);
         host::LogCapture log;
         EXPECT_EQ(scene.object.GetFont()->DrawTextEffect(&scene.object, &out), 0);
-
-        char address[32];
-        std::snprintf(address, sizeof(address), "%p", static_cast<void*>(scene.object.GetFont()));
         const std::vector<std::string> lines = errorLines(log);
         ASSERT_EQ(lines.size(), c.reportsEight ? 2u : 1u);
-        EXPECT_EQ(lines[0], std::string("ZvFontDrawing: DrawTextEffect(") + address + ") - " + c.line);
+        EXPECT_EQ(lines[0],
+                  "ZvFontDrawing: DrawTextEffect(" + addressOf(scene.object.GetFont()) + ") - " + c.line);
         EXPECT_EQ(lines.back().rfind("ZvFontDrawing: @ Native Error 8 : ", 0) == 0, c.reportsEight);
         EXPECT_EQ(Error::GetError(), c.reportsEight ? 8u : 0u);
         EXPECT_EQ(std::count(out.pixels, out.pixels + out.byteCount(), 0), 60 * 30 * 4);
     }
-}
-
-TEST(TextDrawing, NoLinesAreNoFailure) {
-    TextScene scene(kSans, L"ab", 20, 60, 30);
+    TextScene withoutLines(kSans, L"ab", 20, 60, 30);  // no failure
     host::LogCapture log;
-    const Picture picture = scene.render();
-    EXPECT_EQ(picture.countVisible(), 0);
+    EXPECT_EQ(withoutLines.render().countVisible(), 0);
     EXPECT_TRUE(errorLines(log).empty());
 }
 
@@ -173,126 +164,93 @@ TEST(TextDrawing, PensRunAlongTheListAndBackwardsForRightToLeft) {
     drawing._DoRender(5 * 64 + 63, -2 * 64 - 1, &list, &effect, 0);
     drawing._DoRender(5 * 64, 20 * 64, &list, &effect, -1);
     drawing._DoRender(0, 0, nullptr, &effect, 0);
-    ASSERT_EQ(handed.size(), 6u);
-    const int expected[6][3] = {{5, -3, 10},   {115, -4, 11}, {5 + 21 + 200, -5, 12},
-                                {205, 18, 12}, {117, 19, 11}, {5 + 23, 20, 10}};
-    for (int i = 0; i < 6; ++i) {
-        EXPECT_EQ(handed[i].x, expected[i][0]) << i;
-        EXPECT_EQ(handed[i].y, expected[i][1]) << i;
-        EXPECT_EQ(handed[i].width, expected[i][2]) << i;
-    }
+    std::vector<std::array<int, 3>> places;
+    for (const Handed& line : handed) places.push_back({line.x, line.y, line.width});
+    EXPECT_EQ(places, (std::vector<std::array<int, 3>>{{5, -3, 10},
+                                                       {115, -4, 11},
+                                                       {5 + 21 + 200, -5, 12},
+                                                       {205, 18, 12},
+                                                       {117, 19, 11},
+                                                       {5 + 23, 20, 10}}));
 }
 
-TEST(TextDrawing, TwoRenderingsGiveTheSameBytes) {
-    TextScene scene(kSans, L"Twice", 24, 120, 40);
-    withOneLine(scene, 4, 28, 5);
+TEST(TextDrawing, TwoRenderingsGiveTheSameBytesAndMarginsMoveTheText) {
+    OneLine scene(L"Twice", 24, 120, 40, 10, 28);
     scene.object.SetTextColor(0xFF2040C0);
     const Picture plain = scene.render();
     EXPECT_GT(plain.count(0xFF2040C0), 50);
     EXPECT_TRUE(plain == scene.render());
 
-    scene.effect().addStrokeText(3, 0xFFFFFFFF, 1.0f, 0, 1);
+    scene.effect().addStrokeText(4, 0xFFFFFFFF, 1.0f, 0, 1);
+    const int left = scene.effect().getLeftOffset(), top = scene.effect().getTopOffset();
+    ASSERT_GE(left, 4);
     const Picture stroked = scene.render();
-    EXPECT_EQ(stroked.width, 120 + scene.effect().getLeftOffset() + scene.effect().getRightOffset());
+    EXPECT_EQ(stroked.width, 120 + left + scene.effect().getRightOffset());
     EXPECT_GT(stroked.count(0xFFFFFFFF), 50);
     EXPECT_TRUE(stroked == scene.render());
+    const ZvRect before = inkOf(plain), after = inkOf(stroked);
+    EXPECT_LE(after.left, before.left + left - 3);
+    EXPECT_GE(after.left, before.left + left - 6);
+    EXPECT_LE(after.bottom, before.bottom + top + 6);
+    EXPECT_GE(after.bottom, before.bottom + top + 3);
     scene.effect().cleanAllEffect();
     EXPECT_TRUE(plain == scene.render());
 }
 
-TEST(TextDrawing, MarginsMoveTheTextAndLeaveTheViewInPlace) {
-    TextScene scene(kSans, L"M", 30, 60, 50);
-    withOneLine(scene, 10, 40, 1);
-    const ZvRect plain = inkOf(scene.render());
-    scene.effect().addStrokeText(4, 0xFFFF0000, 1.0f, 0, 1);
-    const int left = scene.effect().getLeftOffset();
-    const int top = scene.effect().getTopOffset();
-    ASSERT_GE(left, 4);
-    const ZvRect stroked = inkOf(scene.render());
-    EXPECT_LE(stroked.left, plain.left + left - 3);
-    EXPECT_GE(stroked.left, plain.left + left - 6);
-    EXPECT_LE(stroked.bottom, plain.bottom + top + 6);
-    EXPECT_GE(stroked.bottom, plain.bottom + top + 3);
-}
-
 TEST(TextDrawing, TextAlphaAppliesToTheWholePicture) {
-    TextScene scene(kSans, L"\u2588", 30, 60, 40);
-    withOneLine(scene, 5, 30, 1);
+    OneLine scene(L"\u2588", 30, 60, 40, 5, 30);
     scene.object.SetTextColor(0x80FF8000);
-    const Picture picture = scene.render();
-    EXPECT_GT(picture.count(0x80FF8000), 100);
+    EXPECT_GT(scene.render().count(0x80FF8000), 100);
 }
 
 TEST(TextDrawing, BackgroundFillsTheLineRectangles) {
-    TextScene scene(kSans, L"ab", 20, 100, 50);
-    withOneLine(scene, 10, 30, 2);
+    OneLine scene(L"ab", 20, 100, 50, 10, 30);
     scene.line(0).rect = ZvRect(0, 12, 0, 35);  // left and right are made anew
     scene.object.SetBackgroundColor(0xFF00FF00, true);
     const Picture picture = scene.render();
-    const ZvRect box = inkOf(picture);
-    EXPECT_EQ(box.left, 10);
-    EXPECT_EQ(box.top, 12);
-    EXPECT_EQ(box.right, scene.line(0).rect.right);
-    EXPECT_EQ(box.bottom, 35);
+    EXPECT_EQ(edgesOf(inkOf(picture)), (Edges{10, 12, scene.line(0).rect.right, 35}));
     EXPECT_EQ(scene.line(0).rect.left, 10);
     EXPECT_EQ(picture.at(10, 12), 0xFF00FF00u);
     EXPECT_GT(picture.count(0xFF000000), 20);
-
     scene.object.SetBackgroundColor(0xFF00FF00, false);
     EXPECT_EQ(scene.render().count(0xFF00FF00), 0);
 }
 
 // Whoever renders again without laying the text out again sees the background slide down by the top margin.
 TEST(TextDrawing, EveryRenderingMovesTheLineRectanglesDown) {
-    TextScene scene(kSans, L"ab", 20, 100, 50);
-    withOneLine(scene, 10, 30, 2);
+    OneLine scene(L"ab", 20, 100, 50, 10, 30);
     scene.effect().addStrokeText(5, 0xFFFFFFFF, 1.0f, 0, 1);
-    const int left = scene.effect().getLeftOffset();
-    const int top = scene.effect().getTopOffset();
+    const int left = 10 + scene.effect().getLeftOffset(), top = scene.effect().getTopOffset();
     ASSERT_GT(top, 0);
     const ZvRect before = scene.line(0).rect;
     scene.render();
-    const ZvRect once = scene.line(0).rect;
+    const int right = scene.line(0).rect.right;
+    EXPECT_EQ(edgesOf(scene.line(0).rect), (Edges{left, before.top + top, right, before.bottom + top}));
     scene.render();
-    const ZvRect twice = scene.line(0).rect;
-    EXPECT_EQ(once.left, 10 + left);
-    EXPECT_EQ(once.top, before.top + top);
-    EXPECT_EQ(once.bottom, before.bottom + top);
-    EXPECT_EQ(twice.left, once.left);
-    EXPECT_EQ(twice.right, once.right);
-    EXPECT_EQ(twice.top, before.top + 2 * top);
-    EXPECT_EQ(twice.bottom, before.bottom + 2 * top);
+    EXPECT_EQ(edgesOf(scene.line(0).rect),
+              (Edges{left, before.top + 2 * top, right, before.bottom + 2 * top}));
 }
 
 TEST(TextDrawing, ClipKeepsThePaddingOnlyAwayFromTheGravity) {
-    const struct {
-        int gravity;
-        ZvRect visible;
-    } cases[] = {
-        {0x33, ZvRect(0, 0, 100 - 7, 60 - 9)},  // left, top
-        {0x55, ZvRect(5, 6, 100, 60)},          // right, bottom
-        {0x11, ZvRect(5, 6, 100 - 7, 60 - 9)},  // centre
-        {0x77, ZvRect(5, 6, 100 - 7, 60 - 9)},  // fill
+    const std::pair<int, Edges> cases[] = {
+        {0x33, {0, 0, 100 - 7, 60 - 9}},  // left, top
+        {0x55, {5, 6, 100, 60}},          // right, bottom
+        {0x11, {5, 6, 100 - 7, 60 - 9}},  // centre
+        {0x77, {5, 6, 100 - 7, 60 - 9}},  // fill
     };
-    for (const auto& c : cases) {
-        TextScene scene(kSans, L"a", 10, 100, 60);
-        withOneLine(scene, 0, 30, 1);
-        scene.view().gravity = c.gravity;
-        scene.view().SetPadding(5, 6, 7, 9);
-        android::Paint paint = scene.object.GetPaint();
-        paint.setTextScaleX(30);  // an advance wider than the view, so that the background covers it all
-        scene.object.SetPaint(paint);
-        scene.line(0).rect = ZvRect(0, -100, 0, 200);
-        scene.object.SetBackgroundColor(0xFFFF0000, true);
-        const ZvRect visible = inkOf(scene.render());
-        EXPECT_EQ(visible.left, c.visible.left) << c.gravity;
-        EXPECT_EQ(visible.top, c.visible.top) << c.gravity;
-        EXPECT_EQ(visible.right, c.visible.right) << c.gravity;
-        EXPECT_EQ(visible.bottom, c.visible.bottom) << c.gravity;
+    OneLine scene(L"a", 10, 100, 60, 0, 30);
+    scene.view().SetPadding(5, 6, 7, 9);
+    android::Paint paint = scene.object.GetPaint();
+    paint.setTextScaleX(30);  // an advance wider than the view, so that the background covers it all
+    scene.object.SetPaint(paint);
+    scene.line(0).rect = ZvRect(0, -100, 0, 200);
+    scene.object.SetBackgroundColor(0xFFFF0000, true);
+    for (const auto& [gravity, visible] : cases) {
+        scene.view().gravity = gravity;
+        EXPECT_EQ(edgesOf(inkOf(scene.render())), visible) << gravity;
     }
-    TextScene scene(kSans, L"abc", 20, 60, 30);
-    withOneLine(scene, 0, 20, 3);
-    scene.view().SetPadding(0, 0, 70, -2147483647);  // more than there is, and far less than nothing
+    scene.view().SetPadding(0, 0, 170, -2147483647);  // more than there is, and far less than nothing
+    scene.view().gravity = 0x33;
     EXPECT_EQ(scene.render().countVisible(), 0);
 }
 
@@ -330,29 +288,21 @@ TEST(TextDrawing, AbsurdPositionsDrawNothingAndOverflowNothing) {
     EXPECT_GT(scene.render().countVisible(), 0);
 }
 
-TEST(TextDrawing, ItalicStyleSlantsAFontThatIsNotItalic) {
-    TextScene scene(kSans, L"lll", 40, 100, 60);
-    withOneLine(scene, 10, 45, 3);
+// The bold style bit plays no part in drawing; a font named bold is drawn as it is.
+TEST(TextDrawing, ItalicStyleSlantsAFontThatIsNotItalicAndBoldChangesNothing) {
+    OneLine scene(L"lll", 40, 100, 60, 10, 45);
     const Picture upright = scene.render();
+    scene.object.SetTextStyle(true, false);
+    EXPECT_TRUE(upright == scene.render());
     scene.object.SetTextStyle(false, true);
     const Picture slanted = scene.render();
     EXPECT_FALSE(upright == slanted);
     EXPECT_GT(slanted.countVisible(), 0);
-
     // A name that says italic is believed: no slant is added.
     const std::string bytes = readFile(kSans);
-    ASSERT_TRUE(
-        scene.object.SetFont("TextDrawing-Italic", newBuffer(bytes), static_cast<unsigned>(bytes.size())));
+    const auto size = static_cast<unsigned>(bytes.size());
+    ASSERT_TRUE(scene.object.SetFont("TextDrawing-Italic", newBuffer(bytes), size));
     EXPECT_TRUE(upright == scene.render());
-}
-
-// The bold style bit plays no part in drawing; a font named bold is drawn as it is.
-TEST(TextDrawing, BoldStyleChangesNothing) {
-    TextScene scene(kSans, L"lll", 40, 100, 60);
-    withOneLine(scene, 10, 45, 3);
-    const Picture plain = scene.render();
-    scene.object.SetTextStyle(true, false);
-    EXPECT_TRUE(plain == scene.render());
 }
 
 TEST(TextDrawing, EmojiAndIdeographsComeFromTheSystemFamilies) {
@@ -380,13 +330,14 @@ TEST(TextDrawing, EmojiAndIdeographsComeFromTheSystemFamilies) {
 
 TEST(SafeConvert, CutsOffFractionsAndSaturates) {
     const float kInfinity = std::numeric_limits<float>::infinity();
-    EXPECT_EQ(truncateToUnsigned(3.99f), 3u);
-    EXPECT_EQ(truncateToUnsigned(-0.5f), 0u);
-    EXPECT_EQ(truncateToUnsigned(-1e20f), 0u);
-    EXPECT_EQ(truncateToUnsigned(std::nanf("")), 0u);
-    EXPECT_EQ(truncateToUnsigned(70000.5f), 70000u);
-    EXPECT_EQ(truncateToUnsigned(4294967296.0f), 4294967295u);
-    EXPECT_EQ(truncateToUnsigned(kInfinity), 4294967295u);
+    const std::pair<float, unsigned> unsignedCases[] = {{3.99f, 3},
+                                                        {-0.5f, 0},
+                                                        {-1e20f, 0},
+                                                        {std::nanf(""), 0},
+                                                        {70000.5f, 70000},
+                                                        {4294967296.0f, 4294967295},
+                                                        {kInfinity, 4294967295}};
+    for (const auto& [from, to] : unsignedCases) EXPECT_EQ(truncateToUnsigned(from), to) << from;
     EXPECT_EQ(truncateToInt(-3.99f), -3);
     EXPECT_EQ(truncateToInt(std::nanf("")), 0);
     EXPECT_EQ(truncateToInt(2147483648.0f), 2147483647);

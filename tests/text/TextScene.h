@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <cstdio>
 #include <cstring>
 #include <fstream>
 #include <iterator>
@@ -50,6 +51,13 @@ inline std::vector<std::string> errorLines(const host::LogCapture& capture) {
     return lines;
 }
 
+// As the log prints it.
+inline std::string addressOf(const void* object) {
+    char text[32];
+    std::snprintf(text, sizeof(text), "%p", object);
+    return text;
+}
+
 // A system family of the fonts at index 0 of the files, not loaded; "" for no locale.
 inline Zvex::ZvFontFamily* makeFamily(const char* locale, const std::vector<const char*>& paths) {
     auto* family = new Zvex::ZvFontFamily;
@@ -78,9 +86,7 @@ struct Picture {
     std::vector<uint32_t> pixels;  // straight 0xAARRGGBB
 
     uint32_t at(int x, int y) const { return pixels.at(static_cast<size_t>(y) * width + x); }
-    bool operator==(const Picture& other) const {
-        return width == other.width && height == other.height && pixels == other.pixels;
-    }
+    bool operator==(const Picture& other) const { return width == other.width && pixels == other.pixels; }
     int count(uint32_t color) const {
         return static_cast<int>(std::count(pixels.begin(), pixels.end(), color));
     }
@@ -130,9 +136,9 @@ struct TextScene {
     }
 
     Picture render() {
-        Picture picture;
-        picture.width = view().width + effect().getLeftOffset() + effect().getRightOffset();
-        picture.height = view().height + effect().getTopOffset() + effect().getBottomOffset();
+        Picture picture{view().width + effect().getLeftOffset() + effect().getRightOffset(),
+                        view().height + effect().getTopOffset() + effect().getBottomOffset(),
+                        {}};
         view().SetBitmapWidth(picture.width);
         view().SetBitmapHeight(picture.height);
         const uint32_t* pixels = object.RenderTextEffect(picture.width, picture.height);

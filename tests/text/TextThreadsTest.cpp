@@ -33,21 +33,6 @@ private:
     int mArrived = 0;
 };
 
-Picture renderStyled(ZvTextObject& object) {
-    ZvView& view = *object.GetView();
-    ZvEffect& effect = *object.GetEffect();
-    Picture picture;
-    picture.width = view.GetWidth() + effect.getLeftOffset() + effect.getRightOffset();
-    picture.height = view.GetHeight() + effect.getTopOffset() + effect.getBottomOffset();
-    view.SetBitmapWidth(picture.width);
-    view.SetBitmapHeight(picture.height);
-    const uint32_t* pixels = object.RenderTextEffect(picture.width, picture.height);
-    if (pixels != nullptr) {
-        picture.pixels.assign(pixels, pixels + static_cast<size_t>(picture.width) * picture.height);
-    }
-    return picture;
-}
-
 ZvFontFamily* loadFamily(const char* path) {
     ZvFontFamily* family = makeFamily("", {path});
     family->loaded = FontManager::GetInstance()->BuildMinikinFamily(family) ? 1 : 0;
@@ -64,34 +49,22 @@ TEST(TextThreads, ObjectsRenderSideBySide) {
     Barrier configured, rendered;
     std::vector<Picture> pictures(kThreads * 2);
     const auto work = [&](int number) {
-        auto* object = new ZvTextObject;
-        ASSERT_TRUE(object->Construct());
-        ZvTextInstanceManager::Bind(object);
-        const int handle = object->GetRuntimeHandle();
-        ASSERT_EQ(ZvTextObject::FindZvTextObject(handle), object);
-        {
-            // SetFont and SetText change the process's font manager, which has no lock.
-            std::lock_guard<std::mutex> lock(fontManagerMutex);
-            ASSERT_TRUE(object->SetFont(kSans));
-            ASSERT_TRUE(object->SetText(L"Side \u0416 \U0001F600"));
-        }
-        android::Paint paint;
-        paint.setTextSize(28);
-        paint.setAntiAlias(true);
-        object->SetPaint(paint);
-        object->GetView()->SetSize(180, 50);
-        object->GetEffect()->addStrokeText(3, 0xFFFFFFFF, 0.9f, 0, 1);
-        List list;
-        list.Construct();
-        list.Add(new ZvLineInfo(TextScene::makeLine(5, 36, 0, 9)));
-        ASSERT_TRUE(object->SetLineInfo(&list));
+        // SetFont and SetText change the process's font manager, which has no lock.
+        std::unique_lock<std::mutex> lock(fontManagerMutex);
+        TextScene scene(kSans, L"Side \u0416 \U0001F600", 28, 180, 50);
+        lock.unlock();
+        const int handle = scene.object.GetRuntimeHandle();
+        EXPECT_EQ(ZvTextObject::FindZvTextObject(handle), &scene.object);
+        ZvTextInstanceManager::Bind(&scene.object);
+        scene.effect().addStrokeText(3, 0xFFFFFFFF, 0.9f, 0, 1);
+        scene.setLines({TextScene::makeLine(5, 36, 0, 9)});
 
         configured.wait();
-        pictures[static_cast<size_t>(number)] = renderStyled(*object);
-        pictures[static_cast<size_t>(number + kThreads)] = renderStyled(*object);
+        pictures[static_cast<size_t>(number)] = scene.render();
+        pictures[static_cast<size_t>(number + kThreads)] = scene.render();
         rendered.wait();
-        EXPECT_TRUE(ZvTextInstanceManager::Release(handle));
-        EXPECT_EQ(ZvTextObject::FindZvTextObject(handle), nullptr);
+        EXPECT_TRUE(ZvTextInstanceManager::Release(&scene.object, false));
+        EXPECT_EQ(ZvTextObject::FindZvTextObject(handle), &scene.object);
     };
     std::vector<std::thread> threads;
     for (int i = 0; i < kThreads; ++i) threads.emplace_back(work, i);
@@ -109,10 +82,14 @@ TEST(TextThreads, RegistryCountsAcrossThreads) {
     std::vector<std::thread> threads;
     for (int i = 0; i < kThreads; ++i) {
         threads.emplace_back([handle] {
-            for (int round = 0; round < 200; ++round) {
+            for (int round = 0; round < 50; ++round) {
                 ZvTextObject* found = ZvTextInstanceManager::FindZvTextObject(handle);
                 ZvTextInstanceManager::Bind(found);
                 EXPECT_TRUE(ZvTextInstanceManager::Release(handle));
+                auto* own = new ZvTextObject;
+                EXPECT_TRUE(own->Construct());
+                ZvTextInstanceManager::Bind(own);
+                EXPECT_TRUE(ZvTextInstanceManager::Release(own, true));
             }
         });
     }

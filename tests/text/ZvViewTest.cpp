@@ -3,8 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include "TextScene.h"
 #include "foundation/Error.h"
-#include "platform/host/LogCapture.h"
 
 using namespace Zvex;
 
@@ -21,22 +21,16 @@ TEST(ZvView, RefusesNegativeSizesAndKeepsTheOldOnes) {
     EXPECT_FALSE(view.SetSize(10, -1));
     EXPECT_FALSE(view.SetBitmapWidth(-2));
     EXPECT_FALSE(view.SetBitmapHeight(-3));
-
-    EXPECT_EQ(view.GetWidth(), 30);
-    EXPECT_EQ(view.GetHeight(), 20);
+    EXPECT_EQ(
+        text_test::errorLines(log),
+        (std::vector<std::string>{"ZvView: SetSize() - size invalid", "ZvView: SetSize() - size invalid",
+                                  "ZvView: SetBitmapWidht() - width[-2] is invalid",
+                                  "ZvView: SetBitmapHeight() - height[-3] is invalid"}));
+    EXPECT_EQ(Error::GetError(), 0u);
     int size[2] = {0, 0};
     view.GetDrawingBitmapSize(size);
+    EXPECT_EQ(view.GetWidth(), 30);
+    EXPECT_EQ(view.GetHeight(), 20);
     EXPECT_EQ(size[0], 40);
     EXPECT_EQ(size[1], 50);
-
-    const auto lines = log.lines();
-    ASSERT_EQ(lines.size(), 4u);
-    EXPECT_EQ(lines[0].text, "SetSize() - size invalid");
-    EXPECT_EQ(lines[2].text, "SetBitmapWidht() - width[-2] is invalid");
-    EXPECT_EQ(lines[3].text, "SetBitmapHeight() - height[-3] is invalid");
-    for (const auto& line : lines) {
-        EXPECT_EQ(line.priority, 6);
-        EXPECT_EQ(line.tag, "ZvView");
-    }
-    EXPECT_EQ(Error::GetError(), 0u);
 }
