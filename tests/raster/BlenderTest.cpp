@@ -74,13 +74,13 @@ struct Operation {
 };
 
 const Operation kOperations[] = {
-    {"coverage-mode=1", Source::kCoverage, 1}, {"coverage-mode=2", Source::kCoverage, 2},
-    {"coverage-mode=3", Source::kCoverage, 3}, {"coverage-mode=7", Source::kCoverage, 7},
-    {"coverage-mode=5", Source::kCoverage, 5}, {"words-mode=1", Source::kWords, 1},
-    {"words-mode=2", Source::kWords, 2},       {"words-mode=3", Source::kWords, 3},
-    {"bytes-order=0", Source::kBytes, 0},      {"bytes-order=1", Source::kBytes, 1},
-    {"bytes-order=2", Source::kBytes, 2},      {"copy-depth=1", Source::kCopy, 1},
-    {"copy-depth=4", Source::kCopy, 4},
+    {"coverage_mode_1", Source::kCoverage, 1}, {"coverage_mode_2", Source::kCoverage, 2},
+    {"coverage_mode_3", Source::kCoverage, 3}, {"coverage_mode_7", Source::kCoverage, 7},
+    {"coverage_mode_5", Source::kCoverage, 5}, {"words_mode_1", Source::kWords, 1},
+    {"words_mode_2", Source::kWords, 2},       {"words_mode_3", Source::kWords, 3},
+    {"bytes_order_0", Source::kBytes, 0},      {"bytes_order_1", Source::kBytes, 1},
+    {"bytes_order_2", Source::kBytes, 2},      {"copy_depth_1", Source::kCopy, 1},
+    {"copy_depth_4", Source::kCopy, 4},
 };
 
 class BlenderAgainstPlain : public testing::TestWithParam<Operation> {};
@@ -137,13 +137,8 @@ TEST_P(BlenderAgainstPlain, SameBytes) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Blender, BlenderAgainstPlain, testing::ValuesIn(kOperations), [](const auto& info) {
-    std::string name = info.param.name;
-    for (char& c : name) {
-        if (c == '-' || c == '=') c = '_';
-    }
-    return name;
-});
+INSTANTIATE_TEST_SUITE_P(Blender, BlenderAgainstPlain, testing::ValuesIn(kOperations),
+                         [](const auto& info) { return std::string(info.param.name); });
 
 // 65536 pixels in a row: every coverage, or source alpha, over every target alpha, with every colour channel
 // met on the way.
