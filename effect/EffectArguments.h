@@ -16,7 +16,6 @@ namespace Zvex {
 // one beyond the ints counts as the nearest int.
 
 // --- Single arguments
-// -------------------------------------------------------------------------------------------
 
 float opacityArgument(float opacity);      // 0 to 1
 float angleArgument(float degrees);        // whole, 0 to 359
@@ -32,7 +31,6 @@ uint32_t premultipliedColor(uint32_t color, float opacity);
 uint32_t colorWithAlpha(uint32_t color, float opacity);
 
 // --- Stops
-// ------------------------------------------------------------------------------------------------------
 
 constexpr int ZV_MAX_STOPS = 256;
 
@@ -42,7 +40,6 @@ constexpr int ZV_MAX_STOPS = 256;
 bool stopArguments(int count, const ZvGradient* stops, float layerOpacity, GradientStops* result);
 
 // --- Records
-// ----------------------------------------------------------------------------------------------------
 // Records with stops point into the GradientStops given, which has to outlive them.
 
 ZvTextProperty textArguments(unsigned int color, float opacity);

@@ -120,7 +120,6 @@ ZvEffect::~ZvEffect() {
 }
 
 // --- Layers
-// -----------------------------------------------------------------------------------------------------
 
 ZvECore* ZvEffect::createEffect(int id, int type) {
     ZvECore* effect = newEffectLayer(type);
@@ -200,7 +199,6 @@ void ZvEffect::cleanAllEffect() {
 }
 
 // --- Adders
-// -----------------------------------------------------------------------------------------------------
 
 int ZvEffect::addOuterShadowText(float angle, float distance, float size, unsigned int color, float opacity) {
     auto record = shadowArguments<ZvOuterShadowProperty>(angle, distance, size, color, opacity);
@@ -284,7 +282,6 @@ int ZvEffect::addText(unsigned int color) {
 }
 
 // --- Text colour and opacity
-// ------------------------------------------------------------------------------------
 
 void ZvEffect::setTextOpacity(float opacity) {
     textOpacity = opacityArgument(opacity);
@@ -325,7 +322,6 @@ char* ZvEffect::getMapKey(unsigned int color) {
 }
 
 // --- Margins
-// ----------------------------------------------------------------------------------------------------
 
 int ZvEffect::getLeftOffset() {
     return widestMargin(effects, &ZvECore::getLeftOffset);
@@ -344,7 +340,6 @@ int ZvEffect::getBottomOffset() {
 }
 
 // --- Rendering
-// --------------------------------------------------------------------------------------------------
 
 void ZvEffect::initEffect(int width, int height) {
     ZV_DEBUG_LOG(TAG, "InitEffect(%p)", static_cast<void*>(this));

@@ -60,7 +60,6 @@ public:
     ~ZvEffect();
 
     // --- Layers
-    // -------------------------------------------------------------------------------------------------
 
     // A new layer of a ZvEffectType that has a class, else null. A negative id asks for the next free one.
     // The caller owns the layer; it is not in `effects`.
@@ -90,7 +89,6 @@ public:
     void cleanAllEffect();
 
     // --- Adders: one for each type
-    // ------------------------------------------------------------------------------
     //
     // Each limits its arguments, builds the type's record and returns addEffect's result. The rules (details,
     // and what out-of-range and NaN become, in effect/EffectArguments.h): opacity and scale are clamped;
@@ -119,7 +117,6 @@ public:
     int addText(unsigned int color);
 
     // --- Text colour and opacity
-    // --------------------------------------------------------------------------------
 
     void setTextOpacity(float opacity);  // clamped to 0..1
     float getTextOpacity();
@@ -133,7 +130,6 @@ public:
     char* getMapKey(unsigned int color);
 
     // --- Margins
-    // ------------------------------------------------------------------------------------------------
 
     // Pixels that the picture needs beside the text: the widest layer's, each side by itself; never negative.
     // A layer's margin on a side is the larger of its side offset and its getOffset.
@@ -143,7 +139,6 @@ public:
     int getBottomOffset();
 
     // --- Rendering
-    // ----------------------------------------------------------------------------------------------
 
     // Chooses layerMode, orders the layers and allocates mask (and back) of width x height pixels, zeroed.
     // Negative sizes count as 0. Forgets dst.

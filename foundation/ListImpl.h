@@ -31,9 +31,8 @@ public:
     Node* head;
     Node* tail;
     int count;
-    int openTraversals;  // slots in use
-    Position*
-        slots[kSlots];  // the positions that count against the limit, in the order removal looks at them
+    int openTraversals;       // slots in use
+    Position* slots[kSlots];  // the positions that count against the limit, in removal's order
     int cursorIndex;
     Node* cursorNode;
     Position* positions;  // every open position, slot or not

@@ -39,10 +39,9 @@ public:
     static constexpr bool DEBUG_ENABLE = false;
 #endif
 
-    static uint8_t
-        mCurrentLogLevel;  // set of ZvLogLevel bits that printLog and printTime write; 0xFF at start
-    static bool isCheckedBuildType;  // false until the first SetBuildType
-    static bool isBuildTypeEngMode;  // true until SetBuildType says otherwise
+    static uint8_t mCurrentLogLevel;  // ZvLogLevel bits that printLog and printTime write; 0xFF at start
+    static bool isCheckedBuildType;   // false until the first SetBuildType
+    static bool isBuildTypeEngMode;   // true until SetBuildType says otherwise
 
     static void setPrintLogLevel(unsigned char mask);
 

@@ -36,9 +36,10 @@ public:
     ZvString(const ZvString&) = delete;
     ZvString& operator=(const ZvString&) = delete;
 
-    int Construct();  // without a buffer
-    int Construct(
-        const ZvString* source);  // copies; a null source fails with 7, the string stays unconstructed
+    // Without a buffer, or with a copy of the source; a null source fails with 7 and leaves the string
+    // unconstructed.
+    int Construct();
+    int Construct(const ZvString* source);
     int Construct(const wchar_t* source);
     int Construct(const char* source);
     int Construct(const ZvString* source, int n);  // the first n characters at most; n < 0 fails with 7

@@ -19,11 +19,10 @@ struct LaidOutLine {
     int32_t bottom = 0;
     int32_t ascent = 0;
     int32_t descent = 0;
-    float left = 0;     // pixels from the left edge of the text's column
-    float width = 0;    // pixels
-    int32_t start = 0;  // UTF-16 offset of the first character
-    int32_t visibleEnd =
-        0;  // UTF-16 offset one past the last character that shows (trailing blanks left out)
+    float left = 0;          // pixels from the left edge of the text's column
+    float width = 0;         // pixels
+    int32_t start = 0;       // UTF-16 offset of the first character
+    int32_t visibleEnd = 0;  // UTF-16 offset past the last character that shows, without trailing blanks
 };
 
 // Chooses the lines that the view shows and places them in it.

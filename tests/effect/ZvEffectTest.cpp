@@ -103,7 +103,6 @@ Sides sidesOf(const ZvRect& rect) {
 }
 
 // --- Layers
-// -----------------------------------------------------------------------------------------------------
 
 TEST(EffectStack, ALaterAddReplacesTheSettingsInPlace) {
     ZvEffect stack;
@@ -236,7 +235,6 @@ TEST(EffectStack, ACopyHasItsOwnLayersAndNoRendering) {
 }
 
 // --- Keys
-// -------------------------------------------------------------------------------------------------------
 
 TEST(EffectStack, KeyJoinsTheLayersInOrderOfCreation) {
     ZvEffect stack;
@@ -266,7 +264,6 @@ TEST(EffectStack, KeyWithAColorSetsTheText) {
 }
 
 // --- Margins
-// ----------------------------------------------------------------------------------------------------
 
 TEST(EffectStack, MarginsAreTheWidestLayersSideBySide) {
     ZvEffect stack;
@@ -286,7 +283,6 @@ TEST(EffectStack, MarginsAreTheWidestLayersSideBySide) {
 }
 
 // --- Order and targets
-// ------------------------------------------------------------------------------------------
 
 struct AllTypes {
     ZvStrokeProperty stroke{1, 0, 1, 0, 1}, oldStroke{1, 0, 1, 0, 2};
@@ -394,7 +390,6 @@ TEST(EffectStack, UnderTheTextDependsOnTheLayerMode) {
 }
 
 // --- Rendering
-// --------------------------------------------------------------------------------------------------
 
 TEST(EffectStack, LayersAreToldOfEveryRunWithOrWithoutAGlyph) {
     ZvEffect stack;

@@ -65,8 +65,8 @@ int familyCount(const FontManager& manager, const char* path) {
     return static_cast<int>(families.size());
 }
 
-bool add(FontManager& manager, const char* path, int index = 0, bool isDefault = true) {
-    return manager.AddMinikinFont(path, nullptr, 0, index, isDefault);
+bool add(FontManager& manager, const char* path, int index = 0, bool checkExisting = true) {
+    return manager.AddMinikinFont(path, nullptr, 0, index, checkExisting);
 }
 
 }  // namespace
@@ -92,8 +92,8 @@ TEST(FontManager, OwnsHandedOverBuffersUnderTheirNameAndIndex) {
     const std::string bytes = readFile(kSans);
     const unsigned int size = static_cast<unsigned int>(bytes.size());
     const auto name = makeString("name");
-    for (const bool isDefault : {true, true, false}) {
-        EXPECT_TRUE(manager.AddMinikinFont("name", newBuffer(bytes), size, 0, isDefault));
+    for (const bool checkExisting : {true, true, false}) {
+        EXPECT_TRUE(manager.AddMinikinFont("name", newBuffer(bytes), size, 0, checkExisting));
     }
     EXPECT_TRUE(manager.AddMinikinFont(name.get(), newBuffer(bytes), size, 0, true));
     EXPECT_FALSE(manager.AddMinikinFont(static_cast<ZvString*>(nullptr), newBuffer(bytes), size, 0, true));
