@@ -3,21 +3,14 @@
 #define ZVEX_EFFECT_NUMBERS_H_
 
 #include <cstdint>
-#include <limits>
+
+#include "foundation/SafeConvert.h"
 
 namespace Zvex {
 
 // The rounding and limiting rules of the effect arguments, records and keys. Every float is safe to pass:
 // what the language leaves undefined (NaN, values beyond the ints) has a result here, the same on every
 // machine.
-
-// Drops the fraction, towards zero. Held within the ints; NaN becomes 0.
-inline int truncateToInt(double value) {
-    if (value != value) return 0;
-    if (value >= std::numeric_limits<int>::max()) return std::numeric_limits<int>::max();
-    if (value <= std::numeric_limits<int>::min()) return std::numeric_limits<int>::min();
-    return static_cast<int>(value);
-}
 
 // Half up for what is not negative, towards zero after adding a half for the rest: -0.6 becomes 0. The sum is
 // rounded to single precision before the fraction is dropped.

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-#ifndef ZVEX_TEXT_SAFECONVERT_H_
-#define ZVEX_TEXT_SAFECONVERT_H_
+#ifndef ZVEX_FOUNDATION_SAFECONVERT_H_
+#define ZVEX_FOUNDATION_SAFECONVERT_H_
 
 #include <cstdint>
 #include <limits>
@@ -17,10 +17,11 @@ inline int32_t clampToInt(int64_t value) {
     return static_cast<int32_t>(value);
 }
 
-inline int32_t truncateToInt(float value) {
+// Takes floats too: every one is a double.
+inline int32_t truncateToInt(double value) {
     if (value != value) return 0;
-    if (value >= 2147483648.0f) return std::numeric_limits<int32_t>::max();
-    if (value < -2147483648.0f) return std::numeric_limits<int32_t>::min();
+    if (value >= std::numeric_limits<int32_t>::max()) return std::numeric_limits<int32_t>::max();
+    if (value <= std::numeric_limits<int32_t>::min()) return std::numeric_limits<int32_t>::min();
     return static_cast<int32_t>(value);
 }
 
@@ -41,4 +42,4 @@ inline int32_t wrapSubtract(int32_t a, int32_t b) {
 
 }  // namespace Zvex
 
-#endif  // ZVEX_TEXT_SAFECONVERT_H_
+#endif  // ZVEX_FOUNDATION_SAFECONVERT_H_

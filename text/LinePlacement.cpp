@@ -3,7 +3,7 @@
 
 #include <algorithm>
 
-#include "text/SafeConvert.h"
+#include "foundation/SafeConvert.h"
 
 namespace Zvex {
 

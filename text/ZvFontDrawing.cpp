@@ -22,11 +22,11 @@
 #include "effect/ZvGlyph.h"
 #include "foundation/Error.h"
 #include "foundation/List.h"
+#include "foundation/SafeConvert.h"
 #include "foundation/ZvString.h"
 #include "raster/ZvBitmap.h"
 #include "text/DrawTextFunctor.h"
 #include "text/FontManager.h"
-#include "text/SafeConvert.h"
 #include "text/ZvLineInfo.h"
 #include "text/ZvTextObject.h"
 

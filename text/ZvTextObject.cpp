@@ -185,25 +185,23 @@ bool ZvTextObject::SetText(const ZvString* text) {
     RETURN_UNLESS_CONSTRUCTED(false);
     ZV_DEBUG_LOG(kTag, "SetText() - %p [%s] strLen=%d", static_cast<void*>(this), ZvLog::ConvertLog(text),
                  text != nullptr ? text->GetLength() : 0);
-    if (text == nullptr) {
-        delete mImpl->text;
-        mImpl->text = nullptr;
-        return true;
-    }
-    if (!createTextIfMissing()) return false;
-    if (text != mImpl->text && mImpl->text->Set(text) == 0) return false;
-    SetTextLocaleListId();
-    return true;
+    return assignText(text);
 }
 
 bool ZvTextObject::SetText(const wchar_t* text) {
     RETURN_UNLESS_CONSTRUCTED(false);
-    if (text == nullptr) {
+    return assignText(text);
+}
+
+// Source: ZvString, which may be the held text itself, or wchar_t.
+template <typename Source>
+bool ZvTextObject::assignText(const Source* source) {
+    if (source == nullptr) {
         delete mImpl->text;
         mImpl->text = nullptr;
         return true;
     }
-    if (!createTextIfMissing() || mImpl->text->Set(text) == 0) return false;
+    if (!createTextIfMissing() || mImpl->text->Set(source) == 0) return false;
     SetTextLocaleListId();
     return true;
 }

@@ -91,6 +91,8 @@ public:
     ZvTextObjectImpl* mImpl;  // owned; null until Construct succeeds
 
 private:
+    template <typename Source>
+    bool assignText(const Source* source);
     bool createTextIfMissing();
     bool addFont(const char* path, char* buffer, unsigned int size);
 };

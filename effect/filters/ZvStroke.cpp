@@ -115,7 +115,8 @@ int ZvStroke::doPostProcessing(ParamPostProcessing* param) {
 
     const bool centered = property->position == ZV_STROKE_CENTER;
     unsigned char* cells = nullptr;
-    const int kernelSize = makeCircleKernel(&cells, centered ? property->width * 0.5f : property->width);
+    const float discRadius = centered ? property->width * 0.5f : property->width;
+    const int kernelSize = makeCircleKernel(&cells, discRadius);
     if (cells == nullptr) return 0;
     Buffer<uint8_t> kernel;
     kernel.adopt(cells);
@@ -147,7 +148,7 @@ int ZvStroke::doPostProcessing(ParamPostProcessing* param) {
     job.dstY = static_cast<int>(radius);
     job.dstX = static_cast<int>(radius);
     job.planeSize = static_cast<int>(width * height);
-    job.radius = static_cast<int>(radius);
+    job.radius = truncateToInt(discRadius);
     job.kernelSize = kernelSize;
     job.columns = job.srcStride;
     job.rows = job.srcHeight;

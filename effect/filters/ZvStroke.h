@@ -35,7 +35,7 @@ public:
         int dstY = 0;       // place in dst of that first pixel
         int dstX = 0;
         int planeSize = 0;   // bytes from the first plane of dst to the second one
-        int radius = 0;      // of the disc, whole pixels; not read
+        int radius = 0;      // of the disc, its fraction cut off; not read
         int kernelSize = 0;  // odd
         int columns = 0;     // pixels to read from each row of src
         int rows = 0;        // rows to read in all

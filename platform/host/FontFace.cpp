@@ -30,6 +30,13 @@
 
 namespace host {
 
+// Every comparison is false for what is no number.
+bool drawable(const GlyphStyle& style) {
+    const float width = std::fabs(style.size * style.scaleX);
+    return style.size >= kMinGlyphSize && style.size <= kMaxGlyphSize && width >= kMinGlyphSize &&
+           width <= kMaxGlyphSize && std::fabs(style.skewX) <= kMaxGlyphSkew;
+}
+
 namespace {
 
 // A font states sizes of its own (tables, strike bitmaps): FreeType gets no single block larger than this for
@@ -91,12 +98,6 @@ bool isSfnt(const void* data, size_t size) {
     static const char kTags[][5] = {{'\0', '\1', '\0', '\0'}, "OTTO", "true", "ttcf"};
     return std::any_of(std::begin(kTags), std::end(kTags),
                        [&](const char* tag) { return std::memcmp(data, tag, 4) == 0; });
-}
-
-bool drawable(const GlyphStyle& style) {
-    const float width = std::fabs(style.size * style.scaleX);
-    return style.size >= kMinGlyphSize && style.size <= kMaxGlyphSize && width >= kMinGlyphSize &&
-           width <= kMaxGlyphSize && std::fabs(style.skewX) <= kMaxGlyphSkew;
 }
 
 // A box found in 64 bits (right and bottom exclusive), empty when it is beyond what an image may be.

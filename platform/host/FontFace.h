@@ -26,6 +26,7 @@ struct GlyphStyle {
 constexpr float kMinGlyphSize = 1.0f / 64;
 constexpr float kMaxGlyphSize = 16384;
 constexpr float kMaxGlyphSkew = 64;
+bool drawable(const GlyphStyle& style);
 // A glyph whose image would take more bytes than this, or be wider or taller than kMaxGlyphSide, is blank.
 constexpr size_t kMaxGlyphBytes = size_t{64} << 20;
 constexpr int kMaxGlyphSide = 32767;

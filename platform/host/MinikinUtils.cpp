@@ -8,16 +8,6 @@
 #include "platform/host/LayoutBuilder.h"
 
 namespace android {
-namespace {
-
-// Every comparison is false for what is no number.
-bool drawable(const host::GlyphStyle& style) {
-    return style.size > 0 && style.size <= host::kMaxGlyphSize &&
-           std::fabs(style.size * style.scaleX) <= host::kMaxGlyphSize &&
-           std::fabs(style.skewX) <= host::kMaxGlyphSkew;
-}
-
-}  // namespace
 
 minikin::Layout MinikinUtils::doLayout(const Paint* paint, minikin::Bidi bidiFlags, const Typeface* typeface,
                                        const uint16_t* buf, size_t start, size_t count, size_t bufSize,
@@ -36,7 +26,7 @@ minikin::Layout MinikinUtils::doLayout(const Paint* paint, minikin::Bidi bidiFla
     request.glyph.fakeBold = paint->isFakeBoldText();
     request.glyph.antiAlias = paint->isAntiAlias();
     request.glyph.subpixel = paint->isSubpixelText();
-    if (!drawable(request.glyph)) request.glyph = host::GlyphStyle();
+    if (!host::drawable(request.glyph)) request.glyph = host::GlyphStyle();
     request.letterSpacing = std::isfinite(paint->getLetterSpacing()) ? paint->getLetterSpacing() : 0;
     request.linearText = paint->isLinearText();
     request.localeListId = paint->getMinikinLocaleListId();

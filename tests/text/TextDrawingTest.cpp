@@ -16,9 +16,9 @@
 #include "effect/ZvECoreBase.h"
 #include "effect/ZvGlyph.h"
 #include "foundation/Error.h"
+#include "foundation/SafeConvert.h"
 #include "raster/ZvBitmap.h"
 #include "text/FontManager.h"
-#include "text/SafeConvert.h"
 #include "text/ZvFontDrawing.h"
 #include "text/ZvTextObjectImpl.h"
 
