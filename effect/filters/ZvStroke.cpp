@@ -12,11 +12,11 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
-#include <cstring>
 #include <new>
 
 #include "effect/Numbers.h"
 #include "effect/filters/Buffer.h"
+#include "effect/filters/Coverage.h"
 #include "effect/filters/Dilation.h"
 #include "raster/ZvBitmap.h"
 #include "raster/ZvBlender.h"
@@ -35,19 +35,6 @@ constexpr int BORDER = 1;
 // The cell of a disc at `distance` from its middle: 1 up to the radius, falling to 0 within the next pixel.
 uint8_t discCoverage(float distance, float radius) {
     return byteOfUnit(clampFloat(1.0f - (distance - radius), 0.0f, 1.0f));
-}
-
-// Fills the zeroed plane (box and border) with the mask within box; what lies outside the mask stays 0.
-void copyCoverage(const ZvBitmap& mask, const ZvRect& box, uint8_t* plane, int64_t planeWidth) {
-    const int64_t left = std::max<int64_t>(box.left, 0);
-    const int64_t right = std::min<int64_t>(box.right, mask.width);
-    const int64_t top = std::max<int64_t>(box.top, 0);
-    const int64_t bottom = std::min<int64_t>(box.bottom, mask.height);
-    if (left >= right) return;
-    for (int64_t y = top; y < bottom; ++y) {
-        std::memcpy(plane + (y - box.top + BORDER) * planeWidth + (left - box.left + BORDER),
-                    mask.pixels + y * mask.width + left, static_cast<size_t>(right - left));
-    }
 }
 
 // Dilates the job's rows into one of its planes.
@@ -72,10 +59,6 @@ void dilatePlane(const ZvStroke::DTJob& job, int plane, uint8_t inverted) {
 
 constexpr uint8_t COVERAGE = 0;
 constexpr uint8_t BACKGROUND = 255;
-
-bool isDrawable(const ZvBitmap* bitmap) {
-    return bitmap != nullptr && bitmap->pixels != nullptr;
-}
 
 }  // namespace
 
@@ -108,10 +91,8 @@ ZvStroke::~ZvStroke() {
 }
 
 int ZvStroke::doPostProcessing(ParamPostProcessing* param) {
-    if (param == nullptr || property == nullptr || param->textRect == nullptr) return 0;
-    if (!isDrawable(param->target) || !isDrawable(param->mask)) return 0;
-    const ZvRect& box = *param->textRect;
-    if (box.left >= box.right || box.top >= box.bottom) return 0;
+    if (property == nullptr || !isDrawable(param)) return 0;
+    if (!(property->width >= 0) || !std::isfinite(property->width)) return 0;
 
     const bool centered = property->position == ZV_STROKE_CENTER;
     unsigned char* cells = nullptr;
@@ -120,34 +101,28 @@ int ZvStroke::doPostProcessing(ParamPostProcessing* param) {
     if (cells == nullptr) return 0;
     Buffer<uint8_t> kernel;
     kernel.adopt(cells);
-    const int64_t radius = kernelSize / 2;
+    const int radius = kernelSize / 2;
 
-    const int64_t paddedWidth = int64_t{box.right} - box.left + 2 * BORDER;
-    const int64_t paddedHeight = int64_t{box.bottom} - box.top + 2 * BORDER;
-    const int64_t width = paddedWidth + 2 * radius;
-    const int64_t height = paddedHeight + 2 * radius;
-    const int64_t x = int64_t{box.left} - BORDER - radius;
-    const int64_t y = int64_t{box.top} - BORDER - radius;
-    // The job and the blender count in ints.
-    if (height > INT_MAX / width || x < INT_MIN || y < INT_MIN) return 0;
-
+    const ZvRect& box = *param->textRect;
+    WorkingArea source, area;
+    if (!source.grow(box, BORDER) || !area.grow(box, int64_t{BORDER} + radius)) return 0;
     Buffer<uint8_t> padded;
     Buffer<uint8_t> band;
-    if (!padded.allocateZeroed(paddedHeight, paddedWidth)) return 0;
-    if (!band.allocateZeroed(height, width, centered ? 2 : 1)) return 0;
-    copyCoverage(*param->mask, box, padded.get(), paddedWidth);
+    if (!padded.allocateZeroed(source.height, source.width)) return 0;
+    if (!band.allocateZeroed(area.height, area.width, centered ? 2 : 1)) return 0;
+    copyCoverage(*param->mask, box, padded.get() + source.row(BORDER) + BORDER, source.width);
 
     DTJob job;
     job.dst = band.get();
     job.src = padded.get();
     job.kernel = kernel.get();
-    job.srcStride = static_cast<int>(paddedWidth);
-    job.srcHeight = static_cast<int>(paddedHeight);
-    job.dstStride = static_cast<int>(width);
-    job.dstHeight = static_cast<int>(height);
-    job.dstY = static_cast<int>(radius);
-    job.dstX = static_cast<int>(radius);
-    job.planeSize = static_cast<int>(width * height);
+    job.srcStride = source.width;
+    job.srcHeight = source.height;
+    job.dstStride = area.width;
+    job.dstHeight = area.height;
+    job.dstY = radius;
+    job.dstX = radius;
+    job.planeSize = area.width * area.height;
     job.radius = truncateToInt(discRadius);
     job.kernelSize = kernelSize;
     job.columns = job.srcStride;
@@ -167,8 +142,8 @@ int ZvStroke::doPostProcessing(ParamPostProcessing* param) {
 
     const int mode = centered && param->layerMode != 1 ? ZVE_BLEND_SRC_OVER : ZVE_BLEND_DST_OVER;
     for (ZvBitmap* target : {param->target, param->otherLayer}) {
-        ZvBlender::drawBitmapBlend8(static_cast<int>(x), static_cast<int>(y), target, band.get(),
-                                    job.dstStride, job.dstHeight, job.dstStride, property->color, mode);
+        ZvBlender::drawBitmapBlend8(area.x, area.y, target, band.get(), job.dstStride, job.dstHeight,
+                                    job.dstStride, property->color, mode);
     }
     return 0;
 }

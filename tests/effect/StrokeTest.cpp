@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <climits>
 #include <cstdlib>
-#include <cstring>
 #include <limits>
 #include <utility>
 #include <vector>
@@ -13,9 +12,8 @@
 #include "effect/filters/ZvStroke.h"
 #include "raster/ZvBitmap.h"
 #include "raster/ZvRect.h"
-#include "tests/FailingAllocations.h"
+#include "tests/effect/FilterScene.h"
 #include "tests/effect/PropertyFields.h"
-#include "tests/effect/TestPictures.h"
 #include "tests/reference/StrokeReference.h"
 
 namespace Zvex {
@@ -25,17 +23,6 @@ constexpr uint32_t COLOR = 0xC0604020;  // premultiplied
 constexpr float WIDTHS[] = {0.0f, 0.3f, 0.6f, 1.0f, 1.5f, 3.0f, 7.5f, 12.0f};
 constexpr float NOT_A_NUMBER = std::numeric_limits<float>::quiet_NaN();
 constexpr float ENDLESS = std::numeric_limits<float>::infinity();
-
-int drawWith(ZvStroke& stroke, ZvBitmap* target, ZvBitmap* mask, ZvRect* box, int layerMode = 0,
-             ZvBitmap* other = nullptr) {
-    ZvECore::ParamPostProcessing param;
-    param.target = target;
-    param.mask = mask;
-    param.textRect = box;
-    param.layerMode = layerMode;
-    param.otherLayer = other;
-    return stroke.doPostProcessing(&param);
-}
 
 void setStroke(ZvStroke& stroke, float width, int position) {
     ZvStrokeProperty property(width, COLOR, 1.0f, 0, position);
@@ -97,59 +84,23 @@ TEST(Stroke, MarginIsTheWidthOnTheOutside) {
 }
 
 TEST(Stroke, KeepsACopyOfItsSettings) {
-    ZvStroke stroke;
-    EXPECT_EQ(stroke.getStyle(), 10);
-    EXPECT_EQ(stroke.getProperty(), nullptr);
-    {
-        ZvStrokeProperty property(4.0f, 0x11223344, 0.25f, 7, 2);
-        stroke.setProperty(&property);
-    }
-    stroke.setProperty(nullptr);
-    stroke.setProperty(stroke.getProperty());  // its own record
-    ASSERT_NE(stroke.property, nullptr);
-    EXPECT_EQ(stroke.getProperty(), stroke.property);
-    EXPECT_EQ(fieldsOf(*stroke.property), fields(4, 0x11223344, 0.25f, 7, 2));
+    EXPECT_EQ(ZvStroke().getStyle(), 10);
+    EXPECT_EQ(ZvStroke().getProperty(), nullptr);
+    ZvStrokeProperty first(1.0f, 1, 1.0f, 0, 1), second(4.0f, 0x11223344, 0.25f, 7, 2);
+    expectSettingsCopied<ZvStroke>(first, second, [](const ZvStrokeProperty& p) { return fieldsOf(p); });
 }
 
-// Every kind of mask, width and position; the box, the targets and the layer mode vary with the seed. Beyond
-// the box and beyond the mask there is no coverage.
 TEST(Stroke, EqualsThePlainForm) {
-    constexpr int WIDTH = 30, HEIGHT = 22;
     unsigned seed = 0;
-    for (MaskKind kind : ALL_MASKS) {
-        for (float width : WIDTHS) {
-            for (int position : {0, 1, 2, 7}) {
-                Random random(++seed);
-                ZvBitmap mask = makeMask(kind, WIDTH, HEIGHT, random);
-                ZvRect box(0, 0, WIDTH, HEIGHT);
-                if (seed % 3 != 0) {  // across the mask's edges and beside it, too
-                    box.left = random.between(-8, WIDTH + 2);
-                    box.top = random.between(-8, HEIGHT + 2);
-                    box.right = random.between(box.left + 1, std::max(box.left + 1, WIDTH + 6));
-                    box.bottom = random.between(box.top + 1, std::max(box.top + 1, HEIGHT + 6));
-                }
-                const int layerMode = random.below(2);
-                const bool both = random.below(2) == 0;
-                const TargetKind targetKind = ALL_TARGETS[seed % 3];
-                // Larger than the mask, or smaller: the picture of the stroke is clipped.
-                const int grow = random.between(-5, 5);
-                ZvBitmap target = makeTarget(targetKind, WIDTH + grow, HEIGHT + grow, random);
-                ZvBitmap other = makeTarget(TargetKind::Partly, WIDTH, HEIGHT, random);
-                ZvBitmap expectedTarget(target), expectedOther(other);
-
-                reference::drawStroke(&expectedTarget, both ? &expectedOther : nullptr, mask, box, layerMode,
-                                      width, COLOR, position);
-                ZvStroke stroke;
-                setStroke(stroke, width, position);
-                EXPECT_EQ(drawWith(stroke, &target, &mask, &box, layerMode, both ? &other : nullptr), 0);
-
-                ASSERT_TRUE(samePixels(expectedTarget, target))
-                    << "seed " << seed << ", mask " << static_cast<int>(kind) << ", width " << width
-                    << ", position " << position << ", box " << box.left << " " << box.top << " " << box.right
-                    << " " << box.bottom << ", layer mode " << layerMode << ", target "
-                    << static_cast<int>(targetKind);
-                ASSERT_TRUE(samePixels(expectedOther, other)) << "other layer, seed " << seed;
-            }
+    for (float width : WIDTHS) {
+        for (int position : {0, 1, 2, 7}) {
+            ZvStroke stroke;
+            setStroke(stroke, width, position);
+            expectThePlainForm(stroke, seed, 6, [&](FilterScene& scene) {
+                reference::drawStroke(&scene.target, scene.both ? &scene.other : nullptr, scene.mask,
+                                      scene.box, scene.layerMode, width, COLOR, position);
+            });
+            seed += 6;
         }
     }
 }
@@ -233,81 +184,22 @@ TEST(Stroke, JobsMayReadAndWriteAPart) {
     EXPECT_EQ(memory, expected);
 }
 
-TEST(Stroke, DrawsNothingWithoutItsParts) {
-    Random random(8);
-    ZvBitmap mask = makeMask(MaskKind::Noise, 10, 10, random);
-    ZvBitmap target = makeTarget(TargetKind::Partly, 10, 10, random);
-    const ZvBitmap before(target);
-    ZvBitmap empty;
-    ZvRect box(0, 0, 10, 10);
-    ZvRect inverted(8, 8, 2, 2), flat(2, 2, 2, 8);
-    ZvStroke stroke;
-    EXPECT_EQ(drawWith(stroke, &target, &mask, &box), 0);  // no settings
+TEST(Stroke, DrawsNothingWithoutItsPartsOrMemory) {
+    ZvStroke bare;
+    FilterScene scene(2), before(2);
+    EXPECT_EQ(scene.draw(bare), 0);
     for (int position : {0, 1, 2}) {
-        setStroke(stroke, 3.0f, position);
-        EXPECT_EQ(stroke.doPostProcessing(nullptr), 0);
-        for (ZvBitmap* bad : {static_cast<ZvBitmap*>(nullptr), &empty}) {
-            EXPECT_EQ(drawWith(stroke, bad, &mask, &box), 0);
-            EXPECT_EQ(drawWith(stroke, &target, bad, &box), 0);
-        }
-        for (ZvRect* bad : {static_cast<ZvRect*>(nullptr), &inverted, &flat}) {
-            EXPECT_EQ(drawWith(stroke, &target, &mask, bad), 0);
-        }
-    }
-    EXPECT_TRUE(samePixels(before, target));
-    setStroke(stroke, 3.0f, 0);
-    EXPECT_EQ(drawWith(stroke, &target, &mask, &box, 1, &empty), 0);  // the other layer is missing its pixels
-    EXPECT_FALSE(samePixels(before, target));
-}
-
-TEST(Stroke, RefusesSizesBeforeTheyOverflow) {
-    Random random(9);
-    ZvBitmap mask = makeMask(MaskKind::Full, 8, 8, random);
-    ZvBitmap target(8, 8, 4);
-    const ZvBitmap before(target);
-    ZvStroke stroke;
-    ZvRect whole(0, 0, 8, 8);
-    for (int position : {0, 1, 2}) {
-        for (float width : {-3.0f, 5e4f, 1e6f, 2147483648.0f, 1e30f, ENDLESS, -ENDLESS}) {
+        ZvStroke stroke;
+        for (float width :
+             {-0.25f, -3.0f, 5e4f, 1e6f, 2147483648.0f, 1e30f, ENDLESS, -ENDLESS, NOT_A_NUMBER}) {
             setStroke(stroke, width, position);
-            drawWith(stroke, &target, &mask, &whole);
+            scene.draw(stroke);
         }
+        EXPECT_TRUE(scene.sameAs(before));
         setStroke(stroke, 3.0f, position);
-        for (ZvRect box : {ZvRect(INT_MIN, INT_MIN, INT_MAX, INT_MAX), ZvRect(0, 0, 65536, 65536),
-                           ZvRect(INT_MIN, 0, INT_MIN + 4, 4), ZvRect(0, 0, INT_MAX, 1)}) {
-            drawWith(stroke, &target, &mask, &box);
-        }
+        expectNothingWithoutParts(stroke);
+        expectUntouchedWithoutMemory(stroke);
     }
-    EXPECT_TRUE(samePixels(before, target));
-}
-
-TEST(Stroke, AFailedAllocationLeavesThePicturesAlone) {
-    Random random(10);
-    ZvBitmap mask = makeMask(MaskKind::Shapes, 16, 16, random);
-    ZvBitmap target = makeTarget(TargetKind::Partly, 16, 16, random);
-    const ZvBitmap before(target);
-    ZvRect box(0, 0, 16, 16);
-    for (int position : {0, 1, 2}) {
-        ZvStroke stroke;
-        setStroke(stroke, 2.0f, position);
-        forEachFailingAllocation([&](bool fails) {
-            std::memcpy(target.pixels, before.pixels, before.byteCount());
-            EXPECT_EQ(drawWith(stroke, &target, &mask, &box), 0);
-            EXPECT_EQ(std::memcmp(target.pixels, before.pixels, before.byteCount()) == 0, fails);
-        });
-    }
-}
-
-TEST(Stroke, SettingsThatCannotBeCopiedLeaveTheOldOnes) {
-    ZvStrokeProperty first(1.0f, 1, 1.0f, 0, 1), second(2.0f, 2, 1.0f, 0, 1);
-    forEachFailingAllocation([&](bool fails) {
-        ZvStroke stroke;
-        stroke.setProperty(&first);
-        const bool hadFirst = stroke.property != nullptr;
-        stroke.setProperty(&second);
-        EXPECT_EQ(hadFirst && stroke.property != nullptr && stroke.property->width == 2.0f, !fails);
-        EXPECT_TRUE(!hadFirst || stroke.property != nullptr);
-    });
 }
 
 }  // namespace

@@ -1,0 +1,51 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "effect/filters/Coverage.h"
+
+#include <algorithm>
+#include <climits>
+#include <cstring>
+
+namespace Zvex {
+
+namespace {
+
+bool hasPixels(const ZvBitmap* bitmap) {
+    return bitmap != nullptr && bitmap->pixels != nullptr;
+}
+
+}  // namespace
+
+bool isDrawable(const ZvECore::ParamPostProcessing* param) {
+    if (param == nullptr || param->textRect == nullptr) return false;
+    if (!hasPixels(param->target) || !hasPixels(param->mask)) return false;
+    return param->textRect->left < param->textRect->right && param->textRect->top < param->textRect->bottom;
+}
+
+bool WorkingArea::grow(const ZvRect& box, int64_t newMargin) {
+    if (newMargin < 0 || newMargin > INT_MAX) return false;
+    const int64_t left = int64_t{box.left} - newMargin;
+    const int64_t top = int64_t{box.top} - newMargin;
+    const int64_t wide = int64_t{box.right} - box.left + 2 * newMargin;
+    const int64_t high = int64_t{box.bottom} - box.top + 2 * newMargin;
+    if (wide <= 0 || high <= 0 || high > INT_MAX / wide || left < INT_MIN || top < INT_MIN) return false;
+    x = static_cast<int>(left);
+    y = static_cast<int>(top);
+    width = static_cast<int>(wide);
+    height = static_cast<int>(high);
+    margin = static_cast<int>(newMargin);
+    return true;
+}
+
+void copyCoverage(const ZvBitmap& mask, const ZvRect& box, uint8_t* plane, ptrdiff_t stride) {
+    const int64_t left = std::max<int64_t>(box.left, 0);
+    const int64_t right = std::min<int64_t>(box.right, mask.width);
+    const int64_t top = std::max<int64_t>(box.top, 0);
+    const int64_t bottom = std::min<int64_t>(box.bottom, mask.height);
+    if (left >= right) return;
+    for (int64_t y = top; y < bottom; ++y) {
+        std::memcpy(plane + (y - box.top) * stride + (left - box.left), mask.pixels + y * mask.width + left,
+                    static_cast<size_t>(right - left));
+    }
+}
+
+}  // namespace Zvex

@@ -1,0 +1,46 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef ZVEX_EFFECT_FILTERS_COVERAGE_H_
+#define ZVEX_EFFECT_FILTERS_COVERAGE_H_
+
+#include <cstddef>
+#include <cstdint>
+
+#include "effect/ZvECore.h"
+#include "raster/ZvBitmap.h"
+#include "raster/ZvRect.h"
+
+namespace Zvex {
+
+// What every filter begins with: is there anything to draw, how large is its working image, what does the
+// text cover there.
+
+// True when the record is there with a target and a mask that have pixels and a text box that is not empty.
+bool isDrawable(const ZvECore::ParamPostProcessing* param);
+
+// A filter's working image: the text box grown by a margin on every side.
+struct WorkingArea {
+    int x = 0, y = 0;           // its top-left on the target; the target's and the mask's pixels are the same
+    int width = 0, height = 0;  // pixels
+    int margin = 0;
+
+    // False when the sizes are empty, or when the position, or the number of pixels, does not fit an int (the
+    // blender and the parameter records count in ints).
+    bool grow(const ZvRect& box, int64_t newMargin);
+
+    size_t pixels() const { return static_cast<size_t>(width) * static_cast<size_t>(height); }
+    size_t row(int y_) const { return static_cast<size_t>(y_) * static_cast<size_t>(width); }
+};
+
+// The mask at (x, y); 0 outside the mask. Any ints.
+inline uint8_t coverageAt(const ZvBitmap& mask, int64_t x, int64_t y) {
+    if (x < 0 || y < 0 || x >= mask.width || y >= mask.height) return 0;
+    return mask.pixels[static_cast<size_t>(y) * mask.width + static_cast<size_t>(x)];
+}
+
+// Copies the mask within the box to a plane whose rows are `stride` bytes, the box's top-left landing on
+// *plane. Box pixels outside the mask are left as they are.
+void copyCoverage(const ZvBitmap& mask, const ZvRect& box, uint8_t* plane, ptrdiff_t stride);
+
+}  // namespace Zvex
+
+#endif  // ZVEX_EFFECT_FILTERS_COVERAGE_H_

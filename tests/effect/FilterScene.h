@@ -1,0 +1,154 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef ZVEX_TESTS_EFFECT_FILTERSCENE_H_
+#define ZVEX_TESTS_EFFECT_FILTERSCENE_H_
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <climits>
+#include <cstring>
+#include <string>
+
+#include "effect/ZvECore.h"
+#include "raster/ZvBitmap.h"
+#include "raster/ZvRect.h"
+#include "tests/FailingAllocations.h"
+#include "tests/effect/TestPictures.h"
+
+// What every filter is held to: one seeded scene, and the checks that all filters share. What a filter draws
+// is compared in its own test, with its plain form.
+
+// All that a filter is given. Seeds run through the kinds of masks (period 6) and, with them, through the
+// targets, the layer modes, boxes within the mask, across its edges and beside it, and targets smaller and
+// larger than the mask.
+struct FilterScene {
+    Zvex::ZvBitmap mask, target, other;
+    Zvex::ZvRect box;
+    int layerMode;
+    bool both;  // hand over `other` too
+
+    explicit FilterScene(unsigned seed, int width = 30, int height = 22) {
+        Random random(seed);
+        mask = makeMask(ALL_MASKS[seed % ALL_MASKS.size()], width, height, random);
+        box = Zvex::ZvRect(0, 0, width, height);
+        if (random.below(3) != 0) {
+            box.left = random.between(-8, width + 2);
+            box.top = random.between(-8, height + 2);
+            box.right = random.between(box.left + 1, std::max(box.left + 1, width + 6));
+            box.bottom = random.between(box.top + 1, std::max(box.top + 1, height + 6));
+        }
+        layerMode = random.below(2);
+        both = random.below(2) == 0;
+        const int grow = random.between(-5, 5);
+        target = makeTarget(ALL_TARGETS[static_cast<size_t>(random.below(3))], width + grow, height + grow,
+                            random);
+        other = makeTarget(TargetKind::Partly, width, height, random);
+    }
+
+    int draw(Zvex::ZvECore& filter) {
+        Zvex::ZvECore::ParamPostProcessing param = record();
+        return filter.doPostProcessing(&param);
+    }
+
+    Zvex::ZvECore::ParamPostProcessing record() {
+        Zvex::ZvECore::ParamPostProcessing param;
+        param.target = &target;
+        param.mask = &mask;
+        param.textRect = &box;
+        param.layerMode = layerMode;
+        param.otherLayer = both ? &other : nullptr;
+        return param;
+    }
+
+    // Whether the pictures are those of another scene.
+    testing::AssertionResult sameAs(const FilterScene& expected) const {
+        const testing::AssertionResult same = samePixels(expected.target, target);
+        return same ? samePixels(expected.other, other) << " on the other layer" : same;
+    }
+
+    std::string describe() const {
+        return "box " + std::to_string(box.left) + " " + std::to_string(box.top) + " " +
+               std::to_string(box.right) + " " + std::to_string(box.bottom) + ", layer mode " +
+               std::to_string(layerMode) + ", target " + std::to_string(target.width) + " x " +
+               std::to_string(target.height);
+    }
+};
+
+// Compares the filter, its settings made, with its plain form over the scenes of `count` seeds from `first`
+// on: draw(scene) draws what is expected onto the scene's own pictures.
+template <typename Draw>
+void expectThePlainForm(Zvex::ZvECore& filter, unsigned first, unsigned count, Draw draw, int width = 30,
+                        int height = 22) {
+    for (unsigned seed = first; seed < first + count; ++seed) {
+        FilterScene actual(seed, width, height), expected(seed, width, height);
+        draw(expected);
+        EXPECT_EQ(actual.draw(filter), 0);
+        ASSERT_TRUE(actual.sameAs(expected)) << "seed " << seed << ", " << actual.describe();
+    }
+}
+
+// A filter whose settings are made, and which draws something, draws nothing when a part of the record is
+// missing or without room, and survives boxes at the ends of the ints.
+inline void expectNothingWithoutParts(Zvex::ZvECore& filter) {
+    FilterScene scene(2);  // shapes
+    scene.box = Zvex::ZvRect(0, 0, 30, 22);
+    const FilterScene before(scene);
+    Zvex::ZvBitmap empty;
+    const auto drawWith = [&](Zvex::ZvBitmap* target, Zvex::ZvBitmap* mask, Zvex::ZvRect* box) {
+        Zvex::ZvECore::ParamPostProcessing param = scene.record();
+        param.target = target;
+        param.mask = mask;
+        param.textRect = box;
+        EXPECT_EQ(filter.doPostProcessing(&param), 0);
+    };
+    EXPECT_EQ(filter.doPostProcessing(nullptr), 0);
+    for (Zvex::ZvBitmap* bad : {static_cast<Zvex::ZvBitmap*>(nullptr), &empty}) {
+        drawWith(bad, &scene.mask, &scene.box);
+        drawWith(&scene.target, bad, &scene.box);
+    }
+    drawWith(&scene.target, &scene.mask, nullptr);
+    for (Zvex::ZvRect bad :
+         {Zvex::ZvRect(8, 8, 2, 2), Zvex::ZvRect(2, 2, 2, 8), Zvex::ZvRect(2, 2, 8, 2),
+          Zvex::ZvRect(INT_MIN, INT_MIN, INT_MAX, INT_MAX), Zvex::ZvRect(INT_MIN, 0, INT_MIN + 4, 4),
+          Zvex::ZvRect(INT_MAX - 4, INT_MAX - 4, INT_MAX, INT_MAX), Zvex::ZvRect(0, 0, 65536, 65536)}) {
+        drawWith(&scene.target, &scene.mask, &bad);
+    }
+    EXPECT_TRUE(scene.sameAs(before));
+}
+
+// With each of its allocations failing in turn the filter leaves the pictures untouched.
+inline void expectUntouchedWithoutMemory(Zvex::ZvECore& filter) {
+    FilterScene scene(2), before(2);
+    scene.box = Zvex::ZvRect(0, 0, 30, 22);
+    forEachFailingAllocation([&](bool fails) {
+        std::memcpy(scene.target.pixels, before.target.pixels, before.target.byteCount());
+        std::memcpy(scene.other.pixels, before.other.pixels, before.other.byteCount());
+        EXPECT_EQ(scene.draw(filter), 0);
+        EXPECT_EQ(bool(scene.sameAs(before)), fails);
+    });
+}
+
+// A layer keeps a copy of its settings, all of it or none: when memory is short the old settings stay.
+// `fieldsOf(record)` gives a record as comparable numbers.
+template <typename Filter, typename Property, typename FieldsOf>
+void expectSettingsCopied(Property& first, Property& second, FieldsOf fieldsOf) {
+    forEachFailingAllocation([&](bool fails) {
+        Filter filter;
+        filter.setProperty(&first);
+        const bool hadFirst = filter.property != nullptr;
+        filter.setProperty(&second);
+        filter.setProperty(nullptr);
+        const bool hasSecond = filter.property != nullptr && fieldsOf(*filter.property) == fieldsOf(second);
+        EXPECT_EQ(hadFirst && hasSecond, !fails);
+        if (hadFirst && !hasSecond) {
+            EXPECT_EQ(fieldsOf(*filter.property), fieldsOf(first));
+        }
+    });
+    Filter filter;
+    filter.setProperty(&second);
+    EXPECT_EQ(filter.getProperty(), filter.property);
+    filter.setProperty(filter.getProperty());  // its own record
+    EXPECT_EQ(fieldsOf(*filter.property), fieldsOf(second));
+}
+
+#endif  // ZVEX_TESTS_EFFECT_FILTERSCENE_H_
