@@ -1,0 +1,72 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "effect/filters/SquareRoots.h"
+
+#include <cmath>
+#include <cstddef>
+
+namespace Zvex {
+
+namespace {
+
+// The root of `square` in thousandths, to the nearest; `whole` is its whole part. There is never a tie: with
+// f the thousandths beyond the whole part, f counts as reached when
+//     (whole + (2 * f - 1) / 2000)^2 <= square,
+// where, multiplied out, one side is odd and the other even. In integers throughout: whole is below 2^32 and
+// square - whole^2 at most 2 * whole, so that neither side reaches 2^56.
+constexpr int64_t thousandths(int64_t square, int64_t whole) {
+    const int64_t rest = square - whole * whole;
+    int64_t reached = 0, beyond = 1001;
+    while (beyond - reached > 1) {
+        const int64_t middle = (reached + beyond) / 2, odd = 2 * middle - 1;
+        if (odd * (4000 * whole + odd) <= 4000000 * rest) {
+            reached = middle;
+        } else {
+            beyond = middle;
+        }
+    }
+    return 1000 * whole + reached;
+}
+
+// In double precision first: for all that a float counts exactly (roots below 16777) rounding twice gives the
+// nearest float all the same.
+constexpr float fromThousandths(int64_t count) {
+    return static_cast<float>(static_cast<double>(count) / 1000.0);
+}
+
+constexpr int64_t TABLE_SIZE = 5490;
+
+struct Table {
+    float roots[TABLE_SIZE];
+};
+
+constexpr Table makeTable() {
+    Table table{};
+    int64_t whole = 0;
+    for (int64_t i = 0; i < TABLE_SIZE; ++i) {
+        if ((whole + 1) * (whole + 1) <= i) ++whole;
+        table.roots[i] = fromThousandths(thousandths(i, whole));
+    }
+    return table;
+}
+
+constexpr Table TABLE = makeTable();
+
+// The whole part of a root, or one less next to a square too large for a double: the nearest thousandth is
+// that of the square either way. Never more, or its own square might not fit.
+int64_t wholeRoot(int64_t square) {
+    int64_t root = static_cast<int64_t>(std::sqrt(static_cast<double>(square)));
+    while (root > square / root) --root;
+    return root;
+}
+
+}  // namespace
+
+const float (&ZV_INT_SQRT_TABLE)[5490] = TABLE.roots;
+
+float integerRoot(int64_t square) {
+    if (square < 0) return 0.0f;
+    if (square < TABLE_SIZE) return TABLE.roots[static_cast<size_t>(square)];
+    return fromThousandths(thousandths(square, wholeRoot(square)));
+}
+
+}  // namespace Zvex

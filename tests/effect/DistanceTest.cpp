@@ -1,0 +1,190 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "effect/filters/Distance.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <climits>
+#include <cmath>
+#include <cstdint>
+#include <limits>
+#include <vector>
+
+#include "effect/filters/SquareRoots.h"
+#include "tests/FailingAllocations.h"
+#include "tests/effect/TestPictures.h"
+#include "tests/reference/DistanceReference.h"
+
+namespace Zvex {
+namespace {
+
+static_assert(sizeof(ZV_INT_SQRT_TABLE) == 5490 * sizeof(float));
+
+TEST(SquareRoots, AreTheNearestThousandth) {
+    for (int i = 0; i < 12000; ++i) {
+        ASSERT_EQ(integerRoot(i), reference::root(i)) << i;
+        if (i < 5490) {
+            ASSERT_EQ(ZV_INT_SQRT_TABLE[i], reference::root(i)) << i;
+        }
+    }
+    EXPECT_EQ(ZV_INT_SQRT_TABLE[6], 2.449f);
+    EXPECT_EQ(ZV_INT_SQRT_TABLE[5489], 74.088f);
+    EXPECT_EQ(integerRoot(INT64_MAX), 3037000500.0f);
+    EXPECT_EQ(integerRoot(2000 * 2000 - 1), 2000.0f);
+    EXPECT_EQ(integerRoot(-1), 0.0f);
+}
+
+// What the kernels meet: whole numbers (below 2^24 all arithmetic is exact, so the envelope is the minimum
+// that it stands for), fractions, and lines so long that the squares are rounded.
+TEST(Distance, TransformOfALineIsTheLowerEnvelope) {
+    Random random(1);
+    for (int i = 0; i < 400; ++i) {
+        const bool fractions = i % 2 == 1;
+        const int count = i < 390 ? random.between(1, 60) : random.between(5000, 12000);
+        std::vector<float> values(static_cast<size_t>(count)), actual(values.size(), -1.0f), smallest;
+        for (float& value : values) {
+            value = random.below(3) == 0 ? 1e20f : static_cast<float>(random.below(i % 5 == 0 ? 2 : 300));
+            if (fractions) value *= 0.3f;
+        }
+        EXPECT_TRUE(squaredDistances(actual.data(), values.data(), count));
+        ASSERT_EQ(actual, reference::squaredDistances(values)) << "case " << i;
+        if (fractions || count > 60) continue;
+        for (int q = 0; q < count; ++q) {
+            float best = std::numeric_limits<float>::infinity();
+            for (int p = 0; p < count; ++p)
+                best = std::min(best, values[static_cast<size_t>(p)] + static_cast<float>((q - p) * (q - p)));
+            smallest.push_back(best);
+        }
+        ASSERT_EQ(actual, smallest) << "case " << i;
+    }
+    float untouched = 7;
+    EXPECT_TRUE(squaredDistances(&untouched, &untouched, 0));
+    EXPECT_TRUE(squaredDistances(nullptr, nullptr, 3));
+    EXPECT_EQ(untouched, 7);
+    // No image holds these; they must do no harm.
+    constexpr float LARGEST = std::numeric_limits<float>::max(),
+                    NOT_A_NUMBER = std::numeric_limits<float>::quiet_NaN();
+    const std::vector<float> wild = {LARGEST,  -LARGEST,     NOT_A_NUMBER, LARGEST,   -LARGEST,
+                                     -LARGEST, NOT_A_NUMBER, INFINITY,     -INFINITY, 0};
+    std::vector<float> result(wild.size());
+    EXPECT_TRUE(squaredDistances(result.data(), wild.data(), static_cast<int>(wild.size())));
+}
+
+TEST(Distance, TransformOfAPlane) {
+    Random random(2);
+    for (int i = 0; i < 60; ++i) {
+        const int width = random.between(1, 40), height = random.between(1, 30),
+                  rarity = random.between(2, 60);
+        reference::Distances expected(width, height, 0);
+        for (float& value : expected.values) value = random.below(rarity) == 0 ? 0.0f : 1e20f;
+        std::vector<float> actual = expected.values;
+        reference::squaredDistances(expected);
+        EXPECT_TRUE(squaredDistances(actual.data(), width, height));
+        ASSERT_EQ(actual, expected.values) << "case " << i << ": " << width << " x " << height;
+    }
+}
+
+struct Search {
+    const char* name;
+    bool (*kernel)(const DistanceSearch&);
+    void (*plain)(reference::Distances&, int, int, int);
+};
+constexpr Search SEARCHES[] = {{"nearest", searchNearest, reference::searchNearest},
+                               {"outward", searchOutward, reference::searchOutward},
+                               {"inward", searchInward, reference::searchInward}};
+
+// The planes of both filters and worse: clumps of full pixels, partial ones, the rest at or beyond the
+// radius. `signs`: full pixels are below 0, too, and so is some of the rest.
+reference::Distances makePlane(Random& random, int radius, bool signs) {
+    reference::Distances plane(random.between(1, 40), random.between(1, 30), 0);
+    const int kind = random.below(4);
+    for (int y = 0; y < plane.height; ++y) {
+        for (int x = 0; x < plane.width; ++x) {
+            const bool inside = kind == 0   ? random.below(2) == 0
+                                : kind == 1 ? x / 7 % 2 == y / 5 % 2
+                                            : x * y % 17 == kind;
+            const int choice = random.below(24);
+            float value =
+                inside ? (signs ? 1.0f - static_cast<float>(radius) : 0.0f) : static_cast<float>(radius);
+            if (choice == 0) value = static_cast<float>(random.below(1000)) / 999.0f;
+            if (choice == 1 && kind == 0)
+                value = static_cast<float>(random.between(signs ? -3000 : 1000, 9000)) / 1000.0f;
+            plane.at(x, y) = value;
+        }
+    }
+    return plane;
+}
+
+// Rows outside the range stay; ranges done one after another give the whole.
+TEST(Distance, SearchesEqualThePlainForm) {
+    Random random(3);
+    for (const Search& search : SEARCHES) {
+        for (int i = 0; i < 120; ++i) {
+            const int radius = i == 0 ? 70 : i == 1 ? -2 : random.below(12);
+            reference::Distances expected =
+                makePlane(random, std::max(radius, 1), search.plain != reference::searchNearest);
+            const int rowBegin = random.below(2), middle = random.between(rowBegin, expected.height);
+            const int rowEnd = random.below(2) == 0 ? expected.height : middle;
+            std::vector<float> actual = expected.values;
+            search.plain(expected, radius, rowBegin, rowEnd);
+            DistanceSearch job{actual.data(), expected.height, expected.width, radius, rowBegin, middle};
+            EXPECT_TRUE(search.kernel(job));
+            job.rowBegin = middle;
+            job.rowEnd = rowEnd;
+            EXPECT_TRUE(search.kernel(job));
+            ASSERT_EQ(actual, expected.values) << search.name << ", case " << i << ", radius " << radius;
+        }
+    }
+}
+
+// Any order of the rows, where the text of the header says so: the last rows first.
+TEST(Distance, RowsOfASearchMayBeSplitAnyhow) {
+    Random random(4);
+    for (int i = 0; i < 60; ++i) {
+        const int radius = random.between(2, 9);
+        reference::Distances whole = makePlane(random, radius, true);
+        for (float& value : whole.values) value = std::max(value, 1.0f - static_cast<float>(radius));
+        for (const Search& search : {SEARCHES[1], SEARCHES[2]}) {
+            reference::Distances parts = whole;
+            search.plain(whole, radius, 0, whole.height);
+            for (int end = parts.height; end > 0; end -= 3)
+                search.kernel({parts.values.data(), parts.height, parts.width, radius, end - 3, end});
+            ASSERT_EQ(parts.values, whole.values) << search.name << ", case " << i;
+        }
+    }
+}
+
+TEST(Distance, SearchesSurviveSizesThatDoNotFit) {
+    std::vector<float> plane = {2, 0, 2, -1};
+    for (const Search& search : SEARCHES) {
+        std::vector<float> some = plane;
+        EXPECT_TRUE(search.kernel({some.data(), 2, 2, INT_MAX, INT_MIN, INT_MAX}));
+        for (DistanceSearch empty : {DistanceSearch{nullptr, 2, 2, 1, 0, 2},
+                                     {plane.data(), 0, 2, 1, 0, 2},
+                                     {plane.data(), 2, 0, 1, 0, 2},
+                                     {plane.data(), 2, 2, INT_MIN, 0, 2},
+                                     {plane.data(), 2, 2, 1, 1, 1}}) {
+            EXPECT_TRUE(search.kernel(empty));
+        }
+    }
+    EXPECT_EQ(plane, (std::vector<float>{2, 0, 2, -1}));
+}
+
+TEST(Distance, WithoutMemoryThePlaneStays) {
+    const std::vector<float> before = {3, 3, 0, -2, 3, 3, 0.5f, 3, 3, 3, 3, 3};
+    forEachFailingAllocation([&](bool fails) {
+        std::vector<float> planes[4] = {before, before, before, before};
+        int done = 0;
+        for (int i = 0; i < 3; ++i) {
+            const bool ok = SEARCHES[i].kernel({planes[i].data(), 4, 3, 3, 0, 4});
+            EXPECT_EQ(planes[i] != before, ok) << SEARCHES[i].name;
+            done += ok;
+        }
+        const bool ok = squaredDistances(planes[3].data(), 3, 4);
+        EXPECT_EQ(planes[3] != before, ok);
+        EXPECT_EQ(done + ok == 4, !fails);
+    });
+}
+
+}  // namespace
+}  // namespace Zvex

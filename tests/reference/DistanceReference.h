@@ -1,0 +1,122 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef ZVEX_TESTS_REFERENCE_DISTANCEREFERENCE_H_
+#define ZVEX_TESTS_REFERENCE_DISTANCEREFERENCE_H_
+
+#include <algorithm>
+#include <cmath>
+#include <vector>
+
+// The distance planes of the reliefs as their definitions read.
+namespace reference {
+
+struct Distances {
+    int width = 0, height = 0;
+    std::vector<float> values;
+
+    Distances(int w, int h, float value) : width(w), height(h), values(static_cast<size_t>(w * h), value) {}
+    float& at(int x, int y) { return values[static_cast<size_t>(y * width + x)]; }
+};
+
+// A root to the nearest thousandth.
+inline float root(int square) {
+    return static_cast<float>(std::round(std::sqrt(static_cast<double>(square)) * 1000) / 1000);
+}
+
+// The lower envelope of the parabolas over one line, in single precision.
+inline std::vector<float> squaredDistances(const std::vector<float>& f) {
+    const int n = static_cast<int>(f.size());
+    std::vector<int> v(f.size());
+    std::vector<float> z(f.size() + 1), d;
+    const auto square = [](int i) { return static_cast<float>(i * i); };
+    int k = 0;
+    z[0] = -1e20f;
+    z[1] = 1e20f;
+    for (int q = 1; q < n; ++q) {
+        const auto crossing = [&] {
+            const int p = v[static_cast<size_t>(k)];
+            return ((f[static_cast<size_t>(q)] + square(q)) - (f[static_cast<size_t>(p)] + square(p))) /
+                   static_cast<float>(2 * q - 2 * p);
+        };
+        float s = crossing();
+        while (s <= z[static_cast<size_t>(k)]) {
+            --k;
+            s = crossing();
+        }
+        ++k;
+        v[static_cast<size_t>(k)] = q;
+        z[static_cast<size_t>(k)] = s;
+        z[static_cast<size_t>(k) + 1] = 1e20f;
+    }
+    k = 0;
+    for (int q = 0; q < n; ++q) {
+        while (z[static_cast<size_t>(k) + 1] < static_cast<float>(q)) ++k;
+        const int p = v[static_cast<size_t>(k)];
+        d.push_back(f[static_cast<size_t>(p)] + square(q - p));
+    }
+    return d;
+}
+
+inline void squaredDistances(Distances& plane) {
+    for (int x = 0; x < plane.width; ++x) {
+        std::vector<float> column;
+        for (int y = 0; y < plane.height; ++y) column.push_back(plane.at(x, y));
+        column = squaredDistances(column);
+        for (int y = 0; y < plane.height; ++y) plane.at(x, y) = column[static_cast<size_t>(y)];
+    }
+    for (int y = 0; y < plane.height; ++y) {
+        const auto begin = plane.values.begin() + y * plane.width;
+        const std::vector<float> row = squaredDistances(std::vector<float>(begin, begin + plane.width));
+        std::copy(row.begin(), row.end(), begin);
+    }
+}
+
+// Calls visit(value, distance) for every pixel of the window around (x, y).
+template <typename Visit>
+void forWindow(Distances& plane, int x, int y, int radius, Visit visit) {
+    for (int yy = std::max(y - radius, 0); yy < std::min(y + radius + 1, plane.height); ++yy) {
+        for (int xx = std::max(x - radius, 0); xx < std::min(x + radius + 1, plane.width); ++xx)
+            visit(plane.at(xx, yy), (yy - y) * (yy - y) + (xx - x) * (xx - x));
+    }
+}
+
+// The three searches, in place, pixel after pixel.
+inline void searchNearest(Distances& plane, int radius, int rowBegin, int rowEnd) {
+    for (int y = rowBegin; y < rowEnd; ++y) {
+        for (int x = 0; x < plane.width; ++x) {
+            float& value = plane.at(x, y);
+            if (value == 0) continue;
+            forWindow(plane, x, y, radius, [&](float other, int square) {
+                if (other < 1) value = std::min(value, other + root(square));
+            });
+        }
+    }
+}
+
+inline void searchOutward(Distances& plane, int radius, int rowBegin, int rowEnd) {
+    for (int y = rowBegin; y < rowEnd; ++y) {
+        for (int x = 0; x < plane.width; ++x) {
+            std::vector<float> offers;
+            forWindow(plane, x, y, radius, [&](float other, int square) {
+                if (other < 1) offers.push_back(other > 0 ? other + root(square) : root(square));
+            });
+            if (plane.at(x, y) > 0 && !offers.empty())
+                plane.at(x, y) = *std::min_element(offers.begin(), offers.end());
+        }
+    }
+}
+
+inline void searchInward(Distances& plane, int radius, int rowBegin, int rowEnd) {
+    for (int y = rowBegin; y < rowEnd; ++y) {
+        for (int x = 0; x < plane.width; ++x) {
+            float& value = plane.at(x, y);
+            if (!(value < 0)) continue;
+            forWindow(plane, x, y, radius, [&](float other, int square) {
+                if (other > 1) value = std::max(value, -(root(square) - other));
+            });
+        }
+    }
+}
+
+}  // namespace reference
+
+#endif  // ZVEX_TESTS_REFERENCE_DISTANCEREFERENCE_H_
