@@ -2,17 +2,11 @@
 #ifndef ZVEX_TOOLS_ZVTEXT_PNGWRITER_H_
 #define ZVEX_TOOLS_ZVTEXT_PNGWRITER_H_
 
-#include <cstdint>
 #include <string>
-#include <vector>
+
+#include "tools/zvtext/Picture.h"
 
 namespace zvtext {
-
-// A picture of straight (not premultiplied) colours, one 0xAARRGGBB word a pixel, rows without padding.
-struct Picture {
-    int width = 0, height = 0;  // pixels, at least 1
-    std::vector<uint32_t> pixels;
-};
 
 // Writes the picture as an 8-bit RGBA PNG. The file appears under `path` only when it is whole: it is written
 // to a temporary name in the same folder, synced, and renamed over whatever stood there. "-" writes to
