@@ -46,8 +46,8 @@ int gravityBits(const Scene& scene) {
     return kHorizontal[static_cast<int>(scene.align)] | kVertical[static_cast<int>(scene.gravity)];
 }
 
-uint32_t withOpacity(uint32_t color, float opacity) {
-    const auto alpha = static_cast<uint32_t>(std::lround(static_cast<float>(color >> 24) * opacity));
+uint32_t withOpacity(uint32_t color, double opacity) {
+    const auto alpha = static_cast<uint32_t>(std::lround((color >> 24) * opacity));
     return alpha << 24 | (color & 0xFFFFFF);
 }
 
@@ -69,7 +69,7 @@ void warnAboutFarCharacters(const std::string& text) {
 // Their own weights keep a bold fallback behind a bold font from being widened once more.
 void setFallbacks(const std::vector<std::string>& paths, const std::vector<FontFacts>& facts) {
     FontManager* manager = FontManager::GetInstance();
-    if (manager->IsSystemFontFamiliesAlreadySet()) return;
+    manager->ClearFontFamilies();
     auto* families = new List;
     families->Construct();
     std::string unloaded;
@@ -134,6 +134,7 @@ std::vector<Zvex::LaidOutLine> layOutLines(const Scene& scene, const LineShaper&
     const auto measure = [&](int start, int end) {
         return start < end ? shaper.layOut(start, end).getAdvance() : 0.0f;
     };
+    const auto size = static_cast<float>(scene.style.size);
     std::vector<Zvex::LaidOutLine> lines;
     int top = 0;
     for (const LineRange& range : breakLines(shaper.text(), shaper.length(), wrapWidth, measure)) {
@@ -149,8 +150,8 @@ std::vector<Zvex::LaidOutLine> layOutLines(const Scene& scene, const LineShaper&
                 "--size: a line of the text is wider than 65535 pixels; lower --size or set --width");
         }
         Zvex::LaidOutLine line;
-        const int ascent = static_cast<int>(std::ceil(std::max(font.ascent * scene.size, -ink.mTop)));
-        const int descent = static_cast<int>(std::ceil(std::max(font.descent * scene.size, ink.mBottom)));
+        const int ascent = static_cast<int>(std::ceil(std::max(font.ascent * size, -ink.mTop)));
+        const int descent = static_cast<int>(std::ceil(std::max(font.descent * size, ink.mBottom)));
         line.top = top;
         line.baseline = top + ascent;
         line.bottom = line.baseline + descent;
@@ -203,18 +204,15 @@ Picture renderScene(const Scene& scene) {
 
     android::Paint paint;
     paint.setFlags(kAntiAlias);
-    paint.setTextSize(scene.size);
-    paint.setLetterSpacing(scene.letterSpacing);
-    paint.setFontFeatureSettings(scene.features);
+    const Style& style = scene.style;
+    paint.setTextSize(static_cast<float>(style.size));
+    paint.setLetterSpacing(static_cast<float>(style.letterSpacing));
+    paint.setFontFeatureSettings(style.features);
     object.SetPaint(paint);
-    object.SetTextColor(withOpacity(scene.color, scene.opacity));
-    object.SetBackgroundColor(withOpacity(scene.background.value_or(0), scene.opacity),
-                              scene.background.has_value());
-    if (scene.stroke) {
-        const float opacity = static_cast<float>(scene.stroke->color >> 24) / 255.0f;
-        object.GetEffect()->addStrokeText(scene.stroke->width, scene.stroke->color, opacity, 0,
-                                          scene.stroke->position);
-    }
+    object.SetTextColor(withOpacity(style.color, style.opacity));
+    object.SetBackgroundColor(withOpacity(style.background.value_or(0), style.opacity),
+                              style.background.has_value());
+    addEffects(*object.GetEffect(), style.effects);
 
     const Padding& pad = scene.padding;
     const int wrapWidth = scene.width > 0 ? scene.width - pad.left - pad.right : 0;
@@ -260,6 +258,21 @@ Picture renderScene(const Scene& scene) {
     picture.pixels.resize(static_cast<size_t>(width * height));
     std::memcpy(picture.pixels.data(), pixels, picture.pixels.size() * 4);
     return picture;
+}
+
+std::string layerKeyInHex(const Style& style) {
+    ZvEffect stack;
+    addEffects(stack, style.effects);
+    const std::unique_ptr<char[]> key(stack.getMapKey(withOpacity(style.color, style.opacity)));
+    if (key == nullptr) throw std::bad_alloc();
+    std::string hex;
+    for (const char* byte = key.get(); *byte != '\0'; ++byte) {
+        char digits[3];
+        std::snprintf(digits, sizeof digits, "%02x",
+                      static_cast<unsigned>(static_cast<unsigned char>(*byte)));
+        hex += digits;
+    }
+    return hex;
 }
 
 }  // namespace zvtext

@@ -3,11 +3,11 @@
 #define ZVEX_TOOLS_ZVTEXT_SCENE_H_
 
 #include <cstdint>
-#include <optional>
 #include <string>
 #include <vector>
 
-#include "tools/zvtext/PngWriter.h"
+#include "tools/zvtext/Picture.h"
+#include "tools/zvtext/Style.h"
 #include "tools/zvtext/Values.h"
 
 namespace zvtext {
@@ -20,19 +20,13 @@ struct Scene {
     std::string text;                    // UTF-8, not empty
     std::string font;                    // path of a font file
     std::vector<std::string> fallbacks;  // paths of the fonts asked next, in this order
-    float size = 96;                     // pixels per em
-    uint32_t color = 0xFF000000;
-    std::optional<uint32_t> background;  // behind each line
-    int width = 0;                       // of the view, padding included; 0: as wide as the widest line
-    int height = 0;                      // of the view, padding included; 0: as high as the lines shown
+    Style style;
+    int width = 0;   // of the view, padding included; 0: as wide as the widest line
+    int height = 0;  // of the view, padding included; 0: as high as the lines shown
     Align align = Align::Left;
     Gravity gravity = Gravity::Top;
     int maxLines = 0;  // 0: all
     Padding padding;
-    float letterSpacing = 0;  // in ems
-    std::string features;     // OpenType features, "smcp, -liga"
-    float opacity = 1;        // of the whole picture
-    std::optional<StrokeValue> stroke;
 };
 
 // The largest picture made, effect margins included: each side, and the pixels in all (about 1.5 GB of
@@ -41,8 +35,12 @@ constexpr int kMaxSide = 32767;
 constexpr int64_t kMaxPixels = 100'000'000;
 
 // Renders the scene through a text object of the library. The fallback fonts become the process's system
-// families, so the scenes of one process share those of the first. Throws UsageError or Failure.
+// families in place of those of the scene before. Throws UsageError or Failure.
 Picture renderScene(const Scene& scene);
+
+// The layer key of the style's effects and text colour (see ZvEffect::getMapKey), two hex digits a byte.
+// Throws Failure.
+std::string layerKeyInHex(const Style& style);
 
 }  // namespace zvtext
 

@@ -3,7 +3,7 @@
 
 #include <charconv>
 #include <cmath>
-#include <vector>
+#include <cstdio>
 
 #include "tools/zvtext/Failure.h"
 
@@ -15,34 +15,14 @@ namespace {
     throw UsageError(option + ": '" + text + "' is not " + wanted);
 }
 
-// 12.5 is written "12.5" and 100 is written "100" in messages.
-std::string shortNumber(double value) {
-    std::string text = std::to_string(value);
-    text.erase(text.find_last_not_of('0') + 1);
-    if (text.back() == '.') text.pop_back();
-    return text;
-}
-
-std::vector<std::string> split(const std::string& text, char separator) {
-    std::vector<std::string> parts;
-    size_t begin = 0;
-    for (;;) {
-        const size_t end = text.find(separator, begin);
-        parts.push_back(text.substr(begin, end - begin));
-        if (end == std::string::npos) return parts;
-        begin = end + 1;
-    }
-}
-
 }  // namespace
 
 uint32_t parseColor(const std::string& option, const std::string& text) {
-    const char* wanted = "a colour; write #rgb, #rrggbb or #aarrggbb";
-    if (text.empty() || text[0] != '#') refuse(option, text, wanted);
+    if (text.empty() || text[0] != '#') refuse(option, text, kWantedColor);
     uint32_t value = 0;
     const char* end = text.data() + text.size();
     const auto [stop, error] = std::from_chars(text.data() + 1, end, value, 16);
-    if (error != std::errc() || stop != end) refuse(option, text, wanted);
+    if (error != std::errc() || stop != end) refuse(option, text, kWantedColor);
     switch (text.size() - 1) {
         case 3: {
             const uint32_t r = value >> 8 & 0xF, g = value >> 4 & 0xF, b = value & 0xF;
@@ -53,21 +33,31 @@ uint32_t parseColor(const std::string& option, const std::string& text) {
         case 8:
             return value;
         default:
-            refuse(option, text, wanted);
+            refuse(option, text, kWantedColor);
     }
 }
 
-double parseNumber(const std::string& option, const std::string& text, double low, double high,
-                   bool exclusiveLow) {
-    double value = 0;
-    const char* end = text.data() + text.size();
-    const auto [stop, error] = std::from_chars(text.data(), end, value);
-    const bool readable = error == std::errc() && stop == end && std::isfinite(value);
-    if (!readable || value < low || value > high || (exclusiveLow && value == low)) {
-        refuse(option, text,
-               std::string("a number ") + (exclusiveLow ? "above " : "from ") + shortNumber(low) +
-                   (exclusiveLow ? " and up to " : " to ") + shortNumber(high));
+bool NumberRange::contains(double value) const {
+    return std::isfinite(value) && value <= high && (exclusiveLow ? value > low : value >= low);
+}
+
+std::string NumberRange::wanted() const {
+    std::string text = "a number";
+    if (std::isfinite(low)) {
+        text += (exclusiveLow ? " above " : " from ") + formatNumber(low) +
+                (exclusiveLow ? " and up to " : " to ") + formatNumber(high);
     }
+    return *unit != '\0' ? text + " (" + unit + ")" : text;
+}
+
+double parseNumber(const std::string& option, const std::string& text, const NumberRange& range) {
+    const size_t unitLength = std::char_traits<char>::length(range.unit);
+    const bool hasUnit =
+        text.size() > unitLength && text.compare(text.size() - unitLength, unitLength, range.unit) == 0;
+    const char* end = text.data() + text.size() - (hasUnit ? unitLength : 0);
+    double value = 0;
+    const auto [stop, error] = std::from_chars(text.data(), end, value);
+    if (error != std::errc() || stop != end || !range.contains(value)) refuse(option, text, range.wanted());
     return value;
 }
 
@@ -81,11 +71,14 @@ int parseInteger(const std::string& option, const std::string& text, int64_t low
     return static_cast<int>(value);
 }
 
-float parseOpacity(const std::string& option, const std::string& text) {
-    if (!text.empty() && text.back() == '%') {
-        return static_cast<float>(parseNumber(option, text.substr(0, text.size() - 1), 0, 100) / 100);
-    }
-    return static_cast<float>(parseNumber(option, text, 0, 1));
+double parseOpacity(const std::string& option, const std::string& text) {
+    const bool percent = !text.empty() && text.back() == '%';
+    const char* end = text.data() + text.size() - (percent ? 1 : 0);
+    double value = 0;
+    const auto [stop, error] = std::from_chars(text.data(), end, value);
+    if (percent) value /= 100;
+    if (error != std::errc() || stop != end || !kShare.contains(value)) refuse(option, text, kWantedShare);
+    return value;
 }
 
 Padding parsePadding(const std::string& option, const std::string& text) {
@@ -103,24 +96,28 @@ Padding parsePadding(const std::string& option, const std::string& text) {
     }
 }
 
-StrokeValue parseStroke(const std::string& option, const std::string& text) {
-    const std::vector<std::string> parts = split(text, ':');
-    if (parts.size() > 3) refuse(option, text, "a stroke; write WIDTH[:COLOR[:outside|inside|center]]");
-    StrokeValue stroke;
-    stroke.width = static_cast<float>(parseNumber(option + " width", parts[0], 0, 100));
-    if (parts.size() > 1) stroke.color = parseColor(option + " colour", parts[1]);
-    if (parts.size() > 2) {
-        if (parts[2] == "outside") {
-            stroke.position = 1;
-        } else if (parts[2] == "inside") {
-            stroke.position = 2;
-        } else if (parts[2] == "center") {
-            stroke.position = 0;
-        } else {
-            refuse(option + " position", parts[2], "one of outside, inside, center");
-        }
+std::string formatColor(uint32_t color) {
+    char text[16];
+    const bool opaque = color >> 24 == 0xFF;
+    std::snprintf(text, sizeof text, opaque ? "#%06x" : "#%08x",
+                  static_cast<unsigned>(opaque ? color & 0xFFFFFF : color));
+    return text;
+}
+
+std::string formatNumber(double value) {
+    char text[32];
+    return std::string(text, std::to_chars(text, text + sizeof text, value).ptr);
+}
+
+std::vector<std::string> split(const std::string& text, char separator) {
+    std::vector<std::string> parts;
+    size_t begin = 0;
+    for (;;) {
+        const size_t end = text.find(separator, begin);
+        parts.push_back(text.substr(begin, end - begin));
+        if (end == std::string::npos) return parts;
+        begin = end + 1;
     }
-    return stroke;
 }
 
 }  // namespace zvtext

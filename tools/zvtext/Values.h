@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 namespace zvtext {
 
@@ -11,17 +12,29 @@ namespace zvtext {
 // where the text is not exactly one value in range; nothing depends on the process's locale.
 
 // "#rgb", "#rrggbb" or "#aarrggbb", alpha first as on Android; gives 0xAARRGGBB.
+constexpr char kWantedColor[] = "a colour; write #rgb, #rrggbb or #aarrggbb";
 uint32_t parseColor(const std::string& option, const std::string& text);
 
-// A finite decimal number in [low, high]; with `exclusiveLow`, greater than low.
-double parseNumber(const std::string& option, const std::string& text, double low, double high,
-                   bool exclusiveLow = false);
+// The numbers that a setting takes.
+struct NumberRange {
+    double low = 0, high = 0;  // both infinite: any finite number
+    const char* unit = "";     // may follow the number: "px", "deg", "%"
+    bool exclusiveLow = false;
+
+    bool contains(double value) const;
+    std::string wanted() const;  // "a number from 0 to 100 (px)", for messages and help
+};
+
+// A decimal number in the range, with its unit or without.
+double parseNumber(const std::string& option, const std::string& text, const NumberRange& range);
 
 // A whole number in [low, high].
 int parseInteger(const std::string& option, const std::string& text, int64_t low, int64_t high);
 
 // A share of one: "0.6" or "60%".
-float parseOpacity(const std::string& option, const std::string& text);
+constexpr NumberRange kShare = {0, 1};
+constexpr char kWantedShare[] = "an opacity; write 0 to 1 or 0% to 100%";
+double parseOpacity(const std::string& option, const std::string& text);
 
 // Pixels on each side: "10" (all), "10,20" (left and right, top and bottom) or "1,2,3,4" (left, top, right,
 // bottom).
@@ -30,14 +43,13 @@ struct Padding {
 };
 Padding parsePadding(const std::string& option, const std::string& text);
 
-// "WIDTH", "WIDTH:COLOR" or "WIDTH:COLOR:POSITION"; the position is outside (as when it is left out), inside
-// or center.
-struct StrokeValue {
-    float width = 0;              // pixels, 0 to 100
-    uint32_t color = 0xFF000000;  // 0xAARRGGBB; the alpha becomes the stroke's opacity
-    int position = 1;             // 0 centred on the glyph edge, 1 outside, 2 inside
-};
-StrokeValue parseStroke(const std::string& option, const std::string& text);
+// "#rrggbb", or "#aarrggbb" where the colour is not opaque.
+std::string formatColor(uint32_t color);
+
+// The shortest decimal that reads back as the same number: 12.5 as "12.5", 100 as "100".
+std::string formatNumber(double value);
+
+std::vector<std::string> split(const std::string& text, char separator);
 
 }  // namespace zvtext
 

@@ -1,0 +1,197 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "tools/zvtext/RenderCommand.h"
+
+#include <CLI/CLI.hpp>
+#include <cstdio>
+#include <map>
+
+#include "tools/zvtext/Failure.h"
+#include "tools/zvtext/PngWriter.h"
+#include "tools/zvtext/TextInput.h"
+
+namespace zvtext {
+
+namespace {
+
+constexpr char kDefaultOutput[] = "zvtext.png";
+
+template <typename Value>
+Value parseChoice(const std::string& option, const std::string& text,
+                  const std::map<std::string, Value>& choices) {
+    const auto found = choices.find(text);
+    if (found != choices.end()) return found->second;
+    std::string names;
+    for (const auto& choice : choices) names += (names.empty() ? "" : ", ") + choice.first;
+    throw UsageError(option + ": '" + text + "' is not one of " + names);
+}
+
+// An option that is kept in the order of the command line, under its long name.
+CLI::Option* addStyleOption(CLI::App& command, RenderArguments& arguments, const std::string& name,
+                            const std::string& help, const char* shortFlag = "") {
+    return command
+        .add_option_function<std::string>(
+            shortFlag + ("--" + name),
+            [&arguments, name](const std::string& value) { arguments.style.emplace_back(name, value); }, help)
+        ->trigger_on_parse();
+}
+
+void addTextOptions(CLI::App& command, RenderArguments& a) {
+    command.add_option("text", a.text, "The text, UTF-8; - reads standard input")->type_name("TEXT");
+    command.add_option("--text-file", a.textFile, "Read the text from a file; - is standard input")
+        ->type_name("FILE");
+    command.add_option("-f,--font", a.font, "The font file")->type_name("FILE");
+    command
+        .add_option("--fallback", a.fallbacks,
+                    "A font for what --font lacks; give it again for more, in order")
+        ->type_name("FILE")
+        ->take_all()
+        ->allow_extra_args(false);  // the text may follow
+}
+
+void addViewOptions(CLI::App& command, RenderArguments& a) {
+    command
+        .add_option("--width", a.width,
+                    "Width in which lines wrap, padding included; else lines are as long as they are")
+        ->type_name("PX");
+    command.add_option("--height", a.height, "Height, padding included; else as high as the lines")
+        ->type_name("PX");
+    command.add_option("--align", a.align, "left, center or right")->type_name("SIDE")->capture_default_str();
+    command.add_option("--gravity", a.gravity, "top, center or bottom, where --height leaves room")
+        ->type_name("SIDE")
+        ->capture_default_str();
+    command
+        .add_option("--max-lines", a.maxLines,
+                    "Lines shown: the first ones, or the last ones with --gravity bottom")
+        ->type_name("N");
+    command.add_option("--padding", a.padding, "ALL, SIDES,ENDS or LEFT,TOP,RIGHT,BOTTOM")
+        ->type_name("PX")
+        ->capture_default_str();
+}
+
+void addStyleOptions(CLI::App& command, RenderArguments& a) {
+    addStyleOption(command, a, "size", "Pixels per em, up to 10000", "-s,")
+        ->type_name("PX")
+        ->default_str(formatNumber(Style().size));
+    addStyleOption(command, a, "color", "#rgb, #rrggbb or #aarrggbb", "-c,")
+        ->type_name("COLOR")
+        ->default_str(formatColor(Style().color));
+    addStyleOption(command, a, "background", "Fill behind each line; none without it")->type_name("COLOR");
+    addStyleOption(command, a, "letter-spacing", "Extra space between letters, in ems, -1 to 10")
+        ->type_name("EM")
+        ->default_str("0");
+    addStyleOption(command, a, "features", "OpenType features, such as 'smcp, -liga, ss01=1'")
+        ->type_name("LIST");
+    addStyleOption(command, a, "opacity", "Opacity of the whole picture: 0.6 or 60%")
+        ->type_name("SHARE")
+        ->default_str("1");
+    addStyleOption(command, a, "style", "Take effects and any of the six options above from a JSON file")
+        ->type_name("FILE");
+    for (const EffectKind& kind : effectKinds()) {
+        const bool stroke = std::holds_alternative<StrokeSettings>(kind.defaults);
+        const bool pattern = std::holds_alternative<PatternSettings>(kind.defaults);
+        addStyleOption(command, a, kind.name, kind.summary)
+            ->type_name(stroke    ? "STROKE"
+                        : pattern ? "FILE,..."
+                                  : "KEY=VALUE,...");
+    }
+}
+
+}  // namespace
+
+void addRenderOptions(CLI::App& command, RenderArguments& a) {
+    addTextOptions(command, a);
+    addViewOptions(command, a);
+    addStyleOptions(command, a);
+    command.add_option("-o,--output", a.output, "The picture; - is standard output")
+        ->type_name("FILE")
+        ->default_str(kDefaultOutput);
+    command.add_flag("--print-style", a.printStyle,
+                     "Print the style these options make, for --style; renders only with --output");
+    command.add_flag("--print-key", a.printKey,
+                     "Print the layer key in hex; renders only with --output. A pattern's part of it is "
+                     "different in every run");
+    command.footer(
+        "Effects, each with what it takes and the value of what is left out:\n" + effectsHelp() +
+        "Effects are added in the order given; giving one again replaces it. Options win over --style.\n"
+        "The library drops fractions of pixels, degrees and stop positions. The alpha of a colour "
+        "multiplies\n"
+        "into the opacity beside it. Every effect widens the picture by the margin it needs.\n\n"
+        "Examples:\n"
+        "  zvtext render 'Grüße' --font DejaVuSans-Bold.ttf --size 120 --color '#ff8800' --stroke 8:#202020\n"
+        "  zvtext render 'Raised' --font DejaVuSans-Bold.ttf --color '#3060c0' --bevel size=6,angle=120 \\\n"
+        "      --outer-shadow angle=120,distance=8,size=12,opacity=50%\n"
+        "  zvtext render 'Sunset' --font DejaVuSans-Bold.ttf --linear-gradient "
+        "stops=#fd5@0:#e31@60:#406@100\n"
+        "  zvtext render --stroke 8:#fff --outer-shadow size=20 --print-style > sticker.json\n"
+        "  fortune | zvtext render - --font NotoSerif-Regular.ttf --size 32 --width 600 --align center -o "
+        "quote.png\n"
+        "The exit status is 0, 1 where a file or the machine failed, or 2 where the command line was wrong.");
+}
+
+Style readStyleOptions(const RenderArguments& arguments) {
+    Style style;
+    for (const auto& [name, value] : arguments.style) {
+        const EffectKind* kind = findEffectKind(name);
+        if (kind != nullptr) addOrReplace(style.effects, parseEffect("--" + name, *kind, value));
+        if (name == "style") readStyle("--style", value, style);
+    }
+    for (const auto& [name, value] : arguments.style) {
+        for (const Field& field : fieldsOf(style)) {
+            if (name == field.name) readValue("--" + name, field, value);
+        }
+    }
+    return style;
+}
+
+Scene readScene(const RenderArguments& arguments) {
+    if (arguments.font.empty()) throw UsageError("--font: is required, the path of a font file");
+    Scene scene;
+    scene.font = arguments.font;
+    scene.fallbacks = arguments.fallbacks;
+    scene.style = readStyleOptions(arguments);
+    if (!arguments.width.empty()) scene.width = parseInteger("--width", arguments.width, 1, kMaxSide);
+    if (!arguments.height.empty()) scene.height = parseInteger("--height", arguments.height, 1, kMaxSide);
+    using Align = Scene::Align;
+    using Gravity = Scene::Gravity;
+    scene.align =
+        parseChoice<Align>("--align", arguments.align,
+                           {{"left", Align::Left}, {"center", Align::Center}, {"right", Align::Right}});
+    scene.gravity = parseChoice<Gravity>(
+        "--gravity", arguments.gravity,
+        {{"top", Gravity::Top}, {"center", Gravity::Center}, {"bottom", Gravity::Bottom}});
+    if (!arguments.maxLines.empty())
+        scene.maxLines = parseInteger("--max-lines", arguments.maxLines, 1, 1'000'000);
+    scene.padding = parsePadding("--padding", arguments.padding);
+    if (!arguments.text.empty() && !arguments.textFile.empty()) {
+        throw UsageError("--text-file: the text is given as an argument already");
+    }
+    scene.text = readText(arguments.text, arguments.textFile);
+    return scene;
+}
+
+void runRender(const RenderArguments& arguments) {
+    const bool prints = arguments.printStyle || arguments.printKey;
+    if (prints && arguments.output == "-") {
+        throw UsageError("--output: - is standard output, where --print-style and --print-key print");
+    }
+    std::string printed;
+    if (prints) {
+        const Style style = readStyleOptions(arguments);
+        if (arguments.printStyle) printed += writeStyle(style);
+        if (arguments.printKey) printed += layerKeyInHex(style) + "\n";
+    }
+    if (!prints || arguments.output) {
+        const std::string output = arguments.output.value_or(kDefaultOutput);
+        if (output.empty()) throw UsageError("--output: the path is empty");
+        const Picture picture = renderScene(readScene(arguments));
+        writePng(picture, output, "--output");
+        if (output != "-" && !prints) {
+            std::printf("%s: %d x %d pixels\n", output.c_str(), picture.width, picture.height);
+        }
+    }
+    if (std::fputs(printed.c_str(), stdout) == EOF || std::fflush(stdout) != 0) {
+        throw Failure("cannot write to standard output");
+    }
+}
+
+}  // namespace zvtext

@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef ZVEX_TOOLS_ZVTEXT_RENDERCOMMAND_H_
+#define ZVEX_TOOLS_ZVTEXT_RENDERCOMMAND_H_
+
+#include <CLI/App.hpp>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "tools/zvtext/Scene.h"
+
+namespace zvtext {
+
+// The values of render's options as written; they are read one by one so that each message names its option.
+struct RenderArguments {
+    std::string text, textFile;
+    std::string font;
+    std::vector<std::string> fallbacks;
+    std::string width, height, align = "left", gravity = "top", maxLines, padding = "0";
+    std::optional<std::string> output;
+    bool printStyle = false, printKey = false;
+
+    // --style, the settings of a style and the effects, without the dashes, in the order in which they stand.
+    std::vector<std::pair<std::string, std::string>> style;
+};
+
+// Declares the options of render on `command`; parsing fills `arguments`, which outlives it.
+void addRenderOptions(CLI::App& command, RenderArguments& arguments);
+
+// The style that the options ask for. Effects, those of a style file included, come in the order of their
+// options, a later one replacing an earlier one of its kind where that stands; any other option wins over the
+// style files, wherever it stands. Throws UsageError or Failure.
+Style readStyleOptions(const RenderArguments& arguments);
+
+// The whole scene; reads the text, from standard input too. Throws UsageError or Failure.
+Scene readScene(const RenderArguments& arguments);
+
+// Runs `zvtext render`: prints the style and the key where asked; renders unless only asked to print.
+void runRender(const RenderArguments& arguments);
+
+}  // namespace zvtext
+
+#endif  // ZVEX_TOOLS_ZVTEXT_RENDERCOMMAND_H_
