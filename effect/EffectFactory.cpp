@@ -4,6 +4,7 @@
 #include <new>
 
 #include "effect/ZvText.h"
+#include "effect/filters/ZvPattern.h"
 #include "effect/filters/ZvStroke.h"
 
 namespace Zvex {
@@ -12,6 +13,8 @@ ZvECore* newEffectLayer(int type) {
     switch (type) {
         case ZV_EFFECT_STROKE:
             return new (std::nothrow) ZvStroke;
+        case ZV_EFFECT_PATTERN:
+            return new (std::nothrow) ZvPattern;
         case ZV_EFFECT_TEXT:
             return new (std::nothrow) ZvText;
         default:

@@ -1,0 +1,119 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "effect/filters/ZvPattern.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+
+#include "effect/ZvProperty.h"
+#include "raster/ZvBitmap.h"
+#include "tests/effect/FilterScene.h"
+#include "tests/effect/PropertyFields.h"
+#include "tests/reference/PatternReference.h"
+
+namespace Zvex {
+namespace {
+
+constexpr float NOT_A_NUMBER = std::numeric_limits<float>::quiet_NaN();
+constexpr float ENDLESS = std::numeric_limits<float>::infinity();
+
+// Straight colours of any alpha.
+ZvBitmap makePattern(int width, int height) {
+    Random random(static_cast<unsigned>(100 * width + height));
+    ZvBitmap pattern(static_cast<unsigned>(width), static_cast<unsigned>(height), 4);
+    for (size_t i = 0; i < pattern.byteCount(); ++i)
+        pattern.pixels[i] = static_cast<uint8_t>(random.below(4) == 0 ? 255 : random.below(256));
+    return pattern;
+}
+
+void setPattern(ZvPattern& filter, ZvBitmap* bitmap, float scale, float opacity) {
+    ZvPatternProperty property(bitmap, scale, opacity);
+    filter.setProperty(&property);
+}
+
+TEST(Pattern, EqualsThePlainForm) {
+    const struct {
+        int width, height;
+        float scale, opacity;
+    } cases[] = {{1, 1, 1, 1},         {5, 3, 1, 1},
+                 {4, 6, 2, 0.5f},      {7, 5, 1.5f, 1},
+                 {3, 4, 0.37f, 0.3f},  {2, 3, 10, 1},
+                 {41, 37, 0.9f, 1},    {10, 12, 0.1f, 1},
+                 {64, 4, 0.33f, 0.9f}, {6, 5, 3.3f, 0},
+                 {5, 5, 1.2f, 1.7f},   {5, 4, 1, 300},
+                 {6, 7, 0.7f, 1e7f},   {40, 30, 1, 132626.234f}};  // products beyond 32 bits
+    unsigned seed = 0;
+    for (const auto& c : cases) {
+        ZvPattern filter;
+        ZvBitmap pattern = makePattern(c.width, c.height);
+        {
+            ZvBitmap givenUp(pattern);
+            setPattern(filter, &givenUp, c.scale, c.opacity);
+        }
+        expectThePlainForm(filter, seed, 12, [&](FilterScene& scene) {
+            reference::drawPattern(&scene.target, scene.mask, scene.box, pattern, c.scale, c.opacity);
+        });
+        seed += 12;
+    }
+}
+
+TEST(Pattern, KeepsACopyOfItsSettingsAndPixels) {
+    EXPECT_EQ(ZvPattern().getStyle(), 11);
+    EXPECT_EQ(ZvPattern().getProperty(), nullptr);
+    EXPECT_EQ(ZvPattern().getOffset() + ZvPattern().getLeftOffset(), 0);
+    ZvBitmap two = makePattern(2, 3), three = makePattern(3, 1), empty;
+    ZvPatternProperty first(&two, 1.5f, 0.25f), second(&three, 99, 1), without(nullptr, 2, 1),
+        withEmpty(&empty, 2, 1);
+    const auto numbersAndPixels = [](const ZvPatternProperty& p) {
+        Fields all = fieldsOf(p);
+        if (p.bitmap == nullptr) return all;
+        all.push_back(p.bitmap->width);
+        all.insert(all.end(), p.bitmap->pixels, p.bitmap->pixels + p.bitmap->byteCount());
+        return all;
+    };
+    expectSettingsCopied<ZvPattern>(first, second, numbersAndPixels);
+    expectSettingsCopied<ZvPattern>(first, without, numbersAndPixels);
+    expectSettingsCopied<ZvPattern>(withEmpty, first, numbersAndPixels);
+    ZvPattern filter;
+    filter.setProperty(&first);
+    EXPECT_NE(filter.property->bitmap, &two);
+}
+
+TEST(Pattern, DrawsNothingWithoutItsPartsOrMemory) {
+    FilterScene scene(2);
+    const FilterScene before(2);
+    ZvPattern filter;
+    EXPECT_EQ(scene.draw(filter), 0);  // no settings yet
+    ZvBitmap colors = makePattern(40, 30), high = makePattern(4, 30), wide = makePattern(30, 4);
+    ZvBitmap empty, coverage(4, 9, 1), flat(4, 0, 4), unallocated;
+    unallocated.width = unallocated.height = unallocated.bytesPerPixel = 4;
+    // Bitmaps that are none; scales below a tenth; repeats of less than a pixel; weights that are none.
+    const struct {
+        ZvBitmap* bitmap;
+        float scale, opacity;
+    } cases[] = {{nullptr, 1, 1},      {&empty, 1, 1},
+                 {&coverage, 1, 1},    {&flat, 1, 1},
+                 {&unallocated, 1, 1}, {&colors, 0.0999f, 1},
+                 {&colors, 0, 1},      {&colors, -1, 1},
+                 {&high, 0.2f, 1},     {&wide, 0.2f, 1},
+                 {&colors, 1, -1},     {&colors, 1, NOT_A_NUMBER},
+                 {&colors, 1, 0},      {&colors, NOT_A_NUMBER, 1},
+                 {&colors, 1, 3e-3f},  {&colors, 1, -ENDLESS}};
+    for (const auto& c : cases) {
+        setPattern(filter, c.bitmap, c.scale, c.opacity);
+        filter.property->scale = c.scale;  // past the record's own limits
+        EXPECT_EQ(scene.draw(filter), 0);
+        ASSERT_TRUE(scene.sameAs(before)) << "scale " << c.scale << ", opacity " << c.opacity;
+    }
+    setPattern(filter, &colors, 1, 1);
+    expectNothingWithoutParts(filter);
+    expectUntouchedWithoutMemory(filter);
+    for (float scale : {1e9f, 3e38f, ENDLESS}) {  // no faults; what is drawn is the first pixel
+        filter.property->scale = scale;
+        filter.property->opacity = ENDLESS;
+        EXPECT_EQ(scene.draw(filter), 0);
+    }
+}
+
+}  // namespace
+}  // namespace Zvex
