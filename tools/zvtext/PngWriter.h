@@ -8,10 +8,10 @@
 
 namespace zvtext {
 
-// Writes the picture as an 8-bit RGBA PNG. The file appears under `path` only when it is whole: it is written
-// to a temporary name in the same folder, synced, and renamed over whatever stood there. "-" writes to
-// standard output. On failure nothing is left or replaced; throws Failure with a message that starts with
-// `option`.
+// The picture as an 8-bit RGBA PNG file's content. Throws std::bad_alloc.
+std::string encodePng(const Picture& picture);
+
+// Writes it to a file, or to standard output for "-", as writeFile of OutputFile.h does.
 void writePng(const Picture& picture, const std::string& path, const std::string& option);
 
 }  // namespace zvtext

@@ -1,0 +1,17 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef ZVEX_TOOLS_ZVTEXT_OUTPUTFILE_H_
+#define ZVEX_TOOLS_ZVTEXT_OUTPUTFILE_H_
+
+#include <string>
+
+namespace zvtext {
+
+// Writes `content` to `path`. The file appears there only when it is whole: it is written to a temporary name
+// in the same folder, synced, and renamed over whatever stood there. "-" writes to standard output; a device
+// or a pipe is written to, never replaced; behind a link, the file it leads to is replaced. On failure
+// nothing is left or replaced; throws Failure with a message that starts with `option`.
+void writeFile(const std::string& content, const std::string& path, const std::string& option);
+
+}  // namespace zvtext
+
+#endif  // ZVEX_TOOLS_ZVTEXT_OUTPUTFILE_H_
