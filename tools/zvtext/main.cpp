@@ -7,6 +7,7 @@
 #include <string>
 
 #include "tools/zvtext/Failure.h"
+#include "tools/zvtext/Gallery.h"
 #include "tools/zvtext/RenderCommand.h"
 
 namespace zvtext {
@@ -32,6 +33,10 @@ int run(int argc, char** argv) {
     CLI::App* render = app.add_subcommand("render", "Render a text to a PNG with straight alpha");
     addRenderOptions(*render, renderArguments);
     render->callback([&] { runRender(renderArguments); });
+    GalleryArguments galleryArguments;
+    CLI::App* gallery = app.add_subcommand("gallery", "Render a page that shows every effect");
+    addGalleryOptions(*gallery, galleryArguments);
+    gallery->callback([&] { runGallery(galleryArguments); });
     try {
         app.parse(argc, argv);
         return 0;
