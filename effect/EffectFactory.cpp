@@ -4,6 +4,7 @@
 #include <new>
 
 #include "effect/ZvText.h"
+#include "effect/filters/ZvOuterShadow.h"
 #include "effect/filters/ZvPattern.h"
 #include "effect/filters/ZvStroke.h"
 
@@ -11,6 +12,8 @@ namespace Zvex {
 
 ZvECore* newEffectLayer(int type) {
     switch (type) {
+        case ZV_EFFECT_OUTER_SHADOW:
+            return new (std::nothrow) ZvOuterShadow;
         case ZV_EFFECT_STROKE:
             return new (std::nothrow) ZvStroke;
         case ZV_EFFECT_PATTERN:

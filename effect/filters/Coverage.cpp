@@ -5,6 +5,8 @@
 #include <climits>
 #include <cstring>
 
+#include "foundation/SafeConvert.h"
+
 namespace Zvex {
 
 namespace {
@@ -34,6 +36,11 @@ bool WorkingArea::grow(const ZvRect& box, int64_t newMargin) {
     height = static_cast<int>(high);
     margin = static_cast<int>(newMargin);
     return true;
+}
+
+void WorkingArea::move(int dx, int dy) {
+    x = clampToInt(int64_t{x} + dx);
+    y = clampToInt(int64_t{y} + dy);
 }
 
 void copyCoverage(const ZvBitmap& mask, const ZvRect& box, uint8_t* plane, ptrdiff_t stride) {

@@ -27,6 +27,9 @@ struct WorkingArea {
     // blender and the parameter records count in ints).
     bool grow(const ZvRect& box, int64_t newMargin);
 
+    // To the nearest position that ints hold; one that had to be held is beside any picture all the same.
+    void move(int dx, int dy);
+
     size_t pixels() const { return static_cast<size_t>(width) * static_cast<size_t>(height); }
     size_t row(int y_) const { return static_cast<size_t>(y_) * static_cast<size_t>(width); }
 };

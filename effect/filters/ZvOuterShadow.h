@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef ZVEX_EFFECT_FILTERS_ZVOUTERSHADOW_H_
+#define ZVEX_EFFECT_FILTERS_ZVOUTERSHADOW_H_
+
+#include "effect/ZvECoreBase.h"
+#include "effect/ZvProperty.h"
+
+namespace Zvex {
+
+// A blurred copy of the text in one colour, moved away from the light, type 1.
+class ZvOuterShadow : public ZvECoreBase {
+public:
+    ZvOuterShadowProperty* property = nullptr;  // owned
+    int dx = 0;                                 // the displacement in pixels, of setProperty's making
+    int dy = 0;                                 // downwards
+
+    ZvOuterShadow();
+    ~ZvOuterShadow() override;
+
+    // Draws the shadow onto target, destination-over, in the property's colour as it is: the coverage of the
+    // text box, blurred with the radius max(0, size rounded half up) and moved by dx, dy. It reaches at most
+    // the radius beyond the moved text box; the outermost pixels of larger radii are too faint to show. Draws
+    // nothing when its working image (the text box and twice the radius around it) has more pixels than an
+    // int counts.
+    int doPostProcessing(ParamPostProcessing* param) override;
+
+    void setProperty(ZvProperty* property) override;
+    ZvProperty* getProperty() override;
+
+    // How far the shadow reaches beyond the text on each side. Negative, where the shadow falls, for sizes
+    // below -1 and a short displacement; all 0 before setProperty.
+    int getLeftOffset() override;
+    int getRightOffset() override;
+    int getTopOffset() override;
+    int getBottomOffset() override;
+};
+
+}  // namespace Zvex
+
+#endif  // ZVEX_EFFECT_FILTERS_ZVOUTERSHADOW_H_

@@ -1,0 +1,183 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <climits>
+#include <cstring>
+#include <limits>
+
+#include "effect/ZvProperty.h"
+#include "effect/filters/ZvOuterShadow.h"
+#include "raster/ZvBitmap.h"
+#include "raster/ZvRect.h"
+#include "tests/effect/FilterScene.h"
+#include "tests/effect/PropertyFields.h"
+#include "tests/reference/ShadowReference.h"
+
+namespace Zvex {
+namespace {
+
+constexpr uint32_t COLOR = 0xC0604020;  // premultiplied
+constexpr float NOT_A_NUMBER = std::numeric_limits<float>::quiet_NaN();
+constexpr float ENDLESS = std::numeric_limits<float>::infinity();
+constexpr float BELOW_HALF = 0.49999997f;  // its sum with a half is below 1 in double precision only
+
+void setShadow(ZvOuterShadow& filter, float angle, float distance, float size, uint32_t color = COLOR) {
+    ZvOuterShadowProperty property(angle, distance, size, color, 1);
+    filter.setProperty(&property);
+}
+
+TEST(OuterShadow, FallsAwayFromTheLight) {
+    EXPECT_EQ(ZvOuterShadow().dx, 0);
+    EXPECT_EQ(ZvOuterShadow().dy, 0);
+    const struct {
+        float angle, distance;
+        int dx, dy;
+    } cases[] = {{0, 5, -5, 0},           {90, 5, 0, 5},
+                 {180, 5, 5, 0},          {270, 5, 0, -5},
+                 {45, 1, -1, 1},          {-135, 1, 1, -1},
+                 {30, 1, -1, 0},  // its sine is below a half with this degree
+                 {405.7f, 10, -7, 7},     {0, -5, 5, 0},
+                 {0, 0.5f, -1, 0},        {180, 0.5f, 1, 0},
+                 {0, BELOW_HALF, 0, 0},   {90, 0.5f, 0, 1},
+                 {270, 0.5f, 0, -1},      {90, BELOW_HALF, 0, 0},
+                 {0, 3e9f, INT_MIN, 0},   {180, ENDLESS, INT_MAX, INT_MAX},
+                 {NOT_A_NUMBER, 5, 0, 0}, {ENDLESS, 5, 0, 0},
+                 {0, NOT_A_NUMBER, 0, 0}, {45, ENDLESS, INT_MIN, INT_MAX}};
+    for (const auto& c : cases) {
+        ZvOuterShadow filter;
+        setShadow(filter, c.angle, c.distance, 0);
+        EXPECT_EQ(filter.dx, c.dx) << c.angle << " " << c.distance;
+        EXPECT_EQ(filter.dy, c.dy) << c.angle << " " << c.distance;
+    }
+}
+
+using Sides = std::array<int, 4>;  // left, top, right, bottom
+
+Sides marginsOf(ZvOuterShadow& filter) {
+    return {filter.getLeftOffset(), filter.getTopOffset(), filter.getRightOffset(), filter.getBottomOffset()};
+}
+
+TEST(OuterShadow, MarginsFollowTheShift) {
+    ZvOuterShadow filter;
+    EXPECT_EQ(marginsOf(filter), (Sides{0, 0, 0, 0}));  // no settings yet
+    const struct {
+        float angle, distance, size;
+        Sides margins;
+    } cases[] = {{0, 0, 0, {0, 0, 0, 0}},
+                 {0, 5, 0, {5, 0, 0, 0}},
+                 {0, 5, 2.4f, {7, 2, 0, 2}},
+                 {0, 5, 7.5f, {13, 8, 3, 8}},
+                 {90, 5, 7, {7, 2, 7, 12}},
+                 {270, 5, 7, {7, 12, 7, 2}},
+                 {180, 5, 7, {2, 7, 12, 7}},
+                 {0, 0, BELOW_HALF, {1, 1, 1, 1}},
+                 {0, 0, -3, {0, 0, -2, -2}},
+                 {0, 1, -3, {-1, 0, 0, -2}},
+                 {0, 0, NOT_A_NUMBER, {0, 0, 0, 0}},
+                 {45, ENDLESS, 5, {INT_MAX, 0, 0, INT_MAX}},
+                 {0, 0, ENDLESS, {INT_MAX, INT_MAX, INT_MAX, INT_MAX}},
+                 {0, 9, 1e30f, {INT_MAX, INT_MAX, INT_MAX - 9, INT_MAX}}};
+    for (const auto& c : cases) {
+        setShadow(filter, c.angle, c.distance, c.size);
+        EXPECT_EQ(marginsOf(filter), c.margins) << c.angle << " " << c.distance << " " << c.size;
+        EXPECT_EQ(filter.getOffset(), 0);
+    }
+}
+
+// How far beyond an opaque text the filter draws on each side.
+Sides reachOf(ZvECore& filter) {
+    constexpr int SIDE = 70;
+    FilterScene scene(4, SIDE, SIDE);  // a full mask
+    scene.box = ZvRect(25, 25, 45, 45);
+    scene.target = ZvBitmap(SIDE, SIDE, 4);
+    scene.draw(filter);
+    Sides reach = {0, 0, 0, 0};
+    for (int y = 0; y < SIDE; ++y) {
+        for (int x = 0; x < SIDE; ++x) {
+            if (scene.target.pixels[(y * SIDE + x) * 4 + 3] == 0) continue;
+            const Sides beyond = {scene.box.left - x, scene.box.top - y, x + 1 - scene.box.right,
+                                  y + 1 - scene.box.bottom};
+            for (size_t i = 0; i < 4; ++i) reach[i] = std::max(reach[i], beyond[i]);
+        }
+    }
+    return reach;
+}
+
+// They are filled as long as the outermost pixel of the blur, 255 over the weights' total, is at least 1.
+TEST(OuterShadow, MarginsCoverEveryTouchedPixel) {
+    for (float size : {0.0f, 0.6f, 2.0f, 3.0f, 4.0f, 9.5f}) {
+        for (int i = 0; i < 15; ++i) {
+            const float angle = 70.0f * static_cast<float>(i), distance = 3.5f * static_cast<float>(i % 3);
+            ZvOuterShadow filter;
+            setShadow(filter, angle, distance, size, 0xFFFFFFFF);
+            const Sides reach = reachOf(filter), margins = marginsOf(filter);
+            for (size_t side = 0; side < 4; ++side) {
+                EXPECT_LE(reach[side], margins[side]) << size << " " << angle << " " << distance;
+                if (size > 3.5f) continue;
+                EXPECT_EQ(reach[side], margins[side]) << size << " " << angle << " " << distance;
+            }
+        }
+    }
+}
+
+TEST(OuterShadow, EqualsThePlainForm) {
+    const struct {
+        float angle, distance, size;
+        unsigned scenes;
+    } cases[] = {{0, 0, 0, 6},      {123, 6.5f, 0.4f, 6},    {30, 3, BELOW_HALF, 6}, {250, 4, 0.5f, 6},
+                 {10, 9, 1, 12},    {300, 2.2f, 2.4f, 12},   {45, 8, 5.5f, 12},      {-77, 30, 11, 12},
+                 {200, -12, 25, 6}, {90, 100, 100, 3},       {135, 40, 100, 3},      {0, 1, 121, 1},
+                 {0, 1, -4, 6},     {90, NOT_A_NUMBER, 3, 3}};
+    unsigned seed = 0;
+    for (const auto& c : cases) {
+        ZvOuterShadow filter;
+        setShadow(filter, c.angle, c.distance, c.size);
+        expectThePlainForm(filter, seed, c.scenes, [&](FilterScene& scene) {
+            const float distance = c.distance != c.distance ? 0 : c.distance;
+            reference::drawOuterShadow(&scene.target, scene.mask, scene.box,
+                                       {c.angle, distance, c.size, COLOR});
+        });
+        seed += c.scenes;
+    }
+}
+
+TEST(OuterShadow, KeepsACopyOfItsSettings) {
+    EXPECT_EQ(ZvOuterShadow().getStyle(), 1);
+    EXPECT_EQ(ZvOuterShadow().getProperty(), nullptr);
+    ZvOuterShadowProperty first(0, 5, 1, 1, 1), second(405.7f, 8, 3, 0x11223344, 0.25f);
+    expectSettingsCopied<ZvOuterShadow>(first, second, [](const ZvShadowProperty& p) { return fieldsOf(p); });
+    // The displacement goes with the settings.
+    forEachFailingAllocation([&](bool) {
+        ZvOuterShadow filter;
+        filter.setProperty(&first);
+        filter.setProperty(&second);
+        const float distance = filter.property == nullptr ? 0 : filter.property->distance;
+        EXPECT_EQ(filter.dx, distance == 8 ? -6 : distance == 5 ? -5 : 0);
+    });
+}
+
+TEST(OuterShadow, DrawsNothingWithoutItsPartsOrMemory) {
+    FilterScene scene(2);
+    const FilterScene before(2);
+    ZvOuterShadow filter;
+    EXPECT_EQ(scene.draw(filter), 0);  // no settings yet
+    // Beside the picture; working images of more pixels than an int counts.
+    const float settings[][3] = {{0, 3e9f, 3},    {90, ENDLESS, 3}, {180, 40, 2}, {270, 32, 4},
+                                 {0, 5, 20000},   {0, 5, 1e9f},     {0, 5, 3e9f}, {0, 5, ENDLESS},
+                                 {0, 3e9f, 1e4f}, {180, 3e9f, 0}};
+    for (const auto& s : settings) {
+        setShadow(filter, s[0], s[1], s[2]);
+        EXPECT_EQ(scene.draw(filter), 0);
+        ASSERT_TRUE(scene.sameAs(before)) << s[0] << " " << s[1] << " " << s[2];
+    }
+    setShadow(filter, 20, 3, 2);
+    expectNothingWithoutParts(filter);
+    expectUntouchedWithoutMemory(filter);
+    setShadow(filter, 45, ENDLESS, 2);
+    expectNothingWithoutParts(filter);
+}
+
+}  // namespace
+}  // namespace Zvex
