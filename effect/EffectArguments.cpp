@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "effect/Numbers.h"
+#include "effect/filters/ColorTable.h"
 
 namespace Zvex {
 
@@ -32,13 +33,7 @@ float patternScaleArgument(float scale) {
 }
 
 uint32_t premultipliedColor(uint32_t color, float opacity) {
-    const uint32_t alpha = byteOfUnit(opacityArgument(opacity));
-    uint32_t result = alpha << 24;
-    for (int shift = 0; shift < 24; shift += 8) {
-        const uint32_t channel = (color >> shift) & 0xFF;
-        result |= (((channel + 1) * alpha) >> 8) << shift;  // at most 256 * 255 >> 8, a byte
-    }
-    return result;
+    return premultiplied(colorWithAlpha(color, opacity));
 }
 
 uint32_t colorWithAlpha(uint32_t color, float opacity) {

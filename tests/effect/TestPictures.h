@@ -21,6 +21,7 @@ public:
     explicit Random(unsigned seed) : engine_(seed) {}
     int below(int end) { return static_cast<int>(engine_() % static_cast<unsigned>(end)); }
     int between(int first, int last) { return first + below(last - first + 1); }
+    uint32_t color() { return static_cast<uint32_t>(engine_()); }
 
 private:
     std::mt19937 engine_;
