@@ -112,7 +112,9 @@ TEST(Effects, ReachTheLibraryArgumentByArgument) {
     using Zvex::ZvEffect;
     const std::string png = testing::TempDir() + "effects-test.png";
     writePng({1, 1, {0x40102030}}, png, "test");
-    Zvex::ZvGradient stops[] = {{0x80102030, 128 / 255.0f, 0}, {0xFF405060, 0.5f, 0.53f}};
+    // 53 hundredths after the adder's cut; 0.53f itself would be 52.
+    const float position = std::nextafter(0.53f, 1.0f);
+    Zvex::ZvGradient stops[] = {{0x80102030, 128 / 255.0f, 0}, {0xFF405060, 0.5f, position}};
     const std::string stopText = "stops=#80102030@0:#405060@53@50%";
     const struct {
         std::string kind, text;
