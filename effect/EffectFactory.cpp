@@ -4,20 +4,26 @@
 #include <new>
 
 #include "effect/ZvText.h"
+#include "effect/filters/ZvLinearGradient.h"
 #include "effect/filters/ZvOuterShadow.h"
 #include "effect/filters/ZvPattern.h"
+#include "effect/filters/ZvRadialGradient.h"
 #include "effect/filters/ZvStroke.h"
 
 namespace Zvex {
 
 ZvECore* newEffectLayer(int type) {
     switch (type) {
+        case ZV_EFFECT_LINEAR_GRADIENT:
+            return new (std::nothrow) ZvLinearGradient;
         case ZV_EFFECT_OUTER_SHADOW:
             return new (std::nothrow) ZvOuterShadow;
-        case ZV_EFFECT_STROKE:
-            return new (std::nothrow) ZvStroke;
         case ZV_EFFECT_PATTERN:
             return new (std::nothrow) ZvPattern;
+        case ZV_EFFECT_RADIAL_GRADIENT:
+            return new (std::nothrow) ZvRadialGradient;
+        case ZV_EFFECT_STROKE:
+            return new (std::nothrow) ZvStroke;
         case ZV_EFFECT_TEXT:
             return new (std::nothrow) ZvText;
         default:

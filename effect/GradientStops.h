@@ -3,6 +3,8 @@
 #define ZVEX_EFFECT_GRADIENTSTOPS_H_
 
 #include <memory>
+#include <new>
+#include <utility>
 
 #include "effect/ZvProperty.h"
 
@@ -23,6 +25,20 @@ private:
     std::unique_ptr<ZvGradient[]> stops_;
     int count_ = 0;
 };
+
+// Gives a layer new settings: *record, owned and null at first, becomes a copy of `settings` that points at a
+// copy of its stops, which *stops keeps. Both or neither: when memory is short the old ones stay. The
+// settings may point at the old stops. A record without stops points at none, whatever count it states.
+template <typename Property>
+void replaceRecord(const Property& settings, Property** record, GradientStops* stops) {
+    std::unique_ptr<Property> copy(new (std::nothrow) Property(settings));
+    GradientStops copiedStops;
+    if (copy == nullptr || !copiedStops.copy(settings.stops, settings.count)) return;
+    copy->stops = copiedStops.data();
+    delete *record;
+    *record = copy.release();
+    *stops = std::move(copiedStops);
+}
 
 }  // namespace Zvex
 

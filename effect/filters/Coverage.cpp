@@ -43,15 +43,18 @@ void WorkingArea::move(int dx, int dy) {
     y = clampToInt(int64_t{y} + dy);
 }
 
+ZvRect partWithin(const ZvBitmap& mask, const ZvRect& box) {
+    return ZvRect(std::max(box.left, 0), std::max(box.top, 0),
+                  static_cast<int>(std::min<int64_t>(box.right, mask.width)),
+                  static_cast<int>(std::min<int64_t>(box.bottom, mask.height)));
+}
+
 void copyCoverage(const ZvBitmap& mask, const ZvRect& box, uint8_t* plane, ptrdiff_t stride) {
-    const int64_t left = std::max<int64_t>(box.left, 0);
-    const int64_t right = std::min<int64_t>(box.right, mask.width);
-    const int64_t top = std::max<int64_t>(box.top, 0);
-    const int64_t bottom = std::min<int64_t>(box.bottom, mask.height);
-    if (left >= right) return;
-    for (int64_t y = top; y < bottom; ++y) {
-        std::memcpy(plane + (y - box.top) * stride + (left - box.left), mask.pixels + y * mask.width + left,
-                    static_cast<size_t>(right - left));
+    const ZvRect part = partWithin(mask, box);
+    if (part.left >= part.right) return;
+    for (int64_t y = part.top; y < part.bottom; ++y) {
+        std::memcpy(plane + (y - box.top) * stride + (int64_t{part.left} - box.left),
+                    mask.pixels + y * mask.width + part.left, static_cast<size_t>(part.right - part.left));
     }
 }
 

@@ -40,6 +40,9 @@ inline uint8_t coverageAt(const ZvBitmap& mask, int64_t x, int64_t y) {
     return mask.pixels[static_cast<size_t>(y) * mask.width + static_cast<size_t>(x)];
 }
 
+// The part of the box that lies within the mask; empty when there is none.
+ZvRect partWithin(const ZvBitmap& mask, const ZvRect& box);
+
 // Copies the mask within the box to a plane whose rows are `stride` bytes, the box's top-left landing on
 // *plane. Box pixels outside the mask are left as they are.
 void copyCoverage(const ZvBitmap& mask, const ZvRect& box, uint8_t* plane, ptrdiff_t stride);

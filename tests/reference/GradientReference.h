@@ -2,11 +2,15 @@
 #ifndef ZVEX_TESTS_REFERENCE_GRADIENTREFERENCE_H_
 #define ZVEX_TESTS_REFERENCE_GRADIENTREFERENCE_H_
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <vector>
 
 #include "effect/ZvProperty.h"
+#include "raster/ZvBitmap.h"
+#include "raster/ZvRect.h"
+#include "tests/reference/BlenderReference.h"
 
 // The colour table of the glows and the gradient fills, and the fills, as their definitions read.
 namespace reference {
@@ -41,6 +45,49 @@ inline std::vector<uint32_t> colorTable(const Stops& stops, float firstStart, in
         }
     }
     return table;
+}
+
+inline uint32_t premultiply(uint32_t color) {
+    const uint32_t alpha = channelOf(color, 24);
+    uint32_t result = alpha << 24;
+    for (int shift : {0, 8, 16}) result |= ((channelOf(color, shift) + 1) * alpha >> 8) << shift;
+    return result;
+}
+
+// The mask at a pixel of the box; beyond the mask there is no coverage.
+inline int coverageIn(const Zvex::ZvBitmap& mask, const Zvex::ZvRect& box, int px, int py) {
+    const int x = box.left + px, y = box.top + py;
+    if (x < 0 || y < 0 || x >= static_cast<int>(mask.width) || y >= static_cast<int>(mask.height)) return 0;
+    return mask.pixels[static_cast<size_t>(y) * mask.width + static_cast<size_t>(x)];
+}
+
+enum class FillKind { Linear, Radial };
+
+inline void drawGradient(FillKind kind, const Zvex::ZvBitmap& target, const Zvex::ZvBitmap& mask,
+                         const Zvex::ZvRect& box, float angle, float scale, const Stops& stops) {
+    const int width = box.right - box.left, height = box.bottom - box.top;
+    const float W = static_cast<float>(width), H = static_cast<float>(height);
+    const std::vector<uint32_t> table = colorTable(stops, stops[0].position, 0);
+    const float theta = angle * -0.01745328f;
+    const float L = fabsf(tanf(theta)) < H / W ? W / fabsf(cosf(theta)) : H / fabsf(sinf(theta));
+    std::vector<uint32_t> image;
+    for (int py = 0; py < height; ++py) {
+        for (int px = 0; px < width; ++px) {
+            const float dy = static_cast<float>(py) - H * 0.5f, dx = static_cast<float>(px) - W * 0.5f;
+            int t = 0;
+            if (kind == FillKind::Linear) {
+                const float k = 256 / scale / L;
+                t = static_cast<int>(sinf(theta) * k * dy + cosf(theta) * k * dx) + 128;
+            } else {
+                const float k = (256 / W + 256 / W) / scale;
+                t = static_cast<int>(k * sqrtf(dy * dy + dx * dx));
+            }
+            t = std::min(std::max(t, 0), 255);
+            const bool covered = coverageIn(mask, box, px, py) != 0;
+            image.push_back(covered ? premultiply(table[static_cast<size_t>(t)]) : 0);
+        }
+    }
+    drawBitmapBlend32(box.left, box.top, &target, image.data(), width, height, width, 2);
 }
 
 }  // namespace reference

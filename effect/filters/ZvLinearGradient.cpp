@@ -1,0 +1,57 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// A pixel's place is its projection on the gradient line. All of it is single precision.
+
+#include "effect/filters/ZvLinearGradient.h"
+
+#include <cmath>
+
+#include "effect/filters/Gradient.h"
+
+namespace Zvex {
+
+namespace {
+
+// Negative because rows grow downward.
+constexpr float RADIANS_OF_DEGREE = -0.01745328f;
+
+constexpr float ENTRIES = 256.0f;
+constexpr int CENTER_ENTRY = 128;
+
+}  // namespace
+
+ZvLinearGradient::ZvLinearGradient() {
+    style = ZV_EFFECT_LINEAR_GRADIENT;
+}
+
+ZvLinearGradient::~ZvLinearGradient() {
+    delete property;
+}
+
+int ZvLinearGradient::doPostProcessing(ParamPostProcessing* param) {
+    GradientFill fill;
+    if (!fill.begin(param, property)) return 0;
+
+    const float angle = property->angle * RADIANS_OF_DEGREE;
+    const float sine = std::sin(angle), cosine = std::cos(angle);
+    // The line ends at the sides of the box that it crosses first, left and right or top and bottom.
+    const bool spansWidth = std::abs(std::tan(angle)) < fill.height() / fill.width();
+    const float length = spansWidth ? fill.width() / std::abs(cosine) : fill.height() / std::abs(sine);
+    const float entriesOfPixel = ENTRIES / property->scale / length;
+    const float down = sine * entriesOfPixel, right = cosine * entriesOfPixel;
+    fill.draw(CENTER_ENTRY, [=](float dx, float dy) { return down * dy + right * dx; });
+    return 0;
+}
+
+void ZvLinearGradient::setProperty(ZvProperty* newProperty) {
+    if (newProperty == nullptr) return;
+    const auto& p = *static_cast<const ZvLinearGradientProperty*>(newProperty);
+    replaceRecord(ZvLinearGradientProperty(p.angle, p.scale, p.opacity, p.count, p.stops), &property,
+                  &stops_);
+}
+
+ZvProperty* ZvLinearGradient::getProperty() {
+    return property;
+}
+
+}  // namespace Zvex
