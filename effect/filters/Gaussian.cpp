@@ -16,33 +16,14 @@ namespace {
 
 constexpr double LN_100 = 4.60517;
 
-// Added to sums of two bytes times a weight: the largest is 255 * total, see Gaussian::make.
-using Sum = uint32_t;
-
-// sums[x] = weighted sum of the pixels at `step` bytes from each other around pixels[x].
-void addTaps(Sum* sums, const uint8_t* pixels, ptrdiff_t step, const Gaussian& kernel, int begin, int end) {
-    const Sum middle = static_cast<Sum>(kernel.weights[0]);
-    for (int x = begin; x < end; ++x) sums[x] = middle * pixels[x];
-    for (int i = 1; i <= kernel.radius; ++i) {
-        const Sum weight = static_cast<Sum>(kernel.weights[static_cast<size_t>(i)]);
-        const uint8_t* before = pixels - i * step;
-        const uint8_t* after = pixels + i * step;
-        for (int x = begin; x < end; ++x) sums[x] += weight * (Sum{before[x]} + after[x]);
-    }
-}
-
-// The means of the sums, which are bytes again.
-void divide(uint8_t* means, const Sum* sums, const BlurParam& p) {
-    const Sum total = p.kernel->total;
-    for (int x = p.xBegin; x < p.xEnd; ++x) {
-        means[x] = static_cast<uint8_t>((p.inverted ? 255 * total - sums[x] : sums[x]) / total);
-    }
-}
+// Of the weights, so that 255 times them, the largest sum there is, fits 32 bits.
+constexpr int64_t MAX_TOTAL = UINT32_MAX / 255;
 
 }  // namespace
 
 bool Gaussian::make(int newRadius, int scale, GaussianConstant constant) {
     radius = newRadius < 1 ? 0 : newRadius;
+    if (scale + 2 * int64_t{radius} > MAX_TOTAL) return false;  // no weight is below 1
     if (!weights.allocate(int64_t{radius} + 1)) return false;
     weights[0] = scale;
     const float squaredRadius = static_cast<float>(radius) * static_cast<float>(radius);
@@ -56,22 +37,36 @@ bool Gaussian::make(int newRadius, int scale, GaussianConstant constant) {
         weights[static_cast<size_t>(i)] = truncateToInt(weight + 0.5);
         sum += 2 * int64_t{weights[static_cast<size_t>(i)]};
     }
-    if (sum > UINT32_MAX / 255) return false;
+    if (sum > MAX_TOTAL) return false;
     total = static_cast<uint32_t>(sum);
     return true;
 }
 
+void blurRun(const BlurRun& run, uint32_t* sums) {
+    const uint32_t middle = static_cast<uint32_t>(run.kernel->weights[0]);
+    for (int x = 0; x < run.count; ++x) sums[x] = middle * run.source[x];
+    for (int i = 1; i <= run.kernel->radius; ++i) {
+        const uint32_t weight = static_cast<uint32_t>(run.kernel->weights[static_cast<size_t>(i)]);
+        const uint8_t* before = run.source - i * run.step;
+        const uint8_t* after = run.source + i * run.step;
+        for (int x = 0; x < run.count; ++x) sums[x] += weight * (uint32_t{before[x]} + after[x]);
+    }
+    const uint32_t total = run.kernel->total;
+    for (int x = 0; x < run.count; ++x)
+        run.target[x] = static_cast<uint8_t>((run.inverted ? 255 * total - sums[x] : sums[x]) / total);
+}
+
 bool blurPlane(const BlurParam& p) {
     if (p.xBegin >= p.xEnd || p.yBegin >= p.yEnd) return true;
-    Buffer<Sum> sums;
+    Buffer<uint32_t> sums;
     Buffer<uint8_t> line;
     if (!sums.allocate(p.stride) || !line.allocateZeroed(p.stride)) return false;
+    const int count = p.xEnd - p.xBegin;
+    uint8_t* means = line.get() + p.xBegin;
     for (int y = p.yBegin; y < p.yEnd; ++y) {
-        const ptrdiff_t row = ptrdiff_t{y} * p.stride;
-        addTaps(sums.get(), p.source + row, p.stride, *p.kernel, p.xBegin, p.xEnd);
-        divide(line.get(), sums.get(), p);
-        addTaps(sums.get(), line.get(), 1, *p.kernel, p.xBegin, p.xEnd);
-        divide(p.target + row, sums.get(), p);
+        const ptrdiff_t first = ptrdiff_t{y} * p.stride + p.xBegin;
+        blurRun({p.source + first, means, count, p.stride, p.kernel, p.inverted}, sums.get());
+        blurRun({means, p.target + first, count, 1, p.kernel, p.inverted}, sums.get());
     }
     return true;
 }

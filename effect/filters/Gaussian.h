@@ -2,6 +2,7 @@
 #ifndef ZVEX_EFFECT_FILTERS_GAUSSIAN_H_
 #define ZVEX_EFFECT_FILTERS_GAUSSIAN_H_
 
+#include <cstddef>
 #include <cstdint>
 
 #include "effect/filters/Buffer.h"
@@ -26,14 +27,27 @@ struct Gaussian {
     bool make(int radius, int scale, GaussianConstant constant);
 };
 
+// One pass of the blur over a run of pixels. The windows run along the row (a step of 1 byte) or down the
+// column (a step of the stride).
+struct BlurRun {
+    const uint8_t* source;  // read from radius steps before the first pixel to radius steps after the last
+    uint8_t* target;        // `count` pixels; must not overlap source
+    int count;              // pixels, side by side in source and in target; 0 writes nothing
+    ptrdiff_t step;         // bytes
+    const Gaussian* kernel;
+    bool inverted;  // gives what 255 lacks of the weighted mean, the difference taken before the division
+};
+
+// target[i] = weighted sum around source[i] over `total`, cut off. sums: `count` elements to work in.
+void blurRun(const BlurRun& run, uint32_t* sums);
+
 // One blur over a rectangle of a plane. Planes are 8-bit, rows packed.
 struct BlurParam {
     const uint8_t* source;  // whole plane
     uint8_t* target;        // of the same size; must not overlap source
     int stride;             // bytes, the width of both planes
     const Gaussian* kernel;
-    // Makes each of the two passes give what 255 lacks of the weighted mean, before the division: the result
-    // is the blur again, rounded another way.
+    // For each of the two passes: the result is the blur again, rounded another way.
     bool inverted;
     int xBegin, xEnd;  // half-open, columns to write
     int yBegin, yEnd;  // half-open, rows to write, last so that rows can be split
