@@ -4,6 +4,7 @@
 #include <new>
 
 #include "effect/ZvText.h"
+#include "effect/filters/ZvInnerShadow.h"
 #include "effect/filters/ZvLinearGradient.h"
 #include "effect/filters/ZvOuterShadow.h"
 #include "effect/filters/ZvPattern.h"
@@ -14,6 +15,8 @@ namespace Zvex {
 
 ZvECore* newEffectLayer(int type) {
     switch (type) {
+        case ZV_EFFECT_INNER_SHADOW:
+            return new (std::nothrow) ZvInnerShadow;
         case ZV_EFFECT_LINEAR_GRADIENT:
             return new (std::nothrow) ZvLinearGradient;
         case ZV_EFFECT_OUTER_SHADOW:

@@ -8,6 +8,7 @@
 #include <limits>
 
 #include "effect/ZvProperty.h"
+#include "effect/filters/ZvInnerShadow.h"
 #include "effect/filters/ZvOuterShadow.h"
 #include "raster/ZvBitmap.h"
 #include "raster/ZvRect.h"
@@ -177,6 +178,77 @@ TEST(OuterShadow, DrawsNothingWithoutItsPartsOrMemory) {
     expectUntouchedWithoutMemory(filter);
     setShadow(filter, 45, ENDLESS, 2);
     expectNothingWithoutParts(filter);
+}
+
+void setShadow(ZvInnerShadow& filter, float angle, float distance, float size) {
+    ZvInnerShadowProperty property(angle, distance, size, COLOR, 1);
+    filter.setProperty(&property);
+}
+
+TEST(InnerShadow, EqualsThePlainForm) {
+    const struct {
+        float angle, distance, size;
+        unsigned scenes;
+    } cases[] = {{0, 0, 0, 6},      {123, 6.5f, 0.4f, 6}, {30, 3, BELOW_HALF, 6}, {250, 4, 0.5f, 6},
+                 {10, 2, 3, 12},    {45, 9, 2.4f, 12},    {300, 12, 2.4f, 12},    {-77, 15, 5.5f, 12},
+                 {135, 11, 1, 12},  {225, 7, 9.5f, 12},   {200, -12, 25, 12},     {90, 100, 100, 3},
+                 {135, 40, 100, 3}, {270, 101, 121, 3},   {0, 1, -4, 6}};
+    unsigned seed = 0;
+    for (const auto& c : cases) {
+        ZvInnerShadow filter;
+        setShadow(filter, c.angle, c.distance, c.size);
+        expectThePlainForm(filter, seed, c.scenes, [&](FilterScene& scene) {
+            reference::drawInnerShadow(&scene.target, scene.mask, scene.box,
+                                       {c.angle, c.distance, c.size, COLOR});
+        });
+        seed += c.scenes;
+    }
+}
+
+// A text of 30 x 22 moved to just within a radius of 2, just out of it and one pixel more: from there on the
+// coverage is drawn, to the left and upwards a pixel later than to the right and downwards.
+TEST(InnerShadow, EqualsThePlainFormWhereTheTextLeavesTheRadius) {
+    for (int i = 0; i < 12; ++i) {
+        const float angle = 90.0f * static_cast<float>(i % 4);
+        const float distance = static_cast<float>((i % 2 == 0 ? 31 : 23) + i / 4);
+        ZvInnerShadow filter;
+        setShadow(filter, angle, distance, 2);
+        FilterScene actual(2), expected(2);
+        actual.box = expected.box = ZvRect(0, 0, 30, 22);
+        actual.draw(filter);
+        reference::drawInnerShadow(&expected.target, expected.mask, expected.box,
+                                   {angle, distance, 2, COLOR});
+        EXPECT_TRUE(actual.sameAs(expected)) << "angle " << angle << ", distance " << distance;
+    }
+}
+
+TEST(InnerShadow, KeepsACopyOfItsSettings) {
+    ZvInnerShadow bare;
+    EXPECT_EQ(bare.getStyle(), 2);
+    EXPECT_EQ(bare.getProperty(), nullptr);
+    ZvInnerShadowProperty first(0, 5, 1, 1, 1), second(405.7f, 8, 3, 0x11223344, 0.25f);
+    expectSettingsCopied<ZvInnerShadow>(first, second, [](const ZvShadowProperty& p) { return fieldsOf(p); });
+    second.angle = -30.2f;
+    bare.setProperty(&second);
+    EXPECT_EQ(bare.property->angle, -30);
+    EXPECT_EQ(bare.getOffset() + bare.getLeftOffset() + bare.getBottomOffset(), 0);
+}
+
+TEST(InnerShadow, DrawsNothingWithoutItsPartsOrMemory) {
+    FilterScene scene(2);
+    const FilterScene before(2);
+    ZvInnerShadow filter;
+    EXPECT_EQ(scene.draw(filter), 0);  // no settings yet
+    for (float size : {3e5f, 1e9f, 3e9f, ENDLESS}) {
+        setShadow(filter, 0, 5, size);
+        EXPECT_EQ(scene.draw(filter), 0);
+        ASSERT_TRUE(scene.sameAs(before)) << size;
+    }
+    for (float distance : {3.0f, 30.0f, 3e9f, -ENDLESS, NOT_A_NUMBER}) {
+        setShadow(filter, 20, distance, 2);
+        expectNothingWithoutParts(filter);
+        expectUntouchedWithoutMemory(filter);
+    }
 }
 
 }  // namespace

@@ -55,6 +55,88 @@ inline void drawOuterShadow(const Zvex::ZvBitmap* target, const Zvex::ZvBitmap& 
                      width, height, width, shadow.color, 2);
 }
 
+// The inverse of the mask, blurred along the rows, then, moved by (dx, dy), down the columns.
+struct InnerShadow {
+    int width, height, dx, dy, r;
+    std::vector<uint8_t> coverage, result;  // of the box
+
+    InnerShadow(const Zvex::ZvBitmap& mask, const Zvex::ZvRect& box, const Shadow& shadow)
+        : width(box.right - box.left),
+          height(box.bottom - box.top),
+          dx(shadow.dx()),
+          dy(shadow.dy()),
+          r(std::max(static_cast<int>(shadow.size + 0.5f), 0)),
+          coverage(static_cast<size_t>(width * height), 0),
+          result(coverage) {
+        putCoverage(coverage, width, 0, 0, mask, box);
+        const bool near = width + r + dx >= 0 && dx - r < width && dy < height + r && height + dy >= -r;
+        if (near) {
+            blur();
+        } else {
+            result = coverage;
+        }
+    }
+
+private:
+    std::vector<int> weights() const {
+        std::vector<int> result{100};
+        const float radius = static_cast<float>(r);
+        for (int i = 1; i <= r; ++i) {
+            const float e = expf(static_cast<float>(-i * i) / (radius * radius / 4.60517f));
+            result.push_back(static_cast<int>(e * 100 + 0.5f));
+        }
+        return result;
+    }
+
+    void blur() {
+        const std::vector<int> w = weights();
+        const int total = gaussianTotal(w), paddedWidth = width + 2 * r;
+        const auto at = [](auto& plane, int stride, int x, int y) -> auto& {
+            return plane[static_cast<size_t>(y * stride + x)];
+        };
+        std::vector<uint8_t> padded(static_cast<size_t>(paddedWidth * height), 0), inverse(padded);
+        for (int y = 0; y < height; ++y) {
+            for (int x = 0; x < width; ++x) at(padded, paddedWidth, x + r, y) = at(coverage, width, x, y);
+        }
+
+        const int y0 = std::max(0, -(r + dy)), y1 = dy > r ? height + r - dy : height;
+        const int x0 = std::max(0, -(r + dx)), x1 = dx > r ? paddedWidth + r - dx : paddedWidth;
+        for (int y = y0; y < y1; ++y) {
+            for (int x = x0; x < x1; ++x) {
+                const int64_t sum = gaussianSum(w, [&](int i) {
+                    return x + i >= 0 && x + i < paddedWidth ? at(padded, paddedWidth, x + i, y) : 0;
+                });
+                at(inverse, paddedWidth, x, y) = static_cast<uint8_t>((int64_t{255} * total - sum) / total);
+            }
+        }
+
+        // Where the moved text comes within the radius; the bands beside it are all shadow.
+        const int top = dy > r ? dy - r : 0, bottom = dy < -r ? height + r + dy : height;
+        const int left = dx > r ? dx - r : 0, right = dx < -r ? width + r + dx : width;
+        for (int y = 0; y < height; ++y) {
+            for (int x = 0; x < width; ++x) {
+                uint8_t& pixel = at(result, width, x, y);
+                if (y < top || y >= bottom || x < left || x >= right) {
+                    pixel = 255;
+                } else if (at(coverage, width, x, y) != 0) {
+                    const int64_t sum = gaussianSum(w, [&](int i) {
+                        const int row = y - dy + i;
+                        return row >= 0 && row < height ? at(inverse, paddedWidth, r + x - dx, row) : 255;
+                    });
+                    pixel = static_cast<uint8_t>(sum / total);
+                }
+            }
+        }
+    }
+};
+
+inline void drawInnerShadow(const Zvex::ZvBitmap* target, const Zvex::ZvBitmap& mask, const Zvex::ZvRect& box,
+                            const Shadow& shadow) {
+    const InnerShadow inner(mask, box, shadow);
+    drawBitmapBlend8(box.left, box.top, target, inner.result.data(), inner.width, inner.height, inner.width,
+                     shadow.color, 2);
+}
+
 }  // namespace reference
 
 #endif  // ZVEX_TESTS_REFERENCE_SHADOWREFERENCE_H_
