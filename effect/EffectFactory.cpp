@@ -4,6 +4,7 @@
 #include <new>
 
 #include "effect/ZvText.h"
+#include "effect/filters/ZvBevel.h"
 #include "effect/filters/ZvInnerShadow.h"
 #include "effect/filters/ZvLinearGradient.h"
 #include "effect/filters/ZvOuterShadow.h"
@@ -15,6 +16,8 @@ namespace Zvex {
 
 ZvECore* newEffectLayer(int type) {
     switch (type) {
+        case ZV_EFFECT_BEVEL:
+            return new (std::nothrow) ZvBevel;
         case ZV_EFFECT_INNER_SHADOW:
             return new (std::nothrow) ZvInnerShadow;
         case ZV_EFFECT_LINEAR_GRADIENT:

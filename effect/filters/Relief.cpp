@@ -1,0 +1,101 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "effect/filters/Relief.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "effect/filters/Distance.h"
+#include "effect/filters/Gaussian.h"
+
+namespace Zvex {
+
+namespace {
+
+// Not the nearest float: the pictures are made with it.
+constexpr float PI = 3.14159f;
+
+float radians(float degrees) {
+    return degrees * PI / 180.0f;
+}
+
+constexpr float FAR = 1e20f;
+
+constexpr int WEIGHT = 100;
+
+}  // namespace
+
+ReliefLight ReliefLight::make(const ZvReliefProperty& property, double depthFloor) {
+    const float azimuth = radians(180.0f - property.angle), elevation = radians(property.altitude);
+    const float sign = property.direction == 0 ? -1.0f : 1.0f;
+    const double depth = property.depth > depthFloor ? property.depth : depthFloor;
+    ReliefLight light;
+    light.x = sign * (std::cos(azimuth) * std::cos(elevation));
+    light.y = sign * (std::sin(azimuth) * std::cos(elevation));
+    light.z = std::sin(elevation);
+    light.normalZ = static_cast<float>(2.4 / depth);
+    return light;
+}
+
+int64_t reliefMargin(int64_t radius, int64_t blur, int64_t soften) {
+    return std::max(2 * soften, 2 * blur) + radius;
+}
+
+void fillFromCoverage(float* plane, const WorkingArea& area, const ZvBitmap& mask, float outside,
+                      const float* ramp) {
+    std::fill_n(plane, area.pixels(), outside);
+    for (int y = area.margin; y < area.height - area.margin; ++y) {
+        float* row = plane + area.row(y);
+        for (int x = area.margin; x < area.width - area.margin; ++x)
+            row[x] = ramp[coverageAt(mask, int64_t{area.x} + x, int64_t{area.y} + y)];
+    }
+}
+
+bool squaredEdgeDistances(float* plane, const WorkingArea& area, const ZvBitmap& mask, bool inside) {
+    std::fill_n(plane, area.pixels(), inside ? 0.0f : FAR);
+    const int right = std::min(area.width - area.margin, area.width - 1);
+    const int bottom = std::min(area.height - area.margin, area.height - 1);
+    for (int y = area.margin; y <= bottom; ++y) {
+        float* row = plane + area.row(y);
+        for (int x = area.margin; x <= right; ++x) {
+            if (coverageAt(mask, int64_t{area.x} + x, int64_t{area.y} + y) != 0) row[x] = inside ? FAR : 0.0f;
+        }
+    }
+    return squaredDistances(plane, area.width, area.height);
+}
+
+bool blurRelief(const ReliefBlurJob& job) {
+    if (job.source == nullptr || job.destination == nullptr) return true;
+    if (job.xBegin >= job.xEnd || job.yBegin >= job.yEnd) return true;
+    Gaussian kernel;
+    if (!kernel.make(job.radius, WEIGHT, GaussianConstant::Double)) return false;
+    return blurPlane({job.source, job.destination, job.stride, &kernel, false, job.xBegin, job.xEnd,
+                      job.yBegin, job.yEnd});
+}
+
+bool blurRelief(unsigned char* source, unsigned char* destination, int radius, int height, int width) {
+    const int border = std::max(radius, 0);
+    const auto end = [=](int size) { return clampToInt(int64_t{size} - border); };
+    return blurRelief({source, destination, width, border, border, end(width), border, end(height)});
+}
+
+bool ReliefPlanes::blur(Buffer<uint8_t>& scratch, const WorkingArea& area, int radius) {
+    for (Buffer<uint8_t>* plane : {&highlight, &shadow}) {
+        if (!blurRelief(plane->get(), scratch.get(), radius, area.height, area.width)) return false;
+        std::swap(*plane, scratch);
+    }
+    return true;
+}
+
+uint32_t ReliefColors::pixel(int highlightLight, int shadowLight) const {
+    const int lit = truncateToInt(gain * static_cast<float>(highlightLight));
+    const int dark = truncateToInt(gain * static_cast<float>(shadowLight));
+    const uint32_t alpha = static_cast<uint32_t>(std::min(std::abs(dark - lit), 255));
+    const uint32_t color = dark > lit ? shadow : highlight;
+    uint32_t result = alpha << 24;
+    for (int shift = 0; shift < 24; shift += 8)
+        result |= ((alpha * (((color >> shift) & 0xFF) + 1)) >> 8)
+                  << shift;  // at most 255 * 256 >> 8, a byte
+    return result;
+}
+
+}  // namespace Zvex

@@ -1,0 +1,134 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef ZVEX_EFFECT_FILTERS_RELIEF_H_
+#define ZVEX_EFFECT_FILTERS_RELIEF_H_
+
+#include <cmath>
+#include <cstdint>
+#include <new>
+
+#include "effect/Numbers.h"
+#include "effect/ZvProperty.h"
+#include "effect/filters/Buffer.h"
+#include "effect/filters/Coverage.h"
+
+namespace Zvex {
+
+// What bevel and emboss share. Both take the distance to the glyph edge as the height of a relief, light it
+// from one side, keep what is lighter and what is darker in two planes of bytes, blur these, and colour each
+// pixel by the difference of the two.
+//
+// Everything here is in single precision but for the constants with a fraction (2.4, 0.5, ...), with which
+// the arithmetic is in double precision and its result is stored in single precision.
+
+// A light in the direction (x, y, z), y downwards and z towards the viewer, and the steepness of what it
+// falls on: a slope's normal is (-gx, -gy, normalZ) of whatever length, with (gx, gy) the fall of the height
+// from one pixel to the next.
+struct ReliefLight {
+    float x, y, z;
+    float normalZ;
+
+    // Depths below the floor, and no number, count as the floor.
+    static ReliefLight make(const ZvReliefProperty& property, double depthFloor);
+
+    // 255 times the cosine between the light and the normal, and 255 times one less the cosine for the slope
+    // that falls the other way; not a number counts as 0, and so does what is below. Here alone is the order
+    // of their operations stated: the bytes depend on it.
+    float shade(float gx, float gy) const {
+        const float cosine = 255.0f * ((normalZ * z - x * gx) - y * gy) / normalLength(gx, gy);
+        return clampFloat(cosine, 0.0f, 255.0f);
+    }
+    float oppositeShade(float gx, float gy) const {
+        const float cosine = ((normalZ * z + x * gx) + y * gy) / normalLength(gx, gy);
+        return clampFloat(255.0f * (1.0f - cosine), 0.0f, 255.0f);
+    }
+
+private:
+    float normalLength(float gx, float gy) const {
+        return std::sqrt((normalZ * normalZ + gx * gx) + gy * gy);
+    }
+};
+
+// The fall of a plane of heights along one axis, from the pixels on either side.
+inline float slope(float before, float after) {
+    return (before - after) * 0.5f;
+}
+
+// Coverage of 0 to 1, what lies beyond cut off, as a byte, half up.
+inline int reliefCoverage(float coverage) {
+    return truncateToInt(clampFloat(coverage, 0.0f, 1.0f) * 255.0f + 0.5);
+}
+
+// Coverage (0 to 255) scaled by a level of light (1 to 256) and by the alpha of its colour. The limits are
+// for alphas that are no bytes.
+inline uint8_t lightByte(int coverage, int level, int alpha) {
+    const int64_t product = coverage * (((int64_t{level} * alpha) >> 8) + 1);
+    return static_cast<uint8_t>(product >= 65536 ? 255 : product < 0 ? 0 : product >> 8);
+}
+
+// How far the working area reaches beyond the text box: a slope as wide as `radius`, and the larger of the
+// two blurs twice.
+int64_t reliefMargin(int64_t radius, int64_t blur, int64_t soften);
+
+// The whole area as `outside`, the box in its middle as ramp[coverage of the mask]. ramp has 256 entries.
+void fillFromCoverage(float* plane, const WorkingArea& area, const ZvBitmap& mask, float outside,
+                      const float* ramp);
+
+// Squared distances from the pixels of one kind to the nearest of the other: with `inside`, from those of the
+// text, else from those around it; 0 for the pixels of the other kind. Any coverage makes a pixel one of the
+// text. The column right of the text box and the row below it are read as well. False when memory is short.
+bool squaredEdgeDistances(float* plane, const WorkingArea& area, const ZvBitmap& mask, bool inside);
+
+// One blur of bytes: a rectangle of `source` blurred into `destination`, both of the same size, rows packed.
+struct ReliefBlurJob {
+    unsigned char* source = nullptr;
+    unsigned char* destination = nullptr;  // must not overlap source
+    int stride = 0;                        // pixels, the width of both planes
+    int radius = 0;                        // pixels; below 1 copies
+    int xBegin = 0, xEnd = 0;  // half-open; the rectangle to write, which keeps `radius` away from
+    int yBegin = 0, yEnd = 0;  // every edge of the planes
+};
+
+// The Gaussian of Gaussian.h with a middle weight of 100. An empty rectangle leaves the destination as it is,
+// null planes as well. False when memory is short, with nothing written.
+bool blurRelief(const ReliefBlurJob& job);
+
+// The same of all of two planes but a border of `radius` pixels.
+bool blurRelief(unsigned char* source, unsigned char* destination, int radius, int height, int width);
+
+// The light on one relief.
+struct ReliefPlanes {
+    Buffer<uint8_t> highlight, shadow;
+
+    bool allocate(const WorkingArea& area) {
+        return highlight.allocateZeroed(area.height, area.width) &&
+               shadow.allocateZeroed(area.height, area.width);
+    }
+
+    // Blurs both planes but for a border of `radius`, the highlight into the scratch plane, the shadow into
+    // what was the highlight; what was the shadow is the next scratch plane. In its border each plane keeps
+    // what was there before: where a bevel lights the ground around the text, too, one sees it.
+    bool blur(Buffer<uint8_t>& scratch, const WorkingArea& area, int radius);
+};
+
+// From light to colour.
+struct ReliefColors {
+    float gain;  // of both planes, before their difference is taken
+    uint32_t highlight, shadow;
+
+    // The colour of the stronger of the two lights, premultiplied with the difference of them (and not with
+    // its own alpha, which the lights hold already): 0xAARRGGBB. Equal lights give a transparent pixel.
+    uint32_t pixel(int highlightLight, int shadowLight) const;
+};
+
+// A copy of the record with the record's own limits; null when memory is short.
+template <typename Property>
+Property* newReliefProperty(const ZvProperty* property) {
+    const ZvReliefProperty& p = *static_cast<const Property*>(property);
+    return new (std::nothrow)
+        Property(p.style, p.size, p.depth, p.direction, p.technique, p.soften, p.opacity, p.angle, p.altitude,
+                 p.shadowColor, p.shadowOpacity, p.highlightColor, p.highlightOpacity);
+}
+
+}  // namespace Zvex
+
+#endif  // ZVEX_EFFECT_FILTERS_RELIEF_H_

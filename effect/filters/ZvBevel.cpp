@@ -1,0 +1,194 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// A bevel: the distance to the glyph edge, up to a radius, is the height of a relief; see Relief.h for what
+// is made of it. Wide soft bevels take their distances from the exact transform, which knows no partly
+// covered pixels but costs the same for any radius and is blurred anyway; all others search a window.
+
+#include "effect/filters/ZvBevel.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+
+#include "effect/filters/Distance.h"
+#include "raster/ZvBlender.h"
+
+namespace Zvex {
+
+namespace {
+
+constexpr double DEPTH_FLOOR = 0.1;
+constexpr float SOFT_GAIN = 1.83f;
+constexpr int FIRST_EXACT_RADIUS = 11;  // of soft bevels
+
+// Sizes in pixels. They are within the ints once the working area is.
+struct Widths {
+    bool soft;
+    int64_t radius;  // of the slope
+    int64_t blur;    // of the soft technique
+    int64_t margin;
+
+    explicit Widths(const ZvReliefProperty& property)
+        : soft(property.technique == 0), radius(0), blur(0), margin(0) {
+        const int64_t size = truncateToInt(property.size);
+        if (soft)
+            blur = static_cast<int64_t>(
+                std::ceil(static_cast<double>(static_cast<float>(2 * size)) / 3.0 + 1.0));
+        radius = soft ? blur : size + 2;
+        margin = reliefMargin(radius, blur, property.soften);
+    }
+};
+
+// Distances from the pixels of the slope's side to the other side, exact, up to the radius.
+bool measureExactly(float* plane, const WorkingArea& area, const ZvBitmap& mask, bool inner, int radius) {
+    if (!squaredEdgeDistances(plane, area, mask, inner)) return false;
+    const float squaredRadius = static_cast<float>(int64_t{radius} * radius);
+    for (size_t i = 0; i < area.pixels(); ++i) {
+        const float square = plane[i];
+        plane[i] = square > squaredRadius ? static_cast<float>(radius) : std::sqrt(square);
+    }
+    return true;
+}
+
+// The same with the fractions of partly covered pixels, which lie within a pixel of the other side.
+bool measureWithFractions(float* plane, const WorkingArea& area, const ZvBitmap& mask, bool inner,
+                          int radius) {
+    const float beyond = static_cast<float>(radius);
+    float ramp[256];
+    for (int coverage = 0; coverage < 256; ++coverage) {
+        const float unit = static_cast<float>((inner ? 255 - coverage : coverage) / 254.99);
+        ramp[coverage] = unit <= 0.001 ? beyond : unit < 1.0f ? 1.0f - unit : 0.0f;
+    }
+    fillFromCoverage(plane, area, mask, inner ? 0.0f : beyond, ramp);
+    return searchNearest({plane, area.height, area.width, radius, 0, area.height});
+}
+
+// The light on the slopes.
+bool lightSlopes(ReliefPlanes& planes, const ZvBevelProperty& property, const Widths& widths,
+                 const WorkingArea& area, const ZvBitmap& mask) {
+    const bool inner = property.style == 1;
+    const int radius = static_cast<int>(widths.radius);
+    Buffer<float> distance;
+    if (!distance.allocate(area.height, area.width) || !planes.allocate(area)) return false;
+    const bool exact = widths.soft && radius >= FIRST_EXACT_RADIUS;
+    const auto measure = exact ? measureExactly : measureWithFractions;
+    if (!measure(distance.get(), area, mask, inner, radius)) return false;
+
+    const ReliefLight light = ReliefLight::make(property, DEPTH_FLOOR);
+    ZvBevel::LightJob job;
+    job.highlight = planes.highlight.get();
+    job.shadow = planes.shadow.get();
+    job.width = area.width;
+    job.radius = radius;
+    job.normalZ = light.normalZ;
+    job.lightX = light.x;
+    job.lightY = light.y;
+    job.lightZ = light.z;
+    job.highlightAlpha = static_cast<int>(property.highlightColor >> 24);
+    job.shadowAlpha = static_cast<int>(property.shadowColor >> 24);
+    job.inner = inner ? 1 : 0;
+    job.distance = distance.get();
+    job.xBegin = job.yBegin = 1;
+    job.xEnd = area.width - 1;
+    job.yEnd = area.height - 1;
+    ZvBevel::partialLightProcess(&job);
+    return true;
+}
+
+}  // namespace
+
+ZvBevel::ZvBevel() {
+    style = ZV_EFFECT_BEVEL;
+}
+
+ZvBevel::~ZvBevel() {
+    delete property;
+}
+
+int ZvBevel::doPostProcessing(ParamPostProcessing* param) {
+    if (property == nullptr || !isDrawable(param)) return 0;
+    const Widths widths(*property);
+    WorkingArea area;
+    if (!area.grow(*param->textRect, widths.margin)) return 0;
+
+    ReliefPlanes planes;
+    if (!lightSlopes(planes, *property, widths, area, *param->mask)) return 0;
+    Buffer<uint8_t> scratch;
+    if (!scratch.allocateZeroed(area.height, area.width)) return 0;
+    if (widths.soft && !planes.blur(scratch, area, static_cast<int>(widths.blur))) return 0;
+    if (property->soften >= 1 && !planes.blur(scratch, area, property->soften)) return 0;
+
+    Buffer<uint32_t> picture;
+    if (!picture.allocate(area.height, area.width)) return 0;
+    const ReliefColors colors = {widths.soft ? SOFT_GAIN : 1.0f, property->highlightColor,
+                                 property->shadowColor};
+    for (size_t i = 0; i < area.pixels(); ++i)
+        picture[i] = colors.pixel(planes.highlight[i], planes.shadow[i]);
+    const int mode = param->layerMode == 1 ? ZVE_BLEND_SRC_OVER : ZVE_BLEND_DST_OVER;
+    ZvBlender::drawBitmapBlend32(area.x, area.y, param->target, picture.get(), area.width, area.height,
+                                 area.width, mode);
+    return 0;
+}
+
+void ZvBevel::setProperty(ZvProperty* newProperty) {
+    if (newProperty == nullptr) return;
+    ZvBevelProperty* copy = newReliefProperty<ZvBevelProperty>(newProperty);
+    if (copy == nullptr) return;
+    delete property;
+    property = copy;
+}
+
+ZvProperty* ZvBevel::getProperty() {
+    return property;
+}
+
+int ZvBevel::getOffset() {
+    if (property == nullptr) return 0;
+    return clampToInt(int64_t{truncateToInt(property->size + 0.5)} +
+                      truncateToInt(static_cast<float>(property->soften) + 0.5));
+}
+
+int ZvBevel::partialBlur(void* job) {
+    if (job != nullptr) blurRelief(*static_cast<const BlurJob*>(job));
+    return 0;
+}
+
+int ZvBevel::partialDT(void* job) {
+    if (job == nullptr) return 0;
+    const DistanceJob& p = *static_cast<const DistanceJob*>(job);
+    searchNearest({p.distance, p.height, p.width, p.radius, p.rowBegin, p.rowEnd});
+    return 0;
+}
+
+int ZvBevel::partialLightProcess(void* job) {
+    if (job == nullptr) return 0;
+    const LightJob& p = *static_cast<const LightJob*>(job);
+    if (p.highlight == nullptr || p.shadow == nullptr || p.distance == nullptr) return 0;
+    const ReliefLight light = {p.lightX, p.lightY, p.lightZ, p.normalZ};
+    const float radius = static_cast<float>(p.radius);
+    for (ptrdiff_t y = p.yBegin; y < p.yEnd; ++y) {
+        const float* row = p.distance + y * p.width;
+        for (ptrdiff_t x = p.xBegin; x < p.xEnd; ++x) {
+            if (row[x] == radius) continue;
+            const float gx = slope(row[x - 1], row[x + 1]), gy = slope(row[x - p.width], row[x + p.width]);
+            int shade = truncateToInt(light.shade(gx, gy));
+            // Around the glyphs the distance grows away from them, and the height falls.
+            if (p.inner == 0) shade = 255 - shade;
+            const int coverage = reliefCoverage(radius - row[x]);
+            p.highlight[y * p.width + x] = lightByte(coverage, shade + 1, p.highlightAlpha);
+            p.shadow[y * p.width + x] = lightByte(coverage, 256 - shade, p.shadowAlpha);
+        }
+    }
+    return 0;
+}
+
+void ZvBevel::blur(unsigned char* src, unsigned char* dst, int radius, int height, int width) {
+    blurRelief(src, dst, radius, height, width);
+}
+
+void ZvBevel::dt1D(float* out, float* in, int n) {
+    squaredDistances(out, in, n);
+}
+
+}  // namespace Zvex

@@ -1,0 +1,278 @@
+// SPDX-License-Identifier: Apache-2.0
+// Bevel and emboss: two filters with one kind of record, held to the same.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <climits>
+#include <cmath>
+#include <cstdint>
+#include <limits>
+#include <string>
+#include <vector>
+
+#include "effect/ZvProperty.h"
+#include "effect/filters/ZvBevel.h"
+#include "tests/effect/FilterScene.h"
+#include "tests/effect/PropertyFields.h"
+#include "tests/reference/ReliefReference.h"
+
+namespace Zvex {
+namespace {
+
+constexpr float NOT_A_NUMBER = std::numeric_limits<float>::quiet_NaN();
+constexpr float ENDLESS = std::numeric_limits<float>::infinity();
+
+std::string describe(const ZvReliefProperty& p) {
+    std::string text = "settings";
+    for (double field : fieldsOf(p)) text += " " + std::to_string(field);
+    return text;
+}
+
+template <typename Property>
+Property makeSettings(int style, float size, int technique, int soften) {
+    return Property(style, size, 1.5f, 1, technique, soften, 1.0f, 120.0f, 30.0f, 0xC0102040, 1.0f,
+                    0xF0FFE0A0, 1.0f);
+}
+
+// Any settings but for the size, beyond the record's limits, too: a layer's own record is open to all.
+template <typename Filter, typename Property>
+void setAnySettings(Filter& filter, float size, int technique, Random& random) {
+    const auto choose = [&](auto... choices) {
+        const double list[] = {static_cast<double>(choices)...};
+        return list[random.below(static_cast<int>(sizeof...(choices)))];
+    };
+    Property property = makeSettings<Property>(0, size, technique, 0);
+    filter.setProperty(&property);
+    Property& p = *filter.property;
+    p.style = static_cast<int>(choose(1, 1, 3, 3, 0));
+    p.depth = static_cast<float>(choose(-1, 0, 0.05, 0.1, 0.15, 0.3, 1, 1, 2.7, 10));
+    p.direction = random.between(-1, 1);
+    p.soften = static_cast<int>(choose(-3, 0, 0, 1, 2, 5, 16));
+    p.angle = static_cast<float>(choose(0, -30, 45, 90, 120.5, 359));
+    p.altitude = static_cast<float>(choose(0, -20, 30, 30, 60, 90));
+    p.shadowColor = static_cast<uint32_t>(random.below(256)) << 24 | 0x30A0FF;
+    p.highlightColor =
+        static_cast<uint32_t>(choose(0, 128, 255)) << 24 | static_cast<uint32_t>(random.below(1 << 24));
+}
+
+// Compares the filter with its plain form over seeded scenes, each with settings of its own. Every seventh
+// mask is so faint that only some of the methods see it.
+template <typename Filter, typename Property, typename Draw>
+void expectThePlainRelief(Draw draw, float size, int technique, unsigned first, unsigned count,
+                          int width = 30, int height = 22) {
+    for (unsigned seed = first; seed < first + count; ++seed) {
+        Random random(seed);
+        Filter filter;
+        setAnySettings<Filter, Property>(filter, size, technique, random);
+        FilterScene actual(seed, width, height), expected(seed, width, height);
+        for (FilterScene* scene : {&actual, &expected}) {
+            for (int i = 0; i < width * height && seed % 7 == 1; ++i)
+                scene->mask.pixels[i] = std::min<uint8_t>(scene->mask.pixels[i], 1);
+        }
+        draw(expected.record(), *filter.property);
+        EXPECT_EQ(actual.draw(filter), 0);
+        ASSERT_TRUE(actual.sameAs(expected))
+            << "seed " << seed << ", " << actual.describe() << ", " << describe(*filter.property);
+    }
+}
+
+// Widths on either side of the change of method, and of the end of the table of roots (hard, 50 and 57).
+TEST(Bevel, EqualsThePlainForm) {
+    const auto check = [](auto... arguments) {
+        expectThePlainRelief<ZvBevel, ZvBevelProperty>(reference::drawBevel, arguments...);
+    };
+    unsigned seed = 0;
+    for (float size : {-4.0f, -1.5f, 0.0f, 0.9f, 1.0f, 3.7f, 12.0f}) check(size, 1, seed += 6, 6);
+    for (float size : {-5.0f, -1.5f, 0.0f, 1.0f, 4.0f, 13.9f, 14.0f, 25.0f}) check(size, 0, seed += 6, 6);
+    check(120.0f, 0, 2, 1, 7, 6);
+    check(50.0f, 2, 6, 1, 7, 6);
+    check(57.0f, 2, 0, 3, 7, 6);
+}
+
+TEST(Relief, ArithmeticIsThatOfTheDefinition) {
+    for (float angle = -359; angle < 360; angle += 7) {
+        for (const auto& [depth, floor] : {std::array{1.7, 0.1}, {0.05, 0.1}, {0.15, 0.2}, {3.3, 0.2}}) {
+            ZvBevelProperty property = makeSettings<ZvBevelProperty>(1, 1, 1, 0);
+            property.depth = static_cast<float>(depth);
+            property.angle = angle;
+            property.altitude = angle / 4;
+            property.direction = static_cast<int>(angle) & 1;
+            const ReliefLight actual = ReliefLight::make(property, floor),
+                              expected = reference::reliefLight(property, floor);
+            EXPECT_EQ(fields(actual.x, actual.y, actual.z, actual.normalZ),
+                      fields(expected.x, expected.y, expected.z, expected.normalZ))
+                << angle;
+        }
+    }
+    EXPECT_EQ(reliefCoverage(0.0019607842f), 0);  // 0.49999997 and a half, which no float holds
+    for (int alpha : {-INT_MAX, -1000, 255, 1000, INT_MAX})
+        EXPECT_EQ(lightByte(255, 256, alpha), alpha < 0 ? 0 : 255) << alpha;
+}
+
+// Other programs fill the workers' blocks by this layout.
+struct BlurBlock {
+    unsigned char *source, *destination;
+    int stride, radius, xBegin, xEnd, yBegin, yEnd;
+};
+struct BevelDistanceBlock {
+    float* plane;
+    int height, width, radius, rowBegin, rowEnd;
+};
+struct BevelLightBlock {
+    unsigned char *highlight, *shadow;
+    int width, radius;
+    float normalZ, lightX, lightY, lightZ;
+    int highlightAlpha, shadowAlpha;
+    unsigned char inner;
+    float* distance;
+    int xBegin, xEnd, yBegin, yEnd;
+};
+
+constexpr int WIDTH = 23, HEIGHT = 17;
+const ReliefLight LIGHT = {0.6f, -0.35f, 0.7f, 1.3f};
+
+reference::Distances randomPlane(Random& random, float low) {
+    reference::Distances plane(WIDTH, HEIGHT, 0);
+    for (float& value : plane.values) {
+        const float fraction = static_cast<float>(random.below(5000)) / 1000.0f;
+        value = random.below(3) == 0 ? 5.0f : random.below(2) == 0 ? low : fraction;
+    }
+    return plane;
+}
+
+template <typename Filter>
+void expectTheKernelsOfBoth() {
+    Random random(2);
+    const ZvBitmap noise = makeMask(MaskKind::Noise, WIDTH, HEIGHT, random);
+    reference::Bytes source(noise.pixels, noise.pixels + WIDTH * HEIGHT), actual(source.size(), 9),
+        expected(actual);
+    BlurBlock block = {source.data(), actual.data(), WIDTH, 3, 4, WIDTH - 3, 3, 6};
+    EXPECT_EQ(Filter::partialBlur(&block), 0);
+    block.yBegin = 6;
+    block.yEnd = HEIGHT - 5;
+    EXPECT_EQ(Filter::partialBlur(&block), 0);
+    const std::vector<int> weights = reference::gaussianWeights(3, 100, false);
+    reference::Blur{WIDTH, 4, WIDTH - 3, 3, HEIGHT - 5}.draw(source, expected, weights);
+    EXPECT_EQ(actual, expected);
+    Filter::blur(source.data(), actual.data(), 3, HEIGHT, WIDTH);
+    reference::Blur{WIDTH, 3, WIDTH - 3, 3, HEIGHT - 3}.draw(source, expected, weights);
+    EXPECT_EQ(actual, expected);
+    for (int radius : {12, INT_MAX}) Filter::blur(source.data(), actual.data(), radius, HEIGHT, WIDTH);
+    EXPECT_EQ(actual, expected);
+    Filter::blur(source.data(), actual.data(), INT_MIN, HEIGHT, WIDTH);  // copies
+    EXPECT_EQ(actual, source);
+    block.source = nullptr;
+    EXPECT_EQ(Filter::partialBlur(&block) + Filter::partialBlur(nullptr), 0);
+
+    float line[] = {1e20f, 0, 1e20f, 1e20f, 3}, squares[] = {7, 7, 7, 7, 7};
+    Filter::dt1D(squares, line, 5);
+    EXPECT_EQ(std::vector<float>(squares, squares + 5), (std::vector<float>{1, 0, 1, 4, 3}));
+}
+
+TEST(Bevel, WorkersTakeBlocksAndAnyPartOfTheRows) {
+    expectTheKernelsOfBoth<ZvBevel>();
+
+    Random random(3);
+    reference::Distances plane = randomPlane(random, 0), expected(plane);
+    reference::searchNearest(expected, 4, 0, HEIGHT);
+    for (int rowBegin : {12, 0, 5}) {
+        BevelDistanceBlock block = {
+            plane.values.data(), HEIGHT, WIDTH, 4, rowBegin, rowBegin == 12 ? HEIGHT : rowBegin + 7};
+        EXPECT_EQ(ZvBevel::partialDT(&block), 0);
+    }
+    EXPECT_EQ(plane.values, expected.values);
+
+    plane = randomPlane(random, 6);  // beyond the radius
+    for (bool inner : {false, true}) {
+        reference::LightPlanes light(WIDTH, HEIGHT);
+        std::fill(light.highlight.begin(), light.highlight.end(), uint8_t{99});
+        reference::Bytes highlight = light.highlight, shadow = light.shadow;
+        reference::BevelLight{5, 200, 77, inner}.draw(plane, LIGHT, light, 2, WIDTH - 1, 1, HEIGHT - 2);
+        for (int yBegin : {6, 1}) {
+            BevelLightBlock block = {highlight.data(),
+                                     shadow.data(),
+                                     WIDTH,
+                                     5,
+                                     LIGHT.normalZ,
+                                     LIGHT.x,
+                                     LIGHT.y,
+                                     LIGHT.z,
+                                     200,
+                                     77,
+                                     inner,
+                                     plane.values.data(),
+                                     2,
+                                     WIDTH - 1,
+                                     yBegin,
+                                     yBegin == 6 ? HEIGHT - 2 : 6};
+            EXPECT_EQ(ZvBevel::partialLightProcess(&block), 0);
+        }
+        EXPECT_EQ(highlight, light.highlight);
+        EXPECT_EQ(shadow, light.shadow);
+    }
+    BevelLightBlock none = {};
+    none.xEnd = none.yEnd = 3;
+    EXPECT_EQ(ZvBevel::partialLightProcess(&none) + ZvBevel::partialLightProcess(nullptr) +
+                  ZvBevel::partialDT(nullptr),
+              0);
+}
+
+// What the two share: settings, margins, and nothing at all in place of half a picture.
+template <typename Filter, typename Property>
+void expectAFilter(int type, const std::vector<std::array<float, 2>>& margins) {
+    Filter filter;
+    EXPECT_EQ(filter.getStyle(), type);
+    EXPECT_EQ(filter.getProperty(), nullptr);
+    EXPECT_EQ(filter.getOffset(), 0);
+    FilterScene scene(2), before(2);
+    scene.draw(filter);
+    for (const auto& [size, margin] : margins) {
+        Property property = makeSettings<Property>(1, size, 1, 3);
+        filter.setProperty(&property);
+        EXPECT_EQ(static_cast<float>(filter.getOffset()), margin) << size;
+        EXPECT_EQ(filter.getLeftOffset() + filter.getBottomOffset(), 0);
+    }
+    for (float size : {-20.0f, 3e4f, 2147483648.0f, 1e30f, ENDLESS, -ENDLESS}) {
+        for (int technique : {0, 1}) {
+            Property property = makeSettings<Property>(1, size, technique, 0);
+            filter.setProperty(&property);
+            scene.draw(filter);
+        }
+    }
+    for (int soften : {INT_MAX, 30000}) {
+        filter.property->size = NOT_A_NUMBER;  // counts as 0
+        filter.property->soften = soften;
+        scene.draw(filter);
+    }
+    EXPECT_TRUE(scene.sameAs(before));
+    filter.property->soften = INT_MIN;
+    scene.draw(filter);
+    EXPECT_FALSE(scene.sameAs(before));
+
+    for (const auto& [style, size, technique] : {std::array{1, 2, 1}, {0, 28, 0}, {3, 2, 0}, {3, 28, 0}}) {
+        Property property = makeSettings<Property>(style, static_cast<float>(size), technique, 2);
+        filter.setProperty(&property);
+        expectNothingWithoutParts(filter);
+        expectUntouchedWithoutMemory(filter);
+    }
+    Property first = makeSettings<Property>(1, 2, 3, 4),
+             second(2, 3, 4, 5, 6, 7, 0.5f, 8, 9, 10, 0.25f, 11, 0.75f);
+    expectSettingsCopied<Filter>(first, second, [](const Property& p) { return fieldsOf(p); });
+    first.soften = 400;
+    filter.setProperty(&first);
+    EXPECT_EQ(filter.property->soften, 16);  // the record's limits
+}
+
+TEST(Bevel, DrawsAllOrNothing) {
+    expectAFilter<ZvBevel, ZvBevelProperty>(ZV_EFFECT_BEVEL, {{0, 3},
+                                                              {2.4f, 5},
+                                                              {2.5f, 6},
+                                                              {0.49999997f, 3},
+                                                              {-8, -4},
+                                                              {ENDLESS, static_cast<float>(INT_MAX)},
+                                                              {NOT_A_NUMBER, 3}});
+}
+
+}  // namespace
+}  // namespace Zvex
