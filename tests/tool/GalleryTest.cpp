@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "tests/tool/Program.h"
+#include "tools/zvtext/Scene.h"
 
 namespace {
 
@@ -26,12 +27,13 @@ protected:
 };
 
 TEST_F(GalleryCommand, CaptionsMakeTheirPicturesAgain) {
-    const Result result = run({"gallery", file("gallery"), "--only", "stroke"});
+    const Result result =
+        run({"gallery", file("gallery"), "--only", "stroke", "--only", "pattern", "--only", "outer-shadow"});
     ASSERT_EQ(result.status, 0) << result.err;
     const std::string page = slurp(file("gallery/index.html"));
     const std::vector<std::string> pictures = between(page, "<img src=\"", "\"");
     const std::vector<std::string> commands = between(page, "<code>", "</code>");
-    EXPECT_GT(pictures.size(), 4u);
+    EXPECT_GT(pictures.size(), 15u);
     ASSERT_EQ(pictures.size(), commands.size());
     EXPECT_EQ(result.out,
               file("gallery/index.html").string() + ": " + std::to_string(pictures.size()) + " pictures\n");
@@ -65,6 +67,18 @@ TEST_F(GalleryCommand, SaysWhatIsWrong) {
     fs::create_directory(file("empty"));
     refused({"gallery", file("gallery"), "--font-dir", file("empty"), "--only", "stroke"}, 1,
             "gallery: 1 of 5, stroke-outside\nzvtext: warning: left out, no DejaVuSans-Bold.ttf below ");
+}
+
+// The gallery's pictures are those of runs of their own.
+TEST(RenderScene, TheFallbackFontsOfOneSceneAreNotThoseOfTheNext) {
+    zvtext::Scene scene;
+    scene.text = "世";
+    scene.font = kFont;
+    const std::vector<uint32_t> before = zvtext::renderScene(scene).pixels;
+    scene.fallbacks = {"/usr/share/fonts/opentype/noto/NotoSansCJK-Regular.ttc"};
+    EXPECT_NE(zvtext::renderScene(scene).pixels, before);
+    scene.fallbacks.clear();
+    EXPECT_EQ(zvtext::renderScene(scene).pixels, before);
 }
 
 }  // namespace

@@ -168,12 +168,15 @@ TEST_F(PngReader, RefusesWhatIsCutShortDamagedOrTooLarge) {
         damaged[i] = static_cast<char>(damaged[i] ^ 0x20);
         refusal([&] { read(damaged); });
     }
-    std::string huge = whole;  // a width of 0x40000000, its checksum made right
-    huge[16] = 0x40;
-    const uLong crc = crc32(0, reinterpret_cast<const Bytef*>(huge.data()) + 12, 17);
-    for (int i = 0; i < 4; ++i) huge[29 + static_cast<size_t>(i)] = static_cast<char>(crc >> (24 - 8 * i));
-    EXPECT_EQ(refusal([&] { read(huge); }),
-              name + "1073741835 x 9 pixels; at most 16384 a side and 64000000 in all");
+    const std::string limits = " pixels; at most 16384 a side and 64000000 in all";
+    const std::vector<uint32_t> widths = {0x4001, 0x40000000};
+    for (const uint32_t width : widths) {
+        std::string wide = whole;  // that width in the header, its checksum made right
+        for (size_t i = 0; i < 4; ++i) wide[16 + i] = static_cast<char>(width >> (24 - 8 * i));
+        const uLong crc = crc32(0, reinterpret_cast<const Bytef*>(wide.data()) + 12, 17);
+        for (size_t i = 0; i < 4; ++i) wide[29 + i] = static_cast<char>(crc >> (24 - 8 * i));
+        EXPECT_EQ(refusal([&] { read(wide); }), name + std::to_string(width) + " x 9" + limits);
+    }
     EXPECT_EQ(refusal([] { readPng("--pattern", "/no/such.png"); }).rfind("--pattern: cannot read", 0), 0u);
 }
 

@@ -5,6 +5,7 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <png.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -20,6 +21,8 @@
 // The real program with real files, as a user calls it.
 
 namespace fs = std::filesystem;
+
+inline const std::string kFont = "/usr/share/fonts/truetype/dejavu/DejaVuSans-Bold.ttf";
 
 struct Result {
     int status = -1;  // exit status; -1 when the program was killed

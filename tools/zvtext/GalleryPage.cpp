@@ -17,7 +17,7 @@ constexpr char kHead[] = R"html(<!DOCTYPE html>
 @media (prefers-color-scheme: dark) {
   :root { --page: #191a1c; --ink: #e8e6e3; --faint: #a09c96; --line: #36383c; --code: #26282b; }
 }
-body { margin: 0 auto; max-width: 76rem; padding: 1.5rem; background: var(--page); color: var(--ink);
+body { margin: 0 auto; max-width: 92rem; padding: 1.5rem; background: var(--page); color: var(--ink);
   font: 1rem/1.5 system-ui, sans-serif; }
 h1 { margin: 0; }
 h2 { margin: 2.5rem 0 0; }
@@ -25,8 +25,9 @@ p { margin: .25rem 0 1rem; color: var(--faint); }
 nav a { margin-right: .8rem; color: inherit; }
 input { margin: 1rem .3rem 0 0; }
 label { margin-right: 1rem; }
-section { display: grid; grid-template-columns: repeat(auto-fill, minmax(min(100%, 24rem), 1fr)); gap: 1.25rem; }
-section > h2, section > p { grid-column: 1 / -1; margin-bottom: 0; }
+section { display: grid; grid-template-columns: repeat(auto-fill, minmax(min(100%, 28rem), 1fr)); gap: 1.25rem; }
+section > header { grid-column: 1 / -1; }
+section > header > p { margin-bottom: 0; }
 figure { margin: 0; display: flex; flex-direction: column; border: 1px solid var(--line); border-radius: .5rem;
   overflow: hidden; }
 .ground { flex: 1; display: flex; align-items: center; justify-content: center; min-height: 11rem; padding: 1rem;
@@ -93,8 +94,9 @@ std::string galleryPage(const std::vector<GalleryPicture>& pictures) {
             if (group != nullptr) sections += "</section>\n";
             group = picture.group;
             links += std::string("<a href=\"#") + group->name + "\">" + escaped(group->title) + "</a>\n";
-            sections += std::string("<section id=\"") + group->name + "\">\n<h2>" + escaped(group->title) +
-                        "</h2>\n<p>" + escaped(group->introduction) + "</p>\n";
+            sections += std::string("<section id=\"") + group->name + "\">\n<header>\n<h2>" +
+                        escaped(group->title) + "</h2>\n<p>" + escaped(group->introduction) +
+                        "</p>\n</header>\n";
         }
         sections += figure(picture);
     }

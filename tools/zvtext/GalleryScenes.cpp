@@ -430,7 +430,7 @@ GalleryGroup styles() {
 Picture checks() {
     Picture picture{16, 16, {}};
     for (int y = 0; y < 16; ++y) {
-        for (int x = 0; x < 16; ++x) picture.pixels.push_back((x < 8) == (y < 8) ? 0xFFD62839 : 0xFFFFE5D9);
+        for (int x = 0; x < 16; ++x) picture.pixels.push_back((x < 8) == (y < 8) ? 0xFFD62839 : 0xFFF6BD60);
     }
     return picture;
 }
