@@ -22,7 +22,7 @@ public:
     // any coverage: the glyphs' own layer makes the edges smooth. Rows and columns of the box that the moved
     // text does not come within the radius of are all shadow, beside the glyphs too. When the moved text is
     // beyond the radius altogether, the shadow is the coverage itself. Draws nothing when the text box has
-    // more pixels than an int counts, or the radius is above a hundred thousand.
+    // more pixels than an int counts, or for a radius that Gaussian refuses.
     int doPostProcessing(ParamPostProcessing* param) override;
 
     void setProperty(ZvProperty* property) override;

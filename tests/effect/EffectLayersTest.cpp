@@ -25,6 +25,10 @@ const struct {
     Add add;
 } INNER_EFFECTS[] = {
     {"inner shadow", [](ZvEffect& stack) { stack.addInnerShadowText(30, 12, 3, 0xFFC00000, 0.8f); }},
+    {"inner bevel",
+     [](ZvEffect& stack) {
+         stack.addBevelText(1, 6, 2, 1, 0, 2, 1, 120, 30, 0xFF000000, 0.8f, 0xFFFFFFFF, 0.8f);
+     }},
     {"inside stroke", [](ZvEffect& stack) { stack.addStrokeText(2, 0xFFC00000, 0.8f, 0, 2); }},
 };
 
