@@ -5,8 +5,10 @@
 
 #include "effect/ZvText.h"
 #include "effect/filters/ZvBevel.h"
+#include "effect/filters/ZvInnerGlow.h"
 #include "effect/filters/ZvInnerShadow.h"
 #include "effect/filters/ZvLinearGradient.h"
+#include "effect/filters/ZvOuterGlow.h"
 #include "effect/filters/ZvOuterShadow.h"
 #include "effect/filters/ZvPattern.h"
 #include "effect/filters/ZvRadialGradient.h"
@@ -18,10 +20,14 @@ ZvECore* newEffectLayer(int type) {
     switch (type) {
         case ZV_EFFECT_BEVEL:
             return new (std::nothrow) ZvBevel;
+        case ZV_EFFECT_INNER_GLOW:
+            return new (std::nothrow) ZvInnerGlow;
         case ZV_EFFECT_INNER_SHADOW:
             return new (std::nothrow) ZvInnerShadow;
         case ZV_EFFECT_LINEAR_GRADIENT:
             return new (std::nothrow) ZvLinearGradient;
+        case ZV_EFFECT_OUTER_GLOW:
+            return new (std::nothrow) ZvOuterGlow;
         case ZV_EFFECT_OUTER_SHADOW:
             return new (std::nothrow) ZvOuterShadow;
         case ZV_EFFECT_PATTERN:
