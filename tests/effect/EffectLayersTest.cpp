@@ -24,10 +24,16 @@ const struct {
     const char* name;
     Add add;
 } INNER_EFFECTS[] = {
+    {"inner glow", [](ZvEffect& stack) { stack.addInnerGlowText(6, 0xFFC00000, 0.8f, 0, nullptr); }},
     {"inner shadow", [](ZvEffect& stack) { stack.addInnerShadowText(30, 12, 3, 0xFFC00000, 0.8f); }},
     {"inner bevel",
      [](ZvEffect& stack) {
          stack.addBevelText(1, 6, 2, 1, 0, 2, 1, 120, 30, 0xFF000000, 0.8f, 0xFFFFFFFF, 0.8f);
+     }},
+    {"linear gradient",
+     [](ZvEffect& stack) {
+         ZvGradient stops[] = {{0xFFC00000, 1, 0}, {0xFF0000C0, 0.5f, 1}};
+         stack.addLinearGradientText(30, 1, 0.8f, 2, stops);
      }},
     {"inside stroke", [](ZvEffect& stack) { stack.addStrokeText(2, 0xFFC00000, 0.8f, 0, 2); }},
 };
