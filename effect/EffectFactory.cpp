@@ -5,6 +5,7 @@
 
 #include "effect/ZvText.h"
 #include "effect/filters/ZvBevel.h"
+#include "effect/filters/ZvEmboss.h"
 #include "effect/filters/ZvInnerGlow.h"
 #include "effect/filters/ZvInnerShadow.h"
 #include "effect/filters/ZvLinearGradient.h"
@@ -20,6 +21,8 @@ ZvECore* newEffectLayer(int type) {
     switch (type) {
         case ZV_EFFECT_BEVEL:
             return new (std::nothrow) ZvBevel;
+        case ZV_EFFECT_EMBOSS:
+            return new (std::nothrow) ZvEmboss;
         case ZV_EFFECT_INNER_GLOW:
             return new (std::nothrow) ZvInnerGlow;
         case ZV_EFFECT_INNER_SHADOW:

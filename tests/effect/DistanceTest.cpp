@@ -11,7 +11,6 @@
 #include <vector>
 
 #include "effect/filters/SquareRoots.h"
-#include "tests/FailingAllocations.h"
 #include "tests/effect/TestPictures.h"
 #include "tests/reference/DistanceReference.h"
 
@@ -70,17 +69,15 @@ TEST(Distance, TransformOfALineIsTheLowerEnvelope) {
     EXPECT_TRUE(squaredDistances(result.data(), wild.data(), static_cast<int>(wild.size())));
 }
 
-TEST(Distance, TransformOfAPlane) {
+TEST(Distance, TransformOfAPlaneReachesItsEdges) {
     Random random(2);
-    for (int i = 0; i < 60; ++i) {
-        const int width = random.between(1, 40), height = random.between(1, 30),
-                  rarity = random.between(2, 60);
-        reference::Distances expected(width, height, 0);
-        for (float& value : expected.values) value = random.below(rarity) == 0 ? 0.0f : 1e20f;
+    for (int i = 0; i < 40; ++i) {
+        reference::Distances expected(random.between(1, 20), random.between(1, 20), 1e20f);
+        for (float& value : expected.values) value = random.below(i + 2) == 0 ? 0.0f : value;
         std::vector<float> actual = expected.values;
         reference::squaredDistances(expected);
-        EXPECT_TRUE(squaredDistances(actual.data(), width, height));
-        ASSERT_EQ(actual, expected.values) << "case " << i << ": " << width << " x " << height;
+        EXPECT_TRUE(squaredDistances(actual.data(), expected.width, expected.height));
+        ASSERT_EQ(actual, expected.values) << "case " << i;
     }
 }
 
@@ -137,23 +134,6 @@ TEST(Distance, SearchesEqualThePlainForm) {
     }
 }
 
-// Any order of the rows, where the text of the header says so: the last rows first.
-TEST(Distance, RowsOfASearchMayBeSplitAnyhow) {
-    Random random(4);
-    for (int i = 0; i < 60; ++i) {
-        const int radius = random.between(2, 9);
-        reference::Distances whole = makePlane(random, radius, true);
-        for (float& value : whole.values) value = std::max(value, 1.0f - static_cast<float>(radius));
-        for (const Search& search : {SEARCHES[1], SEARCHES[2]}) {
-            reference::Distances parts = whole;
-            search.plain(whole, radius, 0, whole.height);
-            for (int end = parts.height; end > 0; end -= 3)
-                search.kernel({parts.values.data(), parts.height, parts.width, radius, end - 3, end});
-            ASSERT_EQ(parts.values, whole.values) << search.name << ", case " << i;
-        }
-    }
-}
-
 TEST(Distance, SearchesSurviveSizesThatDoNotFit) {
     std::vector<float> plane = {2, 0, 2, -1};
     for (const Search& search : SEARCHES) {
@@ -168,22 +148,6 @@ TEST(Distance, SearchesSurviveSizesThatDoNotFit) {
         }
     }
     EXPECT_EQ(plane, (std::vector<float>{2, 0, 2, -1}));
-}
-
-TEST(Distance, WithoutMemoryThePlaneStays) {
-    const std::vector<float> before = {3, 3, 0, -2, 3, 3, 0.5f, 3, 3, 3, 3, 3};
-    forEachFailingAllocation([&](bool fails) {
-        std::vector<float> planes[4] = {before, before, before, before};
-        int done = 0;
-        for (int i = 0; i < 3; ++i) {
-            const bool ok = SEARCHES[i].kernel({planes[i].data(), 4, 3, 3, 0, 4});
-            EXPECT_EQ(planes[i] != before, ok) << SEARCHES[i].name;
-            done += ok;
-        }
-        const bool ok = squaredDistances(planes[3].data(), 3, 4);
-        EXPECT_EQ(planes[3] != before, ok);
-        EXPECT_EQ(done + ok == 4, !fails);
-    });
 }
 
 }  // namespace

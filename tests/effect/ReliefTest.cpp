@@ -5,14 +5,13 @@
 #include <algorithm>
 #include <array>
 #include <climits>
-#include <cmath>
 #include <cstdint>
 #include <limits>
-#include <string>
 #include <vector>
 
 #include "effect/ZvProperty.h"
 #include "effect/filters/ZvBevel.h"
+#include "effect/filters/ZvEmboss.h"
 #include "tests/effect/FilterScene.h"
 #include "tests/effect/PropertyFields.h"
 #include "tests/reference/ReliefReference.h"
@@ -22,12 +21,6 @@ namespace {
 
 constexpr float NOT_A_NUMBER = std::numeric_limits<float>::quiet_NaN();
 constexpr float ENDLESS = std::numeric_limits<float>::infinity();
-
-std::string describe(const ZvReliefProperty& p) {
-    std::string text = "settings";
-    for (double field : fieldsOf(p)) text += " " + std::to_string(field);
-    return text;
-}
 
 template <typename Property>
 Property makeSettings(int style, float size, int technique, int soften) {
@@ -72,8 +65,8 @@ void expectThePlainRelief(Draw draw, float size, int technique, unsigned first, 
         }
         draw(expected.record(), *filter.property);
         EXPECT_EQ(actual.draw(filter), 0);
-        ASSERT_TRUE(actual.sameAs(expected))
-            << "seed " << seed << ", " << actual.describe() << ", " << describe(*filter.property);
+        ASSERT_TRUE(actual.sameAs(expected)) << "seed " << seed << ", " << actual.describe() << ", settings "
+                                             << testing::PrintToString(fieldsOf(*filter.property));
     }
 }
 
@@ -88,6 +81,17 @@ TEST(Bevel, EqualsThePlainForm) {
     check(120.0f, 0, 2, 1, 7, 6);
     check(50.0f, 2, 6, 1, 7, 6);
     check(57.0f, 2, 0, 3, 7, 6);
+}
+
+TEST(Emboss, EqualsThePlainForm) {
+    const auto check = [](auto... arguments) {
+        expectThePlainRelief<ZvEmboss, ZvEmbossProperty>(reference::drawEmboss, arguments...);
+    };
+    unsigned seed = 0;
+    for (float size : {-9.0f, -4.0f, -1.5f, 0.0f, 0.9f, 3.7f, 10.0f, 20.0f}) check(size, 1, seed += 6, 6);
+    for (float size : {-5.0f, -3.0f, 0.0f, 1.0f, 10.0f, 25.9f, 26.0f, 31.0f}) check(size, 0, seed += 6, 6);
+    check(120.0f, 0, 2, 1, 7, 6);
+    check(101.0f, 2, 6, 2, 7, 6);
 }
 
 TEST(Relief, ArithmeticIsThatOfTheDefinition) {
@@ -111,9 +115,17 @@ TEST(Relief, ArithmeticIsThatOfTheDefinition) {
 }
 
 // Other programs fill the workers' blocks by this layout.
+struct Rectangle {
+    int xBegin, xEnd, yBegin, yEnd;
+};
+struct Lighting {
+    float normalZ, lightX, lightY, lightZ;
+    int highlightAlpha, shadowAlpha;
+};
 struct BlurBlock {
     unsigned char *source, *destination;
-    int stride, radius, xBegin, xEnd, yBegin, yEnd;
+    int stride, radius;
+    Rectangle rectangle;
 };
 struct BevelDistanceBlock {
     float* plane;
@@ -122,15 +134,26 @@ struct BevelDistanceBlock {
 struct BevelLightBlock {
     unsigned char *highlight, *shadow;
     int width, radius;
-    float normalZ, lightX, lightY, lightZ;
-    int highlightAlpha, shadowAlpha;
+    Lighting lighting;
     unsigned char inner;
     float* distance;
-    int xBegin, xEnd, yBegin, yEnd;
+    Rectangle rectangle;
+};
+struct EmbossDistanceBlock {
+    float* plane;
+    int height, width, outerRadius, innerRadius, rowBegin, rowEnd;
+};
+struct EmbossLightBlock {
+    unsigned char *highlight, *shadow;
+    float *first, *second;
+    int width, outerRadius, innerRadius;
+    Lighting lighting;
+    Rectangle rectangle;
 };
 
 constexpr int WIDTH = 23, HEIGHT = 17;
-const ReliefLight LIGHT = {0.6f, -0.35f, 0.7f, 1.3f};
+constexpr Lighting LIGHTING = {1.3f, 0.6f, -0.35f, 0.7f, 200, 77};
+constexpr ReliefLight LIGHT = {0.6f, -0.35f, 0.7f, 1.3f};
 
 reference::Distances randomPlane(Random& random, float low) {
     reference::Distances plane(WIDTH, HEIGHT, 0);
@@ -145,114 +168,138 @@ template <typename Filter>
 void expectTheKernelsOfBoth() {
     Random random(2);
     const ZvBitmap noise = makeMask(MaskKind::Noise, WIDTH, HEIGHT, random);
+    const std::vector<int> weights = reference::gaussianWeights(3, 100, false);
     reference::Bytes source(noise.pixels, noise.pixels + WIDTH * HEIGHT), actual(source.size(), 9),
         expected(actual);
-    BlurBlock block = {source.data(), actual.data(), WIDTH, 3, 4, WIDTH - 3, 3, 6};
-    EXPECT_EQ(Filter::partialBlur(&block), 0);
-    block.yBegin = 6;
-    block.yEnd = HEIGHT - 5;
-    EXPECT_EQ(Filter::partialBlur(&block), 0);
-    const std::vector<int> weights = reference::gaussianWeights(3, 100, false);
+    for (int yBegin : {6, 3}) {
+        BlurBlock block = {
+            source.data(), actual.data(), WIDTH, 3, {4, WIDTH - 3, yBegin, yBegin == 6 ? HEIGHT - 5 : 6}};
+        EXPECT_EQ(Filter::partialBlur(&block) + Filter::partialBlur(nullptr), 0);
+    }
     reference::Blur{WIDTH, 4, WIDTH - 3, 3, HEIGHT - 5}.draw(source, expected, weights);
     EXPECT_EQ(actual, expected);
-    Filter::blur(source.data(), actual.data(), 3, HEIGHT, WIDTH);
+    for (int radius : {3, 12, INT_MAX}) Filter::blur(source.data(), actual.data(), radius, HEIGHT, WIDTH);
     reference::Blur{WIDTH, 3, WIDTH - 3, 3, HEIGHT - 3}.draw(source, expected, weights);
     EXPECT_EQ(actual, expected);
-    for (int radius : {12, INT_MAX}) Filter::blur(source.data(), actual.data(), radius, HEIGHT, WIDTH);
-    EXPECT_EQ(actual, expected);
+    Filter::blur(nullptr, actual.data(), 3, HEIGHT, WIDTH);
+    Filter::blur(source.data(), nullptr, 3, HEIGHT, WIDTH);
     Filter::blur(source.data(), actual.data(), INT_MIN, HEIGHT, WIDTH);  // copies
     EXPECT_EQ(actual, source);
-    block.source = nullptr;
-    EXPECT_EQ(Filter::partialBlur(&block) + Filter::partialBlur(nullptr), 0);
 
-    float line[] = {1e20f, 0, 1e20f, 1e20f, 3}, squares[] = {7, 7, 7, 7, 7};
+    float line[] = {1e20f, 0, 1e20f, 1e20f, 3}, squares[5];
     Filter::dt1D(squares, line, 5);
     EXPECT_EQ(std::vector<float>(squares, squares + 5), (std::vector<float>{1, 0, 1, 4, 3}));
 }
 
+// Two bands of rows, the lower one first, as blockOf(highlight, shadow, rectangle), against what draw makes
+// of the whole rectangle. What is not drawn keeps its bytes.
+template <typename BlockOf, typename Draw>
+void expectTheLight(int (*worker)(void*), BlockOf blockOf, Draw draw) {
+    reference::LightPlanes light(WIDTH, HEIGHT, 200, 77);
+    std::fill(light.highlight.begin(), light.highlight.end(), uint8_t{99});
+    reference::Bytes highlight = light.highlight, shadow = light.shadow;
+    draw(light, 2, WIDTH - 1, 1, HEIGHT - 2);
+    for (int yBegin : {6, 1}) {
+        const Rectangle rectangle = {2, WIDTH - 1, yBegin, yBegin == 6 ? HEIGHT - 2 : 6};
+        auto block = blockOf(highlight.data(), shadow.data(), rectangle);
+        auto without = blockOf(highlight.data(), nullptr, rectangle);
+        EXPECT_EQ(worker(&block) + worker(&without) + worker(nullptr), 0);
+    }
+    EXPECT_EQ(highlight, light.highlight);
+    EXPECT_EQ(shadow, light.shadow);
+}
+
 TEST(Bevel, WorkersTakeBlocksAndAnyPartOfTheRows) {
     expectTheKernelsOfBoth<ZvBevel>();
-
     Random random(3);
     reference::Distances plane = randomPlane(random, 0), expected(plane);
-    reference::searchNearest(expected, 4, 0, HEIGHT);
-    for (int rowBegin : {12, 0, 5}) {
-        BevelDistanceBlock block = {
-            plane.values.data(), HEIGHT, WIDTH, 4, rowBegin, rowBegin == 12 ? HEIGHT : rowBegin + 7};
-        EXPECT_EQ(ZvBevel::partialDT(&block), 0);
+    for (int rowBegin : {12, 0, 6}) {
+        BevelDistanceBlock block = {plane.values.data(), HEIGHT, WIDTH, 4, rowBegin, rowBegin + 6};
+        EXPECT_EQ(ZvBevel::partialDT(&block) + ZvBevel::partialDT(nullptr), 0);
     }
+    reference::searchNearest(expected, 4, 0, HEIGHT);
     EXPECT_EQ(plane.values, expected.values);
 
     plane = randomPlane(random, 6);  // beyond the radius
     for (bool inner : {false, true}) {
-        reference::LightPlanes light(WIDTH, HEIGHT);
-        std::fill(light.highlight.begin(), light.highlight.end(), uint8_t{99});
-        reference::Bytes highlight = light.highlight, shadow = light.shadow;
-        reference::BevelLight{5, 200, 77, inner}.draw(plane, LIGHT, light, 2, WIDTH - 1, 1, HEIGHT - 2);
-        for (int yBegin : {6, 1}) {
-            BevelLightBlock block = {highlight.data(),
-                                     shadow.data(),
-                                     WIDTH,
-                                     5,
-                                     LIGHT.normalZ,
-                                     LIGHT.x,
-                                     LIGHT.y,
-                                     LIGHT.z,
-                                     200,
-                                     77,
-                                     inner,
-                                     plane.values.data(),
-                                     2,
-                                     WIDTH - 1,
-                                     yBegin,
-                                     yBegin == 6 ? HEIGHT - 2 : 6};
-            EXPECT_EQ(ZvBevel::partialLightProcess(&block), 0);
-        }
-        EXPECT_EQ(highlight, light.highlight);
-        EXPECT_EQ(shadow, light.shadow);
+        const auto blockOf = [&](unsigned char* highlight, unsigned char* shadow, Rectangle rectangle) {
+            return BevelLightBlock{highlight,           shadow,   WIDTH, 5, LIGHTING, inner,
+                                   plane.values.data(), rectangle};
+        };
+        expectTheLight(&ZvBevel::partialLightProcess, blockOf,
+                       [&](reference::LightPlanes& planes, auto... sides) {
+                           reference::lightBevel(planes, plane, 5, inner, LIGHT, sides...);
+                       });
     }
-    BevelLightBlock none = {};
-    none.xEnd = none.yEnd = 3;
-    EXPECT_EQ(ZvBevel::partialLightProcess(&none) + ZvBevel::partialLightProcess(nullptr) +
-                  ZvBevel::partialDT(nullptr),
-              0);
+}
+
+TEST(Emboss, WorkersTakeBlocksAndAnyPartOfTheRows) {
+    expectTheKernelsOfBoth<ZvEmboss>();
+    Random random(4);
+    reference::Distances plane = randomPlane(random, -2), expected(plane), inside = randomPlane(random, 0);
+    const auto search = [&](int (*worker)(void*)) {
+        for (int rowBegin : {13, 1, 7}) {
+            EmbossDistanceBlock block = {plane.values.data(), HEIGHT, WIDTH, 1, 3, rowBegin, rowBegin + 6};
+            EXPECT_EQ(worker(&block) + worker(nullptr), 0);
+        }
+        EXPECT_EQ(plane.values, expected.values);
+    };
+    reference::searchOutward(expected, 1, 1, HEIGHT);
+    search(&ZvEmboss::partialOutDT);
+    reference::searchInward(expected, 3, 1, HEIGHT);
+    search(&ZvEmboss::partialInDT);
+
+    plane = randomPlane(random, -2);
+    const auto blockOf = [&](unsigned char* highlight, unsigned char* shadow, Rectangle rectangle) {
+        return EmbossLightBlock{highlight, shadow,   plane.values.data(), inside.values.data(), WIDTH, 5, 3,
+                                LIGHTING,  rectangle};
+    };
+    expectTheLight(&ZvEmboss::partialLightHardProcess, blockOf,
+                   [&](reference::LightPlanes& planes, auto... sides) {
+                       reference::lightEmboss(planes, plane, 5, 3, LIGHT, sides...);
+                   });
+    plane = randomPlane(random, 0);
+    expectTheLight(&ZvEmboss::partialLightSoftProcess, blockOf,
+                   [&](reference::LightPlanes& planes, auto... sides) {
+                       reference::lightEmboss(planes, plane, inside, 5, 3, LIGHT, sides...);
+                   });
 }
 
 // What the two share: settings, margins, and nothing at all in place of half a picture.
 template <typename Filter, typename Property>
-void expectAFilter(int type, const std::vector<std::array<float, 2>>& margins) {
+void expectAFilter(int type, std::vector<int> margins) {
     Filter filter;
     EXPECT_EQ(filter.getStyle(), type);
     EXPECT_EQ(filter.getProperty(), nullptr);
-    EXPECT_EQ(filter.getOffset(), 0);
     FilterScene scene(2), before(2);
     scene.draw(filter);
-    for (const auto& [size, margin] : margins) {
-        Property property = makeSettings<Property>(1, size, 1, 3);
+    const auto set = [&](int style, float size, int technique) {
+        Property property = makeSettings<Property>(style, size, technique, 3);
         filter.setProperty(&property);
-        EXPECT_EQ(static_cast<float>(filter.getOffset()), margin) << size;
+    };
+    std::vector<int> offsets{filter.getOffset()};
+    for (float size : {0.0f, 0.49999997f, 2.0f, 2.0000002f, 2.5f, -8.0f, ENDLESS, NOT_A_NUMBER}) {
+        set(1, size, 1);
+        offsets.push_back(filter.getOffset());
         EXPECT_EQ(filter.getLeftOffset() + filter.getBottomOffset(), 0);
     }
-    for (float size : {-20.0f, 3e4f, 2147483648.0f, 1e30f, ENDLESS, -ENDLESS}) {
+    EXPECT_EQ(offsets, margins);
+    for (float size : {-20.0f, 1e5f, 2147483648.0f, 1e30f, ENDLESS, -ENDLESS}) {
         for (int technique : {0, 1}) {
-            Property property = makeSettings<Property>(1, size, technique, 0);
-            filter.setProperty(&property);
+            set(1, size, technique);
             scene.draw(filter);
         }
     }
-    for (int soften : {INT_MAX, 30000}) {
-        filter.property->size = NOT_A_NUMBER;  // counts as 0
+    filter.property->size = NOT_A_NUMBER;  // counts as 0
+    for (int soften : {INT_MAX, 30000, INT_MIN}) {
+        EXPECT_TRUE(scene.sameAs(before));
         filter.property->soften = soften;
         scene.draw(filter);
     }
-    EXPECT_TRUE(scene.sameAs(before));
-    filter.property->soften = INT_MIN;
-    scene.draw(filter);
-    EXPECT_FALSE(scene.sameAs(before));
+    EXPECT_FALSE(scene.sameAs(before));  // with none at all
 
     for (const auto& [style, size, technique] : {std::array{1, 2, 1}, {0, 28, 0}, {3, 2, 0}, {3, 28, 0}}) {
-        Property property = makeSettings<Property>(style, static_cast<float>(size), technique, 2);
-        filter.setProperty(&property);
+        set(style, static_cast<float>(size), technique);
         expectNothingWithoutParts(filter);
         expectUntouchedWithoutMemory(filter);
     }
@@ -265,13 +312,11 @@ void expectAFilter(int type, const std::vector<std::array<float, 2>>& margins) {
 }
 
 TEST(Bevel, DrawsAllOrNothing) {
-    expectAFilter<ZvBevel, ZvBevelProperty>(ZV_EFFECT_BEVEL, {{0, 3},
-                                                              {2.4f, 5},
-                                                              {2.5f, 6},
-                                                              {0.49999997f, 3},
-                                                              {-8, -4},
-                                                              {ENDLESS, static_cast<float>(INT_MAX)},
-                                                              {NOT_A_NUMBER, 3}});
+    expectAFilter<ZvBevel, ZvBevelProperty>(ZV_EFFECT_BEVEL, {0, 3, 3, 5, 5, 6, -4, INT_MAX, 3});
+}
+
+TEST(Emboss, DrawsAllOrNothing) {
+    expectAFilter<ZvEmboss, ZvEmbossProperty>(ZV_EFFECT_EMBOSS, {0, 4, 5, 5, 6, 6, 0, INT_MAX, 3});
 }
 
 }  // namespace

@@ -124,9 +124,9 @@ TEST(EffectStack, OnlyTypesWithAClassAreCreated) {
         EXPECT_FALSE(stack.hasEffect(type)) << type;
     }
     EXPECT_EQ(stack.nextEffectId, 0);  // a refusal takes no id
-    for (int type : {ZV_EFFECT_BEVEL, ZV_EFFECT_INNER_GLOW, ZV_EFFECT_INNER_SHADOW, ZV_EFFECT_LINEAR_GRADIENT,
-                     ZV_EFFECT_OUTER_GLOW, ZV_EFFECT_OUTER_SHADOW, ZV_EFFECT_PATTERN,
-                     ZV_EFFECT_RADIAL_GRADIENT, ZV_EFFECT_STROKE, ZV_EFFECT_TEXT}) {
+    for (int type : {ZV_EFFECT_BEVEL, ZV_EFFECT_EMBOSS, ZV_EFFECT_INNER_GLOW, ZV_EFFECT_INNER_SHADOW,
+                     ZV_EFFECT_LINEAR_GRADIENT, ZV_EFFECT_OUTER_GLOW, ZV_EFFECT_OUTER_SHADOW,
+                     ZV_EFFECT_PATTERN, ZV_EFFECT_RADIAL_GRADIENT, ZV_EFFECT_STROKE, ZV_EFFECT_TEXT}) {
         const std::unique_ptr<ZvECore> layer(stack.createEffect(-1, type));
         ASSERT_NE(layer, nullptr);
         EXPECT_EQ(layer->getStyle(), type);

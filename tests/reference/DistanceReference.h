@@ -23,35 +23,31 @@ inline float root(int square) {
 }
 
 // The lower envelope of the parabolas over one line, in single precision.
-inline std::vector<float> squaredDistances(const std::vector<float>& f) {
-    const int n = static_cast<int>(f.size());
-    std::vector<int> v(f.size());
-    std::vector<float> z(f.size() + 1), d;
+inline std::vector<float> squaredDistances(const std::vector<float>& line) {
+    const int n = static_cast<int>(line.size());
+    std::vector<int> vertices(line.size());
+    std::vector<float> bounds(line.size() + 1), d;
+    const float* f = line.data();
+    int* v = vertices.data();
+    float* z = bounds.data();
     const auto square = [](int i) { return static_cast<float>(i * i); };
+    const auto crossing = [&](int p, int q) {
+        return ((f[q] + square(q)) - (f[p] + square(p))) / static_cast<float>(2 * q - 2 * p);
+    };
     int k = 0;
     z[0] = -1e20f;
     z[1] = 1e20f;
     for (int q = 1; q < n; ++q) {
-        const auto crossing = [&] {
-            const int p = v[static_cast<size_t>(k)];
-            return ((f[static_cast<size_t>(q)] + square(q)) - (f[static_cast<size_t>(p)] + square(p))) /
-                   static_cast<float>(2 * q - 2 * p);
-        };
-        float s = crossing();
-        while (s <= z[static_cast<size_t>(k)]) {
-            --k;
-            s = crossing();
-        }
-        ++k;
-        v[static_cast<size_t>(k)] = q;
-        z[static_cast<size_t>(k)] = s;
-        z[static_cast<size_t>(k) + 1] = 1e20f;
+        float s = crossing(v[k], q);
+        while (s <= z[k]) s = crossing(v[--k], q);
+        v[++k] = q;
+        z[k] = s;
+        z[k + 1] = 1e20f;
     }
     k = 0;
     for (int q = 0; q < n; ++q) {
-        while (z[static_cast<size_t>(k) + 1] < static_cast<float>(q)) ++k;
-        const int p = v[static_cast<size_t>(k)];
-        d.push_back(f[static_cast<size_t>(p)] + square(q - p));
+        while (z[k + 1] < static_cast<float>(q)) ++k;
+        d.push_back(f[v[k]] + square(q - v[k]));
     }
     return d;
 }

@@ -16,8 +16,8 @@
 #include "tests/reference/DistanceReference.h"
 #include "tests/reference/GaussianReference.h"
 
-// Bevel and emboss as their definitions read. Of the library only the shade of one slope is used: which of
-// its operations comes first is its definition.
+// Bevel and emboss as their definitions read. Of the library only the shade of one slope is used, of
+// which the order of the operations is the definition, and the mask's pixels beyond its edges.
 namespace reference {
 
 using Bytes = std::vector<uint8_t>;
@@ -32,32 +32,32 @@ struct ReliefArea {
           pad(padding),
           x(param.textRect->left - pad),
           y(param.textRect->top - pad),
-          width(param.textRect->right - param.textRect->left + 2 * pad),
-          height(param.textRect->bottom - param.textRect->top + 2 * pad) {}
+          width(param.textRect->right + pad - x),
+          height(param.textRect->bottom + pad - y) {}
 
-    int coverage(int column, int row) const {
-        const int mx = x + column, my = y + row;
-        const bool in =
-            mx >= 0 && my >= 0 && mx < static_cast<int>(mask.width) && my < static_cast<int>(mask.height);
-        return in ? mask.pixels[my * static_cast<int>(mask.width) + mx] : 0;
+    int coverage(int column, int row) const { return Zvex::coverageAt(mask, x + column, y + row); }
+    // Within the box, or beyond its right and lower edges by up to `more`.
+    bool inBox(int column, int row, int more = 0) const {
+        return column >= pad && column < width - pad + more && row >= pad && row < height - pad + more;
     }
-    bool inBox(int column, int row) const {
-        return column >= pad && column < width - pad && row >= pad && row < height - pad;
+
+    template <typename Value>
+    Distances plane(Value value) const {
+        Distances result(width, height, 0);
+        for (int row = 0; row < height; ++row) {
+            for (int column = 0; column < width; ++column) result.at(column, row) = value(column, row);
+        }
+        return result;
     }
 
     // Squared distances from the pixels of the text (or, not `inside`, of the ground) to the others.
     Distances squaredDistances(bool inside) const {
-        Distances plane(width, height, 0);
-        for (int row = 0; row < height; ++row) {
-            for (int column = 0; column < width; ++column) {
-                const bool sampled =
-                    row >= pad && row <= height - pad && column >= pad && column <= width - pad;
-                const bool text = sampled && coverage(column, row) != 0;
-                plane.at(column, row) = text == inside ? 1e20f : 0;
-            }
-        }
-        reference::squaredDistances(plane);
-        return plane;
+        Distances result = plane([=](int column, int row) {
+            const bool text = inBox(column, row, 1) && coverage(column, row) != 0;
+            return text == inside ? 1e20f : 0;
+        });
+        reference::squaredDistances(result);
+        return result;
     }
 };
 
@@ -68,22 +68,26 @@ inline Zvex::ReliefLight reliefLight(const Zvex::ZvReliefProperty& p, double dep
     return {p.direction == 0 ? -cx : cx, p.direction == 0 ? -sx : sx, sinf(phi), normalZ};
 }
 
-// The two bytes of light of a pixel.
+// The light on one relief.
 struct LightPlanes {
-    int width, height;
+    int width, height, highlightAlpha, shadowAlpha;
     Bytes highlight, shadow, scratch;
 
-    LightPlanes(int w, int h)
-        : width(w), height(h), highlight(static_cast<size_t>(w * h)), shadow(highlight), scratch(highlight) {}
+    LightPlanes(int w, int h, uint32_t highlightByte, uint32_t shadowByte)
+        : width(w),
+          height(h),
+          highlightAlpha(static_cast<int>(highlightByte)),
+          shadowAlpha(static_cast<int>(shadowByte)),
+          highlight(static_cast<size_t>(w * h)),
+          shadow(highlight),
+          scratch(highlight) {}
 
     static uint8_t product(int coverage, int factor) {
         const int v = coverage * factor;
         return static_cast<uint8_t>(v >= 65536 ? 255 : v < 0 ? 0 : v >> 8);
     }
-    void set(int x, int y, float coverage, int highlightLevel, int highlightAlpha, int shadowLevel,
-             int shadowAlpha) {
-        const float unit = std::min(std::max(coverage, 0.0f), 1.0f);
-        const int v = static_cast<int>(unit * 255 + 0.5);
+    void set(int x, int y, float coverage, int highlightLevel, int shadowLevel) {
+        const int v = static_cast<int>(std::min(std::max(coverage, 0.0f), 1.0f) * 255 + 0.5);
         const size_t at = static_cast<size_t>(y * width + x);
         highlight[at] = product(v, (highlightLevel * highlightAlpha >> 8) + 1);
         shadow[at] = product(v, (shadowLevel * shadowAlpha >> 8) + 1);
@@ -110,26 +114,55 @@ struct LightPlanes {
     }
 };
 
-// The bevel's light on one rectangle of the plane.
-struct BevelLight {
-    int radius, highlightAlpha, shadowAlpha;
-    bool inner;
-
-    void draw(Distances& d, const Zvex::ReliefLight& light, LightPlanes& planes, int xBegin, int xEnd,
-              int yBegin, int yEnd) const {
-        for (int y = yBegin; y < yEnd; ++y) {
-            for (int x = xBegin; x < xEnd; ++x) {
-                if (d.at(x, y) == static_cast<float>(radius)) continue;
-                const float gx = (d.at(x - 1, y) - d.at(x + 1, y)) * 0.5f;
-                const float gy = (d.at(x, y - 1) - d.at(x, y + 1)) * 0.5f;
-                float shade = light.shade(gx, gy);
-                if (!inner) shade = static_cast<float>(255 - static_cast<int>(shade));
-                planes.set(x, y, static_cast<float>(radius) - d.at(x, y), static_cast<int>(shade + 1.0),
-                           highlightAlpha, 256 - static_cast<int>(shade), shadowAlpha);
-            }
+// Calls visit(x, y, height, gx, gy) for a rectangle of a plane of heights.
+template <typename Visit>
+void forSlopes(Distances& d, int xBegin, int xEnd, int yBegin, int yEnd, Visit visit) {
+    for (int y = yBegin; y < yEnd; ++y) {
+        for (int x = xBegin; x < xEnd; ++x) {
+            visit(x, y, d.at(x, y), (d.at(x - 1, y) - d.at(x + 1, y)) * 0.5f,
+                  (d.at(x, y - 1) - d.at(x, y + 1)) * 0.5f);
         }
     }
-};
+}
+
+// The light on a rectangle: its columns and its rows, each from the first to beyond the last.
+template <typename... Sides>
+void lightBevel(LightPlanes& planes, Distances& distances, float radius, bool inner,
+                const Zvex::ReliefLight& light, Sides... sides) {
+    forSlopes(distances, sides..., [&](int x, int y, float d, float gx, float gy) {
+        if (d == radius) return;
+        float shade = light.shade(gx, gy);
+        if (!inner) shade = static_cast<float>(255 - static_cast<int>(shade));
+        planes.set(x, y, radius - d, static_cast<int>(shade + 1.0), 256 - static_cast<int>(shade));
+    });
+}
+
+// On one plane of signed heights.
+template <typename... Sides>
+void lightEmboss(LightPlanes& planes, Distances& heights, float outer, float inner,
+                 const Zvex::ReliefLight& light, Sides... sides) {
+    forSlopes(heights, sides..., [&](int x, int y, float d, float gx, float gy) {
+        if (d == outer) return;
+        const int shade = static_cast<int>(light.shade(gx, gy));
+        planes.set(x, y, d > 0 ? outer - d : d + inner - 1, 256 - shade, shade + 1);
+    });
+}
+
+// On two planes of distances.
+template <typename... Sides>
+void lightEmboss(LightPlanes& planes, Distances& outside, Distances& inside, float outer, float inner,
+                 const Zvex::ReliefLight& light, Sides... sides) {
+    forSlopes(outside, sides..., [&](int x, int y, float d, float gx, float gy) {
+        if (d == 0 || d >= outer) return;
+        const int shade = static_cast<int>(light.shade(gx, gy));
+        planes.set(x, y, outer - d, 256 - shade, shade + 1);
+    });
+    forSlopes(inside, sides..., [&](int x, int y, float d, float gx, float gy) {
+        if (d == 0 || d >= inner) return;
+        const int shade = static_cast<int>(light.oppositeShade(gx, gy));
+        planes.set(x, y, inner - d, shade + 1, 256 - shade);
+    });
+}
 
 inline void drawBevel(const Zvex::ZvECore::ParamPostProcessing& param, const Zvex::ZvBevelProperty& p) {
     const int size = static_cast<int>(p.size);
@@ -139,26 +172,22 @@ inline void drawBevel(const Zvex::ZvECore::ParamPostProcessing& param, const Zve
     const ReliefArea area(param, std::max(2 * p.soften, 2 * blur) + radius);
     if (area.pad < 0 || area.width < 1 || area.height < 1) return;
 
-    Distances d(area.width, area.height, inner ? 0.0f : static_cast<float>(radius));
+    const float r = static_cast<float>(radius);
+    Distances d = area.plane([&](int x, int y) {
+        if (!area.inBox(x, y)) return inner ? 0.0f : r;
+        const float c =
+            static_cast<float>((inner ? 255 - area.coverage(x, y) : area.coverage(x, y)) / 254.99);
+        return c <= 0.001 ? r : c < 1 ? 1 - c : 0;
+    });
     if (soft && radius >= 11) {
         d = area.squaredDistances(inner);
-        for (float& v : d.values)
-            v = v <= 0 ? 0 : v > static_cast<float>(radius * radius) ? static_cast<float>(radius) : sqrtf(v);
+        for (float& v : d.values) v = v <= 0 ? 0 : v > r * r ? r : sqrtf(v);
     } else {
-        for (int y = 0; y < area.height; ++y) {
-            for (int x = 0; x < area.width; ++x) {
-                if (!area.inBox(x, y)) continue;
-                const int m = area.coverage(x, y);
-                const float c = static_cast<float>((inner ? 255 - m : m) / 254.99);
-                d.at(x, y) = c <= 0.001 ? static_cast<float>(radius) : c < 1 ? 1 - c : 0;
-            }
-        }
         searchNearest(d, radius, 0, area.height);
     }
 
-    LightPlanes planes(area.width, area.height);
-    BevelLight{radius, static_cast<int>(p.highlightColor >> 24), static_cast<int>(p.shadowColor >> 24), inner}
-        .draw(d, reliefLight(p, 0.1), planes, 1, area.width - 1, 1, area.height - 1);
+    LightPlanes planes(area.width, area.height, p.highlightColor >> 24, p.shadowColor >> 24);
+    lightBevel(planes, d, r, inner, reliefLight(p, 0.1), 1, area.width - 1, 1, area.height - 1);
     if (soft) planes.blur(blur);
     if (p.soften >= 1) planes.blur(p.soften);
     std::vector<uint32_t> picture;
@@ -166,6 +195,69 @@ inline void drawBevel(const Zvex::ZvECore::ParamPostProcessing& param, const Zve
         picture.push_back(planes.color(i, soft ? 1.83f : 1, p));
     drawBitmapBlend32(area.x, area.y, param.target, picture.data(), area.width, area.height, area.width,
                       param.layerMode == 1 ? 1 : 2);
+}
+
+inline void drawEmboss(const Zvex::ZvECore::ParamPostProcessing& param, const Zvex::ZvEmbossProperty& p) {
+    const int size = static_cast<int>(p.size);
+    const bool soft = p.technique == 0, exact = soft && size > 25;
+    const auto ceiling = [](double value) { return static_cast<int>(std::ceil(value)); };
+    const int blur = soft ? ceiling(size * 0.5 + 1.0) : 0;
+    const int outer = soft ? ceiling(size * 0.25 + 1.0) : ceiling(size * 0.5 + 3.0);
+    const int inner = soft ? outer : ceiling(size * 0.5 + 1.0);
+    const ReliefArea area(param, std::max(2 * blur, 2 * p.soften) + outer);
+    if (area.pad < 0 || area.width < 1 || area.height < 1) return;
+
+    const float ro = static_cast<float>(outer), ri = static_cast<float>(inner);
+    Distances within = area.squaredDistances(true), d = area.plane([&](int x, int y) {
+        const float c = static_cast<float>(area.inBox(x, y) ? area.coverage(x, y) / 254.999 : 0);
+        return c < 0.001 ? ro : c >= 1 ? 1 - ri : 1 - c;
+    });
+    if (exact) {
+        d = area.squaredDistances(false);
+        for (float& v : d.values) v = sqrtf(v);
+        for (float& v : within.values) v = sqrtf(v);
+    } else {
+        searchOutward(d, outer, 1, area.height);
+        searchInward(d, inner, 1, area.height);
+    }
+
+    Zvex::ReliefLight light = reliefLight(p, 0.2);
+    std::vector<LightPlanes> passes;
+    for (int pass = 0; pass < (p.style == 3 ? 2 : 1); ++pass) {
+        LightPlanes planes(area.width, area.height, p.highlightColor >> 24, p.shadowColor >> 24);
+        if (exact) {
+            lightEmboss(planes, d, within, ro, ri, light, 1, area.width - 1, 1, area.height - 1);
+        } else {
+            lightEmboss(planes, d, ro, ri, light, 1, area.width - 1, 1, area.height - 1);
+        }
+        if (soft) planes.blur(blur);
+        if (p.soften >= 1) planes.blur(p.soften);
+        passes.push_back(planes);
+        light.x = -light.x;
+        light.y = -light.y;
+    }
+
+    const float gain = soft ? 2.03f : 1;
+    std::vector<uint32_t> picture;
+    for (int i = 0; i < area.width * area.height; ++i) {
+        uint32_t pixel = passes[0].color(static_cast<size_t>(i), gain, p);
+        if (passes.size() == 2) {
+            const int x = i % area.width, y = i / area.width;
+            const uint32_t behind = passes[1].color(static_cast<size_t>(i), gain, p), front = pixel;
+            const uint32_t k = area.inBox(x, y) ? 255 - static_cast<uint32_t>(area.coverage(x, y)) : 255;
+            pixel = 0;
+            for (int shift = 0; shift < 32; shift += 8) {
+                const uint32_t c1 = front >> shift & 255, c2 = (behind >> shift & 255) * k >> 8;
+                pixel |= std::min(c1 + (c2 * (255 - (front >> 24)) >> 8), 255u) << shift;
+            }
+        }
+        picture.push_back(pixel);
+    }
+    for (const Zvex::ZvBitmap* target : {param.target, param.otherLayer}) {
+        if (target == nullptr) continue;
+        drawBitmapBlend32(area.x, area.y, target, picture.data(), area.width, area.height, area.width,
+                          param.layerMode == 1 ? 2 : 1);
+    }
 }
 
 }  // namespace reference

@@ -1,0 +1,296 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// An emboss: the signed distance to the glyph edge, from the inner to the outer radius, is the height of a
+// relief that falls towards the text; see Relief.h for what is made of it. Wide soft slopes take their
+// distances from the exact transform, in two planes, all others search windows of one signed plane:
+//
+//     1 - inner radius ... 0 | 0 ... 1 on partly covered pixels | 1 ... outer radius
+//              glyphs                                                   ground
+
+#include "effect/filters/ZvEmboss.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+
+#include "effect/filters/Distance.h"
+#include "raster/ZvBlender.h"
+
+namespace Zvex {
+
+namespace {
+
+constexpr double DEPTH_FLOOR = 0.2;
+constexpr float SOFT_GAIN = 2.03f;
+constexpr int LAST_WINDOWED_SIZE = 25;  // of soft slopes
+constexpr int STYLE_DOUBLE = 3;
+
+// Sizes in pixels. They are within the ints once the working area is.
+struct Widths {
+    bool soft, exact;
+    int64_t outer, inner;  // radii of the slope
+    int64_t blur;          // of the soft technique
+    int64_t margin;
+
+    explicit Widths(const ZvReliefProperty& property) {
+        const int size = truncateToInt(property.size);
+        const auto ceiling = [](double value) { return static_cast<int64_t>(std::ceil(value)); };
+        soft = property.technique == 0;
+        exact = soft && size > LAST_WINDOWED_SIZE;
+        outer = soft ? ceiling(size * 0.25 + 1.0) : ceiling(size * 0.5 + 3.0);
+        inner = soft ? outer : ceiling(size * 0.5 + 1.0);
+        blur = soft ? ceiling(size * 0.5 + 1.0) : 0;
+        margin = reliefMargin(outer, blur, property.soften);
+    }
+};
+
+// The heights of the relief: one signed plane, or one for each side of the edge.
+struct Heights {
+    Buffer<float> outside, inside;
+
+    bool measure(const Widths& widths, const WorkingArea& area, const ZvBitmap& mask) {
+        if (!outside.allocate(area.height, area.width)) return false;
+        if (!widths.exact) return measureWithFractions(widths, area, mask);
+        return inside.allocate(area.height, area.width) && measureExactly(outside.get(), area, mask, false) &&
+               measureExactly(inside.get(), area, mask, true);
+    }
+
+private:
+    static bool measureExactly(float* plane, const WorkingArea& area, const ZvBitmap& mask, bool within) {
+        if (!squaredEdgeDistances(plane, area, mask, within)) return false;
+        for (size_t i = 0; i < area.pixels(); ++i) plane[i] = std::sqrt(plane[i]);
+        return true;
+    }
+
+    bool measureWithFractions(const Widths& widths, const WorkingArea& area, const ZvBitmap& mask) {
+        const int outer = static_cast<int>(widths.outer), inner = static_cast<int>(widths.inner);
+        float ramp[256];
+        for (int coverage = 0; coverage < 256; ++coverage) {
+            const float unit = static_cast<float>(coverage / 254.999);
+            ramp[coverage] = unit < 0.001   ? static_cast<float>(outer)
+                             : unit >= 1.0f ? 1.0f - static_cast<float>(inner)
+                                            : 1.0f - unit;
+        }
+        fillFromCoverage(outside.get(), area, mask, static_cast<float>(outer), ramp);
+        // The first row keeps what it is.
+        return searchOutward({outside.get(), area.height, area.width, outer, 1, area.height}) &&
+               searchInward({outside.get(), area.height, area.width, inner, 1, area.height});
+    }
+};
+
+// The light on the relief, and for a second relief that from the opposite side.
+void lightSlopes(ReliefPlanes* planes, int count, const Heights& heights, const ZvEmbossProperty& property,
+                 const Widths& widths, const WorkingArea& area) {
+    ReliefLight light = ReliefLight::make(property, DEPTH_FLOOR);
+    for (int i = 0; i < count; ++i) {
+        ZvEmboss::LightJob job;
+        job.highlight = planes[i].highlight.get();
+        job.shadow = planes[i].shadow.get();
+        job.distance = heights.outside.get();
+        job.insideDistance = heights.inside.get();
+        job.width = area.width;
+        job.outerRadius = static_cast<int>(widths.outer);
+        job.innerRadius = static_cast<int>(widths.inner);
+        job.normalZ = light.normalZ;
+        job.lightX = i == 0 ? light.x : -light.x;
+        job.lightY = i == 0 ? light.y : -light.y;
+        job.lightZ = light.z;
+        job.highlightAlpha = static_cast<int>(property.highlightColor >> 24);
+        job.shadowAlpha = static_cast<int>(property.shadowColor >> 24);
+        job.xBegin = job.yBegin = 1;
+        job.xEnd = area.width - 1;
+        job.yEnd = area.height - 1;
+        if (widths.exact) {
+            ZvEmboss::partialLightSoftProcess(&job);
+        } else {
+            ZvEmboss::partialLightHardProcess(&job);
+        }
+    }
+}
+
+// A pixel scaled by a byte, and a premultiplied pixel over another; saturating.
+uint32_t scaledPixel(uint32_t pixel, uint32_t weight) {
+    uint32_t result = 0;
+    for (int shift = 0; shift < 32; shift += 8)
+        result |= ((((pixel >> shift) & 0xFF) * weight) >> 8) << shift;
+    return result;
+}
+
+uint32_t pixelOver(uint32_t front, uint32_t behind) {
+    const uint32_t open = 255 - (front >> 24);
+    uint32_t result = 0;
+    for (int shift = 0; shift < 32; shift += 8) {
+        const uint32_t sum = ((front >> shift) & 0xFF) + ((((behind >> shift) & 0xFF) * open) >> 8);
+        result |= std::min<uint32_t>(sum, 255) << shift;
+    }
+    return result;
+}
+
+// Slides the second relief behind the first one, fading out where the glyphs are.
+void addSecondRelief(uint32_t* picture, const ReliefPlanes& second, const ReliefColors& colors,
+                     const WorkingArea& area, const ZvBitmap& mask) {
+    for (int y = 0; y < area.height; ++y) {
+        const bool inRows = y >= area.margin && y < area.height - area.margin;
+        for (int x = 0; x < area.width; ++x) {
+            const bool inBox = inRows && x >= area.margin && x < area.width - area.margin;
+            const uint32_t coverage = inBox ? coverageAt(mask, int64_t{area.x} + x, int64_t{area.y} + y) : 0;
+            const size_t at = area.row(y) + static_cast<size_t>(x);
+            const uint32_t behind = colors.pixel(second.highlight[at], second.shadow[at]);
+            picture[at] = pixelOver(picture[at], scaledPixel(behind, 255 - coverage));
+        }
+    }
+}
+
+// One pixel of light, of a coverage yet to be cut to 0 to 1 and of levels from 1 to 256.
+void storeLight(const ZvEmboss::LightJob& p, ptrdiff_t at, float coverage, int highlightLevel,
+                int shadowLevel) {
+    const int byte = reliefCoverage(coverage);
+    p.highlight[at] = lightByte(byte, highlightLevel, p.highlightAlpha);
+    p.shadow[at] = lightByte(byte, shadowLevel, p.shadowAlpha);
+}
+
+// Calls visit(position, distance, gx, gy) for the pixels of the job's columns in a row of one of its planes.
+template <typename Visit>
+void forRow(const ZvEmboss::LightJob& p, const float* plane, int y, Visit visit) {
+    for (int x = p.xBegin; x < p.xEnd; ++x) {
+        const ptrdiff_t at = ptrdiff_t{y} * p.width + x;
+        const float* pixel = plane + at;
+        visit(at, *pixel, slope(pixel[-1], pixel[1]), slope(pixel[-ptrdiff_t{p.width}], pixel[p.width]));
+    }
+}
+
+}  // namespace
+
+ZvEmboss::ZvEmboss() {
+    style = ZV_EFFECT_EMBOSS;
+}
+
+ZvEmboss::~ZvEmboss() {
+    delete property;
+}
+
+int ZvEmboss::doPostProcessing(ParamPostProcessing* param) {
+    if (property == nullptr || !isDrawable(param)) return 0;
+    const Widths widths(*property);
+    WorkingArea area;
+    if (!area.grow(*param->textRect, widths.margin)) return 0;
+
+    const int count = property->style == STYLE_DOUBLE ? 2 : 1;
+    ReliefPlanes planes[2];
+    for (int i = 0; i < count; ++i) {
+        if (!planes[i].allocate(area)) return 0;
+    }
+    {
+        Heights heights;
+        if (!heights.measure(widths, area, *param->mask)) return 0;
+        lightSlopes(planes, count, heights, *property, widths, area);
+    }
+    Buffer<uint8_t> scratch;
+    if (!scratch.allocateZeroed(area.height, area.width)) return 0;
+    for (int i = 0; i < count; ++i) {
+        if (widths.soft && !planes[i].blur(scratch, area, static_cast<int>(widths.blur))) return 0;
+        if (property->soften >= 1 && !planes[i].blur(scratch, area, property->soften)) return 0;
+    }
+
+    Buffer<uint32_t> picture;
+    if (!picture.allocate(area.height, area.width)) return 0;
+    const ReliefColors colors = {widths.soft ? SOFT_GAIN : 1.0f, property->highlightColor,
+                                 property->shadowColor};
+    for (size_t i = 0; i < area.pixels(); ++i)
+        picture[i] = colors.pixel(planes[0].highlight[i], planes[0].shadow[i]);
+    if (count == 2) addSecondRelief(picture.get(), planes[1], colors, area, *param->mask);
+    // The other way round than the bevel.
+    const int mode = param->layerMode == 1 ? ZVE_BLEND_DST_OVER : ZVE_BLEND_SRC_OVER;
+    for (ZvBitmap* target : {param->target, param->otherLayer}) {
+        ZvBlender::drawBitmapBlend32(area.x, area.y, target, picture.get(), area.width, area.height,
+                                     area.width, mode);
+    }
+    return 0;
+}
+
+void ZvEmboss::setProperty(ZvProperty* newProperty) {
+    if (newProperty == nullptr) return;
+    ZvEmbossProperty* copy = newReliefProperty<ZvEmbossProperty>(newProperty);
+    if (copy == nullptr) return;
+    delete property;
+    property = copy;
+}
+
+ZvProperty* ZvEmboss::getProperty() {
+    return property;
+}
+
+int ZvEmboss::getOffset() {
+    if (property == nullptr) return 0;
+    return clampToInt(int64_t{truncateToInt(std::ceil(property->size * 0.5 + 1.0))} +
+                      truncateToInt(static_cast<float>(property->soften) + 0.5));
+}
+
+int ZvEmboss::partialBlur(void* job) {
+    if (job != nullptr) blurRelief(*static_cast<const BlurJob*>(job));
+    return 0;
+}
+
+int ZvEmboss::partialOutDT(void* job) {
+    if (job == nullptr) return 0;
+    const DistanceJob& p = *static_cast<const DistanceJob*>(job);
+    searchOutward({p.distance, p.height, p.width, p.outerRadius, p.rowBegin, p.rowEnd});
+    return 0;
+}
+
+int ZvEmboss::partialInDT(void* job) {
+    if (job == nullptr) return 0;
+    const DistanceJob& p = *static_cast<const DistanceJob*>(job);
+    searchInward({p.distance, p.height, p.width, p.innerRadius, p.rowBegin, p.rowEnd});
+    return 0;
+}
+
+int ZvEmboss::partialLightSoftProcess(void* job) {
+    if (job == nullptr) return 0;
+    const LightJob& p = *static_cast<const LightJob*>(job);
+    if (p.highlight == nullptr || p.shadow == nullptr || p.distance == nullptr || p.insideDistance == nullptr)
+        return 0;
+    const ReliefLight light = {p.lightX, p.lightY, p.lightZ, p.normalZ};
+    const float outer = static_cast<float>(p.outerRadius), inner = static_cast<float>(p.innerRadius);
+    for (int y = p.yBegin; y < p.yEnd; ++y) {
+        forRow(p, p.distance, y, [&](ptrdiff_t at, float distance, float gx, float gy) {
+            if (distance == 0.0f || !(distance < outer)) return;
+            const int shade = truncateToInt(light.shade(gx, gy));
+            storeLight(p, at, outer - distance, 256 - shade, shade + 1);
+        });
+        forRow(p, p.insideDistance, y, [&](ptrdiff_t at, float distance, float gx, float gy) {
+            if (distance == 0.0f || !(distance < inner)) return;
+            const int shade = truncateToInt(light.oppositeShade(gx, gy));
+            storeLight(p, at, inner - distance, shade + 1, 256 - shade);
+        });
+    }
+    return 0;
+}
+
+int ZvEmboss::partialLightHardProcess(void* job) {
+    if (job == nullptr) return 0;
+    const LightJob& p = *static_cast<const LightJob*>(job);
+    if (p.highlight == nullptr || p.shadow == nullptr || p.distance == nullptr) return 0;
+    const ReliefLight light = {p.lightX, p.lightY, p.lightZ, p.normalZ};
+    const float outer = static_cast<float>(p.outerRadius), inner = static_cast<float>(p.innerRadius);
+    for (int y = p.yBegin; y < p.yEnd; ++y) {
+        forRow(p, p.distance, y, [&](ptrdiff_t at, float distance, float gx, float gy) {
+            if (distance == outer) return;
+            const int shade = truncateToInt(light.shade(gx, gy));
+            const float coverage = distance > 0.0f ? outer - distance : distance + inner - 1.0f;
+            storeLight(p, at, coverage, 256 - shade, shade + 1);
+        });
+    }
+    return 0;
+}
+
+void ZvEmboss::blur(unsigned char* src, unsigned char* dst, int radius, int height, int width) {
+    blurRelief(src, dst, radius, height, width);
+}
+
+void ZvEmboss::dt1D(float* out, float* in, int n) {
+    squaredDistances(out, in, n);
+}
+
+}  // namespace Zvex
