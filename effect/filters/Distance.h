@@ -48,8 +48,9 @@ bool searchOutward(const DistanceSearch& search);
 
 // Every pixel below 0 becomes the largest of itself and, over the pixels of value above 1 in its window, of
 // that value less the distance there. In place, row by row and from left to right: a pixel that rises above 1
-// counts for those after it. After searchOutward over the same rows none does, and rows can be split anyhow;
-// otherwise only into ranges done in order. Costs one window for each pixel below 0.
+// counts for those after it, and rows can be split only into ranges done in order. Once searchOutward, with
+// this radius or a larger one, has been over all rows that the windows reach, nothing rises above 0, and the
+// order is free. Costs one window for each pixel below 0.
 bool searchInward(const DistanceSearch& search);
 
 }  // namespace Zvex

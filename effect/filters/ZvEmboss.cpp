@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// An emboss: the signed distance to the glyph edge, from the inner to the outer radius, is the height of a
-// relief that falls towards the text; see Relief.h for what is made of it. Wide soft slopes take their
+// An emboss: a relief as deep as the signed distance to the glyph edge, from the inner radius within the
+// glyphs to the outer one around them; see Relief.h for what is made of it. Wide soft slopes take their
 // distances from the exact transform, in two planes, all others search windows of one signed plane:
 //
 //     1 - inner radius ... 0 | 0 ... 1 on partly covered pixels | 1 ... outer radius
@@ -22,7 +22,7 @@ namespace Zvex {
 namespace {
 
 constexpr double DEPTH_FLOOR = 0.2;
-constexpr float SOFT_GAIN = 2.03f;
+constexpr float SOFT_GAIN = 2.03f;      // a float: a light of 100 becomes 203, with a double 202
 constexpr int LAST_WINDOWED_SIZE = 25;  // of soft slopes
 constexpr int STYLE_DOUBLE = 3;
 
@@ -45,8 +45,8 @@ struct Widths {
     }
 };
 
-// The heights of the relief: one signed plane, or one for each side of the edge.
-struct Heights {
+// The distances that make the relief: one signed plane, or one for each side of the edge.
+struct Depths {
     Buffer<float> outside, inside;
 
     bool measure(const Widths& widths, const WorkingArea& area, const ZvBitmap& mask) {
@@ -73,22 +73,23 @@ private:
                                             : 1.0f - unit;
         }
         fillFromCoverage(outside.get(), area, mask, static_cast<float>(outer), ramp);
-        // The first row keeps what it is.
+        // The first row keeps what it is. No glyph is near it, so nothing depends on the order of the inward
+        // search: all that an inner pixel can see has been measured from that pixel, too.
         return searchOutward({outside.get(), area.height, area.width, outer, 1, area.height}) &&
                searchInward({outside.get(), area.height, area.width, inner, 1, area.height});
     }
 };
 
 // The light on the relief, and for a second relief that from the opposite side.
-void lightSlopes(ReliefPlanes* planes, int count, const Heights& heights, const ZvEmbossProperty& property,
+void lightSlopes(ReliefPlanes* planes, int count, const Depths& depths, const ZvEmbossProperty& property,
                  const Widths& widths, const WorkingArea& area) {
     ReliefLight light = ReliefLight::make(property, DEPTH_FLOOR);
     for (int i = 0; i < count; ++i) {
         ZvEmboss::LightJob job;
         job.highlight = planes[i].highlight.get();
         job.shadow = planes[i].shadow.get();
-        job.distance = heights.outside.get();
-        job.insideDistance = heights.inside.get();
+        job.distance = depths.outside.get();
+        job.insideDistance = depths.inside.get();
         job.width = area.width;
         job.outerRadius = static_cast<int>(widths.outer);
         job.innerRadius = static_cast<int>(widths.inner);
@@ -182,9 +183,9 @@ int ZvEmboss::doPostProcessing(ParamPostProcessing* param) {
         if (!planes[i].allocate(area)) return 0;
     }
     {
-        Heights heights;
-        if (!heights.measure(widths, area, *param->mask)) return 0;
-        lightSlopes(planes, count, heights, *property, widths, area);
+        Depths depths;
+        if (!depths.measure(widths, area, *param->mask)) return 0;
+        lightSlopes(planes, count, depths, *property, widths, area);
     }
     Buffer<uint8_t> scratch;
     if (!scratch.allocateZeroed(area.height, area.width)) return 0;

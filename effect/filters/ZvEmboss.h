@@ -21,8 +21,8 @@ public:
 
     using BlurJob = ReliefBlurJob;
 
-    // A plane of heights to complete: the outer radius on the ground, 1 less the inner radius within the
-    // glyphs, 0 to 1 on partly covered pixels. Rows packed.
+    // A plane of signed distances to complete: the outer radius on the ground, 1 less the inner radius within
+    // the glyphs, 0 to 1 on partly covered pixels. Rows packed.
     struct DistanceJob {
         float* distance = nullptr;
         int height = 0, width = 0;
@@ -34,7 +34,7 @@ public:
     struct LightJob {
         unsigned char* highlight = nullptr;  // results, coverage of the light and of the dark colour
         unsigned char* shadow = nullptr;
-        float* distance = nullptr;        // the signed heights; of two planes the distances around the glyphs
+        float* distance = nullptr;        // signed; of two planes that of the distances around the glyphs
         float* insideDistance = nullptr;  // the distances within the glyphs; null where there is one plane
         int width = 0;
         int outerRadius = 0, innerRadius = 0;                   // the distances at which the slope ends
@@ -70,7 +70,7 @@ public:
     // A LightJob with two planes: writes both results at every pixel whose distance around or within the
     // glyphs is above 0 and below the radius there; where both are, the inner one counts.
     static int partialLightSoftProcess(void* job);
-    // A LightJob with one plane: writes both results at every pixel whose height is not the outer radius.
+    // A LightJob with one plane: writes both results at every pixel whose distance is not the outer radius.
     static int partialLightHardProcess(void* job);
 
     // Blurs a plane but for a border of `radius` pixels.

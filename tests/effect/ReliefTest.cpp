@@ -110,6 +110,7 @@ TEST(Relief, ArithmeticIsThatOfTheDefinition) {
         }
     }
     EXPECT_EQ(reliefCoverage(0.0019607842f), 0);  // 0.49999997 and a half, which no float holds
+    EXPECT_EQ((ReliefColors{2.03f, 0, 0}.pixel(100, 0) >> 24), 203u);
     for (int alpha : {-INT_MAX, -1000, 255, 1000, INT_MAX})
         EXPECT_EQ(lightByte(255, 256, alpha), alpha < 0 ? 0 : 255) << alpha;
 }
@@ -238,15 +239,15 @@ TEST(Emboss, WorkersTakeBlocksAndAnyPartOfTheRows) {
     Random random(4);
     reference::Distances plane = randomPlane(random, -2), expected(plane), inside = randomPlane(random, 0);
     const auto search = [&](int (*worker)(void*)) {
-        for (int rowBegin : {13, 1, 7}) {
-            EmbossDistanceBlock block = {plane.values.data(), HEIGHT, WIDTH, 1, 3, rowBegin, rowBegin + 6};
+        for (int rowBegin : {12, 0, 6}) {
+            EmbossDistanceBlock block = {plane.values.data(), HEIGHT, WIDTH, 3, 1, rowBegin, rowBegin + 6};
             EXPECT_EQ(worker(&block) + worker(nullptr), 0);
         }
         EXPECT_EQ(plane.values, expected.values);
     };
-    reference::searchOutward(expected, 1, 1, HEIGHT);
+    reference::searchOutward(expected, 3, 0, HEIGHT);
     search(&ZvEmboss::partialOutDT);
-    reference::searchInward(expected, 3, 1, HEIGHT);
+    reference::searchInward(expected, 1, 0, HEIGHT);
     search(&ZvEmboss::partialInDT);
 
     plane = randomPlane(random, -2);
