@@ -43,10 +43,10 @@ TEST(Effects, ReadUnitsShortFormsAndDefaults) {
         {"pattern", "opacity=0,file=x=y.png", "file=x=y.png,scale=1,opacity=0"},
         {"bevel", "style=outer,technique=hard,direction=down,soften=16,highlight=#f00,shadow=#00f@5%",
          "style=outer,technique=hard,direction=down,size=8px,depth=1,angle=135deg,altitude=30deg,"
-         "soften=16px,highlight=#ff0000@0.75,shadow=#0000ff@0.05,opacity=1"},
+         "soften=16px,highlight=#ff0000@0.5,shadow=#0000ff@0.05,opacity=1"},
         {"emboss", "style=double,altitude=89deg,depth=10",
          "style=double,technique=soft,direction=up,size=8px,depth=10,angle=135deg,altitude=89deg,"
-         "soften=0px,highlight=#ffffff@0.75,shadow=#000000@0.75,opacity=1"},
+         "soften=0px,highlight=#ffffff@0.5,shadow=#000000@0.5,opacity=1"},
     };
     for (const auto& [kind, text, expected] : cases) {
         EXPECT_EQ(spelled(parse(kind, text)), expected) << kind << " " << text;

@@ -78,7 +78,7 @@ struct BevelSettings {
     double depth = 1;
     double angle = 135, altitude = 30;  // of the light
     double soften = 0;
-    Tint highlight = {0xFFFFFFFF, 0.75}, shadow = {0xFF000000, 0.75};
+    Tint highlight = {0xFFFFFFFF, 0.5}, shadow = {0xFF000000, 0.5};
     double opacity = 1;
 };
 
@@ -90,7 +90,7 @@ struct EmbossSettings {
     double depth = 1;
     double angle = 135, altitude = 30;
     double soften = 0;
-    Tint highlight = {0xFFFFFFFF, 0.75}, shadow = {0xFF000000, 0.75};
+    Tint highlight = {0xFFFFFFFF, 0.5}, shadow = {0xFF000000, 0.5};
     double opacity = 1;
 };
 

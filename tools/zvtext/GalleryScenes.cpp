@@ -309,7 +309,7 @@ GalleryGroup bevel() {
               kLight,
               kSans,
               "Bevel",
-              {"--color", "#6a4c93", "--bevel", "technique=hard,size=16,depth=8,angle=120,altitude=60"}}}};
+              {"--color", "#6a4c93", "--bevel", "technique=hard,size=16,depth=5,angle=120,altitude=50"}}}};
 }
 
 GalleryGroup emboss() {
