@@ -27,13 +27,13 @@ protected:
 };
 
 TEST_F(GalleryCommand, CaptionsMakeTheirPicturesAgain) {
-    const Result result =
-        run({"gallery", file("gallery"), "--only", "stroke", "--only", "pattern", "--only", "outer-shadow"});
+    const Result result = run({"gallery", file("gallery"), "--only", "stroke", "--only", "pattern", "--only",
+                               "styles", "--only", "picture"});
     ASSERT_EQ(result.status, 0) << result.err;
     const std::string page = slurp(file("gallery/index.html"));
     const std::vector<std::string> pictures = between(page, "<img src=\"", "\"");
     const std::vector<std::string> commands = between(page, "<code>", "</code>");
-    EXPECT_GT(pictures.size(), 15u);
+    EXPECT_GT(pictures.size(), 20u);
     ASSERT_EQ(pictures.size(), commands.size());
     EXPECT_EQ(result.out,
               file("gallery/index.html").string() + ": " + std::to_string(pictures.size()) + " pictures\n");

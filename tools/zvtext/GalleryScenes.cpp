@@ -101,12 +101,12 @@ GalleryGroup outerGlow() {
               "Glow",
               {"--color", "#0e2a47", "--outer-glow", "size=6,color=#6fd3ff,opacity=100%"}},
              {"outer-glow-stops",
-              "Stops: white, magenta, blue",
+              "Stops: yellow, magenta, blue",
               kDark,
               kSans,
               "Glow",
               {"--color", "#ffffff", "--outer-glow",
-               "size=40,opacity=100%,stops=#ffffff@0:#ff30c0@35:#2030ff@100"}},
+               "size=40,opacity=100%,stops=#ffe066@0:#ff30c0@45:#2030ff@100"}},
              {"outer-glow-rings",
               "Stops close together make rings",
               kDark,
@@ -366,7 +366,7 @@ GalleryGroup picture() {
               "Lines on a background",
               kLight,
               kSerif,
-              "Two lines\non a ground",
+              "It's two lines\non a ground",
               {"--size", "56", "--color", "#ffffff", "--background", "#264653", "--align", "center",
                "--outer-shadow", "angle=120,distance=4,size=4,opacity=70%"}},
              {"picture-spacing",
@@ -381,7 +381,7 @@ GalleryGroup picture() {
 // One effect that shows every edge on scripts that join, stack and carry marks.
 GalleryGroup scripts() {
     const std::vector<std::string> look = {"--color",        "#ffd166",
-                                           "--outer-shadow", "angle=120,distance=6,size=8,opacity=55%",
+                                           "--outer-shadow", "angle=120,distance=12,size=8,opacity=55%",
                                            "--stroke",       "5:#1d3557"};
     const std::vector<std::string> relief = {"--color",        "#3a86a8",
                                              "--outer-shadow", "angle=120,distance=5,size=8,opacity=55%",
@@ -393,7 +393,7 @@ GalleryGroup scripts() {
              {"script-cyrillic", "Cyrillic", kLight, kSans, "Съешь ещё", relief},
              {"script-arabic", "Arabic", kLight, "NotoNaskhArabic-Bold.ttf", "خط جميل", look},
              {"script-hebrew", "Hebrew", kLight, "NotoSansHebrew-Bold.ttf", "שלום עולם", relief},
-             {"script-devanagari", "Devanagari", kLight, "NotoSansDevanagari-Bold.ttf", "हिन्दी में", look},
+             {"script-devanagari", "Devanagari", kLight, "NotoSansDevanagari-Bold.ttf", "नमस्कार", look},
              {"script-thai", "Thai", kLight, "NotoSansThai-Bold.ttf", "ที่นี่สวย", relief},
              {"script-japanese", "Japanese", kLight, "NotoSansCJK-Bold.ttc", "美しい文字", look},
              {"script-korean", "Korean", kLight, "NotoSansCJK-Bold.ttc", "한글 글자", relief}}};
@@ -421,13 +421,13 @@ GalleryGroup styles() {
               "NotoSansCJK-Bold.ttc",
               "贴纸",
               {"--size", "120", "--style", "styles/sticker.json"}},
-             {"style-comic-orange",
+             {"style-comic-teal",
               "Comic, its shadow replaced on the command line",
               kLight,
               kSans,
               "Comic!",
               {"--style", "styles/comic.json", "--outer-shadow",
-               "angle=45,distance=12,size=0,color=#0a9396,opacity=100%"}}}};
+               "angle=45,distance=22,size=0,color=#0a9396,opacity=100%"}}}};
 }
 
 Picture checks() {
