@@ -114,6 +114,7 @@ float stopPosition(double percent) {
 
 std::vector<Zvex::ZvGradient> stopsOf(const std::vector<Stop>& stops) {
     std::vector<Zvex::ZvGradient> result;
+    result.reserve(stops.size());
     for (const Stop& stop : stops) {
         result.push_back({stop.color, opacityOf(stop.color, stop.opacity), stopPosition(stop.position)});
     }
