@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: Apache-2.0
+package com.orvane.android.sdk.zve;
+
+import java.io.File;
+
+/**
+ * Loads {@code libZvEffect.so} on first use: from the path in the system property {@code zvex.library}, else by its name,
+ * as {@link System#loadLibrary} finds it.
+ *
+ * <p>Loading runs outside the initialisers of the classes with natives: the library initialises them itself while it loads,
+ * and two threads that begin with different classes would wait for each other.
+ */
+public final class ZvLibrary {
+    private static volatile boolean loaded;
+
+    private ZvLibrary() {}
+
+    /**
+     * Loads the library unless it is loaded. Every class of the kit calls it; an application may, to meet a failure early.
+     *
+     * @throws UnsatisfiedLinkError where it cannot be found or loaded; the next call tries again
+     */
+    public static void load() {
+        if (loaded) {
+            return;
+        }
+        synchronized (ZvLibrary.class) {
+            if (loaded) {
+                return;
+            }
+            String path = System.getProperty("zvex.library");
+            if (path != null) {
+                System.load(new File(path).getAbsolutePath());
+            } else {
+                System.loadLibrary("ZvEffect");
+            }
+            loaded = true;
+        }
+    }
+}

@@ -1,0 +1,76 @@
+// SPDX-License-Identifier: Apache-2.0
+package android.graphics;
+
+import java.io.File;
+import java.util.Objects;
+
+/** A font file with the style it stands for; immutable. */
+public class Typeface {
+    public static final int NORMAL = 0;
+    public static final int BOLD = 1;
+    public static final int ITALIC = 2;
+    public static final int BOLD_ITALIC = 3;
+
+    /** The system's own face: it has no file of its own. */
+    public static final Typeface DEFAULT = new Typeface(null, NORMAL);
+    public static final Typeface DEFAULT_BOLD = new Typeface(null, BOLD);
+
+    private final String path;
+    private final int style;
+
+    private Typeface(String path, int style) {
+        this.path = path;
+        this.style = style;
+    }
+
+    /** @throws RuntimeException where the file cannot be read */
+    public static Typeface createFromFile(String path) {
+        return createFromFile(new File(Objects.requireNonNull(path, "path")));
+    }
+
+    /** @throws RuntimeException where the file cannot be read */
+    public static Typeface createFromFile(File file) {
+        if (!file.isFile() || !file.canRead()) {
+            throw new RuntimeException("Font not found " + file);
+        }
+        return new Typeface(file.getPath(), NORMAL);
+    }
+
+    /** The family's face in the style; null stands for the system's own. */
+    public static Typeface create(Typeface family, int style) {
+        Typeface from = family != null ? family : DEFAULT;
+        return from.style == style ? from : new Typeface(from.path, style & BOLD_ITALIC);
+    }
+
+    public static Typeface defaultFromStyle(int style) {
+        return create(DEFAULT, style);
+    }
+
+    public int getStyle() {
+        return style;
+    }
+
+    public final boolean isBold() {
+        return (style & BOLD) != 0;
+    }
+
+    public final boolean isItalic() {
+        return (style & ITALIC) != 0;
+    }
+
+    /** Desktop only: the file the face was made from; null for the system's own. */
+    public String getPath() {
+        return path;
+    }
+
+    @Override
+    public boolean equals(Object other) {
+        return other instanceof Typeface && style == ((Typeface) other).style
+                && Objects.equals(path, ((Typeface) other).path);
+    }
+
+    @Override
+    public int hashCode() {
+        return Objects.hash(path, style);
+    }
+}

@@ -1,0 +1,8 @@
+// SPDX-License-Identifier: Apache-2.0
+package android.os;
+
+/** What the system was built for. */
+public class Build {
+    /** "user" unless the system property {@code zvex.build.type} says otherwise; "eng" lets the library log everything. */
+    public static final String TYPE = System.getProperty("zvex.build.type", "user");
+}

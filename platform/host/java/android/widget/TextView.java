@@ -1,0 +1,141 @@
+// SPDX-License-Identifier: Apache-2.0
+package android.widget;
+
+import android.graphics.Typeface;
+import android.text.TextPaint;
+import android.view.Gravity;
+
+/**
+ * The geometry and look of a box of text. It is no view: nothing is attached, measured or shown, and sizes are what was set.
+ * A scaled pixel is a pixel.
+ */
+public class TextView {
+    public static final int TEXT_DIRECTION_FIRST_STRONG = 1;
+    public static final int TEXT_DIRECTION_LTR = 3;
+    public static final int TEXT_DIRECTION_RTL = 4;
+    public static final int LAYOUT_DIRECTION_LTR = 0;
+    public static final int LAYOUT_DIRECTION_RTL = 1;
+
+    private final TextPaint paint = new TextPaint();
+    private int textColor = 0xFF000000;
+    private int textDirection = TEXT_DIRECTION_FIRST_STRONG;
+    private int layoutDirection = LAYOUT_DIRECTION_LTR;
+    private int width;
+    private int height;
+    private int paddingLeft;
+    private int paddingTop;
+    private int paddingRight;
+    private int paddingBottom;
+    private int gravity = Gravity.TOP | Gravity.START;
+    private int maxLines = Integer.MAX_VALUE;
+
+    /** The paint the text is laid out with: its size and typeface are this box's. */
+    public TextPaint getPaint() {
+        return paint;
+    }
+
+    public float getTextSize() {
+        return paint.getTextSize();
+    }
+
+    public void setTextSize(float size) {
+        paint.setTextSize(size);
+    }
+
+    public final int getCurrentTextColor() {
+        return textColor;
+    }
+
+    /** @param color 0xAARRGGBB */
+    public void setTextColor(int color) {
+        textColor = color;
+    }
+
+    public Typeface getTypeface() {
+        return paint.getTypeface();
+    }
+
+    public void setTypeface(Typeface tf) {
+        paint.setTypeface(tf);
+    }
+
+    public int getTextDirection() {
+        return textDirection;
+    }
+
+    public void setTextDirection(int textDirection) {
+        this.textDirection = textDirection;
+    }
+
+    public int getLayoutDirection() {
+        return layoutDirection;
+    }
+
+    public void setLayoutDirection(int layoutDirection) {
+        this.layoutDirection = layoutDirection;
+    }
+
+    public final int getWidth() {
+        return width;
+    }
+
+    /** @param pixels the paddings included */
+    public void setWidth(int pixels) {
+        width = pixels;
+    }
+
+    public final int getHeight() {
+        return height;
+    }
+
+    /** @param pixels the paddings included */
+    public void setHeight(int pixels) {
+        height = pixels;
+    }
+
+    public int getPaddingLeft() {
+        return paddingLeft;
+    }
+
+    public int getPaddingTop() {
+        return paddingTop;
+    }
+
+    public int getPaddingRight() {
+        return paddingRight;
+    }
+
+    public int getPaddingBottom() {
+        return paddingBottom;
+    }
+
+    public void setPadding(int left, int top, int right, int bottom) {
+        paddingLeft = left;
+        paddingTop = top;
+        paddingRight = right;
+        paddingBottom = bottom;
+    }
+
+    public int getGravity() {
+        return gravity;
+    }
+
+    /** @param gravity of {@link Gravity}; without a horizontal part START, without a vertical part TOP is added */
+    public void setGravity(int gravity) {
+        if ((gravity & Gravity.RELATIVE_HORIZONTAL_GRAVITY_MASK) == 0) {
+            gravity |= Gravity.START;
+        }
+        if ((gravity & Gravity.VERTICAL_GRAVITY_MASK) == 0) {
+            gravity |= Gravity.TOP;
+        }
+        this.gravity = gravity;
+    }
+
+    public int getMaxLines() {
+        return maxLines;
+    }
+
+    public void setMaxLines(int maxLines) {
+        this.maxLines = maxLines;
+    }
+}
