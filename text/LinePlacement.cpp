@@ -9,45 +9,49 @@ namespace Zvex {
 
 namespace {
 
-int linesShown(const ZvView& view, int count) {
-    if (view.lines >= 1) return std::min(view.lines, count);
-    if (view.maxLines >= 1) return std::min(view.maxLines, count);
-    return 0;
+bool fillsFromBottom(const ZvView& view) {
+    return (view.gravity & ZvView::VERTICAL_MASK) == ZvView::BOTTOM;
 }
 
-// The baseline that line 0 of the laid-out text gets in the view.
-int64_t firstBaseline(const ZvView& view, const LaidOutLine* lines, int count, int shown) {
+// How far the laid-out text moves down in the view; `last` is the last line shown.
+int64_t shiftOf(const ZvView& view, const LaidOutLine& last) {
     const int64_t height = view.height;
     const int64_t top = view.paddingTop;
     const int64_t bottom = view.paddingBottom;
-    const int64_t baseline = lines[0].baseline;
     switch (view.gravity & ZvView::VERTICAL_MASK) {
         case ZvView::CENTER_VERTICAL:
         case ZvView::FILL_VERTICAL: {
-            const int64_t spare = height - top - bottom - lines[shown - 1].bottom;
-            return top + baseline + (spare > 0 ? spare / 2 : 0);
+            const int64_t spare = height - top - bottom - last.bottom;
+            return top + (spare > 0 ? spare / 2 : 0);
         }
         case ZvView::BOTTOM:
-            return height + (baseline - lines[count - 1].bottom) - bottom;
+            return height - last.bottom - bottom;
         default:
-            return top + baseline;
+            return top;
     }
 }
 
 }  // namespace
 
+ShownLines shownLines(const ZvView& view, int count) {
+    const int limit = view.lines >= 1 ? view.lines : view.maxLines;
+    ShownLines shown;
+    if (limit < 1 || count < 1) return shown;
+    shown.count = std::min(limit, count);
+    shown.first = fillsFromBottom(view) ? count - shown.count : 0;
+    return shown;
+}
+
 std::vector<ZvLineInfo> placeLines(const ZvView& view, const LaidOutLine* lines, int count) {
     std::vector<ZvLineInfo> placed;
-    const int shown = lines != nullptr ? linesShown(view, count) : 0;
-    if (shown < 1) return placed;
+    const ShownLines shown = shownLines(view, lines != nullptr ? count : 0);
+    if (shown.count < 1) return placed;
 
-    const bool fromBottom = (view.gravity & ZvView::VERTICAL_MASK) == ZvView::BOTTOM;
-    const int first = fromBottom ? count - shown : 0;
     // Lines keep the distances between their baselines, so one shift places them all.
-    const int64_t shift = firstBaseline(view, lines, count, shown) - lines[0].baseline;
+    const int64_t shift = shiftOf(view, lines[shown.first + shown.count - 1]);
 
-    placed.reserve(static_cast<size_t>(shown));
-    for (int i = first; i < first + shown; ++i) {
+    placed.reserve(static_cast<size_t>(shown.count));
+    for (int i = shown.first; i < shown.first + shown.count; ++i) {
         const LaidOutLine& line = lines[i];
         const int64_t x = int64_t{truncateToInt(line.left)} + view.paddingLeft;
         const int64_t y = shift + line.baseline;

@@ -25,13 +25,24 @@ struct LaidOutLine {
     int32_t visibleEnd = 0;  // UTF-16 offset past the last character that shows, without trailing blanks
 };
 
-// Chooses the lines that the view shows and places them in it.
+// The lines that a view shows, numbered from 0.
+struct ShownLines {
+    int first = 0;
+    int count = 0;
+};
+
+// How many of `count` lines: `view.lines` if it is 1 or more, else `view.maxLines` if that is 1 or more,
+// never more than there are; with neither set, none at all. Which: the first ones, with bottom gravity the
+// last ones.
+ShownLines shownLines(const ZvView& view, int count);
+
+// Places the lines that the view shows. Where: centred vertically (gravity CENTER_VERTICAL or FILL_VERTICAL)
+// between top and bottom padding if they fit there; with bottom gravity with the last line of the whole text
+// on the bottom padding; else below the top padding. Horizontally at the line's left (its fraction cut off)
+// plus the left padding.
 //
-// How many: `view.lines` if it is 1 or more, else `view.maxLines` if that is 1 or more, never more than
-// `count`; with neither set, none at all. Which: the first ones, with bottom gravity the last ones. Where:
-// centred vertically (gravity CENTER_VERTICAL or FILL_VERTICAL) between top and bottom padding if they fit
-// there; with bottom gravity with the last line of the whole text on the bottom padding; else below the top
-// padding. Horizontally at the line's left (its fraction cut off) plus the left padding.
+// The lines that are not shown have no say: the shown ones by themselves give the same records, so a caller
+// with thousands of lines need not find them all out. Of a line its top is not looked at.
 //
 // The records come in line order with direction 1 and the rectangle x, y + ascent, x + width, y + descent.
 // Sums are made in 64 bits and clamped to 32; a left or width that is not a number counts as 0. `lines` may

@@ -78,6 +78,16 @@ TEST(LinePlacement, ChoosesAndPlacesLines) {
             EXPECT_EQ(info.rect.bottom, info.y + 5);
         }
         EXPECT_EQ(shown, c.shown);
+
+        // The same lines without those around them.
+        const std::vector<LaidOutLine> all = evenLines(c.count);
+        const ShownLines part = shownLines(c.view, c.count);
+        ASSERT_EQ(part.count, static_cast<int>(c.shown.size()));
+        std::vector<std::pair<int, int>> alone;
+        for (const ZvLineInfo& info : placeLines(c.view, all.data() + part.first, part.count)) {
+            alone.emplace_back(info.start, info.y);
+        }
+        EXPECT_EQ(alone, c.shown);
     }
 }
 

@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef ZVEX_JNI_BOUNDTEXTOBJECT_H_
+#define ZVEX_JNI_BOUNDTEXTOBJECT_H_
+
+#include <jni.h>
+
+#include "foundation/Error.h"
+
+namespace Zvex {
+
+class ZvTextObject;
+
+// A Java text object carries the runtime handle of its native one in the int field "mHandle", negative while
+// there is none. Two threads that use the same Java object are the caller's to keep apart.
+
+// Remembers the class and its field; once, while the library loads. Natives find no text object if the class
+// has no such field.
+void KeepTextClass(JNIEnv* env, jclass textClass);
+
+// The handle; negative when there is none.
+jint ReadHandle(JNIEnv* env, jobject thiz);
+
+// The text object of that Java object, made, bound and numbered if it has none yet. Null for a handle that
+// nobody has any more, and when there is no memory for a new object. Never an exception.
+ZvTextObject* GetBoundTextObject(JNIEnv* env, jobject thiz);
+
+}  // namespace Zvex
+
+// What a native begins with: `name` becomes its text object; without one, the native reports it and returns
+// `failure`. A macro, so that each native reports with a line number of its own.
+#define ZV_BOUND_TEXT_OBJECT(name, failure)                                   \
+    ::Zvex::ZvTextObject* const name = ::Zvex::GetBoundTextObject(env, thiz); \
+    do {                                                                      \
+        if (name == nullptr) {                                                \
+            ZV_REPORT_ERROR("ZvText_JNI", ::Zvex::ZV_ERROR_NO_TEXT_OBJECT);   \
+            return failure;                                                   \
+        }                                                                     \
+    } while (false)
+
+#endif  // ZVEX_JNI_BOUNDTEXTOBJECT_H_
