@@ -15,11 +15,6 @@ endif()
 set(ZVEX_JAVA_DIR ${PROJECT_BINARY_DIR}/java)
 set(ZVEX_KIT_JAR ${ZVEX_JAVA_DIR}/zvex-kit.jar)
 set(ZVEX_ANDROID_JAR ${ZVEX_JAVA_DIR}/zvex-android.jar)
-# What the tests load, and the system's font folder as that library was built with.
-set(ZVEX_JAVA_TEST_LIBRARY ZvEffect CACHE STRING "Shared library target that the Java tests load")
-if(NOT DEFINED ZVEX_TEST_FONT_DIR)
-  set(ZVEX_TEST_FONT_DIR ${ZVEX_SYSTEM_FONT_DIR})
-endif()
 
 # zvex_add_jar(JAR SOURCE_FOLDER RELEASE [jars it is compiled against...])
 function(zvex_add_jar jar folder release)
@@ -39,11 +34,15 @@ zvex_add_jar(${ZVEX_ANDROID_JAR} ${PROJECT_SOURCE_DIR}/platform/host/java 17)
 zvex_add_jar(${ZVEX_KIT_JAR} ${PROJECT_SOURCE_DIR}/kit/java 8 ${ZVEX_ANDROID_JAR})
 add_custom_target(zvex_java ALL DEPENDS ${ZVEX_ANDROID_JAR} ${ZVEX_KIT_JAR})
 
-# zvex_add_java_test(NAME name SOURCES sources... [ARGS JVM arguments...]): JUnit 5 classes as one test of ctest. They run in
-# a JVM that checks every JNI call; a line of its complaints fails the test. System properties: zvex.library is the path of
-# the library, zvex.fonts the folder in which it finds the system's fonts.
+# zvex_add_java_test(NAME name SOURCES sources... [LIBRARY target] [ARGS JVM arguments...]): JUnit 5 classes as one test of
+# ctest. They run in a JVM that checks every JNI call; a line of its complaints fails the test. System properties:
+# zvex.library is the path of the library (ZvEffect, or the target given), zvex.fonts the folder in which it finds the
+# system's fonts.
 function(zvex_add_java_test)
-  cmake_parse_arguments(PARSE_ARGV 0 arg "" "NAME" "SOURCES;ARGS")
+  cmake_parse_arguments(PARSE_ARGV 0 arg "" "NAME;LIBRARY" "SOURCES;ARGS")
+  if(NOT arg_LIBRARY)
+    set(arg_LIBRARY ZvEffect)
+  endif()
   if(NOT ZVEX_JUNIT_JAR)
     message(STATUS "No JUnit 5 found: ${arg_NAME} is left out")
     return()
@@ -57,10 +56,10 @@ function(zvex_add_java_test)
       COMMAND ${CMAKE_COMMAND} -E touch ${classes}.stamp
       DEPENDS ${arg_SOURCES} ${ZVEX_KIT_JAR} ${ZVEX_ANDROID_JAR} COMMENT "Java: ${arg_NAME}" VERBATIM)
   add_custom_target(${arg_NAME} ALL DEPENDS ${classes}.stamp)
-  add_dependencies(${arg_NAME} zvex_java ${ZVEX_JAVA_TEST_LIBRARY})
+  add_dependencies(${arg_NAME} zvex_java ${arg_LIBRARY})
   add_test(NAME ${arg_NAME}
-      COMMAND ${ZVEX_JAVA} -Xcheck:jni -ea -Dzvex.library=$<TARGET_FILE:${ZVEX_JAVA_TEST_LIBRARY}>
-              -Dzvex.fonts=${ZVEX_TEST_FONT_DIR} ${arg_ARGS} -cp ${classes}:${path}
+      COMMAND ${ZVEX_JAVA} -Xcheck:jni -ea -Dzvex.library=$<TARGET_FILE:${arg_LIBRARY}>
+              -Dzvex.fonts=$<TARGET_PROPERTY:${arg_LIBRARY},ZVEX_FONT_DIR> ${arg_ARGS} -cp ${classes}:${path}
               org.junit.platform.console.ConsoleLauncher --scan-classpath ${classes} --disable-banner
               --disable-ansi-colors --details=tree --fail-if-no-tests)
   set_tests_properties(${arg_NAME} PROPERTIES TIMEOUT 300 LABELS quick
