@@ -32,12 +32,13 @@ endfunction()
 zvex_add_jar(${ZVEX_ANDROID_JAR} ${PROJECT_SOURCE_DIR}/platform/host/java 17)
 # Java 8: what every Android of the supported levels understands.
 zvex_add_jar(${ZVEX_KIT_JAR} ${PROJECT_SOURCE_DIR}/kit/java 8 ${ZVEX_ANDROID_JAR})
+add_subdirectory(platform/host/jni)
 add_custom_target(zvex_java ALL DEPENDS ${ZVEX_ANDROID_JAR} ${ZVEX_KIT_JAR})
 
 # zvex_add_java_test(NAME name SOURCES sources... [LIBRARY target] [ARGS JVM arguments...]): JUnit 5 classes as one test of
 # ctest. They run in a JVM that checks every JNI call; a line of its complaints fails the test. System properties:
 # zvex.library is the path of the library (ZvEffect, or the target given), zvex.fonts the folder in which it finds the
-# system's fonts.
+# system's fonts, zvex.host.library the path of the stand-ins' own, which finds them there too.
 function(zvex_add_java_test)
   cmake_parse_arguments(PARSE_ARGV 0 arg "" "NAME;LIBRARY" "SOURCES;ARGS")
   if(NOT arg_LIBRARY)
@@ -46,6 +47,14 @@ function(zvex_add_java_test)
   if(NOT ZVEX_JUNIT_JAR)
     message(STATUS "No JUnit 5 found: ${arg_NAME} is left out")
     return()
+  endif()
+  set(host_library ZvHostJava)
+  get_target_property(font_dir ${arg_LIBRARY} ZVEX_FONT_DIR)
+  if(NOT font_dir STREQUAL ZVEX_SYSTEM_FONT_DIR)
+    set(host_library ZvHostJavaTest)  # the tests have one font folder
+    if(NOT TARGET ZvHostJavaTest)
+      zvex_host_java(ZvHostJavaTest "${font_dir}")
+    endif()
   endif()
   list(TRANSFORM arg_SOURCES PREPEND ${CMAKE_CURRENT_SOURCE_DIR}/ REGEX "^[^/]")
   set(classes ${CMAKE_CURRENT_BINARY_DIR}/${arg_NAME}.classes)
@@ -56,9 +65,10 @@ function(zvex_add_java_test)
       COMMAND ${CMAKE_COMMAND} -E touch ${classes}.stamp
       DEPENDS ${arg_SOURCES} ${ZVEX_KIT_JAR} ${ZVEX_ANDROID_JAR} COMMENT "Java: ${arg_NAME}" VERBATIM)
   add_custom_target(${arg_NAME} ALL DEPENDS ${classes}.stamp)
-  add_dependencies(${arg_NAME} zvex_java ${arg_LIBRARY})
+  add_dependencies(${arg_NAME} zvex_java ${host_library} ${arg_LIBRARY})
   add_test(NAME ${arg_NAME}
       COMMAND ${ZVEX_JAVA} -Xcheck:jni -ea -Dzvex.library=$<TARGET_FILE:${arg_LIBRARY}>
+              -Dzvex.host.library=$<TARGET_FILE:${host_library}>
               -Dzvex.fonts=$<TARGET_PROPERTY:${arg_LIBRARY},ZVEX_FONT_DIR> ${arg_ARGS} -cp ${classes}:${path}
               org.junit.platform.console.ConsoleLauncher --scan-classpath ${classes} --disable-banner
               --disable-ansi-colors --details=tree --fail-if-no-tests)

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 package android.graphics;
 
+import android.host.TextEngine;
 import android.os.LocaleList;
 import java.util.Locale;
 
@@ -252,5 +253,14 @@ public class Paint {
             throw new IllegalArgumentException("locale cannot be null");
         }
         textLocales = new LocaleList(locale);
+    }
+
+    /** The advance of the text as one line, in pixels. */
+    public float measureText(String text) {
+        return measureText(text, 0, text.length());
+    }
+
+    public float measureText(CharSequence text, int start, int end) {
+        return TextEngine.advance(text.toString(), start, end, this);
     }
 }

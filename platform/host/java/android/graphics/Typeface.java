@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 package android.graphics;
 
+import android.content.res.AssetManager;
+import android.host.TextEngine;
+import android.text.FontConfig;
 import java.io.File;
 import java.util.Objects;
 
@@ -23,17 +26,43 @@ public class Typeface {
         this.style = style;
     }
 
-    /** @throws RuntimeException where the file cannot be read */
+    /**
+     * The first font of the file, in the style that the font states.
+     *
+     * @throws RuntimeException where the file cannot be read or is no font
+     */
     public static Typeface createFromFile(String path) {
         return createFromFile(new File(Objects.requireNonNull(path, "path")));
     }
 
-    /** @throws RuntimeException where the file cannot be read */
+    /** As {@link #createFromFile(String)}. */
     public static Typeface createFromFile(File file) {
-        if (!file.isFile() || !file.canRead()) {
+        int style = TextEngine.styleOf(file.getPath());
+        if (style < 0) {
             throw new RuntimeException("Font not found " + file);
         }
-        return new Typeface(file.getPath(), NORMAL);
+        return new Typeface(file.getPath(), style);
+    }
+
+    /** @throws RuntimeException where there is no such asset, or it is no font */
+    public static Typeface createFromAsset(AssetManager mgr, String path) {
+        File file = mgr.fileOf(path);
+        if (file == null) {
+            throw new RuntimeException("Font asset not found " + path);
+        }
+        return createFromFile(file);
+    }
+
+    /**
+     * Desktop only: the families that stand behind every typeface, and are the system's own face. Text is measured with them
+     * from then on; hand the same configuration to the renderer. The first call counts, later ones change nothing.
+     *
+     * @throws IllegalArgumentException where the configuration cannot be read
+     */
+    public static void setSystemFonts(FontConfig config) {
+        if (!TextEngine.setFonts(Objects.requireNonNull(config, "config"))) {
+            throw new IllegalArgumentException("the font configuration cannot be read");
+        }
     }
 
     /** The family's face in the style; null stands for the system's own. */

@@ -8,11 +8,13 @@ package android.text;
  * <p>Methods that the platform makes final are open here, so that a line breaker of one's own can report the numbers it has.
  */
 public abstract class Layout {
-    /** Where lines lie in the column. */
+    /** Where lines lie in the column: NORMAL is where a paragraph of its direction begins. */
     public enum Alignment {
         ALIGN_NORMAL,
         ALIGN_OPPOSITE,
-        ALIGN_CENTER
+        ALIGN_CENTER,
+        ALIGN_LEFT,
+        ALIGN_RIGHT
     }
 
     public static final int DIR_LEFT_TO_RIGHT = 1;
@@ -126,16 +128,21 @@ public abstract class Layout {
         return getWidth();
     }
 
-    /** The left of the line's text. */
+    /** The left of the line's text; negative where a line is wider than the column and lies right or in the middle. */
     public float getLineLeft(int line) {
+        float room = getWidth() - getLineMax(line);
         boolean leftToRight = getParagraphDirection(line) == DIR_LEFT_TO_RIGHT;
         switch (getAlignment()) {
             case ALIGN_CENTER:
-                return (float) Math.floor((getWidth() - getLineMax(line)) / 2);
+                return (float) Math.floor(room / 2);
+            case ALIGN_LEFT:
+                return 0;
+            case ALIGN_RIGHT:
+                return room;
             case ALIGN_OPPOSITE:
-                return leftToRight ? getWidth() - getLineMax(line) : 0;
+                return leftToRight ? room : 0;
             default:
-                return leftToRight ? 0 : getWidth() - getLineMax(line);
+                return leftToRight ? 0 : room;
         }
     }
 
@@ -143,13 +150,13 @@ public abstract class Layout {
         return getLineLeft(line) + getLineMax(line);
     }
 
-    /** The width of the line's text without blanks at its end. */
+    /** The width of the line's text without the blanks at its end. */
     public float getLineMax(int line) {
-        return 0;
+        return getPaint().measureText(getText(), getLineStart(line), getLineVisibleEnd(line));
     }
 
     /** The width of the line's text with the blanks at its end. */
     public float getLineWidth(int line) {
-        return getLineMax(line);
+        return getPaint().measureText(getText(), getLineStart(line), getLineEnd(line));
     }
 }

@@ -1,64 +1,132 @@
 // SPDX-License-Identifier: Apache-2.0
 package android.text;
 
-import java.util.ArrayList;
-import java.util.List;
+import android.host.TextEngine;
+import java.text.Bidi;
+import java.util.Objects;
 
-/** A layout of a text that does not change. */
+/**
+ * A layout of a text that does not change, measured by the engine that draws it: a line is as high as its font says, or as
+ * its ink where fallback fonts reach further, so that no line cuts another's marks off. Lines end where the Unicode rules
+ * allow, at every line ending, and between clusters of a word that is wider than the column. No hyphenation, justification
+ * or ellipsis. The paint is read when the layout is built.
+ */
 public class StaticLayout extends Layout {
-    private final List<Integer> starts = new ArrayList<>();
-    private final int lineHeight;
+    private final TextEngine.Lines lines;
+    private final int count;
+    private final int[] tops;
+    private final int[] descents;
+    private final boolean[] rightToLeft;
+    private final int topPadding;
+    private final int bottomPadding;
 
     private StaticLayout(Builder b) {
-        super(b.text.subSequence(b.start, b.end), b.paint, b.width, b.alignment, b.spacingMultiplier, b.spacingAdd);
-        CharSequence text = getText();
-        starts.add(0);
-        for (int i = 0; i < text.length(); i++) {
-            if (text.charAt(i) == '\n') {
-                starts.add(i + 1);
+        super(b.text, b.paint, b.width, b.alignment, b.spacingMultiplier, b.spacingAdd);
+        String text = b.text.toString();
+        lines = TextEngine.breakLines(text, b.start, b.end, b.paint, b.width);
+        count = Math.min(lines.count(), b.maxLines);
+        rightToLeft = paragraphDirections(text);
+        tops = new int[count + 1];
+        descents = new int[count];
+        int paddingAbove = 0;
+        int paddingBelow = 0;
+        for (int i = 0; i < count; i++) {
+            int ascent = lines.ascent(i);
+            int descent = lines.descent(i);
+            if (b.includePad && i == 0) {
+                paddingAbove = Math.max(lines.fontTop() - ascent, 0);
+                ascent += paddingAbove;
+            }
+            if (b.includePad && i == count - 1) {
+                paddingBelow = Math.max(lines.fontBottom() - descent, 0);
+                descent += paddingBelow;
+            }
+            int extra = i < count - 1 ? extraSpacing(ascent + descent) : 0;
+            descents[i] = descent + extra;
+            tops[i + 1] = tops[i] + ascent + descent + extra;
+        }
+        topPadding = -paddingAbove;
+        bottomPadding = paddingBelow;
+    }
+
+    private int extraSpacing(int height) {
+        return (int) Math.rint(height * ((double) getSpacingMultiplier() - 1) + getSpacingAdd());
+    }
+
+    // A paragraph goes from one line ending to the next, over the lines it was wrapped into.
+    private boolean[] paragraphDirections(String text) {
+        boolean[] result = new boolean[count];
+        int first = 0;
+        for (int i = 0; i < count; i++) {
+            boolean paragraphEnds = i + 1 == lines.count() || endsParagraph(text, lines.end(i));
+            if (!paragraphEnds && i + 1 < count) {
+                continue;
+            }
+            String paragraph = text.substring(lines.start(first), lines.end(i));
+            boolean leftToRight = new Bidi(paragraph, Bidi.DIRECTION_DEFAULT_LEFT_TO_RIGHT).baseIsLeftToRight();
+            for (; first <= i; first++) {
+                result[first] = !leftToRight;
             }
         }
-        lineHeight = Math.round(b.paint.getTextSize() * 1.2f);
+        return result;
+    }
+
+    private static boolean endsParagraph(String text, int end) {
+        return end > 0 && "\n\r\u2028\u2029".indexOf(text.charAt(end - 1)) >= 0;
+    }
+
+    private int checked(int line) {
+        return Objects.checkIndex(line, count);
     }
 
     @Override
     public int getLineCount() {
-        return starts.size();
+        return count;
     }
 
     @Override
     public int getLineTop(int line) {
-        return line * lineHeight;
+        return tops[line];
     }
 
     @Override
     public int getLineDescent(int line) {
-        return lineHeight / 5;
+        return descents[line];
     }
 
     @Override
     public int getLineStart(int line) {
-        return line < starts.size() ? starts.get(line) : getText().length();
+        return line == count ? lines.end(count - 1) : lines.start(checked(line));
+    }
+
+    @Override
+    public int getLineVisibleEnd(int line) {
+        return lines.visibleEnd(checked(line));
     }
 
     @Override
     public int getParagraphDirection(int line) {
-        return DIR_LEFT_TO_RIGHT;
-    }
-
-    @Override
-    public int getTopPadding() {
-        return 0;
-    }
-
-    @Override
-    public int getBottomPadding() {
-        return 0;
+        return rightToLeft[line] ? DIR_RIGHT_TO_LEFT : DIR_LEFT_TO_RIGHT;
     }
 
     @Override
     public float getLineMax(int line) {
-        return getWidth();
+        return lines.width(checked(line));
+    }
+
+    @Override
+    public float getLineWidth(int line) {
+        return lines.fullWidth(checked(line));
+    }
+
+    @Override
+    public int getTopPadding() {
+        return topPadding;
+    }
+
+    @Override
+    public int getBottomPadding() {
+        return bottomPadding;
     }
 
     /** Takes the settings of a layout. */
@@ -75,38 +143,46 @@ public class StaticLayout extends Layout {
         private int maxLines = Integer.MAX_VALUE;
 
         private Builder(CharSequence text, int start, int end, TextPaint paint, int width) {
-            this.text = text;
+            this.text = Objects.requireNonNull(text, "source");
+            this.paint = Objects.requireNonNull(paint, "paint");
             this.start = start;
             this.end = end;
-            this.paint = paint;
             this.width = width;
+            Objects.checkFromToIndex(start, end, text.length());
         }
 
+        /** Lays out {@code source[start, end)}; offsets of the layout count from the beginning of the source. */
         public static Builder obtain(CharSequence source, int start, int end, TextPaint paint, int width) {
             return new Builder(source, start, end, paint, width);
         }
 
         public Builder setAlignment(Alignment alignment) {
-            this.alignment = alignment;
+            this.alignment = Objects.requireNonNull(alignment, "alignment");
             return this;
         }
 
+        /** A line's height times the factor plus the pixels is how far the next one's top lies below its own. */
         public Builder setLineSpacing(float spacingAdd, float spacingMult) {
             this.spacingAdd = spacingAdd;
             this.spacingMultiplier = spacingMult;
             return this;
         }
 
+        /**
+         * Whether the first line reaches as far up, and the last as far down, as any glyph of the font does; true at first.
+         */
         public Builder setIncludePad(boolean includePad) {
             this.includePad = includePad;
             return this;
         }
 
+        /** The layout ends after that many lines. */
         public Builder setMaxLines(int maxLines) {
-            this.maxLines = maxLines;
+            this.maxLines = Math.max(maxLines, 1);
             return this;
         }
 
+        /** @throws IllegalStateException where the paint's font cannot be loaded, or there is no font at all */
         public StaticLayout build() {
             return new StaticLayout(this);
         }

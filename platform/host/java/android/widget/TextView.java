@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 package android.widget;
 
+import android.graphics.Paint;
 import android.graphics.Typeface;
+import android.text.Layout;
+import android.text.StaticLayout;
 import android.text.TextPaint;
 import android.view.Gravity;
 
@@ -16,7 +19,7 @@ public class TextView {
     public static final int LAYOUT_DIRECTION_LTR = 0;
     public static final int LAYOUT_DIRECTION_RTL = 1;
 
-    private final TextPaint paint = new TextPaint();
+    private final TextPaint paint = new TextPaint(Paint.ANTI_ALIAS_FLAG);
     private int textColor = 0xFF000000;
     private int textDirection = TEXT_DIRECTION_FIRST_STRONG;
     private int layoutDirection = LAYOUT_DIRECTION_LTR;
@@ -28,6 +31,12 @@ public class TextView {
     private int paddingBottom;
     private int gravity = Gravity.TOP | Gravity.START;
     private int maxLines = Integer.MAX_VALUE;
+    private boolean includeFontPadding = true;
+    private CharSequence text = "";
+
+    public TextView() {
+        paint.setTextSize(15);
+    }
 
     /** The paint the text is laid out with: its size and typeface are this box's. */
     public TextPaint getPaint() {
@@ -137,5 +146,49 @@ public class TextView {
 
     public void setMaxLines(int maxLines) {
         this.maxLines = maxLines;
+    }
+
+    public boolean getIncludeFontPadding() {
+        return includeFontPadding;
+    }
+
+    /** Whether the first and the last line reach as far as any glyph of the font does; true at first. */
+    public void setIncludeFontPadding(boolean includepad) {
+        includeFontPadding = includepad;
+    }
+
+    public CharSequence getText() {
+        return text;
+    }
+
+    public void setText(CharSequence text) {
+        this.text = text != null ? text : "";
+    }
+
+    /**
+     * The text wrapped at the width within the paddings and aligned as the gravity says: all lines of it, whatever the limit
+     * of lines shown. Laid out anew by each call.
+     */
+    public Layout getLayout() {
+        int inner = Math.max(width - paddingLeft - paddingRight, 0);
+        return StaticLayout.Builder.obtain(text, 0, text.length(), paint, inner)
+                .setAlignment(alignment())
+                .setIncludePad(includeFontPadding)
+                .build();
+    }
+
+    private Layout.Alignment alignment() {
+        switch (gravity & Gravity.RELATIVE_HORIZONTAL_GRAVITY_MASK) {
+            case Gravity.LEFT:
+                return Layout.Alignment.ALIGN_LEFT;
+            case Gravity.RIGHT:
+                return Layout.Alignment.ALIGN_RIGHT;
+            case Gravity.CENTER_HORIZONTAL:
+                return Layout.Alignment.ALIGN_CENTER;
+            case Gravity.END:
+                return Layout.Alignment.ALIGN_OPPOSITE;
+            default:
+                return Layout.Alignment.ALIGN_NORMAL;
+        }
     }
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 package android.content.res;
 
+import java.io.File;
 import java.io.FileNotFoundException;
 import java.io.IOException;
 import java.io.InputStream;
@@ -28,17 +29,25 @@ public final class AssetManager {
     /**
      * Opens an asset by its name relative to the folder.
      *
-     * @throws FileNotFoundException where there is none, or the name leads out of the folder
+     * @throws FileNotFoundException where there is none
      */
     public InputStream open(String fileName) throws IOException {
-        try {
-            Path file = Path.of(root, fileName).toRealPath();
-            if (file.startsWith(root) && Files.isRegularFile(file) && !Path.of(fileName).isAbsolute()) {
-                return Files.newInputStream(file);
-            }
-        } catch (IOException | InvalidPathException e) {
-            // reported below
+        File file = fileOf(fileName);
+        if (file == null) {
+            throw new FileNotFoundException(fileName);
         }
-        throw new FileNotFoundException(fileName);
+        return Files.newInputStream(file.toPath());
+    }
+
+    /** Desktop only: the file behind an asset; null where there is none. */
+    public File fileOf(String fileName) {
+        try {
+            Path name = Path.of(fileName);
+            Path file = Path.of(root).resolve(name).toRealPath();
+            boolean inside = !name.isAbsolute() && file.startsWith(root);
+            return inside && Files.isRegularFile(file) ? file.toFile() : null;
+        } catch (IOException | InvalidPathException e) {
+            return null;
+        }
     }
 }

@@ -2,10 +2,61 @@
 package com.orvane.android.sdk.zve.font;
 
 import android.text.FontConfig;
+import com.orvane.android.sdk.zve.ZvException;
+import com.orvane.android.sdk.zve.ZvLibrary;
+import com.orvane.android.sdk.zve.util.FontLock;
+import java.util.Objects;
+import java.util.concurrent.locks.Lock;
 
-/** The process's fonts. */
+/** The process's fonts, which all texts share. Any thread. */
 public final class FontManager {
     private FontManager() {}
+
+    /**
+     * Adds a font from a font file's bytes, which are copied. A text finds it by {@code font(name)}. A name that is known
+     * already keeps its font.
+     *
+     * @throws ZvException where the bytes are no font
+     */
+    public static void insert(String name, byte[] data) {
+        Objects.requireNonNull(name, "name");
+        Objects.requireNonNull(data, "data");
+        ZvLibrary.load();
+        Lock fonts = FontLock.addFont(name);
+        try {
+            if (!ZvFontManager_InsertFontData(name, data)) {
+                throw new ZvException("the font \"" + name + "\" could not be loaded");
+            }
+            FontLock.learned(name);
+        } finally {
+            fonts.unlock();
+        }
+    }
+
+    /**
+     * Takes the system's families, which stand behind every font for the characters it lacks; those made for a language are
+     * read when the first text needs them. The first configuration counts: later calls change nothing.
+     *
+     * @throws ZvException where the configuration cannot be read; the next call tries again
+     */
+    public static void configure(FontConfig config) {
+        Objects.requireNonNull(config, "config");
+        ZvLibrary.load();
+        Lock fonts = FontLock.change();
+        try {
+            if (!ZvFontManager_SetFontConfig(config)) {
+                throw new ZvException("the font configuration cannot be read");
+            }
+            FontLock.setConfigured();
+        } finally {
+            fonts.unlock();
+        }
+    }
+
+    /** Whether {@link #configure} has succeeded. */
+    public static boolean isConfigured() {
+        return FontLock.isConfigured();
+    }
 
     private static native boolean ZvFontManager_InsertFontData(String name, byte[] data);
 

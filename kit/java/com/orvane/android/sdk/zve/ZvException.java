@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: Apache-2.0
+package com.orvane.android.sdk.zve;
+
+import com.orvane.android.sdk.zve.util.ZvError;
+
+/** The library refused something. */
+public class ZvException extends RuntimeException {
+    private static final long serialVersionUID = 1;
+
+    private final int code;
+
+    /** Takes the code that the calling thread's last native call may have left. */
+    public ZvException(String what) {
+        this(what, ZvError.lastCode());
+    }
+
+    private ZvException(String what, int code) {
+        super(code == 0 ? what : what + " (error " + code + ")");
+        this.code = code;
+    }
+
+    /**
+     * The calling thread's last error code as it was when this was thrown; 0 for none. A refusal that has no code of its own,
+     * such as a font that cannot be read, leaves the code of an earlier one in place.
+     */
+    public int code() {
+        return code;
+    }
+}

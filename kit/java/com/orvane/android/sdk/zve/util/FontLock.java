@@ -1,0 +1,87 @@
+// SPDX-License-Identifier: Apache-2.0
+package com.orvane.android.sdk.zve.util;
+
+import android.text.Layout;
+import android.text.StaticLayout;
+import java.util.Collections;
+import java.util.Set;
+import java.util.concurrent.ConcurrentHashMap;
+import java.util.concurrent.locks.Lock;
+import java.util.concurrent.locks.ReadWriteLock;
+import java.util.concurrent.locks.ReentrantReadWriteLock;
+
+/**
+ * Part of the kit's inside, not for applications. The library's store of fonts has no lock: a call that may change it runs
+ * alone, calls that only read it (renders above all) run side by side.
+ *
+ * <p>Order: a text's own lock first, then this one. A thread that holds it takes no text's lock.
+ */
+public final class FontLock {
+    private static final ReadWriteLock LOCK = new ReentrantReadWriteLock();
+
+    // Fonts are never taken out of the store again, so giving one once more only reads.
+    private static final Set<String> KNOWN = Collections.newSetFromMap(new ConcurrentHashMap<>());
+    private static volatile boolean configured;
+
+    private FontLock() {}
+
+    /** For calls that only read the store. Every method here returns the lock held; the caller gives it back. */
+    public static Lock read() {
+        return held(LOCK.readLock());
+    }
+
+    public static Lock change() {
+        return held(LOCK.writeLock());
+    }
+
+    private static Lock held(Lock lock) {
+        lock.lock();
+        return lock;
+    }
+
+    /** For handing a font of that name to the store. */
+    public static Lock addFont(String name) {
+        return KNOWN.contains(name) ? read() : change();
+    }
+
+    /** The store has the font of that name now. */
+    public static void learned(String name) {
+        KNOWN.add(name);
+    }
+
+    /** The store has system families from now on. Called under {@link #change}. */
+    public static void setConfigured() {
+        configured = true;
+    }
+
+    public static boolean isConfigured() {
+        return configured;
+    }
+
+    /** For setting a layout's text: it loads the system family of each script but Latin's and the common signs'. */
+    public static Lock setText(Layout layout) {
+        Lock reading = read();
+        if (!configured || isPlain(layout)) {
+            return reading;
+        }
+        reading.unlock();
+        return change();
+    }
+
+    // Only where neither the layout nor the text can change is it certain that the library reads what is seen here.
+    private static boolean isPlain(Layout layout) {
+        CharSequence text = layout instanceof StaticLayout ? layout.getText() : null;
+        if (!(text instanceof String)) {
+            return false;
+        }
+        for (int i = 0; i < text.length(); i++) {
+            char c = text.charAt(i);
+            boolean latin = c < 0x250;
+            boolean punctuation = c >= 0x2000 && c < 0x2070;
+            if (!latin && !punctuation) {
+                return false;
+            }
+        }
+        return true;
+    }
+}

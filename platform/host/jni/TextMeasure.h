@@ -1,0 +1,64 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef ZVEX_PLATFORM_HOST_JNI_TEXTMEASURE_H_
+#define ZVEX_PLATFORM_HOST_JNI_TEXTMEASURE_H_
+
+#include <hwui/Paint.h>
+#include <hwui/Typeface.h>
+#include <minikin/Layout.h>
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+namespace hostjava {
+
+// A line's part of the text, in UTF-16 offsets, with its size in pixels.
+struct MeasuredLine {
+    int start = 0, visibleEnd = 0, end = 0;
+    int ascent = 0, descent = 0;  // from the baseline, both 0 or more; cover the font's own and all ink
+    float width = 0;              // advance up to visibleEnd
+    float fullWidth = 0;          // advance up to end, without the line ending
+};
+
+// How far the font reaches, in whole pixels from the baseline, 0 or more.
+struct FontReach {
+    int ascent = 0, descent = 0;  // as the font wants lines set; the descent includes the line gap
+    int top = 0, bottom = 0;      // of the box around all its glyphs
+};
+
+// A text, laid out with the families and settings with which the library would draw it: the font itself, then
+// the system families that are loaded after the text was set. This process's measuring has a font manager of
+// its own, apart from the renderer's.
+//
+// Immutable; takes the fonts under a lock of its own, so any number of threads may make and use them.
+class TextMeasure {
+public:
+    // `utf8` and `units` are the same text, in the form that the library takes and as Java has it; `units` is
+    // copied. `font` may be null: the system families alone. Throws std::runtime_error, with a message for
+    // the developer, when the font cannot be loaded and when there is no font at all.
+    TextMeasure(const char* utf8, std::vector<uint16_t> units, const char* font, bool italic,
+                const android::Paint& paint);
+
+    // The advance of [start, end) as one line.
+    float advance(int start, int end) const;
+
+    // [start, end) cut into lines no wider than `width`, by the rules of tools/zvtext/LineBreaker.h.
+    std::vector<MeasuredLine> lines(int start, int end, float width) const;
+
+    FontReach reach() const;
+
+private:
+    minikin::Layout layOut(int start, int end) const;
+
+    std::vector<uint16_t> mText;
+    android::Paint mPaint;
+    std::unique_ptr<android::Typeface> mTypeface;
+};
+
+// The style that the file's first font has, as bits: 1 bold (a weight of 600 or more), 2 italic; -1 when it
+// is no font.
+int styleOfFontFile(const char* path);
+
+}  // namespace hostjava
+
+#endif  // ZVEX_PLATFORM_HOST_JNI_TEXTMEASURE_H_

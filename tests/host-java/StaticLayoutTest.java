@@ -1,0 +1,259 @@
+// SPDX-License-Identifier: Apache-2.0
+import static org.junit.jupiter.api.Assertions.assertArrayEquals;
+import static org.junit.jupiter.api.Assertions.assertEquals;
+import static org.junit.jupiter.api.Assertions.assertThrows;
+import static org.junit.jupiter.api.Assertions.assertTrue;
+
+import android.graphics.FontListParser;
+import android.graphics.Typeface;
+import android.text.FontConfig;
+import android.text.Layout;
+import android.text.Layout.Alignment;
+import android.text.StaticLayout;
+import android.text.TextPaint;
+import android.view.Gravity;
+import android.widget.TextView;
+import com.orvane.android.sdk.zve.Stroke;
+import com.orvane.android.sdk.zve.ZvText;
+import com.orvane.android.sdk.zve.font.FontManager;
+import java.awt.image.BufferedImage;
+import java.io.ByteArrayInputStream;
+import java.io.File;
+import java.nio.charset.StandardCharsets;
+import java.nio.file.Path;
+import java.util.ArrayList;
+import java.util.List;
+import javax.imageio.ImageIO;
+import org.junit.jupiter.api.BeforeAll;
+import org.junit.jupiter.api.Test;
+import org.junit.jupiter.api.io.TempDir;
+
+final class StaticLayoutTest {
+    private static final Path FONTS = Path.of(System.getProperty("zvex.fonts"));
+    private static final String FONT = FONTS.resolve("DejaVuSans.ttf").toString();
+    private static final String FALLBACK = "NotoSansCJK-Regular.ttc";
+
+    @BeforeAll
+    static void putAFamilyBehindTheFont() throws Exception {
+        String xml = "<familyset><family><font>" + FALLBACK + "</font></family></familyset>";
+        FontConfig fonts = FontListParser.parse(new ByteArrayInputStream(xml.getBytes(StandardCharsets.UTF_8)));
+        Typeface.setSystemFonts(fonts);
+        FontManager.configure(fonts);
+    }
+
+    private static TextPaint paint(float size) {
+        TextPaint paint = new TextPaint(TextPaint.ANTI_ALIAS_FLAG);
+        paint.setTextSize(size);
+        paint.setTypeface(Typeface.createFromFile(FONT));
+        return paint;
+    }
+
+    private static StaticLayout.Builder builder(String text, int width) {
+        return StaticLayout.Builder.obtain(text, 0, text.length(), paint(20), width).setIncludePad(false);
+    }
+
+    private static List<String> lines(Layout layout) {
+        List<String> lines = new ArrayList<>();
+        String text = layout.getText().toString();
+        for (int i = 0; i < layout.getLineCount(); i++) {
+            assertEquals(layout.getLineEnd(i), layout.getLineStart(i + 1), "lines leave nothing out");
+            assertEquals(layout.getLineTop(i + 1), layout.getLineBottom(i));
+            assertEquals(layout.getLineTop(i), layout.getLineBaseline(i) + layout.getLineAscent(i));
+            assertEquals(layout.getLineBottom(i), layout.getLineBaseline(i) + layout.getLineDescent(i));
+            lines.add(text.substring(layout.getLineStart(i), layout.getLineVisibleEnd(i)));
+        }
+        return lines;
+    }
+
+    @Test
+    void linesAreAsFullAsTheWidthAllows() {
+        String text = "The quick brown fox jumps over the lazy dog, twice or\nthree times a day  and never   rests.";
+        TextPaint paint = paint(20);
+        for (int width : new int[] {130, 200, 333}) {
+            Layout layout = builder(text, width).build();
+            assertTrue(lines(layout).size() > 2);
+            for (int i = 0; i < layout.getLineCount(); i++) {
+                int start = layout.getLineStart(i);
+                int end = layout.getLineEnd(i);
+                assertEquals(paint.measureText(text, start, layout.getLineVisibleEnd(i)), layout.getLineMax(i));
+                assertTrue(layout.getLineMax(i) <= width);
+                assertTrue(layout.getLineWidth(i) >= layout.getLineMax(i));
+                if (end < text.length() && text.charAt(end - 1) != '\n') {
+                    int word = end;
+                    while (word < text.length() && !Character.isWhitespace(text.charAt(word))) {
+                        word++;
+                    }
+                    assertTrue(paint.measureText(text, start, word) > width, "line " + i + " has room for a word more");
+                }
+            }
+        }
+    }
+
+    @Test
+    void linesEndWhereTheTextSaysSo() {
+        assertEquals(List.of(""), lines(builder("", 100).build()));
+        assertEquals(List.of("a", "", "b", ""), lines(builder("a\n\nb\n", 100).build()));
+        assertEquals(List.of("a", "b", "c"), lines(builder("a\r\nb\u2028c", 100).build()));
+        Layout blanks = builder("aa   bb", 30).build();
+        assertEquals(List.of("aa", "bb"), lines(blanks));
+        assertEquals(5, blanks.getLineEnd(0));
+        assertEquals(paint(20).measureText("aa   "), blanks.getLineWidth(0));
+        // A word wider than the column, and a column of no width at all: whole clusters.
+        assertEquals(List.of("i", "i\u0301", "\uD83D\uDE00"), lines(builder("ii\u0301\uD83D\uDE00", 0).build()));
+        assertEquals(List.of("日本", "語の", "文字"), lines(builder("日本語の文字", 45).build()));
+    }
+
+    @Test
+    void aPartOfATextKeepsItsOffsets() {
+        StaticLayout layout = StaticLayout.Builder.obtain("one two three four", 4, 13, paint(20), 60).build();
+        assertEquals(List.of("two", "three"), lines(layout));
+        assertEquals(4, layout.getLineStart(0));
+        assertEquals(13, layout.getLineEnd(1));
+        assertThrows(IndexOutOfBoundsException.class, () -> StaticLayout.Builder.obtain("a", 0, 2, paint(20), 60));
+        assertThrows(IllegalArgumentException.class, () -> builder("a", -1).build());
+    }
+
+    @Test
+    void linesLieWhereTheAlignmentPutsThem() {
+        String leftToRight = "abc אבג";
+        String rightToLeft = "אבג abc";
+        float room = 200 - paint(20).measureText(leftToRight);
+        Object[][] cases = {
+            {leftToRight, Alignment.ALIGN_NORMAL, 0f}, {rightToLeft, Alignment.ALIGN_NORMAL, room},
+            {leftToRight, Alignment.ALIGN_OPPOSITE, room}, {rightToLeft, Alignment.ALIGN_OPPOSITE, 0f},
+            {leftToRight, Alignment.ALIGN_LEFT, 0f}, {rightToLeft, Alignment.ALIGN_LEFT, 0f},
+            {leftToRight, Alignment.ALIGN_RIGHT, room}, {rightToLeft, Alignment.ALIGN_RIGHT, room},
+            {leftToRight, Alignment.ALIGN_CENTER, (float) Math.floor(room / 2)},
+        };
+        for (Object[] one : cases) {
+            Layout layout = builder((String) one[0], 200).setAlignment((Alignment) one[1]).build();
+            assertEquals((float) one[2], layout.getLineLeft(0), one[0] + " " + one[1]);
+        }
+        // The direction is the paragraph's, also on a line that begins the other way round.
+        Layout wrapped = builder("אבג abc\nabc", 45).build();
+        assertEquals(List.of("אבג", "abc", "abc"), lines(wrapped));
+        assertEquals(Layout.DIR_RIGHT_TO_LEFT, wrapped.getParagraphDirection(1));
+        assertEquals(Layout.DIR_LEFT_TO_RIGHT, wrapped.getParagraphDirection(2));
+    }
+
+    @Test
+    void heightsComeFromTheFontTheInkAndTheSettings() {
+        Layout plain = builder("x\nx\nx", 100).build();
+        int height = plain.getLineBottom(0);
+        assertEquals(3 * height, plain.getHeight());
+        assertTrue(builder("日", 100).build().getHeight() > height - 2);
+        assertTrue(builder("\u1EBE", 100).build().getHeight() > height, "two marks on a capital");
+
+        Layout padded = builder("x\nx\nx", 100).setIncludePad(true).build();
+        assertTrue(padded.getTopPadding() < 0 || padded.getBottomPadding() > 0);
+        assertEquals(height - padded.getTopPadding(), padded.getLineBottom(0));
+        assertEquals(plain.getHeight() - padded.getTopPadding() + padded.getBottomPadding(), padded.getHeight());
+
+        Layout spaced = builder("x\nx\nx", 100).setLineSpacing(3, 1.5f).build();
+        assertEquals((int) Math.rint(height * 1.5 + 3), spaced.getLineTop(1));
+        assertEquals(2 * spaced.getLineTop(1) + height, spaced.getHeight(), "none below the last line");
+
+        Layout cut = builder("a\nb\nc", 100).setMaxLines(2).build();
+        assertEquals(List.of("a", "b"), lines(cut));
+        assertEquals(4, cut.getLineStart(2));
+    }
+
+    // Lines set far apart: whatever is drawn lies in the box that the layout measured for its line, and touches it.
+    @Test
+    void inkLiesInTheBoxesOfItsLines() {
+        String text = "Ågj, plain;\n日本語 and\n\u1EBE \u0301marks\nאבג right";
+        int gap = 60;
+        Layout layout = builder(text, 300).setLineSpacing(gap, 1).setAlignment(Alignment.ALIGN_RIGHT).build();
+        TextView view = new TextView();
+        view.setWidth(600);
+        view.setHeight(layout.getHeight() + 300);
+        view.setPadding(100, 100, 0, 0);
+        try (ZvText drawn = new ZvText().font(FONT).paint(layout.getPaint()).view(view).layout(layout)) {
+            int[] argb = drawn.render();
+            boolean[] touched = new boolean[layout.getLineCount()];
+            for (int i = 0; i < argb.length; i++) {
+                if (argb[i] >>> 24 == 0) {
+                    continue;
+                }
+                int x = i % 600 - 100;
+                int y = i / 600 - 100;
+                int line = 0;
+                while (line + 1 < layout.getLineCount() && y >= layout.getLineTop(line + 1)) {
+                    line++;
+                }
+                int bottom = layout.getLineBottom(line) - (line + 1 < layout.getLineCount() ? gap : 0);
+                boolean inside = y >= layout.getLineTop(line) && y < bottom && x >= layout.getLineLeft(line)
+                        && x < layout.getLineRight(line);
+                assertTrue(inside, "ink of line " + line + " at " + x + ", " + y);
+                touched[line] = true;
+            }
+            for (int line = 0; line < touched.length; line++) {
+                assertTrue(touched[line], "line " + line + " is drawn");
+            }
+        }
+    }
+
+    // The command-line renderer breaks, measures and places lines by itself; the pictures are the same bytes.
+    @Test
+    void picturesAreThoseOfTheCommandLine(@TempDir Path folder) throws Exception {
+        String text = "Wrapped words, 日本語の文字 between them and averyveryverylongword\n\nأهلا  وسهلا\u2028end 10\u00A0km.";
+        Object[][] scenes = {
+            // width, height, align, gravity, most lines, letter spacing
+            {260, 420, "left", "top", 0, 0f},
+            {260, 420, "right", "bottom", 0, 0f},
+            {177, 300, "center", "center", 3, 0f},
+            {333, 200, "right", "bottom", 2, .1f},
+            {80, 900, "left", "top", 0, 0f},
+        };
+        File png = folder.resolve("tool.png").toFile();
+        for (Object[] scene : scenes) {
+            List<String> command = new ArrayList<>(List.of(System.getProperty("zvex.zvtext"), "render", text, "--font", FONT,
+                    "--fallback", FONTS.resolve(FALLBACK).toString(), "--size", "28", "--color", "#ff8800",
+                    "--stroke", "4:#202020:outside", "--padding", "9", "--width", "" + scene[0], "--height", "" + scene[1],
+                    "--align", "" + scene[2], "--gravity", "" + scene[3], "--letter-spacing", "" + scene[5],
+                    "--output", png.getPath()));
+            if ((int) scene[4] > 0) {
+                command.addAll(List.of("--max-lines", "" + scene[4]));
+            }
+            assertEquals(0, new ProcessBuilder(command).inheritIO().start().waitFor());
+            BufferedImage expected = ImageIO.read(png);
+
+            TextView view = new TextView();
+            view.setText(text);
+            view.setTypeface(Typeface.createFromFile(FONT));
+            view.setTextSize(28);
+            view.setTextColor(0xFFFF8800);
+            view.getPaint().setLetterSpacing((float) scene[5]);
+            view.setIncludeFontPadding(false);
+            view.setPadding(9, 9, 9, 9);
+            view.setWidth((int) scene[0]);
+            view.setHeight((int) scene[1]);
+            view.setGravity(gravity((String) scene[2]) & Gravity.HORIZONTAL_GRAVITY_MASK
+                    | gravity((String) scene[3]) & Gravity.VERTICAL_GRAVITY_MASK);
+            if ((int) scene[4] > 0) {
+                view.setMaxLines((int) scene[4]);
+            }
+            try (ZvText drawn = new ZvText().font(FONT).paint(view.getPaint()).view(view).layout(view.getLayout())
+                    .stroke(4, 0xFF202020, Stroke.OUTSIDE)) {
+                int[] argb = drawn.render();
+                assertEquals(expected.getWidth(), drawn.width());
+                assertEquals(expected.getHeight(), drawn.height());
+                int[] wanted = expected.getRGB(0, 0, drawn.width(), drawn.height(), null, 0, drawn.width());
+                assertArrayEquals(wanted, argb, String.join(" ", command));
+            }
+        }
+    }
+
+    private static int gravity(String name) {
+        switch (name) {
+            case "right":
+                return Gravity.RIGHT;
+            case "bottom":
+                return Gravity.BOTTOM;
+            case "center":
+                return Gravity.CENTER;
+            default:
+                return Gravity.LEFT | Gravity.TOP;
+        }
+    }
+}
