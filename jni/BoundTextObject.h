@@ -5,10 +5,9 @@
 #include <jni.h>
 
 #include "foundation/Error.h"
+#include "text/ZvTextObject.h"
 
 namespace Zvex {
-
-class ZvTextObject;
 
 // A Java text object carries the runtime handle of its native one in the int field "mHandle", negative while
 // there is none. Two threads that use the same Java object are the caller's to keep apart.
@@ -26,15 +25,25 @@ ZvTextObject* GetBoundTextObject(JNIEnv* env, jobject thiz);
 
 }  // namespace Zvex
 
-// What a native begins with: `name` becomes its text object; without one, the native reports it and returns
-// `failure`. A macro, so that each native reports with a line number of its own.
+// Two steps of a native with the parameters `env` and `thiz`. Macros, so that each native reports with line
+// numbers of its own.
+
+// At the beginning: `name` becomes its text object; without one, the native reports it and returns `failure`.
 #define ZV_BOUND_TEXT_OBJECT(name, failure)                                   \
     ::Zvex::ZvTextObject* const name = ::Zvex::GetBoundTextObject(env, thiz); \
-    do {                                                                      \
-        if (name == nullptr) {                                                \
-            ZV_REPORT_ERROR("ZvText_JNI", ::Zvex::ZV_ERROR_NO_TEXT_OBJECT);   \
-            return failure;                                                   \
-        }                                                                     \
+    ZV_REPORT_UNLESS_BOUND(name != nullptr, failure)
+
+// After calls of Java methods, which may have released the text object with that handle: the same if they
+// have.
+#define ZV_STILL_BOUND(handle, failure) \
+    ZV_REPORT_UNLESS_BOUND(::Zvex::ZvTextObject::FindZvTextObject(handle) != nullptr, failure)
+
+#define ZV_REPORT_UNLESS_BOUND(condition, failure)                          \
+    do {                                                                    \
+        if (!(condition)) {                                                 \
+            ZV_REPORT_ERROR("ZvText_JNI", ::Zvex::ZV_ERROR_NO_TEXT_OBJECT); \
+            return failure;                                                 \
+        }                                                                   \
     } while (false)
 
 #endif  // ZVEX_JNI_BOUNDTEXTOBJECT_H_

@@ -6,8 +6,8 @@
 
 namespace Zvex {
 
-// Registers the natives of the kit's ZvText, which TextObjectNatives.h, TextFontNatives.h and
-// TextEffectNatives.h declare. False, with an exception pending, without the class or one of the methods.
+// Registers the natives of the kit's ZvText: they fill a text object, give it effects and render it. False,
+// with an exception pending, without the class or one of the methods.
 bool ZvText_OnLoad(JavaVM* vm, JNIEnv* env);
 
 }  // namespace Zvex
