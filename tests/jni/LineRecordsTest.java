@@ -1,0 +1,121 @@
+// SPDX-License-Identifier: Apache-2.0
+import static org.junit.jupiter.api.Assertions.assertEquals;
+
+import android.widget.TextView;
+import java.util.ArrayList;
+import java.util.List;
+import java.util.stream.IntStream;
+import org.junit.jupiter.api.Test;
+
+/** Which lines SetLayout makes of a layout, and where: seen by the background, which fills each line's rectangle. */
+final class LineRecordsTest {
+    private static final int BACKGROUND = 0xFF00FF00;
+
+    /** Lines 12 pixels apart that no two numbers of are the same; line i covers i + 1 characters. */
+    private static Lines layout(CharSequence text, int count) {
+        return new Lines(text, IntStream.range(0, count).mapToObj(i -> new Lines.Line(
+                12 * i + 9, 12 * i + 12, i - 9, 2, i + 1.9f, 30 + i + 0.9f, 7 * i, 7 * i + i + 1)).toList());
+    }
+
+    private static Natives text(int gravity, int lines, int maxLines, Lines layout) {
+        TextView view = Natives.view(100, 100, 0);
+        view.setGravity(gravity);
+        view.setPadding(3, 4, 5, 6);
+        view.setMaxLines(maxLines);
+        view.setTextColor(BACKGROUND);
+        Natives text = new Natives();
+        text.<Boolean>call("SetBackgroundColor", BACKGROUND, true);
+        text.<Boolean>call("SetView", view);
+        text.<Boolean>call("SetLine", lines);
+        assertEquals(true, text.call("SetLayout", layout));
+        return text;
+    }
+
+    /** The rectangles of the picture, which lie one below the other: left, top, right, bottom. */
+    private static List<String> rectangles(int[] picture, int width) {
+        List<String> found = new ArrayList<>();
+        int top = -1;
+        String extent = null;
+        for (int y = 0; y <= picture.length / width; y++) {
+            String row = y < picture.length / width ? extent(picture, width, y) : null;
+            if (extent != null && !extent.equals(row)) {
+                found.add(extent + " " + top + ".." + y);
+            }
+            top = row != null && !row.equals(extent) ? y : top;
+            extent = row;
+        }
+        return found;
+    }
+
+    private static String extent(int[] picture, int width, int y) {
+        int[] filled = IntStream.range(0, width).filter(x -> picture[y * width + x] != 0).toArray();
+        return filled.length == 0 ? null : filled[0] + ".." + (filled[filled.length - 1] + 1);
+    }
+
+    private static void assertPlaced(int gravity, int lines, int maxLines, int count, String... expected) {
+        int[] picture = text(gravity, lines, maxLines, layout(null, count)).render();
+        assertEquals(List.of(expected), rectangles(picture, 100),
+                "gravity " + gravity + ", lines " + lines + ", maxLines " + maxLines + ", of " + count);
+    }
+
+    /** Paddings are 3, 4, 5, 6. A line's left is 3 + 1 + i, its width 30 + i, its top 9 - i above the baseline. */
+    @Test
+    void gravityAndLimitsChooseAndPlaceTheLines() {
+        int top = 0x33, centre = 0x13, fill = 0x73, bottom = 0x53, max = Integer.MAX_VALUE;
+        assertPlaced(top, 0, 0, 5);
+        assertPlaced(top, -1, -1, 5);
+        assertPlaced(top, 0, max, 0);
+        assertPlaced(top, 0, 3, 5, "4..34 4..15", "5..36 17..27", "6..38 30..39");
+        assertPlaced(top, 2, 4, 5, "4..34 4..15", "5..36 17..27");
+        assertPlaced(top, 9, 1, 2, "4..34 4..15", "5..36 17..27");
+        // Two lines of 24 in the 90 between the paddings leave 33 above them; nine of 108 none.
+        assertPlaced(centre, 0, 2, 5, "4..34 37..48", "5..36 50..60");
+        assertPlaced(fill, 0, 2, 5, "4..34 37..48", "5..36 50..60");
+        assertPlaced(centre, 1, 0, 9, "4..34 43..54");
+        assertPlaced(centre, 0, max, 7, "4..34 7..18", "5..36 20..30", "6..38 33..42", "7..40 46..54", "8..42 59..66",
+                "9..44 72..78", "10..46 85..90");
+        // The last line ends 6 above the view's end; which line is the first makes no difference to that.
+        assertPlaced(bottom, 0, 2, 5, "7..40 73..81", "8..42 86..93");
+        assertPlaced(bottom, 0, 1, 1, "4..34 82..93");
+        assertPlaced(bottom, 0, max, 2, "4..34 70..81", "5..36 83..93");
+    }
+
+    @Test
+    void linesThatDoNotShowAreNotAskedFor() {
+        Lines none = layout(null, 5);
+        text(0x53, 0, 0, none);
+        assertEquals(List.of(), none.asked);
+        Lines last = layout(null, 9);
+        text(0x53, 0, 2, last);
+        assertEquals(List.of(7, 8), last.asked.stream().distinct().toList());
+    }
+
+    @Test
+    void aLayoutWithoutLinesClearsThoseHeld() {
+        Natives text = text(0x33, 0, 5, layout(null, 5));
+        text.<Boolean>call("SetLayout", layout(null, 0));
+        assertEquals(List.of(), rectangles(text.render(), 100));
+    }
+
+    /** Once a text is drawn, a line's rectangle is as wide as its characters. */
+    @Test
+    void eachLineHasItsCharacters() {
+        Natives text = text(0x33, 0, 5, layout(" ".repeat(40), 5));
+        text.<Boolean>call("SetFont", Natives.DEJAVU + "DejaVuSansMono.ttf");
+        text.<Boolean>call("SetPaint", Natives.paint(10));
+        List<String> drawn = rectangles(text.render(), 100);
+        for (int i = 0; i < 5; i++) {
+            int x = i + 1 + 3;
+            assertEquals(x + ".." + (x + 6 * (i + 1)), drawn.get(i).split(" ")[0]);  // 6 pixels a character
+        }
+    }
+
+    @Test
+    void tenThousandLines() {
+        Lines many = new Lines("a", IntStream.range(0, 10_000).mapToObj(
+                i -> new Lines.Line(i, i + 1, 0, 1, 0, 1 + i % 90, 0, 0)).toList());
+        Natives text = text(0x33, 0, Integer.MAX_VALUE, layout(null, 1));
+        assertEquals(true, text.call("SetLayout", many));
+        assertEquals(10_000, many.asked.stream().distinct().count());
+    }
+}
