@@ -105,10 +105,10 @@ final class StaticLayoutTest {
 
     @Test
     void aPartOfATextKeepsItsOffsets() {
-        StaticLayout layout = StaticLayout.Builder.obtain("one two three four", 4, 13, paint(20), 60).build();
-        assertEquals(List.of("two", "three"), lines(layout));
-        assertEquals(4, layout.getLineStart(0));
-        assertEquals(13, layout.getLineEnd(1));
+        StaticLayout layout = StaticLayout.Builder.obtain("WWWW iiii iiii W", 5, 14, paint(20), 30).build();
+        assertEquals(List.of("iiii", "iiii"), lines(layout));
+        assertEquals(5, layout.getLineStart(0));
+        assertEquals(14, layout.getLineEnd(1));
         assertThrows(IndexOutOfBoundsException.class, () -> StaticLayout.Builder.obtain("a", 0, 2, paint(20), 60));
         assertThrows(IllegalArgumentException.class, () -> builder("a", -1).build());
     }
@@ -137,12 +137,23 @@ final class StaticLayoutTest {
     }
 
     @Test
+    void aFontsLineGapBelongsToItsLines() {
+        TextPaint paint = paint(20);
+        paint.setTypeface(Typeface.createFromFile("/usr/share/fonts/truetype/noto/NotoLoopedLao-Regular.ttf"));
+        Layout layout = StaticLayout.Builder.obtain("ກ", 0, 1, paint, 100).setIncludePad(false).build();
+        assertEquals(25, layout.getLineBaseline(0)); // 1250 thousandths of 20 pixels
+        assertEquals(11, layout.getLineDescent(0)); // 350 and a gap of 200
+    }
+
+    @Test
     void heightsComeFromTheFontTheInkAndTheSettings() {
         Layout plain = builder("x\nx\nx", 100).build();
         int height = plain.getLineBottom(0);
         assertEquals(3 * height, plain.getHeight());
-        assertTrue(builder("日", 100).build().getHeight() > height - 2);
-        assertTrue(builder("\u1EBE", 100).build().getHeight() > height, "two marks on a capital");
+        Layout capital = builder("\u1EBE", 100).build(); // two marks on it
+        assertTrue(capital.getLineBaseline(0) > plain.getLineBaseline(0));
+        Layout deep = builder("\u06B8", 100).build(); // three dots below it
+        assertTrue(deep.getLineDescent(0) > plain.getLineDescent(0));
 
         Layout padded = builder("x\nx\nx", 100).setIncludePad(true).build();
         assertTrue(padded.getTopPadding() < 0 || padded.getBottomPadding() > 0);
@@ -161,7 +172,7 @@ final class StaticLayoutTest {
     // Lines set far apart: whatever is drawn lies in the box that the layout measured for its line, and touches it.
     @Test
     void inkLiesInTheBoxesOfItsLines() {
-        String text = "Ågj, plain;\n日本語 and\n\u1EBE \u0301marks\nאבג right";
+        String text = "Ågj, plain;\n日本語 and\n\u1EBE \u0301marks \u06B8\nאבג right";
         int gap = 60;
         Layout layout = builder(text, 300).setLineSpacing(gap, 1).setAlignment(Alignment.ALIGN_RIGHT).build();
         TextView view = new TextView();
@@ -196,7 +207,7 @@ final class StaticLayoutTest {
     // The command-line renderer breaks, measures and places lines by itself; the pictures are the same bytes.
     @Test
     void picturesAreThoseOfTheCommandLine(@TempDir Path folder) throws Exception {
-        String text = "Wrapped words, 日本語の文字 between them and averyveryverylongword\n\nأهلا  وسهلا\u2028end 10\u00A0km.";
+        String text = "Wrapped words, 日本語の文字 between them and averyveryverylongword\n\nأهلا  وسهلا ڸ\u2028end 10\u00A0km 𠮷 more.";
         Object[][] scenes = {
             // width, height, align, gravity, most lines, letter spacing
             {260, 420, "left", "top", 0, 0f},
@@ -208,7 +219,7 @@ final class StaticLayoutTest {
         File png = folder.resolve("tool.png").toFile();
         for (Object[] scene : scenes) {
             List<String> command = new ArrayList<>(List.of(System.getProperty("zvex.zvtext"), "render", text, "--font", FONT,
-                    "--fallback", FONTS.resolve(FALLBACK).toString(), "--size", "28", "--color", "#ff8800",
+                    "--fallback", FONTS.resolve(FALLBACK).toString(), "--size", "25", "--color", "#ff8800",
                     "--stroke", "4:#202020:outside", "--padding", "9", "--width", "" + scene[0], "--height", "" + scene[1],
                     "--align", "" + scene[2], "--gravity", "" + scene[3], "--letter-spacing", "" + scene[5],
                     "--output", png.getPath()));
@@ -221,7 +232,7 @@ final class StaticLayoutTest {
             TextView view = new TextView();
             view.setText(text);
             view.setTypeface(Typeface.createFromFile(FONT));
-            view.setTextSize(28);
+            view.setTextSize(25);
             view.setTextColor(0xFFFF8800);
             view.getPaint().setLetterSpacing((float) scene[5]);
             view.setIncludeFontPadding(false);

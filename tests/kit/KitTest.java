@@ -12,9 +12,12 @@ import android.graphics.FontListParser;
 import android.graphics.Paint;
 import android.graphics.Typeface;
 import android.text.FontConfig;
+import android.text.Layout;
+import android.text.StaticLayout;
 import android.view.Gravity;
 import android.widget.TextView;
 import com.orvane.android.sdk.zve.font.FontManager;
+import com.orvane.android.sdk.zve.util.FontLock;
 import com.orvane.android.sdk.zve.util.ZvError;
 import java.io.ByteArrayInputStream;
 import java.io.IOException;
@@ -36,7 +39,9 @@ import java.util.concurrent.ExecutorService;
 import java.util.concurrent.Executors;
 import java.util.concurrent.Future;
 import java.util.concurrent.TimeUnit;
+import java.util.concurrent.TimeoutException;
 import java.util.concurrent.atomic.AtomicInteger;
+import java.util.concurrent.locks.Lock;
 import org.junit.jupiter.api.BeforeAll;
 import org.junit.jupiter.api.Test;
 
@@ -163,6 +168,11 @@ final class KitTest {
                 }
             };
             assertEquals(thrown, assertThrows(IllegalStateException.class, () -> text.paint(bad)));
+            Spoiled spoiled = new Spoiled();
+            Layout layout = StaticLayout.Builder.obtain(spoiled, 0, 1, view.getPaint(), 100).build();
+            spoiled.throwing = true;
+            assertThrows(UnsupportedOperationException.class, () -> text.layout(layout));
+            text.view(view); // places the lines of the last good layout
             assertArrayEquals(good, text.render());
         }
 
@@ -172,6 +182,33 @@ final class KitTest {
         ZvException refused = assertThrows(ZvException.class, () -> stale.stroke(1, 0, Stroke.CENTER));
         assertEquals(19, refused.code());
         assertEquals(19, ZvError.lastCode());
+    }
+
+    private static final class Spoiled implements CharSequence {
+        boolean throwing;
+
+        @Override
+        public int length() {
+            return 1;
+        }
+
+        @Override
+        public char charAt(int index) {
+            return 'a';
+        }
+
+        @Override
+        public CharSequence subSequence(int start, int end) {
+            return this;
+        }
+
+        @Override
+        public String toString() {
+            if (throwing) {
+                throw new UnsupportedOperationException();
+            }
+            return "a";
+        }
     }
 
     @Test
@@ -244,6 +281,52 @@ final class KitTest {
         assertArrayEquals(fromFile, picture(textOf(view).font(new AssetManager(Path.of(FONT).toRealPath().getParent()), "DejaVuSans-Bold.ttf")));
         FontManager.insert("inserted-Bold", bytes);
         assertArrayEquals(fromFile, picture(textOf(view).font("inserted-Bold")));
+    }
+
+    // Held by this thread as a render holds it: what changes nothing goes on beside it, what may change the fonts waits.
+    @Test
+    void onlyCallsThatMayChangeTheFontsWaitForRenders() throws Exception {
+        TextView latin = viewOf("Plain “text”");
+        Layout kanaLayout = viewOf("かな").getLayout();
+        FontConfig empty = new FontConfig(new FontConfig.Family[0]);
+        byte[] bytes = Files.readAllBytes(Path.of(FONT));
+        ExecutorService pool = Executors.newCachedThreadPool();
+        List<Future<?>> waiting = new ArrayList<>();
+        try (ZvText text = textOf(latin); ZvText other = textOf(latin)) {
+            List<Callable<?>> beside = List.of(
+                    () -> text.font(FONT), () -> text.layout(latin.getLayout()), text::render, () -> text.view(latin));
+            List<Callable<?>> alone = List.of(
+                    () -> text.layout(kanaLayout),
+                    () -> other.font("waiting-Bold", bytes),
+                    Executors.callable(() -> FontManager.insert("waiting too", bytes)),
+                    Executors.callable(() -> FontManager.configure(empty)));
+            Lock reading = FontLock.read();
+            try {
+                for (Callable<?> call : beside) {
+                    pool.submit(call).get(20, TimeUnit.SECONDS);
+                }
+                for (Callable<?> call : alone) {
+                    Future<?> result = pool.submit(call);
+                    waiting.add(result);
+                    assertThrows(TimeoutException.class, () -> result.get(200, TimeUnit.MILLISECONDS), "call " + waiting.size());
+                }
+            } finally {
+                reading.unlock();
+            }
+            for (Future<?> call : waiting) {
+                call.get(20, TimeUnit.SECONDS);
+            }
+            Lock changing = FontLock.change();
+            Future<?> render = pool.submit(other::render);
+            try {
+                assertThrows(TimeoutException.class, () -> render.get(300, TimeUnit.MILLISECONDS));
+            } finally {
+                changing.unlock();
+            }
+            render.get(20, TimeUnit.SECONDS);
+        } finally {
+            pool.shutdown();
+        }
     }
 
     // Texts of their own, one that all share, fonts that come while others render, scripts whose family is loaded late.

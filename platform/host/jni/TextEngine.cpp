@@ -51,8 +51,7 @@ std::vector<uint16_t> unitsOf(JNIEnv* env, jstring text) {
 }
 
 // Null, with an exception pending, when the paint throws one.
-std::unique_ptr<hostjava::TextMeasure> measureOf(JNIEnv* env, jstring text, jobject paint, jstring font,
-                                                 jboolean italic) {
+std::unique_ptr<hostjava::TextMeasure> measureOf(JNIEnv* env, jstring text, jobject paint, jstring font) {
     android::Paint nativePaint;
     if (!Zvex::ReadPaint(env, paint, nativePaint)) {
         if (env->ExceptionCheck()) return nullptr;
@@ -61,7 +60,7 @@ std::unique_ptr<hostjava::TextMeasure> measureOf(JNIEnv* env, jstring text, jobj
     const Utf8Chars utf8(env, text), fontPath(env, font);
     if (utf8.get() == nullptr || (font != nullptr && fontPath.get() == nullptr)) throw std::bad_alloc();
     return std::make_unique<hostjava::TextMeasure>(utf8.get(), unitsOf(env, text), fontPath.get(),
-                                                   italic != JNI_FALSE, nativePaint);
+                                                   nativePaint);
 }
 
 jint bitsOf(float value) {
@@ -77,10 +76,9 @@ jint bitsOf(float value) {
 extern "C" JNIEXPORT jintArray JNICALL Java_android_host_TextEngine_breakLines(JNIEnv* env, jclass,
                                                                                jstring text, jint start,
                                                                                jint end, jobject paint,
-                                                                               jstring font, jboolean italic,
-                                                                               jfloat width) {
+                                                                               jstring font, jfloat width) {
     return guarded<jintArray>(env, nullptr, [&]() -> jintArray {
-        const auto measure = measureOf(env, text, paint, font, italic);
+        const auto measure = measureOf(env, text, paint, font);
         if (measure == nullptr) return nullptr;
         const hostjava::FontReach reach = measure->reach();
         std::vector<jint> numbers = {reach.ascent, reach.descent, reach.top, reach.bottom};
@@ -98,9 +96,9 @@ extern "C" JNIEXPORT jintArray JNICALL Java_android_host_TextEngine_breakLines(J
 
 extern "C" JNIEXPORT jfloat JNICALL Java_android_host_TextEngine_advance(JNIEnv* env, jclass, jstring text,
                                                                          jint start, jint end, jobject paint,
-                                                                         jstring font, jboolean italic) {
+                                                                         jstring font) {
     return guarded<jfloat>(env, 0, [&] {
-        const auto measure = measureOf(env, text, paint, font, italic);
+        const auto measure = measureOf(env, text, paint, font);
         return measure != nullptr ? measure->advance(start, end) : 0;
     });
 }

@@ -44,7 +44,7 @@ bool endsLine(uint16_t unit) {
 
 }  // namespace
 
-TextMeasure::TextMeasure(const char* utf8, std::vector<uint16_t> units, const char* font, bool italic,
+TextMeasure::TextMeasure(const char* utf8, std::vector<uint16_t> units, const char* font,
                          const android::Paint& paint)
     : mText(std::move(units)), mPaint(paint) {
     const std::lock_guard<std::mutex> lock(fontLock());
@@ -66,7 +66,7 @@ TextMeasure::TextMeasure(const char* utf8, std::vector<uint16_t> units, const ch
     std::vector<std::shared_ptr<minikin::FontFamily>> families;
     int weight = 400;
     FontManager::GetInstance()->GetMinikinFontFamilies(families, object.GetFont()->GetFontPath(), weight);
-    mTypeface.reset(android::Typeface::createFromFamilies(std::move(families), weight, italic ? 1 : 0));
+    mTypeface.reset(android::Typeface::createFromFamilies(std::move(families), weight, 0));
     if (mTypeface->fFontCollection->families().empty()) {
         throw std::runtime_error("no font: set a typeface made from a file, or the system's fonts");
     }

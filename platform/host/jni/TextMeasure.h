@@ -36,8 +36,8 @@ public:
     // `utf8` and `units` are the same text, in the form that the library takes and as Java has it; `units` is
     // copied. `font` may be null: the system families alone. Throws std::runtime_error, with a message for
     // the developer, when the font cannot be loaded and when there is no font at all.
-    TextMeasure(const char* utf8, std::vector<uint16_t> units, const char* font, bool italic,
-                const android::Paint& paint);
+    // The style's slant is left out: it changes neither advances nor heights.
+    TextMeasure(const char* utf8, std::vector<uint16_t> units, const char* font, const android::Paint& paint);
 
     // The advance of [start, end) as one line.
     float advance(int start, int end) const;

@@ -107,10 +107,9 @@ public final class TextEngine {
     public static Lines breakLines(String text, int start, int end, Paint paint, float width) {
         Objects.checkFromToIndex(start, end, text.length());
         load();
-        Typeface face = paint.getTypeface();
         // A width of 0 asks the engine for no wrapping at all.
         float positive = Math.max(width, Float.MIN_VALUE);
-        return new Lines(breakLines(text, start, end, paint, pathOf(face), italic(face), positive));
+        return new Lines(breakLines(text, start, end, paint, pathOf(paint), positive));
     }
 
     /**
@@ -121,8 +120,7 @@ public final class TextEngine {
     public static float advance(String text, int start, int end, Paint paint) {
         Objects.checkFromToIndex(start, end, text.length());
         load();
-        Typeface face = paint.getTypeface();
-        return advance(text, start, end, paint, pathOf(face), italic(face));
+        return advance(text, start, end, paint, pathOf(paint));
     }
 
     /** The {@link Typeface} style bits of the file's first font; -1 where the file is no font. */
@@ -137,18 +135,14 @@ public final class TextEngine {
         return setSystemFonts(config);
     }
 
-    private static String pathOf(Typeface face) {
+    private static String pathOf(Paint paint) {
+        Typeface face = paint.getTypeface();
         return face != null ? face.getPath() : null;
     }
 
-    private static boolean italic(Typeface face) {
-        return face != null && face.isItalic();
-    }
+    private static native int[] breakLines(String text, int start, int end, Paint paint, String font, float width);
 
-    private static native int[] breakLines(
-            String text, int start, int end, Paint paint, String font, boolean italic, float width);
-
-    private static native float advance(String text, int start, int end, Paint paint, String font, boolean italic);
+    private static native float advance(String text, int start, int end, Paint paint, String font);
 
     private static native int styleOfFontFile(String path);
 
