@@ -55,7 +55,8 @@ final class FontListParserTest {
         assertEquals(0, families[4].getFonts().length);
     }
 
-    private static void assertFont(FontConfig.Font font, String name, int index, int weight, boolean italic, String fallbackFor) {
+    private static void assertFont(
+            FontConfig.Font font, String name, int index, int weight, boolean italic, String fallbackFor) {
         assertEquals(name, font.getFontName());
         assertEquals(index, font.getTtcIndex());
         assertEquals(weight, font.getWeight());

@@ -207,7 +207,8 @@ final class StaticLayoutTest {
     // The command-line renderer breaks, measures and places lines by itself; the pictures are the same bytes.
     @Test
     void picturesAreThoseOfTheCommandLine(@TempDir Path folder) throws Exception {
-        String text = "Wrapped words, 日本語の文字 between them and averyveryverylongword\n\nأهلا  وسهلا ڸ\u2028end 10\u00A0km 𠮷 more.";
+        String text = "Wrapped words, 日本語の文字 between them and averyveryverylongword\n\n"
+                + "أهلا  وسهلا ڸ\u2028end 10\u00A0km 𠮷 more.";
         Object[][] scenes = {
             // width, height, align, gravity, most lines, letter spacing
             {260, 420, "left", "top", 0, 0f},

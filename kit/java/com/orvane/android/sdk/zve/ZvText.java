@@ -286,7 +286,7 @@ public final class ZvText implements AutoCloseable {
         }
     }
 
-    /** Fills the text with colours that merge, spread evenly over it. */
+    /** Fills the text with colours that merge, spread evenly over its box; angles as below. */
     public ZvText linearGradient(float angle, int... colors) {
         float[] positions = new float[colors.length];
         for (int i = 1; i < positions.length; i++) {
@@ -298,7 +298,9 @@ public final class ZvText implements AutoCloseable {
     /**
      * Fills the text with colours that merge.
      *
-     * @param scale 0 to 2: how much of the text's extent the colours are spread over
+     * @param angle 0 runs from the left to the right, 90 from the bottom to the top
+     * @param scale how far the colours are spread: 1 over the text's box, 2, the most, over twice that, which shows the
+     *     middle ones; below 0.1 there is no fill at all
      * @param positions of the colours, 0 to 1, taken to hundredths
      * @throws IllegalArgumentException where there are not as many positions as colours
      */
