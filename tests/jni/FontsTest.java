@@ -7,6 +7,7 @@ import android.content.res.AssetManager;
 import android.graphics.Paint;
 import android.text.FontConfig;
 import com.orvane.android.sdk.zve.ZvLibrary;
+import java.io.File;
 import java.io.IOException;
 import java.nio.file.Files;
 import java.nio.file.Path;
@@ -89,6 +90,7 @@ final class FontsTest {
 
         AssetManager manager = new AssetManager(root);
         Natives text = new Natives();
+        int before = new File("/proc/self/fd").list().length;
         for (String name : new String[] {"in.ttf", "fonts/deep.ttf", "link-in.ttf"}) {
             assertEquals(true, text.call("SetFont3", manager, name), name);
         }
@@ -97,6 +99,7 @@ final class FontsTest {
                 "empty.ttf", "IN.TTF"}) {
             assertEquals(false, text.call("SetFont3", manager, name), name);
         }
+        assertEquals(before, new File("/proc/self/fd").list().length, "open files");
     }
 
     /** A file name beyond the basic plane reaches the file system as UTF-8; in a text such a character is one. */
@@ -125,7 +128,7 @@ final class FontsTest {
         static void run() {
             int[] drawn = Natives.render("\u65E5", CJK);
             int[] emoji = Natives.render("\uD83D\uDE00", EMOJI);
-            assertEquals(true, setConfig(null, family("sans-serif", "Roboto-Regular.ttf"),
+            assertEquals(true, setConfig(null, family("sans-serif", "Roboto-Regular.ttf", "en"),
                     family("serif", "NotoSansCJK-Regular.ttc"),
                     family(null, "NotoSansCJK-Regular.ttc", null, "", "ja", "und-Zsye"),
                     family(null, "NotoColorEmoji.ttf", "und-Zsye")));
@@ -156,16 +159,21 @@ final class FontsTest {
             FontConfig.Family compact = new FontConfig.Family(null,
                     new FontConfig.Font[] {font("DejaVuSans.ttf", false, "")}, null, FontConfig.Family.VARIANT_COMPACT);
             FontConfig.Family elegant = new FontConfig.Family(null,
-                    new FontConfig.Font[] {font("Roboto-Bold.ttf", false, null)}, null, FontConfig.Family.VARIANT_ELEGANT);
+                    new FontConfig.Font[] {new FontConfig.Font("Roboto-Regular.ttf", 0, 900, false, null),
+                        font("Missing.ttf", false, null), font("Roboto-Bold.ttf", false, null)}, null,
+                    FontConfig.Family.VARIANT_ELEGANT);
+            FontConfig.Family chinese = new FontConfig.Family(null,
+                    new FontConfig.Font[] {new FontConfig.Font("NotoSansCJK-Regular.ttc", 2, 400, false, null)}, null, 1);
             // The very first family wins whatever its variant is, so that is one without letters.
             assertEquals(true, setConfig(new FontConfig.Family(null, null, null, 0), family(null, "NotoColorEmoji.ttf"),
-                    leftOut, compact, elegant));
+                    leftOut, compact, elegant, chinese));
             Natives text = Natives.line("Family", null);
             assertArrayEquals(Natives.render("Family", Natives.SANS), text.render());
             Paint paint = Natives.paint(40);
             paint.setElegantTextHeight(true);
             text.<Boolean>call("SetPaint", paint);
             assertArrayEquals(Natives.render("Family", ROBOTO + "Bold.ttf"), text.render());
+            assertFalse(Arrays.equals(Natives.render("\u76F4", CJK), Natives.render("\u76F4", null)), "the collection's third font");
             assertEquals(true, setConfig(family(null, "NotoColorEmoji.ttf")), "the first one stays");
             assertArrayEquals(Natives.render("Family", Natives.SANS), Natives.render("Family", null));
         }

@@ -14,7 +14,7 @@ final class LineRecordsTest {
     /** Lines 12 pixels apart that no two numbers of are the same; line i covers i + 1 characters. */
     private static Lines layout(CharSequence text, int count) {
         return new Lines(text, IntStream.range(0, count).mapToObj(i -> new Lines.Line(
-                12 * i + 9, 12 * i + 12, i - 9, 2, i + 1.9f, 30 + i + 0.9f, 7 * i, 7 * i + i + 1)).toList());
+                12 * i + 9, 12 * i + 12, i - 9, 2, i + 1.9f, 88 + i + 0.9f, 7 * i, 7 * i + i + 1)).toList());
     }
 
     private static Natives text(int gravity, int lines, int maxLines, Lines layout) {
@@ -58,26 +58,26 @@ final class LineRecordsTest {
                 "gravity " + gravity + ", lines " + lines + ", maxLines " + maxLines + ", of " + count);
     }
 
-    /** Paddings are 3, 4, 5, 6. A line's left is 3 + 1 + i, its width 30 + i, its top 9 - i above the baseline. */
+    /** Paddings are 3, 4, 5, 6; what reaches into the right one is cut off. A line's left is 3 + 1 + i, its width 88 + i, its top 9 - i above the baseline. */
     @Test
     void gravityAndLimitsChooseAndPlaceTheLines() {
         int top = 0x33, centre = 0x13, fill = 0x73, bottom = 0x53, max = Integer.MAX_VALUE;
         assertPlaced(top, 0, 0, 5);
         assertPlaced(top, -1, -1, 5);
         assertPlaced(top, 0, max, 0);
-        assertPlaced(top, 0, 3, 5, "4..34 4..15", "5..36 17..27", "6..38 30..39");
-        assertPlaced(top, 2, 4, 5, "4..34 4..15", "5..36 17..27");
-        assertPlaced(top, 9, 1, 2, "4..34 4..15", "5..36 17..27");
+        assertPlaced(top, 0, 3, 5, "4..92 4..15", "5..94 17..27", "6..95 30..39");
+        assertPlaced(top, 2, 4, 5, "4..92 4..15", "5..94 17..27");
+        assertPlaced(top, 9, 1, 2, "4..92 4..15", "5..94 17..27");
         // Two lines of 24 in the 90 between the paddings leave 33 above them; nine of 108 none.
-        assertPlaced(centre, 0, 2, 5, "4..34 37..48", "5..36 50..60");
-        assertPlaced(fill, 0, 2, 5, "4..34 37..48", "5..36 50..60");
-        assertPlaced(centre, 1, 0, 9, "4..34 43..54");
-        assertPlaced(centre, 0, max, 7, "4..34 7..18", "5..36 20..30", "6..38 33..42", "7..40 46..54", "8..42 59..66",
-                "9..44 72..78", "10..46 85..90");
+        assertPlaced(centre, 0, 2, 5, "4..92 37..48", "5..94 50..60");
+        assertPlaced(fill, 0, 2, 5, "4..92 37..48", "5..94 50..60");
+        assertPlaced(centre, 1, 0, 9, "4..92 43..54");
+        assertPlaced(centre, 0, max, 7, "4..92 7..18", "5..94 20..30", "6..95 33..42", "7..95 46..54", "8..95 59..66",
+                "9..95 72..78", "10..95 85..90");
         // The last line ends 6 above the view's end; which line is the first makes no difference to that.
-        assertPlaced(bottom, 0, 2, 5, "7..40 73..81", "8..42 86..93");
-        assertPlaced(bottom, 0, 1, 1, "4..34 82..93");
-        assertPlaced(bottom, 0, max, 2, "4..34 70..81", "5..36 83..93");
+        assertPlaced(bottom, 0, 2, 5, "7..95 73..81", "8..95 86..93");
+        assertPlaced(bottom, 0, 1, 1, "4..92 82..93");
+        assertPlaced(bottom, 0, max, 2, "4..92 70..81", "5..94 83..93");
     }
 
     @Test

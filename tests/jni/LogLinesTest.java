@@ -41,7 +41,7 @@ final class LogLinesTest {
     }
 
     private LogLinesTest() throws IOException {
-        AssetManager assets = new AssetManager(Path.of(Natives.DEJAVU));
+        AssetManager assets = new AssetManager(Path.of("/usr/share/fonts/truetype"));
         Object[] nothing = {null};
         byte[] bytes = {1};
 
@@ -63,7 +63,9 @@ final class LogLinesTest {
         text("SetFont2", with("name", null), "ET ZvText_SetFont2() - buffer is NULL", "= false");
         text("SetFont3", with(null, "name"), "ET ZvText_SetFont3() - assetManager is NULL", "= false");
         text("SetFont3", with(assets, null), "ET ZvText_SetFont3() - fontName is NULL", "= false");
-        text("SetFont3", with(assets, "missing.ttf"), "ET ZvText_SetFont3() - _ASSET_NOT_FOUND_", "= false");
+        for (String name : new String[] {"missing.ttf", "dejavu"}) {
+            text("SetFont3", with(assets, name), "ET ZvText_SetFont3() - _ASSET_NOT_FOUND_", "= false");
+        }
         for (int length : new int[] {0, 1, 5000}) {
             String line = "E/ZvFontManager: AddMinikinFont() - Fail to " + (length == 0 ? "get font" : "create typeface");
             text("SetFont2", with("junk", new byte[length]), line, "= false");

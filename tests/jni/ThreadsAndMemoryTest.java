@@ -55,6 +55,8 @@ final class ThreadsAndMemoryTest {
         Natives large = Natives.line("Text", Natives.SANS);
         large.<Boolean>call("SetView", Natives.view(10_000, 10_000, 0x33));
         assertThrows(OutOfMemoryError.class, large::render, "the array is more than the runtime has");
+        // Much in strings and arrays, so that one not given back is seen.
+        Lines layout = new Lines("Text" + " ".repeat(1000), Lines.single("Text").lines);
         int cycles = Integer.getInteger("zvex.cycles");
         int before = 0;
         for (int i = 0; i < cycles; i++) {
@@ -62,7 +64,8 @@ final class ThreadsAndMemoryTest {
                 before = residentKilobytes();
             }
             Natives text = Natives.line("Text", Natives.SANS);
-            text.<Integer>call("AddStrokeTextEffect", 2f, 0xFF0000FF, 1f, 0, 1);
+            text.<Boolean>call("SetLayout", layout);
+            text.<Integer>call("AddLinearGradientTextEffect", 0f, 1f, new int[256], new float[256], new float[256], 1f);
             if (i % 20 == 0) {
                 text.render();
             }
