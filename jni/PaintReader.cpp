@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "jni/PaintReader.h"
 
+#include <SkPaint.h>
+#include <minikin/FontFamily.h>
 #include <minikin/LocaleList.h>
 
 #include <cstring>
