@@ -15,6 +15,7 @@
 #include "effect/ZvEffect.h"
 #include "foundation/List.h"
 #include "foundation/ZvString.h"
+#include "platform/host/LineBreaker.h"
 #include "text/FontManager.h"
 #include "text/LinePlacement.h"
 #include "text/ZvFontDrawing.h"
@@ -22,7 +23,6 @@
 #include "text/ZvView.h"
 #include "tools/zvtext/Failure.h"
 #include "tools/zvtext/FontFile.h"
-#include "tools/zvtext/LineBreaker.h"
 
 namespace zvtext {
 
@@ -137,7 +137,8 @@ std::vector<Zvex::LaidOutLine> layOutLines(const Scene& scene, const LineShaper&
     const auto size = static_cast<float>(scene.style.size);
     std::vector<Zvex::LaidOutLine> lines;
     int top = 0;
-    for (const LineRange& range : breakLines(shaper.text(), shaper.length(), wrapWidth, measure)) {
+    for (const host::LineRange& range :
+         host::breakLines(shaper.text(), shaper.length(), wrapWidth, measure)) {
         minikin::MinikinRect ink;
         float advance = 0;
         if (range.start < range.visibleEnd) {

@@ -12,12 +12,12 @@
 
 #include "foundation/ZvString.h"
 #include "platform/host/FontFace.h"
+#include "platform/host/LineBreaker.h"
 #include "platform/host/ShapingFont.h"
 #include "platform/host/jni/FontLock.h"
 #include "text/FontManager.h"
 #include "text/ZvFontDrawing.h"
 #include "text/ZvTextObject.h"
-#include "tools/zvtext/LineBreaker.h"
 
 namespace hostjava {
 
@@ -92,8 +92,7 @@ std::vector<MeasuredLine> TextMeasure::lines(int start, int end, float width) co
     const auto measure = [&](int from, int to) { return advance(start + from, start + to); };
     const FontReach font = reach();
     std::vector<MeasuredLine> lines;
-    for (const zvtext::LineRange& range :
-         zvtext::breakLines(mText.data() + start, end - start, width, measure)) {
+    for (const host::LineRange& range : host::breakLines(mText.data() + start, end - start, width, measure)) {
         MeasuredLine line;
         line.start = start + range.start;
         line.visibleEnd = start + range.visibleEnd;

@@ -42,7 +42,7 @@ public:
     // The advance of [start, end) as one line.
     float advance(int start, int end) const;
 
-    // [start, end) cut into lines no wider than `width`, by the rules of tools/zvtext/LineBreaker.h.
+    // [start, end) cut into lines no wider than `width`, by the rules of platform/host/LineBreaker.h.
     std::vector<MeasuredLine> lines(int start, int end, float width) const;
 
     FontReach reach() const;

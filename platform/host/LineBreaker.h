@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
-#ifndef ZVEX_TOOLS_ZVTEXT_LINEBREAKER_H_
-#define ZVEX_TOOLS_ZVTEXT_LINEBREAKER_H_
+#ifndef ZVEX_PLATFORM_HOST_LINEBREAKER_H_
+#define ZVEX_PLATFORM_HOST_LINEBREAKER_H_
 
 #include <cstdint>
 #include <functional>
 #include <vector>
 
-namespace zvtext {
+namespace host {
 
 // A line's part of the text in UTF-16 offsets. Blanks and the line ending that follow the last visible
 // character lie between visibleEnd and end.
@@ -23,6 +23,6 @@ using MeasureText = std::function<float(int start, int end)>;
 // nothing. An empty line is kept: a text with n line endings has at least n + 1 lines.
 std::vector<LineRange> breakLines(const uint16_t* text, int length, float width, const MeasureText& measure);
 
-}  // namespace zvtext
+}  // namespace host
 
-#endif  // ZVEX_TOOLS_ZVTEXT_LINEBREAKER_H_
+#endif  // ZVEX_PLATFORM_HOST_LINEBREAKER_H_

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "tools/zvtext/LineBreaker.h"
+#include "platform/host/LineBreaker.h"
 
 #include <unicode/ubrk.h>
 #include <unicode/uchar.h>
@@ -7,8 +7,9 @@
 #include <algorithm>
 #include <memory>
 #include <stdexcept>
+#include <string>
 
-namespace zvtext {
+namespace host {
 
 namespace {
 
@@ -125,4 +126,4 @@ std::vector<LineRange> breakLines(const uint16_t* text, int length, float width,
     return lines;
 }
 
-}  // namespace zvtext
+}  // namespace host

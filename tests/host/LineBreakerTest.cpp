@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "tools/zvtext/LineBreaker.h"
+#include "platform/host/LineBreaker.h"
 
 #include <gtest/gtest.h>
 
 #include <string>
 
-namespace zvtext {
+namespace host {
 namespace {
 
 const uint16_t* units(const std::u16string& text) {
@@ -82,4 +82,4 @@ TEST(LineBreaker, AMillionCharactersInOneParagraphTakeLinearWork) {
 }
 
 }  // namespace
-}  // namespace zvtext
+}  // namespace host
