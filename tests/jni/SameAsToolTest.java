@@ -38,7 +38,6 @@ final class SameAsToolTest {
         command.addAll(options);
         Process process = new ProcessBuilder(command).redirectErrorStream(true).start();
         String output = new String(process.getInputStream().readAllBytes());
-        assumeTrue(!output.contains("not expected"), "a tool without this option: " + output);
         assertEquals(0, process.waitFor(), output);
         return ImageIO.read(png.toFile());
     }
