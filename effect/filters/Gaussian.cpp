@@ -9,6 +9,7 @@
 #include <cstddef>
 
 #include "foundation/SafeConvert.h"
+#include "raster/CpuTarget.h"
 
 namespace Zvex {
 
@@ -18,6 +19,9 @@ constexpr double LN_100 = 4.60517;
 
 // Of the weights, so that 255 times them, the largest sum there is, fits 32 bits.
 constexpr int64_t MAX_TOTAL = UINT32_MAX / 255;
+
+#define ZVEX_KERNELS "effect/filters/GaussianKernels.inc"
+#include "raster/ForEachTarget.h"
 
 }  // namespace
 
@@ -43,17 +47,9 @@ bool Gaussian::make(int newRadius, int scale, GaussianConstant constant) {
 }
 
 void blurRun(const BlurRun& run, uint32_t* sums) {
-    const uint32_t middle = static_cast<uint32_t>(run.kernel->weights[0]);
-    for (int x = 0; x < run.count; ++x) sums[x] = middle * run.source[x];
-    for (int i = 1; i <= run.kernel->radius; ++i) {
-        const uint32_t weight = static_cast<uint32_t>(run.kernel->weights[static_cast<size_t>(i)]);
-        const uint8_t* before = run.source - i * run.step;
-        const uint8_t* after = run.source + i * run.step;
-        for (int x = 0; x < run.count; ++x) sums[x] += weight * (uint32_t{before[x]} + after[x]);
-    }
-    const uint32_t total = run.kernel->total;
-    for (int x = 0; x < run.count; ++x)
-        run.target[x] = static_cast<uint8_t>((run.inverted ? 255 * total - sums[x] : sums[x]) / total);
+    const Gaussian& kernel = *run.kernel;
+    ZVEX_ON_TARGET(sumTaps(sums, run.source, run.count, run.step, kernel.weights.get(), kernel.radius));
+    ZVEX_ON_TARGET(storeMeans(run.target, sums, run.count, kernel.total, run.inverted));
 }
 
 bool blurPlane(const BlurParam& p) {

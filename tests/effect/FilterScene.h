@@ -12,6 +12,7 @@
 #include "effect/ZvECore.h"
 #include "raster/ZvBitmap.h"
 #include "raster/ZvRect.h"
+#include "tests/CpuTargets.h"
 #include "tests/FailingAllocations.h"
 #include "tests/effect/TestPictures.h"
 
@@ -75,15 +76,20 @@ struct FilterScene {
 };
 
 // Compares the filter, its settings made, with its plain form over the scenes of `count` seeds from `first`
-// on: draw(scene) draws what is expected onto the scene's own pictures.
+// on, with the kernels of each instruction set of the machine: draw(scene) draws what is expected onto the
+// scene's own pictures.
 template <typename Draw>
 void expectThePlainForm(Zvex::ZvECore& filter, unsigned first, unsigned count, Draw draw, int width = 30,
                         int height = 22) {
     for (unsigned seed = first; seed < first + count; ++seed) {
-        FilterScene actual(seed, width, height), expected(seed, width, height);
+        FilterScene expected(seed, width, height);
         draw(expected);
-        EXPECT_EQ(actual.draw(filter), 0);
-        ASSERT_TRUE(actual.sameAs(expected)) << "seed " << seed << ", " << actual.describe();
+        forEachCpuTarget([&] {
+            FilterScene actual(seed, width, height);
+            EXPECT_EQ(actual.draw(filter), 0);
+            ASSERT_TRUE(actual.sameAs(expected)) << "seed " << seed << ", " << actual.describe();
+        });
+        if (testing::Test::HasFatalFailure()) return;
     }
 }
 

@@ -1,0 +1,24 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef ZVEX_RASTER_CPUTARGET_H_
+#define ZVEX_RASTER_CPUTARGET_H_
+
+namespace Zvex {
+
+// The instruction sets that the pixel kernels are compiled for, each holding the one before it. Other
+// machines than x86-64 have one build of every kernel, the baseline: on arm64 that includes its vectors.
+enum class CpuTarget : int {
+    Baseline = 0,
+    Avx2 = 1,
+    Avx512 = 2,  // F, BW, DQ and VL
+};
+
+// The set the kernels use: the machine's best, or the limit if that is lower. Any thread.
+CpuTarget cpuTarget();
+
+// Holds the kernels to that set and those below it, in the whole process; what the machine lacks is never
+// used. For tests and benchmarks, which run every path a machine has.
+void limitCpuTarget(CpuTarget limit);
+
+}  // namespace Zvex
+
+#endif  // ZVEX_RASTER_CPUTARGET_H_
