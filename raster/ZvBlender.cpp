@@ -186,8 +186,7 @@ void ZvBlender::drawBitmap8To8(int x, int y, const ZvBitmap* dst, const unsigned
 
 void ZvBlender::convertBGRAToARGB(ZvBitmap* bitmap) {
     if (bitmap == nullptr || bitmap->pixels == nullptr || bitmap->bytesPerPixel != 4) return;
-    uint8_t* const end = bitmap->pixels + bitmap->byteCount();
-    for (uint8_t* pixel = bitmap->pixels; pixel != end; pixel += 4) std::swap(pixel[0], pixel[2]);
+    BlendRows::exchangeRedBlue(bitmap->pixels, bitmap->byteCount() / 4);
 }
 
 }  // namespace Zvex

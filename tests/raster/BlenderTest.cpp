@@ -12,6 +12,7 @@
 
 #include "foundation/ZvLog.h"
 #include "platform/host/LogCapture.h"
+#include "tests/CpuTargets.h"
 #include "tests/reference/BlenderReference.h"
 
 namespace Zvex {
@@ -26,9 +27,13 @@ public:
         : GuardedBitmap(width, height, depth) {
         const size_t count = bitmap.byteCount();
         for (size_t i = 0; i < count; ++i) bitmap.pixels[i] = static_cast<uint8_t>((*random)());
-        // Empty and opaque pixels take branches of their own, and are the usual ones.
+        // Empty and opaque pixels, and whole runs of them, take ways of their own, and are the usual ones.
+        uint32_t run = 0, kind = 0;
         for (size_t i = 3; depth == 4 && i < count; i += 4) {
-            const uint32_t kind = (*random)() % 4;
+            if (run-- == 0) {
+                run = (*random)() % 8 == 0 ? (*random)() % 150 : 0;
+                kind = (*random)() % 4;
+            }
             if (kind < 2) bitmap.pixels[i] = kind == 0 ? 0 : 255;
         }
     }
@@ -58,8 +63,12 @@ private:
 
 Bytes noise(size_t count, std::mt19937* random) {
     Bytes bytes(count);
+    uint32_t run = 0, draw = 0;
     for (uint8_t& byte : bytes) {
-        const uint32_t draw = (*random)();
+        if (run-- == 0) {
+            draw = (*random)();
+            run = draw >> 10 & 15 ? 0 : (draw >> 14) % 150;
+        }
         byte = draw >> 8 & 1 ? (draw >> 9 & 1 ? 255 : 0) : static_cast<uint8_t>(draw);
     }
     return bytes;
@@ -83,18 +92,16 @@ const Operation kOperations[] = {
     {"copy_depth_4", Source::kCopy, 4},
 };
 
-class BlenderAgainstPlain : public testing::TestWithParam<Operation> {};
-
 // Every side clipped and not, strides wider than the row, targets between canaries, and sources that end with
 // their last pixel so that the address sanitizer sees a read beyond it.
-TEST_P(BlenderAgainstPlain, SameBytes) {
-    const Operation& operation = GetParam();
+void compareWithPlain(const Operation& operation) {
     std::mt19937 random(4711);
     const auto pick = [&random](int from, int to) {
         return static_cast<int>(from + random() % (to - from + 1));
     };
-    for (int round = 0; round < 3000; ++round) {
-        const int width = pick(0, 40), height = pick(0, 12), w = pick(0, 48), h = pick(0, 14);
+    for (int round = 0; round < 1500; ++round) {
+        const int most = pick(0, 9) == 0 ? 300 : 40;
+        const int width = pick(0, most), height = pick(0, 12), w = pick(0, most + 8), h = pick(0, 14);
         const int x = pick(-w - 2, width + 2), y = pick(-h - 2, height + 2);
         const int wider = pick(0, 2) == 0 ? pick(1, 9) : 0;
         const uint32_t color = pick(0, 3) == 0 ? random() | 0xFF000000u : static_cast<uint32_t>(random());
@@ -137,6 +144,12 @@ TEST_P(BlenderAgainstPlain, SameBytes) {
     }
 }
 
+class BlenderAgainstPlain : public testing::TestWithParam<Operation> {};
+
+TEST_P(BlenderAgainstPlain, SameBytes) {
+    forEachCpuTarget([] { compareWithPlain(GetParam()); });
+}
+
 INSTANTIATE_TEST_SUITE_P(Blender, BlenderAgainstPlain, testing::ValuesIn(kOperations),
                          [](const auto& info) { return std::string(info.param.name); });
 
@@ -165,16 +178,22 @@ TEST(Blender, EveryCoverageOrAlphaAgreesOverEveryTargetAlpha) {
             }
         };
         for (const int mode : {1, 2, 3, 7}) {
-            ZvBitmap actual(target), expected(target);
-            ZvBlender::drawBitmapBlend8(0, 0, &actual, coverage.data(), 65536, 1, 65536, color, mode);
+            ZvBitmap expected(target);
             reference::drawBitmapBlend8(0, 0, &expected, coverage.data(), 65536, 1, 65536, color, mode);
-            check(mode, "coverage", actual, expected);
+            forEachCpuTarget([&] {
+                ZvBitmap actual(target);
+                ZvBlender::drawBitmapBlend8(0, 0, &actual, coverage.data(), 65536, 1, 65536, color, mode);
+                check(mode, "coverage", actual, expected);
+            });
         }
         for (const int mode : {1, 2}) {
-            ZvBitmap actual(target), expected(target);
-            ZvBlender::drawBitmapBlend32(0, 0, &actual, words.data(), 65536, 1, 65536, mode);
+            ZvBitmap expected(target);
             reference::drawBitmapBlend32(0, 0, &expected, words.data(), 65536, 1, 65536, mode);
-            check(mode, "words", actual, expected);
+            forEachCpuTarget([&] {
+                ZvBitmap actual(target);
+                ZvBlender::drawBitmapBlend32(0, 0, &actual, words.data(), 65536, 1, 65536, mode);
+                check(mode, "words", actual, expected);
+            });
         }
         if (HasFatalFailure()) return;
     }
@@ -303,12 +322,20 @@ TEST(Blender, NothingToDrawOnOrFromIsIgnored) {
 }
 
 TEST(Blender, ExchangesRedAndBlueAndBack) {
-    const Bytes bytes = {1, 2, 3, 4, 250, 251, 252, 253};
-    ZvBitmap bitmap(2, 1, bytes.data(), 4);
-    ZvBlender::convertBGRAToARGB(&bitmap);
-    EXPECT_EQ(Bytes(bitmap.pixels, bitmap.pixels + 8), (Bytes{3, 2, 1, 4, 252, 251, 250, 253}));
-    ZvBlender::convertBGRAToARGB(&bitmap);
-    EXPECT_EQ(Bytes(bitmap.pixels, bitmap.pixels + 8), bytes);
+    forEachCpuTarget([] {
+        for (uint32_t width = 1; width < 70; ++width) {
+            Bytes bytes(size_t{width} * 4), exchanged(bytes.size());
+            for (size_t i = 0; i < bytes.size(); ++i) {
+                bytes[i] = static_cast<uint8_t>(i);
+                exchanged[i % 4 == 0 ? i + 2 : i % 4 == 2 ? i - 2 : i] = bytes[i];
+            }
+            ZvBitmap bitmap(width, 1, bytes.data(), 4);
+            ZvBlender::convertBGRAToARGB(&bitmap);
+            EXPECT_EQ(Bytes(bitmap.pixels, bitmap.pixels + bytes.size()), exchanged);
+            ZvBlender::convertBGRAToARGB(&bitmap);
+            EXPECT_EQ(Bytes(bitmap.pixels, bitmap.pixels + bytes.size()), bytes);
+        }
+    });
 }
 
 // The lines belong to builds with debug lines; others write none.
