@@ -8,8 +8,13 @@ namespace Zvex {
 
 class ZvBitmap;
 
-// The last two steps of a rendering, on colour pictures of 4 bytes a pixel. Bitmaps of another depth or
-// without pixels leave `picture` as it is. No allocation; in place.
+// The last steps of a rendering, on colour pictures of 4 bytes a pixel, in place and without allocations.
+
+// Makes the target transparent wherever the mask, which counts as 0 beyond its edges, has no coverage. Both
+// have pixels, 4 and 1 bytes each.
+void clearOutsideGlyphs(ZvBitmap* target, const ZvBitmap* mask);
+
+// In the two below, bitmaps of another depth or without pixels leave `picture` as it is.
 
 // Cross-fades every byte of `picture` (premultiplied) with `back` (premultiplied) by the coverage in mask:
 // full coverage keeps picture, none takes back. Works on the area common to the three, from the top-left.

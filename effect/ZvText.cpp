@@ -1,37 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "effect/ZvText.h"
 
-#include <algorithm>
-#include <cstddef>
-#include <cstring>
 #include <new>
 
+#include "effect/Composite.h"
 #include "raster/ZvBitmap.h"
 #include "raster/ZvBlender.h"
 
 namespace Zvex {
-
-namespace {
-
-// Makes the target transparent wherever the mask, which counts as 0 beyond its edges, has no coverage.
-void clearOutsideGlyphs(ZvBitmap* target, const ZvBitmap* mask) {
-    const size_t width = target->width;
-    const size_t covered = std::min<size_t>(width, mask->width);
-    for (size_t y = 0; y < target->height; ++y) {
-        uint8_t* pixels = target->pixels + y * width * 4;
-        if (y >= mask->height) {
-            std::memset(pixels, 0, width * 4);
-            continue;
-        }
-        const uint8_t* coverage = mask->pixels + y * mask->width;
-        for (size_t x = 0; x < covered; ++x) {
-            if (coverage[x] == 0) std::memset(pixels + x * 4, 0, 4);
-        }
-        std::memset(pixels + covered * 4, 0, (width - covered) * 4);
-    }
-}
-
-}  // namespace
 
 ZvText::ZvText() {
     style = ZV_EFFECT_TEXT;

@@ -4,14 +4,14 @@
 #include <gtest/gtest.h>
 
 #include "raster/ZvBitmap.h"
+#include "tests/CpuTargets.h"
 #include "tests/effect/TestPictures.h"
 #include "tests/reference/CompositeReference.h"
 
 namespace Zvex {
 namespace {
 
-// Every front byte, back byte and coverage, in the four places of a pixel.
-TEST(Composite, MergeEqualsTheDefinitionOnAllBytes) {
+void mergeAllBytes() {
     ZvBitmap picture(256, 256, 4), back(256, 256, 4), mask(256, 256, 1);
     for (int coverage = 0; coverage < 256; ++coverage) {
         for (int y = 0; y < 256; ++y) {
@@ -34,8 +34,12 @@ TEST(Composite, MergeEqualsTheDefinitionOnAllBytes) {
     }
 }
 
-// Every colour byte, alpha and text alpha, also colours above their alpha.
-TEST(Composite, FinishEqualsTheDefinitionOnAllBytes) {
+// Every front byte, back byte and coverage, in the four places of a pixel.
+TEST(Composite, MergeEqualsTheDefinitionOnAllBytes) {
+    forEachCpuTarget(mergeAllBytes);
+}
+
+void finishAllBytes() {
     ZvBitmap picture(256, 256, 4);
     for (int textAlpha = 0; textAlpha < 256; ++textAlpha) {
         for (int i = 0; i < 256 * 256; ++i) {
@@ -56,16 +60,23 @@ TEST(Composite, FinishEqualsTheDefinitionOnAllBytes) {
     }
 }
 
+// Every colour byte, alpha and text alpha, also colours above their alpha.
+TEST(Composite, FinishEqualsTheDefinitionOnAllBytes) {
+    forEachCpuTarget(finishAllBytes);
+}
+
 TEST(Composite, MergesTheCommonArea) {
     Random random(1);
-    const int sizes[][2] = {{6, 5}, {9, 3}, {4, 8}};
-    for (int p = 0; p < 3; ++p) {
+    const int sizes[][2] = {{160, 5}, {190, 3}, {150, 8}};
+    for (int i = 0; i < 9; ++i) {
+        const int p = i % 3;
+        const MaskKind kinds[] = {MaskKind::Noise, MaskKind::Shapes, MaskKind::Full};  // with whole runs
         ZvBitmap picture = makeTarget(TargetKind::Partly, sizes[p][0], sizes[p][1], random);
         ZvBitmap back = makeTarget(TargetKind::Partly, sizes[(p + 1) % 3][0], sizes[(p + 1) % 3][1], random);
-        ZvBitmap mask = makeMask(MaskKind::Noise, sizes[(p + 2) % 3][0], sizes[(p + 2) % 3][1], random);
+        ZvBitmap mask = makeMask(kinds[i / 3], sizes[(p + 2) % 3][0], sizes[(p + 2) % 3][1], random);
         ZvBitmap expected(picture);
         for (int y = 0; y < 3; ++y) {
-            for (int x = 0; x < 4; ++x) {
+            for (int x = 0; x < 150; ++x) {
                 for (int c = 0; c < 4; ++c) {
                     uint8_t& byte = expected.pixels[(y * static_cast<int>(picture.width) + x) * 4 + c];
                     byte = static_cast<uint8_t>(reference::mergeByte(

@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "raster/ZvBitmap.h"
+#include "tests/CpuTargets.h"
 #include "tests/effect/TestPictures.h"
 #include "tests/reference/BlenderReference.h"
 
@@ -40,23 +41,27 @@ TEST(TextLayer, TwoLayersGetTheFullColorWhereverThereIsCoverage) {
 // An inside stroke, or a gradient, that is drawn first fills all around the glyphs; only what covers them may
 // stay.
 TEST(TextLayer, OneLayerIsCutDownToTheGlyphs) {
+    constexpr int W = 150;
     Random random(2);
     for (MaskKind maskKind : ALL_MASKS) {
-        ZvBitmap mask = makeMask(maskKind, 20, 15, random);
+        ZvBitmap mask = makeMask(maskKind, W, 15, random);
         for (TargetKind kind : ALL_TARGETS) {
             for (int grow : {-3, 0, 4}) {  // pixels of the target beyond the mask count as not covered
-                ZvBitmap target = makeTarget(kind, 20 + grow, 15 + grow, random);
+                ZvBitmap target = makeTarget(kind, W + grow, 15 + grow, random);
                 ZvBitmap expected(target);
-                reference::drawBitmapBlend8(0, 0, &expected, mask.pixels, 20, 15, 20, COLOR, 7);
+                reference::drawBitmapBlend8(0, 0, &expected, mask.pixels, W, 15, W, COLOR, 7);
                 for (int y = 0; y < 15 + grow; ++y) {
-                    for (int x = 0; x < 20 + grow; ++x) {
-                        if (x < 20 && y < 15 && mask.pixels[y * 20 + x] != 0) continue;
-                        std::memset(expected.pixels + (y * (20 + grow) + x) * 4, 0, 4);
+                    for (int x = 0; x < W + grow; ++x) {
+                        if (x < W && y < 15 && mask.pixels[y * W + x] != 0) continue;
+                        std::memset(expected.pixels + (y * (W + grow) + x) * 4, 0, 4);
                     }
                 }
-                drawText(&target, &mask, 0);
-                EXPECT_TRUE(samePixels(expected, target))
-                    << "mask " << static_cast<int>(maskKind) << ", grow " << grow;
+                forEachCpuTarget([&] {
+                    ZvBitmap actual(target);
+                    drawText(&actual, &mask, 0);
+                    EXPECT_TRUE(samePixels(expected, actual))
+                        << "mask " << static_cast<int>(maskKind) << ", grow " << grow;
+                });
             }
         }
     }
