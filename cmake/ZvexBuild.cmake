@@ -3,7 +3,7 @@
 find_package(Threads REQUIRED)
 
 # Pixels are a promise: no fused multiply-add, no reordering of floats, on any machine at any level.
-set(ZVEX_EXACT_MATH -ffp-contract=off -fno-fast-math)
+set(ZVEX_EXACT_MATH -ffp-contract=off -fno-fast-math -fno-math-errno)
 
 function(zvex_compile_options target)
   target_compile_options(${target} PRIVATE ${ZVEX_EXACT_MATH} -Wall -Wextra

@@ -6,6 +6,7 @@
 
 #include "effect/filters/Distance.h"
 #include "effect/filters/Gaussian.h"
+#include "raster/CpuTarget.h"
 
 namespace Zvex {
 
@@ -22,7 +23,41 @@ constexpr float FAR = 1e20f;
 
 constexpr int WEIGHT = 100;
 
+#define ZVEX_KERNELS "effect/filters/ReliefKernels.inc"
+#include "raster/ForEachTarget.h"
+
+bool isByte(int alpha) {
+    return alpha >= 0 && alpha <= 255;
+}
+
+// Pixel by pixel, for alphas that are no bytes.
+void lightRowOfAnyAlpha(const LitRow& row) {
+    for (int x = row.begin; x < row.end; ++x) {
+        const float* pixel = row.distances + x;
+        const bool flat = row.side == LitSide::Bevel || row.side == LitSide::Signed
+                              ? *pixel == row.limit
+                              : !(*pixel < row.limit) || *pixel == 0.0f;
+        if (flat) continue;
+        const float gx = slope(pixel[-1], pixel[1]), gy = slope(pixel[-row.stride], pixel[row.stride]);
+        int shade = truncateToInt(row.side == LitSide::Within ? row.light.oppositeShade(gx, gy)
+                                                              : row.light.shade(gx, gy));
+        if (row.flip) shade = 255 - shade;
+        const bool below = row.side == LitSide::Signed && !(*pixel > 0.0f);
+        const int byte = reliefCoverage(below ? *pixel + row.inner - 1.0f : row.limit - *pixel);
+        row.highlight[x] = lightByte(byte, shade + 1, row.highlightAlpha);
+        row.shadow[x] = lightByte(byte, 256 - shade, row.shadowAlpha);
+    }
+}
+
 }  // namespace
+
+void lightRow(const LitRow& row) {
+    if (isByte(row.highlightAlpha) && isByte(row.shadowAlpha)) {
+        ZVEX_ON_TARGET(lightRow(row));
+    } else {
+        lightRowOfAnyAlpha(row);
+    }
+}
 
 ReliefLight ReliefLight::make(const ZvReliefProperty& property, double depthFloor) {
     const float azimuth = radians(180.0f - property.angle), elevation = radians(property.altitude);
@@ -96,6 +131,15 @@ uint32_t ReliefColors::pixel(int highlightLight, int shadowLight) const {
         result |= ((alpha * (((color >> shift) & 0xFF) + 1)) >> 8)
                   << shift;  // at most 255 * 256 >> 8, a byte
     return result;
+}
+
+void ReliefColors::row(uint32_t* pixels, const uint8_t* highlightLights, const uint8_t* shadowLights,
+                       int count) const {
+    ZVEX_ON_TARGET(colorRow(pixels, highlightLights, shadowLights, count, gain, highlight, shadow));
+}
+
+void underlayRow(uint32_t* pixels, const uint32_t* behind, const uint8_t* coverage, int count) {
+    ZVEX_ON_TARGET(underlayRow(pixels, behind, coverage, count));
 }
 
 }  // namespace Zvex

@@ -3,6 +3,7 @@
 #define ZVEX_EFFECT_FILTERS_RELIEF_H_
 
 #include <cmath>
+#include <cstddef>
 #include <cstdint>
 #include <new>
 
@@ -65,6 +66,32 @@ inline uint8_t lightByte(int coverage, int level, int alpha) {
     return static_cast<uint8_t>(product >= 65536 ? 255 : product < 0 ? 0 : product >> 8);
 }
 
+// Which pixels of a plane of distances are lit, and how.
+enum class LitSide {
+    Bevel,   // all that are not at the limit; the slope ends there
+    Signed,  // the same of a plane whose slope ends at 1 - inner below 0, too
+    Around,  // those above 0 and below the limit
+    Within,  // the same, by the opposite shade
+};
+
+// One row to light, from `begin` to `end` - 1; its planes as of the row's first pixel. The neighbours on all
+// four sides must be there.
+struct LitRow {
+    LitSide side;
+    uint8_t* highlight;  // results; what is not lit keeps its bytes
+    uint8_t* shadow;
+    const float* distances;
+    ptrdiff_t stride;  // pixels, of the plane of distances
+    int begin, end;
+    float limit, inner;
+    ReliefLight light;
+    bool flip;                        // 255 less the shade in place of the shade
+    int highlightAlpha, shadowAlpha;  // any
+};
+
+// Writes the bytes of lightByte with the levels shade + 1 and 256 - shade.
+void lightRow(const LitRow& row);
+
 // How far the working area reaches beyond the text box: a slope as wide as `radius`, and the larger of the
 // two blurs twice.
 int64_t reliefMargin(int64_t radius, int64_t blur, int64_t soften);
@@ -118,7 +145,13 @@ struct ReliefColors {
     // The colour of the stronger of the two lights, premultiplied with the difference of them (and not with
     // its own alpha, which the lights hold already): 0xAARRGGBB. Equal lights give a transparent pixel.
     uint32_t pixel(int highlightLight, int shadowLight) const;
+
+    // The pixels of `count` lights. They must not overlap.
+    void row(uint32_t* pixels, const uint8_t* highlightLights, const uint8_t* shadowLights, int count) const;
 };
+
+// Puts a row of premultiplied pixels, each scaled by 255 less a coverage, behind those that are there.
+void underlayRow(uint32_t* pixels, const uint32_t* behind, const uint8_t* coverage, int count);
 
 // A copy of the record with the record's own limits; null when memory is short.
 template <typename Property>

@@ -123,8 +123,7 @@ int ZvBevel::doPostProcessing(ParamPostProcessing* param) {
     if (!picture.allocate(area.height, area.width)) return 0;
     const ReliefColors colors = {widths.soft ? SOFT_GAIN : 1.0f, property->highlightColor,
                                  property->shadowColor};
-    for (size_t i = 0; i < area.pixels(); ++i)
-        picture[i] = colors.pixel(planes.highlight[i], planes.shadow[i]);
+    colors.row(picture.get(), planes.highlight.get(), planes.shadow.get(), static_cast<int>(area.pixels()));
     const int mode = param->layerMode == 1 ? ZVE_BLEND_SRC_OVER : ZVE_BLEND_DST_OVER;
     ZvBlender::drawBitmapBlend32(area.x, area.y, param->target, picture.get(), area.width, area.height,
                                  area.width, mode);
@@ -166,19 +165,11 @@ int ZvBevel::partialLightProcess(void* job) {
     const LightJob& p = *static_cast<const LightJob*>(job);
     if (p.highlight == nullptr || p.shadow == nullptr || p.distance == nullptr) return 0;
     const ReliefLight light = {p.lightX, p.lightY, p.lightZ, p.normalZ};
-    const float radius = static_cast<float>(p.radius);
     for (ptrdiff_t y = p.yBegin; y < p.yEnd; ++y) {
-        const float* row = p.distance + y * p.width;
-        for (ptrdiff_t x = p.xBegin; x < p.xEnd; ++x) {
-            if (row[x] == radius) continue;
-            const float gx = slope(row[x - 1], row[x + 1]), gy = slope(row[x - p.width], row[x + p.width]);
-            int shade = truncateToInt(light.shade(gx, gy));
-            // Around the glyphs the distance grows away from them, and the height falls.
-            if (p.inner == 0) shade = 255 - shade;
-            const int coverage = reliefCoverage(radius - row[x]);
-            p.highlight[y * p.width + x] = lightByte(coverage, shade + 1, p.highlightAlpha);
-            p.shadow[y * p.width + x] = lightByte(coverage, 256 - shade, p.shadowAlpha);
-        }
+        const ptrdiff_t at = y * p.width;
+        // Around the glyphs the distance grows away from them, and the height falls.
+        lightRow({LitSide::Bevel, p.highlight + at, p.shadow + at, p.distance + at, p.width, p.xBegin, p.xEnd,
+                  static_cast<float>(p.radius), 0, light, p.inner == 0, p.highlightAlpha, p.shadowAlpha});
     }
     return 0;
 }

@@ -110,54 +110,34 @@ void lightSlopes(ReliefPlanes* planes, int count, const Depths& depths, const Zv
     }
 }
 
-// A pixel scaled by a byte, and a premultiplied pixel over another; saturating.
-uint32_t scaledPixel(uint32_t pixel, uint32_t weight) {
-    uint32_t result = 0;
-    for (int shift = 0; shift < 32; shift += 8)
-        result |= ((((pixel >> shift) & 0xFF) * weight) >> 8) << shift;
-    return result;
-}
-
-uint32_t pixelOver(uint32_t front, uint32_t behind) {
-    const uint32_t open = 255 - (front >> 24);
-    uint32_t result = 0;
-    for (int shift = 0; shift < 32; shift += 8) {
-        const uint32_t sum = ((front >> shift) & 0xFF) + ((((behind >> shift) & 0xFF) * open) >> 8);
-        result |= std::min<uint32_t>(sum, 255) << shift;
-    }
-    return result;
-}
-
-// Slides the second relief behind the first one, fading out where the glyphs are.
-void addSecondRelief(uint32_t* picture, const ReliefPlanes& second, const ReliefColors& colors,
+// Slides the second relief behind the first one, fading out where the glyphs are. False when memory is short.
+bool addSecondRelief(uint32_t* picture, const ReliefPlanes& second, const ReliefColors& colors,
                      const WorkingArea& area, const ZvBitmap& mask) {
+    Buffer<uint32_t> behind;
+    Buffer<uint8_t> coverage;
+    if (!behind.allocate(area.width) || !coverage.allocateZeroed(area.width)) return false;
     for (int y = 0; y < area.height; ++y) {
         const bool inRows = y >= area.margin && y < area.height - area.margin;
-        for (int x = 0; x < area.width; ++x) {
-            const bool inBox = inRows && x >= area.margin && x < area.width - area.margin;
-            const uint32_t coverage = inBox ? coverageAt(mask, int64_t{area.x} + x, int64_t{area.y} + y) : 0;
-            const size_t at = area.row(y) + static_cast<size_t>(x);
-            const uint32_t behind = colors.pixel(second.highlight[at], second.shadow[at]);
-            picture[at] = pixelOver(picture[at], scaledPixel(behind, 255 - coverage));
+        for (int x = area.margin; x < area.width - area.margin; ++x) {
+            coverage[static_cast<size_t>(x)] =
+                inRows ? coverageAt(mask, int64_t{area.x} + x, int64_t{area.y} + y) : 0;
         }
+        const size_t at = area.row(y);
+        colors.row(behind.get(), second.highlight.get() + at, second.shadow.get() + at, area.width);
+        underlayRow(picture + at, behind.get(), coverage.get(), area.width);
     }
+    return true;
 }
 
-// One pixel of light, of a coverage yet to be cut to 0 to 1 and of levels from 1 to 256.
-void storeLight(const ZvEmboss::LightJob& p, ptrdiff_t at, float coverage, int highlightLevel,
-                int shadowLevel) {
-    const int byte = reliefCoverage(coverage);
-    p.highlight[at] = lightByte(byte, highlightLevel, p.highlightAlpha);
-    p.shadow[at] = lightByte(byte, shadowLevel, p.shadowAlpha);
-}
-
-// Calls visit(position, distance, gx, gy) for the pixels of the job's columns in a row of one of its planes.
-template <typename Visit>
-void forRow(const ZvEmboss::LightJob& p, const float* plane, int y, Visit visit) {
-    for (int x = p.xBegin; x < p.xEnd; ++x) {
-        const ptrdiff_t at = ptrdiff_t{y} * p.width + x;
-        const float* pixel = plane + at;
-        visit(at, *pixel, slope(pixel[-1], pixel[1]), slope(pixel[-ptrdiff_t{p.width}], pixel[p.width]));
+// The rows of a job, on one of its planes.
+void lightRows(const ZvEmboss::LightJob& p, LitSide side, const float* plane, int limit) {
+    const ReliefLight light = {p.lightX, p.lightY, p.lightZ, p.normalZ};
+    for (ptrdiff_t y = p.yBegin; y < p.yEnd; ++y) {
+        const ptrdiff_t at = y * p.width;
+        // The height falls away from the glyphs; within them, by the opposite shade, it rises.
+        lightRow({side, p.highlight + at, p.shadow + at, plane + at, p.width, p.xBegin, p.xEnd,
+                  static_cast<float>(limit), static_cast<float>(p.innerRadius), light,
+                  side != LitSide::Within, p.highlightAlpha, p.shadowAlpha});
     }
 }
 
@@ -198,9 +178,9 @@ int ZvEmboss::doPostProcessing(ParamPostProcessing* param) {
     if (!picture.allocate(area.height, area.width)) return 0;
     const ReliefColors colors = {widths.soft ? SOFT_GAIN : 1.0f, property->highlightColor,
                                  property->shadowColor};
-    for (size_t i = 0; i < area.pixels(); ++i)
-        picture[i] = colors.pixel(planes[0].highlight[i], planes[0].shadow[i]);
-    if (count == 2) addSecondRelief(picture.get(), planes[1], colors, area, *param->mask);
+    colors.row(picture.get(), planes[0].highlight.get(), planes[0].shadow.get(),
+               static_cast<int>(area.pixels()));
+    if (count == 2 && !addSecondRelief(picture.get(), planes[1], colors, area, *param->mask)) return 0;
     // The other way round than the bevel.
     const int mode = param->layerMode == 1 ? ZVE_BLEND_DST_OVER : ZVE_BLEND_SRC_OVER;
     for (ZvBitmap* target : {param->target, param->otherLayer}) {
@@ -252,20 +232,8 @@ int ZvEmboss::partialLightSoftProcess(void* job) {
     const LightJob& p = *static_cast<const LightJob*>(job);
     if (p.highlight == nullptr || p.shadow == nullptr || p.distance == nullptr || p.insideDistance == nullptr)
         return 0;
-    const ReliefLight light = {p.lightX, p.lightY, p.lightZ, p.normalZ};
-    const float outer = static_cast<float>(p.outerRadius), inner = static_cast<float>(p.innerRadius);
-    for (int y = p.yBegin; y < p.yEnd; ++y) {
-        forRow(p, p.distance, y, [&](ptrdiff_t at, float distance, float gx, float gy) {
-            if (distance == 0.0f || !(distance < outer)) return;
-            const int shade = truncateToInt(light.shade(gx, gy));
-            storeLight(p, at, outer - distance, 256 - shade, shade + 1);
-        });
-        forRow(p, p.insideDistance, y, [&](ptrdiff_t at, float distance, float gx, float gy) {
-            if (distance == 0.0f || !(distance < inner)) return;
-            const int shade = truncateToInt(light.oppositeShade(gx, gy));
-            storeLight(p, at, inner - distance, shade + 1, 256 - shade);
-        });
-    }
+    lightRows(p, LitSide::Around, p.distance, p.outerRadius);
+    lightRows(p, LitSide::Within, p.insideDistance, p.innerRadius);
     return 0;
 }
 
@@ -273,16 +241,7 @@ int ZvEmboss::partialLightHardProcess(void* job) {
     if (job == nullptr) return 0;
     const LightJob& p = *static_cast<const LightJob*>(job);
     if (p.highlight == nullptr || p.shadow == nullptr || p.distance == nullptr) return 0;
-    const ReliefLight light = {p.lightX, p.lightY, p.lightZ, p.normalZ};
-    const float outer = static_cast<float>(p.outerRadius), inner = static_cast<float>(p.innerRadius);
-    for (int y = p.yBegin; y < p.yEnd; ++y) {
-        forRow(p, p.distance, y, [&](ptrdiff_t at, float distance, float gx, float gy) {
-            if (distance == outer) return;
-            const int shade = truncateToInt(light.shade(gx, gy));
-            const float coverage = distance > 0.0f ? outer - distance : distance + inner - 1.0f;
-            storeLight(p, at, coverage, 256 - shade, shade + 1);
-        });
-    }
+    lightRows(p, LitSide::Signed, p.distance, p.outerRadius);
     return 0;
 }
 

@@ -58,15 +58,22 @@ void expectThePlainRelief(Draw draw, float size, int technique, unsigned first, 
         Random random(seed);
         Filter filter;
         setAnySettings<Filter, Property>(filter, size, technique, random);
-        FilterScene actual(seed, width, height), expected(seed, width, height);
-        for (FilterScene* scene : {&actual, &expected}) {
+        FilterScene expected(seed, width, height);
+        const auto fadeSome = [&](FilterScene& scene) {
             for (int i = 0; i < width * height && seed % 7 == 1; ++i)
-                scene->mask.pixels[i] = std::min<uint8_t>(scene->mask.pixels[i], 1);
-        }
+                scene.mask.pixels[i] = std::min<uint8_t>(scene.mask.pixels[i], 1);
+        };
+        fadeSome(expected);
         draw(expected.record(), *filter.property);
-        EXPECT_EQ(actual.draw(filter), 0);
-        ASSERT_TRUE(actual.sameAs(expected)) << "seed " << seed << ", " << actual.describe() << ", settings "
-                                             << testing::PrintToString(fieldsOf(*filter.property));
+        forEachCpuTarget([&] {
+            FilterScene actual(seed, width, height);
+            fadeSome(actual);
+            EXPECT_EQ(actual.draw(filter), 0);
+            ASSERT_TRUE(actual.sameAs(expected))
+                << "seed " << seed << ", " << actual.describe() << ", settings "
+                << testing::PrintToString(fieldsOf(*filter.property));
+        });
+        if (testing::Test::HasFatalFailure()) return;
     }
 }
 
@@ -196,18 +203,27 @@ void expectTheKernelsOfBoth() {
 // of the whole rectangle. What is not drawn keeps its bytes.
 template <typename BlockOf, typename Draw>
 void expectTheLight(int (*worker)(void*), BlockOf blockOf, Draw draw) {
-    reference::LightPlanes light(WIDTH, HEIGHT, 200, 77);
-    std::fill(light.highlight.begin(), light.highlight.end(), uint8_t{99});
-    reference::Bytes highlight = light.highlight, shadow = light.shadow;
-    draw(light, 2, WIDTH - 1, 1, HEIGHT - 2);
-    for (int yBegin : {6, 1}) {
-        const Rectangle rectangle = {2, WIDTH - 1, yBegin, yBegin == 6 ? HEIGHT - 2 : 6};
-        auto block = blockOf(highlight.data(), shadow.data(), rectangle);
-        auto without = blockOf(highlight.data(), nullptr, rectangle);
-        EXPECT_EQ(worker(&block) + worker(&without) + worker(nullptr), 0);
+    for (const auto& [highlightAlpha, shadowAlpha] : {std::array{200, 77}, {255, 1000}, {-1000, 255}}) {
+        Lighting lighting = LIGHTING;
+        lighting.highlightAlpha = highlightAlpha;
+        lighting.shadowAlpha = shadowAlpha;
+        reference::LightPlanes light(WIDTH, HEIGHT, static_cast<uint32_t>(highlightAlpha),
+                                     static_cast<uint32_t>(shadowAlpha));
+        std::fill(light.highlight.begin(), light.highlight.end(), uint8_t{99});
+        const reference::Bytes before = light.highlight, zeros = light.shadow;
+        draw(light, 2, WIDTH - 1, 1, HEIGHT - 2);
+        forEachCpuTarget([&] {
+            reference::Bytes highlight = before, shadow = zeros;
+            for (int yBegin : {6, 1}) {
+                const Rectangle rectangle = {2, WIDTH - 1, yBegin, yBegin == 6 ? HEIGHT - 2 : 6};
+                auto block = blockOf(highlight.data(), shadow.data(), lighting, rectangle);
+                auto without = blockOf(highlight.data(), nullptr, lighting, rectangle);
+                EXPECT_EQ(worker(&block) + worker(&without) + worker(nullptr), 0);
+            }
+            EXPECT_EQ(highlight, light.highlight);
+            EXPECT_EQ(shadow, light.shadow);
+        });
     }
-    EXPECT_EQ(highlight, light.highlight);
-    EXPECT_EQ(shadow, light.shadow);
 }
 
 TEST(Bevel, WorkersTakeBlocksAndAnyPartOfTheRows) {
@@ -223,8 +239,9 @@ TEST(Bevel, WorkersTakeBlocksAndAnyPartOfTheRows) {
 
     plane = randomPlane(random, 6);  // beyond the radius
     for (bool inner : {false, true}) {
-        const auto blockOf = [&](unsigned char* highlight, unsigned char* shadow, Rectangle rectangle) {
-            return BevelLightBlock{highlight,           shadow,   WIDTH, 5, LIGHTING, inner,
+        const auto blockOf = [&](unsigned char* highlight, unsigned char* shadow, Lighting lighting,
+                                 Rectangle rectangle) {
+            return BevelLightBlock{highlight,           shadow,   WIDTH, 5, lighting, inner,
                                    plane.values.data(), rectangle};
         };
         expectTheLight(&ZvBevel::partialLightProcess, blockOf,
@@ -251,9 +268,10 @@ TEST(Emboss, WorkersTakeBlocksAndAnyPartOfTheRows) {
     search(&ZvEmboss::partialInDT);
 
     plane = randomPlane(random, -2);
-    const auto blockOf = [&](unsigned char* highlight, unsigned char* shadow, Rectangle rectangle) {
+    const auto blockOf = [&](unsigned char* highlight, unsigned char* shadow, Lighting lighting,
+                             Rectangle rectangle) {
         return EmbossLightBlock{highlight, shadow,   plane.values.data(), inside.values.data(), WIDTH, 5, 3,
-                                LIGHTING,  rectangle};
+                                lighting,  rectangle};
     };
     expectTheLight(&ZvEmboss::partialLightHardProcess, blockOf,
                    [&](reference::LightPlanes& planes, auto... sides) {
