@@ -12,12 +12,14 @@
 
 #include "effect/filters/Buffer.h"
 #include "effect/filters/SquareRoots.h"
+#include "raster/CpuTarget.h"
 
 namespace Zvex {
 
 namespace {
 
 constexpr float ENDLESS = 1e20f;
+constexpr float INFINITE = std::numeric_limits<float>::infinity();
 
 float squareOf(int64_t offset) {
     return static_cast<float>(offset * offset);
@@ -60,6 +62,17 @@ void transformLine(float* result, const float* values, int count, const Envelope
     }
 }
 
+// A pixel that others may be near to.
+struct Seed {
+    int x;
+    float value;  // 0 for what is below
+};
+
+#define ZVEX_KERNELS "effect/filters/DistanceKernels.inc"
+#include "raster/ForEachTarget.h"
+
+constexpr int MOST_LANES = 16;
+
 // The roots of a window, mirrored: row(dy)[dx] is the distance to the pixel (dx, dy) further, for dx of
 // either sign. A window larger than the plane is cut to it.
 class RootRows {
@@ -67,11 +80,12 @@ public:
     bool make(const DistanceSearch& s) {
         reachX_ = std::min(s.radius, s.width - 1);
         reachY_ = std::min(s.radius, s.height - 1);
-        if (!roots_.allocate(int64_t{reachY_} + 1, stride())) return false;
+        if (!roots_.allocate(int64_t{reachY_} + 1, span())) return false;
         for (int64_t dy = 0; dy <= reachY_; ++dy) {
             float* middle = rowOf(dy);
             for (int64_t dx = 0; dx <= reachX_; ++dx)
                 middle[dx] = middle[-dx] = integerRoot(dx * dx + dy * dy);
+            std::fill(middle + reachX_ + 1, middle - reachX_ + span(), INFINITE);
         }
         return true;
     }
@@ -79,36 +93,104 @@ public:
     const float* row(int64_t dy) const { return rowOf(dy < 0 ? -dy : dy); }
     int reachX() const { return reachX_; }
     int reachY() const { return reachY_; }
+    // The floats of a row from dx = -reachX on, whole registers of them; beyond the window they are infinite.
+    int64_t span() const { return (2 * int64_t{reachX_} + MOST_LANES) / MOST_LANES * MOST_LANES; }
 
 private:
-    int64_t stride() const { return 2 * int64_t{reachX_} + 1; }
-    float* rowOf(int64_t dy) const { return roots_.get() + dy * stride() + reachX_; }
+    float* rowOf(int64_t dy) const { return roots_.get() + dy * span() + reachX_; }
 
     Buffer<float> roots_;
     int reachX_ = 0, reachY_ = 0;
 };
 
-// The pixels that others may be near to, row by row. A pixel at or below 0 all of whose neighbours are, too,
-// is left out: seen from any pixel outside their region, the neighbour on the way there is nearer, and in the
-// window if this one is. What is left of a glyph is its outline.
+// The exact distances to the nearest pixel at or below 0 within the window: down and up the columns first, by
+// steps, then along the rows, by squares. The table of roots is monotone, so the smallest square wins.
+class FullPixels {
+public:
+    // The squares of wider windows do not fit.
+    static bool fit(const RootRows& roots) { return std::max(roots.reachX(), roots.reachY()) <= WIDEST; }
+
+    // Reads the rows `first` to `last`.
+    bool find(const DistanceSearch& s, const RootRows& roots, int first, int last) {
+        width_ = s.width;
+        reachX_ = roots.reachX();
+        first_ = first;
+        lastSquare_ = roots.reachX() * roots.reachX() + roots.reachY() * roots.reachY() + 1;
+        const int64_t rows = int64_t{last} - first + 1;
+        if (!steps_.allocate(rows, stride()) || !filled_.allocate(rows) || !best_.allocate(s.width) ||
+            !bySquare_.allocate(int64_t{lastSquare_} + 1))
+            return false;
+        for (int dy = 0; dy <= roots.reachY(); ++dy) {
+            for (int dx = 0; dx <= reachX_; ++dx)
+                bySquare_[static_cast<size_t>(dx * dx + dy * dy)] = roots.row(dy)[dx];
+        }
+        bySquare_[static_cast<size_t>(lastSquare_)] = INFINITE;
+        const int none = roots.reachY() + 1;
+        for (int y = first; y <= last; ++y) {
+            ZVEX_ON_TARGET(markFull(row(y), s.plane + ptrdiff_t{y} * s.width, s.width, none));
+            if (y > first) ZVEX_ON_TARGET(stepOn(row(y), row(y - 1), s.width));
+        }
+        for (int y = last - 1; y >= first; --y) ZVEX_ON_TARGET(stepOn(row(y), row(y + 1), s.width));
+        for (int y = first; y <= last; ++y) {
+            std::fill_n(row(y) - reachX_, reachX_, NO_SQUARE);
+            std::fill_n(row(y) + s.width, reachX_, NO_SQUARE);
+            filled_[static_cast<size_t>(y - first)] =
+                ZVEX_ON_TARGET(squareSteps(row(y), s.width, none, NO_SQUARE));
+        }
+        return true;
+    }
+
+    // The distances of a row, infinity where the window has no such pixel. False if that is everywhere:
+    // nothing is written then.
+    bool nearest(float* result, int y) const {
+        if (!filled_[static_cast<size_t>(y - first_)]) return false;
+        ZVEX_ON_TARGET(nearestInRow(best_.get(), row(y), width_, reachX_));
+        ZVEX_ON_TARGET(rootsOf(result, best_.get(), bySquare_.get(), width_, lastSquare_));
+        return true;
+    }
+
+private:
+    static constexpr int WIDEST = 90;
+    static constexpr int16_t NO_SQUARE = 16384;
+    static_assert(
+        2 * WIDEST * WIDEST < NO_SQUARE && NO_SQUARE + WIDEST * WIDEST <= INT16_MAX,
+        "the squares of a window are below what stands for none, which fits with one of them added");
+
+    int64_t stride() const { return int64_t{width_} + 2 * int64_t{reachX_}; }
+    int16_t* row(int y) const { return steps_.get() + (y - first_) * stride() + reachX_; }
+
+    Buffer<int16_t> steps_;  // then the squares of each column's distances
+    Buffer<int16_t> best_;
+    Buffer<uint8_t> filled_;
+    Buffer<float> bySquare_;
+    int width_ = 0, reachX_ = 0, first_ = 0, lastSquare_ = 0;
+};
+
+// The pixels that others may be near to, row by row: those between 0 and 1, and, unless these are looked for
+// apart, those below. Of the latter one all of whose neighbours are at or below 0, too, is left out: seen
+// from any pixel outside their region, the neighbour on the way there is nearer, and in the window if this
+// one is. What is left of a glyph is its outline.
 class Seeds {
 public:
-    struct Seed {
-        int x;
-        float value;  // 0 for what is below
-    };
-
     // Takes those of the rows `first` to `last`. None of them changes during a search.
-    bool collect(const DistanceSearch& s, int first, int last) {
+    bool collect(const DistanceSearch& s, int first, int last, bool fractionsOnly) {
         first_ = first;
-        const size_t count = visit(
-            s, last, [](size_t, Seed) {}, [](int, size_t) {});
-        if (!seeds_.allocate(std::max<int64_t>(1, static_cast<int64_t>(count)))) return false;
         if (!begins_.allocate(int64_t{last} - first + 2)) return false;
         begins_[0] = 0;
-        visit(
-            s, last, [this](size_t i, Seed seed) { seeds_[i] = seed; },
-            [this](int y, size_t end) { begins_[static_cast<size_t>(y - first_) + 1] = end; });
+        for (int y = first; y <= last; ++y) {
+            const size_t count = fractionsOnly ? fractionsOf(s, y) : take(s, y, nullptr);
+            begins_[static_cast<size_t>(y - first) + 1] = begins_[static_cast<size_t>(y - first)] + count;
+        }
+        const size_t count = begins_[static_cast<size_t>(last - first) + 1];
+        if (!seeds_.allocate(std::max<int64_t>(1, static_cast<int64_t>(count)))) return false;
+        for (int y = first; y <= last; ++y) {
+            Seed* next = seeds_.get() + begins_[static_cast<size_t>(y - first)];
+            if (!fractionsOnly) {
+                take(s, y, next);
+            } else if (begin(y) != end(y)) {
+                ZVEX_ON_TARGET(takeFractions(next, s.plane + ptrdiff_t{y} * s.width, s.width));
+            }
+        }
         return true;
     }
 
@@ -116,6 +198,10 @@ public:
     const Seed* end(int y) const { return seeds_.get() + begins_[static_cast<size_t>(y - first_) + 1]; }
 
 private:
+    static size_t fractionsOf(const DistanceSearch& s, int y) {
+        return static_cast<size_t>(ZVEX_ON_TARGET(countFractions(s.plane + ptrdiff_t{y} * s.width, s.width)));
+    }
+
     static bool isSeed(const DistanceSearch& s, const float* pixel, int x, int y) {
         if (!(*pixel < 1.0f)) return false;
         if (*pixel > 0.0f) return true;
@@ -124,16 +210,14 @@ private:
                (y < s.height - 1 && !(pixel[s.width] <= 0.0f));
     }
 
-    // Calls take(number, seed) for each seed and endRow(y, seeds so far) after each row; returns their count.
-    template <typename Take, typename EndRow>
-    size_t visit(const DistanceSearch& s, int last, Take take, EndRow endRow) const {
+    // Writes the seeds of a row to `next` unless that is null; returns their count.
+    static size_t take(const DistanceSearch& s, int y, Seed* next) {
+        const float* row = s.plane + ptrdiff_t{y} * s.width;
         size_t count = 0;
-        for (int y = first_; y <= last; ++y) {
-            const float* row = s.plane + ptrdiff_t{y} * s.width;
-            for (int x = 0; x < s.width; ++x) {
-                if (isSeed(s, row + x, x, y)) take(count++, Seed{x, std::max(0.0f, row[x])});
-            }
-            endRow(y, count);
+        for (int x = 0; x < s.width; ++x) {
+            if (!isSeed(s, row + x, x, y)) continue;
+            if (next != nullptr) next[count] = Seed{x, std::max(0.0f, row[x])};
+            ++count;
         }
         return count;
     }
@@ -143,42 +227,64 @@ private:
     int first_ = 0;
 };
 
-// What one seed brings to a row `roots` away: the row's pixels from `begin` to `end` - 1 become the smaller
-// of what they are and of the seed's value plus the distance.
-void lowerRow(float* row, const float* roots, const Seeds::Seed& seed, int begin, int end) {
-    for (int x = begin; x < end; ++x) {
-        const float offer = seed.value + roots[x - seed.x];
-        row[x] = offer < row[x] ? offer : row[x];
-    }
-}
-
-// Finds for every row the nearest seeds of its pixels, infinity where the window has none, and has `apply`
-// make the row's new values of them.
-template <typename Apply>
-bool searchSeeds(const DistanceSearch& s, Apply apply) {
+// Finds for every row the nearest seeds of its pixels, infinity where the window has none, and has
+// keep(values, nearest, width) make the row's new values of them.
+template <typename Keep>
+bool searchSeeds(const DistanceSearch& s, Keep keep) {
     const int begin = std::max(s.rowBegin, 0), end = std::min(s.rowEnd, s.height);
     if (s.plane == nullptr || s.width < 1 || s.radius < 1 || begin >= end) return true;
     RootRows roots;
+    FullPixels full;
     Seeds seeds;
-    Buffer<float> nearest;
-    if (!roots.make(s) || !nearest.allocate(s.width)) return false;
+    Buffer<float> row;
+    if (!roots.make(s) || !row.allocate(s.width + roots.span())) return false;
     const int reachX = roots.reachX(), reachY = roots.reachY();
     const auto above = [=](int y) { return std::max(0, y - reachY); };
     const auto below = [=](int y) { return y < s.height - reachY ? y + reachY : s.height - 1; };
-    if (!seeds.collect(s, above(begin), below(end - 1))) return false;
+    const bool apart = FullPixels::fit(roots);
+    if (apart && !full.find(s, roots, above(begin), below(end - 1))) return false;
+    if (!seeds.collect(s, above(begin), below(end - 1), apart)) return false;
+    float* nearest = row.get() + reachX;  // what a seed brings may lie beyond either edge
+    std::fill_n(row.get(), s.width + roots.span(), INFINITE);
     for (int y = begin; y < end; ++y) {
-        std::fill_n(nearest.get(), s.width, std::numeric_limits<float>::infinity());
+        bool found = apart && full.nearest(nearest, y);
+        if (!found) std::fill_n(nearest, s.width, INFINITE);
         for (int seedY = above(y); seedY <= below(y); ++seedY) {
-            const float* row = roots.row(int64_t{seedY} - y);
-            for (const Seeds::Seed* seed = seeds.begin(seedY); seed != seeds.end(seedY); ++seed) {
-                const int right = seed->x < s.width - reachX ? seed->x + reachX : s.width - 1;
-                lowerRow(nearest.get(), row, *seed, std::max(0, seed->x - reachX), right + 1);
-            }
+            if (seeds.begin(seedY) == seeds.end(seedY)) continue;
+            const float* distances = roots.row(int64_t{seedY} - y) - reachX;
+            ZVEX_ON_TARGET(lowerRow(row.get(), seeds.begin(seedY), seeds.end(seedY), distances,
+                                    static_cast<int>(roots.span())));
+            found = true;
         }
-        float* values = s.plane + ptrdiff_t{y} * s.width;
-        for (int x = 0; x < s.width; ++x) values[x] = apply(values[x], nearest[static_cast<size_t>(x)]);
+        if (found) keep(s.plane + ptrdiff_t{y} * s.width, nearest, s.width);
     }
     return true;
+}
+
+// The inward search of one row as it is defined, in place.
+void searchRowInward(const DistanceSearch& s, const RootRows& roots, int y) {
+    const int64_t reachX = roots.reachX(), reachY = roots.reachY();
+    const int64_t top = std::max<int64_t>(0, y - reachY),
+                  bottom = std::min<int64_t>(s.height, y + reachY + 1);
+    for (int x = 0; x < s.width; ++x) {
+        float& value = s.plane[ptrdiff_t{y} * s.width + x];
+        if (!(value < 0.0f)) continue;
+        float best = value;  // the pixel itself is in the window, but offers only what it has reached
+        const int64_t left = std::max<int64_t>(0, x - reachX),
+                      right = std::min<int64_t>(s.width, x + reachX + 1);
+        for (int64_t otherY = top; otherY < bottom; ++otherY) {
+            const float* row = s.plane + otherY * s.width;
+            const float* distances = roots.row(otherY - y);
+            for (int64_t otherX = left; otherX < right; ++otherX) {
+                if (row[otherX] > 1.0f) best = std::max(best, -(distances[otherX - x] - row[otherX]));
+            }
+        }
+        value = best;
+    }
+}
+
+bool isBelowZero(const float* values, int width) {
+    return std::any_of(values, values + width, [](float value) { return value < 0.0f; });
 }
 
 }  // namespace
@@ -212,39 +318,43 @@ bool squaredDistances(float* plane, int width, int height) {
 }
 
 bool searchNearest(const DistanceSearch& search) {
-    return searchSeeds(search, [](float value, float nearest) { return std::min(value, nearest); });
-}
-
-bool searchOutward(const DistanceSearch& search) {
-    return searchSeeds(search, [](float value, float nearest) {
-        return value > 0.0f && nearest < std::numeric_limits<float>::infinity() ? nearest : value;
+    return searchSeeds(search, [](float* values, const float* nearest, int width) {
+        ZVEX_ON_TARGET(keepNearest(values, nearest, width));
     });
 }
 
+bool searchOutward(const DistanceSearch& search) {
+    return searchSeeds(search, [](float* values, const float* nearest, int width) {
+        ZVEX_ON_TARGET(keepOutward(values, nearest, width));
+    });
+}
+
+// The order counts only once a pixel rises above 1. Until one would, a row's pixels can be found side by
+// side; such a row is done over, one pixel after the other.
 bool searchInward(const DistanceSearch& s) {
     const int begin = std::max(s.rowBegin, 0), end = std::min(s.rowEnd, s.height);
     if (s.plane == nullptr || s.width < 1 || s.radius < 1 || begin >= end) return true;
     RootRows roots;
+    Buffer<float> highRow, least;
     if (!roots.make(s)) return false;
-    const int64_t reachX = roots.reachX(), reachY = roots.reachY();
+    const int reachX = roots.reachX(), reachY = roots.reachY();
+    const int64_t padded = int64_t{s.width} + 2 * MOST_LANES;
+    if (!highRow.allocate(padded + 2 * int64_t{reachX}) || !least.allocate(padded)) return false;
+    std::fill_n(highRow.get(), padded + 2 * int64_t{reachX}, -INFINITE);
+    float* high = highRow.get() + reachX;
     for (int y = begin; y < end; ++y) {
-        const int64_t top = std::max<int64_t>(0, y - reachY),
-                      bottom = std::min<int64_t>(s.height, y + reachY + 1);
-        for (int x = 0; x < s.width; ++x) {
-            float& value = s.plane[ptrdiff_t{y} * s.width + x];
-            if (!(value < 0.0f)) continue;
-            float best = value;  // the pixel itself is in the window, but offers only what it has reached
-            const int64_t left = std::max<int64_t>(0, x - reachX),
-                          right = std::min<int64_t>(s.width, x + reachX + 1);
-            for (int64_t otherY = top; otherY < bottom; ++otherY) {
-                const float* row = s.plane + otherY * s.width;
-                const float* distances = roots.row(otherY - y);
-                for (int64_t otherX = left; otherX < right; ++otherX) {
-                    if (row[otherX] > 1.0f) best = std::max(best, -(distances[otherX - x] - row[otherX]));
-                }
-            }
-            value = best;
+        float* values = s.plane + ptrdiff_t{y} * s.width;
+        if (!isBelowZero(values, s.width)) continue;
+        std::fill_n(least.get(), padded, INFINITE);
+        for (int dy = 0; dy <= reachY; ++dy) {
+            const bool hasAbove = y >= dy, hasBelow = y < s.height - dy;
+            if (!hasAbove && !hasBelow) break;
+            const float* above = values + ptrdiff_t{hasAbove ? -dy : dy} * s.width;
+            const float* below = values + ptrdiff_t{hasBelow ? dy : -dy} * s.width;
+            if (!ZVEX_ON_TARGET(raiseRow(high, above, below, s.width))) continue;
+            ZVEX_ON_TARGET(sinkRow(least.get(), values, high, roots.row(dy), s.width, reachX));
         }
+        if (!ZVEX_ON_TARGET(keepInward(values, least.get(), s.width))) searchRowInward(s, roots, y);
     }
     return true;
 }

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "effect/filters/SquareRoots.h"
+#include "tests/CpuTargets.h"
 #include "tests/effect/TestPictures.h"
 #include "tests/reference/DistanceReference.h"
 
@@ -122,14 +123,18 @@ TEST(Distance, SearchesEqualThePlainForm) {
                 makePlane(random, std::max(radius, 1), search.plain != reference::searchNearest);
             const int rowBegin = random.below(2), middle = random.between(rowBegin, expected.height);
             const int rowEnd = random.below(2) == 0 ? expected.height : middle;
-            std::vector<float> actual = expected.values;
+            const std::vector<float> before = expected.values;
             search.plain(expected, radius, rowBegin, rowEnd);
-            DistanceSearch job{actual.data(), expected.height, expected.width, radius, rowBegin, middle};
-            EXPECT_TRUE(search.kernel(job));
-            job.rowBegin = middle;
-            job.rowEnd = rowEnd;
-            EXPECT_TRUE(search.kernel(job));
-            ASSERT_EQ(actual, expected.values) << search.name << ", case " << i << ", radius " << radius;
+            forEachCpuTarget([&] {
+                std::vector<float> actual = before;
+                DistanceSearch job{actual.data(), expected.height, expected.width, radius, rowBegin, middle};
+                EXPECT_TRUE(search.kernel(job));
+                job.rowBegin = middle;
+                job.rowEnd = rowEnd;
+                EXPECT_TRUE(search.kernel(job));
+                ASSERT_EQ(actual, expected.values) << search.name << ", case " << i << ", radius " << radius;
+            });
+            if (HasFatalFailure()) return;
         }
     }
 }
