@@ -64,7 +64,7 @@ public:
     // of max(0, value + cell - 255). The value is the coverage (outside), 255 minus it (inside), or the
     // former in the first and the latter in the second plane (centre). Rows and columns
     // beyond the end of src, and what falls outside dst, are left out. Bands may be done in any order, not at
-    // once: they overlap in dst. Null gives nothing. Return 0.
+    // once: they overlap in dst. Null gives nothing, and so does a shortage of memory. Return 0.
     static int partalDTStrokeCenter(void* job);
     static int partalDTStrokeOutside(void* job);
     static int partalDTStrokeInside(void* job);

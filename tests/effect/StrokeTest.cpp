@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "effect/ZvProperty.h"
+#include "effect/filters/Dilation.h"
 #include "effect/filters/ZvStroke.h"
 #include "raster/ZvBitmap.h"
 #include "raster/ZvRect.h"
@@ -182,6 +183,71 @@ TEST(Stroke, JobsMayReadAndWriteAPart) {
         expected[CANARY + i] = static_cast<unsigned char>(reached ? whole.at(x, y) : 0);
     }
     EXPECT_EQ(memory, expected);
+}
+
+// The definition: every pixel lays the kernel over the target.
+void dilatePlainly(const DilationParam& p) {
+    for (int row = p.rowBegin; row < p.rowEnd; ++row) {
+        for (int column = 0; column < p.columns; ++column) {
+            const int value = p.source[row * p.sourceStride + column] ^ p.inverted;
+            for (int i = 0; i < p.kernelSize * p.kernelSize; ++i) {
+                const int x = p.originX + column + i % p.kernelSize - p.kernelSize / 2;
+                const int y = p.originY + row + i / p.kernelSize - p.kernelSize / 2;
+                if (x < 0 || x >= p.targetWidth || y < 0 || y >= p.targetHeight) continue;
+                uint8_t& target = p.target[y * p.targetWidth + x];
+                target = static_cast<uint8_t>(std::max<int>(target, value + p.kernel[i] - 255));
+            }
+        }
+    }
+}
+
+// Kernels that are no discs, or discs with a flaw; sources of few and of many columns, empty rows and blocks
+// among them; targets that are not empty and cut the kernel off anywhere.
+TEST(Dilation, HoldsForAnyKernel) {
+    for (unsigned seed = 0; seed < 400; ++seed) {
+        Random random(seed);
+        DilationParam p;
+        p.columns = random.below(3) == 0 ? random.between(1, 8) : random.between(30, 140);
+        p.sourceStride = p.columns + random.below(4);
+        const int rows = random.between(1, 24);
+        ZvBitmap source = makeMask(ALL_MASKS[seed % 5], static_cast<int>(p.sourceStride), rows, random);
+        p.source = source.pixels;
+        p.inverted = random.below(2) == 0 ? 0 : 255;
+        p.rowBegin = random.below(rows);
+        p.rowEnd = random.between(p.rowBegin, rows);
+        p.kernelSize = random.between(0, random.below(4) == 0 ? 40 : 12);
+        std::vector<uint8_t> kernel;
+        const int flaws = random.below(3);
+        const std::vector<int> disc = circle(static_cast<float>(p.kernelSize / 2) - 0.25f);
+        const int cells = p.kernelSize * p.kernelSize;
+        for (int i = 0; i < cells; ++i) {
+            const int kinds[] = {0, 255, 255, 255, random.below(256)};
+            const bool fromDisc = p.kernelSize % 2 == 1 && flaws != 0;
+            kernel.push_back(
+                static_cast<uint8_t>(fromDisc ? disc[static_cast<size_t>(i)] : kinds[random.below(5)]));
+        }
+        if (flaws == 1 && cells > 0) kernel[static_cast<size_t>(random.below(cells))] ^= 255;
+        p.kernel = kernel.data();
+        p.targetWidth = random.between(1, 160);
+        p.targetHeight = random.between(1, 40);
+        p.originX = random.between(-40, 40);
+        p.originY = random.between(-20, 20);
+
+        constexpr size_t GUARD = 64;
+        std::vector<uint8_t> floor(2 * GUARD + static_cast<size_t>(p.targetWidth * p.targetHeight));
+        for (uint8_t& byte : floor) byte = static_cast<uint8_t>(random.below(40));
+        std::vector<uint8_t> expected(floor);
+        p.target = expected.data() + GUARD;
+        dilatePlainly(p);
+        forEachCpuTarget([&] {
+            std::vector<uint8_t> actual(floor);
+            DilationParam fast = p;
+            fast.target = actual.data() + GUARD;
+            EXPECT_TRUE(dilate(fast));
+            ASSERT_EQ(actual, expected) << "seed " << seed;
+        });
+        if (HasFatalFailure()) return;
+    }
 }
 
 TEST(Stroke, DrawsNothingWithoutItsPartsOrMemory) {
