@@ -13,7 +13,8 @@ CpuTarget detect() {
     __builtin_cpu_init();
     if (!__builtin_cpu_supports("avx2")) return CpuTarget::Baseline;
     if (__builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512bw") &&
-        __builtin_cpu_supports("avx512dq") && __builtin_cpu_supports("avx512vl"))
+        __builtin_cpu_supports("avx512dq") && __builtin_cpu_supports("avx512vl") &&
+        __builtin_cpu_supports("avx512vnni"))
         return CpuTarget::Avx512;
     return CpuTarget::Avx2;
 #else

@@ -9,7 +9,7 @@ namespace Zvex {
 enum class CpuTarget : int {
     Baseline = 0,
     Avx2 = 1,
-    Avx512 = 2,  // F, BW, DQ and VL
+    Avx512 = 2,  // F, BW, DQ, VL and VNNI
 };
 
 // The set the kernels use: the machine's best, or the limit if that is lower. Any thread.

@@ -43,11 +43,11 @@ namespace TargetAvx2 {
 
 #define ZVEX_TARGET_AVX512 1
 #if defined(__clang__)
-#pragma clang attribute push(__attribute__((target("avx512f,avx512bw,avx512dq,avx512vl"))), \
+#pragma clang attribute push(__attribute__((target("avx512f,avx512bw,avx512dq,avx512vl,avx512vnni"))), \
                              apply_to = function)
 #else
 #pragma GCC push_options
-#pragma GCC target("avx512f,avx512bw,avx512dq,avx512vl,prefer-vector-width=512")
+#pragma GCC target("avx512f,avx512bw,avx512dq,avx512vl,avx512vnni,prefer-vector-width=512")
 #endif
 namespace TargetAvx512 {
 #include ZVEX_KERNELS

@@ -1,12 +1,22 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// A separable blur, 2 * radius + 1 taps a pass. The mirrored taps share a weight and are added before the
-// multiplication. The definition is tests/reference/GaussianReference.h.
+// A separable blur, 2 * radius + 1 taps a pass; see GaussianKernels.inc for how they are added. Windows
+// without coverage are not summed. The definition is tests/reference/GaussianReference.h.
 
 #include "effect/filters/Gaussian.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstddef>
+
+#if defined(__x86_64__)
+#if defined(__GNUC__) && !defined(__clang__)
+// g++ 12 reports the vectors that its own header leaves undefined on purpose.
+#pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
+#pragma GCC diagnostic ignored "-Wuninitialized"
+#endif
+#include <immintrin.h>
+#endif
 
 #include "foundation/SafeConvert.h"
 #include "raster/CpuTarget.h"
@@ -19,6 +29,45 @@ constexpr double LN_100 = 4.60517;
 
 // Of the weights, so that 255 times them, the largest sum there is, fits 32 bits.
 constexpr int64_t MAX_TOTAL = UINT32_MAX / 255;
+
+// See Divisor.
+constexpr uint32_t MAX_MULTIPLIED_TOTAL = uint32_t{1} << 23;
+
+Divisor divisorOf(uint32_t total) {
+    Divisor divisor;
+    if (total < 2 || total > MAX_MULTIPLIED_TOTAL) return divisor;
+    while (uint64_t{2} << divisor.shift < total) ++divisor.shift;
+    const uint64_t power = uint64_t{1} << (32 + divisor.shift);
+    divisor.multiplier = static_cast<uint32_t>((power + total - 1) / total);
+    return divisor;
+}
+
+// Scratch of the kernels: the weights and their sums in groups, then a strip of columns or a line. Of no
+// build do they need more.
+constexpr int64_t CACHE_LINE = 64;
+
+int64_t weightBytes(int radius) {
+    return (8 * (2 * int64_t{radius} + 12) / CACHE_LINE + 1) * CACHE_LINE;
+}
+
+int64_t stripBytes(int radius, int height) {
+    return CACHE_LINE * (int64_t{height} + 2 * int64_t{radius} + 8);
+}
+
+int64_t lineBytes(int radius, int width) {
+    return 3 * (int64_t{width} + 2 * int64_t{radius} + 256);
+}
+
+struct BlurKernel {
+    const int* weights;
+    int radius;
+    uint32_t total;
+    Divisor divisor;
+};
+
+uint8_t* alignedToCacheLine(uint8_t* at) {
+    return at + (CACHE_LINE - reinterpret_cast<uintptr_t>(at) % CACHE_LINE) % CACHE_LINE;
+}
 
 #define ZVEX_KERNELS "effect/filters/GaussianKernels.inc"
 #include "raster/ForEachTarget.h"
@@ -43,26 +92,52 @@ bool Gaussian::make(int newRadius, int scale, GaussianConstant constant) {
     }
     if (sum > MAX_TOTAL) return false;
     total = static_cast<uint32_t>(sum);
+    divisor = divisorOf(total);
     return true;
 }
 
-void blurRun(const BlurRun& run, uint32_t* sums) {
-    const Gaussian& kernel = *run.kernel;
-    ZVEX_ON_TARGET(sumTaps(sums, run.source, run.count, run.step, kernel.weights.get(), kernel.radius));
-    ZVEX_ON_TARGET(storeMeans(run.target, sums, run.count, kernel.total, run.inverted));
+bool Blur::prepare(const Gaussian& kernel, int width, int height) {
+    kernel_ = &kernel;
+    // The kernels count pixels, with the windows' around them, in ints.
+    if (std::max(width, height) + 2 * int64_t{kernel.radius} + 1024 > INT32_MAX) return false;
+    return scratch_.allocate(weightBytes(kernel.radius) + CACHE_LINE +
+                             std::max(stripBytes(kernel.radius, height), lineBytes(kernel.radius, width)));
+}
+
+void Blur::rows(const BlurPass& pass) {
+    const BlurKernel kernel = {kernel_->weights.get(), kernel_->radius, kernel_->total, kernel_->divisor};
+    uint8_t* scratch = alignedToCacheLine(scratch_.get());
+    const ptrdiff_t weights = weightBytes(kernel.radius);
+    if (kernel.divisor.multiplier == 0) return TargetBaseline::blurRows(pass, kernel, scratch, weights);
+    ZVEX_ON_TARGET(blurRows(pass, kernel, scratch, weights));
+}
+
+void Blur::columns(const BlurPass& pass) {
+    const BlurKernel kernel = {kernel_->weights.get(), kernel_->radius, kernel_->total, kernel_->divisor};
+    uint8_t* scratch = alignedToCacheLine(scratch_.get());
+    const ptrdiff_t weights = weightBytes(kernel.radius);
+    if (kernel.divisor.multiplier == 0) return TargetBaseline::blurColumns(pass, kernel, scratch, weights);
+    ZVEX_ON_TARGET(blurColumns(pass, kernel, scratch, weights));
+}
+
+int blurBandRows(const Gaussian& kernel) {
+    return static_cast<int>(std::min<int64_t>(64 + int64_t{kernel.radius} / 2, 256));
 }
 
 bool blurPlane(const BlurParam& p) {
     if (p.xBegin >= p.xEnd || p.yBegin >= p.yEnd) return true;
-    Buffer<uint32_t> sums;
-    Buffer<uint8_t> line;
-    if (!sums.allocate(p.stride) || !line.allocateZeroed(p.stride)) return false;
-    const int count = p.xEnd - p.xBegin;
-    uint8_t* means = line.get() + p.xBegin;
-    for (int y = p.yBegin; y < p.yEnd; ++y) {
-        const ptrdiff_t first = ptrdiff_t{y} * p.stride + p.xBegin;
-        blurRun({p.source + first, means, count, p.stride, p.kernel, p.inverted}, sums.get());
-        blurRun({means, p.target + first, count, 1, p.kernel, p.inverted}, sums.get());
+    const int width = p.xEnd - p.xBegin, height = p.yEnd - p.yBegin, radius = p.kernel->radius;
+    const int band = std::min(blurBandRows(*p.kernel), height);
+    Blur blur;
+    if (!blur.prepare(*p.kernel, width, band)) return false;
+    for (int y = 0; y < height; y += band) {
+        const int rows = std::min(band, height - y);
+        const ptrdiff_t first = ptrdiff_t{p.yBegin + y} * p.stride + p.xBegin;
+        uint8_t* target = p.target + first;
+        // What is inverted twice is next to nothing where the source is next to full.
+        blur.columns({p.source + first - ptrdiff_t{radius} * p.stride, p.stride, -radius, rows + radius,
+                      target, p.stride, width, rows, p.inverted, false});
+        blur.rows({target, p.stride, 0, width, target, p.stride, width, rows, false, p.inverted});
     }
     return true;
 }

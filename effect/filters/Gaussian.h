@@ -16,32 +16,65 @@ namespace Zvex {
 // a weight of a kernel of radius 963 or more can differ by one.
 enum class GaussianConstant { Single, Double };
 
+// How the weighted sums are divided by the weights' total: floor(sum / total) is
+// sum * multiplier >> (32 + shift), exactly, for every sum below 256 * total. With 2^shift < total <=
+// 2^(shift + 1) and multiplier = ceil(2^(32 + shift) / total), the product exceeds sum / total by less than
+// 1 / total as long as sum * (multiplier * total - 2^(32 + shift)) < 2^(32 + shift); a total up to 2^23 sees
+// to that. For larger ones the multiplier is 0: they are divided by.
+struct Divisor {
+    uint32_t multiplier = 0;
+    int shift = 0;
+};
+
 struct Gaussian {
     int radius = 0;       // pixels
     uint32_t total = 0;   // weights[0] + 2 * (weights[1] + ... + weights[radius]): divides every sum
-    Buffer<int> weights;  // radius + 1, from the middle outwards
+    Divisor divisor;      // by total
+    Buffer<int> weights;  // radius + 1, from the middle outwards; a byte each
 
-    // weights[i] = scale * exp(-i * i * ln 100 / radius^2), rounded half up. A radius below 1 gives the
-    // middle weight alone. False when memory is short or when 255 * total would not fit 32 bits (radii of
-    // more than a hundred thousand).
+    // weights[i] = scale * exp(-i * i * ln 100 / radius^2), rounded half up; scale is at most 128. A radius
+    // below 1 gives the middle weight alone. False when memory is short or when 255 * total would not fit 32
+    // bits (radii of more than a hundred thousand).
     bool make(int radius, int scale, GaussianConstant constant);
 };
 
-// One pass of the blur over a run of pixels. The windows run along the row (a step of 1 byte) or down the
-// column (a step of the stride).
-struct BlurRun {
-    const uint8_t* source;  // read from radius steps before the first pixel to radius steps after the last
-    uint8_t* target;        // `count` pixels; must not overlap source
-    int count;              // pixels, side by side in source and in target; 0 writes nothing
-    ptrdiff_t step;         // bytes
-    const Gaussian* kernel;
-    bool inverted;  // gives what 255 lacks of the weighted mean, the difference taken before the division
+// One pass of the blur: the windows run along the rows or down the columns. Target pixel t, counted along the
+// windows from the first one of the target, lies in the middle of the window of the source pixels t - radius
+// to t + radius; the source has the pixels sourceBegin..sourceEnd - 1, `source` being the first of these, and
+// no coverage elsewhere.
+struct BlurPass {
+    const uint8_t* source;
+    ptrdiff_t sourceStride;  // bytes
+    int sourceBegin, sourceEnd;
+    uint8_t* target;  // a pass along the rows may write over its source row by row, with the source's stride
+    ptrdiff_t targetStride;
+    int width, height;    // pixels of the target
+    bool sourceInverted;  // the source's pixels are taken as what 255 lacks of them
+    // The means are cut off; inverted, they are what 255 lacks of the mean, the difference taken before the
+    // division.
+    bool inverted;
 };
 
-// target[i] = weighted sum around source[i] over `total`, cut off. sums: `count` elements to work in.
-void blurRun(const BlurRun& run, uint32_t* sums);
+// Passes with one kernel and one piece of memory.
+class Blur {
+public:
+    // For targets of at most `width` x `height` pixels, along rows and columns. False when memory is short.
+    // The kernel must outlive the passes.
+    bool prepare(const Gaussian& kernel, int width, int height);
 
-// One blur over a rectangle of a plane. Planes are 8-bit, rows packed.
+    void rows(const BlurPass& pass);
+    void columns(const BlurPass& pass);
+
+private:
+    const Gaussian* kernel_ = nullptr;
+    Buffer<uint8_t> scratch_;
+};
+
+// The rows that a pass down the columns is best given at a time: few enough to stay in the cache until the
+// next step, many enough for the windows' other rows to be read seldom.
+int blurBandRows(const Gaussian& kernel);
+
+// Both passes over a rectangle of a plane. Planes are 8-bit, rows packed.
 struct BlurParam {
     const uint8_t* source;  // whole plane
     uint8_t* target;        // of the same size; must not overlap source

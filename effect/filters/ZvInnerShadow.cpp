@@ -1,14 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // The inverse of the coverage, blurred along the rows and then, shifted, down the columns. Only the pixels
-// that the shifted windows start from are computed, and the planes are wide enough that no window has to be
-// cut: nothing beside the text (all shadow) costs a test. The definition is
-// tests/reference/ShadowReference.h.
+// that the shifted windows start from are computed. The definition is tests/reference/ShadowReference.h.
 
 #include "effect/filters/ZvInnerShadow.h"
 
 #include <algorithm>
-#include <climits>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -48,45 +45,42 @@ bool isNear(int64_t length, int64_t shift, int64_t radius) {
     return length + radius + shift >= 0 && shift < length + radius;
 }
 
+void showOnText(uint8_t* __restrict row, const uint8_t* blurred, int count) {
+    for (int x = 0; x < count; ++x) row[x] = static_cast<uint8_t>(row[x] != 0 ? blurred[x] : 0);
+}
+
 // `shadow` holds the coverage of the text box, area large, and becomes the shadow. False, with some of it
 // changed, when memory is short.
 bool cutOut(uint8_t* shadow, const WorkingArea& area, ShadowShift shift, int radius) {
     Gaussian kernel;
     if (!kernel.make(radius, SHADOW_WEIGHT, GaussianConstant::Single)) return false;
-    const int width = area.width, height = area.height, room = 2 * radius;  // of either end of a plane
+    const int width = area.width, height = area.height;
     const Span columns = spanOf(width, shift.x, radius), rows = spanOf(height, shift.y, radius);
-    // The coverage of a row with room for the shift and the windows, and the inverse with the same room above
-    // and below, where all is shadow.
-    Buffer<uint8_t> padded, inverse, blurred;
-    Buffer<uint32_t> sums;
-    const int64_t paddedWidth = width + 2 * int64_t{room}, inverseRows = height + 2 * int64_t{room};
-    if (paddedWidth > INT_MAX || inverseRows > INT_MAX) return false;
-    if (!padded.allocateZeroed(paddedWidth) || !inverse.allocate(inverseRows, width) ||
-        !blurred.allocate(width) || !sums.allocate(width))
+    const int band = std::min(blurBandRows(kernel), height), count = columns.count();
+    Buffer<uint8_t> inverse, blurred;  // of the pixels in reach
+    Blur blur;
+    if (!inverse.allocate(height, width) || !blurred.allocate(band, width) ||
+        !blur.prepare(kernel, width, band))
         return false;
 
-    std::memset(inverse.get(), 255, static_cast<size_t>(inverseRows) * static_cast<size_t>(width));
-    for (int y = 0; y < height; ++y) {
-        std::memcpy(padded.get() + room, shadow + area.row(y), static_cast<size_t>(width));
-        blurRun({padded.get() + room + columns.begin - shift.x, inverse.get() + area.row(room + y),
-                 columns.count(), 1, &kernel, true},
-                sums.get());
+    if (count > 0) {
+        blur.rows({shadow, width, shift.x - columns.begin, shift.x - columns.begin + width, inverse.get(),
+                   count, count, height, false, true});
     }
-    for (int y = 0; y < height; ++y) {
-        uint8_t* row = shadow + area.row(y);
-        if (y < rows.begin || y >= rows.end) {
-            std::memset(row, 255, static_cast<size_t>(width));
-            continue;
+    std::memset(shadow, 255, area.row(rows.begin));
+    for (int y = rows.begin; y < rows.end; y += band) {
+        const int bandRows = std::min(band, rows.end - y);
+        // Where the source ends all is shadow: no coverage, once it is inverted.
+        blur.columns({inverse.get(), count, shift.y - y, shift.y - y + height, blurred.get(), count, count,
+                      bandRows, true, true});
+        for (int i = 0; i < bandRows; ++i) {
+            uint8_t* row = shadow + area.row(y + i);
+            std::memset(row, 255, static_cast<size_t>(columns.begin));
+            showOnText(row + columns.begin, blurred.get() + ptrdiff_t{i} * count, count);
+            std::memset(row + columns.end, 255, static_cast<size_t>(width - columns.end));
         }
-        blurRun({inverse.get() + area.row(room + y - shift.y), blurred.get(), columns.count(), width, &kernel,
-                 false},
-                sums.get());
-        std::memset(row, 255, static_cast<size_t>(columns.begin));
-        for (int x = columns.begin; x < columns.end; ++x) {
-            if (row[x] != 0) row[x] = blurred[static_cast<size_t>(x - columns.begin)];
-        }
-        std::memset(row + columns.end, 255, static_cast<size_t>(width - columns.end));
     }
+    std::memset(shadow + area.row(rows.end), 255, area.pixels() - area.row(rows.end));
     return true;
 }
 

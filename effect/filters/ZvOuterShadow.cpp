@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The coverage in the middle of a plane with room for two radii around it, blurred in two passes: the blur
-// writes up to one radius from the text, and its windows reach one more. The definition is
-// tests/reference/ShadowReference.h.
+// The coverage, blurred straight from the mask, columns first, in bands of rows that are small enough for the
+// cache: the shadow of the whole text is never in memory. The blur reaches one radius beyond the text box,
+// and only what falls onto the target is made of it. The definition is tests/reference/ShadowReference.h.
 //
 //     |<- radius ->|<- radius ->|<- text box ->|<- radius ->|<- radius ->|
 //         empty        blurred      blurred        blurred      empty
@@ -51,24 +51,40 @@ int ZvOuterShadow::doPostProcessing(ParamPostProcessing* param) {
     if (!area.grow(*param->textRect, 2 * int64_t{radius})) return 0;
     area.move(dx, dy);
 
-    // Only rows that are seen are blurred: a radius far beyond the picture costs no more than its rows.
-    const int64_t rowBegin = std::max<int64_t>(radius, -int64_t{area.y});
-    const int64_t rowEnd = std::min<int64_t>(area.height - radius, int64_t{param->target->height} - area.y);
-    if (rowBegin >= rowEnd || int64_t{area.x} + area.width <= 0 || area.x >= int64_t{param->target->width})
-        return 0;
+    // Only what is seen is blurred: a radius far beyond the picture costs no more than its pixels. In pixels
+    // of the area.
+    const ZvRect part = partWithin(*param->mask, *param->textRect);
+    const int64_t left = std::max<int64_t>(radius, -int64_t{area.x}),
+                  top = std::max<int64_t>(radius, -int64_t{area.y});
+    const int64_t right = std::min<int64_t>(area.width - radius, int64_t{param->target->width} - area.x);
+    const int64_t bottom = std::min<int64_t>(area.height - radius, int64_t{param->target->height} - area.y);
+    if (left >= right || top >= bottom || part.left >= part.right || part.top >= part.bottom) return 0;
 
-    Buffer<uint8_t> padded, shadow;
+    // Where the mask begins, of what is seen.
+    const int sourceLeft = static_cast<int>(part.left - int64_t{param->textRect->left} + area.margin - left);
+    const int sourceTop = static_cast<int>(part.top - int64_t{param->textRect->top} + area.margin - top);
+    const int partWidth = part.right - part.left, partHeight = part.bottom - part.top;
+    const int width = static_cast<int>(right - left), height = static_cast<int>(bottom - top);
+    const uint8_t* coverage =
+        param->mask->pixels + static_cast<size_t>(part.top) * param->mask->width + part.left;
+
     Gaussian kernel;
-    if (!padded.allocateZeroed(area.height, area.width) || !shadow.allocateZeroed(area.height, area.width) ||
-        !kernel.make(radius, SHADOW_WEIGHT, GaussianConstant::Single))
-        return 0;
-    copyCoverage(*param->mask, *param->textRect, padded.get() + area.row(area.margin) + area.margin,
-                 area.width);
-    if (!blurPlane({padded.get(), shadow.get(), area.width, &kernel, false, radius, area.width - radius,
-                    static_cast<int>(rowBegin), static_cast<int>(rowEnd)}))
-        return 0;
-    ZvBlender::drawBitmapBlend8(area.x, area.y, param->target, shadow.get(), area.width, area.height,
-                                area.width, property->color, ZVE_BLEND_DST_OVER);
+    Blur blur;
+    Buffer<uint8_t> shadow;
+    const int stride = std::max(width, partWidth);
+    if (!kernel.make(radius, SHADOW_WEIGHT, GaussianConstant::Single)) return 0;
+    const int band = std::min(blurBandRows(kernel), height);
+    if (!blur.prepare(kernel, stride, band) || !shadow.allocate(band, stride)) return 0;
+    for (int y = 0; y < height; y += band) {
+        const int rows = std::min(band, height - y);
+        blur.columns({coverage, param->mask->width, sourceTop - y, sourceTop - y + partHeight, shadow.get(),
+                      stride, partWidth, rows, false, false});
+        blur.rows({shadow.get(), stride, sourceLeft, sourceLeft + partWidth, shadow.get(), stride, width,
+                   rows, false, false});
+        ZvBlender::drawBitmapBlend8(static_cast<int>(area.x + left), static_cast<int>(area.y + top + y),
+                                    param->target, shadow.get(), width, rows, stride, property->color,
+                                    ZVE_BLEND_DST_OVER);
+    }
     return 0;
 }
 

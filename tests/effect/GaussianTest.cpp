@@ -5,6 +5,7 @@
 
 #include <vector>
 
+#include "tests/CpuTargets.h"
 #include "tests/FailingAllocations.h"
 #include "tests/effect/TestPictures.h"
 #include "tests/reference/GaussianReference.h"
@@ -35,28 +36,89 @@ TEST(Gaussian, WeightsAreTheDefinition) {
     EXPECT_FALSE(two.make(300000, 128, GaussianConstant::Single));  // the sums would not fit
 }
 
-TEST(Gaussian, BlurEqualsThePlainForm) {
-    Random random(1);
-    for (int i = 0; i < 200; ++i) {
-        const int radius = random.below(8), width = 2 * radius + random.below(40),
-                  height = 2 * radius + random.below(9);
-        if (width < 1 || height < 1) continue;
-        const ZvBitmap plane = makeMask(ALL_MASKS[static_cast<size_t>(i) % 6], width, height, random);
-        const std::vector<uint8_t> source(plane.pixels, plane.pixels + width * height);
-        const uint8_t before = static_cast<uint8_t>(random.below(256));
-        std::vector<uint8_t> actual(source.size(), before), expected(actual);
-        reference::Blur blur{width,
-                             radius + random.below(2),
-                             width - radius - random.below(2),
-                             radius + random.below(2),
-                             height - radius - random.below(2),
-                             i % 2 == 1};
-        blur.draw(source, expected, reference::gaussianWeights(radius, 100, true));
-        Gaussian kernel;
-        ASSERT_TRUE(kernel.make(radius, 100, GaussianConstant::Single));
+// A quotient never falls as the sum grows, so that the ends of each run of equal ones decide about all sums.
+TEST(Gaussian, DividesEverySumExactly) {
+    for (int scale : {100, 128}) {
+        for (int radius : {0, 1, 2, 3, 4, 5, 999, 5000, 70000, 150000}) {
+            for (int next = 0; next < (radius == 5 ? 146 : 1); ++next) {
+                Gaussian kernel;
+                ASSERT_TRUE(kernel.make(radius + next, scale, GaussianConstant::Single));
+                const auto quotient = [&](uint64_t sum) {
+                    return sum * kernel.divisor.multiplier >> (32 + kernel.divisor.shift);
+                };
+                const uint64_t total = kernel.total;
+                ASSERT_EQ(kernel.divisor.multiplier == 0, total > 1u << 23);
+                for (uint64_t i = 0; i < 256 && kernel.divisor.multiplier != 0; ++i) {
+                    ASSERT_EQ(quotient(i * total), i) << radius + next << " " << scale;
+                    ASSERT_EQ(quotient(i * total + total - 1), i) << radius + next << " " << scale;
+                }
+            }
+        }
+    }
+}
+
+void expectThePlainBlur(int i, int radius, int scale, int width, int height, Random& random) {
+    const ZvBitmap plane = makeMask(ALL_MASKS[static_cast<size_t>(i) % 6], width, height, random);
+    const std::vector<uint8_t> source(plane.pixels, plane.pixels + width * height);
+    const uint8_t before = static_cast<uint8_t>(random.below(256));
+    std::vector<uint8_t> expected(source.size(), before);
+    reference::Blur blur{width,
+                         radius + random.below(2),
+                         width - radius - random.below(2),
+                         radius + random.below(2),
+                         height - radius - random.below(2),
+                         i % 2 == 1};
+    blur.draw(source, expected, reference::gaussianWeights(radius, scale, true));
+    Gaussian kernel;
+    ASSERT_TRUE(kernel.make(radius, scale, GaussianConstant::Single));
+    forEachCpuTarget([&] {
+        std::vector<uint8_t> actual(source.size(), before);
         EXPECT_TRUE(blurPlane({source.data(), actual.data(), width, &kernel, blur.inverted, blur.xBegin,
                                blur.xEnd, blur.yBegin, blur.yEnd}));
         ASSERT_EQ(actual, expected) << "case " << i << ", radius " << radius << ", width " << width;
+    });
+}
+
+TEST(Gaussian, BlurEqualsThePlainForm) {
+    Random random(1);
+    for (int i = 0; i < 200; ++i) {
+        const int radius = random.below(8), width = 2 * radius + random.between(1, 40);
+        expectThePlainBlur(i, radius, 100, width, 2 * radius + random.between(1, 9), random);
+    }
+    // Several strips and bands, with empty and full ones among them.
+    for (int i = 0; i < 48; ++i) {
+        const int radius = random.below(i % 3 == 0 ? 90 : 24), width = 2 * radius + random.between(60, 330);
+        const int height = 2 * radius + random.between(1, i % 8 == 0 ? 90 : 20);
+        expectThePlainBlur(i, radius, i % 4 < 2 ? 100 : 128, width, height, random);
+    }
+}
+
+// Sums that no multiplier divides exactly; one pass, because a plane with room for its windows is too large.
+TEST(Gaussian, BlurOfAnEndlessRadiusEqualsThePlainForm) {
+    constexpr int RADIUS = 110000;
+    Gaussian kernel;
+    ASSERT_TRUE(kernel.make(RADIUS, 100, GaussianConstant::Single));
+    // Its own: the plain form squares distances as ints.
+    const std::vector<int> weights(kernel.weights.get(), kernel.weights.get() + RADIUS + 1);
+    Random random(3);
+    std::vector<uint8_t> source(100000);
+    for (uint8_t& pixel : source) pixel = static_cast<uint8_t>(random.between(180, 255));
+    Blur blur;
+    ASSERT_TRUE(blur.prepare(kernel, 3, 3));
+    for (bool inverted : {false, true}) {
+        uint8_t rows[3], columns[3];
+        blur.rows({source.data(), 0, -50000, 50000, rows, 0, 3, 1, false, inverted});
+        blur.columns({source.data(), 1, -50000, 50000, columns, 1, 1, 3, false, inverted});
+        for (int x = 0; x < 3; ++x) {
+            const int64_t sum = reference::gaussianSum(weights, [&](int i) {
+                const int at = x + i + 50000;
+                return at < 0 || at >= 100000 ? 0 : source[static_cast<size_t>(at)];
+            });
+            const int64_t total = kernel.total;
+            const int expected = static_cast<int>((inverted ? 255 * total - sum : sum) / total);
+            EXPECT_EQ(rows[x], expected);
+            EXPECT_EQ(columns[x], expected);
+        }
     }
 }
 
