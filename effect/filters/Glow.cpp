@@ -6,20 +6,21 @@
 //     |<- 0.9 r ->|<- 1.1 r ->|<- text box ->|<- 1.1 r ->|<- 0.9 r ->|
 //     ^ border: not blurred    ^ spread: 0.475 r by the box sums, 0.9 r by the Gaussian
 //
-// Each pass of the box sums costs nine additions a pixel, and there is one for every second pixel of the
-// size. The definition is tests/reference/GlowReference.h.
+// The box sums spread by a pixel a pass, and there is one pass for every second pixel of the size: the plane
+// that they work on is the text box and that much around it. All passes are made of a row before the next row
+// is read. The definition is tests/reference/GlowReference.h.
 
 #include "effect/filters/Glow.h"
 
 #include <algorithm>
 #include <cstddef>
-#include <cstring>
 
 #include "effect/filters/Buffer.h"
 #include "effect/filters/ColorTable.h"
 #include "effect/filters/Coverage.h"
 #include "effect/filters/Gaussian.h"
 #include "foundation/SafeConvert.h"
+#include "raster/CpuTarget.h"
 #include "raster/ZvBitmap.h"
 #include "raster/ZvBlender.h"
 #include "raster/ZvRect.h"
@@ -51,14 +52,47 @@ void fade(uint32_t* table, float start) {
     }
 }
 
-// One row of the box filter: widened[x] of the rows above, at and below x, for all x but the ends.
-void widenRow(uint8_t* widened, const uint8_t* above, const uint8_t* row, const uint8_t* below, int width) {
-    for (int x = 1; x < width - 1; ++x) {
-        const auto three = [x](const uint8_t* pixels) { return pixels[x - 1] + pixels[x] + pixels[x + 1]; };
-        const int sum = three(above) + three(row) + three(below);
-        widened[x] = static_cast<uint8_t>(std::min(sum >> 2, 255));
-    }
+// The box filter on what 255 lacks of an image, for images that are nearly full: the sum of the nine inverses
+// is n = 9 * 255 - sum, and 255 - min(sum >> 2, 255) is n - INVERSE_LOSS over four, cut off, or 0.
+constexpr uint16_t INVERSE_LOSS = 9 * 255 - 4 * 255 - 3;
+
+struct Widening {
+    uint8_t* image;  // changed in place, but for its first and its last row
+    ptrdiff_t stride;
+    int width, height, passes;
+    bool inverse;   // the image is the inverse of the one to widen
+    uint16_t edge;  // what the other rows' first and last pixels become
+};
+
+#define ZVEX_KERNELS "effect/filters/GlowKernels.inc"
+#include "raster/ForEachTarget.h"
+
+// False, with the image untouched, when memory is short.
+bool widen(const Widening& w) {
+    constexpr int64_t BLOCK = 32;  // of the kernels
+    Buffer<uint16_t> rows;         // two, and two for each pass
+    if (!rows.allocateZeroed(2 * int64_t{w.passes} + 2, (w.width + BLOCK - 1) / BLOCK * BLOCK + 2 * BLOCK))
+        return false;
+    ZVEX_ON_TARGET(widenPlane(w, rows.get()));
+    return true;
 }
+
+// What a glow is made of, in pixels of its working area.
+struct GlowShape {
+    WorkingArea area;
+    int passes, radius;
+    int source;  // where the plane that the passes work on begins, on all sides: no pass leaves it
+
+    bool make(const ZvRect& box, int64_t reach) {
+        if (!area.grow(box, 2 * reach)) return false;
+        passes = std::max(truncateToInt(static_cast<double>(reach) * PASSES_OF_REACH), 1);
+        radius = truncateToInt(static_cast<float>(reach) * BLUR_OF_REACH);
+        source = area.margin - passes - 1;
+        return true;
+    }
+    int sourceWidth() const { return area.width - 2 * source; }
+    int sourceHeight() const { return area.height - 2 * source; }
+};
 
 }  // namespace
 
@@ -79,20 +113,7 @@ void makeGlowTable(uint32_t* table, const ZvGlowProperty* property, float fadeSt
 
 bool widenByBoxFilter(uint8_t* image, int passes, int width, int height) {
     if (image == nullptr || passes < 1 || width < 1 || height < 3) return true;
-    const size_t bytes = static_cast<size_t>(width);
-    Buffer<uint8_t> above;    // a row as it was before the pass
-    Buffer<uint8_t> widened;  // 0 at both ends
-    if (!above.allocate(width) || !widened.allocateZeroed(width)) return false;
-    for (int pass = 0; pass < passes; ++pass) {
-        std::memcpy(above.get(), image, bytes);
-        uint8_t* row = image + bytes;
-        for (int y = 1; y < height - 1; ++y, row += bytes) {
-            widenRow(widened.get(), above.get(), row, row + bytes, width);
-            std::memcpy(above.get(), row, bytes);
-            std::memcpy(row, widened.get(), bytes);
-        }
-    }
-    return true;
+    return widen({image, width, width, height, passes, false, 0});
 }
 
 void drawGlow(const ZvECore::ParamPostProcessing* param, const ZvGlowProperty* property, GlowSide side) {
@@ -102,41 +123,66 @@ void drawGlow(const ZvECore::ParamPostProcessing* param, const ZvGlowProperty* p
     // From 1 on; a size beyond the ints makes an area that is refused.
     const int64_t reach = int64_t{truncateToInt(property->size)} + 1;
     const ZvRect& box = *param->textRect;
-    WorkingArea area;
-    if (!area.grow(box, 2 * reach)) return;
-    Buffer<uint8_t> source;
-    if (!source.allocateZeroed(area.height, area.width)) return;
-    copyCoverage(*param->mask, box, source.get() + area.row(area.margin) + area.margin, area.width);
+    GlowShape shape;
+    if (!shape.make(box, reach)) return;
+    const WorkingArea& area = shape.area;
     const bool inside = side == GlowSide::Inside;
-    if (inside) {
-        for (size_t i = 0; i < area.pixels(); ++i) source[i] = static_cast<uint8_t>(255 - source[i]);
-    }
+    const int radius = shape.radius, width = shape.sourceWidth(), height = shape.sourceHeight();
 
-    const int passes = std::max(truncateToInt(static_cast<double>(reach) * PASSES_OF_REACH), 1);
-    const int radius = truncateToInt(static_cast<float>(reach) * BLUR_OF_REACH);
+    // The part of the area that is seen.
+    const int left = std::max(0, -area.x), top = std::max(0, -area.y);
+    const int right = static_cast<int>(std::min<int64_t>(area.width, int64_t{param->target->width} - area.x));
+    const int bottom =
+        static_cast<int>(std::min<int64_t>(area.height, int64_t{param->target->height} - area.y));
+    if (left >= right || top >= bottom) return;
+    // The part of that which is blurred; the rest is border.
+    const int xBegin = std::max(left, radius), xEnd = std::min(right, area.width - radius);
+    const int yBegin = std::max(top, radius), yEnd = std::min(bottom, area.height - radius);
+    const int count = std::max(xEnd - xBegin, 0), stride = std::max(count, width);
+
     Gaussian kernel;
-    Buffer<uint8_t> blurred;
-    Buffer<uint32_t> image;
-    if (!widenByBoxFilter(source.get(), passes, area.width, area.height) ||
-        !kernel.make(radius, GAUSSIAN_SCALE, GaussianConstant::Single) ||
-        !blurred.allocate(area.height, area.width) || !image.allocate(area.height, area.width)) {
+    Blur blur;
+    Buffer<uint8_t> source, blurred;
+    Buffer<uint32_t> row;
+    if (!kernel.make(radius, GAUSSIAN_SCALE, GaussianConstant::Single)) return;
+    const int band = std::max(1, std::min(blurBandRows(kernel), yEnd - yBegin));
+    if (!source.allocateZeroed(height, width) || !blurred.allocate(band, stride) ||
+        !row.allocate(right - left) || !blur.prepare(kernel, stride, band))
         return;
-    }
-    const int xEnd = area.width - radius, yEnd = area.height - radius;
-    if (!blurPlane({source.get(), blurred.get(), area.width, &kernel, inside, radius, xEnd, radius, yEnd}))
-        return;
+
+    // The inner glow is that of the coverage's inverse. What 255 lacks of this is the coverage: next to
+    // nothing is left of it after the passes, and what is empty costs nothing. Only where there is no blur do
+    // the outermost columns count, which the passes make 0, and full in the inverse.
+    const ptrdiff_t inset = ptrdiff_t{shape.passes} + 1;
+    copyCoverage(*param->mask, box, source.get() + inset * width + inset, width);
+    const uint16_t edge = inside && shape.source == 0 ? 255 : 0;
+    if (!widen({source.get(), width, width, height, shape.passes, inside, edge})) return;
 
     uint32_t colors[COLOR_TABLE_SIZE];
     makeGlowTable(colors, property, FADE_START, ZV_CURVE_STRAIGHT);
     for (uint32_t& color : colors) color = premultiplied(color);
-    std::fill_n(image.get(), area.pixels(), inside ? BORDER_INSIDE : BORDER_OUTSIDE);
-    for (int y = radius; y < yEnd; ++y) {
-        const uint8_t* values = blurred.get() + area.row(y);
-        uint32_t* row = image.get() + area.row(y);
-        for (int x = radius; x < xEnd; ++x) row[x] = colors[LAST_ENTRY - values[x]];
+    std::reverse(colors, colors + COLOR_TABLE_SIZE);
+
+    const auto drawRow = [&](int y) {
+        ZvBlender::drawBitmapBlend32(area.x + left, area.y + y, param->target, row.get(), right - left, 1,
+                                     right - left, ZVE_BLEND_DST_OVER);
+    };
+    std::fill_n(row.get(), right - left, inside ? BORDER_INSIDE : BORDER_OUTSIDE);
+    for (int y = top; y < bottom && inside; ++y) {
+        if (count == 0 || y < yBegin || y >= yEnd) drawRow(y);
     }
-    ZvBlender::drawBitmapBlend32(area.x, area.y, param->target, image.get(), area.width, area.height,
-                                 area.width, ZVE_BLEND_DST_OVER);
+    for (int y = yBegin; y < yEnd && count > 0; y += band) {
+        const int rows = std::min(band, yEnd - y);
+        blur.columns({source.get(), width, shape.source - y, shape.source - y + height, blurred.get(), stride,
+                      width, rows, false, false});
+        blur.rows({blurred.get(), stride, shape.source - xBegin, shape.source - xBegin + width, blurred.get(),
+                   stride, count, rows, false, inside});
+        for (int i = 0; i < rows; ++i) {
+            const uint8_t* values = blurred.get() + ptrdiff_t{i} * stride;
+            ZVEX_ON_TARGET(colorRow(row.get() + (xBegin - left), values, count, colors));
+            drawRow(y + i);
+        }
+    }
 }
 
 }  // namespace Zvex
