@@ -50,6 +50,8 @@ public:
         ZvRect* textRect = nullptr;  // box of the glyphs within the mask
         int layerMode = 0;
         ZvBitmap* otherLayer = nullptr;  // a second colour picture for effects that draw into both, else null
+        // Where the mask has coverage or target is not transparent; null when that may be anywhere.
+        const ZvRect* drawnArea = nullptr;
     };
 
     virtual ~ZvECore() = default;

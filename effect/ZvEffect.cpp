@@ -46,6 +46,13 @@ bool needsTwoLayers(ZvECore* effect) {
     return type == ZV_EFFECT_EMBOSS || (isStroke(type) && strokePosition(effect) == ZV_STROKE_CENTER);
 }
 
+// Such layers draw within the box of the text.
+bool staysInBox(ZvECore* effect) {
+    const int type = effect->getStyle();
+    return type == ZV_EFFECT_TEXT || type == ZV_EFFECT_LINEAR_GRADIENT || type == ZV_EFFECT_RADIAL_GRADIENT ||
+           type == ZV_EFFECT_PATTERN;
+}
+
 int clampToSize(int value, uint32_t size) {
     const int64_t most = std::min<int64_t>(size, INT_MAX);
     return static_cast<int>(std::clamp<int64_t>(value, 0, most));
@@ -441,15 +448,43 @@ void ZvEffect::doEffectPostProcessing() {
             param.mask = mask;
             param.textRect = &textRect;
             param.layerMode = layerMode;
+            drawnWithinBox =
+                dstIsClear && layerMode == 0 && std::all_of(layers.begin(), layers.end(), staysInBox);
+            if (drawnWithinBox) param.drawnArea = &textRect;
+            textOnly = drawnWithinBox && layers.size() == 1 && layers[0]->getStyle() == ZV_EFFECT_TEXT &&
+                       layers[0]->getProperty() != nullptr;
             for (ZvECore* effect : layers) {
                 param.target = dst;
                 if (layerMode == 1) chooseTargets(effect, dst, back, &param);
-                effect->doPostProcessing(&param);
+                if (!textOnly) effect->doPostProcessing(&param);
             }
         }
     }
     textRectReset = true;
     ZV_DEBUG_LOG(TAG, "DoEffectPostProcessing(%p) - end", static_cast<void*>(this));
+}
+
+ZvRect ZvEffect::wholeDst() const {
+    if (dst == nullptr) return ZvRect();
+    return ZvRect(0, 0, clampToSize(INT_MAX, dst->width), clampToSize(INT_MAX, dst->height));
+}
+
+ZvRect ZvEffect::compositeDst(PixelOrder order) {
+    ZV_DEBUG_LOG(TAG, "CompositeLayers(%p) - start", static_cast<void*>(this));
+    ZvRect area;
+    if (mask != nullptr) {
+        area = drawnWithinBox ? textRect : wholeDst();
+        if (textOnly && !layers.empty()) {
+            paintText(dst, mask, layers[0]->getProperty()->color, area, textAlpha, order);
+        } else {
+            if (layerMode == 1) mergeBackLayer(dst, back, mask);
+            finishPicture(dst, area, textAlpha, order);
+        }
+    }
+    releaseBitmap();
+    layerMode = 0;
+    ZV_DEBUG_LOG(TAG, "CompositeLayers(%p) - end", static_cast<void*>(this));
+    return area;
 }
 
 void ZvEffect::compositeLayers(ZvBitmap* out) {
@@ -468,7 +503,7 @@ void ZvEffect::releaseBitmap() {
     delete back;
     mask = nullptr;
     back = nullptr;
-    dst = nullptr;
+    setDstBitmap(nullptr);
 }
 
 ZvRect* ZvEffect::getTextRect() {
@@ -481,6 +516,7 @@ ZvBitmap* ZvEffect::getSrcBitmap() {
 
 void ZvEffect::setSrcBitmap(ZvBitmap* bitmap) {
     mask = bitmap;
+    dstIsClear = false;  // this mask may have coverage outside the box
 }
 
 ZvBitmap* ZvEffect::getDstBitmap() {
@@ -489,6 +525,12 @@ ZvBitmap* ZvEffect::getDstBitmap() {
 
 void ZvEffect::setDstBitmap(ZvBitmap* bitmap) {
     dst = bitmap;
+    dstIsClear = drawnWithinBox = textOnly = false;
+}
+
+void ZvEffect::setClearDstBitmap(ZvBitmap* bitmap) {
+    setDstBitmap(bitmap);
+    dstIsClear = true;
 }
 
 }  // namespace Zvex

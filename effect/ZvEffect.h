@@ -11,6 +11,7 @@
 
 namespace Zvex {
 
+enum class PixelOrder;
 class ZvBitmap;
 struct ZvGlyph;
 
@@ -50,6 +51,9 @@ public:
     uint32_t textColor = 0xFF000000;  // 0xAARRGGBB, the last one given to getMapKey
     int nextEffectId = 0;
     uint8_t textAlpha = 255;  // alpha byte of the last colour given to addText, applied by compositeLayers
+    bool dstIsClear = false;  // what no layer has drawn on is transparent, and the mask empty
+    bool drawnWithinBox = false;  // then also: no layer has drawn outside textRect
+    bool textOnly = false;        // then also: the one layer is the text, drawn by compositeDst
 
     ZvEffect();
     // As above without the log line; the argument is ignored.
@@ -160,6 +164,10 @@ public:
     // Then applies textAlpha to all of `out` and makes its colours straight; frees the working bitmaps and
     // ends the rendering (layerMode 0). Without a mask, that is outside a rendering, `out` stays as it is.
     void compositeLayers(ZvBitmap* out);
+    // The same with the bytes of a pixel in that order, for `out` being dst; returns the part of it outside
+    // which all pixels are what they were: transparent, where setClearDstBitmap said so. Empty without a
+    // mask.
+    ZvRect compositeDst(PixelOrder order);
 
     // Deletes mask and back; forgets dst.
     void releaseBitmap();
@@ -169,6 +177,11 @@ public:
     void setSrcBitmap(ZvBitmap* bitmap);  // taken over; the old one is not freed
     ZvBitmap* getDstBitmap();
     void setDstBitmap(ZvBitmap* bitmap);  // stays the caller's
+    // For a picture that is transparent throughout, which spares passes over what no layer reaches.
+    void setClearDstBitmap(ZvBitmap* bitmap);
+
+private:
+    ZvRect wholeDst() const;
 };
 
 }  // namespace Zvex

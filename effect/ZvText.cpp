@@ -24,13 +24,15 @@ int ZvText::doPostProcessing(ParamPostProcessing* param) {
     const ZvBitmap* mask = param->mask;
     if (target->pixels == nullptr || target->bytesPerPixel != 4 || mask->pixels == nullptr) return 0;
 
-    const bool twoLayers = param->layerMode == 1;
-    ZvBlender::drawBitmapBlend8(0, 0, target, mask->pixels, static_cast<int>(mask->width),
-                                static_cast<int>(mask->height), static_cast<int>(mask->width),
-                                property->color, twoLayers ? ZVE_BLEND_DST_OVER_NSA : ZVE_BLEND_DST_OVER_SA);
-    // The blender leaves pixels of coverage 0 alone. What the layers in front have drawn there (a gradient
-    // fills its box, an inside stroke its surroundings) must not show beside the glyphs.
-    if (!twoLayers) clearOutsideGlyphs(target, mask);
+    // What the layers in front have drawn beside the glyphs (a gradient fills its box, an inside stroke its
+    // surroundings) must not show in a single picture.
+    if (param->layerMode != 1) {
+        cutToGlyphs(target, mask, property->color, param->drawnArea);
+        return 0;
+    }
+    const int width = static_cast<int>(mask->width), height = static_cast<int>(mask->height);
+    ZvBlender::drawBitmapBlend8(0, 0, target, mask->pixels, width, height, width, property->color,
+                                ZVE_BLEND_DST_OVER_NSA);
     return 0;
 }
 

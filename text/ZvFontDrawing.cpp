@@ -18,6 +18,7 @@
 #include <new>
 #include <vector>
 
+#include "effect/Composite.h"
 #include "effect/ZvEffect.h"
 #include "effect/ZvGlyph.h"
 #include "foundation/Error.h"
@@ -134,40 +135,54 @@ void ZvFontDrawing::ClearGlyphList() {
 }
 
 int ZvFontDrawing::DrawTextEffect(ZvTextObject* text, ZvBitmap* out) {
+    if (drawLayers(text, out, false)) text->GetEffect()->compositeLayers(out);
+    return 0;
+}
+
+ZvRect ZvFontDrawing::DrawTextWords(ZvTextObject* text, ZvBitmap* out) {
+    if (!drawLayers(text, out, true)) return ZvRect();
+    return text->GetEffect()->compositeDst(PixelOrder::BlueFirst);
+}
+
+bool ZvFontDrawing::drawLayers(ZvTextObject* text, ZvBitmap* out, bool outIsClear) {
     const ZvString* string = text != nullptr ? text->GetText() : nullptr;
     if (string == nullptr) {
         __android_log_print(ANDROID_LOG_ERROR, kTag, "DrawTextEffect(%p) - text is NULL",
                             static_cast<void*>(this));
-        return 0;
+        return false;
     }
     int length = -1;
     const std::unique_ptr<uint16_t[]> utf16(string->GetUTF16(length));
     if (utf16 == nullptr || length < 1) {
         __android_log_print(ANDROID_LOG_ERROR, kTag, "DrawTextEffect(%p) - textLength is 0",
                             static_cast<void*>(this));
-        return 0;
+        return false;
     }
     ZvEffect* effect = text->GetEffect();
     if (effect == nullptr) {
         __android_log_print(ANDROID_LOG_ERROR, kTag, "DrawTextEffect(%p) - Effect is NULL",
                             static_cast<void*>(this));
-        return 0;
+        return false;
     }
-    if (out == nullptr) return 0;
+    if (out == nullptr) return false;
 
     // Declared before the paint and the typeface, which point into the fonts: so it goes after them.
     std::vector<std::shared_ptr<minikin::FontFamily>> families;
     android::Paint paint = text->GetPaint();
     effect->addText(text->GetTextColor());
     effect->initEffect(static_cast<int>(out->width), static_cast<int>(out->height));
-    effect->setDstBitmap(out);
+    if (outIsClear) {
+        effect->setClearDstBitmap(out);
+    } else {
+        effect->setDstBitmap(out);
+    }
 
     const List* lines = text->GetLineInfo();
     if (lines == nullptr) {
         __android_log_print(ANDROID_LOG_ERROR, kTag, "DrawTextEffect(%p) - lineInfoList is NULL",
                             static_cast<void*>(this));
         ZV_REPORT_ERROR(kTag, ZV_ERROR_NOT_CONSTRUCTED);
-        return 0;
+        return false;
     }
 
     // The platform cannot make a typeface of no family at all, so that counts as a failure here too.
@@ -175,7 +190,7 @@ int ZvFontDrawing::DrawTextEffect(ZvTextObject* text, ZvBitmap* out) {
     if (!FontManager::GetInstance()->GetMinikinFontFamilies(families, fontPath, weight) || families.empty()) {
         __android_log_print(ANDROID_LOG_ERROR, kTag, "DrawTextEffect(%p) - GetMinikinFontFamilies failed",
                             static_cast<void*>(this));
-        return 0;
+        return false;
     }
     // Boldness comes from the font's name and the paint's fake bold; the bold style bit plays no part.
     const std::unique_ptr<android::Typeface> typeface(
@@ -221,8 +236,7 @@ int ZvFontDrawing::DrawTextEffect(ZvTextObject* text, ZvBitmap* out) {
     }
 
     effect->doEffectPostProcessing();
-    effect->compositeLayers(out);
-    return 0;
+    return true;
 }
 
 void ZvFontDrawing::_DoRender(int x, int y, List* glyphs, ZvEffect* effect, int direction) {

@@ -2,6 +2,8 @@
 #ifndef ZVEX_TEXT_ZVFONTDRAWING_H_
 #define ZVEX_TEXT_ZVFONTDRAWING_H_
 
+#include "raster/ZvRect.h"
+
 namespace Zvex {
 
 class List;
@@ -36,10 +38,18 @@ public:
     // outside the text are cut to it. A line image that cannot be allocated leaves its line out.
     int DrawTextEffect(ZvTextObject* text, ZvBitmap* out);
 
+    // The same into a transparent `out`, which gets words 0xAARRGGBB. Returns the part of it outside which it
+    // is transparent still.
+    ZvRect DrawTextWords(ZvTextObject* text, ZvBitmap* out);
+
     // Hands the glyph images in `glyphs` (of ZvGlyph*) to `effect`, one beside the other from the pen
     // position (x, y) on, which is in 26.6 fixed point and wraps around; y is the baseline. Backwards through
     // the list when `direction` is negative.
     void _DoRender(int x, int y, List* glyphs, ZvEffect* effect, int direction);
+
+    // Lines merged into the mask of the text's effect stack and every layer drawn onto `out`: all but the
+    // composite, which false leaves out.
+    bool drawLayers(ZvTextObject* text, ZvBitmap* out, bool outIsClear);
 
     ZvString* fontPath;  // owned; null until set
     List* glyphList;     // owned; of ZvGlyph*: records and pixels owned too

@@ -10,7 +10,9 @@
 #include <unicode/uscript.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <cstdio>
+#include <cstring>
 #include <memory>
 #include <mutex>
 #include <new>
@@ -23,6 +25,7 @@
 #include "foundation/ZvString.h"
 #include "raster/ZvBitmap.h"
 #include "raster/ZvBlender.h"
+#include "raster/ZvRect.h"
 #include "text/FontManager.h"
 #include "text/ZvFontDrawing.h"
 #include "text/ZvLineInfo.h"
@@ -357,19 +360,66 @@ uint32_t* ZvTextObject::RenderTextEffect(int width, int height) {
     }
     const unsigned int safeWidth = width > 0 ? static_cast<unsigned int>(width) : 0;
     const unsigned int safeHeight = height > 0 ? static_cast<unsigned int>(height) : 0;
-    ZvBitmap effectImage(safeWidth, safeHeight, 4);
-    std::unique_ptr<ZvBitmap> result(new (std::nothrow) ZvBitmap(safeWidth, safeHeight, 4));
-    if (result == nullptr) return nullptr;
-    if (effectImage.pixels != nullptr && result->pixels != nullptr) {
-        mImpl->fontDrawing->DrawTextEffect(this, &effectImage);
-        // A drawing that stopped half-way leaves the stack pointing at the image, which goes in a moment.
+    if (!mImpl->clearResult(safeWidth, safeHeight)) return nullptr;
+    if (mImpl->result->pixels != nullptr) {
+        if (mImpl->drawsBackground()) {
+            mImpl->renderOverBackground();
+        } else {
+            mImpl->renderAlone();
+        }
+        // A drawing that stopped half-way leaves the stack pointing at an image that may go.
         if (mImpl->effect != nullptr) mImpl->effect->setDstBitmap(nullptr);
-        mImpl->compose(effectImage, *result);
     }
-    delete mImpl->result;
-    mImpl->result = result.release();
     ZV_DEBUG_LOG(kTag, "RenderTextEffect(%p / %d) <<< End.", static_cast<void*>(this), mImpl->runtimeHandle);
     return reinterpret_cast<uint32_t*>(mImpl->result->pixels);
+}
+
+bool ZvTextObjectImpl::clearResult(unsigned int width, unsigned int height) {
+    // The pages of a large picture cost more than its pixels, so a picture of the same size is used again.
+    if (result != nullptr && result->pixels != nullptr && result->width == width &&
+        result->height == height) {
+        std::memset(result->pixels, 0, result->byteCount());
+        return true;
+    }
+    std::unique_ptr<ZvBitmap> fresh(new (std::nothrow) ZvBitmap(width, height, 4));
+    if (fresh == nullptr) return false;
+    delete result;
+    result = fresh.release();
+    return true;
+}
+
+bool ZvTextObjectImpl::drawsBackground() const {
+    if (backgroundEnabled && lineInfo != nullptr && lineInfo->GetCount() > 0) return true;
+    return result->byteCount() > INT32_MAX;  // of which the canvas draws nothing
+}
+
+void ZvTextObjectImpl::renderOverBackground() {
+    ZvBitmap effectImage(result->width, result->height, 4);
+    if (effectImage.pixels == nullptr) return;
+    fontDrawing->DrawTextEffect(owner, &effectImage);
+    if (effect != nullptr) effect->setDstBitmap(nullptr);
+    compose(effectImage, *result);
+}
+
+// Over nothing the effects' picture is the picture, within the clip.
+void ZvTextObjectImpl::renderAlone() {
+    const ZvRect drawn = fontDrawing->DrawTextWords(owner, result);
+    if (view == nullptr) return;
+    const SkRect clip = clipOf(*view);
+    // All edges are whole numbers.
+    const auto edge = [](float at, uint32_t size) {
+        return static_cast<size_t>(std::clamp(static_cast<double>(at), 0.0, static_cast<double>(size)));
+    };
+    const size_t left = edge(clip.fLeft, result->width), right = edge(clip.fRight, result->width);
+    const size_t top = edge(clip.fTop, result->height), bottom = edge(clip.fBottom, result->height);
+    const size_t width = result->width;
+    for (int y = drawn.top; y < drawn.bottom; ++y) {
+        const size_t row = static_cast<size_t>(y);
+        const bool within = row >= top && row < bottom;
+        uint8_t* pixels = result->pixels + row * width * 4;
+        std::memset(pixels, 0, (within ? left : width) * 4);
+        if (within) std::memset(pixels + right * 4, 0, (width - right) * 4);
+    }
 }
 
 void ZvTextObjectImpl::compose(ZvBitmap& effectImage, ZvBitmap& picture) const {

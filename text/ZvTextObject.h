@@ -71,11 +71,11 @@ public:
     void SetTextColor(unsigned int color);
     unsigned int GetTextColor() const;  // 0xFF000000 when not constructed
 
-    // Renders into a new picture of width x height pixels, straight 0xAARRGGBB words, and returns its first
-    // pixel. `width` and `height` are the view's size plus the effects' margins; the view's bitmap size,
-    // which sets the clip, must hold them by then. The picture belongs to the text object and lives until the
-    // next rendering. A size below 1, or one that cannot be allocated, gives null and no picture. Without a
-    // font-drawing object: error 8 and the picture of the last rendering, or null.
+    // Renders a picture of width x height pixels, straight 0xAARRGGBB words, and returns its first pixel.
+    // `width` and `height` are the view's size plus the effects' margins; the view's bitmap size, which sets
+    // the clip, must hold them by then. The picture belongs to the text object and lives until the next
+    // rendering, which may use its memory again. A size below 1, or one that cannot be allocated, gives null
+    // and no picture. Without a font-drawing object: error 8 and the picture of the last rendering, or null.
     //
     // The clip leaves out the paddings, except on the side that the gravity pulls the text to: there the text
     // may use it. Rendering again without new lines moves the background rectangles down once more by the top

@@ -33,6 +33,16 @@ public:
     // Frees the line records and empties the list.
     void clearLineInfo();
 
+    // Makes `result` transparent and of that size. Its pixels are null where they could not be allocated;
+    // false, with the old picture in place, when not even its record could.
+    bool clearResult(unsigned int width, unsigned int height);
+
+    bool drawsBackground() const;
+    // Draw text, effects and background onto the transparent result, straight words 0xAARRGGBB. Without
+    // background nothing is put together, and no second picture needed.
+    void renderOverBackground();
+    void renderAlone();
+
     // Clip, background and effects make the picture. Both images hold straight colour and have pixels;
     // `effectImage` is used up.
     void compose(ZvBitmap& effectImage, ZvBitmap& picture) const;

@@ -40,7 +40,17 @@ void coverageRowOver(uint8_t* target, uint8_t source, int count) {
 // A row of a glyph's coverage, scaled by alpha, onto a row of coverage.
 void glyphRowOver(uint8_t* target, const uint8_t* coverage, uint8_t alpha, int count) {
     if (alpha == 255) {
-        for (int i = 0; i < count; ++i) target[i] = host::coverageOver(coverage[i], target[i]);
+        int i = 0;
+        for (; i + 8 <= count; i += 8) {  // glyphs seldom overlap
+            uint64_t below;
+            std::memcpy(&below, target + i, 8);
+            if (below == 0) {
+                std::memcpy(target + i, coverage + i, 8);
+            } else {
+                for (int j = i; j < i + 8; ++j) target[j] = host::coverageOver(coverage[j], target[j]);
+            }
+        }
+        for (; i < count; ++i) target[i] = host::coverageOver(coverage[i], target[i]);
         return;
     }
     for (int i = 0; i < count; ++i) {

@@ -1,0 +1,126 @@
+// SPDX-License-Identifier: Apache-2.0
+// A text without background is drawn straight into its picture, which serves again; what lies under a
+// background takes the long way, through a picture of the effects and the canvas. An invisible background
+// must not show in the bytes, nor may what an object has rendered before.
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "TextScene.h"
+#include "raster/ZvBitmap.h"
+
+using namespace Zvex;
+using namespace text_test;
+
+namespace {
+
+constexpr wchar_t kText[] = L"Wave\x00E9 jg";
+constexpr uint32_t kInvisible = 0x00FFFFFF;
+
+struct Look {
+    const char* name;
+    std::function<void(TextScene&)> apply;
+};
+
+std::vector<Look> looks() {
+    static ZvGradient stops[] = {{0xFFFF0000, 1.0f, 0.0f}, {0x400000FF, 1.0f, 1.0f}};
+    return {
+        {"plain", [](TextScene&) {}},
+        {"faint colour", [](TextScene& s) { s.object.SetTextColor(0x60FF8040); }},
+        {"opacity", [](TextScene& s) { s.effect().setTextOpacity(0.4f); }},
+        {"gradient", [](TextScene& s) { s.effect().addLinearGradientText(30, 1, 0.7f, 2, stops); }},
+        {"pattern",
+         [](TextScene& s) {
+             ZvBitmap tile(5, 3, 4);
+             for (size_t i = 0; i < tile.byteCount(); ++i) tile.pixels[i] = static_cast<uint8_t>(i * 37);
+             s.effect().addRadialGradientText(0.5f, 0.3f, 2, stops);
+             s.effect().addPatternText(&tile, 2.0f, 0.5f);
+         }},
+        {"stroke", [](TextScene& s) { s.effect().addStrokeText(3, 0xFF0000FF, 0.8f, 0, 1); }},
+        {"inside stroke", [](TextScene& s) { s.effect().addStrokeText(3, 0xFF0000FF, 0.8f, 0, 2); }},
+        {"shadow and centred stroke",
+         [](TextScene& s) {
+             s.effect().addOuterShadowText(100, 7, 9, 0xFF00FF00, 0.5f);
+             s.effect().addStrokeText(4, 0xFF0000FF, 0.8f, 0, 0);
+         }},
+    };
+}
+
+// A view of some size and a text that it cuts on its right and, by the gravity, at its paddings.
+void setUp(TextScene& scene, int width, int height, int gravity, const Look& look) {
+    scene.effect().cleanAllEffect();
+    scene.effect().clearTextOpacity();
+    scene.object.SetTextColor(0xFFFF8040);
+    scene.view().SetSize(width, height);
+    scene.view().gravity = gravity;
+    scene.view().paddingLeft = 9;
+    scene.view().paddingTop = 11;
+    scene.view().paddingRight = 13;
+    scene.view().paddingBottom = 6;
+    scene.setLines({TextScene::makeLine(-3, 30, 0, 5), TextScene::makeLine(width - 35, height - 4, 5, 8)});
+    look.apply(scene);
+}
+
+std::unique_ptr<TextScene> makeScene(int width, int height, int gravity, const Look& look) {
+    auto scene = std::make_unique<TextScene>(kSans, kText, 34.0f, width, height);
+    setUp(*scene, width, height, gravity, look);
+    return scene;
+}
+
+}  // namespace
+
+TEST(PictureReuse, StraightIntoThePictureIsTheSameAsOverAnInvisibleBackground) {
+    for (const Look& look : looks()) {
+        for (const int gravity : {0x33, 0x55, 0x11}) {
+            SCOPED_TRACE(std::string(look.name) + ", gravity " + std::to_string(gravity));
+            const auto straight = makeScene(130, 70, gravity, look),
+                       composed = makeScene(130, 70, gravity, look);
+            composed->object.SetBackgroundColor(kInvisible, true);
+            const Picture expected = composed->render();
+            EXPECT_GT(expected.countVisible(), 300);
+            EXPECT_TRUE(straight->render() == expected);
+        }
+    }
+}
+
+// One object goes through all sizes and looks; a caller has scribbled over each picture.
+TEST(PictureReuse, APictureDoesNotDependOnTheOnesBefore) {
+    TextScene old(kSans, kText, 34.0f, 0, 0);
+    const int sizes[][2] = {{130, 70}, {130, 70}, {90, 50}, {200, 90}, {130, 70}};
+    for (const auto& size : sizes) {
+        for (const Look& look : looks()) {
+            for (const bool background : {false, true}) {
+                SCOPED_TRACE(std::string(look.name) + " at " + std::to_string(size[0]));
+                const auto fresh = makeScene(size[0], size[1], 0x55, look);
+                setUp(old, size[0], size[1], 0x55, look);
+                for (TextScene* scene : {&old, fresh.get()}) {
+                    scene->object.SetBackgroundColor(0x80204060, background);
+                }
+                const Picture picture = old.render();
+                EXPECT_TRUE(picture == fresh->render());
+                uint32_t* pixels = old.object.RenderTextEffect(picture.width, picture.height);
+                ASSERT_NE(pixels, nullptr);
+                std::memset(pixels, 0xAB, picture.pixels.size() * 4);
+            }
+        }
+    }
+}
+
+// Neither a text nor a size that cannot be had leaves anything behind.
+TEST(PictureReuse, NothingIsLeftOfATextThatWent) {
+    const auto scene = makeScene(130, 70, 0x33, looks()[0]);
+    EXPECT_GT(scene->render().countVisible(), 300);
+    scene->setLines({TextScene::makeLine(-500, 30, 0, 5)});
+    EXPECT_EQ(scene->render().countVisible(), 0);
+    scene->object.SetText(L"");
+    EXPECT_EQ(scene->render().countVisible(), 0);
+    EXPECT_EQ(scene->object.RenderTextEffect(0, 70), nullptr);
+    EXPECT_EQ(scene->object.RenderTextEffect(INT32_MAX, INT32_MAX), nullptr);
+    scene->object.SetText(kText);
+    scene->setLines({TextScene::makeLine(-3, 30, 0, 5)});
+    EXPECT_GT(scene->render().countVisible(), 200);
+}
