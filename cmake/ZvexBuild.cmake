@@ -3,7 +3,9 @@
 find_package(Threads REQUIRED)
 
 # Pixels are a promise: no fused multiply-add, no reordering of floats, on any machine at any level.
-set(ZVEX_EXACT_MATH -ffp-contract=off -fno-fast-math -fno-math-errno)
+# Nobody reads errno or the exception flags after arithmetic; without these two the compiler may take several
+# roots or either side of a choice at once, with the same results.
+set(ZVEX_EXACT_MATH -ffp-contract=off -fno-fast-math -fno-math-errno -fno-trapping-math)
 
 function(zvex_compile_options target)
   target_compile_options(${target} PRIVATE ${ZVEX_EXACT_MATH} -Wall -Wextra

@@ -6,6 +6,7 @@
 #include "effect/filters/Distance.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <limits>
@@ -38,14 +39,15 @@ float crossing(const float* values, int p, int q) {
     return ((values[q] + squareOf(q)) - (values[p] + squareOf(p))) / static_cast<float>(2 * (int64_t{q} - p));
 }
 
-void transformLine(float* result, const float* values, int count, const Envelope& envelope) {
+// From `first` on, as if there were nothing before it.
+void transformLine(float* result, const float* values, int count, const Envelope& envelope, int first = 0) {
     int* vertices = envelope.vertices.get();
     float* bounds = envelope.bounds.get();
     int last = 0;
-    vertices[0] = 0;
+    vertices[0] = first;
     bounds[0] = -ENDLESS;
     bounds[1] = ENDLESS;
-    for (int q = 1; q < count; ++q) {
+    for (int q = first + 1; q < count; ++q) {
         float begin = crossing(values, vertices[last], q);
         // The first one stays whatever the values are: none of an image's reach beyond -ENDLESS.
         while (last > 0 && begin <= bounds[last]) begin = crossing(values, vertices[--last], q);
@@ -55,11 +57,50 @@ void transformLine(float* result, const float* values, int count, const Envelope
         bounds[last + 1] = ENDLESS;
     }
     last = 0;
-    for (int q = 0; q < count; ++q) {
+    for (int q = first; q < count; ++q) {
         while (bounds[last + 1] < static_cast<float>(q)) ++last;
         const int vertex = vertices[last];
         result[q] = values[vertex] + squareOf(int64_t{q} - vertex);
     }
+}
+
+float cappedRoot(float square, int radius) {
+    const float limit = static_cast<float>(radius);
+    return square > limit * limit ? limit : std::sqrt(square);
+}
+
+bool cappedTransform(float* plane, int width, int height, int radius) {
+    if (!squaredDistances(plane, width, height)) return false;
+    const size_t count = static_cast<size_t>(width) * static_cast<size_t>(height);
+    for (size_t i = 0; i < count; ++i) plane[i] = cappedRoot(plane[i], radius);
+    return true;
+}
+
+// In a plane of 0 and ENDLESS the envelope is the true minimum as long as x^2 and the square of a height fit
+// a float together: all sums and differences are exact, then, and so few that no crossing is rounded across a
+// pixel (two crossings with whole pixels differ by 1 / (2 * 4096) at least, floats below 4096 by no more).
+// How many columns that is.
+constexpr int64_t EXACT = 1 << 24;
+
+int exactColumns(int height) {
+    const int64_t tallest = int64_t{height} * height;
+    if (tallest >= EXACT) return 0;
+    return static_cast<int>(std::sqrt(static_cast<double>(EXACT - tallest)));
+}
+
+// The squared distances of a row that is wider than that, of the steps in each of its columns, from the pixel
+// that is returned on; before it they are the true minimum. That pixel is one of the nearest kind itself, a
+// little before the sums are rounded: it stays in the envelope, and what is behind it is not seen from before
+// it.
+int transformEnd(float* line, const int16_t* steps, int width, int height, int exact,
+                 const Envelope& envelope) {
+    constexpr int ROUNDED_SLOPES = 16;  // so near the rounded parabolas might push it out
+    int first = std::max(exact - ROUNDED_SLOPES, 0);
+    while (first > 0 && steps[first] != 0) --first;
+    float* values = line + width;
+    for (int x = first; x < width; ++x) values[x] = steps[x] < height ? squareOf(steps[x]) : ENDLESS;
+    transformLine(line, values, width, envelope, first);
+    return first;
 }
 
 // A pixel that others may be near to.
@@ -103,49 +144,53 @@ private:
     int reachX_ = 0, reachY_ = 0;
 };
 
-// The exact distances to the nearest pixel at or below 0 within the window: down and up the columns first, by
-// steps, then along the rows, by squares. The table of roots is monotone, so the smallest square wins.
+// The nearest pixels at or below 0 within a window: down and up the columns first, by steps, then along the
+// rows, by squares. What a square stands for is looked up: distances are monotone, so the smallest wins.
 class FullPixels {
 public:
     // The squares of wider windows do not fit.
-    static bool fit(const RootRows& roots) { return std::max(roots.reachX(), roots.reachY()) <= WIDEST; }
+    static bool fit(int reachX, int reachY) { return std::max(reachX, reachY) <= WIDEST; }
 
-    // Reads the rows `first` to `last`.
-    bool find(const DistanceSearch& s, const RootRows& roots, int first, int last) {
-        width_ = s.width;
-        reachX_ = roots.reachX();
+    // For the rows `first` to `last`. `distances` has to be filled after that.
+    bool allocate(int width, int first, int last, int reachX, int reachY) {
+        width_ = width;
         first_ = first;
-        lastSquare_ = roots.reachX() * roots.reachX() + roots.reachY() * roots.reachY() + 1;
+        last_ = last;
+        reachX_ = reachX;
+        reachY_ = reachY;
         const int64_t rows = int64_t{last} - first + 1;
-        if (!steps_.allocate(rows, stride()) || !filled_.allocate(rows) || !best_.allocate(s.width) ||
-            !bySquare_.allocate(int64_t{lastSquare_} + 1))
-            return false;
-        for (int dy = 0; dy <= roots.reachY(); ++dy) {
-            for (int dx = 0; dx <= reachX_; ++dx)
-                bySquare_[static_cast<size_t>(dx * dx + dy * dy)] = roots.row(dy)[dx];
-        }
-        bySquare_[static_cast<size_t>(lastSquare_)] = INFINITE;
-        const int none = roots.reachY() + 1;
-        for (int y = first; y <= last; ++y) {
-            ZVEX_ON_TARGET(markFull(row(y), s.plane + ptrdiff_t{y} * s.width, s.width, none));
-            if (y > first) ZVEX_ON_TARGET(stepOn(row(y), row(y - 1), s.width));
-        }
-        for (int y = last - 1; y >= first; --y) ZVEX_ON_TARGET(stepOn(row(y), row(y + 1), s.width));
-        for (int y = first; y <= last; ++y) {
-            std::fill_n(row(y) - reachX_, reachX_, NO_SQUARE);
-            std::fill_n(row(y) + s.width, reachX_, NO_SQUARE);
-            filled_[static_cast<size_t>(y - first)] =
-                ZVEX_ON_TARGET(squareSteps(row(y), s.width, none, NO_SQUARE));
-        }
-        return true;
+        return steps_.allocate(rows, stride()) && filled_.allocate(rows) && best_.allocate(width) &&
+               distances.allocate(int64_t{none()} + 1);
     }
 
-    // The distances of a row, infinity where the window has no such pixel. False if that is everywhere:
-    // nothing is written then.
+    // The distance of each square that is the sum of two within the reach, and that of none().
+    Buffer<float> distances;
+    int none() const { return reachX_ * reachX_ + reachY_ * reachY_ + 1; }
+
+    // The steps to the nearest such pixel of the column, `most` or more where there is none so near.
+    void step(const float* plane, int most) {
+        for (int y = first_; y <= last_; ++y) {
+            ZVEX_ON_TARGET(markFull(row(y), plane + ptrdiff_t{y} * width_, width_, most));
+            if (y > first_) ZVEX_ON_TARGET(stepOn(row(y), row(y - 1), width_));
+        }
+        for (int y = last_ - 1; y >= first_; --y) ZVEX_ON_TARGET(stepOn(row(y), row(y + 1), width_));
+    }
+    const int16_t* steps(int y) const { return row(y); }
+
+    // Makes a row of steps one of squares. Whether it has any within the reach.
+    bool square(int y) {
+        std::fill_n(row(y) - reachX_, reachX_, NO_SQUARE);
+        std::fill_n(row(y) + width_, reachX_, NO_SQUARE);
+        const bool any = ZVEX_ON_TARGET(squareSteps(row(y), width_, reachY_ + 1, NO_SQUARE));
+        filled_[static_cast<size_t>(y - first_)] = any;
+        return any;
+    }
+
+    // The distances of a row of squares. False if there is none within the reach: nothing is written then.
     bool nearest(float* result, int y) const {
         if (!filled_[static_cast<size_t>(y - first_)]) return false;
         ZVEX_ON_TARGET(nearestInRow(best_.get(), row(y), width_, reachX_));
-        ZVEX_ON_TARGET(rootsOf(result, best_.get(), bySquare_.get(), width_, lastSquare_));
+        ZVEX_ON_TARGET(rootsOf(result, best_.get(), distances.get(), width_, none()));
         return true;
     }
 
@@ -162,9 +207,22 @@ private:
     Buffer<int16_t> steps_;  // then the squares of each column's distances
     Buffer<int16_t> best_;
     Buffer<uint8_t> filled_;
-    Buffer<float> bySquare_;
-    int width_ = 0, reachX_ = 0, first_ = 0, lastSquare_ = 0;
+    int width_ = 0, first_ = 0, last_ = 0, reachX_ = 0, reachY_ = 0;
 };
+
+// The full pixels of a search, measured in its roots.
+bool findFullPixels(FullPixels& full, const DistanceSearch& s, const RootRows& roots, int first, int last) {
+    const int reachX = roots.reachX(), reachY = roots.reachY();
+    if (!full.allocate(s.width, first, last, reachX, reachY)) return false;
+    for (int dy = 0; dy <= reachY; ++dy) {
+        for (int dx = 0; dx <= reachX; ++dx)
+            full.distances[static_cast<size_t>(dx * dx + dy * dy)] = roots.row(dy)[dx];
+    }
+    full.distances[static_cast<size_t>(full.none())] = INFINITE;
+    full.step(s.plane, reachY + 1);
+    for (int y = first; y <= last; ++y) full.square(y);
+    return true;
+}
 
 // The pixels that others may be near to, row by row: those between 0 and 1, and, unless these are looked for
 // apart, those below. Of the latter one all of whose neighbours are at or below 0, too, is left out: seen
@@ -241,8 +299,8 @@ bool searchSeeds(const DistanceSearch& s, Keep keep) {
     const int reachX = roots.reachX(), reachY = roots.reachY();
     const auto above = [=](int y) { return std::max(0, y - reachY); };
     const auto below = [=](int y) { return y < s.height - reachY ? y + reachY : s.height - 1; };
-    const bool apart = FullPixels::fit(roots);
-    if (apart && !full.find(s, roots, above(begin), below(end - 1))) return false;
+    const bool apart = FullPixels::fit(reachX, reachY);
+    if (apart && !findFullPixels(full, s, roots, above(begin), below(end - 1))) return false;
     if (!seeds.collect(s, above(begin), below(end - 1), apart)) return false;
     float* nearest = row.get() + reachX;  // what a seed brings may lie beyond either edge
     std::fill_n(row.get(), s.width + roots.span(), INFINITE);
@@ -313,6 +371,34 @@ bool squaredDistances(float* plane, int width, int height) {
         float* row = plane + y * width;
         std::copy_n(row, width, line.get());
         transformLine(row, line.get(), width, envelope);
+    }
+    return true;
+}
+
+bool distancesWithin(float* plane, int width, int height, int radius) {
+    if (plane == nullptr || width < 1 || height < 1 || radius < 1) return true;
+    const int reachX = std::min(radius, width - 1), reachY = std::min(radius, height - 1);
+    const int exact = exactColumns(height);
+    if (!FullPixels::fit(reachX, reachY) || exact < 1) return cappedTransform(plane, width, height, radius);
+    FullPixels full;
+    Envelope envelope;
+    Buffer<float> line;
+    if (!full.allocate(width, 0, height - 1, reachX, reachY)) return false;
+    if (width > exact && (!envelope.allocate(width) || !line.allocate(width, 2))) return false;
+    for (int square = 0; square <= full.none(); ++square)
+        full.distances[static_cast<size_t>(square)] = cappedRoot(static_cast<float>(square), radius);
+    full.distances[static_cast<size_t>(full.none())] = static_cast<float>(radius);
+    full.step(plane, height);
+    for (int y = 0; y < height; ++y) {
+        float* row = plane + ptrdiff_t{y} * width;
+        int begin = width;
+        if (width > exact) begin = transformEnd(line.get(), full.steps(y), width, height, exact, envelope);
+        full.square(y);
+        if (!full.nearest(row, y)) {
+            std::fill_n(row, width, static_cast<float>(radius));
+        } else {
+            for (int x = begin; x < width; ++x) row[x] = cappedRoot(line[static_cast<size_t>(x)], radius);
+        }
     }
     return true;
 }

@@ -23,6 +23,10 @@ bool squaredDistances(float* result, const float* values, int count);
 // and 0 on those of the other, each of the former becomes its squared distance to the nearest of the latter.
 bool squaredDistances(float* plane, int width, int height);
 
+// Of a plane of 0 and 1e20 the roots of these, in place, or `radius` where they are greater. A radius below 1
+// changes nothing. Costs little more than the plane takes to read, up to a radius of 90 and a height of 4095.
+bool distancesWithin(float* plane, int width, int height, int radius);
+
 // One search over the rows rowBegin..rowEnd - 1 of a plane, which has to fit an int in pixels. A pixel's
 // window is the square of those within `radius` of it along both axes, cut at the plane's edges; radii below
 // 1 change nothing.

@@ -85,7 +85,7 @@ void fillFromCoverage(float* plane, const WorkingArea& area, const ZvBitmap& mas
     }
 }
 
-bool squaredEdgeDistances(float* plane, const WorkingArea& area, const ZvBitmap& mask, bool inside) {
+bool edgeDistances(float* plane, const WorkingArea& area, const ZvBitmap& mask, bool inside, int radius) {
     std::fill_n(plane, area.pixels(), inside ? 0.0f : FAR);
     const int right = std::min(area.width - area.margin, area.width - 1);
     const int bottom = std::min(area.height - area.margin, area.height - 1);
@@ -95,7 +95,7 @@ bool squaredEdgeDistances(float* plane, const WorkingArea& area, const ZvBitmap&
             if (coverageAt(mask, int64_t{area.x} + x, int64_t{area.y} + y) != 0) row[x] = inside ? FAR : 0.0f;
         }
     }
-    return squaredDistances(plane, area.width, area.height);
+    return distancesWithin(plane, area.width, area.height, radius);
 }
 
 bool blurRelief(const ReliefBlurJob& job) {

@@ -100,10 +100,11 @@ int64_t reliefMargin(int64_t radius, int64_t blur, int64_t soften);
 void fillFromCoverage(float* plane, const WorkingArea& area, const ZvBitmap& mask, float outside,
                       const float* ramp);
 
-// Squared distances from the pixels of one kind to the nearest of the other: with `inside`, from those of the
-// text, else from those around it; 0 for the pixels of the other kind. Any coverage makes a pixel one of the
-// text. The column right of the text box and the row below it are read as well. False when memory is short.
-bool squaredEdgeDistances(float* plane, const WorkingArea& area, const ZvBitmap& mask, bool inside);
+// Distances from the pixels of one kind to the nearest of the other, up to the radius: with `inside`, from
+// those of the text, else from those around it; 0 for the pixels of the other kind. Any coverage makes a
+// pixel one of the text. The column right of the text box and the row below it are read as well. False when
+// memory is short.
+bool edgeDistances(float* plane, const WorkingArea& area, const ZvBitmap& mask, bool inside, int radius);
 
 // One blur of bytes: a rectangle of `source` blurred into `destination`, both of the same size, rows packed.
 struct ReliefBlurJob {

@@ -40,18 +40,8 @@ struct Widths {
     }
 };
 
-// Distances from the pixels of the slope's side to the other side, exact, up to the radius.
-bool measureExactly(float* plane, const WorkingArea& area, const ZvBitmap& mask, bool inner, int radius) {
-    if (!squaredEdgeDistances(plane, area, mask, inner)) return false;
-    const float squaredRadius = static_cast<float>(int64_t{radius} * radius);
-    for (size_t i = 0; i < area.pixels(); ++i) {
-        const float square = plane[i];
-        plane[i] = square > squaredRadius ? static_cast<float>(radius) : std::sqrt(square);
-    }
-    return true;
-}
-
-// The same with the fractions of partly covered pixels, which lie within a pixel of the other side.
+// Distances from the pixels of the slope's side to the other side, up to the radius, with the fractions of
+// partly covered pixels, which lie within a pixel of the other side.
 bool measureWithFractions(float* plane, const WorkingArea& area, const ZvBitmap& mask, bool inner,
                           int radius) {
     const float beyond = static_cast<float>(radius);
@@ -72,7 +62,7 @@ bool lightSlopes(ReliefPlanes& planes, const ZvBevelProperty& property, const Wi
     Buffer<float> distance;
     if (!distance.allocate(area.height, area.width) || !planes.allocate(area)) return false;
     const bool exact = widths.soft && radius >= FIRST_EXACT_RADIUS;
-    const auto measure = exact ? measureExactly : measureWithFractions;
+    const auto measure = exact ? edgeDistances : measureWithFractions;
     if (!measure(distance.get(), area, mask, inner, radius)) return false;
 
     const ReliefLight light = ReliefLight::make(property, DEPTH_FLOOR);

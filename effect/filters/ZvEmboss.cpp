@@ -52,17 +52,14 @@ struct Depths {
     bool measure(const Widths& widths, const WorkingArea& area, const ZvBitmap& mask) {
         if (!outside.allocate(area.height, area.width)) return false;
         if (!widths.exact) return measureWithFractions(widths, area, mask);
-        return inside.allocate(area.height, area.width) && measureExactly(outside.get(), area, mask, false) &&
-               measureExactly(inside.get(), area, mask, true);
+        // A pixel on the slope looks at its neighbours, less than a pixel beyond.
+        const int outer = static_cast<int>(widths.outer) + 2, inner = static_cast<int>(widths.inner) + 2;
+        return inside.allocate(area.height, area.width) &&
+               edgeDistances(outside.get(), area, mask, false, outer) &&
+               edgeDistances(inside.get(), area, mask, true, inner);
     }
 
 private:
-    static bool measureExactly(float* plane, const WorkingArea& area, const ZvBitmap& mask, bool within) {
-        if (!squaredEdgeDistances(plane, area, mask, within)) return false;
-        for (size_t i = 0; i < area.pixels(); ++i) plane[i] = std::sqrt(plane[i]);
-        return true;
-    }
-
     bool measureWithFractions(const Widths& widths, const WorkingArea& area, const ZvBitmap& mask) {
         const int outer = static_cast<int>(widths.outer), inner = static_cast<int>(widths.inner);
         float ramp[256];

@@ -82,6 +82,34 @@ TEST(Distance, TransformOfAPlaneReachesItsEdges) {
     }
 }
 
+// Rows so long that the envelope is not the minimum any more, and their ends as the rest.
+TEST(Distance, WithinARadiusEqualsTheTransform) {
+    Random random(4);
+    for (int i = 0; i < 60; ++i) {
+        const bool wide = i % 5 == 0;
+        reference::Distances expected(wide ? random.between(3500, 9000) : random.between(1, 60),
+                                      random.between(1, wide ? 12 : 40), 1e20f);
+        const int sparse = i % 4 == 0   ? 1
+                           : i % 4 == 1 ? 5
+                           : i % 4 == 2 ? 200
+                                        : 100000,
+                  radius = random.between(1, 100);
+        for (float& value : expected.values) {
+            if (random.below(sparse) == 0) value = sparse == 1 && random.below(3) == 0 ? value : 0.0f;
+        }
+        const std::vector<float> before = expected.values;
+        reference::squaredDistances(expected);
+        const float limit = static_cast<float>(radius);
+        for (float& value : expected.values) value = value > limit * limit ? limit : std::sqrt(value);
+        forEachCpuTarget([&] {
+            std::vector<float> actual = before;
+            EXPECT_TRUE(distancesWithin(actual.data(), expected.width, expected.height, radius));
+            ASSERT_EQ(actual, expected.values) << "case " << i;
+        });
+        if (HasFatalFailure()) return;
+    }
+}
+
 struct Search {
     const char* name;
     bool (*kernel)(const DistanceSearch&);
