@@ -103,10 +103,15 @@ int transformEnd(float* line, const int16_t* steps, int width, int height, int e
     return first;
 }
 
+// From where a seed has to be seen, along one axis. A neighbour at or below its value hides it from all that
+// lie beyond that neighbour: they are nearer to the neighbour, and roots and sums are monotone.
+enum class Side : uint8_t { Before, Both, After, Neither };
+
 // A pixel that others may be near to.
 struct Seed {
     int x;
     float value;  // 0 for what is below
+    Side columns, rows;
 };
 
 #define ZVEX_KERNELS "effect/filters/DistanceKernels.inc"
@@ -134,8 +139,8 @@ public:
     const float* row(int64_t dy) const { return rowOf(dy < 0 ? -dy : dy); }
     int reachX() const { return reachX_; }
     int reachY() const { return reachY_; }
-    // The floats of a row from dx = -reachX on, whole registers of them; beyond the window they are infinite.
-    int64_t span() const { return (2 * int64_t{reachX_} + MOST_LANES) / MOST_LANES * MOST_LANES; }
+    // The floats of a row from dx = -reachX on, with a register's more; beyond the window they are infinite.
+    int64_t span() const { return 2 * int64_t{reachX_} + 1 + MOST_LANES; }
 
 private:
     float* rowOf(int64_t dy) const { return roots_.get() + dy * span() + reachX_; }
@@ -233,7 +238,8 @@ public:
     // Takes those of the rows `first` to `last`. None of them changes during a search.
     bool collect(const DistanceSearch& s, int first, int last, bool fractionsOnly) {
         first_ = first;
-        if (!begins_.allocate(int64_t{last} - first + 2)) return false;
+        const int64_t rows = int64_t{last} - first + 1;
+        if (!begins_.allocate(rows + 1) || !parts_.allocate(rows)) return false;
         begins_[0] = 0;
         for (int y = first; y <= last; ++y) {
             const size_t count = fractionsOnly ? fractionsOf(s, y) : take(s, y, nullptr);
@@ -246,16 +252,47 @@ public:
             if (!fractionsOnly) {
                 take(s, y, next);
             } else if (begin(y) != end(y)) {
-                ZVEX_ON_TARGET(takeFractions(next, s.plane + ptrdiff_t{y} * s.width, s.width));
+                const float* row = s.plane + ptrdiff_t{y} * s.width;
+                ZVEX_ON_TARGET(takeFractions(next, row, y > 0 ? row - s.width : nullptr,
+                                             y < s.height - 1 ? row + s.width : nullptr, s.width));
             }
+            part(y);
         }
         return true;
     }
 
-    const Seed* begin(int y) const { return seeds_.get() + begins_[static_cast<size_t>(y - first_)]; }
-    const Seed* end(int y) const { return seeds_.get() + begins_[static_cast<size_t>(y - first_) + 1]; }
+    // Those of row y that a row has to know which lies above it (dy < 0), below it (dy > 0) or is that row.
+    const Seed* begin(int y, int dy = 0) const {
+        const size_t row = static_cast<size_t>(y - first_);
+        return seeds_.get() + begins_[row] + (dy > 0 ? parts_[row].fromAbove : 0);
+    }
+    const Seed* end(int y, int dy = 0) const {
+        const size_t row = static_cast<size_t>(y - first_);
+        return seeds_.get() + (dy == 0
+                                   ? begins_[row + 1]
+                                   : begins_[row] + (dy < 0 ? parts_[row].aboveEnd : parts_[row].belowEnd));
+    }
 
 private:
+    // Ordered by `rows`: those seen from above only, from both sides, from below only, from neither.
+    struct Parts {
+        size_t fromAbove, aboveEnd, belowEnd;
+    };
+
+    void part(int y) {
+        const size_t row = static_cast<size_t>(y - first_);
+        Seed* const seeds = seeds_.get() + begins_[row];
+        Seed* const seedsEnd = seeds_.get() + begins_[row + 1];
+        const auto upTo = [&](Seed* from, Side side) {
+            return std::partition(from, seedsEnd, [side](const Seed& seed) { return seed.rows == side; });
+        };
+        Seed* const both = upTo(seeds, Side::Before);
+        Seed* const after = upTo(both, Side::Both);
+        Seed* const neither = upTo(after, Side::After);
+        parts_[row] = {static_cast<size_t>(both - seeds), static_cast<size_t>(after - seeds),
+                       static_cast<size_t>(neither - seeds)};
+    }
+
     static size_t fractionsOf(const DistanceSearch& s, int y) {
         return static_cast<size_t>(ZVEX_ON_TARGET(countFractions(s.plane + ptrdiff_t{y} * s.width, s.width)));
     }
@@ -274,7 +311,7 @@ private:
         size_t count = 0;
         for (int x = 0; x < s.width; ++x) {
             if (!isSeed(s, row + x, x, y)) continue;
-            if (next != nullptr) next[count] = Seed{x, std::max(0.0f, row[x])};
+            if (next != nullptr) next[count] = Seed{x, std::max(0.0f, row[x]), Side::Both, Side::Both};
             ++count;
         }
         return count;
@@ -282,6 +319,7 @@ private:
 
     Buffer<Seed> seeds_;
     Buffer<size_t> begins_;
+    Buffer<Parts> parts_;
     int first_ = 0;
 };
 
@@ -308,10 +346,12 @@ bool searchSeeds(const DistanceSearch& s, Keep keep) {
         bool found = apart && full.nearest(nearest, y);
         if (!found) std::fill_n(nearest, s.width, INFINITE);
         for (int seedY = above(y); seedY <= below(y); ++seedY) {
-            if (seeds.begin(seedY) == seeds.end(seedY)) continue;
+            const int side = y < seedY ? -1 : y > seedY ? 1 : 0;
+            const Seed* first = seeds.begin(seedY, side);
+            const Seed* last = seeds.end(seedY, side);
+            if (first == last) continue;
             const float* distances = roots.row(int64_t{seedY} - y) - reachX;
-            ZVEX_ON_TARGET(lowerRow(row.get(), seeds.begin(seedY), seeds.end(seedY), distances,
-                                    static_cast<int>(roots.span())));
+            ZVEX_ON_TARGET(lowerRow(row.get(), first, last, distances, reachX));
             found = true;
         }
         if (found) keep(s.plane + ptrdiff_t{y} * s.width, nearest, s.width);
