@@ -1,19 +1,18 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // A maximum over kernel rows, 16 or 32 pixels at once. A row of a disc is a run of full cells and a few ramp
-// cells:
+// cells, each of which gives its pixel's value less what the cell lacks of 255:
 //
-//     0 0 r F F F F F F F r 0 0      maximum over the run F: two windows of 2^level pixels, overlapping
-//         |<------>|                 maximum over the cells r: value - what the cell lacks of 255, not below
-//         0
-//             |<------>|
+//     0 0 r F F F F F F F r 0 0
+//           |<----->|              the run is two windows of 2^level pixels
+//               |<----->|
 //
-// The maxima over windows of 2, 4, 8 ... pixels come from one another, once for every source row. The rows as
-// far above as below the centre are equal: the source rows under them are joined first. A row of the target
-// stops at blocks that no coverage reaches, at the first kernel row that makes a block full, and before the
-// ramps where the runs made it full, so that most of the work is done where the outline runs. Joining rows
-// and doubling windows is Gil and Werman's idea (1993) with the simpler windows of powers of two. The
-// definition is tests/reference/StrokeReference.h.
+// The maxima over windows of 2, 4, 8 ... pixels come from one another, once for every source row. The kernel
+// rows as far above as below the centre are equal: the source rows under them are joined first, and likewise
+// the cells to the left and to the right. Blocks of the target that no coverage reaches are skipped, those
+// that have become full are left: most of the work is done where the outline runs. Sharing the windows is an
+// idea of van Herk (1992) and of Gil and Werman (1993), here with powers of two. The definition is
+// tests/reference/StrokeReference.h.
 
 #include "effect/filters/Dilation.h"
 
@@ -37,7 +36,6 @@ constexpr int64_t VECTOR_PAD = 64;  // readable bytes after the last pixel a row
 
 using RunTap = Dilation::RunTap;
 using RampTap = Dilation::RampTap;
-using Cell = Dilation::Cell;
 
 // What is laid over a row of the target.
 struct Taps {
@@ -54,45 +52,48 @@ int64_t roundUp(int64_t value) {
     return (value + BLOCK - 1) / BLOCK * BLOCK;
 }
 
-}  // namespace
+struct CellRange {
+    int64_t begin, end;
+};
 
-// Reads a kernel row that lies over the source rows `upper` and `lower`, from its longest run outwards.
-void Dilation::readKernelRow(const uint8_t* row, int64_t upper, int64_t lower) {
-    const int64_t size = param_.kernelSize;
-    int64_t runBegin = 0, runEnd = 0;
+// Of full cells.
+CellRange longestRun(const uint8_t* row, int64_t size) {
+    CellRange longest = {0, 0};
     for (int64_t i = 0; i < size; ++i) {
-        if (row[i] != 255) continue;
         const int64_t begin = i;
         while (i < size && row[i] == 255) ++i;
-        if (i - begin > runEnd - runBegin) {
-            runBegin = begin;
-            runEnd = i;
-        }
+        if (i - begin > longest.end - longest.begin) longest = {begin, i};
     }
+    return longest;
+}
+
+bool isRamp(const uint8_t* row, int64_t i, const CellRange& run) {
+    return row[i] != 0 && (i < run.begin || i >= run.end);
+}
+
+}  // namespace
+
+// Reads a kernel row that lies over the source rows `upper` and `lower`.
+void Dilation::readKernelRow(const uint8_t* row, int64_t upper, int64_t lower) {
+    const int64_t size = param_.kernelSize;
+    const CellRange run = longestRun(row, size);
     // Cell i brings column before_ - i to a pixel of the target.
-    if (runBegin < runEnd) {
+    if (run.begin < run.end) {
         int level = 0;
-        while (int64_t{2} << level <= runEnd - runBegin) ++level;
+        while (int64_t{2} << level <= run.end - run.begin) ++level;
         levelCount_ = std::max(levelCount_, level + 1);
         levelStep_[level] = 1;
-        runs_[static_cast<size_t>(runCount_++)] = {upper, lower, before_ - runEnd + 1,
-                                                   before_ - runBegin + 1 - (int64_t{1} << level), level};
+        runs_[static_cast<size_t>(runCount_++)] = {upper, lower, before_ - run.end + 1,
+                                                   before_ - run.begin + 1 - (int64_t{1} << level), level};
     }
-    const int64_t cellBegin = cellCount_;
-    const auto isRamp = [&](int64_t i) {
-        return i >= 0 && i < size && row[i] != 0 && (i < runBegin || i >= runEnd);
-    };
     for (int64_t i = 0; i < size; ++i) {
-        if (!isRamp(i)) continue;
+        if (!isRamp(row, i, run)) continue;
         const int64_t mirror = 2 * before_ - i;
-        const bool twice = isRamp(mirror) && row[mirror] == row[i];
+        const bool twice = mirror < size && isRamp(row, mirror, run) && row[mirror] == row[i];
         if (twice && mirror < i) continue;
-        cells_[static_cast<size_t>(cellCount_++)] = {static_cast<int32_t>(before_ - i),
-                                                     static_cast<int32_t>(before_ - (twice ? mirror : i)),
-                                                     static_cast<uint8_t>(255 - row[i])};
+        ramps_[static_cast<size_t>(rampCount_++)] = {
+            upper, lower, before_ - i, before_ - (twice ? mirror : i), static_cast<uint8_t>(255 - row[i])};
     }
-    if (cellBegin < cellCount_)
-        ramps_[static_cast<size_t>(rampCount_++)] = {upper, lower, cellBegin, cellCount_};
 }
 
 // From the centre outwards: the widest runs come first, and with them most of what becomes full.
@@ -100,8 +101,11 @@ bool Dilation::readKernel() {
     const int64_t size = param_.kernelSize;
     const uint8_t* kernel = param_.kernel;
     int64_t partial = 0;
-    for (int64_t i = 0; i < size * size; ++i) partial += kernel[i] != 0;
-    if (!runs_.allocate(size) || !ramps_.allocate(size) || !cells_.allocate(partial + 1)) return false;
+    for (int64_t row = 0; row < size; ++row) {
+        const CellRange run = longestRun(kernel + row * size, size);
+        for (int64_t i = 0; i < size; ++i) partial += isRamp(kernel + row * size, i, run);
+    }
+    if (!runs_.allocate(size) || !ramps_.allocate(partial + 1)) return false;
     for (int64_t distance = 0; distance <= before_; ++distance) {
         const int64_t i = before_ - distance, mirror = before_ + distance;
         const uint8_t* row = kernel + i * size;
@@ -117,10 +121,10 @@ bool Dilation::readKernel() {
 
 bool Dilation::makeRows() {
     const int64_t reach = std::max(before_, after_);
-    const int64_t sourceRows = std::max<int64_t>(int64_t{param_.rowEnd} - param_.rowBegin, 1);
-    depth_ = std::min<int64_t>(param_.kernelSize, sourceRows);
+    const int64_t sourceRows = rowEnd_ - rowBegin_;
+    depth_ = std::min<int64_t>(param_.kernelSize + BATCH - 1, sourceRows);
     pad_ = roundUp(2 * reach + 2 * BLOCK);
-    stride_ = roundUp(pad_ + param_.columns + 2 * reach + 2 * BLOCK + VECTOR_PAD);
+    stride_ = roundUp(pad_ + columns_ + 2 * reach + 2 * BLOCK + VECTOR_PAD);
     // Row 0 of the memory stays zero, for rows without ink. Level 0 is always kept.
     levelStep_[0] = 1;
     int64_t count = 1;
@@ -132,7 +136,7 @@ bool Dilation::makeRows() {
     const int64_t blocks = roundUp(endColumn_ - firstColumn_) / BLOCK;
     if (!rows_.allocateZeroed(count, stride_) || !ink_.allocateZeroed(depth_) ||
         !inkBlocks_.allocateZeroed(stride_ / BLOCK) || !lastInk_.allocate(blocks) ||
-        !runTaps_.allocate(runCount_ + 1) || !rampTaps_.allocate(rampCount_ + 1))
+        !runTaps_.allocate(runCount_ + 1, BATCH) || !rampTaps_.allocate(rampCount_ + 1, BATCH))
         return false;
     std::fill_n(lastInk_.get(), blocks, INT64_MIN);
     return true;
@@ -140,42 +144,62 @@ bool Dilation::makeRows() {
 
 bool Dilation::make(const DilationParam& param) {
     param_ = param;
+    // Coverage 0 has nothing to give unless it is inverted.
+    if (param.inverted == 0) param_.left = param_.top = param_.right = param_.bottom = 0;
+    originX_ = int64_t{param.originX} - param_.left;
+    columns_ = int64_t{param_.left} + std::max(param.columns, 0) + param_.right;
+    rowBegin_ = int64_t{param.rowBegin} - param_.top;
+    rowEnd_ = int64_t{param.rowEnd} + param_.bottom;
+
     const int64_t size = param.kernelSize;
     before_ = size / 2;
     after_ = size - 1 - before_;
-    firstRow_ = std::max<int64_t>(0, int64_t{param.originY} + param.rowBegin - before_);
-    endRow_ = std::min<int64_t>(param.targetHeight, int64_t{param.originY} + param.rowEnd + after_);
-    firstColumn_ = std::max<int64_t>(-before_, -int64_t{param.originX});
-    endColumn_ =
-        std::min<int64_t>(int64_t{param.columns} + after_, int64_t{param.targetWidth} - param.originX);
-    if (size <= 0 || param.columns <= 0 || param.rowBegin >= param.rowEnd || firstRow_ >= endRow_ ||
+    firstRow_ = std::max<int64_t>(0, param.originY + rowBegin_ - before_);
+    endRow_ = std::min<int64_t>(param.targetHeight, param.originY + rowEnd_ + after_);
+    firstColumn_ = std::max<int64_t>(-before_, -originX_);
+    endColumn_ = std::min<int64_t>(columns_ + after_, param.targetWidth - originX_);
+    if (size <= 0 || columns_ <= 0 || rowBegin_ >= rowEnd_ || firstRow_ >= endRow_ ||
         firstColumn_ >= endColumn_) {
         endRow_ = firstRow_;
         return true;
     }
-    nextRow_ = std::max<int64_t>(param.rowBegin, firstRow_ - param.originY - after_);
+    nextRow_ = std::max<int64_t>(rowBegin_, firstRow_ - param.originY - after_);
     return readKernel() && makeRows();
 }
 
 bool Dilation::hasInk(int64_t row) const {
-    return row >= param_.rowBegin && row < nextRow_ && ink_[static_cast<size_t>(row % depth_)] != 0;
+    return row >= rowBegin_ && row < nextRow_ && ink_[slotOf(row)] != 0;
+}
+
+size_t Dilation::slotOf(int64_t row) const {
+    return static_cast<size_t>((row - rowBegin_) % depth_);
+}
+
+uint8_t* Dilation::ringRow(int64_t row, int level) const {
+    return rows_.get() + levelStart_[level] + static_cast<int64_t>(slotOf(row)) * levelStep_[level];
 }
 
 const uint8_t* Dilation::rowOf(int64_t row, int level) const {
     if (!hasInk(row)) return rows_.get();
-    return rows_.get() + levelStart_[level] + row % depth_ * levelStep_[level];
+    return ringRow(row, level);
 }
 
 // Takes a source row into the ring.
 void Dilation::enterRow(int64_t row) {
-    const size_t slot = static_cast<size_t>(row % depth_);
-    uint8_t* pixels = rows_.get() + levelStart_[0] + row % depth_ * levelStep_[0];
-    const uint8_t* source = param_.source + row * param_.sourceStride;
-    ZVEX_ON_TARGET(copyRow(pixels + pad_, source, param_.columns, param_.inverted));
+    const size_t slot = slotOf(row);
+    uint8_t* pixels = ringRow(row, 0);
+    if (row >= param_.rowBegin && row < param_.rowEnd) {
+        uint8_t* middle = pixels + pad_ + param_.left;
+        std::memset(pixels + pad_, param_.inverted, static_cast<size_t>(param_.left));
+        ZVEX_ON_TARGET(
+            copyRow(middle, param_.source + row * param_.sourceStride, param_.columns, param_.inverted));
+        std::memset(middle + param_.columns, param_.inverted, static_cast<size_t>(param_.right));
+    } else {
+        std::memset(pixels + pad_, param_.inverted, static_cast<size_t>(columns_));
+    }
     uint8_t* inkBlocks = inkBlocks_.get();
     const int64_t firstBlock = pad_ / BLOCK;
-    ink_[slot] =
-        ZVEX_ON_TARGET(findInk(inkBlocks + firstBlock, pixels + pad_, roundUp(param_.columns) / BLOCK));
+    ink_[slot] = ZVEX_ON_TARGET(findInk(inkBlocks + firstBlock, pixels + pad_, roundUp(columns_) / BLOCK));
     if (ink_[slot] == 0) return;
 
     // A block of the target is reached from the blocks `low` to `high` of the row.
@@ -191,42 +215,58 @@ void Dilation::enterRow(int64_t row) {
     for (int level = 1; level < levelCount_; ++level) {
         const int64_t step = int64_t{1} << (level - 1);
         const int64_t begin = (pad_ - 2 * step) / BLOCK * BLOCK;
-        uint8_t* windows = rows_.get() + levelStart_[level] + row % depth_ * levelStep_[level];
-        ZVEX_ON_TARGET(doubleWindows(windows + begin, pixels + begin, pad_ + param_.columns - begin, step));
+        uint8_t* windows = ringRow(row, level);
+        ZVEX_ON_TARGET(doubleWindows(windows + begin, pixels + begin, pad_ + columns_ - begin, step));
         pixels = windows;
     }
 }
 
-void Dilation::raise(int64_t row, uint8_t* target) {
-    const int64_t over = row - param_.originY;  // the source row under the kernel's centre
-    for (; nextRow_ < param_.rowEnd && nextRow_ <= over + before_; ++nextRow_) enterRow(nextRow_);
-
+// What lies over the source row `over`, the rows with ink only; how many runs and ramps.
+void Dilation::layTaps(int64_t over, RunTap* runTaps, int64_t* runs, RampTap* rampTaps,
+                       int64_t* ramps) const {
     const int64_t column = pad_ + firstColumn_;
-    Taps taps = {runTaps_.get(), rampTaps_.get(), 0, 0};
+    *runs = *ramps = 0;
     for (int64_t i = 0; i < runCount_; ++i) {
         const Run& run = runs_[static_cast<size_t>(i)];
         if (!hasInk(over + run.upper) && !hasInk(over + run.lower)) continue;
         const uint8_t* upper = rowOf(over + run.upper, run.level) + column;
         const uint8_t* lower = rowOf(over + run.lower, run.level) + column;
-        runTaps_[static_cast<size_t>(taps.runCount++)] = {upper + run.left, upper + run.right,
-                                                          lower + run.left, lower + run.right};
+        runTaps[(*runs)++] = {upper + run.left, upper + run.right, lower + run.left, lower + run.right};
     }
     for (int64_t i = 0; i < rampCount_; ++i) {
         const Ramp& ramp = ramps_[static_cast<size_t>(i)];
         if (!hasInk(over + ramp.upper) && !hasInk(over + ramp.lower)) continue;
-        rampTaps_[static_cast<size_t>(taps.rampCount++)] = {
-            rowOf(over + ramp.upper, 0) + column, rowOf(over + ramp.lower, 0) + column,
-            cells_.get() + ramp.cellBegin, cells_.get() + ramp.cellEnd};
+        const uint8_t* upper = rowOf(over + ramp.upper, 0) + column;
+        const uint8_t* lower = rowOf(over + ramp.lower, 0) + column;
+        rampTaps[(*ramps)++] = {upper + ramp.left, upper + ramp.right, lower + ramp.left, lower + ramp.right,
+                                ramp.missing};
     }
-    ZVEX_ON_TARGET(raiseRow(target + param_.originX + firstColumn_, endColumn_ - firstColumn_, taps,
-                            lastInk_.get(), over - after_));
+}
+
+void Dilation::raise(int64_t row, int rows, uint8_t* target, int64_t stride) {
+    const int64_t over = row - param_.originY;  // the source row under the kernel's centre
+    const int64_t needed = std::min(rowEnd_, over + rows + before_);
+    for (; nextRow_ < needed; ++nextRow_) enterRow(nextRow_);
+
+    Taps taps[BATCH];
+    for (int i = 0; i < rows; ++i) {
+        RunTap* runTaps = runTaps_.get() + i * runCount_;
+        RampTap* rampTaps = rampTaps_.get() + i * rampCount_;
+        taps[i].runs = runTaps;
+        taps[i].ramps = rampTaps;
+        layTaps(over + i, runTaps, &taps[i].runCount, rampTaps, &taps[i].rampCount);
+    }
+    ZVEX_ON_TARGET(raiseRows(target + originX_ + firstColumn_, stride, endColumn_ - firstColumn_, taps, rows,
+                             lastInk_.get(), over - after_));
 }
 
 bool dilate(const DilationParam& param) {
     Dilation dilation;
     if (!dilation.make(param)) return false;
-    for (int64_t row = dilation.firstRow(); row < dilation.endRow(); ++row) {
-        dilation.raise(row, param.target + row * param.targetWidth);
+    for (int64_t row = dilation.firstRow(); row < dilation.endRow(); row += Dilation::BATCH) {
+        const int64_t rows = std::min<int64_t>(dilation.endRow() - row, Dilation::BATCH);
+        dilation.raise(row, static_cast<int>(rows), param.target + row * param.targetWidth,
+                       param.targetWidth);
     }
     return true;
 }

@@ -26,6 +26,9 @@ struct DilationParam {
     int kernelSize = 0;
 
     int rowBegin = 0, rowEnd = 0;  // half-open, rows of source counted from its first pixel
+
+    // Pixels of coverage 0 on the sides of those rows and columns that count as source pixels too.
+    int left = 0, top = 0, right = 0, bottom = 0;
 };
 
 // Each byte of target becomes the largest of itself and of max(0, value + cell - 255) over all source pixels
@@ -47,15 +50,11 @@ public:
     struct RunTap {
         const uint8_t *upperLeft, *upperRight, *lowerLeft, *lowerRight;
     };
-    // A cell that is not full: what its source pixel lacks of 255. Its mirror image in the row, if that is as
-    // full, comes with it.
-    struct Cell {
-        int32_t left, right;  // columns, counted from the target's
-        uint8_t missing;
-    };
+    // A cell that is not full: what its source pixel lacks of 255. Its mirror images in the row and, as with
+    // a run, in the other row come with it if they are as full.
     struct RampTap {
-        const uint8_t *upper, *lower;
-        const Cell *begin, *end;
+        const uint8_t *upperLeft, *upperRight, *lowerLeft, *lowerRight;
+        uint8_t missing;
     };
 
     // Memory for all the rows; false when it is short. Reads the kernel and keeps the source, which must
@@ -66,8 +65,10 @@ public:
     int64_t firstRow() const { return firstRow_; }
     int64_t endRow() const { return endRow_; }
 
-    // Raises the row, `target` being the place of its first pixel. Each row once, in order from firstRow().
-    void raise(int64_t row, uint8_t* target);
+    // Raises up to BATCH rows from `row` on, `target` being the place of the first one's first pixel and
+    // `stride` the bytes from row to row. From firstRow() to endRow(), each row once at most.
+    static constexpr int BATCH = 8;
+    void raise(int64_t row, int rows, uint8_t* target, int64_t stride);
 
 private:
     // The same before the rows are known; all counted from the target's row and column.
@@ -78,25 +79,33 @@ private:
     };
     struct Ramp {
         int64_t upper, lower;
-        int64_t cellBegin, cellEnd;
+        int64_t left, right;  // columns
+        uint8_t missing;
     };
 
     bool readKernel();
     void readKernelRow(const uint8_t* row, int64_t upper, int64_t lower);
     bool makeRows();
+    size_t slotOf(int64_t row) const;
+    uint8_t* ringRow(int64_t row, int level) const;
     const uint8_t* rowOf(int64_t row, int level) const;
     bool hasInk(int64_t row) const;
     void enterRow(int64_t row);
+    void layTaps(int64_t over, RunTap* runTaps, int64_t* runs, RampTap* rampTaps, int64_t* ramps) const;
 
     DilationParam param_;
     int64_t firstRow_ = 0, endRow_ = 0;
     int64_t firstColumn_ = 0, endColumn_ = 0;  // of the target, counted from the origin
     int64_t before_ = 0, after_ = 0;           // rows and columns of the kernel before and after its centre
 
+    // The source with its sides.
+    int64_t originX_ = 0;  // place in target of its first column
+    int64_t columns_ = 0;
+    int64_t rowBegin_ = 0, rowEnd_ = 0;
+
     Buffer<Run> runs_;
     Buffer<Ramp> ramps_;
-    Buffer<Cell> cells_;
-    int64_t runCount_ = 0, rampCount_ = 0, cellCount_ = 0;
+    int64_t runCount_ = 0, rampCount_ = 0;
 
     // The source rows that the kernel reaches, in a ring; for each, as many as the levels, the maxima over
     // windows of 2^level pixels. `pad_` zeros stand before the first pixel.

@@ -2,7 +2,8 @@
 //
 // An outline: the text's coverage dilated by a smooth disc (outside), the coverage of everything but the text
 // dilated by it (inside), or the smaller of the two (centred: a band of half the width on either side of the
-// edge). One dilation for the first two, two for the third; see Dilation.h for their cost.
+// edge). One dilation for the first two, two for the third; see Dilation.h for their cost. There is no plane
+// of the band: a few rows at a time are dilated and blended.
 
 #include "effect/filters/ZvStroke.h"
 
@@ -12,6 +13,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
+#include <cstring>
 #include <new>
 
 #include "effect/Numbers.h"
@@ -60,6 +62,52 @@ void dilatePlane(const ZvStroke::DTJob& job, int plane, uint8_t inverted) {
 constexpr uint8_t COVERAGE = 0;
 constexpr uint8_t BACKGROUND = 255;
 
+// The dilation of the mask within the box and its border, over the rows of the area. What of them lies
+// outside the mask is coverage 0.
+DilationParam dilationOf(const ZvBitmap& mask, const ZvRect& box, const WorkingArea& area,
+                         const uint8_t* kernel, int kernelSize, uint8_t inverted) {
+    DilationParam param;
+    ZvRect part = partWithin(mask, box);
+    const bool empty = part.left >= part.right || part.top >= part.bottom;
+    if (empty) part = ZvRect(box.left, box.top, box.left, box.top);
+    param.source = empty ? mask.pixels : mask.pixels + int64_t{part.top} * mask.width + part.left;
+    param.sourceStride = mask.width;
+    param.columns = part.right - part.left;
+    param.inverted = inverted;
+    param.left = part.left - box.left + BORDER;
+    param.top = part.top - box.top + BORDER;
+    param.right = box.right - part.right + BORDER;
+    param.bottom = box.bottom - part.bottom + BORDER;
+    param.targetWidth = area.width;
+    param.targetHeight = area.height;
+    param.originX = kernelSize / 2 + param.left;
+    param.originY = kernelSize / 2 + param.top;
+    param.kernel = kernel;
+    param.kernelSize = kernelSize;
+    param.rowEnd = part.bottom - part.top;
+    return param;
+}
+
+// Rows of the dilation alone; 0 where nothing reaches.
+void dilateRows(Dilation& dilation, int64_t row, int rows, uint8_t* lines, int width) {
+    std::memset(lines, 0, static_cast<size_t>(width) * static_cast<size_t>(rows));
+    const int64_t begin = std::max(row, dilation.firstRow());
+    const int64_t end = std::min(row + rows, dilation.endRow());
+    if (begin < end) {
+        dilation.raise(begin, static_cast<int>(end - begin), lines + (begin - row) * width, width);
+    }
+}
+
+// What both dilations reach, or the one there is. `band` has room for 2 * Dilation::BATCH rows.
+void makeBand(Dilation* outward, Dilation* inward, int64_t row, int rows, uint8_t* band, int width) {
+    dilateRows(outward != nullptr ? *outward : *inward, row, rows, band, width);
+    if (outward == nullptr || inward == nullptr) return;
+    const int64_t count = int64_t{width} * rows;
+    uint8_t* inside = band + count;
+    dilateRows(*inward, row, rows, inside, width);
+    for (int64_t i = 0; i < count; ++i) band[i] = std::min(band[i], inside[i]);
+}
+
 }  // namespace
 
 int makeCircleKernel(unsigned char** kernel, float radius) {
@@ -70,10 +118,18 @@ int makeCircleKernel(unsigned char** kernel, float radius) {
     if (r < 0 || size > INT_MAX / size) return 0;
     unsigned char* cells = static_cast<unsigned char*>(std::malloc(static_cast<size_t>(size * size)));
     if (cells == nullptr) return 0;
-    unsigned char* cell = cells;
-    for (int dy = -r; dy <= r; ++dy) {
-        for (int dx = -r; dx <= r; ++dx)
-            *cell++ = discCoverage(std::sqrt(static_cast<float>(dx * dx + dy * dy)), radius);
+    // The root is needed in the ring only; the rest of the disc is full and what is outside empty.
+    const int inner = truncateToInt(radius) * truncateToInt(radius), outer = (r + 2) * (r + 2);
+    for (int dy = 0; dy <= r; ++dy) {
+        unsigned char* row = cells + (r + dy) * size;
+        for (int dx = 0; dx <= r; ++dx) {
+            const int square = dx * dx + dy * dy;
+            row[r + dx] = row[r - dx] = square <= inner ? 255
+                                        : square >= outer
+                                            ? 0
+                                            : discCoverage(std::sqrt(static_cast<float>(square)), radius);
+        }
+        std::memcpy(cells + (r - dy) * size, row, static_cast<size_t>(size));
     }
     // A pen thinner than a pixel leaves a paler line; the ramp alone would make the middle opaque for any
     // radius.
@@ -104,46 +160,30 @@ int ZvStroke::doPostProcessing(ParamPostProcessing* param) {
     const int radius = kernelSize / 2;
 
     const ZvRect& box = *param->textRect;
-    WorkingArea source, area;
-    if (!source.grow(box, BORDER) || !area.grow(box, int64_t{BORDER} + radius)) return 0;
-    Buffer<uint8_t> padded;
+    WorkingArea area;
+    if (!area.grow(box, int64_t{BORDER} + radius)) return 0;
+    Dilation outward, inward;  // of the text, of what is around it
+    const bool hasOutward = centered || property->position == ZV_STROKE_OUTSIDE;
+    const bool hasInward = property->position != ZV_STROKE_OUTSIDE;
+    const ZvBitmap& mask = *param->mask;
+    if (hasOutward && !outward.make(dilationOf(mask, box, area, cells, kernelSize, COVERAGE))) return 0;
+    if (hasInward && !inward.make(dilationOf(mask, box, area, cells, kernelSize, BACKGROUND))) return 0;
     Buffer<uint8_t> band;
-    if (!padded.allocateZeroed(source.height, source.width)) return 0;
-    if (!band.allocateZeroed(area.height, area.width, centered ? 2 : 1)) return 0;
-    copyCoverage(*param->mask, box, padded.get() + source.row(BORDER) + BORDER, source.width);
+    if (!band.allocate(2 * Dilation::BATCH, area.width)) return 0;
 
-    DTJob job;
-    job.dst = band.get();
-    job.src = padded.get();
-    job.kernel = kernel.get();
-    job.srcStride = source.width;
-    job.srcHeight = source.height;
-    job.dstStride = area.width;
-    job.dstHeight = area.height;
-    job.dstY = radius;
-    job.dstX = radius;
-    job.planeSize = area.width * area.height;
-    job.radius = truncateToInt(discRadius);
-    job.kernelSize = kernelSize;
-    job.columns = job.srcStride;
-    job.rows = job.srcHeight;
-    job.rowStart = 0;
-    job.rowEnd = job.rows;
-    if (centered) {
-        partalDTStrokeCenter(&job);
-        uint8_t* outside = band.get();
-        const uint8_t* inside = outside + job.planeSize;
-        for (int i = 0; i < job.planeSize; ++i) outside[i] = std::min(outside[i], inside[i]);
-    } else if (property->position == ZV_STROKE_OUTSIDE) {
-        partalDTStrokeOutside(&job);
-    } else {
-        partalDTStrokeInside(&job);
-    }
-
+    // Blended while the rows are in cache, and only those that a picture has.
     const int mode = centered && param->layerMode != 1 ? ZVE_BLEND_SRC_OVER : ZVE_BLEND_DST_OVER;
-    for (ZvBitmap* target : {param->target, param->otherLayer}) {
-        ZvBlender::drawBitmapBlend8(area.x, area.y, target, band.get(), job.dstStride, job.dstHeight,
-                                    job.dstStride, property->color, mode);
+    int64_t height = param->target->height;
+    if (param->otherLayer != nullptr) height = std::max<int64_t>(height, param->otherLayer->height);
+    const int64_t end = std::min<int64_t>(area.height, height - area.y);
+    for (int64_t y = std::max<int64_t>(0, -int64_t{area.y}); y < end; y += Dilation::BATCH) {
+        const int rows = static_cast<int>(std::min<int64_t>(end - y, Dilation::BATCH));
+        makeBand(hasOutward ? &outward : nullptr, hasInward ? &inward : nullptr, y, rows, band.get(),
+                 area.width);
+        for (ZvBitmap* target : {param->target, param->otherLayer}) {
+            ZvBlender::drawBitmapBlend8(area.x, static_cast<int>(area.y + y), target, band.get(), area.width,
+                                        rows, area.width, property->color, mode);
+        }
     }
     return 0;
 }
