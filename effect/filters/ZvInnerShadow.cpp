@@ -46,7 +46,10 @@ bool isNear(int64_t length, int64_t shift, int64_t radius) {
 }
 
 void showOnText(uint8_t* __restrict row, const uint8_t* blurred, int count) {
-    for (int x = 0; x < count; ++x) row[x] = static_cast<uint8_t>(row[x] != 0 ? blurred[x] : 0);
+    for (int x = 0; x < count; ++x) {
+        const uint8_t value = blurred[x];  // read either way, or the loop is taken pixel by pixel
+        row[x] = static_cast<uint8_t>(row[x] != 0 ? value : 0);
+    }
 }
 
 // `shadow` holds the coverage of the text box, area large, and becomes the shadow. False, with some of it

@@ -103,6 +103,8 @@ TYPED_TEST(Glow, EqualsThePlainForm) {
         }
     }
     this->expectThePlainGlow(37, FOUR, 2, 1, 80, 60);
+    this->set(9, FOUR);
+    this->expectThePlainGlow(9, FOUR, 0, 6, 200, 170);  // several bands of rows
     for (float size : {100.0f, 130.5f}) {
         this->set(size, FOUR);
         this->expectThePlainGlow(size, FOUR, 2, 1, 6, 5);

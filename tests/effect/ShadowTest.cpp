@@ -142,6 +142,16 @@ TEST(OuterShadow, EqualsThePlainForm) {
         });
         seed += c.scenes;
     }
+    // Several bands of rows and strips of columns.
+    for (float size : {3.0f, 26.0f}) {
+        ZvOuterShadow filter;
+        setShadow(filter, 120, 9, size);
+        const reference::Shadow shadow = {120, 9, size, COLOR};
+        const auto plain = [&](FilterScene& scene) {
+            reference::drawOuterShadow(&scene.target, scene.mask, scene.box, shadow);
+        };
+        expectThePlainForm(filter, 0, 6, plain, 200, 170);
+    }
 }
 
 TEST(OuterShadow, KeepsACopyOfItsSettings) {
@@ -202,6 +212,16 @@ TEST(InnerShadow, EqualsThePlainForm) {
                                        {c.angle, c.distance, c.size, COLOR});
         });
         seed += c.scenes;
+    }
+    // Several bands of rows and strips of columns.
+    for (float size : {3.0f, 26.0f}) {
+        ZvInnerShadow filter;
+        setShadow(filter, 120, 9, size);
+        const reference::Shadow shadow = {120, 9, size, COLOR};
+        const auto plain = [&](FilterScene& scene) {
+            reference::drawInnerShadow(&scene.target, scene.mask, scene.box, shadow);
+        };
+        expectThePlainForm(filter, 0, 6, plain, 200, 170);
     }
 }
 
