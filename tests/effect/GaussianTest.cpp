@@ -93,6 +93,31 @@ TEST(Gaussian, BlurEqualsThePlainForm) {
     }
 }
 
+// One opaque run, at each place in and beside a target of several blocks. Inverted, a single weight shows.
+TEST(Gaussian, PassesTakeInTheLastPixelOfEachWindow) {
+    constexpr int COUNT = 300, RUN = 64, RADIUS = 5;
+    Gaussian kernel;
+    ASSERT_TRUE(kernel.make(RADIUS, 100, GaussianConstant::Single));
+    const std::vector<int> weights = reference::gaussianWeights(RADIUS, 100, true);
+    const std::vector<uint8_t> source(RUN, 255);
+    Blur blur;
+    ASSERT_TRUE(blur.prepare(kernel, COUNT, COUNT));
+    for (int at = -RUN - RADIUS - 2; at < COUNT + RADIUS + 2; ++at) {
+        std::vector<uint8_t> expected, rows(COUNT), columns(COUNT);
+        for (int x = 0; x < COUNT; ++x) {
+            const int64_t sum = reference::gaussianSum(
+                weights, [&](int i) { return x + i >= at && x + i < at + RUN ? 255 : 0; });
+            expected.push_back(static_cast<uint8_t>((int64_t{255} * kernel.total - sum) / kernel.total));
+        }
+        forEachCpuTarget([&] {
+            blur.rows({source.data(), 0, at, at + RUN, rows.data(), 0, COUNT, 1, false, true});
+            blur.columns({source.data(), 1, at, at + RUN, columns.data(), 1, 1, COUNT, false, true});
+            ASSERT_EQ(rows, expected) << at;
+            ASSERT_EQ(columns, expected) << at;
+        });
+    }
+}
+
 // Sums that no multiplier divides exactly; one pass, because a plane with room for its windows is too large.
 TEST(Gaussian, BlurOfAnEndlessRadiusEqualsThePlainForm) {
     constexpr int RADIUS = 110000;
