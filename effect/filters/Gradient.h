@@ -4,15 +4,11 @@
 
 #include <cstdint>
 
-#include "effect/Numbers.h"
 #include "effect/ZvECore.h"
 #include "effect/ZvProperty.h"
 #include "effect/filters/Buffer.h"
 #include "effect/filters/ColorTable.h"
 #include "effect/filters/Coverage.h"
-#include "raster/ZvBitmap.h"
-#include "raster/ZvBlender.h"
-#include "raster/ZvRect.h"
 
 namespace Zvex {
 
@@ -29,36 +25,21 @@ public:
     float width() const { return static_cast<float>(area_.width); }
     float height() const { return static_cast<float>(area_.height); }
 
-    // Draws onto the target, destination-over. stepsAt(dx, dy) tells how many table entries beyond
-    // `centerEntry` the pixel takes whose top-left lies at (dx, dy) from the middle of the box; the fraction
-    // is cut off. Pixels beyond the ends of the table take entries 0 and LAST_ENTRY.
-    template <typename StepsAt>
-    void draw(int centerEntry, StepsAt stepsAt) {
-        const ZvRect& box = *param_->textRect;
-        const ZvRect part = partWithin(*param_->mask, box);
-        for (int y = part.top; y < part.bottom; ++y) {
-            const uint8_t* coverage = param_->mask->pixels + static_cast<size_t>(y) * param_->mask->width;
-            uint32_t* row = image_.get() + area_.row(y - box.top);
-            const float dy = static_cast<float>(y - box.top) - height() * 0.5f;
-            for (int x = part.left; x < part.right; ++x) {
-                if (coverage[x] == 0) continue;
-                const float dx = static_cast<float>(x - box.left) - width() * 0.5f;
-                const int steps = truncateToInt(stepsAt(dx, dy));
-                row[x - box.left] =
-                    colors_[clampInt(steps, -centerEntry, LAST_ENTRY - centerEntry) + centerEntry];
-            }
-        }
-        ZvBlender::drawBitmapBlend32(area_.x, area_.y, param_->target, image_.get(), area_.width,
-                                     area_.height, area_.width, ZVE_BLEND_DST_OVER);
-    }
+    // Draw onto the target, destination-over. A pixel whose top-left lies at (dx, dy) from the middle of the
+    // box takes the table entry, its fraction cut off, down * dy + right * dx beyond the middle one, or
+    // entriesOfPixel times the distance. Pixels beyond the ends of the table take its first entry or the one
+    // before its last, which is never drawn. Single precision.
+    void drawLinear(float down, float right);
+    void drawRadial(float entriesOfPixel);
 
 private:
-    static constexpr int LAST_ENTRY = 255;  // the last colour itself is one entry on, and never drawn
+    template <typename FillRow>
+    void drawRows(FillRow fillRow);
 
     const ZvECore::ParamPostProcessing* param_ = nullptr;
     uint32_t colors_[COLOR_TABLE_SIZE] = {};  // premultiplied
     WorkingArea area_;                        // the text box
-    Buffer<uint32_t> image_;                  // premultiplied, 0 where nothing is covered
+    Buffer<uint32_t> row_;                    // of the box, premultiplied, 0 where nothing is covered
 };
 
 }  // namespace Zvex

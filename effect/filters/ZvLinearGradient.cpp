@@ -16,7 +16,6 @@ namespace {
 constexpr float RADIANS_OF_DEGREE = -0.01745328f;
 
 constexpr float ENTRIES = 256.0f;
-constexpr int CENTER_ENTRY = 128;
 
 }  // namespace
 
@@ -39,7 +38,7 @@ int ZvLinearGradient::doPostProcessing(ParamPostProcessing* param) {
     const float length = spansWidth ? fill.width() / std::abs(cosine) : fill.height() / std::abs(sine);
     const float entriesOfPixel = ENTRIES / property->scale / length;
     const float down = sine * entriesOfPixel, right = cosine * entriesOfPixel;
-    fill.draw(CENTER_ENTRY, [=](float dx, float dy) { return down * dy + right * dx; });
+    fill.drawLinear(down, right);
     return 0;
 }
 

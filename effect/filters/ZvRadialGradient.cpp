@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "effect/filters/ZvRadialGradient.h"
 
-#include <cmath>
-
 #include "effect/filters/Gradient.h"
 
 namespace Zvex {
@@ -10,7 +8,6 @@ namespace Zvex {
 namespace {
 
 constexpr float ENTRIES = 256.0f;
-constexpr int CENTER_ENTRY = 0;
 
 }  // namespace
 
@@ -27,8 +24,7 @@ int ZvRadialGradient::doPostProcessing(ParamPostProcessing* param) {
     if (!fill.begin(param, property)) return 0;
 
     const float entriesOfPixel = (ENTRIES / fill.width() + ENTRIES / fill.width()) / property->scale;
-    fill.draw(CENTER_ENTRY,
-              [=](float dx, float dy) { return entriesOfPixel * std::sqrt(dy * dy + dx * dx); });
+    fill.drawRadial(entriesOfPixel);
     return 0;
 }
 

@@ -72,7 +72,7 @@ TYPED_TEST(Gradient, EqualsThePlainFormToTheLastBit) {
     for (float scale : {1.0f, 1.12f}) {
         for (float angle : {0.0f, 45.0f, 90.0f, 139.0f, 271.0f}) {
             this->set(angle, scale, TWO);
-            FilterScene actual = filledBox(50, 37), expected = filledBox(50, 37);
+            FilterScene actual = filledBox(150, 37), expected = filledBox(150, 37);
             actual.draw(this->filter);
             this->drawPlain(expected, angle, scale, TWO);
             EXPECT_TRUE(actual.sameAs(expected)) << "angle " << angle << ", scale " << scale;
