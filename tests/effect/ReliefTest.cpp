@@ -167,7 +167,11 @@ reference::Distances randomPlane(Random& random, float low) {
     reference::Distances plane(WIDTH, HEIGHT, 0);
     for (float& value : plane.values) {
         const float fraction = static_cast<float>(random.below(5000)) / 1000.0f;
-        value = random.below(3) == 0 ? 5.0f : random.below(2) == 0 ? low : fraction;
+        const float half = 4.5f;  // of a byte, at the limit of 5
+        value = random.below(3) == 0   ? 5.0f
+                : random.below(2) == 0 ? low
+                : random.below(4) == 0 ? half
+                                       : fraction;
     }
     return plane;
 }
