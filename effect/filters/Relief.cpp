@@ -2,6 +2,7 @@
 #include "effect/filters/Relief.h"
 
 #include <algorithm>
+#include <cstring>
 #include <utility>
 
 #include "effect/filters/Distance.h"
@@ -25,6 +26,19 @@ constexpr int WEIGHT = 100;
 
 #define ZVEX_KERNELS "effect/filters/ReliefKernels.inc"
 #include "raster/ForEachTarget.h"
+
+// The part of a row of the area, from `begin` to `end` - 1, that lies within the mask.
+struct MaskRow {
+    const uint8_t* pixels;
+    int begin, end;  // columns of the area; the former is that of *pixels
+};
+
+MaskRow maskRow(const WorkingArea& area, const ZvBitmap& mask, int y, int begin, int end) {
+    const int64_t width = mask.width, height = mask.height, x = area.x, maskY = int64_t{area.y} + y;
+    const int64_t first = std::max<int64_t>(begin, -x), last = std::min<int64_t>(end, width - x);
+    if (maskY < 0 || maskY >= height || first >= last) return {mask.pixels, begin, begin};
+    return {mask.pixels + (maskY * width + x + first), static_cast<int>(first), static_cast<int>(last)};
+}
 
 bool isByte(int alpha) {
     return alpha >= 0 && alpha <= 255;
@@ -78,22 +92,37 @@ int64_t reliefMargin(int64_t radius, int64_t blur, int64_t soften) {
 void fillFromCoverage(float* plane, const WorkingArea& area, const ZvBitmap& mask, float outside,
                       const float* ramp) {
     std::fill_n(plane, area.pixels(), outside);
-    for (int y = area.margin; y < area.height - area.margin; ++y) {
+    const int inset = area.margin, right = area.width - inset;
+    for (int y = inset; y < area.height - inset; ++y) {
         float* row = plane + area.row(y);
-        for (int x = area.margin; x < area.width - area.margin; ++x)
-            row[x] = ramp[coverageAt(mask, int64_t{area.x} + x, int64_t{area.y} + y)];
+        if (inset < right) std::fill(row + inset, row + right, ramp[0]);
+        const MaskRow part = maskRow(area, mask, y, inset, right);
+        // Eight pixels at once where all are empty or full.
+        const int count = part.end - part.begin, eights = count / 8 * 8;
+        row += part.begin;
+        for (int x = 0; x < eights; x += 8) {
+            uint64_t pixels;
+            std::memcpy(&pixels, part.pixels + x, sizeof pixels);
+            if (pixels == 0) continue;
+            if (pixels == UINT64_MAX) {
+                std::fill_n(row + x, 8, ramp[255]);
+            } else {
+                for (int i = x; i < x + 8; ++i) row[i] = ramp[part.pixels[i]];
+            }
+        }
+        for (int x = eights; x < count; ++x) row[x] = ramp[part.pixels[x]];
     }
 }
 
 bool edgeDistances(float* plane, const WorkingArea& area, const ZvBitmap& mask, bool inside, int radius) {
-    std::fill_n(plane, area.pixels(), inside ? 0.0f : FAR);
+    const float text = inside ? FAR : 0.0f, ground = inside ? 0.0f : FAR;
+    std::fill_n(plane, area.pixels(), ground);
     const int right = std::min(area.width - area.margin, area.width - 1);
     const int bottom = std::min(area.height - area.margin, area.height - 1);
     for (int y = area.margin; y <= bottom; ++y) {
-        float* row = plane + area.row(y);
-        for (int x = area.margin; x <= right; ++x) {
-            if (coverageAt(mask, int64_t{area.x} + x, int64_t{area.y} + y) != 0) row[x] = inside ? FAR : 0.0f;
-        }
+        const MaskRow part = maskRow(area, mask, y, area.margin, right + 1);
+        float* row = plane + area.row(y) + part.begin;
+        for (int x = 0; x < part.end - part.begin; ++x) row[x] = part.pixels[x] != 0 ? text : ground;
     }
     return distancesWithin(plane, area.width, area.height, radius);
 }
