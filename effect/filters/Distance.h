@@ -41,7 +41,9 @@ struct DistanceSearch {
 // value plus the distance there. No value may be negative. Rows can be split anyhow: nothing that is below 1
 // changes, nothing else falls below 1.
 //
-// Costs one window for each pixel below 1 that is above 0 or has a neighbour which is.
+// Costs a little for every pixel, and for each pixel between 0 and 1 as much of a window as sees it past
+// neighbours at or below its value. Above a radius of 90 it is one window for each such pixel and for each
+// pixel at or below 0 with a neighbour that is not.
 bool searchNearest(const DistanceSearch& search);
 
 // Every pixel above 0 with a pixel below 1 in its window becomes the smallest of those pixels' distances,

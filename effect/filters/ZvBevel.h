@@ -53,7 +53,7 @@ public:
     // lights the ground around the glyphs as it lights their flat tops, as far as the working area goes; the
     // text's own layer or the final composite takes that away. Mask pixels outside the mask read as 0. Draws
     // nothing with sizes so negative that no area is left, and with such as do not fit the ints. A hard slope
-    // costs in proportion to the length of the glyphs' outline and to the square of the size.
+    // costs most where the outline is partly covered, see searchNearest.
     int doPostProcessing(ParamPostProcessing* param) override;
 
     void setProperty(ZvProperty* property) override;
