@@ -8,6 +8,7 @@
 #include <cstddef>
 #include <cstring>
 
+#include "foundation/ZvLog.h"
 #include "raster/CpuTarget.h"
 #include "raster/ZvBitmap.h"
 #include "raster/ZvRect.h"
@@ -75,6 +76,10 @@ void cutToGlyphs(ZvBitmap* target, const ZvBitmap* mask, uint32_t color, const Z
         }
         std::memset(row + begin * 4, 0, (part.right - begin) * 4);
     }
+}
+
+void logTextBlend() {
+    ZV_DEBUG_LOG("Blender", "Blender - ZVE_BLEND_OTHER");
 }
 
 void mergeBackLayer(ZvBitmap* picture, const ZvBitmap* back, const ZvBitmap* mask) {

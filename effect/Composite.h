@@ -19,6 +19,10 @@ enum class PixelOrder { RedFirst, BlueFirst };
 // edges, has none. Both have pixels, 4 and 1 bytes each. Only within `area`; null is all of the target.
 void cutToGlyphs(ZvBitmap* target, const ZvBitmap* mask, uint32_t color, const ZvRect* area);
 
+// The debug line that ZvBlender writes for that blend: one for the text of each rendering in a single
+// picture, whichever of the functions here draws it.
+void logTextBlend();
+
 // In the two below, bitmaps of another depth or without pixels leave `picture` as it is.
 
 // Cross-fades every byte of `picture` (premultiplied) with `back` (premultiplied) by the coverage in mask:

@@ -2,6 +2,8 @@
 #ifndef ZVEX_EFFECT_ZVECOREBASE_H_
 #define ZVEX_EFFECT_ZVECOREBASE_H_
 
+#include <new>
+
 #include "effect/ZvECore.h"
 
 namespace Zvex {
@@ -32,6 +34,18 @@ public:
     void setId(int id) override;
     int getId() override;
     int getOffset() override;
+
+protected:
+    // What setProperty of a layer does whose record owns nothing: *record, owned and null at first, becomes a
+    // copy of `settings`, which may be the old record. When memory is short the old one stays; false then.
+    template <typename Property>
+    static bool replaceProperty(const Property& settings, Property** record) {
+        Property* copy = new (std::nothrow) Property(settings);
+        if (copy == nullptr) return false;
+        delete *record;
+        *record = copy;
+        return true;
+    }
 };
 
 }  // namespace Zvex

@@ -456,7 +456,11 @@ void ZvEffect::doEffectPostProcessing() {
             for (ZvECore* effect : layers) {
                 param.target = dst;
                 if (layerMode == 1) chooseTargets(effect, dst, back, &param);
-                if (!textOnly) effect->doPostProcessing(&param);
+                if (textOnly) {
+                    logTextBlend();
+                } else {
+                    effect->doPostProcessing(&param);
+                }
             }
         }
     }

@@ -1,10 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "effect/ZvText.h"
 
-#include <new>
-
 #include "effect/Composite.h"
-#include "foundation/ZvLog.h"
 #include "raster/ZvBitmap.h"
 #include "raster/ZvBlender.h"
 
@@ -28,8 +25,7 @@ int ZvText::doPostProcessing(ParamPostProcessing* param) {
     // What the layers in front have drawn beside the glyphs (a gradient fills its box, an inside stroke its
     // surroundings) must not show in a single picture.
     if (param->layerMode != 1) {
-        // The blend and the cut in one pass; whoever reads the log finds the blend there as before.
-        ZV_DEBUG_LOG("Blender", "Blender - ZVE_BLEND_OTHER");
+        logTextBlend();
         cutToGlyphs(target, mask, property->color, param->drawnArea);
         return 0;
     }
@@ -41,11 +37,7 @@ int ZvText::doPostProcessing(ParamPostProcessing* param) {
 
 void ZvText::setProperty(ZvProperty* newProperty) {
     if (newProperty == nullptr) return;
-    ZvTextProperty* copy =
-        new (std::nothrow) ZvTextProperty(*static_cast<const ZvTextProperty*>(newProperty));
-    if (copy == nullptr) return;
-    delete property;
-    property = copy;
+    replaceProperty(*static_cast<const ZvTextProperty*>(newProperty), &property);
 }
 
 ZvProperty* ZvText::getProperty() {

@@ -130,7 +130,8 @@ void drawGlow(const ZvECore::ParamPostProcessing* param, const ZvGlowProperty* p
     const int radius = shape.radius, width = shape.sourceWidth(), height = shape.sourceHeight();
 
     // The part of the area that is seen.
-    const int left = std::max(0, -area.x), top = std::max(0, -area.y);
+    const int left = clampToInt(std::max<int64_t>(0, -int64_t{area.x}));
+    const int top = clampToInt(std::max<int64_t>(0, -int64_t{area.y}));
     const int right = static_cast<int>(std::min<int64_t>(area.width, int64_t{param->target->width} - area.x));
     const int bottom =
         static_cast<int>(std::min<int64_t>(area.height, int64_t{param->target->height} - area.y));

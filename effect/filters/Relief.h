@@ -5,7 +5,6 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
-#include <new>
 
 #include "effect/Numbers.h"
 #include "effect/ZvProperty.h"
@@ -154,13 +153,12 @@ struct ReliefColors {
 // Puts a row of premultiplied pixels, each scaled by 255 less a coverage, behind those that are there.
 void underlayRow(uint32_t* pixels, const uint32_t* behind, const uint8_t* coverage, int count);
 
-// A copy of the record with the record's own limits; null when memory is short.
+// The record built anew, so that its own limits hold again.
 template <typename Property>
-Property* newReliefProperty(const ZvProperty* property) {
+Property limitedAgain(const ZvProperty* property) {
     const ZvReliefProperty& p = *static_cast<const Property*>(property);
-    return new (std::nothrow)
-        Property(p.style, p.size, p.depth, p.direction, p.technique, p.soften, p.opacity, p.angle, p.altitude,
-                 p.shadowColor, p.shadowOpacity, p.highlightColor, p.highlightOpacity);
+    return Property(p.style, p.size, p.depth, p.direction, p.technique, p.soften, p.opacity, p.angle,
+                    p.altitude, p.shadowColor, p.shadowOpacity, p.highlightColor, p.highlightOpacity);
 }
 
 }  // namespace Zvex

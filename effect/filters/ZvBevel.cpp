@@ -122,10 +122,7 @@ int ZvBevel::doPostProcessing(ParamPostProcessing* param) {
 
 void ZvBevel::setProperty(ZvProperty* newProperty) {
     if (newProperty == nullptr) return;
-    ZvBevelProperty* copy = newReliefProperty<ZvBevelProperty>(newProperty);
-    if (copy == nullptr) return;
-    delete property;
-    property = copy;
+    replaceProperty(limitedAgain<ZvBevelProperty>(newProperty), &property);
 }
 
 ZvProperty* ZvBevel::getProperty() {

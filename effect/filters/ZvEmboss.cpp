@@ -189,10 +189,7 @@ int ZvEmboss::doPostProcessing(ParamPostProcessing* param) {
 
 void ZvEmboss::setProperty(ZvProperty* newProperty) {
     if (newProperty == nullptr) return;
-    ZvEmbossProperty* copy = newReliefProperty<ZvEmbossProperty>(newProperty);
-    if (copy == nullptr) return;
-    delete property;
-    property = copy;
+    replaceProperty(limitedAgain<ZvEmbossProperty>(newProperty), &property);
 }
 
 ZvProperty* ZvEmboss::getProperty() {

@@ -9,7 +9,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
-#include <new>
 
 #include "effect/Numbers.h"
 #include "effect/filters/Buffer.h"
@@ -116,11 +115,9 @@ int ZvInnerShadow::doPostProcessing(ParamPostProcessing* param) {
 void ZvInnerShadow::setProperty(ZvProperty* newProperty) {
     if (newProperty == nullptr) return;
     const ZvInnerShadowProperty& given = *static_cast<const ZvInnerShadowProperty*>(newProperty);
-    ZvInnerShadowProperty* copy = new (std::nothrow)
-        ZvInnerShadowProperty(given.angle, given.distance, given.size, given.color, given.opacity);
-    if (copy == nullptr) return;
-    delete property;
-    property = copy;
+    replaceProperty(
+        ZvInnerShadowProperty(given.angle, given.distance, given.size, given.color, given.opacity),
+        &property);
 }
 
 ZvProperty* ZvInnerShadow::getProperty() {

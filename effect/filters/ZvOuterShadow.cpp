@@ -12,7 +12,6 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <new>
 
 #include "effect/Numbers.h"
 #include "effect/filters/Buffer.h"
@@ -90,11 +89,7 @@ int ZvOuterShadow::doPostProcessing(ParamPostProcessing* param) {
 
 void ZvOuterShadow::setProperty(ZvProperty* newProperty) {
     if (newProperty == nullptr) return;
-    ZvOuterShadowProperty* copy =
-        new (std::nothrow) ZvOuterShadowProperty(*static_cast<const ZvOuterShadowProperty*>(newProperty));
-    if (copy == nullptr) return;
-    delete property;
-    property = copy;
+    if (!replaceProperty(*static_cast<const ZvOuterShadowProperty*>(newProperty), &property)) return;
     const ShadowShift shift = shadowShift(*property);
     dx = shift.x;
     dy = shift.y;

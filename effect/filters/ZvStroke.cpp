@@ -14,7 +14,6 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
-#include <new>
 
 #include "effect/Numbers.h"
 #include "effect/filters/Buffer.h"
@@ -190,11 +189,7 @@ int ZvStroke::doPostProcessing(ParamPostProcessing* param) {
 
 void ZvStroke::setProperty(ZvProperty* newProperty) {
     if (newProperty == nullptr) return;
-    ZvStrokeProperty* copy =
-        new (std::nothrow) ZvStrokeProperty(*static_cast<const ZvStrokeProperty*>(newProperty));
-    if (copy == nullptr) return;
-    delete property;
-    property = copy;
+    replaceProperty(*static_cast<const ZvStrokeProperty*>(newProperty), &property);
 }
 
 ZvProperty* ZvStroke::getProperty() {

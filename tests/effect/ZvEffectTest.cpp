@@ -597,6 +597,29 @@ TEST(EffectStack, AnyAllocationMayFail) {
     }
 }
 
+// However the text comes into the picture.
+TEST(EffectStack, TheTextsBlendIsInTheLogOnce) {
+    for (const bool clear : {false, true}) {
+        ZvBitmap picture(16, 16, 4);
+        ZvBitmap coverage(6, 6, 1);
+        std::memset(coverage.pixels, 255, 36);
+        host::LogCapture log;
+        ZvEffect stack;
+        stack.addText(0xFFFF8001);
+        stack.initEffect(16, 16);
+        clear ? stack.setClearDstBitmap(&picture) : stack.setDstBitmap(&picture);
+        ZvGlyph glyph = glyphOf(coverage);
+        stack.renderEffectLayer(4, 4, &glyph);
+        stack.doEffectPostProcessing();
+        const auto lines = log.lines();
+        EXPECT_EQ(std::count_if(lines.begin(), lines.end(),
+                                [](const host::LogLine& line) {
+                                    return line.tag == "Blender" && line.text == "Blender - ZVE_BLEND_OTHER";
+                                }),
+                  ZvLog::IsAllLogEnable() ? 1 : 0);
+    }
+}
+
 TEST(EffectStack, SpeaksOnlyAtDebugLevel) {
     host::LogCapture log;
     {
