@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 // Each kernel on real text, in one process with its plain form.
 //
-//     bench_kernels [--benchmark_filter=stroke/.*/1024x256]
+//     bench_kernels [--target=baseline|avx2|avx512] [--benchmark_filter=stroke/.*/1024x256]
+//
+// The target is the largest instruction set that the kernels use; without it, or where the machine has no
+// such thing, the machine's best.
 #include "benchmarks/kernels/TextScene.h"
 
 #include <benchmark/benchmark.h>
@@ -111,6 +114,26 @@ std::vector<void (*)()>& families() {
     return all;
 }
 
+// Takes --target=NAME out of the arguments. False for a NAME that there is none of.
+bool takeTarget(int* argc, char** argv) {
+    constexpr char OPTION[] = "--target=";
+    constexpr size_t LENGTH = sizeof OPTION - 1;
+    int kept = 1;
+    for (int i = 1; i < *argc; ++i) {
+        if (std::strncmp(argv[i], OPTION, LENGTH) != 0) {
+            argv[kept++] = argv[i];
+            continue;
+        }
+        const std::string name = argv[i] + LENGTH;
+        if (name != "baseline" && name != "avx2" && name != "avx512") return false;
+        limitCpuTarget(name == "baseline" ? CpuTarget::Baseline
+                       : name == "avx2"   ? CpuTarget::Avx2
+                                          : CpuTarget::Avx512);
+    }
+    *argc = kept;
+    return true;
+}
+
 }  // namespace
 
 Family::Family(void (*addRows)()) {
@@ -152,6 +175,10 @@ void addRows(const std::string& name, const TextScene& scene, Draw fast, Draw pl
 }  // namespace bench
 
 int main(int argc, char** argv) {
+    if (!bench::takeTarget(&argc, argv)) {
+        std::fprintf(stderr, "bench_kernels: --target is baseline, avx2 or avx512\n");
+        return 2;
+    }
     benchmark::Initialize(&argc, argv);
     for (const auto addRowsOfFamily : bench::families()) addRowsOfFamily();
     benchmark::RunSpecifiedBenchmarks();
