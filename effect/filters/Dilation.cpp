@@ -44,7 +44,6 @@ struct Taps {
     int64_t runCount, rampCount;
 };
 
-// The intrinsics are always inlined, so that no copy of them can stray into another build.
 #define ZVEX_KERNELS "effect/filters/DilationKernels.inc"
 #include "raster/ForEachTarget.h"
 
