@@ -57,6 +57,34 @@ TEST(Pattern, EqualsThePlainForm) {
     }
 }
 
+// What repeats along rows, columns, both or neither takes different ways; so do short repeats and long ones.
+TEST(Pattern, EqualsThePlainFormInWideBoxes) {
+    const struct {
+        int width, height;
+        float scale, opacity;
+    } cases[] = {{5, 3, 1, 1},   {7, 300, 1.3f, 0.8f},  {150, 3, 2, 1},   {130, 300, 2.1f, 1},
+                 {700, 3, 1, 1}, {900, 50, 1.1f, 0.6f}, {64, 50, 4, 1.5f}};
+    unsigned seed = 0;
+    for (const auto& c : cases) {
+        ZvPattern filter;
+        ZvBitmap pattern = makePattern(c.width, c.height);
+        setPattern(filter, &pattern, c.scale, c.opacity);
+        for (const int left : {0, -5, 40}) {
+            FilterScene expected(seed, 620, 18);
+            expected.box = ZvRect(left, left / 3, 615, 18);
+            const FilterScene before(expected);
+            reference::drawPattern(&expected.target, expected.mask, expected.box, pattern, c.scale,
+                                   c.opacity);
+            forEachCpuTarget([&] {
+                FilterScene actual(before);
+                EXPECT_EQ(actual.draw(filter), 0);
+                ASSERT_TRUE(actual.sameAs(expected)) << "seed " << seed << ", " << actual.describe();
+            });
+            ++seed;
+        }
+    }
+}
+
 TEST(Pattern, KeepsACopyOfItsSettingsAndPixels) {
     EXPECT_EQ(ZvPattern().getStyle(), 11);
     EXPECT_EQ(ZvPattern().getProperty(), nullptr);
