@@ -65,6 +65,24 @@ void addBlends(const bench::TextScene& scene) {
     }
 }
 
+// A glyph run into the mask: the mask's bytes lie in the first quarter of the target.
+template <typename Merge>
+bench::Draw intoMask(Merge merge) {
+    return [merge](Param& p) {
+        p.target->bytesPerPixel = 1;
+        merge(0, 0, p.target, p.mask->pixels, sideOf(p.mask->width), sideOf(p.mask->height), 0);
+        p.target->bytesPerPixel = 4;
+    };
+}
+
+void addMaskMerge(const bench::TextScene& scene) {
+    using Bytes = const unsigned char*;
+    const auto fast = [](int x, int y, ZvBitmap* mask, Bytes coverage, int w, int h, uint32_t color) {
+        ZvBlender::drawBitmap(x, y, mask, coverage, w, h, color);
+    };
+    bench::addRows("mask", scene, intoMask(fast), intoMask(reference::drawBitmap));
+}
+
 void addCompositeSteps(const bench::TextScene& scene) {
     const auto picture = std::make_shared<ZvBitmap>(scene.mask.width, scene.mask.height, 4);
     const std::vector<uint32_t> words = wordsOf(scene.mask);
@@ -104,6 +122,20 @@ void addCompositeSteps(const bench::TextScene& scene) {
         });
 }
 
+void addPattern(const bench::TextScene& scene, const char* name, unsigned width, unsigned height,
+                float scale) {
+    const auto tile = std::make_shared<ZvBitmap>(width, height, 4);
+    for (size_t i = 0; i < tile->byteCount(); ++i) tile->pixels[i] = static_cast<uint8_t>(i * 37 + i / 97);
+    const auto pattern = std::make_shared<ZvPattern>();
+    ZvPatternProperty property(tile.get(), scale, 0.75f);
+    pattern->setProperty(&property);
+    bench::addRows(
+        std::string("pattern/") + name, scene, [pattern](Param& p) { pattern->doPostProcessing(&p); },
+        [tile, scale](Param& p) {
+            reference::drawPattern(p.target, *p.mask, *p.textRect, *tile, scale, 0.75f);
+        });
+}
+
 void addFills(const bench::TextScene& scene) {
     const reference::Stops stops = {
         {0xFFFF0000, 1.0f, 0.0f}, {0xFF00FF00, 1.0f, 0.5f}, {0xFF0000FF, 1.0f, 1.0f}};
@@ -127,19 +159,14 @@ void addFills(const bench::TextScene& scene) {
                                     stops);
         });
 
-    const auto tile = std::make_shared<ZvBitmap>(48, 36, 4);
-    for (size_t i = 0; i < tile->byteCount(); ++i) tile->pixels[i] = static_cast<uint8_t>(i * 37);
-    const auto pattern = std::make_shared<ZvPattern>();
-    ZvPatternProperty patternProperty(tile.get(), 1.5f, 0.75f);
-    pattern->setProperty(&patternProperty);
-    bench::addRows(
-        "pattern/scale=1.5", scene, [pattern](Param& p) { pattern->doPostProcessing(&p); },
-        [tile](Param& p) { reference::drawPattern(p.target, *p.mask, *p.textRect, *tile, 1.5f, 0.75f); });
+    addPattern(scene, "tile", 48, 36, 1.5f);      // repeats every 72 by 54 pixels
+    addPattern(scene, "photo", 2800, 700, 1.5f);  // larger than the box
 }
 
 void addBlendRows() {
     for (const bench::TextScene* scene : {&bench::smallText(), &bench::largeText()}) {
         addBlends(*scene);
+        addMaskMerge(*scene);
         addCompositeSteps(*scene);
         addFills(*scene);
     }
