@@ -7,8 +7,9 @@
 //     ^ border: not blurred    ^ spread: 0.475 r by the box sums, 0.9 r by the Gaussian
 //
 // The box sums spread by a pixel a pass, and there is one pass for every second pixel of the size: the plane
-// that they work on is the text box and that much around it. All passes are made of a row before the next row
-// is read. The definition is tests/reference/GlowReference.h.
+// that they work on is the text box and that much around it. All passes are made of a few rows before
+// the next ones are read, and of these only where something changes: along the outlines. The definition is
+// tests/reference/GlowReference.h.
 
 #include "effect/filters/Glow.h"
 
@@ -21,6 +22,7 @@
 #include "effect/filters/Gaussian.h"
 #include "foundation/SafeConvert.h"
 #include "raster/CpuTarget.h"
+#include "raster/Intrinsics.h"
 #include "raster/ZvBitmap.h"
 #include "raster/ZvBlender.h"
 #include "raster/ZvRect.h"
@@ -64,16 +66,22 @@ struct Widening {
     uint16_t edge;  // what the other rows' first and last pixels become
 };
 
+// The kernels look at this many rows at a time, in blocks of 8 or 16 pixels, eight blocks at a time.
+constexpr int WIDENING_GROUP = 8;
+
 #define ZVEX_KERNELS "effect/filters/GlowKernels.inc"
 #include "raster/ForEachTarget.h"
 
 // False, with the image untouched, when memory is short.
 bool widen(const Widening& w) {
-    constexpr int64_t BLOCK = 32;  // of the kernels
-    Buffer<uint16_t> rows;         // two, and two for each pass
-    if (!rows.allocateZeroed(2 * int64_t{w.passes} + 2, (w.width + BLOCK - 1) / BLOCK * BLOCK + 2 * BLOCK))
-        return false;
-    ZVEX_ON_TARGET(widenPlane(w, rows.get()));
+    constexpr int64_t LARGEST_BLOCK = 16, SMALLEST_BLOCK = 8;
+    const int64_t width = (w.width + 8 * LARGEST_BLOCK - 1) / (8 * LARGEST_BLOCK) * (8 * LARGEST_BLOCK);
+    const int64_t stride = width + 2 * LARGEST_BLOCK, stateStride = width / SMALLEST_BLOCK + 16;
+    Buffer<uint16_t> rows;  // two groups, and two rows for each pass
+    Buffer<uint8_t> states;
+    if (!rows.allocateZeroed(2 * int64_t{w.passes} + 2 * WIDENING_GROUP, stride)) return false;
+    if (!states.allocate(int64_t{w.passes} + 4, stateStride)) return false;
+    ZVEX_ON_TARGET(widenPlane(w, rows.get(), states.get(), stride, stateStride));
     return true;
 }
 

@@ -94,6 +94,32 @@ TYPED_TEST(Glow, BoxFilterEqualsThePlainForm) {
     });
 }
 
+// Rectangles large enough for blocks in and around which nothing changes, some of them nearly empty or full.
+TYPED_TEST(Glow, BoxFilterOfLargeShapesEqualsThePlainForm) {
+    Random random(2);
+    for (int i = 0; i < 40; ++i) {
+        const int width = random.between(100, 420), height = random.between(3, 70);
+        const int passes = random.between(1, 22);
+        std::vector<uint8_t> source(static_cast<size_t>(width * height), i % 4 == 0 ? 255 : 0), expected;
+        for (int shape = random.between(1, 6); shape > 0; --shape) {
+            const int levels[] = {0, 255, 255, random.below(256), random.below(3), 254};
+            const int level = levels[random.below(6)];
+            const int left = random.below(width), top = random.below(height);
+            const int right = random.between(left, width), bottom = random.between(top, height);
+            for (int y = top; y < bottom; ++y)
+                std::fill(&source[static_cast<size_t>(y * width + left)],
+                          &source[static_cast<size_t>(y * width)] + right, static_cast<uint8_t>(level));
+        }
+        expected = source;
+        reference::boxFilter(expected, passes, width, height);
+        forEachCpuTarget([&] {
+            std::vector<uint8_t> actual(source);
+            this->filter.increaseByBoxFilter(actual.data(), passes, width, height);
+            ASSERT_EQ(actual, expected) << "case " << i << ", " << width << " x " << height << ", " << passes;
+        });
+    }
+}
+
 TYPED_TEST(Glow, EqualsThePlainForm) {
     unsigned seed = 0;
     for (float size : {-0.5f, 0.0f, 0.5f, 1.0f, 3.0f, 4.7f, 9.0f, 18.0f, 37.0f}) {
