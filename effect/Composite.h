@@ -2,26 +2,17 @@
 #ifndef ZVEX_EFFECT_COMPOSITE_H_
 #define ZVEX_EFFECT_COMPOSITE_H_
 
+#include <cstddef>
 #include <cstdint>
 
 namespace Zvex {
 
 class ZvBitmap;
-class ZvRect;
 
 // The order of a pixel's bytes in memory; the alpha comes last.
 enum class PixelOrder { RedFirst, BlueFirst };
 
 // The last steps of a rendering, on colour pictures of 4 bytes a pixel, in place and without allocations.
-
-// Blends the colour, 0xAARRGGBB, under the target through the mask, scales each pixel by its coverage
-// (ZVE_BLEND_DST_OVER_SA), and makes the target transparent where the mask, which counts as 0 beyond its
-// edges, has none. Both have pixels, 4 and 1 bytes each. Only within `area`; null is all of the target.
-void cutToGlyphs(ZvBitmap* target, const ZvBitmap* mask, uint32_t color, const ZvRect* area);
-
-// The debug line that ZvBlender writes for that blend: one for the text of each rendering in a single
-// picture, whichever of the functions here draws it.
-void logTextBlend();
 
 // In the two below, bitmaps of another depth or without pixels leave `picture` as it is.
 
@@ -32,13 +23,28 @@ void mergeBackLayer(ZvBitmap* picture, const ZvBitmap* back, const ZvBitmap* mas
 // Scales the alpha of a premultiplied picture by textAlpha and makes its colours straight. A pixel whose
 // alpha becomes 0 loses its colour.
 void finishPicture(ZvBitmap* picture, uint8_t textAlpha);
-// The same within `area`, which is cut to the picture, and in that order of bytes.
-void finishPicture(ZvBitmap* picture, const ZvRect& area, uint8_t textAlpha, PixelOrder order);
 
-// cutToGlyphs onto a target that is transparent in `area`, finished as above: a pixel depends on nothing but
-// its coverage then. Where the mask ends the target stays transparent.
-void paintText(ZvBitmap* target, const ZvBitmap* mask, uint32_t color, const ZvRect& area, uint8_t textAlpha,
-               PixelOrder order);
+// The same a row at a time, of `count` pixels, and the text layer's row.
+
+void mergeBackRow(uint8_t* pixels, const uint8_t* back, const uint8_t* coverage, size_t count);
+
+void finishRow(uint8_t* pixels, size_t count, uint8_t textAlpha, PixelOrder order);
+
+// Blends the colour, 0xAARRGGBB, under the pixels through the coverage and scales each pixel by its coverage
+// (ZVE_BLEND_DST_OVER_SA); where there is none it becomes transparent.
+void cutRowToGlyphs(uint8_t* pixels, const uint8_t* coverage, size_t count, uint32_t color);
+
+// cutRowToGlyphs onto transparent pixels and finishRow: what comes of it for each coverage.
+class TextColors {
+public:
+    TextColors(uint32_t color, uint8_t textAlpha, PixelOrder order);
+
+    // Leaves pixels without coverage as they are.
+    void paintRow(uint8_t* pixels, const uint8_t* coverage, size_t count) const;
+
+private:
+    uint32_t words_[256];
+};
 
 }  // namespace Zvex
 

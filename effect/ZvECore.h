@@ -2,8 +2,11 @@
 #ifndef ZVEX_EFFECT_ZVECORE_H_
 #define ZVEX_EFFECT_ZVECORE_H_
 
+#include <memory>
+
 namespace Zvex {
 
+class LayerRows;
 class ZvBitmap;
 class ZvProperty;
 class ZvRect;
@@ -50,8 +53,13 @@ public:
         ZvRect* textRect = nullptr;  // box of the glyphs within the mask
         int layerMode = 0;
         ZvBitmap* otherLayer = nullptr;  // a second colour picture for effects that draw into both, else null
-        // Where the mask has coverage or target is not transparent; null when that may be anywhere.
+        // Holds textRect, and outside of it target is transparent; null when nothing is known. If it is
+        // there, the mask has coverage within textRect only; the rows there and the one below are all of it
+        // that may be read.
         const ZvRect* drawnArea = nullptr;
+        // Where to put the rows that the layer would draw, for drawing them later; null: it draws now. It
+        // stays null where there is nothing to draw.
+        std::unique_ptr<LayerRows>* rows = nullptr;
     };
 
     virtual ~ZvECore() = default;
@@ -62,8 +70,8 @@ public:
     // Called for each layer after a glyph run has been merged into the mask. Returns 1.
     virtual int render(ParamRender* param) = 0;
 
-    // Draws the effect. A missing part of the record and a failed allocation end it silently, the pictures
-    // untouched. Returns 0.
+    // Draws the effect, or hands over its rows. A missing part of the record and a failed allocation end it
+    // silently, the pictures untouched. Returns 0.
     virtual int doPostProcessing(ParamPostProcessing* param) = 0;
 
     // Keeps a copy of *property, which must be the record of this layer's own class; the caller keeps

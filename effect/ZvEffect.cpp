@@ -10,7 +10,9 @@
 #include "effect/Composite.h"
 #include "effect/EffectArguments.h"
 #include "effect/EffectFactory.h"
+#include "effect/LayerRows.h"
 #include "effect/ZvGlyph.h"
+#include "effect/filters/Buffer.h"
 #include "foundation/ZvLog.h"
 #include "raster/ZvBitmap.h"
 #include "raster/ZvBlender.h"
@@ -46,13 +48,6 @@ bool needsTwoLayers(ZvECore* effect) {
     return type == ZV_EFFECT_EMBOSS || (isStroke(type) && strokePosition(effect) == ZV_STROKE_CENTER);
 }
 
-// Such layers draw within the box of the text.
-bool staysInBox(ZvECore* effect) {
-    const int type = effect->getStyle();
-    return type == ZV_EFFECT_TEXT || type == ZV_EFFECT_LINEAR_GRADIENT || type == ZV_EFFECT_RADIAL_GRADIENT ||
-           type == ZV_EFFECT_PATTERN;
-}
-
 int clampToSize(int value, uint32_t size) {
     const int64_t most = std::min<int64_t>(size, INT_MAX);
     return static_cast<int>(std::clamp<int64_t>(value, 0, most));
@@ -62,35 +57,41 @@ int addHeld(int value, int length) {
     return static_cast<int>(std::min<int64_t>(int64_t{value} + length, INT_MAX));
 }
 
-// Where a layer draws when there are two pictures: dst is seen within the glyphs, back around them.
-void chooseTargets(ZvECore* effect, ZvBitmap* dst, ZvBitmap* back, ZvECore::ParamPostProcessing* param) {
-    bool behind = false;
-    bool both = false;
-    const int type = effect->getStyle();
-    switch (type) {
+// Where a layer draws when there are two pictures: the front one is seen within the glyphs, the back one
+// around them.
+struct Place {
+    bool behind = false;  // on the back picture
+    bool both = false;    // and on the front picture
+};
+
+Place placeOf(ZvECore* effect) {
+    switch (effect->getStyle()) {
         case ZV_EFFECT_OUTER_SHADOW:
         case ZV_EFFECT_OUTER_GLOW:
         case ZV_EFFECT_NONE:
-            behind = true;
-            break;
+            return {true, false};
         case ZV_EFFECT_BEVEL:
-            behind = !isInsideBevel(effect);
-            break;
+            return {!isInsideBevel(effect), false};
         case ZV_EFFECT_EMBOSS:
-            behind = both = true;
-            break;
+            return {true, true};
         case ZV_EFFECT_STROKE:
         case ZV_EFFECT_STROKE_OLD: {
             const int position = strokePosition(effect);
-            behind = position != ZV_STROKE_INSIDE;
-            both = position == ZV_STROKE_CENTER;
-            break;
+            return {position != ZV_STROKE_INSIDE, position == ZV_STROKE_CENTER};
         }
         default:
-            break;
+            return {};
     }
-    param->target = behind ? back : dst;
-    param->otherLayer = both ? dst : nullptr;
+}
+
+void include(ZvRect* box, const ZvRect& other) {
+    if (other.left >= other.right || other.top >= other.bottom) return;
+    if (box->left >= box->right || box->top >= box->bottom) {
+        *box = other;
+        return;
+    }
+    *box = ZvRect(std::min(box->left, other.left), std::min(box->top, other.top),
+                  std::max(box->right, other.right), std::max(box->bottom, other.bottom));
 }
 
 int widestMargin(const std::vector<ZvECore*>& effects, int (ZvECore::*side)()) {
@@ -349,6 +350,15 @@ int ZvEffect::getBottomOffset() {
 // --- Rendering
 
 void ZvEffect::initEffect(int width, int height) {
+    beginRendering(width, height, MaskPixels::Zeroed);
+}
+
+void ZvEffect::initPicture(ZvBitmap* out) {
+    beginRendering(clampToSize(INT_MAX, out->width), clampToSize(INT_MAX, out->height), MaskPixels::Unset);
+    dst = out;
+}
+
+void ZvEffect::beginRendering(int width, int height, MaskPixels maskPixels) {
     ZV_DEBUG_LOG(TAG, "InitEffect(%p)", static_cast<void*>(this));
     layers = effects;
     const bool twoLayers = textOpacity < 1.0f || std::any_of(layers.begin(), layers.end(), needsTwoLayers);
@@ -357,8 +367,14 @@ void ZvEffect::initEffect(int width, int height) {
     releaseBitmap();
     const unsigned int bitmapWidth = static_cast<unsigned int>(std::max(width, 0));
     const unsigned int bitmapHeight = static_cast<unsigned int>(std::max(height, 0));
-    mask = new (std::nothrow) ZvBitmap(bitmapWidth, bitmapHeight, 1);
-    if (twoLayers) back = new (std::nothrow) ZvBitmap(bitmapWidth, bitmapHeight, 4);
+    maskTop = maskBottom = 0;
+    maskIsPartial = maskPixels == MaskPixels::Unset;
+    if (maskIsPartial) {
+        mask = new (std::nothrow) ZvBitmap(bitmapWidth, bitmapHeight, 1, ZvBitmap::Unset::Pixels);
+    } else {
+        mask = new (std::nothrow) ZvBitmap(bitmapWidth, bitmapHeight, 1);
+        if (twoLayers) back = new (std::nothrow) ZvBitmap(bitmapWidth, bitmapHeight, 4);
+    }
 
     // The newest layer is the topmost one of its group.
     std::reverse(layers.begin(), layers.end());
@@ -424,6 +440,7 @@ int ZvEffect::renderEffectLayer(int x, int y, ZvGlyph* glyph) {
             textRect = ZvRect(std::min(textRect.left, box.left), std::min(textRect.top, box.top),
                               std::max(textRect.right, box.right), std::max(textRect.bottom, box.bottom));
         }
+        if (maskIsPartial) clearMaskRows();
         ZvBlender::drawBitmap(x, y, mask, glyph->pixels, glyph->width, glyph->height, 0xFF000000);
     }
     ZvECore::ParamRender param;
@@ -435,60 +452,148 @@ int ZvEffect::renderEffectLayer(int x, int y, ZvGlyph* glyph) {
     return 0;
 }
 
+void ZvEffect::clearMaskRows() {
+    if (mask->pixels == nullptr) return;
+    const auto clear = [this](int top, int bottom) {
+        if (top >= bottom) return;
+        std::memset(mask->pixels + static_cast<size_t>(top) * mask->width, 0,
+                    static_cast<size_t>(bottom - top) * mask->width);
+    };
+    const int top = clampToSize(textRect.top, mask->height);
+    const int bottom = clampToSize(addHeld(textRect.bottom, 1), mask->height);
+    if (maskTop >= maskBottom) maskTop = maskBottom = top;
+    clear(top, maskTop);
+    clear(maskBottom, bottom);
+    maskTop = std::min(maskTop, top);
+    maskBottom = std::max(maskBottom, bottom);
+}
+
+// Whether there is anything to draw.
+bool ZvEffect::clipTextRect() {
+    if (textRectReset) textRect = ZvRect();  // an earlier rendering's box says nothing about this one
+    textRectReset = true;
+    if (mask == nullptr) return false;
+    textRect.left = clampToSize(textRect.left, mask->width);
+    textRect.right = clampToSize(textRect.right, mask->width);
+    textRect.top = clampToSize(textRect.top, mask->height);
+    textRect.bottom = clampToSize(textRect.bottom, mask->height);
+    return textRect.left < textRect.right && textRect.top < textRect.bottom;
+}
+
 void ZvEffect::doEffectPostProcessing() {
     ZV_DEBUG_LOG(TAG, "DoEffectPostProcessing(%p) - start", static_cast<void*>(this));
-    if (textRectReset) textRect = ZvRect();  // an earlier rendering's box says nothing about this one
-    if (mask != nullptr) {
-        textRect.left = clampToSize(textRect.left, mask->width);
-        textRect.right = clampToSize(textRect.right, mask->width);
-        textRect.top = clampToSize(textRect.top, mask->height);
-        textRect.bottom = clampToSize(textRect.bottom, mask->height);
-        if (textRect.left < textRect.right && textRect.top < textRect.bottom) {
-            ZvECore::ParamPostProcessing param;
-            param.mask = mask;
-            param.textRect = &textRect;
-            param.layerMode = layerMode;
-            drawnWithinBox =
-                dstIsClear && layerMode == 0 && std::all_of(layers.begin(), layers.end(), staysInBox);
-            if (drawnWithinBox) param.drawnArea = &textRect;
-            textOnly = drawnWithinBox && layers.size() == 1 && layers[0]->getStyle() == ZV_EFFECT_TEXT &&
-                       layers[0]->getProperty() != nullptr;
-            for (ZvECore* effect : layers) {
-                param.target = dst;
-                if (layerMode == 1) chooseTargets(effect, dst, back, &param);
-                if (textOnly) {
-                    logTextBlend();
-                } else {
-                    effect->doPostProcessing(&param);
-                }
-            }
+    if (clipTextRect()) {
+        ZvECore::ParamPostProcessing param;
+        param.mask = mask;
+        param.textRect = &textRect;
+        param.layerMode = layerMode;
+        for (ZvECore* effect : layers) {
+            const Place place = layerMode == 1 ? placeOf(effect) : Place();
+            param.target = place.behind ? back : dst;
+            param.otherLayer = place.both ? dst : nullptr;
+            effect->doPostProcessing(&param);
         }
     }
-    textRectReset = true;
     ZV_DEBUG_LOG(TAG, "DoEffectPostProcessing(%p) - end", static_cast<void*>(this));
 }
 
-ZvRect ZvEffect::wholeDst() const {
-    if (dst == nullptr) return ZvRect();
-    return ZvRect(0, 0, clampToSize(INT_MAX, dst->width), clampToSize(INT_MAX, dst->height));
-}
+ZvRect ZvEffect::drawPicture(PixelOrder order) {
+    if (dst == nullptr || dst->pixels == nullptr || dst->bytesPerPixel != 4) return ZvRect();
+    ZV_DEBUG_LOG(TAG, "DoEffectPostProcessing(%p) - start", static_cast<void*>(this));
+    ZvRect drawn;
+    std::unique_ptr<WaitingLayer[]> waiting;
+    if (clipTextRect() && mask->pixels != nullptr)
+        waiting.reset(new (std::nothrow) WaitingLayer[layers.size()]);
+    if (waiting != nullptr) prepareLayers(waiting.get(), &drawn);
+    ZV_DEBUG_LOG(TAG, "DoEffectPostProcessing(%p) - end", static_cast<void*>(this));
 
-ZvRect ZvEffect::compositeDst(PixelOrder order) {
     ZV_DEBUG_LOG(TAG, "CompositeLayers(%p) - start", static_cast<void*>(this));
-    ZvRect area;
-    if (mask != nullptr) {
-        area = drawnWithinBox ? textRect : wholeDst();
-        if (textOnly && !layers.empty()) {
-            paintText(dst, mask, layers[0]->getProperty()->color, area, textAlpha, order);
-        } else {
-            if (layerMode == 1) mergeBackLayer(dst, back, mask);
-            finishPicture(dst, area, textAlpha, order);
-        }
+    if (waiting != nullptr && isTextAlone() && waiting[0].rows != nullptr) {
+        drawTextAlone(order);
+    } else {
+        drawLayers(waiting.get(), drawn, order);
     }
+    waiting.reset();
     releaseBitmap();
     layerMode = 0;
     ZV_DEBUG_LOG(TAG, "CompositeLayers(%p) - end", static_cast<void*>(this));
-    return area;
+    return drawn;
+}
+
+bool ZvEffect::isTextAlone() const {
+    return layerMode == 0 && layers.size() == 1 && layers[0]->getStyle() == ZV_EFFECT_TEXT;
+}
+
+void ZvEffect::prepareLayers(WaitingLayer* waiting, ZvRect* drawn) {
+    *drawn = textRect;
+    ZvECore::ParamPostProcessing param;
+    param.target = dst;  // the back picture is as large
+    param.mask = mask;
+    param.textRect = &textRect;
+    param.layerMode = layerMode;
+    param.drawnArea = drawn;
+    for (ZvECore* effect : layers) {
+        const Place place = layerMode == 1 ? placeOf(effect) : Place();
+        waiting->behind = place.behind;
+        waiting->both = place.both;
+        param.otherLayer = place.both ? dst : nullptr;
+        param.rows = &waiting->rows;
+        effect->doPostProcessing(&param);
+        if (waiting->rows != nullptr) include(drawn, waiting->rows->reach());
+        ++waiting;
+    }
+    *drawn = ZvRect(clampToSize(drawn->left, dst->width), clampToSize(drawn->top, dst->height),
+                    clampToSize(drawn->right, dst->width), clampToSize(drawn->bottom, dst->height));
+}
+
+void ZvEffect::drawLayers(const WaitingLayer* waiting, const ZvRect& drawn, PixelOrder order) {
+    const int width = clampToSize(INT_MAX, dst->width), height = clampToSize(INT_MAX, dst->height);
+    const int step = std::min(stripRows(dst->width), height);
+    const size_t left = static_cast<size_t>(drawn.left), count = static_cast<size_t>(drawn.right) - left;
+    Buffer<uint8_t> behind;
+    if (layerMode == 1) behind.allocate(step, width, 4);
+    const bool hasBack = behind.get() != nullptr;
+    for (int y = 0; y < height;) {
+        const RowRange rows = {y, height - y < step ? height : y + step};
+        const PictureStrip front(*dst, rows), back(behind.get(), dst->width, rows);
+        y = rows.end;
+        std::memset(front.pixels, 0, front.byteCount());
+        const int top = std::max(rows.begin, drawn.top), bottom = std::min(rows.end, drawn.bottom);
+        if (top >= bottom || waiting == nullptr) continue;
+
+        if (hasBack) std::memset(back.pixels, 0, back.byteCount());
+        for (size_t i = 0; i < layers.size(); ++i) {
+            const WaitingLayer& layer = waiting[i];
+            if (layer.rows == nullptr || (layer.behind && !hasBack)) continue;
+            layer.rows->draw(rows, layer.behind ? back : front, layer.both ? &front : nullptr);
+        }
+        for (int row = top; row < bottom; ++row) {
+            const size_t at = (static_cast<size_t>(row - rows.begin) * dst->width + left) * 4;
+            if (hasBack && row >= textRect.top && row < textRect.bottom) {
+                mergeBackRow(front.pixels + at, back.pixels + at,
+                             mask->pixels + static_cast<size_t>(row) * mask->width + left, count);
+            } else if (hasBack) {
+                std::memcpy(front.pixels + at, back.pixels + at, count * 4);
+            }
+            finishRow(front.pixels + at, count, textAlpha, order);
+        }
+    }
+}
+
+void ZvEffect::drawTextAlone(PixelOrder order) {
+    const TextColors colors(layers[0]->getProperty()->color, textAlpha, order);
+    const size_t width = dst->width, left = static_cast<size_t>(textRect.left);
+    const auto row = [&](int y) { return dst->pixels + static_cast<size_t>(y) * width * 4; };
+    const auto clear = [&](int top, int bottom) {
+        std::memset(row(top), 0, static_cast<size_t>(bottom - top) * width * 4);
+    };
+    clear(0, textRect.top);
+    for (int y = textRect.top; y < textRect.bottom; ++y) {
+        clear(y, y + 1);
+        colors.paintRow(row(y) + left * 4, mask->pixels + static_cast<size_t>(y) * mask->width + left,
+                        static_cast<size_t>(textRect.right) - left);
+    }
+    clear(textRect.bottom, clampToSize(INT_MAX, dst->height));
 }
 
 void ZvEffect::compositeLayers(ZvBitmap* out) {
@@ -520,7 +625,6 @@ ZvBitmap* ZvEffect::getSrcBitmap() {
 
 void ZvEffect::setSrcBitmap(ZvBitmap* bitmap) {
     mask = bitmap;
-    dstIsClear = false;  // this mask may have coverage outside the box
 }
 
 ZvBitmap* ZvEffect::getDstBitmap() {
@@ -529,12 +633,6 @@ ZvBitmap* ZvEffect::getDstBitmap() {
 
 void ZvEffect::setDstBitmap(ZvBitmap* bitmap) {
     dst = bitmap;
-    dstIsClear = drawnWithinBox = textOnly = false;
-}
-
-void ZvEffect::setClearDstBitmap(ZvBitmap* bitmap) {
-    setDstBitmap(bitmap);
-    dstIsClear = true;
 }
 
 }  // namespace Zvex

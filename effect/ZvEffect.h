@@ -3,6 +3,7 @@
 #define ZVEX_EFFECT_ZVEFFECT_H_
 
 #include <cstdint>
+#include <memory>
 #include <vector>
 
 #include "effect/ZvECore.h"
@@ -11,6 +12,7 @@
 
 namespace Zvex {
 
+class LayerRows;
 enum class PixelOrder;
 class ZvBitmap;
 struct ZvGlyph;
@@ -51,9 +53,6 @@ public:
     uint32_t textColor = 0xFF000000;  // 0xAARRGGBB, the last one given to getMapKey
     int nextEffectId = 0;
     uint8_t textAlpha = 255;  // alpha byte of the last colour given to addText, applied by compositeLayers
-    bool dstIsClear = false;  // what no layer has drawn on is transparent, and the mask empty
-    bool drawnWithinBox = false;  // then also: no layer has drawn outside textRect
-    bool textOnly = false;        // then also: the one layer is the text, drawn by compositeDst
 
     ZvEffect();
     // As above without the log line; the argument is ignored.
@@ -164,11 +163,6 @@ public:
     // Then applies textAlpha to all of `out` and makes its colours straight; frees the working bitmaps and
     // ends the rendering (layerMode 0). Without a mask, that is outside a rendering, `out` stays as it is.
     void compositeLayers(ZvBitmap* out);
-    // The same with the bytes of a pixel in that order, for `out` being dst; returns the part of it outside
-    // which all pixels are what they were: transparent, where setClearDstBitmap said so. Empty without a
-    // mask.
-    ZvRect compositeDst(PixelOrder order);
-
     // Deletes mask and back; forgets dst.
     void releaseBitmap();
 
@@ -177,11 +171,41 @@ public:
     void setSrcBitmap(ZvBitmap* bitmap);  // taken over; the old one is not freed
     ZvBitmap* getDstBitmap();
     void setDstBitmap(ZvBitmap* bitmap);  // stays the caller's
-    // For a picture that is transparent throughout, which spares passes over what no layer reaches.
-    void setClearDstBitmap(ZvBitmap* bitmap);
+
+    // --- Rendering onto a transparent picture
+    //
+    // The same picture, made with less memory and fewer ways through it: initPicture, renderEffectLayer for
+    // each line, drawPicture. No back picture and no finished layer is in memory as a whole; every few rows
+    // are cleared, drawn on by all layers and finished before the next.
+
+    // In the place of initEffect and setDstBitmap. `out` stays the caller's; whatever it holds is overwritten
+    // by drawPicture.
+    void initPicture(ZvBitmap* out);
+
+    // In the place of doEffectPostProcessing and compositeLayers: all pixels of the picture, those that no
+    // layer reaches transparent, the others with their bytes in that order. Returns a box outside which it is
+    // transparent, empty outside a rendering.
+    ZvRect drawPicture(PixelOrder order);
 
 private:
-    ZvRect wholeDst() const;
+    enum class MaskPixels { Zeroed, Unset };
+    // The layers' rows, on the front or the back picture or both.
+    struct WaitingLayer {
+        std::unique_ptr<LayerRows> rows;
+        bool behind = false, both = false;
+    };
+
+    void beginRendering(int width, int height, MaskPixels maskPixels);
+    void clearMaskRows();
+    bool clipTextRect();
+    bool isTextAlone() const;
+    // Fill and draw as many as there are layers. The box holds all that they draw.
+    void prepareLayers(WaitingLayer* waiting, ZvRect* drawn);
+    void drawLayers(const WaitingLayer* waiting, const ZvRect& drawn, PixelOrder order);
+    void drawTextAlone(PixelOrder order);
+
+    bool maskIsPartial = false;       // of the mask only the rows of textRect, and one below, are zeroed
+    int maskTop = 0, maskBottom = 0;  // these rows
 };
 
 }  // namespace Zvex

@@ -1,11 +1,99 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "effect/ZvText.h"
 
+#include <algorithm>
+#include <climits>
+#include <cstring>
+#include <memory>
+#include <new>
+#include <utility>
+
 #include "effect/Composite.h"
+#include "effect/LayerRows.h"
+#include "foundation/ZvLog.h"
 #include "raster/ZvBitmap.h"
 #include "raster/ZvBlender.h"
 
 namespace Zvex {
+
+namespace {
+
+constexpr char kTag[] = "Blender";
+
+// The text's colour within the glyphs. What the layers in front have drawn beside them (a gradient fills its
+// box, an inside stroke its surroundings) must not show in a single picture.
+class TextRows : public LayerRows {
+public:
+    TextRows(const ZvECore::ParamPostProcessing& param, uint32_t color)
+        : mask_(*param.mask),
+          covered_(0, 0, sizeOf(param.mask->width), sizeOf(param.mask->height)),
+          drawn_(0, 0, sizeOf(param.target->width), sizeOf(param.target->height)),
+          cuts_(param.layerMode != 1),
+          color_(color) {
+        if (param.drawnArea == nullptr || param.textRect == nullptr) return;
+        covered_ = common(covered_, *param.textRect);
+        drawn_ = common(drawn_, *param.drawnArea);
+    }
+
+    void draw(RowRange rows, const PictureStrip& target, const PictureStrip*) override {
+        if (cuts_) {
+            cutRows(rows, target);
+        } else {
+            fillRows(rows, target);
+        }
+    }
+    ZvRect reach() const override { return cuts_ ? drawn_ : covered_; }
+
+private:
+    static int sizeOf(uint32_t size) { return static_cast<int>(std::min<uint32_t>(size, INT_MAX)); }
+
+    static ZvRect common(const ZvRect& a, const ZvRect& b) {
+        const int left = std::max(a.left, b.left), top = std::max(a.top, b.top);
+        return ZvRect(left, top, std::max(left, std::min(a.right, b.right)),
+                      std::max(top, std::min(a.bottom, b.bottom)));
+    }
+
+    const uint8_t* coverageAt(int x, int y) const {
+        return mask_.pixels + static_cast<size_t>(y) * mask_.width + x;
+    }
+
+    void cutRows(RowRange rows, const PictureStrip& target) const {
+        const RowRange part = rows.within(0, drawn_.bottom);
+        const int begin = std::clamp(covered_.left, drawn_.left, drawn_.right);
+        const int end = std::clamp(covered_.right, begin, drawn_.right);
+        const auto clear = [](uint8_t* row, int from, int to) {
+            std::memset(row + ptrdiff_t{from} * 4, 0, static_cast<size_t>(to - from) * 4);
+        };
+        for (int y = std::max(part.begin, drawn_.top); y < part.end; ++y) {
+            uint8_t* row = target.pixels + static_cast<size_t>(y - target.top) * target.width * 4;
+            if (y < covered_.top || y >= covered_.bottom) {
+                clear(row, drawn_.left, drawn_.right);
+                continue;
+            }
+            clear(row, drawn_.left, begin);
+            cutRowToGlyphs(row + ptrdiff_t{begin} * 4, coverageAt(begin, y), static_cast<size_t>(end - begin),
+                           color_);
+            clear(row, end, drawn_.right);
+        }
+    }
+
+    void fillRows(RowRange rows, const PictureStrip& target) const {
+        const RowRange part = rows.within(covered_.top, covered_.bottom - covered_.top);
+        if (part.count() <= 0 || covered_.left >= covered_.right) return;
+        const int y = covered_.top + part.begin;
+        ZvBlender::blendDstOver8To32NSA(covered_.left, y - target.top, &target, coverageAt(covered_.left, y),
+                                        covered_.right - covered_.left, part.count(),
+                                        static_cast<int>(mask_.width), color_);
+    }
+
+    const ZvBitmap& mask_;
+    ZvRect covered_;  // outside of it is no coverage
+    ZvRect drawn_;    // outside of it the target is transparent, or none
+    bool cuts_;
+    uint32_t color_;
+};
+
+}  // namespace
 
 ZvText::ZvText() {
     style = ZV_EFFECT_TEXT;
@@ -18,20 +106,14 @@ ZvText::~ZvText() {
 int ZvText::doPostProcessing(ParamPostProcessing* param) {
     if (param == nullptr || property == nullptr || param->target == nullptr || param->mask == nullptr)
         return 0;
-    ZvBitmap* target = param->target;
+    const ZvBitmap* target = param->target;
     const ZvBitmap* mask = param->mask;
     if (target->pixels == nullptr || target->bytesPerPixel != 4 || mask->pixels == nullptr) return 0;
 
-    // What the layers in front have drawn beside the glyphs (a gradient fills its box, an inside stroke its
-    // surroundings) must not show in a single picture.
-    if (param->layerMode != 1) {
-        logTextBlend();
-        cutToGlyphs(target, mask, property->color, param->drawnArea);
-        return 0;
-    }
-    const int width = static_cast<int>(mask->width), height = static_cast<int>(mask->height);
-    ZvBlender::drawBitmapBlend8(0, 0, target, mask->pixels, width, height, width, property->color,
-                                ZVE_BLEND_DST_OVER_NSA);
+    // The line that the blender has for these blends: one for the text, in however many pieces it is drawn.
+    ZV_DEBUG_LOG(kTag,
+                 param->layerMode != 1 ? "Blender - ZVE_BLEND_OTHER" : "Blender - ZVE_BLEND_DST_OVER_NSA");
+    drawLayer(param, std::unique_ptr<LayerRows>(new (std::nothrow) TextRows(*param, property->color)));
     return 0;
 }
 

@@ -46,6 +46,12 @@ ZvBitmap::ZvBitmap(unsigned int width_, unsigned int height_, unsigned int bytes
     pixels = zeros(byteCount());
 }
 
+ZvBitmap::ZvBitmap(unsigned int width_, unsigned int height_, unsigned int bytesPerPixel_, Unset)
+    : width(width_), height(height_), format(bytesPerPixel_ == 4 ? 1 : 2), bytesPerPixel(bytesPerPixel_) {
+    const size_t count = byteCount();
+    if (count != 0) pixels = static_cast<uint8_t*>(std::malloc(count));
+}
+
 ZvBitmap::ZvBitmap(unsigned int width_, unsigned int height_, const unsigned char* data,
                    unsigned int bytesPerPixel_)
     : width(width_), height(height_), format(bytesPerPixel_ == 4 ? 1 : 2), bytesPerPixel(bytesPerPixel_) {

@@ -28,6 +28,10 @@ public:
     // Zero-filled.
     ZvBitmap(unsigned int width, unsigned int height, unsigned int bytesPerPixel);
 
+    // The pixels are whatever the memory holds: for a caller who writes them all.
+    enum class Unset { Pixels };
+    ZvBitmap(unsigned int width, unsigned int height, unsigned int bytesPerPixel, Unset);
+
     // Copies width * height * bytesPerPixel bytes of data, which stays the caller's. Null data gives zeros.
     ZvBitmap(unsigned int width, unsigned int height, const unsigned char* data, unsigned int bytesPerPixel);
 

@@ -14,6 +14,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <cstring>
 #include <memory>
 #include <new>
 #include <vector>
@@ -135,16 +136,20 @@ void ZvFontDrawing::ClearGlyphList() {
 }
 
 int ZvFontDrawing::DrawTextEffect(ZvTextObject* text, ZvBitmap* out) {
-    if (drawLayers(text, out, false)) text->GetEffect()->compositeLayers(out);
+    if (!drawLines(text, out, Drawing::InLayers)) return 0;
+    text->GetEffect()->doEffectPostProcessing();
+    text->GetEffect()->compositeLayers(out);
     return 0;
 }
 
 ZvRect ZvFontDrawing::DrawTextWords(ZvTextObject* text, ZvBitmap* out) {
-    if (!drawLayers(text, out, true)) return ZvRect();
-    return text->GetEffect()->compositeDst(PixelOrder::BlueFirst);
+    if (drawLines(text, out, Drawing::AsPicture))
+        return text->GetEffect()->drawPicture(PixelOrder::BlueFirst);
+    if (out != nullptr && out->pixels != nullptr) std::memset(out->pixels, 0, out->byteCount());
+    return ZvRect();
 }
 
-bool ZvFontDrawing::drawLayers(ZvTextObject* text, ZvBitmap* out, bool outIsClear) {
+bool ZvFontDrawing::drawLines(ZvTextObject* text, ZvBitmap* out, Drawing drawing) {
     const ZvString* string = text != nullptr ? text->GetText() : nullptr;
     if (string == nullptr) {
         __android_log_print(ANDROID_LOG_ERROR, kTag, "DrawTextEffect(%p) - text is NULL",
@@ -170,10 +175,10 @@ bool ZvFontDrawing::drawLayers(ZvTextObject* text, ZvBitmap* out, bool outIsClea
     std::vector<std::shared_ptr<minikin::FontFamily>> families;
     android::Paint paint = text->GetPaint();
     effect->addText(text->GetTextColor());
-    effect->initEffect(static_cast<int>(out->width), static_cast<int>(out->height));
-    if (outIsClear) {
-        effect->setClearDstBitmap(out);
+    if (drawing == Drawing::AsPicture) {
+        effect->initPicture(out);
     } else {
+        effect->initEffect(static_cast<int>(out->width), static_cast<int>(out->height));
         effect->setDstBitmap(out);
     }
 
@@ -234,8 +239,6 @@ bool ZvFontDrawing::drawLayers(ZvTextObject* text, ZvBitmap* out, bool outIsClea
         line->rect.right = wrapAdd(line->rect.left, truncateToInt(advance));
         line->rect.bottom = wrapAdd(line->rect.bottom, topOffset);
     }
-
-    effect->doEffectPostProcessing();
     return true;
 }
 

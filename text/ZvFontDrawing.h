@@ -38,8 +38,8 @@ public:
     // outside the text are cut to it. A line image that cannot be allocated leaves its line out.
     int DrawTextEffect(ZvTextObject* text, ZvBitmap* out);
 
-    // The same into a transparent `out`, which gets words 0xAARRGGBB. Returns the part of it outside which it
-    // is transparent still.
+    // The same into an `out` that may hold anything: all of it is written, transparent where nothing is
+    // drawn, the others as words 0xAARRGGBB. Returns a box outside which it is transparent.
     ZvRect DrawTextWords(ZvTextObject* text, ZvBitmap* out);
 
     // Hands the glyph images in `glyphs` (of ZvGlyph*) to `effect`, one beside the other from the pen
@@ -47,9 +47,10 @@ public:
     // the list when `direction` is negative.
     void _DoRender(int x, int y, List* glyphs, ZvEffect* effect, int direction);
 
-    // Lines merged into the mask of the text's effect stack and every layer drawn onto `out`: all but the
-    // composite, which false leaves out.
-    bool drawLayers(ZvTextObject* text, ZvBitmap* out, bool outIsClear);
+    // Begins a rendering of the text's effect stack onto `out`, with initEffect or, for drawPicture, with
+    // initPicture, and merges every line into its mask. False where nothing is to be drawn.
+    enum class Drawing { InLayers, AsPicture };
+    bool drawLines(ZvTextObject* text, ZvBitmap* out, Drawing drawing);
 
     ZvString* fontPath;  // owned; null until set
     List* glyphList;     // owned; of ZvGlyph*: records and pixels owned too

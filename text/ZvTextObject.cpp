@@ -105,6 +105,11 @@ void wrapColorBitmap(const ZvBitmap& bitmap, SkBitmap& out) {
     out.installPixels(straightColorInfo(bitmap), bitmap.pixels, size_t{bitmap.width} * bitmap.bytesPerPixel);
 }
 
+// The canvas draws nothing of pictures larger than that.
+bool canvasTakes(const ZvBitmap& picture) {
+    return picture.byteCount() <= INT32_MAX;
+}
+
 // The part of the picture that may be drawn to: all of it without the paddings, except that the text may run
 // into the padding on the side its gravity pulls it to.
 SkRect clipOf(const ZvView& view) {
@@ -360,7 +365,7 @@ uint32_t* ZvTextObject::RenderTextEffect(int width, int height) {
     }
     const unsigned int safeWidth = width > 0 ? static_cast<unsigned int>(width) : 0;
     const unsigned int safeHeight = height > 0 ? static_cast<unsigned int>(height) : 0;
-    if (!mImpl->clearResult(safeWidth, safeHeight)) return nullptr;
+    if (!mImpl->resizeResult(safeWidth, safeHeight)) return nullptr;
     if (mImpl->result->pixels != nullptr) {
         if (mImpl->drawsBackground()) {
             mImpl->renderOverBackground();
@@ -374,14 +379,11 @@ uint32_t* ZvTextObject::RenderTextEffect(int width, int height) {
     return reinterpret_cast<uint32_t*>(mImpl->result->pixels);
 }
 
-bool ZvTextObjectImpl::clearResult(unsigned int width, unsigned int height) {
+bool ZvTextObjectImpl::resizeResult(unsigned int width, unsigned int height) {
     // The pages of a large picture cost more than its pixels, so a picture of the same size is used again.
-    if (result != nullptr && result->pixels != nullptr && result->width == width &&
-        result->height == height) {
-        std::memset(result->pixels, 0, result->byteCount());
+    if (result != nullptr && result->pixels != nullptr && result->width == width && result->height == height)
         return true;
-    }
-    std::unique_ptr<ZvBitmap> fresh(new (std::nothrow) ZvBitmap(width, height, 4));
+    std::unique_ptr<ZvBitmap> fresh(new (std::nothrow) ZvBitmap(width, height, 4, ZvBitmap::Unset::Pixels));
     if (fresh == nullptr) return false;
     delete result;
     result = fresh.release();
@@ -390,13 +392,15 @@ bool ZvTextObjectImpl::clearResult(unsigned int width, unsigned int height) {
 
 bool ZvTextObjectImpl::drawsBackground() const {
     if (backgroundEnabled && lineInfo != nullptr && lineInfo->GetCount() > 0) return true;
-    return result->byteCount() > INT32_MAX;  // of which the canvas draws nothing
+    return !canvasTakes(*result);
 }
 
 void ZvTextObjectImpl::renderOverBackground() {
-    ZvBitmap effectImage(result->width, result->height, 4);
+    ZvBitmap effectImage(result->width, result->height, 4, ZvBitmap::Unset::Pixels);
+    const bool composed = effectImage.pixels != nullptr && canvasTakes(*result);
+    if (!composed) std::memset(result->pixels, 0, result->byteCount());
     if (effectImage.pixels == nullptr) return;
-    fontDrawing->DrawTextEffect(owner, &effectImage);
+    fontDrawing->DrawTextWords(owner, &effectImage);
     if (effect != nullptr) effect->setDstBitmap(nullptr);
     compose(effectImage, *result);
 }
@@ -422,7 +426,7 @@ void ZvTextObjectImpl::renderAlone() {
     }
 }
 
-void ZvTextObjectImpl::compose(ZvBitmap& effectImage, ZvBitmap& picture) const {
+void ZvTextObjectImpl::compose(const ZvBitmap& effectImage, ZvBitmap& picture) const {
     SkBitmap pictureBitmap;
     wrapColorBitmap(picture, pictureBitmap);
     SkCanvas canvas(pictureBitmap);
@@ -449,7 +453,6 @@ void ZvTextObjectImpl::compose(ZvBitmap& effectImage, ZvBitmap& picture) const {
     SkBitmap effectBitmap;
     wrapColorBitmap(effectImage, effectBitmap);
     ZvBlender::convertBGRAToARGB(&picture);
-    ZvBlender::convertBGRAToARGB(&effectImage);
     canvas.drawBitmap(effectBitmap, 0, 0);
 }
 

@@ -33,19 +33,19 @@ public:
     // Frees the line records and empties the list.
     void clearLineInfo();
 
-    // Makes `result` transparent and of that size. Its pixels are null where they could not be allocated;
-    // false, with the old picture in place, when not even its record could.
-    bool clearResult(unsigned int width, unsigned int height);
+    // Makes `result` of that size, its pixels unset. They are null where they could not be allocated; false,
+    // with the old picture in place, when not even its record could.
+    bool resizeResult(unsigned int width, unsigned int height);
 
     bool drawsBackground() const;
-    // Draw text, effects and background onto the transparent result, straight words 0xAARRGGBB. Without
-    // background nothing is put together, and no second picture needed.
+    // Draw text, effects and background onto all of the result, straight words 0xAARRGGBB. Without background
+    // nothing is put together, and no second picture needed.
     void renderOverBackground();
     void renderAlone();
 
-    // Clip, background and effects make the picture. Both images hold straight colour and have pixels;
-    // `effectImage` is used up.
-    void compose(ZvBitmap& effectImage, ZvBitmap& picture) const;
+    // Clip, background and effects make the picture, of whatever it held. `effectImage` holds straight words
+    // 0xAARRGGBB, and so does the picture then; both have pixels.
+    void compose(const ZvBitmap& effectImage, ZvBitmap& picture) const;
 
     ZvTextObject* owner;         // not owned
     ZvString* text;              // owned; null until a text is set

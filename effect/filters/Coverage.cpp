@@ -43,6 +43,10 @@ void WorkingArea::move(int dx, int dy) {
     y = clampToInt(int64_t{y} + dy);
 }
 
+ZvRect WorkingArea::rect() const {
+    return ZvRect(x, y, clampToInt(int64_t{x} + width), clampToInt(int64_t{y} + height));
+}
+
 ZvRect partWithin(const ZvBitmap& mask, const ZvRect& box) {
     return ZvRect(std::max(box.left, 0), std::max(box.top, 0),
                   static_cast<int>(std::min<int64_t>(box.right, mask.width)),

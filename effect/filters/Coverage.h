@@ -30,6 +30,9 @@ struct WorkingArea {
     // To the nearest position that ints hold; one that had to be held is beside any picture all the same.
     void move(int dx, int dy);
 
+    // Right and bottom are held to ints, too.
+    ZvRect rect() const;
+
     size_t pixels() const { return static_cast<size_t>(width) * static_cast<size_t>(height); }
     size_t row(int y_) const { return static_cast<size_t>(y_) * static_cast<size_t>(width); }
 };

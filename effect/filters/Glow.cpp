@@ -15,7 +15,11 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <memory>
+#include <new>
+#include <utility>
 
+#include "effect/LayerRows.h"
 #include "effect/filters/Buffer.h"
 #include "effect/filters/ColorTable.h"
 #include "effect/filters/Coverage.h"
@@ -86,21 +90,125 @@ bool widen(const Widening& w) {
 }
 
 // What a glow is made of, in pixels of its working area.
-struct GlowShape {
-    WorkingArea area;
-    int passes, radius;
-    int source;  // where the plane that the passes work on begins, on all sides: no pass leaves it
+class GlowRows : public LayerRows {
+public:
+    // False when nothing of it is seen or memory is short.
+    bool make(const ZvECore::ParamPostProcessing& param, const ZvGlowProperty& property, GlowSide side);
 
-    bool make(const ZvRect& box, int64_t reach) {
-        if (!area.grow(box, 2 * reach)) return false;
-        passes = std::max(truncateToInt(static_cast<double>(reach) * PASSES_OF_REACH), 1);
-        radius = truncateToInt(static_cast<float>(reach) * BLUR_OF_REACH);
-        source = area.margin - passes - 1;
-        return true;
-    }
-    int sourceWidth() const { return area.width - 2 * source; }
-    int sourceHeight() const { return area.height - 2 * source; }
+    void draw(RowRange rows, const PictureStrip& target, const PictureStrip* other) override;
+    ZvRect reach() const override;
+
+private:
+    bool placeWithin(const ZvBitmap& target);
+    bool widenCoverage(const ZvECore::ParamPostProcessing& param);
+    void fillColors(const ZvGlowProperty& property);
+    void blurBand(int y);
+
+    int sourceWidth() const { return area_.width - 2 * source_; }
+    int sourceHeight() const { return area_.height - 2 * source_; }
+    int count() const { return std::max(xEnd_ - xBegin_, 0); }
+
+    WorkingArea area_;
+    bool inside_ = false;
+    int passes_ = 0;
+    int source_ = 0;  // where the plane that the passes work on begins, on all sides: no pass leaves it
+    int left_ = 0, top_ = 0, right_ = 0, bottom_ = 0;    // the part of the area that is seen
+    int xBegin_ = 0, xEnd_ = 0, yBegin_ = 0, yEnd_ = 0;  // the part of that which is blurred, not border
+    Gaussian kernel_;
+    Blur blur_;
+    Buffer<uint8_t> widened_, blurred_;  // the plane; a band of rows
+    int stride_ = 0, bandRows_ = 0;      // of blurred_
+    int bandBegin_ = 0, bandEnd_ = 0;
+    Buffer<uint32_t> row_;                    // of what is seen, the border in place
+    uint32_t colors_[COLOR_TABLE_SIZE] = {};  // premultiplied, from none to the strongest
 };
+
+// The parts of the area on the target.
+bool GlowRows::placeWithin(const ZvBitmap& target) {
+    left_ = clampToInt(std::max<int64_t>(0, -int64_t{area_.x}));
+    top_ = clampToInt(std::max<int64_t>(0, -int64_t{area_.y}));
+    right_ = static_cast<int>(std::min<int64_t>(area_.width, int64_t{target.width} - area_.x));
+    bottom_ = static_cast<int>(std::min<int64_t>(area_.height, int64_t{target.height} - area_.y));
+    xBegin_ = std::max(left_, kernel_.radius);
+    xEnd_ = std::min(right_, area_.width - kernel_.radius);
+    yBegin_ = std::max(top_, kernel_.radius);
+    yEnd_ = std::min(bottom_, area_.height - kernel_.radius);
+    return left_ < right_ && top_ < bottom_;
+}
+
+bool GlowRows::make(const ZvECore::ParamPostProcessing& param, const ZvGlowProperty& property,
+                    GlowSide side) {
+    // From 1 on; a size beyond the ints makes an area that is refused.
+    const int64_t reach = int64_t{truncateToInt(property.size)} + 1;
+    if (!area_.grow(*param.textRect, 2 * reach)) return false;
+    inside_ = side == GlowSide::Inside;
+    passes_ = std::max(truncateToInt(static_cast<double>(reach) * PASSES_OF_REACH), 1);
+    source_ = area_.margin - passes_ - 1;
+    const int radius = truncateToInt(static_cast<float>(reach) * BLUR_OF_REACH);
+    if (!kernel_.make(radius, GAUSSIAN_SCALE, GaussianConstant::Single)) return false;
+    if (!placeWithin(*param.target)) return false;
+
+    stride_ = std::max(count(), sourceWidth());
+    bandRows_ = std::max(1, std::min(blurBandRows(kernel_), yEnd_ - yBegin_));
+    if (!blurred_.allocate(bandRows_, stride_) || !row_.allocate(right_ - left_) ||
+        !blur_.prepare(kernel_, stride_, bandRows_) || !widenCoverage(param))
+        return false;
+    fillColors(property);
+    std::fill_n(row_.get(), right_ - left_, inside_ ? BORDER_INSIDE : BORDER_OUTSIDE);
+    return true;
+}
+
+// The inner glow is that of the coverage's inverse. What 255 lacks of this is the coverage: next to nothing
+// is left of it after the passes, and what is empty costs nothing. Only where there is no blur do the
+// outermost columns count, which the passes make 0, and full in the inverse.
+bool GlowRows::widenCoverage(const ZvECore::ParamPostProcessing& param) {
+    const int width = sourceWidth(), height = sourceHeight();
+    if (!widened_.allocateZeroed(height, width)) return false;
+    const ptrdiff_t inset = ptrdiff_t{passes_} + 1;
+    copyCoverage(*param.mask, *param.textRect, widened_.get() + inset * width + inset, width);
+    const uint16_t edge = inside_ && source_ == 0 ? 255 : 0;
+    return widen({widened_.get(), width, width, height, passes_, inside_, edge});
+}
+
+void GlowRows::fillColors(const ZvGlowProperty& property) {
+    makeGlowTable(colors_, &property, FADE_START, ZV_CURVE_STRAIGHT);
+    for (uint32_t& color : colors_) color = premultiplied(color);
+    std::reverse(colors_, colors_ + COLOR_TABLE_SIZE);
+}
+
+ZvRect GlowRows::reach() const {
+    const int top = inside_ ? top_ : yBegin_, bottom = inside_ ? bottom_ : std::max(yBegin_, yEnd_);
+    return ZvRect(area_.x + left_, area_.y + top, area_.x + right_, area_.y + bottom);
+}
+
+// The band that begins with row y.
+void GlowRows::blurBand(int y) {
+    const int width = sourceWidth(), height = sourceHeight(), rows = std::min(bandRows_, yEnd_ - y);
+    blur_.columns({widened_.get(), width, source_ - y, source_ - y + height, blurred_.get(), stride_, width,
+                   rows, false, false});
+    blur_.rows({blurred_.get(), stride_, source_ - xBegin_, source_ - xBegin_ + width, blurred_.get(),
+                stride_, count(), rows, false, inside_});
+    bandBegin_ = y;
+    bandEnd_ = y + rows;
+}
+
+void GlowRows::draw(RowRange rows, const PictureStrip& target, const PictureStrip*) {
+    const RowRange part = rows.within(area_.y, bottom_);
+    for (int y = std::max(part.begin, top_); y < part.end; ++y) {
+        const bool blurred = y >= yBegin_ && y < yEnd_ && count() > 0;
+        if (!blurred && !inside_) continue;
+        uint32_t* row = row_.get();
+        if (blurred) {
+            if (y >= bandEnd_) blurBand(y);
+            const uint8_t* values = blurred_.get() + ptrdiff_t{y - bandBegin_} * stride_;
+            ZVEX_ON_TARGET(colorRow(row + (xBegin_ - left_), values, count(), colors_));
+        } else {
+            std::fill_n(row, right_ - left_, BORDER_INSIDE);
+        }
+        ZvBlender::drawBitmapBlend32(area_.x + left_, area_.y + y - target.top, &target, row, right_ - left_,
+                                     1, right_ - left_, ZVE_BLEND_DST_OVER);
+    }
+}
 
 }  // namespace
 
@@ -127,71 +235,8 @@ bool widenByBoxFilter(uint8_t* image, int passes, int width, int height) {
 void drawGlow(const ZvECore::ParamPostProcessing* param, const ZvGlowProperty* property, GlowSide side) {
     if (property == nullptr || !isDrawable(param)) return;
     if (!(property->size > -1.0f)) return;  // not-a-number too
-
-    // From 1 on; a size beyond the ints makes an area that is refused.
-    const int64_t reach = int64_t{truncateToInt(property->size)} + 1;
-    const ZvRect& box = *param->textRect;
-    GlowShape shape;
-    if (!shape.make(box, reach)) return;
-    const WorkingArea& area = shape.area;
-    const bool inside = side == GlowSide::Inside;
-    const int radius = shape.radius, width = shape.sourceWidth(), height = shape.sourceHeight();
-
-    // The part of the area that is seen.
-    const int left = clampToInt(std::max<int64_t>(0, -int64_t{area.x}));
-    const int top = clampToInt(std::max<int64_t>(0, -int64_t{area.y}));
-    const int right = static_cast<int>(std::min<int64_t>(area.width, int64_t{param->target->width} - area.x));
-    const int bottom =
-        static_cast<int>(std::min<int64_t>(area.height, int64_t{param->target->height} - area.y));
-    if (left >= right || top >= bottom) return;
-    // The part of that which is blurred; the rest is border.
-    const int xBegin = std::max(left, radius), xEnd = std::min(right, area.width - radius);
-    const int yBegin = std::max(top, radius), yEnd = std::min(bottom, area.height - radius);
-    const int count = std::max(xEnd - xBegin, 0), stride = std::max(count, width);
-
-    Gaussian kernel;
-    Blur blur;
-    Buffer<uint8_t> source, blurred;
-    Buffer<uint32_t> row;
-    if (!kernel.make(radius, GAUSSIAN_SCALE, GaussianConstant::Single)) return;
-    const int band = std::max(1, std::min(blurBandRows(kernel), yEnd - yBegin));
-    if (!source.allocateZeroed(height, width) || !blurred.allocate(band, stride) ||
-        !row.allocate(right - left) || !blur.prepare(kernel, stride, band))
-        return;
-
-    // The inner glow is that of the coverage's inverse. What 255 lacks of this is the coverage: next to
-    // nothing is left of it after the passes, and what is empty costs nothing. Only where there is no blur do
-    // the outermost columns count, which the passes make 0, and full in the inverse.
-    const ptrdiff_t inset = ptrdiff_t{shape.passes} + 1;
-    copyCoverage(*param->mask, box, source.get() + inset * width + inset, width);
-    const uint16_t edge = inside && shape.source == 0 ? 255 : 0;
-    if (!widen({source.get(), width, width, height, shape.passes, inside, edge})) return;
-
-    uint32_t colors[COLOR_TABLE_SIZE];
-    makeGlowTable(colors, property, FADE_START, ZV_CURVE_STRAIGHT);
-    for (uint32_t& color : colors) color = premultiplied(color);
-    std::reverse(colors, colors + COLOR_TABLE_SIZE);
-
-    const auto drawRow = [&](int y) {
-        ZvBlender::drawBitmapBlend32(area.x + left, area.y + y, param->target, row.get(), right - left, 1,
-                                     right - left, ZVE_BLEND_DST_OVER);
-    };
-    std::fill_n(row.get(), right - left, inside ? BORDER_INSIDE : BORDER_OUTSIDE);
-    for (int y = top; y < bottom && inside; ++y) {
-        if (count == 0 || y < yBegin || y >= yEnd) drawRow(y);
-    }
-    for (int y = yBegin; y < yEnd && count > 0; y += band) {
-        const int rows = std::min(band, yEnd - y);
-        blur.columns({source.get(), width, shape.source - y, shape.source - y + height, blurred.get(), stride,
-                      width, rows, false, false});
-        blur.rows({blurred.get(), stride, shape.source - xBegin, shape.source - xBegin + width, blurred.get(),
-                   stride, count, rows, false, inside});
-        for (int i = 0; i < rows; ++i) {
-            const uint8_t* values = blurred.get() + ptrdiff_t{i} * stride;
-            ZVEX_ON_TARGET(colorRow(row.get() + (xBegin - left), values, count, colors));
-            drawRow(y + i);
-        }
-    }
+    std::unique_ptr<GlowRows> rows(new (std::nothrow) GlowRows);
+    if (rows != nullptr && rows->make(*param, *property, side)) drawLayer(param, std::move(rows));
 }
 
 }  // namespace Zvex

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "effect/filters/Gradient.h"
 
+#include <algorithm>
+
 #include "raster/CpuTarget.h"
 #include "raster/ZvBitmap.h"
 #include "raster/ZvBlender.h"
@@ -17,45 +19,50 @@ constexpr float LEAST_SCALE = 0.1f;
 
 }  // namespace
 
-bool GradientFill::begin(const ZvECore::ParamPostProcessing* param, const ZvGradientFillProperty* property) {
-    if (property == nullptr || !isDrawable(param)) return false;
-    if (!(property->scale >= LEAST_SCALE) || property->stops == nullptr || property->count < 1) return false;
-    if (!area_.grow(*param->textRect, 0) || !row_.allocateZeroed(area_.width)) return false;
-    param_ = param;
-    fillColorTable(colors_, property->stops, property->count, property->stops[0].position, ZV_CURVE_STRAIGHT);
+bool GradientRows::isDrawable(const ZvECore::ParamPostProcessing* param,
+                              const ZvGradientFillProperty* property) {
+    if (property == nullptr || !Zvex::isDrawable(param)) return false;
+    return property->scale >= LEAST_SCALE && property->stops != nullptr && property->count >= 1;
+}
+
+bool GradientRows::make(const ZvECore::ParamPostProcessing& param, const ZvGradientFillProperty& property) {
+    mask_ = param.mask;
+    part_ = partWithin(*mask_, *param.textRect);
+    if (part_.left >= part_.right || part_.top >= part_.bottom) return false;
+    if (!area_.grow(*param.textRect, 0) || !row_.allocate(part_.right - part_.left)) return false;
+    fillColorTable(colors_, property.stops, property.count, property.stops[0].position, ZV_CURVE_STRAIGHT);
     for (uint32_t& color : colors_) color = premultiplied(color);
     return true;
 }
 
+void GradientRows::setLinear(float down, float right) {
+    radial_ = false;
+    down_ = down;
+    right_ = right;
+}
+
+void GradientRows::setRadial(float entriesOfPixel) {
+    radial_ = true;
+    right_ = entriesOfPixel;
+}
+
 // A row at a time, so that it is still in the cache when it is blended.
-template <typename FillRow>
-void GradientFill::drawRows(FillRow fillRow) {
-    const ZvRect& box = *param_->textRect;
-    const ZvRect part = partWithin(*param_->mask, box);
-    if (part.left >= part.right) return;
-    const int first = part.left - box.left, count = part.right - part.left;
-    for (int y = part.top; y < part.bottom; ++y) {
-        const uint8_t* coverage =
-            param_->mask->pixels + static_cast<size_t>(y) * param_->mask->width + part.left;
-        const float dy = static_cast<float>(y - box.top) - height() * 0.5f;
-        fillRow(row_.get() + first, coverage, count, first, dy);
-        ZvBlender::drawBitmapBlend32(area_.x, y, param_->target, row_.get(), area_.width, 1, area_.width,
+void GradientRows::draw(RowRange rows, const PictureStrip& target, const PictureStrip*) {
+    const RowRange visible = rows.within(0, part_.bottom);
+    const int first = part_.left - area_.x, count = part_.right - part_.left;
+    const float halfWidth = width() * 0.5f;
+    uint32_t* words = row_.get();
+    for (int y = std::max(visible.begin, part_.top); y < visible.end; ++y) {
+        const uint8_t* coverage = mask_->pixels + static_cast<size_t>(y) * mask_->width + part_.left;
+        const float dy = static_cast<float>(y - area_.y) - height() * 0.5f;
+        if (radial_) {
+            ZVEX_ON_TARGET(radialRow(words, coverage, count, colors_, first, halfWidth, dy, right_));
+        } else {
+            ZVEX_ON_TARGET(linearRow(words, coverage, count, colors_, first, halfWidth, dy, down_, right_));
+        }
+        ZvBlender::drawBitmapBlend32(part_.left, y - target.top, &target, words, count, 1, count,
                                      ZVE_BLEND_DST_OVER);
     }
-}
-
-void GradientFill::drawLinear(float down, float right) {
-    const float halfWidth = width() * 0.5f;
-    drawRows([&](uint32_t* words, const uint8_t* coverage, int count, int first, float dy) {
-        ZVEX_ON_TARGET(linearRow(words, coverage, count, colors_, first, halfWidth, dy, down, right));
-    });
-}
-
-void GradientFill::drawRadial(float entriesOfPixel) {
-    const float halfWidth = width() * 0.5f;
-    drawRows([&](uint32_t* words, const uint8_t* coverage, int count, int first, float dy) {
-        ZVEX_ON_TARGET(radialRow(words, coverage, count, colors_, first, halfWidth, dy, entriesOfPixel));
-    });
 }
 
 }  // namespace Zvex

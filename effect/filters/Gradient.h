@@ -4,6 +4,7 @@
 
 #include <cstdint>
 
+#include "effect/LayerRows.h"
 #include "effect/ZvECore.h"
 #include "effect/ZvProperty.h"
 #include "effect/filters/Buffer.h"
@@ -15,31 +16,36 @@ namespace Zvex {
 // What the gradient fills share: the covered pixels of the text box take colours of a table by where they
 // lie. The coverage is a yes or no here: edge pixels get the whole colour, and what comes after the fill (the
 // text layer, or the joining of the two layers) scales them.
-class GradientFill {
+class GradientRows : public LayerRows {
 public:
-    // False when there is nothing to draw: parts of the record or the stops are missing, the scale is below
-    // 0.1, or memory is short.
-    bool begin(const ZvECore::ParamPostProcessing* param, const ZvGradientFillProperty* property);
+    // Whether the settings and the bitmaps are there to draw; the scale must be 0.1 or more.
+    static bool isDrawable(const ZvECore::ParamPostProcessing* param, const ZvGradientFillProperty* property);
+
+    // False when memory is short. The stops are needed no longer.
+    bool make(const ZvECore::ParamPostProcessing& param, const ZvGradientFillProperty& property);
 
     // Sides of the text box in pixels.
     float width() const { return static_cast<float>(area_.width); }
     float height() const { return static_cast<float>(area_.height); }
 
-    // Draw onto the target, destination-over. A pixel whose top-left lies at (dx, dy) from the middle of the
-    // box takes the table entry, its fraction cut off, down * dy + right * dx beyond the middle one, or
-    // entriesOfPixel times the distance. Pixels beyond the ends of the table take its first entry or the one
-    // before its last, which is never drawn. Single precision.
-    void drawLinear(float down, float right);
-    void drawRadial(float entriesOfPixel);
+    // The fill: a pixel whose top-left lies at (dx, dy) from the middle of the box takes the table entry, its
+    // fraction cut off, down * dy + right * dx beyond the middle one, or entriesOfPixel times the distance.
+    // Pixels beyond the ends of the table take its first entry or the one before its last, which is never
+    // drawn. Single precision.
+    void setLinear(float down, float right);
+    void setRadial(float entriesOfPixel);
+
+    void draw(RowRange rows, const PictureStrip& target, const PictureStrip* other) override;
+    ZvRect reach() const override { return part_; }
 
 private:
-    template <typename FillRow>
-    void drawRows(FillRow fillRow);
-
-    const ZvECore::ParamPostProcessing* param_ = nullptr;
+    WorkingArea area_;  // the text box
+    ZvRect part_;       // of it, on the mask
+    const ZvBitmap* mask_ = nullptr;
     uint32_t colors_[COLOR_TABLE_SIZE] = {};  // premultiplied
-    WorkingArea area_;                        // the text box
-    Buffer<uint32_t> row_;                    // of the box, premultiplied, 0 where nothing is covered
+    Buffer<uint32_t> row_;                    // of that part, premultiplied, 0 where nothing is covered
+    bool radial_ = false;
+    float down_ = 0, right_ = 0;  // the radial fill has its entries in `right_`
 };
 
 }  // namespace Zvex

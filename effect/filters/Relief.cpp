@@ -8,6 +8,7 @@
 #include "effect/filters/Distance.h"
 #include "effect/filters/Gaussian.h"
 #include "raster/CpuTarget.h"
+#include "raster/ZvBlender.h"
 
 namespace Zvex {
 
@@ -167,8 +168,42 @@ void ReliefColors::row(uint32_t* pixels, const uint8_t* highlightLights, const u
     ZVEX_ON_TARGET(colorRow(pixels, highlightLights, shadowLights, count, gain, highlight, shadow));
 }
 
-void underlayRow(uint32_t* pixels, const uint32_t* behind, const uint8_t* coverage, int count) {
-    ZVEX_ON_TARGET(underlayRow(pixels, behind, coverage, count));
+ReliefRows::ReliefRows(const WorkingArea& area, ReliefPlanes planes, const ReliefColors& colors,
+                       int blendMode, bool onBoth)
+    : area_(area), planes_(std::move(planes)), colors_(colors), blendMode_(blendMode), onBoth_(onBoth) {}
+
+void ReliefRows::putBehind(ReliefPlanes planes, const ZvBitmap& mask) {
+    behind_ = std::move(planes);
+    mask_ = &mask;
+}
+
+bool ReliefRows::allocate() {
+    return row_.allocate(area_.width) && rowBehind_.allocate(area_.width) &&
+           coverage_.allocateZeroed(area_.width);
+}
+
+void ReliefRows::colorRow(int y) {
+    const size_t at = area_.row(y);
+    const int width = area_.width, margin = area_.margin;
+    colors_.row(row_.get(), planes_.highlight.get() + at, planes_.shadow.get() + at, width);
+    if (mask_ == nullptr) return;
+    colors_.row(rowBehind_.get(), behind_.highlight.get() + at, behind_.shadow.get() + at, width);
+    const ZvRect box(area_.x + margin, area_.y + y, area_.x + width - margin, area_.y + y + 1);
+    std::memset(coverage_.get(), 0, static_cast<size_t>(width));
+    if (y >= margin && y < area_.height - margin) copyCoverage(*mask_, box, coverage_.get() + margin, width);
+    ZVEX_ON_TARGET(underlayRow(row_.get(), rowBehind_.get(), coverage_.get(), width));
+}
+
+void ReliefRows::draw(RowRange rows, const PictureStrip& target, const PictureStrip* other) {
+    const RowRange part = rows.within(area_.y, area_.height);
+    for (int y = part.begin; y < part.end; ++y) {
+        colorRow(y);
+        for (const PictureStrip* picture : {&target, onBoth_ ? other : nullptr}) {
+            if (picture == nullptr) continue;
+            ZvBlender::drawBitmapBlend32(area_.x, area_.y + y - picture->top, picture, row_.get(),
+                                         area_.width, 1, area_.width, blendMode_);
+        }
+    }
 }
 
 }  // namespace Zvex

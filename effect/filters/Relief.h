@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "effect/LayerRows.h"
 #include "effect/Numbers.h"
 #include "effect/ZvProperty.h"
 #include "effect/filters/Buffer.h"
@@ -150,8 +151,33 @@ struct ReliefColors {
     void row(uint32_t* pixels, const uint8_t* highlightLights, const uint8_t* shadowLights, int count) const;
 };
 
-// Puts a row of premultiplied pixels, each scaled by 255 less a coverage, behind those that are there.
-void underlayRow(uint32_t* pixels, const uint32_t* behind, const uint8_t* coverage, int count);
+// The coloured relief, from lights that stay in their planes.
+class ReliefRows : public LayerRows {
+public:
+    ReliefRows(const WorkingArea& area, ReliefPlanes planes, const ReliefColors& colors, int blendMode,
+               bool onBoth);
+
+    // A second relief behind the first one, fading out where the glyphs are.
+    void putBehind(ReliefPlanes planes, const ZvBitmap& mask);
+
+    // False when memory is short.
+    bool allocate();
+
+    void draw(RowRange rows, const PictureStrip& target, const PictureStrip* other) override;
+    ZvRect reach() const override { return area_.rect(); }
+
+private:
+    void colorRow(int y);
+
+    WorkingArea area_;
+    ReliefPlanes planes_, behind_;
+    const ZvBitmap* mask_ = nullptr;  // null without a second relief
+    ReliefColors colors_;
+    int blendMode_;
+    bool onBoth_;  // pictures, if there are two
+    Buffer<uint32_t> row_, rowBehind_;
+    Buffer<uint8_t> coverage_;
+};
 
 // The record built anew, so that its own limits hold again.
 template <typename Property>

@@ -10,6 +10,9 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <memory>
+#include <new>
+#include <utility>
 
 #include "effect/filters/Distance.h"
 #include "raster/ZvBlender.h"
@@ -109,14 +112,12 @@ int ZvBevel::doPostProcessing(ParamPostProcessing* param) {
     if (widths.soft && !planes.blur(scratch, area, static_cast<int>(widths.blur))) return 0;
     if (property->soften >= 1 && !planes.blur(scratch, area, property->soften)) return 0;
 
-    Buffer<uint32_t> picture;
-    if (!picture.allocate(area.height, area.width)) return 0;
     const ReliefColors colors = {widths.soft ? SOFT_GAIN : 1.0f, property->highlightColor,
                                  property->shadowColor};
-    colors.row(picture.get(), planes.highlight.get(), planes.shadow.get(), static_cast<int>(area.pixels()));
     const int mode = param->layerMode == 1 ? ZVE_BLEND_SRC_OVER : ZVE_BLEND_DST_OVER;
-    ZvBlender::drawBitmapBlend32(area.x, area.y, param->target, picture.get(), area.width, area.height,
-                                 area.width, mode);
+    std::unique_ptr<ReliefRows> rows(new (std::nothrow)
+                                         ReliefRows(area, std::move(planes), colors, mode, false));
+    if (rows != nullptr && rows->allocate()) drawLayer(param, std::move(rows));
     return 0;
 }
 

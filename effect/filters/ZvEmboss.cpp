@@ -13,6 +13,9 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <memory>
+#include <new>
+#include <utility>
 
 #include "effect/filters/Distance.h"
 #include "raster/ZvBlender.h"
@@ -107,25 +110,6 @@ void lightSlopes(ReliefPlanes* planes, int count, const Depths& depths, const Zv
     }
 }
 
-// Slides the second relief behind the first one, fading out where the glyphs are. False when memory is short.
-bool addSecondRelief(uint32_t* picture, const ReliefPlanes& second, const ReliefColors& colors,
-                     const WorkingArea& area, const ZvBitmap& mask) {
-    Buffer<uint32_t> behind;
-    Buffer<uint8_t> coverage;
-    if (!behind.allocate(area.width) || !coverage.allocateZeroed(area.width)) return false;
-    for (int y = 0; y < area.height; ++y) {
-        const bool inRows = y >= area.margin && y < area.height - area.margin;
-        for (int x = area.margin; x < area.width - area.margin; ++x) {
-            coverage[static_cast<size_t>(x)] =
-                inRows ? coverageAt(mask, int64_t{area.x} + x, int64_t{area.y} + y) : 0;
-        }
-        const size_t at = area.row(y);
-        colors.row(behind.get(), second.highlight.get() + at, second.shadow.get() + at, area.width);
-        underlayRow(picture + at, behind.get(), coverage.get(), area.width);
-    }
-    return true;
-}
-
 // The rows of a job, on one of its planes.
 void lightRows(const ZvEmboss::LightJob& p, LitSide side, const float* plane, int limit) {
     const ReliefLight light = {p.lightX, p.lightY, p.lightZ, p.normalZ};
@@ -171,19 +155,15 @@ int ZvEmboss::doPostProcessing(ParamPostProcessing* param) {
         if (property->soften >= 1 && !planes[i].blur(scratch, area, property->soften)) return 0;
     }
 
-    Buffer<uint32_t> picture;
-    if (!picture.allocate(area.height, area.width)) return 0;
     const ReliefColors colors = {widths.soft ? SOFT_GAIN : 1.0f, property->highlightColor,
                                  property->shadowColor};
-    colors.row(picture.get(), planes[0].highlight.get(), planes[0].shadow.get(),
-               static_cast<int>(area.pixels()));
-    if (count == 2 && !addSecondRelief(picture.get(), planes[1], colors, area, *param->mask)) return 0;
     // The other way round than the bevel.
     const int mode = param->layerMode == 1 ? ZVE_BLEND_DST_OVER : ZVE_BLEND_SRC_OVER;
-    for (ZvBitmap* target : {param->target, param->otherLayer}) {
-        ZvBlender::drawBitmapBlend32(area.x, area.y, target, picture.get(), area.width, area.height,
-                                     area.width, mode);
-    }
+    std::unique_ptr<ReliefRows> rows(new (std::nothrow)
+                                         ReliefRows(area, std::move(planes[0]), colors, mode, true));
+    if (rows == nullptr) return 0;
+    if (count == 2) rows->putBehind(std::move(planes[1]), *param->mask);
+    if (rows->allocate()) drawLayer(param, std::move(rows));
     return 0;
 }
 

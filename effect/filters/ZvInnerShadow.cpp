@@ -9,7 +9,11 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <memory>
+#include <new>
+#include <utility>
 
+#include "effect/LayerRows.h"
 #include "effect/Numbers.h"
 #include "effect/filters/Buffer.h"
 #include "effect/filters/Coverage.h"
@@ -86,6 +90,27 @@ bool cutOut(uint8_t* shadow, const WorkingArea& area, ShadowShift shift, int rad
     return true;
 }
 
+// The shadow in one colour.
+class PlaneRows : public LayerRows {
+public:
+    PlaneRows(const WorkingArea& area, Buffer<uint8_t> plane, uint32_t color)
+        : area_(area), plane_(std::move(plane)), color_(color) {}
+
+    void draw(RowRange rows, const PictureStrip& target, const PictureStrip*) override {
+        const RowRange part = rows.within(area_.y, area_.height);
+        if (part.count() <= 0) return;
+        ZvBlender::drawBitmapBlend8(area_.x, area_.y + part.begin - target.top, &target,
+                                    plane_.get() + area_.row(part.begin), area_.width, part.count(),
+                                    area_.width, color_, ZVE_BLEND_DST_OVER);
+    }
+    ZvRect reach() const override { return area_.rect(); }
+
+private:
+    WorkingArea area_;
+    Buffer<uint8_t> plane_;
+    uint32_t color_;
+};
+
 }  // namespace
 
 ZvInnerShadow::ZvInnerShadow() {
@@ -107,8 +132,8 @@ int ZvInnerShadow::doPostProcessing(ParamPostProcessing* param) {
     if (isNear(area.width, shift.x, radius) && isNear(area.height, shift.y, radius) &&
         !cutOut(shadow.get(), area, shift, radius))
         return 0;
-    ZvBlender::drawBitmapBlend8(area.x, area.y, param->target, shadow.get(), area.width, area.height,
-                                area.width, property->color, ZVE_BLEND_DST_OVER);
+    drawLayer(param, std::unique_ptr<LayerRows>(new (std::nothrow)
+                                                    PlaneRows(area, std::move(shadow), property->color)));
     return 0;
 }
 

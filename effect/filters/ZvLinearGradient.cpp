@@ -5,6 +5,9 @@
 #include "effect/filters/ZvLinearGradient.h"
 
 #include <cmath>
+#include <memory>
+#include <new>
+#include <utility>
 
 #include "effect/filters/Gradient.h"
 
@@ -28,17 +31,19 @@ ZvLinearGradient::~ZvLinearGradient() {
 }
 
 int ZvLinearGradient::doPostProcessing(ParamPostProcessing* param) {
-    GradientFill fill;
-    if (!fill.begin(param, property)) return 0;
+    if (!GradientRows::isDrawable(param, property)) return 0;
+    std::unique_ptr<GradientRows> fill(new (std::nothrow) GradientRows);
+    if (fill == nullptr || !fill->make(*param, *property)) return 0;
 
     const float angle = property->angle * RADIANS_OF_DEGREE;
     const float sine = std::sin(angle), cosine = std::cos(angle);
     // The line ends at the sides of the box that it crosses first, left and right or top and bottom.
-    const bool spansWidth = std::abs(std::tan(angle)) < fill.height() / fill.width();
-    const float length = spansWidth ? fill.width() / std::abs(cosine) : fill.height() / std::abs(sine);
+    const bool spansWidth = std::abs(std::tan(angle)) < fill->height() / fill->width();
+    const float length = spansWidth ? fill->width() / std::abs(cosine) : fill->height() / std::abs(sine);
     const float entriesOfPixel = ENTRIES / property->scale / length;
     const float down = sine * entriesOfPixel, right = cosine * entriesOfPixel;
-    fill.drawLinear(down, right);
+    fill->setLinear(down, right);
+    drawLayer(param, std::move(fill));
     return 0;
 }
 

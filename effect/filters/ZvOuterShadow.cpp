@@ -12,7 +12,11 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <memory>
+#include <new>
+#include <utility>
 
+#include "effect/LayerRows.h"
 #include "effect/Numbers.h"
 #include "effect/filters/Buffer.h"
 #include "effect/filters/Coverage.h"
@@ -32,6 +36,87 @@ int marginOf(const ZvOuterShadowProperty* property, int64_t shift, bool towards)
     return clampToInt(towards ? length + reach : std::max<int64_t>(reach - length, 0));
 }
 
+class ShadowRows : public LayerRows {
+public:
+    // False when nothing of it is seen or memory is short.
+    bool make(const ZvECore::ParamPostProcessing& param, const ZvOuterShadowProperty& property,
+              ShadowShift shift);
+
+    void draw(RowRange rows, const PictureStrip& target, const PictureStrip* other) override;
+    ZvRect reach() const override { return seen_; }
+
+private:
+    void blurBand(int y);
+
+    ZvRect seen_;  // what is on the target of it
+    const ZvBitmap* mask_ = nullptr;
+    ZvRect part_;                    // of the mask, that it is the shadow of
+    int sourceX_ = 0, sourceY_ = 0;  // place of that part, counted from what is seen
+    Gaussian kernel_;
+    Blur blur_;
+    Buffer<uint8_t> shadow_;  // the rows of the band
+    int stride_ = 0, bandRows_ = 0;
+    int bandBegin_ = 0, bandEnd_ = 0;  // rows of what is seen
+    uint32_t color_ = 0;
+};
+
+bool ShadowRows::make(const ZvECore::ParamPostProcessing& param, const ZvOuterShadowProperty& property,
+                      ShadowShift shift) {
+    // The half is a double here and a float in the margins: 0.49999997 blurs by 0 with a margin of 1.
+    const int radius = std::max(truncateToInt(property.size + 0.5), 0);
+    WorkingArea area;
+    if (!area.grow(*param.textRect, 2 * int64_t{radius})) return false;
+    area.move(shift.x, shift.y);
+    color_ = property.color;
+    mask_ = param.mask;
+
+    // Only what is seen is blurred: a radius far beyond the picture costs no more than its pixels. In pixels
+    // of the area.
+    part_ = partWithin(*param.mask, *param.textRect);
+    const int64_t left = std::max<int64_t>(radius, -int64_t{area.x}),
+                  top = std::max<int64_t>(radius, -int64_t{area.y});
+    const int64_t right = std::min<int64_t>(area.width - radius, int64_t{param.target->width} - area.x);
+    const int64_t bottom = std::min<int64_t>(area.height - radius, int64_t{param.target->height} - area.y);
+    if (left >= right || top >= bottom || part_.left >= part_.right || part_.top >= part_.bottom)
+        return false;
+    seen_ = ZvRect(static_cast<int>(area.x + left), static_cast<int>(area.y + top),
+                   static_cast<int>(area.x + right), static_cast<int>(area.y + bottom));
+    sourceX_ = static_cast<int>(part_.left - int64_t{param.textRect->left} + area.margin - left);
+    sourceY_ = static_cast<int>(part_.top - int64_t{param.textRect->top} + area.margin - top);
+
+    const int width = static_cast<int>(right - left), height = static_cast<int>(bottom - top);
+    stride_ = std::max(width, part_.right - part_.left);
+    if (!kernel_.make(radius, SHADOW_WEIGHT, GaussianConstant::Single)) return false;
+    bandRows_ = std::min(blurBandRows(kernel_), height);
+    return blur_.prepare(kernel_, stride_, bandRows_) && shadow_.allocate(bandRows_, stride_);
+}
+
+// The band that begins with row y of what is seen.
+void ShadowRows::blurBand(int y) {
+    const int width = seen_.right - seen_.left, height = seen_.bottom - seen_.top;
+    const int partWidth = part_.right - part_.left, partHeight = part_.bottom - part_.top;
+    const uint8_t* coverage = mask_->pixels + static_cast<size_t>(part_.top) * mask_->width + part_.left;
+    const int rows = std::min(bandRows_, height - y);
+    blur_.columns({coverage, mask_->width, sourceY_ - y, sourceY_ - y + partHeight, shadow_.get(), stride_,
+                   partWidth, rows, false, false});
+    blur_.rows({shadow_.get(), stride_, sourceX_, sourceX_ + partWidth, shadow_.get(), stride_, width, rows,
+                false, false});
+    bandBegin_ = y;
+    bandEnd_ = y + rows;
+}
+
+void ShadowRows::draw(RowRange rows, const PictureStrip& target, const PictureStrip*) {
+    const RowRange part = rows.within(seen_.top, seen_.bottom - seen_.top);
+    for (int y = part.begin; y < part.end;) {
+        if (y >= bandEnd_) blurBand(y);
+        const int count = std::min(part.end, bandEnd_) - y;
+        ZvBlender::drawBitmapBlend8(seen_.left, seen_.top + y - target.top, &target,
+                                    shadow_.get() + ptrdiff_t{y - bandBegin_} * stride_,
+                                    seen_.right - seen_.left, count, stride_, color_, ZVE_BLEND_DST_OVER);
+        y += count;
+    }
+}
+
 }  // namespace
 
 ZvOuterShadow::ZvOuterShadow() {
@@ -44,46 +129,8 @@ ZvOuterShadow::~ZvOuterShadow() {
 
 int ZvOuterShadow::doPostProcessing(ParamPostProcessing* param) {
     if (property == nullptr || !isDrawable(param)) return 0;
-    // The half is a double here and a float in the margins: 0.49999997 blurs by 0 with a margin of 1.
-    const int radius = std::max(truncateToInt(property->size + 0.5), 0);
-    WorkingArea area;
-    if (!area.grow(*param->textRect, 2 * int64_t{radius})) return 0;
-    area.move(dx, dy);
-
-    // Only what is seen is blurred: a radius far beyond the picture costs no more than its pixels. In pixels
-    // of the area.
-    const ZvRect part = partWithin(*param->mask, *param->textRect);
-    const int64_t left = std::max<int64_t>(radius, -int64_t{area.x}),
-                  top = std::max<int64_t>(radius, -int64_t{area.y});
-    const int64_t right = std::min<int64_t>(area.width - radius, int64_t{param->target->width} - area.x);
-    const int64_t bottom = std::min<int64_t>(area.height - radius, int64_t{param->target->height} - area.y);
-    if (left >= right || top >= bottom || part.left >= part.right || part.top >= part.bottom) return 0;
-
-    // Where the mask begins, of what is seen.
-    const int sourceLeft = static_cast<int>(part.left - int64_t{param->textRect->left} + area.margin - left);
-    const int sourceTop = static_cast<int>(part.top - int64_t{param->textRect->top} + area.margin - top);
-    const int partWidth = part.right - part.left, partHeight = part.bottom - part.top;
-    const int width = static_cast<int>(right - left), height = static_cast<int>(bottom - top);
-    const uint8_t* coverage =
-        param->mask->pixels + static_cast<size_t>(part.top) * param->mask->width + part.left;
-
-    Gaussian kernel;
-    Blur blur;
-    Buffer<uint8_t> shadow;
-    const int stride = std::max(width, partWidth);
-    if (!kernel.make(radius, SHADOW_WEIGHT, GaussianConstant::Single)) return 0;
-    const int band = std::min(blurBandRows(kernel), height);
-    if (!blur.prepare(kernel, stride, band) || !shadow.allocate(band, stride)) return 0;
-    for (int y = 0; y < height; y += band) {
-        const int rows = std::min(band, height - y);
-        blur.columns({coverage, param->mask->width, sourceTop - y, sourceTop - y + partHeight, shadow.get(),
-                      stride, partWidth, rows, false, false});
-        blur.rows({shadow.get(), stride, sourceLeft, sourceLeft + partWidth, shadow.get(), stride, width,
-                   rows, false, false});
-        ZvBlender::drawBitmapBlend8(static_cast<int>(area.x + left), static_cast<int>(area.y + top + y),
-                                    param->target, shadow.get(), width, rows, stride, property->color,
-                                    ZVE_BLEND_DST_OVER);
-    }
+    std::unique_ptr<ShadowRows> rows(new (std::nothrow) ShadowRows);
+    if (rows != nullptr && rows->make(*param, *property, {dx, dy})) drawLayer(param, std::move(rows));
     return 0;
 }
 

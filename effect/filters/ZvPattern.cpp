@@ -6,7 +6,9 @@
 #include <cstdint>
 #include <memory>
 #include <new>
+#include <utility>
 
+#include "effect/LayerRows.h"
 #include "effect/filters/Buffer.h"
 #include "effect/filters/Coverage.h"
 #include "effect/filters/PatternTile.h"
@@ -23,6 +25,43 @@ void deleteWithBitmap(ZvPatternProperty* property) {
     delete property;
 }
 
+// The tiled box, a row at a time.
+class PatternRows : public LayerRows {
+public:
+    // False when nothing of it is covered or memory is short.
+    bool make(const ZvECore::ParamPostProcessing& param, const ZvPatternProperty& property) {
+        mask_ = param.mask;
+        WorkingArea area;
+        if (!area.grow(*param.textRect, 0)) return false;
+        box_ = ZvRect(area.x, area.y, clampToInt(area.x + std::min<int64_t>(area.width, mask_->width)),
+                      clampToInt(area.y + std::min<int64_t>(area.height, mask_->height)));
+        part_ = partWithin(*mask_, box_);
+        if (part_.left >= part_.right || part_.top >= part_.bottom) return false;
+        return row_.allocate(part_.right - part_.left) &&
+               tile_.make(*property.bitmap, property.scale, property.opacity, box_.right - box_.left,
+                          box_.bottom - box_.top);
+    }
+
+    void draw(RowRange rows, const PictureStrip& target, const PictureStrip*) override {
+        const RowRange visible = rows.within(part_.top, part_.bottom - part_.top);
+        const int count = part_.right - part_.left;
+        for (int y = part_.top + visible.begin; y < part_.top + visible.end; ++y) {
+            const uint8_t* coverage = mask_->pixels + static_cast<size_t>(y) * mask_->width + part_.left;
+            tile_.row(row_.get(), coverage, part_.left - box_.left, count, y - box_.top);
+            ZvBlender::drawBitmapBlend32(part_.left, y - target.top, &target, row_.get(), count, 1, count,
+                                         ZVE_BLEND_DST_OVER);
+        }
+    }
+    ZvRect reach() const override { return part_; }
+
+private:
+    const ZvBitmap* mask_ = nullptr;
+    ZvRect box_;   // of the tiles
+    ZvRect part_;  // of it, on the mask
+    PatternTile tile_;
+    Buffer<uint32_t> row_;
+};
+
 }  // namespace
 
 ZvPattern::ZvPattern() {
@@ -36,27 +75,8 @@ ZvPattern::~ZvPattern() {
 int ZvPattern::doPostProcessing(ParamPostProcessing* param) {
     if (property == nullptr || !PatternTile::isUsable(property->bitmap, property->scale)) return 0;
     if (!isDrawable(param)) return 0;
-    WorkingArea area;
-    if (!area.grow(*param->textRect, 0)) return 0;
-    const ZvBitmap& mask = *param->mask;
-    const ZvRect box(area.x, area.y, clampToInt(area.x + std::min<int64_t>(area.width, mask.width)),
-                     clampToInt(area.y + std::min<int64_t>(area.height, mask.height)));
-    const ZvRect part = partWithin(mask, box);
-    if (part.left >= part.right) return 0;
-    const int first = part.left - box.left, count = part.right - part.left;
-    PatternTile tile;
-    Buffer<uint32_t> row;
-    if (!row.allocate(count) || !tile.make(*property->bitmap, property->scale, property->opacity,
-                                           box.right - box.left, box.bottom - box.top))
-        return 0;
-
-    // A row at a time, so that it is still in the cache when it is blended.
-    for (int y = part.top; y < part.bottom; ++y) {
-        const uint8_t* coverage = mask.pixels + static_cast<size_t>(y) * mask.width + part.left;
-        tile.row(row.get(), coverage, first, count, y - box.top);
-        ZvBlender::drawBitmapBlend32(part.left, y, param->target, row.get(), count, 1, count,
-                                     ZVE_BLEND_DST_OVER);
-    }
+    std::unique_ptr<PatternRows> rows(new (std::nothrow) PatternRows);
+    if (rows != nullptr && rows->make(*param, *property)) drawLayer(param, std::move(rows));
     return 0;
 }
 

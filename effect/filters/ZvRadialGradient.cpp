@@ -1,6 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "effect/filters/ZvRadialGradient.h"
 
+#include <memory>
+#include <new>
+#include <utility>
+
 #include "effect/filters/Gradient.h"
 
 namespace Zvex {
@@ -20,11 +24,13 @@ ZvRadialGradient::~ZvRadialGradient() {
 }
 
 int ZvRadialGradient::doPostProcessing(ParamPostProcessing* param) {
-    GradientFill fill;
-    if (!fill.begin(param, property)) return 0;
+    if (!GradientRows::isDrawable(param, property)) return 0;
+    std::unique_ptr<GradientRows> fill(new (std::nothrow) GradientRows);
+    if (fill == nullptr || !fill->make(*param, *property)) return 0;
 
-    const float entriesOfPixel = (ENTRIES / fill.width() + ENTRIES / fill.width()) / property->scale;
-    fill.drawRadial(entriesOfPixel);
+    const float entriesOfPixel = (ENTRIES / fill->width() + ENTRIES / fill->width()) / property->scale;
+    fill->setRadial(entriesOfPixel);
+    drawLayer(param, std::move(fill));
     return 0;
 }
 

@@ -14,7 +14,11 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <memory>
+#include <new>
+#include <utility>
 
+#include "effect/LayerRows.h"
 #include "effect/Numbers.h"
 #include "effect/filters/Buffer.h"
 #include "effect/filters/Coverage.h"
@@ -97,14 +101,70 @@ void dilateRows(Dilation& dilation, int64_t row, int rows, uint8_t* lines, int w
     }
 }
 
-// What both dilations reach, or the one there is. `band` has room for 2 * Dilation::BATCH rows.
-void makeBand(Dilation* outward, Dilation* inward, int64_t row, int rows, uint8_t* band, int width) {
-    dilateRows(outward != nullptr ? *outward : *inward, row, rows, band, width);
-    if (outward == nullptr || inward == nullptr) return;
-    const int64_t count = int64_t{width} * rows;
+// The band around the edge, a few rows at a time.
+class StrokeRows : public LayerRows {
+public:
+    // False when memory is short.
+    bool make(const ZvECore::ParamPostProcessing& param, const ZvStrokeProperty& property);
+
+    void draw(RowRange rows, const PictureStrip& target, const PictureStrip* other) override;
+    ZvRect reach() const override { return area_.rect(); }
+
+private:
+    void makeBand(int row, int rows);
+
+    WorkingArea area_;
+    Buffer<uint8_t> kernel_;
+    bool hasOutward_ = false, hasInward_ = false;
+    Dilation outward_, inward_;  // of the text, of what is around it
+    Buffer<uint8_t> band_;       // two pieces of Dilation::BATCH rows
+    uint32_t color_ = 0;
+    int mode_ = 0;
+};
+
+bool StrokeRows::make(const ZvECore::ParamPostProcessing& param, const ZvStrokeProperty& property) {
+    const bool centered = property.position == ZV_STROKE_CENTER;
+    hasOutward_ = centered || property.position == ZV_STROKE_OUTSIDE;
+    hasInward_ = property.position != ZV_STROKE_OUTSIDE;
+    color_ = property.color;
+    mode_ = centered && param.layerMode != 1 ? ZVE_BLEND_SRC_OVER : ZVE_BLEND_DST_OVER;
+
+    unsigned char* cells = nullptr;
+    const int kernelSize = makeCircleKernel(&cells, centered ? property.width * 0.5f : property.width);
+    if (cells == nullptr) return false;
+    kernel_.adopt(cells);
+    const ZvRect& box = *param.textRect;
+    const ZvBitmap& mask = *param.mask;
+    if (!area_.grow(box, int64_t{BORDER} + kernelSize / 2)) return false;
+    if (hasOutward_ && !outward_.make(dilationOf(mask, box, area_, cells, kernelSize, COVERAGE)))
+        return false;
+    if (hasInward_ && !inward_.make(dilationOf(mask, box, area_, cells, kernelSize, BACKGROUND)))
+        return false;
+    return band_.allocate(2 * Dilation::BATCH, area_.width);
+}
+
+// What both dilations reach, or the one there is.
+void StrokeRows::makeBand(int row, int rows) {
+    dilateRows(hasOutward_ ? outward_ : inward_, row, rows, band_.get(), area_.width);
+    if (!hasOutward_ || !hasInward_) return;
+    const int64_t count = int64_t{area_.width} * rows;
+    uint8_t* band = band_.get();
     uint8_t* inside = band + count;
-    dilateRows(*inward, row, rows, inside, width);
+    dilateRows(inward_, row, rows, inside, area_.width);
     for (int64_t i = 0; i < count; ++i) band[i] = std::min(band[i], inside[i]);
+}
+
+void StrokeRows::draw(RowRange rows, const PictureStrip& target, const PictureStrip* other) {
+    const RowRange part = rows.within(area_.y, area_.height);
+    for (int y = part.begin; y < part.end; y += Dilation::BATCH) {
+        const int count = std::min(part.end - y, Dilation::BATCH);
+        makeBand(y, count);
+        for (const PictureStrip* picture : {&target, other}) {
+            if (picture == nullptr) continue;
+            ZvBlender::drawBitmapBlend8(area_.x, area_.y + y - picture->top, picture, band_.get(),
+                                        area_.width, count, area_.width, color_, mode_);
+        }
+    }
 }
 
 }  // namespace
@@ -148,42 +208,8 @@ ZvStroke::~ZvStroke() {
 int ZvStroke::doPostProcessing(ParamPostProcessing* param) {
     if (property == nullptr || !isDrawable(param)) return 0;
     if (!(property->width >= 0) || !std::isfinite(property->width)) return 0;
-
-    const bool centered = property->position == ZV_STROKE_CENTER;
-    unsigned char* cells = nullptr;
-    const float discRadius = centered ? property->width * 0.5f : property->width;
-    const int kernelSize = makeCircleKernel(&cells, discRadius);
-    if (cells == nullptr) return 0;
-    Buffer<uint8_t> kernel;
-    kernel.adopt(cells);
-    const int radius = kernelSize / 2;
-
-    const ZvRect& box = *param->textRect;
-    WorkingArea area;
-    if (!area.grow(box, int64_t{BORDER} + radius)) return 0;
-    Dilation outward, inward;  // of the text, of what is around it
-    const bool hasOutward = centered || property->position == ZV_STROKE_OUTSIDE;
-    const bool hasInward = property->position != ZV_STROKE_OUTSIDE;
-    const ZvBitmap& mask = *param->mask;
-    if (hasOutward && !outward.make(dilationOf(mask, box, area, cells, kernelSize, COVERAGE))) return 0;
-    if (hasInward && !inward.make(dilationOf(mask, box, area, cells, kernelSize, BACKGROUND))) return 0;
-    Buffer<uint8_t> band;
-    if (!band.allocate(2 * Dilation::BATCH, area.width)) return 0;
-
-    // Blended while the rows are in cache, and only those that a picture has.
-    const int mode = centered && param->layerMode != 1 ? ZVE_BLEND_SRC_OVER : ZVE_BLEND_DST_OVER;
-    int64_t height = param->target->height;
-    if (param->otherLayer != nullptr) height = std::max<int64_t>(height, param->otherLayer->height);
-    const int64_t end = std::min<int64_t>(area.height, height - area.y);
-    for (int64_t y = std::max<int64_t>(0, -int64_t{area.y}); y < end; y += Dilation::BATCH) {
-        const int rows = static_cast<int>(std::min<int64_t>(end - y, Dilation::BATCH));
-        makeBand(hasOutward ? &outward : nullptr, hasInward ? &inward : nullptr, y, rows, band.get(),
-                 area.width);
-        for (ZvBitmap* target : {param->target, param->otherLayer}) {
-            ZvBlender::drawBitmapBlend8(area.x, static_cast<int>(area.y + y), target, band.get(), area.width,
-                                        rows, area.width, property->color, mode);
-        }
-    }
+    std::unique_ptr<StrokeRows> rows(new (std::nothrow) StrokeRows);
+    if (rows != nullptr && rows->make(*param, *property)) drawLayer(param, std::move(rows));
     return 0;
 }
 

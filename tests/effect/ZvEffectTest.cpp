@@ -599,18 +599,26 @@ TEST(EffectStack, AnyAllocationMayFail) {
 
 // However the text comes into the picture.
 TEST(EffectStack, TheTextsBlendIsInTheLogOnce) {
-    for (const bool clear : {false, true}) {
+    for (const bool asPicture : {false, true}) {
         ZvBitmap picture(16, 16, 4);
         ZvBitmap coverage(6, 6, 1);
         std::memset(coverage.pixels, 255, 36);
         host::LogCapture log;
         ZvEffect stack;
         stack.addText(0xFFFF8001);
-        stack.initEffect(16, 16);
-        clear ? stack.setClearDstBitmap(&picture) : stack.setDstBitmap(&picture);
+        if (asPicture) {
+            stack.initPicture(&picture);
+        } else {
+            stack.initEffect(16, 16);
+            stack.setDstBitmap(&picture);
+        }
         ZvGlyph glyph = glyphOf(coverage);
         stack.renderEffectLayer(4, 4, &glyph);
-        stack.doEffectPostProcessing();
+        if (asPicture) {
+            stack.drawPicture(PixelOrder::BlueFirst);
+        } else {
+            stack.doEffectPostProcessing();
+        }
         const auto lines = log.lines();
         EXPECT_EQ(std::count_if(lines.begin(), lines.end(),
                                 [](const host::LogLine& line) {

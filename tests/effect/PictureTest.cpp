@@ -1,0 +1,170 @@
+// SPDX-License-Identifier: Apache-2.0
+// A picture drawn a few rows at a time, over whatever memory holds, against the same layers drawn one after
+// the other.
+#include <gtest/gtest.h>
+#include <malloc.h>
+
+#include <cstring>
+#include <memory>
+
+#include "effect/Composite.h"
+#include "effect/ZvEffect.h"
+#include "effect/ZvGlyph.h"
+#include "raster/ZvBlender.h"
+#include "tests/CpuTargets.h"
+#include "tests/FailingAllocations.h"
+#include "tests/effect/TestPictures.h"
+
+namespace Zvex {
+namespace {
+
+// Fresh memory is full of something, and never twice of the same.
+class DirtyMemory {
+public:
+    explicit DirtyMemory(int pattern) { mallopt(M_PERTURB, pattern); }
+    ~DirtyMemory() { mallopt(M_PERTURB, 0); }
+};
+
+// Lines of glyphs anywhere on and beside the picture, and layers of every type that chance brings.
+struct Rendering {
+    int width, height;
+    ZvEffect stack;
+    ZvBitmap lines[3];
+    int count, x[3], y[3];
+
+    explicit Rendering(unsigned seed) {
+        Random random(seed);
+        width = random.between(1, 70);
+        height = random.between(1, 170);
+        count = seed % 17 == 0 ? 0 : random.between(1, 3);
+        for (int i = 0; i < count; ++i) {
+            lines[i] = makeMask(ALL_MASKS[static_cast<size_t>(random.below(6))], random.between(1, 50),
+                                random.between(1, 40), random);
+            x[i] = random.between(-20, width);
+            y[i] = random.between(-20, height);
+        }
+        for (int layers = random.below(5); layers > 0; --layers) addLayer(random);
+        if (random.below(4) == 0) stack.setTextOpacity(0.4f);
+        stack.addText(random.color() | (random.below(2) != 0 ? 0xFF000000u : 0));
+    }
+
+    void addLayer(Random& random) {
+        const auto unit = [&] { return static_cast<float>(random.below(101)) / 100; };
+        const auto size = [&] { return static_cast<float>(random.below(14)); };
+        const auto angle = [&] { return static_cast<float>(random.below(360)); };
+        const uint32_t color = random.color(), other = random.color();
+        ZvGradient stops[] = {{color, unit(), 0}, {other, 1, 0.7f}};
+        ZvBitmap pattern = makeTarget(TargetKind::Partly, 5, 3, random);
+        switch (random.below(10)) {
+            case 0:
+                stack.addOuterShadowText(angle(), size(), size(), color, unit());
+                break;
+            case 1:
+                stack.addInnerShadowText(angle(), size(), size(), color, unit());
+                break;
+            case 2:
+                stack.addOuterGlowText(size(), color, unit(), random.below(2) * 2, stops);
+                break;
+            case 3:
+                stack.addInnerGlowText(size(), color, unit(), random.below(2) * 2, stops);
+                break;
+            case 4:
+                stack.addBevelText(random.below(2), size(), 1, random.below(2), random.below(2),
+                                   random.below(4), 1, angle(), 30, color, unit(), other, unit());
+                break;
+            case 5:
+                stack.addEmbossText(random.between(2, 3), size(), 1, random.below(2), random.below(2),
+                                    random.below(4), 1, angle(), 30, color, unit(), other, unit());
+                break;
+            case 6:
+                stack.addLinearGradientText(angle(), 1, unit(), 2, stops);
+                break;
+            case 7:
+                stack.addRadialGradientText(1, unit(), 2, stops);
+                break;
+            case 8:
+                stack.addStrokeText(size(), color, unit(), 0, random.below(3));
+                break;
+            default:
+                stack.addPatternText(&pattern, 1.5f, unit());
+        }
+    }
+
+    void drawLines() {
+        for (int i = 0; i < count; ++i) {
+            ZvGlyph glyph;
+            glyph.pixels = lines[i].pixels;
+            glyph.width = static_cast<uint16_t>(lines[i].width);
+            glyph.height = static_cast<uint16_t>(lines[i].height);
+            stack.renderEffectLayer(x[i], y[i], &glyph);
+        }
+    }
+
+    ZvBitmap inLayers() {
+        ZvBitmap picture(static_cast<unsigned>(width), static_cast<unsigned>(height), 4);
+        stack.initEffect(width, height);
+        stack.setDstBitmap(&picture);
+        drawLines();
+        stack.doEffectPostProcessing();
+        stack.compositeLayers(&picture);
+        return picture;
+    }
+
+    ZvBitmap asPicture(PixelOrder order, ZvRect* drawn) {
+        ZvBitmap picture(static_cast<unsigned>(width), static_cast<unsigned>(height), 4);
+        std::memset(picture.pixels, 0xA7, picture.byteCount());
+        stack.initPicture(&picture);
+        drawLines();
+        *drawn = stack.drawPicture(order);
+        return picture;
+    }
+};
+
+void expectNothingOutside(const ZvBitmap& picture, const ZvRect& box) {
+    for (int y = 0; y < static_cast<int>(picture.height); ++y) {
+        for (int x = 0; x < static_cast<int>(picture.width); ++x) {
+            if (x >= box.left && x < box.right && y >= box.top && y < box.bottom) continue;
+            uint32_t pixel;
+            std::memcpy(&pixel, picture.pixels + 4 * (static_cast<size_t>(y) * picture.width + x), 4);
+            ASSERT_EQ(pixel, 0u) << "x " << x << ", y " << y;
+        }
+    }
+}
+
+TEST(Picture, IsWhatTheLayersMakeOneAfterTheOther) {
+    for (unsigned seed = 0; seed < 400; ++seed) {
+        SCOPED_TRACE("seed " + std::to_string(seed));
+        Rendering rendering(seed);
+        ZvBitmap expected = rendering.inLayers();
+        ZvRect drawn;
+        const DirtyMemory memory(1 + static_cast<int>(seed % 250));
+        if (seed % 4 == 0) {
+            ASSERT_TRUE(samePixels(expected, rendering.asPicture(PixelOrder::RedFirst, &drawn)));
+        } else {
+            ZvBlender::convertBGRAToARGB(&expected);
+            ASSERT_TRUE(samePixels(expected, rendering.asPicture(PixelOrder::BlueFirst, &drawn)));
+        }
+        expectNothingOutside(expected, drawn);
+        EXPECT_EQ(rendering.stack.mask, nullptr);
+        EXPECT_EQ(rendering.stack.dst, nullptr);
+        EXPECT_EQ(rendering.stack.layerMode, 0);
+    }
+}
+
+// Nothing leaks, and nothing of what the picture held before is left.
+TEST(Picture, AnyAllocationMayFail) {
+    for (unsigned seed : {1u, 5u, 6u, 8u, 11u, 12u}) {
+        SCOPED_TRACE("seed " + std::to_string(seed));
+        Rendering rendering(seed);
+        ZvBitmap picture(static_cast<unsigned>(rendering.width), static_cast<unsigned>(rendering.height), 4);
+        forEachFailingAllocation([&](bool) {
+            std::memset(picture.pixels, 0xA7, picture.byteCount());
+            rendering.stack.initPicture(&picture);
+            rendering.drawLines();
+            expectNothingOutside(picture, rendering.stack.drawPicture(PixelOrder::BlueFirst));
+        });
+    }
+}
+
+}  // namespace
+}  // namespace Zvex
