@@ -1,0 +1,67 @@
+// SPDX-License-Identifier: Apache-2.0
+// Draws one picture of benchmarks/Scenes.h for scripts/instructions, which counts what countedPicture
+// executes.
+//
+//     one_picture SCENE small|large baseline|avx2
+//     one_picture --compiler
+//
+// The picture is drawn twice, and counted the second time: what a process loads or makes once is there by
+// then. As in scripts/compare it is that of a new text object with a new glyph cache. 3 is the exit status
+// where the machine lacks the instruction set.
+#include <cstdint>
+#include <cstdio>
+#include <cstring>
+#include <string>
+
+#include "benchmarks/Scenes.h"
+#include "platform/host/GlyphCache.h"
+#include "raster/CpuTarget.h"
+#include "text/ZvTextObject.h"
+
+#if defined(__clang__)
+constexpr char COMPILER[] = "clang++ " __clang_version__;
+#else
+constexpr char COMPILER[] = "g++ " __VERSION__;
+#endif
+
+using Zvex::CpuTarget;
+
+namespace {
+
+const uint32_t* draw(Zvex::ZvTextObject& object, const char* scene, bench::Canvas canvas) {
+    if (!bench::prepareScene(object, scene, canvas)) return nullptr;
+    return object.RenderTextEffect(canvas.width(), canvas.height());
+}
+
+int fail(const char* what) {
+    std::fprintf(stderr, "one_picture: %s\n", what);
+    return 1;
+}
+
+}  // namespace
+
+// A C name and a function of its own, for callgrind's --toggle-collect.
+extern "C" __attribute__((noinline, visibility("default"))) const uint32_t* countedPicture(
+    Zvex::ZvTextObject* object, const char* scene, const bench::Canvas* canvas) {
+    return draw(*object, scene, *canvas);
+}
+
+int main(int argc, char** argv) {
+    if (argc == 2 && std::strcmp(argv[1], "--compiler") == 0) return std::puts(COMPILER) < 0 ? 1 : 0;
+    if (argc != 4) return fail("give a scene, a size and an instruction set");
+    bench::Canvas canvas;
+    canvas.scale = std::strcmp(argv[2], "large") == 0 ? 4 : 1;
+    const CpuTarget target = std::strcmp(argv[3], "avx2") == 0 ? CpuTarget::Avx2 : CpuTarget::Baseline;
+    Zvex::limitCpuTarget(target);
+    if (Zvex::cpuTarget() != target) return 3;
+
+    Zvex::ZvTextObject first, second;  // the first holds the font
+    if (draw(first, argv[1], canvas) == nullptr) return fail("the scene cannot be drawn");
+    host::clearGlyphCache();
+    const uint32_t* argb = countedPicture(&second, argv[1], &canvas);
+    if (argb == nullptr) return fail("the scene cannot be drawn again");
+    uint64_t ink = 0;
+    for (int i = 0; i < canvas.width() * canvas.height(); ++i) ink += argb[i] >> 24;
+    const auto em = static_cast<uint64_t>(canvas.glyphSize());
+    return ink < em * em * 255 ? fail("hardly any ink") : 0;
+}
