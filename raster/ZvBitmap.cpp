@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "foundation/LargePages.h"
 #include "raster/ZvRect.h"
 
 namespace Zvex {
@@ -19,15 +20,25 @@ size_t productOf(uint32_t width, uint32_t height, uint32_t bytesPerPixel) {
     return static_cast<size_t>(area * bytesPerPixel);
 }
 
+uint8_t* unset(size_t count) {
+    if (count == 0) return nullptr;
+    void* memory = std::malloc(count);
+    preferLargePages(memory, count);
+    return static_cast<uint8_t*>(memory);
+}
+
 uint8_t* copyOf(const uint8_t* bytes, size_t count) {
     if (bytes == nullptr || count == 0) return nullptr;
-    uint8_t* copy = static_cast<uint8_t*>(std::malloc(count));
+    uint8_t* copy = unset(count);
     if (copy != nullptr) std::memcpy(copy, bytes, count);
     return copy;
 }
 
 uint8_t* zeros(size_t count) {
-    return count == 0 ? nullptr : static_cast<uint8_t*>(std::calloc(count, 1));
+    if (count == 0) return nullptr;
+    void* memory = std::calloc(count, 1);
+    preferLargePages(memory, count);  // in time: fresh memory is not touched yet
+    return static_cast<uint8_t*>(memory);
 }
 
 uint32_t distance(int32_t a, int32_t b) {
@@ -48,8 +59,7 @@ ZvBitmap::ZvBitmap(unsigned int width_, unsigned int height_, unsigned int bytes
 
 ZvBitmap::ZvBitmap(unsigned int width_, unsigned int height_, unsigned int bytesPerPixel_, Unset)
     : width(width_), height(height_), format(bytesPerPixel_ == 4 ? 1 : 2), bytesPerPixel(bytesPerPixel_) {
-    const size_t count = byteCount();
-    if (count != 0) pixels = static_cast<uint8_t*>(std::malloc(count));
+    pixels = unset(byteCount());
 }
 
 ZvBitmap::ZvBitmap(unsigned int width_, unsigned int height_, const unsigned char* data,

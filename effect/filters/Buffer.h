@@ -9,6 +9,8 @@
 #include <memory>
 #include <type_traits>
 
+#include "foundation/LargePages.h"
+
 namespace Zvex {
 
 // Working memory of a filter: one owner, from malloc, freed when the owner goes. The filters take all their
@@ -27,11 +29,13 @@ public:
     bool allocate(int64_t rows, int64_t columns = 1, int64_t planes = 1) {
         const size_t bytes = reserve(rows, columns, planes);
         if (bytes != 0) data_.reset(static_cast<T*>(std::malloc(bytes)));
+        preferLargePages(data_.get(), bytes);
         return data_ != nullptr;
     }
     bool allocateZeroed(int64_t rows, int64_t columns = 1, int64_t planes = 1) {
         const size_t bytes = reserve(rows, columns, planes);
         if (bytes != 0) data_.reset(static_cast<T*>(std::calloc(bytes, 1)));
+        preferLargePages(data_.get(), bytes);
         return data_ != nullptr;
     }
 
