@@ -173,6 +173,7 @@ std::string ZvFontManagerImpl::dataKey(const char* path) {
 }
 
 void ZvFontManagerImpl::indexFamilies() {
+    ++changes;
     familyIndex.clear();
     const int familyCount = families != nullptr ? families->GetCount() : 0;
     for (int i = 0; i < familyCount; ++i) {
@@ -189,6 +190,7 @@ void ZvFontManagerImpl::indexFamilies() {
 }
 
 void ZvFontManagerImpl::ClearFontFamilies() {
+    ++changes;
     familyIndex.clear();
     const int count = families != nullptr ? families->GetCount() : 0;
     for (int i = 0; i < count; ++i) freeFontFamily(static_cast<ZvFontFamily*>(families->Get(i)));
@@ -198,6 +200,7 @@ void ZvFontManagerImpl::ClearFontFamilies() {
 }
 
 void ZvFontManagerImpl::ClearFontMaps() {
+    ++changes;
     fontMap.clear();
     dataMap.clear();
 }
@@ -271,7 +274,9 @@ bool FontManager::AddMinikinFont(const char* path, char* buffer, unsigned int si
         if (freshlyRead) mImpl->dataMap.erase(dataKey);
         return false;
     }
-    mImpl->fontMap.emplace(ZvFontManagerImpl::fontKey(path, index), std::move(font));
+    if (mImpl->fontMap.emplace(ZvFontManagerImpl::fontKey(path, index), std::move(font)).second) {
+        ++mImpl->changes;
+    }
     return true;
 }
 
@@ -389,6 +394,17 @@ bool FontManager::GetMinikinFontFamilies(std::vector<std::shared_ptr<minikin::Fo
     }
     ZV_DEBUG_LOG(kTag, "GetMinikinFontFamilies <<< GetMinikinFontFamilies");
     return true;
+}
+
+uint64_t FontManager::GetGeneration() const {
+    if (mImpl == nullptr) return 0;
+    // `loaded` may be set from outside, and the list may grow.
+    uint64_t loaded = 0;
+    for (const ZvFontManagerImpl::IndexedFamily& indexed : mImpl->familyIndex) {
+        if (indexed.family != nullptr && indexed.family->loaded != 0) ++loaded;
+    }
+    const auto count = mImpl->families != nullptr ? static_cast<uint64_t>(mImpl->families->GetCount()) : 0;
+    return mImpl->changes * 0x100000000u + count * 0x10000u + loaded;
 }
 
 void FontManager::ClearFontFamilies() {

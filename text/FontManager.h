@@ -68,10 +68,11 @@ char* getFontData(const char* path, unsigned int& size);
 // the manager or anyone else (a family in use by a drawing) holds it, and its bytes live at least as long.
 //
 // Failure: false. Without an implementation record, which only a failed allocation brings about, every
-// operation reports error 8. No other code is set; lines are logged under "ZvFontManager".
+// operation but GetGeneration reports error 8. No other code is set; lines are logged under "ZvFontManager".
 //
 // Threads: no locks. Callers keep other threads out while anything here changes. IsExisting, GetMinikinFont,
-// GetMinikinFontFamilies and IsSystemFontFamiliesAlreadySet only read: they may run side by side.
+// GetMinikinFontFamilies, GetGeneration and IsSystemFontFamiliesAlreadySet only read: they may run side by
+// side.
 class FontManager {
 public:
     // The process's manager, made on first use.
@@ -121,6 +122,9 @@ public:
     // set otherwise.
     bool GetMinikinFontFamilies(std::vector<std::shared_ptr<minikin::FontFamily>>& out, ZvString* path,
                                 int& weight) const;
+
+    // Different after each change to what GetMinikinFontFamilies gives. Reads only.
+    uint64_t GetGeneration() const;
 
     // Release the system families (a new list may be set afterwards), and all fonts and bytes. Fonts still in
     // use elsewhere live on with their bytes.

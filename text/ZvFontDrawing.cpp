@@ -17,6 +17,7 @@
 #include <cstring>
 #include <memory>
 #include <new>
+#include <utility>
 #include <vector>
 
 #include "effect/Composite.h"
@@ -48,12 +49,10 @@ int32_t toPixels(int32_t fixed) {
 }
 
 // The part of [0, length) that a line covers. Line records come from outside and may be older than the text.
-struct TextRange {
-    TextRange(const ZvLineInfo& line, int length)
-        : start(std::clamp(line.start, 0, length)), end(std::clamp(line.end, start, length)) {}
-    int start;
-    int end;
-};
+DrawnLines::Range rangeOf(const ZvLineInfo& line, int length) {
+    const int start = std::clamp(line.start, 0, length);
+    return {start, std::clamp(line.end, start, length), line.direction < 0};
+}
 
 // The line's coverage image, not yet drawn: as wide as the advance (not as the ink, so ink beyond the advance
 // is cut off), as high as the bounds. Null when memory is short.
@@ -128,9 +127,7 @@ void ZvFontDrawing::ClearGlyphList() {
     const int count = glyphList->GetCount();
     for (int i = 0; i < count; ++i) {
         auto* glyph = static_cast<ZvGlyph*>(glyphList->Get(i));
-        if (glyph == nullptr) continue;
-        delete[] glyph->pixels;
-        delete glyph;
+        if (!mDrawn.ownsLast(glyph)) DrawnLines::freeImage(glyph);
     }
     glyphList->RemoveAll();
 }
@@ -171,9 +168,7 @@ bool ZvFontDrawing::drawLines(ZvTextObject* text, ZvBitmap* out, Drawing drawing
     }
     if (out == nullptr) return false;
 
-    // Declared before the paint and the typeface, which point into the fonts: so it goes after them.
-    std::vector<std::shared_ptr<minikin::FontFamily>> families;
-    android::Paint paint = text->GetPaint();
+    const android::Paint paint = text->GetPaint();
     effect->addText(text->GetTextColor());
     if (drawing == Drawing::AsPicture) {
         effect->initPicture(out);
@@ -190,46 +185,27 @@ bool ZvFontDrawing::drawLines(ZvTextObject* text, ZvBitmap* out, Drawing drawing
         return false;
     }
 
-    // The platform cannot make a typeface of no family at all, so that counts as a failure here too.
-    int weight = 400;
-    if (!FontManager::GetInstance()->GetMinikinFontFamilies(families, fontPath, weight) || families.empty()) {
-        __android_log_print(ANDROID_LOG_ERROR, kTag, "DrawTextEffect(%p) - GetMinikinFontFamilies failed",
-                            static_cast<void*>(this));
-        return false;
-    }
-    // Boldness comes from the font's name and the paint's fake bold; the bold style bit plays no part.
-    const std::unique_ptr<android::Typeface> typeface(
-        android::Typeface::createFromFamilies(std::vector<std::shared_ptr<minikin::FontFamily>>(families),
-                                              weight, text->isItalicTextStyle() ? 1 : 0));
+    const android::Typeface* typeface = typefaceOf(*text);
+    if (typeface == nullptr) return false;
 
     const int leftOffset = effect->getLeftOffset();
     const int topOffset = effect->getTopOffset();
     const int lineCount = lines->GetCount();
+    const DrawnLines::LineSource source = {utf16.get(), static_cast<size_t>(length), &paint};
+    if (lineCount > 0) {
+        ClearGlyphList();
+        mDrawn.beginLines(source, static_cast<size_t>(lineCount));
+    }
     for (int i = 0; i < lineCount; ++i) {
         auto* line = static_cast<ZvLineInfo*>(lines->Get(i));
         if (line == nullptr) continue;
-        ClearGlyphList();
-
-        const TextRange range(*line, length);
-        const minikin::Layout layout = android::MinikinUtils::doLayout(
-            &paint, line->direction < 0 ? minikin::Bidi::DEFAULT_RTL : minikin::Bidi::DEFAULT_LTR,
-            typeface.get(), utf16.get(), static_cast<size_t>(range.start),
-            static_cast<size_t>(range.end - range.start), static_cast<size_t>(length), nullptr);
-        minikin::MinikinRect bounds;
-        layout.getBounds(&bounds);
-        const float advance = layout.getAdvance();
-
-        std::unique_ptr<ZvGlyph> glyph = makeLineImage(bounds, advance);
-        if (glyph == nullptr) continue;
-        drawLineImage(*glyph, layout, bounds, paint);
-
-        const int32_t penX = toFixed(wrapAdd(line->x, leftOffset));
-        const int32_t penY = toFixed(wrapAdd(line->y, topOffset));
-        if (glyphList == nullptr || glyphList->Add(glyph.get()) == 0) {
-            delete[] glyph->pixels;
+        float advance = 0;
+        if (lineImage(static_cast<size_t>(i), rangeOf(*line, length), source, *typeface,
+                      size_t{out->width} * out->height, &advance) == nullptr) {
             continue;
         }
-        static_cast<void>(glyph.release());  // the list owns it now
+        const int32_t penX = toFixed(wrapAdd(line->x, leftOffset));
+        const int32_t penY = toFixed(wrapAdd(line->y, topOffset));
         _DoRender(penX, penY, glyphList, effect, line->direction);
 
         // Top and bottom move relative to what they were, so a second rendering of the same lines moves them
@@ -240,6 +216,55 @@ bool ZvFontDrawing::drawLines(ZvTextObject* text, ZvBitmap* out, Drawing drawing
         line->rect.bottom = wrapAdd(line->rect.bottom, topOffset);
     }
     return true;
+}
+
+const android::Typeface* ZvFontDrawing::typefaceOf(const ZvTextObject& text) {
+    FontManager& manager = *FontManager::GetInstance();
+    const DrawnLines::TypefaceSource source = {fontPath, text.isItalicTextStyle(), manager.GetGeneration()};
+    if (const android::Typeface* kept = mDrawn.findTypeface(source)) return kept;
+
+    // The platform cannot make a typeface of no family at all, so that counts as a failure here too.
+    std::vector<std::shared_ptr<minikin::FontFamily>> families;
+    int weight = 400;
+    if (!manager.GetMinikinFontFamilies(families, fontPath, weight) || families.empty()) {
+        __android_log_print(ANDROID_LOG_ERROR, kTag, "DrawTextEffect(%p) - GetMinikinFontFamilies failed",
+                            static_cast<void*>(this));
+        return nullptr;
+    }
+    // Boldness comes from the font's name and the paint's fake bold; the bold style bit plays no part.
+    std::unique_ptr<const android::Typeface> made(android::Typeface::createFromFamilies(
+        std::vector<std::shared_ptr<minikin::FontFamily>>(families), weight, source.italic ? 1 : 0));
+    const android::Typeface* typeface = made.get();
+    mDrawn.keepTypeface(source, std::move(families), std::move(made));
+    return typeface;
+}
+
+const ZvGlyph* ZvFontDrawing::lineImage(size_t index, const DrawnLines::Range& range,
+                                        const DrawnLines::LineSource& source,
+                                        const android::Typeface& typeface, size_t keptBytes, float* advance) {
+    ClearGlyphList();
+    if (glyphList == nullptr) return nullptr;
+    if (ZvGlyph* kept = mDrawn.findLine(index, range, advance)) {
+        return glyphList->Add(kept) != 0 ? kept : nullptr;
+    }
+    android::Paint paint(*source.paint);  // drawing sets it up for one font after the other
+    const minikin::Layout layout = android::MinikinUtils::doLayout(
+        &paint, range.rightToLeft ? minikin::Bidi::DEFAULT_RTL : minikin::Bidi::DEFAULT_LTR, &typeface,
+        source.text, static_cast<size_t>(range.start), static_cast<size_t>(range.end - range.start),
+        source.length, nullptr);
+    minikin::MinikinRect bounds;
+    layout.getBounds(&bounds);
+    *advance = layout.getAdvance();
+
+    std::unique_ptr<ZvGlyph> glyph = makeLineImage(bounds, *advance);
+    if (glyph == nullptr) return nullptr;
+    drawLineImage(*glyph, layout, bounds, paint);
+    if (glyphList->Add(glyph.get()) == 0) {
+        DrawnLines::freeImage(glyph.release());
+        return nullptr;
+    }
+    mDrawn.keepLine(index, range, *advance, glyph.get(), keptBytes);
+    return glyph.release();  // the list owns it now, or mDrawn
 }
 
 void ZvFontDrawing::_DoRender(int x, int y, List* glyphs, ZvEffect* effect, int direction) {

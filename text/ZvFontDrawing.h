@@ -3,6 +3,7 @@
 #define ZVEX_TEXT_ZVFONTDRAWING_H_
 
 #include "raster/ZvRect.h"
+#include "text/DrawnLines.h"
 
 namespace Zvex {
 
@@ -11,10 +12,13 @@ class ZvBitmap;
 class ZvEffect;
 class ZvString;
 class ZvTextObject;
+struct ZvGlyph;
 
 // Turns a text object's text, paint, font and lines into a picture: lays each line out with the platform,
 // draws its glyph runs into an 8-bit coverage image, hands that to the effect stack at the line's place, and
-// lets the stack make the colour picture. Used by one thread at a time, together with its text object.
+// lets the stack make the colour picture. Lines drawn again from the same text, paint and fonts keep their
+// images, up to a byte for each pixel of the picture. Used by one thread at a time, together with its text
+// object.
 class ZvFontDrawing {
 public:
     ZvFontDrawing();
@@ -26,7 +30,7 @@ public:
     void SetFontPath(const char* path);
     ZvString* GetFontPath() { return fontPath; }
 
-    // Frees the coverage images of the last line drawn.
+    // Empties glyphList and frees what belongs to it.
     void ClearGlyphList();
 
     // Draws `text` with its effects into `out`: 4 bytes a pixel, straight colour, in memory red, green, blue,
@@ -53,7 +57,17 @@ public:
     bool drawLines(ZvTextObject* text, ZvBitmap* out, Drawing drawing);
 
     ZvString* fontPath;  // owned; null until set
-    List* glyphList;     // owned; of ZvGlyph*: records and pixels owned too
+    List* glyphList;     // owned; of ZvGlyph*, the last line drawn: owned too unless it is one of `mDrawn`
+
+private:
+    // The text's typeface, kept or made; null, with its line in the log, without any family.
+    const android::Typeface* typefaceOf(const ZvTextObject& text);
+    // The line's coverage image in glyphList, kept or made; null when there is no memory for it.
+    const ZvGlyph* lineImage(size_t index, const DrawnLines::Range& range,
+                             const DrawnLines::LineSource& source, const android::Typeface& typeface,
+                             size_t keptBytes, float* advance);
+
+    DrawnLines mDrawn;
 };
 
 }  // namespace Zvex

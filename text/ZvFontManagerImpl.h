@@ -2,6 +2,7 @@
 #ifndef ZVEX_TEXT_ZVFONTMANAGERIMPL_H_
 #define ZVEX_TEXT_ZVFONTMANAGERIMPL_H_
 
+#include <cstdint>
 #include <map>
 #include <memory>
 #include <string>
@@ -34,6 +35,7 @@ public:
     // Makes familyIndex follow `families`.
     void indexFamilies();
 
+    uint64_t changes = 0;  // to fontMap and families
     double totalSize = 0;  // font bytes read from files so far, in units of 1024000
     std::map<std::string, std::shared_ptr<ZvFontData>> dataMap;
     std::map<std::string, std::shared_ptr<minikin::MinikinFont>> fontMap;  // each an android::MinikinFontSkia
