@@ -35,10 +35,19 @@ bool GradientRows::make(const ZvECore::ParamPostProcessing& param, const ZvGradi
     return true;
 }
 
-void GradientRows::setLinear(float down, float right) {
+bool GradientRows::setLinear(float down, float right) {
     radial_ = false;
     down_ = down;
     right_ = right;
+    if (down != 0.0f) return true;
+    const int first = part_.left - area_.x, count = part_.right - part_.left;
+    Buffer<uint8_t> covered;
+    if (!covered.allocate(count) || !same_.allocate(count)) return false;
+    std::fill_n(covered.get(), count, uint8_t{255});
+    const float halfWidth = width() * 0.5f;
+    ZVEX_ON_TARGET(
+        linearRow(same_.get(), covered.get(), count, colors_, first, halfWidth, 0.0f, 0.0f, right));
+    return true;
 }
 
 void GradientRows::setRadial(float entriesOfPixel) {
@@ -55,7 +64,9 @@ void GradientRows::draw(RowRange rows, const PictureStrip& target, const Picture
     for (int y = std::max(visible.begin, part_.top); y < visible.end; ++y) {
         const uint8_t* coverage = mask_->pixels + static_cast<size_t>(y) * mask_->width + part_.left;
         const float dy = static_cast<float>(y - area_.y) - height() * 0.5f;
-        if (radial_) {
+        if (same_.get() != nullptr) {
+            ZVEX_ON_TARGET(coveredRow(words, coverage, count, same_.get()));
+        } else if (radial_) {
             ZVEX_ON_TARGET(radialRow(words, coverage, count, colors_, first, halfWidth, dy, right_));
         } else {
             ZVEX_ON_TARGET(linearRow(words, coverage, count, colors_, first, halfWidth, dy, down_, right_));

@@ -32,7 +32,8 @@ public:
     // fraction cut off, down * dy + right * dx beyond the middle one, or entriesOfPixel times the distance.
     // Pixels beyond the ends of the table take its first entry or the one before its last, which is never
     // drawn. Single precision.
-    void setLinear(float down, float right);
+    // False when memory is short.
+    bool setLinear(float down, float right);
     void setRadial(float entriesOfPixel);
 
     void draw(RowRange rows, const PictureStrip& target, const PictureStrip* other) override;
@@ -44,6 +45,7 @@ private:
     const ZvBitmap* mask_ = nullptr;
     uint32_t colors_[COLOR_TABLE_SIZE] = {};  // premultiplied
     Buffer<uint32_t> row_;                    // of that part, premultiplied, 0 where nothing is covered
+    Buffer<uint32_t> same_;  // what all rows would be if they were covered; null where they differ
     bool radial_ = false;
     float down_ = 0, right_ = 0;  // the radial fill has its entries in `right_`
 };

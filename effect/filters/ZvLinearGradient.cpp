@@ -42,8 +42,7 @@ int ZvLinearGradient::doPostProcessing(ParamPostProcessing* param) {
     const float length = spansWidth ? fill->width() / std::abs(cosine) : fill->height() / std::abs(sine);
     const float entriesOfPixel = ENTRIES / property->scale / length;
     const float down = sine * entriesOfPixel, right = cosine * entriesOfPixel;
-    fill->setLinear(down, right);
-    drawLayer(param, std::move(fill));
+    if (fill->setLinear(down, right)) drawLayer(param, std::move(fill));
     return 0;
 }
 
