@@ -1,7 +1,7 @@
 # SPDX-License-Identifier: Apache-2.0
 # Makes the tables of docs/performance.md from what bench_kernels prints with --benchmark_format=csv. Of a row that is
 # there several times the least counts. Rows are kernel/size/plain and kernel/size/fast, a kernel's name ending in
-# parameters.
+# parameters. Lines `row kernel/size` before them give the order of the tables.
 #
 # The first table has each kernel beside its plain form. Where a kernel was timed with MANY values or more of its last
 # parameter, a table after it has these side by side; those without a plain form are there only.
@@ -9,6 +9,7 @@ BEGIN {
     MANY = 8
     scale["ns"] = 1e-6; scale["us"] = 1e-3; scale["ms"] = 1; scale["s"] = 1e3
 }
+/^row / { seenRow($2); next }
 !/\/manual_time/ { next }
 {
     split($0, quoted, "\"")
@@ -19,7 +20,7 @@ BEGIN {
     if (field[5] == "" || field[3] == "") { print "tables: no time for " name > "/dev/stderr"; failed = 1; next }
     form = name; sub(/.*\//, "", form)
     sub(/\/[^\/]*$/, "", name)
-    if (!((name) in seen)) { seen[name] = 1; names[++count] = name }
+    seenRow(name)
     ms = field[3] * scale[field[5]]
     key = name SUBSEP form
     if (!(key in best) || ms < best[key]) best[key] = ms
@@ -30,6 +31,10 @@ END {
     for (i = 1; i <= count; ++i) printBesidePlain(names[i])
     for (g = 1; g <= groups; ++g) if (values[group[g]] >= MANY) printValues(group[g])
     exit failed
+}
+
+function seenRow(name) {
+    if (!(name in seen)) { seen[name] = 1; names[++count] = name }
 }
 
 # A kernel's last parameter, as stroke/width=12/1024x256, makes it one of the group stroke/width=/1024x256.
