@@ -16,7 +16,7 @@ FILENAME == ARGV[1] { kept[name] = $4; next }
     measured[name] = 1
     if ($4 == "-") next
     change = ($4 - kept[name]) / kept[name]
-    figures = sprintf("%s takes %d instructions, %+.1f %% beside the %d of the file", name, $4, 100 * change, kept[name])
+    figures = sprintf("%s takes %.0f instructions, %+.1f %% beside the %.0f of the file", name, $4, 100 * change, kept[name])
     if (change > tolerance) fail(figures)
     else if (change < -tolerance) print "instructions: " figures update > "/dev/stderr"
 }

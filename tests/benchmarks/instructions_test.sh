@@ -8,7 +8,7 @@ trap 'rm -rf "$work"' EXIT
 failed=0
 
 lines() { local line; for line in "$@"; do printf 'S1\t%s\tavx2\t%s\n' ${line}; done; }
-lines 'small 1000000' 'large 20000000' >"$work/kept"
+lines 'small 1000000' 'large 4000000000' >"$work/kept"
 
 # STATUS PATTERN MEASURED...: the exit status and what is said, all of it.
 expect() {
@@ -22,13 +22,13 @@ expect() {
     fi
 }
 
-expect 0 '' 'small 1000000' 'large 20000000'
-expect 0 '' 'small 1029999' 'large 19400001'
-expect 1 '.*error: S1 large avx2 takes 20600001 instructions, .3.0 . beside the 20000000 of the file' \
-    'small 1000000' 'large 20600001'
+expect 0 '' 'small 1000000' 'large 4000000000'
+expect 0 '' 'small 1029999' 'large 3880000001'
+expect 1 '.*error: S1 large avx2 takes 4120000001 instructions, .3.0 . beside the 4000000000 of the file' \
+    'small 1000000' 'large 4120000001'
 expect 0 '.*: S1 small avx2 takes 969999 .*-3.0 . beside the 1000000 of the file; .*--update.*' \
-    'small 969999' 'large 20000000'
+    'small 969999' 'large 4000000000'
 expect 1 '.*error: S1 large avx2 was not counted' 'small 1000000'
-expect 1 '.*error: S1 huge avx2 is not in the file; .*--update.*' 'small 1000000' 'large 20000000' 'huge 1'
+expect 1 '.*error: S1 huge avx2 is not in the file; .*--update.*' 'small 1000000' 'large 4000000000' 'huge 1'
 expect 0 '' 'small 1000000' 'large -'
 exit $failed
