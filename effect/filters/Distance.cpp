@@ -9,7 +9,10 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <cstdlib>
+#include <cstring>
 #include <limits>
+#include <new>
 
 #include "effect/filters/Buffer.h"
 #include "effect/filters/SquareRoots.h"
@@ -69,13 +72,6 @@ float cappedRoot(float square, int radius) {
     return square > limit * limit ? limit : std::sqrt(square);
 }
 
-bool cappedTransform(float* plane, int width, int height, int radius) {
-    if (!squaredDistances(plane, width, height)) return false;
-    const size_t count = static_cast<size_t>(width) * static_cast<size_t>(height);
-    for (size_t i = 0; i < count; ++i) plane[i] = cappedRoot(plane[i], radius);
-    return true;
-}
-
 // In a plane of 0 and ENDLESS the envelope is the true minimum as long as x^2 and the square of a height fit
 // a float together: all sums and differences are exact, then, and so few that no crossing is rounded across a
 // pixel (two crossings with whole pixels differ by 1 / (2 * 4096) at least, floats below 4096 by no more).
@@ -103,15 +99,48 @@ int transformEnd(float* line, const int16_t* steps, int width, int height, int e
     return first;
 }
 
-// From where a seed has to be seen, along one axis. A neighbour at or below its value hides it from all that
-// lie beyond that neighbour: they are nearer to the neighbour, and roots and sums are monotone.
-enum class Side : uint8_t { Before, Both, After, Neither };
+// Rows are looked at in blocks of so many pixels.
+constexpr int BLOCK = 64;
 
-// A pixel that others may be near to.
+// A pixel between 0 and 1 that others may be near to, and its leads over the four neighbours: by how much
+// these are below it, in parts of LEADS, cut off; -LEADS where they bring nothing.
+//
+// A neighbour hides it from every pixel that is nearer to the neighbour or not further away from it than the
+// lead makes up for. What is still seen of most seeds, on the slopes of smoothed edges, is a narrow sector.
 struct Seed {
     int x;
-    float value;  // 0 for what is below
-    Side columns, rows;
+    float value;
+    int8_t left, right, above, below;
+};
+constexpr int LEADS = 16, LEAD_INDICES = 2 * LEADS;
+
+// What is seen of a seed in a row some rows away, by its leads.
+struct Sight {
+    int last[LEAD_INDICES];  // the greatest dx past a neighbour on that side: at most the reach, maybe below
+                             // 0
+    int far[LEAD_INDICES];   // the greatest |dx| past the neighbour on the other side of the seed; -1 is none
+    int near[LEAD_INDICES];  // the greatest |dx| that is hidden by the neighbour on the way, of a lead below
+                             // 0
+};
+
+// For how many rows anything is seen of a seed between two of its neighbours, at most.
+using Extents = int16_t[LEAD_INDICES][LEAD_INDICES];
+
+// What a window's seeds bring: the distances, and what is seen of a seed. Rows 0 to the reach.
+struct SeedWindow {
+    const float* roots;  // of dx = 0 in row 0
+    int64_t span;        // floats, from row to row
+    const Sight* sights;
+    // One of the sides, and the other or the one above or below; those above and below.
+    Extents sides, sideAndFar, nearAndSide, nearAndFar;
+};
+
+// Rows of what pixels are offered, in a ring: row y is number y % count.
+struct OfferRows {
+    float* lines;  // the first pixel of the first one
+    int64_t span;  // floats, from line to line
+    int count;
+    int begin, end;  // the rows that are wanted
 };
 
 #define ZVEX_KERNELS "effect/filters/DistanceKernels.inc"
@@ -123,9 +152,9 @@ constexpr int MOST_LANES = 16;
 // either sign. A window larger than the plane is cut to it.
 class RootRows {
 public:
-    bool make(const DistanceSearch& s) {
-        reachX_ = std::min(s.radius, s.width - 1);
-        reachY_ = std::min(s.radius, s.height - 1);
+    bool make(int width, int height, int radius) {
+        reachX_ = std::min(radius, width - 1);
+        reachY_ = std::min(radius, height - 1);
         if (!roots_.allocate(int64_t{reachY_} + 1, span())) return false;
         for (int64_t dy = 0; dy <= reachY_; ++dy) {
             float* middle = rowOf(dy);
@@ -149,212 +178,353 @@ private:
     int reachX_ = 0, reachY_ = 0;
 };
 
-// The nearest pixels at or below 0 within a window: down and up the columns first, by steps, then along the
-// rows, by squares. What a square stands for is looked up: distances are monotone, so the smallest wins.
-class FullPixels {
+// Where the seeds of a window are seen, for each row of it.
+class Sights {
 public:
-    // The squares of wider windows do not fit.
-    static bool fit(int reachX, int reachY) { return std::max(reachX, reachY) <= WIDEST; }
-
-    // For the rows `first` to `last`. `distances` has to be filled after that.
-    bool allocate(int width, int first, int last, int reachX, int reachY) {
-        width_ = width;
-        first_ = first;
-        last_ = last;
-        reachX_ = reachX;
-        reachY_ = reachY;
-        const int64_t rows = int64_t{last} - first + 1;
-        return steps_.allocate(rows, stride()) && filled_.allocate(rows) && best_.allocate(width) &&
-               distances.allocate(int64_t{none()} + 1);
-    }
-
-    // The distance of each square that is the sum of two within the reach, and that of none().
-    Buffer<float> distances;
-    int none() const { return reachX_ * reachX_ + reachY_ * reachY_ + 1; }
-
-    // The steps to the nearest such pixel of the column, `most` or more where there is none so near.
-    void step(const float* plane, int most) {
-        for (int y = first_; y <= last_; ++y) {
-            ZVEX_ON_TARGET(markFull(row(y), plane + ptrdiff_t{y} * width_, width_, most));
-            if (y > first_) ZVEX_ON_TARGET(stepOn(row(y), row(y - 1), width_));
-        }
-        for (int y = last_ - 1; y >= first_; --y) ZVEX_ON_TARGET(stepOn(row(y), row(y + 1), width_));
-    }
-    const int16_t* steps(int y) const { return row(y); }
-
-    // Makes a row of steps one of squares. Whether it has any within the reach.
-    bool square(int y) {
-        std::fill_n(row(y) - reachX_, reachX_, NO_SQUARE);
-        std::fill_n(row(y) + width_, reachX_, NO_SQUARE);
-        const bool any = ZVEX_ON_TARGET(squareSteps(row(y), width_, reachY_ + 1, NO_SQUARE));
-        filled_[static_cast<size_t>(y - first_)] = any;
-        return any;
-    }
-
-    // The distances of a row of squares. False if there is none within the reach: nothing is written then.
-    bool nearest(float* result, int y) const {
-        if (!filled_[static_cast<size_t>(y - first_)]) return false;
-        ZVEX_ON_TARGET(nearestInRow(best_.get(), row(y), width_, reachX_));
-        ZVEX_ON_TARGET(rootsOf(result, best_.get(), distances.get(), width_, none()));
+    // Distances from `limit` on are of no interest.
+    bool make(const RootRows& roots, float limit) {
+        if (!rows_.allocate(int64_t{roots.reachY()} + 1)) return false;
+        for (int dy = 0; dy <= roots.reachY(); ++dy) makeRow(dy, roots, limit);
         return true;
+    }
+    void describe(SeedWindow& window, int reach) const {
+        window.sights = rows_.get();
+        const auto measure = [&](Extents& extents, const auto& isSeen) {
+            for (int i = 0; i < LEAD_INDICES; ++i) {
+                for (int j = 0; j < LEAD_INDICES; ++j) {
+                    int dy = reach;
+                    while (dy > 0 && !isSeen(rows_[static_cast<size_t>(dy)], i, j)) --dy;
+                    extents[i][j] = static_cast<int16_t>(dy);
+                }
+            }
+        };
+        measure(window.sides, [](const Sight& s, int i, int j) { return -s.last[i] <= s.last[j]; });
+        measure(window.sideAndFar, [](const Sight& s, int i, int j) { return -s.last[i] <= s.far[j]; });
+        measure(window.nearAndSide, [](const Sight& s, int i, int j) { return s.near[i] < s.last[j]; });
+        measure(window.nearAndFar, [](const Sight& s, int i, int j) { return s.near[i] < s.far[j]; });
     }
 
 private:
-    static constexpr int WIDEST = 90;
-    static constexpr int16_t NO_SQUARE = 16384;
-    static_assert(
-        2 * WIDEST * WIDEST < NO_SQUARE && NO_SQUARE + WIDEST * WIDEST <= INT16_MAX,
-        "the squares of a window are below what stands for none, which fits with one of them added");
+    void makeRow(int dy, const RootRows& roots, float limit) {
+        const float* here = roots.row(dy);
+        const float* before = dy > 0 ? roots.row(dy - 1) : nullptr;
+        const float* further = dy < roots.reachY() ? roots.row(dy + 1) : nullptr;
+        const int reach = roots.reachX();
+        // More than the sums of values and roots are rounded by.
+        const float rounding = 1e-3f + 1e-6f * static_cast<float>(std::max(reach, roots.reachY()));
+        int end = reach;
+        while (end >= 0 && !(here[end] < limit)) --end;
+        Sight& sight = rows_[static_cast<size_t>(dy)];
+        int hidden = 0, far = end, seen = 0, near = reach;
+        for (int i = 0; i < LEAD_INDICES; ++i) {
+            const float lead = static_cast<float>(i - LEADS) / LEADS, cost = lead - rounding;
+            // Beyond a neighbour that is lower all is hidden. Before it, as far as the step to it costs less
+            // than its lead; it may lie outside the window of a pixel at the window's edge.
+            while (lead > 0 && hidden < reach && here[hidden + 1] - here[hidden] <= cost) ++hidden;
+            while (lead > 0 && far >= 0 && further != nullptr && further[far] - here[far] <= cost) --far;
+            sight.far[i] = far;
+            // Beyond one that is higher, as far as the step to it gains more.
+            if (i == 0) seen = reach;
+            while (lead < 0 && seen > 0 && here[seen] - here[seen - 1] >= -cost) --seen;
+            sight.last[i] = std::min(lead < 0 ? seen : -hidden, end);
+            int covered = -1;
+            while (lead < 0 && before != nullptr && covered < near &&
+                   here[covered + 1] - before[covered + 1] >= -cost)
+                ++covered;
+            sight.near[i] = covered;
+        }
+    }
 
-    int64_t stride() const { return int64_t{width_} + 2 * int64_t{reachX_}; }
-    int16_t* row(int y) const { return steps_.get() + (y - first_) * stride() + reachX_; }
-
-    Buffer<int16_t> steps_;  // then the squares of each column's distances
-    Buffer<int16_t> best_;
-    Buffer<uint8_t> filled_;
-    int width_ = 0, first_ = 0, last_ = 0, reachX_ = 0, reachY_ = 0;
+    Buffer<Sight> rows_;
 };
 
-// The full pixels of a search, measured in its roots.
-bool findFullPixels(FullPixels& full, const DistanceSearch& s, const RootRows& roots, int first, int last) {
-    const int reachX = roots.reachX(), reachY = roots.reachY();
-    if (!full.allocate(s.width, first, last, reachX, reachY)) return false;
-    for (int dy = 0; dy <= reachY; ++dy) {
-        for (int dx = 0; dx <= reachX; ++dx)
-            full.distances[static_cast<size_t>(dx * dx + dy * dy)] = roots.row(dy)[dx];
+// The nearest full pixels, those at or below 0, within a window, row by row: down and up the columns first,
+// by steps, then along the rows, by squares. What a square stands for is looked up: distances are monotone,
+// so the smallest wins.
+class FullRows {
+public:
+    // The squares of wider windows do not fit.
+    static bool fit(int64_t reachX, int64_t reachY) {
+        return reachX * reachX + reachY * reachY < FAR && reachY < INT16_MAX - 1;
     }
-    full.distances[static_cast<size_t>(full.none())] = INFINITE;
-    full.step(s.plane, reachY + 1);
-    for (int y = first; y <= last; ++y) full.square(y);
-    return true;
-}
 
-// The pixels that others may be near to, row by row: those between 0 and 1, and, unless these are looked for
-// apart, those below. Of the latter one all of whose neighbours are at or below 0, too, is left out: seen
-// from any pixel outside their region, the neighbour on the way there is nearer, and in the window if this
-// one is. What is left of a glyph is its outline.
+    // For the rows `first` to `last` of a plane of which the full pixels are 0, or below. `most` steps, more
+    // than reachY, are as many as matter.
+    template <typename Value>
+    bool make(const Value* plane, int width, int first, int last, int reachX, int reachY, int most) {
+        width_ = width;
+        reachX_ = reachX;
+        none_ = reachY + 1;
+        narrow_ = std::max(reachX, reachY) <= NARROWEST;
+        const int64_t line = int64_t{width} + 2 * int64_t{reachX} + 4 * BLOCK;
+        if (!(narrow_ ? narrowLine_.allocate(line) : wideLine_.allocate(line)) ||
+            !steps_.allocate(int64_t{last} - first + 1, width) || !current_.allocate(width)) {
+            return false;
+        }
+        if (narrow_) std::fill_n(narrowLine_.get(), line, NARROW_FAR);
+        if (!narrow_) std::fill_n(wideLine_.get(), line, FAR);
+        std::fill_n(current_.get(), width, static_cast<int16_t>(most));
+        const int16_t* below = current_.get();
+        for (int y = last; y >= first; --y) {
+            int16_t* row = steps_.get() + ptrdiff_t{y - first} * width;
+            ZVEX_ON_TARGET(stepUp(row, below, plane + ptrdiff_t{y} * width, width, most));
+            below = row;
+        }
+        next_ = steps_.get();
+        return true;
+    }
+
+    // Goes to the next row, the first one to begin with. Whether it has any within the reach.
+    bool next() {
+        const int16_t* up = next_;
+        next_ += width_;
+        int16_t* steps = current_.get();
+        if (narrow_) return ZVEX_ON_TARGET(stepDown(narrow(), steps, up, width_, none_, NARROW_FAR));
+        return ZVEX_ON_TARGET(stepDown(wide(), steps, up, width_, none_, FAR));
+    }
+    // Of that row, the steps to the nearest one in each column.
+    const int16_t* steps() const { return current_.get(); }
+    // Of that row, the distances: of squares up to `last` their roots, taken from a table unless that is
+    // null, else `far`. Writes up to BLOCK - 1 floats beyond the row.
+    void nearest(float* row, const float* roots, int last, float far) const {
+        if (narrow_) {
+            ZVEX_ON_TARGET(nearestInRow(row, narrow(), width_, reachX_, NARROW_FAR, roots, last, far));
+        } else {
+            ZVEX_ON_TARGET(nearestInRow(row, wide(), width_, reachX_, FAR, roots, last, far));
+        }
+    }
+
+private:
+    static constexpr int NARROWEST = 90;
+    static constexpr int16_t NARROW_FAR = 16384;
+    static constexpr int32_t FAR = 1 << 30;
+    static_assert(
+        2 * NARROWEST * NARROWEST < NARROW_FAR && NARROW_FAR + NARROWEST * NARROWEST <= INT16_MAX,
+        "the squares of a window are below what stands for none, which fits with one of them added");
+
+    int16_t* narrow() const { return narrowLine_.get() + reachX_ + BLOCK; }
+    int32_t* wide() const { return wideLine_.get() + reachX_ + BLOCK; }
+
+    Buffer<int16_t> steps_, current_;
+    Buffer<int16_t> narrowLine_;  // the squares of a row; one of the two
+    Buffer<int32_t> wideLine_;
+    const int16_t* next_ = nullptr;
+    int width_ = 0, reachX_ = 0, none_ = 0;
+    bool narrow_ = false;
+};
+
+// Where the seeds are.
+struct LevelPlane {
+    const uint8_t* levels;  // 0 is full, 255 neither that nor a seed
+    const float* ramp;      // their values
+};
+struct ValuePlane {
+    const float* values;
+};
+
+// The pixels between 0 and 1, row by row.
 class Seeds {
 public:
-    // Takes those of the rows `first` to `last`. None of them changes during a search.
-    bool collect(const DistanceSearch& s, int first, int last, bool fractionsOnly) {
+    // Takes those of the rows `first` to `last`.
+    template <typename Plane>
+    bool collect(const Plane& plane, int width, int height, int first, int last) {
         first_ = first;
         const int64_t rows = int64_t{last} - first + 1;
-        if (!begins_.allocate(rows + 1) || !parts_.allocate(rows)) return false;
+        if (!begins_.allocate(rows + 1)) return false;
         begins_[0] = 0;
         for (int y = first; y <= last; ++y) {
-            const size_t count = fractionsOnly ? fractionsOf(s, y) : take(s, y, nullptr);
-            begins_[static_cast<size_t>(y - first) + 1] = begins_[static_cast<size_t>(y - first)] + count;
+            const size_t row = static_cast<size_t>(y - first);
+            begins_[row + 1] = begins_[row] + count(plane, ptrdiff_t{y} * width, width);
         }
-        const size_t count = begins_[static_cast<size_t>(last - first) + 1];
-        if (!seeds_.allocate(std::max<int64_t>(1, static_cast<int64_t>(count)))) return false;
+        const size_t all = begins_[static_cast<size_t>(rows)];
+        if (!seeds_.allocate(std::max<int64_t>(1, static_cast<int64_t>(all)))) return false;
         for (int y = first; y <= last; ++y) {
-            Seed* next = seeds_.get() + begins_[static_cast<size_t>(y - first)];
-            if (!fractionsOnly) {
-                take(s, y, next);
-            } else if (begin(y) != end(y)) {
-                const float* row = s.plane + ptrdiff_t{y} * s.width;
-                ZVEX_ON_TARGET(takeFractions(next, row, y > 0 ? row - s.width : nullptr,
-                                             y < s.height - 1 ? row + s.width : nullptr, s.width));
-            }
-            part(y);
+            if (begin(y) != end(y))
+                take(seeds_.get() + begins_[static_cast<size_t>(y - first)], plane, y, width, height);
         }
         return true;
     }
 
-    // Those of row y that a row has to know which lies above it (dy < 0), below it (dy > 0) or is that row.
-    const Seed* begin(int y, int dy = 0) const {
-        const size_t row = static_cast<size_t>(y - first_);
-        return seeds_.get() + begins_[row] + (dy > 0 ? parts_[row].fromAbove : 0);
-    }
-    const Seed* end(int y, int dy = 0) const {
-        const size_t row = static_cast<size_t>(y - first_);
-        return seeds_.get() + (dy == 0
-                                   ? begins_[row + 1]
-                                   : begins_[row] + (dy < 0 ? parts_[row].aboveEnd : parts_[row].belowEnd));
-    }
+    const Seed* begin(int y) const { return seeds_.get() + begins_[static_cast<size_t>(y - first_)]; }
+    const Seed* end(int y) const { return seeds_.get() + begins_[static_cast<size_t>(y - first_) + 1]; }
 
 private:
-    // Ordered by `rows`: those seen from above only, from both sides, from below only, from neither.
-    struct Parts {
-        size_t fromAbove, aboveEnd, belowEnd;
-    };
-
-    void part(int y) {
-        const size_t row = static_cast<size_t>(y - first_);
-        Seed* const seeds = seeds_.get() + begins_[row];
-        Seed* const seedsEnd = seeds_.get() + begins_[row + 1];
-        const auto upTo = [&](Seed* from, Side side) {
-            return std::partition(from, seedsEnd, [side](const Seed& seed) { return seed.rows == side; });
-        };
-        Seed* const both = upTo(seeds, Side::Before);
-        Seed* const after = upTo(both, Side::Both);
-        Seed* const neither = upTo(after, Side::After);
-        parts_[row] = {static_cast<size_t>(both - seeds), static_cast<size_t>(after - seeds),
-                       static_cast<size_t>(neither - seeds)};
+    static size_t count(const LevelPlane& plane, ptrdiff_t row, int width) {
+        return static_cast<size_t>(ZVEX_ON_TARGET(countFractions(plane.levels + row, width)));
+    }
+    static size_t count(const ValuePlane& plane, ptrdiff_t row, int width) {
+        const float* values = plane.values + row;
+        return static_cast<size_t>(std::count_if(values, values + width, isFraction));
     }
 
-    static size_t fractionsOf(const DistanceSearch& s, int y) {
-        return static_cast<size_t>(ZVEX_ON_TARGET(countFractions(s.plane + ptrdiff_t{y} * s.width, s.width)));
-    }
+    static bool isFraction(float value) { return value > 0.0f && value < 1.0f; }
 
-    static bool isSeed(const DistanceSearch& s, const float* pixel, int x, int y) {
-        if (!(*pixel < 1.0f)) return false;
-        if (*pixel > 0.0f) return true;
-        return (x > 0 && !(pixel[-1] <= 0.0f)) || (x < s.width - 1 && !(pixel[1] <= 0.0f)) ||
-               (y > 0 && !(pixel[-ptrdiff_t{s.width}] <= 0.0f)) ||
-               (y < s.height - 1 && !(pixel[s.width] <= 0.0f));
-    }
-
-    // Writes the seeds of a row to `next` unless that is null; returns their count.
-    static size_t take(const DistanceSearch& s, int y, Seed* next) {
-        const float* row = s.plane + ptrdiff_t{y} * s.width;
-        size_t count = 0;
-        for (int x = 0; x < s.width; ++x) {
-            if (!isSeed(s, row + x, x, y)) continue;
-            if (next != nullptr) next[count] = Seed{x, std::max(0.0f, row[x]), Side::Both, Side::Both};
-            ++count;
+    // Calls visit(x) for each seed of a row.
+    template <typename Visit>
+    static void forSeeds(const LevelPlane& plane, ptrdiff_t row, int width, Visit visit) {
+        const uint8_t* levels = plane.levels + row;
+        int x = 0;
+        for (; x < width - 7; x += 8) {
+            uint64_t word;
+            std::memcpy(&word, levels + x, sizeof word);
+            // The high bits of the bytes that are neither 0 nor 255.
+            for (uint64_t bits = filled(word) & filled(~word); bits != 0; bits &= bits - 1)
+                visit(x + __builtin_ctzll(bits) / 8);
         }
-        return count;
+        for (; x < width; ++x) {
+            if (levels[x] != 0 && levels[x] != 255) visit(x);
+        }
+    }
+    // The high bits of the bytes that are not 0.
+    static uint64_t filled(uint64_t word) {
+        constexpr uint64_t LOW = 0x7F7F7F7F7F7F7F7Fu;
+        return (((word & LOW) + LOW) | word) & ~LOW;
+    }
+    template <typename Visit>
+    static void forSeeds(const ValuePlane& plane, ptrdiff_t row, int width, Visit visit) {
+        for (int x = 0; x < width; ++x) {
+            if (isFraction(plane.values[row + x])) visit(x);
+        }
+    }
+
+    static float valueAt(const LevelPlane& plane, ptrdiff_t at) { return plane.ramp[plane.levels[at]]; }
+    static float valueAt(const ValuePlane& plane, ptrdiff_t at) { return plane.values[at]; }
+
+    static int8_t lead(float value, float neighbour) {
+        if (!(neighbour < 1.0f)) return -LEADS;
+        return static_cast<int8_t>(std::floor((value - std::max(0.0f, neighbour)) * LEADS));
+    }
+
+    template <typename Plane>
+    static void take(Seed* next, const Plane& plane, int y, int width, int height) {
+        const ptrdiff_t row = ptrdiff_t{y} * width;
+        forSeeds(plane, row, width, [&](int x) {
+            const ptrdiff_t at = row + x;
+            Seed seed;
+            seed.x = x;
+            seed.value = valueAt(plane, at);
+            seed.left = lead(seed.value, x > 0 ? valueAt(plane, at - 1) : INFINITE);
+            seed.right = lead(seed.value, x < width - 1 ? valueAt(plane, at + 1) : INFINITE);
+            seed.above = lead(seed.value, y > 0 ? valueAt(plane, at - width) : INFINITE);
+            seed.below = lead(seed.value, y < height - 1 ? valueAt(plane, at + width) : INFINITE);
+            *next++ = seed;
+        });
     }
 
     Buffer<Seed> seeds_;
     Buffer<size_t> begins_;
-    Buffer<Parts> parts_;
     int first_ = 0;
 };
 
-// Finds for every row the nearest seeds of its pixels, infinity where the window has none, and has
-// keep(values, nearest, width) make the row's new values of them.
+// What each pixel's window offers it, row by row: the smallest of the distances to full pixels and of the
+// values of the seeds plus the distances to these.
+class NearestRows {
+public:
+    // For the rows begin..end - 1. Distances from `limit` on are of no interest. False when memory is short.
+    template <typename Plane, typename Value>
+    bool make(const Plane& plane, const Value* pixels, int width, int height, int radius, float limit,
+              int begin, int end) {
+        width_ = width;
+        height_ = height;
+        y_ = begin;
+        if (!roots_.make(width, height, radius) || !sights_.make(roots_, limit)) return false;
+        const int reachX = roots_.reachX(), reachY = roots_.reachY(), first = above(begin),
+                  last = below(end - 1);
+        lastSquare_ = reachX * reachX + reachY * reachY;
+        if (!distances_.allocate(int64_t{lastSquare_} + 1) ||
+            !full_.make(pixels, width, first, last, reachX, reachY, reachY + 1) ||
+            !seeds_.collect(plane, width, height, first, last)) {
+            return false;
+        }
+        for (int dy = 0; dy <= reachY; ++dy) {
+            for (int dx = 0; dx <= reachX; ++dx)
+                distances_[static_cast<size_t>(dx * dx + dy * dy)] = roots_.row(dy)[dx];
+        }
+        for (int y = first; y < begin; ++y) full_.next();
+        window_.roots = roots_.row(0);
+        window_.span = roots_.span();
+        sights_.describe(window_, reachY);
+        seeded_ = first;
+        lastSeeded_ = last;
+        return makeLines(begin, end);
+    }
+
+    // The next row; infinity where the window has none. Null if it has none anywhere.
+    float* next() {
+        const int y = y_++;
+        for (; seeded_ <= std::min(below(y), lastSeeded_); ++seeded_) {
+            while (prepared_ < rows_.end && prepared_ - seeded_ <= roots_.reachY()) prepare(prepared_++);
+            const Seed* seeds = seeds_.begin(seeded_);
+            const ptrdiff_t count = seeds_.end(seeded_) - seeds;
+            if (count == 0) continue;
+            const int last = std::min(seeded_ + roots_.reachY(), rows_.end - 1);
+            for (int row = std::max(seeded_ - roots_.reachY(), y); row <= last; ++row)
+                found_[static_cast<size_t>(row % rows_.count)] = true;
+            ZVEX_ON_TARGET(spreadSeeds(rows_, seeds, count, seeded_, roots_.reachY(), window_));
+        }
+        return found_[static_cast<size_t>(y % rows_.count)] ? line(y) : nullptr;
+    }
+
+    // The seeds of a row.
+    const Seed* begin(int y) const { return seeds_.begin(y); }
+    const Seed* end(int y) const { return seeds_.end(y); }
+
+private:
+    int above(int y) const { return std::max(0, y - roots_.reachY()); }
+    int below(int y) const { return y < height_ - roots_.reachY() ? y + roots_.reachY() : height_ - 1; }
+
+    bool makeLines(int begin, int end) {
+        const int64_t padding = int64_t{roots_.reachX()} + BLOCK;
+        rows_.span = width_ + 2 * padding;
+        rows_.count =
+            static_cast<int>(std::min<int64_t>(2 * int64_t{roots_.reachY()} + 1, int64_t{end} - begin));
+        rows_.begin = prepared_ = begin;
+        rows_.end = end;
+        if (!lines_.allocate(rows_.count, rows_.span) || !found_.allocate(rows_.count)) return false;
+        std::fill_n(lines_.get(), rows_.count * rows_.span, INFINITE);
+        rows_.lines = lines_.get() + padding;
+        return true;
+    }
+    float* line(int y) const { return rows_.lines + y % rows_.count * rows_.span; }
+
+    // A row before any seeds.
+    void prepare(int y) {
+        const bool found = full_.next();
+        found_[static_cast<size_t>(y % rows_.count)] = found;
+        if (found) {
+            full_.nearest(line(y), distances_.get(), lastSquare_, INFINITE);
+        } else {
+            std::fill_n(line(y), width_, INFINITE);
+        }
+    }
+
+    RootRows roots_;
+    Sights sights_;
+    SeedWindow window_;
+    OfferRows rows_;
+    Buffer<float> lines_;  // of rows_, each with a window's reach on either side
+    Buffer<bool> found_;
+    int seeded_ = 0, lastSeeded_ = 0;  // the next row whose seeds are to be spread, the last one
+    int prepared_ = 0;                 // the next row to prepare
+    Buffer<float> distances_;          // of each square that is the sum of two within the reach
+    FullRows full_;
+    Seeds seeds_;
+    int width_ = 0, height_ = 0, y_ = 0, lastSquare_ = 0;
+};
+
+// Finds for every row what its pixels are offered and has keep(values, nearest, width) make the row's new
+// values of it. No seed and no full pixel changes during a search.
 template <typename Keep>
-bool searchSeeds(const DistanceSearch& s, Keep keep) {
+bool searchNearestRows(const DistanceSearch& s, Keep keep) {
     const int begin = std::max(s.rowBegin, 0), end = std::min(s.rowEnd, s.height);
     if (s.plane == nullptr || s.width < 1 || s.radius < 1 || begin >= end) return true;
-    RootRows roots;
-    FullPixels full;
-    Seeds seeds;
-    Buffer<float> row;
-    if (!roots.make(s) || !row.allocate(s.width + roots.span())) return false;
-    const int reachX = roots.reachX(), reachY = roots.reachY();
-    const auto above = [=](int y) { return std::max(0, y - reachY); };
-    const auto below = [=](int y) { return y < s.height - reachY ? y + reachY : s.height - 1; };
-    const bool apart = FullPixels::fit(reachX, reachY);
-    if (apart && !findFullPixels(full, s, roots, above(begin), below(end - 1))) return false;
-    if (!seeds.collect(s, above(begin), below(end - 1), apart)) return false;
-    float* nearest = row.get() + reachX;  // what a seed brings may lie beyond either edge
-    std::fill_n(row.get(), s.width + roots.span(), INFINITE);
+    if (!FullRows::fit(std::min(s.radius, s.width - 1), std::min(s.radius, s.height - 1))) return false;
+    NearestRows rows;
+    if (!rows.make(ValuePlane{s.plane}, s.plane, s.width, s.height, s.radius, INFINITE, begin, end))
+        return false;
     for (int y = begin; y < end; ++y) {
-        bool found = apart && full.nearest(nearest, y);
-        if (!found) std::fill_n(nearest, s.width, INFINITE);
-        for (int seedY = above(y); seedY <= below(y); ++seedY) {
-            const int side = y < seedY ? -1 : y > seedY ? 1 : 0;
-            const Seed* first = seeds.begin(seedY, side);
-            const Seed* last = seeds.end(seedY, side);
-            if (first == last) continue;
-            const float* distances = roots.row(int64_t{seedY} - y) - reachX;
-            ZVEX_ON_TARGET(lowerRow(row.get(), first, last, distances, reachX));
-            found = true;
-        }
-        if (found) keep(s.plane + ptrdiff_t{y} * s.width, nearest, s.width);
+        const float* nearest = rows.next();
+        if (nearest != nullptr) keep(s.plane + ptrdiff_t{y} * s.width, nearest, s.width);
     }
     return true;
 }
@@ -415,42 +585,148 @@ bool squaredDistances(float* plane, int width, int height) {
     return true;
 }
 
-bool distancesWithin(float* plane, int width, int height, int radius) {
-    if (plane == nullptr || width < 1 || height < 1 || radius < 1) return true;
-    const int reachX = std::min(radius, width - 1), reachY = std::min(radius, height - 1);
-    const int exact = exactColumns(height);
-    if (!FullPixels::fit(reachX, reachY) || exact < 1) return cappedTransform(plane, width, height, radius);
-    FullPixels full;
+struct DistanceRows::Rows {
+    const uint8_t* levels;
+    int width, height, radius;
+    int y = 0;
+    Buffer<float> lines;  // the last three rows
+    int64_t span = 0, padding = BLOCK;
+
+    // The search.
+    bool searches = false, outward = false;
+    const float* ramp = nullptr;
+    NearestRows nearest;
+
+    // The transform: of the full pixels, or of the plane where these do not do.
+    FullRows full;
     Envelope envelope;
-    Buffer<float> line;
-    if (!full.allocate(width, 0, height - 1, reachX, reachY)) return false;
-    if (width > exact && (!envelope.allocate(width) || !line.allocate(width, 2))) return false;
-    for (int square = 0; square <= full.none(); ++square)
-        full.distances[static_cast<size_t>(square)] = cappedRoot(static_cast<float>(square), radius);
-    full.distances[static_cast<size_t>(full.none())] = static_cast<float>(radius);
-    full.step(plane, height);
-    for (int y = 0; y < height; ++y) {
-        float* row = plane + ptrdiff_t{y} * width;
-        int begin = width;
-        if (width > exact) begin = transformEnd(line.get(), full.steps(y), width, height, exact, envelope);
-        full.square(y);
-        if (!full.nearest(row, y)) {
-            std::fill_n(row, width, static_cast<float>(radius));
+    Buffer<float> end;
+    int exact = 0;
+    Buffer<float> plane;
+
+    bool makeLines() {
+        span = width + 2 * padding;
+        if (!lines.allocate(3, span)) return false;
+        std::fill_n(lines.get(), 3 * span, 0.0f);
+        return true;
+    }
+    float* line(int row) const { return lines.get() + row % 3 * span + padding; }
+
+    bool makeSearch() {
+        searches = true;
+        if (radius < 1) return makeLines();
+        const int reachX = std::min(radius, width - 1), reachY = std::min(radius, height - 1);
+        if (!FullRows::fit(reachX, reachY) ||
+            !nearest.make(LevelPlane{levels, ramp}, levels, width, height, radius,
+                          outward ? INFINITE : ramp[255], 0, height)) {
+            return false;
+        }
+        return makeLines();
+    }
+
+    bool makeTransform() {
+        exact = exactColumns(height);
+        if (exact < 1 || int64_t{radius} * radius > EXACT) return makePlane() && makeLines();
+        const bool wide = width > exact;
+        if (wide && (!envelope.allocate(width) || !end.allocate(width, 2))) return false;
+        const int reachX = std::min(radius, width - 1), reachY = std::min(radius, height - 1);
+        return full.make(levels, width, 0, height - 1, reachX, reachY, wide ? height : reachY + 1) &&
+               makeLines();
+    }
+
+    bool makePlane() {
+        if (!plane.allocate(height, width)) return false;
+        const size_t count = static_cast<size_t>(width) * static_cast<size_t>(height);
+        for (size_t i = 0; i < count; ++i) plane[i] = levels[i] == 0 ? 0.0f : ENDLESS;
+        if (!squaredDistances(plane.get(), width, height)) return false;
+        for (size_t i = 0; i < count; ++i) plane[i] = cappedRoot(plane[i], radius);
+        return true;
+    }
+
+    void transformRow(float* row) {
+        const float limit = static_cast<float>(radius);
+        if (plane.get() != nullptr) {
+            std::copy_n(plane.get() + ptrdiff_t{y} * width, width, row);
+        } else if (!full.next()) {
+            std::fill_n(row, width, limit);
         } else {
-            for (int x = begin; x < width; ++x) row[x] = cappedRoot(line[static_cast<size_t>(x)], radius);
+            int begin = width;
+            if (width > exact) begin = transformEnd(end.get(), full.steps(), width, height, exact, envelope);
+            full.nearest(row, nullptr, radius * radius, limit);
+            for (int x = begin; x < width; ++x) row[x] = cappedRoot(end[static_cast<size_t>(x)], radius);
         }
     }
+
+    void searchRow(float* row) {
+        if (radius < 1) {
+            const uint8_t* levelsHere = levels + ptrdiff_t{y} * width;
+            for (int x = 0; x < width; ++x) row[x] = ramp[levelsHere[x]];
+            return;
+        }
+        const float* offers = nearest.next();
+        if (offers == nullptr) {
+            std::fill_n(row, width, ramp[255]);
+        } else {
+            if (outward) {
+                ZVEX_ON_TARGET(boundRow(row, offers, width, ramp[255], ramp[0]));
+            } else {
+                ZVEX_ON_TARGET(limitRow(row, offers, width, ramp[255]));
+            }
+            for (const Seed* seed = nearest.begin(y); seed != nearest.end(y); ++seed)
+                row[seed->x] = seed->value;
+        }
+    }
+};
+
+DistanceRows::~DistanceRows() {
+    delete rows_;
+}
+
+bool DistanceRows::make(const uint8_t* levels, int width, int height, int radius) {
+    delete rows_;
+    rows_ = new (std::nothrow) Rows;
+    if (rows_ == nullptr) return false;
+    rows_->levels = levels;
+    rows_->width = width;
+    rows_->height = height;
+    rows_->radius = radius;
     return true;
 }
 
+bool DistanceRows::transform(const uint8_t* levels, int width, int height, int radius) {
+    return make(levels, width, height, radius) && rows_->makeTransform();
+}
+
+bool DistanceRows::search(const uint8_t* levels, int width, int height, int radius, const float* ramp,
+                          bool outward) {
+    if (!make(levels, width, height, radius)) return false;
+    rows_->ramp = ramp;
+    rows_->outward = outward;
+    return rows_->makeSearch();
+}
+
+void DistanceRows::next() {
+    float* row = rows_->line(rows_->y);
+    if (rows_->searches) {
+        rows_->searchRow(row);
+    } else {
+        rows_->transformRow(row);
+    }
+    ++rows_->y;
+}
+
+const float* DistanceRows::row(int y) const {
+    return rows_->line(y);
+}
+
 bool searchNearest(const DistanceSearch& search) {
-    return searchSeeds(search, [](float* values, const float* nearest, int width) {
+    return searchNearestRows(search, [](float* values, const float* nearest, int width) {
         ZVEX_ON_TARGET(keepNearest(values, nearest, width));
     });
 }
 
 bool searchOutward(const DistanceSearch& search) {
-    return searchSeeds(search, [](float* values, const float* nearest, int width) {
+    return searchNearestRows(search, [](float* values, const float* nearest, int width) {
         ZVEX_ON_TARGET(keepOutward(values, nearest, width));
     });
 }
@@ -462,7 +738,7 @@ bool searchInward(const DistanceSearch& s) {
     if (s.plane == nullptr || s.width < 1 || s.radius < 1 || begin >= end) return true;
     RootRows roots;
     Buffer<float> highRow, least;
-    if (!roots.make(s)) return false;
+    if (!roots.make(s.width, s.height, s.radius)) return false;
     const int reachX = roots.reachX(), reachY = roots.reachY();
     const int64_t padded = int64_t{s.width} + 2 * MOST_LANES;
     if (!highRow.allocate(padded + 2 * int64_t{reachX}) || !least.allocate(padded)) return false;

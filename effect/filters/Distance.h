@@ -2,6 +2,8 @@
 #ifndef ZVEX_EFFECT_FILTERS_DISTANCE_H_
 #define ZVEX_EFFECT_FILTERS_DISTANCE_H_
 
+#include <cstdint>
+
 namespace Zvex {
 
 // How far the pixels of a plane lie from a glyph's edge, in pixels. Planes are floats, rows packed.
@@ -23,9 +25,37 @@ bool squaredDistances(float* result, const float* values, int count);
 // and 0 on those of the other, each of the former becomes its squared distance to the nearest of the latter.
 bool squaredDistances(float* plane, int width, int height);
 
-// Of a plane of 0 and 1e20 the roots of these, in place, or `radius` where they are greater. A radius below 1
-// changes nothing. Costs little more than the plane takes to read, up to a radius of 90 and a height of 4095.
-bool distancesWithin(float* plane, int width, int height, int radius);
+// The distances of a plane row by row, from the top; nothing of the size of a plane of floats is kept. The
+// plane is given as levels, bytes of packed rows: 0 for a full pixel, from which distances are measured, 1 to
+// 254 for a partly covered one, 255 for any other. It has to fit an int in pixels and to outlive the rows.
+class DistanceRows {
+public:
+    DistanceRows() = default;
+    ~DistanceRows();
+    DistanceRows(const DistanceRows&) = delete;
+    DistanceRows& operator=(const DistanceRows&) = delete;
+
+    // The transform: the distance to the nearest full pixel, or `radius`, at least 1, where it is greater.
+    // All other levels are the same. Costs little for each pixel, hardly more for a large radius; up to a
+    // height of 4095, beyond that it takes the transform of a plane.
+    bool transform(const uint8_t* levels, int width, int height, int radius);
+
+    // searchNearest of the plane of the values ramp[level], which rise with the level: ramp[0] is 0,
+    // ramp[255] the radius. `outward`, searchOutward; then ramp[0] is at most 0 and ramp[255] at least 1. The
+    // ramp has to outlive the rows. A radius below 1 leaves the values.
+    bool search(const uint8_t* levels, int width, int height, int radius, const float* ramp, bool outward);
+
+    // Measures the next row. As many calls as there are rows.
+    void next();
+    // Row y, one of the last three measured.
+    const float* row(int y) const;
+
+private:
+    struct Rows;
+    bool make(const uint8_t* levels, int width, int height, int radius);
+
+    Rows* rows_ = nullptr;  // owned
+};
 
 // One search over the rows rowBegin..rowEnd - 1 of a plane, which has to fit an int in pixels. A pixel's
 // window is the square of those within `radius` of it along both axes, cut at the plane's edges; radii below
@@ -42,8 +72,7 @@ struct DistanceSearch {
 // changes, nothing else falls below 1.
 //
 // Costs a little for every pixel, and for each pixel between 0 and 1 as much of a window as sees it past
-// neighbours at or below its value. Above a radius of 90 it is one window for each such pixel and for each
-// pixel at or below 0 with a neighbour that is not.
+// neighbours below its value. False, too, for windows that reach further than 23170 pixels both ways.
 bool searchNearest(const DistanceSearch& search);
 
 // Every pixel above 0 with a pixel below 1 in its window becomes the smallest of those pixels' distances,

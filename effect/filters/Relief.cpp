@@ -21,9 +21,16 @@ float radians(float degrees) {
     return degrees * PI / 180.0f;
 }
 
-constexpr float FAR = 1e20f;
-
 constexpr int WEIGHT = 100;
+
+// Rows are looked through in blocks of so many pixels; what is the same in all of one is done at once.
+constexpr int BLOCK = 64;
+
+// Rows that are blurred at a time.
+constexpr int BAND = 64;
+
+// Of a block whose pixels have not the same two lights.
+constexpr int32_t UNEVEN = -1;
 
 #define ZVEX_KERNELS "effect/filters/ReliefKernels.inc"
 #include "raster/ForEachTarget.h"
@@ -53,7 +60,7 @@ void lightRowOfAnyAlpha(const LitRow& row) {
                               ? *pixel == row.limit
                               : !(*pixel < row.limit) || *pixel == 0.0f;
         if (flat) continue;
-        const float gx = slope(pixel[-1], pixel[1]), gy = slope(pixel[-row.stride], pixel[row.stride]);
+        const float gx = slope(pixel[-1], pixel[1]), gy = slope(row.above[x], row.below[x]);
         int shade = truncateToInt(row.side == LitSide::Within ? row.light.oppositeShade(gx, gy)
                                                               : row.light.shade(gx, gy));
         if (row.flip) shade = 255 - shade;
@@ -90,42 +97,24 @@ int64_t reliefMargin(int64_t radius, int64_t blur, int64_t soften) {
     return std::max(2 * soften, 2 * blur) + radius;
 }
 
-void fillFromCoverage(float* plane, const WorkingArea& area, const ZvBitmap& mask, float outside,
-                      const float* ramp) {
-    std::fill_n(plane, area.pixels(), outside);
-    const int inset = area.margin, right = area.width - inset;
-    for (int y = inset; y < area.height - inset; ++y) {
-        float* row = plane + area.row(y);
-        if (inset < right) std::fill(row + inset, row + right, ramp[0]);
-        const MaskRow part = maskRow(area, mask, y, inset, right);
-        // Eight pixels at once where all are empty or full.
-        const int count = part.end - part.begin, eights = count / 8 * 8;
-        row += part.begin;
-        for (int x = 0; x < eights; x += 8) {
-            uint64_t pixels;
-            std::memcpy(&pixels, part.pixels + x, sizeof pixels);
-            if (pixels == 0) continue;
-            if (pixels == UINT64_MAX) {
-                std::fill_n(row + x, 8, ramp[255]);
-            } else {
-                for (int i = x; i < x + 8; ++i) row[i] = ramp[part.pixels[i]];
-            }
+void makeLevels(uint8_t* plane, Levels levels, const WorkingArea& area, const ZvBitmap& mask, int more) {
+    const int none = levels == Levels::Coverage ? 0 : 255;
+    const int right = std::min(area.width - area.margin + more, area.width);
+    const int bottom = std::min(area.height - area.margin + more, area.height);
+    const auto clear = [&](uint8_t* row, int begin, int end) {
+        if (begin < end) std::memset(row + begin, none, static_cast<size_t>(end - begin));
+    };
+    for (int y = 0; y < area.height; ++y) {
+        uint8_t* row = plane + area.row(y);
+        const MaskRow part = maskRow(area, mask, y, area.margin, right);
+        if (y < area.margin || y >= bottom || part.begin >= part.end) {
+            clear(row, 0, area.width);
+            continue;
         }
-        for (int x = eights; x < count; ++x) row[x] = ramp[part.pixels[x]];
+        clear(row, 0, part.begin);
+        clear(row, part.end, area.width);
+        ZVEX_ON_TARGET(makeLevels(row + part.begin, part.pixels, part.end - part.begin, levels));
     }
-}
-
-bool edgeDistances(float* plane, const WorkingArea& area, const ZvBitmap& mask, bool inside, int radius) {
-    const float text = inside ? FAR : 0.0f, ground = inside ? 0.0f : FAR;
-    std::fill_n(plane, area.pixels(), ground);
-    const int right = std::min(area.width - area.margin, area.width - 1);
-    const int bottom = std::min(area.height - area.margin, area.height - 1);
-    for (int y = area.margin; y <= bottom; ++y) {
-        const MaskRow part = maskRow(area, mask, y, area.margin, right + 1);
-        float* row = plane + area.row(y) + part.begin;
-        for (int x = 0; x < part.end - part.begin; ++x) row[x] = part.pixels[x] != 0 ? text : ground;
-    }
-    return distancesWithin(plane, area.width, area.height, radius);
 }
 
 bool blurRelief(const ReliefBlurJob& job) {
@@ -141,14 +130,6 @@ bool blurRelief(unsigned char* source, unsigned char* destination, int radius, i
     const int border = std::max(radius, 0);
     const auto end = [=](int size) { return clampToInt(int64_t{size} - border); };
     return blurRelief({source, destination, width, border, border, end(width), border, end(height)});
-}
-
-bool ReliefPlanes::blur(Buffer<uint8_t>& scratch, const WorkingArea& area, int radius) {
-    for (Buffer<uint8_t>* plane : {&highlight, &shadow}) {
-        if (!blurRelief(plane->get(), scratch.get(), radius, area.height, area.width)) return false;
-        std::swap(*plane, scratch);
-    }
-    return true;
 }
 
 uint32_t ReliefColors::pixel(int highlightLight, int shadowLight) const {
@@ -168,26 +149,23 @@ void ReliefColors::row(uint32_t* pixels, const uint8_t* highlightLights, const u
     ZVEX_ON_TARGET(colorRow(pixels, highlightLights, shadowLights, count, gain, highlight, shadow));
 }
 
-ReliefRows::ReliefRows(const WorkingArea& area, ReliefPlanes planes, const ReliefColors& colors,
-                       int blendMode, bool onBoth)
-    : area_(area), planes_(std::move(planes)), colors_(colors), blendMode_(blendMode), onBoth_(onBoth) {}
-
-void ReliefRows::putBehind(ReliefPlanes planes, const ZvBitmap& mask) {
-    behind_ = std::move(planes);
-    mask_ = &mask;
+bool ReliefRows::allocate(ReliefPlanes& light, int firstRadius, int secondRadius) {
+    return light_.make(area_, light, firstRadius, secondRadius) && row_.allocate(area_.width);
 }
 
-bool ReliefRows::allocate() {
-    return row_.allocate(area_.width) && rowBehind_.allocate(area_.width) &&
-           coverage_.allocateZeroed(area_.width);
+bool ReliefRows::putBehind(ReliefPlanes& light, int firstRadius, int secondRadius, const ZvBitmap& mask) {
+    mask_ = &mask;
+    return behind_.make(area_, light, firstRadius, secondRadius) && rowBehind_.allocate(area_.width) &&
+           coverage_.allocate(area_.width);
 }
 
 void ReliefRows::colorRow(int y) {
-    const size_t at = area_.row(y);
     const int width = area_.width, margin = area_.margin;
-    colors_.row(row_.get(), planes_.highlight.get() + at, planes_.shadow.get() + at, width);
+    light_.moveTo(y);
+    colors_.row(row_.get(), light_.highlight(), light_.shadow(), width);
     if (mask_ == nullptr) return;
-    colors_.row(rowBehind_.get(), behind_.highlight.get() + at, behind_.shadow.get() + at, width);
+    behind_.moveTo(y);
+    colors_.row(rowBehind_.get(), behind_.highlight(), behind_.shadow(), width);
     const ZvRect box(area_.x + margin, area_.y + y, area_.x + width - margin, area_.y + y + 1);
     std::memset(coverage_.get(), 0, static_cast<size_t>(width));
     if (y >= margin && y < area_.height - margin) copyCoverage(*mask_, box, coverage_.get() + margin, width);
@@ -204,6 +182,148 @@ void ReliefRows::draw(RowRange rows, const PictureStrip& target, const PictureSt
                                          area_.width, 1, area_.width, blendMode_);
         }
     }
+}
+
+bool BlurredLight::make(const WorkingArea& area, ReliefPlanes& light, int firstRadius, int secondRadius) {
+    area_ = area;
+    light_.highlight = std::move(light.highlight);
+    light_.shadow = std::move(light.shadow);
+    if (firstRadius > 0 && secondRadius > 0) {
+        ReliefPlanes blurred;
+        if (!prepare(firstRadius) || !blurred.highlight.allocate(area.height, area.width) ||
+            !blurred.shadow.allocate(area.height, area.width)) {
+            return false;
+        }
+        for (int y = 0; y < area.height; y += BAND) {
+            blurRows(y, std::min(BAND, area.height - y), blurred.highlight.get() + area.row(y),
+                     blurred.shadow.get() + area.row(y));
+        }
+        border_ = std::move(light_.shadow);
+        light_.highlight = std::move(blurred.highlight);
+        light_.shadow = std::move(blurred.shadow);
+    }
+    const int radius = secondRadius > 0 ? secondRadius : firstRadius;
+    if (radius < 1) return true;
+    return prepare(radius) && bandHighlight_.allocate(BAND, area.width) &&
+           bandShadow_.allocate(BAND, area.width);
+}
+
+// For one of the blurs.
+bool BlurredLight::prepare(int radius) {
+    radius_ = radius;
+    if (area_.width <= 2 * int64_t{radius} || area_.height <= 2 * int64_t{radius}) return true;  // all border
+    const int blocks = (area_.width + BLOCK - 1) / BLOCK;
+    if (!kernel_.make(radius, WEIGHT, GaussianConstant::Double) ||
+        !blur_.prepare(kernel_, area_.width, BAND) || !column_.allocate(BAND, area_.width) ||
+        !even_.allocate(area_.height, blocks) || !evenBand_.allocate(blocks)) {
+        return false;
+    }
+    for (int y = 0; y < area_.height; ++y) {
+        ZVEX_ON_TARGET(findEven(even_.get() + ptrdiff_t{y} * blocks, light_.highlight.get() + area_.row(y),
+                                light_.shadow.get() + area_.row(y), area_.width));
+    }
+    return true;
+}
+
+void BlurredLight::moveTo(int y) {
+    if (radius_ < 1) {
+        highlightRow_ = light_.highlight.get() + area_.row(y);
+        shadowRow_ = light_.shadow.get() + area_.row(y);
+        return;
+    }
+    if (y < bandBegin_ || y >= bandEnd_) {
+        bandBegin_ = y;
+        bandEnd_ = y + std::min(BAND, area_.height - y);
+        blurRows(bandBegin_, bandEnd_ - bandBegin_, bandHighlight_.get(), bandShadow_.get());
+    }
+    highlightRow_ = bandHighlight_.get() + area_.row(y - bandBegin_);
+    shadowRow_ = bandShadow_.get() + area_.row(y - bandBegin_);
+}
+
+void BlurredLight::blurRows(int y, int count, uint8_t* highlight, uint8_t* shadow) {
+    const ptrdiff_t width = area_.width;
+    const int innerRight = area_.width - radius_;
+    for (int i = 0; i < count; ++i) {
+        const bool inside = radius_ < innerRight && y + i >= radius_ && y + i < area_.height - radius_;
+        const auto fill = [&](ptrdiff_t begin, ptrdiff_t end) {
+            const size_t from = area_.row(y + i) + static_cast<size_t>(begin),
+                         size = static_cast<size_t>(end - begin);
+            std::memcpy(shadow + i * width + begin, light_.highlight.get() + from, size);
+            if (border_.get() != nullptr) {
+                std::memcpy(highlight + i * width + begin, border_.get() + from, size);
+            } else {
+                std::memset(highlight + i * width + begin, 0, size);
+            }
+        };
+        fill(0, inside ? radius_ : width);
+        if (inside) fill(innerRight, width);
+    }
+    const int first = std::max(y, radius_), last = std::min(y + count, area_.height - radius_);
+    if (first >= last || radius_ >= innerRight) return;
+    const ptrdiff_t skipped = (first - y) * width;
+    findEvenBlocks(first, last - first);
+    blurBand(light_.highlight.get(), first, last - first, 0, highlight + skipped);
+    blurBand(light_.shadow.get(), first, last - first, 8, shadow + skipped);
+}
+
+// The blocks of which all that the windows of these rows see is even.
+void BlurredLight::findEvenBlocks(int y, int count) {
+    const int blocks = (area_.width + BLOCK - 1) / BLOCK;
+    const int32_t* row = even_.get() + ptrdiff_t{y - radius_} * blocks;
+    std::copy_n(row, blocks, evenBand_.get());
+    for (int i = 1; i < count + 2 * radius_; ++i) {
+        row += blocks;
+        for (int block = 0; block < blocks; ++block) {
+            int32_t& value = evenBand_[static_cast<size_t>(block)];
+            value = value == row[block] ? value : UNEVEN;
+        }
+    }
+}
+
+// Rows y..y + count - 1 of one of the planes, but for the border; `shift` is where its byte lies in the even
+// blocks' values.
+void BlurredLight::blurBand(const uint8_t* plane, int y, int count, int shift, uint8_t* target) {
+    const ptrdiff_t width = area_.width;
+    const int left = radius_, right = area_.width - radius_, blocks = (area_.width + BLOCK - 1) / BLOCK;
+    uint8_t* column = column_.get();
+    const auto isEven = [&](int block) { return evenBand_[static_cast<size_t>(block)] != UNEVEN; };
+    // Calls blur(x, end) for the runs of uneven pixels and gives the others their value.
+    const auto forRuns = [&](uint8_t* rows, const auto& even, const auto& blurRun) {
+        for (int block = 0, next = 0; block < blocks; block = next) {
+            const bool same = even(block);
+            const int32_t value = evenBand_[static_cast<size_t>(block)];
+            for (next = block + 1; next < blocks && even(next) == same; ++next) {
+                if (same && evenBand_[static_cast<size_t>(next)] != value) break;
+            }
+            const int begin = std::max(block * BLOCK, left), end = std::min(next * BLOCK, right);
+            if (begin >= end) continue;
+            if (!same) {
+                blurRun(begin, end);
+                continue;
+            }
+            for (int i = 0; i < count; ++i)
+                std::memset(rows + i * width + begin, value >> shift & 255, static_cast<size_t>(end - begin));
+        }
+    };
+    forRuns(column, isEven, [&](int begin, int end) {
+        blur_.columns({plane + area_.row(y - radius_) + begin, width, -radius_, count + radius_,
+                       column + begin, width, end - begin, count, false, false});
+    });
+    // Along the rows there is no light beyond the border.
+    const auto isEvenAround = [&](int block) {
+        const int32_t value = evenBand_[static_cast<size_t>(block)];
+        const int begin = block * BLOCK - radius_, end = (block + 1) * BLOCK + radius_;
+        if (value == UNEVEN || (value != 0 && (begin < left || end > right))) return false;
+        for (int i = std::max(begin, 0) / BLOCK; i * BLOCK < std::min(end, area_.width); ++i) {
+            if (evenBand_[static_cast<size_t>(i)] != value) return false;
+        }
+        return true;
+    };
+    forRuns(target, isEvenAround, [&](int begin, int end) {
+        const int first = std::max(begin - radius_, left), last = std::min(end + radius_, right);
+        blur_.rows({column + first, width, first - begin, last - begin, target + begin, width, end - begin,
+                    count, false, false});
+    });
 }
 
 }  // namespace Zvex

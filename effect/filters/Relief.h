@@ -5,12 +5,14 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 
 #include "effect/LayerRows.h"
 #include "effect/Numbers.h"
 #include "effect/ZvProperty.h"
 #include "effect/filters/Buffer.h"
 #include "effect/filters/Coverage.h"
+#include "effect/filters/Gaussian.h"
 
 namespace Zvex {
 
@@ -80,8 +82,9 @@ struct LitRow {
     LitSide side;
     uint8_t* highlight;  // results; what is not lit keeps its bytes
     uint8_t* shadow;
+    const float* above;  // distances in the row before
     const float* distances;
-    ptrdiff_t stride;  // pixels, of the plane of distances
+    const float* below;
     int begin, end;
     float limit, inner;
     ReliefLight light;
@@ -96,15 +99,15 @@ void lightRow(const LitRow& row);
 // two blurs twice.
 int64_t reliefMargin(int64_t radius, int64_t blur, int64_t soften);
 
-// The whole area as `outside`, the box in its middle as ramp[coverage of the mask]. ramp has 256 entries.
-void fillFromCoverage(float* plane, const WorkingArea& area, const ZvBitmap& mask, float outside,
-                      const float* ramp);
+// What the levels of DistanceRows are made of.
+enum class Levels {
+    Coverage,  // full pixels are those without coverage: distances of the text
+    Ground,    // what 255 lacks of it: distances around the text
+    Beside,    // full pixels are those with any coverage, all others 255
+};
 
-// Distances from the pixels of one kind to the nearest of the other, up to the radius: with `inside`, from
-// those of the text, else from those around it; 0 for the pixels of the other kind. Any coverage makes a
-// pixel one of the text. The column right of the text box and the row below it are read as well. False when
-// memory is short.
-bool edgeDistances(float* plane, const WorkingArea& area, const ZvBitmap& mask, bool inside, int radius);
+// The levels of the area: coverage counts in the box in its middle, grown by `more` to the right and below.
+void makeLevels(uint8_t* plane, Levels levels, const WorkingArea& area, const ZvBitmap& mask, int more);
 
 // One blur of bytes: a rectangle of `source` blurred into `destination`, both of the same size, rows packed.
 struct ReliefBlurJob {
@@ -128,14 +131,52 @@ struct ReliefPlanes {
     Buffer<uint8_t> highlight, shadow;
 
     bool allocate(const WorkingArea& area) {
-        return highlight.allocateZeroed(area.height, area.width) &&
-               shadow.allocateZeroed(area.height, area.width);
+        return highlight.allocate(area.height, area.width) && shadow.allocate(area.height, area.width);
     }
+    // No light in that row.
+    void clearRow(const WorkingArea& area, int y) const {
+        for (const Buffer<uint8_t>* plane : {&highlight, &shadow})
+            std::memset(plane->get() + area.row(y), 0, static_cast<size_t>(area.width));
+    }
+};
 
-    // Blurs both planes but for a border of `radius`, the highlight into the scratch plane, the shadow into
-    // what was the highlight; what was the shadow is the next scratch plane. In its border each plane keeps
-    // what was there before: where a bevel lights the ground around the text, too, one sees it.
-    bool blur(Buffer<uint8_t>& scratch, const WorkingArea& area, int radius);
+// A relief's lights, blurred, as rows of bytes. They are made a few at a time, in the order in which they are
+// wanted first.
+//
+// A blur leaves a border of its radius, and what one sees there are the planes that it took turns with: in
+// the first one the highlight has no light, the shadow the highlight that was not blurred; in the second one
+// the highlight has the first shadow that was not blurred, the shadow the highlight as it was blurred once. A
+// bevel that lights the ground around the text has such a border.
+class BlurredLight {
+public:
+    // With the blurs of two radii, in this order; a radius below 1 is none. Takes the planes over. False when
+    // memory is short.
+    bool make(const WorkingArea& area, ReliefPlanes& light, int firstRadius, int secondRadius);
+
+    // A row of each, to be read until the next call.
+    void moveTo(int y);
+    const uint8_t* highlight() const { return highlightRow_; }
+    const uint8_t* shadow() const { return shadowRow_; }
+
+private:
+    bool prepare(int radius);
+    void blurRows(int y, int count, uint8_t* highlight, uint8_t* shadow);
+    void findEvenBlocks(int y, int count);
+    void blurBand(const uint8_t* plane, int y, int count, int shift, uint8_t* target);
+
+    WorkingArea area_;
+    ReliefPlanes light_;      // the planes to blur
+    Buffer<uint8_t> border_;  // what the border of the highlight shows; null is no light
+    int radius_ = 0;          // below 1 there is no blur
+    Gaussian kernel_;
+    Blur blur_;
+    // The two bytes of each block of a row whose pixels are all the same, else UNEVEN; the same of the rows
+    // that a band sees.
+    Buffer<int32_t> even_, evenBand_;
+    Buffer<uint8_t> column_, bandHighlight_, bandShadow_;
+    int bandBegin_ = 0, bandEnd_ = 0;  // the rows that were blurred last
+    const uint8_t* highlightRow_ = nullptr;
+    const uint8_t* shadowRow_ = nullptr;
 };
 
 // From light to colour.
@@ -151,17 +192,17 @@ struct ReliefColors {
     void row(uint32_t* pixels, const uint8_t* highlightLights, const uint8_t* shadowLights, int count) const;
 };
 
-// The coloured relief, from lights that stay in their planes.
+// The coloured relief.
 class ReliefRows : public LayerRows {
 public:
-    ReliefRows(const WorkingArea& area, ReliefPlanes planes, const ReliefColors& colors, int blendMode,
-               bool onBoth);
+    ReliefRows(const WorkingArea& area, const ReliefColors& colors, int blendMode, bool onBoth)
+        : area_(area), colors_(colors), blendMode_(blendMode), onBoth_(onBoth) {}
 
-    // A second relief behind the first one, fading out where the glyphs are.
-    void putBehind(ReliefPlanes planes, const ZvBitmap& mask);
+    // The relief with its two blurs, see BlurredLight. False when memory is short.
+    bool allocate(ReliefPlanes& light, int firstRadius, int secondRadius);
 
-    // False when memory is short.
-    bool allocate();
+    // A second relief behind the first one, fading out where the glyphs are. False when memory is short.
+    bool putBehind(ReliefPlanes& light, int firstRadius, int secondRadius, const ZvBitmap& mask);
 
     void draw(RowRange rows, const PictureStrip& target, const PictureStrip* other) override;
     ZvRect reach() const override { return area_.rect(); }
@@ -170,7 +211,7 @@ private:
     void colorRow(int y);
 
     WorkingArea area_;
-    ReliefPlanes planes_, behind_;
+    BlurredLight light_, behind_;
     const ZvBitmap* mask_ = nullptr;  // null without a second relief
     ReliefColors colors_;
     int blendMode_;

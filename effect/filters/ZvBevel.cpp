@@ -43,49 +43,51 @@ struct Widths {
     }
 };
 
-// Distances from the pixels of the slope's side to the other side, up to the radius, with the fractions of
-// partly covered pixels, which lie within a pixel of the other side.
-bool measureWithFractions(float* plane, const WorkingArea& area, const ZvBitmap& mask, bool inner,
-                          int radius) {
-    const float beyond = static_cast<float>(radius);
-    float ramp[256];
-    for (int coverage = 0; coverage < 256; ++coverage) {
-        const float unit = static_cast<float>((inner ? 255 - coverage : coverage) / 254.99);
-        ramp[coverage] = unit <= 0.001 ? beyond : unit < 1.0f ? 1.0f - unit : 0.0f;
+// What the distances are measured on: the pixels of the slope's side are those that are not full.
+struct Edge {
+    Buffer<uint8_t> levels;
+    float ramp[256];  // values of the levels
+    DistanceRows distances;
+
+    // With the fractions of partly covered pixels, which lie within a pixel of the other side, unless the
+    // slope is wide and soft.
+    bool make(const Widths& widths, const WorkingArea& area, const ZvBitmap& mask, bool inner) {
+        const int radius = static_cast<int>(widths.radius);
+        const bool exact = widths.soft && radius >= FIRST_EXACT_RADIUS;
+        if (!levels.allocate(area.height, area.width)) return false;
+        makeLevels(levels.get(),
+                   inner   ? Levels::Coverage
+                   : exact ? Levels::Beside
+                           : Levels::Ground,
+                   area, mask, exact ? 1 : 0);
+        if (exact) return distances.transform(levels.get(), area.width, area.height, radius);
+        for (int level = 0; level < 256; ++level) {
+            const float unit = static_cast<float>((255 - level) / 254.99);
+            ramp[level] = unit <= 0.001 ? static_cast<float>(radius) : unit < 1.0f ? 1.0f - unit : 0.0f;
+        }
+        return distances.search(levels.get(), area.width, area.height, radius, ramp, false);
     }
-    fillFromCoverage(plane, area, mask, inner ? 0.0f : beyond, ramp);
-    return searchNearest({plane, area.height, area.width, radius, 0, area.height});
-}
+};
 
 // The light on the slopes.
 bool lightSlopes(ReliefPlanes& planes, const ZvBevelProperty& property, const Widths& widths,
                  const WorkingArea& area, const ZvBitmap& mask) {
     const bool inner = property.style == 1;
-    const int radius = static_cast<int>(widths.radius);
-    Buffer<float> distance;
-    if (!distance.allocate(area.height, area.width) || !planes.allocate(area)) return false;
-    const bool exact = widths.soft && radius >= FIRST_EXACT_RADIUS;
-    const auto measure = exact ? edgeDistances : measureWithFractions;
-    if (!measure(distance.get(), area, mask, inner, radius)) return false;
-
+    Edge edge;
+    if (!edge.make(widths, area, mask, inner) || !planes.allocate(area)) return false;
     const ReliefLight light = ReliefLight::make(property, DEPTH_FLOOR);
-    ZvBevel::LightJob job;
-    job.highlight = planes.highlight.get();
-    job.shadow = planes.shadow.get();
-    job.width = area.width;
-    job.radius = radius;
-    job.normalZ = light.normalZ;
-    job.lightX = light.x;
-    job.lightY = light.y;
-    job.lightZ = light.z;
-    job.highlightAlpha = static_cast<int>(property.highlightColor >> 24);
-    job.shadowAlpha = static_cast<int>(property.shadowColor >> 24);
-    job.inner = inner ? 1 : 0;
-    job.distance = distance.get();
-    job.xBegin = job.yBegin = 1;
-    job.xEnd = area.width - 1;
-    job.yEnd = area.height - 1;
-    ZvBevel::partialLightProcess(&job);
+    const float limit = static_cast<float>(widths.radius);
+    for (int y = 0; y < area.height; ++y) {
+        edge.distances.next();
+        planes.clearRow(area, y);
+        if (y < 2) continue;
+        const size_t at = area.row(y - 1);
+        // Around the glyphs the distance grows away from them, and the height falls.
+        lightRow({LitSide::Bevel, planes.highlight.get() + at, planes.shadow.get() + at,
+                  edge.distances.row(y - 2), edge.distances.row(y - 1), edge.distances.row(y), 1,
+                  area.width - 1, limit, 0, light, !inner, static_cast<int>(property.highlightColor >> 24),
+                  static_cast<int>(property.shadowColor >> 24)});
+    }
     return true;
 }
 
@@ -107,17 +109,12 @@ int ZvBevel::doPostProcessing(ParamPostProcessing* param) {
 
     ReliefPlanes planes;
     if (!lightSlopes(planes, *property, widths, area, *param->mask)) return 0;
-    Buffer<uint8_t> scratch;
-    if (!scratch.allocateZeroed(area.height, area.width)) return 0;
-    if (widths.soft && !planes.blur(scratch, area, static_cast<int>(widths.blur))) return 0;
-    if (property->soften >= 1 && !planes.blur(scratch, area, property->soften)) return 0;
-
     const ReliefColors colors = {widths.soft ? SOFT_GAIN : 1.0f, property->highlightColor,
                                  property->shadowColor};
     const int mode = param->layerMode == 1 ? ZVE_BLEND_SRC_OVER : ZVE_BLEND_DST_OVER;
-    std::unique_ptr<ReliefRows> rows(new (std::nothrow)
-                                         ReliefRows(area, std::move(planes), colors, mode, false));
-    if (rows != nullptr && rows->allocate()) drawLayer(param, std::move(rows));
+    std::unique_ptr<ReliefRows> rows(new (std::nothrow) ReliefRows(area, colors, mode, false));
+    if (rows != nullptr && rows->allocate(planes, static_cast<int>(widths.blur), property->soften))
+        drawLayer(param, std::move(rows));
     return 0;
 }
 
@@ -156,8 +153,9 @@ int ZvBevel::partialLightProcess(void* job) {
     for (ptrdiff_t y = p.yBegin; y < p.yEnd; ++y) {
         const ptrdiff_t at = y * p.width;
         // Around the glyphs the distance grows away from them, and the height falls.
-        lightRow({LitSide::Bevel, p.highlight + at, p.shadow + at, p.distance + at, p.width, p.xBegin, p.xEnd,
-                  static_cast<float>(p.radius), 0, light, p.inner == 0, p.highlightAlpha, p.shadowAlpha});
+        lightRow({LitSide::Bevel, p.highlight + at, p.shadow + at, p.distance + at - p.width, p.distance + at,
+                  p.distance + at + p.width, p.xBegin, p.xEnd, static_cast<float>(p.radius), 0, light,
+                  p.inner == 0, p.highlightAlpha, p.shadowAlpha});
     }
     return 0;
 }

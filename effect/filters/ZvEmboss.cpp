@@ -48,66 +48,109 @@ struct Widths {
     }
 };
 
-// The distances that make the relief: one signed plane, or one for each side of the edge.
-struct Depths {
-    Buffer<float> outside, inside;
+// A row to light, of the planes' pixels from `at` on, between three rows of distances.
+LitRow litRow(const ReliefPlanes& planes, size_t at, LitSide side, const float* above, const float* row,
+              const float* below, int width, const Widths& widths, const ReliefLight& light,
+              const ZvEmbossProperty& property) {
+    // The height falls away from the glyphs; within them, by the opposite shade, it rises.
+    const bool within = side == LitSide::Within;
+    return {side,
+            planes.highlight.get() + at,
+            planes.shadow.get() + at,
+            above,
+            row,
+            below,
+            1,
+            width - 1,
+            static_cast<float>(within ? widths.inner : widths.outer),
+            static_cast<float>(widths.inner),
+            light,
+            !within,
+            static_cast<int>(property.highlightColor >> 24),
+            static_cast<int>(property.shadowColor >> 24)};
+}
 
-    bool measure(const Widths& widths, const WorkingArea& area, const ZvBitmap& mask) {
-        if (!outside.allocate(area.height, area.width)) return false;
-        if (!widths.exact) return measureWithFractions(widths, area, mask);
+// Calls visit(light, i) for each of the reliefs: the second one has its light from the opposite side.
+template <typename Light>
+void forReliefs(const ReliefLight& light, int count, const Light& visit) {
+    for (int i = 0; i < count; ++i)
+        visit(i == 0 ? light : ReliefLight{-light.x, -light.y, light.z, light.normalZ}, i);
+}
+
+// Soft and wide slopes: two distances, one for each side of the edge.
+bool lightExactSlopes(ReliefPlanes* planes, int count, const ZvEmbossProperty& property, const Widths& widths,
+                      const WorkingArea& area, const ZvBitmap& mask) {
+    const int outer = static_cast<int>(widths.outer), inner = static_cast<int>(widths.inner);
+    Buffer<uint8_t> levels[2];
+    DistanceRows distances[2];
+    for (int i = 0; i < 2; ++i) {
+        if (!levels[i].allocate(area.height, area.width)) return false;
+        makeLevels(levels[i].get(), i == 0 ? Levels::Beside : Levels::Coverage, area, mask, 1);
         // A pixel on the slope looks at its neighbours, less than a pixel beyond.
-        const int outer = static_cast<int>(widths.outer) + 2, inner = static_cast<int>(widths.inner) + 2;
-        return inside.allocate(area.height, area.width) &&
-               edgeDistances(outside.get(), area, mask, false, outer) &&
-               edgeDistances(inside.get(), area, mask, true, inner);
+        if (!distances[i].transform(levels[i].get(), area.width, area.height, (i == 0 ? outer : inner) + 2))
+            return false;
     }
-
-private:
-    bool measureWithFractions(const Widths& widths, const WorkingArea& area, const ZvBitmap& mask) {
-        const int outer = static_cast<int>(widths.outer), inner = static_cast<int>(widths.inner);
-        float ramp[256];
-        for (int coverage = 0; coverage < 256; ++coverage) {
-            const float unit = static_cast<float>(coverage / 254.999);
-            ramp[coverage] = unit < 0.001   ? static_cast<float>(outer)
-                             : unit >= 1.0f ? 1.0f - static_cast<float>(inner)
-                                            : 1.0f - unit;
-        }
-        fillFromCoverage(outside.get(), area, mask, static_cast<float>(outer), ramp);
-        // The first row keeps what it is. No glyph is near it, so nothing depends on the order of the inward
-        // search: all that an inner pixel can see has been measured from that pixel, too.
-        return searchOutward({outside.get(), area.height, area.width, outer, 1, area.height}) &&
-               searchInward({outside.get(), area.height, area.width, inner, 1, area.height});
+    const ReliefLight light = ReliefLight::make(property, DEPTH_FLOOR);
+    for (int y = 0; y < area.height; ++y) {
+        for (DistanceRows& rows : distances) rows.next();
+        for (int i = 0; i < count; ++i) planes[i].clearRow(area, y);
+        if (y < 2) continue;
+        forReliefs(light, count, [&](const ReliefLight& from, int i) {
+            for (const LitSide side : {LitSide::Around, LitSide::Within}) {
+                const DistanceRows& rows = distances[side == LitSide::Around ? 0 : 1];
+                lightRow(litRow(planes[i], area.row(y - 1), side, rows.row(y - 2), rows.row(y - 1),
+                                rows.row(y), area.width, widths, from, property));
+            }
+        });
     }
-};
+    return true;
+}
 
-// The light on the relief, and for a second relief that from the opposite side.
-void lightSlopes(ReliefPlanes* planes, int count, const Depths& depths, const ZvEmbossProperty& property,
-                 const Widths& widths, const WorkingArea& area) {
-    ReliefLight light = ReliefLight::make(property, DEPTH_FLOOR);
-    for (int i = 0; i < count; ++i) {
-        ZvEmboss::LightJob job;
-        job.highlight = planes[i].highlight.get();
-        job.shadow = planes[i].shadow.get();
-        job.distance = depths.outside.get();
-        job.insideDistance = depths.inside.get();
-        job.width = area.width;
-        job.outerRadius = static_cast<int>(widths.outer);
-        job.innerRadius = static_cast<int>(widths.inner);
-        job.normalZ = light.normalZ;
-        job.lightX = i == 0 ? light.x : -light.x;
-        job.lightY = i == 0 ? light.y : -light.y;
-        job.lightZ = light.z;
-        job.highlightAlpha = static_cast<int>(property.highlightColor >> 24);
-        job.shadowAlpha = static_cast<int>(property.shadowColor >> 24);
-        job.xBegin = job.yBegin = 1;
-        job.xEnd = area.width - 1;
-        job.yEnd = area.height - 1;
-        if (widths.exact) {
-            ZvEmboss::partialLightSoftProcess(&job);
-        } else {
-            ZvEmboss::partialLightHardProcess(&job);
+// All others: one plane of signed distances, with the fractions of partly covered pixels.
+bool measureSigned(float* plane, const Widths& widths, const WorkingArea& area, const ZvBitmap& mask) {
+    const int outer = static_cast<int>(widths.outer), inner = static_cast<int>(widths.inner);
+    float ramp[256];
+    for (int level = 0; level < 256; ++level) {
+        const float unit = static_cast<float>((255 - level) / 254.999);
+        ramp[level] = unit < 0.001   ? static_cast<float>(outer)
+                      : unit >= 1.0f ? 1.0f - static_cast<float>(inner)
+                                     : 1.0f - unit;
+    }
+    Buffer<uint8_t> levels;
+    if (!levels.allocate(area.height, area.width)) return false;
+    makeLevels(levels.get(), Levels::Ground, area, mask, 0);
+    if (inner < 1) {  // full pixels are nothing to measure from
+        for (size_t i = 0; i < area.pixels(); ++i) plane[i] = ramp[levels[i]];
+        if (!searchOutward({plane, area.height, area.width, outer, 1, area.height})) return false;
+    } else {
+        DistanceRows rows;
+        if (!rows.search(levels.get(), area.width, area.height, outer, ramp, true)) return false;
+        for (int y = 0; y < area.height; ++y) {
+            rows.next();
+            std::copy_n(rows.row(y), area.width, plane + area.row(y));
         }
     }
+    // The first row keeps what it is. No glyph is near it, so nothing depends on the order of the inward
+    // search: all that an inner pixel can see has been measured from that pixel, too.
+    for (int x = 0; x < area.width; ++x) plane[x] = ramp[levels[static_cast<size_t>(x)]];
+    return searchInward({plane, area.height, area.width, inner, 1, area.height});
+}
+
+bool lightSignedSlopes(ReliefPlanes* planes, int count, const ZvEmbossProperty& property,
+                       const Widths& widths, const WorkingArea& area, const ZvBitmap& mask) {
+    Buffer<float> plane;
+    if (!plane.allocate(area.height, area.width) || !measureSigned(plane.get(), widths, area, mask))
+        return false;
+    forReliefs(ReliefLight::make(property, DEPTH_FLOOR), count, [&](const ReliefLight& from, int i) {
+        for (int y = 0; y < area.height; ++y) {
+            planes[i].clearRow(area, y);
+            if (y == 0 || y == area.height - 1) continue;
+            const float* row = plane.get() + area.row(y);
+            lightRow(litRow(planes[i], area.row(y), LitSide::Signed, row - area.width, row, row + area.width,
+                            area.width, widths, from, property));
+        }
+    });
+    return true;
 }
 
 // The rows of a job, on one of its planes.
@@ -116,9 +159,10 @@ void lightRows(const ZvEmboss::LightJob& p, LitSide side, const float* plane, in
     for (ptrdiff_t y = p.yBegin; y < p.yEnd; ++y) {
         const ptrdiff_t at = y * p.width;
         // The height falls away from the glyphs; within them, by the opposite shade, it rises.
-        lightRow({side, p.highlight + at, p.shadow + at, plane + at, p.width, p.xBegin, p.xEnd,
-                  static_cast<float>(limit), static_cast<float>(p.innerRadius), light,
-                  side != LitSide::Within, p.highlightAlpha, p.shadowAlpha});
+        lightRow({side, p.highlight + at, p.shadow + at, plane + at - p.width, plane + at,
+                  plane + at + p.width, p.xBegin, p.xEnd, static_cast<float>(limit),
+                  static_cast<float>(p.innerRadius), light, side != LitSide::Within, p.highlightAlpha,
+                  p.shadowAlpha});
     }
 }
 
@@ -143,27 +187,17 @@ int ZvEmboss::doPostProcessing(ParamPostProcessing* param) {
     for (int i = 0; i < count; ++i) {
         if (!planes[i].allocate(area)) return 0;
     }
-    {
-        Depths depths;
-        if (!depths.measure(widths, area, *param->mask)) return 0;
-        lightSlopes(planes, count, depths, *property, widths, area);
-    }
-    Buffer<uint8_t> scratch;
-    if (!scratch.allocateZeroed(area.height, area.width)) return 0;
-    for (int i = 0; i < count; ++i) {
-        if (widths.soft && !planes[i].blur(scratch, area, static_cast<int>(widths.blur))) return 0;
-        if (property->soften >= 1 && !planes[i].blur(scratch, area, property->soften)) return 0;
-    }
-
+    const auto lightSlopes = widths.exact ? lightExactSlopes : lightSignedSlopes;
+    if (!lightSlopes(planes, count, *property, widths, area, *param->mask)) return 0;
     const ReliefColors colors = {widths.soft ? SOFT_GAIN : 1.0f, property->highlightColor,
                                  property->shadowColor};
     // The other way round than the bevel.
     const int mode = param->layerMode == 1 ? ZVE_BLEND_DST_OVER : ZVE_BLEND_SRC_OVER;
-    std::unique_ptr<ReliefRows> rows(new (std::nothrow)
-                                         ReliefRows(area, std::move(planes[0]), colors, mode, true));
-    if (rows == nullptr) return 0;
-    if (count == 2) rows->putBehind(std::move(planes[1]), *param->mask);
-    if (rows->allocate()) drawLayer(param, std::move(rows));
+    std::unique_ptr<ReliefRows> rows(new (std::nothrow) ReliefRows(area, colors, mode, true));
+    const int blur = static_cast<int>(widths.blur);
+    if (rows == nullptr || !rows->allocate(planes[0], blur, property->soften)) return 0;
+    if (count == 2 && !rows->putBehind(planes[1], blur, property->soften, *param->mask)) return 0;
+    drawLayer(param, std::move(rows));
     return 0;
 }
 
