@@ -178,6 +178,53 @@ TEST(Distance, SearchesEqualThePlainForm) {
     }
 }
 
+// A disc and half a plane with smooth edges, as levels; some noise, and none at all.
+std::vector<uint8_t> smoothLevels(Random& random, int width, int height, int i) {
+    std::vector<uint8_t> levels;
+    const double x0 = random.below(width), y0 = random.below(height), radius = random.between(3, 30),
+                 angle = random.below(628) / 100.0, offset = random.below(40), blur = random.between(1, 5);
+    for (int y = 0; y < height; ++y) {
+        for (int x = 0; x < width; ++x) {
+            const double disc = std::hypot(x - x0, y - y0) - radius,
+                         edge = x * std::cos(angle) + y * std::sin(angle) - offset,
+                         distance = i % 4 == 0   ? disc
+                                    : i % 4 == 1 ? edge
+                                                 : std::min(disc, edge);
+            const double level = (0.5 + distance / blur) * 255;
+            levels.push_back(i % 11 == 10 ? 255
+                             : i % 3 == 2 && random.below(16) == 0
+                                 ? static_cast<uint8_t>(random.below(256))
+                                 : static_cast<uint8_t>(std::clamp(level, 0.0, 255.0)));
+        }
+    }
+    return levels;
+}
+
+// The slopes of smoothed edges, of which a search passes most over, at radii on both sides of 90.
+TEST(Distance, RowsOfASearchEqualThePlainForm) {
+    Random random(5);
+    for (int i = 0; i < 48; ++i) {
+        const bool outward = i % 2 == 1, wide = i % 8 == 7;
+        const int width = random.between(1, 90), height = random.between(1, 60);
+        reference::Distances expected(wide ? 230 : width, wide ? 8 : height, 0);
+        const int radius = wide ? random.between(85, 120) : i == 0 ? 0 : random.between(1, 34);
+        const std::vector<uint8_t> levels = smoothLevels(random, expected.width, expected.height, i);
+        float ramp[256];
+        for (int level = 0; level < 256; ++level) ramp[level] = static_cast<float>(level) / 255;
+        ramp[255] = static_cast<float>(std::max(radius, 1));
+        ramp[0] = outward ? 1.0f - ramp[255] : 0.0f;
+        for (size_t at = 0; at < levels.size(); ++at) expected.values[at] = ramp[levels[at]];
+        (outward ? reference::searchOutward : reference::searchNearest)(expected, radius, 0, expected.height);
+        forEachCpuTarget([&] {
+            DistanceRows rows;
+            EXPECT_TRUE(rows.search(levels.data(), expected.width, expected.height, radius, ramp, outward));
+            ASSERT_EQ(allRows(rows, expected.width, expected.height), expected.values)
+                << "case " << i << ", radius " << radius;
+        });
+        if (HasFatalFailure()) return;
+    }
+}
+
 TEST(Distance, SearchesSurviveSizesThatDoNotFit) {
     std::vector<float> plane = {2, 0, 2, -1};
     for (const Search& search : SEARCHES) {
