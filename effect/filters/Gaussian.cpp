@@ -9,17 +9,9 @@
 #include <cmath>
 #include <cstddef>
 
-#if defined(__x86_64__)
-#if defined(__GNUC__) && !defined(__clang__)
-// g++ 12 reports the vectors that its own header leaves undefined on purpose.
-#pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
-#pragma GCC diagnostic ignored "-Wuninitialized"
-#endif
-#include <immintrin.h>
-#endif
-
 #include "foundation/SafeConvert.h"
 #include "raster/CpuTarget.h"
+#include "raster/Intrinsics.h"
 
 namespace Zvex {
 
@@ -42,20 +34,16 @@ Divisor divisorOf(uint32_t total) {
     return divisor;
 }
 
-// Scratch of the kernels: the weights and their sums in groups, then a strip of columns or a line. Of no
-// build do they need more.
+// Scratch of the kernels: the weights and their sums in groups, then a strip. Of no build do they need more.
 constexpr int64_t CACHE_LINE = 64;
 
 int64_t weightBytes(int radius) {
     return (8 * (2 * int64_t{radius} + 12) / CACHE_LINE + 1) * CACHE_LINE;
 }
 
-int64_t stripBytes(int radius, int height) {
-    return CACHE_LINE * (int64_t{height} + 2 * int64_t{radius} + 8);
-}
-
-int64_t lineBytes(int radius, int width) {
-    return 3 * (int64_t{width} + 2 * int64_t{radius} + 256);
+// `length` windows along the strip.
+int64_t stripBytes(int radius, int length) {
+    return CACHE_LINE * (int64_t{length} + 2 * int64_t{radius} + 2 * CACHE_LINE);
 }
 
 struct BlurKernel {
@@ -101,14 +89,13 @@ bool Blur::prepare(const Gaussian& kernel, int width, int height) {
     // The kernels count pixels, with the windows' around them, in ints.
     if (std::max(width, height) + 2 * int64_t{kernel.radius} + 1024 > INT32_MAX) return false;
     return scratch_.allocate(weightBytes(kernel.radius) + CACHE_LINE +
-                             std::max(stripBytes(kernel.radius, height), lineBytes(kernel.radius, width)));
+                             stripBytes(kernel.radius, std::max(width, height)));
 }
 
 void Blur::rows(const BlurPass& pass) {
     const BlurKernel kernel = {kernel_->weights.get(), kernel_->radius, kernel_->total, kernel_->divisor};
     uint8_t* scratch = alignedToCacheLine(scratch_.get());
     const ptrdiff_t weights = weightBytes(kernel.radius);
-    if (kernel.divisor.multiplier == 0) return TargetBaseline::blurRows(pass, kernel, scratch, weights);
     ZVEX_ON_TARGET(blurRows(pass, kernel, scratch, weights));
 }
 
@@ -116,12 +103,13 @@ void Blur::columns(const BlurPass& pass) {
     const BlurKernel kernel = {kernel_->weights.get(), kernel_->radius, kernel_->total, kernel_->divisor};
     uint8_t* scratch = alignedToCacheLine(scratch_.get());
     const ptrdiff_t weights = weightBytes(kernel.radius);
-    if (kernel.divisor.multiplier == 0) return TargetBaseline::blurColumns(pass, kernel, scratch, weights);
     ZVEX_ON_TARGET(blurColumns(pass, kernel, scratch, weights));
 }
 
 int blurBandRows(const Gaussian& kernel) {
-    return static_cast<int>(std::min<int64_t>(64 + int64_t{kernel.radius} / 2, 256));
+    constexpr int64_t STRIP = 64, MOST_STRIPS = 4;  // the kernels' largest
+    const int64_t strips = (64 + int64_t{kernel.radius} / 2 + STRIP / 2) / STRIP;
+    return static_cast<int>(STRIP * std::min(strips, MOST_STRIPS));
 }
 
 bool blurPlane(const BlurParam& p) {
