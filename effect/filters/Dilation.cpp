@@ -7,18 +7,21 @@
 //           |<----->|              the run is two windows of 2^level pixels
 //               |<----->|
 //
-// The maxima over windows of 2, 4, 8 ... pixels come from one another, once for every source row. The kernel
-// rows as far above as below the centre are equal: the source rows under them are joined first, and likewise
-// the cells to the left and to the right. Blocks of the target that no coverage reaches are skipped, those
-// that have become full are left: most of the work is done where the outline runs. Sharing the windows is an
-// idea of van Herk (1992) and of Gil and Werman (1993), here with powers of two. The definition is
-// tests/reference/StrokeReference.h.
+// The maxima over windows of 2, 4, 8 ... pixels come from one another, once for every source row; that is an
+// idea of van Herk (1992) and of Gil and Werman (1993), here with powers of two.
+//
+// The target is raised in tiles of BATCH rows, held in registers while the kernel rows come by. What makes it
+// fast is what is not read:
+// - A tile that no coverage reaches is skipped. So is the rest of the work where a tile has become full, as
+//   most do at once by the row under their own, or by the row that filled the tile above them.
+// - In the others, along the outline, the pixels that are not full yet are few. A kernel row is read if there
+//   is coverage within its reach of these, and where all of it lies to one side, on that side only. Coverage
+//   0 under any cell gives nothing, so what is left out could not have raised a pixel. Where coverage lies is
+//   known by patches of a few pixels, 64 of them around a block in one word.
+//
+// The definition is tests/reference/StrokeReference.h.
 
 #include "effect/filters/Dilation.h"
-
-#if defined(__x86_64__)
-#include <immintrin.h>
-#endif
 
 #include <algorithm>
 #include <climits>
@@ -26,22 +29,38 @@
 #include <cstring>
 
 #include "raster/CpuTarget.h"
+#include "raster/Intrinsics.h"
 
 namespace Zvex {
 
 namespace {
 
 constexpr int64_t BLOCK = 32;       // pixels that are skipped together
-constexpr int64_t VECTOR_PAD = 64;  // readable bytes after the last pixel a row can be asked for
+constexpr int64_t VECTOR_PAD = 64;  // readable bytes after the last pixel a line can be asked for
+constexpr int64_t CACHE_LINE = 64;
+constexpr int64_t SMALLEST_DEPTH = 5 * Dilation::BATCH;  // keeps the repeated part of a ring small
+constexpr int SMALLEST_PATCH = 2, LARGEST_PATCH = 5;     // log2 of pixels: 4, a block
 
-using RunTap = Dilation::RunTap;
-using RampTap = Dilation::RampTap;
+using KernelRow = Dilation::KernelRow;
+using Line = Dilation::Line;
+using RampCells = Dilation::RampCells;
+using Reach = Dilation::Reach;
+using Seen = Dilation::Seen;
 
-// What is laid over a row of the target.
-struct Taps {
-    const RunTap* runs;
-    const RampTap* ramps;
-    int64_t runCount, rampCount;
+// What some rows of the target are raised by.
+struct Work {
+    const Line* lines;  // from the centre outwards, those with ink
+    int64_t lineCount;
+    const Line* lineOf;  // by offset, from firstOffset to lastOffset; without pixels where there is no run
+    int64_t firstOffset, lastOffset;
+    int64_t over;           // the source row under the kernel's centre
+    ptrdiff_t step;         // from a source row to the next
+    const uint8_t* anyInk;  // of all lines: whether a patch has coverage in any
+    Reach anyReach;
+    int patchShift, patchesBefore;
+    int64_t firstPatch;  // of the row, bit 0 around the first block
+    const RampCells* cells;
+    Seen* seen;  // room for all lines
 };
 
 #define ZVEX_KERNELS "effect/filters/DilationKernels.inc"
@@ -59,7 +78,9 @@ struct CellRange {
 CellRange longestRun(const uint8_t* row, int64_t size) {
     CellRange longest = {0, 0};
     for (int64_t i = 0; i < size; ++i) {
-        const int64_t begin = i;
+        const void* full = std::memchr(row + i, 255, static_cast<size_t>(size - i));
+        if (full == nullptr) break;
+        const int64_t begin = i = static_cast<const uint8_t*>(full) - row;
         while (i < size && row[i] == 255) ++i;
         if (i - begin > longest.end - longest.begin) longest = {begin, i};
     }
@@ -72,27 +93,36 @@ bool isRamp(const uint8_t* row, int64_t i, const CellRange& run) {
 
 }  // namespace
 
-// Reads a kernel row that lies over the source rows `upper` and `lower`.
-void Dilation::readKernelRow(const uint8_t* row, int64_t upper, int64_t lower) {
+// Reads row `index` of the kernel. Cell i brings column before_ - i to a pixel of the target.
+void Dilation::readKernelRow(int64_t index) {
     const int64_t size = param_.kernelSize;
-    const CellRange run = longestRun(row, size);
-    // Cell i brings column before_ - i to a pixel of the target.
-    if (run.begin < run.end) {
-        int level = 0;
-        while (int64_t{2} << level <= run.end - run.begin) ++level;
-        levelCount_ = std::max(levelCount_, level + 1);
-        levelStep_[level] = 1;
-        runs_[static_cast<size_t>(runCount_++)] = {upper, lower, before_ - run.end + 1,
-                                                   before_ - run.begin + 1 - (int64_t{1} << level), level};
+    const uint8_t* cells = param_.kernel + index * size;
+    const CellRange run = longestRun(cells, size);
+    KernelRow row = {};
+    row.offset = before_ - index;
+    row.hasRun = run.begin < run.end;
+    if (row.hasRun) {
+        while (int64_t{2} << row.level <= run.end - run.begin) ++row.level;
+        used_[row.level] = true;
+        levelCount_ = std::max(levelCount_, row.level + 1);
+        const int64_t width = int64_t{1} << row.level;
+        row.firstRun = before_ - run.end + 1;
+        row.lastRun = before_ - run.begin + 1 - width;
+        row.firstAlone = row.firstRun == row.lastRun || row.firstRun + width >= 0;
+        row.lastAlone = row.firstRun == row.lastRun || row.lastRun <= 1;
     }
+    row.rampBegin = cellCount_;
     for (int64_t i = 0; i < size; ++i) {
-        if (!isRamp(row, i, run)) continue;
+        if (i == run.begin) i = std::max(run.begin, run.end - 1);
+        if (!isRamp(cells, i, run)) continue;
         const int64_t mirror = 2 * before_ - i;
-        const bool twice = mirror < size && isRamp(row, mirror, run) && row[mirror] == row[i];
-        if (twice && mirror < i) continue;
-        ramps_[static_cast<size_t>(rampCount_++)] = {
-            upper, lower, before_ - i, before_ - (twice ? mirror : i), static_cast<uint8_t>(255 - row[i])};
+        const bool twice = mirror < size && isRamp(cells, mirror, run) && cells[mirror] == cells[i];
+        if (twice && mirror > i) continue;
+        cells_[static_cast<size_t>(cellCount_++)] = {before_ - i, before_ - (twice ? mirror : i),
+                                                     static_cast<uint8_t>(255 - cells[i])};
     }
+    row.rampEnd = cellCount_;
+    if (row.hasRun || row.rampBegin < row.rampEnd) kernelRows_[static_cast<size_t>(kernelRowCount_++)] = row;
 }
 
 // From the centre outwards: the widest runs come first, and with them most of what becomes full.
@@ -100,44 +130,99 @@ bool Dilation::readKernel() {
     const int64_t size = param_.kernelSize;
     const uint8_t* kernel = param_.kernel;
     int64_t partial = 0;
+    for (int64_t i = 0; i < size * size; ++i) partial += kernel[i] != 0;
     for (int64_t row = 0; row < size; ++row) {
         const CellRange run = longestRun(kernel + row * size, size);
-        for (int64_t i = 0; i < size; ++i) partial += isRamp(kernel + row * size, i, run);
+        partial -= run.end - run.begin;
     }
-    if (!runs_.allocate(size) || !ramps_.allocate(partial + 1)) return false;
-    for (int64_t distance = 0; distance <= before_; ++distance) {
-        const int64_t i = before_ - distance, mirror = before_ + distance;
-        const uint8_t* row = kernel + i * size;
-        if (mirror < size && std::memcmp(row, kernel + mirror * size, static_cast<size_t>(size)) == 0) {
-            readKernelRow(row, -distance, distance);
-            continue;
+    if (!kernelRows_.allocate(size) || !cells_.allocate(partial + 1)) return false;
+    readKernelRow(before_);
+    for (int64_t distance = 1; distance <= before_; ++distance) {
+        const int64_t i = before_ - distance, mirror = before_ + distance, count = kernelRowCount_;
+        readKernelRow(i);
+        if (mirror >= size) continue;
+        const bool same =
+            std::memcmp(kernel + i * size, kernel + mirror * size, static_cast<size_t>(size)) == 0;
+        if (!same) {
+            readKernelRow(mirror);
+        } else if (kernelRowCount_ > count) {
+            KernelRow row = kernelRows_[static_cast<size_t>(count)];
+            row.offset = -distance;
+            kernelRows_[static_cast<size_t>(kernelRowCount_++)] = row;
         }
-        readKernelRow(row, distance, distance);
-        if (mirror < size) readKernelRow(kernel + mirror * size, -distance, -distance);
     }
+    setReaches();
     return true;
 }
 
-bool Dilation::makeRows() {
+// The patches that each kernel row can reach from a block: as small as 64 bits allow. Up to 7 of these are
+// lost because they are read from a byte on.
+void Dilation::setReaches() {
+    constexpr int BITS = 57;
     const int64_t reach = std::max(before_, after_);
-    const int64_t sourceRows = rowEnd_ - rowBegin_;
-    depth_ = std::min<int64_t>(param_.kernelSize + BATCH - 1, sourceRows);
-    pad_ = roundUp(2 * reach + 2 * BLOCK);
-    stride_ = roundUp(pad_ + columns_ + 2 * reach + 2 * BLOCK + VECTOR_PAD);
-    // Row 0 of the memory stays zero, for rows without ink. Level 0 is always kept.
-    levelStep_[0] = 1;
-    int64_t count = 1;
-    for (int level = 0; level < levelCount_; ++level) {
-        levelStart_[level] = count * stride_;
-        count += levelStep_[level] != 0 ? depth_ : 1;
-        levelStep_[level] *= stride_;
+    int64_t most = 0;
+    for (patchShift_ = SMALLEST_PATCH; patchShift_ <= LARGEST_PATCH; ++patchShift_) {
+        most = (BITS - (BLOCK >> patchShift_)) / 2;
+        patchesBefore_ = std::min((reach + (int64_t{1} << patchShift_) - 1) >> patchShift_, most);
+        if (reach <= most << patchShift_) break;
     }
+    patchShift_ = std::min(patchShift_, LARGEST_PATCH);
+    const int64_t room = patchesBefore_ << patchShift_;
+    for (int64_t i = 0; i < kernelRowCount_; ++i) {
+        KernelRow& row = kernelRows_[static_cast<size_t>(i)];
+        int64_t first = row.hasRun ? row.firstRun : INT64_MAX;
+        int64_t last = row.hasRun ? row.lastRun + (int64_t{1} << row.level) - 1 : INT64_MIN;
+        for (int64_t cell = row.rampBegin; cell < row.rampEnd; ++cell) {
+            first = std::min<int64_t>(first, cells_[static_cast<size_t>(cell)].first);
+            last = std::max<int64_t>(last, cells_[static_cast<size_t>(cell)].last);
+        }
+        if (first < -room || last > room) {
+            row.reach = {0, ~uint64_t{0}};
+        } else {
+            const int64_t firstPatch = (first + room) >> patchShift_;
+            const int64_t lastPatch = (last + room + BLOCK - 1) >> patchShift_;
+            row.reach = {(uint64_t{2} << lastPatch) - (uint64_t{1} << firstPatch), 0};
+        }
+        anyReach_.patches |= row.reach.patches;
+        anyReach_.always |= row.reach.always;
+    }
+}
+
+// Where the lines of a slot lie, and from there what the kernel rows read of them.
+void Dilation::setLevels() {
+    used_[0] = true;
+    int64_t count = 0;
+    for (int level = 0; level < levelCount_; ++level)
+        levelStart_[level] = used_[level] ? count++ * lineSize_ : 0;
+    // An odd number of cache lines: rows one below the other do not share the same few places of a cache.
+    slotSize_ = (count * lineSize_ + 2 * CACHE_LINE - 1) / (2 * CACHE_LINE) * (2 * CACHE_LINE) + CACHE_LINE;
+    for (int64_t i = 0; i < kernelRowCount_; ++i) {
+        KernelRow& row = kernelRows_[static_cast<size_t>(i)];
+        row.firstRun += levelStart_[row.level];
+        row.lastRun += levelStart_[row.level];
+    }
+}
+
+bool Dilation::makeRows() {
     const int64_t blocks = roundUp(endColumn_ - firstColumn_) / BLOCK;
-    if (!rows_.allocateZeroed(count, stride_) || !ink_.allocateZeroed(depth_) ||
-        !inkBlocks_.allocateZeroed(stride_ / BLOCK) || !lastInk_.allocate(blocks) ||
-        !runTaps_.allocate(runCount_ + 1, BATCH) || !rampTaps_.allocate(rampCount_ + 1, BATCH))
+    margin_ = roundUp(std::max(before_, after_));
+    lineSize_ = 2 * margin_ + blocks * BLOCK + VECTOR_PAD;
+    sourceBegin_ = std::max<int64_t>(0, firstColumn_ - margin_);
+    sourceEnd_ = std::min(columns_, endColumn_ + margin_);
+    setLevels();
+    depth_ = std::max<int64_t>(param_.kernelSize + BATCH - 1, SMALLEST_DEPTH);
+    depth_ = std::min<int64_t>(depth_, rowEnd_ - rowBegin_ + 2 * (BATCH - 1));
+    inkSize_ = roundUp((lineSize_ >> SMALLEST_PATCH) / 8 + static_cast<int64_t>(sizeof(uint64_t)) + 1);
+    const int64_t slots = depth_ + BATCH - 1;
+    if (!slots_.allocateZeroed(slots * slotSize_ + lineSize_ + VECTOR_PAD) ||
+        !passed_.allocateZeroed(3 * lineSize_) || !hasInk_.allocateZeroed(depth_) ||
+        !ink_.allocateZeroed(depth_, inkSize_) || !joint_.allocateZeroed(depth_, inkSize_) ||
+        !hasJoint_.allocateZeroed(depth_) || !anyInk_.allocateZeroed(inkSize_) ||
+        !inks_.allocate(param_.kernelSize) || !lines_.allocate(param_.kernelSize) ||
+        !lineOf_.allocate(param_.kernelSize) || !seen_.allocate(param_.kernelSize + 1) ||
+        !witnesses_.allocate(blocks))
         return false;
-    std::fill_n(lastInk_.get(), blocks, INT64_MIN);
+    std::fill_n(witnesses_.get(), blocks, ringBegin_);
     return true;
 }
 
@@ -162,101 +247,140 @@ bool Dilation::make(const DilationParam& param) {
         endRow_ = firstRow_;
         return true;
     }
-    nextRow_ = std::max<int64_t>(rowBegin_, firstRow_ - param.originY - after_);
+    ringBegin_ = std::max<int64_t>(rowBegin_ - (BATCH - 1), firstRow_ - param.originY - after_);
+    nextRow_ = nextJoint_ = ringBegin_;
     return readKernel() && makeRows();
 }
 
-bool Dilation::hasInk(int64_t row) const {
-    return row >= rowBegin_ && row < nextRow_ && ink_[slotOf(row)] != 0;
-}
-
 size_t Dilation::slotOf(int64_t row) const {
-    return static_cast<size_t>((row - rowBegin_) % depth_);
+    return static_cast<size_t>((row - ringBegin_) % depth_);
 }
 
-uint8_t* Dilation::ringRow(int64_t row, int level) const {
-    return rows_.get() + levelStart_[level] + static_cast<int64_t>(slotOf(row)) * levelStep_[level];
-}
-
-const uint8_t* Dilation::rowOf(int64_t row, int level) const {
-    if (!hasInk(row)) return rows_.get();
-    return ringRow(row, level);
-}
-
-// Takes a source row into the ring.
-void Dilation::enterRow(int64_t row) {
-    const size_t slot = slotOf(row);
-    uint8_t* pixels = ringRow(row, 0);
-    if (row >= param_.rowBegin && row < param_.rowEnd) {
-        uint8_t* middle = pixels + pad_ + param_.left;
-        std::memset(pixels + pad_, param_.inverted, static_cast<size_t>(param_.left));
-        ZVEX_ON_TARGET(
-            copyRow(middle, param_.source + row * param_.sourceStride, param_.columns, param_.inverted));
-        std::memset(middle + param_.columns, param_.inverted, static_cast<size_t>(param_.right));
-    } else {
-        std::memset(pixels + pad_, param_.inverted, static_cast<size_t>(columns_));
+// The columns of a source row that are needed, to their places in the line.
+void Dilation::copySource(int64_t row, uint8_t* line) const {
+    uint8_t* pixels = line + margin_ - firstColumn_;  // of column 0
+    const int64_t left = param_.left, right = columns_ - param_.right;
+    const int64_t begin = std::max(sourceBegin_, left), end = std::min(sourceEnd_, right);
+    if (row < param_.rowBegin || row >= param_.rowEnd || begin >= end) {
+        std::memset(pixels + sourceBegin_, param_.inverted, static_cast<size_t>(sourceEnd_ - sourceBegin_));
+        return;
     }
-    uint8_t* inkBlocks = inkBlocks_.get();
-    const int64_t firstBlock = pad_ / BLOCK;
-    ink_[slot] = ZVEX_ON_TARGET(findInk(inkBlocks + firstBlock, pixels + pad_, roundUp(columns_) / BLOCK));
-    if (ink_[slot] == 0) return;
+    std::memset(pixels + sourceBegin_, param_.inverted, static_cast<size_t>(begin - sourceBegin_));
+    ZVEX_ON_TARGET(copyRow(pixels + begin, param_.source + row * param_.sourceStride + (begin - left),
+                           end - begin, param_.inverted));
+    std::memset(pixels + end, param_.inverted, static_cast<size_t>(sourceEnd_ - end));
+}
 
-    // A block of the target is reached from the blocks `low` to `high` of the row.
-    const int64_t left = pad_ + firstColumn_;
-    int64_t low = (left - after_) / BLOCK, high = (left + BLOCK - 1 + before_) / BLOCK, latest = -1;
-    for (int64_t i = low; i < high; ++i) latest = inkBlocks[i] != 0 ? i : latest;
-    const int64_t blocks = roundUp(endColumn_ - firstColumn_) / BLOCK;
-    for (int64_t block = 0; block < blocks; ++block, ++low, ++high) {
-        if (inkBlocks[high] != 0) latest = high;
-        if (latest >= low) lastInk_[static_cast<size_t>(block)] = row;
+uint8_t* Dilation::slotAt(size_t slot) const {
+    return slots_.get() + static_cast<int64_t>(slot) * slotSize_;
+}
+
+uint8_t* Dilation::inkAt(size_t slot) const {
+    return ink_.get() + static_cast<int64_t>(slot) * inkSize_;
+}
+
+// Where the slot has ink; whether it has any.
+bool Dilation::makeInk(size_t slot) {
+    int64_t bytes = (lineSize_ - VECTOR_PAD) / BLOCK;
+    if (!ZVEX_ON_TARGET(findInk(inkAt(slot), slotAt(slot), bytes))) return false;
+    for (int shift = SMALLEST_PATCH; shift < patchShift_; ++shift) {
+        bytes = (bytes + 1) / 2;
+        ZVEX_ON_TARGET(halveInk(inkAt(slot), bytes));
     }
+    return true;
+}
 
+void Dilation::makeWindows(uint8_t* slot) {
+    const uint8_t* pixels = slot;
+    uint8_t* passed[2] = {passed_.get(), passed_.get() + lineSize_};
+    const int64_t first = margin_ - firstColumn_ + sourceBegin_, end = margin_ - firstColumn_ + sourceEnd_;
+    const int64_t begin = std::max<int64_t>(0, first - (int64_t{1} << levelCount_));
     for (int level = 1; level < levelCount_; ++level) {
         const int64_t step = int64_t{1} << (level - 1);
-        const int64_t begin = (pad_ - 2 * step) / BLOCK * BLOCK;
-        uint8_t* windows = ringRow(row, level);
-        ZVEX_ON_TARGET(doubleWindows(windows + begin, pixels + begin, pad_ + columns_ - begin, step));
+        uint8_t* windows = used_[level] ? slot + levelStart_[level] : passed[level % 2];
+        ZVEX_ON_TARGET(doubleWindows(windows + begin, pixels + begin, end - begin, step));
         pixels = windows;
     }
 }
 
-// What lies over the source row `over`, the rows with ink only; how many runs and ramps.
-void Dilation::layTaps(int64_t over, RunTap* runTaps, int64_t* runs, RampTap* rampTaps,
-                       int64_t* ramps) const {
-    const int64_t column = pad_ + firstColumn_;
-    *runs = *ramps = 0;
-    for (int64_t i = 0; i < runCount_; ++i) {
-        const Run& run = runs_[static_cast<size_t>(i)];
-        if (!hasInk(over + run.upper) && !hasInk(over + run.lower)) continue;
-        const uint8_t* upper = rowOf(over + run.upper, run.level) + column;
-        const uint8_t* lower = rowOf(over + run.lower, run.level) + column;
-        runTaps[(*runs)++] = {upper + run.left, upper + run.right, lower + run.left, lower + run.right};
+// Takes a source row into the ring. Rows beyond the source are empty.
+void Dilation::enterRow(int64_t row) {
+    const size_t slot = slotOf(row);
+    uint8_t* lines = slotAt(slot);
+    const bool wasEmpty = hasInk_[slot] == 0;
+    hasInk_[slot] = 0;
+    if (row >= rowBegin_ && row < rowEnd_) {
+        copySource(row, lines);
+        hasInk_[slot] = makeInk(slot);
     }
-    for (int64_t i = 0; i < rampCount_; ++i) {
-        const Ramp& ramp = ramps_[static_cast<size_t>(i)];
-        if (!hasInk(over + ramp.upper) && !hasInk(over + ramp.lower)) continue;
-        const uint8_t* upper = rowOf(over + ramp.upper, 0) + column;
-        const uint8_t* lower = rowOf(over + ramp.lower, 0) + column;
-        rampTaps[(*ramps)++] = {upper + ramp.left, upper + ramp.right, lower + ramp.left, lower + ramp.right,
-                                ramp.missing};
+    if (hasInk_[slot] != 0) {
+        makeWindows(lines);
+    } else {
+        if (wasEmpty) return;
+        std::memset(lines, 0, static_cast<size_t>(slotSize_));
+        std::memset(inkAt(slot), 0, static_cast<size_t>(inkSize_));
     }
+    if (slot < BATCH - 1) std::memcpy(lines + depth_ * slotSize_, lines, static_cast<size_t>(slotSize_));
+}
+
+// Notes where the BATCH rows from `row` on have ink.
+void Dilation::joinRows(int64_t row) {
+    const size_t slot = slotOf(row);
+    const uint8_t* inks[BATCH];
+    int64_t count = 0;
+    for (int i = 0; i < BATCH; ++i) {
+        const size_t other = slotOf(row + i);
+        if (hasInk_[other] != 0) inks[count++] = inkAt(other);
+    }
+    hasJoint_[slot] = count != 0;
+    if (count != 0) {
+        ZVEX_ON_TARGET(joinInk(joint_.get() + static_cast<int64_t>(slot) * inkSize_, inks, count, inkSize_));
+    }
+}
+
+// The kernel rows as they lie over the source row `over` and the next ones, those with ink; how many.
+int64_t Dilation::layLines(int64_t over, int64_t firstOffset, int64_t lastOffset) {
+    std::fill_n(lineOf_.get(), lastOffset - firstOffset + 1, Line{nullptr, nullptr, {0, 0}, nullptr});
+    int64_t count = 0;
+    for (int64_t i = 0; i < kernelRowCount_; ++i) {
+        const KernelRow& kernel = kernelRows_[static_cast<size_t>(i)];
+        if (kernel.offset < firstOffset || kernel.offset > lastOffset) continue;
+        const size_t slot = slotOf(over + kernel.offset);
+        if (hasJoint_[slot] == 0) continue;
+        const uint8_t* ink = joint_.get() + static_cast<int64_t>(slot) * inkSize_;
+        const Line line = {slotAt(slot) + margin_, ink, kernel.reach, &kernel};
+        if (kernel.hasRun) lineOf_[static_cast<size_t>(kernel.offset - firstOffset)] = line;
+        inks_[static_cast<size_t>(count)] = ink;
+        lines_[static_cast<size_t>(count++)] = line;
+    }
+    ZVEX_ON_TARGET(joinInk(anyInk_.get(), inks_.get(), count, inkSize_));
+    return count;
 }
 
 void Dilation::raise(int64_t row, int rows, uint8_t* target, int64_t stride) {
     const int64_t over = row - param_.originY;  // the source row under the kernel's centre
-    const int64_t needed = std::min(rowEnd_, over + rows + before_);
-    for (; nextRow_ < needed; ++nextRow_) enterRow(nextRow_);
+    const int64_t firstOffset = std::max(-after_, rowBegin_ - (BATCH - 1) - over);
+    const int64_t lastOffset = std::min(before_, rowEnd_ - 1 - over);
+    for (; nextRow_ < over + lastOffset + BATCH; ++nextRow_) enterRow(nextRow_);
+    for (; nextJoint_ <= nextRow_ - BATCH; ++nextJoint_) joinRows(nextJoint_);
 
-    Taps taps[BATCH];
-    for (int i = 0; i < rows; ++i) {
-        RunTap* runTaps = runTaps_.get() + i * runCount_;
-        RampTap* rampTaps = rampTaps_.get() + i * rampCount_;
-        taps[i].runs = runTaps;
-        taps[i].ramps = rampTaps;
-        layTaps(over + i, runTaps, &taps[i].runCount, rampTaps, &taps[i].rampCount);
-    }
-    ZVEX_ON_TARGET(raiseRows(target + originX_ + firstColumn_, stride, endColumn_ - firstColumn_, taps, rows,
-                             lastInk_.get(), over - after_));
+    const int64_t lineCount = layLines(over, firstOffset, lastOffset);
+    const Work work = {lines_.get(),
+                       lineCount,
+                       lineOf_.get(),
+                       firstOffset,
+                       lastOffset,
+                       over,
+                       slotSize_,
+                       anyInk_.get(),
+                       anyReach_,
+                       patchShift_,
+                       static_cast<int>(patchesBefore_),
+                       (margin_ >> patchShift_) - patchesBefore_,
+                       cells_.get(),
+                       seen_.get()};
+    ZVEX_ON_TARGET(raiseRows(target + originX_ + firstColumn_, stride, endColumn_ - firstColumn_, rows, work,
+                             witnesses_.get()));
 }
 
 bool dilate(const DilationParam& param) {

@@ -37,24 +37,43 @@ struct DilationParam {
 // column and row of the kernel.
 bool dilate(const DilationParam& param);
 
-// The same, a row of the target at a time, for callers who need no plane of it. The kernel may be any bytes;
-// a row of it costs two reads for its longest run of 255 and one for each further cell, half of that where it
-// repeats on the other side of the centre.
+// The same, some rows of the target at a time, for callers who need no plane of it. The kernel may be any
+// bytes. A row of it costs a read or two for its longest run of 255 and one for each further cell, and only
+// where there is coverage within its reach.
 class Dilation {
 public:
-    // What a row of the target is raised by, for the kernels; rows of the source as they lie over it.
-    //
-    // A run of full cells in a row of the kernel, and in the row as far on the other side of the centre if
-    // that is the same: the maximum over the run is that over two windows of a power of two, one at either
-    // end.
-    struct RunTap {
-        const uint8_t *upperLeft, *upperRight, *lowerLeft, *lowerRight;
+    // What a row of the kernel reads around a block of the target, in patches of some pixels, a bit for each.
+    struct Reach {
+        uint64_t patches;
+        uint64_t always;  // all ones for a row that reaches further than the bits
     };
-    // A cell that is not full: what its source pixel lacks of 255. Its mirror images in the row and, as with
-    // a run, in the other row come with it if they are as full.
-    struct RampTap {
-        const uint8_t *upperLeft, *upperRight, *lowerLeft, *lowerRight;
-        uint8_t missing;
+    // Offsets are counted from a pixel of the target to what is read of a line.
+    struct KernelRow {
+        int64_t offset;  // from the target's row to the source's
+        Reach reach;
+        // The longest run of full cells: the maxima over two windows, one at either end. Whether the first
+        // one is enough where no coverage lies under or after the pixel, the last one where none lies before.
+        bool hasRun, firstAlone, lastAlone;
+        int level;  // the windows are 2^level wide
+        ptrdiff_t firstRun, lastRun;
+        int64_t rampBegin, rampEnd;  // the other cells
+    };
+    // A cell that is not full, and its mirror image if that is as full, else the same one again.
+    struct RampCells {
+        ptrdiff_t first, last;  // first <= last
+        uint8_t missing;        // what the cell lacks of 255
+    };
+    // A kernel row as it lies over the first of the rows that are raised.
+    struct Line {
+        const uint8_t* pixels;
+        const uint8_t* ink;
+        Reach reach;
+        const KernelRow* kernel;
+    };
+    // A line that brings coverage to some pixels, and whether it has none within reach after or before them.
+    struct Seen {
+        const Line* line;
+        bool noneAfter, noneBefore;
     };
 
     // Memory for all the rows; false when it is short. Reads the kernel and keeps the source, which must
@@ -71,27 +90,20 @@ public:
     void raise(int64_t row, int rows, uint8_t* target, int64_t stride);
 
 private:
-    // The same before the rows are known; all counted from the target's row and column.
-    struct Run {
-        int64_t upper, lower;
-        int64_t left, right;  // first columns of the windows, which are 2^level wide
-        int level;
-    };
-    struct Ramp {
-        int64_t upper, lower;
-        int64_t left, right;  // columns
-        uint8_t missing;
-    };
-
     bool readKernel();
-    void readKernelRow(const uint8_t* row, int64_t upper, int64_t lower);
+    void readKernelRow(int64_t index);
+    void setReaches();
+    void setLevels();
     bool makeRows();
     size_t slotOf(int64_t row) const;
-    uint8_t* ringRow(int64_t row, int level) const;
-    const uint8_t* rowOf(int64_t row, int level) const;
-    bool hasInk(int64_t row) const;
+    uint8_t* slotAt(size_t slot) const;
+    uint8_t* inkAt(size_t slot) const;
+    int64_t layLines(int64_t over, int64_t firstOffset, int64_t lastOffset);
+    void copySource(int64_t row, uint8_t* line) const;
+    bool makeInk(size_t slot);
+    void makeWindows(uint8_t* line);
     void enterRow(int64_t row);
-    void layTaps(int64_t over, RunTap* runTaps, int64_t* runs, RampTap* rampTaps, int64_t* ramps) const;
+    void joinRows(int64_t row);
 
     DilationParam param_;
     int64_t firstRow_ = 0, endRow_ = 0;
@@ -103,25 +115,39 @@ private:
     int64_t columns_ = 0;
     int64_t rowBegin_ = 0, rowEnd_ = 0;
 
-    Buffer<Run> runs_;
-    Buffer<Ramp> ramps_;
-    int64_t runCount_ = 0, rampCount_ = 0;
+    Buffer<KernelRow> kernelRows_;  // from the centre outwards
+    Buffer<RampCells> cells_;
+    int64_t kernelRowCount_ = 0, cellCount_ = 0;
+    Reach anyReach_ = {0, 0};
+    int patchShift_ = 0;  // a patch is 2^patchShift_ pixels of a row
+    int64_t patchesBefore_ = 0;
 
-    // The source rows that the kernel reaches, in a ring; for each, as many as the levels, the maxima over
-    // windows of 2^level pixels. `pad_` zeros stand before the first pixel.
+    // The source rows that the kernel reaches, in a ring of slots; the first few slots are repeated after the
+    // last, so that BATCH rows from any one on lie one behind the other. A slot has a line for each level
+    // that is used: the maxima over windows of 2^level pixels. The first byte that the target is raised by is
+    // byte `margin_` of a line.
     static constexpr int LEVELS = 32;
-    Buffer<uint8_t> rows_;
-    int64_t levelStart_[LEVELS] = {};  // of a level's ring within rows_
-    int64_t levelStep_[LEVELS] = {};   // from row to row; 0 for a level that is only passed through
+    Buffer<uint8_t> slots_;
+    bool used_[LEVELS] = {};
+    int64_t levelStart_[LEVELS] = {};  // within a slot
     int levelCount_ = 1;
-    int64_t depth_ = 0, stride_ = 0, pad_ = 0;
-    int64_t nextRow_ = 0;  // the first source row that has not been read
+    int64_t depth_ = 0, slotSize_ = 0, lineSize_ = 0, margin_ = 0;
+    int64_t sourceBegin_ = 0, sourceEnd_ = 0;  // columns that a line has
+    int64_t ringBegin_ = 0;
+    int64_t nextRow_ = 0;    // the first source row that has not been read
+    int64_t nextJoint_ = 0;  // the first one whose ink has not been joined with that of the rows after it
 
-    Buffer<uint8_t> ink_;        // whether the rows of the ring have any
-    Buffer<uint8_t> inkBlocks_;  // of the row that is read
-    Buffer<int64_t> lastInk_;    // for each block of the target the last source row with ink in its reach
-    Buffer<RunTap> runTaps_;
-    Buffer<RampTap> rampTaps_;
+    Buffer<uint8_t> passed_;  // lines of levels that are only passed through
+    Buffer<uint8_t> hasInk_;  // of the slots
+    Buffer<uint8_t> ink_;     // of the slots: a bit for each patch of a line, whether it has coverage
+    Buffer<uint8_t> joint_;   // of the slots: the ink of BATCH rows from that one on
+    Buffer<uint8_t> hasJoint_;
+    int64_t inkSize_ = 0;
+    Buffer<uint8_t> anyInk_;  // of all lines
+    Buffer<const uint8_t*> inks_;
+    Buffer<Line> lines_, lineOf_;
+    Buffer<Seen> seen_;
+    Buffer<int64_t> witnesses_;  // for each block of the target the source row that filled it last
 };
 
 }  // namespace Zvex

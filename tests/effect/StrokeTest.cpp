@@ -106,6 +106,25 @@ TEST(Stroke, EqualsThePlainForm) {
     }
 }
 
+// Several blocks of the kernels side by side, empty and full ones among them.
+TEST(Stroke, EqualsThePlainFormOnWideScenes) {
+    unsigned seed = 0;
+    for (float width : {2.5f, 9.0f, 33.0f}) {
+        for (int position : {0, 1, 2}) {
+            ZvStroke stroke;
+            setStroke(stroke, width, position);
+            expectThePlainForm(
+                stroke, seed, 3,
+                [&](FilterScene& scene) {
+                    reference::drawStroke(&scene.target, scene.both ? &scene.other : nullptr, scene.mask,
+                                          scene.box, scene.layerMode, width, COLOR, position);
+                },
+                130, 40);
+            seed += 3;
+        }
+    }
+}
+
 TEST(Stroke, RowBandsGiveTheWhole) {
     constexpr int COLUMNS = 17, ROWS = 13, SIDE = 7, R = 3;
     constexpr int WIDTH = COLUMNS + 2 * R, HEIGHT = ROWS + 2 * R;
@@ -190,6 +209,7 @@ void dilatePlainly(const DilationParam& p) {
     for (int row = p.rowBegin; row < p.rowEnd; ++row) {
         for (int column = 0; column < p.columns; ++column) {
             const int value = p.source[row * p.sourceStride + column] ^ p.inverted;
+            if (value == 0) continue;  // raises nothing
             for (int i = 0; i < p.kernelSize * p.kernelSize; ++i) {
                 const int x = p.originX + column + i % p.kernelSize - p.kernelSize / 2;
                 const int y = p.originY + row + i / p.kernelSize - p.kernelSize / 2;
@@ -199,6 +219,23 @@ void dilatePlainly(const DilationParam& p) {
             }
         }
     }
+}
+
+// On a target of low noise between guards.
+void expectTheDefinition(DilationParam p, Random& random, unsigned seed) {
+    constexpr size_t GUARD = 64;
+    std::vector<uint8_t> floor(2 * GUARD + static_cast<size_t>(p.targetWidth * p.targetHeight));
+    for (uint8_t& byte : floor) byte = static_cast<uint8_t>(random.below(40));
+    std::vector<uint8_t> expected(floor);
+    p.target = expected.data() + GUARD;
+    dilatePlainly(p);
+    forEachCpuTarget([&] {
+        std::vector<uint8_t> actual(floor);
+        DilationParam fast = p;
+        fast.target = actual.data() + GUARD;
+        EXPECT_TRUE(dilate(fast));
+        ASSERT_EQ(actual, expected) << "seed " << seed << ", kernel " << p.kernelSize;
+    });
 }
 
 // Kernels that are no discs, or discs with a flaw; sources of few and of many columns, empty rows and blocks
@@ -233,20 +270,61 @@ TEST(Dilation, HoldsForAnyKernel) {
         p.originX = random.between(-40, 40);
         p.originY = random.between(-20, 20);
 
-        constexpr size_t GUARD = 64;
-        std::vector<uint8_t> floor(2 * GUARD + static_cast<size_t>(p.targetWidth * p.targetHeight));
-        for (uint8_t& byte : floor) byte = static_cast<uint8_t>(random.below(40));
-        std::vector<uint8_t> expected(floor);
-        p.target = expected.data() + GUARD;
-        dilatePlainly(p);
-        forEachCpuTarget([&] {
-            std::vector<uint8_t> actual(floor);
-            DilationParam fast = p;
-            fast.target = actual.data() + GUARD;
-            EXPECT_TRUE(dilate(fast));
-            ASSERT_EQ(actual, expected) << "seed " << seed;
-        });
+        expectTheDefinition(p, random, seed);
         if (HasFatalFailure()) return;
+    }
+}
+
+// Discs of every radius and some fractions, over several tiles of the target.
+TEST(Dilation, HoldsForDiscsOfEveryRadius) {
+    for (unsigned seed = 0; seed < 164; ++seed) {
+        Random random(seed);
+        DilationParam p;
+        p.columns = random.between(40, 90);
+        p.sourceStride = p.columns;
+        p.rowEnd = random.between(8, 24);
+        const ZvBitmap source = makeMask(ALL_MASKS[seed % 6], p.columns, p.rowEnd, random);
+        p.source = source.pixels;
+        p.inverted = random.below(3) == 0 ? 255 : 0;
+        unsigned char* kernel = nullptr;
+        p.kernelSize = makeCircleKernel(&kernel, static_cast<float>(seed) * 0.25f);
+        p.kernel = kernel;
+        p.originX = p.originY = p.kernelSize / 2 + 1;
+        p.targetWidth = p.columns + 2 * p.originX;
+        p.targetHeight = p.rowEnd + 2 * p.originY;
+        expectTheDefinition(p, random, seed);
+        std::free(kernel);
+        if (HasFatalFailure()) return;
+    }
+}
+
+// Kernels at which the cells of ink grow, and beyond the largest ones: single pixels far from one another are
+// seen as far as the disc reaches.
+TEST(Dilation, SeesInkAtTheEndOfItsReach) {
+    unsigned seed = 0;
+    for (const int radius : {3, 12, 95, 96, 97, 208, 209, 432, 433, 896, 897}) {
+        for (int part = 0; part < 4; ++part, ++seed) {
+            Random random(seed);
+            DilationParam p;
+            p.sourceStride = p.columns = 500;
+            p.rowEnd = 12;
+            std::vector<uint8_t> source(6000, 0);
+            for (int i = 0; i < 5; ++i) {
+                source[static_cast<size_t>(random.below(6000))] =
+                    static_cast<uint8_t>(random.below(2) == 0 ? 255 : random.below(256));
+            }
+            p.source = source.data();
+            unsigned char* kernel = nullptr;
+            p.kernelSize = makeCircleKernel(&kernel, static_cast<float>(radius) - 0.25f * part);
+            p.kernel = kernel;
+            p.targetWidth = 400;
+            p.targetHeight = 30;
+            p.originX = random.between(-radius, 400 + radius) - random.below(500);
+            p.originY = random.between(-radius, radius + 20);
+            expectTheDefinition(p, random, seed);
+            std::free(kernel);
+            if (HasFatalFailure()) return;
+        }
     }
 }
 
