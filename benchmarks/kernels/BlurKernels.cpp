@@ -66,6 +66,7 @@ void addSize(const bench::TextScene& scene, int size, bool withPlain) {
 
 void addBlurRows() {
     for (int size : {5, 10, 20, 30, 40, 80}) addSize(bench::smallText(), size, true);
+    for (int size : {2, 70, 100}) addSize(bench::smallText(), size, false);  // cost over the radius
     for (int size : {20, 30, 80, 120}) addSize(bench::largeText(), size, false);
 }
 
