@@ -39,6 +39,14 @@ void addReliefRows() {
                 bevel(*scene, "bevel/inner", reference::drawBevel, 1, soft, size * scale, small);
                 bevel(*scene, "bevel/outer", reference::drawBevel, 0, soft, size * scale, small);
             }
+            // Over the radius: hardly more. The plain form, in proportion to its square, is left out there.
+            for (int size : {2, 5, 10, 20, 40, 70, 100}) {
+                if (soft || !small) break;
+                addRelief<ZvBevel, ZvBevelProperty>(*scene, "bevel-radii/inner", reference::drawBevel, 1,
+                                                    soft, size, false);
+                addRelief<ZvEmboss, ZvEmbossProperty>(*scene, "emboss-radii", reference::drawEmboss, 1, soft,
+                                                      size, false);
+            }
             for (int size : {10, 20, 40}) {
                 addRelief<ZvEmboss, ZvEmbossProperty>(*scene, "emboss", reference::drawEmboss, 1, soft,
                                                       size * scale, small);
