@@ -2,14 +2,15 @@
 // Whole renders through a text object: shaping, glyphs, effects and composition, the font loaded beforehand.
 // Row names are scene / size / kind: `fresh` makes a new text object for each render and clears the port's
 // glyph cache, as scripts/compare does; `warm` renders one object again, as after a change of its effects:
-// its lines are kept. Every scene is checked for ink before it is timed; a renderer that
-// draws nothing is fast.
+// its lines are kept; `over` is that over a background, put together on the canvas. Every scene is checked
+// for ink before it is timed; a renderer that draws nothing is fast.
 //
 //     bench_render [FONT] [--benchmark_filter=...]
 #include <benchmark/benchmark.h>
 
 #include <cstdint>
 #include <string>
+#include <utility>
 
 #include "benchmarks/Scenes.h"
 #include "platform/host/GlyphCache.h"
@@ -19,12 +20,15 @@ namespace {
 
 const char* fontPath = bench::kFont;
 
-void renderScene(benchmark::State& state, const std::string& scene, bench::Canvas canvas, bool fresh) {
+enum class Kind { kFresh, kWarm, kOver };
+
+void renderScene(benchmark::State& state, const std::string& scene, bench::Canvas canvas, Kind kind) {
     Zvex::ZvTextObject object;
     if (!bench::prepareScene(object, scene, canvas, fontPath)) {
         state.SkipWithError("cannot be prepared; is the font there?");
         return;
     }
+    object.SetBackgroundColor(0xFFFFFFFF, kind == Kind::kOver);
     uint64_t ink = 0;
     const auto* first = object.RenderTextEffect(canvas.width(), canvas.height());
     for (int i = 0; i < canvas.width() * canvas.height(); ++i) ink += first[i] >> 24;
@@ -34,7 +38,7 @@ void renderScene(benchmark::State& state, const std::string& scene, bench::Canva
         return;
     }
     for (auto _ : state) {
-        if (fresh) {
+        if (kind == Kind::kFresh) {
             host::clearGlyphCache();
             Zvex::ZvTextObject another;
             bench::prepareScene(another, scene, canvas, fontPath);
@@ -50,11 +54,12 @@ void addRows() {
         bench::Canvas canvas;
         canvas.scale = scale;
         for (const char* scene : bench::kScenes) {
-            for (const bool fresh : {true, false}) {
+            for (const auto& [kind, label] :
+                 {std::pair(Kind::kFresh, "/fresh"), {Kind::kWarm, "/warm"}, {Kind::kOver, "/over"}}) {
                 const std::string name = std::string(scene) + "/" + std::to_string(canvas.width()) + "x" +
-                                         std::to_string(canvas.height()) + (fresh ? "/fresh" : "/warm");
-                benchmark::RegisterBenchmark(name.c_str(), [=](benchmark::State& state) {
-                    renderScene(state, scene, canvas, fresh);
+                                         std::to_string(canvas.height()) + label;
+                benchmark::RegisterBenchmark(name.c_str(), [=, kind = kind](benchmark::State& state) {
+                    renderScene(state, scene, canvas, kind);
                 })->Unit(benchmark::kMicrosecond);
             }
         }

@@ -24,6 +24,17 @@ constexpr uint32_t nearestQuotient(uint32_t n, uint32_t d) {
     return (n + d / 2) / d;
 }
 
+// Four quotients rounded to the nearest, halves up, each of one of `numerators`; `d` is 1 to 255 * 255 and no
+// quotient above 255. With floats, exactly: n + d / 2 stays below 2^24, so it is held exactly, and where it
+// is no multiple of d it stays at least 1 / d > 2^-16 short of one. A quotient below 256 is rounded by 2^-17
+// at most, so it does not get there.
+typedef float FourFloats __attribute__((vector_size(16)));
+typedef int32_t FourInts __attribute__((vector_size(16)));
+inline FourInts nearestQuotients(FourInts numerators, int32_t d) {
+    const FourFloats sums = __builtin_convertvector(numerators + d / 2, FourFloats);
+    return __builtin_convertvector(sums / static_cast<float>(d), FourInts);
+}
+
 // Source-over of the straight colour (red, green, blue) at alpha onto a straight pixel, red, green, blue,
 // alpha in memory. Alpha 0 leaves the pixel as it is.
 inline void straightOver(uint8_t* pixel, uint8_t red, uint8_t green, uint8_t blue, uint8_t alpha) {
@@ -35,13 +46,15 @@ inline void straightOver(uint8_t* pixel, uint8_t red, uint8_t green, uint8_t blu
         pixel[3] = alpha;
         return;
     }
-    const uint32_t source = alpha * 255u;
-    const uint32_t target = pixel[3] * (255u - alpha);
-    const uint32_t sum = source + target;  // 255 <= sum <= 255 * 255; the numerators stay below 255^3 < 2^24
-    pixel[0] = static_cast<uint8_t>(nearestQuotient(red * source + pixel[0] * target, sum));
-    pixel[1] = static_cast<uint8_t>(nearestQuotient(green * source + pixel[1] * target, sum));
-    pixel[2] = static_cast<uint8_t>(nearestQuotient(blue * source + pixel[2] * target, sum));
-    pixel[3] = static_cast<uint8_t>(nearestQuotient(sum, 255));
+    const int32_t source = alpha * 255;
+    const int32_t target = pixel[3] * (255 - alpha);
+    const int32_t sum = source + target;  // 255 <= sum <= 255 * 255; the numerators stay below 255^3 < 2^24
+    const FourInts below = {pixel[0], pixel[1], pixel[2], 0}, above = {red, green, blue, 0};
+    const FourInts mixed = nearestQuotients(above * source + below * target, sum);
+    pixel[0] = static_cast<uint8_t>(mixed[0]);
+    pixel[1] = static_cast<uint8_t>(mixed[1]);
+    pixel[2] = static_cast<uint8_t>(mixed[2]);
+    pixel[3] = static_cast<uint8_t>(nearestQuotient(static_cast<uint32_t>(sum), 255));
 }
 
 }  // namespace host

@@ -37,20 +37,35 @@ void coverageRowOver(uint8_t* target, uint8_t source, int count) {
     for (int i = 0; i < count; ++i) target[i] = host::coverageOver(source, target[i]);
 }
 
+template <int LENGTH>
+bool isBlank(const uint8_t* bytes) {
+    uint64_t words[LENGTH / 8], any = 0;
+    std::memcpy(words, bytes, LENGTH);
+    for (const uint64_t word : words) any |= word;
+    return any == 0;
+}
+
+// Copies onto blank bytes; false, with nothing written, where they are not. In pieces, the last of which may
+// lie over the one before: of fixed length, because calls to copy rows as short as a glyph's take longer.
+template <int LENGTH>
+bool copyOntoBlank(uint8_t* __restrict target, const uint8_t* __restrict source, int count) {
+    const int last = count - LENGTH;
+    for (int i = 0; i < last; i += LENGTH) {
+        if (!isBlank<LENGTH>(target + i)) return false;
+    }
+    if (!isBlank<LENGTH>(target + last)) return false;
+    for (int i = 0; i < last; i += LENGTH) std::memcpy(target + i, source + i, LENGTH);
+    std::memcpy(target + last, source + last, LENGTH);
+    return true;
+}
+
 // A row of a glyph's coverage, scaled by alpha, onto a row of coverage.
-void glyphRowOver(uint8_t* target, const uint8_t* coverage, uint8_t alpha, int count) {
+void glyphRowOver(uint8_t* __restrict target, const uint8_t* __restrict coverage, uint8_t alpha, int count) {
+    // Glyphs seldom overlap.
+    if (alpha == 255 && count >= 32 && copyOntoBlank<32>(target, coverage, count)) return;
+    if (alpha == 255 && count >= 8 && count < 32 && copyOntoBlank<8>(target, coverage, count)) return;
     if (alpha == 255) {
-        int i = 0;
-        for (; i + 8 <= count; i += 8) {  // glyphs seldom overlap
-            uint64_t below;
-            std::memcpy(&below, target + i, 8);
-            if (below == 0) {
-                std::memcpy(target + i, coverage + i, 8);
-            } else {
-                for (int j = i; j < i + 8; ++j) target[j] = host::coverageOver(coverage[j], target[j]);
-            }
-        }
-        for (; i < count; ++i) target[i] = host::coverageOver(coverage[i], target[i]);
+        for (int i = 0; i < count; ++i) target[i] = host::coverageOver(coverage[i], target[i]);
         return;
     }
     for (int i = 0; i < count; ++i) {
@@ -69,11 +84,47 @@ void glyphRowOver(uint8_t* target, const uint8_t* coverage, SkColor color, int c
     }
 }
 
-// A row of straight colour, scaled by alpha, onto another.
+// The pixels from the first one on whose alpha is `alpha`.
+int runOfAlpha(const uint8_t* pixels, uint8_t alpha, int count) {
+    constexpr int PIECE = 16;
+    const uint8_t same[4] = {0, 0, 0, alpha}, mask[4] = {0, 0, 0, 255};
+    uint32_t wanted, alphaBits;
+    std::memcpy(&wanted, same, 4);
+    std::memcpy(&alphaBits, mask, 4);
+    int i = 0;
+    for (; i + PIECE <= count; i += PIECE) {
+        uint32_t words[PIECE], differing = 0;
+        std::memcpy(words, pixels + 4 * static_cast<size_t>(i), sizeof words);
+        for (const uint32_t word : words) differing |= word ^ wanted;
+        if ((differing & alphaBits) != 0) break;
+    }
+    while (i < count && pixels[4 * static_cast<size_t>(i) + 3] == alpha) ++i;
+    return i;
+}
+
+// A row of straight colour, scaled by alpha, onto another. Runs of transparent and of opaque pixels are taken
+// at once.
 void straightRowOver(uint8_t* target, const uint8_t* source, uint8_t alpha, int count) {
-    for (int i = 0; i < count; ++i, target += 4, source += 4) {
-        const uint32_t scaled = host::multiplyBytes(source[3], alpha);
-        host::straightOver(target, source[0], source[1], source[2], static_cast<uint8_t>(scaled));
+    if (alpha != 255) {
+        for (int i = 0; i < count; ++i, target += 4, source += 4) {
+            const uint32_t scaled = host::multiplyBytes(source[3], alpha);
+            host::straightOver(target, source[0], source[1], source[2], static_cast<uint8_t>(scaled));
+        }
+        return;
+    }
+    while (count > 0) {
+        int run = 1;
+        if (source[3] == 0) {
+            run = runOfAlpha(source, 0, count);
+        } else if (source[3] == 255) {
+            run = runOfAlpha(source, 255, count);
+            std::memcpy(target, source, 4 * static_cast<size_t>(run));
+        } else {
+            host::straightOver(target, source[0], source[1], source[2], source[3]);
+        }
+        target += 4 * static_cast<size_t>(run);
+        source += 4 * static_cast<size_t>(run);
+        count -= run;
     }
 }
 
@@ -132,6 +183,8 @@ void SkCanvas::fill(const PixelRect& area, SkColor color, SkBlendMode mode) {
     const uint8_t alpha = SkColorGetA(color);
     const bool replace = mode == SkBlendMode::kSrc || alpha == 255;
     const uint8_t source[4] = {SkColorGetR(color), SkColorGetG(color), SkColorGetB(color), alpha};
+    uint32_t word;
+    std::memcpy(&word, source, 4);
     for (int y = area.top; y < area.bottom; ++y) {
         uint8_t* row = pixelAt(mBitmap, area.left, y);
         if (isCoverage(mBitmap)) {
@@ -141,7 +194,7 @@ void SkCanvas::fill(const PixelRect& area, SkColor color, SkBlendMode mode) {
                 coverageRowOver(row, alpha, count);
             }
         } else if (replace) {
-            for (int x = 0; x < count; ++x) std::memcpy(row + 4 * static_cast<size_t>(x), source, 4);
+            for (int x = 0; x < count; ++x) std::memcpy(row + 4 * static_cast<size_t>(x), &word, 4);
         } else {
             for (int x = 0; x < count; ++x) {
                 host::straightOver(row + 4 * static_cast<size_t>(x), source[0], source[1], source[2], alpha);

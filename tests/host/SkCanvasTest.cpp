@@ -109,6 +109,21 @@ TEST(PixelMath, StraightSourceOverIsRoundedToTheNearest) {
     }
 }
 
+// On both sides of every step from one quotient to the next.
+TEST(PixelMath, QuotientsInFloatsAreExact) {
+    for (int d = 1; d <= 255 * 255; d += d < 60000 ? 13 : 1) {
+        for (int quotient = 1; quotient <= 255; ++quotient) {
+            const int step = quotient * d - d / 2;
+            const host::FourInts numerators = {step - 1, step, 0, 255 * d};
+            const host::FourInts found = host::nearestQuotients(numerators, d);
+            ASSERT_EQ(found[0], quotient - 1) << d;
+            ASSERT_EQ(found[1], quotient) << d;
+            ASSERT_EQ(found[2], 0) << d;
+            ASSERT_EQ(found[3], 255) << d;
+        }
+    }
+}
+
 TEST(SkBitmap, RefusesWhatItCannotDraw) {
     uint8_t pixels[64] = {};
     const auto k8888 = kRGBA_8888_SkColorType;
@@ -256,6 +271,31 @@ TEST(SkCanvas, BitmapsAreCompositedInsideTheClip) {
     EXPECT_EQ(mask.pixels(), std::vector<uint8_t>(12, 0));
 }
 
+// Runs of one alpha are taken at once: runs of all lengths, in rows of all widths.
+TEST(SkCanvas, RunsOfABitmapAreCompositedAsItsPixels) {
+    std::mt19937 random(5);
+    for (int width = 1; width <= 70; ++width) {
+        Picture source(width, 1, kRGBA_8888_SkColorType), target(width, 1, kRGBA_8888_SkColorType);
+        for (int x = 0; x < width;) {
+            const uint32_t kind = random() % 3, run = 1 + random() % (random() % 2 != 0 ? 40 : 3);
+            for (const int end = std::min(width, x + static_cast<int>(run)); x < end; ++x) {
+                for (int c = 0; c < 4; ++c) {
+                    source.row(0)[4 * x + c] = static_cast<uint8_t>(random());
+                    target.row(0)[4 * x + c] = static_cast<uint8_t>(random());
+                }
+                if (kind < 2) source.row(0)[4 * x + 3] = kind == 0 ? 0 : 255;
+            }
+        }
+        std::vector<uint8_t> expected = target.pixels();
+        for (int x = 0; x < width; ++x) {
+            const uint8_t* p = source.row(0) + 4 * x;
+            host::straightOver(&expected[static_cast<size_t>(4 * x)], p[0], p[1], p[2], p[3]);
+        }
+        target.canvas->drawBitmap(source.bitmap, 0, 0);
+        ASSERT_EQ(target.pixels(), expected) << "width " << width;
+    }
+}
+
 class TextTest : public testing::Test {
 protected:
     void SetUp() override {
@@ -336,25 +376,33 @@ TEST_F(TextTest, OriginsAreTakenToQuarterPixelsOrWholeOnes) {
     }
 }
 
+// Glyphs narrower than 8 pixels, than 32 and wider, from one side by side to the other.
 TEST_F(TextTest, GlyphsLieOverEachOtherInOrder) {
-    const sk_sp<SkTextBlob> both = blobOf({{kA, 10, 30}, {kO, 14.5f, 30}});
-    const std::vector<uint8_t> a = placed(kA, 10, 30, 0), o = placed(kO, 14, 30, 2);
-    const std::vector<uint8_t> result = drawn(both, 0, 0), faint = drawn(both, 0, 0, 0x80123456);
-    Picture colour(kWidth, kHeight, kRGBA_8888_SkColorType);
-    colour.canvas->drawColor(0xFFFFFFFF, SkBlendMode::kSrc);
-    colour.canvas->drawTextBlob(both, 0, 0, colored(0xFF0000FF));
-    const std::vector<uint8_t> blue = colour.pixels();
-    int overlapped = 0;
-    for (size_t i = 0; i < result.size(); ++i) {
-        ASSERT_EQ(result[i], host::coverageOver(o[i], a[i]));
-        const auto half = [](uint8_t c) { return static_cast<uint8_t>(host::multiplyBytes(c, 128)); };
-        ASSERT_EQ(faint[i], host::coverageOver(half(o[i]), half(a[i])));
-        uint8_t pixel[4] = {255, 255, 255, 255};
-        for (const uint8_t coverage : {a[i], o[i]}) host::straightOver(pixel, 0, 0, 255, coverage);
-        ASSERT_EQ(std::memcmp(&blue[4 * i], pixel, 4), 0);
-        overlapped += a[i] != 0 && o[i] != 0;
+    for (const float size : {9.0f, 20.0f, 40.0f}) {
+        font.setTextSize(size);
+        int overlapped = 0;
+        for (int shift = -12; shift <= 12; ++shift) {
+            SCOPED_TRACE(std::to_string(size) + " by " + std::to_string(shift));
+            const int left = 20 + shift;
+            const sk_sp<SkTextBlob> both = blobOf({{kA, 20, 30}, {kO, static_cast<float>(left) + 0.5f, 30}});
+            const std::vector<uint8_t> a = placed(kA, 20, 30, 0), o = placed(kO, left, 30, 2);
+            const std::vector<uint8_t> result = drawn(both, 0, 0), faint = drawn(both, 0, 0, 0x80123456);
+            Picture colour(kWidth, kHeight, kRGBA_8888_SkColorType);
+            colour.canvas->drawColor(0xFFFFFFFF, SkBlendMode::kSrc);
+            colour.canvas->drawTextBlob(both, 0, 0, colored(0xFF0000FF));
+            const std::vector<uint8_t> blue = colour.pixels();
+            for (size_t i = 0; i < result.size(); ++i) {
+                ASSERT_EQ(result[i], host::coverageOver(o[i], a[i]));
+                const auto half = [](uint8_t c) { return static_cast<uint8_t>(host::multiplyBytes(c, 128)); };
+                ASSERT_EQ(faint[i], host::coverageOver(half(o[i]), half(a[i])));
+                uint8_t pixel[4] = {255, 255, 255, 255};
+                for (const uint8_t coverage : {a[i], o[i]}) host::straightOver(pixel, 0, 0, 255, coverage);
+                ASSERT_EQ(std::memcmp(&blue[4 * i], pixel, 4), 0);
+                overlapped += a[i] != 0 && o[i] != 0;
+            }
+        }
+        EXPECT_GT(overlapped, 5);
     }
-    EXPECT_GT(overlapped, 5);
 }
 
 TEST_F(TextTest, TheRunsPaintSetsTheFontAndTheDrawingPaintTheColour) {
