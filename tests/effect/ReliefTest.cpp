@@ -87,6 +87,7 @@ TEST(Bevel, EqualsThePlainForm) {
     for (float size : {-5.0f, -1.5f, 0.0f, 1.0f, 4.0f, 13.9f, 14.0f, 25.0f}) check(size, 0, seed += 6, 6);
     check(120.0f, 0, 2, 1, 7, 6);
     check(50.0f, 2, 6, 1, 7, 6);
+    check(9.0f, 0, 40, 8, 400, 24);  // with blocks of even ground
     check(57.0f, 2, 0, 3, 7, 6);
 }
 
