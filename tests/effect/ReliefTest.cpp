@@ -62,6 +62,9 @@ void expectThePlainRelief(Draw draw, float size, int technique, unsigned first, 
         const auto fadeSome = [&](FilterScene& scene) {
             for (int i = 0; i < width * height && seed % 7 == 1; ++i)
                 scene.mask.pixels[i] = std::min<uint8_t>(scene.mask.pixels[i], 1);
+            for (int i = 0; i < width * height && width >= 300; ++i) {  // a few squares far apart
+                if (i % width / 12 % 14 != 4 || i / width / 12 % 11 != 9) scene.mask.pixels[i] = 0;
+            }
         };
         fadeSome(expected);
         draw(expected.record(), *filter.property);
@@ -87,7 +90,7 @@ TEST(Bevel, EqualsThePlainForm) {
     for (float size : {-5.0f, -1.5f, 0.0f, 1.0f, 4.0f, 13.9f, 14.0f, 25.0f}) check(size, 0, seed += 6, 6);
     check(120.0f, 0, 2, 1, 7, 6);
     check(50.0f, 2, 6, 1, 7, 6);
-    check(9.0f, 0, 40, 8, 400, 24);  // with blocks of even ground
+    check(9.0f, 0, 40, 6, 400, 200);
     check(57.0f, 2, 0, 3, 7, 6);
 }
 
