@@ -38,6 +38,11 @@ PictureStrip::~PictureStrip() {
     pixels = nullptr;
 }
 
+uint8_t* PictureStrip::at(int x, int y) const {
+    if (pixels == nullptr || bytesPerPixel != 4) return nullptr;
+    return pixels + (static_cast<size_t>(y - top) * width + static_cast<size_t>(x)) * 4;
+}
+
 int stripRows(uint32_t width) {
     constexpr uint32_t STRIP_PIXELS = 1 << 16;
     constexpr uint32_t LEAST = 8, MOST = 64;

@@ -31,6 +31,9 @@ public:
     PictureStrip& operator=(const PictureStrip&) = delete;
     ~PictureStrip() override;
 
+    // A pixel of the picture within the strip; null in a strip that is no colour picture.
+    uint8_t* at(int x, int y) const;
+
     int top;
 };
 

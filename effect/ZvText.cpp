@@ -65,7 +65,7 @@ private:
             std::memset(row + ptrdiff_t{from} * 4, 0, static_cast<size_t>(to - from) * 4);
         };
         for (int y = std::max(part.begin, drawn_.top); y < part.end; ++y) {
-            uint8_t* row = target.pixels + static_cast<size_t>(y - target.top) * target.width * 4;
+            uint8_t* row = target.at(0, y);
             if (y < covered_.top || y >= covered_.bottom) {
                 clear(row, drawn_.left, drawn_.right);
                 continue;

@@ -201,7 +201,8 @@ void GlowRows::draw(RowRange rows, const PictureStrip& target, const PictureStri
         if (blurred) {
             if (y >= bandEnd_) blurBand(y);
             const uint8_t* values = blurred_.get() + ptrdiff_t{y - bandBegin_} * stride_;
-            ZVEX_ON_TARGET(colorRow(row + (xBegin_ - left_), values, count(), colors_));
+            const uint8_t* behind = target.at(area_.x + xBegin_, area_.y + y);
+            ZVEX_ON_TARGET(colorRow(row + (xBegin_ - left_), values, count(), colors_, behind));
         } else {
             std::fill_n(row, right_ - left_, BORDER_INSIDE);
         }
