@@ -14,6 +14,7 @@
 #include "effect/ZvGlyph.h"
 #include "effect/filters/Buffer.h"
 #include "foundation/ZvLog.h"
+#include "raster/ClearPixels.h"
 #include "raster/ZvBitmap.h"
 #include "raster/ZvBlender.h"
 
@@ -92,6 +93,13 @@ void include(ZvRect* box, const ZvRect& other) {
     }
     *box = ZvRect(std::min(box->left, other.left), std::min(box->top, other.top),
                   std::max(box->right, other.right), std::max(box->bottom, other.bottom));
+}
+
+// How to clear what no layer reaches.
+void (*clearingOf(const ZvBitmap& picture))(uint8_t*, size_t) {
+    constexpr size_t LARGE = size_t{4} << 20;  // as much as a core's own caches hold, and more
+    if (picture.byteCount() >= LARGE) return clearAside;
+    return [](uint8_t* bytes, size_t count) { std::memset(bytes, 0, count); };
 }
 
 int widestMargin(const std::vector<ZvECore*>& effects, int (ZvECore::*side)()) {
@@ -553,13 +561,22 @@ void ZvEffect::drawLayers(const WaitingLayer* waiting, const ZvRect& drawn, Pixe
     Buffer<uint8_t> behind;
     if (layerMode == 1) behind.allocate(step, width, 4);
     const bool hasBack = behind.get() != nullptr;
+    const auto clear = clearingOf(*dst);
     for (int y = 0; y < height;) {
         const RowRange rows = {y, height - y < step ? height : y + step};
         const PictureStrip front(*dst, rows), back(behind.get(), dst->width, rows);
         y = rows.end;
-        std::memset(front.pixels, 0, front.byteCount());
         const int top = std::max(rows.begin, drawn.top), bottom = std::min(rows.end, drawn.bottom);
-        if (top >= bottom || waiting == nullptr) continue;
+        if (top >= bottom || waiting == nullptr) {
+            clear(front.pixels, front.byteCount());
+            continue;
+        }
+        for (int row = rows.begin; row < rows.end; ++row) {
+            uint8_t* pixels = front.at(0, row);
+            clear(pixels, left * 4);
+            std::memset(pixels + left * 4, 0, count * 4);
+            clear(pixels + (left + count) * 4, (dst->width - left - count) * 4);
+        }
 
         if (hasBack) std::memset(back.pixels, 0, back.byteCount());
         for (size_t i = 0; i < layers.size(); ++i) {
@@ -584,16 +601,21 @@ void ZvEffect::drawTextAlone(PixelOrder order) {
     const TextColors colors(layers[0]->getProperty()->color, textAlpha, order);
     const size_t width = dst->width, left = static_cast<size_t>(textRect.left);
     const auto row = [&](int y) { return dst->pixels + static_cast<size_t>(y) * width * 4; };
-    const auto clear = [&](int top, int bottom) {
-        std::memset(row(top), 0, static_cast<size_t>(bottom - top) * width * 4);
+    const size_t right = static_cast<size_t>(textRect.right);
+    const auto clear = clearingOf(*dst);
+    const auto clearRows = [&](int top, int bottom) {
+        clear(row(top), static_cast<size_t>(bottom - top) * width * 4);
     };
-    clear(0, textRect.top);
+    clearRows(0, textRect.top);
     for (int y = textRect.top; y < textRect.bottom; ++y) {
-        clear(y, y + 1);
-        colors.paintRow(row(y) + left * 4, mask->pixels + static_cast<size_t>(y) * mask->width + left,
-                        static_cast<size_t>(textRect.right) - left);
+        uint8_t* const pixels = row(y);
+        clear(pixels, left * 4);
+        std::memset(pixels + left * 4, 0, (right - left) * 4);
+        colors.paintRow(pixels + left * 4, mask->pixels + static_cast<size_t>(y) * mask->width + left,
+                        right - left);
+        clear(pixels + right * 4, (width - right) * 4);
     }
-    clear(textRect.bottom, clampToSize(INT_MAX, dst->height));
+    clearRows(textRect.bottom, clampToSize(INT_MAX, dst->height));
 }
 
 void ZvEffect::compositeLayers(ZvBitmap* out) {

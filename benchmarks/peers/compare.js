@@ -7,6 +7,7 @@ const fs = require('fs');
 const os = require('os');
 const path = require('path');
 const readline = require('readline');
+const {setTimeout: pause} = require('timers/promises');
 const {parseArgs} = require('util');
 const {ImageData, createCanvas} = require('@napi-rs/canvas');
 
@@ -27,6 +28,9 @@ const kLooser = {S6: {pixels: 9, amount: 0.4, level: 72}, S7: {pixels: 2, amount
 
 const kSizes = {small: 1, large: 4};
 const kWarmUps = 3;
+// Between two pictures, so that what one program does in the background (Node frees its canvases there) does not run in
+// the time of another on the same core.
+const kPause = 5;
 
 // Memory that was given back stays with the program, so that no time is spent on the system's first touch of fresh
 // pages: the same for all, and Node's gain above all.
@@ -141,6 +145,7 @@ async function timesOf(columns, scene, size, rounds) {
         for (let i = 0; i < columns.length; ++i) {
             const column = (i + round + kWarmUps) % columns.length;
             const {program, word} = columns[column];
+            await pause(kPause);
             const elapsed = await program.milliseconds([scene, size, ...word].join(' '));
             if (round >= 0) times[column].push(elapsed);
         }
