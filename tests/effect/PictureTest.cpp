@@ -38,8 +38,9 @@ struct Rendering {
         height = random.between(1, 170);
         count = seed % 17 == 0 ? 0 : random.between(1, 3);
         for (int i = 0; i < count; ++i) {
-            lines[i] = makeMask(ALL_MASKS[static_cast<size_t>(random.below(6))], random.between(1, 50),
-                                random.between(1, 40), random);
+            const MaskKind kind = ALL_MASKS[static_cast<size_t>(random.below(6))];
+            const int lineWidth = random.between(1, 50), lineHeight = random.between(1, 40);
+            lines[i] = makeMask(kind, lineWidth, lineHeight, random);
             x[i] = random.between(-20, width);
             y[i] = random.between(-20, height);
         }
@@ -48,45 +49,46 @@ struct Rendering {
         stack.addText(random.color() | (random.below(2) != 0 ? 0xFF000000u : 0));
     }
 
+    // All numbers are drawn one after the other: a call's arguments are evaluated in any order.
     void addLayer(Random& random) {
-        const auto unit = [&] { return static_cast<float>(random.below(101)) / 100; };
-        const auto size = [&] { return static_cast<float>(random.below(14)); };
-        const auto angle = [&] { return static_cast<float>(random.below(360)); };
+        const auto number = [&](int end, float unit) { return static_cast<float>(random.below(end)) * unit; };
         const uint32_t color = random.color(), other = random.color();
-        ZvGradient stops[] = {{color, unit(), 0}, {other, 1, 0.7f}};
+        const float angle = number(360, 1), size = number(14, 1), distance = number(14, 1);
+        const float share = number(101, 0.01f), share2 = number(101, 0.01f);
+        const int a = random.below(2), b = random.below(2), c = random.below(2), soften = random.below(4);
+        const int position = random.below(3);
+        ZvGradient stops[] = {{color, share2, 0}, {other, 1, 0.7f}};
         ZvBitmap pattern = makeTarget(TargetKind::Partly, 5, 3, random);
         switch (random.below(10)) {
             case 0:
-                stack.addOuterShadowText(angle(), size(), size(), color, unit());
+                stack.addOuterShadowText(angle, distance, size, color, share);
                 break;
             case 1:
-                stack.addInnerShadowText(angle(), size(), size(), color, unit());
+                stack.addInnerShadowText(angle, distance, size, color, share);
                 break;
             case 2:
-                stack.addOuterGlowText(size(), color, unit(), random.below(2) * 2, stops);
+                stack.addOuterGlowText(size, color, share, a * 2, stops);
                 break;
             case 3:
-                stack.addInnerGlowText(size(), color, unit(), random.below(2) * 2, stops);
+                stack.addInnerGlowText(size, color, share, a * 2, stops);
                 break;
             case 4:
-                stack.addBevelText(random.below(2), size(), 1, random.below(2), random.below(2),
-                                   random.below(4), 1, angle(), 30, color, unit(), other, unit());
+                stack.addBevelText(a, size, 1, b, c, soften, 1, angle, 30, color, share, other, share2);
                 break;
             case 5:
-                stack.addEmbossText(random.between(2, 3), size(), 1, random.below(2), random.below(2),
-                                    random.below(4), 1, angle(), 30, color, unit(), other, unit());
+                stack.addEmbossText(2 + a, size, 1, b, c, soften, 1, angle, 30, color, share, other, share2);
                 break;
             case 6:
-                stack.addLinearGradientText(angle(), 1, unit(), 2, stops);
+                stack.addLinearGradientText(angle, 1, share, 2, stops);
                 break;
             case 7:
-                stack.addRadialGradientText(1, unit(), 2, stops);
+                stack.addRadialGradientText(1, share, 2, stops);
                 break;
             case 8:
-                stack.addStrokeText(size(), color, unit(), 0, random.below(3));
+                stack.addStrokeText(size, color, share, 0, position);
                 break;
             default:
-                stack.addPatternText(&pattern, 1.5f, unit());
+                stack.addPatternText(&pattern, 1.5f, share);
         }
     }
 
