@@ -20,6 +20,7 @@
 #include FT_BITMAP_H
 #include FT_COLOR_H
 #include FT_MODULE_H
+#include FT_MULTIPLE_MASTERS_H
 #include FT_OUTLINE_H
 #include FT_SYSTEM_H
 
@@ -98,6 +99,33 @@ bool isSfnt(const void* data, size_t size) {
     static const char kTags[][5] = {{'\0', '\1', '\0', '\0'}, "OTTO", "true", "ttcf"};
     return std::any_of(std::begin(kTags), std::end(kTags),
                        [&](const char* tag) { return std::memcmp(data, tag, 4) == 0; });
+}
+
+// The pairs of kAxesTable.
+std::vector<hb_variation_t> readAxes(hb_face_t* face) {
+    constexpr size_t kMaxAxes = 64, kPairBytes = 8;
+    const HbOwner<hb_blob_t> table(hb_face_reference_table(face, kAxesTable));
+    unsigned length = 0;
+    const auto* bytes = reinterpret_cast<const uint8_t*>(hb_blob_get_data(table.get(), &length));
+    const auto number = [&](size_t at) {
+        return uint32_t{bytes[at]} << 24 | uint32_t{bytes[at + 1]} << 16 | uint32_t{bytes[at + 2]} << 8 |
+               bytes[at + 3];
+    };
+    std::vector<hb_variation_t> axes;
+    for (size_t at = 0; at + kPairBytes <= length && axes.size() < kMaxAxes; at += kPairBytes) {
+        const auto fixed = static_cast<int32_t>(number(at + 4));
+        axes.push_back({number(at), static_cast<float>(fixed) / 65536});
+    }
+    return axes;
+}
+
+// Puts FreeType's face where the axes of `font` stand.
+bool setFreeTypeAxes(FT_Face face, hb_font_t* font) {
+    unsigned count = 0;
+    const float* values = hb_font_get_var_coords_design(font, &count);
+    std::vector<FT_Fixed> coordinates;
+    for (unsigned i = 0; i < count; ++i) coordinates.push_back(std::lround(values[i] * 65536));
+    return FT_Set_Var_Design_Coordinates(face, static_cast<FT_UInt>(count), coordinates.data()) == 0;
 }
 
 // A box found in 64 bits (right and bottom exclusive), empty when it is beyond what an image may be.
@@ -241,6 +269,7 @@ struct FontFace::Impl {
     HbOwner<hb_font_t> hbFont;  // at one unit per font unit
     unsigned unitsPerEm = 0, glyphCount = 0;
     CodePointSet codePoints;
+    std::vector<hb_variation_t> axes;  // where they stand, if not at the defaults
 
     std::mutex mutex;  // guards the rest
     FreeTypeFace freeType;
@@ -276,10 +305,13 @@ bool FontFace::Impl::open(const void* data, size_t size, int index) {
     hbFont.reset(hb_font_create(hbFace.get()));
     hb_font_set_scale(hbFont.get(), static_cast<int>(unitsPerEm), static_cast<int>(unitsPerEm));
     hb_ot_font_set_funcs(hbFont.get());
+    if (hb_ot_var_has_data(hbFace.get()) != 0) axes = readAxes(hbFace.get());
+    if (!axes.empty()) hb_font_set_variations(hbFont.get(), axes.data(), static_cast<unsigned>(axes.size()));
     hb_font_make_immutable(hbFont.get());
 
     if (!freeType.open(data, size, index) || !FT_IS_SFNT(freeType.face)) return false;
     const FT_Face face = freeType.face;
+    if (!axes.empty() && !setFreeTypeAxes(face, hbFont.get())) return false;
     hasColourStrikes = FT_HAS_COLOR(face) && face->num_fixed_sizes > 0;
     FT_Palette_Data palettes;
     FT_Color* palette = nullptr;
@@ -444,6 +476,10 @@ uint32_t FontFace::uniqueId() const {
 }
 hb_face_t* FontFace::hbFace() const {
     return mImpl->hbFace.get();
+}
+void FontFace::setAxes(hb_font_t* font) const {
+    const std::vector<hb_variation_t>& axes = mImpl->axes;
+    if (!axes.empty()) hb_font_set_variations(font, axes.data(), static_cast<unsigned>(axes.size()));
 }
 unsigned FontFace::unitsPerEm() const {
     return mImpl->unitsPerEm;

@@ -44,6 +44,11 @@ struct GlyphImage {
     std::vector<uint8_t> coverage;
 };
 
+// A table that a font in memory may carry: where the axes of a variable font stand. Pairs of an axis's tag
+// and a value in 16.16 fixed point, both big-endian. Axes that the font lacks are passed over, values beyond
+// an axis's range are cut to it, and pairs after the first 64 are not read.
+constexpr uint32_t kAxesTable = HB_TAG('Z', 'V', 'a', 'x');
+
 // One font of a file: its characters, advances, and glyphs as coverage. The seam between the drawing half of
 // the port (Sk*) and the layout half (minikin, hwui), and the only place that talks to FreeType.
 //
@@ -60,7 +65,8 @@ class FontFace {
 public:
     // Null when the bytes are no sfnt font that both FreeType and HarfBuzz read, when no character is mapped,
     // or when a collection has no such index. The bytes must not change; they are borrowed for the life of
-    // the face, unless `owner`, which is kept that long, holds them. A variable font stands at its defaults.
+    // the face, unless `owner`, which is kept that long, holds them. A variable font stands
+    // at its defaults, or where its kAxesTable says.
     static std::shared_ptr<FontFace> open(const void* data, size_t size, int index,
                                           std::shared_ptr<void> owner = nullptr);
     ~FontFace();
@@ -71,6 +77,8 @@ public:
     uint32_t uniqueId() const;
     // Immutable; belongs to this face.
     hb_face_t* hbFace() const;
+    // Puts a font made from hbFace() where this face's axes stand.
+    void setAxes(hb_font_t* font) const;
     unsigned unitsPerEm() const;
     unsigned glyphCount() const;
 

@@ -8,8 +8,9 @@
 namespace host {
 namespace {
 
-hb_font_t* immutableFont(hb_face_t* face) {
-    hb_font_t* font = hb_font_create(face);
+hb_font_t* immutableFont(const FontFace& face) {
+    hb_font_t* font = hb_font_create(face.hbFace());
+    face.setAxes(font);
     hb_font_make_immutable(font);
     return font;
 }
@@ -28,7 +29,7 @@ std::shared_ptr<const ShapingFont> ShapingFont::open(const minikin::MinikinFont*
 }
 
 ShapingFont::ShapingFont(std::shared_ptr<FontFace> fontFace)
-    : face(std::move(fontFace)), hbFont(immutableFont(face->hbFace())) {}
+    : face(std::move(fontFace)), hbFont(immutableFont(*face)) {}
 
 ShapingFont::~ShapingFont() {
     hb_font_destroy(hbFont);

@@ -1,41 +1,235 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "tools/zvtext/FontFile.h"
 
+#include <hb-ot.h>
 #include <hb.h>
 
+#include <hwui/MinikinSkia.h>
 #include <algorithm>
-#include <memory>
+#include <cmath>
+#include <cstring>
+#include <map>
 
-#include "platform/host/FontFace.h"
+#include "foundation/ZvString.h"
+#include "text/FontManager.h"
 #include "tools/zvtext/Failure.h"
 #include "tools/zvtext/TextInput.h"
+#include "tools/zvtext/Values.h"
 
 namespace zvtext {
 
 namespace {
+
 constexpr size_t kMaxFontBytes = size_t{1} << 30;
+constexpr unsigned kMaxAxes = 64;  // that a font may have; real ones have about ten
+
+struct HbDeleter {
+    void operator()(hb_blob_t* blob) const { hb_blob_destroy(blob); }
+    void operator()(hb_face_t* face) const { hb_face_destroy(face); }
+    void operator()(hb_font_t* font) const { hb_font_destroy(font); }
+};
+template <typename T>
+using HbOwner = std::unique_ptr<T, HbDeleter>;
+
+std::string tagName(hb_tag_t tag) {
+    char name[4];
+    hb_tag_to_string(tag, name);
+    std::string text(name, 4);
+    return text.substr(0, text.find_last_not_of(' ') + 1);
 }
 
-FontFacts checkFont(const std::string& option, const std::string& path) {
-    if (path.empty()) throw Failure(option + ": the path is empty");
-    // readFile takes "-" for standard input; a font is always a file.
-    const std::string content = readFile(option, path == "-" ? "./-" : path, kMaxFontBytes);
-    if (content.empty()) throw Failure(option + ": '" + path + "' is empty");
-    const std::shared_ptr<host::FontFace> face = host::FontFace::open(content.data(), content.size(), 0);
-    if (face == nullptr)
-        throw Failure(option + ": '" + path + "' is no font that can be read (or a damaged one)");
+std::vector<hb_ot_var_axis_info_t> axesOf(hb_face_t* face) {
+    std::vector<hb_ot_var_axis_info_t> axes(kMaxAxes);
+    unsigned count = kMaxAxes;
+    hb_ot_var_get_axis_infos(face, 0, &count, axes.data());
+    axes.resize(count);
+    return axes;
+}
 
-    std::unique_ptr<hb_font_t, void (*)(hb_font_t*)> font(hb_font_create(face->hbFace()), hb_font_destroy);
+// "wght 100 to 900, opsz 14 to 32"
+std::string listAxes(const std::vector<hb_ot_var_axis_info_t>& axes) {
+    std::string list;
+    for (const hb_ot_var_axis_info_t& axis : axes) {
+        const auto number = [](float value) { return formatNumber(static_cast<double>(value)); };
+        list += (list.empty() ? "" : ", ") + tagName(axis.tag) + " " + number(axis.min_value) + " to " +
+                number(axis.max_value);
+    }
+    return list;
+}
+
+// Reads "wght=650,opsz=20" over `values`. Throws UsageError.
+void readAxes(const std::string& option, const std::string& text, const std::string& font, hb_face_t* face,
+              std::vector<AxisValue>& values) {
+    const std::vector<hb_ot_var_axis_info_t> axes = axesOf(face);
+    if (axes.empty()) throw UsageError(option + ": '" + font + "' has no axes");
+    std::vector<std::string> seen;
+    for (const std::string& part : split(text, ',')) {
+        const size_t equals = part.find('=');
+        const std::string tag = part.substr(0, equals);
+        const auto axis = std::find_if(axes.begin(), axes.end(),
+                                       [&](const auto& info) { return tagName(info.tag) == tag; });
+        if (equals == std::string::npos || axis == axes.end()) {
+            throw UsageError(option + ": '" + part + "' is no AXIS=VALUE of '" + font + "', which has " +
+                             listAxes(axes));
+        }
+        if (std::find(seen.begin(), seen.end(), tag) != seen.end()) {
+            throw UsageError(option + ": '" + tag + "' is given twice");
+        }
+        seen.push_back(tag);
+        const NumberRange range = {static_cast<double>(axis->min_value),
+                                   static_cast<double>(axis->max_value)};
+        const double value = parseNumber(option + " " + tag, part.substr(equals + 1), range);
+        const auto known = std::find_if(values.begin(), values.end(),
+                                        [&](const AxisValue& other) { return other.tag == tag; });
+        if (known != values.end()) {
+            known->value = value;
+        } else {
+            values.push_back({tag, value});
+        }
+    }
+}
+
+void appendBigEndian(std::string& bytes, uint32_t value) {
+    for (int shift = 24; shift >= 0; shift -= 8) bytes += static_cast<char>(value >> shift & 0xFF);
+}
+
+// The font as a file of its own, with the table that tells the port where its axes stand. The library passes
+// bytes on as they are, so this needs no word of its own there.
+std::string rebuilt(hb_face_t* face, const std::vector<AxisValue>& axes) {
+    const HbOwner<hb_face_t> builder(hb_face_builder_create());
+    hb_tag_t tags[64];
+    unsigned count = 64;
+    for (unsigned at = 0; hb_face_get_table_tags(face, at, &count, tags), count > 0;
+         at += count, count = 64) {
+        for (unsigned i = 0; i < count; ++i) {
+            if (tags[i] == host::kAxesTable) continue;
+            const HbOwner<hb_blob_t> table(hb_face_reference_table(face, tags[i]));
+            hb_face_builder_add_table(builder.get(), tags[i], table.get());
+        }
+    }
+    std::string values;
+    for (const AxisValue& axis : axes) {
+        appendBigEndian(values, hb_tag_from_string(axis.tag.c_str(), static_cast<int>(axis.tag.size())));
+        appendBigEndian(values, static_cast<uint32_t>(static_cast<int32_t>(std::lround(axis.value * 65536))));
+    }
+    if (!values.empty()) {
+        const HbOwner<hb_blob_t> table(hb_blob_create(values.data(), static_cast<unsigned>(values.size()),
+                                                      HB_MEMORY_MODE_READONLY, nullptr, nullptr));
+        hb_face_builder_add_table(builder.get(), host::kAxesTable, table.get());
+    }
+    const HbOwner<hb_blob_t> file(hb_face_reference_blob(builder.get()));
+    unsigned length = 0;
+    const char* bytes = hb_blob_get_data(file.get(), &length);
+    return std::string(bytes != nullptr ? bytes : "", length);
+}
+
+FontFacts factsOf(const host::FontFace& face) {
+    const HbOwner<hb_font_t> font(hb_font_create(face.hbFace()));
+    face.setAxes(font.get());
     hb_font_extents_t extents = {};
     hb_font_get_h_extents(font.get(), &extents);
-    const auto em = static_cast<float>(face->unitsPerEm());
+    const auto em = static_cast<float>(face.unitsPerEm());
     FontFacts facts;
     facts.ascent = static_cast<float>(extents.ascender) / em;
     facts.descent = static_cast<float>(extents.line_gap - extents.descender) / em;
     const float weight = hb_style_get_value(font.get(), HB_STYLE_TAG_WEIGHT);
     facts.weight = static_cast<int>(std::clamp(weight, 1.0f, 1000.0f));
     facts.italic = hb_style_get_value(font.get(), HB_STYLE_TAG_ITALIC) > 0;
+    const auto either = [&](unsigned first, unsigned second) {
+        const std::string text = fontString(face.hbFace(), first);
+        return text.empty() ? fontString(face.hbFace(), second) : text;
+    };
+    facts.family = either(HB_OT_NAME_ID_TYPOGRAPHIC_FAMILY, HB_OT_NAME_ID_FONT_FAMILY);
+    facts.style = either(HB_OT_NAME_ID_TYPOGRAPHIC_SUBFAMILY, HB_OT_NAME_ID_FONT_SUBFAMILY);
     return facts;
+}
+
+// A name that no file has, saying the weight the way the font manager reads it from file names.
+std::string keyFor(const FontFacts& facts, size_t number) {
+    const char* weight = facts.weight < 250   ? "-Thin"
+                         : facts.weight < 350 ? "-Light"
+                         : facts.weight < 450 ? ""
+                         : facts.weight < 600 ? "-Medium"
+                         : facts.weight < 800 ? "-Bold"
+                                              : "-Black";
+    return "zvtext font " + std::to_string(number) + weight;
+}
+
+std::shared_ptr<host::FontFace> hold(const std::string& key, const std::string& content) {
+    std::unique_ptr<char[]> bytes(new char[content.size()]);
+    std::memcpy(bytes.get(), content.data(), content.size());
+    Zvex::FontManager* manager = Zvex::FontManager::GetInstance();
+    std::shared_ptr<minikin::MinikinFont> font;
+    Zvex::ZvString name;
+    if (name.Construct(key.c_str()) == 0 ||
+        !manager->AddMinikinFont(key.c_str(), bytes.release(), static_cast<unsigned>(content.size()), 0,
+                                 true) ||
+        !manager->GetMinikinFont(font, &name, 0)) {
+        return nullptr;
+    }
+    return static_cast<const android::MinikinFontSkia&>(*font).RefSkTypeface()->face();
+}
+
+std::shared_ptr<const LoadedFont> readFont(const std::string& option, const FontChoice& choice,
+                                           const std::string& axesOption, const std::string& axes,
+                                           size_t number) {
+    const std::string& path = choice.path;
+    if (path.empty()) throw UsageError(option + ": the path is empty");
+    // readFile takes "-" for standard input; a font is always a file.
+    const std::string content = readFile(option, path == "-" ? "./-" : path, kMaxFontBytes);
+    if (content.empty()) throw Failure(option + ": '" + path + "' is empty");
+    const Failure unreadable(option + ": '" + choice.name() +
+                             "' is no font that can be read (or a damaged one)");
+    const HbOwner<hb_blob_t> blob(hb_blob_create(content.data(), static_cast<unsigned>(content.size()),
+                                                 HB_MEMORY_MODE_READONLY, nullptr, nullptr));
+    const auto fonts = static_cast<int>(hb_face_count(blob.get()));
+    if (fonts > 0 && choice.index >= fonts) {
+        throw UsageError(option + ": '" + path + "' has no font #" + std::to_string(choice.index) + "; " +
+                         (fonts == 1 ? "it is a single font" : "its last is #" + std::to_string(fonts - 1)));
+    }
+    std::shared_ptr<host::FontFace> face = host::FontFace::open(content.data(), content.size(), choice.index);
+    if (face == nullptr) throw unreadable;
+
+    auto font = std::make_shared<LoadedFont>();
+    font->choice = choice;
+    font->fontsInFile = fonts;
+    if (!axes.empty()) readAxes(axesOption, axes, choice.name(), face->hbFace(), font->choice.axes);
+    if (choice.index == 0 && font->choice.axes.empty()) {
+        font->key = path;
+        font->face = hold(path, content);
+    } else {
+        const std::string own = rebuilt(face->hbFace(), font->choice.axes);
+        face = host::FontFace::open(own.data(), own.size(), 0);
+        if (face == nullptr) throw unreadable;
+        font->key = keyFor(factsOf(*face), number);
+        font->face = hold(font->key, own);
+    }
+    if (font->face == nullptr) throw Failure(option + ": '" + choice.name() + "' could not be loaded");
+    font->facts = factsOf(*font->face);
+    return font;
+}
+
+}  // namespace
+
+std::string FontChoice::name() const {
+    return index == 0 ? path : path + "#" + std::to_string(index);
+}
+
+std::string fontString(hb_face_t* face, unsigned nameId) {
+    char text[512];
+    unsigned size = sizeof text;
+    hb_ot_name_get_utf8(face, nameId, hb_language_from_string("en", -1), &size, text);
+    return std::string(text, std::min<size_t>(size, sizeof text - 1));
+}
+
+std::shared_ptr<const LoadedFont> loadFont(const std::string& option, const FontChoice& choice,
+                                           const std::string& axesOption, const std::string& axes) {
+    static std::map<std::string, std::shared_ptr<const LoadedFont>> loaded;
+    std::string key = choice.name() + '\n' + axes;
+    for (const AxisValue& axis : choice.axes) key += '\n' + axis.tag + formatNumber(axis.value);
+    const auto found = loaded.find(key);
+    if (found != loaded.end()) return found->second;
+    return loaded[key] = readFont(option, choice, axesOption, axes, loaded.size());
 }
 
 }  // namespace zvtext

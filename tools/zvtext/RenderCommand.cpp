@@ -6,6 +6,7 @@
 #include <map>
 
 #include "tools/zvtext/Failure.h"
+#include "tools/zvtext/FontChoice.h"
 #include "tools/zvtext/PngWriter.h"
 #include "tools/zvtext/TextInput.h"
 
@@ -39,11 +40,12 @@ void addTextOptions(CLI::App& command, RenderArguments& a) {
     command.add_option("text", a.text, "The text, UTF-8; - reads standard input")->type_name("TEXT");
     command.add_option("--text-file", a.textFile, "Read the text from a file; - is standard input")
         ->type_name("FILE");
-    command.add_option("-f,--font", a.font, "The font file")->type_name("FILE");
+    command.add_option("-f,--font", a.font, kFontHelp)->type_name("FONT");
+    command.add_option("--axes", a.axes, kAxesHelp)->type_name("AXIS=VALUE,...");
     command
         .add_option("--fallback", a.fallbacks,
                     "A font for what --font lacks; give it again for more, in order")
-        ->type_name("FILE")
+        ->type_name("FONT")
         ->take_all()
         ->allow_extra_args(false);  // the text may follow
 }
@@ -147,6 +149,7 @@ Scene readScene(const RenderArguments& arguments) {
     if (arguments.font.empty()) throw UsageError("--font: is required, the path of a font file");
     Scene scene;
     scene.font = arguments.font;
+    scene.axes = arguments.axes;
     scene.fallbacks = arguments.fallbacks;
     scene.style = readStyleOptions(arguments);
     if (!arguments.width.empty()) scene.width = parseInteger("--width", arguments.width, 1, kMaxSide);

@@ -15,7 +15,7 @@ namespace zvtext {
 // The values of render's options as written; they are read one by one so that each message names its option.
 struct RenderArguments {
     std::string text, textFile;
-    std::string font;
+    std::string font, axes;
     std::vector<std::string> fallbacks;
     std::string width, height, align = "left", gravity = "top", maxLines, padding = "0";
     std::optional<std::string> output;

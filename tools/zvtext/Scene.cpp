@@ -22,6 +22,7 @@
 #include "text/ZvTextObject.h"
 #include "text/ZvView.h"
 #include "tools/zvtext/Failure.h"
+#include "tools/zvtext/FontChoice.h"
 #include "tools/zvtext/FontFile.h"
 
 namespace zvtext {
@@ -67,29 +68,25 @@ void warnAboutFarCharacters(const std::string& text) {
 // The fallback fonts as system families: one family of one font each, already loaded, asked in the order
 // given.
 // Their own weights keep a bold fallback behind a bold font from being widened once more.
-void setFallbacks(const std::vector<std::string>& paths, const std::vector<FontFacts>& facts) {
+void setFallbacks(const std::vector<std::shared_ptr<const LoadedFont>>& fonts) {
     FontManager* manager = FontManager::GetInstance();
     manager->ClearFontFamilies();
     auto* families = new List;
     families->Construct();
-    std::string unloaded;
-    for (size_t i = 0; i < paths.size(); ++i) {
-        const std::string& path = paths[i];
+    for (const auto& font : fonts) {
         auto* entry = new Zvex::ZvFontEntry;
         entry->path = new ZvString;
-        entry->path->Construct(path.c_str());
-        entry->weight = facts[i].weight;
-        entry->italic = facts[i].italic;
+        entry->path->Construct(font->key.c_str());
+        entry->weight = font->facts.weight;
+        entry->italic = font->facts.italic;
         auto* family = new Zvex::ZvFontFamily;
         family->fonts = new List;
         family->fonts->Construct();
         family->fonts->Add(entry);
-        family->loaded = manager->BuildMinikinFamily(family) ? 1 : 0;
+        family->loaded = 1;  // loadFont handed the font over
         families->Add(family);
-        if (family->loaded == 0 && unloaded.empty()) unloaded = path;
     }
     manager->SetSystemFontFamilies(families);
-    if (!unloaded.empty()) throw Failure("--fallback: '" + unloaded + "' could not be loaded");
 }
 
 // Lays lines out the way the text object will draw them: same paint, same families, same UTF-16 text.
@@ -189,19 +186,20 @@ void setLines(ZvTextObject& object, const std::vector<ZvLineInfo>& placed) {
 }  // namespace
 
 Picture renderScene(const Scene& scene) {
-    const FontFacts font = checkFont("--font", scene.font);
-    std::vector<FontFacts> fallbackFacts;
-    for (const std::string& path : scene.fallbacks) fallbackFacts.push_back(checkFont("--fallback", path));
+    const auto font = loadFont("--font", chooseFont("--font", scene.font), "--axes", scene.axes);
+    std::vector<std::shared_ptr<const LoadedFont>> fallbacks;
+    for (const std::string& name : scene.fallbacks) {
+        fallbacks.push_back(loadFont("--fallback", chooseFont("--fallback", name)));
+    }
     warnAboutFarCharacters(scene.text);
-    setFallbacks(scene.fallbacks, fallbackFacts);
+    setFallbacks(fallbacks);
 
     ZvTextObject object;
     ZvString text;
     if (!object.Construct() || text.Construct(scene.text.c_str()) == 0 || !object.SetText(&text)) {
         throw Failure("TEXT: the text could not be taken over");
     }
-    if (!object.SetFont(scene.font.c_str()))
-        throw Failure("--font: '" + scene.font + "' could not be loaded");
+    if (!object.SetFont(font->key.c_str())) throw Failure("--font: '" + scene.font + "' could not be loaded");
 
     android::Paint paint;
     paint.setFlags(kAntiAlias);
@@ -219,7 +217,8 @@ Picture renderScene(const Scene& scene) {
     const int wrapWidth = scene.width > 0 ? scene.width - pad.left - pad.right : 0;
     if (scene.width > 0 && wrapWidth < 1) throw UsageError("--width: the padding leaves no room for text");
     const LineShaper shaper(object, paint);
-    std::vector<Zvex::LaidOutLine> lines = layOutLines(scene, shaper, font, static_cast<float>(wrapWidth));
+    std::vector<Zvex::LaidOutLine> lines =
+        layOutLines(scene, shaper, font->facts, static_cast<float>(wrapWidth));
     const size_t shown = scene.maxLines > 0
                              ? std::min<size_t>(lines.size(), static_cast<size_t>(scene.maxLines))
                              : lines.size();

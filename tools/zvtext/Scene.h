@@ -18,8 +18,9 @@ struct Scene {
     enum class Gravity { Top, Center, Bottom };
 
     std::string text;                    // UTF-8, not empty
-    std::string font;                    // path of a font file
-    std::vector<std::string> fallbacks;  // paths of the fonts asked next, in this order
+    std::string font;                    // as chooseFont reads it
+    std::string axes;                    // of that font, "wght=650,opsz=20"; empty: as it stands
+    std::vector<std::string> fallbacks;  // the fonts asked next, in this order; as chooseFont reads them
     Style style;
     int width = 0;   // of the view, padding included; 0: as wide as the widest line
     int height = 0;  // of the view, padding included; 0: as high as the lines shown

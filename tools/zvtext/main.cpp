@@ -8,6 +8,7 @@
 
 #include "tools/zvtext/Failure.h"
 #include "tools/zvtext/Gallery.h"
+#include "tools/zvtext/InspectCommand.h"
 #include "tools/zvtext/RenderCommand.h"
 
 namespace zvtext {
@@ -37,6 +38,8 @@ int run(int argc, char** argv) {
     CLI::App* gallery = app.add_subcommand("gallery", "Render a page that shows every effect");
     addGalleryOptions(*gallery, galleryArguments);
     gallery->callback([&] { runGallery(galleryArguments); });
+    InspectArguments inspectArguments;
+    addInspectCommands(*app.add_subcommand("inspect", "Say what a font is"), inspectArguments);
     try {
         app.parse(argc, argv);
         return 0;

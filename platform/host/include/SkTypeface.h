@@ -20,7 +20,7 @@ class SkTypeface : public SkRefCnt {
 public:
     // Reads the font `index` of the stream's bytes and keeps the stream, which is taken over whatever
     // happens; null when the bytes are no usable font or have no such index. A variable font stands at its
-    // defaults.
+    // defaults, or where the port's own table in it says (host::kAxesTable).
     static sk_sp<SkTypeface> MakeFromStream(SkStreamAsset* stream, int index = 0);
 
     // Different for every typeface of the process; never 0.

@@ -16,8 +16,8 @@ namespace android {
 class MinikinFontSkia : public minikin::MinikinFont {
 public:
     // Holds a reference on the typeface, which may be null: the font is then not usable. `fontData`,
-    // `fontSize` and `ttcIndex` say where the typeface came from and are only handed on. The port draws fonts
-    // at the default place of every axis, so `axes` is not kept.
+    // `fontSize` and `ttcIndex` say where the typeface came from and are only handed on. Where the
+    // axes stand is the typeface's, so `axes` is not kept.
     MinikinFontSkia(sk_sp<SkTypeface> typeface, const void* fontData, size_t fontSize, int ttcIndex,
                     const std::vector<minikin::FontVariation>& axes);
     ~MinikinFontSkia() override;

@@ -1,0 +1,208 @@
+// SPDX-License-Identifier: Apache-2.0
+// zvtext inspect font: what a font file is.
+#include <hb-ot.h>
+#include <unicode/uscript.h>
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <map>
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <vector>
+
+#include "tools/zvtext/FontChoice.h"
+#include "tools/zvtext/FontFile.h"
+#include "tools/zvtext/InspectCommand.h"
+#include "tools/zvtext/Values.h"
+
+namespace zvtext {
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+using HbFont = std::unique_ptr<hb_font_t, void (*)(hb_font_t*)>;
+
+std::string tagOf(hb_tag_t tag) {
+    char name[4];
+    hb_tag_to_string(tag, name);
+    std::string text(name, 4);
+    return text.substr(0, text.find_last_not_of(' ') + 1);
+}
+
+// As a font means it: 0.1 is a float there, not the double next to it.
+double plain(float value) {
+    return std::stod(formatNumber(std::round(static_cast<double>(value) * 1000) / 1000));
+}
+
+Json axesOf(hb_face_t* face, hb_font_t* font) {
+    Json list = Json::array();
+    unsigned count = hb_ot_var_get_axis_count(face), places = 0;
+    std::vector<hb_ot_var_axis_info_t> infos(count);
+    hb_ot_var_get_axis_infos(face, 0, &count, infos.data());
+    const float* place = hb_font_get_var_coords_design(font, &places);
+    for (unsigned i = 0; i < count; ++i) {
+        const hb_ot_var_axis_info_t& axis = infos[i];
+        list.push_back({{"tag", tagOf(axis.tag)},
+                        {"name", fontString(face, axis.name_id)},
+                        {"minimum", plain(axis.min_value)},
+                        {"default", plain(axis.default_value)},
+                        {"maximum", plain(axis.max_value)},
+                        {"value", plain(i < places ? place[i] : axis.default_value)},
+                        {"hidden", (axis.flags & HB_OT_VAR_AXIS_FLAG_HIDDEN) != 0}});
+    }
+    return list;
+}
+
+Json instancesOf(hb_face_t* face, const Json& axes) {
+    constexpr unsigned kMost = 1000;
+    Json list = Json::array();
+    const unsigned count = std::min(hb_ot_var_get_named_instance_count(face), kMost);
+    for (unsigned i = 0; i < count; ++i) {
+        std::vector<float> places(axes.size());
+        auto length = static_cast<unsigned>(places.size());
+        hb_ot_var_named_instance_get_design_coords(face, i, &length, places.data());
+        Json values = Json::object();
+        for (unsigned a = 0; a < length && a < axes.size(); ++a) {
+            values[axes[a]["tag"].get<std::string>()] = plain(places[a]);
+        }
+        const unsigned nameId = hb_ot_var_named_instance_get_subfamily_name_id(face, i);
+        list.push_back({{"name", fontString(face, nameId)}, {"axes", values}});
+    }
+    return list;
+}
+
+// The scripts of the characters, the most covered first, and how many characters there are in all.
+Json scriptsOf(hb_face_t* face, size_t* characters) {
+    const std::unique_ptr<hb_set_t, void (*)(hb_set_t*)> set(hb_set_create(), hb_set_destroy);
+    hb_face_collect_unicodes(face, set.get());
+    std::map<int, int> counts;
+    *characters = 0;
+    for (hb_codepoint_t c = HB_SET_VALUE_INVALID; hb_set_next(set.get(), &c) != 0;) {
+        UErrorCode status = U_ZERO_ERROR;
+        ++counts[uscript_getScript(static_cast<UChar32>(c), &status)];
+        ++*characters;
+    }
+    std::vector<std::pair<int, int>> sorted(counts.begin(), counts.end());
+    std::stable_sort(sorted.begin(), sorted.end(),
+                     [](const auto& a, const auto& b) { return a.second > b.second; });
+    Json list = Json::array();
+    for (const auto& [script, count] : sorted) {
+        list.push_back({{"script", uscript_getShortName(static_cast<UScriptCode>(script))},
+                        {"name", uscript_getName(static_cast<UScriptCode>(script))},
+                        {"characters", count}});
+    }
+    return list;
+}
+
+// In ems, y upwards; what the font does not state is left out.
+Json metricsOf(hb_font_t* font, const FontFacts& facts, unsigned unitsPerEm) {
+    hb_font_extents_t lines = {};
+    hb_font_get_h_extents(font, &lines);
+    const auto ems = [&](hb_position_t units) {
+        return plain(static_cast<float>(units) / static_cast<float>(unitsPerEm));
+    };
+    Json metrics = {{"unitsPerEm", unitsPerEm},
+                    {"ascent", ems(lines.ascender)},
+                    {"descent", ems(-lines.descender)},
+                    {"lineGap", ems(lines.line_gap)},
+                    {"lineHeight", plain(facts.ascent + facts.descent)}};
+    static constexpr std::pair<const char*, hb_ot_metrics_tag_t> kMore[] = {
+        {"capHeight", HB_OT_METRICS_TAG_CAP_HEIGHT},
+        {"xHeight", HB_OT_METRICS_TAG_X_HEIGHT},
+        {"underlineOffset", HB_OT_METRICS_TAG_UNDERLINE_OFFSET},
+        {"underlineSize", HB_OT_METRICS_TAG_UNDERLINE_SIZE}};
+    for (const auto& [name, tag] : kMore) {
+        hb_position_t units = 0;
+        if (hb_ot_metrics_get_position(font, tag, &units) != 0) metrics[name] = ems(units);
+    }
+    return metrics;
+}
+
+Json describe(const LoadedFont& loaded) {
+    hb_face_t* face = loaded.face->hbFace();
+    const HbFont font(hb_font_create(face), hb_font_destroy);
+    loaded.face->setAxes(font.get());
+    size_t characters = 0;
+    const Json scripts = scriptsOf(face, &characters);
+    const Json axes = axesOf(face, font.get());
+    return {{"file", loaded.choice.path},
+            {"index", loaded.choice.index},
+            {"fontsInFile", loaded.fontsInFile},
+            {"family", loaded.facts.family},
+            {"style", loaded.facts.style},
+            {"fullName", fontString(face, HB_OT_NAME_ID_FULL_NAME)},
+            {"version", fontString(face, HB_OT_NAME_ID_VERSION_STRING)},
+            {"weight", loaded.facts.weight},
+            {"width", plain(hb_style_get_value(font.get(), HB_STYLE_TAG_WIDTH))},
+            {"slant", plain(hb_style_get_value(font.get(), HB_STYLE_TAG_SLANT_ANGLE))},
+            {"italic", loaded.facts.italic},
+            {"glyphs", loaded.face->glyphCount()},
+            {"characters", characters},
+            {"metrics", metricsOf(font.get(), loaded.facts, loaded.face->unitsPerEm())},
+            {"axes", axes},
+            {"instances", instancesOf(face, axes)},
+            {"scripts", scripts}};
+}
+
+std::string line(const std::string& label, const std::string& value) {
+    return label + std::string(label.size() < 12 ? 12 - label.size() : 1, ' ') + value + "\n";
+}
+
+std::string number(const Json& value) {
+    return formatNumber(value.get<double>());
+}
+
+std::string report(const Json& font) {
+    const auto text = [&](const char* key) { return font[key].get<std::string>(); };
+    std::string out = line("font", text("fullName"));
+    out += line("file", text("file"));
+    const int fonts = font["fontsInFile"].get<int>();
+    if (fonts > 1)
+        out += line("index", "#" + number(font["index"]) + " of #0 to #" + std::to_string(fonts - 1));
+    out += line("family", text("family")) + line("style", text("style")) + line("version", text("version"));
+    out += line("weight", number(font["weight"])) + line("width", number(font["width"]) + " %");
+    out += line("slant", number(font["slant"]) + " deg" + (font["italic"].get<bool>() ? ", italic" : ""));
+    out += line("glyphs", number(font["glyphs"]) + " for " + number(font["characters"]) + " characters");
+    std::string metrics;
+    for (const auto& [name, value] : font["metrics"].items()) {
+        if (name != "unitsPerEm") metrics += (metrics.empty() ? "" : ", ") + name + " " + number(value);
+    }
+    out += line("metrics", metrics + " (ems; " + number(font["metrics"]["unitsPerEm"]) + " units each)");
+    for (const Json& axis : font["axes"]) {
+        out += line("axis", axis["tag"].get<std::string>() + " (" + axis["name"].get<std::string>() + ") " +
+                                number(axis["minimum"]) + " to " + number(axis["maximum"]) + ", default " +
+                                number(axis["default"]) +
+                                (axis["value"] != axis["default"] ? ", here " + number(axis["value"]) : ""));
+    }
+    for (const Json& instance : font["instances"]) {
+        std::string values;
+        for (const auto& [tag, value] : instance["axes"].items()) {
+            values += (values.empty() ? "" : ",") + tag + "=" + number(value);
+        }
+        out += line("instance", instance["name"].get<std::string>() + ": " + values);
+    }
+    for (const Json& script : font["scripts"]) {
+        out += line("script", script["name"].get<std::string>() + ": " + number(script["characters"]));
+    }
+    return out;
+}
+
+void runInspectFont(const InspectFontArguments& arguments) {
+    const auto font = loadFont("FONT", chooseFont("FONT", arguments.font), "--axes", arguments.axes);
+    const Json facts = describe(*font);
+    printReport(arguments.json ? facts.dump(2, ' ', false, Json::error_handler_t::replace) + "\n"
+                               : report(facts));
+}
+
+}  // namespace
+
+void addInspectFont(CLI::App& inspect, InspectFontArguments& a) {
+    CLI::App* command =
+        inspect.add_subcommand("font", "What a font is: names, style, metrics, axes, scripts");
+    command->add_option("font", a.font, kFontHelp)->type_name("FONT")->required();
+    command->add_option("--axes", a.axes, kAxesHelp)->type_name("AXIS=VALUE,...");
+    command->add_flag("--json", a.json, "Print one JSON object");
+    command->callback([&a] { runInspectFont(a); });
+}
+
+}  // namespace zvtext
