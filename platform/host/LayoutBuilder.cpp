@@ -126,11 +126,17 @@ private:
     hb_buffer_t* mBuffer = nullptr;
 };
 
-void join(minikin::MinikinRect* bounds, const GlyphBox& box, float x, float y) {
-    const minikin::MinikinRect ink{static_cast<float>(box.left) + x, static_cast<float>(box.top) + y,
-                                   static_cast<float>(box.right) + x, static_cast<float>(box.bottom) + y};
-    const bool empty = bounds->mLeft >= bounds->mRight || bounds->mTop >= bounds->mBottom;
-    if (empty) {
+minikin::MinikinRect boxAt(const GlyphBox& box, float x, float y) {
+    return {static_cast<float>(box.left) + x, static_cast<float>(box.top) + y,
+            static_cast<float>(box.right) + x, static_cast<float>(box.bottom) + y};
+}
+
+bool isEmpty(const minikin::MinikinRect& box) {
+    return box.mLeft >= box.mRight || box.mTop >= box.mBottom;
+}
+
+void join(minikin::MinikinRect* bounds, const minikin::MinikinRect& ink) {
+    if (isEmpty(*bounds)) {
         *bounds = ink;
         return;
     }
@@ -282,9 +288,9 @@ void LayoutBuilder::place(hb_buffer_t* buffer, uint32_t face, hb_script_t script
         // The paint's own skew alone moves what is raised or lowered, as on the platform: fake italic does
         // not.
         const float x = pen + fromFixed(positions[i].x_offset) + y * mRequest.glyph.skewX;
-        mLayout.mGlyphs.push_back({face, infos[i].codepoint, x, y});
-        const GlyphBox ink = font.face->inkBox(infos[i].codepoint, font.glyph);
-        if (!ink.empty()) join(&mLayout.mBounds, ink, x, y);
+        const minikin::MinikinRect ink = boxAt(font.face->inkBox(infos[i].codepoint, font.glyph), x, y);
+        mLayout.mGlyphs.push_back({face, infos[i].codepoint, x, y, infos[i].cluster, ink});
+        if (!isEmpty(ink)) join(&mLayout.mBounds, ink);
 
         const float advance = fromFixed(positions[i].x_advance);
         pen += mRequest.linearText ? advance : std::round(advance);

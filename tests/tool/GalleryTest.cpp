@@ -74,11 +74,11 @@ TEST(RenderScene, TheFallbackFontsOfOneSceneAreNotThoseOfTheNext) {
     zvtext::Scene scene;
     scene.text = "世";
     scene.font = kFont;
-    const std::vector<uint32_t> before = zvtext::renderScene(scene).pixels;
+    const std::vector<uint32_t> before = zvtext::renderScene(scene).picture.pixels;
     scene.fallbacks = {"/usr/share/fonts/opentype/noto/NotoSansCJK-Regular.ttc"};
-    EXPECT_NE(zvtext::renderScene(scene).pixels, before);
+    EXPECT_NE(zvtext::renderScene(scene).picture.pixels, before);
     scene.fallbacks.clear();
-    EXPECT_EQ(zvtext::renderScene(scene).pixels, before);
+    EXPECT_EQ(zvtext::renderScene(scene).picture.pixels, before);
 }
 
 }  // namespace

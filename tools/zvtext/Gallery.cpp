@@ -10,6 +10,7 @@
 #include "tools/zvtext/Failure.h"
 #include "tools/zvtext/GalleryPage.h"
 #include "tools/zvtext/GalleryScenes.h"
+#include "tools/zvtext/Output.h"
 #include "tools/zvtext/OutputFile.h"
 #include "tools/zvtext/PngWriter.h"
 #include "tools/zvtext/RenderCommand.h"
@@ -88,11 +89,11 @@ GalleryPicture renderCommandLine(const std::vector<std::string>& words) {
     CLI::App* command = app.add_subcommand("render");
     addRenderOptions(*command, arguments);
     app.parse(std::vector<std::string>(words.rbegin(), words.rend()));  // taken from the back
-    const Picture picture = renderScene(readScene(arguments));
-    writePng(picture, arguments.output.value(), "DIR");
+    const Rendering rendering = renderScene(readScene(arguments));
+    writeRendering(rendering, arguments.output.value(), arguments.outputOptions, "DIR");
     GalleryPicture result = {};
-    result.width = picture.width;
-    result.height = picture.height;
+    result.width = rendering.picture.width;
+    result.height = rendering.picture.height;
     result.command = "zvtext";
     for (const std::string& word : words) result.command += " " + shellWord(word);
     return result;

@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <utility>
 
 #include "tools/zvtext/Failure.h"
 
@@ -39,37 +40,86 @@ std::FILE* openTemporary(std::string& temporary) {
     return stream;
 }
 
+// One file on its way to its place.
+class StagedFile {
+public:
+    // Writes a regular file's content to a temporary name beside it.
+    explicit StagedFile(const NewFile& file) : mFile(file), mTarget(file.path), mStream(file.path == "-") {
+        struct stat existing;
+        if (!mStream && stat(file.path.c_str(), &existing) == 0) {
+            if (S_ISDIR(existing.st_mode)) {
+                throw Failure(file.option + ": '" + file.path + "' is a folder");
+            }
+            mStream = !S_ISREG(existing.st_mode);
+            if (char* resolved = mStream ? nullptr : realpath(file.path.c_str(), nullptr)) {
+                mTarget = resolved;
+                std::free(resolved);
+            }
+        }
+        if (mStream) return;
+        errno = 0;
+        std::string temporary = mTarget + ".XXXXXX";
+        std::FILE* stream = openTemporary(temporary);
+        if (stream != nullptr) mTemporary = temporary;
+        if (writeAndClose(file.content, stream, true)) return;
+        const std::string why = std::strerror(errno);
+        removeTemporary();
+        throw Failure(file.option + ": cannot write '" + file.path + "': " + why);
+    }
+    StagedFile(StagedFile&& other) noexcept
+        : mFile(other.mFile),
+          mTarget(std::move(other.mTarget)),
+          mTemporary(std::exchange(other.mTemporary, "")),
+          mStream(other.mStream) {}
+    ~StagedFile() { removeTemporary(); }
+
+    // Standard output, a device or a pipe: written to, not replaced.
+    bool isStream() const { return mStream; }
+
+    void commit() {
+        errno = 0;
+        if (mFile.path == "-") {
+            const std::string& content = mFile.content;
+            if (std::fwrite(content.data(), 1, content.size(), stdout) == content.size() &&
+                std::fflush(stdout) == 0) {
+                return;
+            }
+            throw Failure(mFile.option + ": cannot write to standard output: " + std::strerror(errno));
+        }
+        const bool done = mStream ? writeAndClose(mFile.content, std::fopen(mFile.path.c_str(), "wb"), false)
+                                  : std::rename(mTemporary.c_str(), mTarget.c_str()) == 0;
+        if (!done) {
+            throw Failure(mFile.option + ": cannot write '" + mFile.path + "': " + std::strerror(errno));
+        }
+        mTemporary.clear();
+    }
+
+private:
+    void removeTemporary() {
+        if (!mTemporary.empty()) unlink(mTemporary.c_str());
+    }
+
+    const NewFile mFile;
+    std::string mTarget;     // behind a link, the file it leads to
+    std::string mTemporary;  // empty where there is none
+    bool mStream;
+};
+
 }  // namespace
 
 void writeFile(const std::string& content, const std::string& path, const std::string& option) {
-    errno = 0;
-    if (path == "-") {
-        if (std::fwrite(content.data(), 1, content.size(), stdout) != content.size() ||
-            std::fflush(stdout) != 0) {
-            throw Failure(option + ": cannot write to standard output: " + std::strerror(errno));
-        }
-        return;
-    }
-    struct stat existing;
-    std::string target = path;
-    bool inPlace = false;
-    if (stat(path.c_str(), &existing) == 0) {
-        if (S_ISDIR(existing.st_mode)) throw Failure(option + ": '" + path + "' is a folder");
-        inPlace = !S_ISREG(existing.st_mode);
-        if (char* resolved = inPlace ? nullptr : realpath(path.c_str(), nullptr)) {
-            target = resolved;
-            std::free(resolved);
+    writeFiles({{content, path, option}});
+}
+
+void writeFiles(const std::vector<NewFile>& files) {
+    std::vector<StagedFile> staged;
+    staged.reserve(files.size());
+    for (const NewFile& file : files) staged.emplace_back(file);
+    for (const bool streams : {true, false}) {
+        for (StagedFile& file : staged) {
+            if (file.isStream() == streams) file.commit();
         }
     }
-    std::string temporary = target + ".XXXXXX";
-    std::FILE* stream = inPlace ? std::fopen(path.c_str(), "wb") : openTemporary(temporary);
-    const bool made = stream != nullptr && !inPlace;
-    bool whole = writeAndClose(content, stream, !inPlace);
-    if (whole && !inPlace) whole = std::rename(temporary.c_str(), target.c_str()) == 0;
-    if (whole) return;
-    const std::string why = std::strerror(errno);
-    if (made) unlink(temporary.c_str());
-    throw Failure(option + ": cannot write '" + path + "': " + why);
 }
 
 }  // namespace zvtext

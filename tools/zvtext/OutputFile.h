@@ -3,6 +3,7 @@
 #define ZVEX_TOOLS_ZVTEXT_OUTPUTFILE_H_
 
 #include <string>
+#include <vector>
 
 namespace zvtext {
 
@@ -11,6 +12,15 @@ namespace zvtext {
 // or a pipe is written to, never replaced; behind a link, the file it leads to is replaced. On failure
 // nothing is left or replaced; throws Failure with a message that starts with `option`.
 void writeFile(const std::string& content, const std::string& path, const std::string& option);
+
+// Several files in the same way, all of them or none: the first to be renamed is so when every other is whole
+// as well, and what goes to devices, pipes and standard output has been written.
+struct NewFile {
+    const std::string& content;
+    const std::string& path;
+    const std::string& option;
+};
+void writeFiles(const std::vector<NewFile>& files);
 
 }  // namespace zvtext
 

@@ -7,7 +7,6 @@
 
 #include "tools/zvtext/Failure.h"
 #include "tools/zvtext/FontChoice.h"
-#include "tools/zvtext/PngWriter.h"
 #include "tools/zvtext/TextInput.h"
 
 namespace zvtext {
@@ -107,6 +106,10 @@ void addRenderOptions(CLI::App& command, RenderArguments& a) {
     command.add_option("-o,--output", a.output, "The picture; - is standard output")
         ->type_name("FILE")
         ->default_str(kDefaultOutput);
+    command
+        .add_option("--metrics", a.outputOptions.metrics,
+                    "Where the parts of the picture lie, in JSON; - is standard output")
+        ->type_name("FILE");
     command.add_flag("--print-style", a.printStyle,
                      "Print the style these options make, for --style; renders only with --output");
     command.add_flag("--print-key", a.printKey,
@@ -177,6 +180,9 @@ void runRender(const RenderArguments& arguments) {
     if (prints && arguments.output == "-") {
         throw UsageError("--output: - is standard output, where --print-style and --print-key print");
     }
+    if (prints && arguments.outputOptions.metrics == "-") {
+        throw UsageError("--metrics: - is standard output, where --print-style and --print-key print");
+    }
     std::string printed;
     if (prints) {
         const Style style = readStyleOptions(arguments);
@@ -185,11 +191,12 @@ void runRender(const RenderArguments& arguments) {
     }
     if (!prints || arguments.output) {
         const std::string output = arguments.output.value_or(kDefaultOutput);
-        if (output.empty()) throw UsageError("--output: the path is empty");
-        const Picture picture = renderScene(readScene(arguments));
-        writePng(picture, output, "--output");
-        if (output != "-" && !prints) {
-            std::printf("%s: %d x %d pixels\n", output.c_str(), picture.width, picture.height);
+        checkOutput(output, arguments.outputOptions, "--output");
+        const Rendering rendering = renderScene(readScene(arguments));
+        writeRendering(rendering, output, arguments.outputOptions, "--output");
+        if (output != "-" && arguments.outputOptions.metrics != "-" && !prints) {
+            std::printf("%s: %d x %d pixels\n", output.c_str(), rendering.picture.width,
+                        rendering.picture.height);
         }
     }
     if (std::fputs(printed.c_str(), stdout) == EOF || std::fflush(stdout) != 0) {

@@ -8,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include "tools/zvtext/Output.h"
 #include "tools/zvtext/Scene.h"
 
 namespace zvtext {
@@ -19,6 +20,7 @@ struct RenderArguments {
     std::vector<std::string> fallbacks;
     std::string width, height, align = "left", gravity = "top", maxLines, padding = "0";
     std::optional<std::string> output;
+    OutputOptions outputOptions;
     bool printStyle = false, printKey = false;
 
     // --style, the settings of a style and the effects, without the dashes, in the order in which they stand.

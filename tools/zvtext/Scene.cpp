@@ -15,6 +15,7 @@
 #include "effect/ZvEffect.h"
 #include "foundation/List.h"
 #include "foundation/ZvString.h"
+#include "platform/host/LayoutGlyphs.h"
 #include "platform/host/LineBreaker.h"
 #include "text/FontManager.h"
 #include "text/LinePlacement.h"
@@ -105,11 +106,13 @@ public:
     const uint16_t* text() const { return reinterpret_cast<const uint16_t*>(mText.get()); }
     int length() const { return mLength; }
 
+    // Where in the text the clusters of a line's layout count from.
+    int contextOf(int start) const { return std::max(start - kContext, 0); }
+
     // Around the line only as much of the text as shaping looks at: the whole of it would make a long
     // paragraph's many lines cost its length each. Widths and heights do not depend on the rest.
     minikin::Layout layOut(int start, int end) const {
-        constexpr int kContext = 64;
-        const int begin = std::max(start - kContext, 0);
+        const int begin = contextOf(start);
         const int limit = std::min(end + kContext, mLength);
         return android::MinikinUtils::doLayout(&mPaint, minikin::Bidi::DEFAULT_LTR, mTypeface.get(),
                                                text() + begin, static_cast<size_t>(start - begin),
@@ -118,21 +121,45 @@ public:
     }
 
 private:
+    static constexpr int kContext = 64;
+
     const android::Paint& mPaint;
     std::unique_ptr<android::Typeface> mTypeface;
     std::unique_ptr<uint16_t[]> mText;
     int mLength = 0;
 };
 
+// A laid-out text: its lines, and of each of them the glyphs from the line's left end and baseline, their
+// clusters in UTF-16 units.
+struct LaidOutText {
+    std::vector<Zvex::LaidOutLine> lines;
+    std::vector<std::vector<GlyphMetrics>> glyphs;
+};
+
+// The glyphs where the text object will draw them: a line's ink begins where the line begins, and the top of
+// its image is a whole pixel.
+std::vector<GlyphMetrics> glyphsOf(const minikin::Layout& layout, const minikin::MinikinRect& ink,
+                                   int context) {
+    const float dx = -ink.mLeft, dy = -ink.mTop - std::trunc(-ink.mTop);
+    std::vector<GlyphMetrics> glyphs(layout.nGlyphs());
+    for (size_t i = 0; i < glyphs.size(); ++i) {
+        const int index = static_cast<int>(i);
+        glyphs[i].cluster = host::LayoutGlyphs::clusterOf(layout, index) + static_cast<size_t>(context);
+        const minikin::MinikinRect& box = host::LayoutGlyphs::inkOf(layout, index);
+        glyphs[i].box = {box.mLeft + dx, box.mTop + dy, box.mRight + dx, box.mBottom + dy};
+    }
+    return glyphs;
+}
+
 // The laid-out lines one below the other from y = 0. A line is as high as the font's metrics say, or as its
 // ink where a fallback font's glyphs reach further, so that no line cuts another's marks off.
-std::vector<Zvex::LaidOutLine> layOutLines(const Scene& scene, const LineShaper& shaper,
-                                           const FontFacts& font, float wrapWidth) {
+LaidOutText layOutLines(const Scene& scene, const LineShaper& shaper, const FontFacts& font,
+                        float wrapWidth) {
     const auto measure = [&](int start, int end) {
         return start < end ? shaper.layOut(start, end).getAdvance() : 0.0f;
     };
     const auto size = static_cast<float>(scene.style.size);
-    std::vector<Zvex::LaidOutLine> lines;
+    LaidOutText text;
     int top = 0;
     for (const host::LineRange& range :
          host::breakLines(shaper.text(), shaper.length(), wrapWidth, measure)) {
@@ -142,6 +169,9 @@ std::vector<Zvex::LaidOutLine> layOutLines(const Scene& scene, const LineShaper&
             const minikin::Layout layout = shaper.layOut(range.start, range.visibleEnd);
             layout.getBounds(&ink);
             advance = layout.getAdvance();
+            text.glyphs.push_back(glyphsOf(layout, ink, shaper.contextOf(range.start)));
+        } else {
+            text.glyphs.emplace_back();
         }
         if (!(advance <= kMaxLineAdvance)) {
             throw UsageError(
@@ -158,14 +188,14 @@ std::vector<Zvex::LaidOutLine> layOutLines(const Scene& scene, const LineShaper&
         line.width = advance;
         line.start = range.start;
         line.visibleEnd = range.visibleEnd;
-        lines.push_back(line);
+        text.lines.push_back(line);
         if (line.bottom > kMaxTextHeight) {
             throw UsageError("--size: the lines of the text are higher than " +
                              std::to_string(kMaxTextHeight) + " pixels in all");
         }
         top = line.bottom;
     }
-    return lines;
+    return text;
 }
 
 void alignLines(std::vector<Zvex::LaidOutLine>& lines, Scene::Align align, int innerWidth) {
@@ -174,6 +204,43 @@ void alignLines(std::vector<Zvex::LaidOutLine>& lines, Scene::Align align, int i
         if (align == Scene::Align::Center) line.left = std::floor(room / 2);
         if (align == Scene::Align::Right) line.left = room;
     }
+}
+
+// Offsets in UTF-8 of the units of the text's UTF-16 form, its end included; the text is well formed.
+std::vector<uint32_t> byteOffsets(const std::string& text) {
+    std::vector<uint32_t> offsets;
+    offsets.reserve(text.size() + 1);
+    for (size_t i = 0; i <= text.size(); ++i) {
+        const unsigned char byte = i < text.size() ? static_cast<unsigned char>(text[i]) : 0;
+        if ((byte & 0xC0) == 0x80) continue;
+        offsets.push_back(static_cast<uint32_t>(i));
+        if (byte >= 0xF0) offsets.push_back(static_cast<uint32_t>(i));  // a pair
+    }
+    return offsets;
+}
+
+// Takes the glyphs; `glyphs` are those of the first line placed.
+std::vector<LineMetrics> measureLines(const std::vector<ZvLineInfo>& placed,
+                                      std::vector<GlyphMetrics>* glyphs, const Margins& margins,
+                                      const std::string& text) {
+    const std::vector<uint32_t> offsets = byteOffsets(text);
+    const auto offsetOf = [&](size_t unit) { return offsets[std::min(unit, offsets.size() - 1)]; };
+    std::vector<LineMetrics> lines;
+    for (const ZvLineInfo& info : placed) {
+        LineMetrics& line = lines.emplace_back();
+        line.start = offsetOf(static_cast<size_t>(info.start));
+        line.end = offsetOf(static_cast<size_t>(info.end));
+        line.baseline = info.y + margins.top;
+        const Box box = {static_cast<float>(info.rect.left), static_cast<float>(info.rect.top),
+                         static_cast<float>(info.rect.right), static_cast<float>(info.rect.bottom)};
+        line.box = moved(box, margins.left, margins.top);
+        line.glyphs = std::move(*glyphs++);
+        for (GlyphMetrics& glyph : line.glyphs) {
+            glyph.cluster = offsetOf(glyph.cluster);
+            glyph.box = moved(glyph.box, info.x + margins.left, line.baseline);
+        }
+    }
+    return lines;
 }
 
 void setLines(ZvTextObject& object, const std::vector<ZvLineInfo>& placed) {
@@ -185,7 +252,7 @@ void setLines(ZvTextObject& object, const std::vector<ZvLineInfo>& placed) {
 
 }  // namespace
 
-Picture renderScene(const Scene& scene) {
+Rendering renderScene(const Scene& scene) {
     const auto font = loadFont("--font", chooseFont("--font", scene.font), "--axes", scene.axes);
     std::vector<std::shared_ptr<const LoadedFont>> fallbacks;
     for (const std::string& name : scene.fallbacks) {
@@ -217,8 +284,8 @@ Picture renderScene(const Scene& scene) {
     const int wrapWidth = scene.width > 0 ? scene.width - pad.left - pad.right : 0;
     if (scene.width > 0 && wrapWidth < 1) throw UsageError("--width: the padding leaves no room for text");
     const LineShaper shaper(object, paint);
-    std::vector<Zvex::LaidOutLine> lines =
-        layOutLines(scene, shaper, font->facts, static_cast<float>(wrapWidth));
+    LaidOutText laidOut = layOutLines(scene, shaper, font->facts, static_cast<float>(wrapWidth));
+    std::vector<Zvex::LaidOutLine>& lines = laidOut.lines;
     const size_t shown = scene.maxLines > 0
                              ? std::min<size_t>(lines.size(), static_cast<size_t>(scene.maxLines))
                              : lines.size();
@@ -235,8 +302,10 @@ Picture renderScene(const Scene& scene) {
     const int64_t viewHeight =
         scene.height > 0 ? scene.height : int64_t{std::max(linesHeight, 1)} + pad.top + pad.bottom;
     ZvEffect& effect = *object.GetEffect();
-    const int64_t width = viewWidth + effect.getLeftOffset() + effect.getRightOffset();
-    const int64_t height = viewHeight + effect.getTopOffset() + effect.getBottomOffset();
+    const Margins margins = {effect.getLeftOffset(), effect.getTopOffset(), effect.getRightOffset(),
+                             effect.getBottomOffset()};
+    const int64_t width = viewWidth + margins.left + margins.right;
+    const int64_t height = viewHeight + margins.top + margins.bottom;
     if (width > kMaxSide || height > kMaxSide || width * height > kMaxPixels) {
         throw UsageError(std::string(scene.width > 0 ? "--width" : "--size") + ": the picture would be " +
                          std::to_string(width) + " x " + std::to_string(height) + " pixels; at most " +
@@ -248,16 +317,21 @@ Picture renderScene(const Scene& scene) {
     view.SetPadding(pad.left, pad.top, pad.right, pad.bottom);
     view.SetBitmapWidth(static_cast<int>(width));
     view.SetBitmapHeight(static_cast<int>(height));
-    setLines(object, Zvex::placeLines(view, lines.data(), static_cast<int>(lines.size())));
+    const std::vector<ZvLineInfo> placed =
+        Zvex::placeLines(view, lines.data(), static_cast<int>(lines.size()));
+    setLines(object, placed);
 
     const unsigned int* pixels = object.RenderTextEffect(static_cast<int>(width), static_cast<int>(height));
     if (pixels == nullptr) throw Failure("TEXT: not enough memory for the picture");
-    Picture picture;
+    Rendering rendering;
+    Picture& picture = rendering.picture;
     picture.width = static_cast<int>(width);
     picture.height = static_cast<int>(height);
     picture.pixels.resize(static_cast<size_t>(width * height));
     std::memcpy(picture.pixels.data(), pixels, picture.pixels.size() * 4);
-    return picture;
+    rendering.metrics = {picture.width, picture.height, margins, placed.front().y + margins.top,
+                         measureLines(placed, &laidOut.glyphs[first], margins, scene.text)};
+    return rendering;
 }
 
 std::string layerKeyInHex(const Style& style) {

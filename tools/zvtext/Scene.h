@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "tools/zvtext/Picture.h"
+#include "tools/zvtext/Rendering.h"
 #include "tools/zvtext/Style.h"
 #include "tools/zvtext/Values.h"
 
@@ -37,7 +37,7 @@ constexpr int64_t kMaxPixels = 100'000'000;
 
 // Renders the scene through a text object of the library. The fallback fonts become the process's system
 // families in place of those of the scene before. Throws UsageError or Failure.
-Picture renderScene(const Scene& scene);
+Rendering renderScene(const Scene& scene);
 
 // The layer key of the style's effects and text colour (see ZvEffect::getMapKey), two hex digits a byte.
 // Throws Failure.

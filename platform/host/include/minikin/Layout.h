@@ -12,7 +12,8 @@
 
 namespace host {
 class LayoutBuilder;
-}
+class LayoutGlyphs;
+}  // namespace host
 
 namespace minikin {
 
@@ -58,6 +59,7 @@ public:
 
 private:
     friend class host::LayoutBuilder;
+    friend class host::LayoutGlyphs;
 
     struct Face {
         std::shared_ptr<const MinikinFont> font;
@@ -67,6 +69,8 @@ private:
         uint32_t face;  // index into mFaces
         uint32_t id;
         float x, y;
+        uint32_t cluster;  // offset in the text
+        MinikinRect ink;
     };
 
     const Face& faceOf(int i) const { return mFaces[mGlyphs[static_cast<size_t>(i)].face]; }
