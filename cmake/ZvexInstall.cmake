@@ -1,23 +1,45 @@
 # SPDX-License-Identifier: Apache-2.0
-# cmake --install: the static library, its headers under their tree names, find_package(Zvex) and pkg-config.
+# cmake --install: the library, its public headers under their tree names, find_package(Zvex) and pkg-config, all of it
+# relative to the prefix, which may be moved.
 include(CMakePackageConfigHelpers)
 
-install(TARGETS zvex EXPORT ZvexTargets ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
+install(TARGETS zvex EXPORT ZvexTargets
+        ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
 install(EXPORT ZvexTargets NAMESPACE Zvex:: DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Zvex)
-foreach(folder foundation raster effect text platform/host)
-  install(DIRECTORY ${folder}/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/zvex/${folder}
-          FILES_MATCHING PATTERN "*.h" PATTERN "java" EXCLUDE PATTERN "jni" EXCLUDE)
+
+# Public is what is installed, and what scripts/docs makes pages of.
+set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS cmake/public-headers.txt)
+file(STRINGS cmake/public-headers.txt headers)
+foreach(header IN LISTS headers)
+  cmake_path(GET header PARENT_PATH folder)
+  install(FILES ${header} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/zvex/${folder})
 endforeach()
 
 configure_package_config_file(cmake/ZvexConfig.cmake.in ${CMAKE_CURRENT_BINARY_DIR}/ZvexConfig.cmake
     INSTALL_DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Zvex)
-write_basic_package_version_file(${CMAKE_CURRENT_BINARY_DIR}/ZvexConfigVersion.cmake COMPATIBILITY SameMinorVersion)
+write_basic_package_version_file(${CMAKE_CURRENT_BINARY_DIR}/ZvexConfigVersion.cmake COMPATIBILITY SameMajorVersion)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/ZvexConfig.cmake ${CMAKE_CURRENT_BINARY_DIR}/ZvexConfigVersion.cmake
         DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Zvex)
 
+# The prefix as seen from the folder of zvex.pc, however deep the library folder lies.
+file(RELATIVE_PATH ZVEX_PC_PREFIX /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
+cmake_path(SET ZVEX_PC_PREFIX NORMALIZE "${ZVEX_PC_PREFIX}")
+set(ZVEX_PC_REQUIRES Requires)
+if(BUILD_SHARED_LIBS)
+  set(ZVEX_PC_REQUIRES Requires.private)
+endif()
+set(ZVEX_PC_DEFINES "")
+if(ZVEX_DEBUG_LOG)
+  set(ZVEX_PC_DEFINES " -DZVEX_DEBUG_LOG=1")
+endif()
 configure_file(cmake/zvex.pc.in ${CMAKE_CURRENT_BINARY_DIR}/zvex.pc @ONLY)
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/zvex.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+
 if(ZVEX_BUILD_TOOLS)
+  if(BUILD_SHARED_LIBS)
+    file(RELATIVE_PATH library_folder /${CMAKE_INSTALL_BINDIR} /${CMAKE_INSTALL_LIBDIR})
+    set_target_properties(zvtext PROPERTIES INSTALL_RPATH "$ORIGIN/${library_folder}")
+  endif()
   install(TARGETS zvtext RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 endif()
 if(TARGET zvex_java)

@@ -5,12 +5,11 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "effect/PixelOrder.h"
+
 namespace Zvex {
 
 class ZvBitmap;
-
-// The order of a pixel's bytes in memory; the alpha comes last.
-enum class PixelOrder { RedFirst, BlueFirst };
 
 // The last steps of a rendering, on colour pictures of 4 bytes a pixel, in place and without allocations.
 

@@ -33,14 +33,18 @@ enum ZvEffectType : int {
 // coverage. A layer is used by one thread at a time.
 class ZvECore {
 public:
+    // How a rendering begins.
     struct ParamInit {
-        int width = 0;  // of the working bitmaps, in pixels
+        // Of the working bitmaps, in pixels.
+        int width = 0;
         int height = 0;
         int layerMode = 0;  // 0: all layers draw into one picture; 1: into a front and a back one
     };
 
+    // A line of glyphs that has been merged into the mask. None of it is owned.
     struct ParamRender {
-        int x = 0;  // where the top-left of the glyph run lands in the mask
+        // Where its top-left lies in the mask.
+        int x = 0;
         int y = 0;
         ZvGlyph* glyph = nullptr;    // may be null
         ZvBitmap* target = nullptr;  // null before ZvEffect::setDstBitmap
@@ -48,10 +52,10 @@ public:
 
     // None of it is owned, and none of it may be kept after the call.
     struct ParamPostProcessing {
-        ZvBitmap* target = nullptr;  // colour, premultiplied: where the layer draws
-        ZvBitmap* mask = nullptr;    // 8-bit coverage of the whole text
-        ZvRect* textRect = nullptr;  // box of the glyphs within the mask
-        int layerMode = 0;
+        ZvBitmap* target = nullptr;      // colour, premultiplied: where the layer draws
+        ZvBitmap* mask = nullptr;        // 8-bit coverage of the whole text
+        ZvRect* textRect = nullptr;      // box of the glyphs within the mask
+        int layerMode = 0;               // as in ParamInit
         ZvBitmap* otherLayer = nullptr;  // a second colour picture for effects that draw into both, else null
         // Holds textRect, and outside of it target is transparent; null when nothing is known. If it is
         // there, the mask has coverage within textRect only; the rows there and the one below are all of it
@@ -80,18 +84,21 @@ public:
     // The layer's own copy, null before the first setProperty.
     virtual ZvProperty* getProperty() = 0;
 
-    virtual float getOpacity() = 0;
-    virtual int getStyle() = 0;  // ZvEffectType
+    virtual float getOpacity() = 0;  // 1 for every layer there is: opacities are folded into the colours
+    virtual int getStyle() = 0;      // ZvEffectType
 
-    // Pixels the layer needs beside the text on each side, and on every side.
+    // Pixels the layer needs beside the text on each side, and, with getOffset, on every side: the margin is
+    // the larger of the two.
     virtual int getLeftOffset() = 0;
     virtual int getRightOffset() = 0;
     virtual int getTopOffset() = 0;
     virtual int getBottomOffset() = 0;
 
+    // Tells the layers of a stack apart; -1 until set.
     virtual void setId(int id) = 0;
     virtual int getId() = 0;
 
+    // Pixels needed on every side.
     virtual int getOffset() = 0;
 };
 

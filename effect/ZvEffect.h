@@ -6,6 +6,7 @@
 #include <memory>
 #include <vector>
 
+#include "effect/PixelOrder.h"
 #include "effect/ZvECore.h"
 #include "effect/ZvProperty.h"
 #include "raster/ZvRect.h"
@@ -13,7 +14,6 @@
 namespace Zvex {
 
 class LayerRows;
-enum class PixelOrder;
 class ZvBitmap;
 struct ZvGlyph;
 
@@ -41,17 +41,17 @@ struct ZvGlyph;
 // time.
 class ZvEffect {
 public:
-    std::vector<ZvECore*> effects;  // owned, in order of creation
-    std::vector<ZvECore*> layers;   // not owned, topmost first; remade by initEffect
-    ZvBitmap* mask = nullptr;       // owned, 8-bit coverage
-    ZvBitmap* dst = nullptr;        // the caller's, premultiplied colour until compositeLayers
-    ZvBitmap* back = nullptr;       // owned, premultiplied colour
-    ZvRect textRect;                // box of the glyphs in the mask
-    bool textRectReset = true;      // the next line of glyphs starts a new box
-    int layerMode = 0;
+    std::vector<ZvECore*> effects;    // owned, in order of creation
+    std::vector<ZvECore*> layers;     // not owned, topmost first; remade by initEffect
+    ZvBitmap* mask = nullptr;         // owned, 8-bit coverage
+    ZvBitmap* dst = nullptr;          // the caller's, premultiplied colour until compositeLayers
+    ZvBitmap* back = nullptr;         // owned, premultiplied colour
+    ZvRect textRect;                  // box of the glyphs in the mask
+    bool textRectReset = true;        // the next line of glyphs starts a new box
+    int layerMode = 0;                // 0 or 1, see above; chosen by initEffect
     float textOpacity = 1.0f;         // of the text as a whole, 0 to 1
     uint32_t textColor = 0xFF000000;  // 0xAARRGGBB, the last one given to getMapKey
-    int nextEffectId = 0;
+    int nextEffectId = 0;             // the one that getNewEffectId gives
     uint8_t textAlpha = 255;  // alpha byte of the last colour given to addText, applied by compositeLayers
 
     ZvEffect();
@@ -78,7 +78,8 @@ public:
     int addEffect(int id, int type, ZvProperty* property);
     int addEffect(int type, ZvProperty* property);
 
-    ZvECore* getEffect(int type);  // null when there is none
+    // The layer of that type, still owned by the stack; null when there is none.
+    ZvECore* getEffect(int type);
     bool hasEffect(int type);
     bool hasEffects();  // any layer, or a text opacity below 1
 
@@ -93,12 +94,17 @@ public:
 
     // --- Adders: one for each type
     //
-    // Each limits its arguments, builds the type's record and returns addEffect's result. The rules (details,
-    // and what out-of-range and NaN become, in effect/EffectArguments.h): opacity and scale are clamped;
-    // angle is a whole number of degrees brought to 0..359; distance, size and stroke width are whole numbers
-    // clamped to 0..100; count is at most 256. Text, stroke and shadow colours are rebuilt premultiplied,
-    // with the opacity as their alpha; glow, bevel, emboss and stop colours keep red, green and blue and get
-    // a new alpha. Stops are copied; a null array counts as no stops.
+    // Each limits its arguments, builds the type's record and returns addEffect's result. What an argument
+    // means is said at the field of its record in effect/ZvProperty.h. Any argument is safe: opacities are
+    // clamped to 0..1, a gradient's scale to 0..2, a pattern's to 0..10; an angle is a whole number of
+    // degrees brought to 0..359, an altitude to 0..89; distance, size and stroke width are whole pixels
+    // clamped to 0..100; stops beyond the first 256 are dropped. NaN counts as the lower end of its range, as
+    // an angle as 0.
+    //
+    // Colours are given straight, 0xAARRGGBB, and the opacities take the place of their alpha: text, stroke
+    // and shadow colours are rebuilt premultiplied; glow, bevel, emboss and stop colours keep red, green and
+    // blue. A stop's position is cut to hundredths. Stops are copied; a null array counts as no stops. A
+    // pattern's bitmap stays the caller's and has to outlive the layer.
     int addOuterShadowText(float angle, float distance, float size, unsigned int color, float opacity);
     int addInnerShadowText(float angle, float distance, float size, unsigned int color, float opacity);
     int addOuterGlowText(float size, unsigned int color, float opacity, int count, ZvGradient* stops);
@@ -121,9 +127,10 @@ public:
 
     // --- Text colour and opacity
 
-    void setTextOpacity(float opacity);  // clamped to 0..1
+    // Of the text as a whole, clamped to 0..1; 1 at the start and when cleared.
+    void setTextOpacity(float opacity);
     float getTextOpacity();
-    void clearTextOpacity();  // 1
+    void clearTextOpacity();
 
     // The layer key: the settings of every layer in order of creation as a string without inner NULs (the
     // bytes of each are described in effect/ZvProperty.h); "" without layers. Freed by the caller with
@@ -166,10 +173,10 @@ public:
     // Deletes mask and back; forgets dst.
     void releaseBitmap();
 
-    ZvRect* getTextRect();
+    ZvRect* getTextRect();                // the field above, owned by the stack
     ZvBitmap* getSrcBitmap();             // the mask
     void setSrcBitmap(ZvBitmap* bitmap);  // taken over; the old one is not freed
-    ZvBitmap* getDstBitmap();
+    ZvBitmap* getDstBitmap();             // null outside a rendering
     void setDstBitmap(ZvBitmap* bitmap);  // stays the caller's
 
     // --- Rendering onto a transparent picture

@@ -20,15 +20,16 @@ class ZvBitmap;
 
 // One colour stop of a gradient.
 struct ZvGradient {
-    uint32_t color = 0;
-    float opacity = 0;   // 0 to 1; the adders have folded it into the alpha byte of color
+    uint32_t color = 0;  // 0xAARRGGBB, straight; the adders make its alpha byte of the opacities
+    float opacity = 0;   // 0 to 1
     float position = 0;  // 0 to 1, the place along the gradient
 };
 
+// What all records share; not used by itself.
 class ZvProperty {
 public:
-    uint32_t color;
-    float opacity;  // 0 to 1
+    uint32_t color;  // 0xAARRGGBB
+    float opacity;   // 0 to 1
 
     ZvProperty(unsigned int color, float opacity);
     virtual ~ZvProperty();
@@ -168,14 +169,18 @@ public:
 // What bevel and emboss share; not used by itself. color is 0.
 class ZvReliefProperty : public ZvProperty {
 public:
-    int style;      // bevel: 1 lies inside the glyphs, any other around them
-    float size;     // pixels
-    float depth;    // 0 to 10
-    int direction;  // 0: lit from the other side
-    int technique;
-    int soften;      // pixels, 0 to 16
+    // Bevel: 1 lies inside the glyphs, any other around them. Emboss: 3 is lit a second time, from the
+    // opposite side, around the glyphs; any other once.
+    int style;
+    float size;      // pixels, width of the slope; the emboss has half of it on either side of the edge
+    float depth;     // 0 to 10, steepness of the slope
+    int direction;   // 0: lit from the other side
+    int technique;   // 0: soft; any other: hard
+    int soften;      // pixels, 0 to 16, of one more blur
     float angle;     // azimuth of the light, whole degrees in -359..359, of the sign given
     float altitude;  // elevation of the light, whole degrees in -89..89, of the sign given
+    // Of the sides away from the light and towards it. The alpha byte is how strong they are; the adders fold
+    // these opacities and the layer's into it, and nothing else reads them.
     uint32_t shadowColor;
     float shadowOpacity;
     uint32_t highlightColor;

@@ -26,6 +26,7 @@ public:
     bool Construct(const ZvString* path, const char* mode, bool keepOpen);
     bool Construct(const char* path, const char* mode);
 
+    // fread, fwrite, fseek, ftell, feof, ferror and fileno.
     unsigned long Read(void* buffer, unsigned long size, unsigned long count);
     unsigned long Write(const void* buffer, unsigned long size, unsigned long count);
     int Seek(long offset, int whence);

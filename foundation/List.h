@@ -29,7 +29,7 @@ public:
     List(const List&) = delete;
     List& operator=(const List&) = delete;
 
-    int Construct();
+    int Construct();                   // empty
     int Construct(const List* other);  // with other's elements; null fails with 7
     int Construct(void** items,
                   int count);  // with items[0] to items[count - 1]; null or count < 0 fails with 7
@@ -37,6 +37,7 @@ public:
     int Add(void* item);         // at the tail
     int Add(const List* other);  // other's elements in order; the list itself adds a copy of what it held
 
+    // How many elements there are, and the one at index, from 0 to the count - 1.
     int GetCount() const;
     void* Get(int index) const;
 
@@ -54,8 +55,8 @@ public:
     // Open positions stay valid, past the end, and no longer count against the limit of ten.
     int RemoveAll();
 
-    int GetIndex(void* item) const;  // of the first node that holds item; -1 if none, which is no error
-    int IsContained(void* item) const;
+    int GetIndex(void* item) const;     // of the first node that holds item; -1 if none, which is no error
+    int IsContained(void* item) const;  // 1 if so, else 0
     int IsContained(const List* other) const;  // every element of other; so an empty one always is
 
     long BeginTraversal();               // at the head; -1 on failure

@@ -43,6 +43,7 @@ public:
     static bool isCheckedBuildType;   // false until the first SetBuildType
     static bool isBuildTypeEngMode;   // true until SetBuildType says otherwise
 
+    // Replaces mCurrentLogLevel.
     static void setPrintLogLevel(unsigned char mask);
 
     // Writes one line with the tag "zveffect": the file name without its extension in brackets, then the

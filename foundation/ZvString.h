@@ -73,6 +73,7 @@ public:
 
     int GetLength() const;        // characters before the NUL
     wchar_t* GetPointer() const;  // the buffer, owned by the string; null when there is none
+    // Writes the character at index to *out; beyond the text fails with 3, a null out with 7.
     int GetChar(int index, wchar_t* out) const;
 
     // Length first: 1 when this text is longer, -1 when it is shorter, whatever the characters; equal lengths

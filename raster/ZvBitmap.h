@@ -17,24 +17,26 @@ class ZvRect;
 // as an empty target. Sizes are multiplied in 64 bits; what a pointer cannot address counts as not allocated.
 class ZvBitmap {
 public:
-    uint32_t width = 0;
-    uint32_t height = 0;
-    uint8_t* pixels = nullptr;  // null as well when the bitmap has no pixels
-    uint32_t format = 4;        // 1: 4 bytes a pixel; 2: any other depth; 4: default-constructed
-    uint32_t bytesPerPixel = 0;
+    uint32_t width = 0;          // pixels
+    uint32_t height = 0;         // pixels
+    uint8_t* pixels = nullptr;   // owned; null as well when the bitmap has no pixels
+    uint32_t format = 4;         // 1: 4 bytes a pixel; 2: any other depth; 4: default-constructed
+    uint32_t bytesPerPixel = 0;  // 1 or 4, but any is stored
 
     ZvBitmap() = default;
 
     // Zero-filled.
     ZvBitmap(unsigned int width, unsigned int height, unsigned int bytesPerPixel);
 
-    // The pixels are whatever the memory holds: for a caller who writes them all.
+    // Picks the constructor below.
     enum class Unset { Pixels };
+    // The pixels are whatever the memory holds: for a caller who writes them all.
     ZvBitmap(unsigned int width, unsigned int height, unsigned int bytesPerPixel, Unset);
 
     // Copies width * height * bytesPerPixel bytes of data, which stays the caller's. Null data gives zeros.
     ZvBitmap(unsigned int width, unsigned int height, const unsigned char* data, unsigned int bytesPerPixel);
 
+    // Copies have pixels of their own, as far as there is memory.
     ZvBitmap(const ZvBitmap& other);
 
     // A cut-out of a mask: |left - right| by |top - bottom| pixels of the source's format and depth. Bytes,
@@ -44,7 +46,7 @@ public:
     // null rectangle gives no pixels.
     ZvBitmap(const ZvBitmap& source, const ZvRect* rect);
 
-    ZvBitmap& operator=(const ZvBitmap& other);
+    ZvBitmap& operator=(const ZvBitmap& other);  // likewise
     virtual ~ZvBitmap();
 
     // Bytes of the pixel buffer; 0 when a size_t cannot say.

@@ -27,18 +27,20 @@ public:
     // What a typeface is made from.
     struct TypefaceSource {
         const ZvString* fontPath = nullptr;  // not owned
-        bool italic = false;
-        uint64_t fontGeneration = 0;  // FontManager::GetGeneration
+        bool italic = false;                 // of the text style
+        uint64_t fontGeneration = 0;         // FontManager::GetGeneration
     };
     // What the image of a line depends on besides: the text, which is context too, and the paint. None owned.
     struct LineSource {
-        const uint16_t* text = nullptr;
-        size_t length = 0;  // units
-        const android::Paint* paint = nullptr;
+        const uint16_t* text = nullptr;         // UTF-16
+        size_t length = 0;                      // units
+        const android::Paint* paint = nullptr;  // as set by the caller
     };
+    // The part of the text that a line shows.
     struct Range {
-        int start, end;  // units of the text
-        bool rightToLeft;
+        int start;         // units of the text
+        int end;           // likewise, one past the last
+        bool rightToLeft;  // the line's direction
     };
 
     DrawnLines();

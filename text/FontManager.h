@@ -30,10 +30,10 @@ struct ZvFontData {
 
 // One font of a system family. A plain record: freeFontEntry frees what it owns.
 struct ZvFontEntry {
-    ZvString* path = nullptr;  // owned; the full path of the file
-    int32_t index = 0;         // of the font inside a collection file
-    int32_t weight = 400;      // 100..900
-    bool italic = false;
+    ZvString* path = nullptr;   // owned; the full path of the file
+    int32_t index = 0;          // of the font inside a collection file
+    int32_t weight = 400;       // 100..900
+    bool italic = false;        // else upright
     ZvString* spare = nullptr;  // owned; never filled, freed when somebody did
 };
 

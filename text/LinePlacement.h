@@ -14,6 +14,7 @@ namespace Zvex {
 // top of the laid-out text, growing downwards; ascent and descent are distances from the baseline (ascent is
 // negative).
 struct LaidOutLine {
+    // Vertical, see above.
     int32_t baseline = 0;
     int32_t top = 0;
     int32_t bottom = 0;
@@ -27,8 +28,8 @@ struct LaidOutLine {
 
 // The lines that a view shows, numbered from 0.
 struct ShownLines {
-    int first = 0;
-    int count = 0;
+    int first = 0;  // its number
+    int count = 0;  // from there on
 };
 
 // How many of `count` lines: `view.lines` if it is 1 or more, else `view.maxLines` if that is 1 or more,

@@ -51,15 +51,14 @@ public:
     // the list when `direction` is negative.
     void _DoRender(int x, int y, List* glyphs, ZvEffect* effect, int direction);
 
-    // Begins a rendering of the text's effect stack onto `out`, with initEffect or, for drawPicture, with
-    // initPicture, and merges every line into its mask. False where nothing is to be drawn.
-    enum class Drawing { InLayers, AsPicture };
-    bool drawLines(ZvTextObject* text, ZvBitmap* out, Drawing drawing);
-
     ZvString* fontPath;  // owned; null until set
     List* glyphList;     // owned; of ZvGlyph*, the last line drawn: owned too unless it is one of `mDrawn`
 
 private:
+    // Begins a rendering of the text's effect stack onto `out`, with initEffect or, for drawPicture, with
+    // initPicture, and merges every line into its mask. False where nothing is to be drawn.
+    enum class Drawing { InLayers, AsPicture };
+    bool drawLines(ZvTextObject* text, ZvBitmap* out, Drawing drawing);
     // The text's typeface, kept or made; null, with its line in the log, without any family.
     const android::Typeface* typefaceOf(const ZvTextObject& text);
     // The line's coverage image in glyphList, kept or made; null when there is no memory for it.

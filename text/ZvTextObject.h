@@ -19,6 +19,12 @@ namespace Zvex {
 class ZvTextObjectImpl;
 
 // One text with everything needed to render it: string, font, paint, view, lines, colours and effect stack.
+//
+// After Construct, in any order: SetText, SetFont, SetPaint, the effects, the lines (SetLineInfo, a record
+// for each that shows) and the view's size. The effects decide the margins, so then comes the size of the
+// picture, the view's and GetEffect()'s four offsets around it, which the view is told (SetBitmapWidth,
+// SetBitmapHeight); then RenderTextEffect.
+//
 // Every operation but Construct fails with error 8 until Construct has succeeded: false, null, -1 or the
 // value stated.
 //
@@ -35,7 +41,8 @@ public:
     // Makes the parts and registers the object, which gives it its handle. Error 4 the second time.
     bool Construct();
 
-    int GetRuntimeHandle() const;
+    int GetRuntimeHandle() const;  // the number in the registry, 1 or more
+    // The effect stack, owned by the text object, as all that it hands out by pointer.
     ZvEffect* GetEffect();
 
     // Copies the text (null clears it) and has the font manager load the families that its scripts need.
@@ -56,13 +63,18 @@ public:
     bool SetLineInfo(const List* list);
     List* GetLineInfo();
 
+    // Italic asks the font manager's families for a slanted font. Bold is only kept: boldness comes from the
+    // font, or from the paint's fake bold.
     bool SetTextStyle(bool bold, bool italic);
     bool isBoldTextStyle() const;
     bool isItalicTextStyle() const;
 
+    // The view, to be filled in by the caller before a rendering.
     ZvView* GetView();
 
-    // A copy; of a default paint when not constructed.
+    // Kept as a copy: size in pixels, anti-aliasing (without it coverage is 0 or 255 only), spacing,
+    // features. Its typeface is not read, and of its colour only the alpha, which scales the coverage.
+    // GetPaint gives a default paint when not constructed.
     android::Paint GetPaint() const;
     void SetPaint(android::Paint& paint);
 

@@ -40,6 +40,7 @@ public:
     // Writes bitmapWidth to out[0] and bitmapHeight to out[1]; null writes nothing.
     void GetDrawingBitmapSize(int* out) const;
 
+    // What the setters above store.
     int32_t width = 0;
     int32_t height = 0;
     int32_t bitmapWidth = 0;
@@ -48,9 +49,9 @@ public:
     int32_t paddingTop = 0;
     int32_t paddingRight = 0;
     int32_t paddingBottom = 0;
-    int32_t gravity = LEFT;
-    int32_t lines = 0;     // a fixed number of lines, 0 for none; wins over maxLines
-    int32_t maxLines = 0;  // the view's own limit, below 1 for none
+    int32_t gravity = LEFT;  // Gravity bits; others are kept
+    int32_t lines = 0;       // a fixed number of lines, 0 for none; wins over maxLines
+    int32_t maxLines = 0;    // the view's own limit, below 1 for none
 };
 
 }  // namespace Zvex

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
-// Renders a line of text with an outline and writes it as a PAM picture (the simplest format with alpha).
+// Renders a line of text with a gradient, an outline and a shadow, and writes it as a PAM picture (the
+// simplest format with alpha).
 //     title FONT.ttf "Text" out.pam
 #include <hwui/Paint.h>
 
+#include <cstdint>
 #include <cstdio>
 
 #include "text/ZvTextObject.h"
@@ -25,8 +27,11 @@ int main(int argc, char** argv) {
     paint.setFlags(1);  // anti-aliased
     paint.setTextSize(96);
     object.SetPaint(paint);
-    object.SetTextColor(0xFFFF8800);
-    object.GetEffect()->addStrokeText(6, 0xFF202020, 1, 0, 1);  // six pixels outside
+    Zvex::ZvEffect* effect = object.GetEffect();
+    Zvex::ZvGradient stops[] = {{0xFFFF4010, 1, 0}, {0xFFFFC830, 1, 1}};
+    effect->addLinearGradientText(90, 1, 1, 2, stops);
+    effect->addStrokeText(6, 0xFF202020, 1, 0, Zvex::ZV_STROKE_OUTSIDE);
+    effect->addOuterShadowText(135, 10, 8, 0xFF000000, 0.5f);  // light from the upper left
 
     // One line at x = 20 with its baseline at y = 110 covers the whole text.
     auto* line = new Zvex::ZvLineInfo;  // the text object frees it
@@ -40,13 +45,12 @@ int main(int argc, char** argv) {
     lines.Add(line);
     object.SetLineInfo(&lines);
 
-    Zvex::ZvEffect* effect = object.GetEffect();
     const int width = effect->getLeftOffset() + viewWidth + effect->getRightOffset();
     const int height = effect->getTopOffset() + viewHeight + effect->getBottomOffset();
     object.GetView()->SetSize(viewWidth, viewHeight);
     object.GetView()->SetBitmapWidth(width);
     object.GetView()->SetBitmapHeight(height);
-    const unsigned int* pixels = object.RenderTextEffect(width, height);  // 0xAARRGGBB, straight alpha
+    const uint32_t* pixels = object.RenderTextEffect(width, height);  // 0xAARRGGBB, straight alpha
     if (pixels == nullptr) return 1;
 
     std::FILE* file = std::fopen(argv[3], "wb");
@@ -54,7 +58,7 @@ int main(int argc, char** argv) {
     std::fprintf(file, "P7\nWIDTH %d\nHEIGHT %d\nDEPTH 4\nMAXVAL 255\nTUPLTYPE RGB_ALPHA\nENDHDR\n", width,
                  height);
     for (int i = 0; i < width * height; ++i) {
-        const unsigned int p = pixels[i];
+        const uint32_t p = pixels[i];
         std::fputc(static_cast<int>(p >> 16 & 0xFF), file);
         std::fputc(static_cast<int>(p >> 8 & 0xFF), file);
         std::fputc(static_cast<int>(p & 0xFF), file);

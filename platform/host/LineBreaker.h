@@ -11,7 +11,10 @@ namespace host {
 // A line's part of the text in UTF-16 offsets. Blanks and the line ending that follow the last visible
 // character lie between visibleEnd and end.
 struct LineRange {
-    int start = 0, visibleEnd = 0, end = 0;
+    // Offsets, each of the first unit after the part before.
+    int start = 0;
+    int visibleEnd = 0;
+    int end = 0;
 };
 
 // The advance in pixels of text[start, end), laid out as one line.

@@ -7,11 +7,11 @@
 
 namespace host {
 
-// One line of the platform log: 3 debug, 4 info, 5 warning, 6 error.
+// One line of the platform log.
 struct LogLine {
-    int priority = 0;
-    std::string tag;
-    std::string text;
+    int priority = 0;  // 3 debug, 4 info, 5 warning, 6 error
+    std::string tag;   // which part of the library wrote it
+    std::string text;  // without the line's end
 };
 
 // Keeps every log line written, by any thread, while it lives; the lines still go to standard error. Captures

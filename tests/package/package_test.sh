@@ -1,34 +1,97 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: Apache-2.0
-# Installs the library into an empty prefix and uses it as others would: find_package, pkg-config and add_subdirectory.
-#     package_test.sh SOURCE_DIR BUILD_DIR CXX
+# Installs the library into an empty prefix, moves the prefix, and uses it as others would: find_package, pkg-config, and
+# for the static library add_subdirectory. The picture is the same every way.
+#     package_test.sh SOURCE_DIR BUILD_DIR CXX static|shared
+# shared builds libzvex.so in BUILD_DIR/shared first.
 set -euo pipefail
-source=$1 build=$2 cxx=$3
+source=$1 build=$2 cxx=$3 kind=$4
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 font=/usr/share/fonts/truetype/dejavu/DejaVuSans-Bold.ttf
+fail() { echo "package: $*"; exit 1; }
+quietly() { "$@" >"$work/log" 2>&1 || { cat "$work/log"; fail "$1 failed"; }; }
+configure() { quietly cmake -G Ninja -DCMAKE_CXX_COMPILER="$cxx" "$@"; }
 
-cmake --install "$build" --prefix "$work/prefix" >/dev/null
+unshared=$build
+if [ "$kind" = shared ]; then
+    build=$build/shared
+    configure -S "$source" -B "$build" -DBUILD_SHARED_LIBS=ON -DCMAKE_BUILD_TYPE=Release -DZVEX_WERROR=ON \
+        -DZVEX_BUILD_BENCHMARKS=OFF
+    quietly cmake --build "$build"
+fi
+quietly cmake --install "$build" --prefix "$work/prefix"
+mv "$work/prefix" "$work/moved"
+prefix=$work/moved
+PKG_CONFIG_PATH=$(dirname "$(find "$prefix" -name zvex.pc)")
+export PKG_CONFIG_PATH
+"$prefix/bin/zvtext" render Hi --font "$font" --output "$work/hi.png"
 
 echo "find_package"
-cmake -S "$source/examples/cpp" -B "$work/example" -G Ninja -DCMAKE_CXX_COMPILER="$cxx" -DCMAKE_PREFIX_PATH="$work/prefix" >/dev/null
-cmake --build "$work/example"
+configure -S "$source/examples/cpp" -B "$work/example" -DCMAKE_PREFIX_PATH="$prefix"
+quietly cmake --build "$work/example"
 "$work/example/title" "$font" "Hello" "$work/title.pam"
 head -c 2 "$work/title.pam" | grep -q P7
-[ "$(tr -d '\0' <"$work/title.pam" | wc -c)" -gt 20000 ] || { echo "hardly any ink"; exit 1; }
+[ "$(tr -d '\0' <"$work/title.pam" | wc -c)" -gt 20000 ] || fail "hardly any ink"
+mkdir "$work/versions"
+cat >"$work/versions/CMakeLists.txt" <<'END'
+cmake_minimum_required(VERSION 3.22)
+project(Versions LANGUAGES CXX)
+find_package(Zvex 0.1 REQUIRED)
+find_package(Zvex 0.0.9 REQUIRED)
+foreach(version 0.99 1)
+  find_package(Zvex ${version} QUIET)
+  if(Zvex_FOUND)
+    message(FATAL_ERROR "taken for version ${version}")
+  endif()
+endforeach()
+END
+configure -S "$work/versions" -B "$work/versions/build" -DCMAKE_PREFIX_PATH="$prefix"
 
+if [ "$kind" = shared ]; then
+    [ "$(pkg-config --libs-only-l zvex | tr -d ' ')" = -lzvex ] || fail "with libzvex.so: $(pkg-config --libs zvex)"
+    ldd "$work/example/title" | grep -q "libzvex.so.* => $prefix/" || fail "another libzvex.so"
+    LD_LIBRARY_PATH=$(pkg-config --variable=libdir zvex)
+    export LD_LIBRARY_PATH
+fi
+
+# pkg-config gives -I: warnings in the headers are the user's then. The first file has all headers, whatever they
+# include; for the others each header stands alone.
 echo "pkg-config"
-pc=$(find "$work/prefix" -name zvex.pc)
-sed -i "s|^prefix=.*|prefix=$work/prefix|" "$pc"
-export PKG_CONFIG_PATH=$(dirname "$pc")
-# shellcheck disable=SC2046
-"$cxx" -std=c++17 "$source/examples/cpp/title.cpp" $(pkg-config --cflags --libs zvex) -o "$work/title"
-"$work/title" "$font" "Hello" "$work/again.pam"
-cmp "$work/title.pam" "$work/again.pam"
+read -ra flags <<<"$(pkg-config --cflags zvex)"
+read -ra libraries <<<"$(pkg-config --libs zvex)"
+mkdir "$work/headers"
+cd "$prefix/include/zvex"
+find . -name '*.h' | sort | sed 's|^\./\(platform/host/include/\)\?||' | while read -r header; do
+    printf '#include <%s>\n#include <%s>\n' "$header" "$header" >"$work/headers/$(echo "$header" | tr / _).cpp"
+done
+cat "$work"/headers/*.cpp >"$work/all.cpp"
+warnings=(-Wall -Wextra -Wpedantic -Werror)
+if [ "$kind" = static ]; then
+    for compiler in g++ clang++; do
+        command -v $compiler >/dev/null || { echo "no $compiler here"; continue; }
+        for standard in c++17 c++20; do
+            $compiler -std=$standard "${warnings[@]}" -fsyntax-only "${flags[@]}" "$work/all.cpp"
+            $compiler -std=$standard "${warnings[@]}" "$source/examples/cpp/title.cpp" "${flags[@]}" "${libraries[@]}" \
+                -o "$work/title"
+            "$work/title" "$font" "Hello" "$work/again.pam"
+            cmp "$work/title.pam" "$work/again.pam"
+        done
+    done
+    "$cxx" -std=c++17 "${warnings[@]}" -fsyntax-only "${flags[@]}" "$work"/headers/*.cpp
+else
+    "$cxx" -std=c++17 "${warnings[@]}" "$source/examples/cpp/title.cpp" "${flags[@]}" "${libraries[@]}" -o "$work/title"
+    "$work/title" "$font" "Hello" "$work/again.pam"
+    cmp "$work/title.pam" "$work/again.pam"
+    quietly cmake --install "$unshared" --prefix "$work/static"
+    "$work/static/bin/zvtext" render Hi --font "$font" --output "$work/static.png"
+    cmp "$work/hi.png" "$work/static.png"
+    exit 0
+fi
 
 echo "add_subdirectory"
 mkdir "$work/parent"
-cat >"$work/parent/CMakeLists.txt" <<EOF
+cat >"$work/parent/CMakeLists.txt" <<END
 cmake_minimum_required(VERSION 3.22)
 project(Parent LANGUAGES C CXX)
 add_subdirectory($source zvex)
@@ -37,12 +100,12 @@ if(TARGET zvtext OR TARGET bench_render OR TARGET ZvEffect)
 endif()
 add_executable(user user.cpp)
 target_link_libraries(user PRIVATE Zvex::zvex)
-EOF
-cat >"$work/parent/user.cpp" <<'EOF'
+END
+cat >"$work/parent/user.cpp" <<'END'
 #include "raster/ZvBitmap.h"
 #include "text/ZvTextObject.h"
 int main() { Zvex::ZvBitmap bitmap(2, 2, 4); return bitmap.format == 1 ? 0 : 1; }
-EOF
-cmake -S "$work/parent" -B "$work/parent/build" -G Ninja -DCMAKE_CXX_COMPILER="$cxx" -DCMAKE_BUILD_TYPE=Debug >/dev/null
-cmake --build "$work/parent/build" --target user
+END
+configure -S "$work/parent" -B "$work/parent/build" -DCMAKE_BUILD_TYPE=Debug
+quietly cmake --build "$work/parent/build" --target user
 "$work/parent/build/user"

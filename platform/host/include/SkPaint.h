@@ -14,6 +14,7 @@
 // which setFlags replaces as a whole.
 class SkPaint {
 public:
+    // The bits of the word.
     enum Flags {
         kAntiAlias_Flag = 0x01,           // coverage has 256 levels; without it, 0 and 255 only
         kFilterBitmap_Flag = 0x02,        // kept, without effect here
@@ -25,8 +26,11 @@ public:
         kSubpixelText_Flag = 0x80,        // glyphs lie on quarter pixels instead of whole ones
         kEmbeddedBitmapText_Flag = 0x400  // kept: strikes are used where a font has colour in them
     };
+    // Kept; positioned glyphs take no notice of it.
     enum Align { kLeft_Align = 0, kCenter_Align = 1, kRight_Align = 2 };
+    // Only fills are drawn; the other styles are kept and drawn as fills.
     enum Style { kFill_Style = 0, kStroke_Style = 1, kStrokeAndFill_Style = 2 };
+    // Kept; glyphs are drawn from glyph ids only.
     enum TextEncoding {
         kUTF8_TextEncoding = 0,
         kUTF16_TextEncoding = 1,
@@ -37,8 +41,8 @@ public:
     // Opaque black, no flags, fill, size 12, scale 1, skew 0, left, UTF-8, no typeface.
     SkPaint() = default;
 
+    // All 32 bits are kept.
     uint32_t getFlags() const { return mFlags; }
-    // Keeps all 32 bits.
     void setFlags(uint32_t flags) { mFlags = flags; }
     bool isAntiAlias() const { return isSet(kAntiAlias_Flag); }
     void setAntiAlias(bool on) { set(kAntiAlias_Flag, on); }
@@ -47,10 +51,11 @@ public:
     bool isLinearText() const { return isSet(kLinearText_Flag); }
     bool isSubpixelText() const { return isSet(kSubpixelText_Flag); }
 
-    // Only fills are drawn; the other styles are kept and drawn as fills.
+    // kFill_Style at the start.
     Style getStyle() const { return mStyle; }
     void setStyle(Style style) { mStyle = style; }
 
+    // Of what is drawn, straight.
     SkColor getColor() const { return mColor; }
     void setColor(SkColor color) { mColor = color; }
 
@@ -66,7 +71,7 @@ public:
     SkScalar getTextSkewX() const { return mTextSkewX; }
     void setTextSkewX(SkScalar skew) { mTextSkewX = skew; }
 
-    // Positioned glyphs take no notice of the alignment.
+    // Left and UTF-8 at the start.
     Align getTextAlign() const { return mAlign; }
     void setTextAlign(Align align) { mAlign = align; }
     TextEncoding getTextEncoding() const { return mEncoding; }

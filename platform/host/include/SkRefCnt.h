@@ -18,6 +18,7 @@ public:
 
     // Whether the caller, who holds a reference, is the only one that does.
     bool unique() const { return mReferences.load(std::memory_order_acquire) == 1; }
+    // Take and drop a reference.
     void ref() const { mReferences.fetch_add(1, std::memory_order_relaxed); }
     void unref() const {
         // Acquire and release: all that other owners did happens before the deletion.
@@ -38,6 +39,7 @@ public:
     explicit sk_sp(T* object) : mObject(object) {}
     sk_sp(const sk_sp& other) : mObject(refOf(other.get())) {}
     sk_sp(sk_sp&& other) noexcept : mObject(other.release()) {}
+    // From a pointer to something derived from T.
     template <typename U>
     sk_sp(const sk_sp<U>& other) : mObject(refOf(other.get())) {}
     template <typename U>
@@ -51,14 +53,17 @@ public:
         return *this;
     }
 
+    // The object; null, or false, without one.
     T* get() const { return mObject; }
     T& operator*() const { return *mObject; }
     T* operator->() const { return mObject; }
     explicit operator bool() const { return mObject != nullptr; }
 
+    // Takes the reference given over, and drops the one held.
     void reset(T* object = nullptr) { sk_sp(object).swap(*this); }
     // The pointer, whose reference is now the caller's; this one is empty afterwards.
     T* release() { return std::exchange(mObject, nullptr); }
+    // Exchanges what the two own.
     void swap(sk_sp& other) noexcept { std::swap(mObject, other.mObject); }
 
 private:

@@ -14,11 +14,12 @@ public:
     SkStreamAsset(const SkStreamAsset&) = delete;
     SkStreamAsset& operator=(const SkStreamAsset&) = delete;
 
-    virtual size_t getLength() const = 0;
+    virtual size_t getLength() const = 0;  // in bytes
     // All bytes in one piece, valid for as long as the stream lives; null when there are none.
     virtual const void* getMemoryBase() = 0;
 };
 
+// Bytes borrowed, or a copy of them.
 class SkMemoryStream : public SkStreamAsset {
 public:
     // Without copyData the bytes stay the caller's and must outlive the stream and every typeface made from

@@ -9,6 +9,7 @@
 extern "C" {
 #endif
 
+// The first argument of __android_log_print; the numbers are the platform's.
 typedef enum android_LogPriority {
     ANDROID_LOG_UNKNOWN = 0,
     ANDROID_LOG_DEFAULT,

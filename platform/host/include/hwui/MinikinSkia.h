@@ -26,8 +26,8 @@ public:
     size_t GetFontSize() const override { return mFontSize; }
     int GetFontIndex() const override { return mTtcIndex; }
 
+    // Null for a font that is not usable. The second takes a reference for the caller.
     SkTypeface* GetSkTypeface() const { return mTypeface.get(); }
-    // A reference of the caller's own.
     sk_sp<SkTypeface> RefSkTypeface() const { return mTypeface; }
 
     // What fake italic adds to the skew of a text.

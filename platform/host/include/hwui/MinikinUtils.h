@@ -16,6 +16,7 @@ class MeasuredText;
 
 namespace android {
 
+// Lays lines of text out, and walks the result font by font. No state.
 class MinikinUtils {
 public:
     // Lays [start, start + count) of the UTF-16 text `buf` of `bufSize` units out as one line; the rest of

@@ -30,6 +30,7 @@ public:
     void setMinikinLocaleListId(uint32_t localeListId) { mMinikinLocaleListId = localeListId; }
     uint32_t getMinikinLocaleListId() const { return mMinikinLocaleListId; }
 
+    // DEFAULT at the start.
     void setFamilyVariant(minikin::FontFamily::Variant variant) { mFamilyVariant = variant; }
     minikin::FontFamily::Variant getFamilyVariant() const { return mFamilyVariant; }
 

@@ -14,8 +14,8 @@ namespace android {
 // Families to search and the style wanted of them. Immutable after it is made; layouts made with it outlive
 // it.
 struct Typeface {
-    std::shared_ptr<minikin::FontCollection> fFontCollection;
-    minikin::FontStyle fStyle;
+    std::shared_ptr<minikin::FontCollection> fFontCollection;  // never null from createFromFamilies
+    minikin::FontStyle fStyle;                                 // the one wanted
 
     // The caller deletes the result, which is never null. `weight` is cut to 1..1000; italic unless `italic`
     // is 0. A negative one is taken from the first family's regular font (400 and upright without one). Null

@@ -25,6 +25,7 @@ public:
     FontCollection(const FontCollection&) = delete;
     FontCollection& operator=(const FontCollection&) = delete;
 
+    // Those that were not left out, in their order.
     const std::vector<std::shared_ptr<FontFamily>>& families() const { return mFamilies; }
 
 private:

@@ -18,10 +18,12 @@ namespace minikin {
 // A font with the style it stands for in its family. Move-only; immutable once built.
 class Font {
 public:
+    // Collects what is known of a font. The setters return the builder.
     class Builder {
     public:
         explicit Builder(const std::shared_ptr<MinikinFont>& typeface) : mTypeface(typeface) {}
 
+        // Both, or one: weight 1 to 1000.
         Builder& setStyle(FontStyle style);
         Builder& setWeight(uint16_t weight);
         Builder& setSlant(FontStyle::Slant slant);
@@ -43,6 +45,7 @@ public:
     Font(const Font&) = delete;
     Font& operator=(const Font&) = delete;
 
+    // What it was built from; the style set, or else read from the file.
     const std::shared_ptr<MinikinFont>& typeface() const { return mTypeface; }
     FontStyle style() const { return mStyle; }
 
@@ -60,7 +63,7 @@ private:
 // A font chosen for a style, and what it lacks of that style.
 struct FakedFont {
     const Font* font = nullptr;  // owned by its family
-    FontFakery fakery;
+    FontFakery fakery;           // what drawing has to add
 };
 
 // Fonts of one design in several weights and slants. Immutable; any number of threads may use one object.
@@ -78,6 +81,7 @@ public:
     FontFamily(const FontFamily&) = delete;
     FontFamily& operator=(const FontFamily&) = delete;
 
+    // As given; 0 and DEFAULT where they were not.
     uint32_t localeListId() const { return mLocaleListId; }
     Variant variant() const { return mVariant; }
 

@@ -9,11 +9,13 @@ namespace minikin {
 // What a font is, or what a text wants: a weight (400 normal, 700 bold, 1 to 1000) and a slant.
 class FontStyle {
 public:
+    // Italic stands for oblique as well.
     enum class Slant : bool { ITALIC = true, UPRIGHT = false };
 
     constexpr FontStyle() : FontStyle(400, Slant::UPRIGHT) {}
     constexpr FontStyle(uint16_t weight, Slant slant) : mWeight(weight), mSlant(slant) {}
 
+    // As given.
     constexpr uint16_t weight() const { return mWeight; }
     constexpr Slant slant() const { return mSlant; }
 

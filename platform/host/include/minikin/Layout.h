@@ -41,6 +41,7 @@ public:
     Layout(const Layout&) = delete;
     Layout& operator=(const Layout&) = delete;
 
+    // Blank glyphs count too.
     size_t nGlyphs() const { return mGlyphs.size(); }
 
     // Of glyph i, 0 <= i < nGlyphs(). A font is one object for all its glyphs in the layout.

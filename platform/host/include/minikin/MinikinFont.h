@@ -9,6 +9,7 @@ namespace minikin {
 
 // A rectangle in pixels, y growing downwards; all zero at the start. Empty when it has no width or no height.
 struct MinikinRect {
+    // The edges; right and bottom are exclusive.
     float mLeft = 0;
     float mTop = 0;
     float mRight = 0;
@@ -18,8 +19,8 @@ struct MinikinRect {
 // One axis of a variable font and the value wanted for it.
 struct FontVariation {
     FontVariation(uint32_t axisTag, float value) : axisTag(axisTag), value(value) {}
-    uint32_t axisTag;
-    float value;
+    uint32_t axisTag;  // four letters, the first in the highest byte
+    float value;       // in the axis's own units
 };
 
 // What a font lacks of the style that was asked for, and drawing has to make up.
@@ -28,6 +29,7 @@ public:
     FontFakery() = default;
     FontFakery(bool fakeBold, bool fakeItalic) : mFakeBold(fakeBold), mFakeItalic(fakeItalic) {}
 
+    // Widen the outlines; lean them.
     bool isFakeBold() const { return mFakeBold; }
     bool isFakeItalic() const { return mFakeItalic; }
 
