@@ -256,6 +256,35 @@ TEST_F(RenderCommand, EffectsStackInTheOrderGiven) {
               stroke + shadow + text);
 }
 
+TEST_F(RenderCommand, PresetsAreTheExampleStyles) {
+    const fs::path styles = fs::path(ZVTEXT_SOURCE) / "examples/styles";
+    std::stringstream list(run({"presets"}).out);
+    size_t count = 0;
+    for (std::string line; std::getline(list, line); ++count) {
+        const std::string name = line.substr(0, line.find(' '));
+        EXPECT_GT(line.size(), name.size() + 10) << "no description: " << line;
+        std::string printed[2];
+        for (const char* size : {"48", "300"}) {
+            const Result preset = run({"render", "--preset", name, "--size", size, "--print-style"});
+            EXPECT_EQ(preset.status, 0) << preset.err;
+            const std::string file = styles / (name + ".json");
+            EXPECT_EQ(preset.out, run({"render", "--style", file, "--size", size, "--print-style"}).out);
+            printed[*size == '3'] = preset.out.substr(preset.out.find("effects"));
+        }
+        EXPECT_NE(printed[0], printed[1]) << name << " stays the same at every size";
+    }
+    EXPECT_EQ(count, static_cast<size_t>(std::distance(fs::directory_iterator(styles), {})));
+    EXPECT_GE(count, 12u);
+    // In the order of the options: the stroke of sticker is replaced, and stays 40 pixels wide at any size.
+    const std::string mixed =
+        run({"render", "--preset", "sticker", "--stroke", "40", "--size", "192", "--print-style"}).out;
+    EXPECT_NE(mixed.find("\"width\": 40"), std::string::npos) << mixed;
+    const Result unknown = run({"render", "--preset", "list", "--print-style"});
+    EXPECT_EQ(unknown.status, 2);
+    EXPECT_EQ(unknown.err.find("zvtext: --preset: 'list' is not one of aurora, candy, chrome, "), 0u)
+        << unknown.err;
+}
+
 TEST_F(RenderCommand, AnOutputThatCannotBeWrittenFails) {
     EXPECT_EQ(run({"render", "x", "--font", kFont, "-o", ""}).err, "zvtext: --output: the path is empty\n");
     EXPECT_EQ(run({"render", "--print-key", "-o", "-"}).status, 2);

@@ -76,13 +76,47 @@ TEST_F(StyleFile, LeavesOutWhatItDoesNotSayAndFindsPatternsBesideItself) {
     EXPECT_EQ(std::get<PatternSettings>(style.effects.at(0)).file, mFolder / "dots.png");
 }
 
+TEST_F(StyleFile, TakesCommentsAndNotes) {
+    const Style style =
+        read("// a look\n{\"$schema\": \"s.json\", /* 40 */ \"size\": 41 // , \"size\": 42\n}");
+    EXPECT_EQ(style.size, 41);
+}
+
+// Twice the size: twice the pixels, whole ones, at least one where there was one, at most what an effect
+// takes.
+TEST_F(StyleFile, EffectsFitTheSizeTheyAreDesignedFor) {
+    const std::string effects =
+        R"(, "effects": [{"type": "stroke", "width": 3.4}, {"type": "bevel", "size": 60,
+        "soften": 9, "depth": 3}, {"type": "outer-shadow", "distance": 0.2, "size": 1, "angle": 30}]})";
+    const auto fitted = [&](const std::string& design, double size) {
+        Style style = read("{\"color\": \"#fff\"" + design + effects);
+        style.size = size;
+        fitEffects(style);
+        const auto& bevel = std::get<BevelSettings>(style.effects[1]);
+        const auto& shadow = std::get<OuterShadowSettings>(style.effects[2]);
+        return std::vector<double>{std::get<StrokeSettings>(style.effects[0]).width,
+                                   bevel.size,
+                                   bevel.soften,
+                                   bevel.depth,
+                                   shadow.distance,
+                                   shadow.size,
+                                   shadow.angle};
+    };
+    const std::string design = ", \"designed-for\": 100";
+    EXPECT_EQ(fitted("", 200), (std::vector<double>{3.4, 60, 9, 3, 0.2, 1, 30}));
+    EXPECT_EQ(fitted(design, 200), (std::vector<double>{7, 100, 16, 3, 0, 2, 30}));
+    EXPECT_EQ(fitted(design, 10), (std::vector<double>{1, 6, 1, 3, 0, 1, 30}));
+}
+
 TEST_F(StyleFile, RefusalsNameThePlaceAndWhatIsAccepted) {
     const std::string gradient = R"({"effects": [{"type": "stroke"}, {"type": "linear-gradient", "stops": )";
     const std::string stop = R"({"color": "#fff", "position": 50})";
     const std::string kinds =
         "outer-shadow, inner-shadow, outer-glow, inner-glow, linear-gradient, radial-gradient, stroke, "
         "pattern, bevel, emboss";
-    const std::string keys = "effects, size, color, background, letter-spacing, features, opacity";
+    const std::string keys =
+        "effects, size, color, background, letter-spacing, features, opacity, $schema, description, "
+        "designed-for";
     std::string manyStops = "[" + stop;
     for (size_t i = 1; i <= kMaxStops; ++i) manyStops += "," + stop;
     const std::string stopsWanted =

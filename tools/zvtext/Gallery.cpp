@@ -13,6 +13,7 @@
 #include "tools/zvtext/Output.h"
 #include "tools/zvtext/OutputFile.h"
 #include "tools/zvtext/PngWriter.h"
+#include "tools/zvtext/Presets.h"
 #include "tools/zvtext/RenderCommand.h"
 
 namespace zvtext {
@@ -77,8 +78,8 @@ void writeParts() {
     for (const GalleryPattern& pattern : galleryPatterns()) {
         writePng(pattern.draw(), std::string("patterns/") + pattern.name + ".png", "DIR");
     }
-    for (const GalleryStyle& style : galleryStyles()) {
-        writeFile(style.json, std::string("styles/") + style.name + ".json", "DIR");
+    for (const Preset& preset : presets()) {
+        writeFile(preset.json, std::string("styles/") + preset.name + ".json", "DIR");
     }
 }
 

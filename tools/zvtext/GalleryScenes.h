@@ -38,13 +38,6 @@ struct GalleryPattern {
 };
 const std::vector<GalleryPattern>& galleryPatterns();
 
-// The files of examples/styles, which the scenes name as styles/NAME.json.
-struct GalleryStyle {
-    const char* name;
-    const char* json;
-};
-const std::vector<GalleryStyle>& galleryStyles();
-
 }  // namespace zvtext
 
 #endif  // ZVEX_TOOLS_ZVTEXT_GALLERYSCENES_H_

@@ -56,9 +56,11 @@ void addViewOptions(CLI::App& command, RenderArguments& a) {
         ->type_name("PX");
     command.add_option("--height", a.height, "Height, padding included; else as high as the lines")
         ->type_name("PX");
-    command.add_option("--align", a.align, "left, center or right")->type_name("SIDE")->capture_default_str();
-    command.add_option("--gravity", a.gravity, "top, center or bottom, where --height leaves room")
-        ->type_name("SIDE")
+    command.add_option("--align", a.align, "Where lines stand between the sides")
+        ->type_name("left|center|right")
+        ->capture_default_str();
+    command.add_option("--gravity", a.gravity, "Where the lines stand, if --height leaves room")
+        ->type_name("top|center|bottom")
         ->capture_default_str();
     command
         .add_option("--max-lines", a.maxLines,
@@ -87,6 +89,9 @@ void addStyleOptions(CLI::App& command, RenderArguments& a) {
         ->default_str("1");
     addStyleOption(command, a, "style", "Take effects and any of the six options above from a JSON file")
         ->type_name("FILE");
+    addStyleOption(command, a, "preset",
+                   "The same from a style of the program's own; zvtext presets lists them")
+        ->type_name("PRESET");
     for (const EffectKind& kind : effectKinds()) {
         const bool stroke = std::holds_alternative<StrokeSettings>(kind.defaults);
         const bool pattern = std::holds_alternative<PatternSettings>(kind.defaults);
@@ -137,14 +142,20 @@ Style readStyleOptions(const RenderArguments& arguments) {
     Style style;
     for (const auto& [name, value] : arguments.style) {
         const EffectKind* kind = findEffectKind(name);
-        if (kind != nullptr) addOrReplace(style.effects, parseEffect("--" + name, *kind, value));
+        if (kind != nullptr) {
+            EffectSettings settings = parseEffect("--" + name, *kind, value);
+            style.designedFor.erase(settings.index());
+            addOrReplace(style.effects, std::move(settings));
+        }
         if (name == "style") readStyle("--style", value, style);
+        if (name == "preset") readPreset("--preset", value, style);
     }
     for (const auto& [name, value] : arguments.style) {
         for (const Field& field : fieldsOf(style)) {
             if (name == field.name) readValue("--" + name, field, value);
         }
     }
+    fitEffects(style);
     return style;
 }
 

@@ -23,7 +23,8 @@ struct RenderArguments {
     OutputOptions outputOptions;
     bool printStyle = false, printKey = false;
 
-    // --style, the settings of a style and the effects, without the dashes, in the order in which they stand.
+    // --style, --preset, the settings of a style and the effects, without the dashes, in the order in which
+    // they stand.
     std::vector<std::pair<std::string, std::string>> style;
 };
 

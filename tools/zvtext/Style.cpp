@@ -3,11 +3,13 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <filesystem>
 #include <nlohmann/json.hpp>
 #include <set>
 
 #include "tools/zvtext/Failure.h"
+#include "tools/zvtext/Presets.h"
 #include "tools/zvtext/TextInput.h"
 
 namespace zvtext {
@@ -18,6 +20,7 @@ namespace fs = std::filesystem;
 using Json = nlohmann::ordered_json;
 
 constexpr size_t kMaxStyleBytes = size_t{4} << 20;
+constexpr NumberRange kTextSize = {0, 10000, "px", true};
 constexpr size_t kMaxDepth = 16;  // a style needs four
 
 // Within a style, everything that is wrong is a UsageError whose message starts with the place; readStyle
@@ -88,9 +91,10 @@ private:
 Json parseJson(const std::string& text) {
     try {
         KeyWatch watch;
-        return Json::parse(text, [&](int depth, Json::parse_event_t event, Json& parsed) {
-            return watch(depth, event, parsed);
-        });
+        return Json::parse(
+            text,
+            [&](int depth, Json::parse_event_t event, Json& parsed) { return watch(depth, event, parsed); },
+            true, true);
     } catch (const Json::exception& error) {
         // "[json.exception.parse_error.101] parse error at line 3, column 5: ..."
         const std::string what = error.what();
@@ -125,10 +129,14 @@ class StyleReader {
 public:
     explicit StyleReader(fs::path folder) : mFolder(std::move(folder)) {}
 
-    void read(const Json& json, Style& style) const {
-        readObject("", fieldsOf(style), "effects", json);
+    StyleNotes read(const Json& json, Style& style) const {
+        StyleNotes notes;
+        Fields fields = fieldsOf(style);
+        const Fields more = fieldsOf(notes);
+        fields.insert(fields.end(), more.begin(), more.end());
+        readObject("", fields, "effects", json);
         const auto effects = json.find("effects");
-        if (effects == json.end()) return;
+        if (effects == json.end()) return notes;
         if (!effects->is_array()) refuse("effects", shown(*effects) + " is not an array of effects");
         std::vector<size_t> indices;  // of the kinds seen
         for (size_t i = 0; i < effects->size(); ++i) {
@@ -141,8 +149,10 @@ public:
                 }
             }
             indices.push_back(settings.index());
+            style.designedFor[settings.index()] = notes.designedFor;
             addOrReplace(style.effects, std::move(settings));
         }
+        return notes;
     }
 
 private:
@@ -270,6 +280,15 @@ struct WriteValue {
     }
 };
 
+StyleNotes readContent(const std::string& where, const std::string& text, const fs::path& folder,
+                       Style& style) {
+    try {
+        return StyleReader(folder).read(parseJson(text), style);
+    } catch (const UsageError& error) {
+        throw Failure(where + ": " + error.what());
+    }
+}
+
 // Leaves out what is empty: no background, no features, no stops.
 Json writeObject(const Fields& fields) {
     Json object = Json::object();
@@ -283,7 +302,7 @@ Json writeObject(const Fields& fields) {
 }  // namespace
 
 Fields fieldsOf(Style& style) {
-    return {{"size", NumberField{&style.size, {0, 10000, "px", true}}},
+    return {{"size", NumberField{&style.size, kTextSize}},
             {"color", ColorField{&style.color}},
             {"background", OptionalColorField{&style.background}},
             {"letter-spacing", NumberField{&style.letterSpacing, {-1, 10, "em"}}},
@@ -291,14 +310,53 @@ Fields fieldsOf(Style& style) {
             {"opacity", ShareField{&style.opacity}}};
 }
 
-void readStyle(const std::string& option, const std::string& path, Style& style) {
+Fields fieldsOf(StyleNotes& notes) {
+    return {{"$schema", TextField{&notes.schema}},
+            {"description", TextField{&notes.description}},
+            {"designed-for", NumberField{&notes.designedFor, kTextSize}}};
+}
+
+StyleNotes readStyle(const std::string& option, const std::string& path, Style& style) {
     const std::string text = readFile(option, path, kMaxStyleBytes);
-    try {
-        StyleReader(fs::path(path).parent_path()).read(parseJson(text), style);
-    } catch (const UsageError& error) {
-        throw Failure(option + ": " + (path == "-" ? "standard input" : "'" + path + "'") + ": " +
-                      error.what());
+    const std::string where = option + ": " + (path == "-" ? "standard input" : "'" + path + "'");
+    return readContent(where, text, fs::path(path).parent_path(), style);
+}
+
+StyleNotes readPreset(const std::string& option, const std::string& name, Style& style) {
+    std::string names;
+    for (const Preset& preset : presets()) {
+        if (name == preset.name) return readContent(option + ": '" + name + "'", preset.json, {}, style);
+        names += (names.empty() ? "" : ", ") + std::string(preset.name);
     }
+    throw UsageError(option + ": '" + name + "' is not one of " + names);
+}
+
+std::string presetList() {
+    size_t width = 0;
+    for (const Preset& preset : presets()) width = std::max(width, std::strlen(preset.name));
+    std::string list;
+    for (const Preset& preset : presets()) {
+        Style style;
+        std::string name = preset.name;
+        name.resize(width + 2, ' ');
+        list += name + readPreset("--preset", preset.name, style).description + "\n";
+    }
+    return list;
+}
+
+void fitEffects(Style& style) {
+    for (EffectSettings& settings : style.effects) {
+        const auto designed = style.designedFor.find(settings.index());
+        if (designed == style.designedFor.end() || designed->second == 0) continue;
+        const double factor = style.size / designed->second;
+        for (const Field& field : fieldsOf(settings)) {
+            const auto* number = std::get_if<NumberField>(&field.value);
+            if (number == nullptr || std::strcmp(number->range.unit, "px") != 0) continue;
+            const double least = *number->value >= 1 ? 1 : 0;
+            *number->value = std::clamp(std::round(*number->value * factor), least, number->range.high);
+        }
+    }
+    style.designedFor.clear();
 }
 
 std::string writeStyle(const Style& style) {

@@ -9,6 +9,7 @@
 #include "tools/zvtext/Failure.h"
 #include "tools/zvtext/Gallery.h"
 #include "tools/zvtext/InspectCommand.h"
+#include "tools/zvtext/Presets.h"
 #include "tools/zvtext/RenderCommand.h"
 
 namespace zvtext {
@@ -26,6 +27,12 @@ int complain(std::string message, int status) {
     return status;
 }
 
+void print(const std::string& text) {
+    if (std::fputs(text.c_str(), stdout) == EOF || std::fflush(stdout) != 0) {
+        throw Failure("cannot write to standard output");
+    }
+}
+
 int run(int argc, char** argv) {
     CLI::App app("Renders text with effects, byte for byte as on the phone.", "zvtext");
     app.set_version_flag("--version", ZVEX_VERSION);
@@ -40,6 +47,9 @@ int run(int argc, char** argv) {
     gallery->callback([&] { runGallery(galleryArguments); });
     InspectArguments inspectArguments;
     addInspectCommands(*app.add_subcommand("inspect", "Say what a font is"), inspectArguments);
+    CLI::App* presetsCommand = app.add_subcommand("presets", "List the styles that --preset takes");
+    presetsCommand->footer("Example:\n  zvtext presets");
+    presetsCommand->callback([] { print(presetList()); });
     try {
         app.parse(argc, argv);
         return 0;
