@@ -113,6 +113,10 @@ void addGalleryOptions(CLI::App& command, GalleryArguments& a) {
         ->type_name("GROUP")
         ->take_all()
         ->allow_extra_args(false);
+    command.footer(
+        "Examples:\n"
+        "  zvtext gallery out\n"
+        "  zvtext gallery out --only styles --only stroke --font-dir ~/.fonts");
 }
 
 void runGallery(const GalleryArguments& arguments) {

@@ -10,6 +10,7 @@ namespace zvtext {
 
 void addInspectCommands(CLI::App& inspect, InspectArguments& arguments) {
     inspect.require_subcommand(1);
+    inspect.footer("Example:\n  zvtext inspect font DejaVuSans-Bold.ttf");
     addInspectFont(inspect, arguments.font);
 }
 

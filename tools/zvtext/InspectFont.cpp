@@ -202,6 +202,10 @@ void addInspectFont(CLI::App& inspect, InspectFontArguments& a) {
     command->add_option("font", a.font, kFontHelp)->type_name("FONT")->required();
     command->add_option("--axes", a.axes, kAxesHelp)->type_name("AXIS=VALUE,...");
     command->add_flag("--json", a.json, "Print one JSON object");
+    command->footer(
+        "Examples:\n"
+        "  zvtext inspect font DejaVuSans-Bold.ttf\n"
+        "  zvtext inspect font Inter-roman.var.ttf --axes wght=650 --json");
     command->callback([&a] { runInspectFont(a); });
 }
 

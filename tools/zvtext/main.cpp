@@ -6,11 +6,13 @@
 #include <new>
 #include <string>
 
+#include "tools/zvtext/CommandTree.h"
 #include "tools/zvtext/Failure.h"
 #include "tools/zvtext/Gallery.h"
 #include "tools/zvtext/InspectCommand.h"
 #include "tools/zvtext/Presets.h"
 #include "tools/zvtext/RenderCommand.h"
+#include "tools/zvtext/StyleSchema.h"
 
 namespace zvtext {
 
@@ -33,6 +35,27 @@ void print(const std::string& text) {
     }
 }
 
+// What the program says of itself; `shell` receives the argument of completion and outlives the parsing.
+void addPrintingCommands(CLI::App& app, std::string& shell) {
+    CLI::App* list = app.add_subcommand("presets", "List the styles that --preset takes");
+    list->footer("Example:\n  zvtext presets");
+    list->callback([] { print(presetList()); });
+    CLI::App* schema = app.add_subcommand("schema", "Print the JSON Schema of style files");
+    schema->footer("Example:\n  zvtext schema > style.schema.json");
+    schema->callback([] { print(styleSchema()); });
+    CLI::App* completion = app.add_subcommand("completion", "Print the script that completes command lines");
+    completion->add_option("shell", shell, "The shell it is for")->type_name("bash|zsh|fish")->required();
+    completion->footer(
+        "Examples:\n"
+        "  source <(zvtext completion bash)\n"
+        "  zvtext completion zsh > ~/.zfunc/_zvtext\n"
+        "  zvtext completion fish > ~/.config/fish/completions/zvtext.fish");
+    completion->callback([&app, &shell] { print(completionScript(app, shell)); });
+    CLI::App* manual = app.add_subcommand("man", "Print the manual page");
+    manual->footer("Example:\n  zvtext man | man -l -");
+    manual->callback([&app] { print(manualPage(app, ZVEX_VERSION)); });
+}
+
 int run(int argc, char** argv) {
     CLI::App app("Renders text with effects, byte for byte as on the phone.", "zvtext");
     app.set_version_flag("--version", ZVEX_VERSION);
@@ -47,9 +70,13 @@ int run(int argc, char** argv) {
     gallery->callback([&] { runGallery(galleryArguments); });
     InspectArguments inspectArguments;
     addInspectCommands(*app.add_subcommand("inspect", "Say what a font is"), inspectArguments);
-    CLI::App* presetsCommand = app.add_subcommand("presets", "List the styles that --preset takes");
-    presetsCommand->footer("Example:\n  zvtext presets");
-    presetsCommand->callback([] { print(presetList()); });
+    std::string shell;
+    addPrintingCommands(app, shell);
+    app.footer(
+        "Examples:\n"
+        "  zvtext render 'Grüße' --font DejaVuSans-Bold.ttf --preset gold -o gold.png\n"
+        "  zvtext render --help\n"
+        "The exit status is 0, 1 where a file or the machine failed, or 2 where the command line was wrong.");
     try {
         app.parse(argc, argv);
         return 0;
