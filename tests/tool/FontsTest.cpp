@@ -58,9 +58,71 @@ TEST_F(Fonts, AFontOfACollection) {
     EXPECT_EQ(render("骨直", {"--font", kCjk + "#0"}), first);
     const std::string chinese = render("骨直", {"--font", kCjk + "#2"});
     EXPECT_NE(chinese, first) << "drawn as in China";
-    EXPECT_EQ(render("骨直", {"--font", kFont, "--fallback", kCjk + "#2"}).size() > 0, true);
     fs::create_symlink(kFont, file("named#2"));
     EXPECT_EQ(render("A", {"--font", file("named#2")}), render("A", {"--font", kFont})) << "the file wins";
+}
+
+TEST_F(Fonts, ByName) {
+    for (const char* name :
+         {"DejaVu Sans:bold", "dejavu sans:style=Bold", "No Such Family,DejaVu Sans:bold"}) {
+        EXPECT_EQ(inspect({"font", name})["file"], kFont) << name;
+    }
+    EXPECT_EQ(render("Name", {"--font", "DejaVu Sans:bold"}), render("Name", {"--font", kFont}));
+    const Json chinese = inspect({"font", "Noto Sans CJK SC"});
+    EXPECT_EQ(chinese["file"], kCjk);
+    EXPECT_EQ(chinese["index"], 2);
+    const Json bold = inspect({"font", "Inter:bold"});  // a named instance of a variable font
+    EXPECT_EQ(bold["weight"], 700);
+    EXPECT_EQ(bold["style"], "Bold");
+    EXPECT_NE(inspect({"font", "sans-serif"})["family"], "") << "any font serves a generic name";
+
+    expectRefused({"font", "No Such Family"}, 1,
+                  "FONT: 'No Such Family' is no file, and no font has that name; fontconfig would take '");
+    expectRefused({"font", "DejaVu-Bold"}, 1, "FONT: 'DejaVu-Bold' is no file, and no font has that name");
+    for (const char* name : {"Noto Sans:weight=0", "Noto Sans Arabic:italic", "DejaVu Sans:style=Fat"}) {
+        expectRefused({"font", name}, 1, std::string("FONT: '") + name + "' is a style that the font lacks");
+    }
+    expectRefused({"font", "DejaVu Sans:blod"}, 2, "FONT: 'blod' in 'DejaVu Sans:blod' is no style");
+    expectRefused({"font", std::string(100000, ':')}, 2, "FONT: '");
+    expectRefused({"font", "\xFF\xFE"}, 2, "FONT: '");
+    setenv("FONTCONFIG_FILE", write("empty.conf", "<fontconfig/>").c_str(), 1);
+    expectRefused({"font", "DejaVu Sans"}, 1,
+                  "FONT: 'DejaVu Sans' is no file, and fontconfig knows no font at all");
+    unsetenv("FONTCONFIG_FILE");
+}
+
+TEST_F(Fonts, TheSystemsFontsServeWhatTheGivenOnesLack) {
+    const std::string text = "Aé世界 สวัสดี e\u0301";
+    const std::string served = render(text, {"--font", kFont});
+    const Result quiet = run({"render", text, "--font", kFont, "-o", file("x.png")});
+    EXPECT_EQ(quiet.err, "");
+    for (const char* language : {"ja_JP.UTF-8", "ko_KR.UTF-8"}) {
+        setenv("LANG", language, 1);
+        EXPECT_EQ(render(text, {"--font", kFont}), served) << "whatever the user's language is";
+    }
+    unsetenv("LANG");
+    EXPECT_NE(render("骨", {"--font", kFont}), render("骨 か", {"--font", kFont}));
+    const Image chinese = (render("骨", {"--font", kFont}), readPng(file("out.png")));
+    render("骨", {"--font", kFont, "--fallback", "Noto Sans CJK SC:bold"});
+    EXPECT_EQ(readPng(file("out.png")).rgba, chinese.rgba) << "the bold Chinese font beside a bold one";
+
+    const auto warningOf = [&](std::vector<std::string> more) {
+        more.insert(more.begin(), {"render", "世 界世 \uFDD0", "--font", kFont, "-o", file("x.png")});
+        const Result result = run(more);
+        EXPECT_EQ(result.status, 0);
+        EXPECT_GT(readPng(file("x.png")).ink(), 0u);
+        return result.err;
+    };
+    EXPECT_EQ(warningOf({}), "zvtext: warning: no font has U+FDD0; add one with --fallback\n");
+    EXPECT_EQ(warningOf({"--no-fallback"}),
+              "zvtext: warning: no font has U+4E16, U+754C, U+FDD0; add one with --fallback, or leave "
+              "--no-fallback out\n");
+    EXPECT_EQ(warningOf({"--no-fallback", "--fallback", kCjk}),
+              "zvtext: warning: no font has U+FDD0; add one with --fallback, or leave --no-fallback out\n");
+    setenv("FONTCONFIG_FILE", write("empty.conf", "<fontconfig/>").c_str(), 1);
+    EXPECT_EQ(warningOf({}),
+              "zvtext: warning: no font has U+4E16, U+754C, U+FDD0; add one with --fallback\n");
+    unsetenv("FONTCONFIG_FILE");
 }
 
 TEST_F(Fonts, InspectionSaysWhatAFontIs) {

@@ -135,7 +135,7 @@ TEST_F(RenderCommand, SpacingFeaturesOpacityAndBackgroundReachThePicture) {
 }
 
 TEST_F(RenderCommand, FallbackFontsServeWhatTheFirstFontLacks) {
-    const Image missing = render("世界");
+    const Image missing = render("世界", {"--no-fallback"});
     const Image found = render("世界", {"--fallback", kCjkFont});
     EXPECT_NE(missing.rgba, found.rgba);
     // One file for each --fallback, so that the text may follow it.

@@ -2,18 +2,31 @@
 #ifndef ZVEX_TOOLS_ZVTEXT_FONTCHOICE_H_
 #define ZVEX_TOOLS_ZVTEXT_FONTCHOICE_H_
 
+#include <cstdint>
 #include <string>
+#include <vector>
 
 #include "tools/zvtext/FontFile.h"
 
 namespace zvtext {
 
-constexpr char kFontHelp[] = "A font file, FILE#2 for the third font of a collection";
+constexpr char kFontHelp[] =
+    "A font: a file, FILE#2 for the third font of a collection, or a name such as 'Noto Serif:bold'";
 constexpr char kAxesHelp[] = "Where the axes of a variable font stand, such as wght=650,opsz=20";
 
-// The font that `text` names: a file; FILE#N, the font N (from 0) of a collection. A file whose name ends in
-// #N wins over its font. Throws one line that starts with the option.
+// The font that `text` names: a file; FILE#N, the font N (from 0) of a collection; else a pattern of
+// fontconfig. A file whose name ends in #N wins over its font, and what has a slash or ends as font files do
+// is always a file. fontconfig answers any name with some font: one of another family, or without the weight,
+// slant, width or style asked for, is a Failure that says which font it would have been. Generic names
+// (sans-serif, monospace, ...) and patterns without a family take what is answered. Every message starts with
+// `option`.
 FontChoice chooseFont(const std::string& option, const std::string& text);
+
+// The system's fonts that have all the characters, best first, at most eight: in fontconfig's order for a
+// text in `language` (never the user's own, so that a text looks the same for everybody) beside a font like
+// this one. Empty without fontconfig's configuration.
+std::vector<FontChoice> systemFontsFor(const std::vector<uint32_t>& characters, const std::string& language,
+                                       const FontFacts& like);
 
 }  // namespace zvtext
 

@@ -21,6 +21,7 @@ namespace zvtext {
 namespace {
 
 constexpr size_t kMaxFontBytes = size_t{1} << 30;
+constexpr unsigned kMaxInstances = 1000;
 constexpr unsigned kMaxAxes = 64;  // that a font may have; real ones have about ten
 
 struct HbDeleter {
@@ -123,6 +124,23 @@ std::string rebuilt(hb_face_t* face, const std::vector<AxisValue>& axes) {
     return std::string(bytes != nullptr ? bytes : "", length);
 }
 
+// The name of the named instance at the place where the font's axes stand; empty for none.
+std::string instanceName(hb_face_t* face, hb_font_t* font) {
+    unsigned count = 0;
+    const float* here = hb_font_get_var_coords_design(font, &count);
+    if (here == nullptr || count == 0 || count > kMaxAxes) return "";
+    const unsigned instances = std::min(hb_ot_var_get_named_instance_count(face), kMaxInstances);
+    for (unsigned i = 0; i < instances; ++i) {
+        float there[kMaxAxes];
+        unsigned length = count;
+        hb_ot_var_named_instance_get_design_coords(face, i, &length, there);
+        if (length == count && std::equal(there, there + count, here)) {
+            return fontString(face, hb_ot_var_named_instance_get_subfamily_name_id(face, i));
+        }
+    }
+    return "";
+}
+
 FontFacts factsOf(const host::FontFace& face) {
     const HbOwner<hb_font_t> font(hb_font_create(face.hbFace()));
     face.setAxes(font.get());
@@ -141,6 +159,8 @@ FontFacts factsOf(const host::FontFace& face) {
     };
     facts.family = either(HB_OT_NAME_ID_TYPOGRAPHIC_FAMILY, HB_OT_NAME_ID_FONT_FAMILY);
     facts.style = either(HB_OT_NAME_ID_TYPOGRAPHIC_SUBFAMILY, HB_OT_NAME_ID_FONT_SUBFAMILY);
+    const std::string instance = instanceName(face.hbFace(), font.get());
+    if (!instance.empty()) facts.style = instance;
     return facts;
 }
 

@@ -154,12 +154,12 @@ std::string number(const Json& value) {
 
 std::string report(const Json& font) {
     const auto text = [&](const char* key) { return font[key].get<std::string>(); };
-    std::string out = line("font", text("fullName"));
+    std::string out = line("font", text("family") + " " + text("style"));
     out += line("file", text("file"));
     const int fonts = font["fontsInFile"].get<int>();
     if (fonts > 1)
         out += line("index", "#" + number(font["index"]) + " of #0 to #" + std::to_string(fonts - 1));
-    out += line("family", text("family")) + line("style", text("style")) + line("version", text("version"));
+    out += line("name", text("fullName")) + line("version", text("version"));
     out += line("weight", number(font["weight"])) + line("width", number(font["width"]) + " %");
     out += line("slant", number(font["slant"]) + " deg" + (font["italic"].get<bool>() ? ", italic" : ""));
     out += line("glyphs", number(font["glyphs"]) + " for " + number(font["characters"]) + " characters");

@@ -47,6 +47,8 @@ void addTextOptions(CLI::App& command, RenderArguments& a) {
         ->type_name("FONT")
         ->take_all()
         ->allow_extra_args(false);  // the text may follow
+    command.add_flag("--no-fallback", a.noFallback,
+                     "Draw what --font and --fallback lack as missing; else the system's fonts serve it");
 }
 
 void addViewOptions(CLI::App& command, RenderArguments& a) {
@@ -160,11 +162,12 @@ Style readStyleOptions(const RenderArguments& arguments) {
 }
 
 Scene readScene(const RenderArguments& arguments) {
-    if (arguments.font.empty()) throw UsageError("--font: is required, the path of a font file");
+    if (arguments.font.empty()) throw UsageError("--font: is required, a font file or a name");
     Scene scene;
     scene.font = arguments.font;
     scene.axes = arguments.axes;
     scene.fallbacks = arguments.fallbacks;
+    scene.systemFallback = !arguments.noFallback;
     scene.style = readStyleOptions(arguments);
     if (!arguments.width.empty()) scene.width = parseInteger("--width", arguments.width, 1, kMaxSide);
     if (!arguments.height.empty()) scene.height = parseInteger("--height", arguments.height, 1, kMaxSide);

@@ -18,6 +18,7 @@ struct RenderArguments {
     std::string text, textFile;
     std::string font, axes;
     std::vector<std::string> fallbacks;
+    bool noFallback = false;
     std::string width, height, align = "left", gravity = "top", maxLines, padding = "0";
     std::optional<std::string> output;
     OutputOptions outputOptions;

@@ -23,8 +23,7 @@
 #include "text/ZvTextObject.h"
 #include "text/ZvView.h"
 #include "tools/zvtext/Failure.h"
-#include "tools/zvtext/FontChoice.h"
-#include "tools/zvtext/FontFile.h"
+#include "tools/zvtext/SceneFonts.h"
 
 namespace zvtext {
 
@@ -64,30 +63,6 @@ void warnAboutFarCharacters(const std::string& text) {
             return;
         }
     }
-}
-
-// The fallback fonts as system families: one family of one font each, already loaded, asked in the order
-// given.
-// Their own weights keep a bold fallback behind a bold font from being widened once more.
-void setFallbacks(const std::vector<std::shared_ptr<const LoadedFont>>& fonts) {
-    FontManager* manager = FontManager::GetInstance();
-    manager->ClearFontFamilies();
-    auto* families = new List;
-    families->Construct();
-    for (const auto& font : fonts) {
-        auto* entry = new Zvex::ZvFontEntry;
-        entry->path = new ZvString;
-        entry->path->Construct(font->key.c_str());
-        entry->weight = font->facts.weight;
-        entry->italic = font->facts.italic;
-        auto* family = new Zvex::ZvFontFamily;
-        family->fonts = new List;
-        family->fonts->Construct();
-        family->fonts->Add(entry);
-        family->loaded = 1;  // loadFont handed the font over
-        families->Add(family);
-    }
-    manager->SetSystemFontFamilies(families);
 }
 
 // Lays lines out the way the text object will draw them: same paint, same families, same UTF-16 text.
@@ -253,20 +228,17 @@ void setLines(ZvTextObject& object, const std::vector<ZvLineInfo>& placed) {
 }  // namespace
 
 Rendering renderScene(const Scene& scene) {
-    const auto font = loadFont("--font", chooseFont("--font", scene.font), "--axes", scene.axes);
-    std::vector<std::shared_ptr<const LoadedFont>> fallbacks;
-    for (const std::string& name : scene.fallbacks) {
-        fallbacks.push_back(loadFont("--fallback", chooseFont("--fallback", name)));
-    }
     warnAboutFarCharacters(scene.text);
-    setFallbacks(fallbacks);
+    const SceneFonts fonts = takeFonts(scene);
+    warnAboutMissing(fonts, scene.systemFallback);
 
     ZvTextObject object;
     ZvString text;
     if (!object.Construct() || text.Construct(scene.text.c_str()) == 0 || !object.SetText(&text)) {
         throw Failure("TEXT: the text could not be taken over");
     }
-    if (!object.SetFont(font->key.c_str())) throw Failure("--font: '" + scene.font + "' could not be loaded");
+    if (!object.SetFont(fonts.first().key.c_str()))
+        throw Failure("--font: '" + scene.font + "' could not be loaded");
 
     android::Paint paint;
     paint.setFlags(kAntiAlias);
@@ -284,7 +256,7 @@ Rendering renderScene(const Scene& scene) {
     const int wrapWidth = scene.width > 0 ? scene.width - pad.left - pad.right : 0;
     if (scene.width > 0 && wrapWidth < 1) throw UsageError("--width: the padding leaves no room for text");
     const LineShaper shaper(object, paint);
-    LaidOutText laidOut = layOutLines(scene, shaper, font->facts, static_cast<float>(wrapWidth));
+    LaidOutText laidOut = layOutLines(scene, shaper, fonts.first().facts, static_cast<float>(wrapWidth));
     std::vector<Zvex::LaidOutLine>& lines = laidOut.lines;
     const size_t shown = scene.maxLines > 0
                              ? std::min<size_t>(lines.size(), static_cast<size_t>(scene.maxLines))
