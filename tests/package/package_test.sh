@@ -50,7 +50,8 @@ configure -S "$work/versions" -B "$work/versions/build" -DCMAKE_PREFIX_PATH="$pr
 
 if [ "$kind" = shared ]; then
     [ "$(pkg-config --libs-only-l zvex | tr -d ' ')" = -lzvex ] || fail "with libzvex.so: $(pkg-config --libs zvex)"
-    ldd "$work/example/title" | grep -q "libzvex.so.* => $prefix/" || fail "another libzvex.so"
+    loaded=$(ldd "$work/example/title")
+    [[ $loaded == *"libzvex.so"*" => $prefix/"* ]] || fail "another libzvex.so: $loaded"
     LD_LIBRARY_PATH=$(pkg-config --variable=libdir zvex)
     export LD_LIBRARY_PATH
 fi
