@@ -53,6 +53,7 @@ TEST_F(Pages, BashCompletes) {
         {"completion ''", "bash|zsh|fish|"},
         {"inspect fo", "font|"},
         {"inspect font --js", "--json|"},
+        {"inspect style sli", "slime|"},
     };
     for (const auto& [words, expected] : cases) EXPECT_EQ(completed(words), expected) << words;
 }
@@ -90,7 +91,7 @@ TEST_F(Pages, HelpHasExamplesAndTheManualPageHasAll) {
     }
     for (const char c : manual) EXPECT_TRUE(c == '\n' || (c >= ' ' && c <= '~'));
     for (size_t at = 0; (at = manual.find("\\-", at)) != std::string::npos;) manual.erase(at, 1);
-    std::stringstream commands(completed("''") + "inspect font");
+    std::stringstream commands(completed("''") + "inspect font|inspect style");
     size_t count = 0;
     for (std::string command; std::getline(commands, command, '|'); ++count) {
         if (command.empty()) continue;

@@ -12,6 +12,7 @@ void addInspectCommands(CLI::App& inspect, InspectArguments& arguments) {
     inspect.require_subcommand(1);
     inspect.footer("Example:\n  zvtext inspect font DejaVuSans-Bold.ttf");
     addInspectFont(inspect, arguments.font);
+    addInspectStyle(inspect, arguments.style);
 }
 
 void printReport(const std::string& text) {

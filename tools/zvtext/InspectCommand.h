@@ -12,9 +12,15 @@ struct InspectFontArguments {
     bool json = false;
 };
 
+struct InspectStyleArguments {
+    std::string style, size, width = "1920", height = "1080";
+    bool json = false;
+};
+
 // The values of the options of every kind of inspection; they outlive the commands made of them.
 struct InspectArguments {
     InspectFontArguments font;
+    InspectStyleArguments style;
 };
 
 // Declares `inspect` with a command of its own for each kind; each runs when the command line is parsed and
@@ -23,6 +29,7 @@ void addInspectCommands(CLI::App& inspect, InspectArguments& arguments);
 
 // One for each kind, in a file of its own. Throw UsageError or Failure.
 void addInspectFont(CLI::App& inspect, InspectFontArguments& arguments);
+void addInspectStyle(CLI::App& inspect, InspectStyleArguments& arguments);
 
 // Prints `text` with every control character but line ends as '?': names in files may hold anything.
 void printReport(const std::string& text);

@@ -69,7 +69,7 @@ int run(int argc, char** argv) {
     addGalleryOptions(*gallery, galleryArguments);
     gallery->callback([&] { runGallery(galleryArguments); });
     InspectArguments inspectArguments;
-    addInspectCommands(*app.add_subcommand("inspect", "Say what a font is"), inspectArguments);
+    addInspectCommands(*app.add_subcommand("inspect", "Say what a font or a style is"), inspectArguments);
     std::string shell;
     addPrintingCommands(app, shell);
     app.footer(
