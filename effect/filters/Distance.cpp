@@ -102,29 +102,35 @@ int transformEnd(float* line, const int16_t* steps, int width, int height, int e
 // Rows are looked at in blocks of so many pixels.
 constexpr int BLOCK = 64;
 
-// A pixel between 0 and 1 that others may be near to, and its leads over the four neighbours: by how much
-// these are below it, in parts of LEADS, cut off; -LEADS where they bring nothing.
+// By how much the four neighbours of a pixel offer more than it, in parts of LEADS, cut off; -LEADS where
+// they bring nothing.
 //
-// A neighbour hides it from every pixel that is nearer to the neighbour or not further away from it than the
-// lead makes up for. What is still seen of most seeds, on the slopes of smoothed edges, is a narrow sector.
-struct Seed {
-    int x;
-    float value;
+// A neighbour hides the pixel from every other that is nearer to the neighbour or not further away from it
+// than the lead makes up for. What is still seen of most pixels, on slopes, is a narrow sector.
+struct Leads {
     int8_t left, right, above, below;
 };
-constexpr int LEADS = 16, LEAD_INDICES = 2 * LEADS;
+constexpr int LEADS = 64, LEAD_INDICES = 2 * LEADS;
+
+// A pixel between 0 and 1 that others may be near to.
+struct Seed {
+    static constexpr bool PARTED = false;  // whether what is hidden in the middle is worth passing over
+    int x;
+    float value;
+    Leads leads;
+};
 
 // What is seen of a seed in a row some rows away, by its leads.
 struct Sight {
-    int last[LEAD_INDICES];  // the greatest dx past a neighbour on that side: at most the reach, maybe below
-                             // 0
-    int far[LEAD_INDICES];   // the greatest |dx| past the neighbour on the other side of the seed; -1 is none
-    int near[LEAD_INDICES];  // the greatest |dx| that is hidden by the neighbour on the way, of a lead below
-                             // 0
+    int16_t last[LEAD_INDICES];  // the greatest dx past a neighbour on that side: at most the reach, maybe
+                                 // below 0
+    int16_t far[LEAD_INDICES];   // the greatest |dx| past the neighbour on the other side; -1 is none
+    int16_t near[LEAD_INDICES];  // the greatest |dx| that is hidden by the neighbour on the way
 };
 
-// For how many rows anything is seen of a seed between two of its neighbours, at most.
-using Extents = int16_t[LEAD_INDICES][LEAD_INDICES];
+// For how many rows anything is seen of a seed between two of its neighbours, at most, by coarser leads.
+constexpr int EXTENT_STEP = 4, EXTENT_INDICES = LEAD_INDICES / EXTENT_STEP;
+using Extents = int16_t[EXTENT_INDICES][EXTENT_INDICES];
 
 // What a window's seeds bring: the distances, and what is seen of a seed. Rows 0 to the reach.
 struct SeedWindow {
@@ -133,6 +139,25 @@ struct SeedWindow {
     const Sight* sights;
     // One of the sides, and the other or the one above or below; those above and below.
     Extents sides, sideAndFar, nearAndSide, nearAndFar;
+};
+
+// A row's pixels above 1, in pieces of PIECE that go together.
+constexpr int PIECE = 16;
+struct HighRow {
+    const float *above, *high, *below;  // the others less than all numbers; with the rows next to it
+    // Of each piece, the rows to the next one of pixels below 0: downwards, of every row from firstRow to
+    // the last one searched; and the least, either way, of all pieces within the reach to the left and
+    // the right.
+    const int16_t* gaps;
+    const int16_t *up, *down;
+    int firstRow, pieces;
+};
+struct Piece {
+    static constexpr bool PARTED = true;
+    int x;
+    const float* high;
+    const int16_t* gaps;
+    int firstRow, pieces;
 };
 
 // Rows of what pixels are offered, in a ring: row y is number y % count.
@@ -190,10 +215,12 @@ public:
     void describe(SeedWindow& window, int reach) const {
         window.sights = rows_.get();
         const auto measure = [&](Extents& extents, const auto& isSeen) {
-            for (int i = 0; i < LEAD_INDICES; ++i) {
-                for (int j = 0; j < LEAD_INDICES; ++j) {
-                    int dy = reach;
-                    while (dy > 0 && !isSeen(rows_[static_cast<size_t>(dy)], i, j)) --dy;
+            // The more of a lead, the less is seen.
+            for (int i = 0; i < EXTENT_INDICES; ++i) {
+                for (int j = 0, dy = reach; j < EXTENT_INDICES; ++j) {
+                    while (dy > 0 &&
+                           !isSeen(rows_[static_cast<size_t>(dy)], i * EXTENT_STEP, j * EXTENT_STEP))
+                        --dy;
                     extents[i][j] = static_cast<int16_t>(dy);
                 }
             }
@@ -215,23 +242,22 @@ private:
         int end = reach;
         while (end >= 0 && !(here[end] < limit)) --end;
         Sight& sight = rows_[static_cast<size_t>(dy)];
-        int hidden = 0, far = end, seen = 0, near = reach;
+        int hidden = 0, far = end, seen = 0, covered = -1;
         for (int i = 0; i < LEAD_INDICES; ++i) {
             const float lead = static_cast<float>(i - LEADS) / LEADS, cost = lead - rounding;
             // Beyond a neighbour that is lower all is hidden. Before it, as far as the step to it costs less
             // than its lead; it may lie outside the window of a pixel at the window's edge.
             while (lead > 0 && hidden < reach && here[hidden + 1] - here[hidden] <= cost) ++hidden;
             while (lead > 0 && far >= 0 && further != nullptr && further[far] - here[far] <= cost) --far;
-            sight.far[i] = far;
+            sight.far[i] = static_cast<int16_t>(far);
             // Beyond one that is higher, as far as the step to it gains more.
             if (i == 0) seen = reach;
             while (lead < 0 && seen > 0 && here[seen] - here[seen - 1] >= -cost) --seen;
-            sight.last[i] = std::min(lead < 0 ? seen : -hidden, end);
-            int covered = -1;
-            while (lead < 0 && before != nullptr && covered < near &&
+            sight.last[i] = static_cast<int16_t>(std::min(lead < 0 ? seen : -hidden, end));
+            while (lead < 0 && before != nullptr && covered < reach &&
                    here[covered + 1] - before[covered + 1] >= -cost)
                 ++covered;
-            sight.near[i] = covered;
+            sight.near[i] = static_cast<int16_t>(lead < 0 ? covered : reach);
         }
     }
 
@@ -403,10 +429,10 @@ private:
             Seed seed;
             seed.x = x;
             seed.value = valueAt(plane, at);
-            seed.left = lead(seed.value, x > 0 ? valueAt(plane, at - 1) : INFINITE);
-            seed.right = lead(seed.value, x < width - 1 ? valueAt(plane, at + 1) : INFINITE);
-            seed.above = lead(seed.value, y > 0 ? valueAt(plane, at - width) : INFINITE);
-            seed.below = lead(seed.value, y < height - 1 ? valueAt(plane, at + width) : INFINITE);
+            seed.leads.left = lead(seed.value, x > 0 ? valueAt(plane, at - 1) : INFINITE);
+            seed.leads.right = lead(seed.value, x < width - 1 ? valueAt(plane, at + 1) : INFINITE);
+            seed.leads.above = lead(seed.value, y > 0 ? valueAt(plane, at - width) : INFINITE);
+            seed.leads.below = lead(seed.value, y < height - 1 ? valueAt(plane, at + width) : INFINITE);
             *next++ = seed;
         });
     }
@@ -529,6 +555,147 @@ bool searchNearestRows(const DistanceSearch& s, Keep keep) {
     return true;
 }
 
+// Windows up to this reach are looked through whole.
+constexpr int LAST_WHOLE_REACH = 8;
+
+// What each pixel's window offers it, row by row, for the inward search: the smallest of the distances to
+// pixels above 1, less their values. These pixels are seeds of the negative value, then, and hide each other
+// just so: p from q if a neighbour n of p, within q's window and above 1, too, has
+//
+//     values[n] - values[p] > |q - n| - |q - p|
+//
+// for it offers more. What is hidden by a hidden neighbour is so by the one that hides that: the offers rise,
+// so there is an end to it. The leads are rounded down and the roots compared with a margin, so that no
+// offer's rounding counts; on a slope nearly all but the ray across the edge is hidden, and there all are
+// looked at, as their roundings decide.
+//
+// Pixels go in pieces with the least of their leads: they hide what each of them hides, then, or less. More
+// than what is seen may be looked at: all are pixels of the window.
+class HighestRows {
+public:
+    // For the rows begin..end - 1. The roots have to outlive it. False when memory is short.
+    bool make(const DistanceSearch& s, const RootRows& roots, int begin, int end) {
+        search_ = s;
+        roots_ = &roots;
+        const int reachY = roots.reachY();
+        y_ = begin - 1;
+        first_ = next_ = std::max(0, begin - reachY);
+        prepared_ = begin;
+        last_ = end <= s.height - reachY ? end - 1 + reachY : s.height - 1;
+        far_ = static_cast<int16_t>(reachY + 1);
+        if (!sights_.make(roots, INFINITE) || !makeGaps(begin, end) || !makeHigh()) return false;
+        window_.roots = roots.row(0);
+        window_.span = roots.span();
+        sights_.describe(window_, reachY);
+        return makeLines(begin, end);
+    }
+
+    // Goes to the next row, the first one to begin with. False, and no further, if a value is infinite.
+    bool next() {
+        ++y_;
+        const int64_t until = std::min<int64_t>(int64_t{y_} + roots_->reachY(), last_);
+        for (; next_ <= until; ++next_) {
+            for (; prepared_ < rows_.end && prepared_ - next_ <= roots_->reachY(); ++prepared_)
+                std::fill_n(line(prepared_), search_.width, INFINITE);
+            if (!spreadRow(next_)) return false;
+        }
+        return true;
+    }
+    // Of that row.
+    const float* offers() const { return line(y_); }
+
+private:
+    // Over the rows before those to search, too, to look down from.
+    bool makeGaps(int begin, int end) {
+        const int width = search_.width;
+        pieces_ = (width - 1) / PIECE + 1;
+        reach_ = (roots_->reachX() - 1) / PIECE + 1;
+        const int64_t padded = pieces_ + 2 * int64_t{reach_};
+        if (!gaps_.allocate(int64_t{end} - first_, pieces_) || !none_.allocate(pieces_) ||
+            !up_.allocate(padded) || !down_.allocate(padded) || !least_.allocate(2, pieces_)) {
+            return false;
+        }
+        std::fill_n(none_.get(), pieces_, far_);
+        std::fill_n(up_.get(), padded, far_);
+        std::fill_n(down_.get(), padded, far_);
+        const int16_t* below = none_.get();
+        for (int y = end - 1; y >= first_; --y) {
+            int16_t* row = gaps_.get() + ptrdiff_t{y - first_} * pieces_;
+            if (y >= begin) {
+                ZVEX_ON_TARGET(findGaps(row, below, search_.plane + ptrdiff_t{y} * width, width, far_));
+            } else {
+                for (int i = 0; i < pieces_; ++i)
+                    row[i] = std::min<int16_t>(static_cast<int16_t>(below[i] + 1), far_);
+            }
+            below = row;
+        }
+        return true;
+    }
+
+    bool makeHigh() {
+        const int64_t padding = 2 * int64_t{roots_->reachX()} + BLOCK;
+        highSpan_ = search_.width + 2 * padding;
+        if (!high_.allocate(3, highSpan_)) return false;
+        std::fill_n(high_.get(), 3 * highSpan_, -INFINITE);
+        highBegin_ = high_.get() + padding;
+        return true;
+    }
+
+    bool makeLines(int begin, int end) {
+        const int64_t padding = int64_t{roots_->reachX()} + BLOCK;
+        rows_.span = search_.width + 2 * padding;
+        rows_.count =
+            static_cast<int>(std::min<int64_t>(2 * int64_t{roots_->reachY()} + 1, int64_t{end} - begin));
+        rows_.begin = begin;
+        rows_.end = end;
+        if (!lines_.allocate(rows_.count, rows_.span)) return false;
+        std::fill_n(lines_.get(), rows_.count * rows_.span, INFINITE);
+        rows_.lines = lines_.get() + padding;
+        return true;
+    }
+
+    float* line(int y) const { return rows_.lines + y % rows_.count * rows_.span; }
+    float* high(int y) const { return highBegin_ + (y + 3) % 3 * highSpan_; }
+
+    bool findHighRow(int y) {
+        if (y <= last_)
+            return ZVEX_ON_TARGET(
+                findHigh(high(y), search_.plane + ptrdiff_t{y} * search_.width, search_.width));
+        std::fill_n(high(y), search_.width, -INFINITE);
+        return true;
+    }
+
+    bool spreadRow(int y) {
+        if ((y == first_ && !findHighRow(y)) || !findHighRow(y + 1)) return false;
+        const int16_t* gaps = y < rows_.end ? gaps_.get() + ptrdiff_t{y - first_} * pieces_ : none_.get();
+        int16_t *up = up_.get() + reach_, *down = down_.get() + reach_, *leastUp = least_.get(),
+                *leastDown = leastUp + pieces_;
+        std::copy_n(gaps, pieces_, down);
+        ZVEX_ON_TARGET(stepGaps(up, down, pieces_, far_));
+        ZVEX_ON_TARGET(leastGaps(leastUp, up, pieces_, reach_));
+        ZVEX_ON_TARGET(leastGaps(leastDown, down, pieces_, reach_));
+        const HighRow row = {high(y - 1), high(y),   high(y + 1), gaps_.get(),
+                             leastUp,     leastDown, first_,      pieces_};
+        ZVEX_ON_TARGET(spreadHigh(rows_, row, y, roots_->reachY(), window_));
+        return true;
+    }
+
+    DistanceSearch search_ = {};
+    const RootRows* roots_ = nullptr;
+    Sights sights_;
+    SeedWindow window_;
+    OfferRows rows_;
+    Buffer<float> lines_;  // of rows_, each with a window's reach on either side
+    Buffer<float> high_;   // the row to spread and the ones beside it
+    float* highBegin_ = nullptr;
+    int64_t highSpan_ = 0;
+    Buffer<int16_t> gaps_, none_, up_, down_, least_;  // see HighRow
+    int16_t far_ = 0;                                  // more than the reach
+    int pieces_ = 0, reach_ = 0;                       // of a row, of a window to one side
+    int y_ = 0, prepared_ = 0;
+    int first_ = 0, next_ = 0, last_ = 0;  // the rows that offer
+};
+
 // The inward search of one row as it is defined, in place.
 void searchRowInward(const DistanceSearch& s, const RootRows& roots, int y) {
     const int64_t reachX = roots.reachX(), reachY = roots.reachY();
@@ -553,6 +720,35 @@ void searchRowInward(const DistanceSearch& s, const RootRows& roots, int y) {
 
 bool isBelowZero(const float* values, int width) {
     return std::any_of(values, values + width, [](float value) { return value < 0.0f; });
+}
+
+// The order of the inward search counts only once a pixel rises above 1. Until one would, a row's pixels can
+// be found side by side; from such a row on all is done one pixel after the other.
+//
+// Rows from y on by looking through whole windows, until such a row, which y is then, or `end`. False when
+// memory is short.
+bool searchWindowsInward(const DistanceSearch& s, const RootRows& roots, int& y, int end) {
+    Buffer<float> highRow, least;
+    const int reachX = roots.reachX(), reachY = roots.reachY();
+    const int64_t padded = int64_t{s.width} + 2 * MOST_LANES;
+    if (!highRow.allocate(padded + 2 * int64_t{reachX}) || !least.allocate(padded)) return false;
+    std::fill_n(highRow.get(), padded + 2 * int64_t{reachX}, -INFINITE);
+    float* high = highRow.get() + reachX;
+    for (; y < end; ++y) {
+        float* values = s.plane + ptrdiff_t{y} * s.width;
+        if (!isBelowZero(values, s.width)) continue;
+        std::fill_n(least.get(), padded, INFINITE);
+        for (int dy = 0; dy <= reachY; ++dy) {
+            const bool hasAbove = y >= dy, hasBelow = y < s.height - dy;
+            if (!hasAbove && !hasBelow) break;
+            const float* above = values + ptrdiff_t{hasAbove ? -dy : dy} * s.width;
+            const float* below = values + ptrdiff_t{hasBelow ? dy : -dy} * s.width;
+            if (!ZVEX_ON_TARGET(raiseRow(high, above, below, s.width))) continue;
+            ZVEX_ON_TARGET(sinkRow(least.get(), values, high, roots.row(dy), s.width, reachX));
+        }
+        if (!ZVEX_ON_TARGET(keepInward(values, least.get(), s.width))) break;
+    }
+    return true;
 }
 
 }  // namespace
@@ -731,33 +927,23 @@ bool searchOutward(const DistanceSearch& search) {
     });
 }
 
-// The order counts only once a pixel rises above 1. Until one would, a row's pixels can be found side by
-// side; such a row is done over, one pixel after the other.
 bool searchInward(const DistanceSearch& s) {
     const int begin = std::max(s.rowBegin, 0), end = std::min(s.rowEnd, s.height);
     if (s.plane == nullptr || s.width < 1 || s.radius < 1 || begin >= end) return true;
     RootRows roots;
-    Buffer<float> highRow, least;
     if (!roots.make(s.width, s.height, s.radius)) return false;
-    const int reachX = roots.reachX(), reachY = roots.reachY();
-    const int64_t padded = int64_t{s.width} + 2 * MOST_LANES;
-    if (!highRow.allocate(padded + 2 * int64_t{reachX}) || !least.allocate(padded)) return false;
-    std::fill_n(highRow.get(), padded + 2 * int64_t{reachX}, -INFINITE);
-    float* high = highRow.get() + reachX;
-    for (int y = begin; y < end; ++y) {
-        float* values = s.plane + ptrdiff_t{y} * s.width;
-        if (!isBelowZero(values, s.width)) continue;
-        std::fill_n(least.get(), padded, INFINITE);
-        for (int dy = 0; dy <= reachY; ++dy) {
-            const bool hasAbove = y >= dy, hasBelow = y < s.height - dy;
-            if (!hasAbove && !hasBelow) break;
-            const float* above = values + ptrdiff_t{hasAbove ? -dy : dy} * s.width;
-            const float* below = values + ptrdiff_t{hasBelow ? dy : -dy} * s.width;
-            if (!ZVEX_ON_TARGET(raiseRow(high, above, below, s.width))) continue;
-            ZVEX_ON_TARGET(sinkRow(least.get(), values, high, roots.row(dy), s.width, reachX));
-        }
-        if (!ZVEX_ON_TARGET(keepInward(values, least.get(), s.width))) searchRowInward(s, roots, y);
+    int y = begin;
+    const bool narrow = std::max(roots.reachX(), roots.reachY()) <= LAST_WHOLE_REACH;
+    if (narrow || !FullRows::fit(roots.reachX(), roots.reachY())) {
+        if (!searchWindowsInward(s, roots, y, end)) return false;
+    } else {
+        HighestRows rows;
+        if (!rows.make(s, roots, begin, end)) return false;
+        while (y < end && rows.next() &&
+               ZVEX_ON_TARGET(keepInward(s.plane + ptrdiff_t{y} * s.width, rows.offers(), s.width)))
+            ++y;
     }
+    for (; y < end; ++y) searchRowInward(s, roots, y);
     return true;
 }
 

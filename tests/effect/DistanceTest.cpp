@@ -225,6 +225,46 @@ TEST(Distance, RowsOfASearchEqualThePlainForm) {
     }
 }
 
+// Both searches of a signed plane: the slopes around smooth and straight edges, corners, thin ground between
+// two of them and single pixels, of which the inward search passes most over. An odd value rises above 1.
+TEST(Distance, SignedPlanesEqualThePlainForm) {
+    Random random(6);
+    for (int i = 0; i < 72; ++i) {
+        const bool wide = i % 24 == 7;
+        const int width = wide ? 200 : random.between(1, 110), height = wide ? 12 : random.between(1, 70);
+        reference::Distances expected(width, height, 0);
+        const int radius = i <= 40 ? i : random.between(5, wide ? 120 : 60);
+        const std::vector<uint8_t> levels = smoothLevels(random, width, height, i);
+        const bool straight = i % 5 == 1;
+        for (size_t at = 0; at < levels.size(); ++at) {
+            const int x = static_cast<int>(at) % width, y = static_cast<int>(at) / width;
+            const int level = straight       ? (x / 23 % 2 == 0 && y / 29 % 2 == 0 ? 0
+                                                : x == 23                          ? 100
+                                                                                   : 255)
+                              : i % 13 == 12 ? (random.below(60) == 0 ? 255 : 0)
+                                             : levels[at];
+            expected.values[at] = level == 0     ? 1.0f - static_cast<float>(std::max(radius, 2))
+                                  : level == 255 ? static_cast<float>(radius + 2)
+                                                 : static_cast<float>(level) / 255;
+        }
+        reference::searchOutward(expected, radius + 2, 0, height);
+        if (i % 9 == 8) {
+            expected.values[static_cast<size_t>(random.below(width * height))] =
+                i % 2 == 0 ? 40.5f : std::numeric_limits<float>::infinity();
+        }
+        const std::vector<float> before = expected.values;
+        const int begin = random.below(2), middle = random.between(begin, height);
+        reference::searchInward(expected, radius, begin, height);
+        forEachCpuTarget([&] {
+            std::vector<float> actual = before;
+            EXPECT_TRUE(searchInward({actual.data(), height, width, radius, begin, middle}));
+            EXPECT_TRUE(searchInward({actual.data(), height, width, radius, middle, height}));
+            ASSERT_EQ(actual, expected.values) << "case " << i << ", radius " << radius;
+        });
+        if (HasFatalFailure()) return;
+    }
+}
+
 TEST(Distance, SearchesSurviveSizesThatDoNotFit) {
     std::vector<float> plane = {2, 0, 2, -1};
     for (const Search& search : SEARCHES) {
