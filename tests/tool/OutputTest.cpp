@@ -1,7 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <webp/decode.h>
+
+#include <cmath>
+#include <map>
 #include <nlohmann/json.hpp>
 
 #include "tests/tool/Program.h"
+#include "tools/zvtext/WebpWriter.h"
 
 namespace {
 
@@ -33,6 +38,31 @@ protected:
         EXPECT_EQ(left(), std::vector<std::string>()) << message;
     }
 };
+
+std::vector<uint8_t> bytesOf(const std::string& content) {
+    return {content.begin(), content.end()};
+}
+
+// The pixels of a WebP file.
+Image readWebp(const std::string& content) {
+    Image image;
+    int width = 0, height = 0;
+    uint8_t* rgba =
+        WebPDecodeRGBA(reinterpret_cast<const uint8_t*>(content.data()), content.size(), &width, &height);
+    EXPECT_NE(rgba, nullptr);
+    if (rgba == nullptr) return image;
+    image.width = static_cast<unsigned>(width);
+    image.height = static_cast<unsigned>(height);
+    image.rgba.assign(rgba, rgba + size_t{image.width} * image.height * 4);
+    WebPFree(rgba);
+    return image;
+}
+
+// The resolution that a PNG says it has, in pixels a metre both ways.
+std::string physicalSize(const std::string& content) {
+    const size_t at = content.find("pHYs");
+    return at == std::string::npos ? "" : content.substr(at + 4, 9);
+}
 
 // Whether the box frames all that lies within the columns that it spans.
 bool frames(const Image& image, const Json& box) {
@@ -92,6 +122,166 @@ TEST_F(Output, ThePictureAndItsMetricsAppearTogetherOrNotAtAll) {
     const Result piped = render({"-o", "-", "--metrics", metrics});
     EXPECT_EQ(piped.out.substr(1, 3), "PNG");
     EXPECT_EQ(Json::parse(slurp(metrics))["lines"].size(), 1u);
+}
+
+TEST_F(Output, EveryFormatHoldsTheSamePixels) {
+    const std::vector<std::string> look = {"--outer-shadow", "size=12,color=#f80", "--color", "#80204060"};
+    const auto write = [&](const std::string& name, std::vector<std::string> more) {
+        more.insert(more.end(), look.begin(), look.end());
+        more.insert(more.end(), {"-o", name == "-" ? name : file(name).string()});
+        const Result result = render(more);
+        EXPECT_EQ(result.status, 0) << result.err;
+        return name == "-" ? result.out : slurp(file(name));
+    };
+    for (const bool premultiplied : {false, true}) {
+        std::vector<std::string> how;
+        if (premultiplied) how.push_back("--premultiplied");
+        const std::string png = write("a.PNG", how);
+        const Image image = readPng(file("a.PNG"));
+        EXPECT_EQ(physicalSize(png), std::string("\0\0\x0B\x13\0\0\x0B\x13\1", 9)) << "2835 pixels a metre";
+        EXPECT_EQ(png, write("noending", how));
+        EXPECT_EQ(bytesOf(write("a.rgba", how)), image.rgba);
+        const Image webp = readWebp(write("a.webp", how));
+        EXPECT_EQ(webp.width, image.width);
+        EXPECT_EQ(webp.rgba, image.rgba);
+        how.insert(how.end(), {"--format", "raw"});
+        EXPECT_EQ(bytesOf(write("-", how)), image.rgba);
+    }
+    const Image premultiplied = readPng(file("a.PNG"));
+    write("straight.bin", {"--format", "png", "--dpi", "300"});
+    EXPECT_EQ(physicalSize(slurp(file("straight.bin"))), std::string("\0\0\x2E\x23\0\0\x2E\x23\1", 9));
+    const Image straight = readPng(file("straight.bin"));
+    for (size_t i = 0; i < straight.rgba.size(); ++i) {
+        const double share = i % 4 == 3 ? 1 : straight.rgba[i | 3] / 255.0;
+        ASSERT_EQ(premultiplied.rgba[i], std::lround(straight.rgba[i] * share)) << i;
+    }
+}
+
+TEST(Webp, KeepsTheColoursOfTransparentPixels) {
+    const Image image = readWebp(zvtext::encodeWebp({2, 1, {0x00123456, 0x40FFFE01}}));
+    EXPECT_EQ(image.rgba, (std::vector<uint8_t>{0x12, 0x34, 0x56, 0, 0xFF, 0xFE, 1, 0x40}));
+}
+
+TEST_F(Output, WhatCannotBeWrittenIsRefusedFirst) {
+    const std::string known = "' ends in '.gif', which is not one of .png, .webp, .rgba;";
+    expectRefused({"-o", file("a.gif")}, 2, "--output: '" + file("a.gif").string() + known);
+    expectRefused({"--format", "gif"}, 2, "--format: 'gif' is not one of png, webp, raw");
+    expectRefused({"--dpi", "0.5"}, 2, "--dpi: '0.5' is not a number from 1 to 10000");
+    expectRefused({"-o", file("a.webp"), "--width", "16384"}, 2,
+                  "--output: the picture is 16384 x 113 pixels; WebP holds at most 16383 a side");
+}
+
+TEST_F(Output, TrimmingCutsTheTransparentBorderAndNothingElse) {
+    const auto write = [&](const std::string& name, std::vector<std::string> more, const std::string& text) {
+        more.insert(more.end(),
+                    {"-o", file(name), "--metrics", file(name + ".json"), "--padding", "9,8,7,6"});
+        const Result result = render(more, text);
+        EXPECT_EQ(result.status, 0) << result.err;
+        return Json::parse(slurp(file(name + ".json")));
+    };
+    const Json whole = write("whole.png", {"--stroke", "5:#f00"}, "Tí\nj");
+    const Json cut = write("cut.png", {"--stroke", "5:#f00", "--trim"}, "Tí\nj");
+    const Image from = readPng(file("whole.png")), image = readPng(file("cut.png"));
+    const int left = whole["margins"]["left"].get<int>() - cut["margins"]["left"].get<int>();
+    const int top = whole["margins"]["top"].get<int>() - cut["margins"]["top"].get<int>();
+    EXPECT_EQ(from.ink(), image.ink());
+    EXPECT_GT(image.ink(0, 1), 0u);
+    EXPECT_GT(image.ink(image.width - 1, image.width), 0u);
+    EXPECT_EQ(cut["width"], image.width);
+    EXPECT_EQ(cut["height"], image.height);
+    for (const unsigned y : {0u, image.height / 2, image.height - 1}) {
+        const auto row = image.rgba.begin() + y * image.width * 4;
+        const size_t at = ((y + static_cast<unsigned>(top)) * from.width + static_cast<unsigned>(left)) * 4;
+        EXPECT_TRUE(std::equal(row, row + image.width * 4, from.rgba.begin() + static_cast<ptrdiff_t>(at)))
+            << y;
+        EXPECT_TRUE(y == image.height / 2 ||
+                    std::any_of(row, row + image.width * 4, [](uint8_t byte) { return byte != 0; }))
+            << y;
+    }
+    const auto across = [](const Json& metrics) {
+        return metrics["margins"]["left"].get<int>() + metrics["margins"]["right"].get<int>() -
+               metrics["width"].get<int>();
+    };
+    EXPECT_EQ(across(whole), across(cut)) << "the view is as wide as before";
+    const Json &before = whole["lines"][1], &after = cut["lines"][1];
+    EXPECT_EQ(before["baseline"], after["baseline"].get<int>() + top);
+    EXPECT_EQ(before["glyphs"][0]["box"]["right"], after["glyphs"][0]["box"]["right"].get<int>() + left);
+    EXPECT_EQ(before["box"]["bottom"], after["box"]["bottom"].get<int>() + top);
+
+    const Json blank = write("blank.png", {"--trim"}, " ");
+    EXPECT_EQ(blank["width"], 1);
+    EXPECT_EQ(blank["height"], 1);
+    EXPECT_EQ(readPng(file("blank.png")).ink(), 0u);
+}
+
+// Every length of every effect, and nothing that is none, as the numbers given by hand.
+TEST_F(Output, ScaledIsWhatTheScaledNumbersMake) {
+    render({"-o", file("tile.png"), "--size", "10", "--color", "#0a0"});
+    const auto picture = [&](double s, const std::string& scale) {
+        const auto n = [&](double length) { return Json(length * s).dump(); };
+        const auto whole = [&](double length) { return std::to_string(std::lround(length * s)); };
+        std::vector<std::string> more = {"--size",
+                                         n(40),
+                                         "--letter-spacing",
+                                         "0.1",
+                                         "--width",
+                                         whole(151),
+                                         "--height",
+                                         whole(131),
+                                         "--padding",
+                                         whole(3) + "," + whole(5) + "," + whole(7) + "," + whole(9),
+                                         "--outer-shadow",
+                                         "angle=100,distance=" + n(7) + ",size=" + n(5),
+                                         "--inner-shadow",
+                                         "distance=" + n(3) + ",size=" + n(2.9),
+                                         "--outer-glow",
+                                         "size=" + n(9),
+                                         "--inner-glow",
+                                         "size=" + n(3),
+                                         "--linear-gradient",
+                                         "scale=1.5,stops=#f00@10:#00f@90",
+                                         "--stroke",
+                                         n(2.5) + ":#000:center",
+                                         "--pattern",
+                                         file("tile.png").string() + ",opacity=0.5,scale=" + n(1.5),
+                                         "--bevel",
+                                         "depth=2,altitude=40,size=" + n(5) + ",soften=" + n(2.9),
+                                         "--emboss",
+                                         "depth=2,altitude=40,size=" + n(4) + ",soften=" + n(1.5),
+                                         "-o",
+                                         file("out.png")};
+        more.insert(more.end(), {"--scale", scale});
+        const Result result = render(more, "Scale it\ntwice");
+        EXPECT_EQ(result.status, 0) << result.err;
+        return readPng(file("out.png"));
+    };
+    for (const char* scale : {"2", "0.5", "1.25"}) {
+        const Image byHand = picture(std::stod(scale), "1"), scaled = picture(1, scale);
+        EXPECT_EQ(byHand.width, scaled.width) << scale;
+        EXPECT_TRUE(byHand.rgba == scaled.rgba) << scale;
+    }
+}
+
+TEST_F(Output, AScaledSettingBeyondItsLimitIsNamed) {
+    for (const char* scale : {"0", "-1", "16.1", "two"}) {
+        expectRefused({"--scale", scale}, 2, std::string("--scale: '") + scale + "' is not a number above 0");
+    }
+    const std::map<std::string, std::vector<std::string>> refused = {
+        {"--size: 900 at --scale 12 is 10800, not a number above 0 and up to 10000 (px)", {"--size", "900"}},
+        {"--stroke width: 8.5 at --scale 12 is 102, not a number from 0 to 100 (px)", {"--stroke", "8.5"}},
+        {"--bevel soften: 2 at --scale 12 is 24, not a number from 0 to 16 (px)",
+         {"--bevel", "size=1,soften=2"}},
+        {"--pattern scale: 1 at --scale 12 is 12, not a number from 0 to 10", {"--pattern", "none.png"}},
+        {"--width: 3000 at --scale 12 is 36000, not a number from 0 to 32767 (px)", {"--width", "3000"}},
+        {"--padding: 3000 at --scale 12 is 36000", {"--padding", "0,0,3000,0"}}};
+    for (const auto& [message, options] : refused) {
+        std::vector<std::string> more = options;
+        more.insert(more.end(), {"--scale", "12"});
+        expectRefused(more, 2, message);
+    }
+    // The style that is printed is the scaled one.
+    EXPECT_NE(run({"render", "--print-style", "--scale", "2", "--size", "40"}).out.find("\"size\": 80"),
+              std::string::npos);
 }
 
 }  // namespace

@@ -15,11 +15,11 @@ namespace {
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 constexpr NumberRange kAngle = {-kInfinity, kInfinity, "deg"};
 constexpr NumberRange kAltitude = {0, 89, "deg"};
-constexpr NumberRange kPixels = {0, 100, "px"};
-constexpr NumberRange kSoften = {0, 16, "px"};
+constexpr NumberRange kPixels = {0, 100, "px", false, true};
+constexpr NumberRange kSoften = {0, 16, "px", false, true};
 constexpr NumberRange kDepth = {0, 10};
 constexpr NumberRange kGradientScale = {0, 2};
-constexpr NumberRange kPatternScale = {0, 10};
+constexpr NumberRange kPatternScale = {0, 10, "", false, true};  // pixels for each of the file
 
 // --- The table: keys in the order in which help and style files list them
 

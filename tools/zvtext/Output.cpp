@@ -5,7 +5,7 @@
 
 #include "tools/zvtext/Failure.h"
 #include "tools/zvtext/OutputFile.h"
-#include "tools/zvtext/PngWriter.h"
+#include "tools/zvtext/WebpWriter.h"
 
 namespace zvtext {
 
@@ -20,10 +20,76 @@ bool isSamePlace(const std::string& path, const std::string& other) {
     return fs::absolute(path, error).lexically_normal() == fs::absolute(other, error).lexically_normal();
 }
 
+struct Format {
+    OutputFormat format;
+    const char* name;
+    const char* ending;
+};
+constexpr Format kFormats[] = {{OutputFormat::Png, "png", ".png"},
+                               {OutputFormat::Webp, "webp", ".webp"},
+                               {OutputFormat::Rgba, "raw", ".rgba"}};
+
+std::string listed(const char* Format::*part) {
+    std::string list;
+    for (const Format& format : kFormats) list += (list.empty() ? "" : ", ") + std::string(format.*part);
+    return list;
+}
+
+OutputFormat formatOf(const std::string& path, const OutputOptions& options, const std::string& option) {
+    if (options.format) return *options.format;
+    const std::string ending = fs::path(path).extension();
+    if (ending.empty()) return OutputFormat::Png;
+    std::string lower = ending;
+    for (char& c : lower) {
+        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+    }
+    for (const Format& format : kFormats) {
+        if (lower == format.ending) return format.format;
+    }
+    throw UsageError(option + ": '" + path + "' ends in '" + ending + "', which is not one of " +
+                     listed(&Format::ending) + "; --format says what to write under any name");
+}
+
+void premultiply(Picture& picture) {
+    for (uint32_t& pixel : picture.pixels) {
+        const uint32_t alpha = pixel >> 24;
+        const auto times = [&](int shift) { return ((pixel >> shift & 0xFF) * alpha + 127) / 255 << shift; };
+        pixel = alpha << 24 | times(16) | times(8) | times(0);
+    }
+}
+
+std::string rgbaBytes(const Picture& picture) {
+    std::string bytes;
+    bytes.reserve(picture.pixels.size() * 4);
+    for (const uint32_t pixel : picture.pixels) {
+        for (const int shift : {16, 8, 0, 24}) bytes.push_back(static_cast<char>(pixel >> shift & 0xFF));
+    }
+    return bytes;
+}
+
+std::string encode(const Picture& picture, OutputFormat format, double dpi, const std::string& option) {
+    if (format == OutputFormat::Rgba) return rgbaBytes(picture);
+    if (format == OutputFormat::Png) return encodePng(picture, dpi);
+    if (picture.width > kMaxWebpSide || picture.height > kMaxWebpSide) {
+        throw UsageError(option + ": the picture is " + std::to_string(picture.width) + " x " +
+                         std::to_string(picture.height) + " pixels; WebP holds at most " +
+                         std::to_string(kMaxWebpSide) + " a side");
+    }
+    return encodeWebp(picture);
+}
+
 }  // namespace
+
+OutputFormat parseFormat(const std::string& option, const std::string& text) {
+    for (const Format& format : kFormats) {
+        if (text == format.name) return format.format;
+    }
+    throw UsageError(option + ": '" + text + "' is not one of " + listed(&Format::name));
+}
 
 void checkOutput(const std::string& path, const OutputOptions& options, const std::string& option) {
     if (path.empty()) throw UsageError(option + ": the path is empty");
+    formatOf(path, options, option);
     if (!options.metrics.empty() && isSamePlace(path, options.metrics)) {
         throw UsageError("--metrics: " + (path == "-" ? "standard output" : "'" + path + "'") +
                          " is where the picture goes");
@@ -33,7 +99,15 @@ void checkOutput(const std::string& path, const OutputOptions& options, const st
 void writeRendering(const Rendering& rendering, const std::string& path, const OutputOptions& options,
                     const std::string& option) {
     checkOutput(path, options, option);
-    const std::string picture = encodePng(rendering.picture);
+    const OutputFormat format = formatOf(path, options, option);
+    std::string picture;
+    if (options.premultiplied) {
+        Picture copy = rendering.picture;
+        premultiply(copy);
+        picture = encode(copy, format, options.dpi, option);
+    } else {
+        picture = encode(rendering.picture, format, options.dpi, option);
+    }
     std::vector<NewFile> files = {{picture, path, option}};
     const std::string metricsOption = "--metrics";
     std::string metrics;

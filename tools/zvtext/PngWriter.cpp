@@ -3,6 +3,7 @@
 
 #include <png.h>
 
+#include <cmath>
 #include <csetjmp>
 #include <new>
 
@@ -31,7 +32,7 @@ void onPngWrite(png_structp png, png_bytep data, size_t size) {
 
 // False where memory is short, which is all that can fail. No object with a destructor lives across the long
 // jump.
-bool encode(const Picture& picture, unsigned char* row, std::string& bytes) {
+bool encode(const Picture& picture, png_uint_32 pixelsPerMetre, unsigned char* row, std::string& bytes) {
     png_structp png = png_create_write_struct(PNG_LIBPNG_VER_STRING, nullptr, onPngError, onPngWarning);
     if (png == nullptr) return false;
     png_infop info = png_create_info_struct(png);
@@ -46,6 +47,7 @@ bool encode(const Picture& picture, unsigned char* row, std::string& bytes) {
     png_set_IHDR(png, info, width, height, 8, PNG_COLOR_TYPE_RGB_ALPHA, PNG_INTERLACE_NONE,
                  PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
     png_set_sRGB(png, info, PNG_sRGB_INTENT_PERCEPTUAL);
+    png_set_pHYs(png, info, pixelsPerMetre, pixelsPerMetre, PNG_RESOLUTION_METER);
     png_write_info(png, info);
     for (png_uint_32 y = 0; y < height; ++y) {
         const uint32_t* source = picture.pixels.data() + static_cast<size_t>(y) * width;
@@ -64,10 +66,11 @@ bool encode(const Picture& picture, unsigned char* row, std::string& bytes) {
 
 }  // namespace
 
-std::string encodePng(const Picture& picture) {
+std::string encodePng(const Picture& picture, double dpi) {
     std::string bytes;
     std::vector<unsigned char> row(static_cast<size_t>(picture.width) * 4);
-    if (!encode(picture, row.data(), bytes)) throw std::bad_alloc();
+    const auto pixelsPerMetre = static_cast<png_uint_32>(std::lround(dpi / 0.0254));
+    if (!encode(picture, pixelsPerMetre, row.data(), bytes)) throw std::bad_alloc();
     return bytes;
 }
 

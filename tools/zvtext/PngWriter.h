@@ -8,8 +8,12 @@
 
 namespace zvtext {
 
-// The picture as an 8-bit RGBA PNG file's content. Throws std::bad_alloc.
-std::string encodePng(const Picture& picture);
+// At which a pixel is a point of print.
+constexpr double kPointsPerInch = 72;
+
+// The picture as an 8-bit RGBA PNG file's content, to be shown at `dpi` pixels an inch (1 to 10000). Throws
+// std::bad_alloc.
+std::string encodePng(const Picture& picture, double dpi = kPointsPerInch);
 
 // Writes it to a file, or to standard output for "-", as writeFile of OutputFile.h does.
 void writePng(const Picture& picture, const std::string& path, const std::string& option);

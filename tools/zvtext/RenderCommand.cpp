@@ -7,6 +7,7 @@
 
 #include "tools/zvtext/Failure.h"
 #include "tools/zvtext/FontChoice.h"
+#include "tools/zvtext/Scale.h"
 #include "tools/zvtext/TextInput.h"
 
 namespace zvtext {
@@ -104,6 +105,32 @@ void addStyleOptions(CLI::App& command, RenderArguments& a) {
     }
 }
 
+// How pictures are written, apart from where.
+void addOutputOptions(CLI::App& command, RenderArguments& a) {
+    command
+        .add_option_function<std::string>(
+            "--scale", [&a](const std::string& value) { a.scale = parseNumber("--scale", value, kScale); },
+            "Multiply every length, those of effects too; above 0, up to 16")
+        ->type_name("FACTOR")
+        ->default_str("1");
+    command.add_flag("--trim", a.trim, "Cut off the picture's transparent border");
+    command
+        .add_option_function<std::string>(
+            "--format",
+            [&a](const std::string& value) { a.outputOptions.format = parseFormat("--format", value); },
+            "png, webp (lossless) or raw (RGBA bytes); else by the output's ending: .png, .webp, .rgba")
+        ->type_name("FORMAT");
+    command
+        .add_option_function<std::string>(
+            "--dpi",
+            [&a](const std::string& value) { a.outputOptions.dpi = parseNumber("--dpi", value, kDpi); },
+            "Pixels an inch that a PNG says it has; at 72 a pixel is a point")
+        ->type_name("N")
+        ->default_str(formatNumber(kPointsPerInch));
+    command.add_flag("--premultiplied", a.outputOptions.premultiplied,
+                     "Colours multiplied by their alpha; otherwise straight");
+}
+
 }  // namespace
 
 void addRenderOptions(CLI::App& command, RenderArguments& a) {
@@ -113,6 +140,7 @@ void addRenderOptions(CLI::App& command, RenderArguments& a) {
     command.add_option("-o,--output", a.output, "The picture; - is standard output")
         ->type_name("FILE")
         ->default_str(kDefaultOutput);
+    addOutputOptions(command, a);
     command
         .add_option("--metrics", a.outputOptions.metrics,
                     "Where the parts of the picture lie, in JSON; - is standard output")
@@ -158,6 +186,7 @@ Style readStyleOptions(const RenderArguments& arguments) {
         }
     }
     fitEffects(style);
+    scaleStyle(style, arguments.scale);
     return style;
 }
 
@@ -182,6 +211,8 @@ Scene readScene(const RenderArguments& arguments) {
     if (!arguments.maxLines.empty())
         scene.maxLines = parseInteger("--max-lines", arguments.maxLines, 1, 1'000'000);
     scene.padding = parsePadding("--padding", arguments.padding);
+    scaleView(scene, arguments.scale);
+    scene.trim = arguments.trim;
     if (!arguments.text.empty() && !arguments.textFile.empty()) {
         throw UsageError("--text-file: the text is given as an argument already");
     }

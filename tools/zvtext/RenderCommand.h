@@ -22,6 +22,8 @@ struct RenderArguments {
     std::string width, height, align = "left", gravity = "top", maxLines, padding = "0";
     std::optional<std::string> output;
     OutputOptions outputOptions;
+    double scale = 1;
+    bool trim = false;
     bool printStyle = false, printKey = false;
 
     // --style, --preset, the settings of a style and the effects, without the dashes, in the order in which
@@ -34,7 +36,7 @@ void addRenderOptions(CLI::App& command, RenderArguments& arguments);
 
 // The style that the options ask for. Effects, those of a style file included, come in the order of their
 // options, a later one replacing an earlier one of its kind where that stands; any other option wins over the
-// style files, wherever it stands. Throws UsageError or Failure.
+// style files, wherever it stands. Lengths are multiplied by --scale. Throws UsageError or Failure.
 Style readStyleOptions(const RenderArguments& arguments);
 
 // The whole scene; reads the text, from standard input too. Throws UsageError or Failure.

@@ -13,6 +13,10 @@ struct Rendering {
     Metrics metrics;
 };
 
+// Cuts off the rows and columns around the picture in which every pixel is transparent. Of a picture that is
+// transparent throughout, the top left pixel stays.
+void trimRendering(Rendering& rendering);
+
 }  // namespace zvtext
 
 #endif  // ZVEX_TOOLS_ZVTEXT_RENDERING_H_

@@ -303,6 +303,7 @@ Rendering renderScene(const Scene& scene) {
     std::memcpy(picture.pixels.data(), pixels, picture.pixels.size() * 4);
     rendering.metrics = {picture.width, picture.height, margins, placed.front().y + margins.top,
                          measureLines(placed, &laidOut.glyphs[first], margins, scene.text)};
+    if (scene.trim) trimRendering(rendering);
     return rendering;
 }
 

@@ -29,6 +29,7 @@ struct Scene {
     Gravity gravity = Gravity::Top;
     int maxLines = 0;  // 0: all
     Padding padding;
+    bool trim = false;  // the picture without its transparent border
 };
 
 // The largest picture made, effect margins included: each side, and the pixels in all (about 1.5 GB of

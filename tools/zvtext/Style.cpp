@@ -20,7 +20,7 @@ namespace fs = std::filesystem;
 using Json = nlohmann::ordered_json;
 
 constexpr size_t kMaxStyleBytes = size_t{4} << 20;
-constexpr NumberRange kTextSize = {0, 10000, "px", true};
+constexpr NumberRange kTextSize = {0, 10000, "px", true, true};
 constexpr size_t kMaxDepth = 16;  // a style needs four
 
 // Within a style, everything that is wrong is a UsageError whose message starts with the place; readStyle

@@ -20,6 +20,7 @@ struct NumberRange {
     double low = 0, high = 0;  // both infinite: any finite number
     const char* unit = "";     // may follow the number: "px", "deg", "%"
     bool exclusiveLow = false;
+    bool length = false;  // in the picture: --scale multiplies it
 
     bool contains(double value) const;
     std::string wanted() const;  // "a number from 0 to 100 (px)", for messages and help
