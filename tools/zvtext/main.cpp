@@ -13,6 +13,7 @@
 #include "tools/zvtext/Presets.h"
 #include "tools/zvtext/RenderCommand.h"
 #include "tools/zvtext/StyleSchema.h"
+#include "tools/zvtext/VersionCommand.h"
 
 namespace zvtext {
 
@@ -77,6 +78,10 @@ int run(int argc, char** argv) {
         "  zvtext render 'Grüße' --font DejaVuSans-Bold.ttf --preset gold -o gold.png\n"
         "  zvtext render --help\n"
         "The exit status is 0, 1 where a file or the machine failed, or 2 where the command line was wrong.");
+    VersionArguments versionArguments;
+    CLI::App* version = app.add_subcommand("version", "Print the versions of the program and its libraries");
+    addVersionOptions(*version, versionArguments);
+    version->callback([&] { runVersion(versionArguments); });
     try {
         app.parse(argc, argv);
         return 0;
