@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "tools/zvtext/OutputFile.h"
 
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -8,6 +11,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <memory>
 #include <utility>
 
 #include "tools/zvtext/Failure.h"
@@ -15,6 +19,9 @@
 namespace zvtext {
 
 namespace {
+
+// Behind the output's name; mkstemp replaces the Xs.
+const std::string kTemporarySuffix = ".zvtext-XXXXXX";
 
 // Takes the stream and closes it. False, with errno saying why, unless every byte is on its way; with `sync`,
 // on the disk.
@@ -28,10 +35,12 @@ bool writeAndClose(const std::string& content, std::FILE* stream, bool sync) {
     return whole;
 }
 
-// mkstemp makes the file private; an output gets the mode that any new file of this process would have.
+// The lock says that its process lives. mkstemp makes the file private; an output gets the mode that any new
+// file of this process would have.
 std::FILE* openTemporary(std::string& temporary) {
     const int descriptor = mkstemp(&temporary[0]);
     if (descriptor < 0) return nullptr;
+    flock(descriptor, LOCK_EX);
     const mode_t mask = umask(0);
     umask(mask);
     fchmod(descriptor, 0666 & ~mask);
@@ -58,9 +67,10 @@ public:
         }
         if (mStream) return;
         errno = 0;
-        std::string temporary = mTarget + ".XXXXXX";
+        std::string temporary = mTarget + kTemporarySuffix;
         std::FILE* stream = openTemporary(temporary);
         if (stream != nullptr) mTemporary = temporary;
+        if (stream != nullptr) mLock = dup(fileno(stream));
         if (writeAndClose(file.content, stream, true)) return;
         const std::string why = std::strerror(errno);
         removeTemporary();
@@ -70,8 +80,12 @@ public:
         : mFile(other.mFile),
           mTarget(std::move(other.mTarget)),
           mTemporary(std::exchange(other.mTemporary, "")),
-          mStream(other.mStream) {}
-    ~StagedFile() { removeTemporary(); }
+          mStream(other.mStream),
+          mLock(std::exchange(other.mLock, -1)) {}
+    ~StagedFile() {
+        removeTemporary();
+        if (mLock >= 0) close(mLock);
+    }
 
     // Standard output, a device or a pipe: written to, not replaced.
     bool isStream() const { return mStream; }
@@ -103,7 +117,14 @@ private:
     std::string mTarget;     // behind a link, the file it leads to
     std::string mTemporary;  // empty where there is none
     bool mStream;
+    int mLock = -1;  // the temporary file's, held until it has its name
 };
+
+bool isTemporary(const std::string& name) {
+    if (name.size() <= kTemporarySuffix.size()) return false;
+    const size_t fixed = kTemporarySuffix.find('X');
+    return name.compare(name.size() - kTemporarySuffix.size(), fixed, kTemporarySuffix, 0, fixed) == 0;
+}
 
 }  // namespace
 
@@ -119,6 +140,18 @@ void writeFiles(const std::vector<NewFile>& files) {
         for (StagedFile& file : staged) {
             if (file.isStream() == streams) file.commit();
         }
+    }
+}
+
+void removeTemporaries(const std::string& folder) {
+    const std::unique_ptr<DIR, int (*)(DIR*)> entries(opendir(folder.c_str()), closedir);
+    while (const dirent* entry = entries ? readdir(entries.get()) : nullptr) {
+        if (!isTemporary(entry->d_name)) continue;
+        const std::string path = folder + "/" + entry->d_name;
+        const int descriptor = open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
+        if (descriptor < 0) continue;
+        if (flock(descriptor, LOCK_EX | LOCK_NB) == 0) unlink(path.c_str());
+        close(descriptor);
     }
 }
 

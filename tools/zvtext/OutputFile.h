@@ -10,7 +10,8 @@ namespace zvtext {
 // Writes `content` to `path`. The file appears there only when it is whole: it is written to a temporary name
 // in the same folder, synced, and renamed over whatever stood there. "-" writes to standard output; a device
 // or a pipe is written to, never replaced; behind a link, the file it leads to is replaced. On failure
-// nothing is left or replaced; throws Failure with a message that starts with `option`.
+// nothing is left or replaced (a process that is killed leaves its temporary file); throws Failure with a
+// message that starts with `option`.
 void writeFile(const std::string& content, const std::string& path, const std::string& option);
 
 // Several files in the same way, all of them or none: the first to be renamed is so when every other is whole
@@ -21,6 +22,10 @@ struct NewFile {
     const std::string& option;
 };
 void writeFiles(const std::vector<NewFile>& files);
+
+// Removes the temporary files that killed processes have left in the folder; those of a process that lives
+// stay. What cannot be removed is left.
+void removeTemporaries(const std::string& folder);
 
 }  // namespace zvtext
 

@@ -90,7 +90,8 @@ void addStyleOptions(CLI::App& command, RenderArguments& a) {
     addStyleOption(command, a, "opacity", "Opacity of the whole picture: 0.6 or 60%")
         ->type_name("SHARE")
         ->default_str("1");
-    addStyleOption(command, a, "style", "Take effects and any of the six options above from a JSON file")
+    addStyleOption(command, a, "style",
+                   "Take effects and any of the six options above from a JSON file, or from {...} itself")
         ->type_name("FILE");
     addStyleOption(command, a, "preset",
                    "The same from a style of the program's own; zvtext presets lists them")
@@ -168,8 +169,8 @@ void addRenderOptions(CLI::App& command, RenderArguments& a) {
         "The exit status is 0, 1 where a file or the machine failed, or 2 where the command line was wrong.");
 }
 
-Style readStyleOptions(const RenderArguments& arguments) {
-    Style style;
+Style readStyleParts(const RenderArguments& arguments) {
+    Style style = arguments.start;
     for (const auto& [name, value] : arguments.style) {
         const EffectKind* kind = findEffectKind(name);
         if (kind != nullptr) {
@@ -177,7 +178,11 @@ Style readStyleOptions(const RenderArguments& arguments) {
             style.designedFor.erase(settings.index());
             addOrReplace(style.effects, std::move(settings));
         }
-        if (name == "style") readStyle("--style", value, style);
+        if (name == "style" && value.rfind('{', 0) == 0) {
+            readStyleText("--style", value, style);
+        } else if (name == "style") {
+            readStyle("--style", value, style);
+        }
         if (name == "preset") readPreset("--preset", value, style);
     }
     for (const auto& [name, value] : arguments.style) {
@@ -185,6 +190,11 @@ Style readStyleOptions(const RenderArguments& arguments) {
             if (name == field.name) readValue("--" + name, field, value);
         }
     }
+    return style;
+}
+
+Style readStyleOptions(const RenderArguments& arguments) {
+    Style style = readStyleParts(arguments);
     fitEffects(style);
     scaleStyle(style, arguments.scale);
     return style;
@@ -216,7 +226,7 @@ Scene readScene(const RenderArguments& arguments) {
     if (!arguments.text.empty() && !arguments.textFile.empty()) {
         throw UsageError("--text-file: the text is given as an argument already");
     }
-    scene.text = readText(arguments.text, arguments.textFile);
+    scene.text = readText(arguments.text, arguments.textFile, arguments.literalText);
     return scene;
 }
 

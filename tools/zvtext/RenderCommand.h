@@ -29,6 +29,9 @@ struct RenderArguments {
     // --style, --preset, the settings of a style and the effects, without the dashes, in the order in which
     // they stand.
     std::vector<std::pair<std::string, std::string>> style;
+    Style start;  // what they change
+
+    bool literalText = false;  // the text "-" is a dash, not standard input
 };
 
 // Declares the options of render on `command`; parsing fills `arguments`, which outlives it.
@@ -36,8 +39,12 @@ void addRenderOptions(CLI::App& command, RenderArguments& arguments);
 
 // The style that the options ask for. Effects, those of a style file included, come in the order of their
 // options, a later one replacing an earlier one of its kind where that stands; any other option wins over the
-// style files, wherever it stands. Lengths are multiplied by --scale. Throws UsageError or Failure.
+// style files, wherever it stands. A --style that begins with { is the style itself. Lengths are multiplied by
+// --scale. Throws UsageError or Failure.
 Style readStyleOptions(const RenderArguments& arguments);
+
+// The same, the effects not yet fitted to the size, nothing scaled: a style to start from.
+Style readStyleParts(const RenderArguments& arguments);
 
 // The whole scene; reads the text, from standard input too. Throws UsageError or Failure.
 Scene readScene(const RenderArguments& arguments);

@@ -359,6 +359,14 @@ void fitEffects(Style& style) {
     style.designedFor.clear();
 }
 
+void readStyleText(const std::string& option, const std::string& text, Style& style) {
+    try {
+        StyleReader("").read(parseJson(text), style);
+    } catch (const UsageError& error) {
+        throw UsageError(option + ": " + error.what());
+    }
+}
+
 std::string writeStyle(const Style& style) {
     Style copy = style;
     Json json = writeObject(fieldsOf(copy));

@@ -61,6 +61,10 @@ StyleNotes readPreset(const std::string& option, const std::string& name, Style&
 // further than an effect can be set. What was at least a pixel stays one.
 void fitEffects(Style& style);
 
+// The same from the text itself, which messages do not repeat; a pattern's file is relative to the working
+// folder. Throws UsageError.
+void readStyleText(const std::string& option, const std::string& text, Style& style);
+
 // The style as a file's content. Reading it gives the same style; the paths of patterns become absolute.
 // Throws Failure where a text is not UTF-8.
 std::string writeStyle(const Style& style);

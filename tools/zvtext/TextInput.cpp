@@ -65,8 +65,8 @@ std::string readFile(const std::string& option, const std::string& path, size_t 
     return content;
 }
 
-std::string readText(const std::string& argument, const std::string& file) {
-    if (file.empty() && argument != "-") {
+std::string readText(const std::string& argument, const std::string& file, bool literal) {
+    if (file.empty() && (literal || argument != "-")) {
         const std::string why = fault(argument);
         if (!why.empty()) throw UsageError("TEXT: " + why);
         if (argument.size() > kMaxTextBytes) throw UsageError("TEXT: the text is longer than 4 MiB");

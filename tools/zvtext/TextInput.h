@@ -7,12 +7,13 @@
 
 namespace zvtext {
 
-// Where the text comes from: `argument` unless it is empty and `file` is given. The argument "-" and the file
-// "-" mean standard input. From a file or standard input one line ending at the very end is dropped, and CR
-// LF becomes LF. Throws UsageError for text on the command line and Failure for a file, where the text is
-// empty, not UTF-8, or holds a NUL, and where the file cannot be read or is larger than kMaxTextBytes.
+// Where the text comes from: `argument` unless it is empty and `file` is given. The argument "-", unless
+// `literal`, and the file "-" mean standard input. From a file or standard input one line ending at the very
+// end is dropped, and CR LF becomes LF. Throws UsageError for text on the command line and Failure for a
+// file, where the text is empty, not UTF-8, or holds a NUL, and where the file cannot be read or is larger
+// than kMaxTextBytes.
 constexpr size_t kMaxTextBytes = size_t{4} << 20;
-std::string readText(const std::string& argument, const std::string& file);
+std::string readText(const std::string& argument, const std::string& file, bool literal = false);
 
 // The whole of a file, or of standard input for "-". Throws Failure, its message starting with `option`.
 std::string readFile(const std::string& option, const std::string& path, size_t maxBytes);
