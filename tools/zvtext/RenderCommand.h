@@ -39,7 +39,8 @@ void addRenderOptions(CLI::App& command, RenderArguments& arguments);
 
 // The style that the options ask for. Effects, those of a style file included, come in the order of their
 // options, a later one replacing an earlier one of its kind where that stands; any other option wins over the
-// style files, wherever it stands. A --style that begins with { is the style itself. Lengths are multiplied by
+// style files, wherever it stands. A --style that begins with { is the style itself. Lengths are multiplied
+// by
 // --scale. Throws UsageError or Failure.
 Style readStyleOptions(const RenderArguments& arguments);
 

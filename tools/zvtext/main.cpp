@@ -6,6 +6,7 @@
 #include <new>
 #include <string>
 
+#include "tools/zvtext/BatchCommand.h"
 #include "tools/zvtext/CommandTree.h"
 #include "tools/zvtext/Failure.h"
 #include "tools/zvtext/Gallery.h"
@@ -78,13 +79,18 @@ int run(int argc, char** argv) {
         "  zvtext render 'Grüße' --font DejaVuSans-Bold.ttf --preset gold -o gold.png\n"
         "  zvtext render --help\n"
         "The exit status is 0, 1 where a file or the machine failed, or 2 where the command line was wrong.");
+    int status = 0;
+    BatchArguments batchArguments;
+    CLI::App* batch = app.add_subcommand("batch", "Render lines of JSON, one picture each");
+    addBatchOptions(*batch, batchArguments);
+    batch->callback([&] { status = runBatch(batchArguments); });
     VersionArguments versionArguments;
     CLI::App* version = app.add_subcommand("version", "Print the versions of the program and its libraries");
     addVersionOptions(*version, versionArguments);
     version->callback([&] { runVersion(versionArguments); });
     try {
         app.parse(argc, argv);
-        return 0;
+        return status;
     } catch (const CLI::Success& help) {  // --help and --version
         return app.exit(help);
     } catch (const CLI::ParseError& error) {

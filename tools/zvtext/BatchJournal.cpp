@@ -1,0 +1,91 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "tools/zvtext/BatchJournal.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+
+#include "tools/zvtext/Failure.h"
+
+namespace zvtext {
+
+namespace {
+
+// A record's line: the job's digest, a space, the content's, a space, the result. Lines of another form (cut
+// short by a kill or a full disk) are passed over.
+constexpr size_t kDigits = 32, kHead = 2 * (kDigits + 1);
+constexpr size_t kMaxRecord = 8192;
+
+bool isRecord(const std::string& line) {
+    return line.size() > kHead && line.size() < kMaxRecord && line[kDigits] == ' ' &&
+           line[kHead - 1] == ' ' && line[kHead] == '{' && line.back() == '}' &&
+           line.find_first_not_of("0123456789abcdef") == kDigits;
+}
+
+uint64_t placeKey(const std::string& job) {
+    return std::strtoull(job.substr(0, 16).c_str(), nullptr, 16);
+}
+
+}  // namespace
+
+BatchJournal::BatchJournal(const std::string& folder, bool reads) {
+    const std::string path = folder + "/" + kJournalName;
+    mDescriptor = open(path.c_str(), O_RDWR | O_CREAT | O_APPEND | O_CLOEXEC, 0666);
+    if (mDescriptor < 0) throw Failure("--output-dir: cannot write '" + path + "': " + std::strerror(errno));
+    if (reads) findRecords();
+    // The next record starts a line even behind one that was cut short.
+    const off_t size = lseek(mDescriptor, 0, SEEK_END);
+    char last = '\n';
+    if (size > 0 && pread(mDescriptor, &last, 1, size - 1) == 1 && last != '\n') {
+        if (write(mDescriptor, "\n", 1) != 1) throw Failure("--output-dir: cannot write '" + path + "'");
+    }
+}
+
+BatchJournal::~BatchJournal() {
+    close(mDescriptor);
+}
+
+void BatchJournal::findRecords() {
+    std::string rest;
+    std::vector<char> block(65536);
+    uint64_t offset = 0;  // of `rest` in the file
+    for (;;) {
+        const ssize_t got =
+            pread(mDescriptor, block.data(), block.size(), static_cast<off_t>(offset + rest.size()));
+        if (got <= 0) break;
+        rest.append(block.data(), static_cast<size_t>(got));
+        size_t begin = 0;
+        for (size_t end; (end = rest.find('\n', begin)) != std::string::npos; begin = end + 1) {
+            const std::string line = rest.substr(begin, end - begin);
+            if (isRecord(line)) mPlaces.emplace_back(placeKey(line), offset + begin);
+        }
+        if (begin == 0 && rest.size() > kMaxRecord) begin = rest.size();  // no journal's line
+        offset += begin;
+        rest.erase(0, begin);
+    }
+    std::sort(mPlaces.begin(), mPlaces.end());
+}
+
+std::optional<BatchJournal::Record> BatchJournal::find(const std::string& job) const {
+    auto place = std::upper_bound(mPlaces.begin(), mPlaces.end(), std::pair(placeKey(job), UINT64_MAX));
+    while (place != mPlaces.begin() && (--place)->first == placeKey(job)) {
+        std::string line(kMaxRecord, '\0');
+        const ssize_t got = pread(mDescriptor, &line[0], line.size(), static_cast<off_t>(place->second));
+        line.resize(static_cast<size_t>(std::max<ssize_t>(got, 0)));
+        line.resize(std::min(line.find('\n'), line.size()));
+        if (!isRecord(line) || line.compare(0, kDigits, job) != 0) continue;
+        return Record{job, line.substr(kDigits + 1, kDigits), line.substr(kHead)};
+    }
+    return std::nullopt;
+}
+
+bool BatchJournal::append(const Record& record) {
+    const std::string line = record.job + " " + record.content + " " + record.result + "\n";
+    return write(mDescriptor, line.data(), line.size()) == static_cast<ssize_t>(line.size());
+}
+
+}  // namespace zvtext

@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef ZVEX_TOOLS_ZVTEXT_BATCHLINE_H_
+#define ZVEX_TOOLS_ZVTEXT_BATCHLINE_H_
+
+#include <CLI/App.hpp>
+#include <cstddef>
+#include <optional>
+#include <string>
+
+#include "tools/zvtext/RenderCommand.h"
+
+namespace zvtext {
+
+// One line of `zvtext batch`: a JSON object whose keys are the options of render, without the dashes, and
+// "text". A value is a string as the command line has it, or a number; true or false for a flag; an array of
+// strings for an option that may be given several times; an object for "style", which is then the style
+// itself. null is as if the key were not there.
+constexpr size_t kMaxLineBytes = size_t{16} << 20;
+
+// The line's "output", none where it has no such key. Throws UsageError where the line is no JSON object.
+std::optional<std::string> readOutputName(const std::string& line);
+
+// Reads lines as render reads its command line, through the same options.
+class LineReader {
+public:
+    // The defaults hold for what a line leaves out. `defaults.start` is their style; effects of a line come
+    // behind its effects or replace them, each other setting of a line replaces its own.
+    explicit LineReader(const RenderArguments& defaults);
+    LineReader(const LineReader&) = delete;
+    LineReader& operator=(const LineReader&) = delete;
+
+    // Its values are still to be read, by readScene. Throws UsageError for what is no line, for a key that is
+    // unknown or there twice, and for a value of the wrong kind.
+    RenderArguments read(const std::string& line);
+
+private:
+    const RenderArguments mDefaults;
+    RenderArguments mArguments;  // filled by mCommand
+    CLI::App mCommand;
+};
+
+}  // namespace zvtext
+
+#endif  // ZVEX_TOOLS_ZVTEXT_BATCHLINE_H_
