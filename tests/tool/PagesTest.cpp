@@ -91,7 +91,7 @@ TEST_F(Pages, HelpHasExamplesAndTheManualPageHasAll) {
     }
     for (const char c : manual) EXPECT_TRUE(c == '\n' || (c >= ' ' && c <= '~'));
     for (size_t at = 0; (at = manual.find("\\-", at)) != std::string::npos;) manual.erase(at, 1);
-    std::stringstream commands(completed("''") + "inspect font|inspect style");
+    std::stringstream commands(completed("''") + "inspect font|inspect style|inspect text");
     size_t count = 0;
     for (std::string command; std::getline(commands, command, '|'); ++count) {
         if (command.empty()) continue;

@@ -5,6 +5,7 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <png.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -27,6 +28,7 @@ inline const std::string kFont = "/usr/share/fonts/truetype/dejavu/DejaVuSans-Bo
 struct Result {
     int status = -1;  // exit status; -1 when the program was killed
     std::string out, err;
+    double peakMegabytes = 0;  // of the memory it had at once
 };
 
 inline std::string slurp(const fs::path& path) {
@@ -92,8 +94,10 @@ protected:
             _exit(127);
         }
         int status = 0;
-        waitpid(child, &status, 0);
+        rusage usage = {};
+        wait4(child, &status, 0, &usage);
         Result result;
+        result.peakMegabytes = static_cast<double>(usage.ru_maxrss) * 1024 / 1e6;
         if (WIFEXITED(status)) result.status = WEXITSTATUS(status);
         result.out = slurp(file("stdout"));
         std::stringstream errors(slurp(file("stderr")));

@@ -3,7 +3,12 @@
 #define ZVEX_TOOLS_ZVTEXT_INSPECTCOMMAND_H_
 
 #include <CLI/App.hpp>
+#include <cstdint>
+#include <map>
 #include <string>
+
+#include "tools/zvtext/Json.h"
+#include "tools/zvtext/RenderCommand.h"
 
 namespace zvtext {
 
@@ -17,10 +22,16 @@ struct InspectStyleArguments {
     bool json = false;
 };
 
+struct InspectTextArguments {
+    RenderArguments scene;
+    bool json = false;
+};
+
 // The values of the options of every kind of inspection; they outlive the commands made of them.
 struct InspectArguments {
     InspectFontArguments font;
     InspectStyleArguments style;
+    InspectTextArguments text;
 };
 
 // Declares `inspect` with a command of its own for each kind; each runs when the command line is parsed and
@@ -30,6 +41,24 @@ void addInspectCommands(CLI::App& inspect, InspectArguments& arguments);
 // One for each kind, in a file of its own. Throw UsageError or Failure.
 void addInspectFont(CLI::App& inspect, InspectFontArguments& arguments);
 void addInspectStyle(CLI::App& inspect, InspectStyleArguments& arguments);
+void addInspectText(CLI::App& inspect, InspectTextArguments& arguments);
+
+// What the reports have in common.
+
+// How many characters there are of each script.
+class ScriptCounts {
+public:
+    void add(uint32_t character);
+    size_t characters() const;
+    // [{"script": "Latn", "name": "Latin", "characters": 12}, ...], the most used first.
+    Json list() const;
+
+private:
+    std::map<int, size_t> mCounts;  // by ICU's number of the script
+};
+
+// "label       value\n"
+std::string reportLine(const std::string& label, const std::string& value);
 
 // Prints `text` with every control character but line ends as '?': names in files may hold anything.
 void printReport(const std::string& text);

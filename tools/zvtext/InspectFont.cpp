@@ -1,25 +1,22 @@
 // SPDX-License-Identifier: Apache-2.0
 // zvtext inspect font: what a font file is.
 #include <hb-ot.h>
-#include <unicode/uscript.h>
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <map>
 #include <memory>
-#include <nlohmann/json.hpp>
 #include <vector>
 
 #include "tools/zvtext/FontChoice.h"
 #include "tools/zvtext/FontFile.h"
 #include "tools/zvtext/InspectCommand.h"
+#include "tools/zvtext/Json.h"
 #include "tools/zvtext/Values.h"
 
 namespace zvtext {
 
 namespace {
 
-using Json = nlohmann::ordered_json;
 using HbFont = std::unique_ptr<hb_font_t, void (*)(hb_font_t*)>;
 
 std::string tagOf(hb_tag_t tag) {
@@ -71,27 +68,12 @@ Json instancesOf(hb_face_t* face, const Json& axes) {
     return list;
 }
 
-// The scripts of the characters, the most covered first, and how many characters there are in all.
-Json scriptsOf(hb_face_t* face, size_t* characters) {
+ScriptCounts scriptsOf(hb_face_t* face) {
     const std::unique_ptr<hb_set_t, void (*)(hb_set_t*)> set(hb_set_create(), hb_set_destroy);
     hb_face_collect_unicodes(face, set.get());
-    std::map<int, int> counts;
-    *characters = 0;
-    for (hb_codepoint_t c = HB_SET_VALUE_INVALID; hb_set_next(set.get(), &c) != 0;) {
-        UErrorCode status = U_ZERO_ERROR;
-        ++counts[uscript_getScript(static_cast<UChar32>(c), &status)];
-        ++*characters;
-    }
-    std::vector<std::pair<int, int>> sorted(counts.begin(), counts.end());
-    std::stable_sort(sorted.begin(), sorted.end(),
-                     [](const auto& a, const auto& b) { return a.second > b.second; });
-    Json list = Json::array();
-    for (const auto& [script, count] : sorted) {
-        list.push_back({{"script", uscript_getShortName(static_cast<UScriptCode>(script))},
-                        {"name", uscript_getName(static_cast<UScriptCode>(script))},
-                        {"characters", count}});
-    }
-    return list;
+    ScriptCounts scripts;
+    for (hb_codepoint_t c = HB_SET_VALUE_INVALID; hb_set_next(set.get(), &c) != 0;) scripts.add(c);
+    return scripts;
 }
 
 // In ems, y upwards; what the font does not state is left out.
@@ -122,8 +104,7 @@ Json describe(const LoadedFont& loaded) {
     hb_face_t* face = loaded.face->hbFace();
     const HbFont font(hb_font_create(face), hb_font_destroy);
     loaded.face->setAxes(font.get());
-    size_t characters = 0;
-    const Json scripts = scriptsOf(face, &characters);
+    const ScriptCounts scripts = scriptsOf(face);
     const Json axes = axesOf(face, font.get());
     return {{"file", loaded.choice.path},
             {"index", loaded.choice.index},
@@ -137,15 +118,11 @@ Json describe(const LoadedFont& loaded) {
             {"slant", plain(hb_style_get_value(font.get(), HB_STYLE_TAG_SLANT_ANGLE))},
             {"italic", loaded.facts.italic},
             {"glyphs", loaded.face->glyphCount()},
-            {"characters", characters},
+            {"characters", scripts.characters()},
             {"metrics", metricsOf(font.get(), loaded.facts, loaded.face->unitsPerEm())},
             {"axes", axes},
             {"instances", instancesOf(face, axes)},
-            {"scripts", scripts}};
-}
-
-std::string line(const std::string& label, const std::string& value) {
-    return label + std::string(label.size() < 12 ? 12 - label.size() : 1, ' ') + value + "\n";
+            {"scripts", scripts.list()}};
 }
 
 std::string number(const Json& value) {
@@ -154,35 +131,39 @@ std::string number(const Json& value) {
 
 std::string report(const Json& font) {
     const auto text = [&](const char* key) { return font[key].get<std::string>(); };
-    std::string out = line("font", text("family") + " " + text("style"));
-    out += line("file", text("file"));
+    std::string out = reportLine("font", text("family") + " " + text("style"));
+    out += reportLine("file", text("file"));
     const int fonts = font["fontsInFile"].get<int>();
     if (fonts > 1)
-        out += line("index", "#" + number(font["index"]) + " of #0 to #" + std::to_string(fonts - 1));
-    out += line("name", text("fullName")) + line("version", text("version"));
-    out += line("weight", number(font["weight"])) + line("width", number(font["width"]) + " %");
-    out += line("slant", number(font["slant"]) + " deg" + (font["italic"].get<bool>() ? ", italic" : ""));
-    out += line("glyphs", number(font["glyphs"]) + " for " + number(font["characters"]) + " characters");
+        out += reportLine("index", "#" + number(font["index"]) + " of #0 to #" + std::to_string(fonts - 1));
+    out += reportLine("name", text("fullName")) + reportLine("version", text("version"));
+    out += reportLine("weight", number(font["weight"])) + reportLine("width", number(font["width"]) + " %");
+    out +=
+        reportLine("slant", number(font["slant"]) + " deg" + (font["italic"].get<bool>() ? ", italic" : ""));
+    out +=
+        reportLine("glyphs", number(font["glyphs"]) + " for " + number(font["characters"]) + " characters");
     std::string metrics;
     for (const auto& [name, value] : font["metrics"].items()) {
         if (name != "unitsPerEm") metrics += (metrics.empty() ? "" : ", ") + name + " " + number(value);
     }
-    out += line("metrics", metrics + " (ems; " + number(font["metrics"]["unitsPerEm"]) + " units each)");
+    out +=
+        reportLine("metrics", metrics + " (ems; " + number(font["metrics"]["unitsPerEm"]) + " units each)");
     for (const Json& axis : font["axes"]) {
-        out += line("axis", axis["tag"].get<std::string>() + " (" + axis["name"].get<std::string>() + ") " +
-                                number(axis["minimum"]) + " to " + number(axis["maximum"]) + ", default " +
-                                number(axis["default"]) +
-                                (axis["value"] != axis["default"] ? ", here " + number(axis["value"]) : ""));
+        out += reportLine("axis",
+                          axis["tag"].get<std::string>() + " (" + axis["name"].get<std::string>() + ") " +
+                              number(axis["minimum"]) + " to " + number(axis["maximum"]) + ", default " +
+                              number(axis["default"]) +
+                              (axis["value"] != axis["default"] ? ", here " + number(axis["value"]) : ""));
     }
     for (const Json& instance : font["instances"]) {
         std::string values;
         for (const auto& [tag, value] : instance["axes"].items()) {
             values += (values.empty() ? "" : ",") + tag + "=" + number(value);
         }
-        out += line("instance", instance["name"].get<std::string>() + ": " + values);
+        out += reportLine("instance", instance["name"].get<std::string>() + ": " + values);
     }
     for (const Json& script : font["scripts"]) {
-        out += line("script", script["name"].get<std::string>() + ": " + number(script["characters"]));
+        out += reportLine("script", script["name"].get<std::string>() + ": " + number(script["characters"]));
     }
     return out;
 }
@@ -190,8 +171,7 @@ std::string report(const Json& font) {
 void runInspectFont(const InspectFontArguments& arguments) {
     const auto font = loadFont("FONT", chooseFont("FONT", arguments.font), "--axes", arguments.axes);
     const Json facts = describe(*font);
-    printReport(arguments.json ? facts.dump(2, ' ', false, Json::error_handler_t::replace) + "\n"
-                               : report(facts));
+    printReport(arguments.json ? dumpJson(facts, 2) + "\n" : report(facts));
 }
 
 }  // namespace

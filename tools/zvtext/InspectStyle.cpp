@@ -3,9 +3,9 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cmath>
-#include <nlohmann/json.hpp>
 
 #include "tools/zvtext/InspectCommand.h"
+#include "tools/zvtext/Json.h"
 #include "tools/zvtext/Presets.h"
 #include "tools/zvtext/Scene.h"
 #include "tools/zvtext/Style.h"
@@ -13,8 +13,6 @@
 namespace zvtext {
 
 namespace {
-
-using Json = nlohmann::ordered_json;
 
 // Bytes that the program takes for each pixel of a picture, at its peak: the library's picture, its copy and
 // the mask; then what each effect holds beyond that. Measured on text that fills a picture of 8 million
@@ -51,10 +49,6 @@ Json layersOf(Zvex::ZvEffect& stack, Style& style) {
 }
 
 std::string inWords(const Json& report) {
-    const auto text = [](const Json& value) {
-        return value.is_string() ? value.get<std::string>()
-                                 : value.dump(-1, ' ', false, Json::error_handler_t::replace);
-    };
     std::string lines;
     for (const auto& [key, value] : report.items()) {
         if (key == "layers") {
@@ -62,16 +56,16 @@ std::string inWords(const Json& report) {
             for (const Json& layer : value) {
                 lines += " ";
                 for (const auto& [name, setting] : layer.items()) {
-                    lines += " " + (name == "type" ? "" : name + "=") + text(setting);
+                    lines += " " + (name == "type" ? "" : name + "=") + plainText(setting);
                 }
                 lines += "\n";
             }
         } else if (value.is_object()) {
             lines += key + ":";
-            for (const auto& [name, part] : value.items()) lines += " " + name + " " + text(part);
+            for (const auto& [name, part] : value.items()) lines += " " + name + " " + plainText(part);
             lines += "\n";
         } else {
-            lines += key + ": " + text(value) + "\n";
+            lines += key + ": " + plainText(value) + "\n";
         }
     }
     return lines;
@@ -98,12 +92,13 @@ void runInspectStyle(const InspectStyleArguments& a) {
     const double pixels = double(width + left + right) * double(height + top + bottom);
     Json report = {{"style", a.style}};
     if (!notes.description.empty()) report["description"] = notes.description;
-    report["size"] = style.size;
+    report["size"] = numberJson(style.size);
     report["margins"] = {{"left", left}, {"top", top}, {"right", right}, {"bottom", bottom}};
     report["layers"] = std::move(layers);
     report["picture"] = {{"width", width + left + right}, {"height", height + top + bottom}};
-    report["memory"] = {{"bytes-per-pixel", bytes}, {"megabytes", std::ceil(pixels * bytes / 1e5) / 10}};
-    printReport(a.json ? report.dump(2, ' ', false, Json::error_handler_t::replace) + "\n" : inWords(report));
+    report["memory"] = {{"bytes-per-pixel", bytes},
+                        {"megabytes", numberJson(std::ceil(pixels * bytes / 1e5) / 10)}};
+    printReport(a.json ? dumpJson(report, 2) + "\n" : inWords(report));
 }
 
 }  // namespace

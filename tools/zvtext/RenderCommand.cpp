@@ -72,6 +72,12 @@ void addViewOptions(CLI::App& command, RenderArguments& a) {
     command.add_option("--padding", a.padding, "ALL, SIDES,ENDS or LEFT,TOP,RIGHT,BOTTOM")
         ->type_name("PX")
         ->capture_default_str();
+    command
+        .add_option_function<std::string>(
+            "--scale", [&a](const std::string& value) { a.scale = parseNumber("--scale", value, kScale); },
+            "Multiply every length, those of effects too; above 0, up to 16")
+        ->type_name("FACTOR")
+        ->default_str("1");
 }
 
 void addStyleOptions(CLI::App& command, RenderArguments& a) {
@@ -108,12 +114,6 @@ void addStyleOptions(CLI::App& command, RenderArguments& a) {
 
 // How pictures are written, apart from where.
 void addOutputOptions(CLI::App& command, RenderArguments& a) {
-    command
-        .add_option_function<std::string>(
-            "--scale", [&a](const std::string& value) { a.scale = parseNumber("--scale", value, kScale); },
-            "Multiply every length, those of effects too; above 0, up to 16")
-        ->type_name("FACTOR")
-        ->default_str("1");
     command.add_flag("--trim", a.trim, "Cut off the picture's transparent border");
     command
         .add_option_function<std::string>(
@@ -134,10 +134,14 @@ void addOutputOptions(CLI::App& command, RenderArguments& a) {
 
 }  // namespace
 
-void addRenderOptions(CLI::App& command, RenderArguments& a) {
+void addSceneOptions(CLI::App& command, RenderArguments& a) {
     addTextOptions(command, a);
     addViewOptions(command, a);
     addStyleOptions(command, a);
+}
+
+void addRenderOptions(CLI::App& command, RenderArguments& a) {
+    addSceneOptions(command, a);
     command.add_option("-o,--output", a.output, "The picture; - is standard output")
         ->type_name("FILE")
         ->default_str(kDefaultOutput);
@@ -164,7 +168,8 @@ void addRenderOptions(CLI::App& command, RenderArguments& a) {
         "  zvtext render 'Sunset' --font DejaVuSans-Bold.ttf --linear-gradient "
         "stops=#fd5@0:#e31@60:#406@100\n"
         "  zvtext render --stroke 8:#fff --outer-shadow size=20 --print-style > sticker.json\n"
-        "  fortune | zvtext render - --font NotoSerif-Regular.ttf --size 32 --width 600 --align center -o "
+        "  zvtext render 'Neon' --font 'Inter' --axes wght=850 --preset neon --scale 2 -o neon.webp\n"
+        "  fortune | zvtext render - --font 'Noto Serif:bold' --size 32 --width 600 --align center -o "
         "quote.png\n"
         "The exit status is 0, 1 where a file or the machine failed, or 2 where the command line was wrong.");
 }

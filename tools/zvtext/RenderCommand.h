@@ -37,11 +37,13 @@ struct RenderArguments {
 // Declares the options of render on `command`; parsing fills `arguments`, which outlives it.
 void addRenderOptions(CLI::App& command, RenderArguments& arguments);
 
+// The part of them that says what to draw: the text, its fonts, the view and the style.
+void addSceneOptions(CLI::App& command, RenderArguments& arguments);
+
 // The style that the options ask for. Effects, those of a style file included, come in the order of their
 // options, a later one replacing an earlier one of its kind where that stands; any other option wins over the
 // style files, wherever it stands. A --style that begins with { is the style itself. Lengths are multiplied
-// by
-// --scale. Throws UsageError or Failure.
+// by --scale. Throws UsageError or Failure.
 Style readStyleOptions(const RenderArguments& arguments);
 
 // The same, the effects not yet fitted to the size, nothing scaled: a style to start from.

@@ -5,10 +5,10 @@
 #include <cmath>
 #include <cstring>
 #include <filesystem>
-#include <nlohmann/json.hpp>
 #include <set>
 
 #include "tools/zvtext/Failure.h"
+#include "tools/zvtext/Json.h"
 #include "tools/zvtext/Presets.h"
 #include "tools/zvtext/TextInput.h"
 
@@ -17,7 +17,6 @@ namespace zvtext {
 namespace {
 
 namespace fs = std::filesystem;
-using Json = nlohmann::ordered_json;
 
 constexpr size_t kMaxStyleBytes = size_t{4} << 20;
 constexpr NumberRange kTextSize = {0, 10000, "px", true, true};
@@ -106,7 +105,7 @@ Json parseJson(const std::string& text) {
 // --- Reading
 
 std::string shown(const Json& value) {
-    std::string text = value.dump(-1, ' ', false, Json::error_handler_t::replace);
+    const std::string text = dumpJson(value);
     return text.size() > 40 ? std::string("this ") + value.type_name() : text;
 }
 
@@ -248,11 +247,6 @@ private:
 };
 
 // --- Writing
-
-Json numberJson(double value) {
-    const auto whole = static_cast<int64_t>(std::clamp(value, -1e15, 1e15));
-    return static_cast<double>(whole) == value ? Json(whole) : Json(value);
-}
 
 Json writeObject(const Fields& fields);
 

@@ -2,20 +2,13 @@
 #include "tools/zvtext/StyleSchema.h"
 
 #include <cmath>
-#include <nlohmann/json.hpp>
 
+#include "tools/zvtext/Json.h"
 #include "tools/zvtext/Style.h"
 
 namespace zvtext {
 
 namespace {
-
-using Json = nlohmann::ordered_json;
-
-Json numberJson(double value) {
-    const auto whole = static_cast<int64_t>(value);  // limits and defaults are small
-    return static_cast<double>(whole) == value ? Json(whole) : Json(value);
-}
 
 Json ofNumber(const NumberRange& range) {
     Json schema = {{"type", "number"}};

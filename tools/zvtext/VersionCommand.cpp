@@ -3,23 +3,22 @@
 
 #include <ft2build.h>
 #include FT_FREETYPE_H
+#include <fontconfig/fontconfig.h>
 #include <hb.h>
 #include <png.h>
 #include <unicode/uversion.h>
+#include <webp/encode.h>
 
 #include <CLI/CLI.hpp>
-#include <cstdio>
-#include <nlohmann/json.hpp>
 #include <string>
 
 #include "raster/CpuTarget.h"
-#include "tools/zvtext/Failure.h"
+#include "tools/zvtext/InspectCommand.h"
+#include "tools/zvtext/Json.h"
 
 namespace zvtext {
 
 namespace {
-
-using Json = nlohmann::ordered_json;
 
 std::string dotted(int major, int minor, int patch) {
     return std::to_string(major) + "." + std::to_string(minor) + "." + std::to_string(patch);
@@ -40,6 +39,16 @@ std::string icuVersion() {
     u_getVersion(version);
     u_versionToString(version, text);
     return text;
+}
+
+std::string fontconfigVersion() {
+    const int version = FcGetVersion();
+    return dotted(version / 10000, version / 100 % 100, version % 100);
+}
+
+std::string webpVersion() {
+    const int version = WebPGetEncoderVersion();
+    return dotted(version >> 16, version >> 8 & 0xFF, version & 0xFF);
 }
 
 std::string compiler() {
@@ -80,7 +89,9 @@ void runVersion(const VersionArguments& arguments) {
     const Json libraries = {{"FreeType", freetypeVersion()},
                             {"HarfBuzz", hb_version_string()},
                             {"ICU", icuVersion()},
+                            {"fontconfig", fontconfigVersion()},
                             {"libpng", png_get_libpng_ver(nullptr)},
+                            {"libwebp", webpVersion()},
                             {"CLI11", CLI11_VERSION},
                             {"nlohmann-json", dotted(NLOHMANN_JSON_VERSION_MAJOR, NLOHMANN_JSON_VERSION_MINOR,
                                                      NLOHMANN_JSON_VERSION_PATCH)}};
@@ -88,16 +99,14 @@ void runVersion(const VersionArguments& arguments) {
                           {"compiler", compiler()},
                           {"instructionSet", instructionSet()},
                           {"libraries", libraries}};
-    std::string text = version.dump(2) + "\n";
+    std::string text = dumpJson(version, 2) + "\n";
     if (!arguments.json) {
         text = "zvtext " ZVEX_VERSION "\ncompiler " + compiler() + "\ninstruction set " + instructionSet() +
                "\n";
         for (const auto& [name, number] : libraries.items())
             text += name + " " + number.get<std::string>() + "\n";
     }
-    if (std::fputs(text.c_str(), stdout) == EOF || std::fflush(stdout) != 0) {
-        throw Failure("cannot write to standard output");
-    }
+    printReport(text);
 }
 
 }  // namespace zvtext

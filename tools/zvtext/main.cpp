@@ -63,7 +63,7 @@ int run(int argc, char** argv) {
     app.set_version_flag("--version", ZVEX_VERSION);
     app.require_subcommand(1);
     RenderArguments renderArguments;
-    CLI::App* render = app.add_subcommand("render", "Render a text to a PNG with straight alpha");
+    CLI::App* render = app.add_subcommand("render", "Render a text to a picture");
     addRenderOptions(*render, renderArguments);
     render->callback([&] { runRender(renderArguments); });
     GalleryArguments galleryArguments;
@@ -71,7 +71,8 @@ int run(int argc, char** argv) {
     addGalleryOptions(*gallery, galleryArguments);
     gallery->callback([&] { runGallery(galleryArguments); });
     InspectArguments inspectArguments;
-    addInspectCommands(*app.add_subcommand("inspect", "Say what a font or a style is"), inspectArguments);
+    addInspectCommands(*app.add_subcommand("inspect", "Say what a font or a style is, or what a text needs"),
+                       inspectArguments);
     std::string shell;
     addPrintingCommands(app, shell);
     app.footer(
