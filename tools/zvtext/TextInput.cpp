@@ -5,6 +5,7 @@
 #include <unicode/utf8.h>
 
 #include <cerrno>
+#include <cstdint>
 #include <cstdio>
 #include <cstring>
 #include <memory>
@@ -43,21 +44,25 @@ size_t findInvalidUtf8(const std::string& text) {
 std::string readFile(const std::string& option, const std::string& path, size_t maxBytes) {
     const bool standardInput = path == "-";
     const std::string name = standardInput ? "standard input" : "'" + path + "'";
-    struct stat status;
-    if (!standardInput && stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode)) {
-        throw Failure(option + ": " + name + " is a folder");
-    }
+    struct stat status = {};
+    const bool known = !standardInput && stat(path.c_str(), &status) == 0;
+    if (known && S_ISDIR(status.st_mode)) throw Failure(option + ": " + name + " is a folder");
+    const auto refuseSize = [&] {
+        throw Failure(option + ": " + name + " is larger than " + std::to_string(maxBytes) + " bytes");
+    };
+    // A file says its size, which saves reading one that is too large and copying while the text grows.
+    const auto size = known && S_ISREG(status.st_mode) ? static_cast<uint64_t>(status.st_size) : 0;
+    if (size > maxBytes) refuseSize();
     std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(
         standardInput ? stdin : std::fopen(path.c_str(), "rb"), standardInput ? std::fflush : std::fclose);
     if (!file) throw Failure(option + ": cannot read " + name + ": " + std::strerror(errno));
     std::string content;
+    content.reserve(static_cast<size_t>(size));
     char block[65536];
     for (;;) {
         const size_t got = std::fread(block, 1, sizeof block, file.get());
         content.append(block, got);
-        if (content.size() > maxBytes) {
-            throw Failure(option + ": " + name + " is larger than " + std::to_string(maxBytes) + " bytes");
-        }
+        if (content.size() > maxBytes) refuseSize();
         if (got < sizeof block) break;
     }
     if (std::ferror(file.get()))
