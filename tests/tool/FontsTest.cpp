@@ -106,6 +106,10 @@ TEST_F(Fonts, TheSystemsFontsServeWhatTheGivenOnesLack) {
     render("骨", {"--font", kFont, "--fallback", "Noto Sans CJK SC:bold"});
     EXPECT_EQ(readPng(file("out.png")).rgba, chinese.rgba) << "the bold Chinese font beside a bold one";
 
+    // No font has this letter with this mark, but some have the letter.
+    const Result marked = run({"render", "世\u0E31", "--font", kFont, "-o", file("x.png")});
+    EXPECT_EQ(marked.err, "zvtext: warning: no font has U+0E31; add one with --fallback\n");
+
     const auto warningOf = [&](std::vector<std::string> more) {
         more.insert(more.begin(), {"render", "世 界世 \uFDD0", "--font", kFont, "-o", file("x.png")});
         const Result result = run(more);

@@ -188,15 +188,18 @@ private:
     std::string mHan;
 };
 
-// The first of fontconfig's fonts that the port can draw and that has all of the cluster; null for none.
-std::shared_ptr<const LoadedFont> systemFontFor(const Cluster& cluster, const std::string& language,
-                                                const FontFacts& like) {
-    for (const FontChoice& choice : systemFontsFor(cluster.characters, language, like)) {
+// The first of fontconfig's fonts that the port can draw and that has all of the characters; null for none.
+std::shared_ptr<const LoadedFont> systemFontFor(const std::vector<uint32_t>& characters,
+                                                const std::string& language, const FontFacts& like) {
+    // Fonts that fontconfig knows and the port cannot draw: read once, not for every cluster.
+    static std::set<std::string> refused;
+    for (const FontChoice& choice : systemFontsFor(characters, language, like)) {
+        if (refused.count(choice.name()) != 0) continue;
         try {
             auto font = loadFont("--font", choice);
-            if (hasAll(*font, cluster.characters)) return font;
+            if (hasAll(*font, characters)) return font;
         } catch (const std::runtime_error&) {
-            continue;  // a font that fontconfig knows and the port cannot draw
+            refused.insert(choice.name());
         }
     }
     return nullptr;
@@ -205,17 +208,23 @@ std::shared_ptr<const LoadedFont> systemFontFor(const Cluster& cluster, const st
 void addSystemFonts(SceneFonts& scene, const std::vector<Cluster>& clusters, const Languages& languages) {
     size_t questions = 0;
     for (const Cluster& cluster : clusters) {
-        const auto added = scene.fonts.begin() + static_cast<std::ptrdiff_t>(scene.given);
-        if (std::any_of(added, scene.fonts.end(),
-                        [&](const auto& font) { return hasAll(*font, cluster.characters); })) {
-            continue;
-        }
         if (cluster.characters.size() > kMaxAsked ||
             u_iscntrl(static_cast<UChar32>(cluster.characters[0])) != 0)
             continue;
-        if (scene.fonts.size() - scene.given >= kMaxSystemFonts || ++questions > kMaxQuestions) return;
-        if (auto font = systemFontFor(cluster, languages.of(cluster), scene.first().facts)) {
-            scene.fonts.push_back(std::move(font));
+        const std::string language = languages.of(cluster);
+        std::vector<std::vector<uint32_t>> wanted = {cluster.characters};
+        // Where no font has a letter together with its marks, the letter alone is better than nothing.
+        if (cluster.characters.size() > 1) wanted.push_back({cluster.characters[0]});
+        for (const std::vector<uint32_t>& characters : wanted) {
+            if (std::any_of(scene.fonts.begin(), scene.fonts.end(),
+                            [&](const auto& font) { return hasAll(*font, characters); })) {
+                break;
+            }
+            if (scene.fonts.size() - scene.given >= kMaxSystemFonts || ++questions > kMaxQuestions) return;
+            if (auto font = systemFontFor(characters, language, scene.first().facts)) {
+                scene.fonts.push_back(std::move(font));
+                break;
+            }
         }
     }
 }
