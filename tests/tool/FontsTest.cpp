@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <nlohmann/json.hpp>
+#include <thread>
 
+#include "tests/host/FreeTypeOracle.h"
 #include "tests/tool/Program.h"
+#include FT_MULTIPLE_MASTERS_H
 
 namespace {
 
@@ -53,13 +56,63 @@ TEST_F(Fonts, AxesMoveOutlinesAndAdvances) {
     EXPECT_NE(readPng(file("out.png")).rgba, thin.rgba);
 }
 
+TEST_F(Fonts, OutlinesAreFreeTypesAtThoseCoordinates) {
+    const std::string content = slurp(kInter);
+    const std::vector<uint8_t> bytes(content.begin(), content.end());
+    const FreeTypeOracle oracle(bytes, 0);
+    const auto places = {std::pair("slnt=-10,wght=100", std::array<FT_Fixed, 2>{100 << 16, -10 * 65536}),
+                         {"wght=633.25,slnt=-3.5", {41500672, -229376}}};
+    for (auto [axes, coordinates] : places) {
+        ASSERT_EQ(FT_Set_Var_Design_Coordinates(oracle.face(), 2, coordinates.data()), 0);
+        const host::GlyphImage glyph = oracle.outline(oracle.glyph('H'), 200, 0);
+        render("H", {"--font", kInter, "--axes", axes, "--size", "200", "--trim"});
+        const Image picture = readPng(file("out.png"));
+        std::vector<uint8_t> alpha;
+        for (size_t i = 3; i < picture.rgba.size(); i += 4) alpha.push_back(picture.rgba[i]);
+        EXPECT_EQ(picture.width, static_cast<unsigned>(glyph.width));
+        EXPECT_TRUE(alpha == glyph.coverage) << axes;
+    }
+}
+
 TEST_F(Fonts, AFontOfACollection) {
     const std::string first = render("骨直", {"--font", kCjk});
     EXPECT_EQ(render("骨直", {"--font", kCjk + "#0"}), first);
     const std::string chinese = render("骨直", {"--font", kCjk + "#2"});
     EXPECT_NE(chinese, first) << "drawn as in China";
-    fs::create_symlink(kFont, file("named#2"));
-    EXPECT_EQ(render("A", {"--font", file("named#2")}), render("A", {"--font", kFont})) << "the file wins";
+    fs::create_symlink(kFont, file("a-Bold#2"));
+    fs::create_symlink(kCjk, file("a-Bold"));
+    EXPECT_EQ(render("A", {"--font", file("a-Bold#2")}), render("A", {"--font", kFont})) << "the file wins";
+    EXPECT_EQ(render("骨直", {"--font", file("a-Bold#2"), "--fallback", file("a-Bold#02"), "--no-fallback"}),
+              render("骨直", {"--font", kFont, "--fallback", kCjk + "#2"}));
+}
+
+TEST_F(Fonts, OddFilesThatAreFonts) {
+    const std::string picture = render("A", {"--font", kFont});
+    // The library leaves fonts of such paths to the phone's own families.
+    fs::create_directories(file("system/fonts"));
+    fs::create_symlink(kFont, file("system/fonts/Roboto-Bold.ttf"));
+    EXPECT_EQ(render("A", {"--font", file("system/fonts/Roboto-Bold.ttf")}), picture);
+    ASSERT_EQ(mkfifo(file("pipe").c_str(), 0600), 0);
+    std::thread writer([&] { std::ofstream(file("pipe"), std::ios::binary) << slurp(kFont); });
+    EXPECT_EQ(render("A", {"--font", file("pipe")}), picture) << "read once";
+    writer.join();
+    std::string odd = slurp(kFont);
+    const auto number = [&](size_t at, size_t bytes) {
+        size_t value = 0;
+        for (; bytes > 0; --bytes) value = value << 8 | static_cast<unsigned char>(odd[at++]);
+        return value;
+    };
+    // A character map that goes beyond Unicode: format 10, U+10FFF0 and 32 characters.
+    const std::string map("\0\0\0\1\0\3\0\12\0\0\0\14\0\12\0\0\0\0\0\124\0\0\0\0\0\20\xFF\xF0\0\0\0\40", 32);
+    odd.replace(number(odd.find("cmap") + 8, 4), 96, map + std::string(64, '\5'));
+    // Names in Japanese alone: its numbers on the Macintosh and on Windows.
+    const size_t names = number(odd.find("name") + 8, 4);
+    for (size_t at = names + 6, last = at + 12 * number(names + 2, 2); at < last; at += 12) {
+        odd.replace(at + 4, 2, number(at, 2) == 1 ? std::string("\0\13", 2) : "\4\21");
+    }
+    const Json facts = inspect({"font", write("odd.ttf", odd)});
+    EXPECT_EQ(facts["characters"], 16);
+    EXPECT_EQ(facts["family"], "DejaVu Sans");
 }
 
 TEST_F(Fonts, ByName) {
@@ -74,6 +127,8 @@ TEST_F(Fonts, ByName) {
     const Json bold = inspect({"font", "Inter:bold"});  // a named instance of a variable font
     EXPECT_EQ(bold["weight"], 700);
     EXPECT_EQ(bold["style"], "Bold");
+    EXPECT_EQ(inspect({"font", "Inter:bold", "--axes", "wght=400"})["weight"], 400);
+    EXPECT_EQ(inspect({"font", "Inter:variable=true:fontvariations=wght=333"})["weight"], 333);
     EXPECT_NE(inspect({"font", "sans-serif"})["family"], "") << "any font serves a generic name";
 
     expectRefused({"font", "No Such Family"}, 1,
@@ -82,7 +137,21 @@ TEST_F(Fonts, ByName) {
     for (const char* name : {"Noto Sans:weight=0", "Noto Sans Arabic:italic", "DejaVu Sans:style=Fat"}) {
         expectRefused({"font", name}, 1, std::string("FONT: '") + name + "' is a style that the font lacks");
     }
-    expectRefused({"font", "DejaVu Sans:blod"}, 2, "FONT: 'blod' in 'DejaVu Sans:blod' is no style");
+    expectRefused({"font", "DejaVu Sans:lang=ja"}, 1, "FONT: 'DejaVu Sans:lang=ja' is a language");
+    for (const char* style : {"blod", "slant=x", "weight", "no=1", ""}) {
+        const std::string name = std::string("DejaVu Sans:") + style;
+        expectRefused({"font", name}, 2, std::string("FONT: '") + style + "' in '" + name + "' is no style");
+    }
+    expectRefused({"font", "DejaVu Sans:bold:weight=80"}, 2,
+                  "FONT: 'DejaVu Sans:bold:weight=80' says the weight twice");
+    for (const char* name : {" ", ",:bold", "DejaVu Sans:weight=blod"}) {
+        expectRefused({"font", name}, 2, std::string("FONT: '") + name + "' is neither a file nor a name");
+    }
+    fs::create_directory(file("DejaVu Sans"));
+    const fs::path here = fs::current_path();
+    fs::current_path(mFolder);
+    EXPECT_EQ(inspect({"font", "DejaVu Sans:bold"})["file"], kFont) << "a folder of that name";
+    fs::current_path(here);
     expectRefused({"font", std::string(100000, ':')}, 2, "FONT: '");
     expectRefused({"font", "\xFF\xFE"}, 2, "FONT: '");
     setenv("FONTCONFIG_FILE", write("empty.conf", "<fontconfig/>").c_str(), 1);
@@ -157,16 +226,29 @@ TEST_F(Fonts, BadFontsAndAxesAreNamed) {
     expectRefused({"font", mFolder}, 1, "FONT: '" + mFolder.string() + "' is a folder");
     expectRefused({"font", write("cut.ttf", whole.substr(0, 400))}, 1, "FONT: '");
     expectRefused({"font", kCjk + "#10"}, 2, "FONT: '" + kCjk + "' has no font #10; its last is #9");
+    for (const char* number : {"", "x", "-1", "1e0"}) {
+        expectRefused({"font", kCjk + "#" + number}, 2, std::string("FONT: '") + number + "' after '" + kCjk);
+    }
+    expectRefused({"font", file("a#b")}, 1, "FONT: cannot read '" + file("a#b").string());
+    expectRefused({"font", file("a#1")}, 1, "FONT: cannot read '" + file("a").string() + "'");
+    expectRefused({"font", write("x.woff2", "wOF2....")}, 1,
+                  "FONT: '" + file("x.woff2").string() + "' is a compr");
+    expectRefused({"font", write("empty.ttf", "")}, 1, "FONT: '" + file("empty.ttf").string() + "' is empty");
+    fs::resize_file(write("huge.ttf", ""), uintmax_t{2} << 30);
+    expectRefused({"font", file("huge.ttf")}, 1, "FONT: '" + file("huge.ttf").string() + "' is larger than");
     expectRefused({"font", kFont + "#1"}, 2, "FONT: '" + kFont + "' has no font #1; it is a single font");
     expectRefused({"font", kFont, "--axes", "wght=1"}, 2, "--axes: '" + kFont + "' has no axes");
+    expectRefused({"font", "DejaVu Sans:fontvariations=wght=4"}, 2, "FONT: '");
     for (const char* axis : {"opsz=20", "wght", "=4", "wght=400,", "WGHT=400"}) {
         expectRefused({"font", kInter, "--axes", axis}, 2, "--axes: '");
     }
     expectRefused(
         {"font", kInter, "--axes", "opsz=20"}, 2,
         "--axes: 'opsz=20' is no AXIS=VALUE of '" + kInter + "', which has wght 100 to 900, slnt -10 to 0");
-    expectRefused({"font", kInter, "--axes", "wght=901"}, 2,
-                  "--axes wght: '901' is not a number from 100 to 900");
+    for (const char* value : {"901", "nan", "650px", ""}) {
+        expectRefused({"font", kInter, "--axes", std::string("wght=") + value}, 2,
+                      std::string("--axes wght: '") + value + "' is not a number from 100 to 900");
+    }
     expectRefused({"font", kInter, "--axes", "wght=400,wght=500"}, 2, "--axes: 'wght' is given twice");
 }
 

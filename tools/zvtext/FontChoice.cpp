@@ -2,15 +2,13 @@
 #include "tools/zvtext/FontChoice.h"
 
 #include <fontconfig/fontconfig.h>
-#include <hb-ot.h>
-#include <hb.h>
 #include <sys/stat.h>
 
 #include <algorithm>
 #include <cmath>
-#include <cstring>
 #include <map>
 #include <memory>
+#include <set>
 
 #include "tools/zvtext/Failure.h"
 #include "tools/zvtext/TextInput.h"
@@ -55,9 +53,10 @@ FcConfig* fontconfig() {
     return config;
 }
 
-bool exists(const std::string& path) {
+// A folder is none: one that is called as a font is must not hide it.
+bool isFile(const std::string& path) {
     struct stat status;
-    return stat(path.c_str(), &status) == 0;
+    return stat(path.c_str(), &status) == 0 && !S_ISDIR(status.st_mode);
 }
 
 std::string folded(const std::string& text) {
@@ -68,22 +67,31 @@ std::string folded(const std::string& text) {
     return out;
 }
 
+bool endsAsFontFile(const std::string& text) {
+    const size_t dot = text.rfind('.');
+    const std::string end = dot != std::string::npos ? folded(text.substr(dot + 1)) : "";
+    return end == "ttf" || end == "otf" || end == "ttc" || end == "otc";
+}
+
 bool looksLikeFile(const std::string& text) {
-    if (text.find('/') != std::string::npos) return true;
-    const std::string end = folded(text.substr(text.find_last_of('.') + 1));
-    return text.find('.') != std::string::npos &&
-           (end == "ttf" || end == "otf" || end == "ttc" || end == "otc");
+    return text.find('/') != std::string::npos || endsAsFontFile(text);
 }
 
 // Splits "FILE#N".
 bool readIndex(const std::string& option, const std::string& text, FontChoice& choice) {
     const size_t hash = text.rfind('#');
-    if (hash == std::string::npos || hash == 0 || hash + 1 == text.size()) return false;
-    const std::string path = text.substr(0, hash), digits = text.substr(hash + 1);
-    if (!std::all_of(digits.begin(), digits.end(), [](char c) { return c >= '0' && c <= '9'; })) return false;
-    if (!exists(path) && !looksLikeFile(path)) return false;
+    if (hash == std::string::npos || hash == 0) return false;
+    const std::string path = text.substr(0, hash), number = text.substr(hash + 1);
+    const bool isNumber = !number.empty() && std::all_of(number.begin(), number.end(),
+                                                         [](char c) { return c >= '0' && c <= '9'; });
+    const bool isFont = isFile(path) || endsAsFontFile(path);
+    if (isFont && !isNumber) {
+        throw UsageError(option + ": '" + number + "' after '" + path +
+                         "' is no number of a font in a collection; write FILE#0 for the first");
+    }
+    if (!isNumber || !(isFont || looksLikeFile(path))) return false;
     choice.path = path;
-    choice.index = parseInteger(option, digits, 0, 0xFFFF);
+    choice.index = parseInteger(option, number, 0, 0xFFFF);
     return true;
 }
 
@@ -145,42 +153,11 @@ bool hasStyle(FcPattern* asked, FcPattern* answer) {
            isNear(asked, answer, FC_WIDTH, kNearWidth, [](double width) { return width; });
 }
 
-void setAxis(std::vector<AxisValue>& axes, const hb_ot_var_axis_info_t& axis, float value) {
-    char name[4];
-    hb_tag_to_string(axis.tag, name);
-    const std::string tag(name, 4);
-    axes.erase(std::remove_if(axes.begin(), axes.end(), [&](const AxisValue& a) { return a.tag == tag; }),
-               axes.end());
-    const float inside = std::clamp(value, axis.min_value, axis.max_value);
-    if (inside != axis.default_value) axes.push_back({tag, static_cast<double>(inside)});
-}
-
-// The axes of a pattern's font: those of a named instance (counted from 1; 0: none), then `variations`.
-std::vector<AxisValue> axesOf(const FontChoice& choice, unsigned instance, const std::string& variations) {
-    std::vector<AxisValue> values;
-    if (instance == 0 && variations.empty()) return values;
-    const std::unique_ptr<hb_blob_t, void (*)(hb_blob_t*)> blob(hb_blob_create_from_file(choice.path.c_str()),
-                                                                hb_blob_destroy);
-    const std::unique_ptr<hb_face_t, void (*)(hb_face_t*)> face(
-        hb_face_create(blob.get(), static_cast<unsigned>(choice.index)), hb_face_destroy);
-    unsigned count = 64;
-    std::vector<hb_ot_var_axis_info_t> axes(count);
-    hb_ot_var_get_axis_infos(face.get(), 0, &count, axes.data());
-    axes.resize(count);
-    if (instance > 0) {
-        std::vector<float> places(64);
-        unsigned length = count;
-        hb_ot_var_named_instance_get_design_coords(face.get(), instance - 1, &length, places.data());
-        for (unsigned i = 0; i < std::min(count, length); ++i) setAxis(values, axes[i], places[i]);
-    }
-    for (const std::string& part : split(variations, ',')) {
-        hb_variation_t variation;
-        if (hb_variation_from_string(part.data(), static_cast<int>(part.size()), &variation) == 0) continue;
-        for (const hb_ot_var_axis_info_t& axis : axes) {
-            if (axis.tag == variation.tag) setAxis(values, axis, variation.value);
-        }
-    }
-    return values;
+bool hasLanguages(FcPattern* asked, FcPattern* answer) {
+    FcLangSet *wanted = nullptr, *got = nullptr;
+    if (FcPatternGetLangSet(asked, FC_LANG, 0, &wanted) != FcResultMatch) return true;
+    return FcPatternGetLangSet(answer, FC_LANG, 0, &got) == FcResultMatch &&
+           FcLangSetContains(got, wanted) != FcFalse;
 }
 
 FontChoice choiceOf(FcPattern* pattern) {
@@ -189,13 +166,31 @@ FontChoice choiceOf(FcPattern* pattern) {
     int index = 0;
     FcPatternGetInteger(pattern, FC_INDEX, 0, &index);
     choice.index = index & 0xFFFF;
-    const auto instance = static_cast<unsigned>(index) >> 16 & 0x7FFF;
-    choice.axes = axesOf(choice, instance, firstOf(pattern, FC_FONT_VARIATIONS));
+    choice.instance = static_cast<unsigned>(index) >> 16 & 0x7FFF;
+    choice.variations = firstOf(pattern, FC_FONT_VARIATIONS);
     return choice;
 }
 
-// A pattern as fontconfig reads it, which passes silently over what it does not know: ":blod", and the part
-// of a family after a dash, where it expects a size.
+// The object that a part of a pattern after its families sets: "bold" the weight, "weight=bold" too. Empty
+// where fontconfig would pass over the part, or take a number that it is not.
+std::string objectOf(const std::string& part) {
+    const auto constantOf = [](const std::string& name) {
+        return FcNameGetConstant(reinterpret_cast<const FcChar8*>(name.c_str()));
+    };
+    const size_t equals = part.find('=');
+    if (equals == std::string::npos) {
+        const FcConstant* constant = constantOf(part);
+        return constant != nullptr ? constant->object : "";
+    }
+    const std::string name = part.substr(0, equals), value = part.substr(equals + 1);
+    const FcObjectType* type = FcNameGetObjectType(name.c_str());
+    if (type == nullptr || type->type == FcTypeUnknown) return "";
+    const bool isNumber = !value.empty() && value.find_first_not_of("0123456789") == std::string::npos;
+    return type->type != FcTypeInteger || isNumber || constantOf(value) != nullptr ? name : "";
+}
+
+// A pattern as fontconfig reads it, which passes silently over what it does not know (":blod", and the part
+// of a family after a dash, where it expects a size) and over the second of two weights.
 FcOwner<FcPattern> readPattern(const std::string& option, const std::string& text) {
     std::string pattern;
     std::vector<std::string> parts(1);
@@ -212,18 +207,20 @@ FcOwner<FcPattern> readPattern(const std::string& option, const std::string& tex
         pattern += text[i];
         parts.back() += text[i];
     }
+    std::set<std::string> objects;
     for (size_t i = 1; i < parts.size(); ++i) {
-        const size_t equals = parts[i].find('=');
-        const std::string name = parts[i].substr(0, equals);
-        const FcObjectType* type = FcNameGetObjectType(name.c_str());
-        const bool known = equals != std::string::npos
-                               ? type != nullptr && type->type != FcTypeUnknown
-                               : FcNameGetConstant(reinterpret_cast<const FcChar8*>(name.c_str())) != nullptr;
-        if (!known) {
+        const std::string object = objectOf(parts[i]);
+        if (object.empty()) {
             throw UsageError(option + ": '" + parts[i] + "' in '" + text + "' is no style of fontconfig's");
         }
+        if (!objects.insert(object).second) {
+            throw UsageError(option + ": '" + text + "' says the " + object + " twice");
+        }
     }
-    return FcOwner<FcPattern>(FcNameParse(reinterpret_cast<const FcChar8*>(pattern.c_str())));
+    const bool blank = !parts[0].empty() && parts[0].find_first_not_of(" ,") == std::string::npos;
+    FcOwner<FcPattern> read(blank ? nullptr : FcNameParse(reinterpret_cast<const FcChar8*>(pattern.c_str())));
+    if (read == nullptr) throw UsageError(option + ": '" + text + "' is neither a file nor a name");
+    return read;
 }
 
 FontChoice matchFont(const std::string& option, const std::string& text) {
@@ -232,7 +229,6 @@ FontChoice matchFont(const std::string& option, const std::string& text) {
     }
     if (fontconfig() == nullptr) throw Failure(option + ": fontconfig has no configuration");
     const FcOwner<FcPattern> asked = readPattern(option, text);
-    if (asked == nullptr) throw UsageError(option + ": '" + text + "' is neither a file nor a name");
     const FcOwner<FcPattern> pattern(FcPatternDuplicate(asked.get()));
     FcConfigSubstitute(fontconfig(), pattern.get(), FcMatchPattern);
     FcDefaultSubstitute(pattern.get());
@@ -251,6 +247,9 @@ FontChoice matchFont(const std::string& option, const std::string& text) {
     }
     if (!hasStyle(asked.get(), answer.get())) {
         throw Failure(option + ": '" + text + "' is a style that the font lacks; " + instead);
+    }
+    if (!hasLanguages(asked.get(), answer.get())) {
+        throw Failure(option + ": '" + text + "' is a language that the font lacks letters of; " + instead);
     }
     return choiceOf(answer.get());
 }
@@ -280,8 +279,11 @@ const FcFontSet* sortedFonts(const std::string& language, const FontFacts& like)
 FontChoice chooseFont(const std::string& option, const std::string& text) {
     FontChoice choice;
     choice.path = text;
-    if (text.empty() || exists(text) || readIndex(option, text, choice) || looksLikeFile(text)) return choice;
-    return matchFont(option, text);
+    if (text.empty() || isFile(text) || readIndex(option, text, choice) || looksLikeFile(text)) return choice;
+    // A batch asks for the same few names line by line, and a match costs as much as a small picture.
+    static std::map<std::string, FontChoice> answers;
+    const auto known = answers.find(text);
+    return known != answers.end() ? known->second : answers[text] = matchFont(option, text);
 }
 
 std::vector<FontChoice> systemFontsFor(const std::vector<uint32_t>& characters, const std::string& language,

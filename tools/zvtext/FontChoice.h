@@ -17,9 +17,10 @@ constexpr char kAxesHelp[] = "Where the axes of a variable font stand, such as w
 // The font that `text` names: a file; FILE#N, the font N (from 0) of a collection; else a pattern of
 // fontconfig. A file whose name ends in #N wins over its font, and what has a slash or ends as font files do
 // is always a file. fontconfig answers any name with some font: one of another family, or without the weight,
-// slant, width or style asked for, is a Failure that says which font it would have been. Generic names
-// (sans-serif, monospace, ...) and patterns without a family take what is answered. Every message starts with
-// `option`.
+// slant, width, style or language asked for, is a Failure that says which font it would have been. Generic
+// names (sans-serif, monospace, ...) and patterns without a family take what is answered. What is no pattern
+// or no number of a font is a UsageError. Every message starts with `option`. A pattern is answered once a
+// process. One thread at a time.
 FontChoice chooseFont(const std::string& option, const std::string& text);
 
 // The system's fonts that have all the characters, best first, at most eight: in fontconfig's order for a

@@ -1,14 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "tools/zvtext/FontFile.h"
 
-#include <hb-ot.h>
-#include <hb.h>
-
 #include <hwui/MinikinSkia.h>
 #include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <map>
+#include <tuple>
 
 #include "foundation/ZvString.h"
 #include "text/FontManager.h"
@@ -22,7 +20,7 @@ namespace {
 
 constexpr size_t kMaxFontBytes = size_t{1} << 30;
 constexpr unsigned kMaxInstances = 1000;
-constexpr unsigned kMaxAxes = 64;  // that a font may have; real ones have about ten
+constexpr unsigned kMaxAxes = 64;
 
 struct HbDeleter {
     void operator()(hb_blob_t* blob) const { hb_blob_destroy(blob); }
@@ -32,19 +30,19 @@ struct HbDeleter {
 template <typename T>
 using HbOwner = std::unique_ptr<T, HbDeleter>;
 
-std::string tagName(hb_tag_t tag) {
-    char name[4];
-    hb_tag_to_string(tag, name);
-    std::string text(name, 4);
-    return text.substr(0, text.find_last_not_of(' ') + 1);
-}
+struct AxisValue {
+    hb_tag_t tag;
+    double value;
+};
 
-std::vector<hb_ot_var_axis_info_t> axesOf(hb_face_t* face) {
-    std::vector<hb_ot_var_axis_info_t> axes(kMaxAxes);
-    unsigned count = kMaxAxes;
-    hb_ot_var_get_axis_infos(face, 0, &count, axes.data());
-    axes.resize(count);
-    return axes;
+void setAxis(std::vector<AxisValue>& values, hb_tag_t tag, double value) {
+    for (AxisValue& known : values) {
+        if (known.tag == tag) {
+            known.value = value;
+            return;
+        }
+    }
+    values.push_back({tag, value});
 }
 
 // "wght 100 to 900, opsz 14 to 32"
@@ -59,11 +57,10 @@ std::string listAxes(const std::vector<hb_ot_var_axis_info_t>& axes) {
 }
 
 // Reads "wght=650,opsz=20" over `values`. Throws UsageError.
-void readAxes(const std::string& option, const std::string& text, const std::string& font, hb_face_t* face,
-              std::vector<AxisValue>& values) {
-    const std::vector<hb_ot_var_axis_info_t> axes = axesOf(face);
+void readAxes(const std::string& option, const std::string& text, const std::string& font,
+              const std::vector<hb_ot_var_axis_info_t>& axes, std::vector<AxisValue>& values) {
     if (axes.empty()) throw UsageError(option + ": '" + font + "' has no axes");
-    std::vector<std::string> seen;
+    std::vector<hb_tag_t> seen;
     for (const std::string& part : split(text, ',')) {
         const size_t equals = part.find('=');
         const std::string tag = part.substr(0, equals);
@@ -73,21 +70,44 @@ void readAxes(const std::string& option, const std::string& text, const std::str
             throw UsageError(option + ": '" + part + "' is no AXIS=VALUE of '" + font + "', which has " +
                              listAxes(axes));
         }
-        if (std::find(seen.begin(), seen.end(), tag) != seen.end()) {
+        if (std::find(seen.begin(), seen.end(), axis->tag) != seen.end()) {
             throw UsageError(option + ": '" + tag + "' is given twice");
         }
-        seen.push_back(tag);
+        seen.push_back(axis->tag);
         const NumberRange range = {static_cast<double>(axis->min_value),
                                    static_cast<double>(axis->max_value)};
-        const double value = parseNumber(option + " " + tag, part.substr(equals + 1), range);
-        const auto known = std::find_if(values.begin(), values.end(),
-                                        [&](const AxisValue& other) { return other.tag == tag; });
-        if (known != values.end()) {
-            known->value = value;
-        } else {
-            values.push_back({tag, value});
+        setAxis(values, axis->tag, parseNumber(option + " " + tag, part.substr(equals + 1), range));
+    }
+}
+
+// Where the font's axes stand; those at their defaults are left out.
+std::vector<AxisValue> placesOf(const std::string& option, const FontChoice& choice, hb_face_t* face,
+                                const std::string& axesOption, const std::string& axesText) {
+    const std::vector<hb_ot_var_axis_info_t> axes = axesOf(face);
+    std::vector<AxisValue> values;
+    if (choice.instance > 0) {
+        float places[kMaxAxes];
+        unsigned count = kMaxAxes;
+        hb_ot_var_named_instance_get_design_coords(face, choice.instance - 1, &count, places);
+        for (size_t i = 0; i < std::min<size_t>(count, axes.size()); ++i) {
+            const float place = std::clamp(places[i], axes[i].min_value, axes[i].max_value);
+            setAxis(values, axes[i].tag, static_cast<double>(place));
         }
     }
+    // fontconfig writes its own places before those of the pattern, so an axis may be there twice.
+    if (!choice.variations.empty()) {
+        for (const std::string& part : split(choice.variations, ',')) {
+            readAxes(option, part, choice.name(), axes, values);
+        }
+    }
+    if (!axesText.empty()) readAxes(axesOption, axesText, choice.name(), axes, values);
+    const auto atDefault = [&](const AxisValue& value) {
+        return std::any_of(axes.begin(), axes.end(), [&](const auto& axis) {
+            return axis.tag == value.tag && static_cast<double>(axis.default_value) == value.value;
+        });
+    };
+    values.erase(std::remove_if(values.begin(), values.end(), atDefault), values.end());
+    return values;
 }
 
 void appendBigEndian(std::string& bytes, uint32_t value) {
@@ -96,7 +116,7 @@ void appendBigEndian(std::string& bytes, uint32_t value) {
 
 // The font as a file of its own, with the table that tells the port where its axes stand. The library passes
 // bytes on as they are, so this needs no word of its own there.
-std::string rebuilt(hb_face_t* face, const std::vector<AxisValue>& axes) {
+HbOwner<hb_blob_t> rebuilt(hb_face_t* face, const std::vector<AxisValue>& axes) {
     const HbOwner<hb_face_t> builder(hb_face_builder_create());
     hb_tag_t tags[64];
     unsigned count = 64;
@@ -110,18 +130,16 @@ std::string rebuilt(hb_face_t* face, const std::vector<AxisValue>& axes) {
     }
     std::string values;
     for (const AxisValue& axis : axes) {
-        appendBigEndian(values, hb_tag_from_string(axis.tag.c_str(), static_cast<int>(axis.tag.size())));
-        appendBigEndian(values, static_cast<uint32_t>(static_cast<int32_t>(std::lround(axis.value * 65536))));
+        const double fixed = std::clamp(std::round(axis.value * 65536), -2147483648.0, 2147483647.0);
+        appendBigEndian(values, axis.tag);
+        appendBigEndian(values, static_cast<uint32_t>(static_cast<int32_t>(fixed)));
     }
     if (!values.empty()) {
         const HbOwner<hb_blob_t> table(hb_blob_create(values.data(), static_cast<unsigned>(values.size()),
                                                       HB_MEMORY_MODE_READONLY, nullptr, nullptr));
         hb_face_builder_add_table(builder.get(), host::kAxesTable, table.get());
     }
-    const HbOwner<hb_blob_t> file(hb_face_reference_blob(builder.get()));
-    unsigned length = 0;
-    const char* bytes = hb_blob_get_data(file.get(), &length);
-    return std::string(bytes != nullptr ? bytes : "", length);
+    return HbOwner<hb_blob_t>(hb_face_reference_blob(builder.get()));
 }
 
 // The name of the named instance at the place where the font's axes stand; empty for none.
@@ -164,7 +182,8 @@ FontFacts factsOf(const host::FontFace& face) {
     return facts;
 }
 
-// A name that no file has, saying the weight the way the font manager reads it from file names.
+// A name that no file has (there is nothing below a device), saying the weight the way the font manager reads
+// it from file names.
 std::string keyFor(const FontFacts& facts, size_t number) {
     const char* weight = facts.weight < 250   ? "-Thin"
                          : facts.weight < 350 ? "-Light"
@@ -172,22 +191,32 @@ std::string keyFor(const FontFacts& facts, size_t number) {
                          : facts.weight < 600 ? "-Medium"
                          : facts.weight < 800 ? "-Bold"
                                               : "-Black";
-    return "zvtext font " + std::to_string(number) + weight;
+    return "/dev/null/" + std::to_string(number) + weight;
 }
 
-std::shared_ptr<host::FontFace> hold(const std::string& key, const std::string& content) {
-    std::unique_ptr<char[]> bytes(new char[content.size()]);
-    std::memcpy(bytes.get(), content.data(), content.size());
+std::shared_ptr<host::FontFace> faceOf(const minikin::MinikinFont& font) {
+    return static_cast<const android::MinikinFontSkia&>(font).RefSkTypeface()->face();
+}
+
+// Hands the bytes to the font manager; null where it does not take them, or does not draw with them what is
+// drawn with `key`: it leaves the system's own Roboto to the system's families, wherever on the disk the
+// folder that holds them on a phone may be.
+std::shared_ptr<host::FontFace> hold(const std::string& key, const char* content, size_t size) {
+    std::unique_ptr<char[]> bytes(new char[size]);
+    std::memcpy(bytes.get(), content, size);
     Zvex::FontManager* manager = Zvex::FontManager::GetInstance();
     std::shared_ptr<minikin::MinikinFont> font;
     Zvex::ZvString name;
     if (name.Construct(key.c_str()) == 0 ||
-        !manager->AddMinikinFont(key.c_str(), bytes.release(), static_cast<unsigned>(content.size()), 0,
-                                 true) ||
+        !manager->AddMinikinFont(key.c_str(), bytes.release(), static_cast<unsigned>(size), 0, true) ||
         !manager->GetMinikinFont(font, &name, 0)) {
         return nullptr;
     }
-    return static_cast<const android::MinikinFontSkia&>(*font).RefSkTypeface()->face();
+    std::vector<std::shared_ptr<minikin::FontFamily>> families;
+    int weight = 400;
+    manager->GetMinikinFontFamilies(families, &name, weight);
+    const minikin::Font* first = families.empty() ? nullptr : families[0]->getClosestMatch({}).font;
+    return first != nullptr && first->typeface() == font ? faceOf(*font) : nullptr;
 }
 
 std::shared_ptr<const LoadedFont> readFont(const std::string& option, const FontChoice& choice,
@@ -198,6 +227,9 @@ std::shared_ptr<const LoadedFont> readFont(const std::string& option, const Font
     // readFile takes "-" for standard input; a font is always a file.
     const std::string content = readFile(option, path == "-" ? "./-" : path, kMaxFontBytes);
     if (content.empty()) throw Failure(option + ": '" + path + "' is empty");
+    if (content.compare(0, 4, "wOFF") == 0 || content.compare(0, 4, "wOF2") == 0) {
+        throw Failure(option + ": '" + path + "' is a compressed font (WOFF); unpack it to .ttf or .otf");
+    }
     const Failure unreadable(option + ": '" + choice.name() +
                              "' is no font that can be read (or a damaged one)");
     const HbOwner<hb_blob_t> blob(hb_blob_create(content.data(), static_cast<unsigned>(content.size()),
@@ -207,22 +239,26 @@ std::shared_ptr<const LoadedFont> readFont(const std::string& option, const Font
         throw UsageError(option + ": '" + path + "' has no font #" + std::to_string(choice.index) + "; " +
                          (fonts == 1 ? "it is a single font" : "its last is #" + std::to_string(fonts - 1)));
     }
-    std::shared_ptr<host::FontFace> face = host::FontFace::open(content.data(), content.size(), choice.index);
+    const std::shared_ptr<host::FontFace> face =
+        host::FontFace::open(content.data(), content.size(), choice.index);
     if (face == nullptr) throw unreadable;
 
     auto font = std::make_shared<LoadedFont>();
     font->choice = choice;
     font->fontsInFile = fonts;
-    if (!axes.empty()) readAxes(axesOption, axes, choice.name(), face->hbFace(), font->choice.axes);
-    if (choice.index == 0 && font->choice.axes.empty()) {
+    const std::vector<AxisValue> places = placesOf(option, choice, face->hbFace(), axesOption, axes);
+    if (choice.index == 0 && places.empty()) {
         font->key = path;
-        font->face = hold(path, content);
-    } else {
-        const std::string own = rebuilt(face->hbFace(), font->choice.axes);
-        face = host::FontFace::open(own.data(), own.size(), 0);
-        if (face == nullptr) throw unreadable;
-        font->key = keyFor(factsOf(*face), number);
-        font->face = hold(font->key, own);
+        font->face = hold(path, content.data(), content.size());
+    }
+    if (font->face == nullptr) {
+        const HbOwner<hb_blob_t> own = rebuilt(face->hbFace(), places);
+        unsigned size = 0;
+        const char* bytes = hb_blob_get_data(own.get(), &size);
+        const std::shared_ptr<host::FontFace> ownFace = host::FontFace::open(bytes, size, 0);
+        if (ownFace == nullptr) throw unreadable;
+        font->key = keyFor(factsOf(*ownFace), number);
+        font->face = hold(font->key, bytes, size);
     }
     if (font->face == nullptr) throw Failure(option + ": '" + choice.name() + "' could not be loaded");
     font->facts = factsOf(*font->face);
@@ -238,15 +274,40 @@ std::string FontChoice::name() const {
 std::string fontString(hb_face_t* face, unsigned nameId) {
     char text[512];
     unsigned size = sizeof text;
-    hb_ot_name_get_utf8(face, nameId, hb_language_from_string("en", -1), &size, text);
+    hb_language_t language = hb_language_from_string("en", -1);
+    if (hb_ot_name_get_utf8(face, nameId, language, nullptr, nullptr) == 0) {
+        // Some fonts state their names in another language alone.
+        unsigned count = 0;
+        const hb_ot_name_entry_t* names = hb_ot_name_list_names(face, &count);
+        const auto named =
+            std::find_if(names, names + count, [&](const auto& entry) { return entry.name_id == nameId; });
+        if (named != names + count) language = named->language;
+    }
+    hb_ot_name_get_utf8(face, nameId, language, &size, text);
     return std::string(text, std::min<size_t>(size, sizeof text - 1));
+}
+
+std::vector<hb_ot_var_axis_info_t> axesOf(hb_face_t* face) {
+    std::vector<hb_ot_var_axis_info_t> axes(kMaxAxes);
+    unsigned count = kMaxAxes;
+    hb_ot_var_get_axis_infos(face, 0, &count, axes.data());
+    axes.resize(count);
+    return axes;
+}
+
+std::string tagName(hb_tag_t tag) {
+    char name[4];
+    hb_tag_to_string(tag, name);
+    std::string text(name, 4);
+    return text.substr(0, text.find_last_not_of(' ') + 1);
 }
 
 std::shared_ptr<const LoadedFont> loadFont(const std::string& option, const FontChoice& choice,
                                            const std::string& axesOption, const std::string& axes) {
-    static std::map<std::string, std::shared_ptr<const LoadedFont>> loaded;
-    std::string key = choice.name() + '\n' + axes;
-    for (const AxisValue& axis : choice.axes) key += '\n' + axis.tag + formatNumber(axis.value);
+    // Not by name(): a file may be called as a font of a collection is written.
+    using Key = std::tuple<std::string, int, unsigned, std::string, std::string>;
+    static std::map<Key, std::shared_ptr<const LoadedFont>> loaded;
+    const Key key(choice.path, choice.index, choice.instance, choice.variations, axes);
     const auto found = loaded.find(key);
     if (found != loaded.end()) return found->second;
     return loaded[key] = readFont(option, choice, axesOption, axes, loaded.size());

@@ -2,6 +2,9 @@
 #ifndef ZVEX_TOOLS_ZVTEXT_FONTFILE_H_
 #define ZVEX_TOOLS_ZVTEXT_FONTFILE_H_
 
+#include <hb-ot.h>
+#include <hb.h>
+
 #include <memory>
 #include <string>
 #include <vector>
@@ -10,17 +13,12 @@
 
 namespace zvtext {
 
-// Where an axis of a variable font stands.
-struct AxisValue {
-    std::string tag;
-    double value = 0;
-};
-
-// One font: a file, the font's place in it, and where its axes stand.
+// One font: a file, the font's place in it, and where the axes of a variable one stand.
 struct FontChoice {
     std::string path;
-    int index = 0;                // in a collection
-    std::vector<AxisValue> axes;  // one that is not named stands at its default
+    int index = 0;           // in a collection
+    unsigned instance = 0;   // the named instance whose places its axes take, from 1; 0: their defaults
+    std::string variations;  // "wght=650,opsz=20", these win over the instance's places
 
     std::string name() const;  // "FILE", or "FILE#INDEX" where the index is not 0
 };
@@ -34,10 +32,10 @@ struct FontFacts {
 };
 
 // A font that the process's font manager holds, as index 0 of `key`. Plain fonts go by their path, from whose
-// words the manager takes a style; a font with axes or from the midst of a collection is rebuilt as a file of
-// its own and goes by a name that says its weight.
+// words the manager takes a style; a font with axes away from their defaults, one from the midst of a
+// collection and one whose path the manager has another use for go by a name that says their weight.
 struct LoadedFont {
-    FontChoice choice;  // its axes: those asked for
+    FontChoice choice;
     std::string key;
     std::shared_ptr<host::FontFace> face;
     FontFacts facts;
@@ -52,8 +50,13 @@ struct LoadedFont {
 std::shared_ptr<const LoadedFont> loadFont(const std::string& option, const FontChoice& choice,
                                            const std::string& axesOption = "", const std::string& axes = "");
 
-// A string of the font's name table (HB_OT_NAME_ID_...), the English one where there are several; UTF-8.
+// A string of the font's name table (HB_OT_NAME_ID_...), the English one where there are several; UTF-8, at
+// most 511 bytes.
 std::string fontString(hb_face_t* face, unsigned nameId);
+
+// The font's axes, at most 64, and a tag as it is written, without the spaces that fill it up.
+std::vector<hb_ot_var_axis_info_t> axesOf(hb_face_t* face);
+std::string tagName(hb_tag_t tag);
 
 }  // namespace zvtext
 

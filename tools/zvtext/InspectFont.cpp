@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 // zvtext inspect font: what a font file is.
 #include <hb-ot.h>
+#include <unicode/uchar.h>
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <cmath>
 #include <memory>
 #include <vector>
 
@@ -19,38 +21,29 @@ namespace {
 
 using HbFont = std::unique_ptr<hb_font_t, void (*)(hb_font_t*)>;
 
-std::string tagOf(hb_tag_t tag) {
-    char name[4];
-    hb_tag_to_string(tag, name);
-    std::string text(name, 4);
-    return text.substr(0, text.find_last_not_of(' ') + 1);
-}
-
-// As a font means it: 0.1 is a float there, not the double next to it.
+// As a font means it: 0.1 is a float there, not the double next to it; and 0 has no sign.
 double plain(float value) {
-    return std::stod(formatNumber(std::round(static_cast<double>(value) * 1000) / 1000));
+    return std::round(static_cast<double>(value) * 1000) / 1000 + 0.0;
 }
 
-Json axesOf(hb_face_t* face, hb_font_t* font) {
+Json describeAxes(hb_face_t* face, hb_font_t* font) {
     Json list = Json::array();
-    unsigned count = hb_ot_var_get_axis_count(face), places = 0;
-    std::vector<hb_ot_var_axis_info_t> infos(count);
-    hb_ot_var_get_axis_infos(face, 0, &count, infos.data());
+    unsigned places = 0;
     const float* place = hb_font_get_var_coords_design(font, &places);
-    for (unsigned i = 0; i < count; ++i) {
-        const hb_ot_var_axis_info_t& axis = infos[i];
-        list.push_back({{"tag", tagOf(axis.tag)},
-                        {"name", fontString(face, axis.name_id)},
-                        {"minimum", plain(axis.min_value)},
-                        {"default", plain(axis.default_value)},
-                        {"maximum", plain(axis.max_value)},
-                        {"value", plain(i < places ? place[i] : axis.default_value)},
-                        {"hidden", (axis.flags & HB_OT_VAR_AXIS_FLAG_HIDDEN) != 0}});
+    for (const hb_ot_var_axis_info_t& axis : axesOf(face)) {
+        list.push_back(
+            {{"tag", tagName(axis.tag)},
+             {"name", fontString(face, axis.name_id)},
+             {"minimum", plain(axis.min_value)},
+             {"default", plain(axis.default_value)},
+             {"maximum", plain(axis.max_value)},
+             {"value", plain(axis.axis_index < places ? place[axis.axis_index] : axis.default_value)},
+             {"hidden", (axis.flags & HB_OT_VAR_AXIS_FLAG_HIDDEN) != 0}});
     }
     return list;
 }
 
-Json instancesOf(hb_face_t* face, const Json& axes) {
+Json describeInstances(hb_face_t* face, const Json& axes) {
     constexpr unsigned kMost = 1000;
     Json list = Json::array();
     const unsigned count = std::min(hb_ot_var_get_named_instance_count(face), kMost);
@@ -72,7 +65,10 @@ ScriptCounts scriptsOf(hb_face_t* face) {
     const std::unique_ptr<hb_set_t, void (*)(hb_set_t*)> set(hb_set_create(), hb_set_destroy);
     hb_face_collect_unicodes(face, set.get());
     ScriptCounts scripts;
-    for (hb_codepoint_t c = HB_SET_VALUE_INVALID; hb_set_next(set.get(), &c) != 0;) scripts.add(c);
+    // Damaged fonts map numbers beyond Unicode, which have no script.
+    for (hb_codepoint_t c = HB_SET_VALUE_INVALID; hb_set_next(set.get(), &c) != 0 && c <= UCHAR_MAX_VALUE;) {
+        scripts.add(c);
+    }
     return scripts;
 }
 
@@ -105,7 +101,7 @@ Json describe(const LoadedFont& loaded) {
     const HbFont font(hb_font_create(face), hb_font_destroy);
     loaded.face->setAxes(font.get());
     const ScriptCounts scripts = scriptsOf(face);
-    const Json axes = axesOf(face, font.get());
+    const Json axes = describeAxes(face, font.get());
     return {{"file", loaded.choice.path},
             {"index", loaded.choice.index},
             {"fontsInFile", loaded.fontsInFile},
@@ -121,7 +117,7 @@ Json describe(const LoadedFont& loaded) {
             {"characters", scripts.characters()},
             {"metrics", metricsOf(font.get(), loaded.facts, loaded.face->unitsPerEm())},
             {"axes", axes},
-            {"instances", instancesOf(face, axes)},
+            {"instances", describeInstances(face, axes)},
             {"scripts", scripts.list()}};
 }
 
