@@ -14,6 +14,7 @@
 #include "Fonts.h"
 #include "FreeTypeOracle.h"
 #include "platform/host/PixelMath.h"
+#include FT_MULTIPLE_MASTERS_H
 
 namespace {
 
@@ -425,6 +426,53 @@ TEST(FontFace, LayersLieOverEachOtherWithTheirPaletteAlphas) {
         EXPECT_EQ(box.right, layers.right);
     }
     EXPECT_TRUE(samePixels(*face->image(round, styled(40), 0), *plain->image(round, styled(40), 0)));
+}
+
+TEST(FontFace, AxesStandWhereTheFontsTableSaysHoweverOddItIs) {
+    constexpr uint32_t kWeight = HB_TAG('w', 'g', 'h', 't'), kOther = HB_TAG('o', 'p', 's', 'z');
+    const auto pairs = [](std::initializer_list<uint32_t> values) {
+        std::string table;
+        put(table, 4, values);
+        return table;
+    };
+    std::string many;
+    for (uint32_t i = 0; i < 63; ++i) put(many, 4, {kWeight, (200 + i) << 16});
+    put(many, 4, {kWeight, 300 << 16, kWeight, 900 << 16});  // the 64th pair, and one that is not read
+    const std::string bold = pairs({kWeight, 700 << 16});
+    const std::tuple<const char*, std::string, int> cases[] = {
+        {"none", "", 400},
+        {"one", bold, 700},
+        {"cut", bold.substr(0, 7), 400},
+        {"cut after one", bold + bold.substr(0, 7), 700},
+        {"unknown axis", pairs({kOther, 20 << 16, kWeight, 700 << 16, 0, 0, 0xFFFFFFFF, 0x80000000}), 700},
+        {"beyond", pairs({kWeight, 0x7FFFFFFF}), 900},
+        {"below", pairs({kWeight, 0x80000000}), 100},
+        {"the last counts", pairs({kWeight, 900 << 16, kWeight, 200 << 16}), 200},
+        {"the first 64", many, 300},
+        {"long", bold + std::string(1 << 20, '\xFF'), 700}};
+    const FreeTypeOracle oracle(fonts::bytes(Role::kVariable), 0);
+    const uint32_t glyph = oracle.glyph('H');
+    for (const auto& [name, table, weight] : cases) {
+        SCOPED_TRACE(name);
+        const std::string file = withTables(Role::kVariable, {{host::kAxesTable, table}});
+        const auto face = opened(file);
+        ASSERT_NE(face, nullptr);
+        FT_Fixed place = FT_Fixed{weight} << 16;
+        ASSERT_EQ(FT_Set_Var_Design_Coordinates(oracle.face(), 1, &place), 0);
+        EXPECT_TRUE(samePixels(*face->image(glyph, styled(90), 1), oracle.outline(glyph, 90, 1)));
+        FT_Load_Glyph(oracle.face(), glyph, FT_LOAD_NO_SCALE);
+        const auto units = static_cast<float>(oracle.face()->glyph->metrics.horiAdvance);
+        EXPECT_EQ(face->advance(glyph, styled(static_cast<float>(face->unitsPerEm()))), units);
+        hb_font_t* font = hb_font_create(face->hbFace());
+        face->setAxes(font);
+        EXPECT_EQ(static_cast<float>(hb_font_get_glyph_h_advance(font, glyph)), units);
+        hb_font_destroy(font);
+    }
+    // A font without axes takes no notice.
+    const std::string file = withTables(Role::kLatinSmall, {{host::kAxesTable, bold}});
+    const auto fixed = opened(file), plain = fonts::open(Role::kLatinSmall);
+    ASSERT_NE(fixed, nullptr);
+    EXPECT_TRUE(samePixels(*fixed->image(40, styled(90), 0), *plain->image(40, styled(90), 0)));
 }
 
 TEST(FontFace, StylesBeyondTheLimitsAreBlank) {
