@@ -68,7 +68,7 @@ TEST_F(InspectStyle, EstimatesTheMemoryThatARenderTakes) {
 
 TEST_F(InspectText, SaysScriptDirectionAndFontOfEachRun) {
     const Result result =
-        run({"inspect", "text", "\u0627\u0644 (1)\nG\u00fc\u4e16\U0001f9ff\U00010000 x", "--font", kFont,
+        run({"inspect", "text", "\u0627\u0644 (1)\nGu\u0308\u4e16\U0001f9ff\U00010000 x", "--font", kFont,
              "--no-fallback", "--fallback", "Noto Sans CJK SC:bold", "--json"});
     ASSERT_EQ(result.status, 0) << result.err;
     const Json report = Json::parse(result.out);
@@ -83,14 +83,14 @@ TEST_F(InspectText, SaysScriptDirectionAndFontOfEachRun) {
     };
     EXPECT_EQ(runs(0), "\u0627\u0644 (|Arab|rtl|0|0-6 1|Zyyy|ltr|0|6-7 )|Zyyy|rtl|0|7-8 ");
     EXPECT_EQ(runs(1),
-              "G\u00fc|Latn|ltr|0|9-12 \u4e16|Hani|ltr|1|12-15 \U0001f9ff\U00010000 |Linb|ltr|0|15-24 "
-              "x|Latn|ltr|0|24-25 ");
+              "Gu\u0308|Latn|ltr|0|9-13 \u4e16|Hani|ltr|1|13-16 \U0001f9ff\U00010000 |Linb|ltr|0|16-25 "
+              "x|Latn|ltr|0|25-26 ");
     EXPECT_EQ(report["missing"], Json::parse(R"(["U+1F9FF", "U+10000"])"));
-    EXPECT_EQ(report["characters"], 13);
+    EXPECT_EQ(report["characters"], 14);
     EXPECT_EQ(report["scripts"][0], Json::parse(R"({"script": "Zyyy", "name": "Common", "characters": 6})"));
     ASSERT_EQ(report["fonts"].size(), 2u);
     EXPECT_EQ(report["fonts"][0]["from"], "--font");
-    EXPECT_EQ(report["fonts"][0]["characters"], 12);
+    EXPECT_EQ(report["fonts"][0]["characters"], 13);
     EXPECT_EQ(report["fonts"][1]["from"], "--fallback");
     EXPECT_EQ(report["fonts"][1]["family"], "Noto Sans CJK SC");
     EXPECT_EQ(report["fonts"][1]["characters"], 1);

@@ -139,6 +139,7 @@ TEST_F(Output, EveryFormatHoldsTheSamePixels) {
         const std::string png = write("a.PNG", how);
         const Image image = readPng(file("a.PNG"));
         EXPECT_EQ(physicalSize(png), std::string("\0\0\x0B\x13\0\0\x0B\x13\1", 9)) << "2835 pixels a metre";
+        EXPECT_NE(png.find("sRGB"), std::string::npos);
         EXPECT_EQ(png, write("noending", how));
         EXPECT_EQ(bytesOf(write("a.rgba", how)), image.rgba);
         const Image webp = readWebp(write("a.webp", how));
@@ -169,6 +170,14 @@ TEST_F(Output, WhatCannotBeWrittenIsRefusedFirst) {
     expectRefused({"--dpi", "0.5"}, 2, "--dpi: '0.5' is not a number from 1 to 10000");
     expectRefused({"-o", file("a.webp"), "--width", "16384"}, 2,
                   "--output: the picture is 16384 x 113 pixels; WebP holds at most 16383 a side");
+    const Result tall = render({"-o", file("a.webp"), "--width", "90", "--height", "16384"});
+    EXPECT_EQ(tall.err,
+              "zvtext: --output: the picture is 90 x 16384 pixels; WebP holds at most 16383 a side\n");
+    write("a.png", "before");
+    fs::create_hard_link(file("a.png"), file("other.png"));
+    EXPECT_EQ(render({"-o", file("a.png"), "--metrics", file("other.png")}).err,
+              "zvtext: --metrics: '" + file("a.png").string() + "' is where the picture goes\n");
+    EXPECT_EQ(slurp(file("a.png")), "before");
 }
 
 TEST_F(Output, TrimmingCutsTheTransparentBorderAndNothingElse) {
@@ -202,7 +211,13 @@ TEST_F(Output, TrimmingCutsTheTransparentBorderAndNothingElse) {
         return metrics["margins"]["left"].get<int>() + metrics["margins"]["right"].get<int>() -
                metrics["width"].get<int>();
     };
+    const auto down = [](const Json& metrics) {
+        return metrics["margins"]["top"].get<int>() + metrics["margins"]["bottom"].get<int>() -
+               metrics["height"].get<int>();
+    };
     EXPECT_EQ(across(whole), across(cut)) << "the view is as wide as before";
+    EXPECT_EQ(down(whole), down(cut));
+    EXPECT_EQ(whole["baseline"], cut["baseline"].get<int>() + top);
     const Json &before = whole["lines"][1], &after = cut["lines"][1];
     EXPECT_EQ(before["baseline"], after["baseline"].get<int>() + top);
     EXPECT_EQ(before["glyphs"][0]["box"]["right"], after["glyphs"][0]["box"]["right"].get<int>() + left);
@@ -260,6 +275,8 @@ TEST_F(Output, ScaledIsWhatTheScaledNumbersMake) {
         EXPECT_EQ(byHand.width, scaled.width) << scale;
         EXPECT_TRUE(byHand.rgba == scaled.rgba) << scale;
     }
+    const std::string style = run({"render", "--print-style", "--stroke", "2.32", "--scale", "12.5"}).out;
+    EXPECT_EQ(Json::parse(style)["effects"][0]["width"], 29) << "not the product, which is a little less";
 }
 
 TEST_F(Output, AScaledSettingBeyondItsLimitIsNamed) {

@@ -150,6 +150,16 @@ TEST_F(RenderCommand, FallbackFontsServeWhatTheFirstFontLacks) {
     EXPECT_GT(arabic.ink(), 0u);
 }
 
+TEST_F(RenderCommand, LinesAreHighEnoughForTheirMarks) {
+    const Image plain = render("u");
+    for (const char* marks : {"\u0302\u0302\u0302\u0302", "\u0323\u0323\u0323\u0323\u0323"}) {
+        const Image stacked = render(std::string("u") + marks),
+                    cut = render(std::string("u") + marks + "\nu");
+        EXPECT_GT(stacked.height, plain.height + 10);
+        EXPECT_EQ(stacked.ink() + plain.ink(), cut.ink()) << "no line is drawn over another";
+    }
+}
+
 TEST_F(RenderCommand, WritesToStandardOutputAndThroughALink) {
     const Result piped = run({"render", "Pipe", "--font", kFont, "-o", "-"});
     EXPECT_EQ(piped.status, 0) << piped.err;
@@ -201,7 +211,9 @@ TEST_F(RenderCommand, BadValuesAreNamedAndLeaveTheOutputAlone) {
     expectRefused({"--font", kFont, "--text-file", write("nul", std::string("a\0b", 3))}, 1,
                   "--text-file: the text holds a NUL");
     expectRefused({"--font", kFont, "--text-file", file("none.txt")}, 1, "--text-file: cannot read");
-    expectRefused({std::string(20000, 'W'), "--font", kFont}, 2, "--size: a line of the text is wider");
+    expectRefused({std::string(800, 'W'), "--font", kFont}, 2, "--size: a line of the text is wider");
+    expectRefused({std::string(12000, '\n'), "--font", kFont, "--size", "10000"}, 2,
+                  "--size: the lines of the text are higher than 100000000 pixels");
 }
 
 // Styles print without a text or a font, and read back to the same picture and the same file.
