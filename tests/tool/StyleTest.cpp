@@ -87,7 +87,8 @@ TEST_F(StyleFile, TakesCommentsAndNotes) {
 TEST_F(StyleFile, EffectsFitTheSizeTheyAreDesignedFor) {
     const std::string effects =
         R"(, "effects": [{"type": "stroke", "width": 3.4}, {"type": "bevel", "size": 60,
-        "soften": 9, "depth": 3}, {"type": "outer-shadow", "distance": 0.2, "size": 1, "angle": 30}]})";
+        "soften": 9, "depth": 3}, {"type": "outer-shadow", "distance": 0.2, "size": 1, "angle": 30},
+        {"type": "pattern", "file": "a.png", "scale": 2.5}]})";
     const auto fitted = [&](const std::string& design, double size) {
         Style style = read("{\"color\": \"#fff\"" + design + effects);
         style.size = size;
@@ -100,12 +101,13 @@ TEST_F(StyleFile, EffectsFitTheSizeTheyAreDesignedFor) {
                                    bevel.depth,
                                    shadow.distance,
                                    shadow.size,
-                                   shadow.angle};
+                                   shadow.angle,
+                                   std::get<PatternSettings>(style.effects[3]).scale};
     };
     const std::string design = ", \"designed-for\": 100";
-    EXPECT_EQ(fitted("", 200), (std::vector<double>{3.4, 60, 9, 3, 0.2, 1, 30}));
-    EXPECT_EQ(fitted(design, 200), (std::vector<double>{7, 100, 16, 3, 0, 2, 30}));
-    EXPECT_EQ(fitted(design, 10), (std::vector<double>{1, 6, 1, 3, 0, 1, 30}));
+    EXPECT_EQ(fitted("", 200), (std::vector<double>{3.4, 60, 9, 3, 0.2, 1, 30, 2.5}));
+    EXPECT_EQ(fitted(design, 200), (std::vector<double>{7, 100, 16, 3, 0, 2, 30, 5}));
+    EXPECT_EQ(fitted(design, 10), (std::vector<double>{1, 6, 1, 3, 0, 1, 30, 0.25}));
 }
 
 TEST_F(StyleFile, RefusalsNameThePlaceAndWhatIsAccepted) {

@@ -345,9 +345,12 @@ void fitEffects(Style& style) {
         const double factor = style.size / designed->second;
         for (const Field& field : fieldsOf(settings)) {
             const auto* number = std::get_if<NumberField>(&field.value);
-            if (number == nullptr || std::strcmp(number->range.unit, "px") != 0) continue;
-            const double least = *number->value >= 1 ? 1 : 0;
-            *number->value = std::clamp(std::round(*number->value * factor), least, number->range.high);
+            if (number == nullptr || !number->range.length) continue;
+            double fitted = *number->value * factor;
+            if (std::strcmp(number->range.unit, "px") == 0) {
+                fitted = std::max(std::round(fitted), *number->value >= 1 ? 1.0 : 0.0);
+            }
+            *number->value = std::min(fitted, number->range.high);
         }
     }
     style.designedFor.clear();

@@ -57,8 +57,8 @@ StyleNotes readStyle(const std::string& option, const std::string& path, Style& 
 // The same with one of the presets; throws UsageError, which lists them, where there is none of that name.
 StyleNotes readPreset(const std::string& option, const std::string& name, Style& style);
 
-// Once the size is known: brings the effects that are designed for another one to it, in whole pixels, no
-// further than an effect can be set. What was at least a pixel stays one.
+// Once the size is known: brings the lengths of effects that are designed for another one to it, pixels in
+// whole ones, no further than an effect can be set. What was at least a pixel stays one.
 void fitEffects(Style& style);
 
 // The same from the text itself, which messages do not repeat; a pattern's file is relative to the working
