@@ -7,6 +7,7 @@
 #include <csignal>
 #include <nlohmann/json.hpp>
 #include <random>
+#include <stdexcept>
 #include <thread>
 
 #include "tests/tool/Program.h"
@@ -36,6 +37,7 @@ public:
         EXPECT_EQ(pipe2(in, O_CLOEXEC), 0);
         EXPECT_EQ(pipe2(out, O_CLOEXEC), 0);
         process = fork();
+        if (process < 0) throw std::runtime_error("cannot fork");
         if (process == 0) {
             setpgid(0, 0);
             std::signal(SIGPIPE, SIG_DFL);
@@ -55,7 +57,7 @@ public:
         output = out[0];
     }
     ~Running() {
-        if (process > 0) kill(-process, SIGKILL);
+        signalAll(SIGKILL);
         endInput();
         closeOutput();
         if (process > 0) wait();
@@ -88,16 +90,20 @@ public:
         return status;
     }
 
-    // The first worker, as soon as there is one.
+    void signalAll(int number) const {
+        if (process > 0) kill(-process, number);
+    }
+
+    // The first worker, as soon as there is one. Throws where none comes: whoever gave a number below 0 to
+    // kill would hit strangers.
     pid_t worker() const {
         const std::string path = "/proc/" + std::to_string(process) + "/task/" + std::to_string(process);
         for (int attempt = 0; attempt < 5000; ++attempt) {
             std::ifstream children(path + "/children");
-            if (pid_t child = 0; children >> child) return child;
+            if (pid_t child = 0; children >> child && child > 1) return child;
             std::this_thread::sleep_for(std::chrono::milliseconds(2));
         }
-        ADD_FAILURE() << "no worker";
-        return -1;
+        throw std::runtime_error("no worker");
     }
 
     pid_t process = -1;
@@ -278,7 +284,7 @@ TEST_F(BatchCommand, KilledAtAnyMomentItLeavesWholePicturesAndResumesTheRest) {
         // Behind a few results, so that rounds get somewhere on any machine.
         for (int i = 0; i < round * 2; ++i) running.next();
         std::this_thread::sleep_for(std::chrono::microseconds(random() % 20'000));
-        kill(-running.process, SIGKILL);
+        running.signalAll(SIGKILL);
         running.wait();
         if (fs::exists(folder())) pictures();
     }
@@ -359,7 +365,7 @@ TEST_F(BatchCommand, ResultsComeWithTheirLinesAndSignalsLetThemFinish) {
         EXPECT_EQ(running.next().value("line", 0), 1);
         running.put(slowLine() + "{\"text\":\"three\"}\n");
         while (!fs::exists(folder() / "3.png")) std::this_thread::sleep_for(std::chrono::milliseconds(2));
-        kill(-running.process, signal);
+        running.signalAll(signal);
         std::this_thread::sleep_for(std::chrono::milliseconds(50));
         running.put("{\"text\":\"too late\"}\n");
         releaseSlowLine();
@@ -398,7 +404,7 @@ TEST_F(BatchCommand, TenThousandLinesBehindASlowOneTakeBoundedMemory) {
     size_t count = 0;
     for (Json result; (result = running.next()) != nullptr;) EXPECT_EQ(result.value("line", 0u), ++count);
     EXPECT_EQ(count, kLines);
-    if (count < kLines) kill(-running.process, SIGKILL);
+    if (count < kLines) running.signalAll(SIGKILL);
     feeder.join();
     EXPECT_EQ(running.wait(), 1 << 8);
     EXPECT_TRUE(!kCountsMemory || running.usage.ru_maxrss < 24 << 10) << running.usage.ru_maxrss << " kB";
