@@ -68,8 +68,8 @@ TEST_F(InspectStyle, EstimatesTheMemoryThatARenderTakes) {
 
 TEST_F(InspectText, SaysScriptDirectionAndFontOfEachRun) {
     const Result result =
-        run({"inspect", "text", "\u0627\u0644 (1)\nGu\u0308\u4e16\U0001f9ff\U00010000 x", "--font", kFont,
-             "--no-fallback", "--fallback", "Noto Sans CJK SC:bold", "--json"});
+        run({"inspect", "text", "\u0627\u0644 (1)\nGu\u0308\u4e16\ufe00\U0001f9ff\U00010000 x", "--font",
+             kFont, "--no-fallback", "--fallback", "Noto Sans CJK SC:bold", "--json"});
     ASSERT_EQ(result.status, 0) << result.err;
     const Json report = Json::parse(result.out);
     const auto runs = [&](size_t line) {
@@ -83,32 +83,33 @@ TEST_F(InspectText, SaysScriptDirectionAndFontOfEachRun) {
     };
     EXPECT_EQ(runs(0), "\u0627\u0644 (|Arab|rtl|0|0-6 1|Zyyy|ltr|0|6-7 )|Zyyy|rtl|0|7-8 ");
     EXPECT_EQ(runs(1),
-              "Gu\u0308|Latn|ltr|0|9-13 \u4e16|Hani|ltr|1|13-16 \U0001f9ff\U00010000 |Linb|ltr|0|16-25 "
-              "x|Latn|ltr|0|25-26 ");
+              "Gu\u0308|Latn|ltr|0|9-13 \u4e16\ufe00|Hani|ltr|1|13-19 \U0001f9ff\U00010000 |Linb|ltr|0|19-28 "
+              "x|Latn|ltr|0|28-29 ");
     EXPECT_EQ(report["missing"], Json::parse(R"(["U+1F9FF", "U+10000"])"));
-    EXPECT_EQ(report["characters"], 14);
+    EXPECT_EQ(report["characters"], 15);
     EXPECT_EQ(report["scripts"][0], Json::parse(R"({"script": "Zyyy", "name": "Common", "characters": 6})"));
     ASSERT_EQ(report["fonts"].size(), 2u);
     EXPECT_EQ(report["fonts"][0]["from"], "--font");
     EXPECT_EQ(report["fonts"][0]["characters"], 13);
     EXPECT_EQ(report["fonts"][1]["from"], "--fallback");
     EXPECT_EQ(report["fonts"][1]["family"], "Noto Sans CJK SC");
-    EXPECT_EQ(report["fonts"][1]["characters"], 1);
+    EXPECT_EQ(report["fonts"][1]["characters"], 2) << "a selector goes with its letter";
 }
 
 // The lines are those of the picture, and the system's fonts serve what is left, as they do there.
 TEST_F(InspectText, TakesACommandLineOfRender) {
-    const std::vector<std::string> scene = {"one two \u4e16 three",
-                                            "--font",
-                                            kFont,
-                                            "--width",
-                                            "220",
-                                            "--size",
-                                            "40",
-                                            "--preset",
-                                            "gold",
-                                            "--scale",
-                                            "2"};
+    const std::vector<std::string> scene = {
+        "one two three four five six seven eight nine ten eleven twelve \u4e16 three",
+        "--font",
+        kFont,
+        "--width",
+        "220",
+        "--size",
+        "40",
+        "--preset",
+        "gold",
+        "--scale",
+        "2"};
     std::vector<std::string> inspect = {"inspect", "text"}, render = {"render"};
     inspect.insert(inspect.end(), scene.begin(), scene.end());
     const std::string words = run(inspect).out;
@@ -131,6 +132,8 @@ TEST_F(InspectText, TakesACommandLineOfRender) {
     const std::string family = report["fonts"][1]["family"], style = report["fonts"][1]["style"];
     EXPECT_NE(words.find("\n  Hani ltr  " + family + " " + style + ": \"\u4e16\"\n"), std::string::npos)
         << words;
+    EXPECT_EQ(run({"inspect", "text", "\U00020000 \U00020001", "--font", kFont, "--no-fallback"}).err,
+              "zvtext: warning: characters above U+1FFFF are not supported and come out wrong\n");
     EXPECT_EQ(run({"inspect", "text", "x"}).err, "zvtext: --font: is required, a font file or a name\n");
 }
 

@@ -115,6 +115,7 @@ TEST_F(Output, ThePictureAndItsMetricsAppearTogetherOrNotAtAll) {
                   "--metrics: '" + picture + "' is where the picture goes");
     expectRefused({"-o", "-", "--metrics", "-"}, 2, "--metrics: standard output is where the picture goes");
     expectRefused({"--print-key", "-o", picture, "--metrics", "-"}, 2, "--metrics: - is standard output");
+    expectRefused({"--print-key", "-o", "-"}, 2, "--output: - is standard output");
     expectRefused({"-o", picture, "--metrics", "/dev/full"}, 1, "--metrics: cannot write '/dev/full'");
     expectRefused({"-o", picture, "--metrics", mFolder}, 1,
                   "--metrics: '" + mFolder.string() + "' is a folder");
@@ -275,6 +276,9 @@ TEST_F(Output, ScaledIsWhatTheScaledNumbersMake) {
         EXPECT_EQ(byHand.width, scaled.width) << scale;
         EXPECT_TRUE(byHand.rgba == scaled.rgba) << scale;
     }
+    render({"-o", file("narrow.png"), "--width", "4", "--scale", "0.1"}, "a b");
+    render({"-o", file("wide.png"), "--scale", "0.1"}, "a b");
+    EXPECT_GT(readPng(file("narrow.png")).height, readPng(file("wide.png")).height) << "a width stays one";
     const std::string style = run({"render", "--print-style", "--stroke", "2.32", "--scale", "12.5"}).out;
     EXPECT_EQ(Json::parse(style)["effects"][0]["width"], 29) << "not the product, which is a little less";
 }
