@@ -118,7 +118,8 @@ void Dilation::readKernelRow(int64_t index) {
         const int64_t mirror = 2 * before_ - i;
         const bool twice = mirror < size && isRamp(cells, mirror, run) && cells[mirror] == cells[i];
         if (twice && mirror > i) continue;
-        cells_[static_cast<size_t>(cellCount_++)] = {before_ - i, before_ - (twice ? mirror : i),
+        cells_[static_cast<size_t>(cellCount_++)] = {static_cast<ptrdiff_t>(before_ - i),
+                                                     static_cast<ptrdiff_t>(before_ - (twice ? mirror : i)),
                                                      static_cast<uint8_t>(255 - cells[i])};
     }
     row.rampEnd = cellCount_;
@@ -371,7 +372,7 @@ void Dilation::raise(int64_t row, int rows, uint8_t* target, int64_t stride) {
                        firstOffset,
                        lastOffset,
                        over,
-                       slotSize_,
+                       static_cast<ptrdiff_t>(slotSize_),
                        anyInk_.get(),
                        anyReach_,
                        patchShift_,

@@ -97,8 +97,8 @@ void ShadowRows::blurBand(int y) {
     const int partWidth = part_.right - part_.left, partHeight = part_.bottom - part_.top;
     const uint8_t* coverage = mask_->pixels + static_cast<size_t>(part_.top) * mask_->width + part_.left;
     const int rows = std::min(bandRows_, height - y);
-    blur_.columns({coverage, mask_->width, sourceY_ - y, sourceY_ - y + partHeight, shadow_.get(), stride_,
-                   partWidth, rows, false, false});
+    blur_.columns({coverage, static_cast<ptrdiff_t>(mask_->width), sourceY_ - y, sourceY_ - y + partHeight,
+                   shadow_.get(), stride_, partWidth, rows, false, false});
     blur_.rows({shadow_.get(), stride_, sourceX_, sourceX_ + partWidth, shadow_.get(), stride_, width, rows,
                 false, false});
     bandBegin_ = y;
