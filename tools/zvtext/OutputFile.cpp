@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <climits>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -35,12 +36,28 @@ bool writeAndClose(const std::string& content, std::FILE* stream, bool sync) {
     return whole;
 }
 
-// The lock says that its process lives. mkstemp makes the file private; an output gets the mode that any new
-// file of this process would have.
+// A file beside the target, under its name as far as that leaves room for the suffix.
+std::string temporaryName(const std::string& target) {
+    const size_t begin = target.rfind('/') + 1;  // 0 where there is none
+    return target.substr(0, begin) + target.substr(begin, NAME_MAX - kTemporarySuffix.size()) +
+           kTemporarySuffix;
+}
+
+// The lock says that its process lives: a file is not removed by others from then on, but may have been
+// before. mkstemp makes the file private; an output gets the mode that any new file of this process would
+// have.
 std::FILE* openTemporary(std::string& temporary) {
-    const int descriptor = mkstemp(&temporary[0]);
-    if (descriptor < 0) return nullptr;
-    flock(descriptor, LOCK_EX);
+    const std::string pattern = temporary;
+    int descriptor = -1;
+    struct stat status = {};
+    for (int attempt = 0; attempt < 100 && status.st_nlink == 0; ++attempt) {
+        if (descriptor >= 0) close(descriptor);
+        temporary = pattern;
+        descriptor = mkstemp(&temporary[0]);
+        if (descriptor < 0) return nullptr;
+        flock(descriptor, LOCK_EX);
+        if (fstat(descriptor, &status) != 0) break;
+    }
     const mode_t mask = umask(0);
     umask(mask);
     fchmod(descriptor, 0666 & ~mask);
@@ -67,7 +84,7 @@ public:
         }
         if (mStream) return;
         errno = 0;
-        std::string temporary = mTarget + kTemporarySuffix;
+        std::string temporary = temporaryName(mTarget);
         std::FILE* stream = openTemporary(temporary);
         if (stream != nullptr) mTemporary = temporary;
         if (stream != nullptr) mLock = dup(fileno(stream));
@@ -148,7 +165,8 @@ void removeTemporaries(const std::string& folder) {
     while (const dirent* entry = entries ? readdir(entries.get()) : nullptr) {
         if (!isTemporary(entry->d_name)) continue;
         const std::string path = folder + "/" + entry->d_name;
-        const int descriptor = open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
+        // For writing, without which some network file systems lock nothing.
+        const int descriptor = open(path.c_str(), O_RDWR | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
         if (descriptor < 0) continue;
         if (flock(descriptor, LOCK_EX | LOCK_NB) == 0) unlink(path.c_str());
         close(descriptor);
