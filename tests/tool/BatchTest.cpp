@@ -155,6 +155,9 @@ protected:
 TEST_F(BatchCommand, LinesAreThePicturesOfRenderInTheirOrderAndBadOnesFailAlone) {
     const std::string style = R"({"color":"#00f","effects":[{"type":"stroke","width":3}]})";
     const std::string cjk = "/usr/share/fonts/opentype/noto/NotoSansCJK-Regular.ttc";
+    const std::string longName = std::string(251, 'l') + ".png";
+    std::string many;
+    for (int i = 0; i < 100'000; ++i) many += "{},";
     struct Line {
         std::string json, error;           // how the error begins; none: a picture
         std::string path;                  // in the folder
@@ -163,7 +166,7 @@ TEST_F(BatchCommand, LinesAreThePicturesOfRenderInTheirOrderAndBadOnesFailAlone)
     const std::vector<std::string> defaults = {"--size", "24", "--stroke", "2:#0f0", "--fallback", cjk};
     const std::vector<Line> lines = {
         {R"({"text":"One","size":40})", "", "1.png", {"One", "--size", "40", "--stroke", "2:#0f0"}},
-        {"not json", "the line is no JSON: parse error at line 1, column 2", "", {}},
+        {"not json", "the line is no JSON: parse error at column 2", "", {}},
         {R"({"text":"Two","output":"a/b/two.png","stroke":"4","color":"#00f","max-lines":null})",
          "",
          "a/b/two.png",
@@ -191,14 +194,23 @@ TEST_F(BatchCommand, LinesAreThePicturesOfRenderInTheirOrderAndBadOnesFailAlone)
         {R"({"text":"x","output":"../x.png"})", "--output: '../x.png' leaves the output folder", "", {}},
         {R"({"text":"x","output":"/tmp/x.png"})", "--output: '/tmp/x.png' leaves the output folder", "", {}},
         {R"({"text":"x","output":"a/"})", "--output: 'a/' is no name of a file", "", {}},
+        {R"({"text":"x","output":""})", "--output: '' is no name of a file", "", {}},
+        {R"({"text":"x","output":"b/../-"})", "--output: - is standard output", "", {}},
+        {R"({"text":"x","output":")" + std::string(5000, 'x') + "\"}",
+         "--output: the name is too long",
+         "",
+         {}},
+        {R"({"text":"x","output":"m.png","metrics":"./m.png"})", "--metrics: '", "", {}},
+        {R"({"text":"x","metrics":"1.png"})", "--metrics: '", "", {}},
+        {R"({"text":"x","metrics":5})", "metrics: number is not a string", "", {}},
         {R"({"text":"x","output":".zvtext-batch"})", "--output: '.zvtext-batch' is the batch's own", "", {}},
         {R"({"text":"世界"})",
          "",
-         "22.png",
+         "28.png",
          {"世界", "--size", "24", "--stroke", "2:#0f0", "--fallback", cjk}},
         {R"({"text":"世界","fallback":[")" + kFont + R"("]})",
          "",
-         "23.png",
+         "29.png",
          {"世界", "--size", "24", "--stroke", "2:#0f0"}},
         {R"({"text":"x","width":40000})", "--width: '40000' is not", "", {}},
         {"{\"text\":\"" + std::string(17 << 20, 'x') + "\"}",
@@ -206,8 +218,15 @@ TEST_F(BatchCommand, LinesAreThePicturesOfRenderInTheirOrderAndBadOnesFailAlone)
          "",
          {}},
         {std::string(100'000, '['), "the line is nested too deeply", "", {}},
-        {"{\"text\":\"end\"}\r", "", "27.png", {"end", "--size", "24", "--stroke", "2:#0f0"}}};
-    std::string input;
+        {R"({"style":{"effects":[)" + many + "{}]}}", "the line has too many keys and values", "", {}},
+        {"{\"text\":\"\xff\"}", "the line is no JSON: parse error at column 10", "", {}},
+        {std::string("{\"text\":\"a\0b\"}", 14), "the line is no JSON: parse error at column 11", "", {}},
+        {R"({"text":"m","output":")" + longName + R"(","metrics":"j/m.json"})",
+         "",
+         longName,
+         {"m", "--size", "24", "--stroke", "2:#0f0", "--metrics", file("m.json")}},
+        {"{\"text\":\"end\"}\r", "", "37.png", {"end", "--size", "24", "--stroke", "2:#0f0"}}};
+    std::string input = "\xEF\xBB\xBF";
     for (const Line& line : lines) input += line.json + "\n";
     input += "\n  \n{\"text\":\"after empty lines, without an end\"}";
     const std::vector<Json> results =
@@ -229,6 +248,7 @@ TEST_F(BatchCommand, LinesAreThePicturesOfRenderInTheirOrderAndBadOnesFailAlone)
         EXPECT_EQ(slurp(folder() / lines[i].path), single(lines[i].options));
     }
     EXPECT_FALSE(fs::exists(folder() / "7.png"));
+    EXPECT_EQ(slurp(folder() / "j/m.json"), slurp(file("m.json")));
 }
 
 TEST_F(BatchCommand, WrongCommandLinesSayItOnce) {
@@ -336,6 +356,23 @@ TEST_F(BatchCommand, KilledAtAnyMomentItLeavesWholePicturesAndResumesTheRest) {
     write("style.json", "{\"color\":\"#f00\"}");
     EXPECT_EQ(remade(), std::vector<int>{1});
     EXPECT_EQ(remade({"--align", "right"}), std::vector<int>{1});
+    // So are metrics that are gone and what a font of the system drew that is another now.
+    fs::create_directory(file("fonts"));
+    fs::copy_file("/usr/share/fonts/truetype/noto/NotoSansThai-Regular.ttf", file("fonts") / "thai.ttf");
+    setenv("FONTCONFIG_FILE",
+           write("fonts.conf", "<fontconfig><dir>" + file("fonts").string() + "</dir><cachedir>" +
+                                   file("cache").string() + "</cachedir></fontconfig>")
+               .c_str(),
+           1);
+    lines = {"{\"text\":\"ก\",\"output\":\"1.png\",\"metrics\":\"1.json\"}\n"};
+    EXPECT_EQ(remade(), std::vector<int>{1});
+    EXPECT_EQ(remade(), std::vector<int>());
+    fs::remove(folder() / "1.json");
+    EXPECT_EQ(remade(), std::vector<int>{1});
+    fs::last_write_time(file("fonts") / "thai.ttf", fs::file_time_type::clock::now());
+    EXPECT_EQ(remade(), std::vector<int>{1});
+    unsetenv("FONTCONFIG_FILE");
+    EXPECT_EQ(remade(), std::vector<int>{1}) << "another font serves it";
     // A record cut short is none, and does not spoil the next.
     write("out/.zvtext-batch", slurp(folder() / ".zvtext-batch").substr(0, 40));
     EXPECT_EQ(remade(), std::vector<int>{1});
@@ -356,6 +393,45 @@ TEST_F(BatchCommand, ADeadWorkerCostsItsLineAlone) {
     running.endInput();
     EXPECT_EQ(running.next(), nullptr);
     EXPECT_EQ(running.wait(), 1 << 8);
+    // A worker in the midst of a line does not outlive its batch.
+    Running killed(arguments());
+    killed.put(slowLine());
+    const std::string worker = "/proc/" + std::to_string(killed.worker()) + "/cmdline";
+    kill(killed.process, SIGKILL);
+    killed.wait();
+    for (int i = 0; i < 1000 && !slurp(worker).empty(); ++i) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(2));
+    }
+    EXPECT_EQ(slurp(worker), "");
+}
+
+TEST_F(BatchCommand, WarningsNameTheirLine) {
+    const Result result = run({"batch", "--font", kFont, "--no-fallback", "--output-dir", folder()},
+                              "{\"text\":\"one\"}\n{\"text\":\"\\uE123\"}\n");
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.err,
+              "zvtext: line 2: warning: no font has U+E123; add one with --fallback, or leave "
+              "--no-fallback out\n");
+}
+
+TEST_F(BatchCommand, AnOutputOrAnInputThatFailsEndsItAfterTheLinesUnderWay) {
+    const std::string lines = write("lines", "{\"text\":\"one\"}\n{\"text\":\"two\"}\n");
+    const std::string command = std::string(ZVTEXT_BINARY) + " batch --font " + kFont + " --output-dir " +
+                                folder().string() + " 2>" + file("errors").string() + " ";
+    const auto fails = [&](const std::string& rest, const std::string& message) {
+        fs::remove_all(folder());
+        EXPECT_EQ(std::system((command + rest).c_str()), 1 << 8) << rest;
+        EXPECT_NE(slurp(file("errors")).find("zvtext: " + message), std::string::npos) << rest;
+    };
+    // The streams' numbers are not given to other files.
+    for (const char* streams : {" >/dev/full", " >&-", " <&- >&-"}) {
+        fails(lines + streams, "cannot write to standard output: ");
+        EXPECT_GT(readPng(folder() / "1.png").ink(), 0u);
+        const std::string journal = slurp(folder() / ".zvtext-batch");
+        EXPECT_EQ(journal.find("\"line\""), std::string::npos) << journal;
+    }
+    fails(" <&-", "FILE: cannot read: ");
+    fails("/proc/self/mem", "FILE: cannot read: ");
 }
 
 TEST_F(BatchCommand, ResultsComeWithTheirLinesAndSignalsLetThemFinish) {
@@ -425,23 +501,34 @@ TEST_F(BatchCommand, FontsOfTheirOwnDoNotFillTheMemory) {
     EXPECT_EQ(running.wait(), 0);
 }
 
-TEST_F(BatchCommand, ShowsItsProgressOnATerminal) {
+TEST_F(BatchCommand, ShowsItsProgressOnATerminalBesideWarnings) {
     for (const bool quiet : {false, true}) {
         int terminal = -1, end = -1;
         if (openpty(&terminal, &end, nullptr, nullptr, nullptr) != 0) GTEST_SKIP() << "no terminals here";
-        Running running(arguments(quiet ? std::vector<std::string>{"--quiet"} : std::vector<std::string>{}),
-                        end);
+        std::vector<std::string> options = {"--no-fallback"};
+        if (quiet) options.emplace_back("--quiet");
+        Running running(arguments(options), end);
+        close(end);
+        std::string shown;
+        std::thread reader([&] {
+            char block[4096];
+            for (ssize_t got; (got = read(terminal, block, sizeof block)) > 0;) {
+                shown.append(block, static_cast<size_t>(got));
+            }
+        });
         running.put("{\"text\":\"one\"}\n{}\n");
         std::this_thread::sleep_for(std::chrono::milliseconds(600));
+        running.put("{\"text\":\"\\uE123\"}\n");
         running.endInput();
         EXPECT_EQ(running.wait(), 1 << 8);
-        fcntl(terminal, F_SETFL, O_NONBLOCK);
-        std::string shown(4096, '\0');
-        shown.resize(static_cast<size_t>(std::max<ssize_t>(read(terminal, shown.data(), shown.size()), 0)));
+        reader.join();
+        close(terminal);
         EXPECT_EQ(shown.find("\r2 done, ") != std::string::npos, !quiet) << shown;
         EXPECT_EQ(shown.find("/s, 1 error") != std::string::npos, !quiet) << shown;
-        close(terminal);
-        close(end);
+        const size_t warning = shown.find("zvtext: line 3: warning");
+        ASSERT_NE(warning, std::string::npos) << shown;
+        EXPECT_NE(std::string("\nK").find(warning == 0 ? '\n' : shown[warning - 1]), std::string::npos)
+            << shown;
     }
 }
 

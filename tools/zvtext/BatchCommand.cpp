@@ -4,6 +4,7 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <sched.h>
+#include <sys/prctl.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -17,15 +18,16 @@
 #include <deque>
 #include <filesystem>
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include "tools/zvtext/BatchInput.h"
 #include "tools/zvtext/BatchJournal.h"
 #include "tools/zvtext/BatchLine.h"
+#include "tools/zvtext/BatchNames.h"
 #include "tools/zvtext/BatchWorker.h"
 #include "tools/zvtext/Digest.h"
 #include "tools/zvtext/Failure.h"
-#include "tools/zvtext/OutputFile.h"
 #include "tools/zvtext/Progress.h"
 #include "tools/zvtext/Values.h"
 
@@ -37,64 +39,7 @@ namespace fs = std::filesystem;
 
 constexpr int kMaxJobs = 256;
 constexpr size_t kMaxWaiting = 1024;  // results kept behind a line that takes long
-
-// --- Output names
-
-std::string expandTemplate(const std::string& text, uint64_t line) {
-    static const std::string kIndex = "{index}";
-    std::string name = text;
-    const std::string number = std::to_string(line);
-    for (size_t at = 0; (at = name.find(kIndex, at)) != std::string::npos; at += number.size()) {
-        name.replace(at, kIndex.size(), number);
-    }
-    return name;
-}
-
-std::string outputPath(const BatchArguments& arguments, const std::string& name) {
-    const fs::path path = fs::path(name).lexically_normal();
-    const bool outside = path.is_absolute() || *path.begin() == "..";
-    if (name.empty() || !path.has_filename() || path == "." || path.filename() == "..") {
-        throw UsageError("--output: '" + name + "' is no name of a file");
-    }
-    if (name.find('\0') != std::string::npos) throw UsageError("--output: the name holds a NUL character");
-    if (outside && !arguments.allowOutside) {
-        throw UsageError("--output: '" + name + "' leaves the output folder; --allow-outside lets it");
-    }
-    if (path.filename() == kJournalName) throw UsageError("--output: '" + name + "' is the batch's own file");
-    return (fs::path(arguments.outputFolder) / path).lexically_normal().string();
-}
-
-// Hashes of strings, 8 bytes each in a table at most half full.
-class HashSet {
-public:
-    // False where it is in already.
-    bool insert(uint64_t hash) {
-        hash += hash == 0;  // 0: a free slot
-        if (mCount * 2 >= mSlots.size()) grow();
-        if (!place(hash)) return false;
-        ++mCount;
-        return true;
-    }
-
-private:
-    bool place(uint64_t hash) {
-        size_t slot = hash & (mSlots.size() - 1);
-        while (mSlots[slot] != 0 && mSlots[slot] != hash) slot = (slot + 1) & (mSlots.size() - 1);
-        if (mSlots[slot] == hash) return false;
-        mSlots[slot] = hash;
-        return true;
-    }
-    void grow() {
-        std::vector<uint64_t> old(mSlots.size() * 2);
-        old.swap(mSlots);
-        for (const uint64_t hash : old) {
-            if (hash != 0) place(hash);
-        }
-    }
-
-    std::vector<uint64_t> mSlots = std::vector<uint64_t>(1024);
-    size_t mCount = 0;
-};
+constexpr size_t kMaxSaid = 65536;    // of a message without an end
 
 // --- Signals: the handler leaves the number and wakes the loop through a pipe
 
@@ -121,6 +66,14 @@ void catchSignal(int number) {
 
 // --- The loop
 
+// A file must not take the number of a standard stream that is closed: results would go into it. What opens
+// in its place cannot be read or written, as it was.
+void holdStandardStreams() {
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        if (fcntl(stream, F_GETFD) < 0) open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY);
+    }
+}
+
 int usableCores() {
     cpu_set_t cores;
     return sched_getaffinity(0, sizeof cores, &cores) == 0 ? std::max(CPU_COUNT(&cores), 1) : 1;
@@ -133,7 +86,8 @@ public:
           mWorkers(static_cast<size_t>(workerCount(arguments))),
           mSettings(settingsOf(arguments)),
           mInput(arguments.input, kMaxLineBytes),
-          mJournal(madeFolder(arguments.outputFolder), arguments.resume),
+          mNames(madeFolder(arguments.outputFolder), arguments.allowOutside, arguments.resume),
+          mJournal(arguments.outputFolder, arguments.resume),
           mProgress(arguments.quiet) {}
 
     ~Batch() {
@@ -149,6 +103,8 @@ public:
         if (pipe2(mWake, O_CLOEXEC | O_NONBLOCK) != 0) throw Failure("cannot make a pipe");
         gWakeEnd = mWake[1];
         std::signal(SIGPIPE, SIG_IGN);
+        std::signal(SIGXFSZ, SIG_IGN);  // as any disk that is full
+        std::signal(SIGCHLD, SIG_DFL);  // nobody else is to take the workers' last words
         catchSignal(SIGINT);
         catchSignal(SIGTERM);
         for (;;) {
@@ -164,6 +120,7 @@ public:
             std::signal(SIGPIPE, SIG_DFL);
             std::raise(SIGPIPE);
         }
+        if (!mFailure.empty()) throw Failure(mFailure);
         if (!mJournalWhole)
             throw Failure("--output-dir: the journal could not be written; --resume will render again");
         if (gSignal != 0) return 128 + gSignal;
@@ -174,8 +131,10 @@ private:
     struct Worker {
         pid_t process = 0;  // 0: none
         int socket = -1;
+        int errors = -1;   // where its standard error is read
+        std::string said;  // there, without the line's end yet
         bool busy = false;
-        BatchJob job;
+        BatchJob job;      // without the JSON; the last one, if not busy
         size_t place = 0;  // of its result
     };
 
@@ -197,7 +156,9 @@ private:
         trial.textFile.clear();
         if (trial.font.empty()) trial.font = "font";
         readScene(trial);
-        outputPath(arguments, expandTemplate(arguments.output, 1));
+        const BatchNames names(arguments.outputFolder, arguments.allowOutside, false);
+        names.pathOf("--output", expandTemplate(arguments.output, 1));
+        if (!arguments.metrics.empty()) names.pathOf("--metrics", expandTemplate(arguments.metrics, 1));
         return settings;
     }
 
@@ -206,6 +167,12 @@ private:
         fs::create_directories(folder, error);
         if (error) throw Failure("--output-dir: cannot make '" + folder + "': " + error.message());
         return folder;
+    }
+
+    // The lines under way are the last.
+    void stop(const std::string& why) {
+        mEnded = true;
+        mFailure = why;
     }
 
     Worker* idleWorker() {
@@ -237,13 +204,11 @@ private:
             if (next == BatchInput::Next::TooLong) {
                 throw UsageError("the line is longer than " + std::to_string(kMaxLineBytes) + " bytes");
             }
-            const std::optional<std::string> name = readOutputName(job.json);
-            job.path = outputPath(mArguments, name.value_or(expandTemplate(mArguments.output, job.line)));
-            claim(job.path);
+            nameFiles(job);
         } catch (const std::bad_alloc&) {
             finish(place, failedResult(job.line, job.path, "not enough memory"));
             return true;
-        } catch (const UsageError& error) {
+        } catch (const std::exception& error) {
             finish(place, failedResult(job.line, job.path, error.what()));
             return true;
         }
@@ -251,54 +216,76 @@ private:
         return true;
     }
 
-    // Nobody else may write there from now on.
-    void claim(const std::string& path) {
-        const fs::path absolute = fs::absolute(path).lexically_normal();
-        if (!mNames.insert(Digest().add(absolute.string()).word())) {
-            throw UsageError("--output: '" + path + "' is the output of an earlier line");
+    void nameFiles(BatchJob& job) {
+        const LineNames names = readLineNames(job.json);
+        const std::string output = names.output.value_or(expandTemplate(mArguments.output, job.line));
+        const std::string metrics = names.metrics.value_or(expandTemplate(mArguments.metrics, job.line));
+        job.path = mNames.pathOf("--output", output);
+        if (names.metrics || !metrics.empty()) job.metrics = mNames.pathOf("--metrics", metrics);
+        if (job.metrics == job.path) {
+            throw UsageError("--metrics: '" + job.path + "' is where the picture goes");
         }
-        const std::string folder = absolute.parent_path().string() + "/";
-        // Before the first line of this folder runs: no temporary file there is one of this batch.
-        if (mArguments.resume && mNames.insert(Digest().add(folder).word())) removeTemporaries(folder);
+        mNames.claim("--output", job.path);
+        if (!job.metrics.empty()) mNames.claim("--metrics", job.metrics);
     }
 
+    // A worker that has died since its last line makes way for a new one.
     void give(Worker& worker, BatchJob job, size_t place) {
-        if (worker.process == 0) start(worker);
+        bool sent = worker.process != 0 && sendJob(worker.socket, job);
+        if (!sent) {
+            end(worker);
+            const std::string fault = start(worker);
+            if (!fault.empty()) {
+                stop("--jobs: cannot start a worker: " + fault);
+                return finish(place, failedResult(job.line, job.path, mFailure));
+            }
+            sent = sendJob(worker.socket, job);
+        }
         worker.busy = true;
         worker.place = place;
         worker.job = std::move(job);
-        if (!sendJob(worker.socket, worker.job)) buryWorker(worker);
         worker.job.json = std::string();
+        if (!sent) buryWorker(worker);
     }
 
-    void start(Worker& worker) {
-        int ends[2];
-        if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) != 0) {
-            throw Failure(std::string("--jobs: cannot start a worker: ") + std::strerror(errno));
-        }
-        const pid_t process = fork();
-        if (process == 0) {
-            close(ends[0]);
-            beWorker(ends[1]);
+    // Says why it could not, or nothing.
+    std::string start(Worker& worker) {
+        int ends[2] = {-1, -1}, errors[2] = {-1, -1};
+        const pid_t batch = getpid();
+        pid_t process = -1;
+        if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) == 0 && pipe2(errors, O_CLOEXEC) == 0) {
+            process = fork();
         }
         const int error = errno;
-        close(ends[1]);
-        if (process < 0) {
-            close(ends[0]);
-            throw Failure(std::string("--jobs: cannot start a worker: ") + std::strerror(error));
+        if (process == 0) {
+            dup2(errors[1], STDERR_FILENO);
+            for (const int unused : {ends[0], errors[0], errors[1]}) close(unused);
+            beWorker(ends[1], batch);
         }
-        worker.process = process;
+        close(ends[1]);
+        close(errors[1]);
         worker.socket = ends[0];
+        worker.errors = errors[0];
+        if (process < 0) {
+            end(worker);
+            return std::strerror(error);
+        }
+        fcntl(worker.errors, F_SETFL, O_NONBLOCK);
+        worker.process = process;
+        return "";
     }
 
-    // In the new process. It holds no end of another's socket, so that each sees when the batch is gone, and
-    // none of the input and the output. The signals of the terminal are the batch's to answer.
-    [[noreturn]] void beWorker(int socket) {
+    // In the new process. It ends with the batch, however that ends, and holds nothing of the input and the
+    // output. The signals of the terminal are the batch's to answer.
+    [[noreturn]] void beWorker(int socket, pid_t batch) {
         try {
             std::signal(SIGINT, SIG_IGN);
             std::signal(SIGTERM, SIG_IGN);
+            prctl(PR_SET_PDEATHSIG, SIGKILL);
+            if (getppid() != batch) _exit(0);
             for (const Worker& other : mWorkers) {
                 if (other.socket >= 0) close(other.socket);
+                if (other.errors >= 0) close(other.errors);
             }
             if (mInput.descriptor() != STDIN_FILENO) close(mInput.descriptor());
             const int nothing = open("/dev/null", O_RDWR);
@@ -311,21 +298,50 @@ private:
         _exit(0);
     }
 
-    // Ends the worker and returns its wait status.
-    static int end(Worker& worker) {
+    // Ends the worker, if there is one, and returns its wait status.
+    int end(Worker& worker) {
         int status = 0;
-        if (worker.process == 0) return status;
-        close(worker.socket);
-        while (waitpid(worker.process, &status, 0) < 0 && errno == EINTR) {
+        if (worker.socket >= 0) close(std::exchange(worker.socket, -1));
+        while (worker.process != 0 && waitpid(worker.process, &status, 0) < 0 && errno == EINTR) {
         }
         worker.process = 0;
-        worker.socket = -1;
+        passOn(worker, true);
+        if (worker.errors >= 0) close(std::exchange(worker.errors, -1));
         return status;
+    }
+
+    // Prints what the worker has written to standard error: whole lines; at its end all there is. Messages of
+    // this program get the number of the line.
+    void passOn(Worker& worker, bool atEnd = false) {
+        static const std::string kName = "zvtext: ";
+        char block[4096];
+        ssize_t got;
+        for (int blocks = 0; blocks < 16 && (got = ::read(worker.errors, block, sizeof block)) > 0;
+             ++blocks) {
+            worker.said.append(block, static_cast<size_t>(got));
+        }
+        if (worker.said.size() > kMaxSaid || (atEnd && !worker.said.empty() && worker.said.back() != '\n')) {
+            worker.said += '\n';
+        }
+        std::string text;
+        size_t begin = 0;
+        for (size_t end; (end = worker.said.find('\n', begin)) != std::string::npos; begin = end + 1) {
+            const std::string message = worker.said.substr(begin, end + 1 - begin);
+            const bool own = message.compare(0, kName.size(), kName) == 0;
+            text +=
+                own ? kName + "line " + std::to_string(worker.job.line) + ": " + message.substr(kName.size())
+                    : message;
+        }
+        worker.said.erase(0, begin);
+        if (text.empty()) return;
+        mProgress.clear();
+        std::fputs(text.c_str(), stderr);
     }
 
     // The worker is gone, with the line it had.
     void buryWorker(Worker& worker) {
-        kill(worker.process, SIGKILL);  // if it should still be there, without its socket
+        if (worker.process > 0)
+            kill(worker.process, SIGKILL);  // if it should still be there, without its socket
         const int status = end(worker);
         if (!worker.busy) return;
         worker.busy = false;
@@ -339,6 +355,7 @@ private:
         BatchResult result;
         if (!worker.busy || !receiveResult(worker.socket, result)) return buryWorker(worker);
         worker.busy = false;
+        passOn(worker);
         if (result.last) end(worker);
         if (!result.record.job.empty() && !mJournal.append(result.record)) mJournalWhole = false;
         finish(worker.place, std::move(result));
@@ -358,17 +375,35 @@ private:
             mWaiting.pop_front();
             ++mPrinted;
         }
+        if (!text.empty() && mOutputIsTerminal) mProgress.clear();
+        writeOut(text);
+        mProgress.update(mDone, mErrors, mInput.share());
+    }
+
+    void writeOut(const std::string& text) {
         size_t written = 0;
-        while (written < text.size() && !mOutputClosed) {
+        while (written < text.size() && !mOutputClosed && !mOutputFailed) {
             const ssize_t now = write(STDOUT_FILENO, text.data() + written, text.size() - written);
-            if (now >= 0) written += static_cast<size_t>(now);
-            if (now < 0 && errno == EPIPE)
+            if (now >= 0) {
+                written += static_cast<size_t>(now);
+            } else if (errno == EAGAIN) {
+                pollfd room = {STDOUT_FILENO, POLLOUT, 0};
+                poll(&room, 1, -1);
+            } else if (errno == EPIPE) {
                 mOutputClosed = true;
-            else if (now < 0 && errno != EINTR) {
-                throw Failure(std::string("cannot write to standard output: ") + std::strerror(errno));
+            } else if (errno != EINTR) {
+                mOutputFailed = true;
+                stop(std::string("cannot write to standard output: ") + std::strerror(errno));
             }
         }
-        mProgress.update(mDone, mErrors, mInput.share());
+    }
+
+    void readInput() {
+        try {
+            mInput.read();
+        } catch (const Failure& failure) {
+            stop(failure.what());
+        }
     }
 
     // Until a worker answers, the input has more (asked for by `reads`), the reader of the results is gone,
@@ -378,31 +413,37 @@ private:
                                       {mOutputClosed ? -1 : STDOUT_FILENO, 0, 0},
                                       {reads ? mInput.descriptor() : -1, POLLIN, 0}};
         const size_t fixed = events.size();
-        for (const Worker& worker : mWorkers) events.push_back({worker.socket, POLLIN, 0});
+        for (const Worker& worker : mWorkers) {
+            events.push_back({worker.socket, POLLIN, 0});
+            events.push_back({worker.errors, POLLIN, 0});
+        }
         if (poll(events.data(), events.size(), mProgress.shown() ? 200 : -1) <= 0) return;
         char byte;
         while (events[0].revents != 0 && ::read(mWake[0], &byte, 1) == 1) {
         }
-        if ((events[1].revents & POLLERR) != 0) mOutputClosed = true;
+        if ((events[1].revents & (POLLERR | POLLHUP)) != 0) mOutputClosed = true;
         for (size_t i = 0; i < mWorkers.size(); ++i) {
-            if (events[fixed + i].revents != 0) answered(mWorkers[i]);
+            if (events[fixed + 2 * i + 1].revents != 0) passOn(mWorkers[i]);
+            if (events[fixed + 2 * i].revents != 0) answered(mWorkers[i]);
         }
-        if (events[2].revents != 0) mInput.read();
+        if (events[2].revents != 0) readInput();
     }
 
     const BatchArguments& mArguments;
     std::vector<Worker> mWorkers;
     const BatchSettings mSettings;
     BatchInput mInput;
+    BatchNames mNames;
     BatchJournal mJournal;
     Progress mProgress;
-    HashSet mNames;
     int mWake[2] = {-1, -1};
     uint64_t mLine = 0, mDone = 0, mErrors = 0;
     std::deque<std::optional<std::string>> mWaiting;  // results in the order of the lines
     size_t mPrinted = 0;                              // the place of the first of them
     bool mEnded = false;                              // no more lines are taken
-    bool mOutputClosed = false, mJournalWhole = true;
+    bool mOutputClosed = false, mOutputFailed = false, mJournalWhole = true;
+    const bool mOutputIsTerminal = isatty(STDOUT_FILENO) == 1;
+    std::string mFailure;  // what keeps the batch from going on
 };
 
 }  // namespace
@@ -422,6 +463,10 @@ void addBatchOptions(CLI::App& command, BatchArguments& a) {
                     "Name of a picture whose line has no output; {index} is the line's number")
         ->type_name("NAME")
         ->capture_default_str();
+    command
+        .add_option("--metrics", a.metrics,
+                    "Name of the metrics in JSON of a picture whose line has none, with {index}; else none")
+        ->type_name("NAME");
     command.add_option("--output-dir", a.outputFolder, "Where the pictures go; made when missing")
         ->type_name("DIR")
         ->capture_default_str();
@@ -447,9 +492,17 @@ void addBatchOptions(CLI::App& command, BatchArguments& a) {
         "  {\"text\": \"Grüße\", \"size\": 120, \"stroke\": \"8:#202020\", \"output\": \"hello.png\"}\n"
         "  {\"text\": \"世界\", \"fallback\": [\"NotoSansCJK-Regular.ttc\"], \"style\": {\"color\": "
         "\"#ff8800\"}}\n"
+        "\"output\" and \"metrics\" are names in the output folder, each of one line alone.\n"
         "Each line gives one JSON object on standard output, in their order: line, path, width, height, "
         "margins,\n"
-        "baseline and milliseconds, or error. Empty lines are passed over; a line has at most 16 MiB.\n\n"
+        "baseline and milliseconds, or line and error; metrics where there are some, skipped where --resume "
+        "left\n"
+        "them. Empty lines are passed over; a line has at most 16 MiB. Warnings on standard error name the "
+        "line.\n"
+        "--resume renders anew where the line, an option, the program's version, the style, the text's file, "
+        "a font\n"
+        "(given or the system's; by place, size and time), a pattern or a file of the line's is not what it "
+        "was.\n\n"
         "Examples:\n"
         "  zvtext batch titles.jsonl --font DejaVuSans-Bold.ttf --output-dir out --jobs 0 > results.jsonl\n"
         "  zvtext batch titles.jsonl --font DejaVuSans-Bold.ttf --output-dir out --resume > results.jsonl\n"
@@ -458,6 +511,7 @@ void addBatchOptions(CLI::App& command, BatchArguments& a) {
 }
 
 int runBatch(const BatchArguments& arguments) {
+    holdStandardStreams();
     return Batch(arguments).run();
 }
 

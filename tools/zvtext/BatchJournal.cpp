@@ -37,12 +37,9 @@ BatchJournal::BatchJournal(const std::string& folder, bool reads) {
     mDescriptor = open(path.c_str(), O_RDWR | O_CREAT | O_APPEND | O_CLOEXEC, 0666);
     if (mDescriptor < 0) throw Failure("--output-dir: cannot write '" + path + "': " + std::strerror(errno));
     if (reads) findRecords();
-    // The next record starts a line even behind one that was cut short.
     const off_t size = lseek(mDescriptor, 0, SEEK_END);
     char last = '\n';
-    if (size > 0 && pread(mDescriptor, &last, 1, size - 1) == 1 && last != '\n') {
-        if (write(mDescriptor, "\n", 1) != 1) throw Failure("--output-dir: cannot write '" + path + "'");
-    }
+    mCutShort = size > 0 && pread(mDescriptor, &last, 1, size - 1) == 1 && last != '\n';
 }
 
 BatchJournal::~BatchJournal() {
@@ -84,8 +81,12 @@ std::optional<BatchJournal::Record> BatchJournal::find(const std::string& job) c
 }
 
 bool BatchJournal::append(const Record& record) {
-    const std::string line = record.job + " " + record.content + " " + record.result + "\n";
-    return write(mDescriptor, line.data(), line.size()) == static_cast<ssize_t>(line.size());
+    // A record starts a line even behind one that was cut short.
+    const std::string line =
+        (mCutShort ? "\n" : "") + record.job + " " + record.content + " " + record.result + "\n";
+    const ssize_t written = write(mDescriptor, line.data(), line.size());
+    if (written > 0) mCutShort = static_cast<size_t>(written) < line.size();
+    return written == static_cast<ssize_t>(line.size());
 }
 
 }  // namespace zvtext

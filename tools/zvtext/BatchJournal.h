@@ -42,6 +42,7 @@ private:
     void findRecords();
 
     int mDescriptor = -1;
+    bool mCutShort = false;                              // the last record
     std::vector<std::pair<uint64_t, uint64_t>> mPlaces;  // half of a job's digest, offset; sorted
 };
 

@@ -15,17 +15,24 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-constexpr int kMaxDepth = 17;  // a style within the line's object
+constexpr int kMaxDepth = 17;          // a style within the line's object
+constexpr size_t kMaxEvents = 20'000;  // of the parser, which walks over earlier values time and again
 
 // Options of render that a line does not take.
-constexpr const char* kNotForLines[] = {"print-style", "print-key", "metrics"};
+constexpr const char* kNotForLines[] = {"print-style", "print-key"};
+
+bool namesFile(const std::string& key) {
+    return key == "output" || key == "metrics";
+}
 
 // The parser would keep the last of two equal keys.
 Json parseObject(const std::string& line) {
     std::vector<std::set<std::string>> keys;  // of the objects around
+    size_t events = 0;
     const auto watch = [&](int depth, Json::parse_event_t event, Json& parsed) {
         using Event = Json::parse_event_t;
         if (depth > kMaxDepth) throw UsageError("the line is nested too deeply");
+        if (++events > kMaxEvents) throw UsageError("the line has too many keys and values");
         if (event == Event::object_start) keys.emplace_back();
         if (event == Event::object_end) keys.pop_back();
         if (event == Event::key && !keys.back().insert(parsed.get<std::string>()).second) {
@@ -39,10 +46,12 @@ Json parseObject(const std::string& line) {
         return json;
     } catch (const Json::exception& error) {
         // "[json.exception.parse_error.101] parse error at line 1, column 5: ..."
-        const std::string what = error.what();
-        const size_t bracket = what.find("] ");
-        throw UsageError("the line is no JSON: " +
-                         (bracket == std::string::npos ? what : what.substr(bracket + 2)));
+        std::string what = error.what();
+        what.erase(0, what.find("] ") + 2);
+        const std::string place = "line 1, ";
+        const size_t at = what.find(place);
+        if (at != std::string::npos) what.erase(at, place.size());
+        throw UsageError("the line is no JSON: " + what);
     }
 }
 
@@ -96,11 +105,16 @@ void addWords(const CLI::Option& option, const std::string& key, const Json& val
 
 }  // namespace
 
-std::optional<std::string> readOutputName(const std::string& line) {
+LineNames readLineNames(const std::string& line) {
     const Json json = parseObject(line);
-    const auto output = json.find("output");
-    if (output == json.end() || output->is_null()) return std::nullopt;
-    return textOf("output", *output);
+    LineNames names;
+    const auto read = [&](const std::string& key, std::optional<std::string>& name) {
+        const auto value = json.find(key);
+        if (value != json.end() && !value->is_null()) name = textOf(key, *value);
+    };
+    read("output", names.output);
+    read("metrics", names.metrics);
+    return names;
 }
 
 LineReader::LineReader(const RenderArguments& defaults) : mDefaults(defaults) {
@@ -114,7 +128,7 @@ RenderArguments LineReader::read(const std::string& line) {
     mArguments.literalText = true;
     std::vector<std::string> words;
     for (const auto& [key, value] : json.items()) {
-        if (value.is_null() || key == "output") continue;
+        if (value.is_null() || namesFile(key)) continue;
         if (key == "text") {
             mArguments.text = textOf(key, value);
             mArguments.textFile.clear();

@@ -12,13 +12,18 @@
 namespace zvtext {
 
 // One line of `zvtext batch`: a JSON object whose keys are the options of render, without the dashes, and
-// "text". A value is a string as the command line has it, or a number; true or false for a flag; an array of
-// strings for an option that may be given several times; an object for "style", which is then the style
-// itself. null is as if the key were not there.
+// "text"; "output" and "metrics" are names in the output folder. A value is a string as the command line has
+// it, or a number; true or false for a flag; an array of strings for an option that may be given several
+// times; an object for "style", which is then the style itself. null is as if the key were not there.
 constexpr size_t kMaxLineBytes = size_t{16} << 20;
 
-// The line's "output", none where it has no such key. Throws UsageError where the line is no JSON object.
-std::optional<std::string> readOutputName(const std::string& line);
+// What the line calls its files; none where it has no such key.
+struct LineNames {
+    std::optional<std::string> output, metrics;
+};
+
+// Throws UsageError for what is no line, for a key that is there twice, and for a name that is no string.
+LineNames readLineNames(const std::string& line);
 
 // Reads lines as render reads its command line, through the same options.
 class LineReader {
@@ -29,8 +34,8 @@ public:
     LineReader(const LineReader&) = delete;
     LineReader& operator=(const LineReader&) = delete;
 
-    // Its values are still to be read, by readScene. Throws UsageError for what is no line, for a key that is
-    // unknown or there twice, and for a value of the wrong kind.
+    // Without its files. Its values are still to be read, by readScene. Throws UsageError for what is no
+    // line, for a key that is unknown or there twice, and for a value of the wrong kind.
     RenderArguments read(const std::string& line);
 
 private:

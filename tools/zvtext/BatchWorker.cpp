@@ -7,17 +7,17 @@
 #include <chrono>
 #include <cmath>
 #include <filesystem>
+#include <map>
 #include <new>
-#include <nlohmann/json.hpp>
-#include <set>
 #include <vector>
 
 #include "tools/zvtext/BatchLine.h"
 #include "tools/zvtext/Digest.h"
 #include "tools/zvtext/Failure.h"
-#include "tools/zvtext/FontChoice.h"
+#include "tools/zvtext/Json.h"
 #include "tools/zvtext/Output.h"
 #include "tools/zvtext/Scene.h"
+#include "tools/zvtext/SceneFonts.h"
 #include "tools/zvtext/TextInput.h"
 
 namespace zvtext {
@@ -25,7 +25,6 @@ namespace zvtext {
 namespace {
 
 namespace fs = std::filesystem;
-using Json = nlohmann::ordered_json;
 using Parts = std::vector<std::string>;
 
 constexpr size_t kMaxMessage = 2000;
@@ -78,10 +77,6 @@ bool receiveParts(int socket, Parts& parts) {
     return true;
 }
 
-std::string dump(const Json& json) {
-    return json.dump(-1, ' ', false, Json::error_handler_t::replace);
-}
-
 // --- One line
 
 // What shows that a file is another than before, or nothing where there is none.
@@ -90,22 +85,6 @@ std::string fileMark(const std::string& path) {
     if (path.empty() || stat(path.c_str(), &status) != 0) return "";
     return std::to_string(status.st_size) + "." + std::to_string(status.st_mtim.tv_sec) + "." +
            std::to_string(status.st_mtim.tv_nsec);
-}
-
-// All that the picture is made from: the line, the defaults, and the files they name.
-std::string digestOf(const BatchJob& job, const BatchSettings& settings, const Scene& scene) {
-    Digest digest;
-    digest.add(ZVEX_VERSION).add(settings.digest).add(job.path).add(job.json);
-    digest.add(writeStyle(scene.style)).add(scene.text);
-    digest.add(fileMark(chooseFont("--font", scene.font).path));
-    for (const std::string& font : scene.fallbacks) {
-        digest.add(fileMark(chooseFont("--fallback", font).path));
-    }
-    for (const EffectSettings& effect : scene.style.effects) {
-        const auto* pattern = std::get_if<PatternSettings>(&effect);
-        if (pattern != nullptr) digest.add(fileMark(pattern->file));
-    }
-    return digest.hex();
 }
 
 // Of what lies there; empty where it cannot be read or is no file of its own.
@@ -119,6 +98,14 @@ std::string contentDigest(const std::string& path) {
     }
 }
 
+// The same of the picture and its metrics.
+std::string contentDigest(const BatchJob& job) {
+    const std::string picture = contentDigest(job.path);
+    if (job.metrics.empty() || picture.empty()) return picture;
+    const std::string metrics = contentDigest(job.metrics);
+    return metrics.empty() ? "" : Digest().add(picture).add(metrics).hex();
+}
+
 class Worker {
 public:
     Worker(const BatchSettings& settings, const BatchJournal& journal)
@@ -126,7 +113,8 @@ public:
 
     BatchResult run(const BatchJob& job) {
         BatchResult result = renderOrFail(job);
-        result.last = mFonts.size() > kMaxFontsHeld;
+        // Fonts stay loaded; lines with fonts of their own must not fill the memory.
+        result.last = mFontMarks.size() > kMaxFontsHeld;
         return result;
     }
 
@@ -143,81 +131,98 @@ private:
 
     BatchResult render(const BatchJob& job) {
         const auto begin = std::chrono::steady_clock::now();
-        const RenderArguments arguments = mReader.read(job.json);
+        RenderArguments arguments = mReader.read(job.json);
+        arguments.outputOptions.metrics = job.metrics;
         checkOutput(job.path, arguments.outputOptions, "--output");
         const Scene scene = readScene(arguments);
         BatchResult result;
-        result.record.job = digestOf(job, mSettings, scene);
-        if (mSettings.resumes && findPicture(job, result)) return result;
-        countFonts(scene);
-        const Rendering rendering = renderScene(scene);
-        makeFolder(job.path);
-        writeRendering(rendering, job.path, arguments.outputOptions, "--output");
-
-        const Metrics& metrics = rendering.metrics;
-        const Margins& margins = metrics.margins;
-        Json json = {{"line", job.line},
-                     {"path", job.path},
-                     {"width", metrics.width},
-                     {"height", metrics.height},
-                     {"margins",
-                      {{"left", margins.left},
-                       {"top", margins.top},
-                       {"right", margins.right},
-                       {"bottom", margins.bottom}}},
-                     {"baseline", metrics.baseline}};
-        result.record.result = dump(json);
-        result.record.content = contentDigest(job.path);
-        if (result.record.content.empty()) result.record.job.clear();
+        result.record.job = digestOf(job, scene);
+        Json json = {{"line", job.line}, {"path", job.path}};
+        if (!job.metrics.empty()) json["metrics"] = job.metrics;
+        const bool skipped = mSettings.resumes && findPicture(job, result.record);
+        if (!skipped) makePicture(job, scene, arguments.outputOptions, result.record);
+        json.update(Json::parse(result.record.result));
+        if (skipped) json["skipped"] = true;
+        if (skipped || result.record.content.empty()) result.record.job.clear();
         const std::chrono::duration<double, std::milli> took = std::chrono::steady_clock::now() - begin;
         json["milliseconds"] = std::round(took.count() * 10) / 10;
-        result.json = dump(json);
+        result.json = dumpJson(json);
         return result;
     }
 
-    // Whether the picture is there as the journal has it for this job.
-    bool findPicture(const BatchJob& job, BatchResult& result) const {
-        const std::optional<BatchJournal::Record> record = mJournal.find(result.record.job);
-        if (!record || record->content != contentDigest(job.path)) return false;
-        Json json = Json::parse(record->result, nullptr, false);
-        if (!json.is_object()) return false;
-        json["line"] = job.line;
-        json["path"] = job.path;
-        json["skipped"] = true;
-        result.json = dump(json);
-        result.record.job.clear();
+    // Whether the files are there as the journal has them for the record's job; the record is the journal's
+    // then.
+    bool findPicture(const BatchJob& job, BatchJournal::Record& record) const {
+        const std::optional<BatchJournal::Record> found = mJournal.find(record.job);
+        if (!found || !Json::parse(found->result, nullptr, false).is_object()) return false;
+        if (found->content != contentDigest(job)) return false;
+        record = *found;
         return true;
     }
 
-    static void makeFolder(const std::string& path) {
+    static void makePicture(const BatchJob& job, const Scene& scene, const OutputOptions& options,
+                            BatchJournal::Record& record) {
+        const Rendering rendering = renderScene(scene);
+        makeFolder(job.path, "--output");
+        makeFolder(job.metrics, "--metrics");
+        writeRendering(rendering, job.path, options, "--output");
+        const Metrics& metrics = rendering.metrics;
+        const Margins& margins = metrics.margins;
+        record.content = contentDigest(job);
+        record.result = dumpJson({{"width", metrics.width},
+                                  {"height", metrics.height},
+                                  {"margins",
+                                   {{"left", margins.left},
+                                    {"top", margins.top},
+                                    {"right", margins.right},
+                                    {"bottom", margins.bottom}}},
+                                  {"baseline", metrics.baseline}});
+    }
+
+    static void makeFolder(const std::string& path, const std::string& option) {
         const fs::path folder = fs::path(path).parent_path();
         std::error_code error;
         if (!folder.empty()) fs::create_directories(folder, error);
-        if (error) throw Failure("--output: cannot make '" + folder.string() + "': " + error.message());
+        if (error) throw Failure(option + ": cannot make '" + folder.string() + "': " + error.message());
     }
 
-    // Fonts that were read stay; lines with fonts of their own must not fill the memory.
-    void countFonts(const Scene& scene) {
-        mFonts.insert(scene.font + "\n" + scene.axes);
-        mFonts.insert(scene.fallbacks.begin(), scene.fallbacks.end());
+    // All that the picture is made from: the line, the defaults, the files they name, and the system's fonts
+    // that serve the text. Loads the fonts.
+    std::string digestOf(const BatchJob& job, const Scene& scene) {
+        Digest digest;
+        digest.add(ZVEX_VERSION).add(mSettings.digest).add(job.path).add(job.metrics).add(job.json);
+        digest.add(writeStyle(scene.style)).add(scene.text);
+        for (const std::shared_ptr<const LoadedFont>& font : takeFonts(scene).fonts) {
+            const FontChoice& choice = font->choice;
+            digest.add(choice.name()).add(std::to_string(choice.instance)).add(choice.variations);
+            // A font stays as it was read, whatever happens to its file.
+            const auto [mark, isNew] = mFontMarks.try_emplace(font->key);
+            if (isNew) mark->second = fileMark(choice.path);
+            digest.add(mark->second);
+        }
+        for (const EffectSettings& effect : scene.style.effects) {
+            const auto* pattern = std::get_if<PatternSettings>(&effect);
+            if (pattern != nullptr) digest.add(fileMark(pattern->file));
+        }
+        return digest.hex();
     }
 
     const BatchSettings& mSettings;
     const BatchJournal& mJournal;
     LineReader mReader;
-    std::set<std::string> mFonts;
+    std::map<std::string, std::string> mFontMarks;  // of the fonts that are loaded
 };
 
 }  // namespace
 
 bool sendJob(int socket, const BatchJob& job) {
-    return sendParts(socket, {std::to_string(job.line), job.path, job.json});
+    return sendParts(socket, {std::to_string(job.line), job.path, job.metrics, job.json});
 }
 
 bool receiveJob(int socket, BatchJob& job) {
-    Parts parts(3);
+    Parts parts(4);
     if (!receiveParts(socket, parts)) return false;
-    job = {std::stoull(parts[0]), std::move(parts[1]), std::move(parts[2])};
+    job = {std::stoull(parts[0]), std::move(parts[1]), std::move(parts[2]), std::move(parts[3])};
     return true;
 }
 
@@ -243,7 +248,7 @@ BatchResult failedResult(uint64_t line, const std::string& path, const std::stri
     json["error"] = message.size() > kMaxMessage ? message.substr(0, kMaxMessage) + "..." : message;
     BatchResult result;
     result.failed = true;
-    result.json = dump(json);
+    result.json = dumpJson(json);
     return result;
 }
 

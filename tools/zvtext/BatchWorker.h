@@ -12,9 +12,10 @@ namespace zvtext {
 
 // What a worker of a batch is asked for, and its answer.
 struct BatchJob {
-    uint64_t line = 0;  // its number, from 1
-    std::string path;   // where the picture goes
-    std::string json;   // the line
+    uint64_t line = 0;    // its number, from 1
+    std::string path;     // where the picture goes
+    std::string metrics;  // where its metrics go; empty: nowhere
+    std::string json;     // the line
 };
 struct BatchResult {
     bool failed = false;
@@ -39,8 +40,8 @@ struct BatchSettings {
     bool resumes = false;  // leaves the pictures that are there, whole and the line's own
 };
 
-// Answers jobs until the other end closes. Fonts stay loaded from one job to the next; after some dozens of
-// them the worker asks to be replaced.
+// Answers jobs until the other end closes. Warnings go to standard error, as render's do. Fonts stay loaded
+// from one job to the next; after some dozens of them the worker asks to be replaced.
 void runBatchWorker(int socket, const BatchSettings& settings, const BatchJournal& journal);
 
 }  // namespace zvtext

@@ -42,7 +42,7 @@ Progress::Progress(bool quiet) {
 
 void Progress::update(uint64_t done, uint64_t errors, double share) {
     const Clock::time_point now = Clock::now();
-    if (!mShown || now - mLast < std::chrono::milliseconds(100)) return;
+    if (!mShown || (!mWiped && now - mLast < std::chrono::milliseconds(100))) return;
     mLast = now;
     const double seconds = std::chrono::duration<double>(now - mBegin).count();
     std::string text;
@@ -60,11 +60,14 @@ void Progress::update(uint64_t done, uint64_t errors, double share) {
     if (text.size() >= columns) text.resize(columns - 1);
     std::fprintf(stderr, "\r%s\x1b[K", text.c_str());
     mDrawn = true;
+    mWiped = false;
 }
 
 void Progress::clear() {
-    if (mDrawn) std::fputs("\r\x1b[K", stderr);
+    if (!mDrawn) return;
+    std::fputs("\r\x1b[K", stderr);
     mDrawn = false;
+    mWiped = true;
 }
 
 }  // namespace zvtext

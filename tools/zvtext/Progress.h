@@ -8,7 +8,7 @@
 namespace zvtext {
 
 // One line on a terminal's standard error that says how far a batch is. Nothing where standard error is no
-// terminal.
+// terminal. Whoever writes to the terminal takes the line away first; the next update draws it again.
 class Progress {
 public:
     explicit Progress(bool quiet);
@@ -18,17 +18,17 @@ public:
 
     bool shown() const { return mShown; }
 
-    // Draws the line, at most ten times a second. `share` of the work is done, negative: nobody knows.
+    // Draws the line, anew at most ten times a second. `share` of the work is done, negative: nobody knows.
     void update(uint64_t done, uint64_t errors, double share);
 
-    // Takes the line away.
+    // Takes the line away, where it is there.
     void clear();
 
 private:
     using Clock = std::chrono::steady_clock;
 
     bool mShown;
-    bool mDrawn = false;
+    bool mDrawn = false, mWiped = false;
     Clock::time_point mBegin = Clock::now(), mLast = mBegin;
 };
 

@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef ZVEX_TOOLS_ZVTEXT_BATCHNAMES_H_
+#define ZVEX_TOOLS_ZVTEXT_BATCHNAMES_H_
+
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace zvtext {
+
+// The name with each "{index}" replaced by the line's number.
+std::string expandTemplate(const std::string& text, uint64_t line);
+
+// Hashes of strings, 8 bytes each in a table at most half full.
+class HashSet {
+public:
+    // False where it is in already.
+    bool insert(uint64_t hash);
+
+private:
+    bool place(uint64_t hash);
+    void grow();
+
+    std::vector<uint64_t> mSlots = std::vector<uint64_t>(1024);
+    size_t mCount = 0;
+};
+
+// Where the files of a batch go. `option` opens the messages of the UsageErrors thrown.
+class BatchNames {
+public:
+    // With `allowOutside` names may be absolute or leave the folder. With `tidies` the temporary files that
+    // killed processes left are removed from a folder before the first file of the batch goes there. Throws
+    // Failure where the current folder cannot be told.
+    BatchNames(std::string folder, bool allowOutside, bool tidies);
+
+    // The path for a name of a line. Throws for a name that is empty, too long, a folder's, the journal's,
+    // "-", or outside the folder.
+    std::string pathOf(const std::string& option, const std::string& name) const;
+
+    // Nobody else may write there from now on; throws where somebody may already. 16 bytes of memory a path.
+    void claim(const std::string& option, const std::string& path);
+
+private:
+    const std::string mFolder;
+    const bool mAllowOutside, mTidies;
+    std::filesystem::path mCurrent;
+    HashSet mTaken;
+};
+
+}  // namespace zvtext
+
+#endif  // ZVEX_TOOLS_ZVTEXT_BATCHNAMES_H_
