@@ -54,6 +54,48 @@ TEST_F(Fonts, AxesMoveOutlinesAndAdvances) {
     const std::string slanted = render("Axes", {"--font", kInter, "--axes", "slnt=-10,wght=100"});
     EXPECT_EQ(slanted, render("Axes", {"--font", kInter, "--axes", "wght=100,slnt=-10"}));
     EXPECT_NE(readPng(file("out.png")).rgba, thin.rgba);
+    // Behind a bold font, one that is not is widened; two fonts that are files of their own are two fonts.
+    const auto inkBehind = [&](const char* axes) {
+        render("骨", {"--font", kInter, "--axes", axes, "--fallback", kCjk + "#2"});
+        return readPng(file("out.png")).ink();
+    };
+    EXPECT_GT(inkBehind("wght=700"), inkBehind("wght=500") * 11 / 10);
+    const std::string bold = "Noto Sans CJK SC:bold";
+    EXPECT_EQ(render("骨", {"--font", kInter, "--axes", "wght=700", "--fallback", bold, "--trim"}),
+              render("骨", {"--font", bold, "--trim"}));
+}
+
+// A worker renders many lines: each has its own fonts, as if it were rendered alone.
+TEST_F(Fonts, LinesOfABatchShareFontsAndKeepThemApart) {
+    fs::create_directories(file("system/fonts"));
+    const std::string roboto = file("system/fonts/Roboto-Bold.ttf");  // the library has another use for it
+    fs::create_symlink(kFont, roboto);
+    const std::vector<std::vector<std::string>> lines = {
+        {"H世", "Inter:bold"},
+        {"H世", "Inter:light"},
+        {"H世", "Inter:variable=true:fontvariations=wght=333"},
+        {"H世", "Inter:variable=true:fontvariations=wght=555"},
+        {"H世", kInter, "axes", "wght=900"},
+        {"H世", kInter, "axes", "wght=200"},
+        {"H世", kFont, "fallback", "Noto Sans CJK SC:bold"},
+        {"H世", kFont, "fallback", kCjk},
+        {"骨", kFont},
+        {"か骨", kFont},  // the same font's first choice for another language
+        {"H", roboto},
+        {"H世", roboto}};
+    std::string input;
+    for (const std::vector<std::string>& line : lines) {
+        Json json = {{"text", line[0]}, {"font", line[1]}};
+        if (line.size() > 2) json[line[2]] = line[3];
+        input += json.dump() + "\n";
+    }
+    ASSERT_EQ(run({"batch", "--size", "64", "--output-dir", file("batch")}, input).status, 0);
+    for (size_t i = 0; i < lines.size(); ++i) {
+        std::vector<std::string> more = {"--font", lines[i][1]};
+        if (lines[i].size() > 2) more.insert(more.end(), {"--" + lines[i][2], lines[i][3]});
+        const std::string alone = render(lines[i][0], more);
+        EXPECT_TRUE(slurp(file("batch") / (std::to_string(i + 1) + ".png")) == alone) << i;
+    }
 }
 
 TEST_F(Fonts, OutlinesAreFreeTypesAtThoseCoordinates) {
@@ -84,6 +126,8 @@ TEST_F(Fonts, AFontOfACollection) {
     EXPECT_EQ(render("A", {"--font", file("a-Bold#2")}), render("A", {"--font", kFont})) << "the file wins";
     EXPECT_EQ(render("骨直", {"--font", file("a-Bold#2"), "--fallback", file("a-Bold#02"), "--no-fallback"}),
               render("骨直", {"--font", kFont, "--fallback", kCjk + "#2"}));
+    EXPECT_EQ(render("A", {"--font", file("a-Bold#2#0")}), render("A", {"--font", kFont}));
+    expectRefused({"font", file("a-Bold#x")}, 2, "FONT: 'x' after '" + file("a-Bold").string());
 }
 
 TEST_F(Fonts, OddFilesThatAreFonts) {
@@ -110,14 +154,16 @@ TEST_F(Fonts, OddFilesThatAreFonts) {
     for (size_t at = names + 6, last = at + 12 * number(names + 2, 2); at < last; at += 12) {
         odd.replace(at + 4, 2, number(at, 2) == 1 ? std::string("\0\13", 2) : "\4\21");
     }
+    odd.replace(number(odd.find("hhea") + 8, 4) + 8, 2, std::string("\10\0", 2));  // a line gap of one em
     const Json facts = inspect({"font", write("odd.ttf", odd)});
+    EXPECT_EQ(facts["metrics"]["lineHeight"], 2.164);
     EXPECT_EQ(facts["characters"], 16);
     EXPECT_EQ(facts["family"], "DejaVu Sans");
 }
 
 TEST_F(Fonts, ByName) {
     for (const char* name :
-         {"DejaVu Sans:bold", "dejavu sans:style=Bold", "No Such Family,DejaVu Sans:bold"}) {
+         {"DejaVu Sans:bold", "dejavuSANS:style=Bold", "No Such Family,DejaVu Sans:bold"}) {
         EXPECT_EQ(inspect({"font", name})["file"], kFont) << name;
     }
     EXPECT_EQ(render("Name", {"--font", "DejaVu Sans:bold"}), render("Name", {"--font", kFont}));
@@ -129,12 +175,21 @@ TEST_F(Fonts, ByName) {
     EXPECT_EQ(bold["style"], "Bold");
     EXPECT_EQ(inspect({"font", "Inter:bold", "--axes", "wght=400"})["weight"], 400);
     EXPECT_EQ(inspect({"font", "Inter:variable=true:fontvariations=wght=333"})["weight"], 333);
-    EXPECT_NE(inspect({"font", "sans-serif"})["family"], "") << "any font serves a generic name";
+    EXPECT_NE(inspect({"font", "Sans-Serif"})["family"], "") << "any font serves a generic name";
+    EXPECT_EQ(inspect({"font", "DejaVu Sans:medium"})["style"], "Book") << "near enough";
+    EXPECT_EQ(inspect({"font", "Noto Sans:italic"})["italic"], true);
 
     expectRefused({"font", "No Such Family"}, 1,
                   "FONT: 'No Such Family' is no file, and no font has that name; fontconfig would take '");
-    expectRefused({"font", "DejaVu-Bold"}, 1, "FONT: 'DejaVu-Bold' is no file, and no font has that name");
-    for (const char* name : {"Noto Sans:weight=0", "Noto Sans Arabic:italic", "DejaVu Sans:style=Fat"}) {
+    for (const char* name : {"DejaVu-Bold", "DejaVu Sans-12", "No\\:Family"}) {
+        expectRefused({"font", name}, 1,
+                      std::string("FONT: '") + name + "' is no file, and no font has that name; ");
+    }
+    const Result fallback =
+        run({"render", "A", "--font", kFont, "--fallback", "No Such", "-o", file("x.png")});
+    EXPECT_EQ(fallback.err.substr(0, 30), "zvtext: --fallback: 'No Such' ");
+    for (const char* name : {"Noto Sans:weight=0", "Noto Music:bold", "Noto Sans Arabic:italic",
+                             "Noto Music:condensed", "DejaVu Sans:style=Fat"}) {
         expectRefused({"font", name}, 1, std::string("FONT: '") + name + "' is a style that the font lacks");
     }
     expectRefused({"font", "DejaVu Sans:lang=ja"}, 1, "FONT: 'DejaVu Sans:lang=ja' is a language");
@@ -147,12 +202,15 @@ TEST_F(Fonts, ByName) {
     for (const char* name : {" ", ",:bold", "DejaVu Sans:weight=blod"}) {
         expectRefused({"font", name}, 2, std::string("FONT: '") + name + "' is neither a file nor a name");
     }
-    fs::create_directory(file("DejaVu Sans"));
+    fs::create_directory(file("DejaVu Sans:bold"));
+    fs::create_symlink(kFont, file("-"));
     const fs::path here = fs::current_path();
     fs::current_path(mFolder);
     EXPECT_EQ(inspect({"font", "DejaVu Sans:bold"})["file"], kFont) << "a folder of that name";
+    EXPECT_EQ(inspect({"font", "-"})["fullName"], "DejaVu Sans Bold") << "a font is no standard input";
     fs::current_path(here);
-    expectRefused({"font", std::string(100000, ':')}, 2, "FONT: '");
+    expectRefused({"font", std::string(100000, ':')}, 2,
+                  "FONT: '" + std::string(40, ':') + "...' is neither a file nor a name");
     expectRefused({"font", "\xFF\xFE"}, 2, "FONT: '");
     setenv("FONTCONFIG_FILE", write("empty.conf", "<fontconfig/>").c_str(), 1);
     expectRefused({"font", "DejaVu Sans"}, 1,
@@ -161,6 +219,21 @@ TEST_F(Fonts, ByName) {
 }
 
 TEST_F(Fonts, TheSystemsFontsServeWhatTheGivenOnesLack) {
+    // Whatever else is installed.
+    std::string accepted;
+    for (const char* name :
+         {"truetype/dejavu/DejaVuSans.ttf", "truetype/dejavu/DejaVuSerif.ttf", "truetype/noto/NotoSans-*.ttf",
+          "truetype/noto/NotoSansThai-*.ttf", "truetype/noto/NotoSansDevanagari-Regular.ttf",
+          "truetype/noto/NotoColorEmoji.ttf", "truetype/inter-vf/InterDisplay.var.ttf",
+          "opentype/noto/Noto*CJK-*.ttc"}) {
+        accepted += std::string("<glob>/usr/share/fonts/") + name + "</glob>";
+    }
+    const std::string few =
+        write("few.conf",
+              "<fontconfig><include>/etc/fonts/fonts.conf</include><selectfont><rejectfont>"
+              "<glob>*.?t?</glob></rejectfont><acceptfont>" +
+                  accepted + "</acceptfont></selectfont></fontconfig>");
+    setenv("FONTCONFIG_FILE", few.c_str(), 1);
     const std::string text = "Aé世界 สวัสดี e\u0301";
     const std::string served = render(text, {"--font", kFont});
     const Result quiet = run({"render", text, "--font", kFont, "-o", file("x.png")});
@@ -170,17 +243,44 @@ TEST_F(Fonts, TheSystemsFontsServeWhatTheGivenOnesLack) {
         EXPECT_EQ(render(text, {"--font", kFont}), served) << "whatever the user's language is";
     }
     unsetenv("LANG");
-    EXPECT_NE(render("骨", {"--font", kFont}), render("骨 か", {"--font", kFont}));
-    const Image chinese = (render("骨", {"--font", kFont}), readPng(file("out.png")));
-    render("骨", {"--font", kFont, "--fallback", "Noto Sans CJK SC:bold"});
-    EXPECT_EQ(readPng(file("out.png")).rgba, chinese.rgba) << "the bold Chinese font beside a bold one";
+    // The bold font that stands behind a bold one is not widened.
+    EXPECT_EQ(render("骨", {"--font", kFont, "--trim"}),
+              render("骨", {"--font", "Noto Sans CJK SC:bold", "--trim"}));
+
+    // The fonts that serve a text beside --font; those that two share are taken once.
+    const auto servers = [&](const std::string& text, const std::string& font) {
+        std::string list;
+        const Json facts = inspect({"text", text, "--font", font});
+        for (const Json& one : facts["fonts"]) {
+            if (one["from"] != "system") continue;
+            list += (list.empty() ? "" : ", ") + one["family"].get<std::string>() + " " +
+                    one["style"].get<std::string>();
+        }
+        return list + (facts["missing"].empty() ? "" : " and missing ones");
+    };
+    const std::string thai = "/usr/share/fonts/truetype/noto/NotoSansThai-Bold.ttf";
+    EXPECT_EQ(servers("骨", kFont), "Noto Sans CJK SC Bold");
+    EXPECT_EQ(servers("骨 か", kFont), "Noto Sans CJK JP Bold") << "a Japanese text";
+    EXPECT_EQ(servers("骨 한", kFont), "Noto Sans CJK KR Bold");
+    EXPECT_EQ(servers("か", kFont), "Noto Sans CJK JP Bold");
+    EXPECT_EQ(servers("骨", "DejaVu Serif"), "Noto Serif CJK SC Regular");
+    EXPECT_EQ(servers("\uA7B4", "/usr/share/fonts/truetype/roboto/unhinted/RobotoTTF/Roboto-Italic.ttf"),
+              "Noto Sans Italic");
+    EXPECT_EQ(servers("❤️", "Noto Sans"), "Noto Color Emoji Regular") << "what is meant as an emoji";
+    EXPECT_EQ(servers("❤", "Noto Sans"), "DejaVu Sans Book");
+    EXPECT_EQ(
+        servers("สวัสดี नमस्ते 한 გ", "Noto Sans"),
+        "Noto Sans Thai Regular, Noto Sans Devanagari Regular, Noto Sans CJK KR Regular, DejaVu Sans Book");
+    EXPECT_EQ(servers("a\u20E3", thai), "Inter Display Bold") << "a letter and a mark that few fonts have";
+    EXPECT_EQ(servers("e\u0301 \u00AD\u2060", kFont), "") << "what shows nothing needs no font";
 
     // No font has this letter with this mark, but some have the letter.
     const Result marked = run({"render", "世\u0E31", "--font", kFont, "-o", file("x.png")});
     EXPECT_EQ(marked.err, "zvtext: warning: no font has U+0E31; add one with --fallback\n");
 
     const auto warningOf = [&](std::vector<std::string> more) {
-        more.insert(more.begin(), {"render", "世 界世 \uFDD0", "--font", kFont, "-o", file("x.png")});
+        more.insert(more.begin(),
+                    {"render", "世 界世 世\u0301 \uFDD0", "--font", kFont, "-o", file("x.png")});
         const Result result = run(more);
         EXPECT_EQ(result.status, 0);
         EXPECT_GT(readPng(file("x.png")).ink(), 0u);
@@ -202,6 +302,8 @@ TEST_F(Fonts, InspectionSaysWhatAFontIs) {
     const Json inter = inspect({"font", kInter, "--axes", "wght=650"});
     EXPECT_EQ(inter["family"], "Inter");
     EXPECT_EQ(inter["weight"], 650);
+    EXPECT_EQ(inter["italic"], false);
+    EXPECT_EQ(inter["metrics"]["descent"], 0.241);
     EXPECT_EQ(inter["fontsInFile"], 1);
     ASSERT_EQ(inter["axes"].size(), 2u);
     EXPECT_EQ(inter["axes"][0],
@@ -222,13 +324,18 @@ TEST_F(Fonts, InspectionSaysWhatAFontIs) {
 TEST_F(Fonts, BadFontsAndAxesAreNamed) {
     const std::string whole = slurp(kInter);
     expectRefused({"font"}, 2, "font is required");
-    expectRefused({"font", file("none.ttf")}, 1, "FONT: cannot read '");
+    expectRefused({"font", ""}, 2, "FONT: the path is empty");
+    for (const std::string name : {"none.ttf", "none.TTF", "none.otf", "none.ttc", "none.otc"}) {
+        expectRefused({"font", name}, 1, "FONT: cannot read '" + name + "'");
+        expectRefused({"font", name + "#x"}, 2, "FONT: 'x' after '" + name + "'");
+    }
     expectRefused({"font", mFolder}, 1, "FONT: '" + mFolder.string() + "' is a folder");
     expectRefused({"font", write("cut.ttf", whole.substr(0, 400))}, 1, "FONT: '");
     expectRefused({"font", kCjk + "#10"}, 2, "FONT: '" + kCjk + "' has no font #10; its last is #9");
     for (const char* number : {"", "x", "-1", "1e0"}) {
         expectRefused({"font", kCjk + "#" + number}, 2, std::string("FONT: '") + number + "' after '" + kCjk);
     }
+    expectRefused({"font", kCjk + "#4294967295"}, 2, "FONT: '4294967295' is not a whole number from 0 to");
     expectRefused({"font", file("a#b")}, 1, "FONT: cannot read '" + file("a#b").string());
     expectRefused({"font", file("a#1")}, 1, "FONT: cannot read '" + file("a").string() + "'");
     expectRefused({"font", write("x.woff2", "wOF2....")}, 1,

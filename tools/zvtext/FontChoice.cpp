@@ -80,7 +80,7 @@ bool looksLikeFile(const std::string& text) {
 // Splits "FILE#N".
 bool readIndex(const std::string& option, const std::string& text, FontChoice& choice) {
     const size_t hash = text.rfind('#');
-    if (hash == std::string::npos || hash == 0) return false;
+    if (hash == std::string::npos) return false;
     const std::string path = text.substr(0, hash), number = text.substr(hash + 1);
     const bool isNumber = !number.empty() && std::all_of(number.begin(), number.end(),
                                                          [](char c) { return c >= '0' && c <= '9'; });

@@ -90,8 +90,7 @@ std::vector<AxisValue> placesOf(const std::string& option, const FontChoice& cho
         unsigned count = kMaxAxes;
         hb_ot_var_named_instance_get_design_coords(face, choice.instance - 1, &count, places);
         for (size_t i = 0; i < std::min<size_t>(count, axes.size()); ++i) {
-            const float place = std::clamp(places[i], axes[i].min_value, axes[i].max_value);
-            setAxis(values, axes[i].tag, static_cast<double>(place));
+            setAxis(values, axes[i].tag, static_cast<double>(places[i]));
         }
     }
     // fontconfig writes its own places before those of the pattern, so an axis may be there twice.
