@@ -510,6 +510,9 @@ ZvRect ZvEffect::drawPicture(PixelOrder order) {
     ZV_DEBUG_LOG(TAG, "DoEffectPostProcessing(%p) - start", static_cast<void*>(this));
     ZvRect drawn;
     std::unique_ptr<WaitingLayer[]> waiting;
+    // A rendering that was given up leaves its box to this one, which then may have no line to clear rows
+    // for.
+    if (maskIsPartial && mask != nullptr && !textRectReset) clearMaskRows();
     if (clipTextRect() && mask->pixels != nullptr)
         waiting.reset(new (std::nothrow) WaitingLayer[layers.size()]);
     if (waiting != nullptr) prepareLayers(waiting.get(), &drawn);

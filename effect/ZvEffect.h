@@ -98,7 +98,8 @@ public:
     // means is said at the field of its record in effect/ZvProperty.h. Any argument is safe: opacities are
     // clamped to 0..1, a gradient's scale to 0..2, a pattern's to 0..10; an angle is a whole number of
     // degrees brought to 0..359, an altitude to 0..89; distance, size and stroke width are whole pixels
-    // clamped to 0..100; stops beyond the first 256 are dropped. NaN counts as the lower end of its range, as
+    // clamped to 0..100, the size of a bevel or emboss alone is as given and costs time and memory with its
+    // square; stops beyond the first 256 are dropped. NaN counts as the lower end of its range, as
     // an angle as 0.
     //
     // Colours are given straight, 0xAARRGGBB, and the opacities take the place of their alpha: text, stroke
