@@ -1,0 +1,167 @@
+// SPDX-License-Identifier: Apache-2.0
+// Damaged fonts, from the file's bytes through the font manager and the layout to a picture: refused or
+// drawn, twice the same.
+#include <algorithm>
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "fuzz/Fonts.h"
+#include "fuzz/Input.h"
+#include "platform/host/FontFace.h"
+#include "platform/host/GlyphCache.h"
+#include "text/FontManager.h"
+#include "text/ZvTextObject.h"
+
+namespace {
+
+constexpr int WIDTH = 96, HEIGHT = 64;
+
+uint32_t readBig(const std::string& file, size_t at, size_t count) {
+    uint32_t value = 0;
+    for (size_t i = 0; i < count; ++i)
+        value = value << 8 | (at + i < file.size() ? static_cast<uint8_t>(file[at + i]) : 0);
+    return value;
+}
+
+void writeBig(std::string& file, size_t at, size_t count, uint32_t value) {
+    for (size_t i = 0; i < count && at + i < file.size(); ++i)
+        file[at + i] = static_cast<char>(value >> 8 * (count - 1 - i));
+}
+
+// Changes of the file, mostly where the tables have their counts and offsets: at their starts.
+std::string damaged(const std::string& original, fuzz::Input& input) {
+    std::string file = original;
+    const size_t tables = readBig(file, 4, 2);
+    for (int changes = 0; changes < 24 && input.left() > 0; ++changes) {
+        const uint8_t kind = input.byte();
+        const size_t table = input.byte() % (tables + 1);  // the last one is the directory
+        const size_t offset = table < tables ? readBig(original, 12 + 16 * table + 8, 4) : 0;
+        const size_t within = (kind & 64) != 0 ? input.byte() : input.half();
+        const size_t at = offset + within;
+        if (at >= file.size()) continue;
+        switch (kind % 8) {
+            case 0:
+            case 1:
+                writeBig(file, at, 1, input.byte());
+                break;
+            case 2:
+            case 3:
+                writeBig(file, at, 2, input.word() >> 16);
+                break;
+            case 4:
+                writeBig(file, at, 2, readBig(file, at, 2) + static_cast<uint32_t>(input.between(-8, 8)));
+                break;
+            case 5:
+                writeBig(file, at, 4, static_cast<uint32_t>(input.integer()));
+                break;
+            case 6: {
+                const size_t from = offset + input.byte(), count = input.byte();
+                for (size_t i = 0; i < count && std::max(at, from) + i < file.size(); ++i)
+                    file[at + i] = file[from + i];
+                break;
+            }
+            default:
+                if (kind >= 192) file.resize(at);
+        }
+    }
+    return file;
+}
+
+void askFace(const std::string& file, const host::GlyphStyle& style, fuzz::Input& input) {
+    // In memory of exactly its size.
+    const std::vector<char> bytes(file.begin(), file.end());
+    const auto face =
+        host::FontFace::open(bytes.data(), bytes.size(), input.byte() < 250 ? 0 : input.integer());
+    if (face == nullptr) return;
+    for (int i = 0; i < 6; ++i) {
+        const uint32_t glyph = input.byte() < 250 ? input.byte() % face->glyphCount() : input.word();
+        face->advance(glyph, style);
+        const host::GlyphBox box = face->inkBox(glyph, style);
+        const auto image = face->image(glyph, style, input.byte() % 4);
+        FUZZ_CHECK(image->coverage.size() ==
+                   static_cast<size_t>(image->width) * static_cast<size_t>(image->height));
+        FUZZ_CHECK(box.right - box.left <= host::kMaxGlyphSide &&
+                   box.bottom - box.top <= host::kMaxGlyphSide);
+        face->covers(input.word() % 0x20000);
+        face->coversVariation(input.word() % 0x20000, 0xFE00 + input.byte() % 16);
+    }
+}
+
+std::vector<uint32_t> render(const std::string& file, const std::wstring& text, const host::GlyphStyle& style,
+                             const std::string& features) {
+    std::vector<uint32_t> picture;
+    {
+        Zvex::ZvTextObject object;
+        FUZZ_CHECK(object.Construct());
+        char* buffer = new char[file.size()];
+        std::copy(file.begin(), file.end(), buffer);
+        object.SetFont("damaged", buffer, static_cast<unsigned>(file.size()));
+        object.SetText(text.c_str());
+        android::Paint paint;
+        paint.setTextSize(style.size);
+        paint.setTextScaleX(style.scaleX);
+        paint.setTextSkewX(style.skewX);
+        paint.setAntiAlias(style.antiAlias);
+        paint.setFakeBoldText(style.fakeBold);
+        paint.setFontFeatureSettings(features);
+        object.SetPaint(paint);
+        Zvex::List lines;
+        lines.Construct();
+        for (int i = 0; i < 2; ++i) {
+            auto* line = new Zvex::ZvLineInfo;
+            line->x = 4;
+            line->y = 30 + 25 * i;
+            line->end = static_cast<int>(text.size());
+            line->direction = i == 0 ? 1 : -1;
+            lines.Add(line);
+        }
+        object.SetLineInfo(&lines);
+        object.GetView()->SetSize(WIDTH, HEIGHT);
+        object.GetView()->SetBitmapWidth(WIDTH);
+        object.GetView()->SetBitmapHeight(HEIGHT);
+        const uint32_t* pixels = object.RenderTextEffect(WIDTH, HEIGHT);
+        FUZZ_CHECK(pixels != nullptr);
+        picture.assign(pixels, pixels + WIDTH * HEIGHT);
+    }
+    Zvex::FontManager::GetInstance()->ClearFontMaps();
+    host::clearGlyphCache();
+    return picture;
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    fuzz::Input input(data, size);
+    const fuzz::Font& font = fuzz::fonts()[input.byte() % fuzz::fonts().size()];
+    host::GlyphStyle style;
+    style.size =
+        input.byte() < 240 ? static_cast<float>(input.between(1, 120)) : std::min(input.number(), 200.0f);
+    style.scaleX = input.byte() < 240 ? 1.0f : std::min(input.number(), 4.0f);
+    const uint8_t flags = input.byte();
+    style.fakeBold = flags % 2 != 0;
+    style.antiAlias = flags / 2 % 4 != 0;
+    style.subpixel = flags / 8 % 2 != 0;
+    style.skewX = flags / 16 % 4 == 0 ? -0.25f : 0.0f;
+    static const char* const FEATURES[] = {
+        "", "", "", "liga, dlig, calt", "smcp, ss01", "-kern, frac", "salt=2, aalt"};
+    const std::string features = FEATURES[input.byte() % 7];
+    std::wstring text;
+    for (int i = input.between(0, 24); i > 0; --i) {
+        const uint8_t byte = input.byte();
+        text += byte < 220 ? static_cast<wchar_t>(font.characters[byte % font.characters.size()])
+                           : L"A \u0301\u200Fz\n"[byte % 6];
+    }
+    const uint8_t asked = input.byte();
+    const std::string file = damaged(font.bytes, input);
+    if (asked % 2 == 0) {
+        fuzz::Input questions(data, size);
+        askFace(file, style, questions);
+        host::clearGlyphCache();
+    }
+    if (asked % 4 != 0) {
+        const std::vector<uint32_t> picture = render(file, text, style, features);
+        if (asked % 8 == 1) FUZZ_CHECK(render(file, text, style, features) == picture);
+    }
+    return 0;
+}

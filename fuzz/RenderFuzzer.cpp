@@ -1,0 +1,304 @@
+// SPDX-License-Identifier: Apache-2.0
+// Text objects as a caller uses them: text, font, paint, view, lines, colours and effects in any order and
+// with any values, several renderings of one object. Each picture is that of a fresh object that was told the
+// same.
+#include <algorithm>
+#include <cmath>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <minikin/LocaleList.h>
+#include "fuzz/Fonts.h"
+#include "fuzz/Input.h"
+#include "raster/ZvBitmap.h"
+#include "text/FontManager.h"
+#include "text/ZvTextObject.h"
+
+namespace {
+
+using namespace Zvex;
+
+constexpr int64_t MOST_PIXELS = 220 * 220;
+
+// Every installed font a family of the system's, the first one also by its name.
+void addFonts() {
+    auto* families = new List;
+    families->Construct();
+    for (const fuzz::Font& font : fuzz::fonts()) {
+        char* buffer = new char[font.bytes.size()];
+        std::copy(font.bytes.begin(), font.bytes.end(), buffer);
+        const auto size = static_cast<unsigned>(font.bytes.size());
+        FUZZ_CHECK(FontManager::GetInstance()->AddMinikinFont(font.name.c_str(), buffer, size, 0, false));
+        auto* entry = new ZvFontEntry;
+        entry->path = new ZvString;
+        entry->path->Construct(font.name.c_str());
+        auto* family = new ZvFontFamily;
+        family->loaded = 1;
+        family->fonts = new List;
+        family->fonts->Construct();
+        family->fonts->Add(entry);
+        families->Add(family);
+    }
+    FontManager::GetInstance()->SetSystemFontFamilies(families);
+}
+
+// What an object was told, so that another one can be told the same.
+struct Told {
+    bool hasText = false, bold = false, italic = false, background = false;
+    std::wstring text;
+    std::string font;
+    android::Paint paint;
+    int32_t width = 40, height = 40, extraWidth = 0, extraHeight = 0, padding[4] = {}, gravity = ZvView::LEFT;
+    uint32_t color = 0xFF000000, backgroundColor = 0;
+    std::vector<ZvLineInfo> lines;
+};
+
+std::wstring readText(fuzz::Input& input) {
+    std::wstring text;
+    for (int i = input.between(0, 40); i > 0; --i) {
+        const uint8_t byte = input.byte();
+        const std::u32string& known = fuzz::fonts()[byte % fuzz::fonts().size()].characters;
+        if (byte < 128) {
+            text += static_cast<wchar_t>(byte < 32 ? U" \n\u202E\u200F\u2067\u0301\u200D\uFE0F"[byte % 8]
+                                                   : char32_t{byte});
+        } else {
+            text += static_cast<wchar_t>(byte < 250 ? known[input.byte() % known.size()]
+                                                    : input.word() >> input.byte() % 32);
+        }
+    }
+    return text.substr(0, text.find(L'\0'));
+}
+
+// Text of any size has no end in pixels; what is drawn here stays small, and what cannot be drawn may be
+// anything.
+float readSize(fuzz::Input& input, float most) {
+    const float value =
+        input.byte() < 200 ? static_cast<float>(input.between(0, 255)) * most / 255 : input.number();
+    return std::fabs(value) > most && std::fabs(value) <= 32768 ? most : value;
+}
+
+android::Paint readPaint(fuzz::Input& input) {
+    static const char* const FEATURES[] = {
+        "", "", "liga, -kern", "smcp, c2sc=1", "\"aalt\" 2, x,,=", "-liga[2:4], frac"};
+    android::Paint paint;
+    paint.setTextSize(readSize(input, 90));
+    paint.setFlags(input.flag() ? 1 : input.word());
+    paint.setColor(input.flag() ? 0xFF000000 : input.word());
+    if (input.flag()) paint.setTextScaleX(readSize(input, 3));
+    if (input.flag()) paint.setTextSkewX(readSize(input, 1));
+    if (input.flag()) paint.setLetterSpacing(readSize(input, 4));
+    paint.setFontFeatureSettings(input.pick(FEATURES));
+    paint.setMinikinLocaleListId(
+        input.flag() ? 0 : minikin::registerLocaleList(input.flag() ? "ja" : "und-Arab,de-CH"));
+    return paint;
+}
+
+std::vector<ZvLineInfo> readLines(fuzz::Input& input, int length) {
+    std::vector<ZvLineInfo> lines(static_cast<size_t>(input.between(0, 4)));
+    for (ZvLineInfo& line : lines) {
+        const bool odd = input.byte() < 20;
+        line.x = odd ? input.integer() : input.between(-30, 90);
+        line.y = odd ? input.integer() : input.between(-30, 120);
+        line.start = odd ? input.integer() : input.between(0, length);
+        line.end = odd ? input.integer() : input.between(0, length);
+        line.direction = input.between(-1, 1);
+        line.rect.left = odd ? input.integer() : line.x;
+        line.rect.top = odd ? input.integer() : line.y - 20;
+        line.rect.right = odd ? input.integer() : line.x + 60;
+        line.rect.bottom = odd ? input.integer() : line.y + 6;
+    }
+    return lines;
+}
+
+void tellLines(ZvTextObject& object, const std::vector<ZvLineInfo>& lines) {
+    List list;
+    list.Construct();
+    for (const ZvLineInfo& line : lines) list.Add(new ZvLineInfo(line));
+    FUZZ_CHECK(object.SetLineInfo(&list));
+}
+
+void addEffect(ZvEffect& effect, fuzz::Input& input) {
+    // Small ones mostly: pictures with the margins of others are not drawn.
+    const float a = readSize(input, 12), b = input.number(), c = input.number();
+    const uint32_t color = input.word(), other = input.word();
+    const int choice = input.between(0, 3), second = input.between(0, 2);
+    ZvGradient stops[] = {{color, b, 0}, {other, 1, c}};
+    ZvBitmap pattern(5, 3, 4);
+    input.fill(pattern.pixels, pattern.byteCount());
+    switch (input.between(0, 11)) {
+        case 0:
+            effect.addOuterShadowText(a * 100, b, c, color, b);
+            break;
+        case 1:
+            effect.addInnerShadowText(a * 100, b, c, color, b);
+            break;
+        case 2:
+            effect.addOuterGlowText(a, color, b, choice % 3, stops);
+            break;
+        case 3:
+            effect.addInnerGlowText(a, color, b, choice % 3, stops);
+            break;
+        case 4:
+            effect.addBevelText(choice, a, b, second, choice % 2, second, 1, c * 100, b * 90, color, b, other,
+                                c);
+            break;
+        case 5:
+            effect.addEmbossText(choice, a, b, second, choice % 2, second, 1, c * 100, b * 90, color, b,
+                                 other, c);
+            break;
+        case 6:
+            effect.addLinearGradientText(a * 100, b, c, 2, stops);
+            break;
+        case 7:
+            effect.addRadialGradientText(a, b, 2, stops);
+            break;
+        case 8:
+            effect.addStrokeText(a, color, b, choice, second);
+            break;
+        case 9:
+            effect.addPatternText(&pattern, a, b);
+            break;
+        case 10:
+            effect.setTextOpacity(a);
+            break;
+        default:
+            effect.removeEffect(choice);
+    }
+}
+
+// Nothing where the picture would be larger than a small view.
+struct Size {
+    int width = 0, height = 0;
+};
+Size sizeOf(const Told& told, ZvEffect& effect) {
+    const int64_t width =
+        int64_t{told.width} + effect.getLeftOffset() + effect.getRightOffset() + told.extraWidth;
+    const int64_t height =
+        int64_t{told.height} + effect.getTopOffset() + effect.getBottomOffset() + told.extraHeight;
+    if (width < -9 || height < -9 || width > MOST_PIXELS || height > MOST_PIXELS ||
+        width * height > MOST_PIXELS)
+        return {};
+    return {static_cast<int>(width), static_cast<int>(height)};
+}
+
+// The view is filled in before every rendering.
+std::vector<uint32_t> render(ZvTextObject& object, const Told& told) {
+    ZvView& view = *object.GetView();
+    view.SetSize(told.width, told.height);
+    view.SetPadding(told.padding[0], told.padding[1], told.padding[2], told.padding[3]);
+    view.gravity = told.gravity;
+    const Size size = sizeOf(told, *object.GetEffect());
+    view.SetBitmapWidth(std::max(size.width, 0));
+    view.SetBitmapHeight(std::max(size.height, 0));
+    const uint32_t* pixels = object.RenderTextEffect(size.width, size.height);
+    FUZZ_CHECK((pixels != nullptr) == (size.width > 0 && size.height > 0));
+    if (pixels == nullptr) return {};
+    return std::vector<uint32_t>(pixels,
+                                 pixels + static_cast<size_t>(size.width) * static_cast<size_t>(size.height));
+}
+
+class ObjectAndModel {
+public:
+    explicit ObjectAndModel(fuzz::Input& input) : mInput(input), mObject(new ZvTextObject) {
+        FUZZ_CHECK(mObject->Construct());
+        mTold.font = fuzz::fonts()[0].name;
+        mObject->SetFont(mTold.font.c_str());
+        mTold.paint = readPaint(input);
+        mObject->SetPaint(mTold.paint);
+    }
+
+    void step() {
+        switch (mInput.between(0, 13)) {
+            case 0:
+            case 1:
+                mTold.hasText = true;
+                mTold.text = readText(mInput);
+                FUZZ_CHECK(mObject->SetText(mTold.text.c_str()));
+                break;
+            case 2:
+                mTold.font = fuzz::fonts()[mInput.byte() % fuzz::fonts().size()].name;
+                FUZZ_CHECK(mObject->SetFont(mTold.font.c_str()));
+                break;
+            case 3:
+                mTold.paint = readPaint(mInput);
+                mObject->SetPaint(mTold.paint);
+                break;
+            case 4:
+            case 5:
+                mTold.lines = readLines(mInput, static_cast<int>(mTold.text.size()));
+                break;
+            case 6:
+            case 7:
+            case 8:
+                addEffect(*mObject->GetEffect(), mInput);
+                break;
+            case 9:
+                readView();
+                break;
+            case 10:
+                mTold.color = mInput.word();
+                mTold.background = mInput.flag();
+                mTold.backgroundColor = mInput.word();
+                mObject->SetTextColor(mTold.color);
+                mObject->SetBackgroundColor(mTold.backgroundColor, mTold.background);
+                break;
+            case 11:
+                mTold.bold = mInput.flag();
+                mTold.italic = mInput.flag();
+                mObject->SetTextStyle(mTold.bold, mTold.italic);
+                break;
+            default:
+                if (mRendered++ < 2) compare();
+        }
+    }
+
+    void compare() {
+        // New lines each time: a rendering moves theirs.
+        tellLines(*mObject, mTold.lines);
+        const std::vector<uint32_t> picture = render(*mObject, mTold);
+        ZvTextObject fresh;
+        FUZZ_CHECK(fresh.Construct());
+        if (mTold.hasText) fresh.SetText(mTold.text.c_str());
+        fresh.SetFont(mTold.font.c_str());
+        fresh.SetPaint(mTold.paint);
+        fresh.SetTextStyle(mTold.bold, mTold.italic);
+        fresh.SetTextColor(mTold.color);
+        fresh.SetBackgroundColor(mTold.backgroundColor, mTold.background);
+        ZvEffect& effect = *mObject->GetEffect();
+        fresh.GetEffect()->setTextOpacity(effect.getTextOpacity());
+        for (ZvECore* layer : effect.effects)
+            fresh.GetEffect()->addEffect(layer->getStyle(), layer->getProperty());
+        tellLines(fresh, mTold.lines);
+        FUZZ_CHECK(render(fresh, mTold) == picture);
+    }
+
+private:
+    void readView() {
+        const bool odd = mInput.byte() < 30;
+        mTold.width = odd ? mInput.integer() : mInput.between(0, 150);
+        mTold.height = odd ? mInput.integer() : mInput.between(0, 150);
+        if (mTold.width < 0 || mTold.height < 0) mTold.width = mTold.height = 0;
+        for (int32_t& padding : mTold.padding) padding = odd ? mInput.integer() : mInput.between(0, 20);
+        mTold.gravity = odd ? mInput.integer() : mInput.between(0, 0x77);
+        mTold.extraWidth = mInput.between(-9, 9) / 4;
+        mTold.extraHeight = mInput.between(-9, 9) / 4;
+    }
+
+    fuzz::Input& mInput;
+    std::unique_ptr<ZvTextObject> mObject;
+    Told mTold;
+    int mRendered = 0;
+};
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    static const bool ready = (addFonts(), true);
+    FUZZ_CHECK(ready);
+    fuzz::Input input(data, size);
+    ObjectAndModel both(input);
+    for (int steps = 0; steps < 30 && input.left() > 0; ++steps) both.step();
+    both.compare();
+    return 0;
+}

@@ -1,0 +1,294 @@
+// SPDX-License-Identifier: Apache-2.0
+// An effect stack through a program of operations: layers come, change and go, pictures are drawn in both
+// ways, renderings are given up halfway. Both ways give the same picture, and so does a fresh stack with the
+// same layers.
+#include <functional>
+#include <memory>
+#include <vector>
+
+#include "effect/ZvEffect.h"
+#include "effect/ZvGlyph.h"
+#include "fuzz/Input.h"
+#include "raster/ZvBitmap.h"
+#include "raster/ZvBlender.h"
+
+namespace {
+
+using namespace Zvex;
+
+using Adder = std::function<void(ZvEffect&)>;
+
+// The layers of the stack in order of creation, each as the call that adds it.
+struct Layer {
+    int type, id;
+    Adder add;
+};
+
+struct Line {
+    int x, y;
+    ZvBitmap coverage;
+};
+
+// What there is to add: any arguments of the adders.
+class Settings {
+public:
+    Settings(fuzz::Input& input, ZvBitmap* bitmap) {
+        for (float& number : mNumbers) number = input.number();
+        mBitmap = bitmap;
+        mColor = input.word();
+        mOther = input.word();
+        for (int& choice : mChoices) choice = input.byte() < 240 ? input.between(0, 3) : input.integer();
+        mStops.resize(static_cast<size_t>(input.byte() < 250 ? input.between(0, 4) : input.between(0, 300)));
+        for (ZvGradient& stop : mStops) stop = {input.word(), input.number(), input.number()};
+    }
+
+    int type(int kind) const {
+        static constexpr int TYPES[] = {ZV_EFFECT_OUTER_SHADOW,
+                                        ZV_EFFECT_INNER_SHADOW,
+                                        ZV_EFFECT_OUTER_GLOW,
+                                        ZV_EFFECT_INNER_GLOW,
+                                        ZV_EFFECT_BEVEL,
+                                        ZV_EFFECT_EMBOSS,
+                                        ZV_EFFECT_LINEAR_GRADIENT,
+                                        ZV_EFFECT_RADIAL_GRADIENT,
+                                        ZV_EFFECT_STROKE,
+                                        ZV_EFFECT_PATTERN,
+                                        ZV_EFFECT_TEXT};
+        return TYPES[kind];
+    }
+
+    int addTo(ZvEffect& stack, int kind) {
+        const float* n = mNumbers;
+        // The adders do not limit the size of reliefs. One of thousands of pixels takes as many seconds;
+        // beyond those it does not fit, and nothing is drawn.
+        const float size = n[0] > 50 && n[0] < 32768 ? 50.0f : n[0];
+        const int* c = mChoices;
+        const int count = static_cast<int>(mStops.size());
+        switch (kind) {
+            case 0:
+                return stack.addOuterShadowText(n[0], n[1], n[2], mColor, n[3]);
+            case 1:
+                return stack.addInnerShadowText(n[0], n[1], n[2], mColor, n[3]);
+            case 2:
+                return stack.addOuterGlowText(n[0], mColor, n[1], count, mStops.data());
+            case 3:
+                return stack.addInnerGlowText(n[0], mColor, n[1], count, mStops.data());
+            case 4:
+                return stack.addBevelText(c[0], size, n[1], c[1], c[2], c[3], n[2], n[3], n[4], mColor, n[5],
+                                          mOther, n[6]);
+            case 5:
+                return stack.addEmbossText(c[0], size, n[1], c[1], c[2], c[3], n[2], n[3], n[4], mColor, n[5],
+                                           mOther, n[6]);
+            case 6:
+                return stack.addLinearGradientText(n[0], n[1], n[2], count, mStops.data());
+            case 7:
+                return stack.addRadialGradientText(n[0], n[1], count, mStops.data());
+            case 8:
+                return stack.addStrokeText(n[0], mColor, n[1], c[0], c[1]);
+            case 9:
+                return stack.addPatternText(mBitmap, n[0], n[1]);
+            default:
+                return c[0] == 0 ? stack.addText(mColor, n[0]) : stack.addText(mColor);
+        }
+    }
+
+private:
+    float mNumbers[7];
+    uint32_t mColor, mOther;
+    int mChoices[4];
+    std::vector<ZvGradient> mStops;
+    ZvBitmap* mBitmap;
+};
+
+class StackAndModel {
+public:
+    explicit StackAndModel(fuzz::Input& input) : mInput(input) {
+        mWidth = input.between(0, 90);
+        mHeight = input.between(0, 90);
+        for (ZvBitmap& pattern : mPatterns) {
+            pattern = readBitmap(12, 4);
+        }
+    }
+
+    void step() {
+        const int kind = mInput.between(0, 31);
+        if (kind <= 15) {
+            addLayer();
+        } else if (kind == 16) {
+            removeLayer();
+        } else if (kind == 17) {
+            mStack.setTextOpacity(mTextOpacity = mInput.number());
+        } else if (kind == 18) {
+            mStack.clearTextOpacity();
+            mTextOpacity = 1;
+        } else if (kind == 19) {
+            mStack.cleanAllEffect();
+            mLayers.clear();
+        } else if (kind <= 24) {
+            addLine();
+        } else if (kind == 25) {
+            mLines.clear();
+        } else if (kind <= 28) {
+            interrupt();
+        } else if (mDrawn++ < 2) {
+            compare();
+        }
+    }
+
+    void compare() {
+        FUZZ_CHECK(mStack.effects.size() == mLayers.size());
+        ZvEffect fresh;
+        fresh.setTextOpacity(mTextOpacity);
+        for (const Layer& layer : mLayers) layer.add(fresh);
+        fresh.textAlpha = mStack.textAlpha;  // that of the last text added, which may be gone
+        FUZZ_CHECK(fresh.getLeftOffset() == mStack.getLeftOffset());
+        FUZZ_CHECK(fresh.getTopOffset() == mStack.getTopOffset());
+        FUZZ_CHECK(fresh.getRightOffset() == mStack.getRightOffset());
+        FUZZ_CHECK(fresh.getBottomOffset() == mStack.getBottomOffset());
+        ZvEffect copy(mStack);
+        if (!mStack.textRectReset) {  // the box of a rendering that was given up is part of the next one's
+            fresh.textRect = copy.textRect = mStack.textRect;
+            fresh.textRectReset = copy.textRectReset = false;
+            const ZvBitmap expected = inLayers(copy);
+            checkSame(expected, asPicture(mStack));
+            checkSame(expected, asPicture(fresh));
+        }
+        const ZvBitmap expected = inLayers(fresh);
+        const bool layersFirst = mInput.flag();
+        if (layersFirst) checkSame(expected, inLayers(mStack));
+        checkSame(expected, asPicture(mStack));
+        if (!layersFirst) checkSame(expected, inLayers(mStack));
+        checkSame(expected, asPicture(copy));
+        Zvex::limitCpuTarget(static_cast<CpuTarget>(mInput.between(0, 2)));
+        checkSame(expected, asPicture(fresh));
+        Zvex::limitCpuTarget(CpuTarget::Avx512);
+    }
+
+private:
+    void addLayer() {
+        const int kind = mInput.between(0, 10);
+        const auto settings = std::make_shared<Settings>(mInput, &mPatterns[mInput.byte() % 2]);
+        const int type = settings->type(kind);
+        const int id = settings->addTo(mStack, kind);
+        FUZZ_CHECK(id >= 0 && mStack.getEffect(type) != nullptr && mStack.getEffect(type)->getId() == id);
+        const Adder add = [settings, kind](ZvEffect& stack) { settings->addTo(stack, kind); };
+        for (Layer& layer : mLayers) {
+            if (layer.type != type) continue;
+            FUZZ_CHECK(layer.id == id);  // keeps its place
+            layer.add = add;
+            return;
+        }
+        mLayers.push_back({type, id, add});
+    }
+
+    void removeLayer() {
+        const int id = mInput.between(-1, 12);
+        size_t at = 0;
+        while (at < mLayers.size() && mLayers[at].id != id) ++at;
+        FUZZ_CHECK(mStack.removeEffect(id) == (at < mLayers.size()));
+        if (at < mLayers.size()) mLayers.erase(mLayers.begin() + static_cast<ptrdiff_t>(at));
+    }
+
+    ZvBitmap readBitmap(int most, unsigned depth) {
+        const int width = mInput.between(0, most), height = mInput.between(0, most);
+        ZvBitmap bitmap(static_cast<unsigned>(width), static_cast<unsigned>(height), depth);
+        if (bitmap.pixels != nullptr) mInput.fill(bitmap.pixels, bitmap.byteCount());
+        return bitmap;
+    }
+
+    void addLine() {
+        Line line;
+        line.coverage = readBitmap(60, 1);
+        const bool far = mInput.byte() < 10;
+        line.x = far ? mInput.integer() : mInput.between(-40, 100);
+        line.y = far ? mInput.integer() : mInput.between(-40, 100);
+        if (mLines.size() < 4) mLines.push_back(line);
+    }
+
+    // A rendering that is given up, or in which layers come and go.
+    void interrupt() {
+        ZvBitmap picture = readBitmap(40, 4);
+        const int stop = mInput.between(0, 3);
+        const bool asPicture = mInput.flag();
+        if (asPicture) {
+            mStack.initPicture(&picture);
+        } else {
+            // The picture need not be as large as the mask.
+            const int width = mInput.between(-1, 60), height = mInput.between(-1, 60);
+            mStack.initEffect(width, height);
+            if (stop != 0) mStack.setDstBitmap(&picture);
+        }
+        if (stop >= 1) drawLines(mStack);
+        if (mInput.flag()) addLayer();
+        if (mInput.flag()) removeLayer();
+        if (stop >= 2 && asPicture) mStack.drawPicture(PixelOrder::RedFirst);
+        if (stop >= 2 && !asPicture) mStack.doEffectPostProcessing();
+        if (stop >= 3 && !asPicture) mStack.compositeLayers(&picture);
+        if (mInput.flag()) mStack.releaseBitmap();
+        mStack.setDstBitmap(nullptr);
+    }
+
+    void drawLines(ZvEffect& stack) {
+        for (Line& line : mLines) {
+            ZvGlyph glyph;
+            glyph.pixels = line.coverage.pixels;
+            glyph.width = static_cast<uint16_t>(line.coverage.width);
+            glyph.height = static_cast<uint16_t>(line.coverage.height);
+            stack.renderEffectLayer(line.x, line.y, &glyph);
+        }
+    }
+
+    ZvBitmap inLayers(ZvEffect& stack) {
+        ZvBitmap picture(static_cast<unsigned>(mWidth), static_cast<unsigned>(mHeight), 4);
+        stack.initEffect(mWidth, mHeight);
+        stack.setDstBitmap(&picture);
+        drawLines(stack);
+        stack.doEffectPostProcessing();
+        stack.compositeLayers(&picture);
+        return picture;
+    }
+
+    ZvBitmap asPicture(ZvEffect& stack) {
+        ZvBitmap picture(static_cast<unsigned>(mWidth), static_cast<unsigned>(mHeight), 4);
+        if (picture.pixels != nullptr) std::memset(picture.pixels, 0xA7, picture.byteCount());
+        stack.initPicture(&picture);
+        drawLines(stack);
+        const bool blueFirst = mInput.flag();
+        const ZvRect drawn = stack.drawPicture(blueFirst ? PixelOrder::BlueFirst : PixelOrder::RedFirst);
+        if (blueFirst) ZvBlender::convertBGRAToARGB(&picture);
+        for (int y = 0; y < mHeight; ++y) {
+            for (int x = 0; x < mWidth; ++x) {
+                if (x >= drawn.left && x < drawn.right && y >= drawn.top && y < drawn.bottom) continue;
+                const uint8_t* pixel =
+                    picture.pixels + 4 * (static_cast<size_t>(y) * picture.width + static_cast<size_t>(x));
+                FUZZ_CHECK((pixel[0] | pixel[1] | pixel[2] | pixel[3]) == 0);
+            }
+        }
+        return picture;
+    }
+
+    static void checkSame(const ZvBitmap& expected, const ZvBitmap& actual) {
+        FUZZ_CHECK(expected.byteCount() == actual.byteCount());
+        FUZZ_CHECK(expected.pixels == nullptr ||
+                   std::memcmp(expected.pixels, actual.pixels, expected.byteCount()) == 0);
+    }
+
+    fuzz::Input& mInput;
+    int mWidth, mHeight;
+    ZvBitmap mPatterns[2];
+    ZvEffect mStack;
+    std::vector<Layer> mLayers;
+    std::vector<Line> mLines;
+    float mTextOpacity = 1;
+    int mDrawn = 0;  // pictures that were compared
+};
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    fuzz::Input input(data, size);
+    StackAndModel both(input);
+    for (int steps = 0; steps < 30 && input.left() > 0; ++steps) both.step();
+    both.compare();
+    return 0;
+}

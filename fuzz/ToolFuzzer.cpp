@@ -1,0 +1,218 @@
+// SPDX-License-Identifier: Apache-2.0
+// What zvtext reads: command lines, lines of a batch, style files, PNGs. Each is refused with a message or
+// taken; a style that was written reads back as itself, and small pictures are made of what was taken.
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <unistd.h>
+#include <zlib.h>
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <string>
+#include <variant>
+#include <vector>
+
+#include "fuzz/Input.h"
+#include "tools/zvtext/BatchLine.h"
+#include "tools/zvtext/Failure.h"
+#include "tools/zvtext/PngReader.h"
+#include "tools/zvtext/PngWriter.h"
+#include "tools/zvtext/RenderCommand.h"
+#include "tools/zvtext/Scale.h"
+#include "tools/zvtext/Scene.h"
+#include "tools/zvtext/Style.h"
+#include "tools/zvtext/TextInput.h"
+#include "tools/zvtext/WebpWriter.h"
+
+namespace {
+
+using namespace zvtext;
+
+constexpr char FONT[] = "/usr/share/fonts/truetype/dejavu/DejaVuSans-Bold.ttf";
+constexpr int MOST_SIDE = 160;  // of the view
+
+// A file in memory.
+class MemoryFile {
+public:
+    MemoryFile() : mDescriptor(memfd_create("fuzz", 0)) { FUZZ_CHECK(mDescriptor >= 0); }
+    const std::string& write(const std::string& content) {
+        FUZZ_CHECK(ftruncate(mDescriptor, 0) == 0);
+        FUZZ_CHECK(pwrite(mDescriptor, content.data(), content.size(), 0) ==
+                   static_cast<ssize_t>(content.size()));
+        return mPath;
+    }
+
+private:
+    int mDescriptor;
+    std::string mPath = "/proc/self/fd/" + std::to_string(mDescriptor);
+};
+
+MemoryFile& memoryFile() {
+    static MemoryFile file;
+    return file;
+}
+
+void appendBig(std::string& bytes, uint32_t value) {
+    for (int shift = 24; shift >= 0; shift -= 8) bytes += static_cast<char>(value >> shift & 0xFF);
+}
+
+// Chunks of the fuzzer's making, with sums that are right: without them nothing behind a changed byte would
+// be read.
+std::string makePng(fuzz::Input& input) {
+    static const char* const TYPES[] = {"IHDR", "IDAT", "IDAT", "PLTE", "tRNS",
+                                        "gAMA", "iCCP", "zTXt", "IEND", "pHYs"};
+    std::string png("\x89PNG\r\n\x1A\n", 8);
+    const auto addChunk = [&png](const std::string& type, const std::string& content) {
+        appendBig(png, static_cast<uint32_t>(content.size()));
+        png += type + content;
+        const auto* summed = reinterpret_cast<const Bytef*>(png.data() + png.size() - content.size() - 4);
+        appendBig(png, static_cast<uint32_t>(crc32(0, summed, static_cast<uInt>(content.size() + 4))));
+    };
+    std::string header;
+    appendBig(header, static_cast<uint32_t>(input.byte() < 240 ? input.between(0, 40) : input.integer()));
+    // Pictures that are taken can be so large that it takes seconds.
+    appendBig(header, static_cast<uint32_t>(input.byte() < 240 ? input.between(0, 40) : -1));
+    for (int i = 0; i < 5; ++i)
+        header += static_cast<char>(input.byte() < 230 ? "\x08\x06\x00\x00\x00"[i] : input.byte());
+    if (input.byte() < 240) addChunk("IHDR", header);
+    while (input.left() > 0) {
+        const uint8_t kind = input.byte();
+        const std::string type = kind < 250 ? TYPES[kind % 10] : std::string("vpAg");
+        std::string content = input.text(300);
+        if (type == "IDAT" && kind % 4 != 0) {
+            std::string pixels(static_cast<size_t>(input.between(0, 255)) * 16, '\0');
+            input.fill(reinterpret_cast<uint8_t*>(&pixels[0]), pixels.size());
+            uLongf length = compressBound(static_cast<uLong>(pixels.size()));
+            content.resize(length);
+            compress(reinterpret_cast<Bytef*>(&content[0]), &length,
+                     reinterpret_cast<const Bytef*>(pixels.data()), static_cast<uLong>(pixels.size()));
+            content.resize(length);
+        }
+        addChunk(type, content);
+    }
+    return png;
+}
+
+void readPicture(fuzz::Input& input) {
+    const Picture picture =
+        readPng("--pattern", memoryFile().write(input.flag() ? makePng(input) : input.rest()));
+    FUZZ_CHECK(picture.pixels.size() ==
+               static_cast<size_t>(picture.width) * static_cast<size_t>(picture.height));
+    const Picture again = readPng("--pattern", memoryFile().write(encodePng(picture)));
+    FUZZ_CHECK(again.width == picture.width && again.height == picture.height &&
+               again.pixels == picture.pixels);
+    patternBitmap(picture);
+}
+
+// Of the files that the fuzzer names none is there, so patterns are drawn with this one.
+Style& namedPattern(Style& style) {
+    static MemoryFile file;
+    for (EffectSettings& effect : style.effects) {
+        if (auto* pattern = std::get_if<PatternSettings>(&effect)) {
+            Picture picture;
+            picture.width = 2, picture.height = 1;
+            picture.pixels = {0xFFFF8000, 0x40102030};
+            pattern->file = file.write(encodePng(picture));
+        }
+    }
+    return style;
+}
+
+void checkStyle(const Style& read) {
+    Style style = read;
+    fitEffects(style);
+    const std::string written = writeStyle(style);
+    Style back;
+    try {
+        readStyleText("--style", written, back);
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "%s\n%s\n", error.what(), written.c_str());
+        FUZZ_CHECK(!"a style that was written is read");
+    }
+    FUZZ_CHECK(writeStyle(back) == written);
+}
+
+void renderSmall(Scene scene) {
+    if (scene.text.size() > 60) return;
+    namedPattern(scene.style);
+    scene.font = FONT;
+    scene.axes.clear();
+    scene.fallbacks.clear();
+    scene.systemFallback = false;
+    scene.style.size = std::min(scene.style.size, 50.0);
+    scene.style.letterSpacing = std::min(scene.style.letterSpacing, 2.0);
+    scene.width = scene.width == 0 ? MOST_SIDE : std::min(scene.width, MOST_SIDE);
+    scene.height = scene.height == 0 ? MOST_SIDE : std::min(scene.height, MOST_SIDE);
+    const Rendering rendering = renderScene(scene);
+    const Picture& picture = rendering.picture;
+    FUZZ_CHECK(picture.pixels.size() ==
+               static_cast<size_t>(picture.width) * static_cast<size_t>(picture.height));
+    FUZZ_CHECK(renderScene(scene).picture.pixels == picture.pixels);
+    const Picture back = readPng("", memoryFile().write(encodePng(picture)));
+    FUZZ_CHECK(back.pixels == picture.pixels);
+    encodeWebp(picture);
+    FUZZ_CHECK(findInvalidUtf8(writeMetrics(rendering.metrics)) == std::string::npos);
+}
+
+void useArguments(RenderArguments arguments) {
+    // Neither files nor standard input.
+    arguments.literalText = true;
+    arguments.textFile.clear();
+    for (const auto& option : arguments.style) {
+        if (option.first == "style" && option.second.rfind('{', 0) != 0) return;
+    }
+    checkStyle(readStyleParts(arguments));
+    Style style = readStyleOptions(arguments);
+    layerKeyInHex(namedPattern(style));
+    if (arguments.font.empty()) arguments.font = FONT;
+    if (arguments.text.empty()) arguments.text = "Ag";
+    renderSmall(readScene(arguments));
+}
+
+// Words end with a line.
+void readCommandLine(fuzz::Input& input) {
+    std::vector<std::string> words = split(input.rest(), '\n');
+    for (std::string& word : words) word = word.substr(0, word.find('\0'));
+    std::reverse(words.begin(), words.end());  // the parser takes them from the back
+    RenderArguments arguments;
+    CLI::App command;
+    addRenderOptions(command, arguments);
+    command.parse(words);
+    useArguments(arguments);
+}
+
+void readBatchLine(fuzz::Input& input) {
+    const std::string line = input.rest();
+    RenderArguments defaults;
+    defaults.font = FONT;
+    readLineNames(line);
+    LineReader reader(defaults);
+    const RenderArguments arguments = reader.read(line);
+    FUZZ_CHECK(reader.read(line).style == arguments.style);
+    useArguments(arguments);
+}
+
+void readStyleFile(fuzz::Input& input) {
+    Style style;
+    readStyle("--style", memoryFile().write(input.rest()), style);
+    checkStyle(style);
+    Scene scene;
+    scene.text = "Ag";
+    scene.style = style;
+    fitEffects(scene.style);
+    renderSmall(scene);
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    static void (*const WAYS[])(fuzz::Input&) = {readCommandLine, readBatchLine, readStyleFile, readPicture};
+    fuzz::Input input(data, size);
+    try {
+        WAYS[input.byte() % 4](input);
+    } catch (const CLI::Error&) {
+    } catch (const UsageError&) {
+    } catch (const Failure&) {
+    }  // anything else is a finding
+    return 0;
+}
