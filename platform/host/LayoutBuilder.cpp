@@ -19,9 +19,11 @@ constexpr uint32_t kNoFace = UINT32_MAX;
 constexpr float kFixedOne = 256;           // 24.8 fixed point
 constexpr float kLigatureSpacing = 0.03f;  // ems; letters further apart than this do not join into one shape
 constexpr double kMaxSpacing = 1 << 20;    // pixels
-// HarfBuzz takes time with the square of a row of marks, and gives the process up over rows of more than
-// 32767.
-constexpr size_t kShapedUnits = 2048;
+// HarfBuzz gives the process up over a mark more than 32767 glyphs after its base, and takes time with the
+// square of a row of marks. A font may make many glyphs of a character: HarfBuzz ends at 64 for each, but
+// fills the memory it has, up to half as much again.
+constexpr size_t kShapedUnits = 340;
+static_assert(kShapedUnits * 64 * 3 / 2 + 32 <= 32767);
 constexpr unsigned kKeptGlyphs = 1u << 16;  // a buffer that grew beyond this is not kept
 
 // Cut to what leaves HarfBuzz room for sums; only a font made to hurt states such advances.

@@ -500,6 +500,54 @@ TEST(Layout, RowsOfMarks) {
     }
 }
 
+// The font with another table of substitutions: the mark becomes `count` of its kind.
+std::vector<uint8_t> multiplyingFont(const FontPtr& font, char32_t mark, uint16_t count) {
+    const auto glyph = static_cast<uint16_t>(nominalGlyphs(font, {mark})[0]);
+    // Where scripts, features and lookups are; the script DFLT, the feature ccmp, the lookup.
+    std::vector<uint16_t> words = {1,      0, 10, 30, 44,     1,      0x4446, 0x4C54, 8, 4, 0,     0,
+                                   0xFFFF, 1, 0,  1,  0x6363, 0x6D70, 8,      0,      1, 0, 1,     4,
+                                   2,      0, 1,  8,  1,      8,      1,      14,     1, 1, glyph, count};
+    words.insert(words.end(), count, glyph);
+    std::string table;
+    for (const uint16_t word : words) table += {static_cast<char>(word >> 8), static_cast<char>(word & 0xFF)};
+
+    hb_face_t* face = faceOf(font.get()).hbFace();
+    hb_face_t* changed = hb_face_builder_create();
+    hb_tag_t tags[64];
+    unsigned tagCount = 64;
+    hb_face_get_table_tags(face, 0, &tagCount, tags);
+    const auto add = [changed](hb_tag_t tag, hb_blob_t* blob) {
+        hb_face_builder_add_table(changed, tag, blob);
+        hb_blob_destroy(blob);
+    };
+    const hb_tag_t substitutions = HB_TAG('G', 'S', 'U', 'B');
+    for (unsigned i = 0; i < tagCount; i++) {
+        if (tags[i] != substitutions) add(tags[i], hb_face_reference_table(face, tags[i]));
+    }
+    add(substitutions, hb_blob_create(table.data(), static_cast<unsigned>(table.size()),
+                                      HB_MEMORY_MODE_DUPLICATE, nullptr, nullptr));
+    hb_blob_t* file = hb_face_reference_blob(changed);
+    unsigned size = 0;
+    const auto* bytes = reinterpret_cast<const uint8_t*>(hb_blob_get_data(file, &size));
+    std::vector<uint8_t> result(bytes, bytes + size);
+    hb_blob_destroy(file);
+    hb_face_destroy(changed);
+    return result;
+}
+
+// The shaper counts the glyphs between a mark and its base in 16 bits, and gives the process up beyond.
+TEST(Layout, FontsThatMultiplyMarks) {
+    const std::vector<uint8_t> bytes = multiplyingFont(dejavu(), U'\u0301', 17);
+    auto* stream = new SkMemoryStream(bytes.data(), bytes.size());
+    const auto font =
+        std::make_shared<android::MinikinFontSkia>(SkTypeface::MakeFromStream(stream, 0), bytes.data(),
+                                                   bytes.size(), 0, std::vector<minikin::FontVariation>());
+    android::Paint paint = paintOf(20);
+    paint.setFontFeatureSettings("-mkmk");
+    const std::u16string text = u"x" + std::u16string(2047, u'\u0301');
+    EXPECT_EQ(1u + 2047 * 17, layLine(text, typefaceOf({familyOf(font)}), paint).nGlyphs());
+}
+
 TEST(Layout, ThreadsGetTheSameLines) {
     const std::u16string text = u"Ham שלום سلام 12 देवनागरी 漢字 e\u0332 \U0001F468\u200D\U0001F469";
     const std::vector<FamilyPtr> families = {familyOf(roboto()),
