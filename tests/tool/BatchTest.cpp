@@ -41,6 +41,7 @@ public:
         if (process == 0) {
             setpgid(0, 0);
             std::signal(SIGPIPE, SIG_DFL);
+            std::signal(SIGINT, SIG_DFL);  // ignored where a script runs the tests in the background
             dup2(in[0], 0);
             dup2(out[1], 1);
             if (errors >= 0) dup2(errors, 2);

@@ -302,7 +302,11 @@ private:
     int end(Worker& worker) {
         int status = 0;
         if (worker.socket >= 0) close(std::exchange(worker.socket, -1));
-        while (worker.process != 0 && waitpid(worker.process, &status, 0) < 0 && errno == EINTR) {
+        // It may have more to say than the pipe holds.
+        while (worker.process != 0 && waitpid(worker.process, &status, WNOHANG) == 0) {
+            pollfd event = {worker.errors, POLLIN, 0};
+            poll(&event, 1, 10);
+            passOn(worker);
         }
         worker.process = 0;
         passOn(worker, true);
@@ -340,8 +344,8 @@ private:
 
     // The worker is gone, with the line it had.
     void buryWorker(Worker& worker) {
-        if (worker.process > 0)
-            kill(worker.process, SIGKILL);  // if it should still be there, without its socket
+        // If it should still be there, without its socket.
+        if (worker.process > 0) kill(worker.process, SIGKILL);
         const int status = end(worker);
         if (!worker.busy) return;
         worker.busy = false;

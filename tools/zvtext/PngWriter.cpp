@@ -59,8 +59,9 @@ bool encode(const Picture& picture, png_uint_32 pixelsPerMetre, unsigned char* r
             row[4 * x + 2] = static_cast<unsigned char>(source[x]);
             row[4 * x + 3] = static_cast<unsigned char>(source[x] >> 24);
         }
-        // For a row of zeros libpng tries every filter and takes none: most of a picture's border goes quicker
-        // without, to the same bytes. The first row says which buffers and which compression the others get.
+        // For a row of zeros libpng tries every filter and takes none: most of a picture's border goes
+        // quicker without, to the same bytes. The first row says which buffers and which compression the
+        // others get.
         if (y > 0) png_set_filter(png, PNG_FILTER_TYPE_BASE, any != 0 ? PNG_ALL_FILTERS : PNG_FILTER_NONE);
         png_write_row(png, row);
     }
