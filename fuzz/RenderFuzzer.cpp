@@ -78,20 +78,36 @@ float readSize(fuzz::Input& input, float most) {
     return std::fabs(value) > most && std::fabs(value) <= 32768 ? most : value;
 }
 
-android::Paint readPaint(fuzz::Input& input) {
-    static const char* const FEATURES[] = {
-        "", "", "liga, -kern", "smcp, c2sc=1", "\"aalt\" 2, x,,=", "-liga[2:4], frac"};
-    android::Paint paint;
-    paint.setTextSize(readSize(input, 90));
-    paint.setFlags(input.flag() ? 1 : input.word());
-    paint.setColor(input.flag() ? 0xFF000000 : input.word());
-    if (input.flag()) paint.setTextScaleX(readSize(input, 3));
-    if (input.flag()) paint.setTextSkewX(readSize(input, 1));
-    if (input.flag()) paint.setLetterSpacing(readSize(input, 4));
-    paint.setFontFeatureSettings(input.pick(FEATURES));
-    paint.setMinikinLocaleListId(
-        input.flag() ? 0 : minikin::registerLocaleList(input.flag() ? "ja" : "und-Arab,de-CH"));
-    return paint;
+// One thing at a time, so that a picture kept for another paint is seen.
+void changePaint(fuzz::Input& input, android::Paint& paint) {
+    static const char* const FEATURES[] = {"", "liga, -kern", "smcp, c2sc=1",
+                                           "\"aalt\" 2, x,,=", "-liga[2:4], frac"};
+    static const char* const LOCALES[] = {"", "ja", "und-Arab,de-CH"};
+    switch (input.between(0, 7)) {
+        case 0:
+            paint.setTextSize(readSize(input, 90));
+            break;
+        case 1:
+            paint.setFlags(input.flag() ? 1 : input.word());
+            break;
+        case 2:
+            paint.setColor(input.word());
+            break;
+        case 3:
+            paint.setTextScaleX(readSize(input, 3));
+            break;
+        case 4:
+            paint.setTextSkewX(readSize(input, 1));
+            break;
+        case 5:
+            paint.setLetterSpacing(readSize(input, 4));
+            break;
+        case 6:
+            paint.setFontFeatureSettings(input.pick(FEATURES));
+            break;
+        default:
+            paint.setMinikinLocaleListId(minikin::registerLocaleList(input.pick(LOCALES)));
+    }
 }
 
 std::vector<ZvLineInfo> readLines(fuzz::Input& input, int length) {
@@ -204,7 +220,8 @@ public:
         FUZZ_CHECK(mObject->Construct());
         mTold.font = fuzz::fonts()[0].name;
         mObject->SetFont(mTold.font.c_str());
-        mTold.paint = readPaint(input);
+        mTold.paint.setTextSize(readSize(input, 90));
+        mTold.paint.setAntiAlias(true);
         mObject->SetPaint(mTold.paint);
     }
 
@@ -221,7 +238,7 @@ public:
                 FUZZ_CHECK(mObject->SetFont(mTold.font.c_str()));
                 break;
             case 3:
-                mTold.paint = readPaint(mInput);
+                changePaint(mInput, mTold.paint);
                 mObject->SetPaint(mTold.paint);
                 break;
             case 4:
