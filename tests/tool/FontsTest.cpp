@@ -127,6 +127,9 @@ TEST_F(Fonts, AFontOfACollection) {
     EXPECT_EQ(render("骨直", {"--font", file("a-Bold#2"), "--fallback", file("a-Bold#02"), "--no-fallback"}),
               render("骨直", {"--font", kFont, "--fallback", kCjk + "#2"}));
     EXPECT_EQ(render("A", {"--font", file("a-Bold#2#0")}), render("A", {"--font", kFont}));
+    EXPECT_EQ(render("骨直", {"--font", kFont, "--fallback", kCjk + "#2", "--fallback", kCjk}),
+              render("骨直", {"--font", kFont, "--fallback", kCjk + "#2"}))
+        << "asked in their order";
     expectRefused({"font", file("a-Bold#x")}, 2, "FONT: 'x' after '" + file("a-Bold").string());
 }
 
@@ -185,9 +188,10 @@ TEST_F(Fonts, ByName) {
         expectRefused({"font", name}, 1,
                       std::string("FONT: '") + name + "' is no file, and no font has that name; ");
     }
-    const Result fallback =
-        run({"render", "A", "--font", kFont, "--fallback", "No Such", "-o", file("x.png")});
-    EXPECT_EQ(fallback.err.substr(0, 30), "zvtext: --fallback: 'No Such' ");
+    for (const char* name : {"No Such", "none.ttf"}) {
+        const Result result = run({"render", "A", "--font", kFont, "--fallback", name, "-o", file("x.png")});
+        EXPECT_EQ(result.err.substr(0, 20), "zvtext: --fallback: ") << result.err;
+    }
     for (const char* name : {"Noto Sans:weight=0", "Noto Music:bold", "Noto Sans Arabic:italic",
                              "Noto Music:condensed", "DejaVu Sans:style=Fat"}) {
         expectRefused({"font", name}, 1, std::string("FONT: '") + name + "' is a style that the font lacks");
@@ -258,12 +262,13 @@ TEST_F(Fonts, TheSystemsFontsServeWhatTheGivenOnesLack) {
         }
         return list + (facts["missing"].empty() ? "" : " and missing ones");
     };
-    const std::string thai = "/usr/share/fonts/truetype/noto/NotoSansThai-Bold.ttf";
     EXPECT_EQ(servers("骨", kFont), "Noto Sans CJK SC Bold");
     EXPECT_EQ(servers("骨 か", kFont), "Noto Sans CJK JP Bold") << "a Japanese text";
     EXPECT_EQ(servers("骨 한", kFont), "Noto Sans CJK KR Bold");
     EXPECT_EQ(servers("か", kFont), "Noto Sans CJK JP Bold");
-    EXPECT_EQ(servers("骨", "DejaVu Serif"), "Noto Serif CJK SC Regular");
+    const std::string noto = "/usr/share/fonts/truetype/noto/";
+    EXPECT_EQ(servers("骨", "DejaVu Serif"), "Noto Serif CJK SC Regular") << "the configuration's knowledge";
+    EXPECT_EQ(servers("骨", noto + "NotoSerif-Regular.ttf"), "Noto Serif CJK SC Regular") << "the font's";
     EXPECT_EQ(servers("\uA7B4", "/usr/share/fonts/truetype/roboto/unhinted/RobotoTTF/Roboto-Italic.ttf"),
               "Noto Sans Italic");
     EXPECT_EQ(servers("❤️", "Noto Sans"), "Noto Color Emoji Regular") << "what is meant as an emoji";
@@ -271,8 +276,10 @@ TEST_F(Fonts, TheSystemsFontsServeWhatTheGivenOnesLack) {
     EXPECT_EQ(
         servers("สวัสดี नमस्ते 한 გ", "Noto Sans"),
         "Noto Sans Thai Regular, Noto Sans Devanagari Regular, Noto Sans CJK KR Regular, DejaVu Sans Book");
-    EXPECT_EQ(servers("a\u20E3", thai), "Inter Display Bold") << "a letter and a mark that few fonts have";
+    EXPECT_EQ(servers("a\u20E3", noto + "NotoSansThai-Bold.ttf"), "Inter Display Bold")
+        << "a letter and a mark that few fonts have";
     EXPECT_EQ(servers("e\u0301 \u00AD\u2060", kFont), "") << "what shows nothing needs no font";
+    EXPECT_EQ(servers("\u212A\u037E", kCjk), "") << "other spellings of what the font has";
 
     // No font has this letter with this mark, but some have the letter.
     const Result marked = run({"render", "世\u0E31", "--font", kFont, "-o", file("x.png")});

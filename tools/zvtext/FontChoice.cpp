@@ -257,13 +257,20 @@ FontChoice matchFont(const std::string& option, const std::string& text) {
 // Every font, in the order in which fontconfig would ask them.
 const FcFontSet* sortedFonts(const std::string& language, const FontFacts& like) {
     static std::map<std::string, FcOwner<FcFontSet>> kept;
-    const std::string key =
-        language + '\n' + like.family + '\n' + std::to_string(like.weight) + (like.italic ? "i" : "");
+    const std::string key = language + '\n' + like.family + '\n' + like.generic +
+                            std::to_string(like.weight) + (like.italic ? "i" : "");
     const auto found = kept.find(key);
     if (found != kept.end()) return found->second.get();
     const FcOwner<FcPattern> pattern(FcPatternCreate());
     const auto text = [](const std::string& s) { return reinterpret_cast<const FcChar8*>(s.c_str()); };
     if (!like.family.empty()) FcPatternAddString(pattern.get(), FC_FAMILY, text(like.family));
+    if (!like.generic.empty()) {
+        // The configuration knows few families. Weakly: what suits the language comes first.
+        FcValue generic;
+        generic.type = FcTypeString;
+        generic.u.s = text(like.generic);
+        FcPatternAddWeak(pattern.get(), FC_FAMILY, generic, FcTrue);
+    }
     FcPatternAddString(pattern.get(), FC_LANG, text(language));
     FcPatternAddDouble(pattern.get(), FC_WEIGHT, FcWeightFromOpenTypeDouble(like.weight));
     FcPatternAddInteger(pattern.get(), FC_SLANT, like.italic ? FC_SLANT_ITALIC : FC_SLANT_ROMAN);

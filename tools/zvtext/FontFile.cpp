@@ -158,6 +158,20 @@ std::string instanceName(hb_face_t* face, hb_font_t* font) {
     return "";
 }
 
+// What the font's PANOSE numbers say.
+std::string genericFamily(hb_face_t* face) {
+    constexpr unsigned kPanose = 32, kLatinText = 2, kFirstSerif = 2, kFirstSans = 11, kLastSans = 15;
+    constexpr unsigned kMonospaced = 9;
+    const HbOwner<hb_blob_t> table(hb_face_reference_table(face, HB_TAG('O', 'S', '/', '2')));
+    unsigned length = 0;
+    const auto* bytes = reinterpret_cast<const uint8_t*>(hb_blob_get_data(table.get(), &length));
+    if (length < kPanose + 10 || bytes[kPanose] != kLatinText) return "";
+    const unsigned serifs = bytes[kPanose + 1], proportion = bytes[kPanose + 3];
+    if (proportion == kMonospaced) return "monospace";
+    if (serifs < kFirstSerif || serifs > kLastSans) return "";
+    return serifs < kFirstSans ? "serif" : "sans-serif";
+}
+
 FontFacts factsOf(const host::FontFace& face) {
     const HbOwner<hb_font_t> font(hb_font_create(face.hbFace()));
     face.setAxes(font.get());
@@ -176,6 +190,7 @@ FontFacts factsOf(const host::FontFace& face) {
     };
     facts.family = either(HB_OT_NAME_ID_TYPOGRAPHIC_FAMILY, HB_OT_NAME_ID_FONT_FAMILY);
     facts.style = either(HB_OT_NAME_ID_TYPOGRAPHIC_SUBFAMILY, HB_OT_NAME_ID_FONT_SUBFAMILY);
+    facts.generic = genericFamily(face.hbFace());
     const std::string instance = instanceName(face.hbFace(), font.get());
     if (!instance.empty()) facts.style = instance;
     return facts;

@@ -29,6 +29,7 @@ struct FontFacts {
     int weight = 400;               // 1 to 1000
     bool italic = false;
     std::string family, style;  // UTF-8; empty where the font states none
+    std::string generic;        // "serif", "sans-serif" or "monospace" where it says so of itself
 };
 
 // A font that the process's font manager holds, as index 0 of `key`. Plain fonts go by their path, from whose
