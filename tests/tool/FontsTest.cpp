@@ -139,6 +139,8 @@ TEST_F(Fonts, OddFilesThatAreFonts) {
     fs::create_directories(file("system/fonts"));
     fs::create_symlink(kFont, file("system/fonts/Roboto-Bold.ttf"));
     EXPECT_EQ(render("A", {"--font", file("system/fonts/Roboto-Bold.ttf")}), picture);
+    fs::create_symlink(kFont, file("\xFF-Bold.ttf"));
+    EXPECT_EQ(render("A", {"--font", file("\xFF-Bold.ttf")}), picture) << "no UTF-8";
     ASSERT_EQ(mkfifo(file("pipe").c_str(), 0600), 0);
     std::thread writer([&] { std::ofstream(file("pipe"), std::ios::binary) << slurp(kFont); });
     EXPECT_EQ(render("A", {"--font", file("pipe")}), picture) << "read once";
@@ -158,6 +160,7 @@ TEST_F(Fonts, OddFilesThatAreFonts) {
         odd.replace(at + 4, 2, number(at, 2) == 1 ? std::string("\0\13", 2) : "\4\21");
     }
     odd.replace(number(odd.find("hhea") + 8, 4) + 8, 2, std::string("\10\0", 2));  // a line gap of one em
+    odd.replace(odd.find("OS/2"), 4, "OS/3");                                      // not there
     const Json facts = inspect({"font", write("odd.ttf", odd)});
     EXPECT_EQ(facts["metrics"]["lineHeight"], 2.164);
     EXPECT_EQ(facts["characters"], 16);
@@ -272,6 +275,7 @@ TEST_F(Fonts, TheSystemsFontsServeWhatTheGivenOnesLack) {
     EXPECT_EQ(servers("\uA7B4", "/usr/share/fonts/truetype/roboto/unhinted/RobotoTTF/Roboto-Italic.ttf"),
               "Noto Sans Italic");
     EXPECT_EQ(servers("❤️", "Noto Sans"), "Noto Color Emoji Regular") << "what is meant as an emoji";
+    EXPECT_EQ(servers("😀", "Noto Sans"), "Noto Color Emoji Regular");
     EXPECT_EQ(servers("❤", "Noto Sans"), "DejaVu Sans Book");
     EXPECT_EQ(
         servers("สวัสดี नमस्ते 한 გ", "Noto Sans"),
