@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // Text objects as a caller uses them: text, font, paint, view, lines, colours and effects in any order and
-// with any values, several renderings of one object. Each picture is that of a fresh object that was told the
-// same.
+// with any values, several renderings of one object while the system's fonts change. Each picture is that of
+// a fresh object that was told the same and draws its glyphs anew.
 #include <algorithm>
 #include <cmath>
 #include <memory>
@@ -11,6 +11,7 @@
 #include <minikin/LocaleList.h>
 #include "fuzz/Fonts.h"
 #include "fuzz/Input.h"
+#include "platform/host/GlyphCache.h"
 #include "raster/ZvBitmap.h"
 #include "text/FontManager.h"
 #include "text/ZvTextObject.h"
@@ -21,18 +22,28 @@ using namespace Zvex;
 
 constexpr int64_t MOST_PIXELS = 220 * 220;
 
-// Every installed font a family of the system's, the first one also by its name.
+// Each by its name.
 void addFonts() {
-    auto* families = new List;
-    families->Construct();
     for (const fuzz::Font& font : fuzz::fonts()) {
         char* buffer = new char[font.bytes.size()];
         std::copy(font.bytes.begin(), font.bytes.end(), buffer);
         const auto size = static_cast<unsigned>(font.bytes.size());
         FUZZ_CHECK(FontManager::GetInstance()->AddMinikinFont(font.name.c_str(), buffer, size, 0, false));
+    }
+}
+
+// Each font a family of the system's, asked in turn from the first one on.
+void setFamilies(size_t first) {
+    static size_t present = SIZE_MAX;
+    if (present == first) return;
+    present = first;
+    const std::vector<fuzz::Font>& fonts = fuzz::fonts();
+    auto* families = new List;
+    families->Construct();
+    for (size_t i = 0; i < fonts.size(); ++i) {
         auto* entry = new ZvFontEntry;
         entry->path = new ZvString;
-        entry->path->Construct(font.name.c_str());
+        entry->path->Construct(fonts[(first + i) % fonts.size()].name.c_str());
         auto* family = new ZvFontFamily;
         family->loaded = 1;
         family->fonts = new List;
@@ -40,6 +51,7 @@ void addFonts() {
         family->fonts->Add(entry);
         families->Add(family);
     }
+    FontManager::GetInstance()->ClearFontFamilies();
     FontManager::GetInstance()->SetSystemFontFamilies(families);
 }
 
@@ -226,7 +238,7 @@ public:
     }
 
     void step() {
-        switch (mInput.between(0, 13)) {
+        switch (mInput.between(0, 14)) {
             case 0:
             case 1:
                 mTold.hasText = true;
@@ -265,6 +277,9 @@ public:
                 mTold.italic = mInput.flag();
                 mObject->SetTextStyle(mTold.bold, mTold.italic);
                 break;
+            case 12:
+                setFamilies(mInput.byte() % fuzz::fonts().size());
+                break;
             default:
                 if (mRendered++ < 2) compare();
         }
@@ -274,6 +289,7 @@ public:
         // New lines each time: a rendering moves theirs.
         tellLines(*mObject, mTold.lines);
         const std::vector<uint32_t> picture = render(*mObject, mTold);
+        host::clearGlyphCache();
         ZvTextObject fresh;
         FUZZ_CHECK(fresh.Construct());
         if (mTold.hasText) fresh.SetText(mTold.text.c_str());
@@ -313,6 +329,7 @@ private:
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     static const bool ready = (addFonts(), true);
     FUZZ_CHECK(ready);
+    setFamilies(0);
     fuzz::Input input(data, size);
     ObjectAndModel both(input);
     for (int steps = 0; steps < 30 && input.left() > 0; ++steps) both.step();
