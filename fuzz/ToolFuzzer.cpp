@@ -118,6 +118,33 @@ Style& namedPattern(Style& style) {
     return style;
 }
 
+bool same(const Fields& a, const Fields& b);
+
+struct SameValue {
+    const Field& other;
+
+    template <typename Plain>
+    bool operator()(const Plain& field) const {
+        return *field.value == *std::get<Plain>(other.value).value;
+    }
+    bool operator()(const TintField& field) const {
+        return same(fieldsOf(*field.value), fieldsOf(*std::get<TintField>(other.value).value));
+    }
+    bool operator()(const StopsField& field) const {
+        return std::equal(field.value->begin(), field.value->end(),
+                          std::get<StopsField>(other.value).value->begin(),
+                          std::get<StopsField>(other.value).value->end(),
+                          [](Stop a, Stop b) { return same(fieldsOf(a), fieldsOf(b)); });
+    }
+    bool operator()(const FileField&) const { return true; }  // becomes absolute
+};
+
+bool same(const Fields& a, const Fields& b) {
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](const Field& one, const Field& other) {
+        return one.value.index() == other.value.index() && std::visit(SameValue{other}, one.value);
+    });
+}
+
 void checkStyle(const Style& read) {
     Style style = read;
     fitEffects(style);
@@ -130,6 +157,10 @@ void checkStyle(const Style& read) {
         FUZZ_CHECK(!"a style that was written is read");
     }
     FUZZ_CHECK(writeStyle(back) == written);
+    FUZZ_CHECK(same(fieldsOf(style), fieldsOf(back)));
+    FUZZ_CHECK(std::equal(style.effects.begin(), style.effects.end(), back.effects.begin(),
+                          back.effects.end(),
+                          [](EffectSettings a, EffectSettings b) { return same(fieldsOf(a), fieldsOf(b)); }));
 }
 
 void renderSmall(Scene scene) {
