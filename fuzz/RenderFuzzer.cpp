@@ -32,18 +32,20 @@ void addFonts() {
     }
 }
 
-// Each font a family of the system's, asked in turn from the first one on.
-void setFamilies(size_t first) {
-    static size_t present = SIZE_MAX;
-    if (present == first) return;
-    present = first;
-    const std::vector<fuzz::Font>& fonts = fuzz::fonts();
+constexpr unsigned ALL_FAMILIES = 0xFF;
+
+// The fonts whose bits are set, each a family of the system's.
+void setFamilies(unsigned wanted) {
+    static unsigned present = 0;
+    if (present == wanted) return;
+    present = wanted;
     auto* families = new List;
     families->Construct();
-    for (size_t i = 0; i < fonts.size(); ++i) {
+    for (size_t i = 0; i < fuzz::fonts().size(); ++i) {
+        if ((wanted >> i & 1) == 0) continue;
         auto* entry = new ZvFontEntry;
         entry->path = new ZvString;
-        entry->path->Construct(fonts[(first + i) % fonts.size()].name.c_str());
+        entry->path->Construct(fuzz::fonts()[i].name.c_str());
         auto* family = new ZvFontFamily;
         family->loaded = 1;
         family->fonts = new List;
@@ -57,23 +59,24 @@ void setFamilies(size_t first) {
 
 // What an object was told, so that another one can be told the same.
 struct Told {
-    bool hasText = false, bold = false, italic = false, background = false;
+    bool bold = false, italic = false, background = false;
     std::wstring text;
     std::string font;
     android::Paint paint;
-    int32_t width = 40, height = 40, extraWidth = 0, extraHeight = 0, padding[4] = {}, gravity = ZvView::LEFT;
+    int32_t width = 64, height = 48, extraWidth = 0, extraHeight = 0, padding[4] = {}, gravity = ZvView::LEFT;
     uint32_t color = 0xFF000000, backgroundColor = 0;
     std::vector<ZvLineInfo> lines;
 };
 
 std::wstring readText(fuzz::Input& input) {
     std::wstring text;
-    for (int i = input.between(0, 40); i > 0; --i) {
+    // Few mostly, so that short inputs have steps after them.
+    const uint8_t length = input.byte();
+    for (int i = length < 224 ? length % 8 : length - 216; i > 0; --i) {
         const uint8_t byte = input.byte();
         const std::u32string& known = fuzz::fonts()[byte % fuzz::fonts().size()].characters;
-        if (byte < 128) {
-            text += static_cast<wchar_t>(byte < 32 ? U" \n\u202E\u200F\u2067\u0301\u200D\uFE0F"[byte % 8]
-                                                   : char32_t{byte});
+        if (byte < 32) {
+            text += static_cast<wchar_t>(U" \n\u202E\u200F\u2067\u0301\u200D\uFE0F"[byte % 8]);
         } else {
             text += static_cast<wchar_t>(byte < 250 ? known[input.byte() % known.size()]
                                                     : input.word() >> input.byte() % 32);
@@ -126,8 +129,8 @@ std::vector<ZvLineInfo> readLines(fuzz::Input& input, int length) {
     std::vector<ZvLineInfo> lines(static_cast<size_t>(input.between(0, 4)));
     for (ZvLineInfo& line : lines) {
         const bool odd = input.byte() < 20;
-        line.x = odd ? input.integer() : input.between(-30, 90);
-        line.y = odd ? input.integer() : input.between(-30, 120);
+        line.x = odd ? input.integer() : input.between(-10, 60);
+        line.y = odd ? input.integer() : input.between(-10, 90);
         line.start = odd ? input.integer() : input.between(0, length);
         line.end = odd ? input.integer() : input.between(0, length);
         line.direction = input.between(-1, 1);
@@ -137,6 +140,15 @@ std::vector<ZvLineInfo> readLines(fuzz::Input& input, int length) {
         line.rect.bottom = odd ? input.integer() : line.y + 6;
     }
     return lines;
+}
+
+void changeLine(fuzz::Input& input, int length, ZvLineInfo& line) {
+    const int change = input.between(0, 4);
+    if (change == 0) line.start = input.between(0, length);
+    if (change == 1) line.end = input.between(0, length);
+    if (change == 2) line.direction = input.between(-1, 1);
+    if (change == 3) line.x = input.between(-10, 60);
+    if (change == 4) line.y = input.between(-10, 90);
 }
 
 void tellLines(ZvTextObject& object, const std::vector<ZvLineInfo>& lines) {
@@ -228,34 +240,42 @@ std::vector<uint32_t> render(ZvTextObject& object, const Told& told) {
 
 class ObjectAndModel {
 public:
+    // Draws a line of some text, so that each change that follows finds a picture made before it.
     explicit ObjectAndModel(fuzz::Input& input) : mInput(input), mObject(new ZvTextObject) {
         FUZZ_CHECK(mObject->Construct());
-        mTold.font = fuzz::fonts()[0].name;
-        mObject->SetFont(mTold.font.c_str());
+        setFont();
         mTold.paint.setTextSize(readSize(input, 90));
         mTold.paint.setAntiAlias(true);
         mObject->SetPaint(mTold.paint);
+        setText();
+        ZvLineInfo line;
+        line.y = mTold.height;
+        line.end = static_cast<int>(mTold.text.size());
+        mTold.lines.push_back(line);
+        tellLines(*mObject, mTold.lines);
+        render(*mObject, mTold);
     }
 
     void step() {
-        switch (mInput.between(0, 14)) {
+        const int length = static_cast<int>(mTold.text.size());
+        switch (mInput.between(0, 12)) {
             case 0:
             case 1:
-                mTold.hasText = true;
-                mTold.text = readText(mInput);
-                FUZZ_CHECK(mObject->SetText(mTold.text.c_str()));
+                setText();
                 break;
             case 2:
-                mTold.font = fuzz::fonts()[mInput.byte() % fuzz::fonts().size()].name;
-                FUZZ_CHECK(mObject->SetFont(mTold.font.c_str()));
+                setFont();
                 break;
             case 3:
                 changePaint(mInput, mTold.paint);
                 mObject->SetPaint(mTold.paint);
                 break;
             case 4:
+                mTold.lines = readLines(mInput, length);
+                break;
             case 5:
-                mTold.lines = readLines(mInput, static_cast<int>(mTold.text.size()));
+                if (mTold.lines.empty()) break;
+                changeLine(mInput, length, mTold.lines[mInput.byte() % mTold.lines.size()]);
                 break;
             case 6:
             case 7:
@@ -277,12 +297,11 @@ public:
                 mTold.italic = mInput.flag();
                 mObject->SetTextStyle(mTold.bold, mTold.italic);
                 break;
-            case 12:
-                setFamilies(mInput.byte() % fuzz::fonts().size());
-                break;
             default:
-                if (mRendered++ < 2) compare();
+                setFamilies(mInput.byte());
         }
+        // Mostly at once: of two changes, either makes the object draw anew.
+        if (mInput.byte() < 170 && mRendered++ < 4) compare();
     }
 
     void compare() {
@@ -292,7 +311,7 @@ public:
         host::clearGlyphCache();
         ZvTextObject fresh;
         FUZZ_CHECK(fresh.Construct());
-        if (mTold.hasText) fresh.SetText(mTold.text.c_str());
+        fresh.SetText(mTold.text.c_str());
         fresh.SetFont(mTold.font.c_str());
         fresh.SetPaint(mTold.paint);
         fresh.SetTextStyle(mTold.bold, mTold.italic);
@@ -307,6 +326,16 @@ public:
     }
 
 private:
+    void setText() {
+        mTold.text = readText(mInput);
+        FUZZ_CHECK(mObject->SetText(mTold.text.c_str()));
+    }
+
+    void setFont() {
+        mTold.font = fuzz::fonts()[mInput.byte() % fuzz::fonts().size()].name;
+        FUZZ_CHECK(mObject->SetFont(mTold.font.c_str()));
+    }
+
     void readView() {
         const bool odd = mInput.byte() < 30;
         mTold.width = odd ? mInput.integer() : mInput.between(0, 150);
@@ -329,7 +358,7 @@ private:
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     static const bool ready = (addFonts(), true);
     FUZZ_CHECK(ready);
-    setFamilies(0);
+    setFamilies(ALL_FAMILIES);
     fuzz::Input input(data, size);
     ObjectAndModel both(input);
     for (int steps = 0; steps < 30 && input.left() > 0; ++steps) both.step();
