@@ -9,6 +9,7 @@
 #include "effect/ZvEffect.h"
 #include "effect/ZvGlyph.h"
 #include "tests/CpuTargets.h"
+#include "tests/effect/RandomLayer.h"
 #include "tests/effect/TestPictures.h"
 
 namespace Zvex {
@@ -38,70 +39,17 @@ private:
     uint64_t mValue = 0xCBF29CE484222325u;
 };
 
-constexpr int KINDS = 11;  // of layers; the last is the text alone
-
-// A layer of the kind with settings from their whole ranges. Random numbers are drawn one after the other: a
-// call's arguments are evaluated in any order.
-void addLayer(ZvEffect& stack, int kind, Random& random) {
-    const auto number = [&](int end, float unit) { return static_cast<float>(random.below(end)) * unit; };
-    const uint32_t color = random.color(), other = random.color();
-    const float angle = number(720, 0.5f), size = number(400, 0.1f), distance = number(300, 0.1f);
-    const float share = number(101, 0.01f), share2 = number(101, 0.01f), depth = number(80, 0.125f);
-    const float scale = number(40, 0.05f), altitude = number(90, 1);
-    const int a = random.below(2), b = random.below(2), c = random.below(2), soften = random.below(17);
-    const int position = random.below(3), count = random.below(4);
-    const ZvGradient stops[] = {{color, share2, 0.1f}, {other, 1, 0.53f}, {color ^ other, share, 1}};
-    const int tileWidth = random.between(1, 9), tileHeight = random.between(1, 9);
-    ZvBitmap pattern = makeTarget(TargetKind::Partly, tileWidth, tileHeight, random);
-    switch (kind) {
-        case 0:
-            stack.addOuterShadowText(angle, distance, size, color, share);
-            break;
-        case 1:
-            stack.addInnerShadowText(angle, distance, size, color, share);
-            break;
-        case 2:
-            stack.addOuterGlowText(size, color, share, count, const_cast<ZvGradient*>(stops));
-            break;
-        case 3:
-            stack.addInnerGlowText(size, color, share, count, const_cast<ZvGradient*>(stops));
-            break;
-        case 4:
-            stack.addLinearGradientText(angle, scale, share, count, const_cast<ZvGradient*>(stops));
-            break;
-        case 5:
-            stack.addRadialGradientText(scale, share, count, const_cast<ZvGradient*>(stops));
-            break;
-        case 6:
-            stack.addStrokeText(size, color, share, 0, position);
-            break;
-        case 7:
-            stack.addPatternText(&pattern, scale * 3, share);
-            break;
-        case 8:
-            stack.addBevelText(a, size, depth, b, c, soften, share, angle, altitude, color, share, other,
-                               share2);
-            break;
-        case 9:
-            stack.addEmbossText(a == 0 ? 1 : 3, size, depth, b, c, soften, share, angle, altitude, color,
-                                share, other, share2);
-            break;
-        default:
-            break;
-    }
-}
-
 // Pictures of the kind, alone and with layers of other kinds.
 uint64_t picturesOf(int kind) {
     Digest digest;
     for (unsigned seed = 0; seed < 40; ++seed) {
-        Random random(seed * KINDS + static_cast<unsigned>(kind));
+        Random random(seed * LAYER_KINDS + static_cast<unsigned>(kind));
         const int width = random.between(20, 150), height = random.between(20, 90);
         ZvEffect stack;
         addLayer(stack, kind, random);
         if (seed % 2 == 1) {
             for (int more = random.between(1, 3); more > 0; --more)
-                addLayer(stack, random.below(KINDS), random);
+                addLayer(stack, random.below(LAYER_KINDS), random);
         }
         if (seed % 5 == 4) stack.setTextOpacity(0.4f);
         const uint32_t color = random.color();
@@ -127,7 +75,7 @@ uint64_t picturesOf(int kind) {
 uint64_t keysOf(int kind) {
     Digest digest;
     for (unsigned seed = 0; seed < 200; ++seed) {
-        Random random(seed * KINDS + static_cast<unsigned>(kind));
+        Random random(seed * LAYER_KINDS + static_cast<unsigned>(kind));
         ZvEffect stack;
         addLayer(stack, kind, random);
         const std::unique_ptr<char[]> key(stack.getMapKey(random.color()));
@@ -137,21 +85,21 @@ uint64_t keysOf(int kind) {
 }
 
 TEST(Digests, PicturesAreTheSameEverywhere) {
-    constexpr uint64_t EXPECTED[KINDS] = {0x501E257D0B862A3D, 0x9A87C029AED8568F, 0x43F8604B17860528,
-                                          0x0583934238D9B912, 0x4553286ED45B215F, 0x5FDCEDE921A2287D,
-                                          0x47A188A3C0FA0D54, 0x5992CD1CF55E02B5, 0x1AB71EC995A56AF4,
-                                          0x326BF0E4286EA4CF, 0x68AB013E2EB9E4FA};
+    constexpr uint64_t EXPECTED[LAYER_KINDS] = {0x501E257D0B862A3D, 0x9A87C029AED8568F, 0x43F8604B17860528,
+                                                0x0583934238D9B912, 0x4553286ED45B215F, 0x5FDCEDE921A2287D,
+                                                0x47A188A3C0FA0D54, 0x5992CD1CF55E02B5, 0x1AB71EC995A56AF4,
+                                                0x326BF0E4286EA4CF, 0x68AB013E2EB9E4FA};
     forEachCpuTarget([&] {
-        for (int kind = 0; kind < KINDS; ++kind) EXPECT_EQ(picturesOf(kind), EXPECTED[kind]) << kind;
+        for (int kind = 0; kind < LAYER_KINDS; ++kind) EXPECT_EQ(picturesOf(kind), EXPECTED[kind]) << kind;
     });
 }
 
 TEST(Digests, KeysAreTheSameEverywhere) {
-    constexpr uint64_t EXPECTED[KINDS] = {
+    constexpr uint64_t EXPECTED[LAYER_KINDS] = {
         0xBBA6D898310DF1F9, 0x9B0A0C6E467C301B, 0x778C6C0C59F3BD74, 0x1247E2505621E3A4,
         0x4345F03F22D8D9EC, 0x8396A4CF21F846F3, 0xDCE43FBF2B14BFBB, 0,
         0x90DF5E0195AD3F35, 0x35417A6D3FD734BE, 0x14F5C103A7B9D400};
-    for (int kind = 0; kind < KINDS; ++kind) {
+    for (int kind = 0; kind < LAYER_KINDS; ++kind) {
         if (kind != 7) {
             EXPECT_EQ(keysOf(kind), EXPECTED[kind]) << kind;
         }
