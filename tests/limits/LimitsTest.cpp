@@ -1,0 +1,304 @@
+// SPDX-License-Identifier: Apache-2.0
+// Sizes where a type ends, and work that is large: each ends in a bounded time, with the picture that smaller
+// numbers give or with none.
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+
+#include <cfloat>
+#include <climits>
+#include <cmath>
+#include <functional>
+#include <iterator>
+#include <limits>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "effect/ZvProperty.h"
+#include "raster/ZvBitmap.h"
+#include "tests/effect/RandomLayer.h"
+#include "tests/limits/TimeLimit.h"
+#include "tests/text/TextScene.h"
+
+using namespace Zvex;
+using namespace text_test;
+
+namespace {
+
+constexpr float ENDLESS = std::numeric_limits<float>::infinity();
+constexpr float NOT_A_NUMBER = std::numeric_limits<float>::quiet_NaN();
+constexpr uint32_t RED = 0xFFFF0000, BLUE = 0xFF0000FF, DARK = 0xFF202020, LIGHT = 0xFFFFF0C0;
+
+// A line of that many of the text's characters from `start` on.
+ZvLineInfo lineAt(int x, int y, int start = 0, int count = 2) {
+    return TextScene::makeLine(x, y, start, start + count);
+}
+
+Picture cutOut(const Picture& picture, int left, int top, int width, int height) {
+    Picture part{width, height, {}};
+    for (int y = top; y < top + height; ++y)
+        for (int x = left; x < left + width; ++x) part.pixels.push_back(picture.at(x, y));
+    return part;
+}
+
+struct Layer {
+    std::string name;
+    std::function<int(ZvEffect&, float)> add;  // of that size in pixels
+};
+
+// Of each effect that has a size.
+const Layer SIZED_LAYERS[] = {
+    {"outer shadow", [](ZvEffect& e, float size) { return e.addOuterShadowText(135, size, size, DARK, 1); }},
+    {"inner shadow", [](ZvEffect& e, float size) { return e.addInnerShadowText(135, size, size, DARK, 1); }},
+    {"outer glow", [](ZvEffect& e, float size) { return e.addOuterGlowText(size, RED, 1, 0, nullptr); }},
+    {"inner glow", [](ZvEffect& e, float size) { return e.addInnerGlowText(size, RED, 1, 0, nullptr); }},
+    {"stroke", [](ZvEffect& e, float size) { return e.addStrokeText(size, DARK, 1, 0, ZV_STROKE_OUTSIDE); }},
+    {"bevel",
+     [](ZvEffect& e, float size) {
+         return e.addBevelText(1, size, 2, 1, 0, 0, 1, 135, 30, DARK, 0.75f, LIGHT, 0.75f);
+     }},
+    {"emboss",
+     [](ZvEffect& e, float size) {
+         return e.addEmbossText(1, size, 2, 1, 1, 0, 1, 135, 30, DARK, 0.75f, LIGHT, 0.75f);
+     }},
+};
+
+void addSizedLayers(ZvEffect& effects, float size) {
+    for (const Layer& layer : SIZED_LAYERS) layer.add(effects, size);
+}
+
+// These depend on the box of all the glyphs.
+void addFills(ZvEffect& effects) {
+    static ZvGradient stops[] = {{RED, 1, 0}, {BLUE, 1, 1}};
+    static ZvBitmap tile(3, 2, 4);
+    for (size_t i = 0; i < tile.byteCount(); ++i) tile.pixels[i] = static_cast<uint8_t>(100 + 9 * i);
+    effects.addLinearGradientText(30, 1, 0.8f, 2, stops);
+    effects.addRadialGradientText(1, 0.5f, 2, stops);
+    effects.addPatternText(&tile, 1.5f, 0.5f);
+}
+
+}  // namespace
+
+// A picture that ends beyond 2^15 or 2^16 pixels has there what a small one has.
+TEST(Limits, PicturesWiderAndHigherThanSixteenBits) {
+    constexpr int SMALL = 150;
+    for (const bool atStart : {false, true}) {  // another line at the picture's start, and so a large box
+        const auto draw = [&](int width, int height, const std::vector<ZvLineInfo>& lines) {
+            TextScene scene(kBold, L"Ag", 50, width, height);
+            scene.object.SetTextColor(0xFF40C080);
+            addSizedLayers(scene.effect(), 5);
+            if (atStart) {
+                // Its outermost pixels are other ones where the box ends.
+                scene.effect().removeEffect(scene.effect().getEffect(ZV_EFFECT_EMBOSS)->getId());
+            } else {
+                addFills(scene.effect());
+            }
+            scene.setLines(lines);
+            return scene.render();
+        };
+        const Picture small = draw(SMALL, SMALL, {lineAt(30, 90)});
+        ASSERT_GT(small.countVisible(), 2000);
+        for (const int size : {32768, 65537}) {
+            for (const bool wide : {true, false}) {
+                SCOPED_TRACE(std::to_string(size) + (wide ? " wide" : " high"));
+                const TimeLimit limit(8);
+                const int away = size - SMALL;
+                std::vector<ZvLineInfo> lines = {wide ? lineAt(30 + away, 90) : lineAt(30, 90 + away)};
+                if (atStart) lines.push_back(lineAt(30, 90));
+                const Picture large = wide ? draw(size, SMALL, lines) : draw(SMALL, size, lines);
+                const auto part = [&](int at) {
+                    return cutOut(large, wide ? at : 0, wide ? 0 : at, small.width, small.height);
+                };
+                EXPECT_TRUE(part(away) == small);
+                EXPECT_EQ(part(0) == small, atStart);
+            }
+        }
+    }
+}
+
+// What no machine can hold is refused, here for a process that may have little.
+TEST(Limits, PicturesBeyondTheMemoryAreRefused) {
+    if (TimeLimit::SLOWNESS > 1) GTEST_SKIP() << "the sanitizers' own memory is beyond any limit";
+    TextScene scene(kBold, L"Ag", 20, 60, 40);
+    scene.effect().addStrokeText(3, DARK, 1, 0, ZV_STROKE_OUTSIDE);
+    scene.setLines({lineAt(5, 30)});
+    const Picture before = scene.render();
+    rlimit usual = {};
+    ASSERT_EQ(getrlimit(RLIMIT_AS, &usual), 0);
+    const rlimit little = {rlim_t{1} << 30, usual.rlim_max};
+    ASSERT_EQ(setrlimit(RLIMIT_AS, &little), 0);
+    const int sizes[][2] = {{23171, 23171}, {32768, 16384}, {46341, 46341},    {65536, 65536},
+                            {INT_MAX, 1},   {1, INT_MAX},   {INT_MAX, INT_MAX}};
+    for (const auto& size : sizes) {
+        const TimeLimit limit(1);
+        EXPECT_EQ(scene.object.RenderTextEffect(size[0], size[1]), nullptr) << size[0] << " x " << size[1];
+    }
+    scene.setLines({lineAt(5, 30)});
+    const Picture after = scene.render();
+    ASSERT_EQ(setrlimit(RLIMIT_AS, &usual), 0);
+    EXPECT_TRUE(after == before);
+}
+
+// A letter is drawn as large as the fonts' rasteriser goes, and beyond that not at all.
+TEST(Limits, TextSizes) {
+    constexpr float LARGEST = 16384;
+    for (const float size :
+         {16383.0f, LARGEST, 16385.0f, 32767.0f, 32768.0f, 65535.0f, 65536.0f, 1e6f, 2147483520.0f,
+          2147483648.0f, 4294967296.0f, FLT_MAX, ENDLESS, -1.0f, -32768.0f}) {
+        SCOPED_TRACE(size);
+        const TimeLimit limit(2);
+        TextScene scene(kSans, L"I", size, 100, 40);
+        scene.effect().addStrokeText(3, DARK, 1, 0, ZV_STROKE_OUTSIDE);
+        scene.setLines({lineAt(0, 9000, 0, 1)});  // in the middle of the stem
+        const bool drawn = size > 0 && size <= LARGEST;
+        EXPECT_NEAR(scene.render().count(0xFF000000), drawn ? 100 * 40 : 0, drawn ? 900 : 0);
+        EXPECT_NEAR(scene.line(0).rect.right, drawn ? 0.295 * size : 0, 8);
+    }
+}
+
+// The image of a line has 16 bits of width, so of a longer one the beginning shows.
+TEST(Limits, LinesWiderThanSixteenBits) {
+    constexpr int COUNT = 4000;
+    TextScene scene(kSans, std::wstring(COUNT, L'm').c_str(), 20, 20000, 40);
+    scene.setLines({lineAt(0, 30, 0, 1)});
+    scene.render();
+    const int letter = scene.line(0).rect.right;
+    scene.setLines({lineAt(0, 30, 0, COUNT)});
+    Picture drawn;
+    {
+        const TimeLimit limit(2);
+        drawn = scene.render();
+    }
+    const int advance = scene.line(0).rect.right, shown = advance & 0xFFFF;
+    EXPECT_NEAR(advance, COUNT * letter, COUNT);
+    ASSERT_GT(advance, 65536);
+    ASSERT_LT(shown, 19000);
+    scene.setLines({lineAt(0, 30, 0, 1000)});
+    const Picture beginning = scene.render();
+    EXPECT_TRUE(cutOut(drawn, 0, 0, shown, 40) == cutOut(beginning, 0, 0, shown, 40));
+    EXPECT_EQ(cutOut(drawn, shown, 0, drawn.width - shown, 40).countVisible(), 0);
+}
+
+TEST(Limits, AMillionCharacters) {
+    const std::wstring piece = L"lorem ipsum ";
+    const int length = TimeLimit::SLOWNESS > 1 ? 120'000 : 1'200'000;
+    std::wstring text;
+    while (static_cast<int>(text.size()) < length) text += piece;
+    std::unique_ptr<TextScene> scene;
+    {
+        const TimeLimit limit(1, "set");
+        scene = std::make_unique<TextScene>(kSans, text.c_str(), 20, 1000, 40);
+    }
+    {
+        const TimeLimit limit(10, "one line");
+        scene->setLines({lineAt(0, 30, 0, length)});
+        scene->render();
+        EXPECT_GT(scene->line(0).rect.right, 9 * length);
+    }
+    // All of them at the same place, so that each is drawn and none shows but one.
+    const int lines = length / 120;
+    std::vector<ZvLineInfo> cut;
+    for (int i = 0; i < lines; ++i) cut.push_back(lineAt(0, 30, 120 * i, 120));
+    scene->setLines(cut);
+    Picture all;
+    {
+        const TimeLimit limit(30, "10 000 lines");
+        all = scene->render();
+    }
+    scene->setLines({cut[0]});
+    EXPECT_TRUE(all == scene->render());
+    EXPECT_GT(all.countVisible(), 3000);
+}
+
+TEST(Limits, TenThousandLinesAndAllEffects) {
+    TextScene scene(kBold, L"Hamburgefonst", 20, 600, 400);
+    addSizedLayers(scene.effect(), 10);
+    std::vector<ZvLineInfo> lines;
+    for (int i = 0; i < 10'000; ++i) lines.push_back(lineAt(i % 500, i % 4000, i % 12, 2));
+    scene.setLines(lines);
+    const TimeLimit limit(3);
+    EXPECT_GT(scene.render().countVisible(), 20'000);
+}
+
+TEST(Limits, AThousandEffectsComeAndGo) {
+    TextScene scene(kBold, L"Ag", 30, 80, 50), fresh(kBold, L"Ag", 30, 80, 50);
+    for (TextScene* each : {&scene, &fresh}) each->setLines({lineAt(5, 40)});
+    ZvEffect& effects = scene.effect();
+    const TimeLimit limit(1);
+    Random random(1);
+    std::vector<int> ids;
+    for (int i = 0; i < 1000; ++i) {
+        addLayer(effects, random.below(LAYER_KINDS), random);
+        addSizedLayers(effects, static_cast<float>(i % 20));
+        if (i % 100 == 0) {
+            scene.setLines({lineAt(5, 40)});
+            scene.render();
+        }
+        ids.clear();
+        for (ZvECore* layer : effects.effects) ids.push_back(layer->getId());
+        while (!ids.empty()) {
+            const auto at = ids.begin() + random.below(static_cast<int>(ids.size()));
+            EXPECT_TRUE(effects.removeEffect(*at));
+            EXPECT_FALSE(effects.removeEffect(*at));
+            ids.erase(at);
+        }
+    }
+    EXPECT_FALSE(effects.hasEffects());
+    for (TextScene* each : {&scene, &fresh}) {
+        addSizedLayers(each->effect(), 4);
+        each->setLines({lineAt(5, 40)});
+    }
+    EXPECT_TRUE(scene.render() == fresh.render());
+}
+
+// The largest sizes there are on a picture as wide as a screen of the largest kind.
+TEST(Limits, LargestEffectsOnAWidePicture) {
+    for (const Layer& layer : SIZED_LAYERS) {
+        TextScene scene(kBold, L"Hamburgefonst", 500, 4096, 700);
+        scene.object.SetTextColor(LIGHT);
+        scene.setLines({lineAt(0, 550, 0, 13)});
+        EXPECT_GE(layer.add(scene.effect(), 100), 0);
+        const TimeLimit limit(8, layer.name);
+        const Picture picture = scene.render();
+        EXPECT_GT(picture.countVisible(), 500'000) << layer.name;
+        EXPECT_NE(picture.count(LIGHT), picture.countVisible()) << layer.name;
+    }
+}
+
+// Records may say what no adder lets through. What their effects reach is drawn on the picture there is, or
+// is refused; nothing is left of it.
+TEST(Limits, RecordsOfAnySize) {
+    for (const float size : {400.0f, 32768.0f, 65536.0f, 1e6f, 2147483520.0f, 2147483648.0f, FLT_MAX, ENDLESS,
+                             NOT_A_NUMBER, -1.0f, -65536.0f, -ENDLESS}) {
+        ZvOuterShadowProperty outerShadow(135, 8, size, DARK, 1), farShadow(135, size, 8, DARK, 1);
+        ZvInnerShadowProperty innerShadow(135, 8, size, DARK, 1), farInside(135, size, 8, DARK, 1);
+        ZvOuterGlowProperty outerGlow(size, RED, 1, 0, nullptr);
+        ZvInnerGlowProperty innerGlow(size, RED, 1, 0, nullptr);
+        ZvStrokeProperty outside(size, DARK, 1, 0, ZV_STROKE_OUTSIDE),
+            inside(size, DARK, 1, 0, ZV_STROKE_INSIDE);
+        ZvBevelProperty soft(1, size, 2, 1, 0, 0, 1, 135, 30, DARK, 1, LIGHT, 1),
+            hard(0, size, 2, 1, 1, 0, 1, 135, 30, DARK, 1, LIGHT, 1);
+        ZvEmbossProperty emboss(3, size, 2, 1, 0, 0, 1, 135, 30, DARK, 1, LIGHT, 1);
+        ZvProperty* const records[] = {&outerShadow, &farShadow, &innerShadow, &farInside,
+                                       &outerGlow,   &innerGlow, &outside,     &inside,
+                                       &soft,        &hard,      &emboss};
+        const int types[] = {ZV_EFFECT_OUTER_SHADOW, ZV_EFFECT_OUTER_SHADOW, ZV_EFFECT_INNER_SHADOW,
+                             ZV_EFFECT_INNER_SHADOW, ZV_EFFECT_OUTER_GLOW,   ZV_EFFECT_INNER_GLOW,
+                             ZV_EFFECT_STROKE,       ZV_EFFECT_STROKE,       ZV_EFFECT_BEVEL,
+                             ZV_EFFECT_BEVEL,        ZV_EFFECT_EMBOSS};
+        for (size_t i = 0; i < std::size(records); ++i) {
+            SCOPED_TRACE("type " + std::to_string(types[i]) + ", size " + std::to_string(size));
+            TextScene scene(kBold, L"Ag", 30, 80, 50);
+            scene.setLines({lineAt(5, 40)});
+            const Picture plain = scene.render();
+            ZvEffect& effects = scene.effect();
+            const TimeLimit limit(5);
+            ASSERT_GE(effects.addEffect(types[i], records[i]), 0);
+            scene.setLines({lineAt(5 - effects.getLeftOffset(), 40 - effects.getTopOffset())});
+            EXPECT_NE(scene.object.RenderTextEffect(80, 50), nullptr);
+            effects.cleanAllEffect();
+            scene.setLines({lineAt(5, 40)});
+            EXPECT_TRUE(scene.render() == plain);
+        }
+    }
+}
