@@ -29,6 +29,7 @@ struct Result {
     int status = -1;  // exit status; -1 when the program was killed
     std::string out, err;
     double peakMegabytes = 0;  // of the memory it had at once
+    double seconds = 0;        // of the processor
 };
 
 inline std::string slurp(const fs::path& path) {
@@ -98,6 +99,8 @@ protected:
         wait4(child, &status, 0, &usage);
         Result result;
         result.peakMegabytes = static_cast<double>(usage.ru_maxrss) * 1024 / 1e6;
+        for (const timeval& time : {usage.ru_utime, usage.ru_stime})
+            result.seconds += static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
         if (WIFEXITED(status)) result.status = WEXITSTATUS(status);
         result.out = slurp(file("stdout"));
         std::stringstream errors(slurp(file("stderr")));

@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "tests/limits/TimeLimit.h"
 #include "tests/tool/Program.h"
 
 namespace {
@@ -214,6 +215,26 @@ TEST_F(RenderCommand, BadValuesAreNamedAndLeaveTheOutputAlone) {
     expectRefused({std::string(800, 'W'), "--font", kFont}, 2, "--size: a line of the text is wider");
     expectRefused({std::string(12000, '\n'), "--font", kFont, "--size", "10000"}, 2,
                   "--size: the lines of the text are higher than 100000000 pixels");
+}
+
+TEST_F(RenderCommand, AMillionCharacters) {
+    const auto render = [&](int characters, std::vector<std::string> more) {
+        std::string text;
+        while (static_cast<int>(text.size()) < characters) text += "lorem ipsum ";
+        more.insert(more.begin(), {"render", "--text-file", write("text", text), "--font", kFont, "--size",
+                                   "10", "-o", file("out.png")});
+        const Result result = run(more);
+        EXPECT_LT(result.seconds, 25 * TimeLimit::SLOWNESS);
+        return result;
+    };
+    EXPECT_EQ(render(1'000'000, {}).err,
+              "zvtext: --size: a line of the text is wider than 65535 pixels; lower --size or set --width\n");
+    EXPECT_FALSE(fs::exists(file("out.png")));
+    const std::vector<std::string> wrapped = {"--width", "1000", "--max-lines", "30"};
+    EXPECT_EQ(render(10'000, wrapped).status, 0);
+    const std::string expected = slurp(file("out.png"));
+    EXPECT_EQ(render(1'000'000, wrapped).status, 0);
+    EXPECT_EQ(slurp(file("out.png")), expected);
 }
 
 // Styles print without a text or a font, and read back to the same picture and the same file.
