@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "effect/EffectFactory.h"
 
-#include <new>
-
 #include "effect/ZvText.h"
 #include "effect/filters/ZvBevel.h"
 #include "effect/filters/ZvEmboss.h"
@@ -14,33 +12,34 @@
 #include "effect/filters/ZvPattern.h"
 #include "effect/filters/ZvRadialGradient.h"
 #include "effect/filters/ZvStroke.h"
+#include "foundation/OutOfMemory.h"
 
 namespace Zvex {
 
 ZvECore* newEffectLayer(int type) {
     switch (type) {
         case ZV_EFFECT_BEVEL:
-            return new (std::nothrow) ZvBevel;
+            return tryMake<ZvBevel>().release();
         case ZV_EFFECT_EMBOSS:
-            return new (std::nothrow) ZvEmboss;
+            return tryMake<ZvEmboss>().release();
         case ZV_EFFECT_INNER_GLOW:
-            return new (std::nothrow) ZvInnerGlow;
+            return tryMake<ZvInnerGlow>().release();
         case ZV_EFFECT_INNER_SHADOW:
-            return new (std::nothrow) ZvInnerShadow;
+            return tryMake<ZvInnerShadow>().release();
         case ZV_EFFECT_LINEAR_GRADIENT:
-            return new (std::nothrow) ZvLinearGradient;
+            return tryMake<ZvLinearGradient>().release();
         case ZV_EFFECT_OUTER_GLOW:
-            return new (std::nothrow) ZvOuterGlow;
+            return tryMake<ZvOuterGlow>().release();
         case ZV_EFFECT_OUTER_SHADOW:
-            return new (std::nothrow) ZvOuterShadow;
+            return tryMake<ZvOuterShadow>().release();
         case ZV_EFFECT_PATTERN:
-            return new (std::nothrow) ZvPattern;
+            return tryMake<ZvPattern>().release();
         case ZV_EFFECT_RADIAL_GRADIENT:
-            return new (std::nothrow) ZvRadialGradient;
+            return tryMake<ZvRadialGradient>().release();
         case ZV_EFFECT_STROKE:
-            return new (std::nothrow) ZvStroke;
+            return tryMake<ZvStroke>().release();
         case ZV_EFFECT_TEXT:
-            return new (std::nothrow) ZvText;
+            return tryMake<ZvText>().release();
         default:
             return nullptr;
     }

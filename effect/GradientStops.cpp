@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "effect/GradientStops.h"
+#include "foundation/OutOfMemory.h"
 
 #include <algorithm>
 #include <new>
@@ -12,7 +13,10 @@ bool GradientStops::copy(const ZvGradient* stops, int count) {
         count = 0;
     } else {
         copied.reset(new (std::nothrow) ZvGradient[static_cast<size_t>(count)]);
-        if (copied == nullptr) return false;
+        if (copied == nullptr) {
+            markOutOfMemory();
+            return false;
+        }
         std::copy_n(stops, count, copied.get());
     }
     stops_ = std::move(copied);

@@ -3,10 +3,10 @@
 #define ZVEX_EFFECT_GRADIENTSTOPS_H_
 
 #include <memory>
-#include <new>
 #include <utility>
 
 #include "effect/ZvProperty.h"
+#include "foundation/OutOfMemory.h"
 
 namespace Zvex {
 
@@ -31,7 +31,7 @@ private:
 // settings may point at the old stops. A record without stops points at none, whatever count it states.
 template <typename Property>
 void replaceRecord(const Property& settings, Property** record, GradientStops* stops) {
-    std::unique_ptr<Property> copy(new (std::nothrow) Property(settings));
+    auto copy = tryMake<Property>(settings);
     GradientStops copiedStops;
     if (copy == nullptr || !copiedStops.copy(settings.stops, settings.count)) return;
     copy->stops = copiedStops.data();

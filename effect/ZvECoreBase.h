@@ -2,9 +2,8 @@
 #ifndef ZVEX_EFFECT_ZVECOREBASE_H_
 #define ZVEX_EFFECT_ZVECOREBASE_H_
 
-#include <new>
-
 #include "effect/ZvECore.h"
+#include "foundation/OutOfMemory.h"
 
 namespace Zvex {
 
@@ -40,10 +39,10 @@ protected:
     // copy of `settings`, which may be the old record. When memory is short the old one stays; false then.
     template <typename Property>
     static bool replaceProperty(const Property& settings, Property** record) {
-        Property* copy = new (std::nothrow) Property(settings);
+        auto copy = tryMake<Property>(settings);
         if (copy == nullptr) return false;
         delete *record;
-        *record = copy;
+        *record = copy.release();
         return true;
     }
 };

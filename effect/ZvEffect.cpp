@@ -13,6 +13,7 @@
 #include "effect/LayerRows.h"
 #include "effect/ZvGlyph.h"
 #include "effect/filters/Buffer.h"
+#include "foundation/OutOfMemory.h"
 #include "foundation/ZvLog.h"
 #include "raster/ClearPixels.h"
 #include "raster/ZvBitmap.h"
@@ -159,11 +160,16 @@ int ZvEffect::addEffect(int id, int type, ZvProperty* property) {
     std::unique_ptr<ZvECore> created(createEffect(id, type));
     if (created == nullptr) return -1;
     created->setProperty(property);
-    if (property != nullptr && created->getProperty() == nullptr) {  // no memory for the copy
+    const bool kept = unlessOutOfMemory(false, [&] {
+        if (property != nullptr && created->getProperty() == nullptr) return false;  // no memory for the copy
+        layers.reserve(effects.size() + 1);  // so that a rendering orders its layers without new memory
+        effects.push_back(created.get());
+        return true;
+    });
+    if (!kept) {
         nextEffectId = oldNextId;
         return -1;
     }
-    effects.push_back(created.get());
     return created.release()->getId();
 }
 
@@ -378,10 +384,10 @@ void ZvEffect::beginRendering(int width, int height, MaskPixels maskPixels) {
     maskTop = maskBottom = 0;
     maskIsPartial = maskPixels == MaskPixels::Unset;
     if (maskIsPartial) {
-        mask = new (std::nothrow) ZvBitmap(bitmapWidth, bitmapHeight, 1, ZvBitmap::Unset::Pixels);
+        mask = tryMake<ZvBitmap>(bitmapWidth, bitmapHeight, 1u, ZvBitmap::Unset::Pixels).release();
     } else {
-        mask = new (std::nothrow) ZvBitmap(bitmapWidth, bitmapHeight, 1);
-        if (twoLayers) back = new (std::nothrow) ZvBitmap(bitmapWidth, bitmapHeight, 4);
+        mask = tryMake<ZvBitmap>(bitmapWidth, bitmapHeight, 1u).release();
+        if (twoLayers) back = tryMake<ZvBitmap>(bitmapWidth, bitmapHeight, 4u).release();
     }
 
     // The newest layer is the topmost one of its group.
@@ -393,20 +399,17 @@ void ZvEffect::beginRendering(int width, int height, MaskPixels maskPixels) {
                                        [](ZvECore* effect) { return effect->getStyle() == ZV_EFFECT_TEXT; });
         if (text != layers.end()) std::rotate(text, text + 1, layers.end());
     } else {
-        // Over the text, the text (oldest first, were there several), under the text: three passes over the
-        // list from the newest, in a buffer of the size the layers have already.
-        std::vector<ZvECore*> ordered;
-        ordered.reserve(layers.size());
-        for (ZvECore* effect : layers) {
-            if (!isUnderEffect(effect) && effect->getStyle() != ZV_EFFECT_TEXT) ordered.push_back(effect);
+        // Over the text, the text (oldest first, were there several), under the text.
+        const auto rank = [this](ZvECore* effect) {
+            return isUnderEffect(effect) ? 2 : effect->getStyle() == ZV_EFFECT_TEXT ? 1 : 0;
+        };
+        // By insertion: the order of equals stays, and no memory is needed.
+        for (auto next = layers.begin(); next != layers.end(); ++next) {
+            const auto place = std::find_if(layers.begin(), next, [&](ZvECore* before) {
+                return rank(before) > rank(*next) || (rank(before) == 1 && rank(*next) == 1);
+            });
+            std::rotate(place, next, next + 1);
         }
-        for (ZvECore* effect : effects) {
-            if (effect->getStyle() == ZV_EFFECT_TEXT) ordered.push_back(effect);
-        }
-        for (ZvECore* effect : layers) {
-            if (isUnderEffect(effect)) ordered.push_back(effect);
-        }
-        layers.swap(ordered);
     }
 
     ZvECore::ParamInit param;
@@ -513,8 +516,10 @@ ZvRect ZvEffect::drawPicture(PixelOrder order) {
     // A rendering that was given up leaves its box to this one, which then may have no line to clear rows
     // for.
     if (maskIsPartial && mask != nullptr && !textRectReset) clearMaskRows();
-    if (clipTextRect() && mask->pixels != nullptr)
+    if (clipTextRect() && mask->pixels != nullptr) {
         waiting.reset(new (std::nothrow) WaitingLayer[layers.size()]);
+        if (waiting == nullptr) markOutOfMemory();
+    }
     if (waiting != nullptr) prepareLayers(waiting.get(), &drawn);
     ZV_DEBUG_LOG(TAG, "DoEffectPostProcessing(%p) - end", static_cast<void*>(this));
 

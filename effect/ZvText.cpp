@@ -5,11 +5,11 @@
 #include <climits>
 #include <cstring>
 #include <memory>
-#include <new>
 #include <utility>
 
 #include "effect/Composite.h"
 #include "effect/LayerRows.h"
+#include "foundation/OutOfMemory.h"
 #include "foundation/ZvLog.h"
 #include "raster/ZvBitmap.h"
 #include "raster/ZvBlender.h"
@@ -113,7 +113,7 @@ int ZvText::doPostProcessing(ParamPostProcessing* param) {
     // The line that the blender has for these blends: one for the text, in however many pieces it is drawn.
     ZV_DEBUG_LOG(kTag,
                  param->layerMode != 1 ? "Blender - ZVE_BLEND_OTHER" : "Blender - ZVE_BLEND_DST_OVER_NSA");
-    drawLayer(param, std::unique_ptr<LayerRows>(new (std::nothrow) TextRows(*param, property->color)));
+    drawLayer(param, tryMake<TextRows>(*param, property->color));
     return 0;
 }
 

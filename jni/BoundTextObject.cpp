@@ -40,8 +40,7 @@ ZvTextObject* GetBoundTextObject(JNIEnv* env, jobject thiz) {
 
     ZV_DEBUG_LOG(kTag, "GetBoundTextObject - hande = 0");
     std::unique_ptr<ZvTextObject> text(new (std::nothrow) ZvTextObject);
-    if (text == nullptr || !text->Construct()) return nullptr;
-    ZvTextInstanceManager::Bind(text.get());
+    if (text == nullptr || !text->Construct() || !ZvTextInstanceManager::Bind(text.get())) return nullptr;
     env->SetIntField(thiz, handleField, text->GetRuntimeHandle());
     return text.release();  // the registry's, until the last reference goes
 }

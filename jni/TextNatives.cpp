@@ -14,6 +14,7 @@
 #include <new>
 
 #include "effect/ZvEffect.h"
+#include "foundation/OutOfMemory.h"
 #include "foundation/SafeConvert.h"
 #include "foundation/ZvLog.h"
 #include "foundation/ZvString.h"
@@ -103,7 +104,9 @@ jboolean JNICALL ZvText_SetLayout(JNIEnv* env, jobject thiz, jobject layout) {
     ZV_STILL_BOUND(handle, JNI_FALSE);
 
     LineRecords records;
-    if (!records.make(placeLines(view, content.lines.get(), content.lineCount))) return JNI_FALSE;
+    const bool made = unlessOutOfMemory(
+        false, [&] { return records.make(placeLines(view, content.lines.get(), content.lineCount)); });
+    if (!made) return JNI_FALSE;
     if (content.text.get() != nullptr) {
         ZvString string;
         if (string.Construct(content.text.get()) == 0 || !text->SetText(&string)) return JNI_FALSE;

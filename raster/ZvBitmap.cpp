@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include "foundation/LargePages.h"
+#include "foundation/OutOfMemory.h"
 #include "raster/ZvRect.h"
 
 namespace Zvex {
@@ -23,6 +24,7 @@ size_t productOf(uint32_t width, uint32_t height, uint32_t bytesPerPixel) {
 uint8_t* unset(size_t count) {
     if (count == 0) return nullptr;
     void* memory = std::malloc(count);
+    if (memory == nullptr) markOutOfMemory();
     preferLargePages(memory, count);
     return static_cast<uint8_t*>(memory);
 }
@@ -37,6 +39,7 @@ uint8_t* copyOf(const uint8_t* bytes, size_t count) {
 uint8_t* zeros(size_t count) {
     if (count == 0) return nullptr;
     void* memory = std::calloc(count, 1);
+    if (memory == nullptr) markOutOfMemory();
     preferLargePages(memory, count);  // in time: fresh memory is not touched yet
     return static_cast<uint8_t*>(memory);
 }

@@ -8,7 +8,8 @@
 namespace {
 
 struct Counters {
-    bool armed = false;
+    bool armed = false, throwingToo = false;
+    int pauses = 0;
     int failing = -1;
     int made = 0;
     int outstanding = 0;
@@ -17,7 +18,7 @@ thread_local Counters counters;
 
 // Whether this allocation is the one to fail.
 bool failsNow() {
-    return counters.armed && counters.made++ == counters.failing;
+    return counters.armed && counters.pauses == 0 && counters.made++ == counters.failing;
 }
 
 void* counted(void* block) {
@@ -68,6 +69,7 @@ void __wrap_free(void* block) {
 namespace {
 
 void* throwing(size_t size) {
+    if (counters.throwingToo && failsNow()) throw std::bad_alloc();
     void* block = counted(__real_malloc(size == 0 ? 1 : size));
     if (block == nullptr) throw std::bad_alloc();
     return block;
@@ -115,14 +117,23 @@ void operator delete[](void* block, const std::nothrow_t&) noexcept {
     release(block);
 }
 
-FailingAllocations::FailingAllocations(int failing) {
+FailingAllocations::FailingAllocations(int failing, Throwing throwing) {
     counters = Counters();
+    counters.throwingToo = throwing == Throwing::Fails;
     counters.failing = failing;
     counters.armed = true;
 }
 
 FailingAllocations::~FailingAllocations() {
     counters.armed = false;
+}
+
+FailingAllocations::Pause::Pause() {
+    ++counters.pauses;
+}
+
+FailingAllocations::Pause::~Pause() {
+    --counters.pauses;
 }
 
 int FailingAllocations::made() const {

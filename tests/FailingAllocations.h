@@ -8,17 +8,24 @@
 
 // Makes one allocation fail. While an object of this class lives, the calling thread's allocations with
 // malloc, calloc, realloc and the non-throwing operator new are counted from 0, and number `failing` gives
-// null; nothing fails when it is negative. Throwing operator new (containers) never fails. One object at a
-// time.
+// null; nothing fails when it is negative. Throwing operator new (containers) is counted, and throws when its
+// number comes, with Throwing::Fails only. One object at a time.
 //
 // Works in programs made with zvex_add_failing_allocations (tests/CMakeLists.txt), which route those calls
 // here.
 class FailingAllocations {
 public:
-    explicit FailingAllocations(int failing = -1);
+    enum class Throwing { Works, Fails };
+    explicit FailingAllocations(int failing = -1, Throwing throwing = Throwing::Works);
     ~FailingAllocations();
     FailingAllocations(const FailingAllocations&) = delete;
     FailingAllocations& operator=(const FailingAllocations&) = delete;
+
+    // While one lives, allocations are neither counted nor fail: for what a test itself needs meanwhile.
+    struct Pause {
+        Pause();
+        ~Pause();
+    };
 
     int made() const;         // allocations counted so far, the failed one included
     int outstanding() const;  // blocks allocated in any way less blocks freed, since the start
@@ -28,11 +35,12 @@ public:
 // failing. `work(failed)` gets whether its allocation number will fail; it must free all that it takes.
 // Whether anything leaked is checked after each run; what else should hold is checked by work itself.
 template <typename Work>
-void forEachFailingAllocation(Work work) {
+void forEachFailingAllocation(Work work,
+                              FailingAllocations::Throwing throwing = FailingAllocations::Throwing::Works) {
     work(false);  // what the process makes once, such as its log, is no leak of work's
     int allocations = 0;
     {
-        FailingAllocations none;
+        FailingAllocations none(-1, throwing);
         work(false);
         allocations = none.made();
         EXPECT_EQ(none.outstanding(), 0) << "leaked without a failure";
@@ -42,7 +50,7 @@ void forEachFailingAllocation(Work work) {
         SCOPED_TRACE("allocation " + std::to_string(failing) + " of " + std::to_string(allocations));
         int outstanding = 0;
         {
-            FailingAllocations one(failing);
+            FailingAllocations one(failing, throwing);
             work(true);
             EXPECT_GT(one.made(), failing) << "was not reached";
             outstanding = one.outstanding();

@@ -17,6 +17,7 @@
 
 #include "foundation/Error.h"
 #include "foundation/List.h"
+#include "foundation/OutOfMemory.h"
 #include "foundation/ZvLog.h"
 #include "foundation/ZvString.h"
 #include "text/ZvFontManagerImpl.h"
@@ -144,6 +145,7 @@ char* getFontData(const char* path, unsigned int& size) {
     const auto wanted = static_cast<unsigned long long>(length);
     const bool fits = wanted <= std::numeric_limits<uint32_t>::max();
     std::unique_ptr<char[]> data(fits ? new (std::nothrow) char[static_cast<size_t>(wanted)] : nullptr);
+    if (fits && data == nullptr) markOutOfMemory();
     if (data == nullptr || std::fread(data.get(), static_cast<size_t>(wanted), 1, file.get()) != 1) {
         ZV_DEBUG_LOG(kTag, "getFontData: fread failure path = %s length = %zu", name,
                      static_cast<size_t>(wanted));
@@ -174,7 +176,8 @@ std::string ZvFontManagerImpl::dataKey(const char* path) {
 
 void ZvFontManagerImpl::indexFamilies() {
     ++changes;
-    familyIndex.clear();
+    familyIndex.clear();  // what it stays where memory is short; the next reader makes it then
+    std::vector<IndexedFamily> index;
     const int familyCount = families != nullptr ? families->GetCount() : 0;
     for (int i = 0; i < familyCount; ++i) {
         const auto* family = static_cast<const ZvFontFamily*>(families->Get(i));
@@ -185,7 +188,57 @@ void ZvFontManagerImpl::indexFamilies() {
             const auto* entry = static_cast<const ZvFontEntry*>(family->fonts->Get(j));
             if (entry != nullptr) indexed.fonts.push_back(entry);
         }
-        familyIndex.push_back(std::move(indexed));
+        index.push_back(std::move(indexed));
+    }
+    familyIndex = std::move(index);
+}
+
+void ZvFontManagerImpl::tryIndexFamilies() {
+    unlessOutOfMemory(false, [this] {
+        indexFamilies();
+        return true;
+    });
+}
+
+bool ZvFontManagerImpl::findFont(std::shared_ptr<minikin::MinikinFont>& out, const ZvString* path,
+                                 int index) const {
+    std::string utf8;
+    if (!toUtf8(path, utf8)) return false;
+    const auto found = fontMap.find(fontKey(utf8.c_str(), index));
+    if (found == fontMap.end()) return false;
+    out = found->second;
+    return true;
+}
+
+void ZvFontManagerImpl::collectFamilies(std::vector<std::shared_ptr<minikin::FontFamily>>& out,
+                                        const ZvString* path, int& weight) {
+    std::string utf8;
+    if (path != nullptr && toUtf8(path, utf8)) {
+        bool italic = false;
+        styleFromPath(utf8, weight, italic);
+        std::shared_ptr<minikin::MinikinFont> font;
+        if (!contains(utf8, kSystemRoboto) && findFont(font, path, 0)) {
+            std::vector<minikin::Font> fonts;
+            fonts.push_back(makeFont(font, weight, italic));
+            out.push_back(std::make_shared<minikin::FontFamily>(std::move(fonts)));
+        }
+    }
+
+    // Nobody adds to the list after handing it over; should somebody do so all the same, the families count.
+    if (families != nullptr && families->GetCount() != static_cast<int>(familyIndex.size())) indexFamilies();
+    for (const IndexedFamily& indexed : familyIndex) {
+        if (indexed.family == nullptr || indexed.family->loaded == 0) continue;
+        std::vector<minikin::Font> fonts;
+        for (const ZvFontEntry* entry : indexed.fonts) {
+            std::shared_ptr<minikin::MinikinFont> font;
+            if (findFont(font, entry->path, entry->index)) {
+                fonts.push_back(makeFont(font, entry->weight, entry->italic));
+            }
+        }
+        if (fonts.empty()) continue;
+        out.push_back(std::make_shared<minikin::FontFamily>(
+            indexed.family->localeListId, static_cast<minikin::FontFamily::Variant>(indexed.family->variant),
+            std::move(fonts)));
     }
 }
 
@@ -205,6 +258,90 @@ void ZvFontManagerImpl::ClearFontMaps() {
     dataMap.clear();
 }
 
+bool ZvFontManagerImpl::isExisting(const char* path, int index) const {
+    if (path == nullptr || *path == '\0') {
+        ZV_DEBUG_LOG(kTag, "IsExisting() - path is NULL");
+        return false;
+    }
+    return fontMap.count(fontKey(path, index)) != 0;
+}
+
+bool ZvFontManagerImpl::addFont(const char* path, std::unique_ptr<char[]> handedOver, unsigned int size,
+                                int index, bool checkExisting) {
+    if (path == nullptr || *path == '\0') {
+        ZV_DEBUG_LOG(kTag, "AddMinikinFont() - path is NULL");
+        return false;
+    }
+    if (checkExisting && isExisting(path, index)) return true;
+    std::shared_ptr<ZvFontData> bytes;
+    const std::string dataName = dataKey(path), fontName = fontKey(path, index);
+    auto inMap = dataMap.end();  // what was read now; it stays with its font only
+    if (handedOver != nullptr) {
+        bytes = std::make_shared<ZvFontData>(handedOver.get(), size);
+        handedOver.release();
+    } else if (const auto known = dataMap.find(dataName); known != dataMap.end()) {
+        bytes = known->second;
+    } else {
+        unsigned int length = 0;
+        if (std::unique_ptr<char[]> data{getFontData(path, length)}) {
+            bytes = std::make_shared<ZvFontData>(data.get(), length);
+            data.release();
+            inMap = dataMap.emplace(dataName, bytes).first;
+            const float megabytes = static_cast<float>(length) / kBytesPerMegabyte;
+            totalSize += megabytes;
+            ZV_DEBUG_LOG(kTag, "BUFFER TOTAL SIZE(%.2fMB) <- %s(%.2fMB) ", totalSize, path,
+                         static_cast<double>(megabytes));
+        }
+    }
+    if (bytes == nullptr || bytes->size == 0) {
+        __android_log_print(ANDROID_LOG_ERROR, kTag, "AddMinikinFont() - Fail to get font");
+        return false;
+    }
+
+    // The file may be replaced by a font later. Bytes that were in the map before carry another font.
+    const auto forget = [&] {
+        if (inMap != dataMap.end()) dataMap.erase(inMap);
+    };
+    try {
+        std::shared_ptr<minikin::MinikinFont> font = wrapFont(bytes, index);
+        if (font == nullptr) {
+            __android_log_print(ANDROID_LOG_ERROR, kTag, "AddMinikinFont() - Fail to create typeface");
+            forget();
+            return false;
+        }
+        if (fontMap.emplace(fontName, std::move(font)).second) ++changes;
+        return true;
+    } catch (const std::bad_alloc&) {
+        forget();
+        throw;
+    }
+}
+
+bool ZvFontManagerImpl::buildFamily(const ZvFontFamily* family) {
+    const int count = family != nullptr && family->fonts != nullptr ? family->fonts->GetCount() : 0;
+    if (count < 1) return false;
+    for (int i = 0; i < count; ++i) {
+        const auto* entry = static_cast<const ZvFontEntry*>(family->fonts->Get(i));
+        std::string path;
+        if (entry == nullptr) return false;
+        const char* known = toUtf8(entry->path, path) ? path.c_str() : nullptr;
+        if (!addFont(known, nullptr, 0, entry->index, false)) return false;
+    }
+    return true;
+}
+
+bool ZvFontManagerImpl::loadFamily(unsigned int localeListId) {
+    const int count = families != nullptr ? families->GetCount() : 0;
+    for (int i = 0; i < count; ++i) {
+        auto* family = static_cast<ZvFontFamily*>(families->Get(i));
+        if (family == nullptr || family->loaded != 0 || family->localeListId != localeListId) continue;
+        family->loaded = buildFamily(family) ? 1 : 0;
+        tryIndexFamilies();
+        return true;
+    }
+    return false;
+}
+
 FontManager* FontManager::GetInstance() {
     static FontManager instance;
     return &instance;
@@ -222,11 +359,7 @@ bool FontManager::IsExisting(const char* path, int index) const {
         ZV_REPORT_ERROR(kTag, ZV_ERROR_NOT_CONSTRUCTED);
         return false;
     }
-    if (path == nullptr || *path == '\0') {
-        ZV_DEBUG_LOG(kTag, "IsExisting() - path is NULL");
-        return false;
-    }
-    return mImpl->fontMap.count(ZvFontManagerImpl::fontKey(path, index)) != 0;
+    return unlessOutOfMemory(false, [&] { return mImpl->isExisting(path, index); });
 }
 
 bool FontManager::AddMinikinFont(const char* path, char* buffer, unsigned int size, int index,
@@ -236,55 +369,18 @@ bool FontManager::AddMinikinFont(const char* path, char* buffer, unsigned int si
         ZV_REPORT_ERROR(kTag, ZV_ERROR_NOT_CONSTRUCTED);
         return false;
     }
-    if (path == nullptr || *path == '\0') {
-        ZV_DEBUG_LOG(kTag, "AddMinikinFont() - path is NULL");
-        return false;
-    }
-    if (checkExisting && IsExisting(path, index)) return true;
-
-    std::shared_ptr<ZvFontData> bytes;
-    const std::string dataKey = ZvFontManagerImpl::dataKey(path);
-    bool freshlyRead = false;
-    if (handedOver != nullptr) {
-        bytes = std::make_shared<ZvFontData>(handedOver.get(), size);
-        handedOver.release();
-    } else if (const auto known = mImpl->dataMap.find(dataKey); known != mImpl->dataMap.end()) {
-        bytes = known->second;
-    } else {
-        unsigned int length = 0;
-        if (char* data = getFontData(path, length)) {
-            bytes = std::make_shared<ZvFontData>(data, length);
-            mImpl->dataMap.emplace(dataKey, bytes);
-            freshlyRead = true;
-            const float megabytes = static_cast<float>(length) / kBytesPerMegabyte;
-            mImpl->totalSize += megabytes;
-            ZV_DEBUG_LOG(kTag, "BUFFER TOTAL SIZE(%.2fMB) <- %s(%.2fMB) ", mImpl->totalSize, path,
-                         static_cast<double>(megabytes));
-        }
-    }
-    if (bytes == nullptr || bytes->size == 0) {
-        __android_log_print(ANDROID_LOG_ERROR, kTag, "AddMinikinFont() - Fail to get font");
-        return false;
-    }
-
-    std::shared_ptr<minikin::MinikinFont> font = wrapFont(bytes, index);
-    if (font == nullptr) {
-        __android_log_print(ANDROID_LOG_ERROR, kTag, "AddMinikinFont() - Fail to create typeface");
-        // The file may be replaced by a font later. Bytes that were in the map before carry another font.
-        if (freshlyRead) mImpl->dataMap.erase(dataKey);
-        return false;
-    }
-    if (mImpl->fontMap.emplace(ZvFontManagerImpl::fontKey(path, index), std::move(font)).second) {
-        ++mImpl->changes;
-    }
-    return true;
+    return unlessOutOfMemory(
+        false, [&] { return mImpl->addFont(path, std::move(handedOver), size, index, checkExisting); });
 }
 
 bool FontManager::AddMinikinFont(ZvString* path, char* buffer, unsigned int size, int index,
                                  bool checkExisting) {
-    std::string utf8;
-    const char* known = toUtf8(path, utf8) ? utf8.c_str() : nullptr;
-    return AddMinikinFont(known, buffer, size, index, checkExisting);
+    std::unique_ptr<char[]> handedOver(buffer);
+    return unlessOutOfMemory(false, [&] {
+        std::string utf8;
+        const char* known = toUtf8(path, utf8) ? utf8.c_str() : nullptr;
+        return AddMinikinFont(known, handedOver.release(), size, index, checkExisting);
+    });
 }
 
 bool FontManager::BuildMinikinFamily(ZvFontFamily* family) {
@@ -292,13 +388,7 @@ bool FontManager::BuildMinikinFamily(ZvFontFamily* family) {
         ZV_REPORT_ERROR(kTag, ZV_ERROR_NOT_CONSTRUCTED);
         return false;
     }
-    const int count = family != nullptr && family->fonts != nullptr ? family->fonts->GetCount() : 0;
-    if (count < 1) return false;
-    for (int i = 0; i < count; ++i) {
-        const auto* entry = static_cast<const ZvFontEntry*>(family->fonts->Get(i));
-        if (entry == nullptr || !AddMinikinFont(entry->path, nullptr, 0, entry->index, false)) return false;
-    }
-    return true;
+    return unlessOutOfMemory(false, [&] { return mImpl->buildFamily(family); });
 }
 
 bool FontManager::LoadMinikinFontFamily(unsigned int localeListId) {
@@ -306,15 +396,18 @@ bool FontManager::LoadMinikinFontFamily(unsigned int localeListId) {
         ZV_REPORT_ERROR(kTag, ZV_ERROR_NOT_CONSTRUCTED);
         return false;
     }
-    const int count = mImpl->families != nullptr ? mImpl->families->GetCount() : 0;
-    for (int i = 0; i < count; ++i) {
-        auto* family = static_cast<ZvFontFamily*>(mImpl->families->Get(i));
-        if (family == nullptr || family->loaded != 0 || family->localeListId != localeListId) continue;
-        family->loaded = BuildMinikinFamily(family) ? 1 : 0;
-        mImpl->indexFamilies();
-        return true;
+    return unlessOutOfMemory(false, [&] { return mImpl->loadFamily(localeListId); });
+}
+
+bool FontManager::EnsureMinikinFontFamily(unsigned int localeListId) {
+    if (mImpl == nullptr) {
+        ZV_REPORT_ERROR(kTag, ZV_ERROR_NOT_CONSTRUCTED);
+        return false;
     }
-    return false;
+    return unlessOutOfMemory(false, [&] {
+        mImpl->loadFamily(localeListId);
+        return true;
+    });
 }
 
 bool FontManager::SetSystemFontFamilies(List* families) {
@@ -326,7 +419,7 @@ bool FontManager::SetSystemFontFamilies(List* families) {
         mImpl->ClearFontFamilies();
         mImpl->families = families;
         mImpl->familiesSet = true;
-        mImpl->indexFamilies();
+        mImpl->tryIndexFamilies();
     }
     return true;
 }
@@ -345,12 +438,7 @@ bool FontManager::GetMinikinFont(std::shared_ptr<minikin::MinikinFont>& out, ZvS
         ZV_REPORT_ERROR(kTag, ZV_ERROR_NOT_CONSTRUCTED);
         return false;
     }
-    std::string utf8;
-    if (!toUtf8(path, utf8)) return false;
-    const auto found = mImpl->fontMap.find(ZvFontManagerImpl::fontKey(utf8.c_str(), index));
-    if (found == mImpl->fontMap.end()) return false;
-    out = found->second;
-    return true;
+    return unlessOutOfMemory(false, [&] { return mImpl->findFont(out, path, index); });
 }
 
 bool FontManager::GetMinikinFontFamilies(std::vector<std::shared_ptr<minikin::FontFamily>>& out,
@@ -360,40 +448,12 @@ bool FontManager::GetMinikinFontFamilies(std::vector<std::shared_ptr<minikin::Fo
         return false;
     }
     ZV_DEBUG_LOG(kTag, "GetMinikinFontFamilies >>> GetMinikinFontFamilies");
-
-    std::string utf8;
-    if (path != nullptr && toUtf8(path, utf8)) {
-        bool italic = false;
-        styleFromPath(utf8, weight, italic);
-        std::shared_ptr<minikin::MinikinFont> font;
-        if (!contains(utf8, kSystemRoboto) && GetMinikinFont(font, path, 0)) {
-            std::vector<minikin::Font> fonts;
-            fonts.push_back(makeFont(font, weight, italic));
-            out.push_back(std::make_shared<minikin::FontFamily>(std::move(fonts)));
-        }
-    }
-
-    // Nobody adds to the list after handing it over; should somebody do so all the same, the families count.
-    if (mImpl->families != nullptr &&
-        mImpl->families->GetCount() != static_cast<int>(mImpl->familyIndex.size())) {
-        mImpl->indexFamilies();
-    }
-    for (const ZvFontManagerImpl::IndexedFamily& indexed : mImpl->familyIndex) {
-        if (indexed.family == nullptr || indexed.family->loaded == 0) continue;
-        std::vector<minikin::Font> fonts;
-        for (const ZvFontEntry* entry : indexed.fonts) {
-            std::shared_ptr<minikin::MinikinFont> font;
-            if (GetMinikinFont(font, entry->path, entry->index)) {
-                fonts.push_back(makeFont(font, entry->weight, entry->italic));
-            }
-        }
-        if (fonts.empty()) continue;
-        out.push_back(std::make_shared<minikin::FontFamily>(
-            indexed.family->localeListId, static_cast<minikin::FontFamily::Variant>(indexed.family->variant),
-            std::move(fonts)));
-    }
+    const bool all = unlessOutOfMemory(false, [&] {
+        mImpl->collectFamilies(out, path, weight);
+        return true;
+    });
     ZV_DEBUG_LOG(kTag, "GetMinikinFontFamilies <<< GetMinikinFontFamilies");
-    return true;
+    return all;
 }
 
 uint64_t FontManager::GetGeneration() const {

@@ -100,8 +100,11 @@ public:
     bool BuildMinikinFamily(ZvFontFamily* family);
 
     // Builds the first family not yet loaded whose localeListId is `localeListId` and keeps the outcome in
-    // its `loaded`. True when there was such a family, even if building it failed.
+    // its `loaded`. True when there was such a family, even if building it failed; false where memory is
+    // short, with the family as it was.
     bool LoadMinikinFontFamily(unsigned int localeListId);
+    // The same for whom a language without a family will do: false where memory is short, only then.
+    bool EnsureMinikinFontFamily(unsigned int localeListId);
 
     // Takes over the list of ZvFontFamily* and all in it; nobody else touches them from then on. Once a list
     // has been taken, later ones are ignored and stay the caller's. True either way.

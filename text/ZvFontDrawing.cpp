@@ -25,6 +25,7 @@
 #include "effect/ZvGlyph.h"
 #include "foundation/Error.h"
 #include "foundation/List.h"
+#include "foundation/OutOfMemory.h"
 #include "foundation/SafeConvert.h"
 #include "foundation/ZvString.h"
 #include "raster/ZvBitmap.h"
@@ -54,17 +55,25 @@ DrawnLines::Range rangeOf(const ZvLineInfo& line, int length) {
     return {start, std::clamp(line.end, start, length), line.direction < 0};
 }
 
+struct ImageDeleter {
+    void operator()(ZvGlyph* image) const { DrawnLines::freeImage(image); }
+};
+using LineImage = std::unique_ptr<ZvGlyph, ImageDeleter>;
+
 // The line's coverage image, not yet drawn: as wide as the advance (not as the ink, so ink beyond the advance
 // is cut off), as high as the bounds. Null when memory is short.
-std::unique_ptr<ZvGlyph> makeLineImage(const minikin::MinikinRect& bounds, float advance) {
-    std::unique_ptr<ZvGlyph> glyph(new (std::nothrow) ZvGlyph);
+LineImage makeLineImage(const minikin::MinikinRect& bounds, float advance) {
+    LineImage glyph(tryMake<ZvGlyph>().release());
     if (glyph == nullptr) return nullptr;
     glyph->width = static_cast<uint16_t>(truncateToUnsigned(advance));
     glyph->height = static_cast<uint16_t>(truncateToUnsigned(bounds.mBottom - bounds.mTop));
     glyph->baseline = truncateToInt(-bounds.mTop);
     glyph->left = 0;
     glyph->pixels = new (std::nothrow) uint8_t[size_t{glyph->width} * glyph->height];
-    if (glyph->pixels == nullptr) return nullptr;
+    if (glyph->pixels == nullptr) {
+        markOutOfMemory();
+        return nullptr;
+    }
     return glyph;
 }
 
@@ -103,7 +112,10 @@ void DrawTextFunctor::operator()(size_t start, size_t end) {
 }
 
 ZvFontDrawing::ZvFontDrawing() : fontPath(nullptr), glyphList(new (std::nothrow) List) {
-    if (glyphList != nullptr) glyphList->Construct();
+    if (glyphList != nullptr && glyphList->Construct() == 0) {
+        delete glyphList;
+        glyphList = nullptr;
+    }
 }
 
 ZvFontDrawing::~ZvFontDrawing() {
@@ -112,14 +124,13 @@ ZvFontDrawing::~ZvFontDrawing() {
     delete glyphList;
 }
 
-void ZvFontDrawing::SetFontPath(const char* path) {
-    if (path == nullptr) return;
-    if (fontPath == nullptr) {
-        fontPath = new (std::nothrow) ZvString;
-        if (fontPath != nullptr) fontPath->Construct(path);
-    } else if (fontPath->CompareTo(path) != 0) {
-        fontPath->Set(path);
-    }
+bool ZvFontDrawing::SetFontPath(const char* path) {
+    if (path == nullptr) return true;
+    if (fontPath != nullptr) return fontPath->CompareTo(path) == 0 || fontPath->Set(path) != 0;
+    std::unique_ptr<ZvString> made(new (std::nothrow) ZvString);
+    if (made == nullptr || made->Construct(path) == 0) return false;
+    fontPath = made.release();
+    return true;
 }
 
 void ZvFontDrawing::ClearGlyphList() {
@@ -155,6 +166,7 @@ bool ZvFontDrawing::drawLines(ZvTextObject* text, ZvBitmap* out, Drawing drawing
     }
     int length = -1;
     const std::unique_ptr<uint16_t[]> utf16(string->GetUTF16(length));
+    if (utf16 == nullptr) markOutOfMemory();
     if (utf16 == nullptr || length < 1) {
         __android_log_print(ANDROID_LOG_ERROR, kTag, "DrawTextEffect(%p) - textLength is 0",
                             static_cast<void*>(this));
@@ -256,11 +268,11 @@ const ZvGlyph* ZvFontDrawing::lineImage(size_t index, const DrawnLines::Range& r
     layout.getBounds(&bounds);
     *advance = layout.getAdvance();
 
-    std::unique_ptr<ZvGlyph> glyph = makeLineImage(bounds, *advance);
+    LineImage glyph = makeLineImage(bounds, *advance);
     if (glyph == nullptr) return nullptr;
     drawLineImage(*glyph, layout, bounds, paint);
     if (glyphList->Add(glyph.get()) == 0) {
-        DrawnLines::freeImage(glyph.release());
+        markOutOfMemory();
         return nullptr;
     }
     mDrawn.keepLine(index, range, *advance, glyph.get(), keptBytes);

@@ -26,8 +26,9 @@ public:
     ZvFontDrawing(const ZvFontDrawing&) = delete;
     ZvFontDrawing& operator=(const ZvFontDrawing&) = delete;
 
-    // The path or name of the font, as the font manager knows it. Null changes nothing.
-    void SetFontPath(const char* path);
+    // The path or name of the font, as the font manager knows it. Null changes nothing. False, and the path
+    // stays, where memory is short.
+    bool SetFontPath(const char* path);
     ZvString* GetFontPath() { return fontPath; }
 
     // Empties glyphList and frees what belongs to it.
@@ -52,7 +53,9 @@ public:
     void _DoRender(int x, int y, List* glyphs, ZvEffect* effect, int direction);
 
     ZvString* fontPath;  // owned; null until set
-    List* glyphList;     // owned; of ZvGlyph*, the last line drawn: owned too unless it is one of `mDrawn`
+    // Owned; of ZvGlyph*, the last line drawn: owned too unless it is one of `mDrawn`. Null where memory was
+    // short: then nothing can be drawn.
+    List* glyphList;
 
 private:
     // Begins a rendering of the text's effect stack onto `out`, with initEffect or, for drawPicture, with

@@ -32,8 +32,20 @@ public:
         const ZvFontFamily* family;
         std::vector<const ZvFontEntry*> fonts;
     };
-    // Makes familyIndex follow `families`.
+    // Makes familyIndex follow `families`. The first throws std::bad_alloc and leaves it empty, as the second
+    // does where memory is short.
     void indexFamilies();
+    void tryIndexFamilies();
+
+    // What FontManager's operations do . Throw std::bad_alloc.
+    bool isExisting(const char* path, int index) const;
+    bool addFont(const char* path, std::unique_ptr<char[]> handedOver, unsigned int size, int index,
+                 bool checkExisting);
+    bool buildFamily(const ZvFontFamily* family);
+    bool loadFamily(unsigned int localeListId);
+    bool findFont(std::shared_ptr<minikin::MinikinFont>& out, const ZvString* path, int index) const;
+    void collectFamilies(std::vector<std::shared_ptr<minikin::FontFamily>>& out, const ZvString* path,
+                         int& weight);
 
     uint64_t changes = 0;  // to fontMap and families
     double totalSize = 0;  // font bytes read from files so far, in units of 1024000

@@ -7,6 +7,7 @@
 
 #include "foundation/Error.h"
 #include "foundation/Mutex.h"
+#include "foundation/OutOfMemory.h"
 #include "foundation/ZvLog.h"
 
 namespace Zvex {
@@ -63,10 +64,19 @@ int ZvTextInstanceManager::Register(ZvTextObject* object) {
     Guard state;
     const auto known = state->handleIndex.find(object);
     if (known != state->handleIndex.end()) return known->second;
-    const int handle = ++state->lastHandle;
-    state->handleTable[handle] = object;
-    state->handleIndex[object] = handle;
-    return handle;
+    const int handle = state->lastHandle + 1;
+    return unlessOutOfMemory(-1, [&] {
+        const auto entry = state->handleTable.emplace(handle, object).first;
+        const bool both = unlessOutOfMemory(false, [&] {
+            state->handleIndex.emplace(object, handle);
+            return true;
+        });
+        if (!both) {
+            state->handleTable.erase(entry);
+            return -1;
+        }
+        return state->lastHandle = handle;
+    });
 }
 
 int ZvTextInstanceManager::Unregister(int handle) {
@@ -79,17 +89,20 @@ int ZvTextInstanceManager::Unregister(int handle) {
     return 0;
 }
 
-void ZvTextInstanceManager::Bind(ZvTextObject* object) {
+bool ZvTextInstanceManager::Bind(ZvTextObject* object) {
     Guard state;
     const auto known = state->bindCounts.find(object);
     if (known == state->bindCounts.end()) {
+        const bool bound =
+            unlessOutOfMemory(false, [&] { return state->bindCounts.emplace(object, 1).second; });
+        if (!bound) return false;
         state->deferred.remove(object);
-        state->bindCounts[object] = 1;
         ZV_DEBUG_LOG(kTag, "Bind(%p) - count: 1", static_cast<void*>(object));
-        return;
+        return true;
     }
     ++known->second;
     ZV_DEBUG_LOG(kTag, "Bind(%p) - count: %d", static_cast<void*>(object), known->second);
+    return true;
 }
 
 bool ZvTextInstanceManager::Release(int handle) {
@@ -110,14 +123,17 @@ bool ZvTextInstanceManager::Release(ZvTextObject* object, bool destroy) {
         return false;
     }
     const bool last = known->second == 1;
+    if (last && destroy && state->locked) {
+        const bool waits = unlessOutOfMemory(false, [&] {
+            state->deferred.push_front(object);
+            return true;
+        });
+        if (!waits) return false;
+    }
     --known->second;
     if (!last || !destroy) return true;
 
-    if (state->locked) {
-        state->deferred.push_front(object);
-    } else if (state->releaseCallback != nullptr) {
-        state->releaseCallback(object);
-    }
+    if (!state->locked && state->releaseCallback != nullptr) state->releaseCallback(object);
     // By key, because the callback may have come back in and changed the map.
     state->bindCounts.erase(object);
     return true;

@@ -17,18 +17,19 @@ public:
     // What is called, under the mutex, with an object whose last reference goes. Null: nothing.
     static void SetCallBack(void (*callback)(ZvTextObject*));
 
-    // The object's handle, a new one if it has none.
+    // The object's handle, a new one if it has none; -1 where memory is short.
     static int Register(ZvTextObject* object);
     // Forgets the handle; references and deferred releases stay as they are. Always 0.
     static int Unregister(int handle);
 
-    // Adds a reference; the first one also takes the object off the list of deferred releases.
-    static void Bind(ZvTextObject* object);
+    // Adds a reference; the first one also takes the object off the list of deferred releases. False, and no
+    // reference, where memory is short.
+    static bool Bind(ZvTextObject* object);
 
     // Drops a reference. With the last one and `destroy`, the object goes to the callback, or, while the
     // registry is locked, to the deferred releases, and its count is forgotten. Without `destroy` the count
     // may stand at 0, and the next Bind raises it to 1. False and error 9 for a handle or an object that is
-    // not known.
+    // not known; false, and the reference stays, where memory is too short to wait in.
     static bool Release(int handle);
     static bool Release(ZvTextObject* object, bool destroy);
 

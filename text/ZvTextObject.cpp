@@ -21,6 +21,7 @@
 #include "effect/ZvEffect.h"
 #include "foundation/Error.h"
 #include "foundation/List.h"
+#include "foundation/OutOfMemory.h"
 #include "foundation/ZvLog.h"
 #include "foundation/ZvString.h"
 #include "raster/ZvBitmap.h"
@@ -134,7 +135,15 @@ ZvTextObjectImpl::ZvTextObjectImpl(ZvTextObject* ownerObject)
       effect(new (std::nothrow) ZvEffect),
       lineInfo(new (std::nothrow) List),
       view(new (std::nothrow) ZvView) {
-    if (lineInfo != nullptr) lineInfo->Construct();
+    if (lineInfo != nullptr && lineInfo->Construct() == 0) {
+        delete lineInfo;
+        lineInfo = nullptr;
+    }
+}
+
+bool ZvTextObjectImpl::isComplete() const {
+    return fontDrawing != nullptr && fontDrawing->glyphList != nullptr && effect != nullptr &&
+           lineInfo != nullptr && view != nullptr;
 }
 
 ZvTextObjectImpl::~ZvTextObjectImpl() {
@@ -172,9 +181,11 @@ bool ZvTextObject::Construct() {
         ZV_REPORT_ERROR(kTag, ZV_ERROR_ALREADY_CONSTRUCTED);
         return false;
     }
-    mImpl = new (std::nothrow) ZvTextObjectImpl(this);
-    if (mImpl == nullptr) return false;
-    mImpl->runtimeHandle = ZvTextInstanceManager::Register(this);
+    std::unique_ptr<ZvTextObjectImpl> made(new (std::nothrow) ZvTextObjectImpl(this));
+    if (made == nullptr || !made->isComplete()) return false;
+    made->runtimeHandle = ZvTextInstanceManager::Register(this);
+    if (made->runtimeHandle < 0) return false;
+    mImpl = made.release();
     ZV_DEBUG_LOG(kTag, "Construct(%p / %d)", static_cast<void*>(this), mImpl->runtimeHandle);
     return true;
 }
@@ -209,9 +220,7 @@ bool ZvTextObject::assignText(const Source* source) {
         mImpl->text = nullptr;
         return true;
     }
-    if (!createTextIfMissing() || mImpl->text->Set(source) == 0) return false;
-    SetTextLocaleListId();
-    return true;
+    return createTextIfMissing() && mImpl->text->Set(source) != 0 && loadFamiliesOfText();
 }
 
 ZvString* ZvTextObject::GetText() {
@@ -225,16 +234,26 @@ void ZvTextObject::SetTextLocaleListId() {
         ZV_DEBUG_LOG(kTag, "SetTextLocaleListId - text is null.");
         return;
     }
+    loadFamiliesOfText();
+}
+
+// False where memory is short.
+bool ZvTextObject::loadFamiliesOfText() {
+    return unlessOutOfMemory(false, [this] { return tryLoadFamiliesOfText(); });
+}
+
+bool ZvTextObject::tryLoadFamiliesOfText() {
     int length = -1;
     const std::unique_ptr<uint16_t[]> utf16(mImpl->text->GetUTF16(length));
-    if (utf16 == nullptr || length < 1) return;  // an empty text has no scripts
+    if (utf16 == nullptr) return false;
+    if (length < 1) return true;  // an empty text has no scripts
 
     UErrorCode status = U_ZERO_ERROR;
     const std::unique_ptr<UScriptRun, void (*)(UScriptRun*)> runs(
         uscript_openRun(reinterpret_cast<const UChar*>(utf16.get()), length, &status), uscript_closeRun);
     if (U_FAILURE(status) || runs == nullptr) {
         __android_log_print(ANDROID_LOG_ERROR, kTag, "SetTextLocaleListId - uscript_openRun is failed.");
-        return;
+        return true;
     }
     int32_t start = 0;
     int32_t limit = 0;
@@ -243,8 +262,9 @@ void ZvTextObject::SetTextLocaleListId() {
         const std::string locales = localesForScript(script);
         if (locales.empty()) continue;
         const uint32_t id = minikin::registerLocaleList(locales);
-        if (id != 0) FontManager::GetInstance()->LoadMinikinFontFamily(id);
+        if (id != 0 && !FontManager::GetInstance()->EnsureMinikinFontFamily(id)) return false;
     }
+    return true;
 }
 
 bool ZvTextObject::SetFont(const char* path) {
@@ -273,9 +293,7 @@ bool ZvTextObject::SetFont(const char* path, char* buffer, unsigned int size) {
 bool ZvTextObject::addFont(const char* path, char* buffer, unsigned int size) {
     if (mImpl->fontDrawing == nullptr) mImpl->fontDrawing = new (std::nothrow) ZvFontDrawing;
     if (!FontManager::GetInstance()->AddMinikinFont(path, buffer, size, 0, true)) return false;
-    if (mImpl->fontDrawing == nullptr) return false;
-    mImpl->fontDrawing->SetFontPath(path);
-    return true;
+    return mImpl->fontDrawing != nullptr && mImpl->fontDrawing->SetFontPath(path);
 }
 
 ZvFontDrawing* ZvTextObject::GetFont() {
@@ -331,12 +349,16 @@ ZvView* ZvTextObject::GetView() {
 
 android::Paint ZvTextObject::GetPaint() const {
     RETURN_UNLESS_CONSTRUCTED(android::Paint());
-    return mImpl->paint;
+    return unlessOutOfMemory(android::Paint(), [this] { return mImpl->paint; });
 }
 
 void ZvTextObject::SetPaint(android::Paint& paint) {
     RETURN_UNLESS_CONSTRUCTED();
-    mImpl->paint = paint;
+    unlessOutOfMemory(false, [&] {
+        android::Paint copy(paint);
+        mImpl->paint = std::move(copy);
+        return true;
+    });
 }
 
 void ZvTextObject::SetBackgroundColor(unsigned int color, bool enabled) {
@@ -366,17 +388,17 @@ uint32_t* ZvTextObject::RenderTextEffect(int width, int height) {
     const unsigned int safeWidth = width > 0 ? static_cast<unsigned int>(width) : 0;
     const unsigned int safeHeight = height > 0 ? static_cast<unsigned int>(height) : 0;
     if (!mImpl->resizeResult(safeWidth, safeHeight)) return nullptr;
+    bool drawn = true;
     if (mImpl->result->pixels != nullptr) {
-        if (mImpl->drawsBackground()) {
-            mImpl->renderOverBackground();
-        } else {
-            mImpl->renderAlone();
-        }
+        drawn = unlessOutOfMemory(false, [this] {
+            mImpl->drawsBackground() ? mImpl->renderOverBackground() : mImpl->renderAlone();
+            return true;
+        });
         // A drawing that stopped half-way leaves the stack pointing at an image that may go.
         if (mImpl->effect != nullptr) mImpl->effect->setDstBitmap(nullptr);
     }
     ZV_DEBUG_LOG(kTag, "RenderTextEffect(%p / %d) <<< End.", static_cast<void*>(this), mImpl->runtimeHandle);
-    return reinterpret_cast<uint32_t*>(mImpl->result->pixels);
+    return drawn ? reinterpret_cast<uint32_t*>(mImpl->result->pixels) : nullptr;
 }
 
 bool ZvTextObjectImpl::resizeResult(unsigned int width, unsigned int height) {
@@ -462,9 +484,10 @@ ZvTextObject* ZvTextObject::FindZvTextObject(int handle) {
 
 bool ZvTextObject::createTextIfMissing() {
     if (mImpl->text != nullptr) return true;
-    mImpl->text = new (std::nothrow) ZvString;
-    if (mImpl->text == nullptr) return false;
-    return mImpl->text->Construct() != 0;
+    std::unique_ptr<ZvString> made(new (std::nothrow) ZvString);
+    if (made == nullptr || made->Construct() == 0) return false;
+    mImpl->text = made.release();
+    return true;
 }
 
 }  // namespace Zvex

@@ -46,6 +46,7 @@ public:
     ZvEffect* GetEffect();
 
     // Copies the text (null clears it) and has the font manager load the families that its scripts need.
+    // False where memory is short: the text, or its families, may be missing then.
     bool SetText(const ZvString* text);
     bool SetText(const wchar_t* text);
     ZvString* GetText();
@@ -74,7 +75,8 @@ public:
 
     // Kept as a copy: size in pixels, anti-aliasing (without it coverage is 0 or 255 only), spacing,
     // features. Its typeface is not read, and of its colour only the alpha, which scales the coverage.
-    // GetPaint gives a default paint when not constructed.
+    // GetPaint gives a default paint when not constructed. Where memory is short for a copy, GetPaint gives a
+    // default paint and SetPaint keeps the paint before.
     android::Paint GetPaint() const;
     void SetPaint(android::Paint& paint);
 
@@ -87,7 +89,9 @@ public:
     // `width` and `height` are the view's size plus the effects' margins; the view's bitmap size, which sets
     // the clip, must hold them by then. The picture belongs to the text object and lives until the next
     // rendering, which may use its memory again. A size below 1, or one that cannot be allocated, gives null
-    // and no picture. Without a font-drawing object: error 8 and the picture of the last rendering, or null.
+    // and no picture, as does memory that runs out while the text is laid out; an effect or a line that finds
+    // none is left out of the picture, with the mark of foundation/OutOfMemory.h on the thread. Without a
+    // font-drawing object: error 8 and the picture of the last rendering, or null.
     //
     // The clip leaves out the paddings, except on the side that the gravity pulls the text to: there the text
     // may use it. Rendering again without new lines moves the background rectangles down once more by the top
@@ -106,6 +110,8 @@ private:
     template <typename Source>
     bool assignText(const Source* source);
     bool createTextIfMissing();
+    bool loadFamiliesOfText();
+    bool tryLoadFamiliesOfText();
     bool addFont(const char* path, char* buffer, unsigned int size);
 };
 

@@ -37,6 +37,7 @@ public:
     // with the old picture in place, when not even its record could.
     bool resizeResult(unsigned int width, unsigned int height);
 
+    bool isComplete() const;  // whether there was memory for all parts
     bool drawsBackground() const;
     // Draw text, effects and background onto all of the result, straight words 0xAARRGGBB. Without background
     // nothing is put together, and no second picture needed.

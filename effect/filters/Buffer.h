@@ -10,6 +10,7 @@
 #include <type_traits>
 
 #include "foundation/LargePages.h"
+#include "foundation/OutOfMemory.h"
 
 namespace Zvex {
 
@@ -30,12 +31,14 @@ public:
         const size_t bytes = reserve(rows, columns, planes);
         if (bytes != 0) data_.reset(static_cast<T*>(std::malloc(bytes)));
         preferLargePages(data_.get(), bytes);
+        if (data_ == nullptr) markOutOfMemory();
         return data_ != nullptr;
     }
     bool allocateZeroed(int64_t rows, int64_t columns = 1, int64_t planes = 1) {
         const size_t bytes = reserve(rows, columns, planes);
         if (bytes != 0) data_.reset(static_cast<T*>(std::calloc(bytes, 1)));
         preferLargePages(data_.get(), bytes);
+        if (data_ == nullptr) markOutOfMemory();
         return data_ != nullptr;
     }
 

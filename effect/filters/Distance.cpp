@@ -12,10 +12,10 @@
 #include <cstdlib>
 #include <cstring>
 #include <limits>
-#include <new>
 
 #include "effect/filters/Buffer.h"
 #include "effect/filters/SquareRoots.h"
+#include "foundation/OutOfMemory.h"
 #include "raster/CpuTarget.h"
 
 namespace Zvex {
@@ -880,7 +880,7 @@ DistanceRows::~DistanceRows() {
 
 bool DistanceRows::make(const uint8_t* levels, int width, int height, int radius) {
     delete rows_;
-    rows_ = new (std::nothrow) Rows;
+    rows_ = tryMake<Rows>().release();
     if (rows_ == nullptr) return false;
     rows_->levels = levels;
     rows_->width = width;

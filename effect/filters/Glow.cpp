@@ -16,7 +16,6 @@
 #include <algorithm>
 #include <cstddef>
 #include <memory>
-#include <new>
 #include <utility>
 
 #include "effect/LayerRows.h"
@@ -24,6 +23,7 @@
 #include "effect/filters/ColorTable.h"
 #include "effect/filters/Coverage.h"
 #include "effect/filters/Gaussian.h"
+#include "foundation/OutOfMemory.h"
 #include "foundation/SafeConvert.h"
 #include "raster/CpuTarget.h"
 #include "raster/Intrinsics.h"
@@ -236,7 +236,7 @@ bool widenByBoxFilter(uint8_t* image, int passes, int width, int height) {
 void drawGlow(const ZvECore::ParamPostProcessing* param, const ZvGlowProperty* property, GlowSide side) {
     if (property == nullptr || !isDrawable(param)) return;
     if (!(property->size > -1.0f)) return;  // not-a-number too
-    std::unique_ptr<GlowRows> rows(new (std::nothrow) GlowRows);
+    auto rows = tryMake<GlowRows>();
     if (rows != nullptr && rows->make(*param, *property, side)) drawLayer(param, std::move(rows));
 }
 

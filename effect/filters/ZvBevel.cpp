@@ -11,10 +11,10 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
-#include <new>
 #include <utility>
 
 #include "effect/filters/Distance.h"
+#include "foundation/OutOfMemory.h"
 #include "raster/ZvBlender.h"
 
 namespace Zvex {
@@ -112,7 +112,7 @@ int ZvBevel::doPostProcessing(ParamPostProcessing* param) {
     const ReliefColors colors = {widths.soft ? SOFT_GAIN : 1.0f, property->highlightColor,
                                  property->shadowColor};
     const int mode = param->layerMode == 1 ? ZVE_BLEND_SRC_OVER : ZVE_BLEND_DST_OVER;
-    std::unique_ptr<ReliefRows> rows(new (std::nothrow) ReliefRows(area, colors, mode, false));
+    auto rows = tryMake<ReliefRows>(area, colors, mode, false);
     if (rows != nullptr && rows->allocate(planes, static_cast<int>(widths.blur), property->soften))
         drawLayer(param, std::move(rows));
     return 0;

@@ -14,10 +14,10 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
-#include <new>
 #include <utility>
 
 #include "effect/filters/Distance.h"
+#include "foundation/OutOfMemory.h"
 #include "raster/ZvBlender.h"
 
 namespace Zvex {
@@ -193,7 +193,7 @@ int ZvEmboss::doPostProcessing(ParamPostProcessing* param) {
                                  property->shadowColor};
     // The other way round than the bevel.
     const int mode = param->layerMode == 1 ? ZVE_BLEND_DST_OVER : ZVE_BLEND_SRC_OVER;
-    std::unique_ptr<ReliefRows> rows(new (std::nothrow) ReliefRows(area, colors, mode, true));
+    auto rows = tryMake<ReliefRows>(area, colors, mode, true);
     const int blur = static_cast<int>(widths.blur);
     if (rows == nullptr || !rows->allocate(planes[0], blur, property->soften)) return 0;
     if (count == 2 && !rows->putBehind(planes[1], blur, property->soften, *param->mask)) return 0;

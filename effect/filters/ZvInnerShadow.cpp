@@ -10,7 +10,6 @@
 #include <cstdint>
 #include <cstring>
 #include <memory>
-#include <new>
 #include <utility>
 
 #include "effect/LayerRows.h"
@@ -19,6 +18,7 @@
 #include "effect/filters/Coverage.h"
 #include "effect/filters/Gaussian.h"
 #include "effect/filters/Shadow.h"
+#include "foundation/OutOfMemory.h"
 #include "raster/ZvBitmap.h"
 #include "raster/ZvBlender.h"
 #include "raster/ZvRect.h"
@@ -132,8 +132,7 @@ int ZvInnerShadow::doPostProcessing(ParamPostProcessing* param) {
     if (isNear(area.width, shift.x, radius) && isNear(area.height, shift.y, radius) &&
         !cutOut(shadow.get(), area, shift, radius))
         return 0;
-    drawLayer(param, std::unique_ptr<LayerRows>(new (std::nothrow)
-                                                    PlaneRows(area, std::move(shadow), property->color)));
+    drawLayer(param, tryMake<PlaneRows>(area, std::move(shadow), property->color));
     return 0;
 }
 

@@ -6,10 +6,10 @@
 
 #include <cmath>
 #include <memory>
-#include <new>
 #include <utility>
 
 #include "effect/filters/Gradient.h"
+#include "foundation/OutOfMemory.h"
 
 namespace Zvex {
 
@@ -32,7 +32,7 @@ ZvLinearGradient::~ZvLinearGradient() {
 
 int ZvLinearGradient::doPostProcessing(ParamPostProcessing* param) {
     if (!GradientRows::isDrawable(param, property)) return 0;
-    std::unique_ptr<GradientRows> fill(new (std::nothrow) GradientRows);
+    auto fill = tryMake<GradientRows>();
     if (fill == nullptr || !fill->make(*param, *property)) return 0;
 
     const float angle = property->angle * RADIANS_OF_DEGREE;

@@ -13,7 +13,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
-#include <new>
 #include <utility>
 
 #include "effect/LayerRows.h"
@@ -22,6 +21,7 @@
 #include "effect/filters/Coverage.h"
 #include "effect/filters/Gaussian.h"
 #include "effect/filters/Shadow.h"
+#include "foundation/OutOfMemory.h"
 #include "raster/ZvBitmap.h"
 #include "raster/ZvBlender.h"
 
@@ -129,7 +129,7 @@ ZvOuterShadow::~ZvOuterShadow() {
 
 int ZvOuterShadow::doPostProcessing(ParamPostProcessing* param) {
     if (property == nullptr || !isDrawable(param)) return 0;
-    std::unique_ptr<ShadowRows> rows(new (std::nothrow) ShadowRows);
+    auto rows = tryMake<ShadowRows>();
     if (rows != nullptr && rows->make(*param, *property, {dx, dy})) drawLayer(param, std::move(rows));
     return 0;
 }

@@ -5,13 +5,13 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
-#include <new>
 #include <utility>
 
 #include "effect/LayerRows.h"
 #include "effect/filters/Buffer.h"
 #include "effect/filters/Coverage.h"
 #include "effect/filters/PatternTile.h"
+#include "foundation/OutOfMemory.h"
 #include "foundation/SafeConvert.h"
 #include "raster/ZvBitmap.h"
 #include "raster/ZvBlender.h"
@@ -75,7 +75,7 @@ ZvPattern::~ZvPattern() {
 int ZvPattern::doPostProcessing(ParamPostProcessing* param) {
     if (property == nullptr || !PatternTile::isUsable(property->bitmap, property->scale)) return 0;
     if (!isDrawable(param)) return 0;
-    std::unique_ptr<PatternRows> rows(new (std::nothrow) PatternRows);
+    auto rows = tryMake<PatternRows>();
     if (rows != nullptr && rows->make(*param, *property)) drawLayer(param, std::move(rows));
     return 0;
 }
@@ -85,15 +85,15 @@ void ZvPattern::setProperty(ZvProperty* newProperty) {
     const ZvPatternProperty& given = *static_cast<const ZvPatternProperty*>(newProperty);
     std::unique_ptr<ZvBitmap> bitmap;
     if (given.bitmap != nullptr) {
-        bitmap.reset(new (std::nothrow) ZvBitmap(*given.bitmap));
+        bitmap = tryMake<ZvBitmap>(*given.bitmap);
         if (bitmap == nullptr) return;
         if (bitmap->pixels == nullptr && given.bitmap->pixels != nullptr) return;
     }
-    ZvPatternProperty* copy = new (std::nothrow) ZvPatternProperty(bitmap.get(), given.scale, given.opacity);
+    auto copy = tryMake<ZvPatternProperty>(bitmap.get(), given.scale, given.opacity);
     if (copy == nullptr) return;
     bitmap.release();
     deleteWithBitmap(property);
-    property = copy;
+    property = copy.release();
 }
 
 ZvProperty* ZvPattern::getProperty() {

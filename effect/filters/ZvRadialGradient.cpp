@@ -2,10 +2,10 @@
 #include "effect/filters/ZvRadialGradient.h"
 
 #include <memory>
-#include <new>
 #include <utility>
 
 #include "effect/filters/Gradient.h"
+#include "foundation/OutOfMemory.h"
 
 namespace Zvex {
 
@@ -25,7 +25,7 @@ ZvRadialGradient::~ZvRadialGradient() {
 
 int ZvRadialGradient::doPostProcessing(ParamPostProcessing* param) {
     if (!GradientRows::isDrawable(param, property)) return 0;
-    std::unique_ptr<GradientRows> fill(new (std::nothrow) GradientRows);
+    auto fill = tryMake<GradientRows>();
     if (fill == nullptr || !fill->make(*param, *property)) return 0;
 
     const float entriesOfPixel = (ENTRIES / fill->width() + ENTRIES / fill->width()) / property->scale;

@@ -15,7 +15,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <memory>
-#include <new>
 #include <utility>
 
 #include "effect/LayerRows.h"
@@ -23,6 +22,7 @@
 #include "effect/filters/Buffer.h"
 #include "effect/filters/Coverage.h"
 #include "effect/filters/Dilation.h"
+#include "foundation/OutOfMemory.h"
 #include "raster/ZvBitmap.h"
 #include "raster/ZvBlender.h"
 #include "raster/ZvRect.h"
@@ -176,7 +176,10 @@ int makeCircleKernel(unsigned char** kernel, float radius) {
     const int64_t size = 2 * int64_t{r} + 1;
     if (r < 0 || size > INT_MAX / size) return 0;
     unsigned char* cells = static_cast<unsigned char*>(std::malloc(static_cast<size_t>(size * size)));
-    if (cells == nullptr) return 0;
+    if (cells == nullptr) {
+        markOutOfMemory();
+        return 0;
+    }
     // The root is needed in the ring only; the rest of the disc is full and what is outside empty.
     const int inner = truncateToInt(radius) * truncateToInt(radius), outer = (r + 2) * (r + 2);
     for (int dy = 0; dy <= r; ++dy) {
@@ -208,7 +211,7 @@ ZvStroke::~ZvStroke() {
 int ZvStroke::doPostProcessing(ParamPostProcessing* param) {
     if (property == nullptr || !isDrawable(param)) return 0;
     if (!(property->width >= 0) || !std::isfinite(property->width)) return 0;
-    std::unique_ptr<StrokeRows> rows(new (std::nothrow) StrokeRows);
+    auto rows = tryMake<StrokeRows>();
     if (rows != nullptr && rows->make(*param, *property)) drawLayer(param, std::move(rows));
     return 0;
 }

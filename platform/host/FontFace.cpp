@@ -58,22 +58,28 @@ struct HbDeleter {
 template <typename T>
 using HbOwner = std::unique_ptr<T, HbDeleter>;
 
-void* allocateBlock(FT_Memory, long size) {
+// `memory->user` is a bool: whether the machine had no block to give.
+void* noteExhaustion(FT_Memory memory, void* block) {
+    if (block == nullptr) *static_cast<bool*>(memory->user) = true;
+    return block;
+}
+void* allocateBlock(FT_Memory memory, long size) {
     if (size <= 0 || static_cast<unsigned long>(size) > kMaxFreeTypeBlock) return nullptr;
-    return std::malloc(static_cast<size_t>(size));
+    return noteExhaustion(memory, std::malloc(static_cast<size_t>(size)));
 }
 void freeBlock(FT_Memory, void* block) {
     std::free(block);
 }
-void* resizeBlock(FT_Memory, long /*oldSize*/, long size, void* block) {
+void* resizeBlock(FT_Memory memory, long /*oldSize*/, long size, void* block) {
     if (size <= 0 || static_cast<unsigned long>(size) > kMaxFreeTypeBlock) return nullptr;
-    return std::realloc(block, static_cast<size_t>(size));
+    return noteExhaustion(memory, std::realloc(block, static_cast<size_t>(size)));
 }
 
 // FreeType with bounded blocks and its built-in settings: the environment, which FT_Init_FreeType would ask,
 // has no say in the pixels.
 struct FreeTypeFace {
-    FT_MemoryRec_ memory{nullptr, allocateBlock, freeBlock, resizeBlock};
+    bool exhausted = false;
+    FT_MemoryRec_ memory{&exhausted, allocateBlock, freeBlock, resizeBlock};
     FT_Library library = nullptr;
     FT_Face face = nullptr;
 
@@ -90,6 +96,12 @@ struct FreeTypeFace {
         FT_Add_Default_Modules(library);
         return FT_New_Memory_Face(library, static_cast<const FT_Byte*>(data), static_cast<FT_Long>(size),
                                   index, &face) == 0;
+    }
+
+    // Throws std::bad_alloc where the machine's memory was short since the last call. FreeType itself says
+    // "out of memory" of a damaged font's absurd sizes as well, or goes on without a part of itself.
+    void throwIfExhausted() {
+        if (std::exchange(exhausted, false)) throw std::bad_alloc();
     }
 };
 
@@ -309,7 +321,9 @@ bool FontFace::Impl::open(const void* data, size_t size, int index) {
     if (!axes.empty()) hb_font_set_variations(hbFont.get(), axes.data(), static_cast<unsigned>(axes.size()));
     hb_font_make_immutable(hbFont.get());
 
-    if (!freeType.open(data, size, index) || !FT_IS_SFNT(freeType.face)) return false;
+    const bool opened = freeType.open(data, size, index);
+    freeType.throwIfExhausted();
+    if (!opened || !FT_IS_SFNT(freeType.face)) return false;
     const FT_Face face = freeType.face;
     if (!axes.empty() && !setFreeTypeAxes(face, hbFont.get())) return false;
     hasColourStrikes = FT_HAS_COLOR(face) && face->num_fixed_sizes > 0;
@@ -319,6 +333,7 @@ bool FontFace::Impl::open(const void* data, size_t size, int index) {
         palette != nullptr) {
         for (int i = 0; i < palettes.num_palette_entries; ++i) paletteAlphas.push_back(palette[i].alpha);
     }
+    freeType.throwIfExhausted();
     return true;
 }
 
@@ -508,7 +523,9 @@ float FontFace::advance(uint32_t glyph, const GlyphStyle& style) const {
 GlyphBox FontFace::inkBox(uint32_t glyph, const GlyphStyle& style) const {
     if (glyph >= mImpl->glyphCount || !drawable(style)) return {};
     std::lock_guard<std::mutex> lock(mImpl->mutex);
-    return mImpl->box(glyph, style, 0);
+    const GlyphBox box = mImpl->box(glyph, style, 0);
+    mImpl->freeType.throwIfExhausted();
+    return box;
 }
 
 std::shared_ptr<const GlyphImage> FontFace::image(uint32_t glyph, const GlyphStyle& style,
@@ -531,17 +548,14 @@ std::shared_ptr<const GlyphImage> FontFace::image(uint32_t glyph, const GlyphSty
     key.skewX = bitsOf(style.skewX);
     key.flags =
         (style.fakeBold ? 1u : 0u) | (style.antiAlias ? 2u : 0u) | static_cast<uint32_t>(quarterX) << 2;
-    try {
-        if (std::shared_ptr<const GlyphImage> kept = findGlyph(key)) return kept;
-        auto image = std::make_shared<GlyphImage>();
-        {
-            std::lock_guard<std::mutex> lock(mImpl->mutex);
-            *image = mImpl->draw(glyph, style, quarterX);
-        }
-        return keepGlyph(key, std::move(image));
-    } catch (const std::bad_alloc&) {
-        return *kBlank;
+    if (std::shared_ptr<const GlyphImage> kept = findGlyph(key)) return kept;
+    auto image = std::make_shared<GlyphImage>();
+    {
+        std::lock_guard<std::mutex> lock(mImpl->mutex);
+        *image = mImpl->draw(glyph, style, quarterX);
+        mImpl->freeType.throwIfExhausted();
     }
+    return keepGlyph(key, std::move(image));
 }
 
 }  // namespace host

@@ -59,8 +59,8 @@ constexpr uint32_t kAxesTable = HB_TAG('Z', 'V', 'a', 'x');
 // leaves it as it is), or the layers of a layered glyph, one over the other, with their palette alphas. A
 // font with an sbix table has strikes only, as FreeType sees it.
 //
-// Any method may be called from any thread. A glyph that the font lacks or that cannot be read is blank; its
-// advance is 0 where the font states none.
+// Any method may be called from any thread, and throws std::bad_alloc where memory is short. A glyph that the
+// font lacks or that cannot be read is blank; its advance is 0 where the font states none.
 class FontFace {
 public:
     // Null when the bytes are no sfnt font that both FreeType and HarfBuzz read, when no character is mapped,

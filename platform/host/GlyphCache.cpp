@@ -5,6 +5,7 @@
 
 #include <list>
 #include <mutex>
+#include <new>
 #include <unordered_map>
 #include <utility>
 
@@ -51,8 +52,14 @@ public:
         const auto found = mTable.find(key);
         if (found != mTable.end()) return found->second->image;
         if (bytes > mLimit / 4) return image;
-        mEntries.push_front({key, image, bytes});
-        mTable.emplace(key, mEntries.begin());
+        try {
+            Entries entry;
+            entry.push_front({key, image, bytes});
+            mTable.emplace(key, entry.begin());
+            mEntries.splice(mEntries.begin(), entry);
+        } catch (const std::bad_alloc&) {
+            return image;
+        }
         mBytes += bytes;
         shrink();
         return image;

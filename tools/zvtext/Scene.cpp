@@ -8,6 +8,7 @@
 
 #include "effect/ZvEffect.h"
 #include "foundation/List.h"
+#include "foundation/OutOfMemory.h"
 #include "text/LinePlacement.h"
 #include "text/ZvFontDrawing.h"
 #include "text/ZvTextObject.h"
@@ -128,6 +129,7 @@ void setLines(ZvTextObject& object, const std::vector<ZvLineInfo>& placed) {
 }  // namespace
 
 Rendering renderScene(const Scene& scene) {
+    Zvex::takeOutOfMemoryMark();  // an earlier picture's
     const SceneFonts fonts = takeFonts(scene);
     warnAboutMissing(fonts, scene.systemFallback);
 
@@ -144,7 +146,8 @@ Rendering renderScene(const Scene& scene) {
     const PlacedScene placed = placeScene(object, scene, laidOut.lines);
     setLines(object, placed.lines);
     const unsigned int* pixels = object.RenderTextEffect(placed.width, placed.height);
-    if (pixels == nullptr) throw Failure("TEXT: not enough memory for the picture");
+    if (pixels == nullptr || Zvex::takeOutOfMemoryMark())
+        throw Failure("TEXT: not enough memory for the picture");
     Rendering rendering;
     Picture& picture = rendering.picture;
     picture.width = placed.width;

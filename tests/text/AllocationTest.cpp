@@ -1,0 +1,150 @@
+// SPDX-License-Identifier: Apache-2.0
+// A whole picture, from the font's file to the pixels, with every one of its allocations failing in turn.
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <new>
+
+#include "foundation/OutOfMemory.h"
+#include "platform/host/GlyphCache.h"
+#include "platform/host/LogCapture.h"
+#include "raster/ZvBitmap.h"
+#include "tests/FailingAllocations.h"
+#include "tests/text/TextScene.h"
+
+namespace Zvex {
+namespace {
+
+using text_test::Picture;
+using text_test::TextScene;
+
+using Style = void (*)(ZvEffect&);
+void plain(ZvEffect&) {}
+
+// What a caller does for a picture. With memory short, an operation says so and the object stays usable.
+class Caller {
+public:
+    explicit Caller(Style style) : mStyle(style) {}
+
+    // False where an operation failed.
+    bool render(Picture& picture) {
+        if (mObject == nullptr) mObject = construct();
+        if (mObject == nullptr || !setFamilies()) return false;
+        if (!mObject->SetFont(text_test::kSans) || !mObject->SetText(L"Ag\u0e01")) return false;
+        mObject->SetPaint(mPaint);
+        mObject->SetBackgroundColor(0xFF204060, mStyle == plain);
+        ZvEffect* effect = mObject->GetEffect();
+        ZvView* view = mObject->GetView();
+        if (view == nullptr || effect == nullptr || !setLine()) {
+            mObject.reset();  // a part had no memory when the object was made
+            return false;
+        }
+        mStyle(*effect);
+        view->gravity = 0x33;
+        view->SetSize(50, 24);
+        picture.width = 50 + effect->getLeftOffset() + effect->getRightOffset();
+        picture.height = 24 + effect->getTopOffset() + effect->getBottomOffset();
+        view->SetBitmapWidth(picture.width);
+        view->SetBitmapHeight(picture.height);
+        const uint32_t* pixels = mObject->RenderTextEffect(picture.width, picture.height);
+        if (pixels == nullptr) return false;
+        const FailingAllocations::Pause pause;
+        picture.pixels.assign(pixels, pixels + static_cast<size_t>(picture.width) * picture.height);
+        return true;
+    }
+
+private:
+    static std::unique_ptr<ZvTextObject> construct() {
+        std::unique_ptr<ZvTextObject> object(new (std::nothrow) ZvTextObject);
+        return object != nullptr && object->Construct() ? std::move(object) : nullptr;
+    }
+
+    static bool setFamilies() {
+        FontManager* manager = FontManager::GetInstance();
+        if (manager->IsSystemFontFamiliesAlreadySet()) return true;
+        List* families = nullptr;
+        {
+            const FailingAllocations::Pause pause;
+            families = text_test::makeFamilies(
+                {text_test::makeFamily("und-Thai", {fonts::path(fonts::Role::kThai)})});
+        }
+        return manager->SetSystemFontFamilies(families);
+    }
+
+    bool setLine() {
+        List lines;
+        std::unique_ptr<ZvLineInfo> line(new (std::nothrow) ZvLineInfo(TextScene::makeLine(2, 18, 0, 3)));
+        if (line == nullptr || lines.Construct() == 0 || lines.Add(line.get()) == 0) return false;
+        if (!mObject->SetLineInfo(&lines)) return false;
+        line.release();
+        return true;
+    }
+
+    const Style mStyle;
+    android::Paint mPaint = [] {
+        const FailingAllocations::Pause pause;
+        android::Paint paint;
+        paint.setTextSize(14);
+        paint.setAntiAlias(true);
+        paint.setFontFeatureSettings("kern, liga, and more than a short string holds");
+        return paint;
+    }();
+    std::unique_ptr<ZvTextObject> mObject;
+};
+
+void forget() {
+    FontManager::GetInstance()->ClearFontFamilies();
+    FontManager::GetInstance()->ClearFontMaps();
+    host::clearGlyphCache();
+}
+
+// Every filter with its costlier ways through it.
+void everything(ZvEffect& effect) {
+    static ZvBitmap pattern = [] {
+        const FailingAllocations::Pause pause;
+        ZvBitmap bitmap(3, 2, 4);
+        for (size_t i = 0; i < bitmap.byteCount(); ++i) bitmap.pixels[i] = static_cast<uint8_t>(40 + i);
+        return bitmap;
+    }();
+    ZvGradient stops[] = {{0xFF102030, 1, 0}, {0xFFE0A040, 0.5f, 1}};
+    effect.releaseEffect();
+    effect.addOuterShadowText(30, 2, 3, 0xFF000000, 0.8f);
+    effect.addInnerShadowText(30, 2, 3, 0xFF802020, 0.6f);
+    effect.addOuterGlowText(3, 0xFFFFFF00, 0.7f, 0, nullptr);
+    effect.addInnerGlowText(2, 0xFFFFFF00, 0.7f, 2, stops);
+    effect.addBevelText(1, 2, 0.8f, 0, 1, 1, 0.5f, 120, 30, 0xFFFFFFFF, 0.5f, 0xFF000000, 0.5f);
+    effect.addEmbossText(3, 2, 0.8f, 0, 0, 1, 0.5f, 120, 30, 0xFFFFFFFF, 0.5f, 0xFF000000, 0.5f);
+    effect.addLinearGradientText(45, 1, 0.9f, 2, stops);
+    effect.addRadialGradientText(1, 0.5f, 2, stops);
+    effect.addStrokeText(2, 0xFF0000FF, 0.9f, 0, 2);
+    effect.addPatternText(&pattern, 1, 0.5f);
+}
+
+class Allocations : public testing::TestWithParam<Style> {};
+
+TEST_P(Allocations, APictureThatFindsNoMemoryCanBeRenderedAfterwards) {
+    { const host::LogCapture once; }  // for the log to be there
+    Picture expected;
+    ASSERT_TRUE(Caller(GetParam()).render(expected));
+    ASSERT_GT(expected.countVisible(), 0);
+    forget();
+    forEachFailingAllocation(
+        [&](bool) {
+            Picture first, second;
+            {
+                Caller caller(GetParam());
+                takeOutOfMemoryMark();
+                const bool said = !caller.render(first) || takeOutOfMemoryMark();
+                const FailingAllocations::Pause pause;
+                EXPECT_TRUE(said || first == expected);
+                EXPECT_TRUE(caller.render(second));
+                EXPECT_TRUE(second == expected);
+            }
+            forget();
+        },
+        FailingAllocations::Throwing::Fails);
+}
+INSTANTIATE_TEST_SUITE_P(Styles, Allocations, testing::Values(plain, everything));
+
+}  // namespace
+}  // namespace Zvex
