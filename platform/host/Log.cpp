@@ -5,8 +5,9 @@
 #include <algorithm>
 #include <cstdarg>
 #include <cstdio>
+#include <memory>
 #include <mutex>
-#include <string>
+#include <new>
 #include <vector>
 
 #include "platform/host/LogCapture.h"
@@ -24,11 +25,11 @@ struct LogSink {
         return *sink;
     }
 
-    void write(int priority, const char* tag, const std::string& text) {
+    void write(int priority, const char* tag, const char* text) {
         static const char kLetters[] = "??VDIWEFS";
         const char letter = priority >= 0 && priority <= 8 ? kLetters[priority] : '?';
         std::lock_guard<std::mutex> lock(mutex);
-        std::fprintf(stderr, "%c/%s: %s\n", letter, tag, text.c_str());
+        std::fprintf(stderr, "%c/%s: %s\n", letter, tag, text);
         for (LogCapture* capture : captures) capture->mLines.push_back({priority, tag, text});
     }
 };
@@ -52,22 +53,27 @@ std::vector<LogLine> LogCapture::lines() const {
 
 }  // namespace host
 
+// Without exceptions: who runs out of memory says so here. A line longer than `usual` is cut there when no
+// memory is left for it.
 extern "C" int __android_log_print(int priority, const char* tag, const char* format, ...) {
-    std::string text;
+    char usual[512] = "";
+    std::unique_ptr<char[]> longer;
+    const char* text = usual;
+    int length = 0;
     if (format != nullptr) {
-        va_list arguments, measured;
+        va_list arguments, again;
         va_start(arguments, format);
-        va_copy(measured, arguments);
-        const int length = std::vsnprintf(nullptr, 0, format, measured);
-        va_end(measured);
-        if (length > 0) {
-            text.resize(static_cast<size_t>(length) + 1);
-            std::vsnprintf(&text[0], text.size(), format, arguments);
-            text.resize(static_cast<size_t>(length));
+        va_copy(again, arguments);
+        length = std::max(0, std::vsnprintf(usual, sizeof(usual), format, arguments));
+        const size_t size = static_cast<size_t>(length) + 1;
+        if (size > sizeof(usual)) longer.reset(new (std::nothrow) char[size]);
+        if (longer != nullptr) {
+            std::vsnprintf(longer.get(), size, format, again);
+            text = longer.get();
         }
+        va_end(again);
         va_end(arguments);
     }
-    const int written = static_cast<int>(text.size());
     host::LogSink::get().write(priority, tag != nullptr ? tag : "", text);
-    return written;
+    return length;
 }
