@@ -41,7 +41,8 @@ public:
         if (process == 0) {
             setpgid(0, 0);
             std::signal(SIGPIPE, SIG_DFL);
-            std::signal(SIGINT, SIG_DFL);  // ignored where a script runs the tests in the background
+            std::signal(SIGINT, SIG_DFL);   // ignored where a script runs the tests in the background
+            std::signal(SIGCHLD, SIG_IGN);  // as some that start programs leave it
             dup2(in[0], 0);
             dup2(out[1], 1);
             if (errors >= 0) dup2(errors, 2);
@@ -433,6 +434,18 @@ TEST_F(BatchCommand, AnOutputOrAnInputThatFailsEndsItAfterTheLinesUnderWay) {
     }
     fails(" <&-", "FILE: cannot read: ");
     fails("/proc/self/mem", "FILE: cannot read: ");
+
+    // Where the journal finds no room in its file, the pictures are there, and what follows on it is whole.
+    std::string many;
+    for (int i = 0; i < 20; ++i) many += "{\"text\":\"i\",\"size\":8}\n";
+    const std::string all = write("lines", many);
+    fs::remove_all(folder());
+    EXPECT_EQ(std::system(("ulimit -f 1; " + command + all + " >/dev/null").c_str()), 1 << 8);
+    EXPECT_NE(slurp(file("errors")).find("zvtext: --output-dir: the journal could"), std::string::npos);
+    EXPECT_GT(readPng(folder() / "20.png").ink(), 0u);
+    EXPECT_EQ(std::system((command + all + " --resume | grep skipped >/dev/null").c_str()), 0);
+    EXPECT_EQ(std::system((command + all + " --resume | grep -vq skipped").c_str()), 1 << 8)
+        << "all are known";
 }
 
 TEST_F(BatchCommand, ResultsComeWithTheirLinesAndSignalsLetThemFinish) {
@@ -452,6 +465,14 @@ TEST_F(BatchCommand, ResultsComeWithTheirLinesAndSignalsLetThemFinish) {
         EXPECT_EQ(running.wait(), (128 + signal) << 8);
         fs::remove_all(folder());
     }
+    Running running(arguments());
+    running.put(slowLine());
+    running.worker();
+    for (int i = 0; i < 2; ++i) {
+        running.signalAll(SIGTERM);
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    }
+    EXPECT_EQ(running.wait(), SIGTERM) << "the second does not wait for the line";
 }
 
 TEST_F(BatchCommand, AClosedOutputEndsItQuietly) {
