@@ -1,0 +1,174 @@
+// SPDX-License-Identifier: Apache-2.0
+// Many renders in one process: new objects and kept ones, changes of everything, failures among them. Memory
+// does not grow with them. ZVEX_TEST_RENDERS says how many, 3000 if it does not.
+#include <gtest/gtest.h>
+#include <malloc.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "platform/host/GlyphCache.h"
+#include "tests/effect/RandomLayer.h"
+#include "tests/text/TextScene.h"
+
+using namespace Zvex;
+using namespace text_test;
+
+namespace {
+
+// After the first quarter of the renders, in kilobytes: several times what it comes to, and less than half a
+// kilobyte of 3000 renders' each.
+constexpr long MOST_GROWTH = 1024;
+
+// Of the process, in kilobytes, without what the allocator keeps for the next one who asks.
+long residentKilobytes() {
+    malloc_trim(0);
+    long pages = 0, resident = 0;
+    std::ifstream("/proc/self/statm") >> pages >> resident;
+    return resident * (sysconf(_SC_PAGESIZE) / 1024);
+}
+
+std::string numberOfFiles() {
+    return std::to_string(std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {}));
+}
+
+const wchar_t* const WORDS[] = {
+    L"Hamburgefonst", L"Gr\u00FC\u00DFe, ", L"\u4E16\u754C",      L"\u0645\u0631\u062D\u0628\u0627",
+    L"\U0001F600 ",   L"\u0e01\u0e33 ",     L"fi\u0301n\u0300al", L" "};
+
+std::wstring randomText(Random& random) {
+    std::wstring text;
+    for (int words = random.between(0, 5); words > 0; --words) text += WORDS[random.below(std::size(WORDS))];
+    return text;
+}
+
+class Texts {
+public:
+    explicit Texts(unsigned seed) : mRandom(seed), mKept(8) {}
+
+    void renderOne() {
+        std::unique_ptr<TextScene>& scene = mKept[static_cast<size_t>(mRandom.below(8))];
+        if (scene == nullptr || mRandom.below(4) == 0) scene = makeScene();
+        for (int changes = mRandom.below(4); changes > 0; --changes) change(*scene);
+        if (mRandom.below(6) == 0) fail(*scene);
+        setRandomLines(*scene);
+        const Picture picture = scene->render();
+        ASSERT_EQ(picture.pixels.empty(), picture.width < 1 || picture.height < 1);
+        if (picture.countVisible() > 50) ++mVisible;
+    }
+
+    long visible() const { return mVisible; }  // pictures with more than a few pixels
+
+private:
+    std::unique_ptr<TextScene> makeScene() {
+        static const char* const FONTS[] = {kSans, kBold, kCjk, kEmoji};
+        const std::wstring text = randomText(mRandom);
+        const int size = mRandom.between(6, 40), width = mRandom.between(0, 300),
+                  height = mRandom.between(0, 90);
+        return std::make_unique<TextScene>(FONTS[mRandom.below(4)], text.c_str(), static_cast<float>(size),
+                                           width, height);
+    }
+
+    void change(TextScene& scene) {
+        ZvEffect& effects = scene.effect();
+        switch (mRandom.below(9)) {
+            case 0: {
+                android::Paint paint;
+                paint.setTextSize(static_cast<float>(mRandom.between(60, 400)) * 0.1f);
+                paint.setAntiAlias(mRandom.below(4) != 0);
+                if (mRandom.below(2) != 0) paint.setFontFeatureSettings("smcp, -kern");
+                scene.object.SetPaint(paint);
+                break;
+            }
+            case 1:
+                scene.object.SetText(randomText(mRandom).c_str());
+                break;
+            case 2:
+                scene.object.SetTextColor(mRandom.color());
+                scene.object.SetBackgroundColor(mRandom.color(), mRandom.below(3) == 0);
+                break;
+            case 3:
+                effects.setTextOpacity(static_cast<float>(mRandom.below(5)) * 0.25f);
+                scene.object.SetTextStyle(mRandom.below(2) == 0, mRandom.below(2) == 0);
+                break;
+            case 4:
+                if (mRandom.below(3) == 0) effects.cleanAllEffect();
+                effects.removeEffect(mRandom.below(6));
+                break;
+            case 5:
+                scene.view().SetSize(mRandom.below(300), mRandom.below(90));
+                break;
+            default:
+                addLayer(effects, mRandom.below(LAYER_KINDS), mRandom);
+        }
+    }
+
+    // What is asked for cannot be had; the object stays as it is.
+    void fail(TextScene& scene) {
+        const int kind = mRandom.below(6);
+        if (kind == 0) {
+            EXPECT_FALSE(scene.object.SetFont("/nowhere/missing.ttf"));
+        }
+        if (kind == 1) {
+            EXPECT_FALSE(scene.object.SetFont("no font.ttf", newBuffer(std::string(500, 'x')), 500));
+        }
+        if (kind == 2) {
+            EXPECT_EQ(scene.object.RenderTextEffect(2147483647, 2147483647), nullptr);
+        }
+        if (kind == 3) {
+            EXPECT_FALSE(scene.object.Construct());
+        }
+        if (kind == 4) {
+            EXPECT_FALSE(scene.object.SetLineInfo(nullptr));
+        }
+        if (kind == 5) {
+            EXPECT_LT(scene.effect().addEffect(99, nullptr), 0);
+        }
+    }
+
+    void setRandomLines(TextScene& scene) {
+        std::vector<ZvLineInfo> lines;
+        for (int count = mRandom.between(0, 3); count > 0; --count) {
+            const int start = mRandom.between(-1, 6), length = mRandom.below(30);
+            const int x = mRandom.between(-20, 80), y = mRandom.between(0, 80);
+            lines.push_back(TextScene::makeLine(x, y, start, start + length, mRandom.below(2) * 2 - 1));
+        }
+        scene.setLines(lines);
+    }
+
+    Random mRandom;
+    std::vector<std::unique_ptr<TextScene>> mKept;
+    long mVisible = 0;
+};
+
+}  // namespace
+
+TEST(Soak, MemoryStaysAsItIs) {
+    const char* const asked = std::getenv("ZVEX_TEST_RENDERS");
+    const long renders = asked != nullptr ? std::max(1000L, std::atol(asked)) : 3000;
+    FontManager::GetInstance()->SetSystemFontFamilies(
+        makeFamilies({makeFamily("", {kEmoji}), makeFamily("zh-Hans", {kCjk})}));
+    ASSERT_NE(std::freopen("/dev/null", "w", stderr), nullptr);  // what fails is in the log
+    host::setGlyphCacheLimit(1 << 20);                           // full before the memory is looked at
+    Texts texts(7);
+    long before = 0;
+    const std::string files = numberOfFiles();
+    for (long i = 1; i <= renders; ++i) {
+        texts.renderOne();
+        if (i == renders / 4) before = residentKilobytes();
+        if (i == 1000 || i == renders / 10 || i == renders / 4 || i == renders / 2 || i == renders)
+            std::printf("%8ld renders: %ld kB\n", i, residentKilobytes());
+        ASSERT_FALSE(HasFailure()) << "render " << i;
+    }
+    EXPECT_LE(residentKilobytes() - before, MOST_GROWTH) << renders << " renders";
+    EXPECT_EQ(numberOfFiles(), files);
+    EXPECT_GT(texts.visible(), renders / 3);
+}
