@@ -1,14 +1,20 @@
 // SPDX-License-Identifier: Apache-2.0
 // Eight threads, each with a text object of its own, side by side. Built with the thread sanitizer this
-// program must stay silent.
+// program must stay silent. ZVEX_TEST_SECONDS says how long the threads go on, one second if it does not.
 #include <gtest/gtest.h>
 
+#include <atomic>
+#include <chrono>
 #include <condition_variable>
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
 #include <mutex>
 #include <thread>
 #include <vector>
 
 #include "TextScene.h"
+#include "tests/effect/RandomLayer.h"
 #include "text/FontManager.h"
 #include "text/ZvTextInstanceManager.h"
 
@@ -32,6 +38,42 @@ private:
     std::condition_variable mChanged;
     int mArrived = 0;
 };
+
+// Whether the threads go on.
+class Duration {
+public:
+    bool passes() const { return std::chrono::steady_clock::now() < mEnd; }
+
+private:
+    static int seconds() {
+        const char* const asked = std::getenv("ZVEX_TEST_SECONDS");
+        return asked != nullptr ? std::atoi(asked) : 1;
+    }
+    std::chrono::steady_clock::time_point mEnd =
+        std::chrono::steady_clock::now() + std::chrono::seconds(seconds());
+};
+
+// One of many texts, each with three effects.
+std::unique_ptr<TextScene> makeScene(unsigned seed) {
+    static const wchar_t* const TEXTS[] = {L"Side \u0416 \U0001F600", L"Hamburgefonst",
+                                           L"fi\u0301n \u05D0\u05D1"};
+    Random random(seed);
+    auto scene = std::make_unique<TextScene>(seed % 2 == 0 ? kSans : kBold, TEXTS[seed % 3],
+                                             static_cast<float>(random.between(14, 30)), 180, 50);
+    scene->object.SetTextColor(random.color() | 0xFF000000);
+    for (int i = 0; i < 3; ++i)
+        addLayer(scene->effect(), (static_cast<int>(seed) + 4 * i) % LAYER_KINDS, random);
+    scene->setLines({TextScene::makeLine(5, 36, 0, 13)});
+    return scene;
+}
+
+class Counted : public ZvTextObject {
+public:
+    static std::atomic<int> made, deleted;
+    Counted() { ++made; }
+    ~Counted() override { ++deleted; }
+};
+std::atomic<int> Counted::made{0}, Counted::deleted{0};
 
 ZvFontFamily* loadFamily(const char* path) {
     ZvFontFamily* family = makeFamily("", {path});
@@ -74,26 +116,55 @@ TEST(TextThreads, ObjectsRenderSideBySide) {
     for (size_t i = 1; i < pictures.size(); ++i) EXPECT_TRUE(pictures[i] == pictures[0]) << i;
 }
 
+TEST(TextThreads, MixedEffectsGiveThePicturesOfOneThread) {
+    constexpr unsigned SCENES = 3 * LAYER_KINDS;
+    std::vector<Picture> expected;
+    for (unsigned seed = 0; seed < SCENES; ++seed) expected.push_back(makeScene(seed)->render());
+
+    std::mutex fontManagerMutex;
+    std::atomic<int> renders{0};
+    const Duration duration;
+    const auto work = [&](unsigned number) {
+        for (unsigned seed = number; duration.passes() && !testing::Test::HasFailure(); seed += 5) {
+            std::unique_lock<std::mutex> lock(fontManagerMutex);
+            const std::unique_ptr<TextScene> scene = makeScene(seed % SCENES);
+            lock.unlock();
+            EXPECT_TRUE(scene->render() == expected[seed % SCENES]) << "scene " << seed % SCENES;
+            ++renders;
+        }
+    };
+    std::vector<std::thread> threads;
+    for (unsigned i = 0; i < kThreads; ++i) threads.emplace_back(work, i);
+    for (std::thread& thread : threads) thread.join();
+    std::printf("%d renders\n", renders.load());
+}
+
 TEST(TextThreads, RegistryCountsAcrossThreads) {
     auto* object = new ZvTextObject;
     ASSERT_TRUE(object->Construct());
     const int handle = object->GetRuntimeHandle();
     ZvTextInstanceManager::Bind(object);
+    const Duration duration;
+    const int madeBefore = Counted::made;
     std::vector<std::thread> threads;
     for (int i = 0; i < kThreads; ++i) {
-        threads.emplace_back([handle] {
-            for (int round = 0; round < 50; ++round) {
+        threads.emplace_back([=] {
+            for (int round = 0; round < 50 || duration.passes(); ++round) {
+                if (round % 5 == i % 5) ZvTextInstanceManager::Lock();
                 ZvTextObject* found = ZvTextInstanceManager::FindZvTextObject(handle);
                 ZvTextInstanceManager::Bind(found);
                 EXPECT_TRUE(ZvTextInstanceManager::Release(handle));
-                auto* own = new ZvTextObject;
+                auto* own = new Counted;
                 EXPECT_TRUE(own->Construct());
                 ZvTextInstanceManager::Bind(own);
                 EXPECT_TRUE(ZvTextInstanceManager::Release(own, true));
+                if (round % 5 == i % 5) ZvTextInstanceManager::Unlock();
             }
         });
     }
     for (std::thread& thread : threads) thread.join();
+    EXPECT_GE(Counted::made - madeBefore, kThreads * 50);
+    EXPECT_EQ(Counted::deleted, Counted::made);
     EXPECT_EQ(ZvTextInstanceManager::FindZvTextObject(handle), object);
     EXPECT_TRUE(ZvTextInstanceManager::Release(handle));
     EXPECT_EQ(ZvTextInstanceManager::FindZvTextObject(handle), nullptr);
