@@ -53,19 +53,30 @@ private:
         std::chrono::steady_clock::now() + std::chrono::seconds(seconds());
 };
 
-// One of many texts, each with three effects.
-std::unique_ptr<TextScene> makeScene(unsigned seed) {
-    static const wchar_t* const TEXTS[] = {L"Side \u0416 \U0001F600", L"Hamburgefonst",
-                                           L"fi\u0301n \u05D0\u05D1"};
-    Random random(seed);
-    auto scene = std::make_unique<TextScene>(seed % 2 == 0 ? kSans : kBold, TEXTS[seed % 3],
-                                             static_cast<float>(random.between(14, 30)), 180, 50);
-    scene->object.SetTextColor(random.color() | 0xFF000000);
-    for (int i = 0; i < 3; ++i)
-        addLayer(scene->effect(), (static_cast<int>(seed) + 4 * i) % LAYER_KINDS, random);
-    scene->setLines({TextScene::makeLine(5, 36, 0, 13)});
-    return scene;
-}
+// A thread's text, and the pictures that one thread alone makes of it in one style after the other.
+struct Job {
+    std::unique_ptr<TextScene> scene;
+    std::vector<Picture> expected;
+
+    explicit Job(unsigned number) {
+        static const wchar_t* const TEXTS[] = {L"Side \u0416 \U0001F600", L"Hamburgefonst",
+                                               L"fi\u0301n \u05D0\u05D1"};
+        const float size = static_cast<float>(14 + 2 * number);
+        scene =
+            std::make_unique<TextScene>(number % 2 == 0 ? kSans : kBold, TEXTS[number % 3], size, 180, 50);
+        for (int style = 0; style < LAYER_KINDS; ++style) expected.push_back(render(style));
+    }
+
+    // With three effects.
+    Picture render(int style) {
+        Random random(static_cast<unsigned>(style));
+        scene->effect().releaseEffect();
+        scene->object.SetTextColor(random.color() | 0xFF000000);
+        for (int i = 0; i < 3; ++i) addLayer(scene->effect(), (style + 4 * i) % LAYER_KINDS, random);
+        scene->setLines({TextScene::makeLine(5, 36, 0, 13)});
+        return scene->render();
+    }
+};
 
 class Counted : public ZvTextObject {
 public:
@@ -117,25 +128,22 @@ TEST(TextThreads, ObjectsRenderSideBySide) {
 }
 
 TEST(TextThreads, MixedEffectsGiveThePicturesOfOneThread) {
-    constexpr unsigned SCENES = 3 * LAYER_KINDS;
-    std::vector<Picture> expected;
-    for (unsigned seed = 0; seed < SCENES; ++seed) expected.push_back(makeScene(seed)->render());
-
-    std::mutex fontManagerMutex;
+    std::vector<Job> jobs;
+    for (unsigned number = 0; number < kThreads; ++number) jobs.emplace_back(number);
     std::atomic<int> renders{0};
     const Duration duration;
-    const auto work = [&](unsigned number) {
-        for (unsigned seed = number; duration.passes() && !testing::Test::HasFailure(); seed += 5) {
-            std::unique_lock<std::mutex> lock(fontManagerMutex);
-            const std::unique_ptr<TextScene> scene = makeScene(seed % SCENES);
-            lock.unlock();
-            EXPECT_TRUE(scene->render() == expected[seed % SCENES]) << "scene " << seed % SCENES;
-            ++renders;
-        }
-    };
     std::vector<std::thread> threads;
-    for (unsigned i = 0; i < kThreads; ++i) threads.emplace_back(work, i);
+    for (Job& job : jobs) {
+        threads.emplace_back([&] {
+            for (int style = 0; duration.passes() && !testing::Test::HasFailure();
+                 style = (style + 1) % LAYER_KINDS) {
+                EXPECT_TRUE(job.render(style) == job.expected[static_cast<size_t>(style)]) << style;
+                ++renders;
+            }
+        });
+    }
     for (std::thread& thread : threads) thread.join();
+    EXPECT_GE(renders, kThreads);
     std::printf("%d renders\n", renders.load());
 }
 
