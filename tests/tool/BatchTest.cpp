@@ -121,7 +121,8 @@ protected:
     fs::path folder() const { return file("out"); }
 
     std::vector<std::string> arguments(const std::vector<std::string>& more = {}) const {
-        std::vector<std::string> all = {"--font", kFont, "--size", "24", "--output-dir", folder()};
+        std::vector<std::string> all = {
+            "--font", kFont, "--size", "24", "--output-dir", folder(), "--allow-read-anywhere"};
         all.insert(all.end(), more.begin(), more.end());
         return all;
     }

@@ -86,9 +86,11 @@ public:
           mWorkers(static_cast<size_t>(workerCount(arguments))),
           mSettings(settingsOf(arguments)),
           mInput(arguments.input, kMaxLineBytes),
-          mNames(madeFolder(arguments.outputFolder), arguments.allowOutside, arguments.resume),
+          mNames(madeFolder(arguments.outputFolder), writeScope(arguments), arguments.resume),
           mJournal(arguments.outputFolder, arguments.resume),
-          mProgress(arguments.quiet) {}
+          mProgress(arguments.quiet) {
+        mSettings.writes = writeScope(arguments);
+    }
 
     ~Batch() {
         for (Worker& worker : mWorkers) end(worker);
@@ -147,6 +149,9 @@ private:
     static BatchSettings settingsOf(const BatchArguments& arguments) {
         BatchSettings settings;
         settings.resumes = arguments.resume;
+        std::vector<std::string> own = {"."};
+        if (arguments.input != "-") own.push_back(fs::path(arguments.input).parent_path());
+        settings.reads = arguments.defaults.reads.scopeWith(own, "a line of a batch");
         settings.digest = arguments.defaultsDigest;
         settings.defaults = arguments.defaults;
         settings.defaults.start = readStyleParts(arguments.defaults);
@@ -156,7 +161,8 @@ private:
         trial.textFile.clear();
         if (trial.font.empty()) trial.font = "font";
         readScene(trial);
-        const BatchNames names(arguments.outputFolder, arguments.allowOutside, false);
+        const BatchNames names(arguments.outputFolder,
+                               arguments.allowOutside ? FolderScope() : FolderScope({}, ""), false);
         names.pathOf("--output", expandTemplate(arguments.output, 1));
         if (!arguments.metrics.empty()) names.pathOf("--metrics", expandTemplate(arguments.metrics, 1));
         return settings;
@@ -167,6 +173,12 @@ private:
         fs::create_directories(folder, error);
         if (error) throw Failure("--output-dir: cannot make '" + folder + "': " + error.message());
         return folder;
+    }
+
+    static FolderScope writeScope(const BatchArguments& arguments) {
+        if (arguments.allowOutside) return FolderScope();
+        return FolderScope({arguments.outputFolder},
+                           "a line of a batch may write; --allow-outside lets it leave");
     }
 
     // The lines under way are the last.
@@ -435,7 +447,7 @@ private:
 
     const BatchArguments& mArguments;
     std::vector<Worker> mWorkers;
-    const BatchSettings mSettings;
+    BatchSettings mSettings;
     BatchInput mInput;
     BatchNames mNames;
     BatchJournal mJournal;
@@ -484,6 +496,8 @@ void addBatchOptions(CLI::App& command, BatchArguments& a) {
     command.parse_complete_callback([&a, ofRender] {
         Digest digest;
         for (const CLI::Option* option : ofRender) {
+            // What may be read makes no other picture.
+            if (option->get_name().rfind("--allow-", 0) == 0) continue;
             digest.add(option->get_name());
             for (const std::string& value : option->results()) digest.add(value);
         }
@@ -496,7 +510,10 @@ void addBatchOptions(CLI::App& command, BatchArguments& a) {
         "  {\"text\": \"Grüße\", \"size\": 120, \"stroke\": \"8:#202020\", \"output\": \"hello.png\"}\n"
         "  {\"text\": \"世界\", \"fallback\": [\"NotoSansCJK-Regular.ttc\"], \"style\": {\"color\": "
         "\"#ff8800\"}}\n"
-        "\"output\" and \"metrics\" are names in the output folder, each of one line alone.\n"
+        "\"output\" and \"metrics\" are names in the output folder, each of one line alone. Files that a "
+        "line "
+        "names to\n"
+        "be read lie below the working folder or that of the lines; --allow-read adds folders.\n"
         "Each line gives one JSON object on standard output, in their order: line, path, width, height, "
         "margins,\n"
         "baseline and milliseconds, or line and error; metrics where there are some, skipped where --resume "

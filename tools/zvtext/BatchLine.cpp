@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <nlohmann/json.hpp>
 #include <set>
+#include <utility>
 #include <vector>
 
 #include "tools/zvtext/Failure.h"
@@ -19,7 +20,7 @@ constexpr int kMaxDepth = 17;          // a style within the line's object
 constexpr size_t kMaxEvents = 20'000;  // of the parser, which walks over earlier values time and again
 
 // Options of render that a line does not take.
-constexpr const char* kNotForLines[] = {"print-style", "print-key"};
+constexpr const char* kNotForLines[] = {"print-style", "print-key", "allow-read", "allow-read-anywhere"};
 
 bool namesFile(const std::string& key) {
     return key == "output" || key == "metrics";
@@ -117,7 +118,8 @@ LineNames readLineNames(const std::string& line) {
     return names;
 }
 
-LineReader::LineReader(const RenderArguments& defaults) : mDefaults(defaults) {
+LineReader::LineReader(const RenderArguments& defaults, FolderScope scope)
+    : mDefaults(defaults), mScope(std::move(scope)) {
     mCommand.set_help_flag();
     addRenderOptions(mCommand, mArguments);
 }
@@ -126,6 +128,7 @@ RenderArguments LineReader::read(const std::string& line) {
     const Json json = parseObject(line);
     mArguments = mDefaults;
     mArguments.literalText = true;
+    mArguments.scopes.style = mScope;
     std::vector<std::string> words;
     for (const auto& [key, value] : json.items()) {
         if (value.is_null() || namesFile(key)) continue;
@@ -135,6 +138,9 @@ RenderArguments LineReader::read(const std::string& line) {
             continue;
         }
         addWords(findOption(mCommand, key), key, value, words);
+        if (key == "font") mArguments.scopes.font = mScope;
+        if (key == "fallback") mArguments.scopes.fallbacks = mScope;
+        if (key == "text-file") mArguments.scopes.textFile = mScope;
         if (key == "text-file" && !json.contains("text")) mArguments.text.clear();
     }
     try {

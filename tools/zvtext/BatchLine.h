@@ -30,7 +30,8 @@ class LineReader {
 public:
     // The defaults hold for what a line leaves out. `defaults.start` is their style; effects of a line come
     // behind its effects or replace them, each other setting of a line replaces its own.
-    explicit LineReader(const RenderArguments& defaults);
+    // Files that lines name lie in `scope`; patterns of the styles among them in the style's folder.
+    explicit LineReader(const RenderArguments& defaults, FolderScope scope = {});
     LineReader(const LineReader&) = delete;
     LineReader& operator=(const LineReader&) = delete;
 
@@ -40,6 +41,7 @@ public:
 
 private:
     const RenderArguments mDefaults;
+    const FolderScope mScope;
     RenderArguments mArguments;  // filled by mCommand
     CLI::App mCommand;
 };

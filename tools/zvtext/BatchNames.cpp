@@ -47,8 +47,8 @@ void HashSet::grow() {
     }
 }
 
-BatchNames::BatchNames(std::string folder, bool allowOutside, bool tidies)
-    : mFolder(std::move(folder)), mAllowOutside(allowOutside), mTidies(tidies) {
+BatchNames::BatchNames(std::string folder, FolderScope scope, bool tidies)
+    : mFolder(std::move(folder)), mScope(std::move(scope)), mTidies(tidies) {
     std::error_code error;
     mCurrent = fs::current_path(error);
     if (error) throw Failure("--output-dir: cannot tell the current folder: " + error.message());
@@ -62,7 +62,7 @@ std::string BatchNames::pathOf(const std::string& option, const std::string& nam
     if (path.empty() || !path.has_filename() || path == "." || path.filename() == "..") {
         throw UsageError(option + ": '" + name + "' is no name of a file");
     }
-    if ((path.is_absolute() || *path.begin() == "..") && !mAllowOutside) {
+    if ((path.is_absolute() || *path.begin() == "..") && !mScope.isAnywhere()) {
         throw UsageError(option + ": '" + name + "' leaves the output folder; --allow-outside lets it");
     }
     if (path == "-") throw UsageError(option + ": - is standard output, where the results go");
@@ -79,7 +79,7 @@ void BatchNames::claim(const std::string& option, const std::string& path) {
     }
     const std::string folder = absolute.parent_path().string() + "/";
     // Before the first line of this folder runs: no temporary file there is one of this batch.
-    if (mTidies && mTaken.insert(Digest().add(folder).word())) removeTemporaries(folder);
+    if (mTidies && mTaken.insert(Digest().add(folder).word())) removeTemporaries(folder, mScope);
 }
 
 }  // namespace zvtext

@@ -8,6 +8,8 @@
 #include <string>
 #include <vector>
 
+#include "tools/zvtext/FolderScope.h"
+
 namespace zvtext {
 
 // The name with each "{index}" replaced by the line's number.
@@ -30,10 +32,10 @@ private:
 // Where the files of a batch go. `option` opens the messages of the UsageErrors thrown.
 class BatchNames {
 public:
-    // With `allowOutside` names may be absolute or leave the folder. With `tidies` the temporary files that
-    // killed processes left are removed from a folder before the first file of the batch goes there. Throws
-    // Failure where the current folder cannot be told.
-    BatchNames(std::string folder, bool allowOutside, bool tidies);
+    // In a scope that is anywhere names may be absolute or leave the folder. With `tidies` the temporary
+    // files that killed processes left are removed from a folder before the first file of the batch goes
+    // there. Throws Failure where the current folder cannot be told.
+    BatchNames(std::string folder, FolderScope scope, bool tidies);
 
     // The path for a name of a line. Throws for a name that is empty, too long, a folder's, the journal's,
     // "-", or outside the folder.
@@ -44,7 +46,8 @@ public:
 
 private:
     const std::string mFolder;
-    const bool mAllowOutside, mTidies;
+    const FolderScope mScope;
+    const bool mTidies;
     std::filesystem::path mCurrent;
     HashSet mTaken;
 };

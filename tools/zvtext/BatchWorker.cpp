@@ -88,28 +88,28 @@ std::string fileMark(const std::string& path) {
 }
 
 // Of what lies there; empty where it cannot be read or is no file of its own.
-std::string contentDigest(const std::string& path) {
+std::string contentDigest(const std::string& path, const FolderScope& scope) {
     std::error_code error;
     if (!fs::is_regular_file(path, error)) return "";
     try {
-        return Digest().add(readFile("", path, kMaxPictureBytes)).hex();
+        return Digest().add(readFile("", path, kMaxPictureBytes, scope)).hex();
     } catch (const Failure&) {
         return "";
     }
 }
 
 // The same of the picture and its metrics.
-std::string contentDigest(const BatchJob& job) {
-    const std::string picture = contentDigest(job.path);
+std::string contentDigest(const BatchJob& job, const FolderScope& scope) {
+    const std::string picture = contentDigest(job.path, scope);
     if (job.metrics.empty() || picture.empty()) return picture;
-    const std::string metrics = contentDigest(job.metrics);
+    const std::string metrics = contentDigest(job.metrics, scope);
     return metrics.empty() ? "" : Digest().add(picture).add(metrics).hex();
 }
 
 class Worker {
 public:
     Worker(const BatchSettings& settings, const BatchJournal& journal)
-        : mSettings(settings), mJournal(journal), mReader(settings.defaults) {}
+        : mSettings(settings), mJournal(journal), mReader(settings.defaults, settings.reads) {}
 
     BatchResult run(const BatchJob& job) {
         BatchResult result = renderOrFail(job);
@@ -133,6 +133,7 @@ private:
         const auto begin = std::chrono::steady_clock::now();
         RenderArguments arguments = mReader.read(job.json);
         arguments.outputOptions.metrics = job.metrics;
+        arguments.outputOptions.scope = mSettings.writes;
         checkOutput(job.path, arguments.outputOptions, "--output");
         const Scene scene = readScene(arguments);
         BatchResult result;
@@ -155,7 +156,7 @@ private:
     bool findPicture(const BatchJob& job, BatchJournal::Record& record) const {
         const std::optional<BatchJournal::Record> found = mJournal.find(record.job);
         if (!found || !Json::parse(found->result, nullptr, false).is_object()) return false;
-        if (found->content != contentDigest(job)) return false;
+        if (found->content != contentDigest(job, mSettings.writes)) return false;
         record = *found;
         return true;
     }
@@ -163,12 +164,12 @@ private:
     static void makePicture(const BatchJob& job, const Scene& scene, const OutputOptions& options,
                             BatchJournal::Record& record) {
         const Rendering rendering = renderScene(scene);
-        makeFolder(job.path, "--output");
-        makeFolder(job.metrics, "--metrics");
+        if (options.scope.isAnywhere()) makeFolder(job.path, "--output");
+        if (options.scope.isAnywhere()) makeFolder(job.metrics, "--metrics");
         writeRendering(rendering, job.path, options, "--output");
         const Metrics& metrics = rendering.metrics;
         const Margins& margins = metrics.margins;
-        record.content = contentDigest(job);
+        record.content = contentDigest(job, options.scope);
         record.result = dumpJson({{"width", metrics.width},
                                   {"height", metrics.height},
                                   {"margins",
@@ -202,7 +203,9 @@ private:
         }
         for (const EffectSettings& effect : scene.style.effects) {
             const auto* pattern = std::get_if<PatternSettings>(&effect);
-            if (pattern != nullptr) digest.add(fileMark(pattern->file));
+            if (pattern == nullptr) continue;
+            if (!pattern->scope.isAnywhere()) pattern->scope.openFile("--pattern", pattern->file);
+            digest.add(fileMark(pattern->file));
         }
         return digest.hex();
     }

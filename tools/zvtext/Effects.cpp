@@ -81,7 +81,7 @@ struct FieldsOf {
                 {"opacity", ShareField{&s.opacity}}};
     }
     Fields operator()(PatternSettings& s) const {
-        return {{"file", FileField{&s.file}, true},
+        return {{"file", FileField{&s.file, &s.scope}, true},
                 {"scale", NumberField{&s.scale, kPatternScale}},
                 {"opacity", ShareField{&s.opacity}}};
     }
@@ -158,7 +158,7 @@ struct AddTo {
         return stack.addStrokeText(pixels(s.width), s.color, opacityOf(s.color, s.opacity), 0, s.position);
     }
     int operator()(const PatternSettings& s) const {
-        const Picture picture = readPng("--pattern", s.file);
+        const Picture picture = readPng("--pattern", s.file, s.scope);
         Zvex::ZvBitmap bitmap = patternBitmap(picture);
         return stack.addPatternText(&bitmap, static_cast<float>(s.scale), static_cast<float>(s.opacity));
     }

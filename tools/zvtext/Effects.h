@@ -66,6 +66,7 @@ struct StrokeSettings {
 
 struct PatternSettings {
     std::string file;  // a PNG; as the program finds it from its working folder
+    FolderScope scope;
     double scale = 1;
     double opacity = 1;
 };

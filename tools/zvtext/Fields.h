@@ -9,6 +9,7 @@
 #include <variant>
 #include <vector>
 
+#include "tools/zvtext/FolderScope.h"
 #include "tools/zvtext/Values.h"
 
 namespace zvtext {
@@ -62,6 +63,7 @@ struct TextField {
 };
 struct FileField {  // a path; from a style file, relative to the style's folder
     std::string* value;
+    FolderScope* scope;  // where the file may lie
 };
 
 struct Field {

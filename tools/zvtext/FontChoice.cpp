@@ -283,9 +283,10 @@ const FcFontSet* sortedFonts(const std::string& language, const FontFacts& like)
 
 }  // namespace
 
-FontChoice chooseFont(const std::string& option, const std::string& text) {
+FontChoice chooseFont(const std::string& option, const std::string& text, const FolderScope& scope) {
     FontChoice choice;
     choice.path = text;
+    choice.scope = scope;
     if (text.empty() || isFile(text) || readIndex(option, text, choice) || looksLikeFile(text)) return choice;
     // A batch asks for the same few names line by line, and a match costs as much as a small picture.
     static std::map<std::string, FontChoice> answers;

@@ -20,8 +20,9 @@ constexpr char kAxesHelp[] = "Where the axes of a variable font stand, such as w
 // slant, width, style or language asked for, is a Failure that says which font it would have been. Generic
 // names (sans-serif, monospace, ...) and patterns without a family take what is answered. What is no pattern
 // or no number of a font is a UsageError. Every message starts with `option`. A pattern is answered once a
-// process. One thread at a time.
-FontChoice chooseFont(const std::string& option, const std::string& text);
+// process. A file lies in `scope`, which loadFont sees to; what a name leads to may lie anywhere. One thread
+// at a time.
+FontChoice chooseFont(const std::string& option, const std::string& text, const FolderScope& scope = {});
 
 // The system's fonts that have all the characters, best first, at most eight: in fontconfig's order for a
 // text in `language` (never the user's own, so that a text looks the same for everybody) beside a font like

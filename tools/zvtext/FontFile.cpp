@@ -239,7 +239,7 @@ std::shared_ptr<const LoadedFont> readFont(const std::string& option, const Font
     const std::string& path = choice.path;
     if (path.empty()) throw UsageError(option + ": the path is empty");
     // readFile takes "-" for standard input; a font is always a file.
-    const std::string content = readFile(option, path == "-" ? "./-" : path, kMaxFontBytes);
+    const std::string content = readFile(option, path == "-" ? "./-" : path, kMaxFontBytes, choice.scope);
     if (content.empty()) throw Failure(option + ": '" + path + "' is empty");
     if (content.compare(0, 4, "wOFF") == 0 || content.compare(0, 4, "wOF2") == 0) {
         throw Failure(option + ": '" + path + "' is a compressed font (WOFF); unpack it to .ttf or .otf");
@@ -323,6 +323,8 @@ std::shared_ptr<const LoadedFont> loadFont(const std::string& option, const Font
     static std::map<Key, std::shared_ptr<const LoadedFont>> loaded;
     const Key key(choice.path, choice.index, choice.instance, choice.variations, axes);
     const auto found = loaded.find(key);
+    // Loaded for who may read more, perhaps.
+    if (found != loaded.end() && !choice.scope.isAnywhere()) choice.scope.openFile(option, choice.path);
     if (found != loaded.end()) return found->second;
     return loaded[key] = readFont(option, choice, axesOption, axes, loaded.size());
 }

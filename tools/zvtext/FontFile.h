@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "platform/host/FontFace.h"
+#include "tools/zvtext/FolderScope.h"
 
 namespace zvtext {
 
@@ -19,6 +20,7 @@ struct FontChoice {
     int index = 0;           // in a collection
     unsigned instance = 0;   // the named instance whose places its axes take, from 1; 0: their defaults
     std::string variations;  // "wght=650,opsz=20", these win over the instance's places
+    FolderScope scope;       // where the file may lie
 
     std::string name() const;  // "FILE", or "FILE#INDEX" where the index is not 0
 };

@@ -19,6 +19,7 @@ struct InspectFontArguments {
 
 struct InspectStyleArguments {
     std::string style, size, width = "1920", height = "1080";
+    ReadOptions reads;
     bool json = false;
 };
 

@@ -76,7 +76,7 @@ void runInspectStyle(const InspectStyleArguments& a) {
     const bool preset = std::any_of(presets().begin(), presets().end(),
                                     [&](const Preset& candidate) { return a.style == candidate.name; });
     const StyleNotes notes =
-        preset ? readPreset("STYLE", a.style, style) : readStyle("STYLE", a.style, style);
+        preset ? readPreset("STYLE", a.style, style) : readStyle("STYLE", a.style, style, a.reads);
     if (!a.size.empty()) readValue("--size", fieldsOf(style)[0], a.size);
     fitEffects(style);
     const int width = parseInteger("--width", a.width, 1, kMaxSide);
@@ -115,6 +115,7 @@ void addInspectStyle(CLI::App& inspect, InspectStyleArguments& a) {
         ->type_name("PX")
         ->capture_default_str();
     command->add_option("--height", a.height, "Its height")->type_name("PX")->capture_default_str();
+    addReadOptions(*command, a.reads, "the style file");
     command->add_flag("--json", a.json, "Print one JSON object");
     command->footer(
         "Examples:\n"

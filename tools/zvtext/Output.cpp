@@ -108,12 +108,12 @@ void writeRendering(const Rendering& rendering, const std::string& path, const O
     } else {
         picture = encode(rendering.picture, format, options.dpi, option);
     }
-    std::vector<NewFile> files = {{picture, path, option}};
+    std::vector<NewFile> files = {{picture, path, option, options.scope}};
     const std::string metricsOption = "--metrics";
     std::string metrics;
     if (!options.metrics.empty()) {
         metrics = writeMetrics(rendering.metrics);
-        files.push_back({metrics, options.metrics, metricsOption});
+        files.push_back({metrics, options.metrics, metricsOption, options.scope});
     }
     writeFiles(files);
 }

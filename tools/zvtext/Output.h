@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 
+#include "tools/zvtext/FolderScope.h"
 #include "tools/zvtext/PngWriter.h"
 #include "tools/zvtext/Rendering.h"
 #include "tools/zvtext/Values.h"
@@ -26,6 +27,7 @@ struct OutputOptions {
     double dpi = kPointsPerInch;  // pixels an inch; only PNG files say it
     bool premultiplied = false;   // colours multiplied by alpha, to the nearest; the formats do not say it
     std::string metrics;  // path of a JSON file beside the picture, "-" for standard output; empty: none
+    FolderScope scope;    // where the files may go
 };
 
 // Throws UsageError where no rendering could be written to `path` with these options, so that one need not

@@ -12,6 +12,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <memory>
 #include <utility>
 
@@ -20,6 +21,8 @@
 namespace zvtext {
 
 namespace {
+
+namespace fs = std::filesystem;
 
 // Behind the output's name; mkstemp replaces the Xs.
 const std::string kTemporarySuffix = ".zvtext-XXXXXX";
@@ -72,7 +75,9 @@ public:
     // Writes a regular file's content to a temporary name beside it.
     explicit StagedFile(const NewFile& file) : mFile(file), mTarget(file.path), mStream(file.path == "-") {
         struct stat existing;
-        if (!mStream && stat(file.path.c_str(), &existing) == 0) {
+        if (!file.scope.isAnywhere()) {
+            findTarget();
+        } else if (!mStream && stat(file.path.c_str(), &existing) == 0) {
             if (S_ISDIR(existing.st_mode)) {
                 throw Failure(file.option + ": '" + file.path + "' is a folder");
             }
@@ -95,6 +100,7 @@ public:
     }
     StagedFile(StagedFile&& other) noexcept
         : mFile(other.mFile),
+          mFolder(std::move(other.mFolder)),
           mTarget(std::move(other.mTarget)),
           mTemporary(std::exchange(other.mTemporary, "")),
           mStream(other.mStream),
@@ -126,11 +132,32 @@ public:
     }
 
 private:
+    // Finds the target by its folder's descriptor: whatever becomes of the names on the way to it, the file
+    // goes into the folder that was checked.
+    void findTarget() {
+        const FolderScope& scope = mFile.scope;
+        fs::path target = fs::path(mFile.path);
+        const Descriptor existing(open(mFile.path.c_str(), O_PATH | O_CLOEXEC));
+        struct stat status = {};
+        if (existing && fstat(existing.number(), &status) == 0) {
+            if (!scope.holds(existing)) throw Failure(scope.refusal(mFile.option, mFile.path));
+            if (!S_ISREG(status.st_mode)) {
+                throw Failure(mFile.option + ": '" + mFile.path + "' is " +
+                              (S_ISDIR(status.st_mode) ? "a folder" : "no regular file"));
+            }
+            const std::string resolved = resolvedPath(mFile.path);
+            if (!resolved.empty()) target = resolved;
+        }
+        mFolder = scope.makeFolder(mFile.option, target.parent_path());
+        mTarget = mFolder.name() + "/" + target.filename().string();
+    }
+
     void removeTemporary() {
         if (!mTemporary.empty()) unlink(mTemporary.c_str());
     }
 
     const NewFile mFile;
+    Descriptor mFolder;      // the target's, in a scope that is not anywhere
     std::string mTarget;     // behind a link, the file it leads to
     std::string mTemporary;  // empty where there is none
     bool mStream;
@@ -160,7 +187,10 @@ void writeFiles(const std::vector<NewFile>& files) {
     }
 }
 
-void removeTemporaries(const std::string& folder) {
+void removeTemporaries(const std::string& path, const FolderScope& scope) {
+    const Descriptor opened(open(path.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
+    if (!opened || !(scope.isAnywhere() || scope.holds(opened))) return;
+    const std::string folder = opened.name();
     const std::unique_ptr<DIR, int (*)(DIR*)> entries(opendir(folder.c_str()), closedir);
     while (const dirent* entry = entries ? readdir(entries.get()) : nullptr) {
         if (!isTemporary(entry->d_name)) continue;

@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "tools/zvtext/FolderScope.h"
+
 namespace zvtext {
 
 // Writes `content` to `path`. The file appears there only when it is whole: it is written to a temporary name
@@ -15,17 +17,19 @@ namespace zvtext {
 void writeFile(const std::string& content, const std::string& path, const std::string& option);
 
 // Several files in the same way, all of them or none: the first to be renamed is so when every other is whole
-// as well, and what goes to devices, pipes and standard output has been written.
+// as well, and what goes to devices, pipes and standard output has been written. In a scope that is not
+// anywhere only regular files are replaced, and folders that are missing are made.
 struct NewFile {
     const std::string& content;
     const std::string& path;
     const std::string& option;
+    FolderScope scope = {};
 };
 void writeFiles(const std::vector<NewFile>& files);
 
-// Removes the temporary files that killed processes have left in the folder; those of a process that lives
-// stay. What cannot be removed is left.
-void removeTemporaries(const std::string& folder);
+// Removes the temporary files that killed processes have left in the folder, if it is one of the scope's;
+// those of a process that lives stay. What cannot be removed is left.
+void removeTemporaries(const std::string& folder, const FolderScope& scope);
 
 }  // namespace zvtext
 

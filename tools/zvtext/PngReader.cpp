@@ -92,8 +92,8 @@ private:
 
 }  // namespace
 
-Picture readPng(const std::string& option, const std::string& path) {
-    const std::string bytes = readFile(option, path == "-" ? "./-" : path, kMaxPngBytes);
+Picture readPng(const std::string& option, const std::string& path, const FolderScope& scope) {
+    const std::string bytes = readFile(option, path == "-" ? "./-" : path, kMaxPngBytes, scope);
     const std::string name = option + ": '" + path + "'";
     PngDecoder decoder(bytes);
     if (!decoder.readHeader()) throw Failure(name + " is no PNG that can be read: " + decoder.error());

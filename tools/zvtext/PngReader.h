@@ -5,6 +5,7 @@
 #include <string>
 
 #include "raster/ZvBitmap.h"
+#include "tools/zvtext/FolderScope.h"
 #include "tools/zvtext/Picture.h"
 
 namespace zvtext {
@@ -16,8 +17,8 @@ constexpr int64_t kMaxPngPixels = 64'000'000;
 // Reads a PNG of any colour type and depth, interlaced or not: grey becomes red, green and blue, 16 bits
 // become the nearest 8, a transparent colour or palette entry becomes alpha. Gamma and colour profiles are
 // not applied. Throws Failure with one line that starts with `option` where the file cannot be read, is no
-// PNG, is damaged or cut short, or is too large.
-Picture readPng(const std::string& option, const std::string& path);
+// PNG, is damaged or cut short, is too large, or lies outside `scope`.
+Picture readPng(const std::string& option, const std::string& path, const FolderScope& scope = {});
 
 // The picture in the layout that the pattern effect reads: 4 bytes a pixel, alpha, red, green, blue,
 // straight. Throws std::bad_alloc.

@@ -138,6 +138,7 @@ void addSceneOptions(CLI::App& command, RenderArguments& a) {
     addTextOptions(command, a);
     addViewOptions(command, a);
     addStyleOptions(command, a);
+    addReadOptions(command, a.reads, "a style file");
 }
 
 void addRenderOptions(CLI::App& command, RenderArguments& a) {
@@ -181,12 +182,14 @@ Style readStyleParts(const RenderArguments& arguments) {
         if (kind != nullptr) {
             EffectSettings settings = parseEffect("--" + name, *kind, value);
             style.designedFor.erase(settings.index());
+            if (auto* pattern = std::get_if<PatternSettings>(&settings))
+                pattern->scope = arguments.scopes.style;
             addOrReplace(style.effects, std::move(settings));
         }
         if (name == "style" && value.rfind('{', 0) == 0) {
-            readStyleText("--style", value, style);
+            readStyleText("--style", value, style, arguments.scopes.style);
         } else if (name == "style") {
-            readStyle("--style", value, style);
+            readStyle("--style", value, style, arguments.reads, arguments.scopes.style);
         }
         if (name == "preset") readPreset("--preset", value, style);
     }
@@ -211,6 +214,8 @@ Scene readScene(const RenderArguments& arguments) {
     scene.font = arguments.font;
     scene.axes = arguments.axes;
     scene.fallbacks = arguments.fallbacks;
+    scene.fontScope = arguments.scopes.font;
+    scene.fallbackScope = arguments.scopes.fallbacks;
     scene.systemFallback = !arguments.noFallback;
     scene.style = readStyleOptions(arguments);
     if (!arguments.width.empty()) scene.width = parseInteger("--width", arguments.width, 1, kMaxSide);
@@ -231,7 +236,8 @@ Scene readScene(const RenderArguments& arguments) {
     if (!arguments.text.empty() && !arguments.textFile.empty()) {
         throw UsageError("--text-file: the text is given as an argument already");
     }
-    scene.text = readText(arguments.text, arguments.textFile, arguments.literalText);
+    scene.text =
+        readText(arguments.text, arguments.textFile, arguments.literalText, arguments.scopes.textFile);
     return scene;
 }
 

@@ -32,6 +32,12 @@ struct RenderArguments {
     Style start;  // what they change
 
     bool literalText = false;  // the text "-" is a dash, not standard input
+
+    ReadOptions reads;  // of the style files
+    // Where the files may lie that these name.
+    struct {
+        FolderScope textFile, font, fallbacks, style;
+    } scopes;
 };
 
 // Declares the options of render on `command`; parsing fills `arguments`, which outlives it.

@@ -21,7 +21,8 @@ struct Scene {
     std::string font;                    // as chooseFont reads it
     std::string axes;                    // of that font, "wght=650,opsz=20"; empty: as it stands
     std::vector<std::string> fallbacks;  // the fonts asked next, in this order; as chooseFont reads them
-    bool systemFallback = true;          // the system's fonts behind these
+    FolderScope fontScope, fallbackScope;
+    bool systemFallback = true;  // the system's fonts behind these
     Style style;
     int width = 0;   // of the view, padding included; 0: as wide as the widest line
     int height = 0;  // of the view, padding included; 0: as high as the lines shown

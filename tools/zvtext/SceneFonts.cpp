@@ -233,9 +233,10 @@ void addSystemFonts(SceneFonts& scene, const std::vector<Cluster>& clusters, con
 
 SceneFonts takeFonts(const Scene& scene) {
     SceneFonts taken;
-    taken.fonts.push_back(loadFont("--font", chooseFont("--font", scene.font), "--axes", scene.axes));
+    taken.fonts.push_back(
+        loadFont("--font", chooseFont("--font", scene.font, scene.fontScope), "--axes", scene.axes));
     for (const std::string& name : scene.fallbacks) {
-        taken.fonts.push_back(loadFont("--fallback", chooseFont("--fallback", name)));
+        taken.fonts.push_back(loadFont("--fallback", chooseFont("--fallback", name, scene.fallbackScope)));
     }
     taken.given = taken.fonts.size();
     setFallbacks(taken.fonts);

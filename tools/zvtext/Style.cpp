@@ -126,7 +126,7 @@ std::string wantedInJson(const Field& field) {
 
 class StyleReader {
 public:
-    explicit StyleReader(fs::path folder) : mFolder(std::move(folder)) {}
+    StyleReader(fs::path folder, const FolderScope& scope) : mFolder(std::move(folder)), mScope(scope) {}
 
     StyleNotes read(const Json& json, Style& style) const {
         StyleNotes notes;
@@ -235,6 +235,7 @@ private:
             const fs::path path = text();
             if (path.empty()) refuseValue();
             *field.value = path.is_absolute() ? path.string() : (reader.mFolder / path).string();
+            *field.scope = reader.mScope;
         }
         // Colours, choices and texts are written as on the command line.
         template <typename AsText>
@@ -244,6 +245,7 @@ private:
     };
 
     fs::path mFolder;
+    const FolderScope& mScope;  // of the files it names
 };
 
 // --- Writing
@@ -275,9 +277,9 @@ struct WriteValue {
 };
 
 StyleNotes readContent(const std::string& where, const std::string& text, const fs::path& folder,
-                       Style& style) {
+                       const FolderScope& scope, Style& style) {
     try {
-        return StyleReader(folder).read(parseJson(text), style);
+        return StyleReader(folder, scope).read(parseJson(text), style);
     } catch (const UsageError& error) {
         throw Failure(where + ": " + error.what());
     }
@@ -310,16 +312,22 @@ Fields fieldsOf(StyleNotes& notes) {
             {"designed-for", NumberField{&notes.designedFor, kTextSize}}};
 }
 
-StyleNotes readStyle(const std::string& option, const std::string& path, Style& style) {
-    const std::string text = readFile(option, path, kMaxStyleBytes);
+StyleNotes readStyle(const std::string& option, const std::string& path, Style& style,
+                     const ReadOptions& reads, const FolderScope& scope) {
+    const std::string text = readFile(option, path, kMaxStyleBytes, scope);
     const std::string where = option + ": " + (path == "-" ? "standard input" : "'" + path + "'");
-    return readContent(where, text, fs::path(path).parent_path(), style);
+    const fs::path folder = fs::path(path).parent_path();
+    // A name that leads back into the scope may begin outside, and its folder is not the style's then.
+    std::vector<std::string> own;
+    const std::string resolved = resolvedPath(folder.empty() ? "." : folder.string());
+    if (!resolved.empty() && scope.holds(resolved)) own.push_back(resolved);
+    return readContent(where, text, folder, reads.scopeWith(own, "a style"), style);
 }
 
 StyleNotes readPreset(const std::string& option, const std::string& name, Style& style) {
     std::string names;
     for (const Preset& preset : presets()) {
-        if (name == preset.name) return readContent(option + ": '" + name + "'", preset.json, {}, style);
+        if (name == preset.name) return readContent(option + ": '" + name + "'", preset.json, {}, {}, style);
         names += (names.empty() ? "" : ", ") + std::string(preset.name);
     }
     throw UsageError(option + ": '" + name + "' is not one of " + names);
@@ -356,9 +364,10 @@ void fitEffects(Style& style) {
     style.designedFor.clear();
 }
 
-void readStyleText(const std::string& option, const std::string& text, Style& style) {
+void readStyleText(const std::string& option, const std::string& text, Style& style,
+                   const FolderScope& scope) {
     try {
-        StyleReader("").read(parseJson(text), style);
+        StyleReader("", scope).read(parseJson(text), style);
     } catch (const UsageError& error) {
         throw UsageError(option + ": " + error.what());
     }

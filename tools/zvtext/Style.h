@@ -10,6 +10,7 @@
 
 #include "tools/zvtext/Effects.h"
 #include "tools/zvtext/Fields.h"
+#include "tools/zvtext/FolderScope.h"
 
 namespace zvtext {
 
@@ -45,14 +46,17 @@ Fields fieldsOf(StyleNotes& notes);
 //
 // Numbers and opacities are numbers, choices and colours strings as on the command line; stops are objects
 // {"color", "position", "opacity"} and highlight and shadow objects {"color", "opacity"}. Nothing has to be
-// there; what an effect leaves out has its start value. A pattern's file is relative to the style's folder.
+// there; what an effect leaves out has its start value. A pattern's file is relative to the style's folder
+// and lies there or below.
 // Comments, // and /* */, may stand wherever a space may. With "designed-for" the effects grow and shrink
 // with the text: what is 8 pixels for a text of 100 is 24 for one of 300.
 
 // Reads a style file into `style`, "-" being standard input: what the file sets is replaced, its effects are
 // added or replace those of their kind. Throws Failure with one line that starts with `option` and names the
-// file, the place in it ("effects[2].stops[0].position") and what is accepted there.
-StyleNotes readStyle(const std::string& option, const std::string& path, Style& style);
+// file, the place in it ("effects[2].stops[0].position") and what is accepted there. The file itself lies in
+// `scope`; patterns are looked for where `reads` allows it as well, once they are drawn.
+StyleNotes readStyle(const std::string& option, const std::string& path, Style& style,
+                     const ReadOptions& reads = {}, const FolderScope& scope = {});
 
 // The same with one of the presets; throws UsageError, which lists them, where there is none of that name.
 StyleNotes readPreset(const std::string& option, const std::string& name, Style& style);
@@ -62,8 +66,9 @@ StyleNotes readPreset(const std::string& option, const std::string& name, Style&
 void fitEffects(Style& style);
 
 // The same from the text itself, which messages do not repeat; a pattern's file is relative to the working
-// folder. Throws UsageError.
-void readStyleText(const std::string& option, const std::string& text, Style& style);
+// folder and lies in `scope`. Throws UsageError.
+void readStyleText(const std::string& option, const std::string& text, Style& style,
+                   const FolderScope& scope = {});
 
 // The style as a file's content. Reading it gives the same style; the paths of patterns become absolute.
 // Throws Failure where a text is not UTF-8.

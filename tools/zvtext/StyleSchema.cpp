@@ -38,8 +38,9 @@ struct OfValue {
     Json operator()(const StopsField&) const { return {{"$ref", "#/$defs/stops"}}; }
     Json operator()(const TextField&) const { return {{"type", "string"}}; }
     Json operator()(const FileField&) const {
-        return {
-            {"type", "string"}, {"minLength", 1}, {"description", "a PNG, relative to the style's folder"}};
+        return {{"type", "string"},
+                {"minLength", 1},
+                {"description", "a PNG in the style's folder or below, relative to it"}};
     }
 };
 

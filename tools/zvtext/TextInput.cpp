@@ -1,14 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "tools/zvtext/TextInput.h"
 
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unicode/utf8.h>
+#include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdint>
-#include <cstdio>
 #include <cstring>
-#include <memory>
 
 #include "tools/zvtext/Failure.h"
 
@@ -41,36 +42,43 @@ size_t findInvalidUtf8(const std::string& text) {
     return std::string::npos;
 }
 
-std::string readFile(const std::string& option, const std::string& path, size_t maxBytes) {
+std::string readFile(const std::string& option, const std::string& path, size_t maxBytes,
+                     const FolderScope& scope) {
     const bool standardInput = path == "-";
     const std::string name = standardInput ? "standard input" : "'" + path + "'";
-    struct stat status = {};
-    const bool known = !standardInput && stat(path.c_str(), &status) == 0;
-    if (known && S_ISDIR(status.st_mode)) throw Failure(option + ": " + name + " is a folder");
-    const auto refuseSize = [&] {
-        throw Failure(option + ": " + name + " is larger than " + std::to_string(maxBytes) + " bytes");
-    };
-    // A file says its size, which saves reading one that is too large and copying while the text grows.
-    const auto size = known && S_ISREG(status.st_mode) ? static_cast<uint64_t>(status.st_size) : 0;
-    if (size > maxBytes) refuseSize();
-    std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(
-        standardInput ? stdin : std::fopen(path.c_str(), "rb"), standardInput ? std::fflush : std::fclose);
-    if (!file) throw Failure(option + ": cannot read " + name + ": " + std::strerror(errno));
-    std::string content;
-    content.reserve(static_cast<size_t>(size));
-    char block[65536];
-    for (;;) {
-        const size_t got = std::fread(block, 1, sizeof block, file.get());
-        content.append(block, got);
-        if (content.size() > maxBytes) refuseSize();
-        if (got < sizeof block) break;
-    }
-    if (std::ferror(file.get()))
+    const auto refuse = [&] {
         throw Failure(option + ": cannot read " + name + ": " + std::strerror(errno));
+    };
+    Descriptor file;
+    if (!standardInput) {
+        file = scope.isAnywhere() ? Descriptor(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY))
+                                  : scope.openFile(option, path);
+        if (!file) refuse();
+    }
+    const int descriptor = standardInput ? STDIN_FILENO : file.number();
+    struct stat status = {};
+    if (fstat(descriptor, &status) != 0) refuse();
+    if (S_ISDIR(status.st_mode)) throw Failure(option + ": " + name + " is a folder");
+    // A file says its size, which saves reading one that is too large and copying while the text grows.
+    // Standard input may stand in the midst of one.
+    const bool known = !standardInput && S_ISREG(status.st_mode);
+    const auto size = known ? static_cast<uint64_t>(status.st_size) : 0;
+    std::string content;
+    if (size <= maxBytes) content.reserve(static_cast<size_t>(size));
+    char block[65536];
+    for (ssize_t got = 1; size <= maxBytes && got != 0 && content.size() <= maxBytes;) {
+        got = read(descriptor, block, sizeof block);
+        if (got < 0 && errno != EINTR) refuse();
+        content.append(block, static_cast<size_t>(std::max<ssize_t>(got, 0)));
+    }
+    if (std::max<uint64_t>(size, content.size()) > maxBytes) {
+        throw Failure(option + ": " + name + " is larger than " + std::to_string(maxBytes) + " bytes");
+    }
     return content;
 }
 
-std::string readText(const std::string& argument, const std::string& file, bool literal) {
+std::string readText(const std::string& argument, const std::string& file, bool literal,
+                     const FolderScope& scope) {
     if (file.empty() && (literal || argument != "-")) {
         const std::string why = fault(argument);
         if (!why.empty()) throw UsageError("TEXT: " + why);
@@ -78,7 +86,7 @@ std::string readText(const std::string& argument, const std::string& file, bool 
         return argument;
     }
     const std::string option = file.empty() ? "TEXT" : "--text-file";
-    const std::string raw = readFile(option, file.empty() ? "-" : file, kMaxTextBytes);
+    const std::string raw = readFile(option, file.empty() ? "-" : file, kMaxTextBytes, scope);
     std::string text;
     text.reserve(raw.size());
     for (size_t i = 0; i < raw.size(); ++i) {

@@ -1,0 +1,130 @@
+// SPDX-License-Identifier: Apache-2.0
+// What is opened is what was checked: a descriptor that opens nothing yet (O_PATH) is got first, the kernel
+// is asked where the file lies that it stands for, and that very file is then opened through it. A check of
+// the path alone could be undone by who swaps a folder for a link between the check and the opening.
+#include "tools/zvtext/FolderScope.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cerrno>
+#include <climits>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <memory>
+
+#include "tools/zvtext/Failure.h"
+
+namespace zvtext {
+
+namespace {
+
+// Where the file lies that the descriptor stands for. Empty where that cannot be told, as without /proc.
+std::string placeOf(const Descriptor& descriptor) {
+    std::string place(PATH_MAX, '\0');
+    const ssize_t length = readlink(descriptor.name().c_str(), &place[0], place.size());
+    place.resize(static_cast<size_t>(std::clamp<ssize_t>(length, 0, PATH_MAX)));
+    return place.size() < PATH_MAX ? place : "";
+}
+
+}  // namespace
+
+Descriptor::~Descriptor() {
+    if (mNumber >= 0) close(mNumber);
+}
+
+std::string resolvedPath(const std::string& path) {
+    const std::unique_ptr<char, void (*)(void*)> real(realpath(path.c_str(), nullptr), std::free);
+    return real != nullptr ? real.get() : "";
+}
+
+FolderScope::FolderScope(const std::vector<std::string>& folders, std::string user)
+    : mAnywhere(false), mUser(std::move(user)) {
+    for (const std::string& folder : folders) {
+        std::string real = resolvedPath(folder.empty() ? "." : folder);
+        if (!real.empty() && !holds(real)) mFolders.push_back(std::move(real));
+    }
+}
+
+bool FolderScope::holds(const std::string& resolved) const {
+    return mAnywhere || std::any_of(mFolders.begin(), mFolders.end(), [&](const std::string& folder) {
+               const size_t length = folder == "/" ? 0 : folder.size();
+               return resolved.compare(0, length, folder, 0, length) == 0 &&
+                      (resolved.size() == length || resolved[length] == '/');
+           });
+}
+
+bool FolderScope::holds(const Descriptor& descriptor) const {
+    const std::string place = placeOf(descriptor);
+    return !place.empty() && place[0] == '/' && holds(place);
+}
+
+std::string FolderScope::refusal(const std::string& option, const std::string& path) const {
+    std::string list;
+    for (const std::string& folder : mFolders) list += (list.empty() ? "'" : " and '") + folder + "'";
+    if (list.empty()) list = "every folder";
+    return option + ": '" + path + "' lies outside " + list + ", where " + mUser;
+}
+
+Descriptor FolderScope::openFile(const std::string& option, const std::string& path) const {
+    const Descriptor found(open(path.c_str(), O_PATH | O_CLOEXEC));
+    const int error = errno;
+    if (!found) {
+        // Of what lies outside it is not even said whether it is there.
+        std::error_code ignored;
+        const std::string plain = std::filesystem::absolute(path, ignored).lexically_normal();
+        if (!holds(plain)) throw Failure(refusal(option, path));
+        throw Failure(option + ": cannot read '" + path + "': " + std::strerror(error));
+    }
+    if (!holds(found)) throw Failure(refusal(option, path));
+    struct stat status = {};
+    if (fstat(found.number(), &status) != 0 || !S_ISREG(status.st_mode)) {
+        throw Failure(option + ": '" + path + "' is " +
+                      (S_ISDIR(status.st_mode) ? "a folder"
+                                               : "no regular file; --allow-read-anywhere lets it be read"));
+    }
+    Descriptor file(open(found.name().c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK));
+    if (!file) throw Failure(option + ": cannot read '" + path + "': " + std::strerror(errno));
+    return file;
+}
+
+Descriptor FolderScope::makeFolder(const std::string& option, const std::string& path) const {
+    const std::filesystem::path plain = std::filesystem::path(path).lexically_normal();
+    constexpr int kFlags = O_PATH | O_DIRECTORY | O_CLOEXEC;
+    Descriptor folder(open(plain.empty() ? "." : plain.c_str(), kFlags));
+    if (!folder && errno == ENOENT && plain.has_filename()) {
+        // Made within the folder around it, which is opened and checked by then.
+        const Descriptor around = makeFolder(option, plain.parent_path());
+        const std::string name = plain.filename();
+        if (mkdirat(around.number(), name.c_str(), 0777) == 0 || errno == EEXIST) {
+            folder = Descriptor(openat(around.number(), name.c_str(), kFlags));
+        }
+    }
+    if (!folder) throw Failure(option + ": cannot make '" + path + "': " + std::strerror(errno));
+    if (!holds(folder)) throw Failure(refusal(option, path));
+    return folder;
+}
+
+FolderScope ReadOptions::scopeWith(std::vector<std::string> own, const std::string& user) const {
+    if (anywhere) return FolderScope();
+    own.insert(own.end(), folders.begin(), folders.end());
+    return FolderScope(own, user + " may read; --allow-read DIR adds a folder");
+}
+
+void addReadOptions(CLI::App& command, ReadOptions& reads, const std::string& namers) {
+    command
+        .add_option("--allow-read", reads.folders,
+                    "Let " + namers + " name files in this folder and below it; give it again for more")
+        ->type_name("DIR")
+        ->check(CLI::Validator(CLI::ExistingDirectory).description(""))
+        ->take_all()
+        ->allow_extra_args(false);
+    command.add_flag("--allow-read-anywhere", reads.anywhere,
+                     "Let " + namers + " name any file, pipes and devices too");
+}
+
+}  // namespace zvtext
