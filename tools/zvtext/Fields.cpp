@@ -63,7 +63,12 @@ struct ReadText {
         }
         *field.value = std::move(stops);
     }
-    void operator()(const TextField& field) const { *field.value = text; }
+    void operator()(const TextField& field) const {
+        if (text.size() > kMaxFieldBytes) {
+            throw UsageError(where + ": it is longer than " + std::to_string(kMaxFieldBytes) + " bytes");
+        }
+        *field.value = text;
+    }
     void operator()(const FileField& field) const {
         if (text.empty()) refuse();
         *field.value = text;

@@ -33,6 +33,7 @@ struct Stop {
 };
 
 constexpr size_t kMaxStops = 256;
+constexpr size_t kMaxFieldBytes = 4096;  // of a text; every line is shaped with every feature of a list
 
 struct NumberField {
     double* value;

@@ -18,7 +18,7 @@ namespace zvtext {
 
 namespace {
 
-constexpr size_t kMaxFontBytes = size_t{1} << 30;
+constexpr size_t kMaxFontBytes = size_t{256} << 20;  // more than twice the largest collections
 constexpr unsigned kMaxInstances = 1000;
 constexpr unsigned kMaxAxes = 64;
 

@@ -39,6 +39,9 @@ public:
         if (setjmp(png_jmpbuf(mPng)) != 0) return false;
         png_set_read_fn(mPng, this, onRead);
         png_set_user_limits(mPng, 0x7fffffff, 0x7fffffff);  // ours are checked by the caller
+        // Texts, profiles and all else that the pixels do not need (tRNS they do): compressed ones could fill
+        // the memory, a thousand of them 8 MB each by libpng's own limits.
+        png_set_keep_unknown_chunks(mPng, PNG_HANDLE_CHUNK_NEVER, nullptr, -1);
         png_read_info(mPng, mInfo);
         return true;
     }
@@ -103,15 +106,14 @@ Picture readPng(const std::string& option, const std::string& path, const Folder
                       " pixels; at most " + std::to_string(kMaxPngSide) + " a side and " +
                       std::to_string(kMaxPngPixels) + " in all");
     }
-    std::vector<uint8_t> rgba(size_t{width} * height * 4);
-    if (!decoder.readRows(rgba.data())) throw Failure(name + " is damaged: " + decoder.error());
-
     Picture picture;
     picture.width = static_cast<int>(width);
     picture.height = static_cast<int>(height);
     picture.pixels.resize(size_t{width} * height);
+    auto* rgba = reinterpret_cast<uint8_t*>(picture.pixels.data());
+    if (!decoder.readRows(rgba)) throw Failure(name + " is damaged: " + decoder.error());
     for (size_t i = 0; i < picture.pixels.size(); ++i) {
-        const uint8_t* p = rgba.data() + 4 * i;
+        const uint8_t* p = rgba + 4 * i;
         picture.pixels[i] = uint32_t{p[3]} << 24 | uint32_t{p[0]} << 16 | uint32_t{p[1]} << 8 | p[2];
     }
     return picture;

@@ -15,6 +15,7 @@ namespace zvtext {
 namespace {
 
 constexpr char kDefaultOutput[] = "zvtext.png";
+constexpr size_t kMaxFallbacks = 256;  // each is held in the memory
 
 template <typename Value>
 Value parseChoice(const std::string& option, const std::string& text,
@@ -210,6 +211,10 @@ Style readStyleOptions(const RenderArguments& arguments) {
 
 Scene readScene(const RenderArguments& arguments) {
     if (arguments.font.empty()) throw UsageError("--font: is required, a font file or a name");
+    if (arguments.fallbacks.size() > kMaxFallbacks) {
+        throw UsageError("--fallback: " + std::to_string(arguments.fallbacks.size()) +
+                         " fonts are more than " + std::to_string(kMaxFallbacks));
+    }
     Scene scene;
     scene.font = arguments.font;
     scene.axes = arguments.axes;

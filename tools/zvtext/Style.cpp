@@ -21,6 +21,8 @@ namespace fs = std::filesystem;
 constexpr size_t kMaxStyleBytes = size_t{4} << 20;
 constexpr NumberRange kTextSize = {0, 10000, "px", true, true};
 constexpr size_t kMaxDepth = 16;  // a style needs four
+// Of the parser, which walks over earlier values time and again. Four effects full of stops make about 8000.
+constexpr size_t kMaxEvents = 20'000;
 
 // Within a style, everything that is wrong is a UsageError whose message starts with the place; readStyle
 // puts the file in front.
@@ -42,6 +44,7 @@ class KeyWatch {
 public:
     bool operator()(int, Json::parse_event_t event, Json& parsed) {
         using Event = Json::parse_event_t;
+        if (++mEvents > kMaxEvents) refuse("", "it has too many keys and values");
         switch (event) {
             case Event::object_start:
             case Event::array_start:
@@ -85,6 +88,7 @@ private:
     }
 
     std::vector<Level> mLevels;
+    size_t mEvents = 0;
 };
 
 Json parseJson(const std::string& text) {
