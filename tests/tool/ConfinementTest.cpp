@@ -121,11 +121,14 @@ TEST_F(Confinement, ALineNamesFilesBesideTheLinesAndBelow) {
     write("in/deep/up.json", styleOf("../tile.png"));
     write("in/start.json", styleOf("../secret/tile.png"));
     fs::create_symlink(file("in/good.json"), file("secret/link.json"));  // back in, from a folder that is not
-    const Json inside[] = {
-        {{"font", here + "/in/font.ttf"}},       {{"font", "DejaVu Sans:bold"}},
-        {{"fallback", {here + "/in/font.ttf"}}}, {{"text-file", here + "/in/text"}, {"text", nullptr}},
-        {{"style", here + "/in/good.json"}},     {{"style", Json::parse(styleOf(here + "/in/tile.png"))}},
-        {{"pattern", here + "/in/tile.png"}}};
+    const Json inside[] = {{{"font", here + "/in/font.ttf"}},
+                           {{"font", "DejaVu Sans:bold"}},
+                           {{"font", kFont}},
+                           {{"fallback", {here + "/in/font.ttf"}}},
+                           {{"text-file", here + "/in/text"}, {"text", nullptr}},
+                           {{"style", here + "/in/good.json"}},
+                           {{"style", Json::parse(styleOf(here + "/in/tile.png"))}},
+                           {{"pattern", here + "/in/tile.png"}}};
     const Json outside[] = {{{"font", here + "/secret/font.ttf"}},  // loaded already, for the command line
                             {{"font", here + "/secret/none.ttf"}},
                             {{"fallback", {here + "/in/font.ttf", here + "/secret/font.ttf#0"}}},

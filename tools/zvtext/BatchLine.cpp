@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "tools/zvtext/Failure.h"
+#include "tools/zvtext/FontChoice.h"
 
 namespace zvtext {
 
@@ -124,6 +125,15 @@ LineReader::LineReader(const RenderArguments& defaults, FolderScope scope)
     addRenderOptions(mCommand, mArguments);
 }
 
+// Names lead to the system's fonts anyway.
+const FolderScope& LineReader::fontScope() {
+    if (!mFontScope) {
+        mFontScope = mScope;
+        if (!mScope.isAnywhere()) mFontScope->addQuietly(systemFontFolders());
+    }
+    return *mFontScope;
+}
+
 RenderArguments LineReader::read(const std::string& line) {
     const Json json = parseObject(line);
     mArguments = mDefaults;
@@ -138,8 +148,8 @@ RenderArguments LineReader::read(const std::string& line) {
             continue;
         }
         addWords(findOption(mCommand, key), key, value, words);
-        if (key == "font") mArguments.scopes.font = mScope;
-        if (key == "fallback") mArguments.scopes.fallbacks = mScope;
+        if (key == "font") mArguments.scopes.font = fontScope();
+        if (key == "fallback") mArguments.scopes.fallbacks = fontScope();
         if (key == "text-file") mArguments.scopes.textFile = mScope;
         if (key == "text-file" && !json.contains("text")) mArguments.text.clear();
     }

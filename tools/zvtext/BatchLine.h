@@ -30,7 +30,8 @@ class LineReader {
 public:
     // The defaults hold for what a line leaves out. `defaults.start` is their style; effects of a line come
     // behind its effects or replace them, each other setting of a line replaces its own.
-    // Files that lines name lie in `scope`; patterns of the styles among them in the style's folder.
+    // Files that lines name lie in `scope`, fonts in the system's folders for them as well; patterns of the
+    // styles among them in the style's folder.
     explicit LineReader(const RenderArguments& defaults, FolderScope scope = {});
     LineReader(const LineReader&) = delete;
     LineReader& operator=(const LineReader&) = delete;
@@ -40,9 +41,12 @@ public:
     RenderArguments read(const std::string& line);
 
 private:
+    const FolderScope& fontScope();
+
     const RenderArguments mDefaults;
     const FolderScope mScope;
-    RenderArguments mArguments;  // filled by mCommand
+    std::optional<FolderScope> mFontScope;  // and the system's fonts
+    RenderArguments mArguments;             // filled by mCommand
     CLI::App mCommand;
 };
 

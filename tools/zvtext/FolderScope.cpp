@@ -50,12 +50,21 @@ FolderScope::FolderScope(const std::vector<std::string>& folders, std::string us
     }
 }
 
+void FolderScope::addQuietly(const std::vector<std::string>& folders) {
+    for (const std::string& folder : folders) {
+        std::string real = resolvedPath(folder);
+        if (!real.empty()) mQuietFolders.push_back(std::move(real));
+    }
+}
+
 bool FolderScope::holds(const std::string& resolved) const {
-    return mAnywhere || std::any_of(mFolders.begin(), mFolders.end(), [&](const std::string& folder) {
-               const size_t length = folder == "/" ? 0 : folder.size();
-               return resolved.compare(0, length, folder, 0, length) == 0 &&
-                      (resolved.size() == length || resolved[length] == '/');
-           });
+    const auto holdsIt = [&](const std::string& folder) {
+        const size_t length = folder == "/" ? 0 : folder.size();
+        return resolved.compare(0, length, folder, 0, length) == 0 &&
+               (resolved.size() == length || resolved[length] == '/');
+    };
+    return mAnywhere || std::any_of(mFolders.begin(), mFolders.end(), holdsIt) ||
+           std::any_of(mQuietFolders.begin(), mQuietFolders.end(), holdsIt);
 }
 
 bool FolderScope::holds(const Descriptor& descriptor) const {

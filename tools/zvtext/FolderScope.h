@@ -43,6 +43,9 @@ public:
     // Folders that are not there hold nothing. `user` opens the rest of a refusal: "a style may read; ...".
     FolderScope(const std::vector<std::string>& folders, std::string user);
 
+    // Adds folders that refusals do not name.
+    void addQuietly(const std::vector<std::string>& folders);
+
     bool isAnywhere() const { return mAnywhere; }
 
     // Whether the path, without links and dots, is one of the folders or below one.
@@ -64,7 +67,7 @@ public:
 
 private:
     bool mAnywhere = true;
-    std::vector<std::string> mFolders;  // without links and dots
+    std::vector<std::string> mFolders, mQuietFolders;  // without links and dots
     std::string mUser;
 };
 

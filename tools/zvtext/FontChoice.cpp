@@ -294,6 +294,16 @@ FontChoice chooseFont(const std::string& option, const std::string& text, const 
     return known != answers.end() ? known->second : answers[text] = matchFont(option, text);
 }
 
+std::vector<std::string> systemFontFolders() {
+    std::vector<std::string> folders;
+    const std::unique_ptr<FcStrList, void (*)(FcStrList*)> list(FcConfigGetConfigDirs(fontconfig()),
+                                                                FcStrListDone);
+    while (const FcChar8* folder = list != nullptr ? FcStrListNext(list.get()) : nullptr) {
+        folders.emplace_back(reinterpret_cast<const char*>(folder));
+    }
+    return folders;
+}
+
 std::vector<FontChoice> systemFontsFor(const std::vector<uint32_t>& characters, const std::string& language,
                                        const FontFacts& like) {
     constexpr size_t kMost = 8;

@@ -24,6 +24,9 @@ constexpr char kAxesHelp[] = "Where the axes of a variable font stand, such as w
 // at a time.
 FontChoice chooseFont(const std::string& option, const std::string& text, const FolderScope& scope = {});
 
+// The folders in which fontconfig looks for fonts, with what is below them.
+std::vector<std::string> systemFontFolders();
+
 // The system's fonts that have all the characters, best first, at most eight: in fontconfig's order for a
 // text in `language` (never the user's own, so that a text looks the same for everybody) beside a font like
 // this one. Empty without fontconfig's configuration.
