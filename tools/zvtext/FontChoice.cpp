@@ -296,7 +296,7 @@ FontChoice chooseFont(const std::string& option, const std::string& text, const 
 
 std::vector<std::string> systemFontFolders() {
     std::vector<std::string> folders;
-    const std::unique_ptr<FcStrList, void (*)(FcStrList*)> list(FcConfigGetConfigDirs(fontconfig()),
+    const std::unique_ptr<FcStrList, void (*)(FcStrList*)> list(FcConfigGetFontDirs(fontconfig()),
                                                                 FcStrListDone);
     while (const FcChar8* folder = list != nullptr ? FcStrListNext(list.get()) : nullptr) {
         folders.emplace_back(reinterpret_cast<const char*>(folder));

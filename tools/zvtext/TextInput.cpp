@@ -74,6 +74,10 @@ std::string readFile(const std::string& option, const std::string& path, size_t 
     if (std::max<uint64_t>(size, content.size()) > maxBytes) {
         throw Failure(option + ": " + name + " is larger than " + std::to_string(maxBytes) + " bytes");
     }
+    if (content.size() < size) {
+        throw Failure(option + ": cannot read " + name + ": it ends after " + std::to_string(content.size()) +
+                      " of " + std::to_string(size) + " bytes");
+    }
     return content;
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // zvtext: renders text with effects to pictures, through the same library that runs on the phone.
 #include <CLI/CLI.hpp>
+#include <csignal>
 #include <cstdio>
 #include <exception>
 #include <new>
@@ -110,6 +111,7 @@ int run(int argc, char** argv) {
 }  // namespace zvtext
 
 int main(int argc, char** argv) try {
+    std::signal(SIGXFSZ, SIG_IGN);  // a file that may not grow is an error of writing, as a disk that is full
     return zvtext::run(argc, argv);
 } catch (...) {  // the help itself found no memory
     return zvtext::kExitFailure;

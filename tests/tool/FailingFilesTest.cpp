@@ -1,0 +1,182 @@
+// SPDX-License-Identifier: Apache-2.0
+// Every call on a file fails in turn: a clear error or the right picture, and nothing half done.
+#include <csignal>
+#include <map>
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <regex>
+
+#include "tests/tool/FailingCalls.h"
+#include "tests/tool/Program.h"
+#include "text/FontManager.h"
+#include "tools/zvtext/PngWriter.h"
+
+namespace {
+
+// The sanitizers' own calls on files are not the program's to answer for.
+#ifdef ZVTEXT_SANITIZED
+constexpr int kStride = 7;
+#else
+constexpr int kStride = 1;
+#endif
+
+class FailingFiles : public Program {
+protected:
+    using Files = std::map<std::string, std::string>;
+
+    FailingFiles() {
+        mFolder = fs::canonical(mFolder);
+        fs::copy_file("/usr/share/fonts/truetype/dejavu/DejaVuSansMono-Bold.ttf", file("font.ttf"));
+        write("tile.png", zvtext::encodePng({2, 1, {0xFF00FF00, 0x800000FF}}));
+        write("style.json", R"({"size": 9, "effects": [{"type": "pattern", "file": "tile.png"}]})");
+        write("text", "Aa");
+        write("lines", R"({"text": "b", "metrics": "b.json", "output": "b.png"})"
+                       "\n"
+                       R"({"text-file": ")" +
+                           file("text").string() + R"(", "output": "d/c.webp"})" + "\n");
+        write("stdin", "");
+    }
+
+    std::vector<std::string> withFont(std::vector<std::string> words) const {
+        words.insert(words.end(),
+                     {"--font", file("font.ttf"), "--no-fallback", "--style", file("style.json")});
+        return words;
+    }
+
+    FailedCall fail(const std::vector<std::string>& words, int number, Fails how) const {
+        return runWithFailingCall(mFolder, number, how, [&] {
+            dup2(open(file("stdin").c_str(), O_RDONLY), 0);
+            dup2(open(file("stdout").c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600), 1);
+            dup2(open(file("stderr").c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600), 2);
+            std::vector<char*> argv = {const_cast<char*>(ZVTEXT_BINARY)};
+            for (const std::string& word : words) argv.push_back(const_cast<char*>(word.c_str()));
+            argv.push_back(nullptr);
+            return execv(ZVTEXT_BINARY, argv.data());
+        });
+    }
+
+    // The program's files as they are now.
+    Files found(const std::vector<std::string>& names) const {
+        Files files;
+        for (const std::string& name : names) files[name] = slurp(file(name));
+        return files;
+    }
+
+    // No call fails at first, then each. `outputs` are there before, with another content.
+    void failEach(const std::vector<std::string>& words, const std::vector<std::string>& outputs,
+                  const std::vector<std::string>& toResume = {}, int stride = 1) const {
+        const auto prepare = [&] {
+            fs::remove_all(file("out"));
+            fs::create_directories(file("out/d"));
+            for (const std::string& name : outputs) write(name, "before");
+        };
+        prepare();
+        ASSERT_EQ(run(words).status, 0) << slurp(file("stderr"));
+        const Files expected = found(outputs);
+        const std::string said = slurp(file("stdout"));
+        for (const Fails how : {Fails::WithError, Fails::AsEnd}) {
+            for (int number = 1;; number += kStride * stride) {
+                prepare();
+                const FailedCall failed = fail(words, number, how);
+                if (!failed.supported) GTEST_SKIP() << "no such filters here";
+                // A list that ends early is a shorter list.
+                if (how == Fails::AsEnd && failed.name == "read, " + file("lines").string()) continue;
+                SCOPED_TRACE(words[0] + ", call " + std::to_string(number) + ": " + failed.name);
+                EXPECT_TRUE(!failed.name.empty() || failed.status == 0);
+                const std::string errors =
+                    std::regex_replace(slurp(file("stderr")), std::regex("(gallery: |D/)[^\n]*\n"), "");
+                const std::string out = slurp(file("stdout"));
+                if (failed.status == 0) {
+                    EXPECT_EQ(found(outputs), expected);
+                    EXPECT_TRUE(!toResume.empty() || out == said) << out;
+                } else {
+                    EXPECT_EQ(failed.status, 1) << errors;
+                    static const std::regex line("zvtext: [^\n]+: [^\n]+\n");
+                    EXPECT_TRUE(
+                        std::regex_match(errors, line) ||
+                        std::regex_match(errors, std::regex("zvtext: cannot write to standard output.*\n")) ||
+                        (!toResume.empty() && out.find("\"error\":\"") != std::string::npos))
+                        << errors << out;
+                    for (const auto& [name, content] : found(outputs)) {
+                        EXPECT_TRUE(content == "before" || content == expected.at(name)) << name;
+                    }
+                }
+                for (const auto& entry : fs::recursive_directory_iterator(mFolder)) {
+                    static const std::regex temporary(".*\\.zvtext-......$");
+                    EXPECT_FALSE(std::regex_match(entry.path().string(), temporary)) << entry.path();
+                }
+                if (!toResume.empty()) {
+                    EXPECT_EQ(run(toResume).status, 0);
+                    EXPECT_EQ(found(outputs), expected);
+                }
+                if (failed.name.empty()) break;
+            }
+        }
+    }
+};
+
+TEST_F(FailingFiles, ARenderGivesAnErrorOrThePicture) {
+    failEach(withFont({"render", "--text-file", file("text"), "-o", file("out/a.png"), "--metrics",
+                       file("out/a.json")}),
+             {"out/a.png", "out/a.json"});
+    failEach(withFont({"render", "x", "-o", "-"}), {});
+}
+
+TEST_F(FailingFiles, ABatchGivesAnErrorOrThePictureAndGoesOn) {
+    const std::vector<std::string> words = withFont({"batch", file("lines"), "--output-dir", file("out")});
+    std::vector<std::string> resumed = words;
+    resumed.emplace_back("--resume");
+    failEach(resumed, {"out/b.png", "out/b.json", "out/d/c.webp"}, resumed);
+}
+
+TEST_F(FailingFiles, AnInspectionGivesAnErrorOrTheReport) {
+    failEach({"inspect", "font", file("font.ttf")}, {});
+    failEach({"inspect", "style", file("style.json")}, {});
+}
+
+// What a gallery writes is much, with the same few calls for each file: a stride that divides none of their
+// numbers meets each kind.
+TEST_F(FailingFiles, AGalleryLeavesNothingHalfDone) {
+    failEach({"gallery", file("out"), "--only", "stroke", "--font-dir", "/usr/share/fonts/truetype/dejavu"},
+             {"out/index.html"}, {}, 17);
+}
+
+TEST_F(FailingFiles, TheLibraryReadsAWholeFontOrNone) {
+    const std::string path = file("font.ttf"), whole = slurp(path);
+    const auto read = [&] {
+        unsigned size = 0;
+        const std::unique_ptr<char[]> bytes(Zvex::getFontData(path.c_str(), size));
+        return bytes != nullptr ? std::string(bytes.get(), size) : "";
+    };
+    for (const Fails how : {Fails::WithError, Fails::AsEnd}) {
+        FailedCall failed;
+        for (int number = 1; number == 1 || !failed.name.empty(); ++number) {
+            failed = runWithFailingCall(mFolder, number, how, [&] {
+                const std::string first = read(), second = read();
+                const bool good = (first.empty() || first == whole) && (second.empty() || second == whole);
+                return good && (first == whole || second == whole) ? 0 : 1;
+            });
+            if (!failed.supported) GTEST_SKIP() << "no such filters here";
+            EXPECT_EQ(failed.status, 0) << failed.name;
+        }
+    }
+}
+
+// As a disk that is full, in the midst of a file.
+TEST_F(FailingFiles, AFileThatMayNotGrowIsNotLeft) {
+    rlimit before;
+    getrlimit(RLIMIT_FSIZE, &before);
+    const rlimit small = {200, before.rlim_max};
+    std::vector<std::string> words = withFont({"render", "A longer text", "-o", file("a.png")});
+    setrlimit(RLIMIT_FSIZE, &small);
+    const Result result = run(words);
+    setrlimit(RLIMIT_FSIZE, &before);
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.err,
+              "zvtext: --output: cannot write '" + file("a.png").string() + "': File too large\n");
+    for (const auto& entry : fs::directory_iterator(mFolder)) {
+        EXPECT_EQ(entry.path().string().find("a.png"), std::string::npos) << entry.path();
+    }
+}
+
+}  // namespace
