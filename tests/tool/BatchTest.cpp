@@ -17,11 +17,6 @@ namespace {
 using Json = nlohmann::json;
 
 // Of the sanitizer's own memory nothing can be said.
-#if defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define ZVTEXT_SANITIZED 1
-#endif
-#endif
 #ifdef ZVTEXT_SANITIZED
 constexpr bool kCountsMemory = false;
 #else
@@ -436,6 +431,7 @@ TEST_F(BatchCommand, AnOutputOrAnInputThatFailsEndsItAfterTheLinesUnderWay) {
     fails(" <&-", "FILE: cannot read: ");
     fails("/proc/self/mem", "FILE: cannot read: ");
 
+#ifndef ZVTEXT_SANITIZED  // whose debug lines fill the file of the errors
     // Where the journal finds no room in its file, the pictures are there, and what follows on it is whole.
     std::string many;
     for (int i = 0; i < 20; ++i) many += "{\"text\":\"i\",\"size\":8}\n";
@@ -447,6 +443,7 @@ TEST_F(BatchCommand, AnOutputOrAnInputThatFailsEndsItAfterTheLinesUnderWay) {
     EXPECT_EQ(std::system((command + all + " --resume | grep skipped >/dev/null").c_str()), 0);
     EXPECT_EQ(std::system((command + all + " --resume | grep -vq skipped").c_str()), 1 << 8)
         << "all are known";
+#endif
 }
 
 TEST_F(BatchCommand, ResultsComeWithTheirLinesAndSignalsLetThemFinish) {
