@@ -60,40 +60,42 @@ int listen() {
         syscall(__NR_seccomp, SECCOMP_SET_MODE_FILTER, SECCOMP_FILTER_FLAG_NEW_LISTENER, &filter));
 }
 
-union Control {
-    cmsghdr header;
-    char bytes[CMSG_SPACE(sizeof(int))];
+// One byte, with room for a descriptor beside it.
+struct Message {
+    char byte = 0;
+    iovec content = {&byte, 1};
+    alignas(cmsghdr) char control[CMSG_SPACE(sizeof(int))] = {};
+    msghdr head = {};
+
+    Message() {
+        head.msg_iov = &content;
+        head.msg_iovlen = 1;
+        head.msg_control = control;
+        head.msg_controllen = sizeof control;
+    }
+    Message(const Message&) = delete;
 };
 
 void passDescriptor(int socket, int descriptor) {
-    char byte = 0;
-    iovec content = {&byte, 1};
-    Control control = {};
-    msghdr message = {};
-    message.msg_iov = &content;
-    message.msg_iovlen = 1;
+    Message message;
     if (descriptor >= 0) {
-        message.msg_control = control.bytes;
-        message.msg_controllen = sizeof control.bytes;
-        control.header = {CMSG_LEN(sizeof descriptor), SOL_SOCKET, SCM_RIGHTS};
-        std::memcpy(CMSG_DATA(&control.header), &descriptor, sizeof descriptor);
+        cmsghdr* header = CMSG_FIRSTHDR(&message.head);
+        header->cmsg_len = CMSG_LEN(sizeof descriptor);
+        header->cmsg_level = SOL_SOCKET;
+        header->cmsg_type = SCM_RIGHTS;
+        std::memcpy(CMSG_DATA(header), &descriptor, sizeof descriptor);
+    } else {
+        message.head.msg_controllen = 0;
     }
-    sendmsg(socket, &message, 0);
+    sendmsg(socket, &message.head, 0);
 }
 
 int takeDescriptor(int socket) {
-    char byte = 0;
-    iovec content = {&byte, 1};
-    Control control = {};
-    msghdr message = {};
-    message.msg_iov = &content;
-    message.msg_iovlen = 1;
-    message.msg_control = control.bytes;
-    message.msg_controllen = sizeof control.bytes;
+    Message message;
     int descriptor = -1;
-    if (recvmsg(socket, &message, MSG_CMSG_CLOEXEC) == 1 && CMSG_FIRSTHDR(&message) != nullptr) {
-        std::memcpy(&descriptor, CMSG_DATA(&control.header), sizeof descriptor);
-    }
+    if (recvmsg(socket, &message.head, MSG_CMSG_CLOEXEC) != 1) return -1;
+    const cmsghdr* header = CMSG_FIRSTHDR(&message.head);
+    if (header != nullptr) std::memcpy(&descriptor, CMSG_DATA(header), sizeof descriptor);
     return descriptor;
 }
 
