@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "effect/GradientStops.h"
-#include "foundation/OutOfMemory.h"
 
 #include <algorithm>
 #include <new>
+
+#include "foundation/OutOfMemory.h"
 
 namespace Zvex {
 

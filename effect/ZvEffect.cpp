@@ -403,13 +403,12 @@ void ZvEffect::beginRendering(int width, int height, MaskPixels maskPixels) {
         const auto rank = [this](ZvECore* effect) {
             return isUnderEffect(effect) ? 2 : effect->getStyle() == ZV_EFFECT_TEXT ? 1 : 0;
         };
-        // By insertion: the order of equals stays, and no memory is needed.
-        for (auto next = layers.begin(); next != layers.end(); ++next) {
-            const auto place = std::find_if(layers.begin(), next, [&](ZvECore* before) {
-                return rank(before) > rank(*next) || (rank(before) == 1 && rank(*next) == 1);
-            });
-            std::rotate(place, next, next + 1);
-        }
+        const auto byRank = [&](ZvECore* a, ZvECore* b) { return rank(a) < rank(b); };
+        std::stable_sort(layers.begin(), layers.end(), byRank);  // without memory it sorts in place
+        const auto isAboveText = [&](ZvECore* effect) { return rank(effect) == 0; };
+        const auto isNotUnderText = [&](ZvECore* effect) { return rank(effect) < 2; };
+        std::reverse(std::partition_point(layers.begin(), layers.end(), isAboveText),
+                     std::partition_point(layers.begin(), layers.end(), isNotUnderText));
     }
 
     ZvECore::ParamInit param;
