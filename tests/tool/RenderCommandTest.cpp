@@ -349,4 +349,19 @@ TEST_F(RenderCommand, HelpHelps) {
     EXPECT_EQ(run({}).status, 2);
 }
 
+TEST_F(RenderCommand, WhatCannotBePrintedIsAnError) {
+    const std::string font = kFont, folder = mFolder.string();
+    for (const std::string& command :
+         {std::string("--help"), std::string("--version"), std::string("version"), std::string("presets"),
+          std::string("man"), "inspect font " + font, "render x --font " + font + " -o " + folder + "/a.png",
+          "gallery --only pattern " + folder + "/gallery"}) {
+        for (const char* stream : {" >/dev/full", " >&-"}) {
+            const std::string line = ZVTEXT_BINARY " " + command + stream + " 2>" + folder + "/errors";
+            EXPECT_EQ(WEXITSTATUS(std::system(line.c_str())), 1) << line;
+            EXPECT_NE(slurp(file("errors")).find("zvtext: cannot write to standard output"), std::string::npos)
+                << line;
+        }
+    }
+}
+
 }  // namespace

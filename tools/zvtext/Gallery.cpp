@@ -148,7 +148,8 @@ void runGallery(const GalleryArguments& arguments) {
     }
     if (pictures.empty()) throw Failure("--font-dir: none of the fonts is below " + arguments.fontFolder);
     writeFile(galleryPage(pictures), "index.html", "DIR");
-    std::printf("%s: %zu pictures\n", (fs::path(arguments.folder) / "index.html").c_str(), pictures.size());
+    print((fs::path(arguments.folder) / "index.html").string() + ": " + std::to_string(pictures.size()) +
+          " pictures\n");
 }
 
 }  // namespace zvtext

@@ -5,11 +5,11 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
-#include <cstdio>
 #include <utility>
 #include <vector>
 
 #include "tools/zvtext/Failure.h"
+#include "tools/zvtext/OutputFile.h"
 
 namespace zvtext {
 
@@ -58,9 +58,7 @@ void printReport(const std::string& text) {
     for (char& c : clean) {
         if ((static_cast<unsigned char>(c) < 0x20 && c != '\n') || c == 0x7F) c = '?';
     }
-    if (std::fputs(clean.c_str(), stdout) == EOF || std::fflush(stdout) != 0) {
-        throw Failure("cannot write to standard output");
-    }
+    print(clean);
 }
 
 }  // namespace zvtext

@@ -187,6 +187,13 @@ void writeFiles(const std::vector<NewFile>& files) {
     }
 }
 
+void print(const std::string& text) {
+    errno = 0;
+    if (std::fputs(text.c_str(), stdout) == EOF || std::fflush(stdout) != 0) {
+        throw Failure(std::string("cannot write to standard output: ") + std::strerror(errno));
+    }
+}
+
 void removeTemporaries(const std::string& path, const FolderScope& scope) {
     const Descriptor opened(open(path.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
     if (!opened || !(scope.isAnywhere() || scope.holds(opened))) return;

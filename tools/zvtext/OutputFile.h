@@ -27,6 +27,9 @@ struct NewFile {
 };
 void writeFiles(const std::vector<NewFile>& files);
 
+// Prints `text` on standard output and sees that it arrives; throws Failure where it does not.
+void print(const std::string& text);
+
 // Removes the temporary files that killed processes have left in the folder, if it is one of the scope's;
 // those of a process that lives stay. What cannot be removed is left.
 void removeTemporaries(const std::string& folder, const FolderScope& scope);

@@ -2,11 +2,11 @@
 #include "tools/zvtext/RenderCommand.h"
 
 #include <CLI/CLI.hpp>
-#include <cstdio>
 #include <map>
 
 #include "tools/zvtext/Failure.h"
 #include "tools/zvtext/FontChoice.h"
+#include "tools/zvtext/OutputFile.h"
 #include "tools/zvtext/Scale.h"
 #include "tools/zvtext/TextInput.h"
 
@@ -266,13 +266,11 @@ void runRender(const RenderArguments& arguments) {
         const Rendering rendering = renderScene(readScene(arguments));
         writeRendering(rendering, output, arguments.outputOptions, "--output");
         if (output != "-" && arguments.outputOptions.metrics != "-" && !prints) {
-            std::printf("%s: %d x %d pixels\n", output.c_str(), rendering.picture.width,
-                        rendering.picture.height);
+            printed = output + ": " + std::to_string(rendering.picture.width) + " x " +
+                      std::to_string(rendering.picture.height) + " pixels\n";
         }
     }
-    if (std::fputs(printed.c_str(), stdout) == EOF || std::fflush(stdout) != 0) {
-        throw Failure("cannot write to standard output");
-    }
+    print(printed);
 }
 
 }  // namespace zvtext

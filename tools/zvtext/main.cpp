@@ -4,6 +4,7 @@
 #include <csignal>
 #include <cstdio>
 #include <exception>
+#include <iostream>
 #include <new>
 #include <string>
 
@@ -12,6 +13,7 @@
 #include "tools/zvtext/Failure.h"
 #include "tools/zvtext/Gallery.h"
 #include "tools/zvtext/InspectCommand.h"
+#include "tools/zvtext/OutputFile.h"
 #include "tools/zvtext/Presets.h"
 #include "tools/zvtext/RenderCommand.h"
 #include "tools/zvtext/StyleSchema.h"
@@ -30,12 +32,6 @@ int complain(std::string message, int status) {
     }
     std::fprintf(stderr, "zvtext: %s\n", message.c_str());
     return status;
-}
-
-void print(const std::string& text) {
-    if (std::fputs(text.c_str(), stdout) == EOF || std::fflush(stdout) != 0) {
-        throw Failure("cannot write to standard output");
-    }
 }
 
 // What the program says of itself; `shell` receives the argument of completion and outlives the parsing.
@@ -94,7 +90,8 @@ int run(int argc, char** argv) {
         app.parse(argc, argv);
         return status;
     } catch (const CLI::Success& help) {  // --help and --version
-        return app.exit(help);
+        app.exit(help);
+        return std::cout.flush() ? 0 : complain("cannot write to standard output", kExitFailure);
     } catch (const CLI::ParseError& error) {
         return complain(std::string(error.what()) + " (see zvtext --help)", kExitUsage);
     } catch (const UsageError& error) {
