@@ -358,7 +358,8 @@ TEST_F(RenderCommand, WhatCannotBePrintedIsAnError) {
         for (const char* stream : {" >/dev/full", " >&-"}) {
             const std::string line = ZVTEXT_BINARY " " + command + stream + " 2>" + folder + "/errors";
             EXPECT_EQ(WEXITSTATUS(std::system(line.c_str())), 1) << line;
-            EXPECT_NE(slurp(file("errors")).find("zvtext: cannot write to standard output"), std::string::npos)
+            EXPECT_NE(slurp(file("errors")).find("zvtext: cannot write to standard output"),
+                      std::string::npos)
                 << line;
         }
     }

@@ -48,7 +48,7 @@ Json layersOf(Zvex::ZvEffect& stack, Style& style) {
     return layers;
 }
 
-std::string inWords(const Json& report) {
+std::string styleInWords(const Json& report) {
     std::string lines;
     for (const auto& [key, value] : report.items()) {
         if (key == "layers") {
@@ -98,7 +98,7 @@ void runInspectStyle(const InspectStyleArguments& a) {
     report["picture"] = {{"width", width + left + right}, {"height", height + top + bottom}};
     report["memory"] = {{"bytes-per-pixel", bytes},
                         {"megabytes", numberJson(std::ceil(pixels * bytes / 1e5) / 10)}};
-    printReport(a.json ? dumpJson(report, 2) + "\n" : inWords(report));
+    printReport(a.json ? dumpJson(report, 2) + "\n" : styleInWords(report));
 }
 
 }  // namespace

@@ -140,7 +140,7 @@ private:
     std::vector<size_t> mCharactersOf;  // drawn with each font
 };
 
-std::string inWords(const Json& report) {
+std::string textInWords(const Json& report) {
     const auto nameOf = [&](const Json& font) {
         return plainText(font["family"]) + " " + plainText(font["style"]);
     };
@@ -176,7 +176,7 @@ void runInspectText(const InspectTextArguments& arguments) {
     setText(object, scene, fonts);
     const LaidOutText laidOut = layOutText(object, scene, fonts);
     const Json report = TextReport(scene, fonts, laidOut).make();
-    printReport(arguments.json ? dumpJson(report, 2) + "\n" : inWords(report));
+    printReport(arguments.json ? dumpJson(report, 2) + "\n" : textInWords(report));
 }
 
 }  // namespace
