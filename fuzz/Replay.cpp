@@ -9,7 +9,6 @@
 #include <chrono>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <random>
 #include <string>
 #include <vector>
@@ -55,7 +54,9 @@ int main(int argc, char** argv) {
     for (const fs::path& file : files) {
         std::fprintf(stderr, "%s\n", file.c_str());
         std::ifstream stream(file, std::ios::binary);
-        run({std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()});
+        std::vector<uint8_t> input(fs::file_size(file));
+        stream.read(reinterpret_cast<char*>(input.data()), static_cast<std::streamsize>(input.size()));
+        run(input);
     }
 
     std::mt19937 random(20);

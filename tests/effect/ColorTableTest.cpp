@@ -3,17 +3,14 @@
 
 #include <gtest/gtest.h>
 
-#include <limits>
 #include <vector>
 
 #include "tests/effect/TestPictures.h"
+#include "tests/effect/TestValues.h"
 #include "tests/reference/GradientReference.h"
 
 namespace Zvex {
 namespace {
-
-constexpr float NOT_A_NUMBER = std::numeric_limits<float>::quiet_NaN();
-constexpr float ENDLESS = std::numeric_limits<float>::infinity();
 
 std::vector<uint32_t> tableOf(const reference::Stops& stops, float firstStart, int curve) {
     std::vector<uint32_t> table(COLOR_TABLE_SIZE);

@@ -4,17 +4,14 @@
 #include <gtest/gtest.h>
 
 #include <climits>
-#include <limits>
 #include <vector>
 
 #include "tests/FailingAllocations.h"
 #include "tests/effect/PropertyFields.h"
+#include "tests/effect/TestValues.h"
 
 namespace Zvex {
 namespace {
-
-constexpr float NOT_A_NUMBER = std::numeric_limits<float>::quiet_NaN();
-constexpr float ENDLESS = std::numeric_limits<float>::infinity();
 
 TEST(EffectArguments, SingleNumbersAreLimited) {
     // 2^31 - 1 is 127 more than a multiple of 360 and 37 more than one of 90; -2^31 is 128 and 53 less than

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
-#include <limits>
 #include <type_traits>
 #include <utility>
 #include <vector>
@@ -10,6 +9,7 @@
 #include "effect/filters/ZvOuterGlow.h"
 #include "tests/effect/FilterScene.h"
 #include "tests/effect/PropertyFields.h"
+#include "tests/effect/TestValues.h"
 #include "tests/reference/GlowReference.h"
 
 namespace Zvex {
@@ -17,10 +17,6 @@ namespace {
 
 using reference::Stops;
 using Table = std::vector<unsigned int>;
-
-constexpr uint32_t COLOR = 0xC0604020;
-constexpr float NOT_A_NUMBER = std::numeric_limits<float>::quiet_NaN();
-constexpr float ENDLESS = std::numeric_limits<float>::infinity();
 
 const Stops NONE;
 const Stops ONE = {{0xA0FF8001, 1, 0.5f}};

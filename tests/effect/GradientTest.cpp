@@ -20,7 +20,7 @@ using reference::Stops;
 const Stops SIX = {{0xFFFF0000, 1, 0.1f},  {0x8000FF40, 1, 0.2f}, {0xC01020E0, 1, 0.2f},
                    {0x00FFFFFF, 1, 0.55f}, {0xFF80C0FF, 1, 0.5f}, {0x40FFFFFF, 1, 0.9f}};
 const Stops TWO = {{0xFF000000, 1, 0}, {0xFFFFFFFF, 1, 1}};
-const Stops ONE = {{0xA0FF8001, 1, 0.5f}};
+const Stops ALONE = {{0xA0FF8001, 1, 0.5f}};
 
 // Everything covered, nothing drawn yet.
 FilterScene filledBox(int width, int height) {
@@ -53,7 +53,7 @@ TYPED_TEST_SUITE(Gradient, Fills);
 
 TYPED_TEST(Gradient, EqualsThePlainForm) {
     unsigned seed = 0;
-    for (const Stops& stops : {SIX, TWO, ONE}) {
+    for (const Stops& stops : {SIX, TWO, ALONE}) {
         for (float scale : {0.1f, 0.35f, 1.0f, 2.0f, 5.0f}) {
             for (int angle : {0, 1, 30, 45, 90, 144, 180, 209, 270, 300, 359, -30, -200}) {
                 SCOPED_TRACE("angle " + std::to_string(angle) + ", scale " + std::to_string(scale));
@@ -85,7 +85,7 @@ TYPED_TEST(Gradient, KeepsACopyOfItsSettingsAndStops) {
     EXPECT_EQ(this->filter.getStyle(), this->LINEAR ? 7 : 8);
     EXPECT_EQ(this->filter.getProperty(), nullptr);
     EXPECT_EQ(this->filter.getOffset(), 0);
-    Stops one = ONE, six = SIX;
+    Stops one = ALONE, six = SIX;
     Property first(400, 0.5f, 1, 1, one.data()), second(-30, 1.5f, 0.5f, 6, six.data());
     expectSettingsCopied<TypeParam>(first, second, fieldsWithStops<Property>);
     this->filter.setProperty(&second);

@@ -3,19 +3,15 @@
 
 #include <gtest/gtest.h>
 
-#include <limits>
-
 #include "effect/ZvProperty.h"
 #include "raster/ZvBitmap.h"
 #include "tests/effect/FilterScene.h"
 #include "tests/effect/PropertyFields.h"
+#include "tests/effect/TestValues.h"
 #include "tests/reference/PatternReference.h"
 
 namespace Zvex {
 namespace {
-
-constexpr float NOT_A_NUMBER = std::numeric_limits<float>::quiet_NaN();
-constexpr float ENDLESS = std::numeric_limits<float>::infinity();
 
 // Straight colours of any alpha.
 ZvBitmap makePattern(int width, int height) {

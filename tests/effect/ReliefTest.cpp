@@ -6,7 +6,6 @@
 #include <array>
 #include <climits>
 #include <cstdint>
-#include <limits>
 #include <vector>
 
 #include "effect/ZvProperty.h"
@@ -14,13 +13,11 @@
 #include "effect/filters/ZvEmboss.h"
 #include "tests/effect/FilterScene.h"
 #include "tests/effect/PropertyFields.h"
+#include "tests/effect/TestValues.h"
 #include "tests/reference/ReliefReference.h"
 
 namespace Zvex {
 namespace {
-
-constexpr float NOT_A_NUMBER = std::numeric_limits<float>::quiet_NaN();
-constexpr float ENDLESS = std::numeric_limits<float>::infinity();
 
 template <typename Property>
 Property makeSettings(int style, float size, int technique, int soften) {

@@ -5,7 +5,6 @@
 #include <array>
 #include <climits>
 #include <cstring>
-#include <limits>
 
 #include "effect/ZvProperty.h"
 #include "effect/filters/ZvInnerShadow.h"
@@ -14,14 +13,12 @@
 #include "raster/ZvRect.h"
 #include "tests/effect/FilterScene.h"
 #include "tests/effect/PropertyFields.h"
+#include "tests/effect/TestValues.h"
 #include "tests/reference/ShadowReference.h"
 
 namespace Zvex {
 namespace {
 
-constexpr uint32_t COLOR = 0xC0604020;  // premultiplied
-constexpr float NOT_A_NUMBER = std::numeric_limits<float>::quiet_NaN();
-constexpr float ENDLESS = std::numeric_limits<float>::infinity();
 constexpr float BELOW_HALF = 0.49999997f;  // its sum with a half is below 1 in double precision only
 
 void setShadow(ZvOuterShadow& filter, float angle, float distance, float size, uint32_t color = COLOR) {

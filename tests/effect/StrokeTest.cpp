@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <climits>
 #include <cstdlib>
-#include <limits>
 #include <utility>
 #include <vector>
 
@@ -15,15 +14,13 @@
 #include "raster/ZvRect.h"
 #include "tests/effect/FilterScene.h"
 #include "tests/effect/PropertyFields.h"
+#include "tests/effect/TestValues.h"
 #include "tests/reference/StrokeReference.h"
 
 namespace Zvex {
 namespace {
 
-constexpr uint32_t COLOR = 0xC0604020;  // premultiplied
 constexpr float WIDTHS[] = {0.0f, 0.3f, 0.6f, 1.0f, 1.5f, 3.0f, 7.5f, 12.0f};
-constexpr float NOT_A_NUMBER = std::numeric_limits<float>::quiet_NaN();
-constexpr float ENDLESS = std::numeric_limits<float>::infinity();
 
 void setStroke(ZvStroke& stroke, float width, int position) {
     ZvStrokeProperty property(width, COLOR, 1.0f, 0, position);

@@ -8,12 +8,11 @@
 #include "raster/ZvBitmap.h"
 #include "tests/CpuTargets.h"
 #include "tests/effect/TestPictures.h"
+#include "tests/effect/TestValues.h"
 #include "tests/reference/BlenderReference.h"
 
 namespace Zvex {
 namespace {
-
-constexpr uint32_t COLOR = 0xC0604020;
 
 void drawText(ZvBitmap* target, ZvBitmap* mask, int layerMode) {
     ZvText text;

@@ -5,18 +5,15 @@
 
 #include <climits>
 #include <cstdint>
-#include <limits>
 #include <string>
 #include <vector>
 
 #include "raster/ZvBitmap.h"
 #include "tests/effect/PropertyFields.h"
+#include "tests/effect/TestValues.h"
 
 namespace Zvex {
 namespace {
-
-constexpr float NOT_A_NUMBER = std::numeric_limits<float>::quiet_NaN();
-constexpr float ENDLESS = std::numeric_limits<float>::infinity();
 
 // A record's key as its letter and then, for each byte, two hexadecimal digits of the low seven bits: easier
 // to read, and it fails for a byte without its top bit. Also checks the announced length and what lies beyond
@@ -45,17 +42,17 @@ std::string keyOf(ZvProperty& property, int announced = -1) {
 }
 
 constexpr char COLOR_KEY[] = "01020a0b0c0d0e0f";  // one byte for each digit of the colour
-constexpr uint32_t COLOR = 0x12ABCDEF;
+constexpr uint32_t KEYED = 0x12ABCDEF;
 
 TEST(LayerKey, Text) {
-    ZvTextProperty text(COLOR, 0.5f);
+    ZvTextProperty text(KEYED, 0.5f);
     EXPECT_EQ(keyOf(text, 9), std::string("T") + COLOR_KEY);
 }
 
 TEST(LayerKey, Shadows) {
-    ZvOuterShadowProperty outer(-30.0f, 5.9f, 100.0f, COLOR, 0.5f);
+    ZvOuterShadowProperty outer(-30.0f, 5.9f, 100.0f, KEYED, 0.5f);
     EXPECT_EQ(keyOf(outer, 13), std::string("S") + "024a" + "05" + "64" + COLOR_KEY);
-    ZvInnerShadowProperty inner(-30.0f, 5.9f, 100.0f, COLOR, 0.5f);
+    ZvInnerShadowProperty inner(-30.0f, 5.9f, 100.0f, KEYED, 0.5f);
     EXPECT_EQ(keyOf(inner, 13), std::string("I") + "024a" + "05" + "64" + COLOR_KEY);
 }
 
@@ -72,7 +69,7 @@ TEST(LayerKey, AnglesAreBroughtToACircle) {
 }
 
 TEST(LayerKey, SmallFieldsKeepSevenBits) {
-    ZvStrokeProperty stroke(129.9f, COLOR, 1.0f, 300, -1);
+    ZvStrokeProperty stroke(129.9f, KEYED, 1.0f, 300, -1);
     EXPECT_EQ(keyOf(stroke, 12), std::string("K") + "01" + COLOR_KEY + "2c" + "7f");
     ZvStrokeProperty odd(NOT_A_NUMBER, 0, 0, INT_MIN, INT_MAX);
     EXPECT_EQ(keyOf(odd), std::string("K") + "00" + "0000000000000000" + "00" + "7f");
@@ -80,18 +77,18 @@ TEST(LayerKey, SmallFieldsKeepSevenBits) {
 
 TEST(LayerKey, GlowsWriteTheirStops) {
     // 0.29f is a little below 0.29: the product, in double precision, is cut to 28.
-    ZvGradient stops[] = {{0x00000001, 1.0f, 0.0f}, {COLOR, 0.2f, 0.29f}, {0xFF000000, 1.0f, 1.0f}};
+    ZvGradient stops[] = {{0x00000001, 1.0f, 0.0f}, {KEYED, 0.2f, 0.29f}, {0xFF000000, 1.0f, 1.0f}};
     const std::string written = std::string("000000000000000100") + COLOR_KEY + "1c" + "0f0f00000000000064";
-    ZvOuterGlowProperty outer(20.5f, COLOR, 0.5f, 3, stops);
+    ZvOuterGlowProperty outer(20.5f, KEYED, 0.5f, 3, stops);
     EXPECT_EQ(keyOf(outer, 40), std::string("G") + "14" + COLOR_KEY + written);
-    ZvInnerGlowProperty inner(20.5f, COLOR, 0.5f, 3, stops);
+    ZvInnerGlowProperty inner(20.5f, KEYED, 0.5f, 3, stops);
     EXPECT_EQ(keyOf(inner, 40), std::string("N") + "14" + COLOR_KEY + written);
-    ZvOuterGlowProperty none(0, COLOR, 0.5f, 0, nullptr);
+    ZvOuterGlowProperty none(0, KEYED, 0.5f, 0, nullptr);
     EXPECT_EQ(keyOf(none, 10), std::string("G") + "00" + COLOR_KEY);
 }
 
 TEST(LayerKey, Gradients) {
-    ZvGradient stops[] = {{COLOR, 1.0f, 0.5f}};
+    ZvGradient stops[] = {{KEYED, 1.0f, 0.5f}};
     ZvLinearGradientProperty linear(-405.7f, 3.5f, 0.5f, 1, stops);  // scale 2, 200 hundredths
     EXPECT_EQ(keyOf(linear, 15), std::string("L") + "023b" + "0c08" + COLOR_KEY + "32");
     ZvRadialGradientProperty radial(0, 0.29f, 0.5f, 1, stops);  // 28 again
@@ -99,29 +96,29 @@ TEST(LayerKey, Gradients) {
 }
 
 TEST(LayerKey, StopCountsNobodyMeantAreHarmless) {
-    ZvGradient stop{COLOR, 1.0f, 0.5f};
+    ZvGradient stop{KEYED, 1.0f, 0.5f};
     for (int count : {-1, INT_MIN}) {
-        ZvOuterGlowProperty glow(1, COLOR, 1, count, &stop);
+        ZvOuterGlowProperty glow(1, KEYED, 1, count, &stop);
         EXPECT_EQ(keyOf(glow, 10).size(), 1u + 2 * 9);
         ZvLinearGradientProperty gradient(0, 1, 1, count, &stop);
         EXPECT_EQ(keyOf(gradient, 5).size(), 1u + 2 * 4);
     }
-    ZvInnerGlowProperty glow(1, COLOR, 1, 7, nullptr);
+    ZvInnerGlowProperty glow(1, KEYED, 1, 7, nullptr);
     EXPECT_EQ(keyOf(glow).size(), 1u + 2 * 9);
-    ZvInnerGlowProperty huge(1, COLOR, 1, INT_MAX, nullptr);
+    ZvInnerGlowProperty huge(1, KEYED, 1, INT_MAX, nullptr);
     EXPECT_GT(huge.getSequentialCharLength(), 2000000000);
     ZvRadialGradientProperty hugeGradient(1, 1, 1, INT_MAX, nullptr);
     EXPECT_GT(hugeGradient.getSequentialCharLength(), 2000000000);
 }
 
 TEST(LayerKey, BevelAndEmboss) {
-    ZvBevelProperty bevel(1, 255.9f, 9.99f, 1, 2, 16, 0.5f, -45.0f, 30.9f, COLOR, 0.3f, 0x000000FF, 0.3f);
+    ZvBevelProperty bevel(1, 255.9f, 9.99f, 1, 2, 16, 0.5f, -45.0f, 30.9f, KEYED, 0.3f, 0x000000FF, 0.3f);
     EXPECT_EQ(bevel.getSequentialCharLength(), 30);
     // 9.99f is a little below 9.99: 998, 0x3e6.
     const std::string fields = std::string("01") + "0f0f" + "00030e06" + "01" + "02" + "10" + "023b" + "1e" +
                                COLOR_KEY + "0000000000000f0f";
     EXPECT_EQ(keyOf(bevel), "B" + fields);
-    ZvEmbossProperty emboss(1, 255.9f, 9.99f, 1, 2, 16, 0.5f, -45.0f, 30.9f, COLOR, 0.3f, 0x000000FF, 0.3f);
+    ZvEmbossProperty emboss(1, 255.9f, 9.99f, 1, 2, 16, 0.5f, -45.0f, 30.9f, KEYED, 0.3f, 0x000000FF, 0.3f);
     EXPECT_EQ(keyOf(emboss, 30), "E" + fields);
 }
 
@@ -140,8 +137,8 @@ TEST(LayerKey, PatternsAreToldApartByTheirBitmap) {
 }
 
 TEST(ZvProperty, RecordsKeepOrLimitTheirNumbers) {
-    EXPECT_EQ(fieldsOf(ZvOuterShadowProperty(-405.7f, -3, 1e9f, COLOR, 7)),
-              fields(-405.7f, -3, 1e9f, COLOR, 7));
+    EXPECT_EQ(fieldsOf(ZvOuterShadowProperty(-405.7f, -3, 1e9f, KEYED, 7)),
+              fields(-405.7f, -3, 1e9f, KEYED, 7));
     const float angles[][2] = {{405.7f, 45}, {-30.2f, -30}, {NOT_A_NUMBER, 0}, {-ENDLESS, -128}};
     for (const auto& angle : angles) {
         EXPECT_EQ(fieldsOf(ZvInnerShadowProperty(angle[0], 1, 2, 3, 4)), fields(angle[1], 1, 2, 3, 4));
@@ -153,8 +150,8 @@ TEST(ZvProperty, RecordsKeepOrLimitTheirNumbers) {
         EXPECT_EQ(ZvPatternProperty(nullptr, low, 1.0f).scale, 0.0f);
     }
     EXPECT_EQ(ZvPatternProperty(nullptr, 11.0f, 1.0f).scale, 10.0f);
-    EXPECT_EQ(fieldsOf(ZvBevelProperty(3, -5, -1, 4, 5, 20, 0.75f, 370.5f, -100.5f, COLOR, 2, ~COLOR, 3)),
-              fields(3, -5, 0, 4, 5, 16, 0.75f, 10, -10, COLOR, 2, ~COLOR, 3, 0));
+    EXPECT_EQ(fieldsOf(ZvBevelProperty(3, -5, -1, 4, 5, 20, 0.75f, 370.5f, -100.5f, KEYED, 2, ~KEYED, 3)),
+              fields(3, -5, 0, 4, 5, 16, 0.75f, 10, -10, KEYED, 2, ~KEYED, 3, 0));
     EXPECT_EQ(fieldsOf(ZvEmbossProperty(0, 0, 11, 0, 0, -4, 0, 0, 0, 0, 0, 0, 0)),
               fields(0, 0, 10, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0));
 }

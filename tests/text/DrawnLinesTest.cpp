@@ -73,8 +73,6 @@ protected:
     ZvFontFamily *japanese = nullptr, *korean = nullptr;
 };
 
-}  // namespace
-
 TEST_F(KeptLines, EveryInputOfALineShows) {
     using Paint = android::Paint;
     const auto flags = [](const char* name, uint32_t set, uint32_t clear) {
@@ -196,3 +194,5 @@ TEST_F(KeptLines, TheGlyphListHoldsTheLastLine) {
         EXPECT_TRUE(scene->render() == picture);
     }
 }
+
+}  // namespace

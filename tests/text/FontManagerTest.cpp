@@ -69,8 +69,6 @@ bool add(FontManager& manager, const char* path, int index = 0, bool checkExisti
     return manager.AddMinikinFont(path, nullptr, 0, index, checkExisting);
 }
 
-}  // namespace
-
 using FontManagerFiles = FontFiles;
 
 TEST(FontManager, ReadsAFileOnceAndKeepsTheFirstFont) {
@@ -287,3 +285,5 @@ TEST(FontManager, WithoutAnImplementationEverythingReportsEight) {
         EXPECT_EQ(errorLines(log).size(), 1u) << &call - calls;
     }
 }
+
+}  // namespace

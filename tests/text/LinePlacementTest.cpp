@@ -43,8 +43,6 @@ ZvView makeView(int height, int gravity, int paddingTop, int paddingBottom, int 
     return view;
 }
 
-}  // namespace
-
 TEST(LinePlacement, ChoosesAndPlacesLines) {
     const int top = 0x30, centre = 0x10, fill = 0x70, bottom = 0x50, none = 0;
     const struct {
@@ -131,3 +129,5 @@ TEST(LinePlacement, AbsurdValuesAreClamped) {
     EXPECT_TRUE(placeLines(view, lines.data(), kMin).empty());
     EXPECT_TRUE(placeLines(view, nullptr, 3).empty());
 }
+
+}  // namespace

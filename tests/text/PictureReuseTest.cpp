@@ -18,7 +18,7 @@ using namespace text_test;
 
 namespace {
 
-constexpr wchar_t kText[] = L"Wave\x00E9 jg";
+constexpr wchar_t kReused[] = L"Wave\x00E9 jg";
 constexpr uint32_t kInvisible = 0x00FFFFFF;
 
 struct Look {
@@ -66,12 +66,10 @@ void setUp(TextScene& scene, int width, int height, int gravity, const Look& loo
 }
 
 std::unique_ptr<TextScene> makeScene(int width, int height, int gravity, const Look& look) {
-    auto scene = std::make_unique<TextScene>(kSans, kText, 34.0f, width, height);
+    auto scene = std::make_unique<TextScene>(kSans, kReused, 34.0f, width, height);
     setUp(*scene, width, height, gravity, look);
     return scene;
 }
-
-}  // namespace
 
 TEST(PictureReuse, StraightIntoThePictureIsTheSameAsOverAnInvisibleBackground) {
     for (const Look& look : looks()) {
@@ -89,7 +87,7 @@ TEST(PictureReuse, StraightIntoThePictureIsTheSameAsOverAnInvisibleBackground) {
 
 // One object goes through all sizes and looks; a caller has scribbled over each picture.
 TEST(PictureReuse, APictureDoesNotDependOnTheOnesBefore) {
-    TextScene old(kSans, kText, 34.0f, 0, 0);
+    TextScene old(kSans, kReused, 34.0f, 0, 0);
     const int sizes[][2] = {{130, 70}, {130, 70}, {90, 50}, {200, 90}, {130, 70}};
     for (const auto& size : sizes) {
         for (const Look& look : looks()) {
@@ -120,7 +118,9 @@ TEST(PictureReuse, NothingIsLeftOfATextThatWent) {
     EXPECT_EQ(scene->render().countVisible(), 0);
     EXPECT_EQ(scene->object.RenderTextEffect(0, 70), nullptr);
     EXPECT_EQ(scene->object.RenderTextEffect(INT32_MAX, INT32_MAX), nullptr);
-    scene->object.SetText(kText);
+    scene->object.SetText(kReused);
     scene->setLines({TextScene::makeLine(-3, 30, 0, 5)});
     EXPECT_GT(scene->render().countVisible(), 200);
 }
+
+}  // namespace

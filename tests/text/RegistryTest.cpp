@@ -27,8 +27,6 @@ private:
     std::string* mDeletedNames;
 };
 
-}  // namespace
-
 TEST(Registry, HandlesGrowAndAreNeverUsedAgain) {
     std::string deleted;
     auto* first = new Probe('a', &deleted);
@@ -143,3 +141,5 @@ TEST(RegistryDeathTest, TheFirstHandleIsOne) {
         },
         ::testing::ExitedWithCode(1), "");
 }
+
+}  // namespace

@@ -77,8 +77,6 @@ ZvRect inkOf(const Picture& picture) {
     return box;
 }
 
-}  // namespace
-
 TEST(TextDrawing, FailuresSayWhatIsMissing) {
     const struct {
         std::string line;  // after the drawer's address
@@ -343,3 +341,5 @@ TEST(SafeConvert, CutsOffFractionsAndSaturates) {
     EXPECT_EQ(truncateToInt(2147483648.0f), 2147483647);
     EXPECT_EQ(truncateToInt(-kInfinity), std::numeric_limits<int>::min());
 }
+
+}  // namespace

@@ -9,7 +9,6 @@
 #include <cstdio>
 #include <cstring>
 #include <fstream>
-#include <iterator>
 #include <string>
 #include <vector>
 
@@ -30,10 +29,7 @@ constexpr const char* kBold = fonts::path(fonts::Role::kLatinBold);
 constexpr const char* kCjk = fonts::path(fonts::Role::kCollection);
 constexpr const char* kEmoji = fonts::path(fonts::Role::kEmoji);
 
-inline std::string readFile(const char* path) {
-    std::ifstream file(path, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
-}
+using fonts::readFile;
 
 // The bytes as a caller hands them to the font manager.
 inline char* newBuffer(const std::string& bytes) {

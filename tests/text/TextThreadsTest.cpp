@@ -92,8 +92,6 @@ ZvFontFamily* loadFamily(const char* path) {
     return family;
 }
 
-}  // namespace
-
 TEST(TextThreads, ObjectsRenderSideBySide) {
     List* families = makeFamilies({loadFamily(kBold), loadFamily(kEmoji)});
     ASSERT_TRUE(FontManager::GetInstance()->SetSystemFontFamilies(families));
@@ -177,3 +175,5 @@ TEST(TextThreads, RegistryCountsAcrossThreads) {
     EXPECT_TRUE(ZvTextInstanceManager::Release(handle));
     EXPECT_EQ(ZvTextInstanceManager::FindZvTextObject(handle), nullptr);
 }
+
+}  // namespace

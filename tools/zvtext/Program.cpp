@@ -1,0 +1,116 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "tools/zvtext/Program.h"
+
+#include <CLI/CLI.hpp>
+#include <csignal>
+#include <cstdio>
+#include <exception>
+#include <iostream>
+#include <new>
+#include <string>
+
+#include "tools/zvtext/BatchCommand.h"
+#include "tools/zvtext/CommandTree.h"
+#include "tools/zvtext/Failure.h"
+#include "tools/zvtext/Gallery.h"
+#include "tools/zvtext/InspectCommand.h"
+#include "tools/zvtext/OutputFile.h"
+#include "tools/zvtext/Presets.h"
+#include "tools/zvtext/RenderCommand.h"
+#include "tools/zvtext/StyleSchema.h"
+#include "tools/zvtext/VersionCommand.h"
+
+namespace zvtext {
+
+namespace {
+
+constexpr int kExitFailure = 1, kExitUsage = 2;
+
+// One line on standard error: values and file contents that messages quote may hold anything.
+int complain(std::string message, int status) {
+    for (char& c : message) {
+        if (static_cast<unsigned char>(c) < 0x20 || c == 0x7F) c = '?';
+    }
+    std::fprintf(stderr, "zvtext: %s\n", message.c_str());
+    return status;
+}
+
+// What the program says of itself; `shell` receives the argument of completion and outlives the parsing.
+void addPrintingCommands(CLI::App& app, std::string& shell) {
+    CLI::App* list = app.add_subcommand("presets", "List the styles that --preset takes");
+    list->footer("Example:\n  zvtext presets");
+    list->callback([] { print(presetList()); });
+    CLI::App* schema = app.add_subcommand("schema", "Print the JSON Schema of style files");
+    schema->footer("Example:\n  zvtext schema > style.schema.json");
+    schema->callback([] { print(styleSchema()); });
+    CLI::App* completion = app.add_subcommand("completion", "Print the script that completes command lines");
+    completion->add_option("shell", shell, "The shell it is for")->type_name("bash|zsh|fish")->required();
+    completion->footer(
+        "Examples:\n"
+        "  source <(zvtext completion bash)\n"
+        "  zvtext completion zsh > ~/.zfunc/_zvtext\n"
+        "  zvtext completion fish > ~/.config/fish/completions/zvtext.fish");
+    completion->callback([&app, &shell] { print(completionScript(app, shell)); });
+    CLI::App* manual = app.add_subcommand("man", "Print the manual page");
+    manual->footer("Example:\n  zvtext man | man -l -");
+    manual->callback([&app] { print(manualPage(app, ZVEX_VERSION)); });
+}
+
+int run(int argc, char** argv) {
+    CLI::App app("Renders text with effects, byte for byte as on the phone.", "zvtext");
+    app.set_version_flag("--version", ZVEX_VERSION);
+    app.require_subcommand(1);
+    RenderArguments renderArguments;
+    CLI::App* render = app.add_subcommand("render", "Render a text to a picture");
+    addRenderOptions(*render, renderArguments);
+    render->callback([&] { runRender(renderArguments); });
+    GalleryArguments galleryArguments;
+    CLI::App* gallery = app.add_subcommand("gallery", "Render a page that shows every effect");
+    addGalleryOptions(*gallery, galleryArguments);
+    gallery->callback([&] { runGallery(galleryArguments); });
+    InspectArguments inspectArguments;
+    addInspectCommands(*app.add_subcommand("inspect", "Say what a font or a style is, or what a text needs"),
+                       inspectArguments);
+    std::string shell;
+    addPrintingCommands(app, shell);
+    app.footer(
+        "Examples:\n"
+        "  zvtext render 'Grüße' --font DejaVuSans-Bold.ttf --preset gold -o gold.png\n"
+        "  zvtext render --help\n"
+        "The exit status is 0, 1 where a file or the machine failed, or 2 where the command line was wrong.");
+    int status = 0;
+    BatchArguments batchArguments;
+    CLI::App* batch = app.add_subcommand("batch", "Render lines of JSON, one picture each");
+    addBatchOptions(*batch, batchArguments);
+    batch->callback([&] { status = runBatch(batchArguments); });
+    VersionArguments versionArguments;
+    CLI::App* version = app.add_subcommand("version", "Print the versions of the program and its libraries");
+    addVersionOptions(*version, versionArguments);
+    version->callback([&] { runVersion(versionArguments); });
+    try {
+        app.parse(argc, argv);
+        return status;
+    } catch (const CLI::Success& help) {  // --help and --version
+        app.exit(help);
+        return std::cout.flush() ? 0 : complain("cannot write to standard output", kExitFailure);
+    } catch (const CLI::ParseError& error) {
+        return complain(std::string(error.what()) + " (see zvtext --help)", kExitUsage);
+    } catch (const UsageError& error) {
+        return complain(error.what(), kExitUsage);
+    } catch (const std::bad_alloc&) {
+        return complain("not enough memory", kExitFailure);
+    } catch (const std::exception& error) {
+        return complain(error.what(), kExitFailure);
+    }
+}
+
+}  // namespace
+
+int runProgram(int argc, char** argv) try {
+    std::signal(SIGXFSZ, SIG_IGN);  // a file that may not grow is an error of writing, as a disk that is full
+    return run(argc, argv);
+} catch (...) {  // the help itself found no memory
+    return kExitFailure;
+}
+
+}  // namespace zvtext
