@@ -57,6 +57,9 @@ public:
         ZvRect* textRect = nullptr;      // box of the glyphs within the mask
         int layerMode = 0;               // as in ParamInit
         ZvBitmap* otherLayer = nullptr;  // a second colour picture for effects that draw into both, else null
+        // Other layers may have drawn before this one; they fill more than the glyphs, and the text in a
+        // single picture cuts that off.
+        bool overLayers = false;
         // Holds textRect, and outside of it target is transparent; null when nothing is known. If it is
         // there, the mask has coverage within textRect only; the rows there and the one below are all of it
         // that may be read.

@@ -122,7 +122,8 @@ ZvEffect::ZvEffect() {
 ZvEffect::ZvEffect(void*) {}
 
 ZvEffect::ZvEffect(const ZvEffect& other)
-    : textOpacity(other.textOpacity),
+    : layerMode(other.layerMode),
+      textOpacity(other.textOpacity),
       textColor(other.textColor),
       nextEffectId(other.nextEffectId),
       textAlpha(other.textAlpha) {
@@ -379,6 +380,7 @@ void ZvEffect::beginRendering(int width, int height, MaskPixels maskPixels) {
     layerMode = twoLayers ? 1 : 0;
 
     releaseBitmap();
+    if (textRectReset) textRect = ZvRect();  // an earlier rendering's box says nothing about this one
     const unsigned int bitmapWidth = static_cast<unsigned int>(std::max(width, 0));
     const unsigned int bitmapHeight = static_cast<unsigned int>(std::max(height, 0));
     maskTop = maskBottom = 0;
@@ -480,7 +482,6 @@ void ZvEffect::clearMaskRows() {
 
 // Whether there is anything to draw.
 bool ZvEffect::clipTextRect() {
-    if (textRectReset) textRect = ZvRect();  // an earlier rendering's box says nothing about this one
     textRectReset = true;
     if (mask == nullptr) return false;
     textRect.left = clampToSize(textRect.left, mask->width);
@@ -502,6 +503,7 @@ void ZvEffect::doEffectPostProcessing() {
             param.target = place.behind ? back : dst;
             param.otherLayer = place.both ? dst : nullptr;
             effect->doPostProcessing(&param);
+            param.overLayers = true;
         }
     }
     ZV_DEBUG_LOG(TAG, "DoEffectPostProcessing(%p) - end", static_cast<void*>(this));
@@ -547,6 +549,7 @@ void ZvEffect::prepareLayers(WaitingLayer* waiting, ZvRect* drawn) {
     param.textRect = &textRect;
     param.layerMode = layerMode;
     param.drawnArea = drawn;
+    param.overLayers = true;  // the first draws onto nothing, where it is all the same
     for (ZvECore* effect : layers) {
         const Place place = layerMode == 1 ? placeOf(effect) : Place();
         waiting->behind = place.behind;
@@ -627,10 +630,8 @@ void ZvEffect::drawTextAlone(PixelOrder order) {
 
 void ZvEffect::compositeLayers(ZvBitmap* out) {
     ZV_DEBUG_LOG(TAG, "CompositeLayers(%p) - start", static_cast<void*>(this));
-    if (mask != nullptr) {
-        if (layerMode == 1) mergeBackLayer(out, back, mask);
-        finishPicture(out, textAlpha);
-    }
+    if (layerMode == 1) mergeBackLayer(out, back, mask);
+    finishPicture(out, textAlpha);
     releaseBitmap();
     layerMode = 0;
     ZV_DEBUG_LOG(TAG, "CompositeLayers(%p) - end", static_cast<void*>(this));

@@ -57,7 +57,7 @@ public:
     ZvEffect();
     // As above without the log line; the argument is ignored.
     explicit ZvEffect(void*);
-    // Fresh layers with the same ids and copies of the settings; no bitmaps, no box, layerMode 0.
+    // Fresh layers with the same ids and copies of the settings; no bitmaps, no box.
     ZvEffect(const ZvEffect& other);
     ZvEffect& operator=(const ZvEffect&) = delete;
     ~ZvEffect();
@@ -163,13 +163,13 @@ public:
     // Returns 0.
     int renderEffectLayer(int x, int y, ZvGlyph* glyph);
 
-    // Clips textRect to the mask and lets every layer draw. Without a line of glyphs since the last call the
-    // box is empty; with an empty box, or without a mask, no layer runs.
+    // Clips textRect to the mask and lets every layer draw. Without a line of glyphs since initEffect the box
+    // is empty; with an empty box, or without a mask, no layer runs.
     void doEffectPostProcessing();
 
     // Two layers: cross-fades `out`, normally dst, with back by the mask, over the area common to the three.
     // Then applies textAlpha to all of `out` and makes its colours straight; frees the working bitmaps and
-    // ends the rendering (layerMode 0). Without a mask, that is outside a rendering, `out` stays as it is.
+    // ends the rendering (layerMode 0).
     void compositeLayers(ZvBitmap* out);
     // Deletes mask and back; forgets dst.
     void releaseBitmap();

@@ -10,11 +10,11 @@ class ZvBitmap;
 
 // The settings of the effects, one record for each, and the key they are written as.
 //
-// A record is a plain value: public fields, copied freely. It owns nothing: a stop array or a bitmap it
-// points at belongs to the record's user and has to outlive the use. Constructors limit what is said at each
-// field and keep everything else as given. A value below a range becomes its lower end, one above its upper
-// end, NaN the lower end; a float becomes an int by dropping its fraction, held within the ints, NaN becoming
-// 0.
+// A record is a plain value: public fields, copied freely, all zero by default. It owns nothing: a stop array
+// or a bitmap it points at belongs to the record's user and has to outlive the use. Constructors limit what
+// is said at each field and keep everything else as given. A value below a range becomes its lower end, one
+// above its upper end, NaN the lower end; a float becomes an int by dropping its fraction, held within the
+// ints, NaN becoming 0.
 //
 // Colours are 0xAARRGGBB. Whether one is premultiplied is settled by the adder that builds it (see ZvEffect).
 
@@ -55,6 +55,7 @@ protected:
 // Plain text fill. Key: 'T', color.
 class ZvTextProperty : public ZvProperty {
 public:
+    ZvTextProperty() : ZvTextProperty(0, 0.0f) {}
     ZvTextProperty(unsigned int color, float opacity);
     int getSequentialCharLength() override;
     int toSequentialChar(char** cursor) override;
@@ -76,6 +77,7 @@ protected:
 // Keeps its numbers as given. Key: 'S', angle, distance and size small, color.
 class ZvOuterShadowProperty : public ZvShadowProperty {
 public:
+    ZvOuterShadowProperty() : ZvOuterShadowProperty(0.0f, 0.0f, 0.0f, 0, 0.0f) {}
     ZvOuterShadowProperty(float angle, float distance, float size, unsigned int color, float opacity);
     int toSequentialChar(char** cursor) override;
 };
@@ -84,6 +86,7 @@ public:
 // one.
 class ZvInnerShadowProperty : public ZvShadowProperty {
 public:
+    ZvInnerShadowProperty() : ZvInnerShadowProperty(0.0f, 0.0f, 0.0f, 0, 0.0f) {}
     ZvInnerShadowProperty(float angle, float distance, float size, unsigned int color, float opacity);
     int toSequentialChar(char** cursor) override;
 };
@@ -102,6 +105,7 @@ public:
     int kind;      // carried and copied; no picture depends on it
     int position;  // ZvStrokePosition
 
+    ZvStrokeProperty() : ZvStrokeProperty(0.0f, 0, 0.0f, 0, 0) {}
     ZvStrokeProperty(float width, unsigned int color, float opacity, int kind, int position);
     int getSequentialCharLength() override;
     int toSequentialChar(char** cursor) override;
@@ -125,6 +129,7 @@ protected:
 // announced is one byte a stop more than is written.
 class ZvOuterGlowProperty : public ZvGlowProperty {
 public:
+    ZvOuterGlowProperty() : ZvOuterGlowProperty(0.0f, 0, 0.0f, 0, nullptr) {}
     ZvOuterGlowProperty(float size, unsigned int color, float opacity, int count, ZvGradient* stops);
     int toSequentialChar(char** cursor) override;
 };
@@ -132,6 +137,7 @@ public:
 // Key: 'N', then as the outer glow.
 class ZvInnerGlowProperty : public ZvGlowProperty {
 public:
+    ZvInnerGlowProperty() : ZvInnerGlowProperty(0.0f, 0, 0.0f, 0, nullptr) {}
     ZvInnerGlowProperty(float size, unsigned int color, float opacity, int count, ZvGradient* stops);
     int toSequentialChar(char** cursor) override;
 };
@@ -155,6 +161,7 @@ protected:
 // announced is one byte a stop more than is written.
 class ZvLinearGradientProperty : public ZvGradientFillProperty {
 public:
+    ZvLinearGradientProperty() : ZvLinearGradientProperty(0.0f, 0.0f, 0.0f, 0, nullptr) {}
     ZvLinearGradientProperty(float angle, float scale, float opacity, int count, ZvGradient* stops);
     int toSequentialChar(char** cursor) override;
 };
@@ -162,6 +169,7 @@ public:
 // Key: 'D', then as the linear gradient.
 class ZvRadialGradientProperty : public ZvGradientFillProperty {
 public:
+    ZvRadialGradientProperty() : ZvRadialGradientProperty(0.0f, 0.0f, 0.0f, 0, nullptr) {}
     ZvRadialGradientProperty(float angle, float scale, float opacity, int count, ZvGradient* stops);
     int toSequentialChar(char** cursor) override;
 };
@@ -198,6 +206,7 @@ protected:
 // small, angle, altitude small, both colours.
 class ZvBevelProperty : public ZvReliefProperty {
 public:
+    ZvBevelProperty() : ZvBevelProperty(0, 0.0f, 0.0f, 0, 0, 0, 0.0f, 0.0f, 0.0f, 0, 0.0f, 0, 0.0f) {}
     ZvBevelProperty(int style, float size, float depth, int direction, int technique, int soften,
                     float opacity, float angle, float altitude, unsigned int shadowColor, float shadowOpacity,
                     unsigned int highlightColor, float highlightOpacity);
@@ -207,6 +216,7 @@ public:
 // Key: 'E', then as the bevel.
 class ZvEmbossProperty : public ZvReliefProperty {
 public:
+    ZvEmbossProperty() : ZvEmbossProperty(0, 0.0f, 0.0f, 0, 0, 0, 0.0f, 0.0f, 0.0f, 0, 0.0f, 0, 0.0f) {}
     ZvEmbossProperty(int style, float size, float depth, int direction, int technique, int soften,
                      float opacity, float angle, float altitude, unsigned int shadowColor,
                      float shadowOpacity, unsigned int highlightColor, float highlightOpacity);
@@ -220,6 +230,7 @@ public:
     ZvBitmap* bitmap;  // 4 bytes a pixel: alpha, red, green, blue, straight; not owned
     float scale;       // 0 to 10
 
+    ZvPatternProperty() : ZvPatternProperty(nullptr, 0.0f, 0.0f) {}
     ZvPatternProperty(ZvBitmap* bitmap, float scale, float opacity);
     int getSequentialCharLength() override;
     int toSequentialChar(char** cursor) override;

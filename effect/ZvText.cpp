@@ -28,7 +28,8 @@ public:
         : mask_(*param.mask),
           covered_(0, 0, sizeOf(param.mask->width), sizeOf(param.mask->height)),
           drawn_(0, 0, sizeOf(param.target->width), sizeOf(param.target->height)),
-          cuts_(param.layerMode != 1),
+          single_(param.layerMode != 1),
+          cuts_(single_ && param.overLayers),
           color_(color) {
         if (param.drawnArea == nullptr || param.textRect == nullptr) return;
         covered_ = common(covered_, *param.textRect);
@@ -81,14 +82,15 @@ private:
         const RowRange part = rows.within(covered_.top, covered_.bottom - covered_.top);
         if (part.count() <= 0 || covered_.left >= covered_.right) return;
         const int y = covered_.top + part.begin;
-        ZvBlender::blendDstOver8To32NSA(covered_.left, y - target.top, &target, coverageAt(covered_.left, y),
-                                        covered_.right - covered_.left, part.count(),
-                                        static_cast<int>(mask_.width), color_);
+        const auto blend = single_ ? ZvBlender::blendDstOverSA8To32 : ZvBlender::blendDstOver8To32NSA;
+        blend(covered_.left, y - target.top, &target, coverageAt(covered_.left, y),
+              covered_.right - covered_.left, part.count(), static_cast<int>(mask_.width), color_);
     }
 
     const ZvBitmap& mask_;
     ZvRect covered_;  // outside of it is no coverage
     ZvRect drawn_;    // outside of it the target is transparent, or none
+    bool single_;     // picture: the coverage counts, not only whether there is any
     bool cuts_;
     uint32_t color_;
 };

@@ -14,7 +14,7 @@
 namespace Zvex {
 namespace {
 
-void drawText(ZvBitmap* target, ZvBitmap* mask, int layerMode) {
+void drawText(ZvBitmap* target, ZvBitmap* mask, int layerMode, bool overLayers = false) {
     ZvText text;
     ZvTextProperty property(COLOR, 1.0f);
     text.setProperty(&property);
@@ -22,6 +22,7 @@ void drawText(ZvBitmap* target, ZvBitmap* mask, int layerMode) {
     param.target = target;
     param.mask = mask;
     param.layerMode = layerMode;  // no box: the whole mask is drawn
+    param.overLayers = overLayers;
     EXPECT_EQ(text.doPostProcessing(&param), 0);
 }
 
@@ -32,8 +33,22 @@ TEST(TextLayer, TwoLayersGetTheFullColorWhereverThereIsCoverage) {
         ZvBitmap target = makeTarget(kind, 18, 17, random);
         ZvBitmap expected(target);
         reference::drawBitmapBlend8(0, 0, &expected, mask.pixels, 20, 15, 20, COLOR, 3);
-        drawText(&target, &mask, 1);
+        drawText(&target, &mask, 1, true);
         EXPECT_TRUE(samePixels(expected, target));
+    }
+}
+
+TEST(TextLayer, TheFirstLayerIsBlended) {
+    Random random(4);
+    for (MaskKind maskKind : ALL_MASKS) {
+        ZvBitmap mask = makeMask(maskKind, 20, 15, random);
+        for (TargetKind kind : ALL_TARGETS) {
+            ZvBitmap target = makeTarget(kind, 18, 17, random);
+            ZvBitmap expected(target);
+            reference::drawBitmapBlend8(0, 0, &expected, mask.pixels, 20, 15, 20, COLOR, 7);
+            drawText(&target, &mask, 0);
+            EXPECT_TRUE(samePixels(expected, target));
+        }
     }
 }
 
@@ -57,7 +72,7 @@ TEST(TextLayer, OneLayerIsCutDownToTheGlyphs) {
                 }
                 forEachCpuTarget([&] {
                     ZvBitmap actual(target);
-                    drawText(&actual, &mask, 0);
+                    drawText(&actual, &mask, 0, true);
                     EXPECT_TRUE(samePixels(expected, actual))
                         << "mask " << static_cast<int>(maskKind) << ", grow " << grow;
                 });

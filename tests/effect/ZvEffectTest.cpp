@@ -229,7 +229,7 @@ TEST(EffectStack, ACopyHasItsOwnLayersAndNoRendering) {
     EXPECT_EQ(copy.nextEffectId, 1);
     EXPECT_TRUE(copy.textRectReset);
     EXPECT_EQ(sidesOf(copy.textRect), (Sides{0, 0, 0, 0}));
-    EXPECT_EQ(copy.layerMode, 0);
+    EXPECT_EQ(copy.layerMode, 1);
     for (ZvBitmap* none : {copy.mask, copy.dst, copy.back}) EXPECT_EQ(none, nullptr);
     EXPECT_TRUE(copy.layers.empty());
     copy.doEffectPostProcessing();
@@ -474,11 +474,16 @@ TEST(EffectStack, NoLayerRunsWithoutGlyphsInTheMask) {
     stack.doEffectPostProcessing();
     EXPECT_EQ(layer->draws.size(), 1u);
     EXPECT_EQ(sidesOf(stack.textRect), (Sides{0, 0, 0, 0}));
-    // Nor is there anything to draw without a mask.
+    // One that a caller sets counts, as often as it likes.
+    *stack.getTextRect() = ZvRect(0, 0, 4, 9);
+    for (int i = 0; i < 2; ++i) stack.doEffectPostProcessing();
+    EXPECT_EQ(layer->draws.size(), 3u);
+    EXPECT_EQ(sidesOf(stack.textRect), (Sides{0, 0, 4, 4}));
+    // There is nothing to draw without a mask.
     stack.compositeLayers(nullptr);
     stack.renderEffectLayer(0, 0, &glyph);
     stack.doEffectPostProcessing();
-    EXPECT_EQ(layer->draws.size(), 1u);
+    EXPECT_EQ(layer->draws.size(), 3u);
 }
 
 // A translucent colour is left out of the fill and applied once, to the whole picture.
@@ -520,8 +525,10 @@ TEST(EffectStack, TwoLayersAreCrossFadedByTheCoverage) {
     stack.compositeLayers(&out);
     EXPECT_TRUE(samePixels(expected, out));
     EXPECT_EQ(stack.back, nullptr);
-    stack.compositeLayers(&out);  // the rendering has ended: nothing more happens
     stack.compositeLayers(nullptr);
+    EXPECT_TRUE(samePixels(expected, out));
+    stack.compositeLayers(&out);  // without bitmaps, the text's alpha all the same
+    finishPicture(&expected, 200);
     EXPECT_TRUE(samePixels(expected, out));
 }
 
