@@ -11,6 +11,7 @@
 
 #include "foundation/File.h"
 #include "foundation/List.h"
+#include "foundation/OutOfMemory.h"
 #include "foundation/ZvLog.h"
 #include "foundation/ZvString.h"
 #include "jni/JniSupport.h"
@@ -178,7 +179,8 @@ Utf8Chars FontConfigReader::readLanguage(jobjectArray languages) {
 }  // namespace
 
 bool ConvertToFontFamilies(JNIEnv* env, jobject config, List* out) {
-    return config != nullptr && FontConfigReader(env, out).readConfig(config);
+    return config != nullptr &&
+           unlessOutOfMemory(false, [&] { return FontConfigReader(env, out).readConfig(config); });
 }
 
 }  // namespace Zvex

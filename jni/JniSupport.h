@@ -185,7 +185,13 @@ public:
     Utf8Chars getChars(jobject object, jmethodID method) {
         return charsOf(getObject<jstring>(object, method).get());
     }
-    Utf8Chars charsOf(jstring string) { return mThrew ? Utf8Chars() : checked(Utf8Chars(mEnv, string)); }
+    // A string whose characters find no memory counts as a call that threw; it must not pass for none.
+    Utf8Chars charsOf(jstring string) {
+        if (mThrew) return Utf8Chars();
+        Utf8Chars chars = checked(Utf8Chars(mEnv, string));
+        mThrew = mThrew || (string != nullptr && chars.get() == nullptr);
+        return chars;
+    }
     // As findMethod; a lookup that fails with an exception counts as a call that threw.
     jmethodID find(jobject object, const JavaMethod& method) {
         return mThrew ? nullptr : checked(findMethod(mEnv, object, method));

@@ -7,6 +7,7 @@
 
 #include <cstring>
 
+#include "foundation/OutOfMemory.h"
 #include "foundation/ZvLog.h"
 #include "jni/JniSupport.h"
 
@@ -75,9 +76,7 @@ void readAlign(JavaCalls& calls, jobject align, android::Paint& out) {
     }
 }
 
-}  // namespace
-
-bool ReadPaint(JNIEnv* env, jobject paint, android::Paint& out) {
+bool readPaint(JNIEnv* env, jobject paint, android::Paint& out) {
     const LocalRef<jclass> paintClass(env, env->GetObjectClass(paint));
     jmethodID methods[kPaintMethodCount];
     if (!findMethods(env, paintClass.get(), kPaintMethods, methods, kTag, "Java function")) return false;
@@ -103,6 +102,12 @@ bool ReadPaint(JNIEnv* env, jobject paint, android::Paint& out) {
         readAlign(calls, align.get(), out);
     }
     return !calls.threw();
+}
+
+}  // namespace
+
+bool ReadPaint(JNIEnv* env, jobject paint, android::Paint& out) {
+    return unlessOutOfMemory(false, [&] { return readPaint(env, paint, out); });
 }
 
 }  // namespace Zvex

@@ -221,9 +221,10 @@ jboolean JNICALL ZvText_SetFont3(JNIEnv* env, jobject thiz, jobject assetManager
     if (key.get() == nullptr) return fail("ZvText_SetFont3() - Fail to get fontFile string");
     if (FontManager::GetInstance()->IsExisting(key.get(), 0)) return text->SetFont(key.get());
 
-    AAssetManager* const assets = AAssetManager_fromJava(env, assetManager);
-    const std::unique_ptr<AAsset, AssetCloser> asset(
-        assets != nullptr ? AAssetManager_open(assets, key.get(), AASSET_MODE_BUFFER) : nullptr);
+    const std::unique_ptr<AAsset, AssetCloser> asset(unlessOutOfMemory<AAsset*>(nullptr, [&] {
+        AAssetManager* const assets = AAssetManager_fromJava(env, assetManager);
+        return assets != nullptr ? AAssetManager_open(assets, key.get(), AASSET_MODE_BUFFER) : nullptr;
+    }));
     if (asset == nullptr) return fail("ZvText_SetFont3() - _ASSET_NOT_FOUND_");
     unsigned int size = 0;
     std::unique_ptr<char[]> bytes = readAsset(asset.get(), size);

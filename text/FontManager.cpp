@@ -200,6 +200,13 @@ void ZvFontManagerImpl::tryIndexFamilies() {
     });
 }
 
+const std::vector<ZvFontManagerImpl::IndexedFamily>& ZvFontManagerImpl::indexedFamilies() {
+    const std::lock_guard<std::mutex> lock(indexing);
+    // Nobody adds to the list after handing it over; should somebody do so all the same, the families count.
+    if (families != nullptr && families->GetCount() != static_cast<int>(familyIndex.size())) indexFamilies();
+    return familyIndex;
+}
+
 bool ZvFontManagerImpl::findFont(std::shared_ptr<minikin::MinikinFont>& out, const ZvString* path,
                                  int index) const {
     std::string utf8;
@@ -224,9 +231,7 @@ void ZvFontManagerImpl::collectFamilies(std::vector<std::shared_ptr<minikin::Fon
         }
     }
 
-    // Nobody adds to the list after handing it over; should somebody do so all the same, the families count.
-    if (families != nullptr && families->GetCount() != static_cast<int>(familyIndex.size())) indexFamilies();
-    for (const IndexedFamily& indexed : familyIndex) {
+    for (const IndexedFamily& indexed : indexedFamilies()) {
         if (indexed.family == nullptr || indexed.family->loaded == 0) continue;
         std::vector<minikin::Font> fonts;
         for (const ZvFontEntry* entry : indexed.fonts) {
@@ -459,6 +464,7 @@ bool FontManager::GetMinikinFontFamilies(std::vector<std::shared_ptr<minikin::Fo
 uint64_t FontManager::GetGeneration() const {
     if (mImpl == nullptr) return 0;
     // `loaded` may be set from outside, and the list may grow.
+    const std::lock_guard<std::mutex> lock(mImpl->indexing);
     uint64_t loaded = 0;
     for (const ZvFontManagerImpl::IndexedFamily& indexed : mImpl->familyIndex) {
         if (indexed.family != nullptr && indexed.family->loaded != 0) ++loaded;

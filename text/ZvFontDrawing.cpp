@@ -144,9 +144,14 @@ void ZvFontDrawing::ClearGlyphList() {
 }
 
 int ZvFontDrawing::DrawTextEffect(ZvTextObject* text, ZvBitmap* out) {
-    if (!drawLines(text, out, Drawing::InLayers)) return 0;
-    text->GetEffect()->doEffectPostProcessing();
-    text->GetEffect()->compositeLayers(out);
+    const bool drawn = unlessOutOfMemory(false, [&] {
+        if (!drawLines(text, out, Drawing::InLayers)) return true;
+        text->GetEffect()->doEffectPostProcessing();
+        text->GetEffect()->compositeLayers(out);
+        return true;
+    });
+    // The stack is not left with a bitmap that may go.
+    if (!drawn && text->GetEffect() != nullptr) text->GetEffect()->setDstBitmap(nullptr);
     return 0;
 }
 

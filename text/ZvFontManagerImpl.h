@@ -2,9 +2,11 @@
 #ifndef ZVEX_TEXT_ZVFONTMANAGERIMPL_H_
 #define ZVEX_TEXT_ZVFONTMANAGERIMPL_H_
 
+#include <atomic>
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <vector>
 
@@ -36,6 +38,8 @@ public:
     // does where memory is short.
     void indexFamilies();
     void tryIndexFamilies();
+    // The index, made now where that failed before; by whichever of the readers side by side comes first.
+    const std::vector<IndexedFamily>& indexedFamilies();
 
     // What FontManager's operations do . Throw std::bad_alloc.
     bool isExisting(const char* path, int index) const;
@@ -47,13 +51,14 @@ public:
     void collectFamilies(std::vector<std::shared_ptr<minikin::FontFamily>>& out, const ZvString* path,
                          int& weight);
 
-    uint64_t changes = 0;  // to fontMap and families
-    double totalSize = 0;  // font bytes read from files so far, in units of 1024000
+    std::atomic<uint64_t> changes{0};  // to fontMap and families
+    double totalSize = 0;              // font bytes read from files so far, in units of 1024000
     std::map<std::string, std::shared_ptr<ZvFontData>> dataMap;
     std::map<std::string, std::shared_ptr<minikin::MinikinFont>> fontMap;  // each an android::MinikinFontSkia
     List* families = nullptr;  // owned; of ZvFontFamily*, owned too
     bool familiesSet = false;
     std::vector<IndexedFamily> familyIndex;  // the records of `families`, in its order
+    std::mutex indexing;
 };
 
 }  // namespace Zvex

@@ -25,7 +25,8 @@ struct Registry {
     bool locked = false;
     int lastHandle = 0;
     Mutex mutex;
-    std::once_flag mutexMade;
+    std::mutex makingMutex;
+    bool mutexMade = false;
 };
 
 // Made by the first use, which every text object's constructor is; so it outlives text objects with static
@@ -40,7 +41,10 @@ Registry& registry() {
 class Guard {
 public:
     Guard() : mRegistry(registry()) {
-        std::call_once(mRegistry.mutexMade, [this] { mRegistry.mutex.Construct(); });
+        {
+            const std::lock_guard<std::mutex> lock(mRegistry.makingMutex);
+            if (!mRegistry.mutexMade) mRegistry.mutexMade = mRegistry.mutex.Construct();
+        }
         mRegistry.mutex.Lock();
     }
     ~Guard() { mRegistry.mutex.Unlock(); }

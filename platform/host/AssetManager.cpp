@@ -15,6 +15,7 @@
 #include <map>
 #include <memory>
 #include <mutex>
+#include <new>
 #include <string>
 
 struct AAssetManager {
@@ -51,9 +52,9 @@ std::string findBelow(const std::string& root, const std::string& name) {
 // Real UTF-8; empty for a text that has none.
 std::string toUtf8(JNIEnv* env, jstring text) {
     const jsize length = env->GetStringLength(text);
+    std::string utf8(size_t{3} * static_cast<size_t>(length), '\0');
     const jchar* const units = env->GetStringChars(text, nullptr);
     if (units == nullptr) return "";
-    std::string utf8(size_t{3} * static_cast<size_t>(length), '\0');
     int32_t used = 0;
     UErrorCode status = U_ZERO_ERROR;
     u_strToUTF8(&utf8[0], static_cast<int32_t>(utf8.size()), &used, reinterpret_cast<const UChar*>(units),
@@ -104,7 +105,9 @@ AAsset* AAssetManager_open(AAssetManager* manager, const char* name, int) {
         close(descriptor);
         return nullptr;
     }
-    return new AAsset{descriptor, status.st_size};
+    auto* const asset = new (std::nothrow) AAsset{descriptor, status.st_size};
+    if (asset == nullptr) close(descriptor);
+    return asset;
 }
 
 off_t AAsset_getLength(AAsset* asset) {

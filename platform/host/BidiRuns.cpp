@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <new>
 
 namespace host {
 namespace {
@@ -119,19 +120,26 @@ private:
         const auto* units = reinterpret_cast<const UChar*>(text);
         mUnits.assign(units + mBegin, units + paragraphEnd(text, end - 1, size));
         mLevels.clear();
-        for (size_t at = mBegin; at < finish();) {
-            const size_t next = paragraphEnd(text, at, size);
-            if (!readsLeftToRight(text + at, text + next, bidi)) analyseParagraph(at - mBegin, next - at);
-            at = next;
+        try {
+            for (size_t at = mBegin; at < finish();) {
+                const size_t next = paragraphEnd(text, at, size);
+                if (!readsLeftToRight(text + at, text + next, bidi)) analyseParagraph(at - mBegin, next - at);
+                at = next;
+            }
+        } catch (const std::bad_alloc&) {
+            mUnits.clear();  // nothing holds
+            throw;
         }
     }
 
     void analyseParagraph(size_t offset, size_t length) {
         if (!mBidi) mBidi = ubidi_open();
+        if (!mBidi) throw std::bad_alloc();
         UErrorCode status = U_ZERO_ERROR;
         ubidi_setPara(mBidi, mUnits.data() + offset, static_cast<int32_t>(length), paragraphLevel(mRequest),
                       nullptr, &status);
         const UBiDiLevel* levels = ubidi_getLevels(mBidi, &status);
+        if (status == U_MEMORY_ALLOCATION_ERROR) throw std::bad_alloc();
         if (U_FAILURE(status)) return;
         mLevels.resize(mUnits.size());
         std::copy(levels, levels + length, mLevels.begin() + static_cast<ptrdiff_t>(offset));

@@ -306,15 +306,18 @@ bool FontFace::Impl::open(const void* data, size_t size, int index) {
                                                  HB_MEMORY_MODE_READONLY, nullptr, nullptr));
     if (static_cast<unsigned>(index) >= hb_face_count(blob.get())) return false;
     hbFace.reset(hb_face_create(blob.get(), static_cast<unsigned>(index)));
+    if (hbFace.get() == hb_face_get_empty()) throw std::bad_alloc();
     hb_face_make_immutable(hbFace.get());
     glyphCount = hb_face_get_glyph_count(hbFace.get());
     unitsPerEm = hb_face_get_upem(hbFace.get());
     const HbOwner<hb_set_t> unicodes(hb_set_create());
     hb_face_collect_unicodes(hbFace.get(), unicodes.get());
+    if (!hb_set_allocation_successful(unicodes.get())) throw std::bad_alloc();
     codePoints.assign(unicodes.get());
     if (glyphCount == 0 || unitsPerEm == 0 || codePoints.empty()) return false;
 
     hbFont.reset(hb_font_create(hbFace.get()));
+    if (hbFont.get() == hb_font_get_empty()) throw std::bad_alloc();
     hb_font_set_scale(hbFont.get(), static_cast<int>(unitsPerEm), static_cast<int>(unitsPerEm));
     hb_ot_font_set_funcs(hbFont.get());
     if (hb_ot_var_has_data(hbFace.get()) != 0) axes = readAxes(hbFace.get());

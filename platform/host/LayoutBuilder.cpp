@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <new>
 #include <utility>
 
 #include "platform/host/BidiRuns.h"
@@ -114,9 +115,17 @@ public:
     ~ThreadBuffer() { hb_buffer_destroy(mBuffer); }
 
     hb_buffer_t* cleared() {
-        if (!mBuffer) mBuffer = hb_buffer_create();
+        if (!mBuffer) {
+            hb_buffer_t* made = hb_buffer_create();
+            if (!hb_buffer_allocation_successful(made)) throw std::bad_alloc();
+            mBuffer = made;
+        }
         hb_buffer_clear_contents(mBuffer);
         return mBuffer;
+    }
+    // Without memory the text is cut off, and no call says so.
+    void throwIfExhausted() const {
+        if (!hb_buffer_allocation_successful(mBuffer)) throw std::bad_alloc();
     }
     void release() {
         if (hb_buffer_get_length(mBuffer) <= kKeptGlyphs) return;
@@ -220,6 +229,7 @@ uint32_t LayoutBuilder::faceIndexOf(size_t family) {
     if (chosen.fakery.isFakeItalic()) font.glyph.skewX += android::MinikinFontSkia::kFakeItalicSkew;
     const float width = font.glyph.size * font.glyph.scaleX;
     font.hbFont = hb_font_create_sub_font(parent.hbFont);
+    if (font.hbFont == hb_font_get_empty()) throw std::bad_alloc();
     hb_font_set_scale(font.hbFont, toFixed(width), toFixed(font.glyph.size));
     hb_font_set_ppem(font.hbFont, static_cast<unsigned>(std::fabs(width)),
                      static_cast<unsigned>(font.glyph.size));
@@ -272,6 +282,7 @@ void LayoutBuilder::shape(const ScriptRun& run, uint32_t face, bool rightToLeft)
     hb_buffer_add_utf16(buffer, mText, static_cast<int>(mSize), static_cast<unsigned>(run.start),
                         static_cast<int>(run.end - run.start));
     hb_shape(mFonts[face].hbFont, buffer, mFeatures.data(), static_cast<unsigned>(mFeatures.size()));
+    threadBuffer.throwIfExhausted();
     place(buffer, face, run.script);
     threadBuffer.release();
 }

@@ -190,9 +190,14 @@ uint32_t registerLocaleList(const std::string& locales) {
     if (list.empty()) return 0;
     host::Registry& known = host::registry();
     const std::lock_guard<std::mutex> lock(known.mutex);
-    const auto entry = known.ids.emplace(host::keyOf(list), static_cast<uint32_t>(known.lists.size()));
-    if (entry.second) known.lists.push_back(std::move(list));
-    return entry.first->second;
+    std::string key = host::keyOf(list);
+    const auto entry = known.ids.find(key);
+    if (entry != known.ids.end()) return entry->second;
+    // The list first: an id without one would be given to the next list as well. One too many does no harm.
+    const auto id = static_cast<uint32_t>(known.lists.size());
+    known.lists.push_back(std::move(list));
+    known.ids.emplace(std::move(key), id);
+    return id;
 }
 
 }  // namespace minikin

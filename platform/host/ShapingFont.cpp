@@ -3,6 +3,7 @@
 
 #include <hwui/MinikinSkia.h>
 
+#include <new>
 #include <utility>
 
 namespace host {
@@ -10,6 +11,7 @@ namespace {
 
 hb_font_t* immutableFont(const FontFace& face) {
     hb_font_t* font = hb_font_create(face.hbFace());
+    if (font == hb_font_get_empty()) throw std::bad_alloc();
     face.setAxes(font);
     hb_font_make_immutable(font);
     return font;
