@@ -349,6 +349,10 @@ bool ZvFontManagerImpl::loadFamily(unsigned int localeListId) {
 
 FontManager* FontManager::GetInstance() {
     static FontManager instance;
+    static std::mutex making;
+    // Where there was no memory for it, once more.
+    const std::lock_guard<std::mutex> lock(making);
+    if (instance.mImpl == nullptr) instance.mImpl = new (std::nothrow) ZvFontManagerImpl;
     return &instance;
 }
 
