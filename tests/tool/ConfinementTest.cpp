@@ -104,6 +104,7 @@ TEST_F(Confinement, AStyleFileNamesFilesInItsFolderAndBelow) {
         }
         if (!lifted) continue;
         EXPECT_EQ(render({"--style", style, "--allow-read-anywhere"}).status, 0);
+        EXPECT_EQ(render({"--style", style, "--allow-read", "/"}).status, 0);
         EXPECT_EQ(render({"--style", style, "--allow-read", file("in/deep"), "--allow-read", here}).status,
                   0);
     }
