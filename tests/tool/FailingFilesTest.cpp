@@ -83,8 +83,7 @@ protected:
                 if (how == Fails::AsEnd && failed.name == "read, " + file("lines").string()) continue;
                 SCOPED_TRACE(words[0] + ", call " + std::to_string(number) + ": " + failed.name);
                 EXPECT_TRUE(!failed.name.empty() || failed.status == 0);
-                const std::string errors =
-                    std::regex_replace(slurp(file("stderr")), std::regex("(gallery: |D/)[^\n]*\n"), "");
+                const std::string errors = errorsBut("gallery: ");
                 const std::string out = slurp(file("stdout"));
                 if (failed.status == 0) {
                     EXPECT_EQ(found(outputs), expected);

@@ -103,12 +103,20 @@ protected:
             result.seconds += static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
         if (WIFEXITED(status)) result.status = WEXITSTATUS(status);
         result.out = slurp(file("stdout"));
-        std::stringstream errors(slurp(file("stderr")));
-        for (std::string line; std::getline(errors, line);) {
-            // Builds with every log line compiled in write the library's debug lines there too.
-            if (line.rfind("D/", 0) != 0) result.err += line + "\n";
-        }
+        result.err = errorsBut({});
         return result;
+    }
+
+    // Standard error without the lines that begin so. Builds with every log line compiled in write the
+    // library's debug lines there too; they go as well.
+    std::string errorsBut(const std::string& begin) const {
+        std::stringstream errors(slurp(file("stderr")));
+        std::string rest;
+        for (std::string line; std::getline(errors, line);) {
+            const bool goes = line.rfind("D/", 0) == 0 || (!begin.empty() && line.rfind(begin, 0) == 0);
+            if (!goes) rest += line + "\n";
+        }
+        return rest;
     }
 
     fs::path mFolder;
