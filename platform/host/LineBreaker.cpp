@@ -58,7 +58,21 @@ public:
     }
 
 private:
-    bool fits(int start, int end) const { return mMeasure(start, trimBlanks(mText, start, end)) <= mWidth; }
+    bool fits(int start, int end) const { return widthOf(start, trimBlanks(mText, start, end)) <= mWidth; }
+
+    // Of a piece that is far too long for a line, part of its width, beyond a line's: a text without a break
+    // would be measured to its end for each line.
+    float widthOf(int start, int end) const {
+        constexpr int kStep = 256;
+        float sum = 0;
+        for (int at = start; end - at > kStep;) {
+            const int next = nextIn(mClusters.get(), at + kStep, end);
+            sum += mMeasure(at, next);
+            if (sum > 2 * mWidth) return sum;
+            at = next;
+        }
+        return mMeasure(start, end);
+    }
 
     int nextIn(UBreakIterator* breaks, int position, int end) const {
         const int next = ubrk_following(breaks, position);
@@ -73,7 +87,7 @@ private:
         float sum = 0;
         for (int position = start; position < end && sum <= mWidth;) {
             const int next = nextIn(breaks, position, end);
-            sum += mMeasure(position, next);
+            sum += widthOf(position, next);
             ends.push_back(next);
             position = next;
         }

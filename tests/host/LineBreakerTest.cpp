@@ -69,16 +69,24 @@ TEST(LineBreaker, SettlesLinesByTheirWholeShape) {
 }
 
 TEST(LineBreaker, AMillionCharactersInOneParagraphTakeLinearWork) {
-    std::u16string text;
-    while (text.size() < 1'000'000) text += u"lorem ipsum ";
-    int64_t measured = 0;
-    const auto count = [&](int start, int end) {
-        measured += end - start;
-        return tenEach(start, end);
-    };
-    const auto found = breakLines(units(text), static_cast<int>(text.size()), 800, count);
-    EXPECT_GT(found.size(), 10'000u);
-    EXPECT_LT(measured, 6'000'000);
+    const struct {
+        const char16_t* piece;
+        float width;
+        size_t lines;
+    } cases[] = {
+        {u"lorem ipsum ", 800, 12'821}, {u"x", 800, 12'500}, {u"x", 10'000, 1'000}, {u"x", 7'770, 1'288}};
+    for (const auto& [piece, width, lines] : cases) {
+        std::u16string text;
+        while (text.size() < 1'000'000) text += piece;
+        int64_t measured = 0;
+        const auto count = [&](int start, int end) {
+            measured += end - start;
+            return tenEach(start, end);
+        };
+        const auto found = breakLines(units(text), static_cast<int>(text.size()), width, count);
+        EXPECT_EQ(found.size(), lines);
+        EXPECT_LT(measured, 11'000'000) << piece[0] << width;
+    }
 }
 
 }  // namespace

@@ -133,7 +133,8 @@ TEST_F(InspectText, TakesACommandLineOfRender) {
     EXPECT_NE(words.find("\n  Hani ltr  " + family + " " + style + ": \"\u4e16\"\n"), std::string::npos)
         << words;
     EXPECT_EQ(run({"inspect", "text", "\U00020000 \U00020001", "--font", kFont, "--no-fallback"}).err,
-              "zvtext: warning: characters above U+1FFFF are not supported and come out wrong\n");
+              "zvtext: warning: characters above U+1FFFF are not supported and come out wrong: U+20000, "
+              "U+20001\n");
     EXPECT_EQ(run({"inspect", "text", "x"}).err, "zvtext: --font: is required, a font file or a name\n");
 }
 

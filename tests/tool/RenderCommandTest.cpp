@@ -349,6 +349,33 @@ TEST_F(RenderCommand, HelpHelps) {
     EXPECT_EQ(run({}).status, 2);
 }
 
+TEST_F(RenderCommand, MistakesAreNamed) {
+    EXPECT_EQ(run({"rneder", "x"}).err, "zvtext: 'rneder' is no command (see zvtext --help)\n");
+    EXPECT_EQ(run({"inspect", "foo"}).err, "zvtext: 'foo' is no command (see zvtext --help)\n");
+    for (const char* option : {"--width", "--height", "--max-lines", "--axes", "--text-file", "--metrics"}) {
+        const Result result = run({"render", "x", "--font", kFont, "-o", file("x.png"), option, ""});
+        EXPECT_EQ(result.status, 2);
+        EXPECT_EQ(result.err.find(std::string("zvtext: ") + option + ": "), 0u) << result.err;
+    }
+}
+
+// A file opened while a standard stream is closed must not take its number.
+TEST_F(RenderCommand, ClosedStreamsLeaveFilesAlone) {
+    const std::string path = file("x.png").string();
+    const std::string line = ZVTEXT_BINARY " render x --font " + std::string(kFont) + " -o " + path;
+    ASSERT_EQ(std::system((line + " >/dev/null").c_str()), 0);
+    const std::string whole = slurp(path);
+    EXPECT_NE(std::system((line + " --metrics - <&- >&- 2>/dev/null").c_str()), 0);
+    EXPECT_EQ(slurp(path), whole);
+}
+
+TEST_F(RenderCommand, ATabIsABlank) {
+    const Result result = run({"render", "a\tb", "--font", kFont, "-o", file("tab.png")});
+    EXPECT_EQ(result.err, "");
+    run({"render", "a b", "--font", kFont, "-o", file("blank.png")});
+    EXPECT_EQ(slurp(file("tab.png")), slurp(file("blank.png")));
+}
+
 TEST_F(RenderCommand, WhatCannotBePrintedIsAnError) {
     const std::string font = kFont, folder = mFolder.string();
     for (const std::string& command :
@@ -358,6 +385,7 @@ TEST_F(RenderCommand, WhatCannotBePrintedIsAnError) {
         for (const char* stream : {" >/dev/full", " >&-"}) {
             const std::string line = ZVTEXT_BINARY " " + command + stream + " 2>" + folder + "/errors";
             EXPECT_EQ(WEXITSTATUS(std::system(line.c_str())), 1) << line;
+            EXPECT_FALSE(fs::exists(file("a.png")));
             EXPECT_NE(slurp(file("errors")).find("zvtext: cannot write to standard output"),
                       std::string::npos)
                 << line;

@@ -12,6 +12,7 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cerrno>
+#include <climits>
 #include <csignal>
 #include <cstdio>
 #include <cstring>
@@ -28,6 +29,7 @@
 #include "tools/zvtext/BatchWorker.h"
 #include "tools/zvtext/Digest.h"
 #include "tools/zvtext/Failure.h"
+#include "tools/zvtext/GivenValue.h"
 #include "tools/zvtext/Progress.h"
 #include "tools/zvtext/Values.h"
 
@@ -38,6 +40,7 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr int kMaxJobs = 256;
+constexpr int kLastWait = 2000;       // milliseconds for who reads the results, once a signal has come
 constexpr size_t kMaxWaiting = 1024;  // results kept behind a line that takes long
 constexpr size_t kMaxSaid = 65536;    // of a message without an end
 
@@ -65,14 +68,6 @@ void catchSignal(int number) {
 }
 
 // --- The loop
-
-// A file must not take the number of a standard stream that is closed: results would go into it. What opens
-// in its place cannot be read or written, as it was.
-void holdStandardStreams() {
-    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
-        if (fcntl(stream, F_GETFD) < 0) open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY);
-    }
-}
 
 int usableCores() {
     cpu_set_t cores;
@@ -118,7 +113,7 @@ public:
             if (!moreThere || !canTake()) wait(!mEnded && !moreThere);
         }
         mProgress.clear();
-        if (mOutputClosed) {
+        if (mOutputClosed && gSignal == 0) {
             std::signal(SIGPIPE, SIG_DFL);
             std::raise(SIGPIPE);
         }
@@ -399,15 +394,20 @@ private:
     void writeOut(const std::string& text) {
         size_t written = 0;
         while (written < text.size() && !mOutputClosed && !mOutputFailed) {
-            const ssize_t now = write(STDOUT_FILENO, text.data() + written, text.size() - written);
+            // A reader who has stopped reading does not keep the batch from ending.
+            const bool ending = gSignal != 0;
+            pollfd ready[] = {{STDOUT_FILENO, POLLOUT, 0}, {ending ? -1 : mWake[0], POLLIN, 0}};
+            const int count = poll(ready, 2, ending ? kLastWait : -1);
+            if (count == 0) mOutputClosed = true;
+            if (count == 0 || (count > 0 && ready[0].revents == 0)) continue;
+            // As much as a pipe that has room takes at once.
+            const size_t length = std::min<size_t>(text.size() - written, PIPE_BUF);
+            const ssize_t now = count < 0 ? -1 : write(STDOUT_FILENO, text.data() + written, length);
             if (now >= 0) {
                 written += static_cast<size_t>(now);
-            } else if (errno == EAGAIN) {
-                pollfd room = {STDOUT_FILENO, POLLOUT, 0};
-                poll(&room, 1, -1);
             } else if (errno == EPIPE) {
                 mOutputClosed = true;
-            } else if (errno != EINTR) {
+            } else if (errno != EINTR && errno != EAGAIN) {
                 mOutputFailed = true;
                 stop(std::string("cannot write to standard output: ") + std::strerror(errno));
             }
@@ -429,18 +429,25 @@ private:
                                       {mOutputClosed ? -1 : STDOUT_FILENO, 0, 0},
                                       {reads ? mInput.descriptor() : -1, POLLIN, 0}};
         const size_t fixed = events.size();
-        for (const Worker& worker : mWorkers) {
+        std::vector<Worker*> polled;  // of those alone that live: poll takes no more entries than descriptors
+        for (Worker& worker : mWorkers) {
+            if (worker.socket < 0 && worker.errors < 0) continue;
+            polled.push_back(&worker);
             events.push_back({worker.socket, POLLIN, 0});
             events.push_back({worker.errors, POLLIN, 0});
         }
-        if (poll(events.data(), events.size(), mProgress.shown() ? 200 : -1) <= 0) return;
+        const int count = poll(events.data(), events.size(), mProgress.shown() ? 200 : -1);
+        if (count < 0 && errno != EINTR && errno != EAGAIN) {
+            throw Failure(std::string("cannot wait for the workers: ") + std::strerror(errno));
+        }
+        if (count <= 0) return;
         char byte;
         while (events[0].revents != 0 && ::read(mWake[0], &byte, 1) == 1) {
         }
         if ((events[1].revents & (POLLERR | POLLHUP)) != 0) mOutputClosed = true;
-        for (size_t i = 0; i < mWorkers.size(); ++i) {
-            if (events[fixed + 2 * i + 1].revents != 0) passOn(mWorkers[i]);
-            if (events[fixed + 2 * i].revents != 0) answered(mWorkers[i]);
+        for (size_t i = 0; i < polled.size(); ++i) {
+            if (events[fixed + 2 * i + 1].revents != 0) passOn(*polled[i]);
+            if (events[fixed + 2 * i].revents != 0) answered(*polled[i]);
         }
         if (events[2].revents != 0) readInput();
     }
@@ -470,6 +477,11 @@ void addBatchOptions(CLI::App& command, BatchArguments& a) {
     for (const char* name : {"text", "--output", "--print-style", "--print-key", "--metrics"}) {
         command.remove_option(command.get_option(name));
     }
+    command.get_option("--allow-read")
+        ->description(
+            "Let lines and style files name files in this folder and below it; give it again for more");
+    command.get_option("--allow-read-anywhere")
+        ->description("Let lines and style files name any file, pipes and devices too");
     const std::vector<CLI::Option*> ofRender = command.get_options([](const CLI::Option*) { return true; });
     command.add_option("file", a.input, "The lines, one JSON object each; - is standard input")
         ->type_name("FILE")
@@ -482,7 +494,8 @@ void addBatchOptions(CLI::App& command, BatchArguments& a) {
     command
         .add_option("--metrics", a.metrics,
                     "Name of the metrics in JSON of a picture whose line has none, with {index}; else none")
-        ->type_name("NAME");
+        ->type_name("NAME")
+        ->check(givenValue());
     command.add_option("--output-dir", a.outputFolder, "Where the pictures go; made when missing")
         ->type_name("DIR")
         ->capture_default_str();
@@ -532,7 +545,6 @@ void addBatchOptions(CLI::App& command, BatchArguments& a) {
 }
 
 int runBatch(const BatchArguments& arguments) {
-    holdStandardStreams();
     return Batch(arguments).run();
 }
 

@@ -2,6 +2,7 @@
 #include "tools/zvtext/BatchJournal.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -34,8 +35,18 @@ uint64_t placeKey(const std::string& job) {
 
 BatchJournal::BatchJournal(const std::string& folder, bool reads) {
     const std::string path = folder + "/" + kJournalName;
-    mDescriptor = open(path.c_str(), O_RDWR | O_CREAT | O_APPEND | O_CLOEXEC, 0666);
-    if (mDescriptor < 0) throw Failure("--output-dir: cannot write '" + path + "': " + std::strerror(errno));
+    const auto refuse = [&](const std::string& why) {
+        throw Failure("--output-dir: cannot write '" + path + "': " + why);
+    };
+    // Not through a link, which may lead anywhere; without blocking, as a pipe would.
+    constexpr int kFlags = O_RDWR | O_CREAT | O_APPEND | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK;
+    mDescriptor = open(path.c_str(), kFlags, 0666);
+    if (mDescriptor < 0) refuse(errno == ELOOP ? "it is a link" : std::strerror(errno));
+    struct stat status = {};
+    if (fstat(mDescriptor, &status) != 0 || !S_ISREG(status.st_mode)) {
+        close(mDescriptor);
+        refuse("it is no regular file");
+    }
     if (reads) findRecords();
     const off_t size = lseek(mDescriptor, 0, SEEK_END);
     char last = '\n';

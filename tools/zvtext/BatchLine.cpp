@@ -3,6 +3,8 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <cmath>
+#include <cstdint>
 #include <nlohmann/json.hpp>
 #include <set>
 #include <utility>
@@ -85,7 +87,12 @@ std::string wordOf(const std::string& key, const Json& value) {
     if (!value.is_string() && !value.is_number()) {
         throw UsageError(key + ": " + value.type_name() + " is not what it takes, a string or a number");
     }
-    const std::string word = value.is_string() ? value.get<std::string>() : value.dump();
+    std::string word = value.is_string() ? value.get<std::string>() : value.dump();
+    // Engines that know only one kind of number write 100 as 100.0.
+    if (value.is_number_float() && std::fabs(value.get<double>()) < 1e15 &&
+        value.get<double>() == std::trunc(value.get<double>())) {
+        word = std::to_string(static_cast<int64_t>(value.get<double>()));
+    }
     if (word.find('\0') != std::string::npos) throw UsageError(key + ": it holds a NUL character");
     return word;
 }

@@ -74,7 +74,10 @@ std::string BatchNames::pathOf(const std::string& option, const std::string& nam
 
 void BatchNames::claim(const std::string& option, const std::string& path) {
     const fs::path absolute = (mCurrent / path).lexically_normal();
-    if (!mTaken.insert(Digest().add(absolute.string()).word())) {
+    // Links within the folder give one file several names.
+    std::error_code error;
+    const fs::path real = fs::weakly_canonical(absolute, error);
+    if (!mTaken.insert(Digest().add((error ? absolute : real).string()).word())) {
         throw UsageError(option + ": '" + path + "' is the output of an earlier line");
     }
     const std::string folder = absolute.parent_path().string() + "/";

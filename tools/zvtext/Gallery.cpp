@@ -10,6 +10,7 @@
 #include "tools/zvtext/Failure.h"
 #include "tools/zvtext/GalleryPage.h"
 #include "tools/zvtext/GalleryScenes.h"
+#include "tools/zvtext/GivenValue.h"
 #include "tools/zvtext/Output.h"
 #include "tools/zvtext/OutputFile.h"
 #include "tools/zvtext/PngWriter.h"
@@ -108,6 +109,7 @@ void addGalleryOptions(CLI::App& command, GalleryArguments& a) {
         ->required();
     command.add_option("--font-dir", a.fontFolder, "Where fonts are looked for, by file name")
         ->type_name("DIR")
+        ->check(givenValue())
         ->capture_default_str();
     command.add_option("--only", a.groups, "Only this group; give it again for more: " + groupNames())
         ->type_name("GROUP")

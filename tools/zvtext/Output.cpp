@@ -17,7 +17,13 @@ bool isSamePlace(const std::string& path, const std::string& other) {
     if (path == "-" || other == "-") return path == other;
     std::error_code error;
     if (fs::is_regular_file(path, error) && fs::equivalent(path, other, error)) return true;
-    return fs::absolute(path, error).lexically_normal() == fs::absolute(other, error).lexically_normal();
+    // Neither is there yet; links may lead to the same folder.
+    const auto place = [&](const std::string& name) {
+        const fs::path absolute = fs::absolute(name, error).lexically_normal(),
+                       real = fs::weakly_canonical(absolute, error);
+        return error ? absolute : real;
+    };
+    return place(path) == place(other);
 }
 
 struct Format {
@@ -97,7 +103,7 @@ void checkOutput(const std::string& path, const OutputOptions& options, const st
 }
 
 void writeRendering(const Rendering& rendering, const std::string& path, const OutputOptions& options,
-                    const std::string& option) {
+                    const std::string& option, const std::string& printed) {
     checkOutput(path, options, option);
     const OutputFormat format = formatOf(path, options, option);
     std::string picture;
@@ -115,6 +121,9 @@ void writeRendering(const Rendering& rendering, const std::string& path, const O
         metrics = writeMetrics(rendering.metrics);
         files.push_back({metrics, options.metrics, metricsOption, options.scope});
     }
+    // Before any file has its name: where it does not arrive, no picture is left.
+    const std::string standardOutput = "-", noOption;
+    if (!printed.empty()) files.push_back({printed, standardOutput, noOption});
     writeFiles(files);
 }
 

@@ -36,11 +36,11 @@ struct OutputOptions {
 void checkOutput(const std::string& path, const OutputOptions& options, const std::string& option);
 
 // Writes the picture to `path`, or to standard output for "-", and the metrics where they are asked for. Each
-// file appears when all of them are whole, as OutputFile.h has it; on failure neither is left or replaced.
-// Throws UsageError as checkOutput does and for a picture that is too large for its format, Failure, and
-// std::bad_alloc.
+// file appears when all of them are whole, and what is `printed` on standard output beside them has arrived,
+// as OutputFile.h has it; on failure neither is left or replaced. Throws UsageError as checkOutput does and
+// for a picture that is too large for its format, Failure, and std::bad_alloc.
 void writeRendering(const Rendering& rendering, const std::string& path, const OutputOptions& options,
-                    const std::string& option);
+                    const std::string& option, const std::string& printed = "");
 
 }  // namespace zvtext
 

@@ -69,6 +69,11 @@ std::FILE* openTemporary(std::string& temporary) {
     return stream;
 }
 
+bool isDanglingLink(const std::string& path) {
+    struct stat status;
+    return lstat(path.c_str(), &status) == 0 && S_ISLNK(status.st_mode) && stat(path.c_str(), &status) != 0;
+}
+
 // One file on its way to its place.
 class StagedFile {
 public:
@@ -77,6 +82,8 @@ public:
         struct stat existing;
         if (!file.scope.isAnywhere()) {
             findTarget();
+        } else if (!mStream && isDanglingLink(file.path)) {
+            throw Failure(file.option + ": '" + file.path + "' is a link that leads to no file");
         } else if (!mStream && stat(file.path.c_str(), &existing) == 0) {
             if (S_ISDIR(existing.st_mode)) {
                 throw Failure(file.option + ": '" + file.path + "' is a folder");
@@ -121,7 +128,8 @@ public:
                 std::fflush(stdout) == 0) {
                 return;
             }
-            throw Failure(mFile.option + ": cannot write to standard output: " + std::strerror(errno));
+            throw Failure((mFile.option.empty() ? "" : mFile.option + ": ") +
+                          "cannot write to standard output: " + std::strerror(errno));
         }
         const bool done = mStream ? writeAndClose(mFile.content, std::fopen(mFile.path.c_str(), "wb"), false)
                                   : std::rename(mTemporary.c_str(), mTarget.c_str()) == 0;
@@ -147,6 +155,9 @@ private:
             }
             const std::string resolved = resolvedPath(mFile.path);
             if (!resolved.empty()) target = resolved;
+        }
+        if (!existing && isDanglingLink(mFile.path)) {
+            throw Failure(mFile.option + ": '" + mFile.path + "' is a link that leads to no file");
         }
         mFolder = scope.makeFolder(mFile.option, target.parent_path());
         mTarget = mFolder.name() + "/" + target.filename().string();

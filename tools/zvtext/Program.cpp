@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "tools/zvtext/Program.h"
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <CLI/CLI.hpp>
 #include <csignal>
 #include <cstdio>
@@ -56,6 +59,14 @@ void addPrintingCommands(CLI::App& app, std::string& shell) {
     manual->callback([&app] { print(manualPage(app, ZVEX_VERSION)); });
 }
 
+// A file must not take the number of a standard stream that is closed: what is printed would go into it. What
+// opens in its place cannot be read or written, as it was.
+void holdStandardStreams() {
+    for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        if (fcntl(stream, F_GETFD) < 0) open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY);
+    }
+}
+
 int run(int argc, char** argv) {
     CLI::App app("Renders text with effects, byte for byte as on the phone.", "zvtext");
     app.set_version_flag("--version", ZVEX_VERSION);
@@ -93,6 +104,12 @@ int run(int argc, char** argv) {
     } catch (const CLI::Success& help) {  // --help and --version
         app.exit(help);
         return std::cout.flush() ? 0 : complain("cannot write to standard output", kExitFailure);
+    } catch (const CLI::RequiredError& error) {
+        const std::vector<std::string> unknown = app.remaining(true);
+        const bool ofCommand = std::string(error.what()).find("subcommand") != std::string::npos;
+        if (unknown.empty() || !ofCommand)
+            return complain(std::string(error.what()) + " (see zvtext --help)", kExitUsage);
+        return complain("'" + unknown.front() + "' is no command (see zvtext --help)", kExitUsage);
     } catch (const CLI::ParseError& error) {
         return complain(std::string(error.what()) + " (see zvtext --help)", kExitUsage);
     } catch (const UsageError& error) {
@@ -108,6 +125,7 @@ int run(int argc, char** argv) {
 
 int runProgram(int argc, char** argv) try {
     std::signal(SIGXFSZ, SIG_IGN);  // a file that may not grow is an error of writing, as a disk that is full
+    holdStandardStreams();
     return run(argc, argv);
 } catch (...) {  // the help itself found no memory
     return kExitFailure;

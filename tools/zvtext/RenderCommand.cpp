@@ -6,6 +6,7 @@
 
 #include "tools/zvtext/Failure.h"
 #include "tools/zvtext/FontChoice.h"
+#include "tools/zvtext/GivenValue.h"
 #include "tools/zvtext/OutputFile.h"
 #include "tools/zvtext/Scale.h"
 #include "tools/zvtext/TextInput.h"
@@ -40,9 +41,10 @@ CLI::Option* addStyleOption(CLI::App& command, RenderArguments& arguments, const
 void addTextOptions(CLI::App& command, RenderArguments& a) {
     command.add_option("text", a.text, "The text, UTF-8; - reads standard input")->type_name("TEXT");
     command.add_option("--text-file", a.textFile, "Read the text from a file; - is standard input")
-        ->type_name("FILE");
+        ->type_name("FILE")
+        ->check(givenValue());
     command.add_option("-f,--font", a.font, kFontHelp)->type_name("FONT");
-    command.add_option("--axes", a.axes, kAxesHelp)->type_name("AXIS=VALUE,...");
+    command.add_option("--axes", a.axes, kAxesHelp)->type_name("AXIS=VALUE,...")->check(givenValue());
     command
         .add_option("--fallback", a.fallbacks,
                     "A font for what --font lacks; give it again for more, in order")
@@ -57,9 +59,11 @@ void addViewOptions(CLI::App& command, RenderArguments& a) {
     command
         .add_option("--width", a.width,
                     "Width in which lines wrap, padding included; else lines are as long as they are")
-        ->type_name("PX");
+        ->type_name("PX")
+        ->check(givenValue());
     command.add_option("--height", a.height, "Height, padding included; else as high as the lines")
-        ->type_name("PX");
+        ->type_name("PX")
+        ->check(givenValue());
     command.add_option("--align", a.align, "Where lines stand between the sides")
         ->type_name("left|center|right")
         ->capture_default_str();
@@ -69,7 +73,8 @@ void addViewOptions(CLI::App& command, RenderArguments& a) {
     command
         .add_option("--max-lines", a.maxLines,
                     "Lines shown: the first ones, or the last ones with --gravity bottom")
-        ->type_name("N");
+        ->type_name("N")
+        ->check(givenValue());
     command.add_option("--padding", a.padding, "ALL, SIDES,ENDS or LEFT,TOP,RIGHT,BOTTOM")
         ->type_name("PX")
         ->capture_default_str();
@@ -151,7 +156,8 @@ void addRenderOptions(CLI::App& command, RenderArguments& a) {
     command
         .add_option("--metrics", a.outputOptions.metrics,
                     "Where the parts of the picture lie, in JSON; - is standard output")
-        ->type_name("FILE");
+        ->type_name("FILE")
+        ->check(givenValue());
     command.add_flag("--print-style", a.printStyle,
                      "Print the style these options make, for --style; renders only with --output");
     command.add_flag("--print-key", a.printKey,
@@ -264,13 +270,14 @@ void runRender(const RenderArguments& arguments) {
         const std::string output = arguments.output.value_or(kDefaultOutput);
         checkOutput(output, arguments.outputOptions, "--output");
         const Rendering rendering = renderScene(readScene(arguments));
-        writeRendering(rendering, output, arguments.outputOptions, "--output");
         if (output != "-" && arguments.outputOptions.metrics != "-" && !prints) {
             printed = output + ": " + std::to_string(rendering.picture.width) + " x " +
                       std::to_string(rendering.picture.height) + " pixels\n";
         }
+        writeRendering(rendering, output, arguments.outputOptions, "--output", printed);
+    } else {
+        print(printed);
     }
-    print(printed);
 }
 
 }  // namespace zvtext

@@ -5,17 +5,20 @@
 #include <hwui/MinikinUtils.h>
 #include <hwui/Typeface.h>
 #include <minikin/Layout.h>
+#include <unicode/utf8.h>
 
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <memory>
+#include <set>
 
 #include "foundation/ZvString.h"
 #include "platform/host/LayoutGlyphs.h"
 #include "platform/host/LineBreaker.h"
 #include "text/FontManager.h"
 #include "tools/zvtext/Failure.h"
+#include "tools/zvtext/SceneFonts.h"
 
 namespace zvtext {
 
@@ -41,14 +44,21 @@ android::Paint paintOf(const Style& style) {
 // The text's own UTF-16 form keeps characters beyond the second plane only in part; say so instead of drawing
 // another character silently.
 void warnAboutFarCharacters(const std::string& text) {
-    for (size_t i = 0; i + 1 < text.size(); ++i) {
-        const auto lead = static_cast<unsigned char>(text[i]), next = static_cast<unsigned char>(text[i + 1]);
-        if (lead > 0xF0 || (lead == 0xF0 && next >= 0xA0)) {
-            std::fprintf(stderr,
-                         "zvtext: warning: characters above U+1FFFF are not supported and come out wrong\n");
-            return;
-        }
+    constexpr size_t kMost = 20;
+    std::set<UChar32> far;
+    const auto length = static_cast<int32_t>(text.size());
+    for (int32_t i = 0; i < length && far.size() <= kMost;) {
+        UChar32 c;
+        U8_NEXT(text.data(), i, length, c);
+        if (c > 0x1FFFF) far.insert(c);
     }
+    if (far.empty()) return;
+    std::string names;
+    for (const UChar32 c : far)
+        names += (names.empty() ? "" : ", ") + codePointName(static_cast<uint32_t>(c));
+    std::fprintf(stderr,
+                 "zvtext: warning: characters above U+1FFFF are not supported and come out wrong: %s%s\n",
+                 names.c_str(), far.size() > kMost ? " and more" : "");
 }
 
 class LineShaper {

@@ -27,6 +27,12 @@ std::string fault(const std::string& text) {
     return "";
 }
 
+// There are no tab stops, and no font has a glyph for a tab.
+std::string withoutTabs(std::string text) {
+    std::replace(text.begin(), text.end(), '\t', ' ');
+    return text;
+}
+
 }  // namespace
 
 size_t findInvalidUtf8(const std::string& text) {
@@ -87,7 +93,7 @@ std::string readText(const std::string& argument, const std::string& file, bool 
         const std::string why = fault(argument);
         if (!why.empty()) throw UsageError("TEXT: " + why);
         if (argument.size() > kMaxTextBytes) throw UsageError("TEXT: the text is longer than 4 MiB");
-        return argument;
+        return withoutTabs(argument);
     }
     const std::string option = file.empty() ? "TEXT" : "--text-file";
     const std::string raw = readFile(option, file.empty() ? "-" : file, kMaxTextBytes, scope);
@@ -100,7 +106,7 @@ std::string readText(const std::string& argument, const std::string& file, bool 
     if (!text.empty() && text.back() == '\n') text.pop_back();
     const std::string why = fault(text);
     if (!why.empty()) throw Failure(option + ": " + why);
-    return text;
+    return withoutTabs(text);
 }
 
 }  // namespace zvtext
