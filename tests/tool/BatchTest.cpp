@@ -473,6 +473,25 @@ TEST_F(BatchCommand, ResultsComeWithTheirLinesAndSignalsLetThemFinish) {
     EXPECT_EQ(running.wait(), SIGTERM) << "the second does not wait for the line";
 }
 
+TEST_F(BatchCommand, AReaderThatStopsReadingDoesNotKeepItFromEnding) {
+    Running running(arguments());
+    std::string lines;
+    for (int i = 0; i < 2000; ++i) lines += "{}\n";
+    running.put(lines);
+    // More errors than a pipe holds.
+    std::this_thread::sleep_for(std::chrono::milliseconds(500));
+    running.signalAll(SIGINT);
+    EXPECT_EQ(running.wait(), (128 + SIGINT) << 8);
+}
+
+TEST_F(BatchCommand, MoreJobsThanDescriptorsDoNotMatter) {
+    std::string command =
+        "ulimit -n 64; echo '{\"text\":\"x\"}' | timeout 60 " ZVTEXT_BINARY " batch >/dev/null";
+    for (const std::string& argument : arguments({"--jobs", "100"})) command += " '" + argument + "'";
+    EXPECT_EQ(std::system(command.c_str()), 0);
+    EXPECT_TRUE(fs::exists(folder() / "1.png"));
+}
+
 TEST_F(BatchCommand, AClosedOutputEndsItQuietly) {
     const int errors = open(file("errors").c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
     Running running(arguments(), errors);
