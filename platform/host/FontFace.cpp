@@ -203,11 +203,12 @@ bool rasterise(FT_Library library, FT_Outline& outline, bool antiAlias, GlyphIma
     bitmap.pixel_mode = FT_PIXEL_MODE_MONO;
     bitmap.buffer = bits.data();
     if (FT_Outline_Get_Bitmap(library, &outline, &bitmap) != 0) return false;
-    uint8_t* coverage = image.coverage.data();
-    for (size_t y = 0; y < static_cast<size_t>(image.height); ++y) {
-        for (size_t x = 0; x < static_cast<size_t>(image.width); ++x) {
-            *coverage++ = (bits[y * stride + x / 8] >> (7 - x % 8) & 1) != 0 ? 255 : 0;
-        }
+    const auto width = static_cast<size_t>(image.width);
+    for (size_t i = 0; i < bits.size(); ++i) {
+        if (bits[i] == 0) continue;  // large glyphs are mostly empty
+        const size_t begin = i % stride * 8, count = std::min<size_t>(width - begin, 8);
+        uint8_t* coverage = image.coverage.data() + i / stride * width + begin;
+        for (size_t x = 0; x < count; ++x) coverage[x] = (bits[i] << x & 0x80) != 0 ? 255 : 0;
     }
     return true;
 }

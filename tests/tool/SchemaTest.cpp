@@ -45,6 +45,7 @@ private:
         if (keyword == "maximum") return !value.is_number() || value <= operand;
         if (keyword == "exclusiveMinimum") return !value.is_number() || value > operand;
         if (keyword == "minLength") return !value.is_string() || value.get<std::string>().size() >= operand;
+        if (keyword == "maxLength") return !value.is_string() || value.get<std::string>().size() <= operand;
         if (keyword == "minItems") return !value.is_array() || value.size() >= operand;
         if (keyword == "maxItems") return !value.is_array() || value.size() <= operand;
         if (keyword == "pattern") {
@@ -148,6 +149,7 @@ TEST_F(Schema, TakesWhatTheProgramTakes) {
                                  effect(R"("bevel", "shadow": {"opacity": 1})"),
                                  effect(R"("pattern")"),
                                  effect(R"("pattern", "file": "")"),
+                                 R"({"description": ")" + std::string(4097, 'x') + "\"}",
                                  effect(R"("radial-gradient")"),
                                  effect(R"("radial-gradient", "angle": 1, "stops": [)" + stop + "]"),
                                  effect(R"("inner-glow", "stops": [])"),

@@ -37,6 +37,7 @@ OptionNode nodeOf(const CLI::Option& option) {
     node.help = option.get_description();
     node.start = option.get_default_str();
     node.hint = hintOf(node.value);
+    node.required = option.get_required();
     return node;
 }
 

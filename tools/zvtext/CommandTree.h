@@ -22,6 +22,7 @@ struct OptionNode {
     std::string value;               // "FILE"; empty for a flag that takes none
     std::string help, start;         // start: the value when left out, may be empty
     ValueHint hint;
+    bool required = false;
 };
 
 struct CommandNode {

@@ -66,7 +66,9 @@ std::string italic(const std::string& text) {
 std::string synopsis(const CommandNode& node) {
     std::string line = bold("zvtext " + node.name());
     if (!node.options.empty()) line += " [" + italic("OPTION") + "]...";
-    for (const OptionNode& argument : node.arguments) line += " " + italic(argument.value);
+    for (const OptionNode& argument : node.arguments) {
+        line += argument.required ? " " + italic(argument.value) : " [" + italic(argument.value) + "]";
+    }
     return line + "\n";
 }
 

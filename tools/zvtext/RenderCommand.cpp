@@ -260,6 +260,9 @@ void runRender(const RenderArguments& arguments) {
     if (prints && arguments.outputOptions.metrics == "-") {
         throw UsageError("--metrics: - is standard output, where --print-style and --print-key print");
     }
+    if (prints && !arguments.output && !arguments.outputOptions.metrics.empty()) {
+        throw UsageError("--metrics: needs --output beside --print-style and --print-key");
+    }
     std::string printed;
     if (prints) {
         const Style style = readStyleOptions(arguments);

@@ -36,7 +36,7 @@ struct OfValue {
     }
     Json operator()(const TintField&) const { return {{"$ref", "#/$defs/tint"}}; }
     Json operator()(const StopsField&) const { return {{"$ref", "#/$defs/stops"}}; }
-    Json operator()(const TextField&) const { return {{"type", "string"}}; }
+    Json operator()(const TextField&) const { return {{"type", "string"}, {"maxLength", kMaxFieldBytes}}; }
     Json operator()(const FileField&) const {
         return {{"type", "string"},
                 {"minLength", 1},
