@@ -41,7 +41,7 @@ public:
     // The index, made now where that failed before; by whichever of the readers side by side comes first.
     const std::vector<IndexedFamily>& indexedFamilies();
 
-    // What FontManager's operations do . Throw std::bad_alloc.
+    // What FontManager's operations do. Throw std::bad_alloc.
     bool isExisting(const char* path, int index) const;
     bool addFont(const char* path, std::unique_ptr<char[]> handedOver, unsigned int size, int index,
                  bool checkExisting);

@@ -486,6 +486,26 @@ TEST(EffectStack, NoLayerRunsWithoutGlyphsInTheMask) {
     EXPECT_EQ(layer->draws.size(), 3u);
 }
 
+// The text cuts off what layers in front filled beside the glyphs, not what the caller's picture held.
+TEST(EffectStack, TheTextAloneLeavesThePictureBesideIt) {
+    ZvBitmap coverage(1, 1, 1);
+    coverage.pixels[0] = 255;
+    ZvGlyph glyph = glyphOf(coverage);
+    for (const bool stroked : {false, true}) {
+        ZvEffect stack;
+        stack.addText(0xFF102030);
+        if (stroked) stack.addStrokeText(1, 0xFF506070, 1, 0, 2);
+        stack.initEffect(2, 1);
+        ZvBitmap picture(2, 1, 4);
+        std::memset(picture.pixels, 0x80, picture.byteCount());
+        stack.setDstBitmap(&picture);
+        stack.renderEffectLayer(0, 0, &glyph);
+        stack.doEffectPostProcessing();
+        EXPECT_EQ(picture.pixels[3], 255);
+        EXPECT_EQ(picture.pixels[7], stroked ? 0 : 0x80);
+    }
+}
+
 // A translucent colour is left out of the fill and applied once, to the whole picture.
 TEST(EffectStack, PlainTextBecomesStraightColor) {
     ZvEffect stack;

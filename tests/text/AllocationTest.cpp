@@ -4,6 +4,8 @@
 
 #include <memory>
 #include <new>
+#include <set>
+#include <string>
 
 #include "foundation/OutOfMemory.h"
 #include "platform/host/GlyphCache.h"
@@ -144,6 +146,24 @@ TEST_P(Allocations, APictureThatFindsNoMemoryCanBeRenderedAfterwards) {
         },
         FailingAllocations::Throwing::Fails);
 }
+// A list whose registration failed half-way must not share its id with the next.
+TEST(LocaleLists, KeepTheirOwnIds) {
+    std::set<uint32_t> ids;
+    for (int i = 0; i < 1500; ++i) {
+        const std::string region = std::to_string(100 + i % 900);
+        const std::string tried = (i < 900 ? "fr-" : "it-") + region,
+                          next = (i < 900 ? "de-" : "es-") + region;
+        try {
+            const FailingAllocations one(i % 25, FailingAllocations::Throwing::Fails);
+            minikin::registerLocaleList(tried);
+        } catch (const std::bad_alloc&) {
+        }
+        ids.insert(minikin::registerLocaleList(tried));
+        ids.insert(minikin::registerLocaleList(next));
+    }
+    EXPECT_EQ(ids.size(), 3000u);
+}
+
 INSTANTIATE_TEST_SUITE_P(Styles, Allocations, testing::Values(plain, everything));
 
 }  // namespace

@@ -44,15 +44,7 @@ protected:
     }
 
     FailedCall fail(const std::vector<std::string>& words, int number, Fails how) const {
-        return runWithFailingCall(mFolder, number, how, [&] {
-            dup2(open(file("stdin").c_str(), O_RDONLY), 0);
-            dup2(open(file("stdout").c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600), 1);
-            dup2(open(file("stderr").c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600), 2);
-            std::vector<char*> argv = {const_cast<char*>(ZVTEXT_BINARY)};
-            for (const std::string& word : words) argv.push_back(const_cast<char*>(word.c_str()));
-            argv.push_back(nullptr);
-            return execv(ZVTEXT_BINARY, argv.data());
-        });
+        return runWithFailingCall(mFolder, number, how, [&] { return become(words); });
     }
 
     // The program's files as they are now.

@@ -81,19 +81,22 @@ protected:
         return file(name);
     }
 
+    // In a child process: goes on as the program, with its streams in the folder's files of their names.
+    int become(const std::vector<std::string>& arguments) const {
+        dup2(open(file("stdin").c_str(), O_RDONLY), 0);
+        dup2(open(file("stdout").c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600), 1);
+        dup2(open(file("stderr").c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600), 2);
+        std::vector<char*> argv = {const_cast<char*>(ZVTEXT_BINARY)};
+        for (const std::string& argument : arguments) argv.push_back(const_cast<char*>(argument.c_str()));
+        argv.push_back(nullptr);
+        execv(ZVTEXT_BINARY, argv.data());
+        return 127;
+    }
+
     Result run(const std::vector<std::string>& arguments, const std::string& input = "") const {
         write("stdin", input);
         const pid_t child = fork();
-        if (child == 0) {
-            dup2(open(file("stdin").c_str(), O_RDONLY), 0);
-            dup2(open(file("stdout").c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600), 1);
-            dup2(open(file("stderr").c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600), 2);
-            std::vector<char*> argv = {const_cast<char*>(ZVTEXT_BINARY)};
-            for (const std::string& argument : arguments) argv.push_back(const_cast<char*>(argument.c_str()));
-            argv.push_back(nullptr);
-            execv(ZVTEXT_BINARY, argv.data());
-            _exit(127);
-        }
+        if (child == 0) _exit(become(arguments));
         int status = 0;
         rusage usage = {};
         wait4(child, &status, 0, &usage);

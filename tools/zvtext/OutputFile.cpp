@@ -79,11 +79,12 @@ class StagedFile {
 public:
     // Writes a regular file's content to a temporary name beside it.
     explicit StagedFile(const NewFile& file) : mFile(file), mTarget(file.path), mStream(file.path == "-") {
+        if (!mStream && isDanglingLink(file.path)) {
+            throw Failure(file.option + ": '" + file.path + "' is a link that leads to no file");
+        }
         struct stat existing;
         if (!file.scope.isAnywhere()) {
             findTarget();
-        } else if (!mStream && isDanglingLink(file.path)) {
-            throw Failure(file.option + ": '" + file.path + "' is a link that leads to no file");
         } else if (!mStream && stat(file.path.c_str(), &existing) == 0) {
             if (S_ISDIR(existing.st_mode)) {
                 throw Failure(file.option + ": '" + file.path + "' is a folder");
@@ -156,9 +157,6 @@ private:
             const std::string resolved = resolvedPath(mFile.path);
             if (!resolved.empty()) target = resolved;
         }
-        if (!existing && isDanglingLink(mFile.path)) {
-            throw Failure(mFile.option + ": '" + mFile.path + "' is a link that leads to no file");
-        }
         mFolder = scope.makeFolder(mFile.option, target.parent_path());
         mTarget = mFolder.name() + "/" + target.filename().string();
     }
@@ -199,10 +197,7 @@ void writeFiles(const std::vector<NewFile>& files) {
 }
 
 void print(const std::string& text) {
-    errno = 0;
-    if (std::fputs(text.c_str(), stdout) == EOF || std::fflush(stdout) != 0) {
-        throw Failure(std::string("cannot write to standard output: ") + std::strerror(errno));
-    }
+    writeFile(text, "-", "");
 }
 
 void removeTemporaries(const std::string& path, const FolderScope& scope) {
