@@ -4,7 +4,7 @@
 #include <algorithm>
 
 #include "effect/Numbers.h"
-#include "effect/filters/ColorTable.h"
+#include "effect/kernels/ColorTable.h"
 
 namespace Zvex {
 

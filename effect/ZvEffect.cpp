@@ -12,7 +12,7 @@
 #include "effect/EffectFactory.h"
 #include "effect/LayerRows.h"
 #include "effect/ZvGlyph.h"
-#include "effect/filters/Buffer.h"
+#include "effect/kernels/Buffer.h"
 #include "foundation/OutOfMemory.h"
 #include "foundation/ZvLog.h"
 #include "raster/ClearPixels.h"

@@ -4,7 +4,7 @@
 
 #include <jni.h>
 
-#include "effect/filters/Buffer.h"
+#include "effect/kernels/Buffer.h"
 #include "jni/JniSupport.h"
 #include "text/LinePlacement.h"
 #include "text/ZvView.h"

@@ -8,7 +8,7 @@
 //     void addTaps(...) { ... }
 //
 //     // Gaussian.cpp, with raster/CpuTarget.h among its includes and within its unnamed namespace
-//     #define ZVEX_KERNELS "effect/filters/GaussianKernels.inc"
+//     #define ZVEX_KERNELS "effect/kernels/GaussianKernels.inc"
 //     #include "raster/ForEachTarget.h"
 //
 //     void blur(...) { ZVEX_ON_TARGET(addTaps(a, b)); }

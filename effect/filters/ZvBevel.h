@@ -4,8 +4,8 @@
 
 #include "effect/ZvECoreBase.h"
 #include "effect/ZvProperty.h"
-#include "effect/filters/Relief.h"
-#include "effect/filters/SquareRoots.h"
+#include "effect/kernels/Relief.h"
+#include "effect/kernels/SquareRoots.h"
 
 namespace Zvex {
 

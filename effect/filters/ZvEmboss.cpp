@@ -16,7 +16,7 @@
 #include <memory>
 #include <utility>
 
-#include "effect/filters/Distance.h"
+#include "effect/kernels/Distance.h"
 #include "foundation/OutOfMemory.h"
 #include "raster/ZvBlender.h"
 

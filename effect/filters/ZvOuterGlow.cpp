@@ -2,7 +2,7 @@
 #include "effect/filters/ZvOuterGlow.h"
 
 #include "effect/Numbers.h"
-#include "effect/filters/Glow.h"
+#include "effect/kernels/Glow.h"
 
 namespace Zvex {
 

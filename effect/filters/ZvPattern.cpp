@@ -8,9 +8,9 @@
 #include <utility>
 
 #include "effect/LayerRows.h"
-#include "effect/filters/Buffer.h"
-#include "effect/filters/Coverage.h"
-#include "effect/filters/PatternTile.h"
+#include "effect/kernels/Buffer.h"
+#include "effect/kernels/Coverage.h"
+#include "effect/kernels/PatternTile.h"
 #include "foundation/OutOfMemory.h"
 #include "foundation/SafeConvert.h"
 #include "raster/ZvBitmap.h"

@@ -4,7 +4,7 @@
 #include <memory>
 #include <utility>
 
-#include "effect/filters/Gradient.h"
+#include "effect/kernels/Gradient.h"
 #include "foundation/OutOfMemory.h"
 
 namespace Zvex {

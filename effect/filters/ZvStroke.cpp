@@ -19,9 +19,9 @@
 
 #include "effect/LayerRows.h"
 #include "effect/Numbers.h"
-#include "effect/filters/Buffer.h"
-#include "effect/filters/Coverage.h"
-#include "effect/filters/Dilation.h"
+#include "effect/kernels/Buffer.h"
+#include "effect/kernels/Coverage.h"
+#include "effect/kernels/Dilation.h"
 #include "foundation/OutOfMemory.h"
 #include "raster/ZvBitmap.h"
 #include "raster/ZvBlender.h"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "effect/filters/ColorTable.h"
+#include "effect/kernels/ColorTable.h"
 
 #include <gtest/gtest.h>
 

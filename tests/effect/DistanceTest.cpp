@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "effect/filters/Distance.h"
+#include "effect/kernels/Distance.h"
 
 #include <gtest/gtest.h>
 
@@ -10,7 +10,7 @@
 #include <limits>
 #include <vector>
 
-#include "effect/filters/SquareRoots.h"
+#include "effect/kernels/SquareRoots.h"
 #include "tests/CpuTargets.h"
 #include "tests/effect/TestPictures.h"
 #include "tests/reference/DistanceReference.h"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "effect/filters/Gaussian.h"
+#include "effect/kernels/Gaussian.h"
 
 #include <gtest/gtest.h>
 

@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "effect/ZvProperty.h"
-#include "effect/filters/Dilation.h"
 #include "effect/filters/ZvStroke.h"
+#include "effect/kernels/Dilation.h"
 #include "raster/ZvBitmap.h"
 #include "raster/ZvRect.h"
 #include "tests/effect/FilterScene.h"

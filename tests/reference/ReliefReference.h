@@ -11,7 +11,7 @@
 
 #include "effect/ZvECore.h"
 #include "effect/ZvProperty.h"
-#include "effect/filters/Relief.h"
+#include "effect/kernels/Relief.h"
 #include "tests/reference/BlenderReference.h"
 #include "tests/reference/DistanceReference.h"
 #include "tests/reference/GaussianReference.h"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "effect/filters/Coverage.h"
+#include "effect/kernels/Coverage.h"
 
 #include <algorithm>
 #include <climits>

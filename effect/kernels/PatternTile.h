@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
-#ifndef ZVEX_EFFECT_FILTERS_PATTERNTILE_H_
-#define ZVEX_EFFECT_FILTERS_PATTERNTILE_H_
+#ifndef ZVEX_EFFECT_KERNELS_PATTERNTILE_H_
+#define ZVEX_EFFECT_KERNELS_PATTERNTILE_H_
 
 #include <cstdint>
 
-#include "effect/filters/Buffer.h"
+#include "effect/kernels/Buffer.h"
 #include "raster/ZvBitmap.h"
 
 namespace Zvex {
@@ -45,4 +45,4 @@ private:
 
 }  // namespace Zvex
 
-#endif  // ZVEX_EFFECT_FILTERS_PATTERNTILE_H_
+#endif  // ZVEX_EFFECT_KERNELS_PATTERNTILE_H_

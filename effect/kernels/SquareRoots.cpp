@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "effect/filters/SquareRoots.h"
+#include "effect/kernels/SquareRoots.h"
 
 #include <cmath>
 #include <cstddef>

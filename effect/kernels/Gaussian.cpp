@@ -3,7 +3,7 @@
 // A separable blur, 2 * radius + 1 taps a pass; see GaussianKernels.inc for how they are added. Windows
 // without coverage are not summed. The definition is tests/reference/GaussianReference.h.
 
-#include "effect/filters/Gaussian.h"
+#include "effect/kernels/Gaussian.h"
 
 #include <algorithm>
 #include <cmath>
@@ -57,7 +57,7 @@ uint8_t* alignedToCacheLine(uint8_t* at) {
     return at + (CACHE_LINE - reinterpret_cast<uintptr_t>(at) % CACHE_LINE) % CACHE_LINE;
 }
 
-#define ZVEX_KERNELS "effect/filters/GaussianKernels.inc"
+#define ZVEX_KERNELS "effect/kernels/GaussianKernels.inc"
 #include "raster/ForEachTarget.h"
 
 }  // namespace

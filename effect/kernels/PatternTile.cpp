@@ -4,7 +4,7 @@
 // mixed once, when its row is first asked for, and copied from then on; else only stretches with coverage are
 // mixed. The definition is tests/reference/PatternReference.h.
 
-#include "effect/filters/PatternTile.h"
+#include "effect/kernels/PatternTile.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -21,7 +21,7 @@ constexpr double MIN_SCALE = 0.1;
 constexpr float FIRST_WHOLE = 8388608;  // from here on floats have no fraction
 constexpr int64_t LEAST_COLUMNS = 256;  // of a tile: shorter ones are repeated in it
 
-#define ZVEX_KERNELS "effect/filters/PatternKernels.inc"
+#define ZVEX_KERNELS "effect/kernels/PatternKernels.inc"
 #include "raster/ForEachTarget.h"
 
 using TargetBaseline::PIECE;

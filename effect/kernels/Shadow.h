@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-#ifndef ZVEX_EFFECT_FILTERS_SHADOW_H_
-#define ZVEX_EFFECT_FILTERS_SHADOW_H_
+#ifndef ZVEX_EFFECT_KERNELS_SHADOW_H_
+#define ZVEX_EFFECT_KERNELS_SHADOW_H_
 
 #include "effect/ZvProperty.h"
 
@@ -22,4 +22,4 @@ ShadowShift shadowShift(const ZvShadowProperty& shadow);
 
 }  // namespace Zvex
 
-#endif  // ZVEX_EFFECT_FILTERS_SHADOW_H_
+#endif  // ZVEX_EFFECT_KERNELS_SHADOW_H_

@@ -21,7 +21,7 @@
 //
 // The definition is tests/reference/StrokeReference.h.
 
-#include "effect/filters/Dilation.h"
+#include "effect/kernels/Dilation.h"
 
 #include <algorithm>
 #include <climits>
@@ -63,7 +63,7 @@ struct Work {
     Seen* seen;  // room for all lines
 };
 
-#define ZVEX_KERNELS "effect/filters/DilationKernels.inc"
+#define ZVEX_KERNELS "effect/kernels/DilationKernels.inc"
 #include "raster/ForEachTarget.h"
 
 int64_t roundUp(int64_t value) {

@@ -2,7 +2,7 @@
 //
 // One walk along the stops, entry by entry. The definition is tests/reference/GradientReference.h.
 
-#include "effect/filters/ColorTable.h"
+#include "effect/kernels/ColorTable.h"
 
 #include <algorithm>
 #include <cmath>

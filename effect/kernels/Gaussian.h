@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
-#ifndef ZVEX_EFFECT_FILTERS_GAUSSIAN_H_
-#define ZVEX_EFFECT_FILTERS_GAUSSIAN_H_
+#ifndef ZVEX_EFFECT_KERNELS_GAUSSIAN_H_
+#define ZVEX_EFFECT_KERNELS_GAUSSIAN_H_
 
 #include <cstddef>
 #include <cstdint>
 
-#include "effect/filters/Buffer.h"
+#include "effect/kernels/Buffer.h"
 
 namespace Zvex {
 
@@ -94,4 +94,4 @@ bool blurPlane(const BlurParam& param);
 
 }  // namespace Zvex
 
-#endif  // ZVEX_EFFECT_FILTERS_GAUSSIAN_H_
+#endif  // ZVEX_EFFECT_KERNELS_GAUSSIAN_H_

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-#ifndef ZVEX_EFFECT_FILTERS_BUFFER_H_
-#define ZVEX_EFFECT_FILTERS_BUFFER_H_
+#ifndef ZVEX_EFFECT_KERNELS_BUFFER_H_
+#define ZVEX_EFFECT_KERNELS_BUFFER_H_
 
 #include <cstddef>
 #include <cstdint>
@@ -69,4 +69,4 @@ private:
 
 }  // namespace Zvex
 
-#endif  // ZVEX_EFFECT_FILTERS_BUFFER_H_
+#endif  // ZVEX_EFFECT_KERNELS_BUFFER_H_

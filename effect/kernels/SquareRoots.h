@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-#ifndef ZVEX_EFFECT_FILTERS_SQUAREROOTS_H_
-#define ZVEX_EFFECT_FILTERS_SQUAREROOTS_H_
+#ifndef ZVEX_EFFECT_KERNELS_SQUAREROOTS_H_
+#define ZVEX_EFFECT_KERNELS_SQUAREROOTS_H_
 
 #include <cstdint>
 
@@ -18,4 +18,4 @@ float integerRoot(int64_t square);
 
 }  // namespace Zvex
 
-#endif  // ZVEX_EFFECT_FILTERS_SQUAREROOTS_H_
+#endif  // ZVEX_EFFECT_KERNELS_SQUAREROOTS_H_

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-#ifndef ZVEX_EFFECT_FILTERS_DISTANCE_H_
-#define ZVEX_EFFECT_FILTERS_DISTANCE_H_
+#ifndef ZVEX_EFFECT_KERNELS_DISTANCE_H_
+#define ZVEX_EFFECT_KERNELS_DISTANCE_H_
 
 #include <cstdint>
 
@@ -90,4 +90,4 @@ bool searchInward(const DistanceSearch& search);
 
 }  // namespace Zvex
 
-#endif  // ZVEX_EFFECT_FILTERS_DISTANCE_H_
+#endif  // ZVEX_EFFECT_KERNELS_DISTANCE_H_

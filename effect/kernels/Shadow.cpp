@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "effect/filters/Shadow.h"
+#include "effect/kernels/Shadow.h"
 
 #include <cmath>
 

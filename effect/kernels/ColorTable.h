@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-#ifndef ZVEX_EFFECT_FILTERS_COLORTABLE_H_
-#define ZVEX_EFFECT_FILTERS_COLORTABLE_H_
+#ifndef ZVEX_EFFECT_KERNELS_COLORTABLE_H_
+#define ZVEX_EFFECT_KERNELS_COLORTABLE_H_
 
 #include <cstdint>
 
@@ -41,4 +41,4 @@ inline uint32_t premultiplied(uint32_t color) {
 
 }  // namespace Zvex
 
-#endif  // ZVEX_EFFECT_FILTERS_COLORTABLE_H_
+#endif  // ZVEX_EFFECT_KERNELS_COLORTABLE_H_

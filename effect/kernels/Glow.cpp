@@ -11,7 +11,7 @@
 // the next ones are read, and of these only where something changes: along the outlines. The definition is
 // tests/reference/GlowReference.h.
 
-#include "effect/filters/Glow.h"
+#include "effect/kernels/Glow.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -19,10 +19,10 @@
 #include <utility>
 
 #include "effect/LayerRows.h"
-#include "effect/filters/Buffer.h"
-#include "effect/filters/ColorTable.h"
-#include "effect/filters/Coverage.h"
-#include "effect/filters/Gaussian.h"
+#include "effect/kernels/Buffer.h"
+#include "effect/kernels/ColorTable.h"
+#include "effect/kernels/Coverage.h"
+#include "effect/kernels/Gaussian.h"
 #include "foundation/OutOfMemory.h"
 #include "foundation/SafeConvert.h"
 #include "raster/CpuTarget.h"
@@ -73,7 +73,7 @@ struct Widening {
 // The kernels look at this many rows at a time, in blocks of 8 or 16 pixels, eight blocks at a time.
 constexpr int WIDENING_GROUP = 8;
 
-#define ZVEX_KERNELS "effect/filters/GlowKernels.inc"
+#define ZVEX_KERNELS "effect/kernels/GlowKernels.inc"
 #include "raster/ForEachTarget.h"
 
 // False, with the image untouched, when memory is short.

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
-#ifndef ZVEX_EFFECT_FILTERS_DILATION_H_
-#define ZVEX_EFFECT_FILTERS_DILATION_H_
+#ifndef ZVEX_EFFECT_KERNELS_DILATION_H_
+#define ZVEX_EFFECT_KERNELS_DILATION_H_
 
 #include <cstdint>
 
-#include "effect/filters/Buffer.h"
+#include "effect/kernels/Buffer.h"
 
 namespace Zvex {
 
@@ -152,4 +152,4 @@ private:
 
 }  // namespace Zvex
 
-#endif  // ZVEX_EFFECT_FILTERS_DILATION_H_
+#endif  // ZVEX_EFFECT_KERNELS_DILATION_H_

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "effect/filters/Relief.h"
+#include "effect/kernels/Relief.h"
 
 #include <algorithm>
 #include <cstring>
 #include <utility>
 
-#include "effect/filters/Distance.h"
-#include "effect/filters/Gaussian.h"
+#include "effect/kernels/Distance.h"
+#include "effect/kernels/Gaussian.h"
 #include "raster/CpuTarget.h"
 #include "raster/ZvBlender.h"
 
@@ -32,7 +32,7 @@ constexpr int BAND = 64;
 // Of a block whose pixels have not the same two lights.
 constexpr int32_t UNEVEN = -1;
 
-#define ZVEX_KERNELS "effect/filters/ReliefKernels.inc"
+#define ZVEX_KERNELS "effect/kernels/ReliefKernels.inc"
 #include "raster/ForEachTarget.h"
 
 // The part of a row of the area, from `begin` to `end` - 1, that lies within the mask.

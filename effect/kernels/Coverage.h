@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-#ifndef ZVEX_EFFECT_FILTERS_COVERAGE_H_
-#define ZVEX_EFFECT_FILTERS_COVERAGE_H_
+#ifndef ZVEX_EFFECT_KERNELS_COVERAGE_H_
+#define ZVEX_EFFECT_KERNELS_COVERAGE_H_
 
 #include <cstddef>
 #include <cstdint>
@@ -52,4 +52,4 @@ void copyCoverage(const ZvBitmap& mask, const ZvRect& box, uint8_t* plane, ptrdi
 
 }  // namespace Zvex
 
-#endif  // ZVEX_EFFECT_FILTERS_COVERAGE_H_
+#endif  // ZVEX_EFFECT_KERNELS_COVERAGE_H_

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-#ifndef ZVEX_EFFECT_FILTERS_GLOW_H_
-#define ZVEX_EFFECT_FILTERS_GLOW_H_
+#ifndef ZVEX_EFFECT_KERNELS_GLOW_H_
+#define ZVEX_EFFECT_KERNELS_GLOW_H_
 
 #include <cstdint>
 
@@ -35,4 +35,4 @@ void drawGlow(const ZvECore::ParamPostProcessing* param, const ZvGlowProperty* p
 
 }  // namespace Zvex
 
-#endif  // ZVEX_EFFECT_FILTERS_GLOW_H_
+#endif  // ZVEX_EFFECT_KERNELS_GLOW_H_

@@ -1,15 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
-#ifndef ZVEX_EFFECT_FILTERS_GRADIENT_H_
-#define ZVEX_EFFECT_FILTERS_GRADIENT_H_
+#ifndef ZVEX_EFFECT_KERNELS_GRADIENT_H_
+#define ZVEX_EFFECT_KERNELS_GRADIENT_H_
 
 #include <cstdint>
 
 #include "effect/LayerRows.h"
 #include "effect/ZvECore.h"
 #include "effect/ZvProperty.h"
-#include "effect/filters/Buffer.h"
-#include "effect/filters/ColorTable.h"
-#include "effect/filters/Coverage.h"
+#include "effect/kernels/Buffer.h"
+#include "effect/kernels/ColorTable.h"
+#include "effect/kernels/Coverage.h"
 
 namespace Zvex {
 
@@ -52,4 +52,4 @@ private:
 
 }  // namespace Zvex
 
-#endif  // ZVEX_EFFECT_FILTERS_GRADIENT_H_
+#endif  // ZVEX_EFFECT_KERNELS_GRADIENT_H_

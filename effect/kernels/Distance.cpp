@@ -3,7 +3,7 @@
 // The transform is the lower envelope of parabolas after Felzenszwalb and Huttenlocher (2012). The
 // definitions are in tests/reference/DistanceReference.h.
 
-#include "effect/filters/Distance.h"
+#include "effect/kernels/Distance.h"
 
 #include <algorithm>
 #include <cmath>
@@ -13,8 +13,8 @@
 #include <cstring>
 #include <limits>
 
-#include "effect/filters/Buffer.h"
-#include "effect/filters/SquareRoots.h"
+#include "effect/kernels/Buffer.h"
+#include "effect/kernels/SquareRoots.h"
 #include "foundation/OutOfMemory.h"
 #include "raster/CpuTarget.h"
 
@@ -168,7 +168,7 @@ struct OfferRows {
     int begin, end;  // the rows that are wanted
 };
 
-#define ZVEX_KERNELS "effect/filters/DistanceKernels.inc"
+#define ZVEX_KERNELS "effect/kernels/DistanceKernels.inc"
 #include "raster/ForEachTarget.h"
 
 constexpr int MOST_LANES = 16;

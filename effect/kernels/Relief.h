@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-#ifndef ZVEX_EFFECT_FILTERS_RELIEF_H_
-#define ZVEX_EFFECT_FILTERS_RELIEF_H_
+#ifndef ZVEX_EFFECT_KERNELS_RELIEF_H_
+#define ZVEX_EFFECT_KERNELS_RELIEF_H_
 
 #include <cmath>
 #include <cstddef>
@@ -10,9 +10,9 @@
 #include "effect/LayerRows.h"
 #include "effect/Numbers.h"
 #include "effect/ZvProperty.h"
-#include "effect/filters/Buffer.h"
-#include "effect/filters/Coverage.h"
-#include "effect/filters/Gaussian.h"
+#include "effect/kernels/Buffer.h"
+#include "effect/kernels/Coverage.h"
+#include "effect/kernels/Gaussian.h"
 
 namespace Zvex {
 
@@ -230,4 +230,4 @@ Property limitedAgain(const ZvProperty* property) {
 
 }  // namespace Zvex
 
-#endif  // ZVEX_EFFECT_FILTERS_RELIEF_H_
+#endif  // ZVEX_EFFECT_KERNELS_RELIEF_H_

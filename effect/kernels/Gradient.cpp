@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "effect/filters/Gradient.h"
+#include "effect/kernels/Gradient.h"
 
 #include <algorithm>
 
@@ -14,7 +14,7 @@ namespace {
 
 constexpr float LEAST_SCALE = 0.1f;
 
-#define ZVEX_KERNELS "effect/filters/GradientKernels.inc"
+#define ZVEX_KERNELS "effect/kernels/GradientKernels.inc"
 #include "raster/ForEachTarget.h"
 
 }  // namespace
