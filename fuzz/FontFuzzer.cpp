@@ -72,7 +72,7 @@ std::string damaged(const std::string& original, fuzz::Input& input) {
 // those, with the sanitizers ten times as much, and run through the same code.
 constexpr uint64_t LARGE = 4'000'000;
 
-uint64_t pixelsOf(const host::GlyphBox& box) {
+uint64_t pixelsOf(const host::InkBox& box) {
     return static_cast<uint64_t>(box.right - box.left) * static_cast<uint64_t>(box.bottom - box.top);
 }
 
@@ -94,7 +94,7 @@ void askFace(const std::string& file, const host::GlyphStyle& style, fuzz::Input
     for (int i = 0; i < 6; ++i) {
         const uint32_t glyph = input.byte() < 250 ? input.byte() % face->glyphCount() : input.word();
         face->advance(glyph, style);
-        const host::GlyphBox box = face->inkBox(glyph, style);
+        const host::InkBox box = face->inkBox(glyph, style);
         const int quarterX = input.byte() % 4;
         if (pixelsOf(box) <= LARGE) {
             const auto image = face->image(glyph, style, quarterX);

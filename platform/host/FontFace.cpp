@@ -524,12 +524,13 @@ float FontFace::advance(uint32_t glyph, const GlyphStyle& style) const {
     return style.subpixel ? pixels : std::floor(pixels + 0.5f);
 }
 
-GlyphBox FontFace::inkBox(uint32_t glyph, const GlyphStyle& style) const {
+InkBox FontFace::inkBox(uint32_t glyph, const GlyphStyle& style) const {
     if (glyph >= mImpl->glyphCount || !drawable(style)) return {};
     std::lock_guard<std::mutex> lock(mImpl->mutex);
     const GlyphBox box = mImpl->box(glyph, style, 0);
     mImpl->freeType.throwIfExhausted();
-    return box;
+    return {static_cast<float>(box.left), static_cast<float>(box.top), static_cast<float>(box.right),
+            static_cast<float>(box.bottom)};
 }
 
 std::shared_ptr<const GlyphImage> FontFace::image(uint32_t glyph, const GlyphStyle& style,

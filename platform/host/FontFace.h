@@ -9,6 +9,8 @@
 #include <memory>
 #include <vector>
 
+#include "platform/host/Rendering.h"
+
 namespace host {
 
 // How a glyph is sized and drawn. Sizes and widths (size * scaleX, of either sign) outside
@@ -21,6 +23,8 @@ struct GlyphStyle {
     bool fakeBold = false;
     bool antiAlias = true;
     bool subpixel = false;  // fractional advances; images and boxes take no notice
+    bool linear = false;    // no hinting, and metrics that scale with the size; Plain takes no notice
+    Rendering rendering = host::rendering();
 };
 
 constexpr float kMinGlyphSize = 1.0f / 64;
@@ -35,6 +39,12 @@ constexpr int kMaxGlyphSide = 32767;
 struct GlyphBox {
     int left = 0, top = 0, right = 0, bottom = 0;
     bool empty() const { return left >= right || top >= bottom; }
+};
+
+// The same for what is measured: not whole where metrics are scaled.
+struct InkBox {
+    float left = 0, top = 0, right = 0, bottom = 0;
+    bool empty() const { return !(left < right && top < bottom); }
 };
 
 // Coverage, 0 to 255, in rows of `width` bytes. Its top left pixel lies at (left, top) from the pixel the pen
@@ -88,13 +98,15 @@ public:
     bool coversVariation(uint32_t codePoint, uint32_t selector) const;
 
     // Pixels, whole (halves up) unless style.subpixel: the font's own advance x size x scaleX / units per em.
-    // Neither fake bold nor skew changes it. 0 for a blank style. Lock-free.
+    // Neither fake bold nor skew changes it. 0 for a blank style. In the phone's rendering: the hinted advance
+    // as FreeType gives it; without hinting or with style.subpixel the font's own, scaled. Not rounded here.
     float advance(uint32_t glyph, const GlyphStyle& style) const;
 
     // The box of the outline's control points (of all layers; of the scaled strike), rounded outwards to
     // whole pixels, for a pen at a whole pixel; empty for blank glyphs. No pixel of image(glyph, style, 0)
-    // lies outside.
-    GlyphBox inkBox(uint32_t glyph, const GlyphStyle& style) const;
+    // lies outside. In the phone's rendering, for linear text and where glyphs are paths: the box at 64
+    // pixels, scaled.
+    InkBox inkBox(uint32_t glyph, const GlyphStyle& style) const;
 
     // Coverage for a pen at quarterX / 4 pixels, quarterX in 0..3 (taken modulo 4). Never null. Kept in the
     // process-wide glyph cache.

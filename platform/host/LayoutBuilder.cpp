@@ -137,9 +137,8 @@ private:
     hb_buffer_t* mBuffer = nullptr;
 };
 
-minikin::MinikinRect boxAt(const GlyphBox& box, float x, float y) {
-    return {static_cast<float>(box.left) + x, static_cast<float>(box.top) + y,
-            static_cast<float>(box.right) + x, static_cast<float>(box.bottom) + y};
+minikin::MinikinRect boxAt(const InkBox& box, float x, float y) {
+    return {box.left + x, box.top + y, box.right + x, box.bottom + y};
 }
 
 bool isEmpty(const minikin::MinikinRect& box) {

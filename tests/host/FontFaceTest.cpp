@@ -53,6 +53,13 @@ bool operator==(const GlyphBox& a, const GlyphBox& b) {
     return a.left == b.left && a.top == b.top && a.right == b.right && a.bottom == b.bottom;
 }
 
+// The box of a style whose metrics are whole pixels.
+GlyphBox boxOf(const FontFace& face, uint32_t glyph, const GlyphStyle& style) {
+    const host::InkBox box = face.inkBox(glyph, style);
+    return {static_cast<int>(box.left), static_cast<int>(box.top), static_cast<int>(box.right),
+            static_cast<int>(box.bottom)};
+}
+
 GlyphBox unionOf(const GlyphBox& a, const GlyphBox& b) {
     return {std::min(a.left, b.left), std::min(a.top, b.top), std::max(a.right, b.right),
             std::max(a.bottom, b.bottom)};
@@ -190,7 +197,7 @@ TEST(FontFace, OutlinesAreFreeTypesSmoothOnesUnhinted) {
                 if (size >= 1) {
                     ASSERT_TRUE(samePixels(*image, oracle.outline(glyph, size, quarterX)));
                 }
-                const GlyphBox box = face->inkBox(glyph, styled(size));
+                const GlyphBox box = boxOf(*face, glyph, styled(size));
                 ASSERT_TRUE(inside(*face->image(glyph, styled(size), 0), box));
                 inked += inkOf(*image) > 0;
             }
@@ -202,10 +209,10 @@ TEST(FontFace, OutlinesAreFreeTypesSmoothOnesUnhinted) {
 TEST(FontFace, InkBoxesHugTheInkAndBlankGlyphsHaveNone) {
     const auto face = fonts::open(Role::kLatin);
     // H is all straight lines between on-curve points, from (201, 0) to (1339, 1493) of 2048.
-    EXPECT_TRUE(face->inkBox(glyphOf(*face, 'H'), styled(40)) == (GlyphBox{3, -30, 27, 0}));
-    EXPECT_TRUE(face->inkBox(glyphOf(*face, ' '), styled(40)).empty());
+    EXPECT_TRUE(boxOf(*face, glyphOf(*face, 'H'), styled(40)) == (GlyphBox{3, -30, 27, 0}));
+    EXPECT_TRUE(boxOf(*face, glyphOf(*face, ' '), styled(40)).empty());
     EXPECT_TRUE(face->image(glyphOf(*face, ' '), styled(40), 0)->coverage.empty());
-    EXPECT_TRUE(face->inkBox(face->glyphCount(), styled(40)).empty());
+    EXPECT_TRUE(boxOf(*face, face->glyphCount(), styled(40)).empty());
 }
 
 TEST(FontFace, ScaleSkewAndMirrorTransformTheOutline) {
@@ -234,7 +241,7 @@ TEST(FontFace, ScaleSkewAndMirrorTransformTheOutline) {
     for (int y = plain->top + 1; y < -1; ++y) {
         ASSERT_NEAR(centre(*slanted, y) - centre(*plain, y), -0.25 * (y + 0.5), 0.3) << y;
     }
-    EXPECT_TRUE(inside(*slanted, face->inkBox(glyph, styled(64, 1, -0.25f))));
+    EXPECT_TRUE(inside(*slanted, boxOf(*face, glyph, styled(64, 1, -0.25f))));
 }
 
 TEST(FontFace, FakeBoldWidensBothSidesBySizeOver24To32) {
@@ -255,7 +262,7 @@ TEST(FontFace, FakeBoldWidensBothSidesBySizeOver24To32) {
         // Points lie on 64ths of a pixel.
         EXPECT_NEAR(left, size * share / 2, 0.02) << size;
         EXPECT_NEAR(right, size * share / 2, 0.02) << size;
-        EXPECT_TRUE(inside(*bold, face->inkBox(glyph, style)));
+        EXPECT_TRUE(inside(*bold, boxOf(*face, glyph, style)));
         EXPECT_NEAR(static_cast<double>(bold->top), plain->top - size * share / 2, 1) << size;
     }
 }
@@ -297,7 +304,7 @@ TEST(FontFace, ColourStrikesGiveTheirAlphaAtTheSize) {
                 const float factor = scale * scale * std::fabs(scaleX);
                 EXPECT_NEAR(inkOf(*image) / (inkOf(strike) * static_cast<double>(factor)), 1, 0.02)
                     << scale << " skew " << skew << " quarter " << quarterX;
-                EXPECT_TRUE(quarterX != 0 || inside(*image, face->inkBox(glyph, style)));
+                EXPECT_TRUE(quarterX != 0 || inside(*image, boxOf(*face, glyph, style)));
             }
         }
     }
@@ -305,7 +312,7 @@ TEST(FontFace, ColourStrikesGiveTheirAlphaAtTheSize) {
     const auto down = [](int v) { return static_cast<int>(std::floor(v / 4.0)); };
     const GlyphBox whole = edgesOf(strike),
                    quarter = {down(whole.left), down(whole.top), -down(-whole.right), -down(-whole.bottom)};
-    EXPECT_TRUE(face->inkBox(glyph, styled(ppem / 4)) == quarter);
+    EXPECT_TRUE(boxOf(*face, glyph, styled(ppem / 4)) == quarter);
 }
 
 void put(std::string& table, int bytes, std::initializer_list<uint32_t> values) {
@@ -392,13 +399,13 @@ TEST(FontFace, TheNearestStrikeNotSmallerThanTheSizeIsScaled) {
     for (const auto& [size, ppem] : cases) {
         const double width = 136 * size / ppem, height = 128 * size / ppem;  // of every bitmap of that font
         const GlyphStyle style = styled(static_cast<float>(size));
-        const GlyphBox box = face->inkBox(base, style), expected = {0, -static_cast<int>(std::ceil(height)),
+        const GlyphBox box = boxOf(*face, base, style), expected = {0, -static_cast<int>(std::ceil(height)),
                                                                     static_cast<int>(std::ceil(width)), 0};
         EXPECT_TRUE(box == expected) << size;
         EXPECT_TRUE(inside(*face->image(base, style, 0), box));
         EXPECT_GT(inkOf(*face->image(base, style, 0)), 255 * width * height / 2);
     }
-    EXPECT_TRUE(face->inkBox(glyphOf(*plain, 'B'), styled(30)).empty());  // such fonts have strikes only
+    EXPECT_TRUE(boxOf(*face, glyphOf(*plain, 'B'), styled(30)).empty());  // such fonts have strikes only
 }
 
 TEST(FontFace, LayersLieOverEachOtherWithTheirPaletteAlphas) {
@@ -419,8 +426,8 @@ TEST(FontFace, LayersLieOverEachOtherWithTheirPaletteAlphas) {
             return coverageAt(*image, x, y) == host::coverageOver(top, static_cast<uint8_t>(faint));
         }));
         // The box is the layers', invisible ones included, not the base glyph's.
-        const GlyphBox box = face->inkBox(base, style),
-                       layers = unionOf(plain->inkBox(round, style), plain->inkBox(bar, style));
+        const GlyphBox box = boxOf(*face, base, style),
+                       layers = unionOf(boxOf(*plain, round, style), boxOf(*plain, bar, style));
         EXPECT_EQ(box.top, layers.top);
         EXPECT_EQ(box.bottom, layers.bottom);
         EXPECT_EQ(box.right, layers.right);
@@ -493,7 +500,7 @@ TEST(FontFace, StylesBeyondTheLimitsAreBlank) {
                 // A size that is only tiny leaves at most a pixel of an emoji.
                 const size_t most = style.size == 1e-30f && font == emoji ? 1 : 0;
                 EXPECT_LE(font->image(glyph, style, 3)->coverage.size(), most);
-                EXPECT_TRUE(font->inkBox(glyph, style).empty() || most > 0);
+                EXPECT_TRUE(boxOf(*font, glyph, style).empty() || most > 0);
             }
             if (std::isnan(style.size + style.scaleX) || std::isinf(style.size)) {
                 EXPECT_EQ(font->advance(glyph, style), 0);

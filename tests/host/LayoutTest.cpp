@@ -318,7 +318,7 @@ TEST(Layout, BoundsAreTheUnionOfInkBoxes) {
                 host::GlyphStyle style = styleOf(paint);
                 style.fakeBold = layout.getFakery(i).isFakeBold();
                 if (layout.getFakery(i).isFakeItalic()) style.skewX += -0.25f;
-                const host::GlyphBox ink = faceOf(layout.getFont(i)).inkBox(layout.getGlyphId(i), style);
+                const host::InkBox ink = faceOf(layout.getFont(i)).inkBox(layout.getGlyphId(i), style);
                 if (ink.empty()) continue;
                 left = std::min(left, static_cast<float>(ink.left) + layout.getX(i));
                 top = std::min(top, static_cast<float>(ink.top) + layout.getY(i));

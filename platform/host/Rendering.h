@@ -1,0 +1,18 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef ZVEX_PLATFORM_HOST_RENDERING_H_
+#define ZVEX_PLATFORM_HOST_RENDERING_H_
+
+namespace host {
+
+// How text is measured and drawn. Phone: as the platform does it, hinted and with its gamma. Plain: exact
+// sizes, no hinting, no gamma.
+enum class Rendering { Phone, Plain };
+
+// One for the process, Phone at the start; any thread. It holds for what is measured and drawn from then on:
+// a line that is being laid out or drawn may get some of both.
+void setRendering(Rendering rendering);
+Rendering rendering();
+
+}  // namespace host
+
+#endif  // ZVEX_PLATFORM_HOST_RENDERING_H_
