@@ -18,6 +18,7 @@ constexpr char kTag[] = "ZV_Mutex";
 
 struct Mutex::Record {
     pthread_mutex_t mutex;
+    bool usable = false;  // whether the system gave a mutex
     int32_t count = 0;
     // Read by threads that do not hold the mutex, hence atomic. They only ask whether they are the owner
     // themselves, and only the thread itself ever stores its own identifier, so no ordering is needed.
@@ -28,7 +29,7 @@ struct Mutex::Record {
 
 Mutex::~Mutex() {
     if (mRecord == nullptr) return;
-    pthread_mutex_destroy(&mRecord->mutex);
+    if (mRecord->usable) pthread_mutex_destroy(&mRecord->mutex);
     delete mRecord;
 }
 
@@ -37,18 +38,17 @@ bool Mutex::Construct() {
         ZV_REPORT_ERROR(kTag, ZV_ERROR_ALREADY_CONSTRUCTED);
         return false;
     }
-    Record* record = new (std::nothrow) Record;
-    if (record == nullptr || pthread_mutex_init(&record->mutex, nullptr) != 0) {
-        delete record;
+    mRecord = new (std::nothrow) Record;
+    if (mRecord == nullptr || pthread_mutex_init(&mRecord->mutex, nullptr) != 0) {
         ZV_REPORT_ERROR(kTag, ZV_ERROR_PLATFORM);
         return false;
     }
-    mRecord = record;
+    mRecord->usable = true;
     return true;
 }
 
 void Mutex::Lock() {
-    if (mRecord == nullptr) return;
+    if (mRecord == nullptr || !mRecord->usable) return;
     if (!mRecord->ownedByCaller()) {
         pthread_mutex_lock(&mRecord->mutex);
         mRecord->owner.store(std::this_thread::get_id(), std::memory_order_relaxed);
@@ -57,7 +57,7 @@ void Mutex::Lock() {
 }
 
 void Mutex::Unlock() {
-    if (mRecord == nullptr || !mRecord->ownedByCaller()) return;
+    if (mRecord == nullptr || !mRecord->usable || !mRecord->ownedByCaller()) return;
     if (--mRecord->count > 0) return;
     mRecord->owner.store(std::thread::id(), std::memory_order_relaxed);
     pthread_mutex_unlock(&mRecord->mutex);

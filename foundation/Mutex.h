@@ -14,8 +14,8 @@ public:
     Mutex(const Mutex&) = delete;
     Mutex& operator=(const Mutex&) = delete;
 
-    // False with code 4 when constructed already, with code 1 when the system refuses a mutex (the object
-    // then stays unconstructed).
+    // False with code 1 when memory is short or the system refuses a mutex, with code 4 when it was called
+    // before; only where memory was short may it be called again. Lock and Unlock do nothing after a failure.
     bool Construct();
 
     // Waits until the mutex is free, unless the calling thread owns it: then it is held once more.

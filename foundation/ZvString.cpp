@@ -237,7 +237,7 @@ int ZvString::CompareTo(const ZvString* other) const {
 int ZvString::CompareTo(const char* other) const {
     if (mImpl == nullptr) ZV_FAIL(ZV_ERROR_NOT_CONSTRUCTED, -1);
     if (other == nullptr) ZV_FAIL(ZV_ERROR_INVALID_ARGUMENT, -1);
-    // Bytes against characters (String.ComparingWithCharTextCountsItsBytes).
+    // Bytes against characters (String.Compares).
     const size_t length = static_cast<size_t>(lengthOf(mImpl->buffer));
     const size_t bytes = std::strlen(other);
     if (length != bytes) return length > bytes ? 1 : -1;

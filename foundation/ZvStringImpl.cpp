@@ -131,8 +131,7 @@ int decode(const char* utf8, int byteCount, Emit emit) {
             case 4:
                 // The lead byte's bits are not looked at and 0x10000 is not taken off: the same unit for the
                 // plane after the first, a pair from that plane or a wrong one for the others
-                // (StringUTF16.HighUnitIgnoresTheLeadByte). What b2 << 6 has above ten bits is set in 0xDC00
-                // anyway.
+                // (StringUTF16.UnitsOfEveryClass). What b2 << 6 has above ten bits is set in 0xDC00 anyway.
                 emit(units++, 0xD800 | ((((uint32_t{bytes[1]} << 12) | (b2 << 6)) & 0xFC00) >> 10));
                 emit(units++, 0xDC00 | (b2 << 6) | b3);
                 break;

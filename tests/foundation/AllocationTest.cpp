@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 // Makes the N-th allocation of an operation fail, for every N it makes.
 #include <gtest/gtest.h>
+#include <pthread.h>
 
+#include <cerrno>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -13,6 +15,17 @@
 #include "foundation/Mutex.h"
 #include "foundation/ZvString.h"
 #include "tests/FailingAllocations.h"
+#include "tests/foundation/Outcome.h"
+
+namespace {
+bool systemRefusesMutexes = false;
+}
+
+// Calls of pthread_mutex_init in this program come here.
+extern "C" int __real_pthread_mutex_init(pthread_mutex_t*, const pthread_mutexattr_t*);
+extern "C" int __wrap_pthread_mutex_init(pthread_mutex_t* mutex, const pthread_mutexattr_t* attributes) {
+    return systemRefusesMutexes ? EAGAIN : __real_pthread_mutex_init(mutex, attributes);
+}
 
 namespace Zvex {
 namespace {
@@ -104,6 +117,13 @@ TEST(Allocation, MutexAndFileReport) {
         arm();
         return mutex.Construct();
     });
+    Mutex refused;
+    systemRefusesMutexes = true;
+    EXPECT_OUTCOMES(ZV_ERROR_PLATFORM, 0, "ZV_Mutex", of(refused.Construct()));
+    systemRefusesMutexes = false;
+    EXPECT_OUTCOMES(ZV_ERROR_ALREADY_CONSTRUCTED, 0, "ZV_Mutex", of(refused.Construct()));
+    refused.Lock();
+    refused.Unlock();
     failEachAllocation([](const auto& arm) {
         File file;
         arm();
