@@ -591,7 +591,7 @@ void ZvEffect::drawLayers(const WaitingLayer* waiting, const ZvRect& drawn, Pixe
         if (hasBack) std::memset(back.pixels, 0, back.byteCount());
         for (size_t i = 0; i < layers.size(); ++i) {
             const WaitingLayer& layer = waiting[i];
-            if (layer.rows == nullptr || (layer.behind && !hasBack)) continue;
+            if (layer.rows == nullptr || (layer.behind && !layer.both && !hasBack)) continue;
             layer.rows->draw(rows, layer.behind ? back : front, layer.both ? &front : nullptr);
         }
         for (int row = top; row < bottom; ++row) {

@@ -104,8 +104,8 @@ public:
     //
     // Colours are given straight, 0xAARRGGBB, and the opacities take the place of their alpha: text, stroke
     // and shadow colours are rebuilt premultiplied; glow, bevel, emboss and stop colours keep red, green and
-    // blue. A stop's position is cut to hundredths. Stops are copied; a null array counts as no stops. A
-    // pattern's bitmap stays the caller's and has to outlive the layer.
+    // blue. A stop's position is cut to hundredths. Stops and a pattern's bitmap are copied; a null array
+    // counts as no stops.
     int addOuterShadowText(float angle, float distance, float size, unsigned int color, float opacity);
     int addInnerShadowText(float angle, float distance, float size, unsigned int color, float opacity);
     int addOuterGlowText(float size, unsigned int color, float opacity, int count, ZvGradient* stops);

@@ -177,7 +177,7 @@ ZvEmboss::~ZvEmboss() {
 }
 
 int ZvEmboss::doPostProcessing(ParamPostProcessing* param) {
-    if (property == nullptr || !isDrawable(param)) return 0;
+    if (property == nullptr || !isDrawableOnEither(param)) return 0;
     const Widths widths(*property);
     WorkingArea area;
     if (!area.grow(*param->textRect, widths.margin)) return 0;

@@ -209,7 +209,7 @@ ZvStroke::~ZvStroke() {
 }
 
 int ZvStroke::doPostProcessing(ParamPostProcessing* param) {
-    if (property == nullptr || !isDrawable(param)) return 0;
+    if (property == nullptr || !isDrawableOnEither(param)) return 0;
     if (!(property->width >= 0) || !std::isfinite(property->width)) return 0;
     auto rows = tryMake<StrokeRows>();
     if (rows != nullptr && rows->make(*param, *property)) drawLayer(param, std::move(rows));

@@ -18,8 +18,13 @@ bool hasPixels(const ZvBitmap* bitmap) {
 }  // namespace
 
 bool isDrawable(const ZvECore::ParamPostProcessing* param) {
-    if (param == nullptr || param->textRect == nullptr) return false;
-    if (!hasPixels(param->target) || !hasPixels(param->mask)) return false;
+    return isDrawableOnEither(param) && hasPixels(param->target);
+}
+
+bool isDrawableOnEither(const ZvECore::ParamPostProcessing* param) {
+    if (param == nullptr || param->textRect == nullptr || param->target == nullptr) return false;
+    if (!hasPixels(param->target) && !hasPixels(param->otherLayer)) return false;
+    if (!hasPixels(param->mask)) return false;
     return param->textRect->left < param->textRect->right && param->textRect->top < param->textRect->bottom;
 }
 

@@ -17,6 +17,9 @@ namespace Zvex {
 // True when the record is there with a target and a mask that have pixels and a text box that is not empty.
 bool isDrawable(const ZvECore::ParamPostProcessing* param);
 
+// The same for a layer that draws onto otherLayer as well: one of the two pictures has to have pixels.
+bool isDrawableOnEither(const ZvECore::ParamPostProcessing* param);
+
 // A filter's working image: the text box grown by a margin on every side.
 struct WorkingArea {
     int x = 0, y = 0;           // its top-left on the target; the target's and the mask's pixels are the same

@@ -74,7 +74,10 @@ bool Gaussian::make(int newRadius, int scale, GaussianConstant constant) {
         const float exponent = constant == GaussianConstant::Double
                                    ? static_cast<float>(square / (squaredRadius / LN_100))
                                    : square / (squaredRadius / static_cast<float>(LN_100));
-        const float weight = std::exp(exponent) * static_cast<float>(scale);
+        const float unit = std::exp(exponent);
+        const double weight = constant == GaussianConstant::Double
+                                  ? unit * static_cast<double>(scale)
+                                  : static_cast<double>(unit * static_cast<float>(scale));
         weights[static_cast<size_t>(i)] = truncateToInt(weight + 0.5);
         sum += 2 * int64_t{weights[static_cast<size_t>(i)]};
     }

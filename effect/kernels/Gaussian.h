@@ -12,8 +12,8 @@ namespace Zvex {
 // The integer Gaussian of the shadows, the glows, the bevel and the emboss: weights of which the middle one
 // is `scale` and the outermost one hundredth of it, and the separable blur with them.
 
-// The weights are made in single precision but for the constant ln 100, which some effects hold in double:
-// a weight of a kernel of radius 963 or more can differ by one.
+// The weights are made in single precision but for the constant ln 100 and the product with the scale, which
+// some effects take in double: a weight of a kernel of radius 963 or more can differ by one.
 enum class GaussianConstant { Single, Double };
 
 // How the weighted sums are divided by the weights' total: floor(sum / total) is

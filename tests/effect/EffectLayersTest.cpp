@@ -2,11 +2,11 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <cstdlib>
 #include <cstring>
 #include <string>
 
 #include "effect/ZvEffect.h"
-#include "effect/ZvGlyph.h"
 #include "raster/ZvBitmap.h"
 #include "tests/effect/TestPictures.h"
 
@@ -51,10 +51,7 @@ ZvBitmap render(ZvBitmap& coverage, float textOpacity, Add first, Add second) {
     stack.addText(0xFF408040);
     stack.setTextOpacity(textOpacity);
     ZvBitmap picture(WIDTH, HEIGHT, 4);
-    ZvGlyph glyph;
-    glyph.pixels = coverage.pixels;
-    glyph.width = static_cast<uint16_t>(coverage.width);
-    glyph.height = static_cast<uint16_t>(coverage.height);
+    ZvGlyph glyph = glyphOf(coverage);
     stack.initEffect(WIDTH, HEIGHT);
     stack.setDstBitmap(&picture);
     stack.renderEffectLayer(LEFT, TOP, &glyph);
@@ -103,6 +100,36 @@ TEST(EffectLayers, InnerEffectsAreSeenOnTheGlyphsOnly) {
                 EXPECT_TRUE(samePixels(with, render(coverage, textOpacity, below, effect.add)));
             }
         }
+    }
+}
+
+// A back picture that found no memory takes nothing from what is drawn onto both.
+TEST(EffectLayers, DrawOnTheFrontPictureWithoutABackOne) {
+    Random random(2);
+    ZvBitmap coverage = makeMask(MaskKind::Shapes, 40, 34, random);
+    ZvGlyph glyph = glyphOf(coverage);
+    const Add onBoth[] = {
+        [](ZvEffect& stack) { stack.addStrokeText(5, 0xFFC00000, 0.8f, 0, 0); },
+        [](ZvEffect& stack) {
+            stack.addEmbossText(1, 9, 2, 1, 0, 2, 1, 120, 30, 0xFF000000, 0.8f, 0xFFFFFFFF, 0.8f);
+        },
+    };
+    for (const Add add : onBoth) {
+        ZvBitmap pictures[] = {ZvBitmap(WIDTH, HEIGHT, 4), ZvBitmap(WIDTH, HEIGHT, 4)};
+        for (ZvBitmap& picture : pictures) {
+            ZvEffect stack;
+            add(stack);
+            stack.initEffect(WIDTH, HEIGHT);
+            if (&picture == &pictures[1]) {
+                std::free(stack.back->pixels);
+                stack.back->pixels = nullptr;
+            }
+            stack.setDstBitmap(&picture);
+            stack.renderEffectLayer(LEFT, TOP, &glyph);
+            stack.doEffectPostProcessing();
+        }
+        EXPECT_FALSE(samePixels(ZvBitmap(WIDTH, HEIGHT, 4), pictures[0]));
+        EXPECT_TRUE(samePixels(pictures[0], pictures[1]));
     }
 }
 

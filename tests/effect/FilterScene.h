@@ -103,6 +103,7 @@ inline void expectNothingWithoutParts(Zvex::ZvECore& filter) {
     const auto drawWith = [&](Zvex::ZvBitmap* target, Zvex::ZvBitmap* mask, Zvex::ZvRect* box) {
         Zvex::ZvECore::ParamPostProcessing param = scene.record();
         param.target = target;
+        if (target == &empty) param.otherLayer = nullptr;  // the other picture would be drawn on
         param.mask = mask;
         param.textRect = box;
         EXPECT_EQ(filter.doPostProcessing(&param), 0);

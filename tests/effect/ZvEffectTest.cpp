@@ -15,7 +15,6 @@
 
 #include "effect/Composite.h"
 #include "effect/ZvECoreBase.h"
-#include "effect/ZvGlyph.h"
 #include "effect/ZvText.h"
 #include "effect/filters/ZvStroke.h"
 #include "foundation/ZvLog.h"
@@ -81,14 +80,6 @@ std::vector<int> typesOf(const std::vector<ZvECore*>& list) {
     std::vector<int> types;
     for (ZvECore* layer : list) types.push_back(layer->getStyle());
     return types;
-}
-
-ZvGlyph glyphOf(ZvBitmap& coverage) {
-    ZvGlyph glyph;
-    glyph.pixels = coverage.pixels;
-    glyph.width = static_cast<uint16_t>(coverage.width);
-    glyph.height = static_cast<uint16_t>(coverage.height);
-    return glyph;
 }
 
 std::string keyOf(ZvEffect& stack) {

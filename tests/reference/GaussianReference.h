@@ -10,14 +10,15 @@
 // The integer Gaussian as its definition reads: the weights, and one weighted mean.
 namespace reference {
 
-// Single: the constant is a float; else a double.
+// Single: the constant is a float, and so is each weight before it is rounded; else a double.
 inline std::vector<int> gaussianWeights(int radius, int scale, bool single) {
     std::vector<int> weights{scale};
     for (int i = 1; i <= radius; ++i) {
         const float r = static_cast<float>(radius), square = static_cast<float>(-i * i);
         const float e =
             single ? expf(square / (r * r / 4.60517f)) : expf(static_cast<float>(square / (r * r / 4.60517)));
-        weights.push_back(static_cast<int>(e * static_cast<float>(scale) + 0.5));
+        const double weight = single ? double{e * static_cast<float>(scale)} : double{e} * scale;
+        weights.push_back(static_cast<int>(weight + 0.5));
     }
     return weights;
 }
