@@ -1,0 +1,126 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// A piece of a row goes through all layers before the next one begins. It stays in words as long as no pixel
+// has to be mixed: text on a plain ground is mixed along its edges alone. That changes no byte: what a pixel
+// is taken apart into gives the same pixel again, and the formulas give the one or the other pixel where
+// nothing is mixed. The definition is tests/reference/LayerJoinReference.h.
+
+#include "effect/LayerJoin.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
+
+#include "effect/Numbers.h"
+
+namespace Zvex {
+
+namespace {
+
+using JoinRows::PIECE;
+
+bool hasPixels(const ZvBitmap* bitmap, uint32_t depth) {
+    return bitmap != nullptr && bitmap->pixels != nullptr && bitmap->bytesPerPixel == depth;
+}
+
+// Copies the pixels of the bitmap, whose top-left lies at (left, top), that lie at `count` places from (x, y)
+// on; 0 outside. False, with nothing written, where all of them lie outside.
+bool copyPixels(void* pixels, const ZvBitmap& bitmap, int64_t left, int64_t top, int64_t x, int64_t y,
+                size_t count) {
+    const int64_t begin = std::max(x, left);
+    const int64_t end = std::min(x + static_cast<int64_t>(count), left + bitmap.width);
+    if (begin >= end || y < top || y >= top + bitmap.height) return false;
+    const size_t depth = bitmap.bytesPerPixel;
+    if (end - begin < static_cast<int64_t>(PIECE)) std::memset(pixels, 0, PIECE * depth);
+    const size_t at = static_cast<size_t>(y - top) * bitmap.width + static_cast<size_t>(begin - left);
+    std::memcpy(static_cast<uint8_t*>(pixels) + static_cast<size_t>(begin - x) * depth,
+                bitmap.pixels + at * depth, static_cast<size_t>(end - begin) * depth);
+    return true;
+}
+
+// What a piece of a row has become so far.
+class JoinedPiece {
+public:
+    // The pixels at `pixels`; transparent beyond them.
+    JoinedPiece(const uint8_t* pixels, size_t count, int64_t x, int64_t y) : count_(count), x_(x), y_(y) {
+        if (count < PIECE) std::memset(words_, 0, sizeof words_);
+        std::memcpy(words_, pixels, count * 4);
+    }
+
+    // `isBase`: the layer in front of it is clipped.
+    void join(const JoinedLayer& layer, bool isBase);
+    void give(uint8_t* pixels, float opacity);
+
+private:
+    void joinSource(const JoinedLayer& layer, const uint32_t* source, float opacity, bool isBase);
+
+    size_t count_;
+    int64_t x_, y_;
+    bool isMixed_ = false;  // in the piece, else in the words
+    uint32_t words_[PIECE];
+    JoinRows::Piece piece_;
+    bool hasBase_ = false;  // else the base shows nothing here
+    float base_[PIECE];     // alpha
+};
+
+void JoinedPiece::join(const JoinedLayer& layer, bool isBase) {
+    if (!layer.clipped) hasBase_ = false;
+    const float opacity = clampFloat(layer.opacity, 0.0f, 1.0f);
+    if (opacity == 0.0f || (layer.clipped && !hasBase_) || !hasPixels(layer.picture, 4)) return;
+    uint32_t source[PIECE];
+    if (!copyPixels(source, *layer.picture, layer.x, layer.y, x_, y_, count_)) return;
+    if (!JoinRows::isTransparent(source)) joinSource(layer, source, opacity, isBase);
+}
+
+void JoinedPiece::joinSource(const JoinedLayer& layer, const uint32_t* source, float opacity, bool isBase) {
+    uint8_t coverage[PIECE];
+    const bool isKnockedOut =
+        hasPixels(layer.knockout, 1) &&
+        copyPixels(coverage, *layer.knockout, layer.knockoutX, layer.knockoutY, x_, y_, count_);
+    const bool isPlain = !isKnockedOut && !layer.clipped && opacity == 1.0f;
+    const bool isNormal = layer.blend == LayerBlend::Normal;
+    const bool isJoined = !isMixed_ && isPlain && JoinRows::joinWords(words_, source, isNormal);
+    if (isJoined && !isBase) return;
+
+    float alpha[PIECE];
+    JoinRows::takeAlpha(alpha, source, opacity);
+    if (isKnockedOut) JoinRows::knockOut(alpha, coverage);
+    if (layer.clipped) {
+        JoinRows::clip(alpha, base_);
+    } else if (isBase) {
+        std::memcpy(base_, alpha, sizeof alpha);
+        hasBase_ = true;
+    }
+    if (isJoined) return;
+    if (!isMixed_) JoinRows::takeWords(&piece_, words_);
+    isMixed_ = true;
+    JoinRows::join(&piece_, source, alpha, layer.blend);
+}
+
+void JoinedPiece::give(uint8_t* pixels, float opacity) {
+    if (!isMixed_ && opacity != 1.0f) JoinRows::takeWords(&piece_, words_);
+    if (isMixed_ || opacity != 1.0f) {
+        JoinRows::giveWords(words_, piece_, opacity);
+    } else {
+        for (uint32_t& word : words_) word = word >> 24 != 0 ? word : 0;
+    }
+    std::memcpy(pixels, words_, count_ * 4);
+}
+
+}  // namespace
+
+void joinLayers(ZvBitmap* picture, const JoinedLayer* layers, size_t count, float opacity) {
+    if (!hasPixels(picture, 4) || (layers == nullptr && count > 0)) return;
+    const float shown = clampFloat(opacity, 0.0f, 1.0f);
+    for (size_t y = 0; y < picture->height; ++y) {
+        uint8_t* const row = picture->pixels + y * picture->width * 4;
+        for (size_t x = 0; x < picture->width; x += PIECE) {
+            JoinedPiece piece(row + x * 4, std::min(PIECE, picture->width - x), static_cast<int64_t>(x),
+                              static_cast<int64_t>(y));
+            for (size_t i = 0; i < count; ++i) piece.join(layers[i], i + 1 < count && layers[i + 1].clipped);
+            piece.give(row + x * 4, shown);
+        }
+    }
+}
+
+}  // namespace Zvex

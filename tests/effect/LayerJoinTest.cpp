@@ -1,0 +1,261 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "effect/LayerJoin.h"
+
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <cmath>
+#include <cstring>
+#include <vector>
+
+#include "tests/CpuTargets.h"
+#include "tests/effect/TestPictures.h"
+#include "tests/effect/TestValues.h"
+#include "tests/reference/LayerJoinReference.h"
+
+namespace Zvex {
+namespace {
+
+using reference::PlainLayer;
+
+ZvBitmap pictureOf(const std::vector<uint32_t>& words, int width) {
+    return ZvBitmap(static_cast<unsigned>(width), static_cast<unsigned>(words.size()) / width,
+                    reinterpret_cast<const unsigned char*>(words.data()), 4);
+}
+
+uint32_t wordAt(const ZvBitmap& picture, size_t at) {
+    uint32_t word;
+    std::memcpy(&word, picture.pixels + at * 4, 4);
+    return word;
+}
+
+// Bytes at which the modes bend and leap, more often than others.
+uint32_t someByte(Random& random) {
+    const uint32_t bends[] = {0, 1, 63, 64, 127, 128, 254, 255};
+    return random.below(2) == 0 ? bends[random.below(8)] : static_cast<uint32_t>(random.below(256));
+}
+
+// Pieces of a row that are empty, opaque or of one colour, and noise.
+std::vector<uint32_t> somePicture(Random& random, int width, int height) {
+    std::vector<uint32_t> words;
+    while (words.size() < static_cast<size_t>(width * height)) {
+        const int kind = random.below(4);
+        for (int n = random.between(1, 90); n > 0; --n) {
+            const uint32_t alpha = kind == 0 ? 0 : kind == 1 ? 255 : someByte(random);
+            words.push_back(alpha << 24 | someByte(random) << 16 | someByte(random) << 8 | someByte(random));
+        }
+    }
+    words.resize(static_cast<size_t>(width * height));
+    return words;
+}
+
+// Layers of any settings; all pictures are of one size, which the caller joins without offsets.
+std::vector<PlainLayer> someLayers(Random& random, int count, int width, int height) {
+    std::vector<PlainLayer> layers;
+    for (int i = 0; i < count; ++i) {
+        PlainLayer layer;
+        layer.words = somePicture(random, width, height);
+        layer.coverage.assign(layer.words.size(), 0);
+        if (random.below(3) == 0) {
+            for (uint8_t& byte : layer.coverage) byte = static_cast<uint8_t>(someByte(random));
+        }
+        layer.mode = random.below(LAYER_BLENDS);
+        const float opacities[] = {1, 1, 0.5f, 0.123f, 0};
+        layer.opacity = opacities[random.below(5)];
+        layer.clipped = random.below(3) == 0;
+        layers.push_back(layer);
+    }
+    return layers;
+}
+
+// The library's picture of these layers.
+ZvBitmap joined(const std::vector<uint32_t>& canvas, const std::vector<PlainLayer>& plain, int width,
+                float opacity) {
+    std::vector<ZvBitmap> pictures, masks;
+    std::vector<JoinedLayer> layers(plain.size());
+    for (const PlainLayer& layer : plain) {
+        pictures.push_back(pictureOf(layer.words, width));
+        masks.emplace_back(pictures[0].width, pictures[0].height, layer.coverage.data(), 1);
+    }
+    for (size_t i = 0; i < plain.size(); ++i) {
+        layers[i].picture = &pictures[i];
+        layers[i].knockout = &masks[i];
+        layers[i].blend = static_cast<LayerBlend>(plain[i].mode);
+        layers[i].opacity = plain[i].opacity;
+        layers[i].clipped = plain[i].clipped;
+    }
+    ZvBitmap picture = pictureOf(canvas, width);
+    joinLayers(&picture, layers.data(), layers.size(), opacity);
+    return picture;
+}
+
+TEST(LayerJoin, EqualsThePlainForm) {
+    for (unsigned seed = 0; seed < 300; ++seed) {
+        Random random(seed);
+        const int width = random.between(1, 200), height = random.between(1, 4);
+        const std::vector<uint32_t> canvas = somePicture(random, width, height);
+        const auto layers = someLayers(random, random.between(0, 4), width, height);
+        const float opacity = random.below(3) == 0 ? 0.7f : 1;
+        std::vector<uint32_t> expected;
+        for (size_t i = 0; i < canvas.size(); ++i) {
+            expected.push_back(
+                reference::wordOf(reference::joinLayersAt<float>(i, canvas[i], layers, opacity)));
+        }
+        forEachCpuTarget([&] {
+            ASSERT_TRUE(samePixels(pictureOf(expected, width), joined(canvas, layers, width, opacity)))
+                << "seed " << seed;
+        });
+    }
+}
+
+bool isWithinALevel(uint32_t word, reference::JoinedBytes<double> exact) {
+    if (word >> 24 == 0) return exact.values[0] < 1;
+    for (int c = 0; c < 4; ++c) {
+        if (std::abs((word >> (24 - 8 * c) & 255) - exact.values[c]) > 1) return false;
+    }
+    return true;
+}
+
+// Two pictures in every mode: each pair of bytes as colours, at alphas of all kinds; and stacks of five.
+TEST(LayerJoin, IsWithinALevelOfTheExactResult) {
+    Random random(7);
+    for (int mode = 0; mode < LAYER_BLENDS; ++mode) {
+        std::vector<PlainLayer> layers = {{{}, std::vector<uint8_t>(256 * 256, 0), mode, 1.0f, false}};
+        std::vector<uint32_t> canvas;
+        const auto word = [&](uint32_t byte) {
+            return someByte(random) << 24 | byte << 16 | (255 - byte) << 8 | someByte(random);
+        };
+        for (uint32_t i = 0; i < 256 * 256; ++i) {
+            canvas.push_back(word(i / 256));
+            layers[0].words.push_back(word(i % 256));
+        }
+        const ZvBitmap picture = joined(canvas, layers, 256, 1);
+        for (size_t i = 0; i < canvas.size(); ++i) {
+            ASSERT_TRUE(
+                isWithinALevel(wordAt(picture, i), reference::joinLayersAt<double>(i, canvas[i], layers, 1)))
+                << std::hex << wordAt(picture, i) << " of " << layers[0].words[i] << " on " << canvas[i]
+                << std::dec << " in mode " << mode;
+        }
+    }
+    for (unsigned seed = 0; seed < 40; ++seed) {
+        Random scene(seed);
+        const std::vector<uint32_t> canvas = somePicture(scene, 130, 2);
+        const auto layers = someLayers(scene, 5, 130, 2);
+        const ZvBitmap picture = joined(canvas, layers, 130, 1);
+        for (size_t i = 0; i < canvas.size(); ++i) {
+            ASSERT_TRUE(
+                isWithinALevel(wordAt(picture, i), reference::joinLayersAt<double>(i, canvas[i], layers, 1)))
+                << "seed " << seed << ", pixel " << i;
+        }
+    }
+}
+
+// Worked out by hand; no oracle has its hand in it.
+TEST(LayerJoin, KnownPixels) {
+    const struct {
+        LayerBlend blend;
+        uint32_t back, source, result;
+    } cases[] = {
+        {LayerBlend::Normal, 0xFF0000FF, 0x80FF0000, 0xFF80007F},
+        {LayerBlend::Normal, 0, 0x01FF8040, 0x01FF8040},
+        {LayerBlend::Normal, 0x00FFFFFF, 0x00123456, 0},
+        {LayerBlend::Multiply, 0xFF804020, 0xFF808080, 0xFF402010},
+        {LayerBlend::Multiply, 0x00000000, 0xFF808080, 0xFF808080},
+        {LayerBlend::Screen, 0xFF804000, 0xFF8000C0, 0xFFC040C0},
+        {LayerBlend::Overlay, 0xFF4000FF, 0xFF808080, 0xFF4000FF},
+        {LayerBlend::HardLight, 0xFF804020, 0xFF00FF33, 0xFF00FF0D},
+        {LayerBlend::ColorDodge, 0xFF004080, 0xFFFF80FF, 0xFF0081FF},
+        {LayerBlend::ColorBurn, 0xFFFFC080, 0xFF008000, 0xFFFF8100},
+        {LayerBlend::SoftLight, 0xFF4010FF, 0xFFFFFF00, 0xFF8035FF},
+        {LayerBlend::Difference, 0xFF102030, 0xFF302010, 0xFF200020},
+        {LayerBlend::Exclusion, 0xFFFF00FF, 0xFFFF4000, 0xFF0040FF},
+        {LayerBlend::Luminosity, 0xFF808080, 0xFFFF8000, 0xFF989898},
+        {LayerBlend::Color, 0xFF4D4D4D, 0xFFFF0000, 0xFFFF0101},
+        {LayerBlend::Saturation, 0xFF40C080, 0xFF777777, 0xFF939393},
+        {LayerBlend::PlusLighter, 0xFF804000, 0xFF9040C0, 0xFFFF80C0},
+        {LayerBlend::PlusLighter, 0x80FF0000, 0x400000FF, 0xC0AA0055},
+    };
+    for (const auto& c : cases) {
+        const PlainLayer layer = {{c.source}, {0}, static_cast<int>(c.blend), 1, false};
+        EXPECT_EQ(wordAt(joined({c.back}, {layer}, 1, 1), 0), c.result)
+            << "mode " << static_cast<int>(c.blend) << ": " << std::hex << c.source << " on " << c.back;
+    }
+}
+
+// White keeps white through translucent layers, though color-burn leaps there.
+TEST(LayerJoin, WhiteStaysWhiteUnderBurn) {
+    std::vector<PlainLayer> layers;
+    for (int mode = 0; mode <= reference::EXCLUSION; ++mode) {
+        if (mode == reference::DIFFERENCE || mode == reference::EXCLUSION) continue;
+        layers.push_back({{}, std::vector<uint8_t>(256, 0), mode, 0.37f, false});
+        for (uint32_t alpha = 0; alpha < 256; ++alpha) layers.back().words.push_back(alpha << 24 | 0xFFFFFF);
+    }
+    layers.push_back({std::vector<uint32_t>(256, 0xFF000000), std::vector<uint8_t>(256, 0),
+                      reference::COLOR_BURN, 1, false});
+    const std::vector<uint32_t> canvas(256, 0xB3FFFFFF);
+    const ZvBitmap picture = joined(canvas, layers, 256, 1);
+    for (size_t i = 0; i < 256; ++i) {
+        EXPECT_TRUE(
+            isWithinALevel(wordAt(picture, i), reference::joinLayersAt<double>(i, canvas[i], layers, 1)))
+            << "alpha " << i << ": " << std::hex << wordAt(picture, i);
+    }
+}
+
+// A picture and its knocked-out coverage moved apart, anywhere, are as pictures of the full size.
+TEST(LayerJoin, LayersLieAnywhere) {
+    Random random(11);
+    for (int round = 0; round < 60; ++round) {
+        const int width = random.between(1, 150), height = random.between(1, 6);
+        const auto place = [&](int size) {
+            return random.below(6) == 0 ? (random.below(2) == 0 ? INT_MAX : INT_MIN)
+                                        : random.between(-size - 1, size + 1);
+        };
+        const std::vector<uint32_t> canvas = somePicture(random, width, height);
+        const std::vector<uint32_t> small = somePicture(random, 70, 3);
+        const ZvBitmap picture = pictureOf(small, 70), mask = makeMask(MaskKind::Noise, 40, 5, random);
+        JoinedLayer layer;
+        layer.picture = &picture;
+        layer.x = place(width);
+        layer.y = place(height);
+        layer.knockout = &mask;
+        layer.knockoutX = place(width);
+        layer.knockoutY = place(height);
+        PlainLayer plain = {std::vector<uint32_t>(canvas.size(), 0), std::vector<uint8_t>(canvas.size(), 0),
+                            reference::NORMAL, 1, false};
+        for (int64_t y = 0; y < height; ++y) {
+            for (int64_t x = 0; x < width; ++x) {
+                const size_t at = static_cast<size_t>(y * width + x);
+                const int64_t px = x - layer.x, py = y - layer.y;
+                const int64_t mx = x - layer.knockoutX, my = y - layer.knockoutY;
+                if (px >= 0 && px < 70 && py >= 0 && py < 3) plain.words[at] = small[py * 70 + px];
+                if (mx >= 0 && mx < 40 && my >= 0 && my < 5) plain.coverage[at] = mask.pixels[my * 40 + mx];
+            }
+        }
+        ZvBitmap actual = pictureOf(canvas, width);
+        joinLayers(&actual, &layer, 1);
+        ASSERT_TRUE(samePixels(joined(canvas, {plain}, width, 1), actual)) << "round " << round;
+    }
+}
+
+TEST(LayerJoin, TakesWhatIsMissingAsTransparent) {
+    const ZvBitmap canvas = pictureOf({0xFF102030, 0x80405060}, 2), coverage(2, 1, 1), empty;
+    ZvBitmap actual(canvas);
+    JoinedLayer layers[6];
+    layers[0].picture = &canvas;
+    layers[0].opacity = NOT_A_NUMBER;
+    layers[1].picture = &canvas;
+    layers[1].clipped = true;  // to one that is not there
+    layers[2].picture = &coverage;
+    layers[3].picture = &empty;
+    layers[4].knockout = &canvas;
+    joinLayers(&actual, layers, 6);
+    joinLayers(&actual, nullptr, 3);
+    joinLayers(nullptr, layers, 6);
+    EXPECT_TRUE(samePixels(canvas, actual));
+    ZvBitmap mask(coverage);
+    joinLayers(&mask, layers, 6, 0.0f);
+    EXPECT_TRUE(samePixels(coverage, mask));
+}
+
+}  // namespace
+}  // namespace Zvex
