@@ -1,0 +1,105 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "effect/Spread.h"
+
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <cstdlib>
+#include <vector>
+
+#include "tests/CpuTargets.h"
+#include "tests/FailingAllocations.h"
+#include "tests/effect/TestPictures.h"
+#include "tests/reference/StrokeReference.h"
+
+namespace Zvex {
+namespace {
+
+// The coverage at a pixel as defined: the larger of it and of the stroke around it, over everything within
+// reach, no box kept to.
+int spreadAt(const ZvBitmap& mask, const ZvRect& box, const reference::Disc& disc, int pixels, int x, int y) {
+    const int reach = disc.side / 2;
+    int best = 0;
+    for (int dy = -reach; dy <= reach; ++dy) {
+        for (int dx = -reach; dx <= reach; ++dx) {
+            const int sx = x + dx, sy = y + dy;
+            const bool inside = sx >= std::max(box.left, 0) && sy >= std::max(box.top, 0) &&
+                                sx < std::min<int>(box.right, mask.width) &&
+                                sy < std::min<int>(box.bottom, mask.height);
+            const int coverage = inside ? mask.pixels[sy * static_cast<int>(mask.width) + sx] : 0;
+            const int value = pixels < 0 ? 255 - coverage : coverage;
+            const int cell = disc.cells[(dy + reach) * disc.side + dx + reach];
+            best = std::max({best, value + cell - 255, dx == 0 && dy == 0 ? value : 0});
+        }
+    }
+    return pixels < 0 ? 255 - best : best;
+}
+
+TEST(Spread, EqualsThePlainForm) {
+    const int widths[] = {0, 1, 2, 3, 5, 9, -1, -2, -3, -5, -12, 14};
+    for (unsigned seed = 0; seed < 72; ++seed) {
+        Random random(seed);
+        const ZvBitmap mask = makeMask(ALL_MASKS[seed % 6], 34, 21, random);
+        ZvRect box(0, 0, 34, 21);
+        if (random.below(2) == 0) {
+            box = ZvRect(random.between(-6, 12), random.between(-6, 9), random.between(14, 40),
+                         random.between(10, 25));
+        }
+        const int pixels = widths[seed % 12];
+        const reference::Disc disc = reference::makeDisc(static_cast<float>(std::abs(pixels)));
+        forEachCpuTarget([&] {
+            Spread spread;
+            ASSERT_TRUE(spread.make(mask, box, pixels));
+            const ZvRect& at = spread.box();
+            if (at.left < at.right) {
+                ASSERT_EQ(at.left, box.left - pixels);
+                ASSERT_EQ(at.top, box.top - pixels);
+                ASSERT_EQ(at.right, box.right + pixels);
+                ASSERT_EQ(at.bottom, box.bottom + pixels);
+            }
+            for (int y = box.top - 16; y < box.bottom + 16; ++y) {
+                for (int x = box.left - 16; x < box.right + 16; ++x) {
+                    const bool inside = x >= at.left && x < at.right && y >= at.top && y < at.bottom;
+                    const int actual =
+                        inside ? spread.coverage()[(y - at.top) * (at.right - at.left) + x - at.left] : 0;
+                    ASSERT_EQ(actual, spreadAt(mask, box, disc, pixels, x, y))
+                        << "seed " << seed << ", " << pixels << " pixels, at " << x << ", " << y;
+                }
+            }
+        });
+    }
+}
+
+TEST(Spread, HoldsItsWidthAndRefusesWhatDoesNotFit) {
+    Random random(3);
+    const ZvBitmap mask = makeMask(MaskKind::Full, 8, 8, random), none;
+    Spread spread;
+    ASSERT_TRUE(spread.make(mask, ZvRect(0, 0, 8, 8), INT_MAX));
+    EXPECT_EQ(spread.box().right, 8 + MAX_SPREAD);
+    ASSERT_TRUE(spread.make(mask, ZvRect(0, 0, 8, 8), INT_MIN));
+    EXPECT_EQ(spread.box().left, spread.box().right);
+    EXPECT_EQ(spread.coverage(), nullptr);
+    EXPECT_TRUE(spread.make(mask, ZvRect(5, 5, 5, 9), 4));  // an empty box
+    EXPECT_EQ(spread.coverage(), nullptr);
+    EXPECT_FALSE(spread.make(none, ZvRect(0, 0, 8, 8), 1));
+    for (const ZvRect& box :
+         {ZvRect(INT_MIN, 0, INT_MAX, 9), ZvRect(0, 0, 65536, 65536), ZvRect(INT_MIN, 0, INT_MIN + 4, 4)}) {
+        EXPECT_FALSE(spread.make(mask, box, 2));
+        EXPECT_EQ(spread.coverage(), nullptr);
+    }
+}
+
+TEST(Spread, IsNotMadeWithoutMemory) {
+    Random random(4);
+    const ZvBitmap mask = makeMask(MaskKind::Shapes, 30, 22, random);
+    for (int pixels : {0, 3, -3}) {
+        forEachFailingAllocation([&](bool fails) {
+            Spread spread;
+            EXPECT_EQ(spread.make(mask, ZvRect(0, 0, 30, 22), pixels), !fails);
+            EXPECT_EQ(spread.coverage() == nullptr, fails);
+        });
+    }
+}
+
+}  // namespace
+}  // namespace Zvex
