@@ -4,50 +4,64 @@
 // the way leaves the glyph blank.
 #include "platform/host/FontFace.h"
 
-#include <ft2build.h>
 #include <hb-ot.h>
 
 #include <algorithm>
+#include <array>
 #include <atomic>
 #include <cmath>
-#include <cstdlib>
 #include <cstring>
 #include <limits>
 #include <mutex>
 #include <new>
 #include <utility>
-#include FT_FREETYPE_H
-#include FT_BITMAP_H
-#include FT_COLOR_H
-#include FT_MODULE_H
-#include FT_MULTIPLE_MASTERS_H
-#include FT_OUTLINE_H
-#include FT_SYSTEM_H
 
 #include "platform/host/CodePointSet.h"
+#include "platform/host/ColourGlyphs.h"
+#include "platform/host/FreeTypeFace.h"
 #include "platform/host/GlyphCache.h"
-#include "platform/host/PixelMath.h"
-#include "platform/host/ResampleAlpha.h"
+#include "platform/host/GlyphOutline.h"
 
 namespace host {
 
 // Every comparison is false for what is no number.
 bool drawable(const GlyphStyle& style) {
+    const bool phone = style.rendering == Rendering::Phone;
+    const float least = phone ? kMinPhoneSize : kMinGlyphSize, most = phone ? kMaxPhoneSize : kMaxGlyphSize;
     const float width = std::fabs(style.size * style.scaleX);
-    return style.size >= kMinGlyphSize && style.size <= kMaxGlyphSize && width >= kMinGlyphSize &&
-           width <= kMaxGlyphSize && std::fabs(style.skewX) <= kMaxGlyphSkew;
+    return style.size >= least && style.size <= most && width >= least && width <= most &&
+           std::fabs(style.skewX) <= kMaxGlyphSkew;
+}
+
+bool drawnAsPath(const GlyphStyle& style) {
+    if (style.rendering == Rendering::Plain) return false;
+    const float width = style.size * style.scaleX, slant = style.size * style.skewX;
+    return width * width > kMaxHintedSize * kMaxHintedSize ||
+           slant * slant + style.size * style.size > kMaxHintedSize * kMaxHintedSize;
 }
 
 namespace {
 
-// A font states sizes of its own (tables, strike bitmaps): FreeType gets no single block larger than this for
-// them.
-constexpr size_t kMaxFreeTypeBlock = size_t{64} << 20;
-// Layers after these are not drawn; real glyphs have a few dozen.
-constexpr int kMaxLayers = 1024;
-// Fake bold's width in all, as a share of the size, between two sizes.
-constexpr float kBoldSmallSize = 9, kBoldLargeSize = 36;
-constexpr float kBoldSmallShare = 1.0f / 24, kBoldLargeShare = 1.0f / 32;
+// The size at which the phone measures linear text and takes paths.
+constexpr float kPathSize = 64;
+
+// Coverage of black text as the phone's display shows it: an exponent of 1.4 undone, that is 255 x
+// (1 - (1 - a / 255) ^ (1 / 1.4)), to within one; these are its very levels.
+constexpr uint8_t kGamma[256] = {
+    0,   1,   1,   2,   3,   4,   4,   5,   6,   7,   7,   8,   9,   9,   10,  11,  12,  12,  13,  14,
+    15,  15,  16,  17,  17,  18,  19,  20,  20,  21,  22,  23,  23,  24,  25,  26,  26,  27,  28,  29,
+    29,  30,  31,  32,  32,  33,  34,  35,  36,  36,  37,  38,  39,  39,  40,  41,  42,  42,  43,  44,
+    45,  46,  46,  47,  48,  49,  49,  50,  51,  52,  53,  53,  54,  55,  56,  56,  57,  58,  59,  60,
+    60,  61,  62,  63,  64,  64,  65,  66,  67,  68,  69,  69,  70,  71,  72,  73,  73,  74,  75,  76,
+    77,  78,  78,  79,  80,  81,  82,  83,  83,  84,  85,  86,  87,  88,  88,  89,  90,  91,  92,  93,
+    94,  94,  95,  96,  97,  98,  99,  100, 101, 101, 102, 103, 104, 105, 106, 107, 108, 108, 109, 110,
+    111, 112, 113, 114, 115, 116, 117, 118, 118, 119, 120, 121, 122, 123, 124, 125, 126, 127, 128, 129,
+    130, 131, 132, 132, 133, 134, 135, 136, 137, 138, 139, 140, 141, 142, 143, 144, 145, 146, 147, 148,
+    149, 150, 151, 152, 153, 154, 155, 156, 157, 159, 160, 161, 162, 163, 164, 165, 166, 167, 168, 169,
+    170, 171, 173, 174, 175, 176, 177, 178, 179, 181, 182, 183, 184, 185, 186, 188, 189, 190, 191, 193,
+    194, 195, 196, 198, 199, 200, 202, 203, 204, 206, 207, 208, 210, 211, 213, 214, 216, 217, 219, 220,
+    222, 223, 225, 227, 228, 230, 232, 234, 236, 238, 240, 242, 245, 247, 250, 255,
+};
 
 struct HbDeleter {
     void operator()(hb_blob_t* blob) const { hb_blob_destroy(blob); }
@@ -57,53 +71,6 @@ struct HbDeleter {
 };
 template <typename T>
 using HbOwner = std::unique_ptr<T, HbDeleter>;
-
-// `memory->user` is a bool: whether the machine had no block to give.
-void* noteExhaustion(FT_Memory memory, void* block) {
-    if (block == nullptr) *static_cast<bool*>(memory->user) = true;
-    return block;
-}
-void* allocateBlock(FT_Memory memory, long size) {
-    if (size <= 0 || static_cast<unsigned long>(size) > kMaxFreeTypeBlock) return nullptr;
-    return noteExhaustion(memory, std::malloc(static_cast<size_t>(size)));
-}
-void freeBlock(FT_Memory, void* block) {
-    std::free(block);
-}
-void* resizeBlock(FT_Memory memory, long /*oldSize*/, long size, void* block) {
-    if (size <= 0 || static_cast<unsigned long>(size) > kMaxFreeTypeBlock) return nullptr;
-    return noteExhaustion(memory, std::realloc(block, static_cast<size_t>(size)));
-}
-
-// FreeType with bounded blocks and its built-in settings: the environment, which FT_Init_FreeType would ask,
-// has no say in the pixels.
-struct FreeTypeFace {
-    bool exhausted = false;
-    FT_MemoryRec_ memory{&exhausted, allocateBlock, freeBlock, resizeBlock};
-    FT_Library library = nullptr;
-    FT_Face face = nullptr;
-
-    FreeTypeFace() = default;
-    FreeTypeFace(const FreeTypeFace&) = delete;
-    FreeTypeFace& operator=(const FreeTypeFace&) = delete;
-    ~FreeTypeFace() {
-        if (face != nullptr) FT_Done_Face(face);
-        if (library != nullptr) FT_Done_Library(library);
-    }
-
-    bool open(const void* data, size_t size, int index) {
-        if (FT_New_Library(&memory, &library) != 0) return false;
-        FT_Add_Default_Modules(library);
-        return FT_New_Memory_Face(library, static_cast<const FT_Byte*>(data), static_cast<FT_Long>(size),
-                                  index, &face) == 0;
-    }
-
-    // Throws std::bad_alloc where the machine's memory was short since the last call. FreeType itself says
-    // "out of memory" of a damaged font's absurd sizes as well, or goes on without a part of itself.
-    void throwIfExhausted() {
-        if (std::exchange(exhausted, false)) throw std::bad_alloc();
-    }
-};
 
 // The file types that begin an sfnt font or a collection of them. Compressed containers are none.
 bool isSfnt(const void* data, size_t size) {
@@ -131,147 +98,16 @@ std::vector<hb_variation_t> readAxes(hb_face_t* face) {
     return axes;
 }
 
-// Puts FreeType's face where the axes of `font` stand.
-bool setFreeTypeAxes(FT_Face face, hb_font_t* font) {
-    unsigned count = 0;
-    const float* values = hb_font_get_var_coords_design(font, &count);
-    std::vector<FT_Fixed> coordinates;
-    for (unsigned i = 0; i < count; ++i) coordinates.push_back(std::lround(values[i] * 65536));
-    return FT_Set_Var_Design_Coordinates(face, static_cast<FT_UInt>(count), coordinates.data()) == 0;
-}
-
-// A box found in 64 bits (right and bottom exclusive), empty when it is beyond what an image may be.
-GlyphBox limitedBox(int64_t left, int64_t top, int64_t right, int64_t bottom) {
-    constexpr int64_t kMaxOffset = int64_t{1} << 24;  // from the pen; glyphs lie within a few ems of it
-    if (left >= right || top >= bottom || left < -kMaxOffset || top < -kMaxOffset || right > kMaxOffset ||
-        bottom > kMaxOffset) {
-        return {};
-    }
-    const int64_t width = right - left, height = bottom - top;
-    if (width > kMaxGlyphSide || height > kMaxGlyphSide ||
-        static_cast<uint64_t>(width) * static_cast<uint64_t>(height) > kMaxGlyphBytes) {
-        return {};
-    }
-    return {static_cast<int>(left), static_cast<int>(top), static_cast<int>(right), static_cast<int>(bottom)};
-}
-
-GlyphBox outlineBox(const FT_Outline& outline) {
-    FT_BBox box;
-    FT_Outline_Get_CBox(&outline, &box);  // 26.6, y upwards
-    const auto floor64 = [](int64_t v) { return v >> 6; };
-    return limitedBox(floor64(box.xMin), -floor64(int64_t{box.yMax} + 63), floor64(int64_t{box.xMax} + 63),
-                      -floor64(box.yMin));
-}
-
-// Not limited: the union of many boxes may be more than an image may be.
-GlyphBox unionOf(const GlyphBox& a, const GlyphBox& b) {
-    if (a.empty()) return b;
-    if (b.empty()) return a;
-    return {std::min(a.left, b.left), std::min(a.top, b.top), std::max(a.right, b.right),
-            std::max(a.bottom, b.bottom)};
-}
-
-GlyphImage blankImage(const GlyphBox& box) {
-    GlyphImage image;
-    if (box.empty()) return image;
-    image.left = box.left;
-    image.top = box.top;
-    image.width = box.right - box.left;
-    image.height = box.bottom - box.top;
-    image.coverage.resize(static_cast<size_t>(image.width) * static_cast<size_t>(image.height));
-    return image;
-}
-
-// The outline's coverage, the rasteriser's own levels; moves the outline. False when it could not be
-// rasterised.
-bool rasterise(FT_Library library, FT_Outline& outline, bool antiAlias, GlyphImage& image) {
-    FT_Outline_Translate(&outline, FT_Pos{-64} * image.left, FT_Pos{64} * (image.top + image.height));
-    FT_Bitmap bitmap;
-    std::memset(&bitmap, 0, sizeof bitmap);
-    bitmap.width = static_cast<unsigned>(image.width);
-    bitmap.rows = static_cast<unsigned>(image.height);
-    if (antiAlias) {
-        bitmap.pitch = image.width;
-        bitmap.num_grays = 256;
-        bitmap.pixel_mode = FT_PIXEL_MODE_GRAY;
-        bitmap.buffer = image.coverage.data();
-        return FT_Outline_Get_Bitmap(library, &outline, &bitmap) == 0;
-    }
-    const size_t stride = (static_cast<size_t>(image.width) + 7) / 8;
-    std::vector<uint8_t> bits(stride * static_cast<size_t>(image.height));
-    bitmap.pitch = static_cast<int>(stride);
-    bitmap.pixel_mode = FT_PIXEL_MODE_MONO;
-    bitmap.buffer = bits.data();
-    if (FT_Outline_Get_Bitmap(library, &outline, &bitmap) != 0) return false;
-    const auto width = static_cast<size_t>(image.width);
-    for (size_t i = 0; i < bits.size(); ++i) {
-        if (bits[i] == 0) continue;  // large glyphs are mostly empty
-        const size_t begin = i % stride * 8, count = std::min<size_t>(width - begin, 8);
-        uint8_t* coverage = image.coverage.data() + i / stride * width + begin;
-        for (size_t x = 0; x < count; ++x) coverage[x] = (bits[i] << x & 0x80) != 0 ? 255 : 0;
-    }
-    return true;
-}
-
-// Widens the outline by `size` x the share for that size, half of it on each side.
-void embolden(FT_Outline& outline, float size) {
-    const float place =
-        std::min(std::max((size - kBoldSmallSize) / (kBoldLargeSize - kBoldSmallSize), 0.0f), 1.0f);
-    const float share = kBoldSmallShare + place * (kBoldLargeShare - kBoldSmallShare);
-    const FT_Pos half = std::lround(size * share * 32);  // 26.6
-    // FreeType keeps the lower left where it was. It refuses outlines without an area, which stay as they
-    // are.
-    if (FT_Outline_Embolden(&outline, 2 * half) == 0) FT_Outline_Translate(&outline, -half, -half);
-}
-
-// A colour strike's bitmap of one glyph and how it lies in the style: source pixels per target pixel.
-struct Strike {
-    const FT_Bitmap* bitmap;
-    int left, top;  // of the bitmap's top left corner from the pen, in its own pixels, y upwards
-    double perPixelX, perPixelY;  // perPixelX is negative in mirrored styles
+struct Metrics {
+    float advance = 0;  // the phone's alone
+    InkBox ink;
 };
 
-GlyphBox strikeBox(const Strike& strike, const GlyphStyle& style, int quarterX) {
-    const double top = -strike.top / strike.perPixelY;
-    const double bottom = (static_cast<double>(strike.bitmap->rows) - strike.top) / strike.perPixelY;
-    const double edges[] = {strike.left / strike.perPixelX,
-                            (static_cast<double>(strike.bitmap->width) + strike.left) / strike.perPixelX};
-    const double slants[] = {static_cast<double>(style.skewX) * top,
-                             static_cast<double>(style.skewX) * bottom};
-    const double left = std::min(edges[0], edges[1]) + std::min(slants[0], slants[1]) + quarterX * 0.25;
-    const double right = std::max(edges[0], edges[1]) + std::max(slants[0], slants[1]) + quarterX * 0.25;
-    static constexpr double kFar = 1e9;  // refused by the limits, and safe to convert
-    const auto whole = [](double v) { return static_cast<int64_t>(std::min(std::max(v, -kFar), kFar)); };
-    return limitedBox(whole(std::floor(left)), whole(std::floor(top)), whole(std::ceil(right)),
-                      whole(std::ceil(bottom)));
-}
-
-void drawStrike(const Strike& strike, const GlyphStyle& style, int quarterX, GlyphImage& image) {
-    // A pixel centre (x, y) from the pen, less slant and quarter, in the strike's pixels from its top left
-    // corner.
-    const auto fixed = [](double v) { return static_cast<int64_t>(std::llround(v * 65536)); };
-    const double y = image.top + 0.5;
-    const double x = image.left + 0.5 - quarterX * 0.25 - static_cast<double>(style.skewX) * y;
-    ResampleParam p;
-    // Alpha is the last of a pixel's four bytes.
-    p.source = strike.bitmap->buffer + 3;
-    p.sourceWidth = static_cast<int>(strike.bitmap->width);
-    p.sourceHeight = static_cast<int>(strike.bitmap->rows);
-    p.sourceStride = strike.bitmap->pitch;
-    p.sourceStep = 4;
-    p.target = image.coverage.data();
-    p.targetWidth = image.width;
-    p.targetHeight = image.height;
-    p.x = fixed(x * strike.perPixelX - strike.left);
-    p.xStep = fixed(strike.perPixelX);
-    p.xShear = fixed(-static_cast<double>(style.skewX) * strike.perPixelX);
-    p.y = fixed(y * strike.perPixelY + strike.top);
-    p.yStep = fixed(strike.perPixelY);
-    resampleAlpha(p);
-    if (!style.antiAlias) {
-        for (uint8_t& level : image.coverage) level = level >= 128 ? 255 : 0;
-    }
-}
+struct KeptMetrics {
+    GlyphKey key;
+    Metrics metrics;
+};
+constexpr size_t kKeptMetrics = 512;
 
 }  // namespace
 
@@ -286,18 +122,13 @@ struct FontFace::Impl {
 
     std::mutex mutex;  // guards the rest
     FreeTypeFace freeType;
-    bool hasColourStrikes = false;
-    std::vector<uint8_t> paletteAlphas;  // of the first palette
+    ColourGlyphs colours;
+    std::vector<KeptMetrics> kept;  // by hash; empty until asked
 
     bool open(const void* data, size_t size, int index);
-    bool loadOutline(uint32_t glyph, const GlyphStyle& style, int quarterX);
-    bool loadStrike(uint32_t glyph, const GlyphStyle& style, bool metricsOnly, Strike* strike);
-    template <typename Visit>
-    bool forEachLayer(uint32_t glyph, Visit visit);
-    GlyphBox box(uint32_t glyph, const GlyphStyle& style, int quarterX);
+    Metrics measure(uint32_t glyph, const GlyphStyle& style);
+    Metrics metrics(uint32_t glyph, const GlyphStyle& style);
     GlyphImage draw(uint32_t glyph, const GlyphStyle& style, int quarterX);
-    bool layersBox(uint32_t glyph, const GlyphStyle& style, int quarterX, GlyphBox* box);
-    void drawLayers(uint32_t glyph, const GlyphStyle& style, int quarterX, GlyphImage& image);
 };
 
 bool FontFace::Impl::open(const void* data, size_t size, int index) {
@@ -327,150 +158,64 @@ bool FontFace::Impl::open(const void* data, size_t size, int index) {
 
     const bool opened = freeType.open(data, size, index);
     freeType.throwIfExhausted();
-    if (!opened || !FT_IS_SFNT(freeType.face)) return false;
-    const FT_Face face = freeType.face;
-    if (!axes.empty() && !setFreeTypeAxes(face, hbFont.get())) return false;
-    hasColourStrikes = FT_HAS_COLOR(face) && face->num_fixed_sizes > 0;
-    FT_Palette_Data palettes;
-    FT_Color* palette = nullptr;
-    if (FT_Palette_Data_Get(face, &palettes) == 0 && FT_Palette_Select(face, 0, &palette) == 0 &&
-        palette != nullptr) {
-        for (int i = 0; i < palettes.num_palette_entries; ++i) paletteAlphas.push_back(palette[i].alpha);
-    }
+    if (!opened || (!axes.empty() && !freeType.setAxes(hbFont.get()))) return false;
+    colours.open(freeType);
     freeType.throwIfExhausted();
     return true;
 }
 
-// Leaves the glyph's outline in the face's slot: scaled, slanted, widened, for a pen at quarterX. False when
-// it has none.
-bool FontFace::Impl::loadOutline(uint32_t glyph, const GlyphStyle& style, int quarterX) {
-    const FT_Face face = freeType.face;
-    if (!FT_IS_SCALABLE(face)) return false;
-    FT_Size_RequestRec request;
-    std::memset(&request, 0, sizeof request);  // resolution 0: width and height are 26.6 pixels
-    request.type = FT_SIZE_REQUEST_TYPE_NOMINAL;
-    request.width = std::lround(std::fabs(style.size * style.scaleX) * 64);
-    request.height = std::lround(style.size * 64);
-    if (FT_Request_Size(face, &request) != 0) return false;
-    if (FT_Load_Glyph(face, glyph, FT_LOAD_NO_HINTING | FT_LOAD_NO_BITMAP) != 0) return false;
-    if (face->glyph->format != FT_GLYPH_FORMAT_OUTLINE || face->glyph->outline.n_points <= 0) return false;
-    FT_Outline& outline = face->glyph->outline;
-    if (style.scaleX < 0 || style.skewX != 0) {
-        FT_Matrix matrix;
-        matrix.xx = style.scaleX < 0 ? -0x10000 : 0x10000;
-        matrix.xy = std::lround(-style.skewX * 65536);  // outlines have y upwards
-        matrix.yx = 0;
-        matrix.yy = 0x10000;
-        FT_Outline_Transform(&outline, &matrix);
-    }
-    if (style.fakeBold) embolden(outline, style.size);
-    if (quarterX != 0) FT_Outline_Translate(&outline, quarterX * 16, 0);
-    return true;
-}
-
-// Loads the glyph's colour bitmap from the smallest strike that is not smaller than the style, else from the
-// largest; with metricsOnly just its sides and place. False when the font has none for the glyph.
-bool FontFace::Impl::loadStrike(uint32_t glyph, const GlyphStyle& style, bool metricsOnly, Strike* strike) {
-    if (!hasColourStrikes) return false;
-    const FT_Face face = freeType.face;
-    const FT_Bitmap_Size* sizes = face->available_sizes;
-    int best = 0;
-    for (int i = 1; i < face->num_fixed_sizes; ++i) {
-        const float wanted = style.size * 64;
-        const bool enough = static_cast<float>(sizes[i].y_ppem) >= wanted;
-        const bool bestEnough = static_cast<float>(sizes[best].y_ppem) >= wanted;
-        const bool smaller = sizes[i].y_ppem < sizes[best].y_ppem;
-        if (enough ? !bestEnough || smaller : !bestEnough && !smaller) best = i;
-    }
-    if (sizes[best].x_ppem <= 0 || sizes[best].y_ppem <= 0 || FT_Select_Size(face, best) != 0) return false;
-    const int flags = FT_LOAD_COLOR | FT_LOAD_NO_HINTING | (metricsOnly ? FT_LOAD_BITMAP_METRICS_ONLY : 0);
-    if (FT_Load_Glyph(face, glyph, flags) != 0 || face->glyph->format != FT_GLYPH_FORMAT_BITMAP) return false;
-    const FT_Bitmap& bitmap = face->glyph->bitmap;
-    if (bitmap.pixel_mode != FT_PIXEL_MODE_BGRA || bitmap.width == 0 || bitmap.rows == 0) return false;
-    if (bitmap.width > kMaxGlyphSide || bitmap.rows > kMaxGlyphSide) return false;
-    if (!metricsOnly && bitmap.buffer == nullptr) return false;
-    strike->bitmap = &bitmap;
-    strike->left = face->glyph->bitmap_left;
-    strike->top = face->glyph->bitmap_top;
-    const double size = style.size;
-    strike->perPixelX =
-        static_cast<double>(sizes[best].x_ppem) / 64 / (size * static_cast<double>(style.scaleX));
-    strike->perPixelY = static_cast<double>(sizes[best].y_ppem) / 64 / size;
-    return true;
-}
-
-// Calls visit(layer's glyph, layer's alpha) from the lowest layer up. False when the glyph has no layers.
-template <typename Visit>
-bool FontFace::Impl::forEachLayer(uint32_t glyph, Visit visit) {
-    FT_LayerIterator iterator;
-    std::memset(&iterator, 0, sizeof iterator);
-    FT_UInt layerGlyph = 0, color = 0;
-    int count = 0;
-    while (count < kMaxLayers &&
-           FT_Get_Color_Glyph_Layer(freeType.face, glyph, &layerGlyph, &color, &iterator) != 0) {
-        ++count;
-        // Numbers beyond the palette, 0xFFFF above all, stand for the text's own colour.
-        visit(layerGlyph, color < paletteAlphas.size() ? paletteAlphas[color] : uint8_t{255});
-    }
-    return count > 0;
-}
-
-bool FontFace::Impl::layersBox(uint32_t glyph, const GlyphStyle& style, int quarterX, GlyphBox* box) {
-    GlyphBox all;
-    const bool layered = forEachLayer(glyph, [&](uint32_t layerGlyph, uint8_t) {
-        if (loadOutline(layerGlyph, style, quarterX)) {
-            all = unionOf(all, outlineBox(freeType.face->glyph->outline));
+Metrics FontFace::Impl::measure(uint32_t glyph, const GlyphStyle& style) {
+    const bool phone = style.rendering == Rendering::Phone;
+    if (phone && (style.linear || drawnAsPath(style)) && !(style.size == kPathSize && style.linear)) {
+        GlyphStyle measured = style;
+        measured.size = kPathSize;
+        measured.linear = true;
+        const float scale = style.size / kPathSize;
+        Metrics metrics = measure(glyph, measured);
+        for (float* v : {&metrics.advance, &metrics.ink.left, &metrics.ink.top, &metrics.ink.right,
+                         &metrics.ink.bottom}) {
+            *v *= scale;
         }
-    });
-    *box = limitedBox(all.left, all.top, all.right, all.bottom);
-    return layered;
+        return metrics;
+    }
+    Metrics metrics;
+    GlyphBox box;
+    if (colours.box(freeType, glyph, style, 0, &box)) {
+        if (phone) metrics.advance = colours.advance(freeType, glyph, style);
+    } else if (loadGlyph(freeType, glyph, style)) {
+        if (phone) metrics.advance = slotAdvance(freeType, style);
+        box = outlineBox(freeType);
+    }
+    if (!phone) box = limitedBox(box);
+    metrics.ink = {static_cast<float>(box.left), static_cast<float>(box.top), static_cast<float>(box.right),
+                   static_cast<float>(box.bottom)};
+    return metrics;
 }
 
-GlyphBox FontFace::Impl::box(uint32_t glyph, const GlyphStyle& style, int quarterX) {
-    Strike strike;
-    if (loadStrike(glyph, style, true, &strike)) return strikeBox(strike, style, quarterX);
-    GlyphBox layers;
-    if (layersBox(glyph, style, quarterX, &layers)) return layers;
-    return loadOutline(glyph, style, quarterX) ? outlineBox(freeType.face->glyph->outline) : GlyphBox();
-}
-
-// One layer over the other: the alphas of the picture that a colour renderer would make.
-void FontFace::Impl::drawLayers(uint32_t glyph, const GlyphStyle& style, int quarterX, GlyphImage& image) {
-    forEachLayer(glyph, [&](uint32_t layerGlyph, uint8_t alpha) {
-        if (!loadOutline(layerGlyph, style, quarterX)) return;
-        FT_Outline& outline = freeType.face->glyph->outline;
-        const GlyphBox box = outlineBox(outline);
-        GlyphImage layer = blankImage(box);
-        if (box.empty() || !rasterise(freeType.library, outline, style.antiAlias, layer)) return;
-        const uint8_t* source = layer.coverage.data();
-        for (int y = box.top; y < box.bottom; ++y) {
-            uint8_t* target = image.coverage.data() +
-                              static_cast<size_t>(y - image.top) * static_cast<size_t>(image.width) +
-                              static_cast<size_t>(box.left - image.left);
-            for (int x = 0; x < layer.width; ++x, ++target) {
-                *target = coverageOver(static_cast<uint8_t>(multiplyBytes(*source++, alpha)), *target);
-            }
-        }
-    });
+// One table for all styles: a line asks for the same glyph's advance and box, and for those of its letters
+// again and again.
+Metrics FontFace::Impl::metrics(uint32_t glyph, const GlyphStyle& style) {
+    GlyphKey key = keyOf(id, glyph, style);
+    if (style.subpixel) key.flags |= kSubpixelKey;
+    if (kept.empty()) kept.resize(kKeptMetrics);
+    KeptMetrics& place = kept[GlyphKeyHash()(key) % kKeptMetrics];
+    if (!(place.key == key)) {
+        const Metrics measured = measure(glyph, style);
+        freeType.throwIfExhausted();
+        place = {key, measured};
+    }
+    return place.metrics;
 }
 
 GlyphImage FontFace::Impl::draw(uint32_t glyph, const GlyphStyle& style, int quarterX) {
-    Strike strike;
-    if (loadStrike(glyph, style, false, &strike)) {
-        GlyphImage image = blankImage(strikeBox(strike, style, quarterX));
-        if (!image.coverage.empty()) drawStrike(strike, style, quarterX, image);
-        return image;
+    GlyphImage image;
+    if (colours.draw(freeType, glyph, style, quarterX, &image)) return image;
+    if (!loadOutline(freeType, glyph, style, quarterX)) return {};
+    image = blankImage(outlineBox(freeType));
+    if (image.coverage.empty() || !rasterise(freeType, style.antiAlias, image)) return {};
+    if (style.rendering == Rendering::Phone && style.antiAlias) {
+        for (uint8_t& level : image.coverage) level = kGamma[level];
     }
-    GlyphBox layers;
-    if (layersBox(glyph, style, quarterX, &layers)) {
-        GlyphImage image = blankImage(layers);
-        if (!image.coverage.empty()) drawLayers(glyph, style, quarterX, image);
-        return image;
-    }
-    if (!loadOutline(glyph, style, quarterX)) return {};
-    FT_Outline& outline = freeType.face->glyph->outline;
-    GlyphImage image = blankImage(outlineBox(outline));
-    if (image.coverage.empty() || !rasterise(freeType.library, outline, style.antiAlias, image)) return {};
     return image;
 }
 
@@ -518,6 +263,10 @@ bool FontFace::coversVariation(uint32_t codePoint, uint32_t selector) const {
 
 float FontFace::advance(uint32_t glyph, const GlyphStyle& style) const {
     if (glyph >= mImpl->glyphCount || !drawable(style)) return 0;
+    if (style.rendering == Rendering::Phone) {
+        std::lock_guard<std::mutex> lock(mImpl->mutex);
+        return mImpl->metrics(glyph, style).advance;
+    }
     const hb_position_t units = hb_font_get_glyph_h_advance(mImpl->hbFont.get(), glyph);
     const float pixels =
         static_cast<float>(units) * (style.size * style.scaleX / static_cast<float>(mImpl->unitsPerEm));
@@ -527,10 +276,7 @@ float FontFace::advance(uint32_t glyph, const GlyphStyle& style) const {
 InkBox FontFace::inkBox(uint32_t glyph, const GlyphStyle& style) const {
     if (glyph >= mImpl->glyphCount || !drawable(style)) return {};
     std::lock_guard<std::mutex> lock(mImpl->mutex);
-    const GlyphBox box = mImpl->box(glyph, style, 0);
-    mImpl->freeType.throwIfExhausted();
-    return {static_cast<float>(box.left), static_cast<float>(box.top), static_cast<float>(box.right),
-            static_cast<float>(box.bottom)};
+    return mImpl->metrics(glyph, style).ink;
 }
 
 std::shared_ptr<const GlyphImage> FontFace::image(uint32_t glyph, const GlyphStyle& style,
@@ -539,20 +285,8 @@ std::shared_ptr<const GlyphImage> FontFace::image(uint32_t glyph, const GlyphSty
         new std::shared_ptr<const GlyphImage>(std::make_shared<GlyphImage>());
     if (glyph >= mImpl->glyphCount || !drawable(style)) return *kBlank;
     quarterX &= 3;
-    const auto bitsOf = [](float value) {
-        value += 0.0f;  // both zeros are one style
-        uint32_t bits;
-        std::memcpy(&bits, &value, sizeof bits);
-        return bits;
-    };
-    GlyphKey key;
-    key.faceId = mImpl->id;
-    key.glyph = glyph;
-    key.size = bitsOf(style.size);
-    key.scaleX = bitsOf(style.scaleX);
-    key.skewX = bitsOf(style.skewX);
-    key.flags =
-        (style.fakeBold ? 1u : 0u) | (style.antiAlias ? 2u : 0u) | static_cast<uint32_t>(quarterX) << 2;
+    GlyphKey key = keyOf(mImpl->id, glyph, style);
+    key.flags |= static_cast<uint32_t>(quarterX) << kQuarterShift;
     if (std::shared_ptr<const GlyphImage> kept = findGlyph(key)) return kept;
     auto image = std::make_shared<GlyphImage>();
     {

@@ -29,8 +29,14 @@ struct GlyphStyle {
 
 constexpr float kMinGlyphSize = 1.0f / 64;
 constexpr float kMaxGlyphSize = 16384;
+constexpr float kMinPhoneSize = 1.0f / 4096;
+constexpr float kMaxPhoneSize = 1 << 20;
 constexpr float kMaxGlyphSkew = 64;
 bool drawable(const GlyphStyle& style);
+// The phone hints and keeps glyphs up to this size, wide and high (slanted); larger ones are paths, filled
+// where they are needed.
+constexpr float kMaxHintedSize = 256;
+bool drawnAsPath(const GlyphStyle& style);
 // A glyph whose image would take more bytes than this, or be wider or taller than kMaxGlyphSide, is blank.
 constexpr size_t kMaxGlyphBytes = size_t{64} << 20;
 constexpr int kMaxGlyphSide = 32767;
@@ -98,8 +104,9 @@ public:
     bool coversVariation(uint32_t codePoint, uint32_t selector) const;
 
     // Pixels, whole (halves up) unless style.subpixel: the font's own advance x size x scaleX / units per em.
-    // Neither fake bold nor skew changes it. 0 for a blank style. In the phone's rendering: the hinted advance
-    // as FreeType gives it; without hinting or with style.subpixel the font's own, scaled. Not rounded here.
+    // Neither fake bold nor skew changes it. 0 for a blank style. In the phone's rendering: the hinted
+    // advance as FreeType gives it; without hinting or with style.subpixel the font's own, scaled. Not
+    // rounded here.
     float advance(uint32_t glyph, const GlyphStyle& style) const;
 
     // The box of the outline's control points (of all layers; of the scaled strike), rounded outwards to

@@ -3,6 +3,7 @@
 // threads may make the same image; the first one kept stays.
 #include "platform/host/GlyphCache.h"
 
+#include <cstring>
 #include <list>
 #include <mutex>
 #include <new>
@@ -16,18 +17,35 @@ bool GlyphKey::operator==(const GlyphKey& other) const {
            skewX == other.skewX && flags == other.flags;
 }
 
-namespace {
-
-struct GlyphKeyHash {
-    size_t operator()(const GlyphKey& key) const {
-        uint64_t hash = 0;
-        for (const uint32_t part : {key.faceId, key.glyph, key.size, key.scaleX, key.skewX, key.flags}) {
-            hash = (hash ^ part) * 0x9E3779B97F4A7C15u;
-            hash ^= hash >> 29;
-        }
-        return static_cast<size_t>(hash);
+size_t GlyphKeyHash::operator()(const GlyphKey& key) const {
+    uint64_t hash = 0;
+    for (const uint32_t part : {key.faceId, key.glyph, key.size, key.scaleX, key.skewX, key.flags}) {
+        hash = (hash ^ part) * 0x9E3779B97F4A7C15u;
+        hash ^= hash >> 29;
     }
-};
+    return static_cast<size_t>(hash);
+}
+
+GlyphKey keyOf(uint32_t faceId, uint32_t glyph, const GlyphStyle& style) {
+    const auto bitsOf = [](float value) {
+        value += 0.0f;  // both zeros are one style
+        uint32_t bits;
+        std::memcpy(&bits, &value, sizeof bits);
+        return bits;
+    };
+    const bool phone = style.rendering == Rendering::Phone;
+    GlyphKey key;
+    key.faceId = faceId;
+    key.glyph = glyph;
+    key.size = bitsOf(style.size);
+    key.scaleX = bitsOf(style.scaleX);
+    key.skewX = bitsOf(style.skewX);
+    key.flags = (style.fakeBold ? 1u : 0u) | (style.antiAlias ? 2u : 0u) | (phone && style.linear ? 4u : 0u) |
+                (phone ? 8u : 0u);
+    return key;
+}
+
+namespace {
 
 class GlyphCache {
 public:

@@ -26,10 +26,18 @@ struct GlyphKey {
     uint32_t faceId = 0;
     uint32_t glyph = 0;
     uint32_t size = 0, scaleX = 0, skewX = 0;  // the bits of the floats
-    uint32_t flags = 0;                        // fake bold 1, anti-alias 2, quarterX << 2
+    uint32_t flags = 0;  // fake bold 1, anti-alias 2, linear 4, phone 8, and what follows
 
     bool operator==(const GlyphKey& other) const;
 };
+constexpr uint32_t kSubpixelKey = 16;
+constexpr int kQuarterShift = 5;
+struct GlyphKeyHash {
+    size_t operator()(const GlyphKey& key) const;
+};
+
+// The pen at a whole pixel.
+GlyphKey keyOf(uint32_t faceId, uint32_t glyph, const GlyphStyle& style);
 
 // FontFace's side of the cache.
 std::shared_ptr<const GlyphImage> findGlyph(const GlyphKey& key);  // null when not kept

@@ -128,17 +128,20 @@ void straightRowOver(uint8_t* target, const uint8_t* source, uint8_t alpha, int 
     }
 }
 
-// Where a glyph's image goes: the pixel the pen is in and the quarter of that pixel it stands at.
+// Where a glyph's image goes: the pixel the pen is in and the quarter of that pixel it stands at; the phone
+// takes the nearest quarter, the plain rendering the one below.
 struct PenPixel {
     int x, y, quarterX;
 };
 
 // False when the pen is too far away or no number.
-bool penPixel(float x, float y, bool subpixel, PenPixel* pen) {
+bool penPixel(float x, float y, const host::GlyphStyle& style, PenPixel* pen) {
     if (!(std::fabs(x) < kFarAway) || !(std::fabs(y) < kFarAway)) return false;
     pen->y = static_cast<int>(std::floor(static_cast<double>(y) + 0.5));
-    if (subpixel) {
-        const int quarters = static_cast<int>(std::floor(static_cast<double>(x) * 4));  // below 2^30
+    if (style.subpixel) {
+        const double toNearest = style.rendering == host::Rendering::Phone ? 0.5 : 0;
+        const int quarters =
+            static_cast<int>(std::floor(static_cast<double>(x) * 4 + toNearest));  // below 2^31
         pen->quarterX = ((quarters % 4) + 4) % 4;
         pen->x = (quarters - pen->quarterX) / 4;
     } else {
@@ -235,10 +238,10 @@ void SkCanvas::drawTextBlob(const sk_sp<SkTextBlob>& blob, SkScalar x, SkScalar 
         style.fakeBold = font.isFakeBoldText();
         style.antiAlias = font.isAntiAlias();
         style.subpixel = font.isSubpixelText();
+        style.linear = font.isLinearText();
         for (size_t i = 0; i < run->glyphs.size(); ++i) {
             PenPixel pen;
-            if (!penPixel(x + run->positions[2 * i], y + run->positions[2 * i + 1], style.subpixel, &pen))
-                continue;
+            if (!penPixel(x + run->positions[2 * i], y + run->positions[2 * i + 1], style, &pen)) continue;
             const std::shared_ptr<const host::GlyphImage> image =
                 face.image(run->glyphs[i], style, pen.quarterX);
             const int left = pen.x + image->left, top = pen.y + image->top;

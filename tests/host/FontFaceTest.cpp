@@ -30,6 +30,7 @@ GlyphStyle styled(float size, float scaleX = 1, float skewX = 0, bool bold = fal
     style.scaleX = scaleX;
     style.skewX = skewX;
     style.fakeBold = bold;
+    style.rendering = host::Rendering::Plain;
     return style;
 }
 

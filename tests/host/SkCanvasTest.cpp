@@ -308,6 +308,8 @@ protected:
         font.setFlags(SkPaint::kAntiAlias_Flag | SkPaint::kSubpixelText_Flag);
     }
 
+    void TearDown() override { host::setRendering(host::Rendering::Phone); }
+
     struct Glyph {
         SkGlyphID id;
         float x, y;
@@ -327,6 +329,7 @@ protected:
     std::vector<uint8_t> placed(SkGlyphID id, int x, int y, int quarterX) {
         host::GlyphStyle style;
         style.size = font.getTextSize();
+        style.subpixel = font.isSubpixelText();
         const auto image = typeface->face()->image(id, style, quarterX);
         std::vector<uint8_t> all(kWidth * kHeight);
         for (int row = 0; row < image->height; ++row) {
@@ -364,15 +367,20 @@ TEST_F(TextTest, OriginsAreTakenToQuarterPixelsOrWholeOnes) {
         {0, 20, 12.5f, -0.5f, 12, 2, 13, 20}, {-3, 20, -0.25f, -0.75f, -4, 3, -3, 19},
         {55.75f, 2, 0, 0, 55, 3, 56, 2},      {-20, 35.4f, 0.1f, 0, -20, 0, -20, 35},
     };
-    for (const Place& place : places) {
-        const sk_sp<SkTextBlob> subpixel = blobOf({{kA, place.glyphX, place.glyphY}});
-        EXPECT_EQ(drawn(subpixel, place.x, place.y), placed(kA, place.quarterPixel, place.row, place.quarter))
-            << place.x << " + " << place.glyphX;
-        font.setFlags(SkPaint::kAntiAlias_Flag);
-        const sk_sp<SkTextBlob> whole = blobOf({{kA, place.glyphX, place.glyphY}});
-        EXPECT_EQ(drawn(whole, place.x, place.y), placed(kA, place.wholePixel, place.row, 0))
-            << place.x << " + " << place.glyphX;
-        font.setFlags(SkPaint::kAntiAlias_Flag | SkPaint::kSubpixelText_Flag);
+    for (const host::Rendering rendering : {host::Rendering::Plain, host::Rendering::Phone}) {
+        host::setRendering(rendering);
+        // To the quarter below, on the phone to the nearest.
+        const float nudge = rendering == host::Rendering::Phone ? -0.125f : 0;
+        for (const Place& place : places) {
+            SCOPED_TRACE(testing::Message() << place.x << " + " << place.glyphX << " nudged by " << nudge);
+            const sk_sp<SkTextBlob> subpixel = blobOf({{kA, place.glyphX, place.glyphY}});
+            EXPECT_EQ(drawn(subpixel, place.x + nudge, place.y),
+                      placed(kA, place.quarterPixel, place.row, place.quarter));
+            font.setFlags(SkPaint::kAntiAlias_Flag);
+            const sk_sp<SkTextBlob> whole = blobOf({{kA, place.glyphX, place.glyphY}});
+            EXPECT_EQ(drawn(whole, place.x, place.y), placed(kA, place.wholePixel, place.row, 0));
+            font.setFlags(SkPaint::kAntiAlias_Flag | SkPaint::kSubpixelText_Flag);
+        }
     }
 }
 

@@ -1,0 +1,206 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "platform/host/ColourGlyphs.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include FT_COLOR_H
+
+#include "platform/host/GlyphOutline.h"
+#include "platform/host/PixelMath.h"
+#include "platform/host/ResampleAlpha.h"
+
+namespace host {
+
+namespace {
+
+// Layers after these are not drawn; real glyphs have a few dozen.
+constexpr int kMaxLayers = 1024;
+
+// Not limited: the union of many boxes may be more than an image may be.
+GlyphBox unionOf(const GlyphBox& a, const GlyphBox& b) {
+    if (a.empty()) return b;
+    if (b.empty()) return a;
+    return {std::min(a.left, b.left), std::min(a.top, b.top), std::max(a.right, b.right),
+            std::max(a.bottom, b.bottom)};
+}
+
+}  // namespace
+
+struct ColourGlyphs::Strike {
+    const FT_Bitmap* bitmap;
+    int left, top;  // of the bitmap's top left corner from the pen, in its own pixels, y upwards
+    double perPixelX, perPixelY;  // perPixelX is negative in mirrored styles
+};
+
+void ColourGlyphs::open(FreeTypeFace& font) {
+    const FT_Face face = font.face();
+    mHasStrikes = FT_HAS_COLOR(face) && face->num_fixed_sizes > 0;
+    FT_Palette_Data palettes;
+    FT_Color* palette = nullptr;
+    if (FT_Palette_Data_Get(face, &palettes) == 0 && FT_Palette_Select(face, 0, &palette) == 0 &&
+        palette != nullptr) {
+        for (int i = 0; i < palettes.num_palette_entries; ++i) mPaletteAlphas.push_back(palette[i].alpha);
+    }
+}
+
+// Loads the glyph's colour bitmap from the smallest strike that is not smaller than the style, else from the
+// largest; with metricsOnly just its sides and place. False when the font has none for the glyph.
+bool ColourGlyphs::loadStrike(FreeTypeFace& font, uint32_t glyph, const GlyphStyle& style, bool metricsOnly,
+                              Strike* strike) const {
+    if (!mHasStrikes) return false;
+    const FT_Face face = font.face();
+    const FT_Bitmap_Size* sizes = face->available_sizes;
+    int best = 0;
+    for (int i = 1; i < face->num_fixed_sizes; ++i) {
+        const float wanted = style.size * 64;
+        const bool enough = static_cast<float>(sizes[i].y_ppem) >= wanted;
+        const bool bestEnough = static_cast<float>(sizes[best].y_ppem) >= wanted;
+        const bool smaller = sizes[i].y_ppem < sizes[best].y_ppem;
+        if (enough ? !bestEnough || smaller : !bestEnough && !smaller) best = i;
+    }
+    if (sizes[best].x_ppem <= 0 || sizes[best].y_ppem <= 0 || !font.setStrike(best)) return false;
+    const int flags = FT_LOAD_COLOR | FT_LOAD_NO_HINTING | FT_LOAD_IGNORE_TRANSFORM |
+                      (metricsOnly ? FT_LOAD_BITMAP_METRICS_ONLY : 0);
+    if (FT_Load_Glyph(face, glyph, flags) != 0 || face->glyph->format != FT_GLYPH_FORMAT_BITMAP) return false;
+    const FT_Bitmap& bitmap = face->glyph->bitmap;
+    if (bitmap.pixel_mode != FT_PIXEL_MODE_BGRA || bitmap.width == 0 || bitmap.rows == 0) return false;
+    if (bitmap.width > kMaxGlyphSide || bitmap.rows > kMaxGlyphSide) return false;
+    if (!metricsOnly && bitmap.buffer == nullptr) return false;
+    strike->bitmap = &bitmap;
+    strike->left = face->glyph->bitmap_left;
+    strike->top = face->glyph->bitmap_top;
+    const double size = style.size;
+    strike->perPixelX =
+        static_cast<double>(sizes[best].x_ppem) / 64 / (size * static_cast<double>(style.scaleX));
+    strike->perPixelY = static_cast<double>(sizes[best].y_ppem) / 64 / size;
+    return true;
+}
+
+GlyphBox ColourGlyphs::strikeBox(const Strike& strike, const GlyphStyle& style, int quarterX) {
+    const double top = -strike.top / strike.perPixelY;
+    const double bottom = (static_cast<double>(strike.bitmap->rows) - strike.top) / strike.perPixelY;
+    const double edges[] = {strike.left / strike.perPixelX,
+                            (static_cast<double>(strike.bitmap->width) + strike.left) / strike.perPixelX};
+    const double slants[] = {static_cast<double>(style.skewX) * top,
+                             static_cast<double>(style.skewX) * bottom};
+    const double left = std::min(edges[0], edges[1]) + std::min(slants[0], slants[1]) + quarterX * 0.25;
+    const double right = std::max(edges[0], edges[1]) + std::max(slants[0], slants[1]) + quarterX * 0.25;
+    static constexpr double kFar = 1e9;  // refused by the limits, and safe to convert
+    const auto whole = [](double v) { return static_cast<int64_t>(std::min(std::max(v, -kFar), kFar)); };
+    return nearBox(whole(std::floor(left)), whole(std::floor(top)), whole(std::ceil(right)),
+                   whole(std::ceil(bottom)));
+}
+
+void ColourGlyphs::drawStrike(const Strike& strike, const GlyphStyle& style, int quarterX,
+                              GlyphImage& image) {
+    // A pixel centre (x, y) from the pen, less slant and quarter, in the strike's pixels from its top left
+    // corner.
+    const auto fixed = [](double v) { return static_cast<int64_t>(std::llround(v * 65536)); };
+    const double y = image.top + 0.5;
+    const double x = image.left + 0.5 - quarterX * 0.25 - static_cast<double>(style.skewX) * y;
+    ResampleParam p;
+    // Alpha is the last of a pixel's four bytes.
+    p.source = strike.bitmap->buffer + 3;
+    p.sourceWidth = static_cast<int>(strike.bitmap->width);
+    p.sourceHeight = static_cast<int>(strike.bitmap->rows);
+    p.sourceStride = strike.bitmap->pitch;
+    p.sourceStep = 4;
+    p.target = image.coverage.data();
+    p.targetWidth = image.width;
+    p.targetHeight = image.height;
+    p.x = fixed(x * strike.perPixelX - strike.left);
+    p.xStep = fixed(strike.perPixelX);
+    p.xShear = fixed(-static_cast<double>(style.skewX) * strike.perPixelX);
+    p.y = fixed(y * strike.perPixelY + strike.top);
+    p.yStep = fixed(strike.perPixelY);
+    resampleAlpha(p);
+    if (!style.antiAlias) {
+        for (uint8_t& level : image.coverage) level = level >= 128 ? 255 : 0;
+    }
+}
+
+// Calls visit(layer's glyph, layer's alpha) from the lowest layer up.
+template <typename Visit>
+bool ColourGlyphs::forEachLayer(FreeTypeFace& font, uint32_t glyph, Visit visit) const {
+    FT_LayerIterator iterator;
+    std::memset(&iterator, 0, sizeof iterator);
+    FT_UInt layerGlyph = 0, color = 0;
+    int count = 0;
+    while (count < kMaxLayers &&
+           FT_Get_Color_Glyph_Layer(font.face(), glyph, &layerGlyph, &color, &iterator) != 0) {
+        ++count;
+        // Numbers beyond the palette, 0xFFFF above all, stand for the text's own colour.
+        visit(layerGlyph, color < mPaletteAlphas.size() ? mPaletteAlphas[color] : uint8_t{255});
+    }
+    return count > 0;
+}
+
+bool ColourGlyphs::layersBox(FreeTypeFace& font, uint32_t glyph, const GlyphStyle& style, int quarterX,
+                             GlyphBox* box) const {
+    GlyphBox all;
+    const bool layered = forEachLayer(font, glyph, [&](uint32_t layerGlyph, uint8_t) {
+        if (loadOutline(font, layerGlyph, style, quarterX)) {
+            all = unionOf(all, outlineBox(font));
+        }
+    });
+    *box = all;
+    return layered;
+}
+
+// One layer over the other: the alphas of the picture that a colour renderer would make.
+void ColourGlyphs::drawLayers(FreeTypeFace& font, uint32_t glyph, const GlyphStyle& style, int quarterX,
+                              GlyphImage& image) const {
+    forEachLayer(font, glyph, [&](uint32_t layerGlyph, uint8_t alpha) {
+        if (!loadOutline(font, layerGlyph, style, quarterX)) return;
+        const GlyphBox box = outlineBox(font);
+        GlyphImage layer = blankImage(box);
+        if (box.empty() || !rasterise(font, style.antiAlias, layer)) return;
+        const uint8_t* source = layer.coverage.data();
+        for (int y = box.top; y < box.bottom; ++y) {
+            uint8_t* target = image.coverage.data() +
+                              static_cast<size_t>(y - image.top) * static_cast<size_t>(image.width) +
+                              static_cast<size_t>(box.left - image.left);
+            for (int x = 0; x < layer.width; ++x, ++target) {
+                *target = coverageOver(static_cast<uint8_t>(multiplyBytes(*source++, alpha)), *target);
+            }
+        }
+    });
+}
+
+bool ColourGlyphs::box(FreeTypeFace& font, uint32_t glyph, const GlyphStyle& style, int quarterX,
+                       GlyphBox* box) const {
+    Strike strike;
+    if (loadStrike(font, glyph, style, true, &strike)) {
+        *box = strikeBox(strike, style, quarterX);
+        return true;
+    }
+    return layersBox(font, glyph, style, quarterX, box);
+}
+
+float ColourGlyphs::advance(FreeTypeFace& font, uint32_t glyph, const GlyphStyle& style) const {
+    Strike strike;
+    if (loadStrike(font, glyph, style, true, &strike)) {
+        // As far as FreeType's own matrix would take it.
+        const auto factor = static_cast<FT_Fixed>(65536 / strike.perPixelX);
+        return static_cast<float>(FT_MulFix(font.face()->glyph->advance.x, factor)) / 64;
+    }
+    return loadGlyph(font, glyph, style) ? slotAdvance(font, style) : 0;
+}
+
+bool ColourGlyphs::draw(FreeTypeFace& font, uint32_t glyph, const GlyphStyle& style, int quarterX,
+                        GlyphImage* image) const {
+    Strike strike;
+    if (loadStrike(font, glyph, style, false, &strike)) {
+        *image = blankImage(strikeBox(strike, style, quarterX));
+        if (!image->coverage.empty()) drawStrike(strike, style, quarterX, *image);
+        return true;
+    }
+    GlyphBox layers;
+    if (!layersBox(font, glyph, style, quarterX, &layers)) return false;
+    *image = blankImage(layers);
+    if (!image->coverage.empty()) drawLayers(font, glyph, style, quarterX, *image);
+    return true;
+}
+
+}  // namespace host

@@ -1,0 +1,206 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "platform/host/GlyphOutline.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <vector>
+#include FT_OUTLINE_H
+
+namespace host {
+
+namespace {
+
+// Plain fake bold: its width in all, as a share of the size, between two sizes.
+constexpr float kBoldSmallSize = 9, kBoldLargeSize = 36;
+constexpr float kBoldSmallShare = 1.0f / 24, kBoldLargeShare = 1.0f / 32;
+// The phone's, as a part of an em.
+constexpr FT_Pos kPhoneBoldPart = 34;
+
+// Widens the outline by `size` x the share for that size, half of it on each side.
+void emboldenEvenly(FT_Outline& outline, float size) {
+    const float place =
+        std::min(std::max((size - kBoldSmallSize) / (kBoldLargeSize - kBoldSmallSize), 0.0f), 1.0f);
+    const float share = kBoldSmallShare + place * (kBoldLargeShare - kBoldSmallShare);
+    const FT_Pos half = std::lround(size * share * 32);  // 26.6
+    // FreeType keeps the lower left where it was. It refuses outlines without an area, which stay as they
+    // are.
+    if (FT_Outline_Embolden(&outline, 2 * half) == 0) FT_Outline_Translate(&outline, -half, -half);
+}
+
+bool loadSlot(FreeTypeFace& font, uint32_t glyph, FT_Int32 flags) {
+    if (FT_Load_Glyph(font.face(), glyph, flags) != 0) return false;
+    return font.face()->glyph->format == FT_GLYPH_FORMAT_OUTLINE;
+}
+
+bool loadPlain(FreeTypeFace& font, uint32_t glyph, const GlyphStyle& style) {
+    const FT_F26Dot6 width = std::lround(std::fabs(style.size * style.scaleX) * 64);
+    if (!font.setSize(width, std::lround(style.size * 64))) return false;
+    if (!loadSlot(font, glyph, FT_LOAD_NO_HINTING | FT_LOAD_NO_BITMAP | FT_LOAD_IGNORE_TRANSFORM))
+        return false;
+    FT_Outline& outline = font.face()->glyph->outline;
+    if (style.scaleX < 0 || style.skewX != 0) {
+        FT_Matrix matrix;
+        matrix.xx = style.scaleX < 0 ? -0x10000 : 0x10000;
+        matrix.xy = std::lround(-style.skewX * 65536);  // outlines have y upwards
+        matrix.yx = 0;
+        matrix.yy = 0x10000;
+        FT_Outline_Transform(&outline, &matrix);
+    }
+    if (style.fakeBold) emboldenEvenly(outline, style.size);
+    return true;
+}
+
+bool loadPhone(FreeTypeFace& font, uint32_t glyph, const GlyphStyle& style) {
+    const PhoneScale scale = phoneScale(style);
+    const FT_Face face = font.face();
+    // FreeType goes down to a pixel; the matrix does the rest.
+    const auto size = [](float pixels) {
+        return std::max<FT_F26Dot6>(static_cast<FT_F26Dot6>(pixels * 64), 64);
+    };
+    if (!font.setSize(size(scale.width), size(scale.height))) return false;
+    PhoneScale rest = scale;
+    if (scale.width < 1 || scale.height < 1) {
+        const auto reached = [face](FT_Fixed unit) {
+            return static_cast<float>(face->units_per_EM) * (static_cast<float>(unit) / 65536) / 64;
+        };
+        const float x = scale.width / reached(face->size->metrics.x_scale);
+        const float y = scale.height / reached(face->size->metrics.y_scale);
+        rest.xx *= x;
+        rest.xy *= y;
+        rest.yy *= y;
+    }
+    if (!setPhoneMatrix(font, rest)) return false;
+    FT_Int32 flags = FT_LOAD_NO_BITMAP | FT_LOAD_IGNORE_GLOBAL_ADVANCE_WIDTH;
+    if (!isHinted(style)) {
+        flags |= FT_LOAD_NO_HINTING;
+    } else {
+        flags |= style.antiAlias ? FT_LOAD_NO_AUTOHINT | FT_LOAD_TARGET_NORMAL : FT_LOAD_TARGET_MONO;
+    }
+    if (!loadSlot(font, glyph, flags)) return false;
+    if (style.fakeBold) {
+        const FT_Pos em = FT_MulFix(face->units_per_EM, face->size->metrics.y_scale);
+        FT_Outline_Embolden(&face->glyph->outline, em / kPhoneBoldPart);
+    }
+    return true;
+}
+
+}  // namespace
+
+GlyphBox nearBox(int64_t left, int64_t top, int64_t right, int64_t bottom) {
+    constexpr int64_t kMaxOffset = int64_t{1} << 24;  // glyphs lie within a few ems of the pen
+    if (left >= right || top >= bottom || left < -kMaxOffset || top < -kMaxOffset || right > kMaxOffset ||
+        bottom > kMaxOffset) {
+        return {};
+    }
+    return {static_cast<int>(left), static_cast<int>(top), static_cast<int>(right), static_cast<int>(bottom)};
+}
+
+GlyphBox limitedBox(const GlyphBox& box) {
+    const int width = box.right - box.left, height = box.bottom - box.top;
+    if (width > kMaxGlyphSide || height > kMaxGlyphSide ||
+        static_cast<uint64_t>(width) * static_cast<uint64_t>(height) > kMaxGlyphBytes) {
+        return {};
+    }
+    return box;
+}
+
+GlyphImage blankImage(const GlyphBox& wanted) {
+    const GlyphBox box = limitedBox(wanted);
+    GlyphImage image;
+    if (box.empty()) return image;
+    image.left = box.left;
+    image.top = box.top;
+    image.width = box.right - box.left;
+    image.height = box.bottom - box.top;
+    image.coverage.resize(static_cast<size_t>(image.width) * static_cast<size_t>(image.height));
+    return image;
+}
+
+bool isHinted(const GlyphStyle& style) {
+    return style.rendering == Rendering::Phone && !style.linear && style.skewX == 0;
+}
+
+// Single precision and cut as the platform does, so that a slant of a quarter is the same 65535 parts.
+PhoneScale phoneScale(const GlyphStyle& style) {
+    PhoneScale scale;
+    const float width = style.size * style.scaleX;
+    scale.width = std::fabs(width);
+    scale.height = style.size;
+    if (style.skewX != 0 || width < 0) {
+        scale.xx = width * (1 / scale.width);
+        scale.xy = style.skewX * style.size * (1 / style.size);
+        scale.yy = style.size * (1 / style.size);
+    }
+    return scale;
+}
+
+bool setPhoneMatrix(FreeTypeFace& font, const PhoneScale& scale) {
+    // Far more than any style asks for; the rest of a tiny size divided by FreeType's least one is small too.
+    const float limit = 32767;
+    if (!(std::fabs(scale.xx) < limit && std::fabs(scale.xy) < limit && std::fabs(scale.yy) < limit))
+        return false;
+    const auto fixed = [](float v) { return static_cast<FT_Fixed>(v * 65536); };
+    FT_Matrix matrix = {fixed(scale.xx), fixed(-scale.xy), 0, fixed(scale.yy)};  // y upwards
+    FT_Set_Transform(font.face(), &matrix, nullptr);
+    return true;
+}
+
+bool loadGlyph(FreeTypeFace& font, uint32_t glyph, const GlyphStyle& style) {
+    if (!FT_IS_SCALABLE(font.face())) return false;
+    return style.rendering == Rendering::Phone ? loadPhone(font, glyph, style)
+                                               : loadPlain(font, glyph, style);
+}
+
+float slotAdvance(const FreeTypeFace& font, const GlyphStyle& style) {
+    const FT_GlyphSlot slot = font.face()->glyph;
+    if (isHinted(style) && !style.subpixel) return static_cast<float>(slot->advance.x) / 64;
+    return phoneScale(style).xx * (static_cast<float>(slot->linearHoriAdvance) / 65536);
+}
+
+bool loadOutline(FreeTypeFace& font, uint32_t glyph, const GlyphStyle& style, int quarterX) {
+    if (!loadGlyph(font, glyph, style)) return false;
+    FT_Outline& outline = font.face()->glyph->outline;
+    if (quarterX != 0) FT_Outline_Translate(&outline, quarterX * 16, 0);
+    return outline.n_points > 0;
+}
+
+GlyphBox outlineBox(const FreeTypeFace& font) {
+    FT_BBox box;
+    FT_Outline_Get_CBox(&font.face()->glyph->outline, &box);  // 26.6, y upwards
+    const auto floor64 = [](int64_t v) { return v >> 6; };
+    return nearBox(floor64(box.xMin), -floor64(int64_t{box.yMax} + 63), floor64(int64_t{box.xMax} + 63),
+                   -floor64(box.yMin));
+}
+
+bool rasterise(FreeTypeFace& font, bool antiAlias, GlyphImage& image) {
+    FT_Outline& outline = font.face()->glyph->outline;
+    FT_Outline_Translate(&outline, FT_Pos{-64} * image.left, FT_Pos{64} * (image.top + image.height));
+    FT_Bitmap bitmap;
+    std::memset(&bitmap, 0, sizeof bitmap);
+    bitmap.width = static_cast<unsigned>(image.width);
+    bitmap.rows = static_cast<unsigned>(image.height);
+    if (antiAlias) {
+        bitmap.pitch = image.width;
+        bitmap.num_grays = 256;
+        bitmap.pixel_mode = FT_PIXEL_MODE_GRAY;
+        bitmap.buffer = image.coverage.data();
+        return FT_Outline_Get_Bitmap(font.library(), &outline, &bitmap) == 0;
+    }
+    const size_t stride = (static_cast<size_t>(image.width) + 7) / 8;
+    std::vector<uint8_t> bits(stride * static_cast<size_t>(image.height));
+    bitmap.pitch = static_cast<int>(stride);
+    bitmap.pixel_mode = FT_PIXEL_MODE_MONO;
+    bitmap.buffer = bits.data();
+    if (FT_Outline_Get_Bitmap(font.library(), &outline, &bitmap) != 0) return false;
+    const auto width = static_cast<size_t>(image.width);
+    for (size_t i = 0; i < bits.size(); ++i) {
+        if (bits[i] == 0) continue;  // large glyphs are mostly empty
+        const size_t begin = i % stride * 8, count = std::min<size_t>(width - begin, 8);
+        uint8_t* coverage = image.coverage.data() + i / stride * width + begin;
+        for (size_t x = 0; x < count; ++x) coverage[x] = (bits[i] << x & 0x80) != 0 ? 255 : 0;
+    }
+    return true;
+}
+
+}  // namespace host

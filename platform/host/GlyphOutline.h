@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef ZVEX_PLATFORM_HOST_GLYPHOUTLINE_H_
+#define ZVEX_PLATFORM_HOST_GLYPHOUTLINE_H_
+
+#include <cstdint>
+
+#include "platform/host/FontFace.h"
+#include "platform/host/FreeTypeFace.h"
+
+namespace host {
+
+// A box found in 64 bits (right and bottom exclusive), empty when it is farther from the pen than any glyph.
+GlyphBox nearBox(int64_t left, int64_t top, int64_t right, int64_t bottom);
+// Empty when it is beyond what an image may be.
+GlyphBox limitedBox(const GlyphBox& box);
+// An image of zeros, without pixels when the box is beyond what an image may be.
+GlyphImage blankImage(const GlyphBox& box);
+
+// The phone's way to a style: FreeType's size, then a matrix (y downwards) for what FreeType cannot scale.
+struct PhoneScale {
+    float width = 0, height = 0;  // pixels per em
+    float xx = 1, xy = 0, yy = 1;
+};
+PhoneScale phoneScale(const GlyphStyle& style);
+bool setPhoneMatrix(FreeTypeFace& font, const PhoneScale& scale);
+// Whether glyphs of the style are hinted.
+bool isHinted(const GlyphStyle& style);
+
+// Loads the glyph's outline, which may be empty, into the face's slot: scaled, slanted, widened. False when
+// it has none.
+bool loadGlyph(FreeTypeFace& font, uint32_t glyph, const GlyphStyle& style);
+// The advance of the slot's glyph, as the phone measures it.
+float slotAdvance(const FreeTypeFace& font, const GlyphStyle& style);
+// The same for a pen at quarterX. False when there is nothing to draw.
+bool loadOutline(FreeTypeFace& font, uint32_t glyph, const GlyphStyle& style, int quarterX);
+// The box of the slot's control points, y downwards.
+GlyphBox outlineBox(const FreeTypeFace& font);
+// The coverage of the slot's outline, the rasteriser's own levels; moves the outline. False when it could not
+// be rasterised.
+bool rasterise(FreeTypeFace& font, bool antiAlias, GlyphImage& image);
+
+}  // namespace host
+
+#endif  // ZVEX_PLATFORM_HOST_GLYPHOUTLINE_H_
