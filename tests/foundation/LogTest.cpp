@@ -71,18 +71,15 @@ TEST_F(Log, LongTextsAreCutToTheirBuffers) {
 }
 
 TEST_F(Log, TimesAreInMillisecondsAndInformational) {
-    ZvLog::printTime("Blur.cpp", "rows", 1234567);
-    EXPECT_EQ(mCapture.lines().back().text, "[Blur] [Time] rows 1234.567ms \n");
-    EXPECT_EQ(mCapture.lines().back().priority, ANDROID_LOG_INFO);
-    ZvLog::printTime("Blur.cpp", "rows", 20, "r=%d", 4);
-    EXPECT_EQ(mCapture.lines().back().text, "[Blur] [Time] rows 0.020ms r=4 \n");
-    const size_t before = mCapture.lines().size();
-    for (const int off : {ZV_LOG_TIME, ZV_LOG_INFO}) {
+    for (const int off : {int{ZV_LOG_TIME}, int{ZV_LOG_INFO}, 0}) {
         ZvLog::setPrintLogLevel(static_cast<unsigned char>(0xFF & ~off));
-        ZvLog::printTime("Blur.cpp", "rows", 20);
+        ZvLog::printTime("Blur.cpp", "rows", 1234567);
         ZvLog::printTime("Blur.cpp", "rows", 20, "r=%d", 4);
+        EXPECT_EQ(mCapture.lines().size(), off != 0 ? 0u : 2u);
     }
-    EXPECT_EQ(mCapture.lines().size(), before);
+    EXPECT_EQ(mCapture.lines()[0].text, "[Blur] [Time] rows 1234.567ms \n");
+    EXPECT_EQ(mCapture.lines()[0].priority, ANDROID_LOG_INFO);
+    EXPECT_EQ(mCapture.lines()[1].text, "[Blur] [Time] rows 0.020ms r=4 \n");
 }
 
 // One test, because the build type of a process is decided once.
