@@ -102,9 +102,9 @@ TEST_F(FileTest, FailuresLeaveACodeAndALine) {
     File file;
     ZvString empty, x;
     ASSERT_EQ(empty.Construct(L"") + x.Construct("xy"), 2);
-    EXPECT_OUTCOMES(ZV_ERROR_INVALID_ARGUMENT, 0, "ZV_File", of(file.Construct(none, "r")),
+    EXPECT_OUTCOMES(ZV_ERROR_INVALID_ARGUMENT, 0, nullptr, of(file.Construct(none, "r")),
                     of(file.Construct(noString, "r", false)), of(file.Construct(mPath.c_str(), none)));
-    EXPECT_OUTCOMES(ZV_ERROR_INVALID_ARGUMENT, -1, "ZV_File", of(File::IsAccessible(none, 0)),
+    EXPECT_OUTCOMES(ZV_ERROR_INVALID_ARGUMENT, -1, nullptr, of(File::IsAccessible(none, 0)),
                     of(File::Unlink(none)), of(File::Rename(none, "x")), of(File::IsAccessible(noString, 0)),
                     of(File::Unlink(noString)), of(File::Rename(&x, noString)));
     host::LogCapture capture;
@@ -116,8 +116,7 @@ TEST_F(FileTest, FailuresLeaveACodeAndALine) {
     // A failed open leaves the object constructed, without a stream.
     EXPECT_EQ(of(file.Construct(mPath.c_str(), "w")), Outcome(0, ZV_ERROR_ALREADY_CONSTRUCTED));
     std::vector<std::string> texts;
-    for (const host::LogLine& line : capture.lines())
-        texts.push_back(line.text.substr(0, line.text.find(" : 7")));
+    for (const host::LogLine& line : capture.lines()) texts.push_back(line.text);
     EXPECT_THAT(texts,
                 testing::ElementsAre(
                     "OpenFile() - pathSize < 0", "IsAccessible() - pathSize < 0", "Unlink() - pathSize < 0",

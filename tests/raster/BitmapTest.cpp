@@ -71,16 +71,6 @@ TEST(Bitmap, CopiesAreDeepAndAssignmentReplaces) {
     EXPECT_EQ(target.pixels, nullptr);
 }
 
-// Bytes as if both bitmaps had one byte a pixel: those of a colour bitmap land in the cut-out's first
-// quarter.
-TEST(Bitmap, CutOutCopiesBytesNotPixels) {
-    const std::vector<uint8_t> data = ramp(4 * 2 * 4);
-    ZvRect rect(1, 0, 3, 2);
-    EXPECT_EQ(bytesOf(ZvBitmap(ZvBitmap(4, 2, data.data(), 1), &rect)), (std::vector<uint8_t>{2, 3, 6, 7}));
-    EXPECT_EQ(bytesOf(ZvBitmap(ZvBitmap(4, 2, data.data(), 4), &rect)),
-              (std::vector<uint8_t>{2, 3, 6, 7, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0}));
-}
-
 // Rectangles inside, across and far outside the source, its buffer being exactly as long as it says. An
 // inverted one is sized and empty.
 TEST(Bitmap, CutOutReadsZerosBeyondTheBuffer) {

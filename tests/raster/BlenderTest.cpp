@@ -10,8 +10,6 @@
 #include <string>
 #include <vector>
 
-#include "foundation/ZvLog.h"
-#include "platform/host/LogCapture.h"
 #include "tests/CpuTargets.h"
 #include "tests/reference/BlenderReference.h"
 
@@ -260,32 +258,6 @@ TEST(Blender, ClipsAtTheEndsOfInt) {
     EXPECT_EQ(target.bitmap.pixels[3 * 20 + 4 * 4 + 3], 255);
 }
 
-// Seen from outside: a picture that hangs out to the left by one pixel begins with the second BYTE of its
-// row.
-TEST(Blender, ByteSourceSkipsBytesAtNegativeX) {
-    const Bytes source = {11, 12, 13, 14, 21, 22, 23, 24, 31, 32, 33, 34};
-    ZvBitmap target(4, 1, 4);
-    ZvBlender::drawBitmapBlend32(-1, 0, &target, source.data(), 3, 1, 12, 0, 1);
-    EXPECT_EQ(Bytes(target.pixels, target.pixels + 12), (Bytes{12, 13, 14, 21, 22, 23, 24, 31, 0, 0, 0, 0}));
-
-    ZvBitmap lower(4, 2, 4);
-    ZvBlender::drawBitmapBlend32(1, -1, &lower, source.data(), 1, 3, 4, 0, 0);
-    EXPECT_EQ(Bytes(lower.pixels + 4, lower.pixels + 8), (Bytes{22, 23, 24, 21}))
-        << "order 0 has the alpha first";
-}
-
-TEST(Blender, FillStartsRowsAtByteOffsets) {
-    const Bytes source = {255, 255};
-    ZvBitmap target(3, 2, 4);
-    ZvBlender::drawBitmap(1, 0, &target, source.data(), 1, 2, 0xFF0A0B0Cu);
-    // Row 0 at byte 1, row 1 at byte 3 + 1, over the last byte of row 0.
-    EXPECT_EQ(Bytes(target.pixels, target.pixels + 10), (Bytes{0, 10, 11, 12, 10, 11, 12, 255, 0, 0}));
-    // The lowest, rightmost pixel of a one-row bitmap ends with its buffer.
-    ZvBitmap row(3, 1, 4);
-    ZvBlender::drawBitmap(0, 0, &row, Bytes(3, 0).data(), 3, 1, 0xFF0A0B0Cu);
-    EXPECT_EQ(Bytes(row.pixels + 8, row.pixels + 12), (Bytes{10, 11, 12, 0})) << "coverage 0 writes too";
-}
-
 TEST(Blender, MergingMasksKeepsTheLargerCoverage) {
     ZvBitmap mask(4, 1, Bytes{10, 200, 30, 0}.data(), 1);
     const ZvBitmap glyph(3, 1, Bytes{100, 100, 100}.data(), 1);
@@ -336,26 +308,6 @@ TEST(Blender, ExchangesRedAndBlueAndBack) {
             EXPECT_EQ(Bytes(bitmap.pixels, bitmap.pixels + bytes.size()), bytes);
         }
     });
-}
-
-// The lines belong to builds with debug lines; others write none.
-TEST(Blender, RareModesWriteADebugLine) {
-    ZvBitmap target(1, 1, 4);
-    const uint8_t coverage = 255;
-    host::LogCapture capture;
-    for (const int mode : {1, 2, 3, 5, 7}) {
-        ZvBlender::drawBitmapBlend8(0, 0, &target, &coverage, 1, 1, 1, 0xFFFFFFFFu, mode);
-    }
-    const auto lines = capture.lines();
-    if (!ZvLog::IsAllLogEnable()) {
-        EXPECT_TRUE(lines.empty());
-        return;
-    }
-    ASSERT_EQ(lines.size(), 2u);
-    EXPECT_EQ(lines[0].priority, ANDROID_LOG_DEBUG);
-    EXPECT_EQ(lines[0].tag, "Blender");
-    EXPECT_EQ(lines[0].text, "Blender - ZVE_BLEND_DST_OVER_NSA");
-    EXPECT_EQ(lines[1].text, "Blender - ZVE_BLEND_OTHER");
 }
 
 }  // namespace
