@@ -11,8 +11,6 @@
 #include <limits>
 #include <string>
 
-#include "raster/CpuTarget.h"
-
 // What every fuzz target is made of: the values it reads from the bytes that the fuzzer makes, and the check
 // that ends the process when two ways to one result disagree.
 
@@ -139,19 +137,6 @@ private:
     const uint8_t* mAt;
     const uint8_t* mEnd;
 };
-
-// Runs `work` once with the kernels of each instruction set that the machine has.
-template <typename Work>
-void forEachCpuTarget(Work work) {
-    using Zvex::CpuTarget;
-    Zvex::limitCpuTarget(CpuTarget::Avx512);
-    const CpuTarget best = Zvex::cpuTarget();
-    for (const CpuTarget target : {CpuTarget::Baseline, CpuTarget::Avx2, CpuTarget::Avx512}) {
-        if (target > best) break;
-        Zvex::limitCpuTarget(target);
-        work();
-    }
-}
 
 }  // namespace fuzz
 

@@ -13,6 +13,7 @@
 #include "fuzz/Input.h"
 #include "platform/host/GlyphCache.h"
 #include "raster/ZvBitmap.h"
+#include "tests/effect/LayerSettings.h"
 #include "text/FontManager.h"
 #include "text/ZvTextObject.h"
 
@@ -160,50 +161,23 @@ void tellLines(ZvTextObject& object, const std::vector<ZvLineInfo>& lines) {
 
 void addEffect(ZvEffect& effect, fuzz::Input& input) {
     // Small ones mostly: pictures with the margins of others are not drawn.
-    const float a = readSize(input, 12), b = input.number(), c = input.number();
-    const uint32_t color = input.word(), other = input.word();
-    const int choice = input.between(0, 3), second = input.between(0, 2);
-    ZvGradient stops[] = {{color, b, 0}, {other, 1, c}};
-    ZvBitmap pattern(5, 3, 4);
-    input.fill(pattern.pixels, pattern.byteCount());
-    switch (input.between(0, 11)) {
-        case 0:
-            effect.addOuterShadowText(a * 100, b, c, color, b);
-            break;
-        case 1:
-            effect.addInnerShadowText(a * 100, b, c, color, b);
-            break;
-        case 2:
-            effect.addOuterGlowText(a, color, b, choice % 3, stops);
-            break;
-        case 3:
-            effect.addInnerGlowText(a, color, b, choice % 3, stops);
-            break;
-        case 4:
-            effect.addBevelText(choice, a, b, second, choice % 2, second, 1, c * 100, b * 90, color, b, other,
-                                c);
-            break;
-        case 5:
-            effect.addEmbossText(choice, a, b, second, choice % 2, second, 1, c * 100, b * 90, color, b,
-                                 other, c);
-            break;
-        case 6:
-            effect.addLinearGradientText(a * 100, b, c, 2, stops);
-            break;
-        case 7:
-            effect.addRadialGradientText(a, b, 2, stops);
-            break;
-        case 8:
-            effect.addStrokeText(a, color, b, choice, second);
-            break;
-        case 9:
-            effect.addPatternText(&pattern, a, b);
-            break;
-        case 10:
-            effect.setTextOpacity(a);
-            break;
-        default:
-            effect.removeEffect(choice);
+    LayerSettings s(readSize(input, 12));
+    s.depth = s.opacity = input.number();
+    s.highlightOpacity = input.number();
+    s.angle = 100 * s.size;
+    s.distance = s.altitude = 90 * s.opacity;
+    s.scale = s.size;
+    s.color = input.word(), s.highlight = input.word();
+    s.style = s.technique = input.between(0, 3), s.position = s.direction = input.between(0, 2);
+    s.stops = {{s.color, s.opacity, 0}, {s.highlight, 1, s.highlightOpacity}};
+    input.fill(s.pattern.pixels, s.pattern.byteCount());
+    const int kind = input.between(0, LAYER_KINDS);
+    if (kind < LAYER_KINDS - 1) {
+        s.addTo(effect, LAYER_TYPES[kind]);
+    } else if (kind == LAYER_KINDS) {
+        effect.setTextOpacity(s.size);
+    } else {
+        effect.removeEffect(s.style);
     }
 }
 

@@ -4,19 +4,22 @@
 // same layers.
 #include <functional>
 #include <memory>
+#include <string>
 #include <vector>
 
 #include "effect/ZvEffect.h"
 #include "effect/ZvGlyph.h"
 #include "fuzz/Input.h"
+#include "raster/CpuTarget.h"
 #include "raster/ZvBitmap.h"
 #include "raster/ZvBlender.h"
+#include "tests/effect/LayerSettings.h"
 
 namespace {
 
 using namespace Zvex;
 
-using Adder = std::function<void(ZvEffect&)>;
+using Adder = std::function<int(ZvEffect&)>;
 
 // The layers of the stack in order of creation, each as the call that adds it.
 struct Layer {
@@ -29,76 +32,33 @@ struct Line {
     ZvBitmap coverage;
 };
 
-// What there is to add: any arguments of the adders.
-class Settings {
-public:
-    Settings(fuzz::Input& input, ZvBitmap* bitmap) {
-        for (float& number : mNumbers) number = input.number();
-        mBitmap = bitmap;
-        mColor = input.word();
-        mOther = input.word();
-        for (int& choice : mChoices) choice = input.byte() < 240 ? input.between(0, 3) : input.integer();
-        mStops.resize(static_cast<size_t>(input.byte() < 250 ? input.between(0, 4) : input.between(0, 300)));
-        for (ZvGradient& stop : mStops) stop = {input.word(), input.number(), input.number()};
-    }
+// Any numbers. The adders do not limit the size of reliefs. One of thousands of pixels takes as many seconds;
+// beyond those it does not fit, and nothing is drawn.
+LayerSettings readSettings(fuzz::Input& input, int type, const ZvBitmap& pattern) {
+    LayerSettings s;
+    float* const numbers[] = {&s.size,     &s.distance,      &s.angle, &s.opacity,
+                              &s.altitude, &s.shadowOpacity, &s.scale};
+    for (float* number : numbers) *number = input.number();
+    const bool relief = type == ZV_EFFECT_BEVEL || type == ZV_EFFECT_EMBOSS;
+    if (relief && s.size > 50 && s.size < 32768) s.size = 50;
+    s.depth = s.distance;
+    s.highlightOpacity = s.shadowOpacity;
+    s.color = input.word();
+    s.highlight = input.word();
+    for (int* choice : {&s.style, &s.position, &s.technique, &s.soften})
+        *choice = input.byte() < 240 ? input.between(0, 3) : input.integer();
+    s.strokeKind = s.style;
+    s.direction = s.position;
+    s.stops.resize(static_cast<size_t>(input.byte() < 250 ? input.between(0, 4) : input.between(0, 300)));
+    for (ZvGradient& stop : s.stops) stop = {input.word(), input.number(), input.number()};
+    s.pattern = pattern;
+    return s;
+}
 
-    int type(int kind) const {
-        static constexpr int TYPES[] = {ZV_EFFECT_OUTER_SHADOW,
-                                        ZV_EFFECT_INNER_SHADOW,
-                                        ZV_EFFECT_OUTER_GLOW,
-                                        ZV_EFFECT_INNER_GLOW,
-                                        ZV_EFFECT_BEVEL,
-                                        ZV_EFFECT_EMBOSS,
-                                        ZV_EFFECT_LINEAR_GRADIENT,
-                                        ZV_EFFECT_RADIAL_GRADIENT,
-                                        ZV_EFFECT_STROKE,
-                                        ZV_EFFECT_PATTERN,
-                                        ZV_EFFECT_TEXT};
-        return TYPES[kind];
-    }
-
-    int addTo(ZvEffect& stack, int kind) {
-        const float* n = mNumbers;
-        // The adders do not limit the size of reliefs. One of thousands of pixels takes as many seconds;
-        // beyond those it does not fit, and nothing is drawn.
-        const float size = n[0] > 50 && n[0] < 32768 ? 50.0f : n[0];
-        const int* c = mChoices;
-        const int count = static_cast<int>(mStops.size());
-        switch (kind) {
-            case 0:
-                return stack.addOuterShadowText(n[0], n[1], n[2], mColor, n[3]);
-            case 1:
-                return stack.addInnerShadowText(n[0], n[1], n[2], mColor, n[3]);
-            case 2:
-                return stack.addOuterGlowText(n[0], mColor, n[1], count, mStops.data());
-            case 3:
-                return stack.addInnerGlowText(n[0], mColor, n[1], count, mStops.data());
-            case 4:
-                return stack.addBevelText(c[0], size, n[1], c[1], c[2], c[3], n[2], n[3], n[4], mColor, n[5],
-                                          mOther, n[6]);
-            case 5:
-                return stack.addEmbossText(c[0], size, n[1], c[1], c[2], c[3], n[2], n[3], n[4], mColor, n[5],
-                                           mOther, n[6]);
-            case 6:
-                return stack.addLinearGradientText(n[0], n[1], n[2], count, mStops.data());
-            case 7:
-                return stack.addRadialGradientText(n[0], n[1], count, mStops.data());
-            case 8:
-                return stack.addStrokeText(n[0], mColor, n[1], c[0], c[1]);
-            case 9:
-                return stack.addPatternText(mBitmap, n[0], n[1]);
-            default:
-                return c[0] == 0 ? stack.addText(mColor, n[0]) : stack.addText(mColor);
-        }
-    }
-
-private:
-    float mNumbers[7];
-    uint32_t mColor, mOther;
-    int mChoices[4];
-    std::vector<ZvGradient> mStops;
-    ZvBitmap* mBitmap;
-};
+std::string keyOf(ZvEffect& stack) {
+    const std::unique_ptr<char[]> key(stack.getMapKey());
+    return key.get();
+}
 
 class StackAndModel {
 public:
@@ -146,6 +106,8 @@ public:
         FUZZ_CHECK(fresh.getRightOffset() == mStack.getRightOffset());
         FUZZ_CHECK(fresh.getBottomOffset() == mStack.getBottomOffset());
         ZvEffect copy(mStack);
+        FUZZ_CHECK(mStack.hasEffect(ZV_EFFECT_PATTERN) ||  // whose bitmap's address is in the key
+                   (keyOf(mStack) == keyOf(fresh) && keyOf(mStack) == keyOf(copy)));
         if (!mStack.textRectReset) {  // the box of a rendering that was given up is part of the next one's
             fresh.textRect = copy.textRect = mStack.textRect;
             fresh.textRectReset = copy.textRectReset = false;
@@ -166,12 +128,12 @@ public:
 
 private:
     void addLayer() {
-        const int kind = mInput.between(0, 10);
-        const auto settings = std::make_shared<Settings>(mInput, &mPatterns[mInput.byte() % 2]);
-        const int type = settings->type(kind);
-        const int id = settings->addTo(mStack, kind);
+        const int type = LAYER_TYPES[mInput.between(0, LAYER_KINDS - 1)];
+        const ZvBitmap& pattern = mPatterns[mInput.byte() % 2];
+        const auto settings = std::make_shared<LayerSettings>(readSettings(mInput, type, pattern));
+        const Adder add = [settings, type](ZvEffect& stack) { return settings->addTo(stack, type); };
+        const int id = add(mStack);
         FUZZ_CHECK(id >= 0 && mStack.getEffect(type) != nullptr && mStack.getEffect(type)->getId() == id);
-        const Adder add = [settings, kind](ZvEffect& stack) { settings->addTo(stack, kind); };
         for (Layer& layer : mLayers) {
             if (layer.type != type) continue;
             FUZZ_CHECK(layer.id == id);  // keeps its place

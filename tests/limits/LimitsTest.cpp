@@ -7,8 +7,6 @@
 #include <cfloat>
 #include <climits>
 #include <cmath>
-#include <functional>
-#include <iterator>
 #include <limits>
 #include <memory>
 #include <string>
@@ -27,7 +25,7 @@ namespace {
 
 constexpr float ENDLESS = std::numeric_limits<float>::infinity();
 constexpr float NOT_A_NUMBER = std::numeric_limits<float>::quiet_NaN();
-constexpr uint32_t RED = 0xFFFF0000, BLUE = 0xFF0000FF, DARK = 0xFF202020, LIGHT = 0xFFFFF0C0;
+constexpr uint32_t RED = 0xFFFF0000, DARK = 0xFF202020, LIGHT = 0xFFFFF0C0;
 
 // A line of that many of the text's characters from `start` on.
 ZvLineInfo lineAt(int x, int y, int start = 0, int count = 2) {
@@ -41,40 +39,28 @@ Picture cutOut(const Picture& picture, int left, int top, int width, int height)
     return part;
 }
 
-struct Layer {
-    std::string name;
-    std::function<int(ZvEffect&, float)> add;  // of that size in pixels
-};
+constexpr int SIZED_TYPES[] = {ZV_EFFECT_OUTER_SHADOW, ZV_EFFECT_INNER_SHADOW, ZV_EFFECT_OUTER_GLOW,
+                               ZV_EFFECT_INNER_GLOW,   ZV_EFFECT_STROKE,       ZV_EFFECT_BEVEL,
+                               ZV_EFFECT_EMBOSS};
 
-// Of each effect that has a size.
-const Layer SIZED_LAYERS[] = {
-    {"outer shadow", [](ZvEffect& e, float size) { return e.addOuterShadowText(135, size, size, DARK, 1); }},
-    {"inner shadow", [](ZvEffect& e, float size) { return e.addInnerShadowText(135, size, size, DARK, 1); }},
-    {"outer glow", [](ZvEffect& e, float size) { return e.addOuterGlowText(size, RED, 1, 0, nullptr); }},
-    {"inner glow", [](ZvEffect& e, float size) { return e.addInnerGlowText(size, RED, 1, 0, nullptr); }},
-    {"stroke", [](ZvEffect& e, float size) { return e.addStrokeText(size, DARK, 1, 0, ZV_STROKE_OUTSIDE); }},
-    {"bevel",
-     [](ZvEffect& e, float size) {
-         return e.addBevelText(1, size, 2, 1, 0, 0, 1, 135, 30, DARK, 0.75f, LIGHT, 0.75f);
-     }},
-    {"emboss",
-     [](ZvEffect& e, float size) {
-         return e.addEmbossText(1, size, 2, 1, 1, 0, 1, 135, 30, DARK, 0.75f, LIGHT, 0.75f);
-     }},
-};
+int addSized(ZvEffect& effects, int type, float size) {
+    LayerSettings settings(size);
+    settings.distance = size;
+    settings.technique = type == ZV_EFFECT_EMBOSS ? 1 : 0;
+    return settings.addTo(effects, type);
+}
 
 void addSizedLayers(ZvEffect& effects, float size) {
-    for (const Layer& layer : SIZED_LAYERS) layer.add(effects, size);
+    for (const int type : SIZED_TYPES) addSized(effects, type, size);
 }
 
 // These depend on the box of all the glyphs.
 void addFills(ZvEffect& effects) {
-    static ZvGradient stops[] = {{RED, 1, 0}, {BLUE, 1, 1}};
-    static ZvBitmap tile(3, 2, 4);
-    for (size_t i = 0; i < tile.byteCount(); ++i) tile.pixels[i] = static_cast<uint8_t>(100 + 9 * i);
-    effects.addLinearGradientText(30, 1, 0.8f, 2, stops);
-    effects.addRadialGradientText(1, 0.5f, 2, stops);
-    effects.addPatternText(&tile, 1.5f, 0.5f);
+    LayerSettings settings(1);
+    settings.opacity = 0.5f;
+    settings.angle = 30;
+    for (const int type : {ZV_EFFECT_LINEAR_GRADIENT, ZV_EFFECT_RADIAL_GRADIENT, ZV_EFFECT_PATTERN})
+        settings.addTo(effects, type);
 }
 
 }  // namespace
@@ -220,48 +206,17 @@ TEST(Limits, TenThousandLinesAndAllEffects) {
     EXPECT_GT(scene.render().countVisible(), 20'000);
 }
 
-TEST(Limits, AThousandEffectsComeAndGo) {
-    TextScene scene(kBold, L"Ag", 30, 80, 50), fresh(kBold, L"Ag", 30, 80, 50);
-    for (TextScene* each : {&scene, &fresh}) each->setLines({lineAt(5, 40)});
-    ZvEffect& effects = scene.effect();
-    const TimeLimit limit(1);
-    Random random(1);
-    std::vector<int> ids;
-    for (int i = 0; i < 1000; ++i) {
-        addLayer(effects, random.below(LAYER_KINDS), random);
-        addSizedLayers(effects, static_cast<float>(i % 20));
-        if (i % 100 == 0) {
-            scene.setLines({lineAt(5, 40)});
-            scene.render();
-        }
-        ids.clear();
-        for (ZvECore* layer : effects.effects) ids.push_back(layer->getId());
-        while (!ids.empty()) {
-            const auto at = ids.begin() + random.below(static_cast<int>(ids.size()));
-            EXPECT_TRUE(effects.removeEffect(*at));
-            EXPECT_FALSE(effects.removeEffect(*at));
-            ids.erase(at);
-        }
-    }
-    EXPECT_FALSE(effects.hasEffects());
-    for (TextScene* each : {&scene, &fresh}) {
-        addSizedLayers(each->effect(), 4);
-        each->setLines({lineAt(5, 40)});
-    }
-    EXPECT_TRUE(scene.render() == fresh.render());
-}
-
 // The largest sizes there are on a picture as wide as a screen of the largest kind.
 TEST(Limits, LargestEffectsOnAWidePicture) {
-    for (const Layer& layer : SIZED_LAYERS) {
+    for (const int type : SIZED_TYPES) {
         TextScene scene(kBold, L"Hamburgefonst", 500, 4096, 700);
         scene.object.SetTextColor(LIGHT);
         scene.setLines({lineAt(0, 550, 0, 13)});
-        EXPECT_GE(layer.add(scene.effect(), 100), 0);
-        const TimeLimit limit(8, layer.name);
+        EXPECT_GE(addSized(scene.effect(), type, 100), 0);
+        const TimeLimit limit(8, "type " + std::to_string(type));
         const Picture picture = scene.render();
-        EXPECT_GT(picture.countVisible(), 500'000) << layer.name;
-        EXPECT_NE(picture.count(LIGHT), picture.countVisible()) << layer.name;
+        EXPECT_GT(picture.countVisible(), 500'000) << type;
+        EXPECT_NE(picture.count(LIGHT), picture.countVisible()) << type;
     }
 }
 

@@ -15,9 +15,9 @@
 
 #include "effect/ZvECore.h"
 #include "effect/ZvEffect.h"
-#include "effect/ZvProperty.h"
 #include "raster/ZvBitmap.h"
 #include "raster/ZvRect.h"
+#include "tests/effect/LayerSettings.h"
 #include "tests/memory/PeakMemory.h"
 #include "tests/text/TextScene.h"
 
@@ -26,8 +26,6 @@ using text_test::Picture;
 using text_test::TextScene;
 
 namespace {
-
-constexpr uint32_t DARK = 0xFF202020, LIGHT = 0xFFFFF0C0;
 
 // Bytes a pixel: of a layer, over the text box grown by its margins, and of a render, over its picture, where
 // the mask, a second picture and the lines' coverage come in.
@@ -39,61 +37,34 @@ constexpr Limits FILL = {16, 12}, RELIEF = {24, 29};
 struct Case {
     std::string name;
     int type;
+    LayerSettings settings;
     Limits limits;
-    std::function<int(ZvEffect&)> add;
 };
 
-void addReliefs(std::vector<Case>& cases, int type, int size, int soften) {
-    const bool bevel = type == ZV_EFFECT_BEVEL;
-    const auto add = bevel ? &ZvEffect::addBevelText : &ZvEffect::addEmbossText;
-    for (const int style : bevel ? std::vector<int>{0, 1} : std::vector<int>{1, 2, 3}) {
-        for (const int technique : {0, 1, 2}) {
-            const std::string name = std::string(bevel ? "bevel" : "emboss") + " style " +
-                                     std::to_string(style) + " technique " + std::to_string(technique) +
-                                     " size " + std::to_string(size) + " soften " + std::to_string(soften);
-            cases.push_back({name, type, RELIEF, [=](ZvEffect& e) {
-                                 return (e.*add)(style, static_cast<float>(size), 2, 1, technique, soften, 1,
-                                                 135, 30, DARK, 0.75f, LIGHT, 0.75f);
-                             }});
+// Each position of a stroke, shadows near and far, glows with and without stops, styles and techniques of
+// reliefs.
+std::vector<Case> casesOf(int size, int soften) {
+    std::vector<Case> cases;
+    for (const int type : LAYER_TYPES) {
+        const bool relief = type == ZV_EFFECT_BEVEL || type == ZV_EFFECT_EMBOSS;
+        const bool fill = type == ZV_EFFECT_LINEAR_GRADIENT || type == ZV_EFFECT_RADIAL_GRADIENT;
+        const bool pattern = type == ZV_EFFECT_PATTERN;
+        const int variants = relief ? 9 : fill || pattern ? 1 : type == ZV_EFFECT_STROKE ? 3 : 2;
+        for (int i = 0; i < variants && type != ZV_EFFECT_TEXT; ++i) {
+            LayerSettings s(static_cast<float>(size));
+            s.soften = soften;
+            s.distance = 60.0f * static_cast<float>(i);
+            if (i == 0 && !fill) s.stops.clear();
+            s.scale = pattern ? s.size / 10 : 0.1f + s.size / 50;
+            s.position = s.technique = i % 3;
+            s.style = type == ZV_EFFECT_BEVEL ? i / 3 % 2 : 1 + i / 3;
+            s.pattern = ZvBitmap(48, 36, 4);
+            std::fill_n(s.pattern.pixels, s.pattern.byteCount(), 0xC0);
+            cases.push_back({"type " + std::to_string(type) + " case " + std::to_string(i) + " size " +
+                                 std::to_string(size) + " soften " + std::to_string(soften),
+                             type, s, relief ? RELIEF : FILL});
         }
     }
-}
-
-std::vector<Case> casesOf(int size, int soften) {
-    static ZvGradient stops[] = {{0xFFFF0000, 1, 0}, {0xFF0000FF, 1, 1}};
-    static ZvBitmap tile(48, 36, 4);
-    std::fill_n(tile.pixels, tile.byteCount(), 0xC0);
-    const float pixels = static_cast<float>(size);
-    std::vector<Case> cases;
-    const auto add = [&](const std::string& name, int type, std::function<int(ZvEffect&)> layer) {
-        cases.push_back({name + " size " + std::to_string(size), type, FILL, std::move(layer)});
-    };
-    for (const int position : {ZV_STROKE_CENTER, ZV_STROKE_OUTSIDE, ZV_STROKE_INSIDE})
-        add("stroke position " + std::to_string(position), ZV_EFFECT_STROKE,
-            [=](ZvEffect& e) { return e.addStrokeText(pixels, DARK, 1, 0, position); });
-    for (const float distance : {0.0f, 60.0f}) {
-        const std::string at = " distance " + std::to_string(static_cast<int>(distance));
-        add("outer shadow" + at, ZV_EFFECT_OUTER_SHADOW,
-            [=](ZvEffect& e) { return e.addOuterShadowText(135, distance, pixels, DARK, 1); });
-        add("inner shadow" + at, ZV_EFFECT_INNER_SHADOW,
-            [=](ZvEffect& e) { return e.addInnerShadowText(135, distance, pixels, DARK, 1); });
-    }
-    for (const int count : {0, 2}) {
-        const std::string stopped = " stops " + std::to_string(count);
-        add("outer glow" + stopped, ZV_EFFECT_OUTER_GLOW,
-            [=](ZvEffect& e) { return e.addOuterGlowText(pixels, DARK, 1, count, stops); });
-        add("inner glow" + stopped, ZV_EFFECT_INNER_GLOW,
-            [=](ZvEffect& e) { return e.addInnerGlowText(pixels, DARK, 1, count, stops); });
-    }
-    // These have a scale, 2 at most for the gradients.
-    add("linear gradient", ZV_EFFECT_LINEAR_GRADIENT,
-        [=](ZvEffect& e) { return e.addLinearGradientText(30, 0.1f + pixels / 50, 1, 2, stops); });
-    add("radial gradient", ZV_EFFECT_RADIAL_GRADIENT,
-        [=](ZvEffect& e) { return e.addRadialGradientText(0.1f + pixels / 50, 1, 2, stops); });
-    add("pattern", ZV_EFFECT_PATTERN,
-        [=](ZvEffect& e) { return e.addPatternText(&tile, pixels / 10, 0.8f); });
-    addReliefs(cases, ZV_EFFECT_BEVEL, size, soften);
-    addReliefs(cases, ZV_EFFECT_EMBOSS, size, soften);
     return cases;
 }
 
@@ -132,9 +103,9 @@ struct Area {
 };
 
 // Draws the page with the case's layer alone; the bytes a pixel that it took.
-double measureLayer(const Case& c, const Page& page, const Picture& text) {
+double measureLayer(Case c, const Page& page, const Picture& text) {
     ZvEffect effects;
-    EXPECT_GE(c.add(effects), 0);
+    EXPECT_GE(c.settings.addTo(effects, c.type), 0);
     const Area area(page, effects);
     ZvBitmap target(static_cast<unsigned>(area.width), static_cast<unsigned>(area.height), 4),
         mask(target.width, target.height, 1);
@@ -157,10 +128,10 @@ double measureLayer(const Case& c, const Page& page, const Picture& text) {
 }
 
 // All that a text object with this effect takes until its first picture is made, without that picture.
-double measureRender(const Case& c, const Page& page) {
+double measureRender(Case c, const Page& page) {
     const PeakMemory peak;
     const auto scene = makeScene(page);
-    EXPECT_GE(c.add(scene->effect()), 0);
+    EXPECT_GE(c.settings.addTo(scene->effect(), c.type), 0);
     const Area area(page, scene->effect());
     scene->view().SetBitmapWidth(area.width);
     scene->view().SetBitmapHeight(area.height);

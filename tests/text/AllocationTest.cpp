@@ -10,8 +10,8 @@
 #include "foundation/OutOfMemory.h"
 #include "platform/host/GlyphCache.h"
 #include "platform/host/LogCapture.h"
-#include "raster/ZvBitmap.h"
 #include "tests/FailingAllocations.h"
+#include "tests/effect/LayerSettings.h"
 #include "tests/text/TextScene.h"
 
 namespace Zvex {
@@ -102,24 +102,18 @@ void forget() {
 
 // Every filter with its costlier ways through it.
 void everything(ZvEffect& effect) {
-    static ZvBitmap pattern = [] {
+    static LayerSettings* const settings = [] {
         const FailingAllocations::Pause pause;
-        ZvBitmap bitmap(3, 2, 4);
-        for (size_t i = 0; i < bitmap.byteCount(); ++i) bitmap.pixels[i] = static_cast<uint8_t>(40 + i);
-        return bitmap;
+        auto* made = new LayerSettings(2);
+        made->opacity = 0.6f, made->soften = 1, made->distance = 2, made->position = ZV_STROKE_INSIDE;
+        return made;
     }();
-    ZvGradient stops[] = {{0xFF102030, 1, 0}, {0xFFE0A040, 0.5f, 1}};
     effect.releaseEffect();
-    effect.addOuterShadowText(30, 2, 3, 0xFF000000, 0.8f);
-    effect.addInnerShadowText(30, 2, 3, 0xFF802020, 0.6f);
-    effect.addOuterGlowText(3, 0xFFFFFF00, 0.7f, 0, nullptr);
-    effect.addInnerGlowText(2, 0xFFFFFF00, 0.7f, 2, stops);
-    effect.addBevelText(1, 2, 0.8f, 0, 1, 1, 0.5f, 120, 30, 0xFFFFFFFF, 0.5f, 0xFF000000, 0.5f);
-    effect.addEmbossText(3, 2, 0.8f, 0, 0, 1, 0.5f, 120, 30, 0xFFFFFFFF, 0.5f, 0xFF000000, 0.5f);
-    effect.addLinearGradientText(45, 1, 0.9f, 2, stops);
-    effect.addRadialGradientText(1, 0.5f, 2, stops);
-    effect.addStrokeText(2, 0xFF0000FF, 0.9f, 0, 2);
-    effect.addPatternText(&pattern, 1, 0.5f);
+    for (const int type : LAYER_TYPES) {
+        settings->technique = type == ZV_EFFECT_BEVEL ? 1 : 0;
+        settings->style = type == ZV_EFFECT_BEVEL ? 1 : 3;
+        if (type != ZV_EFFECT_TEXT) settings->addTo(effect, type);
+    }
 }
 
 class Allocations : public testing::TestWithParam<Style> {};

@@ -1,0 +1,72 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef ZVEX_TESTS_EFFECT_LAYERSETTINGS_H_
+#define ZVEX_TESTS_EFFECT_LAYERSETTINGS_H_
+
+#include <vector>
+
+#include "effect/ZvEffect.h"
+#include "raster/ZvBitmap.h"
+
+// The digests go by this order.
+constexpr int LAYER_TYPES[] = {Zvex::ZV_EFFECT_OUTER_SHADOW,
+                               Zvex::ZV_EFFECT_INNER_SHADOW,
+                               Zvex::ZV_EFFECT_OUTER_GLOW,
+                               Zvex::ZV_EFFECT_INNER_GLOW,
+                               Zvex::ZV_EFFECT_LINEAR_GRADIENT,
+                               Zvex::ZV_EFFECT_RADIAL_GRADIENT,
+                               Zvex::ZV_EFFECT_STROKE,
+                               Zvex::ZV_EFFECT_PATTERN,
+                               Zvex::ZV_EFFECT_BEVEL,
+                               Zvex::ZV_EFFECT_EMBOSS,
+                               Zvex::ZV_EFFECT_TEXT};
+constexpr int LAYER_KINDS = 11;
+
+// Settings for a layer of any type, which takes of them those that it has.
+struct LayerSettings {
+    float angle = 135, distance = 0, size = 5, opacity = 1, scale = 1, depth = 2, altitude = 30;
+    float shadowOpacity = 0.75f, highlightOpacity = 0.75f;
+    uint32_t color = 0xFF202020, highlight = 0xFFFFF0C0;
+    int style = 1, direction = 1, technique = 0, soften = 0, strokeKind = 0,
+        position = Zvex::ZV_STROKE_OUTSIDE;
+    std::vector<Zvex::ZvGradient> stops = {{0xFFFF0000, 1, 0}, {0xFF0000FF, 0.5f, 1}};
+    Zvex::ZvBitmap pattern;
+
+    LayerSettings() = default;
+    explicit LayerSettings(float size_) : size(size_), pattern(3, 2, 4) {
+        for (size_t i = 0; i < pattern.byteCount(); ++i)
+            pattern.pixels[i] = static_cast<uint8_t>(100 + 9 * i);
+    }
+
+    // Its id, -1 where there was no memory.
+    int addTo(Zvex::ZvEffect& stack, int type) {
+        const int count = static_cast<int>(stops.size());
+        switch (type) {
+            case Zvex::ZV_EFFECT_OUTER_SHADOW:
+                return stack.addOuterShadowText(angle, distance, size, color, opacity);
+            case Zvex::ZV_EFFECT_INNER_SHADOW:
+                return stack.addInnerShadowText(angle, distance, size, color, opacity);
+            case Zvex::ZV_EFFECT_OUTER_GLOW:
+                return stack.addOuterGlowText(size, color, opacity, count, stops.data());
+            case Zvex::ZV_EFFECT_INNER_GLOW:
+                return stack.addInnerGlowText(size, color, opacity, count, stops.data());
+            case Zvex::ZV_EFFECT_LINEAR_GRADIENT:
+                return stack.addLinearGradientText(angle, scale, opacity, count, stops.data());
+            case Zvex::ZV_EFFECT_RADIAL_GRADIENT:
+                return stack.addRadialGradientText(scale, opacity, count, stops.data());
+            case Zvex::ZV_EFFECT_STROKE:
+                return stack.addStrokeText(size, color, opacity, strokeKind, position);
+            case Zvex::ZV_EFFECT_PATTERN:
+                return stack.addPatternText(&pattern, scale, opacity);
+            case Zvex::ZV_EFFECT_BEVEL:
+                return stack.addBevelText(style, size, depth, direction, technique, soften, opacity, angle,
+                                          altitude, color, shadowOpacity, highlight, highlightOpacity);
+            case Zvex::ZV_EFFECT_EMBOSS:
+                return stack.addEmbossText(style, size, depth, direction, technique, soften, opacity, angle,
+                                           altitude, color, shadowOpacity, highlight, highlightOpacity);
+            default:
+                return strokeKind == 0 ? stack.addText(color, opacity) : stack.addText(color);
+        }
+    }
+};
+
+#endif  // ZVEX_TESTS_EFFECT_LAYERSETTINGS_H_
