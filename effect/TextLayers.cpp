@@ -1,0 +1,137 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "effect/TextLayers.h"
+
+#include <algorithm>
+#include <climits>
+#include <cstdint>
+#include <cstring>
+#include <memory>
+#include <new>
+
+#include "effect/LayerJoin.h"
+#include "effect/PixelOrder.h"
+#include "effect/Spread.h"
+#include "effect/ZvEffect.h"
+#include "effect/ZvGlyph.h"
+#include "effect/kernels/Coverage.h"
+#include "foundation/OutOfMemory.h"
+#include "foundation/SafeConvert.h"
+
+namespace Zvex {
+
+namespace {
+
+// A layer on its way to the joined picture.
+struct DrawnLayer {
+    Spread coverage;                    // made where no layer before has the same
+    std::unique_ptr<ZvBitmap> picture;  // null: transparent
+};
+
+void grow(int* margin, int64_t wanted) {
+    *margin = std::max(*margin, clampToInt(wanted));
+}
+
+// The rows and columns of the picture outside the box become transparent.
+void clearOutside(const ZvBitmap& picture, const ZvRect& box) {
+    const auto held = [](int at, uint32_t size) {
+        return static_cast<size_t>(std::clamp<int64_t>(at, 0, size));
+    };
+    const size_t left = held(box.left, picture.width), right = held(box.right, picture.width);
+    const size_t top = held(box.top, picture.height), bottom = held(box.bottom, picture.height);
+    for (size_t y = 0; y < picture.height; ++y) {
+        uint8_t* row = picture.pixels + y * picture.width * 4;
+        const bool within = y >= top && y < bottom && left < right;
+        std::memset(row, 0, (within ? left : picture.width) * 4);
+        if (within) std::memset(row + right * 4, 0, (picture.width - right) * 4);
+    }
+}
+
+// The coverage lies at (x, y).
+bool drawStack(ZvEffect& effect, const Spread& coverage, int x, int y, ZvBitmap* drawn) {
+    const ZvRect& box = coverage.box();
+    ZvGlyph glyph;
+    if (box.right - box.left > UINT16_MAX || box.bottom - box.top > UINT16_MAX) return false;
+    glyph.pixels = coverage.coverage();
+    glyph.width = static_cast<uint16_t>(box.right - box.left);
+    glyph.height = static_cast<uint16_t>(box.bottom - box.top);
+    effect.initPicture(drawn);
+    effect.renderEffectLayer(x + box.left, y + box.top, &glyph);
+    effect.drawPicture(PixelOrder::BlueFirst);
+    return true;
+}
+
+// The coverage for layer i, its box counted from the text's, made with the first layer of that spread. Null
+// when memory is short.
+const Spread* coverageFor(size_t i, const TextCoverage& text, const TextLayer* layers, DrawnLayer* drawn) {
+    for (size_t earlier = 0; earlier < i; ++earlier) {
+        if (layers[earlier].spread == layers[i].spread) return &drawn[earlier].coverage;
+    }
+    const ZvRect box(0, 0, text.box.right - text.box.left, text.box.bottom - text.box.top);
+    return drawn[i].coverage.make(text.mask, box, layers[i].spread) ? &drawn[i].coverage : nullptr;
+}
+
+JoinedLayer joinedLayer(const TextLayer& layer, const ZvBitmap* picture, const TextCoverage& text) {
+    JoinedLayer joined;
+    joined.picture = picture;
+    joined.x = layer.x;
+    joined.y = layer.y;
+    joined.blend = layer.blend;
+    joined.opacity = layer.opacity;
+    joined.clipped = layer.clipped;
+    if (!layer.knockout) return joined;
+    joined.knockout = &text.mask;
+    joined.knockoutX = text.box.left;
+    joined.knockoutY = text.box.top;
+    return joined;
+}
+
+}  // namespace
+
+ZvRect marginsOf(const TextLayer* layers, size_t count) {
+    ZvRect margins;
+    for (size_t i = 0; i < count; ++i) {
+        const TextLayer& layer = layers[i];
+        const int64_t spread = std::clamp(layer.spread, 0, MAX_SPREAD);
+        grow(&margins.left, layer.effect->getLeftOffset() + spread - layer.x);
+        grow(&margins.top, layer.effect->getTopOffset() + spread - layer.y);
+        grow(&margins.right, layer.effect->getRightOffset() + spread + layer.x);
+        grow(&margins.bottom, layer.effect->getBottomOffset() + spread + layer.y);
+    }
+    return margins;
+}
+
+int TextCoverage::doPostProcessing(ParamPostProcessing* param) {
+    box = ZvRect();
+    mask = ZvBitmap();
+    if (!isDrawable(param)) return 0;
+    const ZvRect part = partWithin(*param->mask, *param->textRect);
+    mask = ZvBitmap(*param->mask, &part);
+    if (mask.pixels != nullptr) box = part;
+    return 0;
+}
+
+bool drawTextLayers(ZvBitmap* picture, const TextCoverage& text, const TextLayer* layers, size_t count,
+                    const ZvRect& clip, float opacity) {
+    const std::unique_ptr<DrawnLayer[]> drawn(new (std::nothrow) DrawnLayer[count]);
+    const std::unique_ptr<JoinedLayer[]> joined(new (std::nothrow) JoinedLayer[count]);
+    if (drawn == nullptr || joined == nullptr) return false;
+    for (size_t i = 0; i < count && text.mask.pixels != nullptr; ++i) {
+        const TextLayer& layer = layers[i];
+        const Spread* coverage = coverageFor(i, text, layers, drawn.get());
+        if (coverage == nullptr) return false;
+        if (coverage->coverage() == nullptr) continue;
+        auto& own = drawn[i].picture;
+        own = tryMake<ZvBitmap>(picture->width, picture->height, 4u, ZvBitmap::Unset::Pixels);
+        if (own == nullptr || own->pixels == nullptr) return false;
+        if (!drawStack(*layer.effect, *coverage, text.box.left, text.box.top, own.get())) return false;
+        clearOutside(
+            *own,
+            ZvRect(clampToInt(int64_t{clip.left} - layer.x), clampToInt(int64_t{clip.top} - layer.y),
+                   clampToInt(int64_t{clip.right} - layer.x), clampToInt(int64_t{clip.bottom} - layer.y)));
+    }
+    for (size_t i = 0; i < count; ++i) joined[i] = joinedLayer(layers[i], drawn[i].picture.get(), text);
+    joinLayers(picture, joined.get(), count, opacity);
+    return true;
+}
+
+}  // namespace Zvex

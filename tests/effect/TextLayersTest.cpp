@@ -1,0 +1,158 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "effect/TextLayers.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+#include "effect/LayerJoin.h"
+#include "effect/ZvEffect.h"
+#include "effect/ZvGlyph.h"
+#include "tests/FailingAllocations.h"
+#include "tests/effect/TestPictures.h"
+
+namespace Zvex {
+namespace {
+
+constexpr unsigned LAYERED_WIDTH = 90, LAYERED_HEIGHT = 60;
+
+void addGlowAndShadow(ZvEffect& effect) {
+    effect.addOuterGlowText(6, 0xFF00FF00, 0.7f, 0, nullptr);
+    effect.addOuterShadowText(135, 5, 4, 0xFF203040, 0.6f);
+    effect.addText(0xFFFF8040);
+}
+
+// Two lines, the second beyond the right edge, as a text object hands them over.
+void drawLines(ZvEffect& effect, ZvBitmap* picture) {
+    Random random(2);
+    const ZvBitmap line = makeMask(MaskKind::Shapes, 50, 20, random);
+    ZvGlyph glyph;
+    glyph.pixels = line.pixels;
+    glyph.width = 50;
+    glyph.height = 20;
+    effect.initPicture(picture);
+    effect.renderEffectLayer(12, 9, &glyph);
+    effect.renderEffectLayer(55, 31, &glyph);
+    effect.drawPicture(PixelOrder::BlueFirst);
+}
+
+struct LayeredText {
+    ZvEffect plain, owner;
+    TextCoverage* coverage = new TextCoverage;
+
+    LayeredText() {
+        addGlowAndShadow(plain);
+        owner.effects.push_back(coverage);
+        ZvBitmap none(LAYERED_WIDTH, LAYERED_HEIGHT, 4);
+        drawLines(owner, &none);
+    }
+};
+
+// Within the clip, a layer of its own is the text with that stack; moved, it is that picture moved.
+TEST(TextLayers, ALayerIsThePictureOfItsStack) {
+    LayeredText text;
+    const ZvRect clip(7, 5, 85, 52);
+    for (int x : {0, -9, 14}) {
+        TextLayer layer;
+        layer.effect = &text.plain;
+        layer.x = x;
+        layer.y = x / 2;
+        ZvBitmap stack(LAYERED_WIDTH, LAYERED_HEIGHT, 4), expected(stack), actual(stack);
+        ASSERT_TRUE(drawTextLayers(&actual, *text.coverage, &layer, 1, clip));
+        ZvEffect effect;
+        addGlowAndShadow(effect);
+        drawLines(effect, &stack);
+        JoinedLayer joined;
+        joined.picture = &stack;
+        joined.x = layer.x;
+        joined.y = layer.y;
+        joinLayers(&expected, &joined, 1);
+        for (int i = 0; i < static_cast<int>(LAYERED_WIDTH * LAYERED_HEIGHT); ++i) {
+            const int column = i % 90, row = i / 90;
+            const bool shows =
+                column >= clip.left && column < clip.right && row >= clip.top && row < clip.bottom;
+            if (!shows) std::memset(expected.pixels + i * 4, 0, 4);
+        }
+        EXPECT_TRUE(samePixels(expected, actual)) << "moved by " << x;
+    }
+}
+
+// A widened layer behind shows around the glyphs as their outside stroke does; knocked out, it has no pixel
+// within them, moved or not.
+TEST(TextLayers, SpreadIsAStrokeAndKnockoutLeavesTheGlyphsOut) {
+    LayeredText text;
+    ZvEffect black, stroked;
+    black.addText(0xFF000000);
+    stroked.addStrokeText(4, 0xFF000000, 1, 0, ZV_STROKE_OUTSIDE);
+    stroked.addText(0xFF000000);
+    TextLayer layer;
+    layer.effect = &black;
+    layer.spread = 4;
+    ZvBitmap widened(LAYERED_WIDTH, LAYERED_HEIGHT, 4), outlined(widened), ring(widened);
+    const ZvRect clip(0, 0, LAYERED_WIDTH, LAYERED_HEIGHT);
+    ASSERT_TRUE(drawTextLayers(&widened, *text.coverage, &layer, 1, clip));
+    drawLines(stroked, &outlined);
+    layer.knockout = true;
+    layer.x = 3;
+    ASSERT_TRUE(drawTextLayers(&ring, *text.coverage, &layer, 1, clip));
+    const ZvRect& box = text.coverage->box;
+    int seen = 0;
+    for (int y = 0; y < static_cast<int>(LAYERED_HEIGHT); ++y) {
+        for (int x = 0; x < static_cast<int>(LAYERED_WIDTH); ++x) {
+            const bool inBox = x >= box.left && x < box.right && y >= box.top && y < box.bottom;
+            const int glyphs =
+                inBox ? text.coverage->mask.pixels[(y - box.top) * (box.right - box.left) + x - box.left] : 0;
+            const int at = (y * static_cast<int>(LAYERED_WIDTH) + x) * 4 + 3;
+            if (glyphs == 0 || glyphs == 255) {
+                ASSERT_EQ(widened.pixels[at], outlined.pixels[at]) << x << ", " << y;
+            }
+            if (glyphs == 255) {
+                ASSERT_EQ(ring.pixels[at], 0) << x << ", " << y;
+            }
+            seen += ring.pixels[at];
+        }
+    }
+    EXPECT_GT(seen, 0);
+}
+
+TEST(TextLayers, MarginsGrowWithSpreadAndOffset) {
+    ZvEffect glow, none;
+    glow.addOuterGlowText(10, 0xFFFFFFFF, 1, 0, nullptr);
+    const int own = glow.getLeftOffset();
+    TextLayer layers[2];
+    layers[0].effect = &glow;
+    layers[0].spread = 5;
+    layers[0].x = -3;
+    layers[1].effect = &none;
+    layers[1].spread = -50;
+    layers[1].y = 70;
+    const ZvRect margins = marginsOf(layers, 2);
+    EXPECT_EQ(margins.left, own + 8);
+    EXPECT_EQ(margins.right, own + 2);
+    EXPECT_EQ(margins.top, own + 5);
+    EXPECT_EQ(margins.bottom, 70);
+    TextCoverage coverage;
+    coverage.margins = margins;
+    EXPECT_EQ(coverage.getBottomOffset(), 70);
+}
+
+TEST(TextLayers, WithoutMemoryThePictureIsLeftOrLacksAnEffect) {
+    LayeredText text;
+    TextLayer layers[3];
+    for (TextLayer& layer : layers) layer.effect = &text.plain;
+    layers[1].spread = -2;
+    layers[2].spread = 3;
+    layers[2].blend = LayerBlend::Screen;
+    const ZvRect clip(0, 0, LAYERED_WIDTH, LAYERED_HEIGHT);
+    ZvBitmap picture(LAYERED_WIDTH, LAYERED_HEIGHT, 4);
+    const ZvBitmap before(picture);
+    forEachFailingAllocation([&](bool fails) {
+        std::memset(picture.pixels, 0, picture.byteCount());
+        const bool drawn = drawTextLayers(&picture, *text.coverage, layers, 3, clip);
+        EXPECT_TRUE(drawn || fails);
+        EXPECT_EQ(bool(samePixels(before, picture)), !drawn);
+    });
+}
+
+}  // namespace
+}  // namespace Zvex
