@@ -11,6 +11,7 @@
 #include <thread>
 
 #include "tests/tool/Program.h"
+#include "tools/zvtext/Digest.h"
 
 namespace {
 
@@ -371,6 +372,18 @@ TEST_F(BatchCommand, KilledAtAnyMomentItLeavesWholePicturesAndResumesTheRest) {
     EXPECT_EQ(remade(), std::vector<int>{1});
     unsetenv("FONTCONFIG_FILE");
     EXPECT_EQ(remade(), std::vector<int>{1}) << "another font serves it";
+    // A record with another byte is none, and one with foreign keys gives the known ones.
+    const std::string journal = slurp(folder() / ".zvtext-batch");
+    const std::string last = journal.substr(journal.rfind('\n', journal.size() - 2) + 1);
+    std::string other = last;
+    other[last.find("\"width\":") + 8] ^= 1;
+    write("out/.zvtext-batch", other);
+    EXPECT_EQ(remade(), std::vector<int>{1});
+    std::string foreign = last.substr(0, last.size() - 34);
+    foreign.insert(foreign.size() - 1, ",\"path\":\"other\",\"skipped\":false");
+    write("out/.zvtext-batch", foreign + " " + zvtext::Digest().add(foreign).hex() + "\n");
+    EXPECT_EQ(batch(all(), {"--resume"}, 0)[0].value("path", ""), folder() / "1.png");
+    EXPECT_EQ(remade(), std::vector<int>());
     // A record cut short is none, and does not spoil the next.
     write("out/.zvtext-batch", slurp(folder() / ".zvtext-batch").substr(0, 40));
     EXPECT_EQ(remade(), std::vector<int>{1});
@@ -484,12 +497,21 @@ TEST_F(BatchCommand, AReaderThatStopsReadingDoesNotKeepItFromEnding) {
     EXPECT_EQ(running.wait(), (128 + SIGINT) << 8);
 }
 
+TEST_F(BatchCommand, AFullDiskIsSaidOnce) {
+    std::vector<std::string> words = arguments({"--allow-outside"});
+    words.insert(words.begin(), "batch");
+    const Result result = run(words, "{\"text\":\"x\"}\n{\"text\":\"x\",\"output\":\"/dev/full\"}\n");
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.err, "zvtext: --output-dir: the disk is full: 1 line was not written\n");
+    EXPECT_NE(result.out.find("No space left"), std::string::npos);
+}
+
 TEST_F(BatchCommand, MoreJobsThanDescriptorsDoNotMatter) {
-    std::string command =
-        "ulimit -n 64; echo '{\"text\":\"x\"}' | timeout 60 " ZVTEXT_BINARY " batch >/dev/null";
+    std::string command = "ulimit -n 64; seq 100 | sed 's,.*,{\"text\":\"x\"},' | timeout 60 " ZVTEXT_BINARY
+                          " batch >/dev/null";
     for (const std::string& argument : arguments({"--jobs", "100"})) command += " '" + argument + "'";
     EXPECT_EQ(std::system(command.c_str()), 0);
-    EXPECT_TRUE(fs::exists(folder() / "1.png"));
+    EXPECT_TRUE(fs::exists(folder() / "100.png"));
 }
 
 TEST_F(BatchCommand, AClosedOutputEndsItQuietly) {

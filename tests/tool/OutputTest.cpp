@@ -2,6 +2,7 @@
 #include <webp/decode.h>
 
 #include <cmath>
+#include <csignal>
 #include <map>
 #include <nlohmann/json.hpp>
 
@@ -179,6 +180,54 @@ TEST_F(Output, WhatCannotBeWrittenIsRefusedFirst) {
     EXPECT_EQ(render({"-o", file("a.png"), "--metrics", file("other.png")}).err,
               "zvtext: --metrics: '" + file("a.png").string() + "' is where the picture goes\n");
     EXPECT_EQ(slurp(file("a.png")), "before");
+}
+
+TEST_F(Output, AFileThatIsReplacedKeepsItsMode) {
+    write("a.png", "before");
+    for (const unsigned mode : {0640u, 0604u}) {
+        fs::permissions(file("a.png"), fs::perms(mode));
+        EXPECT_EQ(render({"-o", file("a.png")}).status, 0);
+        EXPECT_EQ(fs::status(file("a.png")).permissions(), fs::perms(mode));
+        EXPECT_EQ(
+            run({"batch", "--font", kFont, "--output-dir", mFolder}, R"({"text": "x", "output": "a.png"})")
+                .status,
+            0);
+        EXPECT_EQ(fs::status(file("a.png")).permissions(), fs::perms(mode));
+    }
+}
+
+// The metrics wait for a reader while the picture has its temporary name.
+TEST_F(Output, ASignalLeavesNoTemporaryFile) {
+    mkfifo(file("metrics").c_str(), 0600);
+    for (const int number : {SIGTERM, SIGINT, SIGHUP}) {
+        const pid_t child = fork();
+        if (child == 0) {
+            signal(number, SIG_DFL);
+            _exit(
+                become({"render", "x", "--font", kFont, "-o", file("a.png"), "--metrics", file("metrics")}));
+        }
+        const auto temporary = [&] {
+            for (const std::string& name : left()) {
+                if (name.find(".zvtext-") != std::string::npos) return true;
+            }
+            return false;
+        };
+        while (!temporary() && kill(child, 0) == 0) usleep(1000);
+        int status = 0;
+        kill(child, number);
+        waitpid(child, &status, 0);
+        EXPECT_EQ(status, number);
+        EXPECT_EQ(left(), std::vector<std::string>{"metrics"});
+    }
+}
+
+TEST_F(Output, NothingThatMovesTheCursorReachesATerminal) {
+    const std::string bad = "\x1B[2J\u009Bx\x7F", shown = "?[2J?x?";
+    EXPECT_EQ(render({"-o", file(bad + ".png")}).out.find(file(shown + ".png").string() + ": "), 0u);
+    EXPECT_EQ(render({"--color", bad + "\x9B"}).err.find("zvtext: --color: '" + shown + "?' is not"), 0u);
+    const Result batch = run({"batch", "--font", kFont, "--output-dir", mFolder},
+                             R"({"text": "x", "output": "\u001b\u009b\u007f.png"})");
+    EXPECT_NE(batch.out.find("\\u001b\\u009b\\u007f.png"), std::string::npos) << batch.out;
 }
 
 TEST_F(Output, TrimmingCutsTheTransparentBorderAndNothingElse) {

@@ -31,6 +31,7 @@
 #include "tools/zvtext/Failure.h"
 #include "tools/zvtext/GivenValue.h"
 #include "tools/zvtext/Progress.h"
+#include "tools/zvtext/TextInput.h"
 #include "tools/zvtext/Values.h"
 
 namespace zvtext {
@@ -104,12 +105,13 @@ public:
         std::signal(SIGCHLD, SIG_DFL);  // nobody else is to take the workers' last words
         catchSignal(SIGINT);
         catchSignal(SIGTERM);
+        catchSignal(SIGHUP);
         for (;;) {
             if (gSignal != 0 || mOutputClosed) mEnded = true;
             bool moreThere = true;
             while (moreThere && canTake()) moreThere = takeLine();
             printResults();
-            if (mEnded && !anyBusy()) break;
+            if (mEnded && !anyBusy() && !mHeld) break;
             if (!moreThere || !canTake()) wait(!mEnded && !moreThere);
         }
         mProgress.clear();
@@ -118,8 +120,14 @@ public:
             std::raise(SIGPIPE);
         }
         if (!mFailure.empty()) throw Failure(mFailure);
-        if (!mJournalWhole)
-            throw Failure("--output-dir: the journal could not be written; --resume will render again");
+        std::string full, journal;
+        if (mUnwritten > 0)
+            full = "the disk is full: " + std::to_string(mUnwritten) +
+                   (mUnwritten == 1 ? " line was" : " lines were") + " not written";
+        if (!mJournalWhole) journal = "the journal could not be written; --resume will render again";
+        if (!full.empty() || !journal.empty()) {
+            throw Failure("--output-dir: " + full + (full.empty() || journal.empty() ? "" : "; ") + journal);
+        }
         if (gSignal != 0) return 128 + gSignal;
         return mErrors == 0 ? 0 : 1;
     }
@@ -182,14 +190,23 @@ private:
         mFailure = why;
     }
 
+    bool anyAlive() const {
+        return std::any_of(mWorkers.begin(), mWorkers.end(),
+                           [](const Worker& worker) { return worker.process != 0; });
+    }
+
+    // Where no more can be started, one of those that live.
     Worker* idleWorker() {
+        const bool starts = !mNoMore || !anyAlive();
         for (Worker& worker : mWorkers) {
-            if (!worker.busy) return &worker;
+            if (!worker.busy && (starts || worker.process != 0)) return &worker;
         }
         return nullptr;
     }
 
-    bool canTake() { return !mEnded && idleWorker() != nullptr && mWaiting.size() < kMaxWaiting; }
+    bool canTake() {
+        return idleWorker() != nullptr && (mHeld || (!mEnded && mWaiting.size() < kMaxWaiting));
+    }
 
     bool anyBusy() const {
         return std::any_of(mWorkers.begin(), mWorkers.end(),
@@ -198,6 +215,11 @@ private:
 
     // Gives the next line to an idle worker. False where there is no whole line yet, or none any more.
     bool takeLine() {
+        if (mHeld) {
+            const size_t place = mHeldPlace;
+            give(*idleWorker(), *std::exchange(mHeld, std::nullopt), place);
+            return true;
+        }
         BatchJob job;
         const BatchInput::Next next = mInput.next(job.json);
         if (next == BatchInput::Next::End) mEnded = true;
@@ -242,6 +264,12 @@ private:
         if (!sent) {
             end(worker);
             const std::string fault = start(worker);
+            if (!fault.empty() && anyAlive()) {
+                mNoMore = true;
+                mHeld = std::move(job);
+                mHeldPlace = place;
+                return;
+            }
             if (!fault.empty()) {
                 stop("--jobs: cannot start a worker: " + fault);
                 return finish(place, failedResult(job.line, job.path, mFailure));
@@ -288,6 +316,7 @@ private:
         try {
             std::signal(SIGINT, SIG_IGN);
             std::signal(SIGTERM, SIG_IGN);
+            std::signal(SIGHUP, SIG_IGN);
             prctl(PR_SET_PDEATHSIG, SIGKILL);
             if (getppid() != batch) _exit(0);
             for (const Worker& other : mWorkers) {
@@ -315,6 +344,7 @@ private:
             poll(&event, 1, 10);
             passOn(worker);
         }
+        if (worker.process != 0) mNoMore = false;  // it leaves room for another
         worker.process = 0;
         passOn(worker, true);
         if (worker.errors >= 0) close(std::exchange(worker.errors, -1));
@@ -346,7 +376,7 @@ private:
         worker.said.erase(0, begin);
         if (text.empty()) return;
         mProgress.clear();
-        std::fputs(text.c_str(), stderr);
+        std::fputs(printable(text).c_str(), stderr);
     }
 
     // The worker is gone, with the line it had.
@@ -375,6 +405,7 @@ private:
     void finish(size_t place, BatchResult result) {
         ++mDone;
         mErrors += result.failed;
+        mUnwritten += result.diskFull;
         mWaiting[place - mPrinted] = std::move(result.json);
     }
 
@@ -460,7 +491,10 @@ private:
     BatchJournal mJournal;
     Progress mProgress;
     int mWake[2] = {-1, -1};
-    uint64_t mLine = 0, mDone = 0, mErrors = 0;
+    uint64_t mLine = 0, mDone = 0, mErrors = 0, mUnwritten = 0;
+    bool mNoMore = false;           // workers, for want of descriptors, processes or memory
+    std::optional<BatchJob> mHeld;  // a line for which no worker could be started, until another is idle
+    size_t mHeldPlace = 0;
     std::deque<std::optional<std::string>> mWaiting;  // results in the order of the lines
     size_t mPrinted = 0;                              // the place of the first of them
     bool mEnded = false;                              // no more lines are taken

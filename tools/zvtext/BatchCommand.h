@@ -31,11 +31,12 @@ void addBatchOptions(CLI::App& command, BatchArguments& arguments);
 // Memory: one line for each worker, kMaxWaiting results, and 16 bytes or so for each output's name (a name
 // that comes again is an error of the later line).
 //
-// SIGINT and SIGTERM let the lines under way be finished and printed; a second one ends it at once. Killed at
-// any moment it leaves whole pictures, and temporary files, which a run with --resume takes away; its workers
-// end with it. An input or an output that fails ends it likewise, after the lines under way. Returns the
-// exit status: 0, 1 where a line failed, 128 + the signal. Closed standard output ends the process as SIGPIPE
-// does. Throws UsageError or Failure. The process must have one thread: workers are forks of it.
+// SIGINT, SIGTERM and SIGHUP let the lines under way be finished and printed; a second one ends it at once.
+// Killed at any moment it leaves whole pictures, and temporary files, which a run with --resume takes away;
+// its workers end with it. An input or an output that fails ends it likewise, after the lines under way.
+// Returns the exit status: 0, 1 where a line failed, 128 + the signal. Closed standard output ends the
+// process as SIGPIPE does. Throws UsageError or Failure. The process must have one thread: workers are forks
+// of it.
 int runBatch(const BatchArguments& arguments);
 
 }  // namespace zvtext

@@ -10,21 +10,25 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "tools/zvtext/Digest.h"
 #include "tools/zvtext/Failure.h"
 
 namespace zvtext {
 
 namespace {
 
-// A record's line: the job's digest, a space, the content's, a space, the result. Lines of another form (cut
-// short by a kill or a full disk) are passed over.
-constexpr size_t kDigits = 32, kHead = 2 * (kDigits + 1);
+// A record's line: the job's digest, a space, the content's, a space, the result, a space, the digest of all
+// before it. Other lines (cut short by a kill or a full disk, or damaged) are passed over.
+constexpr size_t kDigits = 32, kHead = 2 * (kDigits + 1), kTail = kDigits + 1;
 constexpr size_t kMaxRecord = 8192;
 
+std::string sealed(const std::string& record) {
+    return record + " " + Digest().add(record).hex();
+}
+
 bool isRecord(const std::string& line) {
-    return line.size() > kHead && line.size() < kMaxRecord && line[kDigits] == ' ' &&
-           line[kHead - 1] == ' ' && line[kHead] == '{' && line.back() == '}' &&
-           line.find_first_not_of("0123456789abcdef") == kDigits;
+    return line.size() > kHead + kTail && line.size() < kMaxRecord &&
+           line == sealed(line.substr(0, line.size() - kTail));
 }
 
 uint64_t placeKey(const std::string& job) {
@@ -86,7 +90,8 @@ std::optional<BatchJournal::Record> BatchJournal::find(const std::string& job) c
         line.resize(static_cast<size_t>(std::max<ssize_t>(got, 0)));
         line.resize(std::min(line.find('\n'), line.size()));
         if (!isRecord(line) || line.compare(0, kDigits, job) != 0) continue;
-        return Record{job, line.substr(kDigits + 1, kDigits), line.substr(kHead)};
+        return Record{job, line.substr(kDigits + 1, kDigits),
+                      line.substr(kHead, line.size() - kHead - kTail)};
     }
     return std::nullopt;
 }
@@ -94,7 +99,7 @@ std::optional<BatchJournal::Record> BatchJournal::find(const std::string& job) c
 bool BatchJournal::append(const Record& record) {
     // A record starts a line even behind one that was cut short.
     const std::string line =
-        (mCutShort ? "\n" : "") + record.job + " " + record.content + " " + record.result + "\n";
+        (mCutShort ? "\n" : "") + sealed(record.job + " " + record.content + " " + record.result) + "\n";
     const ssize_t written = write(mDescriptor, line.data(), line.size());
     if (written > 0) mCutShort = static_cast<size_t>(written) < line.size();
     return written == static_cast<ssize_t>(line.size());

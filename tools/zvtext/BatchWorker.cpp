@@ -124,6 +124,10 @@ private:
             return render(job);
         } catch (const std::bad_alloc&) {
             return failedResult(job.line, job.path, "not enough memory");
+        } catch (const DiskFull& error) {
+            BatchResult result = failedResult(job.line, job.path, error.what());
+            result.diskFull = true;
+            return result;
         } catch (const std::exception& error) {
             return failedResult(job.line, job.path, error.what());
         }
@@ -142,7 +146,10 @@ private:
         if (!job.metrics.empty()) json["metrics"] = job.metrics;
         const bool skipped = mSettings.resumes && findPicture(job, result.record);
         if (!skipped) makePicture(job, scene, arguments.outputOptions, result.record);
-        json.update(Json::parse(result.record.result));
+        const Json made = Json::parse(result.record.result, nullptr, false);
+        for (const char* key : {"width", "height", "margins", "baseline"}) {
+            if (made.contains(key)) json[key] = made[key];
+        }
         if (skipped) json["skipped"] = true;
         if (skipped || result.record.content.empty()) result.record.job.clear();
         const std::chrono::duration<double, std::milli> took = std::chrono::steady_clock::now() - begin;
@@ -155,8 +162,7 @@ private:
     // then.
     bool findPicture(const BatchJob& job, BatchJournal::Record& record) const {
         const std::optional<BatchJournal::Record> found = mJournal.find(record.job);
-        if (!found || !Json::parse(found->result, nullptr, false).is_object()) return false;
-        if (found->content != contentDigest(job, mSettings.writes)) return false;
+        if (!found || found->content != contentDigest(job, mSettings.writes)) return false;
         record = *found;
         return true;
     }
@@ -231,17 +237,19 @@ bool receiveJob(int socket, BatchJob& job) {
 
 bool sendResult(int socket, const BatchResult& result) {
     const BatchJournal::Record& record = result.record;
-    return sendParts(socket, {result.failed ? "failed" : "", result.last ? "last" : "", result.json,
-                              record.job, record.content, record.result});
+    return sendParts(socket,
+                     {result.failed ? "failed" : "", result.last ? "last" : "", result.diskFull ? "full" : "",
+                      result.json, record.job, record.content, record.result});
 }
 
 bool receiveResult(int socket, BatchResult& result) {
-    Parts parts(6);
+    Parts parts(7);
     if (!receiveParts(socket, parts)) return false;
     result = {!parts[0].empty(),
               !parts[1].empty(),
-              std::move(parts[2]),
-              {std::move(parts[3]), std::move(parts[4]), std::move(parts[5])}};
+              !parts[2].empty(),
+              std::move(parts[3]),
+              {std::move(parts[4]), std::move(parts[5]), std::move(parts[6])}};
     return true;
 }
 

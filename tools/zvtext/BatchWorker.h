@@ -20,6 +20,7 @@ struct BatchJob {
 struct BatchResult {
     bool failed = false;
     bool last = false;            // the worker wants no more jobs
+    bool diskFull = false;        // why it failed
     std::string json;             // the result, of one line
     BatchJournal::Record record;  // an empty job: nothing to record
 };

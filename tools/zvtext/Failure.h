@@ -18,6 +18,11 @@ struct Failure : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
+// No room for a file.
+struct DiskFull : Failure {
+    using Failure::Failure;
+};
+
 }  // namespace zvtext
 
 #endif  // ZVEX_TOOLS_ZVTEXT_FAILURE_H_

@@ -79,14 +79,35 @@ std::string FolderScope::refusal(const std::string& option, const std::string& p
     return option + ": '" + path + "' lies outside " + list + ", where " + mUser;
 }
 
+bool FolderScope::wouldHold(const std::string& path) const {
+    namespace fs = std::filesystem;
+    constexpr int kMaxLinks = 40;
+    fs::path whole = path;
+    for (int links = 0;; ++links) {
+        fs::path existing = whole, rest;
+        Descriptor folder;
+        while (!(folder = Descriptor(open(existing.empty() ? "." : existing.c_str(), O_PATH | O_CLOEXEC)))) {
+            if (existing.empty() || existing == existing.root_path()) return false;
+            rest = rest.empty() ? existing.filename() : existing.filename() / rest;
+            existing = existing.parent_path();
+        }
+        if (!holds(folder)) return false;
+        if (rest.empty() || links == kMaxLinks) return true;
+        // A link that leads to nothing is judged by where it leads.
+        const fs::path next = existing / *rest.begin();
+        std::error_code error;
+        const fs::path target = fs::read_symlink(next, error);
+        if (error) return true;
+        whole = existing / target;  // an absolute target replaces the folder
+        for (auto part = std::next(rest.begin()); part != rest.end(); ++part) whole /= *part;
+    }
+}
+
 Descriptor FolderScope::openFile(const std::string& option, const std::string& path) const {
     const Descriptor found(open(path.c_str(), O_PATH | O_CLOEXEC));
     const int error = errno;
     if (!found) {
-        // Of what lies outside it is not even said whether it is there.
-        std::error_code ignored;
-        const std::string plain = std::filesystem::absolute(path, ignored).lexically_normal();
-        if (!holds(plain)) throw Failure(refusal(option, path));
+        if (!wouldHold(path)) throw Failure(refusal(option, path));
         throw Failure(option + ": cannot read '" + path + "': " + std::strerror(error));
     }
     if (!holds(found)) throw Failure(refusal(option, path));
@@ -113,7 +134,9 @@ Descriptor FolderScope::makeFolder(const std::string& option, const std::string&
             folder = Descriptor(openat(around.number(), name.c_str(), kFlags));
         }
     }
-    if (!folder) throw Failure(option + ": cannot make '" + path + "': " + std::strerror(errno));
+    const int error = errno;
+    if (!folder && !wouldHold(path)) throw Failure(refusal(option, path));
+    if (!folder) throw Failure(option + ": cannot make '" + path + "': " + std::strerror(error));
     if (!holds(folder)) throw Failure(refusal(option, path));
     return folder;
 }

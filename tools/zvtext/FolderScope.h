@@ -65,6 +65,10 @@ public:
     // "--font: '/etc/x' lies outside '/home/me', where a style may read; ..."
     std::string refusal(const std::string& option, const std::string& path) const;
 
+    // Whether a path that cannot be opened would lie inside: judged by its deepest folder that exists.
+    // Messages about a path outside must not depend on what is there.
+    bool wouldHold(const std::string& path) const;
+
 private:
     bool mAnywhere = true;
     std::vector<std::string> mFolders, mQuietFolders;  // without links and dots

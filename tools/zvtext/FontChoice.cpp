@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "tools/zvtext/FontChoice.h"
 
+#include <fcntl.h>
 #include <fontconfig/fontconfig.h>
 #include <sys/stat.h>
 
@@ -54,9 +55,12 @@ FcConfig* fontconfig() {
 }
 
 // A folder is none: one that is called as a font is must not hide it.
-bool isFile(const std::string& path) {
+// Outside the scope nothing is one, so that no message tells what is there.
+bool isFile(const std::string& path, const FolderScope& scope) {
+    const Descriptor found(open(path.c_str(), O_PATH | O_CLOEXEC));
     struct stat status;
-    return stat(path.c_str(), &status) == 0 && !S_ISDIR(status.st_mode);
+    return found && (scope.isAnywhere() || scope.holds(found)) && fstat(found.number(), &status) == 0 &&
+           !S_ISDIR(status.st_mode);
 }
 
 std::string folded(const std::string& text) {
@@ -84,7 +88,7 @@ bool readIndex(const std::string& option, const std::string& text, FontChoice& c
     const std::string path = text.substr(0, hash), number = text.substr(hash + 1);
     const bool isNumber = !number.empty() && std::all_of(number.begin(), number.end(),
                                                          [](char c) { return c >= '0' && c <= '9'; });
-    const bool isFont = isFile(path) || endsAsFontFile(path);
+    const bool isFont = isFile(path, choice.scope) || endsAsFontFile(path);
     if (isFont && !isNumber) {
         throw UsageError(option + ": '" + number + "' after '" + path +
                          "' is no number of a font in a collection; write FILE#0 for the first");
@@ -287,7 +291,8 @@ FontChoice chooseFont(const std::string& option, const std::string& text, const 
     FontChoice choice;
     choice.path = text;
     choice.scope = scope;
-    if (text.empty() || isFile(text) || readIndex(option, text, choice) || looksLikeFile(text)) return choice;
+    if (text.empty() || isFile(text, scope) || readIndex(option, text, choice) || looksLikeFile(text))
+        return choice;
     // A batch asks for the same few names line by line, and a match costs as much as a small picture.
     static std::map<std::string, FontChoice> answers;
     const auto known = answers.find(text);

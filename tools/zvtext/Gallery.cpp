@@ -16,6 +16,7 @@
 #include "tools/zvtext/PngWriter.h"
 #include "tools/zvtext/Presets.h"
 #include "tools/zvtext/RenderCommand.h"
+#include "tools/zvtext/TextInput.h"
 
 namespace zvtext {
 
@@ -137,7 +138,7 @@ void runGallery(const GalleryArguments& arguments) {
             const auto font = fonts.find(scene.font);
             if (font == fonts.end()) {
                 std::fprintf(stderr, "zvtext: warning: left out, no %s below %s\n", scene.font,
-                             arguments.fontFolder.c_str());
+                             printable(arguments.fontFolder).c_str());
                 continue;
             }
             std::vector<std::string> words = {"render", scene.text, "--font", font->second};
@@ -150,8 +151,8 @@ void runGallery(const GalleryArguments& arguments) {
     }
     if (pictures.empty()) throw Failure("--font-dir: none of the fonts is below " + arguments.fontFolder);
     writeFile(galleryPage(pictures), "index.html", "DIR");
-    print((fs::path(arguments.folder) / "index.html").string() + ": " + std::to_string(pictures.size()) +
-          " pictures\n");
+    print(printable((fs::path(arguments.folder) / "index.html").string()) + ": " +
+          std::to_string(pictures.size()) + " pictures\n");
 }
 
 }  // namespace zvtext

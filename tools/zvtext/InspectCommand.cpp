@@ -10,6 +10,7 @@
 
 #include "tools/zvtext/Failure.h"
 #include "tools/zvtext/OutputFile.h"
+#include "tools/zvtext/TextInput.h"
 
 namespace zvtext {
 
@@ -54,11 +55,7 @@ std::string reportLine(const std::string& label, const std::string& value) {
 }
 
 void printReport(const std::string& text) {
-    std::string clean = text;
-    for (char& c : clean) {
-        if ((static_cast<unsigned char>(c) < 0x20 && c != '\n') || c == 0x7F) c = '?';
-    }
-    print(clean);
+    print(printable(text));
 }
 
 }  // namespace zvtext

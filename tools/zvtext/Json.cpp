@@ -2,6 +2,7 @@
 #include "tools/zvtext/Json.h"
 
 #include <algorithm>
+#include <cstdio>
 
 namespace zvtext {
 
@@ -11,7 +12,22 @@ Json numberJson(double value) {
 }
 
 std::string dumpJson(const Json& json, int indent) {
-    return json.dump(indent, ' ', false, Json::error_handler_t::replace);
+    const std::string text = json.dump(indent, ' ', false, Json::error_handler_t::replace);
+    std::string safe;
+    for (size_t i = 0; i < text.size(); ++i) {
+        const auto byte = static_cast<unsigned char>(text[i]);
+        const auto next = static_cast<unsigned char>(i + 1 < text.size() ? text[i + 1] : 0);
+        const bool pair = byte == 0xC2 && next < 0xA0;
+        if (byte != 0x7F && !pair) {
+            safe += text[i];
+            continue;
+        }
+        char escape[8];
+        std::snprintf(escape, sizeof escape, "\\u%04x", pair ? next : byte);
+        safe += escape;
+        i += pair;
+    }
+    return safe;
 }
 
 std::string plainText(const Json& json) {

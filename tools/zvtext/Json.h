@@ -14,7 +14,7 @@ using Json = nlohmann::ordered_json;
 Json numberJson(double value);
 
 // As JSON, in lines with an `indent` or, below 0, in one line. Strings may hold anything; what is no UTF-8 in
-// them is replaced.
+// them is replaced, and control characters are escaped, U+007F to U+009F too.
 std::string dumpJson(const Json& json, int indent = -1);
 
 // For people: a string as it stands, anything else as JSON.

@@ -9,11 +9,13 @@
 
 #include <cerrno>
 #include <climits>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <utility>
 
 #include "tools/zvtext/Failure.h"
@@ -39,6 +41,51 @@ bool writeAndClose(const std::string& content, std::FILE* stream, bool sync) {
     return whole;
 }
 
+// --- Temporary files to remove when a signal ends the process
+
+constexpr int kEndingSignals[] = {SIGINT, SIGTERM, SIGHUP};
+constexpr int kMaxNotes = 4;
+char gNotes[kMaxNotes][PATH_MAX];  // empty: free
+
+class SignalsHeld {
+public:
+    SignalsHeld() {
+        sigset_t ending;
+        sigemptyset(&ending);
+        for (const int number : kEndingSignals) sigaddset(&ending, number);
+        pthread_sigmask(SIG_BLOCK, &ending, &mBefore);
+    }
+    ~SignalsHeld() { pthread_sigmask(SIG_SETMASK, &mBefore, nullptr); }
+    SignalsHeld(const SignalsHeld&) = delete;
+    SignalsHeld& operator=(const SignalsHeld&) = delete;
+
+private:
+    sigset_t mBefore;
+};
+
+// Both with the signals held. The note's number, -1 where there is no room for one.
+int noteTemporary(const std::string& path) {
+    for (int i = 0; i < kMaxNotes; ++i) {
+        if (gNotes[i][0] != '\0' || path.size() >= PATH_MAX) continue;
+        std::memcpy(gNotes[i], path.c_str(), path.size() + 1);
+        return i;
+    }
+    return -1;
+}
+
+void forgetTemporary(int note) {
+    const SignalsHeld held;
+    if (note >= 0) gNotes[note][0] = '\0';
+}
+
+// The signal comes again at the handler's end and then ends the process.
+void onEndingSignal(int number) {
+    for (const auto& path : gNotes) {
+        if (path[0] != '\0') unlink(path);
+    }
+    raise(number);
+}
+
 // A file beside the target, under its name as far as that leaves room for the suffix.
 std::string temporaryName(const std::string& target) {
     const size_t begin = target.rfind('/') + 1;  // 0 where there is none
@@ -47,9 +94,9 @@ std::string temporaryName(const std::string& target) {
 }
 
 // The lock says that its process lives: a file is not removed by others from then on, but may have been
-// before. mkstemp makes the file private; an output gets the mode that any new file of this process would
-// have.
-std::FILE* openTemporary(std::string& temporary) {
+// before. mkstemp makes the file private; an output keeps the mode of the file that it replaces (`kept`), or
+// gets that of any new file of this process.
+std::FILE* openTemporary(std::string& temporary, std::optional<mode_t> kept) {
     const std::string pattern = temporary;
     int descriptor = -1;
     struct stat status = {};
@@ -63,7 +110,7 @@ std::FILE* openTemporary(std::string& temporary) {
     }
     const mode_t mask = umask(0);
     umask(mask);
-    fchmod(descriptor, 0666 & ~mask);
+    fchmod(descriptor, kept.value_or(0666 & ~mask));
     std::FILE* stream = fdopen(descriptor, "wb");
     if (stream == nullptr) close(descriptor);
     return stream;
@@ -79,17 +126,18 @@ class StagedFile {
 public:
     // Writes a regular file's content to a temporary name beside it.
     explicit StagedFile(const NewFile& file) : mFile(file), mTarget(file.path), mStream(file.path == "-") {
-        if (!mStream && isDanglingLink(file.path)) {
-            throw Failure(file.option + ": '" + file.path + "' is a link that leads to no file");
-        }
         struct stat existing;
         if (!file.scope.isAnywhere()) {
             findTarget();
-        } else if (!mStream && stat(file.path.c_str(), &existing) == 0) {
+        } else if (!mStream) {
+            refuseDanglingLink();
+        }
+        if (file.scope.isAnywhere() && !mStream && stat(file.path.c_str(), &existing) == 0) {
             if (S_ISDIR(existing.st_mode)) {
                 throw Failure(file.option + ": '" + file.path + "' is a folder");
             }
             mStream = !S_ISREG(existing.st_mode);
+            mMode = existing.st_mode & kPermissions;
             if (char* resolved = mStream ? nullptr : realpath(file.path.c_str(), nullptr)) {
                 mTarget = resolved;
                 std::free(resolved);
@@ -98,13 +146,18 @@ public:
         if (mStream) return;
         errno = 0;
         std::string temporary = temporaryName(mTarget);
-        std::FILE* stream = openTemporary(temporary);
-        if (stream != nullptr) mTemporary = temporary;
+        std::FILE* stream = nullptr;
+        {
+            const SignalsHeld held;  // no signal between the file and the note of it
+            stream = openTemporary(temporary, mMode);
+            if (stream != nullptr) mTemporary = temporary;
+            if (stream != nullptr) mNote = noteTemporary(temporary);
+        }
         if (stream != nullptr) mLock = dup(fileno(stream));
         if (writeAndClose(file.content, stream, true)) return;
-        const std::string why = std::strerror(errno);
+        const int error = errno;
         removeTemporary();
-        throw Failure(file.option + ": cannot write '" + file.path + "': " + why);
+        refuseWriting(error);
     }
     StagedFile(StagedFile&& other) noexcept
         : mFile(other.mFile),
@@ -112,7 +165,8 @@ public:
           mTarget(std::move(other.mTarget)),
           mTemporary(std::exchange(other.mTemporary, "")),
           mStream(other.mStream),
-          mLock(std::exchange(other.mLock, -1)) {}
+          mLock(std::exchange(other.mLock, -1)),
+          mNote(std::exchange(other.mNote, -1)) {}
     ~StagedFile() {
         removeTemporary();
         if (mLock >= 0) close(mLock);
@@ -134,13 +188,26 @@ public:
         }
         const bool done = mStream ? writeAndClose(mFile.content, std::fopen(mFile.path.c_str(), "wb"), false)
                                   : std::rename(mTemporary.c_str(), mTarget.c_str()) == 0;
-        if (!done) {
-            throw Failure(mFile.option + ": cannot write '" + mFile.path + "': " + std::strerror(errno));
-        }
+        if (!done) refuseWriting(errno);
         mTemporary.clear();
+        forgetTemporary(std::exchange(mNote, -1));
     }
 
 private:
+    static constexpr mode_t kPermissions = 0777;
+
+    [[noreturn]] void refuseWriting(int error) const {
+        const std::string message =
+            mFile.option + ": cannot write '" + mFile.path + "': " + std::strerror(error);
+        if (error == ENOSPC || error == EDQUOT) throw DiskFull(message);
+        throw Failure(message);
+    }
+
+    void refuseDanglingLink() const {
+        if (!isDanglingLink(mFile.path)) return;
+        throw Failure(mFile.option + ": '" + mFile.path + "' is a link that leads to no file");
+    }
+
     // Finds the target by its folder's descriptor: whatever becomes of the names on the way to it, the file
     // goes into the folder that was checked.
     void findTarget() {
@@ -154,8 +221,12 @@ private:
                 throw Failure(mFile.option + ": '" + mFile.path + "' is " +
                               (S_ISDIR(status.st_mode) ? "a folder" : "no regular file"));
             }
+            mMode = status.st_mode & kPermissions;
             const std::string resolved = resolvedPath(mFile.path);
             if (!resolved.empty()) target = resolved;
+        } else {
+            if (!scope.wouldHold(mFile.path)) throw Failure(scope.refusal(mFile.option, mFile.path));
+            refuseDanglingLink();
         }
         mFolder = scope.makeFolder(mFile.option, target.parent_path());
         mTarget = mFolder.name() + "/" + target.filename().string();
@@ -163,6 +234,7 @@ private:
 
     void removeTemporary() {
         if (!mTemporary.empty()) unlink(mTemporary.c_str());
+        forgetTemporary(std::exchange(mNote, -1));
     }
 
     const NewFile mFile;
@@ -170,7 +242,9 @@ private:
     std::string mTarget;     // behind a link, the file it leads to
     std::string mTemporary;  // empty where there is none
     bool mStream;
-    int mLock = -1;  // the temporary file's, held until it has its name
+    std::optional<mode_t> mMode;  // of the file that is replaced
+    int mLock = -1;               // the temporary file's, held until it has its name
+    int mNote = -1;
 };
 
 bool isTemporary(const std::string& name) {
@@ -193,6 +267,17 @@ void writeFiles(const std::vector<NewFile>& files) {
         for (StagedFile& file : staged) {
             if (file.isStream() == streams) file.commit();
         }
+    }
+}
+
+void removeTemporariesOnSignals() {
+    for (const int number : kEndingSignals) {
+        struct sigaction action = {};
+        if (sigaction(number, nullptr, &action) != 0 || action.sa_handler == SIG_IGN) continue;
+        action = {};
+        action.sa_handler = onEndingSignal;
+        action.sa_flags = SA_RESETHAND;
+        sigaction(number, &action, nullptr);
     }
 }
 

@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <csignal>
 #include <cstdio>
 #include <exception>
@@ -21,6 +22,7 @@
 #include "tools/zvtext/Presets.h"
 #include "tools/zvtext/RenderCommand.h"
 #include "tools/zvtext/StyleSchema.h"
+#include "tools/zvtext/TextInput.h"
 #include "tools/zvtext/VersionCommand.h"
 
 namespace zvtext {
@@ -31,9 +33,8 @@ constexpr int kExitFailure = 1, kExitUsage = 2;
 
 // One line on standard error: values and file contents that messages quote may hold anything.
 int complain(std::string message, int status) {
-    for (char& c : message) {
-        if (static_cast<unsigned char>(c) < 0x20 || c == 0x7F) c = '?';
-    }
+    message = printable(message);
+    std::replace(message.begin(), message.end(), '\n', '?');
     std::fprintf(stderr, "zvtext: %s\n", message.c_str());
     return status;
 }
@@ -126,6 +127,7 @@ int run(int argc, char** argv) {
 int runProgram(int argc, char** argv) try {
     std::signal(SIGXFSZ, SIG_IGN);  // a file that may not grow is an error of writing, as a disk that is full
     holdStandardStreams();
+    removeTemporariesOnSignals();
     return run(argc, argv);
 } catch (...) {  // the help itself found no memory
     return kExitFailure;

@@ -274,7 +274,7 @@ void runRender(const RenderArguments& arguments) {
         checkOutput(output, arguments.outputOptions, "--output");
         const Rendering rendering = renderScene(readScene(arguments));
         if (output != "-" && arguments.outputOptions.metrics != "-" && !prints) {
-            printed = output + ": " + std::to_string(rendering.picture.width) + " x " +
+            printed = printable(output) + ": " + std::to_string(rendering.picture.width) + " x " +
                       std::to_string(rendering.picture.height) + " pixels\n";
         }
         writeRendering(rendering, output, arguments.outputOptions, "--output", printed);

@@ -387,7 +387,8 @@ std::string writeStyle(const Style& style) {
         json["effects"].push_back(std::move(effect));
     }
     try {
-        return json.dump(2) + "\n";
+        (void)json.dump();  // throws
+        return dumpJson(json, 2) + "\n";
     } catch (const Json::exception&) {
         throw Failure("--print-style: a path or a feature list is not UTF-8");
     }

@@ -48,6 +48,22 @@ size_t findInvalidUtf8(const std::string& text) {
     return std::string::npos;
 }
 
+std::string printable(const std::string& text) {
+    std::string clean;
+    const auto length = static_cast<int64_t>(text.size());
+    for (int64_t i = 0; i < length;) {
+        const int64_t begin = i;
+        UChar32 c;
+        U8_NEXT(text.data(), i, length, c);
+        if (c != '\n' && (c < 0x20 || (c >= 0x7F && c < 0xA0))) {
+            clean += '?';
+        } else {
+            clean.append(text, static_cast<size_t>(begin), static_cast<size_t>(i - begin));
+        }
+    }
+    return clean;
+}
+
 std::string readFile(const std::string& option, const std::string& path, size_t maxBytes,
                      const FolderScope& scope) {
     const bool standardInput = path == "-";

@@ -23,6 +23,10 @@ std::string readText(const std::string& argument, const std::string& file, bool 
 std::string readFile(const std::string& option, const std::string& path, size_t maxBytes,
                      const FolderScope& scope = {});
 
+// The text as a terminal may have it: '?' for control characters (but line ends), U+0080 to U+009F among
+// them, and for what is no UTF-8.
+std::string printable(const std::string& text);
+
 // Offset of the first byte that is no part of well-formed UTF-8 (Unicode 15, table 3-7); npos when all of it
 // is.
 size_t findInvalidUtf8(const std::string& text);
