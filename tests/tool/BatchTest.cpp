@@ -376,7 +376,7 @@ TEST_F(BatchCommand, KilledAtAnyMomentItLeavesWholePicturesAndResumesTheRest) {
     const std::string journal = slurp(folder() / ".zvtext-batch");
     const std::string last = journal.substr(journal.rfind('\n', journal.size() - 2) + 1);
     std::string other = last;
-    other[last.find("\"width\":") + 8] ^= 1;
+    other[last.find(",\"height\"") - 1] ^= 1;
     write("out/.zvtext-batch", other);
     EXPECT_EQ(remade(), std::vector<int>{1});
     std::string foreign = last.substr(0, last.size() - 34);
