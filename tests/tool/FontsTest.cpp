@@ -107,7 +107,8 @@ TEST_F(Fonts, OutlinesAreFreeTypesAtThoseCoordinates) {
     for (auto [axes, coordinates] : places) {
         ASSERT_EQ(FT_Set_Var_Design_Coordinates(oracle.face(), 2, coordinates.data()), 0);
         const host::GlyphImage glyph = oracle.outline(oracle.glyph('H'), 200, 0);
-        render("H", {"--font", kInter, "--axes", axes, "--size", "200", "--trim"});
+        render("H",
+               {"--font", kInter, "--axes", axes, "--size", "200", "--trim", "--text-rendering", "plain"});
         const Image picture = readPng(file("out.png"));
         std::vector<uint8_t> alpha;
         for (size_t i = 3; i < picture.rgba.size(); i += 4) alpha.push_back(picture.rgba[i]);

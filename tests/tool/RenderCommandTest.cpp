@@ -135,6 +135,22 @@ TEST_F(RenderCommand, SpacingFeaturesOpacityAndBackgroundReachThePicture) {
     EXPECT_EQ(render("office", {"--padding", "10,20,30,40"}).width, plain.width + 40);
 }
 
+TEST_F(RenderCommand, TextIsRenderedAsOnThePhoneOrPlain) {
+    const Image phone = render("Hamburg", {"--size", "17"});
+    EXPECT_EQ(render("Hamburg", {"--size", "17", "--text-rendering", "phone"}).rgba, phone.rgba);
+    const Image plain = render("Hamburg", {"--size", "17", "--text-rendering", "plain"});
+    EXPECT_NE(plain.rgba, phone.rgba);
+    // One worker draws both, each line as it says.
+    EXPECT_EQ(run({"batch", "--font", kFont, "--size", "17", "--output-dir", mFolder},
+                  "{\"text\":\"Hamburg\",\"text-rendering\":\"plain\"}\n{\"text\":\"Hamburg\"}\n")
+                  .status,
+              0);
+    EXPECT_EQ(readPng(file("1.png")).rgba, plain.rgba);
+    EXPECT_EQ(readPng(file("2.png")).rgba, phone.rgba);
+    expectRefused({"x", "--font", kFont, "--text-rendering", "web"}, 2,
+                  "--text-rendering: 'web' is not one of");
+}
+
 TEST_F(RenderCommand, FallbackFontsServeWhatTheFirstFontLacks) {
     const Image missing = render("世界", {"--no-fallback"});
     const Image found = render("世界", {"--fallback", kCjkFont});

@@ -79,6 +79,11 @@ void addViewOptions(CLI::App& command, RenderArguments& a) {
         ->type_name("PX")
         ->capture_default_str();
     command
+        .add_option("--text-rendering", a.rendering,
+                    "Glyphs as the phone draws them, or at exact sizes without hinting and gamma")
+        ->type_name("phone|plain")
+        ->capture_default_str();
+    command
         .add_option_function<std::string>(
             "--scale", [&a](const std::string& value) { a.scale = parseNumber("--scale", value, kScale); },
             "Multiply every length, those of effects too; above 0, up to 16")
@@ -239,6 +244,9 @@ Scene readScene(const RenderArguments& arguments) {
     scene.gravity = parseChoice<Gravity>(
         "--gravity", arguments.gravity,
         {{"top", Gravity::Top}, {"center", Gravity::Center}, {"bottom", Gravity::Bottom}});
+    scene.rendering =
+        parseChoice<host::Rendering>("--text-rendering", arguments.rendering,
+                                     {{"phone", host::Rendering::Phone}, {"plain", host::Rendering::Plain}});
     if (!arguments.maxLines.empty())
         scene.maxLines = parseInteger("--max-lines", arguments.maxLines, 1, 1'000'000);
     scene.padding = parsePadding("--padding", arguments.padding);

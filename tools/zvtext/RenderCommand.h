@@ -19,7 +19,7 @@ struct RenderArguments {
     std::string font, axes;
     std::vector<std::string> fallbacks;
     bool noFallback = false;
-    std::string width, height, align = "left", gravity = "top", maxLines, padding = "0";
+    std::string width, height, align = "left", gravity = "top", maxLines, padding = "0", rendering = "phone";
     std::optional<std::string> output;
     OutputOptions outputOptions;
     double scale = 1;

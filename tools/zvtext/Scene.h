@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/host/Rendering.h"
 #include "tools/zvtext/Rendering.h"
 #include "tools/zvtext/Style.h"
 #include "tools/zvtext/Values.h"
@@ -30,7 +31,8 @@ struct Scene {
     Gravity gravity = Gravity::Top;
     int maxLines = 0;  // 0: all
     Padding padding;
-    bool trim = false;  // the picture without its transparent border
+    host::Rendering rendering = host::Rendering::Phone;  // of the whole process from then on
+    bool trim = false;                                   // the picture without its transparent border
 };
 
 // The largest picture made, effect margins included: each side, and the pixels in all (about 1.5 GB of

@@ -21,6 +21,7 @@
 #include "foundation/List.h"
 #include "foundation/ZvString.h"
 #include "platform/host/Clusters.h"
+#include "platform/host/Rendering.h"
 #include "text/FontManager.h"
 #include "tools/zvtext/Failure.h"
 #include "tools/zvtext/FontChoice.h"
@@ -232,6 +233,7 @@ void addSystemFonts(SceneFonts& scene, const std::vector<Cluster>& clusters, con
 }  // namespace
 
 SceneFonts takeFonts(const Scene& scene) {
+    host::setRendering(scene.rendering);
     SceneFonts taken;
     taken.fonts.push_back(
         loadFont("--font", chooseFont("--font", scene.font, scene.fontScope), "--axes", scene.axes));
