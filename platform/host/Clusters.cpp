@@ -71,9 +71,8 @@ bool isDefaultIgnorable(uint32_t codePoint) {
            u_hasBinaryProperty(static_cast<UChar32>(codePoint), UCHAR_DEFAULT_IGNORABLE_CODE_POINT) != 0;
 }
 
-bool isVariationSelector(uint32_t codePoint) {
-    return (codePoint >= 0xFE00 && codePoint <= 0xFE0F) || (codePoint >= 0xE0100 && codePoint <= 0xE01EF) ||
-           (codePoint >= 0x180B && codePoint <= 0x180D) || codePoint == 0x180F;
+bool selectsVariation(uint32_t codePoint) {
+    return (codePoint >= 0xFE00 && codePoint <= 0xFE0F) || (codePoint >= 0xE0100 && codePoint <= 0xE01EF);
 }
 
 size_t clusterEnd(const uint16_t* text, size_t start, size_t end) {

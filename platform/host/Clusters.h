@@ -16,7 +16,8 @@ size_t clusterEnd(const uint16_t* text, size_t start, size_t end);
 // Whether the character shows nothing and needs no glyph: soft hyphen, joiners, directional marks, selectors.
 bool isDefaultIgnorable(uint32_t codePoint);
 
-bool isVariationSelector(uint32_t codePoint);
+// Whether the character asks for a variant of the one before it, by the rules of fonts' variation tables.
+bool selectsVariation(uint32_t codePoint);
 
 // The code point at *at, which moves past it; U+FFFD for a surrogate without its partner. *at < end.
 uint32_t nextCodePoint(const uint16_t* text, size_t* at, size_t end);

@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/host/FontFallback.h"
 
+#include <unicode/uchar.h>
 #include <unicode/unorm2.h>
-
-#include <algorithm>
 
 #include "platform/host/Clusters.h"
 #include "platform/host/LocaleLists.h"
@@ -12,36 +11,54 @@
 namespace host {
 namespace {
 
-constexpr size_t kNone = SIZE_MAX;     // no family covers it
-constexpr size_t kAny = SIZE_MAX - 1;  // shows nothing, any family will do
+constexpr size_t kNone = SIZE_MAX;
 constexpr uint32_t kTextSelector = 0xFE0E;
 constexpr uint32_t kEmojiSelector = 0xFE0F;
 
-// Longer clusters are no letters; ordering their marks could take time with the square of their number.
-constexpr size_t kNormalizedLength = 64;
+bool isMark(uint32_t c) {
+    return c >= 0x300 && (U_GET_GC_MASK(static_cast<UChar32>(c)) & U_GC_M_MASK) != 0;
+}
 
-// A cluster composed or decomposed; empty when that changes nothing.
-std::vector<uint32_t> normalized(const std::vector<uint32_t>& cluster, bool compose) {
-    if (cluster.size() > kNormalizedLength) return {};
+// Signs that stay in the font of the text before them.
+bool isSticky(uint32_t c) {
+    switch (c) {
+        case '!':
+        case ',':
+        case '-':
+        case '.':
+        case ':':
+        case ';':
+        case '?':
+        case 0x00A0:
+        case 0x2010:
+        case 0x2011:
+        case 0x202F:
+        case 0x2640:
+        case 0x2642:
+        case 0x2695:
+            return true;
+        default:
+            return isMark(c);
+    }
+}
+
+bool isEmojiModifier(uint32_t c) {
+    return c >= 0x1F3FB && c <= 0x1F3FF;
+}
+bool isEmojiBase(uint32_t c) {
+    return u_hasBinaryProperty(static_cast<UChar32>(c), UCHAR_EMOJI_MODIFIER_BASE) != 0;
+}
+
+// The character that the decomposition of `c` begins with; `c` when it has none.
+uint32_t firstOfDecomposition(uint32_t c) {
     UErrorCode status = U_ZERO_ERROR;
-    const UNormalizer2* form = compose ? unorm2_getNFCInstance(&status) : unorm2_getNFDInstance(&status);
-    if (U_FAILURE(status)) return {};
-    std::vector<UChar> source;
-    for (const uint32_t c : cluster) {
-        if (c >= 0x10000) source.push_back(static_cast<UChar>(0xD7C0 + (c >> 10)));
-        source.push_back(static_cast<UChar>(c >= 0x10000 ? 0xDC00 | (c & 0x3FF) : c));
-    }
-    // A character decomposes into at most four units for each of its own.
-    std::vector<UChar> target(source.size() * 4 + 4);
-    const int32_t length = unorm2_normalize(form, source.data(), static_cast<int32_t>(source.size()),
-                                            target.data(), static_cast<int32_t>(target.size()), &status);
-    if (U_FAILURE(status)) return {};
-    std::vector<uint32_t> result;
-    const auto* units = reinterpret_cast<const uint16_t*>(target.data());
-    for (size_t at = 0; at < static_cast<size_t>(length);) {
-        result.push_back(nextCodePoint(units, &at, static_cast<size_t>(length)));
-    }
-    return result == cluster ? std::vector<uint32_t>() : result;
+    const UNormalizer2* form = unorm2_getNFDInstance(&status);
+    if (U_FAILURE(status)) return c;
+    UChar units[4];
+    const int32_t length = unorm2_getRawDecomposition(form, static_cast<UChar32>(c), units, 4, &status);
+    if (U_FAILURE(status) || length <= 0) return c;
+    size_t at = 0;
+    return nextCodePoint(reinterpret_cast<const uint16_t*>(units), &at, static_cast<size_t>(length));
 }
 
 }  // namespace
@@ -63,7 +80,10 @@ const FontFallback::Candidate& FontFallback::candidate(size_t family) {
         entry.font = source.getClosestMatch(mStyle);
         entry.face = entry.font.font->shaping()->face.get();
         entry.localeScore = localeScore(localeListOf(mLocaleListId), locales);
-        entry.variantFits = source.variant() == mVariant;
+        using Variant = minikin::FontFamily::Variant;
+        const Variant variant = source.variant();
+        entry.variantFits = variant == Variant::DEFAULT || variant == mVariant ||
+                            (mVariant == Variant::DEFAULT && variant == Variant::COMPACT);
         for (const Locale& locale : locales) {
             entry.emoji |= locale.presentation == Presentation::kEmoji;
             entry.symbols |= locale.presentation == Presentation::kText;
@@ -74,72 +94,62 @@ const FontFallback::Candidate& FontFallback::candidate(size_t family) {
 
 std::vector<FontRun> FontFallback::cut(const uint16_t* text, size_t start, size_t end) {
     std::vector<FontRun> runs;
-    if (mCandidates.empty()) return runs;
+    if (mCandidates.empty() || start >= end) return runs;
+    uint32_t previous = 0;
+    size_t previousStart = start;
     for (size_t at = start; at < end;) {
-        const size_t next = clusterEnd(text, at, end);
-        const size_t family = familyOfCluster(text, at, next);
-        if (runs.empty() && family != kAny) {
-            runs.push_back({start, next, family});  // takes what showed nothing before it along
-        } else if (!runs.empty() && (family == kAny || family == runs.back().family)) {
-            runs.back().end = next;
-        } else if (!runs.empty()) {
-            runs.push_back({at, next, family});
+        const size_t here = at;
+        const uint32_t c = nextCodePoint(text, &at, end);
+        const bool anyFont = isDefaultIgnorable(c);
+        const bool stays =
+            anyFont || (!runs.empty() && isSticky(c) && candidate(runs.back().family).face->covers(c));
+        if (!stays) {
+            size_t next = at;
+            const uint32_t after = next < end ? nextCodePoint(text, &next, end) : 0;
+            const size_t family = familyOf(c, selectsVariation(after) ? after : 0);
+            if (runs.empty()) {
+                runs.push_back({start, at, family});  // takes what needs no font before it along
+            } else if (family != runs.back().family) {
+                const bool together = isMark(c) || (isEmojiModifier(c) && isEmojiBase(previous));
+                size_t from = here;
+                if (together && candidate(family).face->covers(previous)) {
+                    from = previousStart;
+                    runs.back().end = from;
+                    if (runs.back().start >= from) runs.pop_back();
+                }
+                runs.push_back({from, at, family});
+            }
         }
-        at = next;
+        if (!runs.empty()) runs.back().end = at;
+        previous = c;
+        previousStart = here;
     }
-    if (runs.empty() && start < end) runs.push_back({start, end, 0});
+    if (runs.empty()) runs.push_back({start, end, 0});
     return runs;
 }
 
-size_t FontFallback::familyOfCluster(const uint16_t* text, size_t start, size_t end) {
-    size_t at = start;
-    const uint32_t first = nextCodePoint(text, &at, end);
-    if (at == end) {
-        if (candidate(0).face->covers(first)) return isDefaultIgnorable(first) ? kAny : 0;
-        if (isDefaultIgnorable(first)) return kAny;
-    }
-    mCluster.assign(1, first);
-    while (at < end) mCluster.push_back(nextCodePoint(text, &at, end));
-
-    size_t family = choose(mCluster);
-    // Shaping composes and decomposes by what the font has, so equivalent spellings are as good.
-    if (family == kNone) family = choose(normalized(mCluster, true));
-    if (family == kNone) family = choose(normalized(mCluster, false));
-    return family == kNone ? 0 : family;
-}
-
-size_t FontFallback::choose(const std::vector<uint32_t>& cluster) {
-    if (cluster.empty()) return kNone;
-    const auto base = std::find_if_not(cluster.begin(), cluster.end(), isDefaultIgnorable);
-    if (base == cluster.end()) return kAny;
-    const bool selected = base + 1 != cluster.end() && isVariationSelector(base[1]);
-    const size_t family = familyOf(*base, selected ? base[1] : 0);
-    if (family == kNone || cluster.size() == 1 || coversAll(*candidate(family).face, cluster)) return family;
-    for (size_t other = 0; other < mCandidates.size(); other++) {
-        if (coversAll(*candidate(other).face, cluster)) return other;
-    }
-    return family;
-}
-
-size_t FontFallback::familyOf(uint32_t base, uint32_t selector) {
+// The first family when none has it.
+size_t FontFallback::familyOf(uint32_t character, uint32_t selector) {
     const FontFace& first = *candidate(0).face;
-    if (selector != 0 ? first.coversVariation(base, selector) : first.covers(base)) return 0;
+    if (selector != 0 ? first.coversVariation(character, selector) : first.covers(character)) return 0;
     size_t best = kNone;
     uint32_t bestScore = 0;
     for (size_t family = 0; family < mCandidates.size(); family++) {
-        const uint32_t here = score(candidate(family), base, selector);
+        const uint32_t here = score(candidate(family), character, selector);
         if (here > bestScore) {
             best = family;
             bestScore = here;
         }
     }
-    return best;
+    if (best != kNone) return best;
+    const uint32_t simpler = firstOfDecomposition(character);
+    return simpler != character ? familyOf(simpler, selector) : 0;
 }
 
-// 0 when the font does not cover the base. The presentation outweighs the locales, these the variant.
-uint32_t FontFallback::score(const Candidate& font, uint32_t base, uint32_t selector) const {
-    const bool ownGlyph = selector != 0 && font.face->coversVariation(base, selector);
-    if (!ownGlyph && !font.face->covers(base)) return 0;
+// 0 when the font does not cover the character. The presentation outweighs the locales, these the variant.
+uint32_t FontFallback::score(const Candidate& font, uint32_t character, uint32_t selector) const {
+    const bool ownGlyph = selector != 0 && font.face->coversVariation(character, selector);
+    if (!ownGlyph && !font.face->covers(character)) return 0;
     uint32_t presentation = 1;
     if (ownGlyph) {
         presentation = 4;
@@ -149,13 +159,6 @@ uint32_t FontFallback::score(const Candidate& font, uint32_t base, uint32_t sele
         presentation = font.emoji ? 1 : (font.symbols ? 3 : 2);
     }
     return presentation << 29 | font.localeScore << 1 | (font.variantFits ? 1u : 0u);
-}
-
-bool FontFallback::coversAll(const FontFace& face, const std::vector<uint32_t>& cluster) {
-    const auto covered = [&face](uint32_t c) { return isDefaultIgnorable(c) || face.covers(c); };
-    if (std::all_of(cluster.begin(), cluster.end(), covered)) return true;
-    const std::vector<uint32_t> composed = normalized(cluster, true);
-    return !composed.empty() && std::all_of(composed.begin(), composed.end(), covered);
 }
 
 }  // namespace host

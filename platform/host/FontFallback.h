@@ -19,14 +19,15 @@ struct FontRun {
     size_t family = 0;
 };
 
-// Chooses the family for each cluster of a text, by the rules of minikin::FontCollection. One for each
+// Chooses the family for each character of a word, by the rules of minikin::FontCollection. One for each
 // layout; it must not outlive the collection.
 class FontFallback {
 public:
     FontFallback(const minikin::FontCollection& collection, minikin::FontStyle style, uint32_t localeListId,
                  minikin::FontFamily::Variant variant);
 
-    // The runs of [start, end) in logical order; they cover it without gaps. None without families.
+    // The runs of [start, end), a word or part of one, in logical order; they cover it without gaps. None
+    // without families.
     std::vector<FontRun> cut(const uint16_t* text, size_t start, size_t end);
 
     // The font of the family that draws the style.
@@ -43,18 +44,14 @@ private:
     };
 
     const Candidate& candidate(size_t family);
-    size_t familyOfCluster(const uint16_t* text, size_t start, size_t end);
-    size_t choose(const std::vector<uint32_t>& cluster);
-    size_t familyOf(uint32_t base, uint32_t selector);
-    uint32_t score(const Candidate& font, uint32_t base, uint32_t selector) const;
-    bool coversAll(const FontFace& face, const std::vector<uint32_t>& cluster);
+    size_t familyOf(uint32_t character, uint32_t selector);
+    uint32_t score(const Candidate& font, uint32_t character, uint32_t selector) const;
 
     const minikin::FontCollection& mCollection;
     const minikin::FontStyle mStyle;
     const uint32_t mLocaleListId;
     const minikin::FontFamily::Variant mVariant;
     std::vector<Candidate> mCandidates;
-    std::vector<uint32_t> mCluster;
 };
 
 }  // namespace host

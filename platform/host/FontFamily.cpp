@@ -4,6 +4,7 @@
 #include <minikin/FontFamily.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cmath>
 #include <cstdlib>
 #include <utility>
@@ -24,6 +25,11 @@ FontFakery fakeryFor(FontStyle wanted, FontStyle actual) {
     const bool italic =
         wanted.slant() == FontStyle::Slant::ITALIC && actual.slant() == FontStyle::Slant::UPRIGHT;
     return FontFakery(bold, italic);
+}
+
+uint64_t nextCollectionId() {
+    static std::atomic<uint64_t> last{0};
+    return ++last;
 }
 
 }  // namespace
@@ -83,7 +89,8 @@ FakedFont FontFamily::getClosestMatch(FontStyle style) const {
     return FakedFont{&*best, fakeryFor(style, best->style())};
 }
 
-FontCollection::FontCollection(const std::vector<std::shared_ptr<FontFamily>>& families) {
+FontCollection::FontCollection(const std::vector<std::shared_ptr<FontFamily>>& families)
+    : mId(nextCollectionId()) {
     for (const std::shared_ptr<FontFamily>& family : families) {
         if (family && family->getClosestMatch(FontStyle()).font) mFamilies.push_back(family);
     }

@@ -17,6 +17,13 @@ hb_font_t* immutableFont(const FontFace& face) {
     return font;
 }
 
+bool hasTable(hb_face_t* face, hb_tag_t tag) {
+    hb_blob_t* table = hb_face_reference_table(face, tag);
+    const bool has = hb_blob_get_length(table) > 0;
+    hb_blob_destroy(table);
+    return has;
+}
+
 }  // namespace
 
 std::shared_ptr<const ShapingFont> ShapingFont::open(const minikin::MinikinFont* font) {
@@ -31,7 +38,9 @@ std::shared_ptr<const ShapingFont> ShapingFont::open(const minikin::MinikinFont*
 }
 
 ShapingFont::ShapingFont(std::shared_ptr<FontFace> fontFace)
-    : face(std::move(fontFace)), hbFont(immutableFont(*face)) {}
+    : face(std::move(fontFace)),
+      hbFont(immutableFont(*face)),
+      colourBitmaps(hasTable(face->hbFace(), HB_TAG('C', 'B', 'D', 'T'))) {}
 
 ShapingFont::~ShapingFont() {
     hb_font_destroy(hbFont);

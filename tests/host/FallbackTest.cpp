@@ -63,9 +63,9 @@ TEST(Fallback, ChoosesByCoverageThenLocaleVariantAndPresentation) {
           {"02", u"a直", "ja"}}},
         // The script alone counts as well.
         {{roman, sans, {hebrew(), "und-Hebr"}}, {{"1", u"אב", "en"}, {"2", u"אב", "he"}}},
-        // The variant breaks ties, and the first family outranks it.
+        // The variant breaks ties, and the first family outranks it. Whoever wants none gets the compact one.
         {{roman, elegant, compact},
-         {{"1", u"אב"},
+         {{"2", u"אב"},
           {"1", u"אב", "", Variant::ELEGANT},
           {"2", u"אב", "", Variant::COMPACT},
           {"0", u"ab", "", Variant::COMPACT}}},
@@ -75,14 +75,23 @@ TEST(Fallback, ChoosesByCoverageThenLocaleVariantAndPresentation) {
         // Where no font has both they stay with the base's.
         {{roman, signs}, {{"0", u"ax\u20D0b"}}},
         {{roman, signs, sans},
-         {{"020", u"ab שלום cd"}, {"020", u"ax\u20D0b"}, {"010", u"ax\u20DDb"}, {"0", u"ax\u20D0\u20DDb"}}},
+         {{"020", u"ab שלום cd"},
+          {"020", u"ax\u20D0b"},
+          {"010", u"ax\u20DDb"},
+          {"0210", u"ax\u20D0\u20DDb"}}},
         {{roman, {devanagari(), "und-Deva"}, {thai()}, sans},
          {{"1", u"क्षत्रिय\u200Dर्\u200Cकि"}, {"2", u"ที่นี่น้ำ"}}},
-        // Invisible characters join their neighbour.
+        // Invisible characters join their neighbour in the word; directional marks are words.
         {{roman, {hebrew()}},
          {{"0", u"a\u00ADb\u200E\u2060c\uFEFF"},
-          {"1", u"\uFEFF\u200Fא\u200Fב\u00AD"},
+          {"1", u"\uFEFFא\u00ADב\u00AD"},
+          {"10", u"\u200Fא"},
           {"0", u"\u200F\u00AD"}}},
+        // Signs stay in the font of the text before them, in the same word.
+        {{roman, sans, {japanese()}},
+         {{"2", u"漢!字-."}, {"202", u"漢(字!"}, {"202", u"漢 !字"}, {"0", u"a!-"}}},
+        // The modifier of an emoji takes it along.
+        {{sans, emojis}, {{"1", u"\u261D\U0001F3FF"}, {"0", u"\u261D"}}},
         // Selectors ask for a presentation; the first family too gives way to one that has it. One that no
         // font knows changes nothing.
         {{roman, symbolic, emojis}, {{"1", u"\u263A"}, {"1", u"\u263A\uFE0E"}, {"2", u"\u263A\uFE0F"}}},

@@ -56,7 +56,7 @@ protected:
         manager.ClearFontFamilies();
         japanese = makeFamily("ja", {kSans});
         korean = makeFamily("ko", {kBold});
-        korean->variant = 1;
+        japanese->variant = 1;
         for (ZvFontFamily* family : {japanese, korean}) ASSERT_TRUE(manager.BuildMinikinFamily(family));
         japanese->loaded = korean->loaded = 1;
         ASSERT_TRUE(manager.SetSystemFontFamilies(makeFamilies({japanese, korean})));
@@ -95,7 +95,7 @@ TEST_F(KeptLines, EveryInputOfALineShows) {
         onPaint("letter spacing", [](Paint& p) { p.setLetterSpacing(0.1f); }),
         onPaint("features", [](Paint& p) { p.setFontFeatureSettings("smcp, kern=0"); }),
         onPaint("locale", [](Paint& p) { p.setMinikinLocaleListId(minikin::registerLocaleList("ko")); }),
-        onPaint("variant", [](Paint& p) { p.setFamilyVariant(minikin::FontFamily::Variant::COMPACT); }),
+        onPaint("variant", [](Paint& p) { p.setFamilyVariant(minikin::FontFamily::Variant::ELEGANT); }),
         flags("fake bold", SkPaint::kFakeBoldText_Flag, 0),
         flags("no anti-alias", 0, SkPaint::kAntiAlias_Flag),
         flags("linear, subpixel", SkPaint::kLinearText_Flag | SkPaint::kSubpixelText_Flag, 0),

@@ -20,17 +20,22 @@ namespace android {
 class MinikinUtils {
 public:
     // Lays [start, start + count) of the UTF-16 text `buf` of `bufSize` units out as one line; the rest of
-    // the text is context (direction, joining letters). What lies beyond bufSize is cut off. The line is cut
-    // into runs of one direction, put in visual order, then of one font, then of one script, and each is
-    // shaped (one of thousands of characters in pieces, which meet after a space where there is one).
-    // Language: the first locale of the paint's list whose script fits the run's, else the first of all.
+    // the text is context (direction). What lies beyond bufSize is cut off. The line is cut into runs of one
+    // direction, put in visual order, then into words, then into runs of one font, then of one script. A word
+    // begins before and after each blank (U+0020, U+2000 to U+200A, U+3000) and directional control (U+200E,
+    // U+200F, U+202A to U+202E, U+2066 to U+2069) and before each of U+3400 to U+9FFF. Each is shaped by
+    // itself, with the rest of it as context where a run or range cuts it, and starts at x cut to a whole
+    // pixel. Language: the first locale of the paint's list whose script fits the run's, else the first of
+    // all. Words are kept, so the next layout with them is cheap.
     //
-    // A text size or scale X beyond what glyphs are drawn at, or that is no number, counts as size 0.
-    // Without the linear-text flag (0x40) each advance is rounded to a whole pixel.
+    // In the phone's rendering (host::Rendering) the size is cut to a whole number, unless the linear-text
+    // flag (0x40) is set. A text size, scale X or skew of no use (none, no number, a size above 2^20, a scale
+    // beyond 1000) counts as size 0. Without the linear-text flag each advance is rounded to a whole pixel.
     //
     // Letter spacing x size x scale X, rounded to a whole pixel without the linear-text flag, is added to
-    // each cluster: half of it, rounded down, before and the rest after. Scripts whose letters join or hang
-    // from a line take none. Beyond 0.03 em either way the ligature features liga and clig are off.
+    // each cluster: half of it (rounded down without that flag) before and the rest after. Scripts whose
+    // letters join or hang from a line take none. Beyond 0.03 em either way the ligature features liga and
+    // clig are off. Of the paint's feature settings the last of each tag holds; tags after 1024 are left out.
     //
     // A null paint, typeface or text, or a typeface without fonts, gives a layout without glyphs. The
     // measured text is not used and may be null. Any number of threads may lay text out at once.

@@ -4,20 +4,26 @@
 
 #include <minikin/FontFamily.h>
 
+#include <cstdint>
 #include <memory>
 #include <vector>
 
 namespace minikin {
 
-// The families a text is searched through, first to last. Which one draws a cluster (a base character with
-// the marks, joiners and variation selector that belong to it):
-// - the first family, wherever it covers the base (with the variation selector, if one follows);
-// - else, among the families that cover the base, the best by these in turn: a glyph of its own for the
-//   variation selector; made for the presentation that U+FE0F (emoji) or U+FE0E (text) asks for; made for
-//   the locales of the paint, the first locale counting most; of the paint's variant; earlier in the list;
-// - but if that family lacks a mark of the cluster, the first family that covers all of it, if there is one;
-// - and where no family covers the base, the first one, with its missing glyph.
-// A character that shows nothing (soft hyphen, joiner, directional mark) takes the font of its neighbour.
+// The families a text is searched through, first to last. Text goes through it word by word and character by
+// character:
+// - a character that shows nothing (soft hyphen, joiner, selector, directional mark) stays in the family of
+//   the one before it, at the start of a word in that of the one after it;
+// - so do ! , - . : ; ? no-break spaces, U+2010, U+2011, the signs U+2640, U+2642, U+2695 and combining
+//   marks, where that family covers them;
+// - else the first family, if it covers the character (with the variation selector, if one follows);
+// - else, among the families that cover it, the best by these in turn: a glyph of its own for the variation
+//   selector; made for the presentation that U+FE0F (emoji) or U+FE0E (text) asks for; made for the locales
+//   of the paint, the first locale counting most; of a variant that fits; earlier in the list;
+// - else that of the character which its decomposition begins with, else the first one, with its missing
+//   glyph.
+// A combining mark that goes to another family takes the character before it along, if that family covers it;
+// so does the modifier of an emoji.
 class FontCollection {
 public:
     // Null families and families without a usable font are left out.
@@ -27,8 +33,11 @@ public:
 
     // Those that were not left out, in their order.
     const std::vector<std::shared_ptr<FontFamily>>& families() const { return mFamilies; }
+    // Different for every collection of the process.
+    uint64_t id() const { return mId; }
 
 private:
+    const uint64_t mId;
     std::vector<std::shared_ptr<FontFamily>> mFamilies;
 };
 

@@ -32,7 +32,7 @@ enum class Bidi : uint8_t {
 // on the baseline, y growing downwards. Move-only. It keeps its fonts alive.
 //
 // Without the linear-text flag of the paint every advance is a whole number of pixels, and so is every pen
-// position; only the offsets of marks are fractions then.
+// position; only the offsets of marks are fractions then. With it, advances and bounds are fractions.
 class Layout {
 public:
     Layout() = default;
@@ -54,8 +54,9 @@ public:
     // The sum of all advances, letter spacing included; 0 without glyphs.
     float getAdvance() const { return mAdvance; }
 
-    // The union of the glyphs' ink boxes, each of whole pixels around the glyph's outline and then moved to
-    // the glyph's position. Blank glyphs add nothing; all zero when every glyph is blank.
+    // The union of the glyphs' ink boxes, each of whole pixels around the glyph's outline (in the phone's
+    // rendering, of linear text and above 256 pixels: at a size of 64, then scaled) and then moved to the
+    // glyph's position. Blank glyphs add nothing; all zero when every glyph is blank.
     void getBounds(MinikinRect* bounds) const { *bounds = mBounds; }
 
 private:
