@@ -47,12 +47,9 @@ void takeWords(uint8_t* __restrict pixels, const uint8_t* __restrict coverage, s
 void mergeBackLayer(ZvBitmap* picture, const ZvBitmap* back, const ZvBitmap* mask) {
     if (!isColor(picture) || !isColor(back) || mask == nullptr || mask->pixels == nullptr) return;
     if (mask->bytesPerPixel != 1) return;
-    const size_t width = std::min({picture->width, back->width, mask->width});
-    const size_t height = std::min({picture->height, back->height, mask->height});
-    for (size_t y = 0; y < height; ++y) {
-        mergeBackRow(picture->pixels + y * picture->width * 4, back->pixels + y * back->width * 4,
-                     mask->pixels + y * mask->width, width);
-    }
+    const auto pixelsOf = [](const ZvBitmap& bitmap) { return size_t{bitmap.width} * bitmap.height; };
+    mergeBackRow(picture->pixels, back->pixels, mask->pixels,
+                 std::min({pixelsOf(*picture), pixelsOf(*back), pixelsOf(*mask)}));
 }
 
 void finishPicture(ZvBitmap* picture, uint8_t textAlpha) {

@@ -16,7 +16,8 @@ class ZvBitmap;
 // In the two below, bitmaps of another depth or without pixels leave `picture` as it is.
 
 // Cross-fades every byte of `picture` (premultiplied) with `back` (premultiplied) by the coverage in mask:
-// full coverage keeps picture, none takes back. Works on the area common to the three, from the top-left.
+// full coverage keeps picture, none takes back. Pixel i goes with pixel i of the others, row by row, whatever
+// their widths, for as many as all three have.
 void mergeBackLayer(ZvBitmap* picture, const ZvBitmap* back, const ZvBitmap* mask);
 
 // Scales the alpha of a premultiplied picture by textAlpha and makes its colours straight. A pixel whose

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "effect/EffectFactory.h"
 
+#include <typeinfo>
+
 #include "effect/ZvText.h"
 #include "effect/filters/ZvBevel.h"
 #include "effect/filters/ZvEmboss.h"
@@ -16,33 +18,47 @@
 
 namespace Zvex {
 
+namespace {
+
+struct LayerClass {
+    int type;
+    ZvECore* (*make)();
+    const std::type_info* info;
+};
+
+template <typename Layer>
+constexpr LayerClass classOf(int type) {
+    return {type, []() -> ZvECore* { return tryMake<Layer>().release(); }, &typeid(Layer)};
+}
+
+constexpr LayerClass CLASSES[] = {
+    classOf<ZvBevel>(ZV_EFFECT_BEVEL),
+    classOf<ZvEmboss>(ZV_EFFECT_EMBOSS),
+    classOf<ZvInnerGlow>(ZV_EFFECT_INNER_GLOW),
+    classOf<ZvInnerShadow>(ZV_EFFECT_INNER_SHADOW),
+    classOf<ZvLinearGradient>(ZV_EFFECT_LINEAR_GRADIENT),
+    classOf<ZvOuterGlow>(ZV_EFFECT_OUTER_GLOW),
+    classOf<ZvOuterShadow>(ZV_EFFECT_OUTER_SHADOW),
+    classOf<ZvPattern>(ZV_EFFECT_PATTERN),
+    classOf<ZvRadialGradient>(ZV_EFFECT_RADIAL_GRADIENT),
+    classOf<ZvStroke>(ZV_EFFECT_STROKE),
+    classOf<ZvText>(ZV_EFFECT_TEXT),
+};
+
+}  // namespace
+
 ZvECore* newEffectLayer(int type) {
-    switch (type) {
-        case ZV_EFFECT_BEVEL:
-            return tryMake<ZvBevel>().release();
-        case ZV_EFFECT_EMBOSS:
-            return tryMake<ZvEmboss>().release();
-        case ZV_EFFECT_INNER_GLOW:
-            return tryMake<ZvInnerGlow>().release();
-        case ZV_EFFECT_INNER_SHADOW:
-            return tryMake<ZvInnerShadow>().release();
-        case ZV_EFFECT_LINEAR_GRADIENT:
-            return tryMake<ZvLinearGradient>().release();
-        case ZV_EFFECT_OUTER_GLOW:
-            return tryMake<ZvOuterGlow>().release();
-        case ZV_EFFECT_OUTER_SHADOW:
-            return tryMake<ZvOuterShadow>().release();
-        case ZV_EFFECT_PATTERN:
-            return tryMake<ZvPattern>().release();
-        case ZV_EFFECT_RADIAL_GRADIENT:
-            return tryMake<ZvRadialGradient>().release();
-        case ZV_EFFECT_STROKE:
-            return tryMake<ZvStroke>().release();
-        case ZV_EFFECT_TEXT:
-            return tryMake<ZvText>().release();
-        default:
-            return nullptr;
+    for (const LayerClass& known : CLASSES) {
+        if (known.type == type) return known.make();
     }
+    return nullptr;
+}
+
+bool isBuiltInLayer(const ZvECore* layer) {
+    for (const LayerClass& known : CLASSES) {
+        if (*known.info == typeid(*layer)) return true;
+    }
+    return false;
 }
 
 }  // namespace Zvex

@@ -10,6 +10,10 @@ class ZvECore;
 // memory is short. The one place that names all classes: adding one is an include and a line.
 ZvECore* newEffectLayer(int type);
 
+// Whether the layer is of one of these classes itself, not of one derived from them: it draws in
+// doPostProcessing only, and can hand over its rows there.
+bool isBuiltInLayer(const ZvECore* layer);
+
 }  // namespace Zvex
 
 #endif  // ZVEX_EFFECT_EFFECTFACTORY_H_

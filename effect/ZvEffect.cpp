@@ -369,8 +369,13 @@ void ZvEffect::initEffect(int width, int height) {
 }
 
 void ZvEffect::initPicture(ZvBitmap* out) {
-    beginRendering(clampToSize(INT_MAX, out->width), clampToSize(INT_MAX, out->height), MaskPixels::Unset);
+    const bool strips = std::all_of(effects.begin(), effects.end(), isBuiltInLayer);
+    beginRendering(clampToSize(INT_MAX, out->width), clampToSize(INT_MAX, out->height),
+                   strips ? MaskPixels::Unset : MaskPixels::Zeroed);
     dst = out;
+    inStrips = strips;
+    pictureIsUnset = true;
+    if (!strips) clearUnsetPicture();  // other layers may draw at any time
 }
 
 void ZvEffect::beginRendering(int width, int height, MaskPixels maskPixels) {
@@ -384,9 +389,9 @@ void ZvEffect::beginRendering(int width, int height, MaskPixels maskPixels) {
     const unsigned int bitmapWidth = static_cast<unsigned int>(std::max(width, 0));
     const unsigned int bitmapHeight = static_cast<unsigned int>(std::max(height, 0));
     maskTop = maskBottom = 0;
-    maskIsPartial = maskPixels == MaskPixels::Unset;
-    if (maskIsPartial) {
+    if (maskPixels == MaskPixels::Unset) {
         mask = tryMake<ZvBitmap>(bitmapWidth, bitmapHeight, 1u, ZvBitmap::Unset::Pixels).release();
+        partialMask = mask;
     } else {
         mask = tryMake<ZvBitmap>(bitmapWidth, bitmapHeight, 1u).release();
         if (twoLayers) back = tryMake<ZvBitmap>(bitmapWidth, bitmapHeight, 4u).release();
@@ -452,7 +457,7 @@ int ZvEffect::renderEffectLayer(int x, int y, ZvGlyph* glyph) {
             textRect = ZvRect(std::min(textRect.left, box.left), std::min(textRect.top, box.top),
                               std::max(textRect.right, box.right), std::max(textRect.bottom, box.bottom));
         }
-        if (maskIsPartial) clearMaskRows();
+        clearMaskRows();
         ZvBlender::drawBitmap(x, y, mask, glyph->pixels, glyph->width, glyph->height, 0xFF000000);
     }
     ZvECore::ParamRender param;
@@ -464,20 +469,40 @@ int ZvEffect::renderEffectLayer(int x, int y, ZvGlyph* glyph) {
     return 0;
 }
 
+void ZvEffect::clearMask(int top, int bottom) {
+    if (top >= bottom) return;
+    std::memset(mask->pixels + static_cast<size_t>(top) * mask->width, 0,
+                static_cast<size_t>(bottom - top) * mask->width);
+}
+
+bool ZvEffect::isMaskPartial() const {
+    return mask != nullptr && mask == partialMask && mask->pixels != nullptr;
+}
+
 void ZvEffect::clearMaskRows() {
-    if (mask->pixels == nullptr) return;
-    const auto clear = [this](int top, int bottom) {
-        if (top >= bottom) return;
-        std::memset(mask->pixels + static_cast<size_t>(top) * mask->width, 0,
-                    static_cast<size_t>(bottom - top) * mask->width);
-    };
+    if (!isMaskPartial()) return;
     const int top = clampToSize(textRect.top, mask->height);
     const int bottom = clampToSize(addHeld(textRect.bottom, 1), mask->height);
     if (maskTop >= maskBottom) maskTop = maskBottom = top;
-    clear(top, maskTop);
-    clear(maskBottom, bottom);
+    clearMask(top, maskTop);
+    clearMask(maskBottom, bottom);
     maskTop = std::min(maskTop, top);
     maskBottom = std::max(maskBottom, bottom);
+}
+
+void ZvEffect::leaveStrips() {
+    inStrips = false;
+    if (isMaskPartial()) {
+        clearMask(0, maskTop);
+        clearMask(maskBottom, clampToSize(INT_MAX, mask->height));
+    }
+    partialMask = nullptr;
+}
+
+void ZvEffect::clearUnsetPicture() {
+    if (pictureIsUnset && dst != nullptr && dst->pixels != nullptr)
+        std::memset(dst->pixels, 0, dst->byteCount());
+    pictureIsUnset = false;
 }
 
 // Whether there is anything to draw.
@@ -493,6 +518,11 @@ bool ZvEffect::clipTextRect() {
 
 void ZvEffect::doEffectPostProcessing() {
     ZV_DEBUG_LOG(TAG, "DoEffectPostProcessing(%p) - start", static_cast<void*>(this));
+    leaveStrips();
+    clearUnsetPicture();
+    if (layerMode == 1 && back == nullptr && mask != nullptr) {
+        back = tryMake<ZvBitmap>(mask->width, mask->height, 4u).release();
+    }
     if (clipTextRect()) {
         ZvECore::ParamPostProcessing param;
         param.mask = mask;
@@ -509,14 +539,31 @@ void ZvEffect::doEffectPostProcessing() {
     ZV_DEBUG_LOG(TAG, "DoEffectPostProcessing(%p) - end", static_cast<void*>(this));
 }
 
+bool ZvEffect::drawsInStrips() const {
+    return inStrips && mask != nullptr && mask->bytesPerPixel == 1 && mask->width == dst->width &&
+           mask->height == dst->height && dst->pixels != nullptr && dst->bytesPerPixel == 4 &&
+           std::all_of(layers.begin(), layers.end(), isBuiltInLayer);
+}
+
 ZvRect ZvEffect::drawPicture(PixelOrder order) {
-    if (dst == nullptr || dst->pixels == nullptr || dst->bytesPerPixel != 4) return ZvRect();
+    if (dst == nullptr) return ZvRect();
+    return drawsInStrips() ? drawInStrips(order) : drawWhole(order);
+}
+
+ZvRect ZvEffect::drawWhole(PixelOrder order) {
+    ZvBitmap* const picture = dst;
+    doEffectPostProcessing();
+    compositeLayers(picture);
+    if (order == PixelOrder::BlueFirst) ZvBlender::convertBGRAToARGB(picture);
+    return ZvRect(0, 0, clampToSize(INT_MAX, picture->width), clampToSize(INT_MAX, picture->height));
+}
+
+ZvRect ZvEffect::drawInStrips(PixelOrder order) {
     ZV_DEBUG_LOG(TAG, "DoEffectPostProcessing(%p) - start", static_cast<void*>(this));
     ZvRect drawn;
     std::unique_ptr<WaitingLayer[]> waiting;
-    // A rendering that was given up leaves its box to this one, which then may have no line to clear rows
-    // for.
-    if (maskIsPartial && mask != nullptr && !textRectReset) clearMaskRows();
+    // The box may be of a rendering that was given up, or set by hand: no line has cleared rows for it then.
+    clearMaskRows();
     if (clipTextRect() && mask->pixels != nullptr) {
         waiting.reset(new (std::nothrow) WaitingLayer[layers.size()]);
         if (waiting == nullptr) markOutOfMemory();
@@ -642,6 +689,7 @@ void ZvEffect::releaseBitmap() {
     delete back;
     mask = nullptr;
     back = nullptr;
+    partialMask = nullptr;
     setDstBitmap(nullptr);
 }
 
@@ -650,10 +698,13 @@ ZvRect* ZvEffect::getTextRect() {
 }
 
 ZvBitmap* ZvEffect::getSrcBitmap() {
+    leaveStrips();  // the caller may read and write all of it
     return mask;
 }
 
 void ZvEffect::setSrcBitmap(ZvBitmap* bitmap) {
+    inStrips = false;
+    partialMask = nullptr;
     mask = bitmap;
 }
 
@@ -662,7 +713,9 @@ ZvBitmap* ZvEffect::getDstBitmap() {
 }
 
 void ZvEffect::setDstBitmap(ZvBitmap* bitmap) {
+    leaveStrips();
     dst = bitmap;
+    pictureIsUnset = false;
 }
 
 }  // namespace Zvex

@@ -167,15 +167,15 @@ public:
     // is empty; with an empty box, or without a mask, no layer runs.
     void doEffectPostProcessing();
 
-    // Two layers: cross-fades `out`, normally dst, with back by the mask, over the area common to the three.
-    // Then applies textAlpha to all of `out` and makes its colours straight; frees the working bitmaps and
-    // ends the rendering (layerMode 0).
+    // Two layers: cross-fades `out`, normally dst, with back by the mask: pixel i of each, counted row by row
+    // whatever their widths, for as many as all three have. Then applies textAlpha to all of `out` and makes
+    // its colours straight; frees the working bitmaps and ends the rendering (layerMode 0).
     void compositeLayers(ZvBitmap* out);
     // Deletes mask and back; forgets dst.
     void releaseBitmap();
 
     ZvRect* getTextRect();                // the field above, owned by the stack
-    ZvBitmap* getSrcBitmap();             // the mask
+    ZvBitmap* getSrcBitmap();             // the mask, all of it zeroed or drawn
     void setSrcBitmap(ZvBitmap* bitmap);  // taken over; the old one is not freed
     ZvBitmap* getDstBitmap();             // null outside a rendering
     void setDstBitmap(ZvBitmap* bitmap);  // stays the caller's
@@ -184,7 +184,9 @@ public:
     //
     // The same picture, made with less memory and fewer ways through it: initPicture, renderEffectLayer for
     // each line, drawPicture. No back picture and no finished layer is in memory as a whole; every few rows
-    // are cleared, drawn on by all layers and finished before the next.
+    // are cleared, drawn on by all layers and finished before the next. Layers of classes other than the
+    // library's own, and calls of the setters and getters above in between, make it a rendering of whole
+    // pictures, as if begun with initEffect on a transparent picture.
 
     // In the place of initEffect and setDstBitmap. `out` stays the caller's; whatever it holds is overwritten
     // by drawPicture.
@@ -204,16 +206,26 @@ private:
     };
 
     void beginRendering(int width, int height, MaskPixels maskPixels);
-    void clearMaskRows();
+    void clearMask(int top, int bottom);
+    bool isMaskPartial() const;
+    void clearMaskRows();  // those of textRect, and one below, in a partial mask
+    void leaveStrips();    // to whole pictures, with a whole mask
+    void clearUnsetPicture();
     bool clipTextRect();
     bool isTextAlone() const;
+    bool drawsInStrips() const;
+    ZvRect drawInStrips(PixelOrder order);
+    ZvRect drawWhole(PixelOrder order);
     // Fill and draw as many as there are layers. The box holds all that they draw.
     void prepareLayers(WaitingLayer* waiting, ZvRect* drawn);
     void drawLayers(const WaitingLayer* waiting, const ZvRect& drawn, PixelOrder order);
     void drawTextAlone(PixelOrder order);
 
-    bool maskIsPartial = false;       // of the mask only the rows of textRect, and one below, are zeroed
-    int maskTop = 0, maskBottom = 0;  // these rows
+    bool inStrips = false;        // from initPicture on, while nothing asks for whole pictures
+    bool pictureIsUnset = false;  // dst holds anything, and is to be cleared
+    const ZvBitmap* partialMask =
+        nullptr;  // while it is the mask, its rows below are zeroed or drawn, no others
+    int maskTop = 0, maskBottom = 0;
 };
 
 }  // namespace Zvex

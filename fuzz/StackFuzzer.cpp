@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 // An effect stack through a program of operations: layers come, change and go, pictures are drawn in both
-// ways, renderings are given up halfway. Both ways give the same picture, and so does a fresh stack with the
-// same layers.
+// ways, renderings are given up halfway or put together of any operations in any order. Both ways give the
+// same picture, and so does a fresh stack with the same layers.
 #include <functional>
 #include <memory>
 #include <string>
 #include <vector>
 
+#include "effect/ZvECoreBase.h"
 #include "effect/ZvEffect.h"
 #include "effect/ZvGlyph.h"
 #include "fuzz/Input.h"
@@ -30,6 +31,31 @@ struct Layer {
 struct Line {
     int x, y;
     ZvBitmap coverage;
+};
+
+// A layer that is none of the library's own: writes on what it is given.
+class ForeignLayer : public ZvECoreBase {
+public:
+    explicit ForeignLayer(int type) { style = type; }
+    int render(ParamRender* param) override {
+        mark(param->target);
+        return 1;
+    }
+    int doPostProcessing(ParamPostProcessing* param) override {
+        mark(param->target);
+        mark(param->otherLayer);
+        FUZZ_CHECK(param->rows == nullptr && param->drawnArea == nullptr);
+        return 0;
+    }
+    void setProperty(ZvProperty*) override {}
+    ZvProperty* getProperty() override { return nullptr; }
+
+private:
+    static void mark(ZvBitmap* picture) {
+        if (picture == nullptr || picture->pixels == nullptr) return;
+        ++picture->pixels[0];
+        ++picture->pixels[picture->byteCount() - 1];
+    }
 };
 
 // Any numbers. The adders do not limit the size of reliefs. One of thousands of pixels takes as many seconds;
@@ -87,7 +113,7 @@ public:
         } else if (kind <= 24) {
             addLine();
         } else if (kind == 25) {
-            mLines.clear();
+            mInput.byte() < 80 ? mLines.clear() : callAnything();
         } else if (kind <= 28) {
             interrupt();
         } else if (mDrawn++ < 2) {
@@ -188,6 +214,58 @@ private:
         if (stop >= 3 && !asPicture) mStack.compositeLayers(&picture);
         if (mInput.flag()) mStack.releaseBitmap();
         mStack.setDstBitmap(nullptr);
+    }
+
+    // Operations in any order, on pictures and masks of any size.
+    void callAnything() {
+        ZvBitmap pictures[] = {readBitmap(40, 4), readBitmap(60, 4), readBitmap(9, 1)};
+        ZvECore* foreign = nullptr;
+        if (mInput.byte() < 80) {
+            foreign = new ForeignLayer(mInput.between(1, 14));
+            mStack.effects.insert(
+                mStack.effects.begin() + mInput.between(0, static_cast<int>(mLayers.size())), foreign);
+        }
+        const int count = mInput.between(0, 14);
+        for (int i = 0; i < count; ++i) call(pictures, foreign == nullptr);
+        mStack.setDstBitmap(nullptr);
+        mStack.releaseEffect(foreign);
+    }
+
+    // An adder finds a foreign layer of its type and would hand it the settings.
+    void call(ZvBitmap* pictures, bool mayAdd) {
+        const int kind = mInput.between(0, 15);
+        ZvBitmap* picture = &pictures[mInput.between(0, 2)];
+        const int a = mInput.between(-1, 60), b = mInput.between(-1, 60);
+        if (kind <= 1) {
+            mStack.initPicture(picture);
+        } else if (kind == 2) {
+            mStack.initEffect(a, b);
+        } else if (kind <= 4) {
+            mStack.setDstBitmap(a < 0 ? nullptr : picture);
+        } else if (kind <= 6) {
+            delete mStack.getSrcBitmap();
+            mStack.setSrcBitmap(a < 0 ? nullptr : new ZvBitmap(readBitmap(60, a == 0 ? 4 : 1)));
+        } else if (kind == 7) {
+            // All of a mask may be read and written.
+            ZvBitmap* mask = mStack.getSrcBitmap();
+            if (mask != nullptr && mask->pixels != nullptr) {
+                for (size_t at = 0; at < mask->byteCount(); ++at) mask->pixels[at] ^= mask->pixels[at] > 7;
+            }
+        } else if (kind <= 9) {
+            drawLines(mStack);
+        } else if (kind == 10) {
+            mStack.renderEffectLayer(a, b, nullptr);
+        } else if (kind == 11) {
+            mStack.doEffectPostProcessing();
+        } else if (kind == 12) {
+            mStack.compositeLayers(a < 0 ? nullptr : picture);
+        } else if (kind == 13) {
+            mStack.drawPicture(a < 30 ? PixelOrder::RedFirst : PixelOrder::BlueFirst);
+        } else if (kind == 14) {
+            *mStack.getTextRect() = ZvRect(a, b, a + mInput.between(-2, 90), mInput.integer());
+        } else {
+            mInput.flag() || !mayAdd ? mStack.releaseBitmap() : addLayer();
+        }
     }
 
     void drawLines(ZvEffect& stack) {

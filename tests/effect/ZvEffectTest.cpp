@@ -536,6 +536,7 @@ TEST(EffectStack, TwoLayersAreCrossFadedByTheCoverage) {
     stack.compositeLayers(&out);
     EXPECT_TRUE(samePixels(expected, out));
     EXPECT_EQ(stack.back, nullptr);
+    EXPECT_EQ(stack.layerMode, 0);
     stack.compositeLayers(nullptr);
     EXPECT_TRUE(samePixels(expected, out));
     stack.compositeLayers(&out);  // without bitmaps, the text's alpha all the same
@@ -584,6 +585,156 @@ TEST(EffectStack, BitmapsAreReplacedAndReleased) {
     stack.initEffect(2, 2);
     stack.initEffect(4, 4);  // a rendering that was never finished
     EXPECT_EQ(stack.back->width, 4u);
+}
+
+// --- Renderings as a picture that something gets in the way of
+
+struct Scene {
+    ZvBitmap coverage{6, 6, 1}, picture{20, 30, 4};
+    ZvGlyph glyph;
+    ZvEffect stack;
+
+    explicit Scene(float textOpacity) {
+        std::memset(coverage.pixels, 200, coverage.byteCount());
+        std::memset(picture.pixels, 0xA7, picture.byteCount());
+        glyph = glyphOf(coverage);
+        stack.setTextOpacity(textOpacity);
+        stack.addText(0xC0FF8001);
+        stack.addOuterShadowText(40, 5, 3, 0xFF0000FF, 1);
+        // So that memory which nobody wrote holds something.
+        ZvBitmap old(20, 30, 1);
+        std::memset(old.pixels, 0x77, old.byteCount());
+    }
+    void drawWhole() {
+        std::memset(picture.pixels, 0, picture.byteCount());
+        stack.initEffect(20, 30);
+        stack.setDstBitmap(&picture);
+        stack.renderEffectLayer(7, 9, &glyph);
+        stack.doEffectPostProcessing();
+        stack.compositeLayers(&picture);
+    }
+};
+
+TEST(EffectStack, APictureBecomesWholeWhateverComesInBetween) {
+    using Step = void (*)(Scene&);
+    const Step steps[] = {
+        [](Scene&) {},
+        [](Scene& s) { EXPECT_EQ(s.stack.getSrcBitmap(), s.stack.mask); },
+        [](Scene& s) { s.stack.setSrcBitmap(s.stack.getSrcBitmap()); },
+        [](Scene& s) {
+            std::memset(s.picture.pixels, 0, s.picture.byteCount());
+            s.stack.setDstBitmap(&s.picture);
+        },
+        [](Scene& s) {
+            ZvBitmap* copy = new ZvBitmap(*s.stack.getSrcBitmap());
+            delete s.stack.mask;
+            s.stack.setSrcBitmap(copy);
+        },
+        [](Scene& s) {
+            ZvBitmap* copy = new ZvBitmap(*s.stack.getSrcBitmap());
+            delete s.stack.mask;
+            s.stack.mask = copy;
+        },
+    };
+    for (const float opacity : {1.0f, 0.5f}) {
+        Scene whole(opacity);
+        whole.drawWhole();
+        for (size_t step = 0; step < std::size(steps); ++step) {
+            for (const bool finishAsPicture : {true, false}) {
+                Scene scene(opacity);
+                scene.stack.initPicture(&scene.picture);
+                scene.stack.renderEffectLayer(7, 9, &scene.glyph);
+                steps[step](scene);
+                if (finishAsPicture) {
+                    scene.stack.drawPicture(PixelOrder::RedFirst);
+                } else {
+                    scene.stack.doEffectPostProcessing();
+                    scene.stack.compositeLayers(&scene.picture);
+                }
+                EXPECT_TRUE(samePixels(whole.picture, scene.picture)) << step << finishAsPicture << opacity;
+            }
+        }
+    }
+}
+
+TEST(EffectStack, AMaskNobodyDrewIsZeroedAndOnesOwnIsKept) {
+    for (const auto& [width, height] : {std::pair{10u, 10u}, std::pair{60u, 90u}}) {
+        Scene scene(1);
+        scene.stack.initPicture(&scene.picture);
+        *scene.stack.getTextRect() = ZvRect(0, 0, 20, 12);  // a box set by hand has no line
+        scene.stack.drawPicture(PixelOrder::RedFirst);
+        EXPECT_TRUE(samePixels(ZvBitmap(20, 30, 4), scene.picture));
+
+        scene.stack.initPicture(&scene.picture);
+        scene.stack.renderEffectLayer(0, 25, &scene.glyph);
+        ZvBitmap expected(20, 30, 1);
+        for (size_t i = 25 * 20; i < 30 * 20; ++i) expected.pixels[i] = i % 20 < 6 ? 200 : 0;
+        EXPECT_TRUE(samePixels(expected, *scene.stack.getSrcBitmap()));
+        delete scene.stack.getSrcBitmap();
+        ZvBitmap* own = new ZvBitmap(width, height, 1);
+        std::memset(own->pixels, 77, own->byteCount());
+        ZvBitmap kept(*own);
+        scene.stack.setSrcBitmap(own);
+        scene.stack.renderEffectLayer(1, 1, &scene.glyph);
+        reference::drawBitmap(1, 1, &kept, scene.coverage.pixels, 6, 6, 0);
+        EXPECT_TRUE(samePixels(kept, *own));
+        scene.stack.drawPicture(PixelOrder::RedFirst);  // the mask's size is another than the picture's
+    }
+}
+
+// Draws a pixel on the glyph and one beside it at each occasion, on every picture it is given.
+template <typename Base>
+class Dotter : public Base {
+public:
+    explicit Dotter(int type) { this->style = type; }
+    int render(ZvECore::ParamRender* param) override {
+        dot(param->target, 0);
+        return 1;
+    }
+    int doPostProcessing(ZvECore::ParamPostProcessing* param) override {
+        EXPECT_EQ(param->rows, nullptr);
+        dot(param->target, 2);
+        if (param->otherLayer != nullptr) dot(param->otherLayer, 4);
+        return Base::doPostProcessing(param);
+    }
+
+private:
+    static void dot(ZvBitmap* picture, int x) {
+        for (const int at : {x, 10 * 20 + 8 + x}) std::memset(picture->pixels + 4 * at, 255, 4);
+    }
+};
+struct BareDotter : Dotter<ZvECoreBase> {
+    using Dotter::Dotter;
+    void setProperty(ZvProperty*) override {}
+    ZvProperty* getProperty() override { return nullptr; }
+};
+
+// They draw on the very pictures that the layers see one after another, in either way of rendering.
+TEST(EffectStack, LayersOfOtherClassesDrawAsTheyLike) {
+    for (const float opacity : {1.0f, 0.5f}) {
+        Scene without(opacity);
+        without.drawWhole();
+        for (const int type : {1, 4, 6, 10, 13}) {
+            Scene scenes[] = {Scene(opacity), Scene(opacity)};
+            for (Scene& scene : scenes) {
+                if (type == 10) {
+                    scene.stack.effects.push_back(new Dotter<ZvStroke>(type));
+                    ZvStrokeProperty centered(4, 0xFF00FF00, 1, 0, 0);
+                    scene.stack.effects.back()->setProperty(&centered);
+                } else {
+                    scene.stack.effects.push_back(new BareDotter(type));
+                }
+            }
+            scenes[0].drawWhole();
+            scenes[1].stack.initPicture(&scenes[1].picture);
+            scenes[1].stack.renderEffectLayer(7, 9, &scenes[1].glyph);
+            const ZvRect drawn = scenes[1].stack.drawPicture(PixelOrder::BlueFirst);
+            EXPECT_EQ(sidesOf(drawn), (Sides{0, 0, 20, 30}));
+            ZvBlender::convertBGRAToARGB(&scenes[1].picture);
+            EXPECT_TRUE(samePixels(scenes[0].picture, scenes[1].picture)) << type << " " << opacity;
+            EXPECT_FALSE(samePixels(without.picture, scenes[1].picture)) << type << " " << opacity;
+        }
+    }
 }
 
 // A whole rendering with one allocation failing, for each of them: nothing leaks and nothing crashes, and a
