@@ -9,6 +9,7 @@
 #include "platform/host/GlyphOutline.h"
 #include "platform/host/PixelMath.h"
 #include "platform/host/ResampleAlpha.h"
+#include "platform/host/StrikeFilter.h"
 
 namespace host {
 
@@ -31,6 +32,7 @@ struct ColourGlyphs::Strike {
     const FT_Bitmap* bitmap;
     int left, top;  // of the bitmap's top left corner from the pen, in its own pixels, y upwards
     double perPixelX, perPixelY;  // perPixelX is negative in mirrored styles
+    StrikePlace place;            // on the phone, of the bitmap from the pen
 };
 
 void ColourGlyphs::open(FreeTypeFace& font) {
@@ -70,6 +72,15 @@ bool ColourGlyphs::loadStrike(FreeTypeFace& font, uint32_t glyph, const GlyphSty
     strike->bitmap = &bitmap;
     strike->left = face->glyph->bitmap_left;
     strike->top = face->glyph->bitmap_top;
+    const PhoneScale scale = phoneScale(style);
+    const float x = scale.width / static_cast<float>(face->size->metrics.x_ppem);
+    const float y = scale.height / static_cast<float>(face->size->metrics.y_ppem);
+    const auto left = static_cast<float>(strike->left), top = static_cast<float>(-strike->top);
+    strike->place.xx = scale.xx * x;
+    strike->place.xy = scale.xy * y;
+    strike->place.yy = scale.yy * y;
+    strike->place.x0 = strike->place.xx * left + strike->place.xy * top;
+    strike->place.y0 = strike->place.yy * top;
     const double size = style.size;
     strike->perPixelX =
         static_cast<double>(sizes[best].x_ppem) / 64 / (size * static_cast<double>(style.scaleX));
@@ -78,6 +89,18 @@ bool ColourGlyphs::loadStrike(FreeTypeFace& font, uint32_t glyph, const GlyphSty
 }
 
 GlyphBox ColourGlyphs::strikeBox(const Strike& strike, const GlyphStyle& style, int quarterX) {
+    static constexpr double kFar = 1e9;  // refused by the limits, and safe to convert
+    const auto whole = [](double v) { return static_cast<int64_t>(std::min(std::max(v, -kFar), kFar)); };
+    if (style.rendering == Rendering::Phone) {
+        const StrikePlace& p = strike.place;
+        const float right = p.xx * static_cast<float>(strike.bitmap->width);
+        const float slant = p.xy * static_cast<float>(strike.bitmap->rows);
+        const float left = p.x0 + static_cast<float>(quarterX) * 0.25f;
+        return nearBox(whole(std::floor(left + std::min(right, 0.0f) + std::min(slant, 0.0f))),
+                       whole(std::floor(p.y0)),
+                       whole(std::ceil(left + std::max(right, 0.0f) + std::max(slant, 0.0f))),
+                       whole(std::ceil(p.y0 + p.yy * static_cast<float>(strike.bitmap->rows))));
+    }
     const double top = -strike.top / strike.perPixelY;
     const double bottom = (static_cast<double>(strike.bitmap->rows) - strike.top) / strike.perPixelY;
     const double edges[] = {strike.left / strike.perPixelX,
@@ -86,14 +109,21 @@ GlyphBox ColourGlyphs::strikeBox(const Strike& strike, const GlyphStyle& style, 
                              static_cast<double>(style.skewX) * bottom};
     const double left = std::min(edges[0], edges[1]) + std::min(slants[0], slants[1]) + quarterX * 0.25;
     const double right = std::max(edges[0], edges[1]) + std::max(slants[0], slants[1]) + quarterX * 0.25;
-    static constexpr double kFar = 1e9;  // refused by the limits, and safe to convert
-    const auto whole = [](double v) { return static_cast<int64_t>(std::min(std::max(v, -kFar), kFar)); };
     return nearBox(whole(std::floor(left)), whole(std::floor(top)), whole(std::ceil(right)),
                    whole(std::ceil(bottom)));
 }
 
 void ColourGlyphs::drawStrike(const Strike& strike, const GlyphStyle& style, int quarterX,
                               GlyphImage& image) {
+    if (style.rendering == Rendering::Phone) {
+        StrikePlace place = strike.place;
+        place.x0 += static_cast<float>(quarterX) * 0.25f - static_cast<float>(image.left);
+        place.y0 -= static_cast<float>(image.top);
+        filterStrike(strike.bitmap->buffer + 3, static_cast<int>(strike.bitmap->width),
+                     static_cast<int>(strike.bitmap->rows), strike.bitmap->pitch, 4, place,
+                     image.coverage.data(), image.width, image.height);
+        return;
+    }
     // A pixel centre (x, y) from the pen, less slant and quarter, in the strike's pixels from its top left
     // corner.
     const auto fixed = [](double v) { return static_cast<int64_t>(std::llround(v * 65536)); };
@@ -155,7 +185,7 @@ void ColourGlyphs::drawLayers(FreeTypeFace& font, uint32_t glyph, const GlyphSty
         if (!loadOutline(font, layerGlyph, style, quarterX)) return;
         const GlyphBox box = outlineBox(font);
         GlyphImage layer = blankImage(box);
-        if (box.empty() || !rasterise(font, style.antiAlias, layer)) return;
+        if (box.empty() || !rasterise(font, style, layer)) return;
         const uint8_t* source = layer.coverage.data();
         for (int y = box.top; y < box.bottom; ++y) {
             uint8_t* target = image.coverage.data() +

@@ -21,6 +21,7 @@
 #include "platform/host/FreeTypeFace.h"
 #include "platform/host/GlyphCache.h"
 #include "platform/host/GlyphOutline.h"
+#include "platform/host/OutlineFill.h"
 
 namespace host {
 
@@ -129,6 +130,7 @@ struct FontFace::Impl {
     Metrics measure(uint32_t glyph, const GlyphStyle& style);
     Metrics metrics(uint32_t glyph, const GlyphStyle& style);
     GlyphImage draw(uint32_t glyph, const GlyphStyle& style, int quarterX);
+    GlyphImage drawPath(uint32_t glyph, const GlyphStyle& style, float x, float y, const GlyphBox& clip);
 };
 
 bool FontFace::Impl::open(const void* data, size_t size, int index) {
@@ -212,9 +214,31 @@ GlyphImage FontFace::Impl::draw(uint32_t glyph, const GlyphStyle& style, int qua
     if (colours.draw(freeType, glyph, style, quarterX, &image)) return image;
     if (!loadOutline(freeType, glyph, style, quarterX)) return {};
     image = blankImage(outlineBox(freeType));
-    if (image.coverage.empty() || !rasterise(freeType, style.antiAlias, image)) return {};
+    if (image.coverage.empty() || !rasterise(freeType, style, image)) return {};
     if (style.rendering == Rendering::Phone && style.antiAlias) {
         for (uint8_t& level : image.coverage) level = kGamma[level];
+    }
+    return image;
+}
+
+GlyphImage FontFace::Impl::drawPath(uint32_t glyph, const GlyphStyle& style, float x, float y,
+                                    const GlyphBox& clip) {
+    GlyphStyle measured = style;
+    measured.size = kPathSize;
+    measured.linear = true;
+    GlyphBox colour;
+    if (colours.box(freeType, glyph, measured, 0, &colour)) return {};
+    if (!loadOutline(freeType, glyph, measured, 0)) return {};
+    const float scale = style.size / kPathSize;
+    const GlyphBox box = outlineBox(freeType);
+    const auto whole = [](float v) { return static_cast<int>(std::clamp(std::floor(v), -1e9f, 1e9f)); };
+    const GlyphBox reached = {std::max(clip.left, whole(x + static_cast<float>(box.left) * scale)),
+                              std::max(clip.top, whole(y + static_cast<float>(box.top) * scale)),
+                              std::min(clip.right, whole(x + static_cast<float>(box.right) * scale) + 1),
+                              std::min(clip.bottom, whole(y + static_cast<float>(box.bottom) * scale) + 1)};
+    GlyphImage image = blankImage(reached);
+    if (!image.coverage.empty()) {
+        fillPath(freeType.face()->glyph->outline, scale, x, y, style.antiAlias, image);
     }
     return image;
 }
@@ -295,6 +319,15 @@ std::shared_ptr<const GlyphImage> FontFace::image(uint32_t glyph, const GlyphSty
         mImpl->freeType.throwIfExhausted();
     }
     return keepGlyph(key, std::move(image));
+}
+
+GlyphImage FontFace::pathImage(uint32_t glyph, const GlyphStyle& style, float x, float y,
+                               const GlyphBox& clip) const {
+    if (glyph >= mImpl->glyphCount || !drawable(style)) return {};
+    std::lock_guard<std::mutex> lock(mImpl->mutex);
+    GlyphImage image = mImpl->drawPath(glyph, style, x, y, clip);
+    mImpl->freeType.throwIfExhausted();
+    return image;
 }
 
 }  // namespace host

@@ -7,6 +7,8 @@
 #include <vector>
 #include FT_OUTLINE_H
 
+#include "platform/host/OutlineFill.h"
+
 namespace host {
 
 namespace {
@@ -173,8 +175,13 @@ GlyphBox outlineBox(const FreeTypeFace& font) {
                    -floor64(box.yMin));
 }
 
-bool rasterise(FreeTypeFace& font, bool antiAlias, GlyphImage& image) {
+bool rasterise(FreeTypeFace& font, const GlyphStyle& style, GlyphImage& image) {
     FT_Outline& outline = font.face()->glyph->outline;
+    const bool antiAlias = style.antiAlias;
+    if (style.rendering == Rendering::Phone && antiAlias && hasCubics(outline)) {
+        fillGlyph(outline, image);
+        return true;
+    }
     FT_Outline_Translate(&outline, FT_Pos{-64} * image.left, FT_Pos{64} * (image.top + image.height));
     FT_Bitmap bitmap;
     std::memset(&bitmap, 0, sizeof bitmap);

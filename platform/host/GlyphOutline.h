@@ -37,7 +37,7 @@ bool loadOutline(FreeTypeFace& font, uint32_t glyph, const GlyphStyle& style, in
 GlyphBox outlineBox(const FreeTypeFace& font);
 // The coverage of the slot's outline, the rasteriser's own levels; moves the outline. False when it could not
 // be rasterised.
-bool rasterise(FreeTypeFace& font, bool antiAlias, GlyphImage& image);
+bool rasterise(FreeTypeFace& font, const GlyphStyle& style, GlyphImage& image);
 
 }  // namespace host
 

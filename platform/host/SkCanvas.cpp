@@ -10,6 +10,7 @@
 #include <memory>
 
 #include "platform/host/FontFace.h"
+#include "platform/host/LinearLight.h"
 #include "platform/host/PixelMath.h"
 
 namespace {
@@ -31,6 +32,10 @@ uint8_t* pixelAt(const SkBitmap& bitmap, int x, int y) {
 
 bool isCoverage(const SkBitmap& bitmap) {
     return bitmap.info().colorType() == kAlpha_8_SkColorType;
+}
+
+bool isLinear(const SkBitmap& bitmap) {
+    return bitmap.info().colorSpace() != nullptr;
 }
 
 void coverageRowOver(uint8_t* target, uint8_t source, int count) {
@@ -74,13 +79,27 @@ void glyphRowOver(uint8_t* __restrict target, const uint8_t* __restrict coverage
     }
 }
 
-// The same onto a row of straight colour.
-void glyphRowOver(uint8_t* target, const uint8_t* coverage, SkColor color, int count) {
-    const uint8_t red = SkColorGetR(color), green = SkColorGetG(color), blue = SkColorGetB(color);
-    for (int i = 0; i < count; ++i) {
-        const uint32_t alpha = host::multiplyBytes(coverage[i], SkColorGetA(color));
-        host::straightOver(target + 4 * static_cast<size_t>(i), red, green, blue,
-                           static_cast<uint8_t>(alpha));
+// Source-over of a straight colour at an alpha and a share of that onto a pixel of straight colour: in linear
+// light where the canvas has a colour space, else as the bytes are.
+void colourOver(uint8_t* pixel, const uint8_t* colour, uint8_t alpha, uint8_t share, bool linear) {
+    if (alpha == 0 || share == 0) return;
+    if (alpha == 255 && share == 255) {
+        std::memcpy(pixel, colour, 3);
+        pixel[3] = 255;
+    } else if (linear) {
+        const host::LightSource source = host::lightSource(colour[0], colour[1], colour[2], alpha);
+        host::lightOver(pixel, source, static_cast<float>(share) * (1 / 255.0f));
+    } else {
+        const auto scaled = static_cast<uint8_t>(host::multiplyBytes(alpha, share));
+        host::straightOver(pixel, colour[0], colour[1], colour[2], scaled);
+    }
+}
+
+// A row of a glyph's coverage onto a row of straight colour.
+void glyphRowOver(uint8_t* target, const uint8_t* coverage, SkColor color, int count, bool linear) {
+    const uint8_t colour[3] = {SkColorGetR(color), SkColorGetG(color), SkColorGetB(color)};
+    for (int i = 0; i < count; ++i, target += 4) {
+        colourOver(target, colour, SkColorGetA(color), coverage[i], linear);
     }
 }
 
@@ -104,11 +123,10 @@ int runOfAlpha(const uint8_t* pixels, uint8_t alpha, int count) {
 
 // A row of straight colour, scaled by alpha, onto another. Runs of transparent and of opaque pixels are taken
 // at once.
-void straightRowOver(uint8_t* target, const uint8_t* source, uint8_t alpha, int count) {
+void straightRowOver(uint8_t* target, const uint8_t* source, uint8_t alpha, int count, bool linear) {
     if (alpha != 255) {
         for (int i = 0; i < count; ++i, target += 4, source += 4) {
-            const uint32_t scaled = host::multiplyBytes(source[3], alpha);
-            host::straightOver(target, source[0], source[1], source[2], static_cast<uint8_t>(scaled));
+            colourOver(target, source, source[3], alpha, linear);
         }
         return;
     }
@@ -119,8 +137,10 @@ void straightRowOver(uint8_t* target, const uint8_t* source, uint8_t alpha, int 
         } else if (source[3] == 255) {
             run = runOfAlpha(source, 255, count);
             std::memcpy(target, source, 4 * static_cast<size_t>(run));
+        } else if (target[3] == 0) {
+            std::memcpy(target, source, 4);
         } else {
-            host::straightOver(target, source[0], source[1], source[2], source[3]);
+            colourOver(target, source, source[3], 255, linear);
         }
         target += 4 * static_cast<size_t>(run);
         source += 4 * static_cast<size_t>(run);
@@ -200,7 +220,7 @@ void SkCanvas::fill(const PixelRect& area, SkColor color, SkBlendMode mode) {
             for (int x = 0; x < count; ++x) std::memcpy(row + 4 * static_cast<size_t>(x), &word, 4);
         } else {
             for (int x = 0; x < count; ++x) {
-                host::straightOver(row + 4 * static_cast<size_t>(x), source[0], source[1], source[2], alpha);
+                colourOver(row + 4 * static_cast<size_t>(x), source, alpha, 255, isLinear(mBitmap));
             }
         }
     }
@@ -219,7 +239,7 @@ void SkCanvas::drawBitmap(const SkBitmap& bitmap, SkScalar x, SkScalar y, const 
     const uint8_t alpha = paint != nullptr ? SkColorGetA(paint->getColor()) : 255;
     for (int row = std::max(top, mClip.top); row < bottom; ++row) {
         straightRowOver(pixelAt(mBitmap, begin, row), pixelAt(bitmap, begin - left, row - top), alpha,
-                        static_cast<int>(right) - begin);
+                        static_cast<int>(right) - begin, isLinear(mBitmap));
     }
 }
 
@@ -239,27 +259,36 @@ void SkCanvas::drawTextBlob(const sk_sp<SkTextBlob>& blob, SkScalar x, SkScalar 
         style.antiAlias = font.isAntiAlias();
         style.subpixel = font.isSubpixelText();
         style.linear = font.isLinearText();
+        const bool paths = host::drawnAsPath(style);
         for (size_t i = 0; i < run->glyphs.size(); ++i) {
+            const float penX = x + run->positions[2 * i], penY = y + run->positions[2 * i + 1];
             PenPixel pen;
-            if (!penPixel(x + run->positions[2 * i], y + run->positions[2 * i + 1], style, &pen)) continue;
-            const std::shared_ptr<const host::GlyphImage> image =
-                face.image(run->glyphs[i], style, pen.quarterX);
-            const int left = pen.x + image->left, top = pen.y + image->top;
-            const int begin = std::max(left, mClip.left);
-            const int count = std::min(left + image->width, mClip.right) - begin;
-            const int bottom = std::min(top + image->height, mClip.bottom);
-            if (count <= 0) continue;
-            for (int row = std::max(top, mClip.top); row < bottom; ++row) {
-                const uint8_t* coverage = image->coverage.data() +
-                                          static_cast<size_t>(row - top) * static_cast<size_t>(image->width) +
-                                          static_cast<size_t>(begin - left);
-                uint8_t* target = pixelAt(mBitmap, begin, row);
-                if (isCoverage(mBitmap)) {
-                    glyphRowOver(target, coverage, SkColorGetA(color), count);
-                } else {
-                    glyphRowOver(target, coverage, color, count);
-                }
+            if (!penPixel(penX, penY, style, &pen)) continue;
+            if (paths) {
+                const host::GlyphBox clip = {mClip.left, mClip.top, mClip.right, mClip.bottom};
+                drawGlyph(face.pathImage(run->glyphs[i], style, penX, penY, clip), 0, 0, color);
+            } else {
+                drawGlyph(*face.image(run->glyphs[i], style, pen.quarterX), pen.x, pen.y, color);
             }
+        }
+    }
+}
+
+void SkCanvas::drawGlyph(const host::GlyphImage& image, int x, int y, SkColor color) {
+    const int left = x + image.left, top = y + image.top;
+    const int begin = std::max(left, mClip.left);
+    const int count = std::min(left + image.width, mClip.right) - begin;
+    const int bottom = std::min(top + image.height, mClip.bottom);
+    if (count <= 0) return;
+    for (int row = std::max(top, mClip.top); row < bottom; ++row) {
+        const uint8_t* coverage = image.coverage.data() +
+                                  static_cast<size_t>(row - top) * static_cast<size_t>(image.width) +
+                                  static_cast<size_t>(begin - left);
+        uint8_t* target = pixelAt(mBitmap, begin, row);
+        if (isCoverage(mBitmap)) {
+            glyphRowOver(target, coverage, SkColorGetA(color), count);
+        } else {
+            glyphRowOver(target, coverage, color, count, isLinear(mBitmap));
         }
     }
 }

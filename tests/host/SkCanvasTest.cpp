@@ -29,7 +29,7 @@ constexpr uint8_t kCanary = 0x5A;
 // An image of width x height whose rows lie a few bytes apart, with a canvas over it. Starts as zeros; the
 // bytes between and after the rows must never change.
 struct Picture {
-    Picture(int width, int height, SkColorType type)
+    Picture(int width, int height, SkColorType type, sk_sp<SkColorSpace> space = nullptr)
         : width(width),
           height(height),
           bytesPerPixel(type == kAlpha_8_SkColorType ? 1 : 4),
@@ -38,7 +38,7 @@ struct Picture {
         for (int y = 0; y < height; ++y) std::memset(row(y), 0, stride - 5);
         const SkAlphaType alpha = type == kAlpha_8_SkColorType ? kPremul_SkAlphaType : kUnpremul_SkAlphaType;
         EXPECT_TRUE(bitmap.installPixels(
-            SkImageInfo::Make(width, height, type, alpha, SkColorSpace::MakeSRGB()), bytes.data(), stride));
+            SkImageInfo::Make(width, height, type, alpha, std::move(space)), bytes.data(), stride));
         canvas = std::make_unique<SkCanvas>(bitmap);
     }
     ~Picture() {

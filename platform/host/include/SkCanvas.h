@@ -12,6 +12,10 @@
 #include "SkScalar.h"
 #include "SkTextBlob.h"
 
+namespace host {
+struct GlyphImage;
+}
+
 // Draws on the pixels of a bitmap, inside a clip that starts as the whole bitmap and only shrinks.
 //
 // Coverage images take the source's alpha, source-over: d' = s + d * (255 - s) / 255. Colour images are
@@ -57,6 +61,7 @@ private:
     };
     PixelRect pixelsOf(const SkRect& rect) const;
     void fill(const PixelRect& area, SkColor color, SkBlendMode mode);
+    void drawGlyph(const host::GlyphImage& image, int x, int y, SkColor color);
 
     SkBitmap mBitmap;
     PixelRect mClip;
