@@ -4,9 +4,11 @@
 #include <minikin/FontFamily.h>
 
 #include <algorithm>
-#include <atomic>
 #include <cmath>
 #include <cstdlib>
+#include <mutex>
+#include <string>
+#include <unordered_map>
 #include <utility>
 
 #include "platform/host/ShapingFont.h"
@@ -27,9 +29,19 @@ FontFakery fakeryFor(FontStyle wanted, FontStyle actual) {
     return FontFakery(bold, italic);
 }
 
-uint64_t nextCollectionId() {
-    static std::atomic<uint64_t> last{0};
-    return ++last;
+// The number of a collection, from the keys of its families. Numbers are not used again, so forgetting some
+// does no harm.
+uint64_t numberOf(const std::string& key) {
+    constexpr size_t kKeptNumbers = 256;
+    static std::mutex mutex;
+    static uint64_t last = 0;
+    // Never destroyed: text may be laid out while the process ends.
+    static auto* const numbers = new std::unordered_map<std::string, uint64_t>;
+    const std::lock_guard<std::mutex> lock(mutex);
+    if (numbers->size() >= kKeptNumbers) numbers->clear();
+    const auto entry = numbers->emplace(key, last + 1);
+    if (entry.second) ++last;
+    return entry.first->second;
 }
 
 }  // namespace
@@ -89,11 +101,30 @@ FakedFont FontFamily::getClosestMatch(FontStyle style) const {
     return FakedFont{&*best, fakeryFor(style, best->style())};
 }
 
-FontCollection::FontCollection(const std::vector<std::shared_ptr<FontFamily>>& families)
-    : mId(nextCollectionId()) {
-    for (const std::shared_ptr<FontFamily>& family : families) {
-        if (family && family->getClosestMatch(FontStyle()).font) mFamilies.push_back(family);
+std::string FontFamily::key() const {
+    std::string key;
+    const auto put = [&key](uint32_t number) {
+        key.append(reinterpret_cast<const char*>(&number), sizeof number);
+    };
+    put(mLocaleListId);
+    put(static_cast<uint32_t>(mVariant));
+    put(static_cast<uint32_t>(mFonts.size()));
+    for (const Font& font : mFonts) {
+        put(font.shaping()->face->uniqueId());
+        put(font.style().weight());
+        put(font.style().slant() == FontStyle::Slant::ITALIC ? 1 : 0);
     }
+    return key;
+}
+
+FontCollection::FontCollection(const std::vector<std::shared_ptr<FontFamily>>& families) {
+    std::string key;
+    for (const std::shared_ptr<FontFamily>& family : families) {
+        if (!family || !family->getClosestMatch(FontStyle()).font) continue;
+        mFamilies.push_back(family);
+        key += family->key();
+    }
+    mId = numberOf(key);
 }
 
 }  // namespace minikin

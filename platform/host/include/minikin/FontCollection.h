@@ -33,12 +33,12 @@ public:
 
     // Those that were not left out, in their order.
     const std::vector<std::shared_ptr<FontFamily>>& families() const { return mFamilies; }
-    // Different for every collection of the process.
+    // Collections of different fonts have different ones.
     uint64_t id() const { return mId; }
 
 private:
-    const uint64_t mId;
     std::vector<std::shared_ptr<FontFamily>> mFamilies;
+    uint64_t mId;
 };
 
 }  // namespace minikin

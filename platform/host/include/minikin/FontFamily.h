@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <string>
 #include <vector>
 
 namespace host {
@@ -90,6 +91,9 @@ public:
     // more, fake italic when italic is wanted and the font is upright. No font in a family without usable
     // ones.
     FakedFont getClosestMatch(FontStyle style) const;
+
+    // All that the layout of a text depends on, as bytes.
+    std::string key() const;
 
 private:
     uint32_t mLocaleListId;
