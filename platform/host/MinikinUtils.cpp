@@ -10,13 +10,6 @@
 namespace android {
 namespace {
 
-// Whether HarfBuzz and FreeType can calculate with the style. Comparisons are false for what is no number.
-bool canLayOut(const host::GlyphStyle& style) {
-    constexpr float kMaxPixels = 1 << 20, kMaxScale = 1000;
-    return style.size > 0 && style.size <= kMaxPixels && std::fabs(style.scaleX) <= kMaxScale &&
-           std::fabs(style.skewX) <= host::kMaxGlyphSkew;
-}
-
 host::GlyphStyle blank(const host::GlyphStyle& style) {
     host::GlyphStyle result;
     result.linear = style.linear;
@@ -45,7 +38,7 @@ minikin::Layout MinikinUtils::doLayout(const Paint* paint, minikin::Bidi bidiFla
     request.glyph.linear = paint->isLinearText();
     const bool wholeSize = request.glyph.rendering == host::Rendering::Phone && !request.glyph.linear;
     if (wholeSize) request.glyph.size = std::trunc(request.glyph.size);
-    if (!canLayOut(request.glyph)) request.glyph = blank(request.glyph);
+    if (!host::drawable(request.glyph)) request.glyph = blank(request.glyph);
     request.letterSpacing = std::isfinite(paint->getLetterSpacing()) ? paint->getLetterSpacing() : 0;
     request.localeListId = paint->getMinikinLocaleListId();
     request.variant = paint->getFamilyVariant();

@@ -29,8 +29,8 @@ public:
     // all. Words are kept, so the next layout with them is cheap.
     //
     // In the phone's rendering (host::Rendering) the size is cut to a whole number, unless the linear-text
-    // flag (0x40) is set. A text size, scale X or skew of no use (none, no number, a size above 2^20, a scale
-    // beyond 1000) counts as size 0. Without the linear-text flag each advance is rounded to a whole pixel.
+    // flag (0x40) is set. A text size, scale X or skew beyond what glyphs are drawn at, or that is no number,
+    // counts as size 0. Without the linear-text flag each advance is rounded to a whole pixel.
     //
     // Letter spacing x size x scale X, rounded to a whole pixel without the linear-text flag, is added to
     // each cluster: half of it (rounded down without that flag) before and the rest after. Scripts whose
