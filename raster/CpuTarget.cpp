@@ -12,10 +12,12 @@ CpuTarget detect() {
 #if defined(__x86_64__)
     __builtin_cpu_init();
     if (!__builtin_cpu_supports("avx2")) return CpuTarget::Baseline;
+#if defined(ZVEX_BUILDS_AVX512)
     if (__builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512bw") &&
         __builtin_cpu_supports("avx512dq") && __builtin_cpu_supports("avx512vl") &&
         __builtin_cpu_supports("avx512vnni"))
         return CpuTarget::Avx512;
+#endif
     return CpuTarget::Avx2;
 #else
     return CpuTarget::Baseline;

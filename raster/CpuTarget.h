@@ -2,6 +2,11 @@
 #ifndef ZVEX_RASTER_CPUTARGET_H_
 #define ZVEX_RASTER_CPUTARGET_H_
 
+// Whether kernels are built for AVX-512: clang knows VNNI from version 7 on.
+#if defined(__x86_64__) && (!defined(__clang__) || __clang_major__ >= 7)
+#define ZVEX_BUILDS_AVX512 1
+#endif
+
 namespace Zvex {
 
 // The instruction sets that the pixel kernels are compiled for, each holding the one before it. Other

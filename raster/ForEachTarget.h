@@ -40,7 +40,9 @@ namespace TargetAvx2 {
 #pragma GCC pop_options
 #endif
 #undef ZVEX_TARGET_AVX2
+#endif
 
+#if defined(ZVEX_BUILDS_AVX512)
 #define ZVEX_TARGET_AVX512 1
 #if defined(__clang__)
 #pragma clang attribute push(__attribute__((target("avx512f,avx512bw,avx512dq,avx512vl,avx512vnni"))), \
@@ -58,18 +60,20 @@ namespace TargetAvx512 {
 #pragma GCC pop_options
 #endif
 #undef ZVEX_TARGET_AVX512
-
 #endif
 
 #undef ZVEX_KERNELS
 
 // Calls a function of the bodies above in the build for this machine: ZVEX_ON_TARGET(addTaps(a, b)).
 #ifndef ZVEX_ON_TARGET
-#if defined(__x86_64__)
+#if defined(ZVEX_BUILDS_AVX512)
 #define ZVEX_ON_TARGET(call)                                               \
     (::Zvex::cpuTarget() == ::Zvex::CpuTarget::Avx512 ? TargetAvx512::call \
      : ::Zvex::cpuTarget() == ::Zvex::CpuTarget::Avx2 ? TargetAvx2::call   \
                                                       : TargetBaseline::call)
+#elif defined(__x86_64__)
+#define ZVEX_ON_TARGET(call) \
+    (::Zvex::cpuTarget() == ::Zvex::CpuTarget::Avx2 ? TargetAvx2::call : TargetBaseline::call)
 #else
 #define ZVEX_ON_TARGET(call) (TargetBaseline::call)
 #endif

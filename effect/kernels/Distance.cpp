@@ -17,6 +17,7 @@
 #include "effect/kernels/SquareRoots.h"
 #include "foundation/OutOfMemory.h"
 #include "raster/CpuTarget.h"
+#include "raster/Intrinsics.h"
 
 namespace Zvex {
 
