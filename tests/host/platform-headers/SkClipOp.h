@@ -1,0 +1,7 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef ZVEX_TESTS_HOST_PLATFORM_HEADERS_SKCLIPOP_H_
+#define ZVEX_TESTS_HOST_PLATFORM_HEADERS_SKCLIPOP_H_
+
+enum class SkClipOp { kIntersect = 1 };
+
+#endif  // ZVEX_TESTS_HOST_PLATFORM_HEADERS_SKCLIPOP_H_
