@@ -1,9 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "text/ZvTextInstanceManager.h"
 
+#include <algorithm>
+#include <climits>
 #include <list>
 #include <map>
+#include <memory>
 #include <mutex>
+#include <new>
+#include <utility>
 
 #include "foundation/Error.h"
 #include "foundation/Mutex.h"
@@ -24,16 +29,15 @@ struct Registry {
     void (*releaseCallback)(ZvTextObject*) = nullptr;
     bool locked = false;
     int lastHandle = 0;
-    Mutex mutex;
+    std::unique_ptr<Mutex> mutex;  // null until the system gave one
     std::mutex makingMutex;
-    bool mutexMade = false;
 };
 
-// Made by the first use, which every text object's constructor is; so it outlives text objects with static
-// storage.
+// Never destroyed: threads may still use it while the process ends.
 Registry& registry() {
-    static Registry instance;
-    return instance;
+    alignas(Registry) static char storage[sizeof(Registry)];
+    static Registry* const instance = new (storage) Registry;
+    return *instance;
 }
 
 // Holds the registry's mutex for a whole operation. Should the system refuse a mutex, operations run without
@@ -43,11 +47,17 @@ public:
     Guard() : mRegistry(registry()) {
         {
             const std::lock_guard<std::mutex> lock(mRegistry.makingMutex);
-            if (!mRegistry.mutexMade) mRegistry.mutexMade = mRegistry.mutex.Construct();
+            if (mRegistry.mutex == nullptr) {
+                auto made = tryMake<Mutex>();
+                if (made != nullptr && made->Construct()) mRegistry.mutex = std::move(made);
+            }
+            mMutex = mRegistry.mutex.get();
         }
-        mRegistry.mutex.Lock();
+        if (mMutex != nullptr) mMutex->Lock();
     }
-    ~Guard() { mRegistry.mutex.Unlock(); }
+    ~Guard() {
+        if (mMutex != nullptr) mMutex->Unlock();
+    }
     Guard(const Guard&) = delete;
     Guard& operator=(const Guard&) = delete;
 
@@ -55,6 +65,7 @@ public:
 
 private:
     Registry& mRegistry;
+    Mutex* mMutex;
 };
 
 }  // namespace
@@ -68,6 +79,11 @@ int ZvTextInstanceManager::Register(ZvTextObject* object) {
     Guard state;
     const auto known = state->handleIndex.find(object);
     if (known != state->handleIndex.end()) return known->second;
+    if (state->lastHandle == INT_MAX) {
+        __android_log_print(ANDROID_LOG_ERROR, kTag, "Register() - all handles are used up");
+        ZV_REPORT_ERROR(kTag, ZV_ERROR_OUT_OF_RANGE);
+        return -1;
+    }
     const int handle = state->lastHandle + 1;
     return unlessOutOfMemory(-1, [&] {
         const auto entry = state->handleTable.emplace(handle, object).first;
@@ -91,6 +107,22 @@ int ZvTextInstanceManager::Unregister(int handle) {
         state->handleTable.erase(known);
     }
     return 0;
+}
+
+void ZvTextInstanceManager::Forget(ZvTextObject* object) {
+    Guard state;
+    const auto known = state->handleIndex.find(object);
+    if (known != state->handleIndex.end()) {
+        state->handleTable.erase(known->second);
+        state->handleIndex.erase(known);
+    }
+    state->bindCounts.erase(object);
+    state->deferred.remove(object);
+}
+
+void ZvTextInstanceManager::SkipHandles(int last) {
+    Guard state;
+    state->lastHandle = std::max(state->lastHandle, last);
 }
 
 bool ZvTextInstanceManager::Bind(ZvTextObject* object) {
@@ -138,8 +170,10 @@ bool ZvTextInstanceManager::Release(ZvTextObject* object, bool destroy) {
     if (!last || !destroy) return true;
 
     if (!state->locked && state->releaseCallback != nullptr) state->releaseCallback(object);
-    // By key, because the callback may have come back in and changed the map.
-    state->bindCounts.erase(object);
+    // Looked up again, because the callback may have come back in, and another object may have been bound at
+    // this address.
+    const auto left = state->bindCounts.find(object);
+    if (left != state->bindCounts.end() && left->second == 0) state->bindCounts.erase(left);
     return true;
 }
 

@@ -17,10 +17,16 @@ public:
     // What is called, under the mutex, with an object whose last reference goes. Null: nothing.
     static void SetCallBack(void (*callback)(ZvTextObject*));
 
-    // The object's handle, a new one if it has none; -1 where memory is short.
+    // The object's handle, a new one if it has none; -1 where memory is short, and, with an error line and
+    // code 3, once the handles up to the largest int are used up.
     static int Register(ZvTextObject* object);
     // Forgets the handle; references and deferred releases stay as they are. Always 0.
     static int Unregister(int handle);
+    // Forgets all there is of an object that goes: handle, references, deferred release. Every text object's
+    // destructor calls it.
+    static void Forget(ZvTextObject* object);
+    // Handles up to `last` are not given out any more.
+    static void SkipHandles(int last);
 
     // Adds a reference; the first one also takes the object off the list of deferred releases. False, and no
     // reference, where memory is short.

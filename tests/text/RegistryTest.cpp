@@ -99,6 +99,43 @@ TEST(Registry, LockDefersLastReleasesAndUnlockMakesThemUpBackwards) {
     EXPECT_EQ(deleted, "dcab");
 }
 
+// Another object at the address of one that was deleted directly begins with nothing, and nothing is deleted
+// twice.
+TEST(Registry, AnObjectDeletedDirectlyLeavesNothingBehind) {
+    std::string deleted;
+    alignas(Probe) char place[sizeof(Probe)];
+    auto* bound = new (place) Probe('a', &deleted);
+    Registry::Bind(bound);
+    Registry::Bind(bound);
+    Registry::Unregister(bound->GetRuntimeHandle());
+    const int second = Registry::Register(bound);
+    bound->~Probe();
+    EXPECT_EQ(Registry::FindZvTextObject(second), nullptr);
+    auto* next = new (place) Probe('b', &deleted);
+    EXPECT_FALSE(Registry::Release(next, false));
+
+    Registry::Lock();
+    Registry::Bind(next);
+    EXPECT_TRUE(Registry::Release(next, true));
+    next->~Probe();
+    Registry::Unlock();
+    EXPECT_EQ(deleted, "ab");
+}
+
+// In a process of its own.
+TEST(RegistryDeathTest, HandlesEndAtTheLargestInt) {
+    ::testing::FLAGS_gtest_death_test_style = "threadsafe";
+    const auto useThemUp = [] {
+        Registry::SkipHandles(2147483646);
+        ZvTextObject last, none;
+        const bool lastOne = last.Construct() && last.GetRuntimeHandle() == 2147483647;
+        Error::SetError(0);
+        const bool refused = !none.Construct() && Error::GetError() == 3 && !none.Construct();
+        std::_Exit(lastOne && refused && Registry::FindZvTextHandle(&none) == -1 ? 7 : 8);
+    };
+    EXPECT_EXIT(useThemUp(), ::testing::ExitedWithCode(7), "all handles are used up");
+}
+
 // Debug builds tell the life of an object; others say nothing.
 TEST(Registry, DebugLinesFollowTheBuild) {
     host::LogCapture log;
