@@ -555,6 +555,7 @@ ZvRect ZvEffect::drawWhole(PixelOrder order) {
     doEffectPostProcessing();
     compositeLayers(picture);
     if (order == PixelOrder::BlueFirst) ZvBlender::convertBGRAToARGB(picture);
+    if (picture->pixels == nullptr) return ZvRect();
     return ZvRect(0, 0, clampToSize(INT_MAX, picture->width), clampToSize(INT_MAX, picture->height));
 }
 

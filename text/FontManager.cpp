@@ -51,6 +51,11 @@ bool toUtf8(const ZvString* string, std::string& out) {
     return true;
 }
 
+const wchar_t* charactersOf(const ZvFontEntry& entry) {
+    const wchar_t* path = entry.path != nullptr ? entry.path->GetPointer() : nullptr;
+    return path != nullptr ? path : L"";
+}
+
 bool contains(const std::string& text, const char* part) {
     return text.find(part) != std::string::npos;
 }
@@ -174,44 +179,79 @@ std::string ZvFontManagerImpl::dataKey(const char* path) {
     return key;
 }
 
-void ZvFontManagerImpl::indexFamilies() {
+void ZvFontManagerImpl::IndexedFont::read(const ZvFontEntry* entry) {
+    if (entry == nullptr) return;
+    exists = true;
+    path = charactersOf(*entry);
+    if (!toUtf8(entry->path, file)) file.clear();
+    index = entry->index;
+    weight = entry->weight;
+    italic = entry->italic;
+}
+
+bool ZvFontManagerImpl::IndexedFont::isOf(const ZvFontEntry* entry) const {
+    if (entry == nullptr || !exists) return exists == (entry != nullptr);
+    return entry->index == index && entry->weight == weight && entry->italic == italic &&
+           path == charactersOf(*entry);
+}
+
+bool ZvFontManagerImpl::isIndexed(const ZvFontFamily& family, const IndexedFamily& indexed) {
+    const int count = family.fonts != nullptr ? family.fonts->GetCount() : 0;
+    if (family.localeListId != indexed.localeListId || family.variant != indexed.variant ||
+        std::max(count, 0) != static_cast<int>(indexed.fonts.size()))
+        return false;
+    for (int i = 0; i < count; ++i) {
+        const auto* entry = static_cast<const ZvFontEntry*>(family.fonts->Get(i));
+        if (!indexed.fonts[static_cast<size_t>(i)].isOf(entry)) return false;
+    }
+    return true;
+}
+
+bool ZvFontManagerImpl::isIndexed() const {
+    if (index == nullptr) return false;
+    size_t at = 0;
+    const int count = families != nullptr ? families->GetCount() : 0;
+    for (int i = 0; i < count; ++i) {
+        const auto* family = static_cast<const ZvFontFamily*>(families->Get(i));
+        if (family == nullptr || family->loaded == 0) continue;
+        if (at >= index->size() || !isIndexed(*family, (*index)[at])) return false;
+        ++at;
+    }
+    return at == index->size();
+}
+
+std::shared_ptr<const ZvFontManagerImpl::FamilyIndex> ZvFontManagerImpl::indexedFamilies() {
+    const std::lock_guard<std::mutex> lock(indexing);
+    if (isIndexed()) return index;
     ++changes;
-    familyIndex.clear();  // what it stays where memory is short; the next reader makes it then
-    std::vector<IndexedFamily> index;
+    index.reset();
+    auto made = std::make_shared<FamilyIndex>();
     const int familyCount = families != nullptr ? families->GetCount() : 0;
     for (int i = 0; i < familyCount; ++i) {
         const auto* family = static_cast<const ZvFontFamily*>(families->Get(i));
-        IndexedFamily indexed = {family, {}};
-        const bool hasFonts = family != nullptr && family->fonts != nullptr;
-        const int fontCount = hasFonts ? family->fonts->GetCount() : 0;
+        if (family == nullptr || family->loaded == 0) continue;
+        IndexedFamily indexed = {family->localeListId, family->variant, {}};
+        const int fontCount = family->fonts != nullptr ? family->fonts->GetCount() : 0;
         for (int j = 0; j < fontCount; ++j) {
-            const auto* entry = static_cast<const ZvFontEntry*>(family->fonts->Get(j));
-            if (entry != nullptr) indexed.fonts.push_back(entry);
+            IndexedFont font;
+            font.read(static_cast<const ZvFontEntry*>(family->fonts->Get(j)));
+            indexed.fonts.push_back(std::move(font));
         }
-        index.push_back(std::move(indexed));
+        made->push_back(std::move(indexed));
     }
-    familyIndex = std::move(index);
-}
-
-void ZvFontManagerImpl::tryIndexFamilies() {
-    unlessOutOfMemory(false, [this] {
-        indexFamilies();
-        return true;
-    });
-}
-
-const std::vector<ZvFontManagerImpl::IndexedFamily>& ZvFontManagerImpl::indexedFamilies() {
-    const std::lock_guard<std::mutex> lock(indexing);
-    // Nobody adds to the list after handing it over; should somebody do so all the same, the families count.
-    if (families != nullptr && families->GetCount() != static_cast<int>(familyIndex.size())) indexFamilies();
-    return familyIndex;
+    index = std::move(made);
+    return index;
 }
 
 bool ZvFontManagerImpl::findFont(std::shared_ptr<minikin::MinikinFont>& out, const ZvString* path,
                                  int index) const {
     std::string utf8;
-    if (!toUtf8(path, utf8)) return false;
-    const auto found = fontMap.find(fontKey(utf8.c_str(), index));
+    return toUtf8(path, utf8) && findFont(out, utf8.c_str(), index);
+}
+
+bool ZvFontManagerImpl::findFont(std::shared_ptr<minikin::MinikinFont>& out, const char* path,
+                                 int index) const {
+    const auto found = fontMap.find(fontKey(path, index));
     if (found == fontMap.end()) return false;
     out = found->second;
     return true;
@@ -231,25 +271,25 @@ void ZvFontManagerImpl::collectFamilies(std::vector<std::shared_ptr<minikin::Fon
         }
     }
 
-    for (const IndexedFamily& indexed : indexedFamilies()) {
-        if (indexed.family == nullptr || indexed.family->loaded == 0) continue;
+    const std::shared_ptr<const FamilyIndex> loaded = indexedFamilies();
+    for (const IndexedFamily& indexed : *loaded) {
         std::vector<minikin::Font> fonts;
-        for (const ZvFontEntry* entry : indexed.fonts) {
+        for (const IndexedFont& entry : indexed.fonts) {
             std::shared_ptr<minikin::MinikinFont> font;
-            if (findFont(font, entry->path, entry->index)) {
-                fonts.push_back(makeFont(font, entry->weight, entry->italic));
+            if (!entry.file.empty() && findFont(font, entry.file.c_str(), entry.index)) {
+                fonts.push_back(makeFont(font, entry.weight, entry.italic));
             }
         }
         if (fonts.empty()) continue;
         out.push_back(std::make_shared<minikin::FontFamily>(
-            indexed.family->localeListId, static_cast<minikin::FontFamily::Variant>(indexed.family->variant),
+            indexed.localeListId, static_cast<minikin::FontFamily::Variant>(indexed.variant),
             std::move(fonts)));
     }
 }
 
 void ZvFontManagerImpl::ClearFontFamilies() {
     ++changes;
-    familyIndex.clear();
+    index.reset();
     const int count = families != nullptr ? families->GetCount() : 0;
     for (int i = 0; i < count; ++i) freeFontFamily(static_cast<ZvFontFamily*>(families->Get(i)));
     delete families;
@@ -341,19 +381,20 @@ bool ZvFontManagerImpl::loadFamily(unsigned int localeListId) {
         auto* family = static_cast<ZvFontFamily*>(families->Get(i));
         if (family == nullptr || family->loaded != 0 || family->localeListId != localeListId) continue;
         family->loaded = buildFamily(family) ? 1 : 0;
-        tryIndexFamilies();
         return true;
     }
     return false;
 }
 
 FontManager* FontManager::GetInstance() {
-    static FontManager instance;
+    // Never destroyed: threads may still render while the process ends.
+    alignas(FontManager) static char storage[sizeof(FontManager)];
+    static FontManager* const instance = new (storage) FontManager;
     static std::mutex making;
     // Where there was no memory for it, once more.
     const std::lock_guard<std::mutex> lock(making);
-    if (instance.mImpl == nullptr) instance.mImpl = new (std::nothrow) ZvFontManagerImpl;
-    return &instance;
+    if (instance->mImpl == nullptr) instance->mImpl = new (std::nothrow) ZvFontManagerImpl;
+    return instance;
 }
 
 FontManager::FontManager() : mImpl(new (std::nothrow) ZvFontManagerImpl) {}
@@ -428,7 +469,6 @@ bool FontManager::SetSystemFontFamilies(List* families) {
         mImpl->ClearFontFamilies();
         mImpl->families = families;
         mImpl->familiesSet = true;
-        mImpl->tryIndexFamilies();
     }
     return true;
 }
@@ -467,14 +507,13 @@ bool FontManager::GetMinikinFontFamilies(std::vector<std::shared_ptr<minikin::Fo
 
 uint64_t FontManager::GetGeneration() const {
     if (mImpl == nullptr) return 0;
-    // `loaded` may be set from outside, and the list may grow.
-    const std::lock_guard<std::mutex> lock(mImpl->indexing);
-    uint64_t loaded = 0;
-    for (const ZvFontManagerImpl::IndexedFamily& indexed : mImpl->familyIndex) {
-        if (indexed.family != nullptr && indexed.family->loaded != 0) ++loaded;
-    }
-    const auto count = mImpl->families != nullptr ? static_cast<uint64_t>(mImpl->families->GetCount()) : 0;
-    return mImpl->changes * 0x100000000u + count * 0x10000u + loaded;
+    // Families and flags may be changed from outside. Without memory to see how, it counts as a change.
+    const bool seen = unlessOutOfMemory(false, [this] {
+        mImpl->indexedFamilies();
+        return true;
+    });
+    if (!seen) ++mImpl->changes;
+    return mImpl->changes;
 }
 
 void FontManager::ClearFontFamilies() {

@@ -75,7 +75,7 @@ char* getFontData(const char* path, unsigned int& size);
 // side.
 class FontManager {
 public:
-    // The process's manager, made on first use.
+    // The process's manager, made on first use and never destroyed.
     static FontManager* GetInstance();
 
     // A manager beside the process's own, with fonts of its own: for tools and tests.
@@ -106,7 +106,8 @@ public:
     // The same for whom a language without a family will do: false where memory is short, only then.
     bool EnsureMinikinFontFamily(unsigned int localeListId);
 
-    // Takes over the list of ZvFontFamily* and all in it; nobody else touches them from then on. Once a list
+    // Takes over the list of ZvFontFamily* and all in it. Whoever changes them afterwards keeps drawings out
+    // meanwhile; the next one sees it. Once a list
     // has been taken, later ones are ignored and stay the caller's. True either way.
     bool SetSystemFontFamilies(List* families);
     bool IsSystemFontFamiliesAlreadySet() const;

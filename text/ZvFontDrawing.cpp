@@ -60,8 +60,22 @@ struct ImageDeleter {
 };
 using LineImage = std::unique_ptr<ZvGlyph, ImageDeleter>;
 
+SkImageInfo coverageInfo(const ZvGlyph& glyph) {
+    return SkImageInfo::Make(glyph.width, glyph.height, kAlpha_8_SkColorType, kPremul_SkAlphaType);
+}
+
+// The canvas takes no image larger than that.
+constexpr size_t MAX_IMAGE_BYTES = INT32_MAX;
+
+bool refuseImage(const ZvGlyph& glyph) {
+    __android_log_print(ANDROID_LOG_ERROR, kTag, "a line of %d x %d pixels is too large, it is left out",
+                        static_cast<int>(glyph.width), static_cast<int>(glyph.height));
+    return false;
+}
+
 // The line's coverage image, not yet drawn: as wide as the advance (not as the ink, so ink beyond the advance
-// is cut off), as high as the bounds. Null when memory is short.
+// is cut off), as high as the bounds. Null when memory is short, and, with an error line, when it is too
+// large.
 LineImage makeLineImage(const minikin::MinikinRect& bounds, float advance) {
     LineImage glyph(tryMake<ZvGlyph>().release());
     if (glyph == nullptr) return nullptr;
@@ -69,6 +83,10 @@ LineImage makeLineImage(const minikin::MinikinRect& bounds, float advance) {
     glyph->height = static_cast<uint16_t>(truncateToUnsigned(bounds.mBottom - bounds.mTop));
     glyph->baseline = truncateToInt(-bounds.mTop);
     glyph->left = 0;
+    if (size_t{glyph->width} * glyph->height > MAX_IMAGE_BYTES) {
+        refuseImage(*glyph);
+        return nullptr;
+    }
     glyph->pixels = new (std::nothrow) uint8_t[size_t{glyph->width} * glyph->height];
     if (glyph->pixels == nullptr) {
         markOutOfMemory();
@@ -77,17 +95,17 @@ LineImage makeLineImage(const minikin::MinikinRect& bounds, float advance) {
     return glyph;
 }
 
-void drawLineImage(const ZvGlyph& glyph, const minikin::Layout& layout, const minikin::MinikinRect& bounds,
+// False, with an error line, where the platform refuses the image.
+bool drawLineImage(const ZvGlyph& glyph, const minikin::Layout& layout, const minikin::MinikinRect& bounds,
                    android::Paint& paint) {
-    if (glyph.width == 0 || glyph.height == 0) return;
+    if (glyph.width == 0 || glyph.height == 0) return true;
     SkBitmap bitmap;
-    bitmap.installPixels(
-        SkImageInfo::Make(glyph.width, glyph.height, kAlpha_8_SkColorType, kPremul_SkAlphaType), glyph.pixels,
-        glyph.width);
+    if (!bitmap.installPixels(coverageInfo(glyph), glyph.pixels, glyph.width)) return refuseImage(glyph);
     SkCanvas canvas(bitmap);
     canvas.drawColor(0, SkBlendMode::kSrc);
     DrawTextFunctor functor(layout, &canvas, &paint, bounds);
     android::MinikinUtils::forFontRun(layout, &paint, functor);
+    return true;
 }
 
 }  // namespace
@@ -158,6 +176,7 @@ int ZvFontDrawing::DrawTextEffect(ZvTextObject* text, ZvBitmap* out) {
 ZvRect ZvFontDrawing::DrawTextWords(ZvTextObject* text, ZvBitmap* out) {
     if (drawLines(text, out, Drawing::AsPicture))
         return text->GetEffect()->drawPicture(PixelOrder::BlueFirst);
+    if (text != nullptr && text->GetEffect() != nullptr) text->GetEffect()->setDstBitmap(nullptr);
     if (out != nullptr && out->pixels != nullptr) std::memset(out->pixels, 0, out->byteCount());
     return ZvRect();
 }
@@ -275,7 +294,7 @@ const ZvGlyph* ZvFontDrawing::lineImage(size_t index, const DrawnLines::Range& r
 
     LineImage glyph = makeLineImage(bounds, *advance);
     if (glyph == nullptr) return nullptr;
-    drawLineImage(*glyph, layout, bounds, paint);
+    if (!drawLineImage(*glyph, layout, bounds, paint)) return nullptr;
     if (glyphList->Add(glyph.get()) == 0) {
         markOutOfMemory();
         return nullptr;

@@ -28,18 +28,26 @@ public:
     static std::string fontKey(const char* path, int index);
     static std::string dataKey(const char* path);
 
-    // A family with its entries in arrays. Walking a List moves its cursor, so drawings that read the
-    // families side by side walk these instead.
-    struct IndexedFamily {
-        const ZvFontFamily* family;
-        std::vector<const ZvFontEntry*> fonts;
+    // The loaded families as they were when somebody last looked. Walking a List moves its cursor, so
+    // drawings that read the families side by side walk this copy instead.
+    struct IndexedFont {
+        bool exists = false;  // or the list holds a null
+        std::wstring path;    // of the entry
+        std::string file;     // the same in UTF-8, empty for an entry without a path
+        int32_t index = 0, weight = 0;
+        bool italic = false;
+        void read(const ZvFontEntry* entry);
+        bool isOf(const ZvFontEntry* entry) const;
     };
-    // Makes familyIndex follow `families`. The first throws std::bad_alloc and leaves it empty, as the second
-    // does where memory is short.
-    void indexFamilies();
-    void tryIndexFamilies();
-    // The index, made now where that failed before; by whichever of the readers side by side comes first.
-    const std::vector<IndexedFamily>& indexedFamilies();
+    struct IndexedFamily {
+        uint32_t localeListId;
+        int32_t variant;
+        std::vector<IndexedFont> fonts;
+    };
+    using FamilyIndex = std::vector<IndexedFamily>;
+    // The copy, made anew, and counted as a change, where the families are not what it says. By whichever of
+    // the readers side by side comes first. Throws std::bad_alloc.
+    std::shared_ptr<const FamilyIndex> indexedFamilies();
 
     // What FontManager's operations do. Throw std::bad_alloc.
     bool isExisting(const char* path, int index) const;
@@ -48,6 +56,7 @@ public:
     bool buildFamily(const ZvFontFamily* family);
     bool loadFamily(unsigned int localeListId);
     bool findFont(std::shared_ptr<minikin::MinikinFont>& out, const ZvString* path, int index) const;
+    bool findFont(std::shared_ptr<minikin::MinikinFont>& out, const char* path, int index) const;
     void collectFamilies(std::vector<std::shared_ptr<minikin::FontFamily>>& out, const ZvString* path,
                          int& weight);
 
@@ -57,8 +66,12 @@ public:
     std::map<std::string, std::shared_ptr<minikin::MinikinFont>> fontMap;  // each an android::MinikinFontSkia
     List* families = nullptr;  // owned; of ZvFontFamily*, owned too
     bool familiesSet = false;
-    std::vector<IndexedFamily> familyIndex;  // the records of `families`, in its order
-    std::mutex indexing;
+    std::shared_ptr<const FamilyIndex> index;  // null: not made
+    std::mutex indexing;                       // of the two above, which readers side by side walk
+
+private:
+    static bool isIndexed(const ZvFontFamily& family, const IndexedFamily& indexed);
+    bool isIndexed() const;
 };
 
 }  // namespace Zvex

@@ -102,6 +102,17 @@ SkImageInfo straightColorInfo(const ZvBitmap& bitmap) {
                              kRGBA_8888_SkColorType, kUnpremul_SkAlphaType, SkColorSpace::MakeSRGB());
 }
 
+// Whether the path is UTF-8 that reads back as it was: fonts are looked up by its characters.
+bool readsBack(const char* path) {
+    ZvString text;
+    if (text.Construct(path) == 0) return false;
+    const int size = text.GetUTF8Size();
+    const std::unique_ptr<char[]> bytes(size > 0 ? new (std::nothrow) char[static_cast<size_t>(size) + 1]()
+                                                 : nullptr);
+    if (bytes == nullptr) return *path == '\0';
+    return text.GetUTF8(bytes.get(), size) != 0 && std::strcmp(bytes.get(), path) == 0;
+}
+
 void wrapColorBitmap(const ZvBitmap& bitmap, SkBitmap& out) {
     out.installPixels(straightColorInfo(bitmap), bitmap.pixels, size_t{bitmap.width} * bitmap.bytesPerPixel);
 }
@@ -173,6 +184,7 @@ ZvTextObject::~ZvTextObject() {
     const int handle = mImpl != nullptr ? mImpl->runtimeHandle : -1;
     ZV_DEBUG_LOG(kTag, "~ZvTextObject(%p / %d)", static_cast<void*>(this), handle);
     ZvTextInstanceManager::Unregister(handle);
+    ZvTextInstanceManager::Forget(this);
     delete mImpl;
 }
 
@@ -291,7 +303,13 @@ bool ZvTextObject::SetFont(const char* path, char* buffer, unsigned int size) {
 
 // `buffer` passes to the font manager.
 bool ZvTextObject::addFont(const char* path, char* buffer, unsigned int size) {
+    std::unique_ptr<char[]> handedOver(buffer);
     if (mImpl->fontDrawing == nullptr) mImpl->fontDrawing = new (std::nothrow) ZvFontDrawing;
+    if (!readsBack(path)) {
+        __android_log_print(ANDROID_LOG_ERROR, kTag, "SetFont() - the path is not UTF-8");
+        return false;
+    }
+    buffer = handedOver.release();
     if (!FontManager::GetInstance()->AddMinikinFont(path, buffer, size, 0, true)) return false;
     return mImpl->fontDrawing != nullptr && mImpl->fontDrawing->SetFontPath(path);
 }
@@ -388,15 +406,13 @@ uint32_t* ZvTextObject::RenderTextEffect(int width, int height) {
     const unsigned int safeWidth = width > 0 ? static_cast<unsigned int>(width) : 0;
     const unsigned int safeHeight = height > 0 ? static_cast<unsigned int>(height) : 0;
     if (!mImpl->resizeResult(safeWidth, safeHeight)) return nullptr;
-    bool drawn = true;
-    if (mImpl->result->pixels != nullptr) {
-        drawn = unlessOutOfMemory(false, [this] {
-            mImpl->drawsBackground() ? mImpl->renderOverBackground() : mImpl->renderAlone();
-            return true;
-        });
-        // A drawing that stopped half-way leaves the stack pointing at an image that may go.
-        if (mImpl->effect != nullptr) mImpl->effect->setDstBitmap(nullptr);
-    }
+    // A picture without pixels is drawn too: its text becomes a layer, its lines are placed.
+    const bool drawn = unlessOutOfMemory(false, [this] {
+        mImpl->drawsBackground() ? mImpl->renderOverBackground() : mImpl->renderAlone();
+        return true;
+    });
+    // A drawing that stopped half-way leaves the stack pointing at an image that may go.
+    if (mImpl->effect != nullptr) mImpl->effect->setDstBitmap(nullptr);
     ZV_DEBUG_LOG(kTag, "RenderTextEffect(%p / %d) <<< End.", static_cast<void*>(this), mImpl->runtimeHandle);
     return drawn ? reinterpret_cast<uint32_t*>(mImpl->result->pixels) : nullptr;
 }
@@ -419,12 +435,11 @@ bool ZvTextObjectImpl::drawsBackground() const {
 
 void ZvTextObjectImpl::renderOverBackground() {
     ZvBitmap effectImage(result->width, result->height, 4, ZvBitmap::Unset::Pixels);
-    const bool composed = effectImage.pixels != nullptr && canvasTakes(*result);
-    if (!composed) std::memset(result->pixels, 0, result->byteCount());
-    if (effectImage.pixels == nullptr) return;
+    const bool composed = effectImage.pixels != nullptr && result->pixels != nullptr && canvasTakes(*result);
+    if (!composed && result->pixels != nullptr) std::memset(result->pixels, 0, result->byteCount());
     fontDrawing->DrawTextWords(owner, &effectImage);
     if (effect != nullptr) effect->setDstBitmap(nullptr);
-    compose(effectImage, *result);
+    if (effectImage.pixels != nullptr && result->pixels != nullptr) compose(effectImage, *result);
 }
 
 // Over nothing the effects' picture is the picture, within the clip.

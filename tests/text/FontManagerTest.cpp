@@ -238,6 +238,56 @@ TEST(FontManager, LoadsOneFamilyOfALocaleAtATime) {
     EXPECT_TRUE(load("th"));
 }
 
+// Whatever is changed in the families that were handed over, also where no number of them changes.
+TEST(FontManager, ChangesToTheFamiliesAreSeen) {
+    FontManager manager;
+    ZvFontFamily* families[] = {makeFamily("ja", {kSans}), makeFamily("ko", {kSans, kBold})};
+    ASSERT_TRUE(manager.SetSystemFontFamilies(makeFamilies({families[0], families[1]})));
+    for (ZvFontFamily* family : families) ASSERT_TRUE(manager.BuildMinikinFamily(family));
+    const auto entry = [&](int i) { return static_cast<ZvFontEntry*>(families[1]->fonts->Get(i)); };
+    families[0]->loaded = 1;
+    const std::function<void()> changes[] = {
+        [&] { std::swap(families[0]->loaded, families[1]->loaded); },
+        [&] { freeFontEntry(entry(1)), families[1]->fonts->Remove(1); },
+        [&] { entry(0)->path->Set(kBold); },
+        [&] { entry(0)->italic = true; },
+        [&] { entry(0)->weight = 700; },
+        [&] { entry(0)->index = 1; },
+        [&] { families[1]->variant = 2; },
+        [&] { families[1]->localeListId = 0; },
+        [&] { families[1]->fonts->Add(static_cast<void*>(nullptr)); },
+        [&] { families[1]->loaded = 0; },
+    };
+    for (size_t i = 0; i < std::size(changes); ++i) {
+        const uint64_t before = manager.GetGeneration();
+        EXPECT_EQ(manager.GetGeneration(), before) << i;
+        changes[i]();
+        EXPECT_NE(manager.GetGeneration(), before) << i;
+    }
+}
+
+TEST(FontManager, ASystemEntrysWeightAndSlantReachTheFamily) {
+    FontManager manager;
+    ZvFontFamily* family = makeFamily("", {kSans});
+    auto* entry = static_cast<ZvFontEntry*>(family->fonts->Get(0));
+    ASSERT_TRUE(manager.BuildMinikinFamily(family));
+    family->loaded = 1;
+    ASSERT_TRUE(manager.SetSystemFontFamilies(makeFamilies({family})));
+    for (const bool italic : {false, true}) {
+        entry->italic = italic;
+        entry->weight = italic ? 800 : 300;
+        std::vector<std::shared_ptr<minikin::FontFamily>> families;
+        int weight = 400;
+        ASSERT_TRUE(manager.GetMinikinFontFamilies(families, nullptr, weight));
+        ASSERT_EQ(families.size(), 1u);
+        // Of black italic the entry lacks what it is not.
+        const minikin::FontFakery fakery =
+            families[0]->getClosestMatch(minikin::FontStyle(900, minikin::FontStyle::Slant::ITALIC)).fakery;
+        EXPECT_EQ(fakery.isFakeItalic(), !italic);
+        EXPECT_EQ(fakery.isFakeBold(), !italic);
+    }
+}
+
 TEST(FontManager, FontsInUseOutliveClearing) {
     FontManager manager;
     ASSERT_TRUE(add(manager, kSans));

@@ -5,6 +5,7 @@
 
 #include <array>
 #include <cmath>
+#include <cstring>
 #include <cwchar>
 #include <functional>
 #include <limits>
@@ -18,6 +19,7 @@
 #include "foundation/Error.h"
 #include "foundation/SafeConvert.h"
 #include "raster/ZvBitmap.h"
+#include "raster/ZvBlender.h"
 #include "text/FontManager.h"
 #include "text/ZvFontDrawing.h"
 #include "text/ZvTextObjectImpl.h"
@@ -114,6 +116,66 @@ TEST(TextDrawing, FailuresSayWhatIsMissing) {
     host::LogCapture log;
     EXPECT_EQ(withoutLines.render().countVisible(), 0);
     EXPECT_TRUE(errorLines(log).empty());
+}
+
+// The stack is left with a mask of zeros and without the picture.
+TEST(TextDrawing, AFailedRenderingLeavesNothingToDraw) {
+    OneLine scene(L"ab", 20, 60, 30, 0, 20);
+    scene.object.GetFont()->SetFontPath("TextDrawing.unknown");
+    EXPECT_EQ(scene.render().countVisible(), 0);
+    EXPECT_EQ(scene.effect().getDstBitmap(), nullptr);
+    const ZvBitmap& mask = *scene.effect().getSrcBitmap();
+    EXPECT_EQ(std::count(mask.pixels, mask.pixels + mask.byteCount(), 0), 60 * 30);
+}
+
+// The steps by hand give the bytes of a picture, but for the order of red and blue.
+TEST(TextDrawing, DrawTextEffectDrawsThePicture) {
+    OneLine scene(L"Hp\u0416", 24, 90, 40, 5, 28);
+    scene.object.SetTextColor(0xE02040C0);
+    for (const float opacity : {1.0f, 0.4f}) {
+        scene.effect().setTextOpacity(opacity);
+        scene.effect().addOuterShadowText(40, 5, 3, 0xFF00FF00, 0.9f);
+        Picture expected = scene.render();
+        ZvBitmap out(static_cast<unsigned>(expected.width), static_cast<unsigned>(expected.height), 4);
+        EXPECT_EQ(scene.object.GetFont()->DrawTextEffect(&scene.object, &out), 0);
+        ZvBlender::convertBGRAToARGB(&out);
+        EXPECT_GT(expected.countVisible(), 200);
+        EXPECT_EQ(std::memcmp(out.pixels, expected.pixels.data(), out.byteCount()), 0) << opacity;
+        EXPECT_EQ(scene.effect().getDstBitmap(), nullptr);
+    }
+}
+
+// A layer of a class that the stack does not know draws on the picture itself.
+TEST(TextDrawing, LayersOfOtherClassesAreSeen) {
+    class Marker : public ZvECoreBase {
+        int render(ParamRender* p) override { return std::memset(p->target->pixels, 255, 8), 1; }
+        void setProperty(ZvProperty*) override {}
+        ZvProperty* getProperty() override { return nullptr; }
+    };
+    OneLine scene(L"ab", 20, 60, 30, 5, 25);
+    scene.object.SetTextColor(0xFF0000FF);
+    scene.effect().setTextOpacity(0.5f);  // two pictures: the text cuts nothing off
+    const int text = scene.render().count(0xFF0000FF);
+    for (const bool background : {false, true}) {
+        scene.effect().cleanAllEffect();
+        scene.effect().effects.push_back(new Marker);
+        scene.object.SetBackgroundColor(0x01000000, background);
+        std::vector<uint8_t> dirty(60 * 30 * 4, 0x77);
+        EXPECT_EQ(scene.render().count(0xFF0000FF), text) << background;
+    }
+}
+
+TEST(TextDrawing, AnImageBeyondTwoGigabytesIsLeftOutWithALine) {
+    OneLine scene(L"MMMMMMMM", 20, 60, 30, 0, 25);
+    android::Paint paint = scene.object.GetPaint();
+    paint.setTextSize(60000);
+    paint.setTextScaleX(0.14f);
+    scene.object.SetPaint(paint);
+    host::LogCapture log;
+    EXPECT_EQ(scene.render().countVisible(), 0);
+    const std::vector<std::string> lines = errorLines(log);
+    ASSERT_EQ(lines.size(), 1u);
+    EXPECT_NE(lines[0].find("is too large, it is left out"), std::string::npos) << lines[0];
 }
 
 TEST(TextDrawing, LineImagesAreAsWideAsTheAdvanceAndAsHighAsTheInk) {

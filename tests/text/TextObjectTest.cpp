@@ -101,6 +101,8 @@ TEST(TextObject, AFontThatFailsLeavesTheOldOneChosen) {
     EXPECT_FALSE(object.SetFont("/missing.ttf"));
     EXPECT_FALSE(object.SetFont(""));
     EXPECT_FALSE(object.SetFont("TextObject.garbage", newBuffer("garbage"), 7));
+    for (const char* name : {"TextObject.\xFF", "\xC3", "TextObject.\xC0\xAF", "a\xED\xA0\xBD\xED\xB8\x80"})
+        EXPECT_FALSE(object.SetFont(name, newBuffer(bytes), static_cast<unsigned>(bytes.size()))) << name;
     EXPECT_EQ(Error::GetError(), 0u);
     EXPECT_FALSE(object.SetFont(nullptr));
     EXPECT_EQ(Error::GetError(), 7u);
@@ -169,6 +171,20 @@ TEST(TextObject, TextLoadsTheFamiliesOfItsScripts) {
     manager.ClearFontFamilies();
 }
 
+TEST(TextObject, RegisteringTheScriptsLoadsFamiliesThatCameLater) {
+    FontManager& manager = *FontManager::GetInstance();
+    ZvTextObject object;
+    object.Construct();
+    object.SetTextLocaleListId();  // no text, nothing to load
+    object.SetText(L"\u0416");
+    ZvFontFamily* family = makeFamily("und-Cyrl", {kSans});
+    manager.ClearFontFamilies();
+    ASSERT_TRUE(manager.SetSystemFontFamilies(makeFamilies({family})));
+    object.SetTextLocaleListId();
+    EXPECT_NE(family->loaded, 0);
+    manager.ClearFontFamilies();
+}
+
 TEST(TextObject, SizesThatCannotBeGiveNoPicture) {
     TextScene scene(kSans, L"ab", 20, 60, 30);
     scene.setLines({TextScene::makeLine(0, 20, 0, 2)});
@@ -176,8 +192,20 @@ TEST(TextObject, SizesThatCannotBeGiveNoPicture) {
     const int sizes[][2] = {{0, 0},          {0, 30}, {60, 0}, {-1, -1}, {-60, 30}, {2147483647, 2147483647},
                             {-2147483647, 1}};
     for (const auto& size : sizes) {
-        EXPECT_EQ(scene.object.RenderTextEffect(size[0], size[1]), nullptr) << size[0] << "x" << size[1];
+        scene.effect().cleanAllEffect();
+        const int top = scene.line(0).rect.top = 5;
+        scene.effect().addStrokeText(4, 0xFFFFFFFF, 1, 0, 1);
+        for (const bool background : {false, true}) {
+            scene.object.SetBackgroundColor(0xFF00FF00, background);
+            EXPECT_EQ(scene.object.RenderTextEffect(size[0], size[1]), nullptr) << size[0] << "x" << size[1];
+        }
+        // Drawn all the same: the text is a layer, the line has its place.
+        EXPECT_TRUE(scene.effect().hasEffect(ZV_EFFECT_TEXT));
+        EXPECT_EQ(scene.line(0).rect.top, top + 2 * scene.effect().getTopOffset());
+        EXPECT_EQ(scene.effect().getSrcBitmap(), nullptr);
     }
+    scene.effect().cleanAllEffect();
+    scene.object.SetBackgroundColor(0, false);
     EXPECT_GT(scene.render().countVisible(), 0);
 }
 

@@ -2,6 +2,8 @@
 // Eight threads, each with a text object of its own, side by side. Built with the thread sanitizer this
 // program must stay silent. ZVEX_TEST_SECONDS says how long the threads go on, one second if it does not.
 #include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <atomic>
 #include <chrono>
@@ -143,6 +145,50 @@ TEST(TextThreads, MixedEffectsGiveThePicturesOfOneThread) {
     for (std::thread& thread : threads) thread.join();
     EXPECT_GE(renders, kThreads);
     std::printf("%d renders\n", renders.load());
+}
+
+// Exit handlers run while other threads go on making texts and rendering. In a process of its own.
+TEST(TextThreadsDeathTest, TheProcessMayEndMeanwhile) {
+    ::testing::FLAGS_gtest_death_test_style = "threadsafe";
+    const auto endMeanwhile = [] {
+        std::atexit([] { std::this_thread::sleep_for(std::chrono::milliseconds(100)); });
+        FontManager& manager = *FontManager::GetInstance();
+        manager.SetSystemFontFamilies(makeFamilies({loadFamily(kBold), loadFamily(kEmoji)}));
+        manager.AddMinikinFont(kSans, nullptr, 0, 0, true);
+        manager.GetGeneration();
+        std::atomic<int> rendered{0};
+        for (int i = 0; i < 4; ++i) {
+            std::thread([&rendered] {
+                for (;;) {
+                    TextScene scene(kSans, L"End", 20, 80, 30);
+                    scene.setLines({TextScene::makeLine(5, 25, 0, 3)});
+                    rendered += scene.render().countVisible() > 0;
+                }
+            }).detach();
+        }
+        while (rendered < 8) std::this_thread::yield();
+        std::exit(0);
+    };
+    EXPECT_EXIT(endMeanwhile(), ::testing::ExitedWithCode(0), "");
+}
+
+// A process whose other threads have ended may fork, before and after it has rendered: locks are free, caches
+// and fonts are the child's own.
+TEST(TextThreads, AForkedChildRendersOn) {
+    const auto render = [] {
+        TextScene scene(kSans, L"Fork \u0416", 28, 180, 50);
+        scene.effect().addStrokeText(3, 0xFFFFFFFF, 0.9f, 0, 1);
+        scene.setLines({TextScene::makeLine(5, 36, 0, 6)});
+        return scene.render();
+    };
+    const Picture expected = render();
+    EXPECT_GT(expected.countVisible(), 200);
+    const pid_t child = fork();
+    if (child == 0) std::_Exit(render() == expected && render() == expected ? 0 : 1);
+    int status = -1;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    EXPECT_EQ(status, 0);
+    EXPECT_TRUE(render() == expected);
 }
 
 TEST(TextThreads, RegistryCountsAcrossThreads) {
