@@ -13,7 +13,9 @@
 #include <memory>
 #include <utility>
 
-#include "effect/kernels/Distance.h"
+#include "effect/kernels/DistanceRows.h"
+#include "effect/kernels/DistanceSearch.h"
+#include "effect/kernels/DistanceTransform.h"
 #include "foundation/OutOfMemory.h"
 #include "raster/ZvBlender.h"
 
@@ -47,7 +49,7 @@ struct Widths {
 struct Edge {
     Buffer<uint8_t> levels;
     float ramp[256];  // values of the levels
-    DistanceRows distances;
+    std::unique_ptr<DistanceRows> distances;
 
     // With the fractions of partly covered pixels, which lie within a pixel of the other side, unless the
     // slope is wide and soft.
@@ -60,12 +62,16 @@ struct Edge {
                    : exact ? Levels::Beside
                            : Levels::Ground,
                    area, mask, exact ? 1 : 0);
-        if (exact) return distances.transform(levels.get(), area.width, area.height, radius);
+        if (exact) {
+            distances = DistanceRows::transform(levels.get(), area.width, area.height, radius);
+            return distances != nullptr;
+        }
         for (int level = 0; level < 256; ++level) {
             const float unit = static_cast<float>((255 - level) / 254.99);
             ramp[level] = unit <= 0.001 ? static_cast<float>(radius) : unit < 1.0f ? 1.0f - unit : 0.0f;
         }
-        return distances.search(levels.get(), area.width, area.height, radius, ramp, false);
+        distances = DistanceRows::search(levels.get(), area.width, area.height, radius, ramp, false);
+        return distances != nullptr;
     }
 };
 
@@ -78,13 +84,13 @@ bool lightSlopes(ReliefPlanes& planes, const ZvBevelProperty& property, const Wi
     const ReliefLight light = ReliefLight::make(property, DEPTH_FLOOR);
     const float limit = static_cast<float>(widths.radius);
     for (int y = 0; y < area.height; ++y) {
-        edge.distances.next();
+        edge.distances->next();
         planes.clearRow(area, y);
         if (y < 2) continue;
         const size_t at = area.row(y - 1);
         // Around the glyphs the distance grows away from them, and the height falls.
         lightRow({LitSide::Bevel, planes.highlight.get() + at, planes.shadow.get() + at,
-                  edge.distances.row(y - 2), edge.distances.row(y - 1), edge.distances.row(y), 1,
+                  edge.distances->row(y - 2), edge.distances->row(y - 1), edge.distances->row(y), 1,
                   area.width - 1, limit, 0, light, !inner, static_cast<int>(property.highlightColor >> 24),
                   static_cast<int>(property.shadowColor >> 24)});
     }

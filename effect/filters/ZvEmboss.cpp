@@ -16,7 +16,9 @@
 #include <memory>
 #include <utility>
 
-#include "effect/kernels/Distance.h"
+#include "effect/kernels/DistanceRows.h"
+#include "effect/kernels/DistanceSearch.h"
+#include "effect/kernels/DistanceTransform.h"
 #include "foundation/OutOfMemory.h"
 #include "raster/ZvBlender.h"
 
@@ -82,22 +84,23 @@ bool lightExactSlopes(ReliefPlanes* planes, int count, const ZvEmbossProperty& p
                       const WorkingArea& area, const ZvBitmap& mask) {
     const int outer = static_cast<int>(widths.outer), inner = static_cast<int>(widths.inner);
     Buffer<uint8_t> levels[2];
-    DistanceRows distances[2];
+    std::unique_ptr<DistanceRows> distances[2];
     for (int i = 0; i < 2; ++i) {
         if (!levels[i].allocate(area.height, area.width)) return false;
         makeLevels(levels[i].get(), i == 0 ? Levels::Beside : Levels::Coverage, area, mask, 1);
         // A pixel on the slope looks at its neighbours, less than a pixel beyond.
-        if (!distances[i].transform(levels[i].get(), area.width, area.height, (i == 0 ? outer : inner) + 2))
-            return false;
+        distances[i] =
+            DistanceRows::transform(levels[i].get(), area.width, area.height, (i == 0 ? outer : inner) + 2);
+        if (distances[i] == nullptr) return false;
     }
     const ReliefLight light = ReliefLight::make(property, DEPTH_FLOOR);
     for (int y = 0; y < area.height; ++y) {
-        for (DistanceRows& rows : distances) rows.next();
+        for (const auto& rows : distances) rows->next();
         for (int i = 0; i < count; ++i) planes[i].clearRow(area, y);
         if (y < 2) continue;
         forReliefs(light, count, [&](const ReliefLight& from, int i) {
             for (const LitSide side : {LitSide::Around, LitSide::Within}) {
-                const DistanceRows& rows = distances[side == LitSide::Around ? 0 : 1];
+                const DistanceRows& rows = *distances[side == LitSide::Around ? 0 : 1];
                 lightRow(litRow(planes[i], area.row(y - 1), side, rows.row(y - 2), rows.row(y - 1),
                                 rows.row(y), area.width, widths, from, property));
             }
@@ -123,11 +126,11 @@ bool measureSigned(float* plane, const Widths& widths, const WorkingArea& area, 
         for (size_t i = 0; i < area.pixels(); ++i) plane[i] = ramp[levels[i]];
         if (!searchOutward({plane, area.height, area.width, outer, 1, area.height})) return false;
     } else {
-        DistanceRows rows;
-        if (!rows.search(levels.get(), area.width, area.height, outer, ramp, true)) return false;
+        const auto rows = DistanceRows::search(levels.get(), area.width, area.height, outer, ramp, true);
+        if (rows == nullptr) return false;
         for (int y = 0; y < area.height; ++y) {
-            rows.next();
-            std::copy_n(rows.row(y), area.width, plane + area.row(y));
+            rows->next();
+            std::copy_n(rows->row(y), area.width, plane + area.row(y));
         }
     }
     // The first row keeps what it is. No glyph is near it, so nothing depends on the order of the inward

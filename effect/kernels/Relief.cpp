@@ -5,7 +5,6 @@
 #include <cstring>
 #include <utility>
 
-#include "effect/kernels/Distance.h"
 #include "effect/kernels/Gaussian.h"
 #include "raster/CpuTarget.h"
 #include "raster/ZvBlender.h"

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
 #include <vector>
 
 // The distance planes of the reliefs as their definitions read.
@@ -22,34 +23,17 @@ inline float root(int square) {
     return static_cast<float>(std::round(std::sqrt(static_cast<double>(square)) * 1000) / 1000);
 }
 
-// The lower envelope of the parabolas over one line, in single precision.
+// The smallest of line[p] + (q - p)^2 for each q.
 inline std::vector<float> squaredDistances(const std::vector<float>& line) {
-    const int n = static_cast<int>(line.size());
-    std::vector<int> vertices(line.size());
-    std::vector<float> bounds(line.size() + 1), d;
-    const float* f = line.data();
-    int* v = vertices.data();
-    float* z = bounds.data();
-    const auto square = [](int i) { return static_cast<float>(i * i); };
-    const auto crossing = [&](int p, int q) {
-        return ((f[q] + square(q)) - (f[p] + square(p))) / static_cast<float>(2 * q - 2 * p);
-    };
-    int k = 0;
-    z[0] = -1e20f;
-    z[1] = 1e20f;
-    for (int q = 1; q < n; ++q) {
-        float s = crossing(v[k], q);
-        while (s <= z[k]) s = crossing(v[--k], q);
-        v[++k] = q;
-        z[k] = s;
-        z[k + 1] = 1e20f;
+    std::vector<float> squares;
+    const int count = static_cast<int>(line.size());
+    for (int q = 0; q < count; ++q) {
+        float best = line[static_cast<size_t>(q)];
+        for (int p = 0; p < count; ++p)
+            best = std::min(best, line[static_cast<size_t>(p)] + static_cast<float>((q - p) * (q - p)));
+        squares.push_back(best);
     }
-    k = 0;
-    for (int q = 0; q < n; ++q) {
-        while (z[k + 1] < static_cast<float>(q)) ++k;
-        d.push_back(f[v[k]] + square(q - v[k]));
-    }
-    return d;
+    return squares;
 }
 
 inline void squaredDistances(Distances& plane) {

@@ -1,0 +1,53 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef ZVEX_EFFECT_KERNELS_DISTANCEROWS_H_
+#define ZVEX_EFFECT_KERNELS_DISTANCEROWS_H_
+
+#include <cstdint>
+#include <memory>
+
+#include "effect/kernels/Buffer.h"
+
+namespace Zvex {
+
+// The distances of a plane row by row, from the top; nothing of the size of a plane of floats is kept. The
+// plane is given as levels, bytes of packed rows: 0 for a full pixel, from which distances are measured, 1 to
+// 254 for a partly covered one, 255 for any other. It has to fit an int in pixels and to outlive the rows.
+class DistanceRows {
+public:
+    virtual ~DistanceRows() = default;
+
+    // The transform: the distance to the nearest full pixel, or `radius`, at least 1, where it is greater.
+    // All other levels are the same. Costs little for each pixel, hardly more for a large radius; up to a
+    // height of 4095, beyond that it takes the transform of a plane. Null when memory is short.
+    static std::unique_ptr<DistanceRows> transform(const uint8_t* levels, int width, int height, int radius);
+
+    // searchNearest of the plane of the values ramp[level], which rise with the level: ramp[0] is 0,
+    // ramp[255] the radius. `outward`, searchOutward; then ramp[0] is at most 0 and ramp[255] at least 1. The
+    // ramp has to outlive the rows. A radius below 1 leaves the values. Null when memory is short.
+    static std::unique_ptr<DistanceRows> search(const uint8_t* levels, int width, int height, int radius,
+                                                const float* ramp, bool outward);
+
+    // Measures the next row. As many calls as there are rows.
+    void next() { measure(line(y_)), ++y_; }
+    // Row y, one of the last three measured.
+    const float* row(int y) const { return line(y); }
+
+protected:
+    DistanceRows(int width, int height) : width_(width), height_(height) {}
+    bool allocate();
+    // Row y_; up to PADDING floats beyond the row may be written.
+    virtual void measure(float* row) = 0;
+
+    static constexpr int PADDING = 64;
+    const int width_, height_;
+    int y_ = 0;
+
+private:
+    float* line(int y) const { return lines_.get() + y % 3 * (int64_t{width_} + PADDING); }
+
+    Buffer<float> lines_;  // the last three rows
+};
+
+}  // namespace Zvex
+
+#endif  // ZVEX_EFFECT_KERNELS_DISTANCEROWS_H_

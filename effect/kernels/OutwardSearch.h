@@ -1,0 +1,80 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef ZVEX_EFFECT_KERNELS_OUTWARDSEARCH_H_
+#define ZVEX_EFFECT_KERNELS_OUTWARDSEARCH_H_
+
+#include <cstddef>
+#include <cstdint>
+
+#include "effect/kernels/Buffer.h"
+#include "effect/kernels/NearestFull.h"
+#include "effect/kernels/SearchWindow.h"
+
+namespace Zvex {
+
+// A seed of the outward search: a pixel between 0 and 1.
+struct Seed {
+    int x;
+    float value;
+    Advantages advantages;
+};
+
+// Where seeds come from: a plane of levels with the values that they stand for, or of values.
+struct LevelPlane {
+    const uint8_t* pixels;  // 0 is full, 255 neither that nor a seed
+    const float* ramp;      // 256 values
+};
+struct ValuePlane {
+    const float* pixels;
+};
+
+// The seeds of some rows of a plane, row by row.
+class Seeds {
+public:
+    // Takes those of the rows `first` to `last`. False when memory is short.
+    template <typename Plane>
+    bool collect(const Plane& plane, int width, int height, int first, int last);
+
+    const Seed* begin(int y) const { return seeds_.get() + begins_[static_cast<size_t>(y - first_)]; }
+    const Seed* end(int y) const { return begin(y + 1); }
+
+private:
+    Buffer<Seed> seeds_;
+    Buffer<size_t> begins_;
+    int first_ = 0;
+};
+
+// The best candidate of every pixel, row by row: the smallest of the distances to the full pixels of its
+// window and of the values of the seeds there plus the distances to these.
+class OutwardRows {
+public:
+    // For the rows begin..end - 1. Distances from `limit` on are not wanted. False when memory is short, or
+    // the window is larger than NearestFull takes.
+    template <typename Plane>
+    bool make(const Plane& plane, int width, int height, int radius, float limit, int begin, int end);
+
+    // The next row; infinity where the window has nothing. Null if it has nothing anywhere.
+    const float* next();
+
+    // The next row of values, of a plane of levels: searchNearest or, if `outward`, searchOutward of what the
+    // ramp makes of the levels. Writes up to 63 floats beyond the row.
+    void next(float* row, const float* ramp, bool outward);
+
+private:
+    void prepare(int y);
+    bool& isFound(int y) const { return found_[static_cast<size_t>(y % rows_.view().count)]; }
+
+    WindowRoots roots_;
+    WindowVisibility visibility_;
+    CandidateRows rows_;
+    Buffer<bool> found_;       // whether a row of the ring has any candidate
+    Buffer<float> distances_;  // of each square that is the sum of two within the reach
+    NearestFull full_;
+    Seeds seeds_;
+    int nextSeeded_ = 0, lastSeeded_ = 0;  // the next row whose seeds are to be written, the last one
+    int prepared_ = 0;                     // the next row to fill with the distances to full pixels
+    int width_ = 0, height_ = 0, y_ = 0, lastSquare_ = 0;
+};
+
+}  // namespace Zvex
+
+#endif  // ZVEX_EFFECT_KERNELS_OUTWARDSEARCH_H_

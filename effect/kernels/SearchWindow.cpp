@@ -1,0 +1,95 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "effect/kernels/SearchWindow.h"
+
+#include <algorithm>
+
+#include "effect/kernels/SquareRoots.h"
+
+namespace Zvex {
+
+bool WindowRoots::make(int width, int height, int radius) {
+    reachX_ = std::min(radius, width - 1);
+    reachY_ = std::min(radius, height - 1);
+    if (!roots_.allocate(int64_t{reachY_} + 1, span())) return false;
+    for (int64_t dy = 0; dy <= reachY_; ++dy) {
+        float* middle = rowOf(dy);
+        for (int64_t dx = 0; dx <= reachX_; ++dx) middle[dx] = middle[-dx] = integerRoot(dx * dx + dy * dy);
+        std::fill(middle + reachX_ + 1, middle - reachX_ + span(), INFINITE);
+    }
+    return true;
+}
+
+bool WindowVisibility::make(const WindowRoots& roots, float limit) {
+    const int reach = roots.reachY();
+    if (!ranges_.allocate(int64_t{reach} + 1)) return false;
+    for (int dy = 0; dy <= reach; ++dy) makeRow(dy, roots, limit);
+    view_.roots = roots.row(0);
+    view_.span = roots.span();
+    view_.ranges = ranges_.get();
+    using Range = VisibleRange;
+    countRows(view_.sides, reach, [](const Range& r, int i, int j) { return -r.side[i] <= r.side[j]; });
+    countRows(view_.sideAndBehind, reach,
+              [](const Range& r, int i, int j) { return -r.side[i] <= r.behind[j]; });
+    countRows(view_.betweenAndSide, reach,
+              [](const Range& r, int i, int j) { return r.between[i] < r.side[j]; });
+    countRows(view_.betweenAndBehind, reach,
+              [](const Range& r, int i, int j) { return r.between[i] < r.behind[j]; });
+    return true;
+}
+
+template <typename IsVisible>
+void WindowVisibility::countRows(VisibleRows& rows, int reach, IsVisible isVisible) {
+    for (int i = 0; i < COARSE_ADVANTAGES; ++i) {
+        // The greater an advantage, the less is visible.
+        for (int j = 0, dy = reach; j < COARSE_ADVANTAGES; ++j) {
+            while (dy > 0 && !isVisible(ranges_[static_cast<size_t>(dy)], i * COARSE, j * COARSE)) --dy;
+            rows[i][j] = static_cast<int16_t>(dy);
+        }
+    }
+}
+
+void WindowVisibility::makeRow(int dy, const WindowRoots& roots, float limit) {
+    const float* here = roots.row(dy);
+    const float* nearer = dy > 0 ? roots.row(dy - 1) : nullptr;
+    const float* further = dy < roots.reachY() ? roots.row(dy + 1) : nullptr;
+    const int reach = roots.reachX();
+    // More than the sums of values and roots are rounded by.
+    const float margin = 1e-3f + 1e-6f * static_cast<float>(std::max(reach, roots.reachY()));
+    int end = reach;
+    while (end >= 0 && !(here[end] < limit)) --end;
+    VisibleRange& range = ranges_[static_cast<size_t>(dy)];
+    int before = 0, behind = end, beyond = reach, between = -1;
+    for (int i = 0; i < ADVANTAGES; ++i) {
+        const float advantage = static_cast<float>(i - ADVANTAGE_STEPS) / ADVANTAGE_STEPS,
+                    detour = advantage - margin;
+        if (advantage > 0) {
+            // A lower neighbour on a side hides all beyond it, and before it as far as the step to it costs
+            // less than its advantage. One behind the seed does the latter alone; it may lie outside the
+            // window of a pixel at the window's edge.
+            while (before < reach && here[before + 1] - here[before] <= detour) ++before;
+            while (behind >= 0 && further != nullptr && further[behind] - here[behind] <= detour) --behind;
+        } else if (advantage < 0) {
+            // A higher one hides what is beyond it, as far as the step to it gains more.
+            while (beyond > 0 && here[beyond] - here[beyond - 1] >= -detour) --beyond;
+            while (nearer != nullptr && between < reach && here[between + 1] - nearer[between + 1] >= -detour)
+                ++between;
+        }
+        range.side[i] = static_cast<int16_t>(std::min(advantage < 0 ? beyond : -before, end));
+        range.behind[i] = static_cast<int16_t>(behind);
+        range.between[i] = static_cast<int16_t>(advantage < 0 ? between : reach);
+    }
+}
+
+bool CandidateRows::make(const WindowRoots& roots, int width, int begin, int end) {
+    const int64_t padding = int64_t{roots.reachX()} + PADDING;
+    view_.span = width + 2 * padding;
+    view_.count = static_cast<int>(std::min<int64_t>(2 * int64_t{roots.reachY()} + 1, int64_t{end} - begin));
+    view_.begin = begin;
+    view_.end = end;
+    if (!lines_.allocate(view_.count, view_.span)) return false;
+    std::fill_n(lines_.get(), view_.count * view_.span, INFINITE);
+    view_.lines = lines_.get() + padding;
+    return true;
+}
+
+}  // namespace Zvex
