@@ -115,17 +115,15 @@ private:
 
     WorkingArea area_;
     Buffer<uint8_t> kernel_;
-    bool hasOutward_ = false, hasInward_ = false;
-    Dilation outward_, inward_;  // of the text, of what is around it
-    Buffer<uint8_t> band_;       // two pieces of Dilation::BATCH rows
+    // Of the text, of what is around it; null is none.
+    std::unique_ptr<Dilation> outward_, inward_;
+    Buffer<uint8_t> band_;  // Dilation::BATCH rows of either
     uint32_t color_ = 0;
     int mode_ = 0;
 };
 
 bool StrokeRows::make(const ZvECore::ParamPostProcessing& param, const ZvStrokeProperty& property) {
     const bool centered = property.position == ZV_STROKE_CENTER;
-    hasOutward_ = centered || property.position == ZV_STROKE_OUTSIDE;
-    hasInward_ = property.position != ZV_STROKE_OUTSIDE;
     color_ = property.color;
     mode_ = centered && param.layerMode != 1 ? ZVE_BLEND_SRC_OVER : ZVE_BLEND_DST_OVER;
 
@@ -136,21 +134,24 @@ bool StrokeRows::make(const ZvECore::ParamPostProcessing& param, const ZvStrokeP
     const ZvRect& box = *param.textRect;
     const ZvBitmap& mask = *param.mask;
     if (!area_.grow(box, int64_t{BORDER} + kernelSize / 2)) return false;
-    if (hasOutward_ && !outward_.make(dilationOf(mask, box, area_, cells, kernelSize, COVERAGE)))
-        return false;
-    if (hasInward_ && !inward_.make(dilationOf(mask, box, area_, cells, kernelSize, BACKGROUND)))
-        return false;
+    const auto add = [&](std::unique_ptr<Dilation>& dilation, uint8_t inverted) {
+        dilation = Dilation::make(dilationOf(mask, box, area_, cells, kernelSize, inverted));
+        return dilation != nullptr;
+    };
+    const bool isOutside = property.position == ZV_STROKE_OUTSIDE;
+    if ((centered || isOutside) && !add(outward_, COVERAGE)) return false;
+    if (!isOutside && !add(inward_, BACKGROUND)) return false;
     return band_.allocate(2 * Dilation::BATCH, area_.width);
 }
 
 // What both dilations reach, or the one there is.
 void StrokeRows::makeBand(int row, int rows) {
-    dilateRows(hasOutward_ ? outward_ : inward_, row, rows, band_.get(), area_.width);
-    if (!hasOutward_ || !hasInward_) return;
+    dilateRows(outward_ != nullptr ? *outward_ : *inward_, row, rows, band_.get(), area_.width);
+    if (outward_ == nullptr || inward_ == nullptr) return;
     const int64_t count = int64_t{area_.width} * rows;
     uint8_t* band = band_.get();
     uint8_t* inside = band + count;
-    dilateRows(inward_, row, rows, inside, area_.width);
+    dilateRows(*inward_, row, rows, inside, area_.width);
     for (int64_t i = 0; i < count; ++i) band[i] = std::min(band[i], inside[i]);
 }
 

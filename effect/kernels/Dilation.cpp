@@ -28,6 +28,8 @@
 #include <cstddef>
 #include <cstring>
 
+#include "effect/kernels/Buffer.h"
+#include "foundation/OutOfMemory.h"
 #include "raster/CpuTarget.h"
 #include "raster/Intrinsics.h"
 
@@ -35,17 +37,46 @@ namespace Zvex {
 
 namespace {
 
+constexpr int BATCH = Dilation::BATCH;
 constexpr int64_t BLOCK = 32;       // pixels that are skipped together
 constexpr int64_t VECTOR_PAD = 64;  // readable bytes after the last pixel a line can be asked for
 constexpr int64_t CACHE_LINE = 64;
-constexpr int64_t SMALLEST_DEPTH = 5 * Dilation::BATCH;  // keeps the repeated part of a ring small
-constexpr int SMALLEST_PATCH = 2, LARGEST_PATCH = 5;     // log2 of pixels: 4, a block
+constexpr int64_t SMALLEST_DEPTH = 5 * BATCH;         // keeps the repeated part of a ring small
+constexpr int SMALLEST_PATCH = 2, LARGEST_PATCH = 5;  // log2 of pixels: 4, a block
 
-using KernelRow = Dilation::KernelRow;
-using Line = Dilation::Line;
-using RampCells = Dilation::RampCells;
-using Reach = Dilation::Reach;
-using Seen = Dilation::Seen;
+// What a row of the kernel reads around a block of the target, in patches of some pixels, a bit for each.
+struct Reach {
+    uint64_t patches;
+    uint64_t always;  // all ones for a row that reaches further than the bits
+};
+// Offsets are counted from a pixel of the target to what is read of a line.
+struct KernelRow {
+    int64_t offset;  // from the target's row to the source's
+    Reach reach;
+    // The longest run of full cells: the maxima over two windows, one at either end. Whether the first
+    // one is enough where no coverage lies under or after the pixel, the last one where none lies before.
+    bool hasRun, firstAlone, lastAlone;
+    int level;  // the windows are 2^level wide
+    ptrdiff_t firstRun, lastRun;
+    int64_t rampBegin, rampEnd;  // the other cells
+};
+// A cell that is not full, and its mirror image if that is as full, else the same one again.
+struct RampCells {
+    ptrdiff_t first, last;  // first <= last
+    uint8_t missing;        // what the cell lacks of 255
+};
+// A kernel row as it lies over the first of the rows that are raised.
+struct Line {
+    const uint8_t* pixels;
+    const uint8_t* ink;
+    Reach reach;
+    const KernelRow* kernel;
+};
+// A line that brings coverage to some pixels, and whether it has none within reach after or before them.
+struct Seen {
+    const Line* line;
+    bool noneAfter, noneBefore;
+};
 
 // What some rows of the target are raised by.
 struct Work {
@@ -91,10 +122,73 @@ bool isRamp(const uint8_t* row, int64_t i, const CellRange& run) {
     return row[i] != 0 && (i < run.begin || i >= run.end);
 }
 
-}  // namespace
+class RingDilation : public Dilation {
+public:
+    bool prepare(const DilationParam& param);
+    void raise(int64_t row, int rows, uint8_t* target, int64_t stride) override;
+
+private:
+    bool readKernel();
+    void readKernelRow(int64_t index);
+    void setReaches();
+    void setLevels();
+    bool makeRows();
+    size_t slotOf(int64_t row) const;
+    uint8_t* slotAt(size_t slot) const;
+    uint8_t* inkAt(size_t slot) const;
+    int64_t layLines(int64_t over, int64_t firstOffset, int64_t lastOffset);
+    void copySource(int64_t row, uint8_t* line) const;
+    bool makeInk(size_t slot);
+    void makeWindows(uint8_t* line);
+    void enterRow(int64_t row);
+    void joinRows(int64_t row);
+
+    DilationParam param_;
+    int64_t firstColumn_ = 0, endColumn_ = 0;  // of the target, counted from the origin
+    int64_t before_ = 0, after_ = 0;           // rows and columns of the kernel before and after its centre
+
+    // The source with its sides.
+    int64_t originX_ = 0;  // place in target of its first column
+    int64_t columns_ = 0;
+    int64_t rowBegin_ = 0, rowEnd_ = 0;
+
+    Buffer<KernelRow> kernelRows_;  // from the centre outwards
+    Buffer<RampCells> cells_;
+    int64_t kernelRowCount_ = 0, cellCount_ = 0;
+    Reach anyReach_ = {0, 0};
+    int patchShift_ = 0;  // a patch is 2^patchShift_ pixels of a row
+    int64_t patchesBefore_ = 0;
+
+    // The source rows that the kernel reaches, in a ring of slots; the first few slots are repeated after the
+    // last, so that BATCH rows from any one on lie one behind the other. A slot has a line for each level
+    // that is used: the maxima over windows of 2^level pixels. The first byte that the target is raised by is
+    // byte `margin_` of a line.
+    static constexpr int LEVELS = 32;
+    Buffer<uint8_t> slots_;
+    bool used_[LEVELS] = {};
+    int64_t levelStart_[LEVELS] = {};  // within a slot
+    int levelCount_ = 1;
+    int64_t depth_ = 0, slotSize_ = 0, lineSize_ = 0, margin_ = 0;
+    int64_t sourceBegin_ = 0, sourceEnd_ = 0;  // columns that a line has
+    int64_t ringBegin_ = 0;
+    int64_t nextRow_ = 0;    // the first source row that has not been read
+    int64_t nextJoint_ = 0;  // the first one whose ink has not been joined with that of the rows after it
+
+    Buffer<uint8_t> passed_;  // lines of levels that are only passed through
+    Buffer<uint8_t> hasInk_;  // of the slots
+    Buffer<uint8_t> ink_;     // of the slots: a bit for each patch of a line, whether it has coverage
+    Buffer<uint8_t> joint_;   // of the slots: the ink of BATCH rows from that one on
+    Buffer<uint8_t> hasJoint_;
+    int64_t inkSize_ = 0;
+    Buffer<uint8_t> anyInk_;  // of all lines
+    Buffer<const uint8_t*> inks_;
+    Buffer<Line> lines_, lineOf_;
+    Buffer<Seen> seen_;
+    Buffer<int64_t> witnesses_;  // for each block of the target the source row that filled it last
+};
 
 // Reads row `index` of the kernel. Cell i brings column before_ - i to a pixel of the target.
-void Dilation::readKernelRow(int64_t index) {
+void RingDilation::readKernelRow(int64_t index) {
     const int64_t size = param_.kernelSize;
     const uint8_t* cells = param_.kernel + index * size;
     const CellRange run = longestRun(cells, size);
@@ -127,7 +221,7 @@ void Dilation::readKernelRow(int64_t index) {
 }
 
 // From the centre outwards: the widest runs come first, and with them most of what becomes full.
-bool Dilation::readKernel() {
+bool RingDilation::readKernel() {
     const int64_t size = param_.kernelSize;
     const uint8_t* kernel = param_.kernel;
     int64_t partial = 0;
@@ -158,7 +252,7 @@ bool Dilation::readKernel() {
 
 // The patches that each kernel row can reach from a block: as small as 64 bits allow. Up to 7 of these are
 // lost because they are read from a byte on.
-void Dilation::setReaches() {
+void RingDilation::setReaches() {
     constexpr int BITS = 57;
     const int64_t reach = std::max(before_, after_);
     int64_t most = 0;
@@ -190,7 +284,7 @@ void Dilation::setReaches() {
 }
 
 // Where the lines of a slot lie, and from there what the kernel rows read of them.
-void Dilation::setLevels() {
+void RingDilation::setLevels() {
     used_[0] = true;
     int64_t count = 0;
     for (int level = 0; level < levelCount_; ++level)
@@ -204,7 +298,7 @@ void Dilation::setLevels() {
     }
 }
 
-bool Dilation::makeRows() {
+bool RingDilation::makeRows() {
     const int64_t blocks = roundUp(endColumn_ - firstColumn_) / BLOCK;
     margin_ = roundUp(std::max(before_, after_));
     lineSize_ = 2 * margin_ + blocks * BLOCK + VECTOR_PAD;
@@ -227,7 +321,7 @@ bool Dilation::makeRows() {
     return true;
 }
 
-bool Dilation::make(const DilationParam& param) {
+bool RingDilation::prepare(const DilationParam& param) {
     param_ = param;
     // Coverage 0 has nothing to give unless it is inverted.
     if (param.inverted == 0) param_.left = param_.top = param_.right = param_.bottom = 0;
@@ -253,12 +347,12 @@ bool Dilation::make(const DilationParam& param) {
     return readKernel() && makeRows();
 }
 
-size_t Dilation::slotOf(int64_t row) const {
+size_t RingDilation::slotOf(int64_t row) const {
     return static_cast<size_t>((row - ringBegin_) % depth_);
 }
 
 // The columns of a source row that are needed, to their places in the line.
-void Dilation::copySource(int64_t row, uint8_t* line) const {
+void RingDilation::copySource(int64_t row, uint8_t* line) const {
     uint8_t* pixels = line + margin_ - firstColumn_;  // of column 0
     const int64_t left = param_.left, right = columns_ - param_.right;
     const int64_t begin = std::max(sourceBegin_, left), end = std::min(sourceEnd_, right);
@@ -272,16 +366,16 @@ void Dilation::copySource(int64_t row, uint8_t* line) const {
     std::memset(pixels + end, param_.inverted, static_cast<size_t>(sourceEnd_ - end));
 }
 
-uint8_t* Dilation::slotAt(size_t slot) const {
+uint8_t* RingDilation::slotAt(size_t slot) const {
     return slots_.get() + static_cast<int64_t>(slot) * slotSize_;
 }
 
-uint8_t* Dilation::inkAt(size_t slot) const {
+uint8_t* RingDilation::inkAt(size_t slot) const {
     return ink_.get() + static_cast<int64_t>(slot) * inkSize_;
 }
 
 // Where the slot has ink; whether it has any.
-bool Dilation::makeInk(size_t slot) {
+bool RingDilation::makeInk(size_t slot) {
     int64_t bytes = (lineSize_ - VECTOR_PAD) / BLOCK;
     if (!ZVEX_ON_TARGET(findInk(inkAt(slot), slotAt(slot), bytes))) return false;
     for (int shift = SMALLEST_PATCH; shift < patchShift_; ++shift) {
@@ -291,7 +385,7 @@ bool Dilation::makeInk(size_t slot) {
     return true;
 }
 
-void Dilation::makeWindows(uint8_t* slot) {
+void RingDilation::makeWindows(uint8_t* slot) {
     const uint8_t* pixels = slot;
     uint8_t* passed[2] = {passed_.get(), passed_.get() + lineSize_};
     const int64_t first = margin_ - firstColumn_ + sourceBegin_, end = margin_ - firstColumn_ + sourceEnd_;
@@ -305,7 +399,7 @@ void Dilation::makeWindows(uint8_t* slot) {
 }
 
 // Takes a source row into the ring. Rows beyond the source are empty.
-void Dilation::enterRow(int64_t row) {
+void RingDilation::enterRow(int64_t row) {
     const size_t slot = slotOf(row);
     uint8_t* lines = slotAt(slot);
     const bool wasEmpty = hasInk_[slot] == 0;
@@ -325,7 +419,7 @@ void Dilation::enterRow(int64_t row) {
 }
 
 // Notes where the BATCH rows from `row` on have ink.
-void Dilation::joinRows(int64_t row) {
+void RingDilation::joinRows(int64_t row) {
     const size_t slot = slotOf(row);
     const uint8_t* inks[BATCH];
     int64_t count = 0;
@@ -340,7 +434,7 @@ void Dilation::joinRows(int64_t row) {
 }
 
 // The kernel rows as they lie over the source row `over` and the next ones, those with ink; how many.
-int64_t Dilation::layLines(int64_t over, int64_t firstOffset, int64_t lastOffset) {
+int64_t RingDilation::layLines(int64_t over, int64_t firstOffset, int64_t lastOffset) {
     std::fill_n(lineOf_.get(), lastOffset - firstOffset + 1, Line{nullptr, nullptr, {0, 0}, nullptr});
     int64_t count = 0;
     for (int64_t i = 0; i < kernelRowCount_; ++i) {
@@ -358,7 +452,7 @@ int64_t Dilation::layLines(int64_t over, int64_t firstOffset, int64_t lastOffset
     return count;
 }
 
-void Dilation::raise(int64_t row, int rows, uint8_t* target, int64_t stride) {
+void RingDilation::raise(int64_t row, int rows, uint8_t* target, int64_t stride) {
     const int64_t over = row - param_.originY;  // the source row under the kernel's centre
     const int64_t firstOffset = std::max(-after_, rowBegin_ - (BATCH - 1) - over);
     const int64_t lastOffset = std::min(before_, rowEnd_ - 1 - over);
@@ -384,13 +478,21 @@ void Dilation::raise(int64_t row, int rows, uint8_t* target, int64_t stride) {
                              witnesses_.get()));
 }
 
+}  // namespace
+
+std::unique_ptr<Dilation> Dilation::make(const DilationParam& param) {
+    auto dilation = tryMake<RingDilation>();
+    if (dilation == nullptr || !dilation->prepare(param)) return nullptr;
+    return dilation;
+}
+
 bool dilate(const DilationParam& param) {
-    Dilation dilation;
-    if (!dilation.make(param)) return false;
-    for (int64_t row = dilation.firstRow(); row < dilation.endRow(); row += Dilation::BATCH) {
-        const int64_t rows = std::min<int64_t>(dilation.endRow() - row, Dilation::BATCH);
-        dilation.raise(row, static_cast<int>(rows), param.target + row * param.targetWidth,
-                       param.targetWidth);
+    const auto dilation = Dilation::make(param);
+    if (dilation == nullptr) return false;
+    for (int64_t row = dilation->firstRow(); row < dilation->endRow(); row += BATCH) {
+        const int64_t rows = std::min<int64_t>(dilation->endRow() - row, BATCH);
+        dilation->raise(row, static_cast<int>(rows), param.target + row * param.targetWidth,
+                        param.targetWidth);
     }
     return true;
 }
