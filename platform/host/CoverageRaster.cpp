@@ -2,7 +2,6 @@
 #include "platform/host/CoverageRaster.h"
 
 #include <algorithm>
-#include <cstdlib>
 
 namespace host {
 
@@ -18,7 +17,9 @@ int64_t floorQuotient(int64_t n, int64_t d) {
 }  // namespace
 
 CoverageRaster::CoverageRaster(int width, int height)
-    : mWidth(width), mHeight(height), mCells((static_cast<size_t>(width) + 1) * static_cast<size_t>(height)) {}
+    : mWidth(width),
+      mHeight(height),
+      mCells((static_cast<size_t>(width) + 1) * static_cast<size_t>(height)) {}
 
 void CoverageRaster::moveTo(int64_t x, int64_t y) {
     mX = x;
@@ -26,7 +27,8 @@ void CoverageRaster::moveTo(int64_t x, int64_t y) {
 }
 
 // Coordinates are from the pixel's corner.
-void CoverageRaster::add(int64_t column, int64_t row, int64_t fromX, int64_t fromY, int64_t toX, int64_t toY) {
+void CoverageRaster::add(int64_t column, int64_t row, int64_t fromX, int64_t fromY, int64_t toX,
+                         int64_t toY) {
     if (row < 0 || row >= mHeight || column >= mWidth) return;
     const int64_t place = row * (int64_t{mWidth} + 1) + std::max<int64_t>(column, -1) + 1;
     Cell& cell = mCells[static_cast<size_t>(place)];
@@ -85,23 +87,16 @@ void CoverageRaster::lineTo(int64_t toX, int64_t toY) {
     add(column, row, x, y, toX - column * kOne, toY - row * kOne);
 }
 
-void CoverageRaster::levels(Rounding rounding, uint8_t* target) const {
-    const bool upwards = rounding == Rounding::Glyph;
-    for (int line = 0; line < mHeight; ++line, target += mWidth) {
-        const size_t row = static_cast<size_t>(upwards ? mHeight - 1 - line : line);
-        const Cell* cell = &mCells[row * (static_cast<size_t>(mWidth) + 1)];
+void CoverageRaster::levels(uint8_t* target) const {
+    for (int row = mHeight - 1; row >= 0; --row) {
+        const Cell* cell = &mCells[static_cast<size_t>(row) * (static_cast<size_t>(mWidth) + 1)];
         int64_t cover = cell->cover;
         for (int x = 0; x < mWidth; ++x) {
             ++cell;
             cover += cell->cover;
-            int64_t level = cover * (2 * kOne) - cell->area;  // of 2 * 256 * 256
-            if (rounding == Rounding::Glyph) {
-                level >>= 9;
-                if (level < 0) level = ~level;
-            } else {
-                level = (std::abs(level) * 255 / 256 + 511) >> 9;
-            }
-            target[x] = static_cast<uint8_t>(std::min<int64_t>(level, 255));
+            int64_t level = (cover * (2 * kOne) - cell->area) >> 9;  // of 2 * 256 * 256
+            if (level < 0) level = ~level;
+            *target++ = static_cast<uint8_t>(std::min<int64_t>(level, 255));
         }
     }
 }

@@ -8,9 +8,9 @@
 
 namespace host {
 
-// The area that closed polygons cover of each pixel: lines are cut where they leave a pixel, and a pixel keeps
-// the height its lines climb and twice the area left of them. Windings add up; what they wind around twice is
-// covered once. Coordinates have 8 fraction bits.
+// The area that closed polygons cover of each pixel: lines are cut where they leave a pixel, and a pixel
+// keeps the height its lines climb and twice the area left of them. Windings add up; what they wind around
+// twice is covered once. Coordinates have 8 fraction bits.
 class CoverageRaster {
 public:
     // Pixels 0 to width and height; lines may lie anywhere.
@@ -19,10 +19,8 @@ public:
     void moveTo(int64_t x, int64_t y);
     void lineTo(int64_t x, int64_t y);
 
-    // The pixels' levels, 0 to 255. Of a glyph: cut as FreeType does, the rows with the greatest y first. Of a
-    // path: rounded up, in the order of y.
-    enum class Rounding { Glyph, Path };
-    void levels(Rounding rounding, uint8_t* target) const;
+    // The pixels' levels, 0 to 255, cut as FreeType does; the rows with the greatest y first.
+    void levels(uint8_t* target) const;
 
 private:
     struct Cell {

@@ -64,6 +64,18 @@ constexpr uint8_t kGamma[256] = {
     222, 223, 225, 227, 228, 230, 232, 234, 236, 238, 240, 242, 245, 247, 250, 255,
 };
 
+// Most of a glyph is empty or full, which the table leaves as it is.
+void applyGamma(std::vector<uint8_t>& coverage) {
+    size_t i = 0;
+    for (; i + sizeof(uint64_t) <= coverage.size(); i += sizeof(uint64_t)) {
+        uint64_t word;
+        std::memcpy(&word, &coverage[i], sizeof word);
+        if (word == 0 || word == ~uint64_t{0}) continue;
+        for (size_t k = i; k < i + sizeof word; ++k) coverage[k] = kGamma[coverage[k]];
+    }
+    for (; i < coverage.size(); ++i) coverage[i] = kGamma[coverage[i]];
+}
+
 struct HbDeleter {
     void operator()(hb_blob_t* blob) const { hb_blob_destroy(blob); }
     void operator()(hb_face_t* face) const { hb_face_destroy(face); }
@@ -216,7 +228,7 @@ GlyphImage FontFace::Impl::draw(uint32_t glyph, const GlyphStyle& style, int qua
     image = blankImage(outlineBox(freeType));
     if (image.coverage.empty() || !rasterise(freeType, style, image)) return {};
     if (style.rendering == Rendering::Phone && style.antiAlias) {
-        for (uint8_t& level : image.coverage) level = kGamma[level];
+        applyGamma(image.coverage);
     }
     return image;
 }

@@ -119,9 +119,10 @@ public:
     // process-wide glyph cache.
     std::shared_ptr<const GlyphImage> image(uint32_t glyph, const GlyphStyle& style, int quarterX) const;
 
-    // The part within `clip` of a glyph whose style is drawn as a path, for a pen at (x, y): nothing is rounded
-    // and nothing kept. Colour glyphs have no path.
-    GlyphImage pathImage(uint32_t glyph, const GlyphStyle& style, float x, float y, const GlyphBox& clip) const;
+    // The part within `clip` of a glyph whose style is drawn as a path, for a pen at (x, y): nothing is
+    // rounded and nothing kept. Colour glyphs have no path.
+    GlyphImage pathImage(uint32_t glyph, const GlyphStyle& style, float x, float y,
+                         const GlyphBox& clip) const;
 
 private:
     struct Impl;

@@ -19,8 +19,9 @@ struct LightSource {
 };
 LightSource lightSource(uint8_t red, uint8_t green, uint8_t blue, uint8_t alpha);
 
-// Source-over in linear light onto a straight pixel, red, green, blue, alpha in memory; `share` of the source,
-// 0 to 1, alpha and all. What has no alpha leaves the pixel, and becomes the source where there is none.
+// Source-over in linear light onto a straight pixel, red, green, blue, alpha in memory; `share` of the
+// source, 0 to 1, alpha and all. What has no alpha leaves the pixel, and becomes the source where there is
+// none.
 void lightOver(uint8_t* pixel, const LightSource& source, float share);
 
 }  // namespace host

@@ -7,6 +7,7 @@
 #include <cstdint>
 
 #include "platform/host/CoverageRaster.h"
+#include "platform/host/PathRaster.h"
 
 namespace host {
 
@@ -25,7 +26,9 @@ int64_t roughLength(int64_t x, int64_t y) {
 class GlyphFiller {
 public:
     GlyphFiller(CoverageRaster& raster, const GlyphImage& image)
-        : mRaster(raster), mLeft(int64_t{image.left} * 256), mBottom(int64_t{image.top + image.height} * 256) {}
+        : mRaster(raster),
+          mLeft(int64_t{image.left} * 256),
+          mBottom(int64_t{image.top + image.height} * 256) {}
 
     void moveTo(const FT_Vector& to) {
         mPen = pointOf(to);
@@ -104,13 +107,13 @@ private:
 // Flattens as the platform's canvas does: in quarters of a pixel downwards, 256ths across.
 class PathFiller {
 public:
-    PathFiller(CoverageRaster& raster, const GlyphImage& image, float scale, float x, float y)
-        : mRaster(raster), mScale(scale / 64), mX(x - static_cast<float>(image.left)), mY(y - static_cast<float>(image.top)) {}
+    PathFiller(PathRaster& raster, const GlyphImage& image, float scale, float x, float y)
+        : mRaster(raster),
+          mScale(scale / 64),
+          mX(x - static_cast<float>(image.left)),
+          mY(y - static_cast<float>(image.top)) {}
 
-    void moveTo(const FT_Vector& to) {
-        mPen = pointOf(to);
-        mRaster.moveTo(fixed(mPen.x), snapped(mPen.y));
-    }
+    void moveTo(const FT_Vector& to) { mPen = pointOf(to); }
     void lineTo(const FT_Vector& to) { drawTo(pointOf(to)); }
     void quadTo(const FT_Vector& control, const FT_Vector& to) {
         const Real from = mPen, c = pointOf(control), end = pointOf(to);
@@ -155,9 +158,7 @@ private:
     static Real between(const Real& a, const Real& b, float t) {
         return {a.x + (b.x - a.x) * t, a.y + (b.y - a.y) * t};
     }
-    static int64_t fixed(float v) { return std::llround(static_cast<double>(v) * 256); }
     static float nearestQuarter(float v) { return std::floor(v * 4 + 0.5f) / 4; }
-    static int64_t snapped(float v) { return fixed(nearestQuarter(v)); }
     static int stepBits(float x, float y) {
         x = std::fabs(x);
         y = std::fabs(y);
@@ -169,7 +170,8 @@ private:
     }
     // The turning points of a cubic's y, in order.
     static int turnsOf(float p0, float p1, float p2, float p3, float* turns) {
-        const double a = p3 - p0 + 3.0 * (static_cast<double>(p1) - p2), b = 2.0 * (p0 - 2.0 * p1 + p2), c = static_cast<double>(p1) - p0;
+        const double a = p3 - p0 + 3.0 * (static_cast<double>(p1) - p2), b = 2.0 * (p0 - 2.0 * p1 + p2),
+                     c = static_cast<double>(p1) - p0;
         double found[2];
         int count = 0;
         if (std::fabs(a) < 1e-9) {
@@ -183,12 +185,18 @@ private:
         }
         int kept = 0;
         for (int i = 0; i < count; ++i) {
-            if (found[i] > 0 && found[i] < 1 && (kept == 0 || found[i] > turns[0])) turns[kept++] = static_cast<float>(found[i]);
+            if (found[i] > 0 && found[i] < 1 && (kept == 0 || found[i] > turns[0]))
+                turns[kept++] = static_cast<float>(found[i]);
         }
         return kept;
     }
+    // Across, ends lie on 256ths of a pixel.
+    void addLine(const Real& from, const Real& to) {
+        const auto across = [](float v) { return std::floor(static_cast<double>(v) * 256 + 0.5) / 256; };
+        mRaster.line(across(from.x), from.y, across(to.x), to.y);
+    }
     void drawTo(const Real& to) {
-        mRaster.lineTo(fixed(to.x), snapped(to.y));
+        addLine({mPen.x, nearestQuarter(mPen.y)}, {to.x, nearestQuarter(to.y)});
         mPen = to;
     }
     // A curve that does not turn back, from its upper end down. A point moves along its step to the next line
@@ -218,29 +226,34 @@ private:
                 points[count++] = end = next;
             }
         }
-        if (!down) std::reverse(points.begin(), points.begin() + static_cast<ptrdiff_t>(count));
-        mRaster.moveTo(fixed(points[0].x), fixed(points[0].y));
-        for (size_t i = 1; i < count; ++i) mRaster.lineTo(fixed(points[i].x), fixed(points[i].y));
-        mRaster.moveTo(fixed(to.x), snapped(to.y));
+        for (size_t i = 1; i < count; ++i) {
+            if (down) {
+                addLine(points[i - 1], points[i]);
+            } else {
+                addLine(points[i], points[i - 1]);
+            }
+        }
     }
     void drawQuad(const Real& from, const Real& c, const Real& to) {
-        const int bits = std::clamp(stepBits((2 * c.x - from.x - to.x) / 4, (2 * c.y - from.y - to.y) / 4), 1, 6);
-        drawCurve(from, to, 1 << bits, false, [&](float t) {
-            return between(between(from, c, t), between(c, to, t), t);
-        });
+        const int bits =
+            std::clamp(stepBits((2 * c.x - from.x - to.x) / 4, (2 * c.y - from.y - to.y) / 4), 1, 6);
+        drawCurve(from, to, 1 << bits, false,
+                  [&](float t) { return between(between(from, c, t), between(c, to, t), t); });
     }
     static float offLine(float a, float b, float c, float d) {
-        return std::max(std::fabs(8 * a - 15 * b + 6 * c + d), std::fabs(a + 6 * b - 15 * c + 8 * d)) * (19.0f / 512);
+        return std::max(std::fabs(8 * a - 15 * b + 6 * c + d), std::fabs(a + 6 * b - 15 * c + 8 * d)) *
+               (19.0f / 512);
     }
     void drawCubic(const Real& from, const Real& a, const Real& b, const Real& to) {
-        const int bits = std::min(1 + stepBits(offLine(from.x, a.x, b.x, to.x), offLine(from.y, a.y, b.y, to.y)), 6);
+        const int bits =
+            std::min(1 + stepBits(offLine(from.x, a.x, b.x, to.x), offLine(from.y, a.y, b.y, to.y)), 6);
         drawCurve(from, to, 1 << bits, true, [&](float t) {
             const Real ab = between(from, a, t), mid = between(a, b, t), bc = between(b, to, t);
             return between(between(ab, mid, t), between(mid, bc, t), t);
         });
     }
 
-    CoverageRaster& mRaster;
+    PathRaster& mRaster;
     float mScale, mX, mY;
     Real mPen = {0, 0};
 };
@@ -270,14 +283,16 @@ void fillGlyph(const FT_Outline& outline, GlyphImage& image) {
     CoverageRaster raster(image.width, image.height);
     GlyphFiller filler(raster, image);
     decompose(outline, filler);
-    raster.levels(CoverageRaster::Rounding::Glyph, image.coverage.data());
+    raster.levels(image.coverage.data());
 }
 
 void fillPath(const FT_Outline& outline, float scale, float x, float y, bool antiAlias, GlyphImage& image) {
-    CoverageRaster raster(image.width, image.height);
+    const bool fillsRight =
+        FT_Outline_Get_Orientation(const_cast<FT_Outline*>(&outline)) == FT_ORIENTATION_TRUETYPE;
+    PathRaster raster(image.width, image.height, fillsRight);
     PathFiller filler(raster, image, scale, x, y);
     decompose(outline, filler);
-    raster.levels(CoverageRaster::Rounding::Path, image.coverage.data());
+    raster.levels(image.coverage.data());
     if (antiAlias) return;
     for (uint8_t& level : image.coverage) level = level >= 128 ? 255 : 0;
 }

@@ -24,7 +24,10 @@ struct Alphas {
 struct HalvingTaps {
     int count, shift;
     explicit HalvingTaps(int length)
-        : count(length == 1 ? 1 : length % 2 != 0 ? 3 : 2), shift(count == 3 ? 2 : count - 1) {}
+        : count(length == 1       ? 1
+                : length % 2 != 0 ? 3
+                                  : 2),
+          shift(count == 3 ? 2 : count - 1) {}
     uint32_t weight(int tap) const { return count == 3 && tap == 1 ? 2 : 1; }
 };
 
@@ -76,7 +79,9 @@ void filterStrike(const uint8_t* source, int width, int height, ptrdiff_t stride
     yy *= fitY;
     y0 *= fitY;
 
-    const auto fixed = [](float v) { return static_cast<int64_t>(std::floor(static_cast<double>(v) * 4294967296.0)); };
+    const auto fixed = [](float v) {
+        return static_cast<int64_t>(std::floor(static_cast<double>(v) * 4294967296.0));
+    };
     const int64_t stepX = fixed(xx);
     for (int j = 0; j < targetHeight; ++j, target += targetWidth) {
         const float centreY = static_cast<float>(j) + 0.5f;
@@ -89,9 +94,9 @@ void filterStrike(const uint8_t* source, int width, int height, ptrdiff_t stride
             if (!(sourceX > 0 && sourceX <= static_cast<float>(level.width))) continue;
             const int64_t left = x >> 32, top = y >> 16;
             const auto fx = static_cast<uint32_t>(x >> 28 & 15), fy = static_cast<uint32_t>(y >> 12 & 15);
-            const uint32_t sum = level.at(left, top) * (16 - fx) * (16 - fy) +
-                                 level.at(left + 1, top) * fx * (16 - fy) +
-                                 level.at(left, top + 1) * (16 - fx) * fy + level.at(left + 1, top + 1) * fx * fy;
+            const uint32_t sum =
+                level.at(left, top) * (16 - fx) * (16 - fy) + level.at(left + 1, top) * fx * (16 - fy) +
+                level.at(left, top + 1) * (16 - fx) * fy + level.at(left + 1, top + 1) * fx * fy;
             target[i] = static_cast<uint8_t>(sum >> 8);
         }
     }

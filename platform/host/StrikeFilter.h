@@ -7,8 +7,8 @@
 
 namespace host {
 
-// Where a bitmap's pixels come to lie: x' = xx * x + xy * y + x0, y' = yy * y + y0, y downwards. xx and yy are
-// not 0.
+// Where a bitmap's pixels come to lie: x' = xx * x + xy * y + x0, y' = yy * y + y0, y downwards. xx and yy
+// are not 0.
 struct StrikePlace {
     float xx = 1, xy = 0, yy = 1, x0 = 0, y0 = 0;
 };

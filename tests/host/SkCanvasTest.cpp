@@ -37,8 +37,8 @@ struct Picture {
           bytes(stride * static_cast<size_t>(height), kCanary) {
         for (int y = 0; y < height; ++y) std::memset(row(y), 0, stride - 5);
         const SkAlphaType alpha = type == kAlpha_8_SkColorType ? kPremul_SkAlphaType : kUnpremul_SkAlphaType;
-        EXPECT_TRUE(bitmap.installPixels(
-            SkImageInfo::Make(width, height, type, alpha, std::move(space)), bytes.data(), stride));
+        EXPECT_TRUE(bitmap.installPixels(SkImageInfo::Make(width, height, type, alpha, std::move(space)),
+                                         bytes.data(), stride));
         canvas = std::make_unique<SkCanvas>(bitmap);
     }
     ~Picture() {
