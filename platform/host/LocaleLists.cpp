@@ -15,6 +15,9 @@ namespace {
 
 constexpr size_t kScoredLocales = 12;  // 5^12 < 2^28, so a score leaves room for the other preferences
 
+// Lists are kept for ever, so that a process fed with ever new ones keeps some 20 MB of them and no more.
+constexpr size_t kMostLists = 8192, kMostLocales = 64;
+
 enum : uint32_t {
     kHan = 1 << 0,
     kBopomofo = 1 << 1,
@@ -87,11 +90,15 @@ bool parseLocale(const std::string& tag, Locale* out) {
         if (out->script == "Zsym") out->presentation = Presentation::kText;
     }
     out->scripts = partsOfScript(out->script);
-    std::string full = out->language;
-    if (!out->script.empty()) full += '-' + out->script;
-    if (!out->region.empty()) full += '-' + out->region;
-    out->hbLanguage = hb_language_from_string(full.c_str(), static_cast<int>(full.size()));
     return true;
+}
+
+// HarfBuzz keeps every language for ever, so only registered lists ask for theirs.
+void findLanguage(Locale* locale) {
+    std::string full = locale->language;
+    if (!locale->script.empty()) full += '-' + locale->script;
+    if (!locale->region.empty()) full += '-' + locale->region;
+    locale->hbLanguage = hb_language_from_string(full.c_str(), static_cast<int>(full.size()));
 }
 
 std::string trimmed(const std::string& text) {
@@ -101,7 +108,7 @@ std::string trimmed(const std::string& text) {
 
 LocaleList parseList(const std::string& tags) {
     LocaleList list;
-    for (size_t begin = 0; begin <= tags.size();) {
+    for (size_t begin = 0; begin <= tags.size() && list.size() < kMostLocales;) {
         const size_t comma = std::min(tags.find(',', begin), tags.size());
         const std::string tag = trimmed(tags.substr(begin, comma - begin));
         Locale locale;
@@ -193,6 +200,8 @@ uint32_t registerLocaleList(const std::string& locales) {
     std::string key = host::keyOf(list);
     const auto entry = known.ids.find(key);
     if (entry != known.ids.end()) return entry->second;
+    if (known.lists.size() > host::kMostLists) return 0;
+    for (host::Locale& locale : list) host::findLanguage(&locale);
     // The list first: an id without one would be given to the next list as well. One too many does no harm.
     const auto id = static_cast<uint32_t>(known.lists.size());
     known.lists.push_back(std::move(list));

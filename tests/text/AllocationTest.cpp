@@ -156,6 +156,16 @@ TEST(LocaleLists, KeepTheirOwnIds) {
         ids.insert(minikin::registerLocaleList(next));
     }
     EXPECT_EQ(ids.size(), 3000u);
+
+    // Lists kept for ever end somewhere; those that there are keep their ids.
+    const uint32_t known = minikin::registerLocaleList("fr-100");
+    uint32_t last = known;
+    for (int i = 0; i < 8000 && last != 0; ++i) {
+        last = minikin::registerLocaleList("pt-" + std::to_string(100 + i % 900) + ",nl-" +
+                                           std::to_string(100 + i / 900));
+    }
+    EXPECT_EQ(last, 0u);
+    EXPECT_EQ(minikin::registerLocaleList("fr-100"), known);
 }
 
 INSTANTIATE_TEST_SUITE_P(Styles, Allocations, testing::Values(plain, everything));
