@@ -15,13 +15,13 @@ namespace {
 
 constexpr char kTag[] = "ZvText_JNI";
 
-jclass keptClass = nullptr;  // global reference: the field's number is good for as long as the class stays
+// Good for as long as the class is loaded, and only its natives ask. A reference to the class would keep its
+// loader, and with it this library, for ever.
 jfieldID handleField = nullptr;
 
 }  // namespace
 
-void KeepTextClass(JNIEnv* env, jclass textClass) {
-    keptClass = keepClass(env, textClass);
+void FindHandleField(JNIEnv* env, jclass textClass) {
     handleField = env->GetFieldID(textClass, "mHandle", "I");
     if (handleField == nullptr) {
         env->ExceptionClear();

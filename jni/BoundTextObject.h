@@ -12,9 +12,9 @@ namespace Zvex {
 // A Java text object carries the runtime handle of its native one in the int field "mHandle", negative while
 // there is none. Two threads that use the same Java object are the caller's to keep apart.
 
-// Remembers the class and its field; once, while the library loads. Natives find no text object if the class
-// has no such field.
-void KeepTextClass(JNIEnv* env, jclass textClass);
+// Looks the class's field up; once, while the library loads. Natives find no text object if the class has no
+// such field.
+void FindHandleField(JNIEnv* env, jclass textClass);
 
 // The handle; negative when there is none.
 jint ReadHandle(JNIEnv* env, jobject thiz);

@@ -18,7 +18,6 @@ constexpr char kTag[] = "Init_ZvFontManager_JNI";
 constexpr char kClass[] = "com/orvane/android/sdk/zve/font/FontManager";
 
 JavaVM* keptVm = nullptr;
-jclass keptClass = nullptr;  // global reference
 
 jboolean fail(const char* line) {
     __android_log_print(ANDROID_LOG_ERROR, kTag, "%s", line);
@@ -70,7 +69,6 @@ bool ZvFontManager_OnLoad(JavaVM* vm, JNIEnv* env) {
     keptVm = vm;
     const LocalRef<jclass> managerClass = findClass(env, kClass);
     if (!managerClass) return false;
-    keptClass = keepClass(env, managerClass.get());
     const JNINativeMethod natives[] = {
         nativeMethod("ZvFontManager_InsertFontData", "(Ljava/lang/String;[B)Z", ZvFontManager_InsertFontData),
         nativeMethod("ZvFontManager_SetFontConfig", "(Landroid/text/FontConfig;)Z",

@@ -121,8 +121,4 @@ LocalRef<jclass> findClass(JNIEnv* env, const char* name) {
     return LocalRef<jclass>(env, env->FindClass(name));
 }
 
-jclass keepClass(JNIEnv* env, jclass javaClass) {
-    return static_cast<jclass>(env->NewGlobalRef(javaClass));
-}
-
 }  // namespace Zvex

@@ -224,9 +224,6 @@ JNINativeMethod nativeMethod(const char* name, const char* signature, Function* 
 // there is none.
 LocalRef<jclass> findClass(JNIEnv* env, const char* name);
 
-// A global reference, which outlives the native that makes it.
-jclass keepClass(JNIEnv* env, jclass javaClass);
-
 }  // namespace Zvex
 
 #endif  // ZVEX_JNI_JNISUPPORT_H_

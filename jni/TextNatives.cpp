@@ -343,7 +343,7 @@ bool ZvText_OnLoad(JavaVM* vm, JNIEnv* env) {
     keptVm = vm;
     const LocalRef<jclass> textClass = findClass(env, kClass);
     if (!textClass) return false;
-    KeepTextClass(env, textClass.get());
+    FindHandleField(env, textClass.get());
     const JNINativeMethod natives[] = {
         nativeMethod("ZvText_finalize", "()V", ZvText_finalize),
         nativeMethod("ZvText_AddInnerShadowTextEffect", "(FFFIF)I", ZvText_AddInnerShadowTextEffect),

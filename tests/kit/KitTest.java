@@ -20,13 +20,17 @@ import com.orvane.android.sdk.zve.font.FontManager;
 import com.orvane.android.sdk.zve.util.FontLock;
 import com.orvane.android.sdk.zve.util.ZvError;
 import java.io.ByteArrayInputStream;
+import java.io.File;
 import java.io.IOException;
+import java.lang.ref.WeakReference;
 import java.lang.reflect.Array;
 import java.lang.reflect.Constructor;
 import java.lang.reflect.Field;
 import java.lang.reflect.InvocationTargetException;
 import java.lang.reflect.Method;
 import java.lang.reflect.Modifier;
+import java.net.URL;
+import java.net.URLClassLoader;
 import java.nio.charset.StandardCharsets;
 import java.nio.file.Files;
 import java.nio.file.Path;
@@ -481,5 +485,42 @@ final class KitTest {
         byHand.run();
         byHand.run();
         assertEquals(2, runs.get());
+    }
+
+    /** Nothing in the kit or the library holds on to the loader: not the natives, not the cleaner's thread. */
+    @Test
+    void aClassLoaderWithTheKitIsFreed() throws Exception {
+        String library = System.getProperty("zvex.library");
+        Path folder = Files.createTempDirectory("zvex");
+        Path copy = Files.copy(Path.of(library), folder.resolve("copy.so"));  // a library belongs to one loader
+        System.setProperty("zvex.library", copy.toString());
+        try {
+            WeakReference<ClassLoader> loader = useTheKitInALoaderOfItsOwn();
+            awaitGarbageCollection(() -> loader.get() == null);
+        } finally {
+            System.setProperty("zvex.library", library);
+            Files.delete(copy);
+            Files.delete(folder);
+        }
+    }
+
+    private static WeakReference<ClassLoader> useTheKitInALoaderOfItsOwn() throws Exception {
+        List<URL> path = new ArrayList<>();
+        for (String entry : System.getProperty("java.class.path").split(File.pathSeparator)) {
+            path.add(Path.of(entry).toUri().toURL());
+        }
+        ClassLoader loader = new URLClassLoader(path.toArray(new URL[0]), ClassLoader.getPlatformClassLoader());
+        Class<?> type = loader.loadClass(ZvText.class.getName());
+        assertTrue(type != ZvText.class);
+        for (boolean closes : new boolean[] {true, false}) {
+            Object text = type.getConstructor().newInstance();
+            type.getMethod("outerShadow", float.class, float.class, float.class, int.class, float.class)
+                    .invoke(text, 45f, 3f, 2f, 0xFF000000, 1f);
+            assertTrue((int) type.getMethod("marginLeft").invoke(text) >= 0);
+            if (closes) {
+                type.getMethod("close").invoke(text);
+            }
+        }
+        return new WeakReference<>(loader);
     }
 }
