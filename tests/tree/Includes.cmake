@@ -12,7 +12,8 @@ set(platform_names "^(android/asset_manager.*|unicode/.*|jni\\.h|hwui/.*|minikin
 
 set(faults "")
 foreach(folder foundation raster effect text jni)
-  file(GLOB_RECURSE files RELATIVE ${SOURCE_DIR} ${SOURCE_DIR}/${folder}/*.h ${SOURCE_DIR}/${folder}/*.cpp)
+  file(GLOB_RECURSE files RELATIVE ${SOURCE_DIR} ${SOURCE_DIR}/${folder}/*.h ${SOURCE_DIR}/${folder}/*.inc
+       ${SOURCE_DIR}/${folder}/*.cpp)
   foreach(file IN LISTS files)
     file(STRINGS ${SOURCE_DIR}/${file} lines REGEX "^[ \t]*#[ \t]*include")
     foreach(line IN LISTS lines)
