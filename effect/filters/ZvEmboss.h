@@ -49,8 +49,8 @@ public:
 
     // Draws one picture onto target and, if there is one, onto otherLayer: destination-over onto the two of a
     // text with two pictures, else source-over. Mask pixels outside the mask read as 0. Draws nothing with
-    // sizes so negative that no area is left, and with such as do not fit the ints. A hard slope costs in
-    // proportion to the text's pixels and to the square of the size.
+    // sizes so negative that no area is left, and with such as do not fit the ints. A hard slope
+    // costs most, see searchInward.
     int doPostProcessing(ParamPostProcessing* param) override;
 
     void setProperty(ZvProperty* property) override;

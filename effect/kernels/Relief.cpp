@@ -131,18 +131,6 @@ bool blurRelief(unsigned char* source, unsigned char* destination, int radius, i
     return blurRelief({source, destination, width, border, border, end(width), border, end(height)});
 }
 
-uint32_t ReliefColors::pixel(int highlightLight, int shadowLight) const {
-    const int lit = truncateToInt(gain * static_cast<float>(highlightLight));
-    const int dark = truncateToInt(gain * static_cast<float>(shadowLight));
-    const uint32_t alpha = static_cast<uint32_t>(std::min(std::abs(dark - lit), 255));
-    const uint32_t color = dark > lit ? shadow : highlight;
-    uint32_t result = alpha << 24;
-    for (int shift = 0; shift < 24; shift += 8)
-        result |= ((alpha * (((color >> shift) & 0xFF) + 1)) >> 8)
-                  << shift;  // at most 255 * 256 >> 8, a byte
-    return result;
-}
-
 void ReliefColors::row(uint32_t* pixels, const uint8_t* highlightLights, const uint8_t* shadowLights,
                        int count) const {
     ZVEX_ON_TARGET(colorRow(pixels, highlightLights, shadowLights, count, gain, highlight, shadow));

@@ -184,11 +184,9 @@ struct ReliefColors {
     float gain;  // of both planes, before their difference is taken
     uint32_t highlight, shadow;
 
-    // The colour of the stronger of the two lights, premultiplied with the difference of them (and not with
-    // its own alpha, which the lights hold already): 0xAARRGGBB. Equal lights give a transparent pixel.
-    uint32_t pixel(int highlightLight, int shadowLight) const;
-
-    // The pixels of `count` lights. They must not overlap.
+    // The pixels of `count` lights, which they must not overlap: the colour of the stronger of the two,
+    // premultiplied with their difference (and not with its own alpha, which the lights hold already),
+    // 0xAARRGGBB. Equal lights give a transparent pixel.
     void row(uint32_t* pixels, const uint8_t* highlightLights, const uint8_t* shadowLights, int count) const;
 };
 

@@ -110,15 +110,18 @@ TEST(Relief, ArithmeticIsThatOfTheDefinition) {
             property.angle = angle;
             property.altitude = angle / 4;
             property.direction = static_cast<int>(angle) & 1;
-            const ReliefLight actual = ReliefLight::make(property, floor),
-                              expected = reference::reliefLight(property, floor);
+            const ReliefLight actual = ReliefLight::make(property, floor);
+            const reference::Light expected = reference::reliefLight(property, floor);
             EXPECT_EQ(fields(actual.x, actual.y, actual.z, actual.normalZ),
                       fields(expected.x, expected.y, expected.z, expected.normalZ))
                 << angle;
         }
     }
     EXPECT_EQ(reliefCoverage(0.0019607842f), 0);  // 0.49999997 and a half, which no float holds
-    EXPECT_EQ((ReliefColors{2.03f, 0, 0}.pixel(100, 0) >> 24), 203u);
+    const uint8_t bright[] = {100}, dark[] = {0};
+    uint32_t pixel = 0;
+    ReliefColors{2.03f, 0, 0}.row(&pixel, bright, dark, 1);
+    EXPECT_EQ(pixel >> 24, 203u);
     for (int alpha : {-INT_MAX, -1000, 255, 1000, INT_MAX})
         EXPECT_EQ(lightByte(255, 256, alpha), alpha < 0 ? 0 : 255) << alpha;
 }
@@ -162,7 +165,7 @@ struct EmbossLightBlock {
 
 constexpr int WIDTH = 23, HEIGHT = 17;
 constexpr Lighting LIGHTING = {1.3f, 0.6f, -0.35f, 0.7f, 200, 77};
-constexpr ReliefLight LIGHT = {0.6f, -0.35f, 0.7f, 1.3f};
+constexpr reference::Light LIGHT = {0.6f, -0.35f, 0.7f, 1.3f};
 
 reference::Distances randomPlane(Random& random, float low) {
     reference::Distances plane(WIDTH, HEIGHT, 0);

@@ -11,13 +11,13 @@
 
 #include "effect/ZvECore.h"
 #include "effect/ZvProperty.h"
-#include "effect/kernels/Relief.h"
+#include "raster/ZvBitmap.h"
+#include "raster/ZvRect.h"
 #include "tests/reference/BlenderReference.h"
 #include "tests/reference/DistanceReference.h"
 #include "tests/reference/GaussianReference.h"
 
-// Bevel and emboss as their definitions read. Of the library only the shade of one slope is used, of
-// which the order of the operations is the definition, and the mask's pixels beyond its edges.
+// Bevel and emboss as their definitions read.
 namespace reference {
 
 using Bytes = std::vector<uint8_t>;
@@ -35,7 +35,11 @@ struct ReliefArea {
           width(param.textRect->right + pad - x),
           height(param.textRect->bottom + pad - y) {}
 
-    int coverage(int column, int row) const { return Zvex::coverageAt(mask, x + column, y + row); }
+    int coverage(int column, int row) const {
+        const int64_t maskX = int64_t{x} + column, maskY = int64_t{y} + row;
+        const bool isInside = maskX >= 0 && maskY >= 0 && maskX < mask.width && maskY < mask.height;
+        return isInside ? mask.pixels[maskY * mask.width + maskX] : 0;
+    }
     // Within the box, or beyond its right and lower edges by up to `more`.
     bool inBox(int column, int row, int more = 0) const {
         return column >= pad && column < width - pad + more && row >= pad && row < height - pad + more;
@@ -61,7 +65,29 @@ struct ReliefArea {
     }
 };
 
-inline Zvex::ReliefLight reliefLight(const Zvex::ZvReliefProperty& p, double depthFloor) {
+// A light in the direction (x, y, z) on slopes with the normal (-gx, -gy, normalZ). All in single precision,
+// in this order; the pictures depend on it.
+struct Light {
+    float x, y, z, normalZ;
+
+    Light opposite() const { return {-x, -y, z, normalZ}; }
+    // 255 times the cosine between light and normal; of the slope that falls the other way, what 255 lacks of
+    // it.
+    int shade(float gx, float gy) const {
+        return toByte((normalZ * z - x * gx - y * gy) * 255 / length(gx, gy));
+    }
+    int oppositeShade(float gx, float gy) const {
+        return toByte(255 * (1 - (normalZ * z + x * gx + y * gy) / length(gx, gy)));
+    }
+
+private:
+    float length(float gx, float gy) const { return sqrtf(normalZ * normalZ + gx * gx + gy * gy); }
+    static int toByte(float level) {
+        return level >= 255 ? 255 : level > 0 ? static_cast<int>(level) : 0;  // no number is 0
+    }
+};
+
+inline Light reliefLight(const Zvex::ZvReliefProperty& p, double depthFloor) {
     const float theta = (180 - p.angle) * 3.14159f / 180, phi = p.altitude * 3.14159f / 180;
     const float cx = cosf(theta) * cosf(phi), sx = sinf(theta) * cosf(phi);
     const float normalZ = static_cast<float>(2.4 / std::max<double>(p.depth, depthFloor));
@@ -127,23 +153,22 @@ void forSlopes(Distances& d, int xBegin, int xEnd, int yBegin, int yEnd, Visit v
 
 // The light on a rectangle: its columns and its rows, each from the first to beyond the last.
 template <typename... Sides>
-void lightBevel(LightPlanes& planes, Distances& distances, float radius, bool inner,
-                const Zvex::ReliefLight& light, Sides... sides) {
+void lightBevel(LightPlanes& planes, Distances& distances, float radius, bool inner, const Light& light,
+                Sides... sides) {
     forSlopes(distances, sides..., [&](int x, int y, float d, float gx, float gy) {
         if (d == radius) return;
-        float shade = light.shade(gx, gy);
-        if (!inner) shade = static_cast<float>(255 - static_cast<int>(shade));
-        planes.set(x, y, radius - d, static_cast<int>(shade + 1.0), 256 - static_cast<int>(shade));
+        const int shade = inner ? light.shade(gx, gy) : 255 - light.shade(gx, gy);
+        planes.set(x, y, radius - d, shade + 1, 256 - shade);
     });
 }
 
 // On one plane of signed heights.
 template <typename... Sides>
-void lightEmboss(LightPlanes& planes, Distances& heights, float outer, float inner,
-                 const Zvex::ReliefLight& light, Sides... sides) {
+void lightEmboss(LightPlanes& planes, Distances& heights, float outer, float inner, const Light& light,
+                 Sides... sides) {
     forSlopes(heights, sides..., [&](int x, int y, float d, float gx, float gy) {
         if (d == outer) return;
-        const int shade = static_cast<int>(light.shade(gx, gy));
+        const int shade = light.shade(gx, gy);
         planes.set(x, y, d > 0 ? outer - d : d + inner - 1, 256 - shade, shade + 1);
     });
 }
@@ -151,15 +176,15 @@ void lightEmboss(LightPlanes& planes, Distances& heights, float outer, float inn
 // On two planes of distances.
 template <typename... Sides>
 void lightEmboss(LightPlanes& planes, Distances& outside, Distances& inside, float outer, float inner,
-                 const Zvex::ReliefLight& light, Sides... sides) {
+                 const Light& light, Sides... sides) {
     forSlopes(outside, sides..., [&](int x, int y, float d, float gx, float gy) {
         if (d == 0 || d >= outer) return;
-        const int shade = static_cast<int>(light.shade(gx, gy));
+        const int shade = light.shade(gx, gy);
         planes.set(x, y, outer - d, 256 - shade, shade + 1);
     });
     forSlopes(inside, sides..., [&](int x, int y, float d, float gx, float gy) {
         if (d == 0 || d >= inner) return;
-        const int shade = static_cast<int>(light.oppositeShade(gx, gy));
+        const int shade = light.oppositeShade(gx, gy);
         planes.set(x, y, inner - d, shade + 1, 256 - shade);
     });
 }
@@ -221,7 +246,7 @@ inline void drawEmboss(const Zvex::ZvECore::ParamPostProcessing& param, const Zv
         searchInward(d, inner, 1, area.height);
     }
 
-    Zvex::ReliefLight light = reliefLight(p, 0.2);
+    Light light = reliefLight(p, 0.2);
     std::vector<LightPlanes> passes;
     for (int pass = 0; pass < (p.style == 3 ? 2 : 1); ++pass) {
         LightPlanes planes(area.width, area.height, p.highlightColor >> 24, p.shadowColor >> 24);
@@ -233,8 +258,7 @@ inline void drawEmboss(const Zvex::ZvECore::ParamPostProcessing& param, const Zv
         if (soft) planes.blur(blur);
         if (p.soften >= 1) planes.blur(p.soften);
         passes.push_back(planes);
-        light.x = -light.x;
-        light.y = -light.y;
+        light = light.opposite();
     }
 
     const float gain = soft ? 2.03f : 1;
