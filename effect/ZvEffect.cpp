@@ -10,12 +10,12 @@
 #include "effect/Composite.h"
 #include "effect/EffectArguments.h"
 #include "effect/EffectFactory.h"
-#include "effect/LayerRows.h"
+#include "effect/LayerPlace.h"
+#include "effect/StripDrawing.h"
 #include "effect/ZvGlyph.h"
-#include "effect/kernels/Buffer.h"
 #include "foundation/OutOfMemory.h"
 #include "foundation/ZvLog.h"
-#include "raster/ClearPixels.h"
+#include "raster/Rects.h"
 #include "raster/ZvBitmap.h"
 #include "raster/ZvBlender.h"
 
@@ -25,82 +25,8 @@ namespace {
 
 constexpr char TAG[] = "ZvEffect";
 
-// The bevel style that lies inside the glyphs.
-constexpr int BEVEL_INSIDE = 1;
-
-bool isStroke(int type) {
-    return type == ZV_EFFECT_STROKE || type == ZV_EFFECT_STROKE_OLD;
-}
-
-// A layer without settings draws nothing; it is taken for the kind that lies under the text and needs no
-// second picture.
-int strokePosition(ZvECore* stroke) {
-    const auto* property = static_cast<const ZvStrokeProperty*>(stroke->getProperty());
-    return property != nullptr ? property->position : static_cast<int>(ZV_STROKE_OUTSIDE);
-}
-
-bool isInsideBevel(ZvECore* bevel) {
-    const auto* property = static_cast<const ZvBevelProperty*>(bevel->getProperty());
-    return property != nullptr && property->style == BEVEL_INSIDE;
-}
-
-// Such layers draw on both sides of the glyph edge.
-bool needsTwoLayers(ZvECore* effect) {
-    const int type = effect->getStyle();
-    return type == ZV_EFFECT_EMBOSS || (isStroke(type) && strokePosition(effect) == ZV_STROKE_CENTER);
-}
-
-int clampToSize(int value, uint32_t size) {
-    const int64_t most = std::min<int64_t>(size, INT_MAX);
-    return static_cast<int>(std::clamp<int64_t>(value, 0, most));
-}
-
 int addHeld(int value, int length) {
     return static_cast<int>(std::min<int64_t>(int64_t{value} + length, INT_MAX));
-}
-
-// Where a layer draws when there are two pictures: the front one is seen within the glyphs, the back one
-// around them.
-struct Place {
-    bool behind = false;  // on the back picture
-    bool both = false;    // and on the front picture
-};
-
-Place placeOf(ZvECore* effect) {
-    switch (effect->getStyle()) {
-        case ZV_EFFECT_OUTER_SHADOW:
-        case ZV_EFFECT_OUTER_GLOW:
-        case ZV_EFFECT_NONE:
-            return {true, false};
-        case ZV_EFFECT_BEVEL:
-            return {!isInsideBevel(effect), false};
-        case ZV_EFFECT_EMBOSS:
-            return {true, true};
-        case ZV_EFFECT_STROKE:
-        case ZV_EFFECT_STROKE_OLD: {
-            const int position = strokePosition(effect);
-            return {position != ZV_STROKE_INSIDE, position == ZV_STROKE_CENTER};
-        }
-        default:
-            return {};
-    }
-}
-
-void include(ZvRect* box, const ZvRect& other) {
-    if (other.left >= other.right || other.top >= other.bottom) return;
-    if (box->left >= box->right || box->top >= box->bottom) {
-        *box = other;
-        return;
-    }
-    *box = ZvRect(std::min(box->left, other.left), std::min(box->top, other.top),
-                  std::max(box->right, other.right), std::max(box->bottom, other.bottom));
-}
-
-// How to clear what no layer reaches.
-void (*clearingOf(const ZvBitmap& picture))(uint8_t*, size_t) {
-    constexpr size_t LARGE = size_t{4} << 20;  // as much as a core's own caches hold, and more
-    if (picture.byteCount() >= LARGE) return clearAside;
-    return [](uint8_t* bytes, size_t count) { std::memset(bytes, 0, count); };
 }
 
 int widestMargin(const std::vector<ZvECore*>& effects, int (ZvECore::*side)()) {
@@ -381,7 +307,9 @@ void ZvEffect::initPicture(ZvBitmap* out) {
 void ZvEffect::beginRendering(int width, int height, MaskPixels maskPixels) {
     ZV_DEBUG_LOG(TAG, "InitEffect(%p)", static_cast<void*>(this));
     layers = effects;
-    const bool twoLayers = textOpacity < 1.0f || std::any_of(layers.begin(), layers.end(), needsTwoLayers);
+    const bool twoLayers =
+        textOpacity < 1.0f ||
+        std::any_of(layers.begin(), layers.end(), [](ZvECore* effect) { return placeOf(effect).both; });
     layerMode = twoLayers ? 1 : 0;
 
     releaseBitmap();
@@ -426,25 +354,7 @@ void ZvEffect::beginRendering(int width, int height, MaskPixels maskPixels) {
 }
 
 bool ZvEffect::isUnderEffect(ZvECore* effect) {
-    if (effect == nullptr) return false;
-    const int type = effect->getStyle();
-    switch (type) {
-        case ZV_EFFECT_NONE:
-        case ZV_EFFECT_OUTER_SHADOW:
-        case ZV_EFFECT_OUTER_GLOW:
-            return true;
-        case ZV_EFFECT_EMBOSS:
-            return layerMode != 1;
-        case ZV_EFFECT_STROKE:
-        case ZV_EFFECT_STROKE_OLD: {
-            const int position = strokePosition(effect);
-            return position == ZV_STROKE_OUTSIDE || (position == ZV_STROKE_CENTER && layerMode != 1);
-        }
-        case ZV_EFFECT_BEVEL:
-            return !isInsideBevel(effect);
-        default:
-            return false;
-    }
+    return effect != nullptr && placeOf(effect).isUnder(layerMode == 1);
 }
 
 int ZvEffect::renderEffectLayer(int x, int y, ZvGlyph* glyph) {
@@ -454,8 +364,7 @@ int ZvEffect::renderEffectLayer(int x, int y, ZvGlyph* glyph) {
             textRect = box;
             textRectReset = false;
         } else {
-            textRect = ZvRect(std::min(textRect.left, box.left), std::min(textRect.top, box.top),
-                              std::max(textRect.right, box.right), std::max(textRect.bottom, box.bottom));
+            textRect = joined(textRect, box);
         }
         clearMaskRows();
         ZvBlender::drawBitmap(x, y, mask, glyph->pixels, glyph->width, glyph->height, 0xFF000000);
@@ -509,11 +418,8 @@ void ZvEffect::clearUnsetPicture() {
 bool ZvEffect::clipTextRect() {
     textRectReset = true;
     if (mask == nullptr) return false;
-    textRect.left = clampToSize(textRect.left, mask->width);
-    textRect.right = clampToSize(textRect.right, mask->width);
-    textRect.top = clampToSize(textRect.top, mask->height);
-    textRect.bottom = clampToSize(textRect.bottom, mask->height);
-    return textRect.left < textRect.right && textRect.top < textRect.bottom;
+    textRect = clampedTo(textRect, mask->width, mask->height);
+    return !isEmpty(textRect);
 }
 
 void ZvEffect::doEffectPostProcessing() {
@@ -529,7 +435,7 @@ void ZvEffect::doEffectPostProcessing() {
         param.textRect = &textRect;
         param.layerMode = layerMode;
         for (ZvECore* effect : layers) {
-            const Place place = layerMode == 1 ? placeOf(effect) : Place();
+            const LayerPlace place = layerMode == 1 ? placeOf(effect) : LayerPlace();
             param.target = place.behind ? back : dst;
             param.otherLayer = place.both ? dst : nullptr;
             effect->doPostProcessing(&param);
@@ -562,118 +468,22 @@ ZvRect ZvEffect::drawWhole(PixelOrder order) {
 ZvRect ZvEffect::drawInStrips(PixelOrder order) {
     ZV_DEBUG_LOG(TAG, "DoEffectPostProcessing(%p) - start", static_cast<void*>(this));
     ZvRect drawn;
-    std::unique_ptr<WaitingLayer[]> waiting;
-    // The box may be of a rendering that was given up, or set by hand: no line has cleared rows for it then.
-    clearMaskRows();
-    if (clipTextRect() && mask->pixels != nullptr) {
-        waiting.reset(new (std::nothrow) WaitingLayer[layers.size()]);
-        if (waiting == nullptr) markOutOfMemory();
-    }
-    if (waiting != nullptr) prepareLayers(waiting.get(), &drawn);
-    ZV_DEBUG_LOG(TAG, "DoEffectPostProcessing(%p) - end", static_cast<void*>(this));
+    {
+        StripDrawing drawing({layers, *dst, *mask, textRect, layerMode == 1, textAlpha});
+        // The box may be of a rendering that was given up, or set by hand: no line has cleared rows for it
+        // then.
+        clearMaskRows();
+        if (clipTextRect() && mask->pixels != nullptr) drawing.prepare();
+        ZV_DEBUG_LOG(TAG, "DoEffectPostProcessing(%p) - end", static_cast<void*>(this));
 
-    ZV_DEBUG_LOG(TAG, "CompositeLayers(%p) - start", static_cast<void*>(this));
-    if (waiting != nullptr && isTextAlone() && waiting[0].rows != nullptr) {
-        drawTextAlone(order);
-    } else {
-        drawLayers(waiting.get(), drawn, order);
+        ZV_DEBUG_LOG(TAG, "CompositeLayers(%p) - start", static_cast<void*>(this));
+        drawing.draw(order);
+        drawn = drawing.drawn();
     }
-    waiting.reset();
     releaseBitmap();
     layerMode = 0;
     ZV_DEBUG_LOG(TAG, "CompositeLayers(%p) - end", static_cast<void*>(this));
     return drawn;
-}
-
-bool ZvEffect::isTextAlone() const {
-    return layerMode == 0 && layers.size() == 1 && layers[0]->getStyle() == ZV_EFFECT_TEXT;
-}
-
-void ZvEffect::prepareLayers(WaitingLayer* waiting, ZvRect* drawn) {
-    *drawn = textRect;
-    ZvECore::ParamPostProcessing param;
-    param.target = dst;  // the back picture is as large
-    param.mask = mask;
-    param.textRect = &textRect;
-    param.layerMode = layerMode;
-    param.drawnArea = drawn;
-    param.overLayers = true;  // the first draws onto nothing, where it is all the same
-    for (ZvECore* effect : layers) {
-        const Place place = layerMode == 1 ? placeOf(effect) : Place();
-        waiting->behind = place.behind;
-        waiting->both = place.both;
-        param.otherLayer = place.both ? dst : nullptr;
-        param.rows = &waiting->rows;
-        effect->doPostProcessing(&param);
-        if (waiting->rows != nullptr) include(drawn, waiting->rows->reach());
-        ++waiting;
-    }
-    *drawn = ZvRect(clampToSize(drawn->left, dst->width), clampToSize(drawn->top, dst->height),
-                    clampToSize(drawn->right, dst->width), clampToSize(drawn->bottom, dst->height));
-}
-
-void ZvEffect::drawLayers(const WaitingLayer* waiting, const ZvRect& drawn, PixelOrder order) {
-    const int width = clampToSize(INT_MAX, dst->width), height = clampToSize(INT_MAX, dst->height);
-    const int step = std::min(stripRows(dst->width), height);
-    const size_t left = static_cast<size_t>(drawn.left), count = static_cast<size_t>(drawn.right) - left;
-    Buffer<uint8_t> behind;
-    if (layerMode == 1) behind.allocate(step, width, 4);
-    const bool hasBack = behind.get() != nullptr;
-    const auto clear = clearingOf(*dst);
-    for (int y = 0; y < height;) {
-        const RowRange rows = {y, height - y < step ? height : y + step};
-        const PictureStrip front(*dst, rows), back(behind.get(), dst->width, rows);
-        y = rows.end;
-        const int top = std::max(rows.begin, drawn.top), bottom = std::min(rows.end, drawn.bottom);
-        if (top >= bottom || waiting == nullptr) {
-            clear(front.pixels, front.byteCount());
-            continue;
-        }
-        for (int row = rows.begin; row < rows.end; ++row) {
-            uint8_t* pixels = front.at(0, row);
-            clear(pixels, left * 4);
-            std::memset(pixels + left * 4, 0, count * 4);
-            clear(pixels + (left + count) * 4, (dst->width - left - count) * 4);
-        }
-
-        if (hasBack) std::memset(back.pixels, 0, back.byteCount());
-        for (size_t i = 0; i < layers.size(); ++i) {
-            const WaitingLayer& layer = waiting[i];
-            if (layer.rows == nullptr || (layer.behind && !layer.both && !hasBack)) continue;
-            layer.rows->draw(rows, layer.behind ? back : front, layer.both ? &front : nullptr);
-        }
-        for (int row = top; row < bottom; ++row) {
-            const size_t at = (static_cast<size_t>(row - rows.begin) * dst->width + left) * 4;
-            if (hasBack && row >= textRect.top && row < textRect.bottom) {
-                mergeBackRow(front.pixels + at, back.pixels + at,
-                             mask->pixels + static_cast<size_t>(row) * mask->width + left, count);
-            } else if (hasBack) {
-                std::memcpy(front.pixels + at, back.pixels + at, count * 4);
-            }
-            finishRow(front.pixels + at, count, textAlpha, order);
-        }
-    }
-}
-
-void ZvEffect::drawTextAlone(PixelOrder order) {
-    const TextColors colors(layers[0]->getProperty()->color, textAlpha, order);
-    const size_t width = dst->width, left = static_cast<size_t>(textRect.left);
-    const auto row = [&](int y) { return dst->pixels + static_cast<size_t>(y) * width * 4; };
-    const size_t right = static_cast<size_t>(textRect.right);
-    const auto clear = clearingOf(*dst);
-    const auto clearRows = [&](int top, int bottom) {
-        clear(row(top), static_cast<size_t>(bottom - top) * width * 4);
-    };
-    clearRows(0, textRect.top);
-    for (int y = textRect.top; y < textRect.bottom; ++y) {
-        uint8_t* const pixels = row(y);
-        clear(pixels, left * 4);
-        std::memset(pixels + left * 4, 0, (right - left) * 4);
-        colors.paintRow(pixels + left * 4, mask->pixels + static_cast<size_t>(y) * mask->width + left,
-                        right - left);
-        clear(pixels + right * 4, (width - right) * 4);
-    }
-    clearRows(textRect.bottom, clampToSize(INT_MAX, dst->height));
 }
 
 void ZvEffect::compositeLayers(ZvBitmap* out) {

@@ -3,7 +3,6 @@
 #define ZVEX_EFFECT_ZVEFFECT_H_
 
 #include <cstdint>
-#include <memory>
 #include <vector>
 
 #include "effect/PixelOrder.h"
@@ -13,7 +12,6 @@
 
 namespace Zvex {
 
-class LayerRows;
 class ZvBitmap;
 struct ZvGlyph;
 
@@ -98,8 +96,8 @@ public:
     // means is said at the field of its record in effect/ZvProperty.h. Any argument is safe: opacities are
     // clamped to 0..1, a gradient's scale to 0..2, a pattern's to 0..10; an angle is a whole number of
     // degrees brought to 0..359, an altitude to 0..89; distance, size and stroke width are whole pixels
-    // clamped to 0..100, the size of a bevel or emboss alone is as given and costs time and memory with its
-    // square; stops beyond the first 256 are dropped. NaN counts as the lower end of its range, as
+    // clamped to 0..100, the size of a bevel or emboss alone is as given and costs time and memory as its
+    // margins grow; stops beyond the first 256 are dropped. NaN counts as the lower end of its range, as
     // an angle as 0.
     //
     // Colours are given straight, 0xAARRGGBB, and the opacities take the place of their alpha: text, stroke
@@ -199,11 +197,6 @@ public:
 
 private:
     enum class MaskPixels { Zeroed, Unset };
-    // The layers' rows, on the front or the back picture or both.
-    struct WaitingLayer {
-        std::unique_ptr<LayerRows> rows;
-        bool behind = false, both = false;
-    };
 
     void beginRendering(int width, int height, MaskPixels maskPixels);
     void clearMask(int top, int bottom);
@@ -212,14 +205,9 @@ private:
     void leaveStrips();    // to whole pictures, with a whole mask
     void clearUnsetPicture();
     bool clipTextRect();
-    bool isTextAlone() const;
     bool drawsInStrips() const;
     ZvRect drawInStrips(PixelOrder order);
     ZvRect drawWhole(PixelOrder order);
-    // Fill and draw as many as there are layers. The box holds all that they draw.
-    void prepareLayers(WaitingLayer* waiting, ZvRect* drawn);
-    void drawLayers(const WaitingLayer* waiting, const ZvRect& drawn, PixelOrder order);
-    void drawTextAlone(PixelOrder order);
 
     bool inStrips = false;        // from initPicture on, while nothing asks for whole pictures
     bool pictureIsUnset = false;  // dst holds anything, and is to be cleared
