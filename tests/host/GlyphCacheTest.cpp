@@ -30,7 +30,8 @@ TEST_F(GlyphCacheTest, KeepsOneImageForEachKey) {
     const auto first = face->image(40, sized(30), 0);
     EXPECT_EQ(face->image(40, sized(30), 0), first);
     EXPECT_EQ(face->image(40, sized(30), 4), first);  // quarters are taken modulo 4
-    host::GlyphStyle same = sized(30), skewed = same, bold = same, wide = same, hard = same;
+    host::GlyphStyle same = sized(30), skewed = same, bold = same, wide = same, hard = same, linear = same,
+                     plain = same;
     same.subpixel = true;
     same.skewX = -0.0f;
     EXPECT_EQ(face->image(40, same, 0), first);
@@ -39,9 +40,11 @@ TEST_F(GlyphCacheTest, KeepsOneImageForEachKey) {
     bold.fakeBold = true;
     wide.scaleX = 2;
     hard.antiAlias = false;
+    linear.linear = true;
+    plain.rendering = host::Rendering::Plain;
     std::vector<std::shared_ptr<const host::GlyphImage>> others = {
         first, face->image(41, sized(30), 0), face->image(40, sized(31), 0), face->image(40, sized(30), 1)};
-    for (const host::GlyphStyle& style : {skewed, bold, wide, hard}) {
+    for (const host::GlyphStyle& style : {skewed, bold, wide, hard, linear, plain}) {
         others.push_back(face->image(40, style, 0));
     }
     others.push_back(fonts::open(fonts::Role::kLatin)->image(40, sized(30), 0));  // another face, another key

@@ -1,0 +1,153 @@
+// SPDX-License-Identifier: Apache-2.0
+#include <SkBitmap.h>
+#include <SkCanvas.h>
+#include <SkColorSpace.h>
+#include <SkTextBlob.h>
+#include <gtest/gtest.h>
+#include <png.h>
+
+#include <array>
+#include <cmath>
+#include <cstdlib>
+#include <cstring>
+
+#include "PhoneCases.h"
+#include "platform/host/Rendering.h"
+
+namespace {
+
+struct PhonePicture {
+    int width = 0, height = 0;
+    std::vector<uint8_t> pixels;
+
+    PhonePicture(const std::string& name, png_uint_32 format) {
+        png_image image;
+        std::memset(&image, 0, sizeof image);
+        image.version = PNG_IMAGE_VERSION;
+        const std::string path = ZVEX_PHONE_DATA "/" + name + ".png";
+        if (png_image_begin_read_from_file(&image, path.c_str()) == 0) return;
+        image.format = format;
+        pixels.resize(PNG_IMAGE_SIZE(image));
+        width = static_cast<int>(image.width);
+        height = static_cast<int>(image.height);
+        png_image_finish_read(&image, nullptr, pixels.data(), 0, nullptr);
+    }
+};
+
+// The line, laid out and drawn as the library draws a line's coverage.
+std::vector<uint8_t> drawnLine(const phone::Case& line, const PhonePicture& like) {
+    std::vector<uint8_t> pixels(like.pixels.size());
+    SkBitmap bitmap;
+    bitmap.installPixels(
+        SkImageInfo::Make(like.width, like.height, kAlpha_8_SkColorType, kPremul_SkAlphaType), pixels.data(),
+        static_cast<size_t>(like.width));
+    const minikin::Layout layout = line.layOut();
+    SkTextBlobBuilder builder;
+    for (int i = 0; i < static_cast<int>(layout.nGlyphs()); ++i) {
+        SkPaint paint = line.paint;
+        android::MinikinFontSkia::populateSkPaint(&paint, layout.getFont(i), layout.getFakery(i));
+        paint.setTextEncoding(SkPaint::kGlyphID_TextEncoding);
+        const auto& run = builder.allocRunPos(paint, 1);
+        *run.glyphs = static_cast<SkGlyphID>(layout.getGlyphId(i));
+        run.pos[0] = layout.getX(i);
+        run.pos[1] = layout.getY(i);
+    }
+    minikin::MinikinRect bounds;
+    layout.getBounds(&bounds);
+    SkCanvas(bitmap).drawTextBlob(builder.make(), -bounds.mLeft, -bounds.mTop, line.paint);
+    return pixels;
+}
+
+// Of the pixels that either picture has, those that are near and equal.
+struct Agreement {
+    size_t ink = 0, near = 0, equal = 0;
+    void add(const std::vector<uint8_t>& a, const std::vector<uint8_t>& b) {
+        for (size_t i = 0; i < a.size(); ++i) {
+            if (a[i] == 0 && b[i] == 0) continue;
+            const int apart = std::abs(a[i] - b[i]);
+            ++ink;
+            near += apart <= 1;
+            equal += apart == 0;
+        }
+    }
+    double nearShare() const { return static_cast<double>(near) / static_cast<double>(ink); }
+    double equalShare() const { return static_cast<double>(equal) / static_cast<double>(ink); }
+};
+
+// Paths, above 256 pixels, are filled in steps that the port knows roughly, and FreeType 2.12 scales a hinted
+// font's control values less exactly than the phone's 2.9: no line is far off, and all together are within
+// the measure.
+TEST(PhoneGlyphs, CoverageIsThePhones) {
+    int pictures = 0;
+    Agreement all;
+    for (const std::vector<std::string>& row : phone::rowsOf(ZVEX_PHONE_DATA "/cases.tsv")) {
+        const PhonePicture expected(row[0], PNG_FORMAT_GRAY);
+        if (expected.pixels.empty()) continue;
+        ++pictures;
+        Agreement one;
+        const std::vector<uint8_t> drawn = drawnLine(phone::Case(row), expected);
+        one.add(drawn, expected.pixels);
+        EXPECT_GE(one.nearShare(), row[2] == "300" ? 0.97 : 0.985) << row[0];
+        EXPECT_GE(one.equalShare(), 0.95) << row[0];
+        if (row[2] != "300") all.add(drawn, expected.pixels);
+    }
+    EXPECT_GE(pictures, 24);
+    EXPECT_GE(all.nearShare(), 0.997);
+    EXPECT_GE(all.equalShare(), 0.997);
+}
+
+// Unhinted text differs from the plain rendering by the table alone.
+TEST(PhoneGlyphs, LevelsPassTheGammaTable) {
+    const auto face = fonts::open(fonts::Role::kLatinSmall);
+    host::GlyphStyle phone;
+    phone.size = 90;
+    phone.linear = true;
+    host::GlyphStyle plain = phone;
+    plain.rendering = host::Rendering::Plain;
+    std::array<int, 256> table;
+    table.fill(-1);
+    for (uint32_t glyph = 30; glyph < 130; ++glyph) {
+        const auto exact = face->image(glyph, plain, 0), shown = face->image(glyph, phone, 0);
+        ASSERT_EQ(exact->coverage.size(), shown->coverage.size());
+        for (size_t i = 0; i < exact->coverage.size(); ++i) table[exact->coverage[i]] = shown->coverage[i];
+    }
+    for (int level = 0; level < 256; ++level) {
+        if (table[static_cast<size_t>(level)] < 0) continue;
+        const double shown = std::round(255 * (1 - std::pow(1 - level / 255.0, 1 / 1.4)));
+        EXPECT_NEAR(table[static_cast<size_t>(level)], shown, 1) << level;
+    }
+    EXPECT_EQ(table[64], 48);
+    EXPECT_EQ(table[128], 101);
+    EXPECT_EQ(table[192], 162);
+}
+
+// A straight picture of every alpha onto six backgrounds, sRGB: red is the column, green 255 less that.
+TEST(PhoneGlyphs, CanvasesBlendInLinearLight) {
+    std::vector<uint8_t> picture(256 * 256 * 4), target(picture.size());
+    for (size_t i = 0; i < 65536; ++i) {
+        const uint8_t bytes[4] = {static_cast<uint8_t>(i), static_cast<uint8_t>(255 - i % 256), 128,
+                                  static_cast<uint8_t>(i / 256)};
+        std::memcpy(&picture[4 * i], bytes, 4);
+    }
+    const SkImageInfo info =
+        SkImageInfo::Make(256, 256, kRGBA_8888_SkColorType, kUnpremul_SkAlphaType, SkColorSpace::MakeSRGB());
+    SkBitmap source, bitmap;
+    source.installPixels(info, picture.data(), 1024);
+    bitmap.installPixels(info, target.data(), 1024);
+    for (const char* background : {"00000000", "01ffffff", "80ff8000", "ff000000", "ff2060c0", "ffffffff"}) {
+        const PhonePicture expected(std::string("compose-") + background, PNG_FORMAT_RGBA);
+        ASSERT_EQ(expected.pixels.size(), target.size());
+        SkCanvas canvas(bitmap);
+        canvas.drawColor(static_cast<SkColor>(std::strtoul(background, nullptr, 16)), SkBlendMode::kSrc);
+        canvas.drawBitmap(source, 0, 0);
+        size_t equal = 0;
+        for (size_t i = 0; i < target.size(); ++i) {
+            ASSERT_LE(std::abs(target[i] - expected.pixels[i]), 1) << background << " byte " << i;
+            equal += target[i] == expected.pixels[i];
+        }
+        const bool empty = std::strcmp(background, "00000000") == 0;
+        EXPECT_GE(equal, empty ? target.size() : target.size() * 998 / 1000) << background;
+    }
+}
+
+}  // namespace
