@@ -97,10 +97,10 @@ struct Case {
 
     // The layout as a row of layouts.tsv.
     std::vector<std::string> print(const minikin::Layout& layout) const {
-        char text[128];
-        const auto format = [&text](const char* form, auto... values) {
-            std::snprintf(text, sizeof text, form, values...);
-            return std::string(text);
+        char buffer[128];
+        const auto format = [&buffer](const char* form, auto... values) {
+            std::snprintf(buffer, sizeof buffer, form, values...);
+            return std::string(buffer);
         };
         minikin::MinikinRect bounds;
         layout.getBounds(&bounds);
