@@ -22,6 +22,7 @@
 #include "platform/host/GlyphCache.h"
 #include "platform/host/GlyphOutline.h"
 #include "platform/host/OutlineFill.h"
+#include "platform/host/WordCache.h"
 
 namespace host {
 
@@ -259,6 +260,7 @@ FontFace::FontFace(std::unique_ptr<Impl> impl) : mImpl(std::move(impl)) {}
 
 FontFace::~FontFace() {
     forgetGlyphs(mImpl->id);
+    forgetWords(mImpl->id);
 }
 
 std::shared_ptr<FontFace> FontFace::open(const void* data, size_t size, int index,

@@ -6,12 +6,11 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
-#include <mutex>
 #include <string>
-#include <unordered_map>
 #include <utility>
 
 #include "platform/host/ShapingFont.h"
+#include "platform/host/WordCache.h"
 
 namespace minikin {
 namespace {
@@ -27,21 +26,6 @@ FontFakery fakeryFor(FontStyle wanted, FontStyle actual) {
     const bool italic =
         wanted.slant() == FontStyle::Slant::ITALIC && actual.slant() == FontStyle::Slant::UPRIGHT;
     return FontFakery(bold, italic);
-}
-
-// The number of a collection, from the keys of its families. Numbers are not used again, so forgetting some
-// does no harm.
-uint64_t numberOf(const std::string& key) {
-    constexpr size_t kKeptNumbers = 256;
-    static std::mutex mutex;
-    static uint64_t last = 0;
-    // Never destroyed: text may be laid out while the process ends.
-    static auto* const numbers = new std::unordered_map<std::string, uint64_t>;
-    const std::lock_guard<std::mutex> lock(mutex);
-    if (numbers->size() >= kKeptNumbers) numbers->clear();
-    const auto entry = numbers->emplace(key, last + 1);
-    if (entry.second) ++last;
-    return entry.first->second;
 }
 
 }  // namespace
@@ -101,30 +85,30 @@ FakedFont FontFamily::getClosestMatch(FontStyle style) const {
     return FakedFont{&*best, fakeryFor(style, best->style())};
 }
 
-std::string FontFamily::key() const {
-    std::string key;
-    const auto put = [&key](uint32_t number) {
-        key.append(reinterpret_cast<const char*>(&number), sizeof number);
+void FontFamily::appendKey(std::string* key, std::vector<uint32_t>* faceIds) const {
+    const auto put = [key](uint32_t number) {
+        key->append(reinterpret_cast<const char*>(&number), sizeof number);
     };
     put(mLocaleListId);
     put(static_cast<uint32_t>(mVariant));
     put(static_cast<uint32_t>(mFonts.size()));
     for (const Font& font : mFonts) {
-        put(font.shaping()->face->uniqueId());
+        faceIds->push_back(font.shaping()->face->uniqueId());
+        put(faceIds->back());
         put(font.style().weight());
         put(font.style().slant() == FontStyle::Slant::ITALIC ? 1 : 0);
     }
-    return key;
 }
 
 FontCollection::FontCollection(const std::vector<std::shared_ptr<FontFamily>>& families) {
     std::string key;
+    std::vector<uint32_t> faceIds;
     for (const std::shared_ptr<FontFamily>& family : families) {
         if (!family || !family->getClosestMatch(FontStyle()).font) continue;
         mFamilies.push_back(family);
-        key += family->key();
+        family->appendKey(&key, &faceIds);
     }
-    mId = numberOf(key);
+    mId = host::numberOfCollection(key, faceIds);
 }
 
 }  // namespace minikin

@@ -3,8 +3,10 @@
 // words go unless they were asked for meanwhile.
 #include "platform/host/WordCache.h"
 
-#include <cstddef>
+#include <algorithm>
+#include <cstring>
 #include <functional>
+#include <iterator>
 #include <mutex>
 #include <unordered_map>
 #include <utility>
@@ -14,9 +16,15 @@ namespace {
 
 constexpr size_t kShelves = 16;  // threads seldom wait for each other
 constexpr size_t kWordsOfShelf = kKeptWords / kShelves;
+constexpr size_t kKeptNumbers = 256;
 
 class Shelf {
 public:
+    Shelf() {
+        mYoung.reserve(kWordsOfShelf);
+        mOld.reserve(kWordsOfShelf);
+    }
+
     std::shared_ptr<const Word> find(const std::string& key) {
         const std::lock_guard<std::mutex> lock(mMutex);
         const auto young = mYoung.find(key);
@@ -31,6 +39,16 @@ public:
     void keep(const std::string& key, const std::shared_ptr<const Word>& word) {
         const std::lock_guard<std::mutex> lock(mMutex);
         put(key, word);
+    }
+
+    void forget(uint64_t collection) {
+        const std::lock_guard<std::mutex> lock(mMutex);
+        for (Words* words : {&mYoung, &mOld}) {
+            for (auto entry = words->begin(); entry != words->end();) {
+                const bool gone = std::memcmp(entry->first.data(), &collection, sizeof collection) == 0;
+                entry = gone ? words->erase(entry) : std::next(entry);
+            }
+        }
     }
 
 private:
@@ -48,13 +66,65 @@ private:
     Words mYoung, mOld;
 };
 
-// Never destroyed: text may be laid out while the process ends.
+// Never destroyed, as the numbers below: text may be laid out while the process ends.
+Shelf* shelves() {
+    static Shelf* const made = new Shelf[kShelves];
+    return made;
+}
 Shelf& shelfOf(const std::string& key) {
-    static Shelf* const shelves = new Shelf[kShelves];
-    return shelves[std::hash<std::string>()(key) % kShelves];
+    return shelves()[std::hash<std::string>()(key) % kShelves];
+}
+
+struct Collections {
+    struct Entry {
+        uint64_t number;
+        std::vector<uint32_t> faceIds;
+    };
+    std::mutex mutex;
+    uint64_t last = 0;
+    std::unordered_map<std::string, Entry> numbers;
+};
+Collections& collections() {
+    static auto* const made = [] {
+        auto* collections = new Collections;
+        collections->numbers.reserve(kKeptNumbers);
+        return collections;
+    }();
+    return *made;
 }
 
 }  // namespace
+
+uint64_t numberOfCollection(const std::string& bytes, const std::vector<uint32_t>& faceIds) {
+    Collections& known = collections();
+    const std::lock_guard<std::mutex> lock(known.mutex);
+    const auto entry = known.numbers.find(bytes);
+    if (entry != known.numbers.end()) return entry->second.number;
+    if (known.numbers.size() >= kKeptNumbers) {
+        for (const auto& [key, value] : known.numbers) {
+            for (size_t i = 0; i < kShelves; ++i) shelves()[i].forget(value.number);
+        }
+        known.numbers.clear();
+    }
+    const uint64_t number = ++known.last;
+    known.numbers.emplace(bytes, Collections::Entry{number, faceIds});
+    return number;
+}
+
+// Fonts call this as they go, so it allocates nothing.
+void forgetWords(uint32_t faceId) {
+    Collections& known = collections();
+    const std::lock_guard<std::mutex> lock(known.mutex);
+    for (auto entry = known.numbers.begin(); entry != known.numbers.end();) {
+        const std::vector<uint32_t>& faces = entry->second.faceIds;
+        if (std::find(faces.begin(), faces.end(), faceId) == faces.end()) {
+            ++entry;
+            continue;
+        }
+        for (size_t i = 0; i < kShelves; ++i) shelves()[i].forget(entry->second.number);
+        entry = known.numbers.erase(entry);
+    }
+}
 
 std::shared_ptr<const Word> findWord(const std::string& key) {
     return shelfOf(key).find(key);

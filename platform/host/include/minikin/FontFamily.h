@@ -92,8 +92,8 @@ public:
     // ones.
     FakedFont getClosestMatch(FontStyle style) const;
 
-    // All that the layout of a text depends on, as bytes.
-    std::string key() const;
+    // Adds all that the layout of a text depends on, as bytes, and the fonts' host::FontFace::uniqueId().
+    void appendKey(std::string* key, std::vector<uint32_t>* faceIds) const;
 
 private:
     uint32_t mLocaleListId;
