@@ -118,12 +118,13 @@ TYPED_TEST(Glow, BoxFilterOfLargeShapesEqualsThePlainForm) {
 
 TYPED_TEST(Glow, EqualsThePlainForm) {
     unsigned seed = 0;
-    for (float size : {-0.5f, 0.0f, 0.5f, 1.0f, 3.0f, 4.7f, 9.0f, 18.0f, 37.0f}) {
+    for (float size : {-0.5f, 0.0f, 0.5f, 1.0f, 3.0f, 4.7f, 9.0f, 18.0f, 37.0f, 39.0f, 39.5f, 40.0f}) {
         for (const Stops& stops : {NONE, ONE, FOUR}) {
             this->set(size, stops);
             this->expectThePlainGlow(size, stops, seed++, size < 9 ? 6 : 2);
         }
     }
+    this->set(37, FOUR);
     this->expectThePlainGlow(37, FOUR, 2, 1, 80, 60);
     this->set(9, FOUR);
     this->expectThePlainGlow(9, FOUR, 0, 6, 200, 170);  // several bands of rows

@@ -204,6 +204,42 @@ TEST(TextDrawing, LineImagesAreAsWideAsTheAdvanceAndAsHighAsTheInk) {
     EXPECT_GT(picture.countVisible(), 0);
 }
 
+// With linear metrics advances have fractions: the image's width and the line's right edge lose them.
+TEST(TextDrawing, FractionsOfAnAdvanceAreCutOff) {
+    std::vector<Handed> handed;
+    TextScene scene(kSans, L"H", 20, 400, 60);
+    scene.effect().effects.push_back(new Recorder(&handed));
+    int cut = 0;
+    for (int tenths = 300; tenths < 330; ++tenths) {
+        android::Paint paint = scene.object.GetPaint();
+        paint.setFlags(paint.getFlags() | 0x40);
+        paint.setTextSize(static_cast<float>(tenths) / 10.0f);
+        scene.object.SetPaint(paint);
+        const double advance = tenths / 10.0 * 1540 / 2048;  // the design's units
+        scene.setLines({TextScene::makeLine(7, 40, 0, 1)});
+        scene.render();
+        const int whole = static_cast<int>(advance);
+        EXPECT_EQ(handed.back().width, whole) << tenths;
+        EXPECT_EQ(scene.line(0).rect.right, 7 + whole) << tenths;
+        cut += advance - whole > 0.5;
+    }
+    EXPECT_GT(cut, 5);
+}
+
+// The letters beside a line join its own although they are not drawn with it.
+TEST(TextDrawing, ALineIsLaidOutWithTheWholeTextAsContext) {
+    std::vector<Handed> handed;
+    for (const wchar_t* text : {L"\u0628", L"\u0628\u0628\u0628"}) {
+        TextScene scene(kSans, text, 40, 200, 80);
+        scene.effect().effects.push_back(new Recorder(&handed));
+        const int middle = text[1] == 0 ? 0 : 1;
+        scene.setLines({TextScene::makeLine(7, 40, middle, middle + 1, -1)});
+        scene.render();
+    }
+    ASSERT_EQ(handed.size(), 2u);
+    EXPECT_NE(handed[0].pixels, handed[1].pixels);  // alone, and in the middle of a word
+}
+
 TEST(TextDrawing, PensRunAlongTheListAndBackwardsForRightToLeft) {
     std::vector<Handed> handed;
     Recorder recorder(&handed);
