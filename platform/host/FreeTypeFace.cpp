@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/host/FreeTypeFace.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
+#include <functional>
 #include <new>
 #include <utility>
 #include <vector>
@@ -19,26 +21,55 @@ namespace {
 // them.
 constexpr size_t kMaxFreeTypeBlock = size_t{64} << 20;
 
-// `memory->user` is a bool: whether the machine had no block to give.
-void* noteExhaustion(FT_Memory memory, void* block) {
-    if (block == nullptr) *static_cast<bool*>(memory->user) = true;
-    return block;
+using Blocks = FreeTypeFace::Blocks;
+
+bool isReserve(const Blocks& blocks, const void* block) {
+    const auto* at = static_cast<const unsigned char*>(block);
+    return std::less_equal<>()(blocks.reserve, at) &&
+           std::less<>()(at, blocks.reserve + sizeof blocks.reserve);
 }
+
 void* allocateBlock(FT_Memory memory, long size) {
     if (size <= 0 || static_cast<unsigned long>(size) > kMaxFreeTypeBlock) return nullptr;
-    return noteExhaustion(memory, std::malloc(static_cast<size_t>(size)));
+    if (void* block = std::malloc(static_cast<size_t>(size))) return block;
+    Blocks& blocks = *static_cast<Blocks*>(memory->user);
+    blocks.exhausted = true;
+    constexpr size_t kAlign = alignof(std::max_align_t);
+    const size_t bytes = (static_cast<size_t>(size) + kAlign - 1) / kAlign * kAlign;
+    if (bytes > sizeof blocks.reserve - blocks.used) return nullptr;
+    void* block = blocks.reserve + blocks.used;
+    blocks.used += bytes;
+    ++blocks.live;
+    return block;
 }
-void freeBlock(FT_Memory, void* block) {
-    std::free(block);
+
+void freeBlock(FT_Memory memory, void* block) {
+    Blocks& blocks = *static_cast<Blocks*>(memory->user);
+    if (!isReserve(blocks, block)) {
+        std::free(block);
+    } else if (--blocks.live == 0) {
+        blocks.used = 0;
+    }
 }
-void* resizeBlock(FT_Memory memory, long /*oldSize*/, long size, void* block) {
+
+void* resizeBlock(FT_Memory memory, long oldSize, long size, void* block) {
     if (size <= 0 || static_cast<unsigned long>(size) > kMaxFreeTypeBlock) return nullptr;
-    return noteExhaustion(memory, std::realloc(block, static_cast<size_t>(size)));
+    Blocks& blocks = *static_cast<Blocks*>(memory->user);
+    if (!isReserve(blocks, block)) {
+        void* resized = std::realloc(block, static_cast<size_t>(size));
+        if (resized == nullptr) blocks.exhausted = true;
+        return resized;
+    }
+    void* resized = allocateBlock(memory, size);
+    if (resized == nullptr) return nullptr;
+    std::memcpy(resized, block, static_cast<size_t>(std::min(oldSize, size)));
+    freeBlock(memory, block);
+    return resized;
 }
 
 }  // namespace
 
-FreeTypeFace::FreeTypeFace() : mMemory{&mExhausted, allocateBlock, freeBlock, resizeBlock} {}
+FreeTypeFace::FreeTypeFace() : mMemory{&mBlocks, allocateBlock, freeBlock, resizeBlock} {}
 
 FreeTypeFace::~FreeTypeFace() {
     if (mFace != nullptr) FT_Done_Face(mFace);
@@ -84,7 +115,9 @@ bool FreeTypeFace::setStrike(int index) {
 }
 
 void FreeTypeFace::throwIfExhausted() {
-    if (std::exchange(mExhausted, false)) throw std::bad_alloc();
+    if (!std::exchange(mBlocks.exhausted, false)) return;
+    mWidth = mHeight = -1;  // a size may be half made
+    throw std::bad_alloc();
 }
 
 }  // namespace host

@@ -36,8 +36,16 @@ public:
     // "out of memory" of a damaged font's absurd sizes as well, or goes on without a part of itself.
     void throwIfExhausted();
 
+    // What FreeType's blocks come from. It uses its interpreter's record without a look at whether it got
+    // one: where memory is short, a small reserve carries it to the end of the call.
+    struct Blocks {
+        bool exhausted = false;
+        size_t used = 0, live = 0;  // of the reserve: bytes, blocks
+        alignas(std::max_align_t) unsigned char reserve[size_t{16} << 10];
+    };
+
 private:
-    bool mExhausted = false;
+    Blocks mBlocks;
     FT_MemoryRec_ mMemory;
     FT_Library mLibrary = nullptr;
     FT_Face mFace = nullptr;
