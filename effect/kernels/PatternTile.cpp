@@ -24,7 +24,7 @@ constexpr int64_t LEAST_COLUMNS = 256;  // of a tile: shorter ones are repeated 
 #define ZVEX_KERNELS "effect/kernels/PatternKernels.inc"
 #include "raster/ForEachTarget.h"
 
-using TargetBaseline::PIECE;
+using TargetBaseline::STRIP;
 
 // What a column (or row) of the box is made of.
 struct Sample {
@@ -99,19 +99,19 @@ bool PatternTile::make(const ZvBitmap& pattern, float scale, float opacity, int 
 
 void PatternTile::row(uint32_t* words, const uint8_t* coverage, int first, int count, int y) {
     if (repeats_ && isCoveredAnywhere(coverage, count)) return takeFromTile(words, coverage, first, count, y);
-    uint32_t piece[PIECE];
-    for (int begin = 0; begin < count; begin += PIECE) {
-        const int n = std::min(PIECE, count - begin);
+    uint32_t strip[STRIP];
+    for (int begin = 0; begin < count; begin += STRIP) {
+        const int n = std::min(STRIP, count - begin);
         if (!isCoveredAnywhere(coverage + begin, n)) {
             std::fill_n(words + begin, n, 0u);
             continue;
         }
-        mix(piece, first + begin, n, y);
-        ZVEX_ON_TARGET(takeCovered(words + begin, piece, coverage + begin, n));
+        mix(strip, first + begin, n, y);
+        ZVEX_ON_TARGET(takeCovered(words + begin, strip, coverage + begin, n));
     }
 }
 
-// At most a piece of columns of the tile.
+// At most a strip of columns of the tile.
 void PatternTile::mix(uint32_t* words, int first, int count, int y) const {
     const Sample row = sampleAt(y, scale_, pattern_->height);
     const auto* taps = reinterpret_cast<const TargetBaseline::Tap*>(pattern_->pixels);
@@ -131,7 +131,7 @@ void PatternTile::takeFromTile(uint32_t* words, const uint8_t* coverage, int fir
     uint32_t* tile = tile_.get() + static_cast<size_t>(at) * static_cast<size_t>(columns_);
     int& held = tileRows_[static_cast<size_t>(at)];
     if (held != row) {
-        for (int x = 0; x < columns_; x += PIECE) mix(tile + x, x, std::min(PIECE, columns_ - x), y);
+        for (int x = 0; x < columns_; x += STRIP) mix(tile + x, x, std::min(STRIP, columns_ - x), y);
         held = row;
     }
     for (int begin = 0; begin < count;) {
