@@ -185,7 +185,7 @@ void ColourGlyphs::drawLayers(FreeTypeFace& font, uint32_t glyph, const GlyphSty
         if (!loadOutline(font, layerGlyph, style, quarterX)) return;
         const GlyphBox box = outlineBox(font);
         GlyphImage layer = blankImage(box);
-        if (box.empty() || !rasterise(font, style, layer)) return;
+        if (box.empty() || !rasterise(font, style, exactLevels(), layer)) return;
         const uint8_t* source = layer.coverage.data();
         for (int y = box.top; y < box.bottom; ++y) {
             uint8_t* target = image.coverage.data() +

@@ -87,7 +87,7 @@ void CoverageRaster::lineTo(int64_t toX, int64_t toY) {
     add(column, row, x, y, toX - column * kOne, toY - row * kOne);
 }
 
-void CoverageRaster::levels(uint8_t* target) const {
+void CoverageRaster::levels(const uint8_t (&table)[256], uint8_t* target) const {
     for (int row = mHeight - 1; row >= 0; --row) {
         const Cell* cell = &mCells[static_cast<size_t>(row) * (static_cast<size_t>(mWidth) + 1)];
         int64_t cover = cell->cover;
@@ -96,7 +96,7 @@ void CoverageRaster::levels(uint8_t* target) const {
             cover += cell->cover;
             int64_t level = (cover * (2 * kOne) - cell->area) >> 9;  // of 2 * 256 * 256
             if (level < 0) level = ~level;
-            *target++ = static_cast<uint8_t>(std::min<int64_t>(level, 255));
+            *target++ = table[std::min<int64_t>(level, 255)];
         }
     }
 }

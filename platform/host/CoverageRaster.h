@@ -19,8 +19,9 @@ public:
     void moveTo(int64_t x, int64_t y);
     void lineTo(int64_t x, int64_t y);
 
-    // The pixels' levels, 0 to 255, cut as FreeType does; the rows with the greatest y first.
-    void levels(uint8_t* target) const;
+    // The pixels' levels, 0 to 255, cut as FreeType does and replaced by those of a table; the rows with the
+    // greatest y first.
+    void levels(const uint8_t (&table)[256], uint8_t* target) const;
 
 private:
     struct Cell {

@@ -47,36 +47,6 @@ namespace {
 // The size at which the phone measures linear text and takes paths.
 constexpr float kPathSize = 64;
 
-// Coverage of black text as the phone's display shows it: an exponent of 1.4 undone, that is 255 x
-// (1 - (1 - a / 255) ^ (1 / 1.4)), to within one; these are its very levels.
-constexpr uint8_t kGamma[256] = {
-    0,   1,   1,   2,   3,   4,   4,   5,   6,   7,   7,   8,   9,   9,   10,  11,  12,  12,  13,  14,
-    15,  15,  16,  17,  17,  18,  19,  20,  20,  21,  22,  23,  23,  24,  25,  26,  26,  27,  28,  29,
-    29,  30,  31,  32,  32,  33,  34,  35,  36,  36,  37,  38,  39,  39,  40,  41,  42,  42,  43,  44,
-    45,  46,  46,  47,  48,  49,  49,  50,  51,  52,  53,  53,  54,  55,  56,  56,  57,  58,  59,  60,
-    60,  61,  62,  63,  64,  64,  65,  66,  67,  68,  69,  69,  70,  71,  72,  73,  73,  74,  75,  76,
-    77,  78,  78,  79,  80,  81,  82,  83,  83,  84,  85,  86,  87,  88,  88,  89,  90,  91,  92,  93,
-    94,  94,  95,  96,  97,  98,  99,  100, 101, 101, 102, 103, 104, 105, 106, 107, 108, 108, 109, 110,
-    111, 112, 113, 114, 115, 116, 117, 118, 118, 119, 120, 121, 122, 123, 124, 125, 126, 127, 128, 129,
-    130, 131, 132, 132, 133, 134, 135, 136, 137, 138, 139, 140, 141, 142, 143, 144, 145, 146, 147, 148,
-    149, 150, 151, 152, 153, 154, 155, 156, 157, 159, 160, 161, 162, 163, 164, 165, 166, 167, 168, 169,
-    170, 171, 173, 174, 175, 176, 177, 178, 179, 181, 182, 183, 184, 185, 186, 188, 189, 190, 191, 193,
-    194, 195, 196, 198, 199, 200, 202, 203, 204, 206, 207, 208, 210, 211, 213, 214, 216, 217, 219, 220,
-    222, 223, 225, 227, 228, 230, 232, 234, 236, 238, 240, 242, 245, 247, 250, 255,
-};
-
-// Most of a glyph is empty or full, which the table leaves as it is.
-void applyGamma(std::vector<uint8_t>& coverage) {
-    size_t i = 0;
-    for (; i + sizeof(uint64_t) <= coverage.size(); i += sizeof(uint64_t)) {
-        uint64_t word;
-        std::memcpy(&word, &coverage[i], sizeof word);
-        if (word == 0 || word == ~uint64_t{0}) continue;
-        for (size_t k = i; k < i + sizeof word; ++k) coverage[k] = kGamma[coverage[k]];
-    }
-    for (; i < coverage.size(); ++i) coverage[i] = kGamma[coverage[i]];
-}
-
 struct HbDeleter {
     void operator()(hb_blob_t* blob) const { hb_blob_destroy(blob); }
     void operator()(hb_face_t* face) const { hb_face_destroy(face); }
@@ -227,10 +197,7 @@ GlyphImage FontFace::Impl::draw(uint32_t glyph, const GlyphStyle& style, int qua
     if (colours.draw(freeType, glyph, style, quarterX, &image)) return image;
     if (!loadOutline(freeType, glyph, style, quarterX)) return {};
     image = blankImage(outlineBox(freeType));
-    if (image.coverage.empty() || !rasterise(freeType, style, image)) return {};
-    if (style.rendering == Rendering::Phone && style.antiAlias) {
-        applyGamma(image.coverage);
-    }
+    if (image.coverage.empty() || !rasterise(freeType, style, levelsOf(style), image)) return {};
     return image;
 }
 

@@ -14,8 +14,8 @@
 namespace host {
 
 // How a glyph is sized and drawn. Sizes and widths (size * scaleX, of either sign) outside
-// kMinGlyphSize..kMaxGlyphSize, skews beyond kMaxGlyphSkew and values that are no number make every glyph
-// blank.
+// kMinGlyphSize..kMaxGlyphSize, on the phone kMinPhoneSize..kMaxPhoneSize, skews beyond kMaxGlyphSkew and
+// values that are no number make every glyph blank.
 struct GlyphStyle {
     float size = 0;    // pixels per em
     float scaleX = 1;  // of outlines and advances; negative mirrors, 0 is blank
@@ -68,12 +68,18 @@ constexpr uint32_t kAxesTable = HB_TAG('Z', 'V', 'a', 'x');
 // One font of a file: its characters, advances, and glyphs as coverage. The seam between the drawing half of
 // the port (Sk*) and the layout half (minikin, hwui), and the only place that talks to FreeType.
 //
-// Outlines are rasterised by FreeType's smooth rasteriser without hinting; with anti-alias off, by its
-// monochrome one. Fake bold widens the outline by size x (1/24 at size 9 and below, falling linearly to 1/32
-// at size 36 and above) in total, evenly on both sides, after scale and skew. Colour glyphs give their alpha:
-// a strike bitmap resampled from the nearest strike not smaller than the size (else the largest; fake bold
-// leaves it as it is), or the layers of a layered glyph, one over the other, with their palette alphas. A
-// font with an sbix table has strikes only, as FreeType sees it.
+// On the phone, outlines are hinted (FreeType's interpreter 35, the CFF hinter; not where they are slanted or
+// the text is linear; with anti-alias off for its monochrome rasteriser) and levels pass the gamma table.
+// Fake bold widens by a 34th of the em, to the right and upwards. Colour glyphs give their alpha without
+// either: a strike bitmap scaled as the platform does (StrikeFilter.h), or the layers of a layered glyph, one
+// over the other, with their palette alphas.
+//
+// The plain rendering does not hint. Fake bold widens the outline by size x (1/24 at size 9 and below,
+// falling linearly to 1/32 at size 36 and above) in total, evenly on both sides, after scale and skew. A
+// strike is resampled by area.
+//
+// Strikes are taken from the nearest not smaller than the size, else the largest; fake bold leaves them as
+// they are. A font with an sbix table has strikes only, as FreeType sees it.
 //
 // Any method may be called from any thread, and throws std::bad_alloc where memory is short. A glyph that the
 // font lacks or that cannot be read is blank; its advance is 0 where the font states none.

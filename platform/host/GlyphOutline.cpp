@@ -19,6 +19,24 @@ constexpr float kBoldSmallShare = 1.0f / 24, kBoldLargeShare = 1.0f / 32;
 // The phone's, as a part of an em.
 constexpr FT_Pos kPhoneBoldPart = 34;
 
+// Coverage of black text as the phone's display shows it: an exponent of 1.4 undone, that is 255 x
+// (1 - (1 - a / 255) ^ (1 / 1.4)), to within one; these are its very levels.
+constexpr Levels kGamma = {
+    0,   1,   1,   2,   3,   4,   4,   5,   6,   7,   7,   8,   9,   9,   10,  11,  12,  12,  13,  14,
+    15,  15,  16,  17,  17,  18,  19,  20,  20,  21,  22,  23,  23,  24,  25,  26,  26,  27,  28,  29,
+    29,  30,  31,  32,  32,  33,  34,  35,  36,  36,  37,  38,  39,  39,  40,  41,  42,  42,  43,  44,
+    45,  46,  46,  47,  48,  49,  49,  50,  51,  52,  53,  53,  54,  55,  56,  56,  57,  58,  59,  60,
+    60,  61,  62,  63,  64,  64,  65,  66,  67,  68,  69,  69,  70,  71,  72,  73,  73,  74,  75,  76,
+    77,  78,  78,  79,  80,  81,  82,  83,  83,  84,  85,  86,  87,  88,  88,  89,  90,  91,  92,  93,
+    94,  94,  95,  96,  97,  98,  99,  100, 101, 101, 102, 103, 104, 105, 106, 107, 108, 108, 109, 110,
+    111, 112, 113, 114, 115, 116, 117, 118, 118, 119, 120, 121, 122, 123, 124, 125, 126, 127, 128, 129,
+    130, 131, 132, 132, 133, 134, 135, 136, 137, 138, 139, 140, 141, 142, 143, 144, 145, 146, 147, 148,
+    149, 150, 151, 152, 153, 154, 155, 156, 157, 159, 160, 161, 162, 163, 164, 165, 166, 167, 168, 169,
+    170, 171, 173, 174, 175, 176, 177, 178, 179, 181, 182, 183, 184, 185, 186, 188, 189, 190, 191, 193,
+    194, 195, 196, 198, 199, 200, 202, 203, 204, 206, 207, 208, 210, 211, 213, 214, 216, 217, 219, 220,
+    222, 223, 225, 227, 228, 230, 232, 234, 236, 238, 240, 242, 245, 247, 250, 255,
+};
+
 // Widens the outline by `size` x the share for that size, half of it on each side.
 void emboldenEvenly(FT_Outline& outline, float size) {
     const float place =
@@ -53,6 +71,22 @@ bool loadPlain(FreeTypeFace& font, uint32_t glyph, const GlyphStyle& style) {
     return true;
 }
 
+// What the size that FreeType was set to leaves to the matrix: more than the slant below a pixel.
+PhoneScale restOf(const FreeTypeFace& font, const GlyphStyle& style) {
+    PhoneScale rest = phoneScale(style);
+    if (rest.width >= 1 && rest.height >= 1) return rest;
+    const FT_Face face = font.face();
+    const auto reached = [face](FT_Fixed unit) {
+        return static_cast<float>(face->units_per_EM) * (static_cast<float>(unit) / 65536) / 64;
+    };
+    const float x = rest.width / reached(face->size->metrics.x_scale);
+    const float y = rest.height / reached(face->size->metrics.y_scale);
+    rest.xx *= x;
+    rest.xy *= y;
+    rest.yy *= y;
+    return rest;
+}
+
 bool loadPhone(FreeTypeFace& font, uint32_t glyph, const GlyphStyle& style) {
     const PhoneScale scale = phoneScale(style);
     const FT_Face face = font.face();
@@ -61,18 +95,7 @@ bool loadPhone(FreeTypeFace& font, uint32_t glyph, const GlyphStyle& style) {
         return std::max<FT_F26Dot6>(static_cast<FT_F26Dot6>(pixels * 64), 64);
     };
     if (!font.setSize(size(scale.width), size(scale.height))) return false;
-    PhoneScale rest = scale;
-    if (scale.width < 1 || scale.height < 1) {
-        const auto reached = [face](FT_Fixed unit) {
-            return static_cast<float>(face->units_per_EM) * (static_cast<float>(unit) / 65536) / 64;
-        };
-        const float x = scale.width / reached(face->size->metrics.x_scale);
-        const float y = scale.height / reached(face->size->metrics.y_scale);
-        rest.xx *= x;
-        rest.xy *= y;
-        rest.yy *= y;
-    }
-    if (!setPhoneMatrix(font, rest)) return false;
+    if (!setPhoneMatrix(font, restOf(font, style))) return false;
     FT_Int32 flags = FT_LOAD_NO_BITMAP | FT_LOAD_IGNORE_GLOBAL_ADVANCE_WIDTH;
     if (!isHinted(style)) {
         flags |= FT_LOAD_NO_HINTING;
@@ -157,7 +180,7 @@ bool loadGlyph(FreeTypeFace& font, uint32_t glyph, const GlyphStyle& style) {
 float slotAdvance(const FreeTypeFace& font, const GlyphStyle& style) {
     const FT_GlyphSlot slot = font.face()->glyph;
     if (isHinted(style) && !style.subpixel) return static_cast<float>(slot->advance.x) / 64;
-    return phoneScale(style).xx * (static_cast<float>(slot->linearHoriAdvance) / 65536);
+    return restOf(font, style).xx * (static_cast<float>(slot->linearHoriAdvance) / 65536);
 }
 
 bool loadOutline(FreeTypeFace& font, uint32_t glyph, const GlyphStyle& style, int quarterX) {
@@ -175,25 +198,60 @@ GlyphBox outlineBox(const FreeTypeFace& font) {
                    -floor64(box.yMin));
 }
 
-bool rasterise(FreeTypeFace& font, const GlyphStyle& style, GlyphImage& image) {
+const Levels& exactLevels() {
+    static const struct Exact {
+        Levels levels;
+        Exact() {
+            for (int i = 0; i < 256; ++i) levels[i] = static_cast<uint8_t>(i);
+        }
+    } exact;
+    return exact.levels;
+}
+
+const Levels& levelsOf(const GlyphStyle& style) {
+    return style.rendering == Rendering::Phone ? kGamma : exactLevels();
+}
+
+namespace {
+
+// FreeType gives runs of one level: the table costs nothing then.
+struct SpanTarget {
+    const Levels* levels;
+    GlyphImage* image;
+};
+void writeSpans(int y, int count, const FT_Span* spans, void* user) {
+    const auto& target = *static_cast<const SpanTarget*>(user);
+    GlyphImage& image = *target.image;
+    uint8_t* row =
+        image.coverage.data() + static_cast<size_t>(image.height - 1 - y) * static_cast<size_t>(image.width);
+    for (int i = 0; i < count; ++i) {
+        std::memset(row + spans[i].x, (*target.levels)[spans[i].coverage], spans[i].len);
+    }
+}
+
+}  // namespace
+
+bool rasterise(FreeTypeFace& font, const GlyphStyle& style, const Levels& levels, GlyphImage& image) {
     FT_Outline& outline = font.face()->glyph->outline;
-    const bool antiAlias = style.antiAlias;
-    if (style.rendering == Rendering::Phone && antiAlias && hasCubics(outline)) {
-        fillGlyph(outline, image);
+    if (style.rendering == Rendering::Phone && style.antiAlias && hasCubics(outline)) {
+        fillGlyph(outline, levels, image);
         return true;
     }
     FT_Outline_Translate(&outline, FT_Pos{-64} * image.left, FT_Pos{64} * (image.top + image.height));
+    if (style.antiAlias) {
+        SpanTarget target = {&levels, &image};
+        FT_Raster_Params params;
+        std::memset(&params, 0, sizeof params);
+        params.flags = FT_RASTER_FLAG_AA | FT_RASTER_FLAG_DIRECT | FT_RASTER_FLAG_CLIP;
+        params.gray_spans = writeSpans;
+        params.user = &target;
+        params.clip_box = {0, 0, image.width, image.height};
+        return FT_Outline_Render(font.library(), &outline, &params) == 0;
+    }
     FT_Bitmap bitmap;
     std::memset(&bitmap, 0, sizeof bitmap);
     bitmap.width = static_cast<unsigned>(image.width);
     bitmap.rows = static_cast<unsigned>(image.height);
-    if (antiAlias) {
-        bitmap.pitch = image.width;
-        bitmap.num_grays = 256;
-        bitmap.pixel_mode = FT_PIXEL_MODE_GRAY;
-        bitmap.buffer = image.coverage.data();
-        return FT_Outline_Get_Bitmap(font.library(), &outline, &bitmap) == 0;
-    }
     const size_t stride = (static_cast<size_t>(image.width) + 7) / 8;
     std::vector<uint8_t> bits(stride * static_cast<size_t>(image.height));
     bitmap.pitch = static_cast<int>(stride);

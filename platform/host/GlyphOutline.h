@@ -35,9 +35,12 @@ float slotAdvance(const FreeTypeFace& font, const GlyphStyle& style);
 bool loadOutline(FreeTypeFace& font, uint32_t glyph, const GlyphStyle& style, int quarterX);
 // The box of the slot's control points, y downwards.
 GlyphBox outlineBox(const FreeTypeFace& font);
-// The coverage of the slot's outline, the rasteriser's own levels; moves the outline. False when it could not
-// be rasterised.
-bool rasterise(FreeTypeFace& font, const GlyphStyle& style, GlyphImage& image);
+// What becomes of each level of a style's coverage: the phone's gamma, or nothing.
+using Levels = uint8_t[256];
+const Levels& exactLevels();
+const Levels& levelsOf(const GlyphStyle& style);
+// The coverage of the slot's outline; moves the outline. False when it could not be rasterised.
+bool rasterise(FreeTypeFace& font, const GlyphStyle& style, const Levels& levels, GlyphImage& image);
 
 }  // namespace host
 

@@ -279,11 +279,11 @@ bool hasCubics(const FT_Outline& outline) {
                        [](auto tag) { return FT_CURVE_TAG(tag) == FT_CURVE_TAG_CUBIC; });
 }
 
-void fillGlyph(const FT_Outline& outline, GlyphImage& image) {
+void fillGlyph(const FT_Outline& outline, const uint8_t (&levels)[256], GlyphImage& image) {
     CoverageRaster raster(image.width, image.height);
     GlyphFiller filler(raster, image);
     decompose(outline, filler);
-    raster.levels(image.coverage.data());
+    raster.levels(levels, image.coverage.data());
 }
 
 void fillPath(const FT_Outline& outline, float scale, float x, float y, bool antiAlias, GlyphImage& image) {

@@ -12,8 +12,9 @@ namespace host {
 // Whether an outline has cubic curves, which FreeType has come to flatten in another way than the platform's.
 bool hasCubics(const FT_Outline& outline);
 
-// The coverage of an outline (26.6, y upwards, from the pen) as the platform's FreeType has it.
-void fillGlyph(const FT_Outline& outline, GlyphImage& image);
+// The coverage of an outline (26.6, y upwards, from the pen) as the platform's FreeType has it, each level
+// replaced by that of a table.
+void fillGlyph(const FT_Outline& outline, const uint8_t (&levels)[256], GlyphImage& image);
 
 // The coverage of an outline times `scale`, moved by (x, y), y downwards, as the platform's canvas fills a
 // path.

@@ -19,9 +19,11 @@ struct GlyphImage;
 // Draws on the pixels of a bitmap, inside a clip that starts as the whole bitmap and only shrinks.
 //
 // Coverage images take the source's alpha, source-over: d' = s + d * (255 - s) / 255. Colour images are
-// straight; with alphas sa, da and A = sa * 255 + da * (255 - sa), source-over gives the alpha A / 255 and
-// each channel (sc * sa * 255 + dc * da * (255 - sa)) / A. All quotients are exact and rounded to the
-// nearest. A source of alpha 0 leaves the pixel as it is.
+// straight. With a colour space, which is sRGB, source-over blends light (LinearLight.h): half transparent
+// black on white gives 187. Without one, with alphas sa, da and A = sa * 255 + da * (255 - sa), it gives the
+// alpha A / 255 and each channel (sc * sa * 255 + dc * da * (255 - sa)) / A, quotients rounded to the
+// nearest. A source of alpha 0 leaves the pixel as it is; where there is nothing below, the source's bytes
+// are taken.
 //
 // Edges of rectangles may lie anywhere: a pixel belongs to a rectangle when its centre does (left and top
 // edge inclusive), so no drawing blends along an edge. Coordinates that are no number draw nothing, infinite
@@ -49,10 +51,11 @@ public:
     void drawBitmap(const SkBitmap& bitmap, SkScalar x, SkScalar y, const SkPaint* paint = nullptr);
 
     // Source-over of the paint's colour through each glyph's coverage, glyphs in order. A glyph's origin is
-    // (x, y) plus its position, summed in single precision: x is taken to the quarter pixel below where the
-    // run's font has the subpixel flag, else to the nearest whole pixel; y always to the nearest whole pixel
-    // (halves go up). Null blobs, runs without a typeface, and glyphs 2^28 pixels away or farther draw
-    // nothing.
+    // (x, y) plus its position, summed in single precision: x is taken to the nearest quarter of a pixel
+    // (in the plain rendering the one below) where the run's font has the subpixel flag, else to the nearest
+    // whole pixel; y always to the nearest whole pixel (halves go up). Null blobs, runs without a typeface,
+    // and glyphs 2^28 pixels away or farther draw nothing. Glyphs above 256 pixels are paths on the phone and
+    // stand where they are.
     void drawTextBlob(const sk_sp<SkTextBlob>& blob, SkScalar x, SkScalar y, const SkPaint& paint);
 
 private:

@@ -4,7 +4,7 @@
 
 #include "SkRefCnt.h"
 
-// Names a colour space. There is only sRGB here, so no drawing ever converts a colour.
+// Names a colour space. There is only sRGB here; a canvas that has it blends in linear light.
 class SkColorSpace : public SkRefCnt {
 public:
     // The one sRGB space of the process; never null.
