@@ -20,6 +20,7 @@
 #include "foundation/ZvLog.h"
 #include "platform/host/LogCapture.h"
 #include "raster/ZvBitmap.h"
+#include "raster/ZvBlender.h"
 #include "tests/FailingAllocations.h"
 #include "tests/effect/PropertyFields.h"
 #include "tests/effect/TestPictures.h"
