@@ -13,19 +13,19 @@
 #include <vector>
 
 #include "fuzz/Input.h"
-#include "tools/zvtext/BatchLine.h"
-#include "tools/zvtext/Failure.h"
-#include "tools/zvtext/PngReader.h"
-#include "tools/zvtext/PngWriter.h"
-#include "tools/zvtext/RenderCommand.h"
-#include "tools/zvtext/Scale.h"
-#include "tools/zvtext/Scene.h"
-#include "tools/zvtext/Style.h"
-#include "tools/zvtext/TextInput.h"
-#include "tools/zvtext/WebpWriter.h"
+#include "scene/Failure.h"
+#include "scene/Png.h"
+#include "scene/Scale.h"
+#include "scene/Scene.h"
+#include "scene/Style.h"
+#include "scene/TextInput.h"
+#include "scene/WebpWriter.h"
+#include "tools/zvtext/batch/BatchLine.h"
+#include "tools/zvtext/render/RenderCommand.h"
 
 namespace {
 
+using namespace Zvex::scene;
 using namespace zvtext;
 
 constexpr char FONT[] = "/usr/share/fonts/truetype/dejavu/DejaVuSans-Bold.ttf";
@@ -94,14 +94,12 @@ std::string makePng(fuzz::Input& input) {
 }
 
 void readPicture(fuzz::Input& input) {
-    const Picture picture =
-        readPng("--pattern", memoryFile().write(input.flag() ? makePng(input) : input.rest()));
+    const Picture picture = decodePng("--pattern", input.flag() ? makePng(input) : input.rest());
     FUZZ_CHECK(picture.pixels.size() ==
                static_cast<size_t>(picture.width) * static_cast<size_t>(picture.height));
-    const Picture again = readPng("--pattern", memoryFile().write(encodePng(picture)));
+    const Picture again = decodePng("", encodePng(picture));
     FUZZ_CHECK(again.width == picture.width && again.height == picture.height &&
                again.pixels == picture.pixels);
-    patternBitmap(picture);
 }
 
 // Of the files that the fuzzer names none is there, so patterns are drawn with this one.
@@ -180,7 +178,7 @@ void renderSmall(Scene scene) {
     FUZZ_CHECK(picture.pixels.size() ==
                static_cast<size_t>(picture.width) * static_cast<size_t>(picture.height));
     FUZZ_CHECK(renderScene(scene).picture.pixels == picture.pixels);
-    const Picture back = readPng("", memoryFile().write(encodePng(picture)));
+    const Picture back = decodePng("", encodePng(picture));
     FUZZ_CHECK(back.pixels == picture.pixels);
     encodeWebp(picture);
     FUZZ_CHECK(findInvalidUtf8(writeMetrics(rendering.metrics)) == std::string::npos);

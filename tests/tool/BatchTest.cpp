@@ -11,7 +11,7 @@
 #include <thread>
 
 #include "tests/tool/Program.h"
-#include "tools/zvtext/Digest.h"
+#include "tools/zvtext/batch/Digest.h"
 
 namespace {
 
@@ -585,7 +585,7 @@ TEST_F(BatchCommand, ShowsItsProgressOnATerminalBesideWarnings) {
         reader.join();
         close(terminal);
         EXPECT_EQ(shown.find("\r2 done, ") != std::string::npos, !quiet) << shown;
-        EXPECT_EQ(shown.find("/s, 1 error") != std::string::npos, !quiet) << shown;
+        EXPECT_EQ(shown.find(" done, 1 error") != std::string::npos, !quiet) << shown;
         const size_t warning = shown.find("zvtext: line 3: warning");
         ASSERT_NE(warning, std::string::npos) << shown;
         EXPECT_NE(std::string("\nK").find(warning == 0 ? '\n' : shown[warning - 1]), std::string::npos)

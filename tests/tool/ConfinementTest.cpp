@@ -4,11 +4,11 @@
 #include <nlohmann/json.hpp>
 #include <thread>
 
+#include "scene/FolderScope.h"
+#include "scene/Png.h"
+#include "scene/TextInput.h"
+#include "tests/scene/Refusal.h"
 #include "tests/tool/Program.h"
-#include "tests/tool/Refusal.h"
-#include "tools/zvtext/FolderScope.h"
-#include "tools/zvtext/PngWriter.h"
-#include "tools/zvtext/TextInput.h"
 
 namespace {
 
@@ -22,7 +22,7 @@ class Confinement : public Program {
 protected:
     Confinement() {
         for (const char* name : {"in/deep", "inner", "secret", "out"}) fs::create_directories(file(name));
-        const std::string tile = zvtext::encodePng({1, 1, {0xFF00FF00}});
+        const std::string tile = Zvex::scene::encodePng({1, 1, {0xFF00FF00}});
         for (const char* name : {"in/tile.png", "in/deep/tile.png", "inner/tile.png", "secret/tile.png"}) {
             write(name, tile);
         }
@@ -238,7 +238,7 @@ TEST_F(Confinement, WhatIsReadIsWhatWasChecked) {
     write("in/deep/text", "open");
     write("secret/text", "secret");
     fs::create_directory_symlink(file("secret"), file("in/other"));
-    const zvtext::FolderScope scope({file("in")}, "a test may read");
+    const Zvex::scene::FolderScope scope({file("in")}, "a test may read");
     std::atomic<bool> done = false;
     std::thread swapper([&] {
         while (!done) {
@@ -248,8 +248,8 @@ TEST_F(Confinement, WhatIsReadIsWhatWasChecked) {
     size_t opened = 0, refused = 0;
     for (int i = 0; i < 20'000; ++i) {
         std::string content = "open";
-        const std::string why =
-            zvtext::refusal([&] { content = zvtext::readFile("--x", file("in/deep/text"), 100, scope); });
+        const std::string why = Zvex::scene::refusal(
+            [&] { content = Zvex::scene::readFile("--x", file("in/deep/text"), 100, scope); });
         EXPECT_EQ(content, "open");
         ++(why.empty() ? opened : refused);
     }

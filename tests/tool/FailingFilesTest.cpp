@@ -6,10 +6,10 @@
 #include <nlohmann/json.hpp>
 #include <regex>
 
+#include "scene/Png.h"
 #include "tests/tool/FailingCalls.h"
 #include "tests/tool/Program.h"
 #include "text/FontManager.h"
-#include "tools/zvtext/PngWriter.h"
 
 namespace {
 
@@ -27,7 +27,7 @@ protected:
     FailingFiles() {
         mFolder = fs::canonical(mFolder);
         fs::copy_file("/usr/share/fonts/truetype/dejavu/DejaVuSansMono-Bold.ttf", file("font.ttf"));
-        write("tile.png", zvtext::encodePng({2, 1, {0xFF00FF00, 0x800000FF}}));
+        write("tile.png", Zvex::scene::encodePng({2, 1, {0xFF00FF00, 0x800000FF}}));
         write("style.json", R"({"size": 9, "effects": [{"type": "pattern", "file": "tile.png"}]})");
         write("text", "Aa");
         write("lines", R"({"text": "b", "metrics": "b.json", "output": "b.png"})"

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
+#include "scene/Scene.h"
 #include "tests/tool/Program.h"
-#include "tools/zvtext/Scene.h"
 
 namespace {
 
@@ -71,14 +71,14 @@ TEST_F(GalleryCommand, SaysWhatIsWrong) {
 
 // The gallery's pictures are those of runs of their own.
 TEST(RenderScene, TheFallbackFontsOfOneSceneAreNotThoseOfTheNext) {
-    zvtext::Scene scene;
+    Zvex::scene::Scene scene;
     scene.text = "世";
     scene.font = kFont;
-    const std::vector<uint32_t> before = zvtext::renderScene(scene).picture.pixels;
+    const std::vector<uint32_t> before = Zvex::scene::renderScene(scene).picture.pixels;
     scene.fallbacks = {"/usr/share/fonts/opentype/noto/NotoSansCJK-Regular.ttc"};
-    EXPECT_NE(zvtext::renderScene(scene).picture.pixels, before);
+    EXPECT_NE(Zvex::scene::renderScene(scene).picture.pixels, before);
     scene.fallbacks.clear();
-    EXPECT_EQ(zvtext::renderScene(scene).picture.pixels, before);
+    EXPECT_EQ(Zvex::scene::renderScene(scene).picture.pixels, before);
 }
 
 }  // namespace

@@ -1,42 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
 // Files that are too large are refused before they take memory or time.
-#include <zlib.h>
-
 #include <chrono>
 
+#include "tests/scene/PngBytes.h"
 #include "tests/tool/Program.h"
 
 namespace {
 
-std::string bigEndian(size_t number) {
-    std::string bytes;
-    for (int shift = 24; shift >= 0; shift -= 8) bytes += static_cast<char>(number >> shift & 0xFF);
-    return bytes;
-}
-
-std::string chunk(const std::string& type, const std::string& content) {
-    const std::string summed = type + content;
-    const uLong crc =
-        crc32(0, reinterpret_cast<const Bytef*>(summed.data()), static_cast<uInt>(summed.size()));
-    return bigEndian(content.size()) + summed + bigEndian(crc);
-}
-
-std::string deflated(const std::string& bytes) {
-    uLongf size = compressBound(bytes.size());
-    std::string out(size, '\0');
-    compress(reinterpret_cast<Bytef*>(&out[0]), &size, reinterpret_cast<const Bytef*>(bytes.data()),
-             bytes.size());
-    out.resize(size);
-    return out;
-}
-
 // One with transparency of `rows` bytes, all zero, behind `extras`.
 std::string png(size_t width, size_t height, const std::string& extras, size_t rows,
                 bool interlaced = false) {
-    return std::string("\x89PNG\r\n\x1A\n", 8) +
-           chunk("IHDR", bigEndian(width) + bigEndian(height) + std::string("\x08\x06\0\0", 4) +
-                             static_cast<char>(interlaced)) +
-           extras + chunk("IDAT", deflated(std::string(rows, '\0'))) + chunk("IEND", "");
+    return pngOf(width, height, 8, 6, interlaced, extras, std::string(rows, '\0'));
 }
 
 class InputLimits : public Program {

@@ -396,7 +396,8 @@ TEST_F(RenderCommand, WhatCannotBePrintedIsAnError) {
     const std::string font = kFont, folder = mFolder.string();
     for (const std::string& command :
          {std::string("--help"), std::string("--version"), std::string("version"), std::string("presets"),
-          std::string("man"), "inspect font " + font, "render x --font " + font + " -o " + folder + "/a.png",
+          std::string("completion"), "inspect font " + font,
+          "render x --font " + font + " -o " + folder + "/a.png",
           "gallery --only pattern " + folder + "/gallery"}) {
         for (const char* stream : {" >/dev/full", " >&-"}) {
             const std::string line = ZVTEXT_BINARY " " + command + stream + " 2>" + folder + "/errors";

@@ -13,19 +13,20 @@
 #include <new>
 #include <string>
 
-#include "tools/zvtext/BatchCommand.h"
-#include "tools/zvtext/CommandTree.h"
-#include "tools/zvtext/Failure.h"
-#include "tools/zvtext/Gallery.h"
-#include "tools/zvtext/InspectCommand.h"
-#include "tools/zvtext/OutputFile.h"
-#include "tools/zvtext/Presets.h"
-#include "tools/zvtext/RenderCommand.h"
-#include "tools/zvtext/StyleSchema.h"
-#include "tools/zvtext/TextInput.h"
-#include "tools/zvtext/VersionCommand.h"
+#include "scene/Failure.h"
+#include "scene/Presets.h"
+#include "scene/StyleSchema.h"
+#include "scene/TextInput.h"
+#include "tools/zvtext/Completion.h"
+#include "tools/zvtext/batch/BatchCommand.h"
+#include "tools/zvtext/gallery/Gallery.h"
+#include "tools/zvtext/inspect/InspectCommand.h"
+#include "tools/zvtext/render/OutputFile.h"
+#include "tools/zvtext/render/RenderCommand.h"
 
 namespace zvtext {
+
+using namespace Zvex::scene;
 
 namespace {
 
@@ -39,25 +40,18 @@ int complain(std::string message, int status) {
     return status;
 }
 
-// What the program says of itself; `shell` receives the argument of completion and outlives the parsing.
-void addPrintingCommands(CLI::App& app, std::string& shell) {
+// What the program says of itself.
+void addPrintingCommands(CLI::App& app) {
     CLI::App* list = app.add_subcommand("presets", "List the styles that --preset takes");
     list->footer("Example:\n  zvtext presets");
     list->callback([] { print(presetList()); });
     CLI::App* schema = app.add_subcommand("schema", "Print the JSON Schema of style files");
     schema->footer("Example:\n  zvtext schema > style.schema.json");
     schema->callback([] { print(styleSchema()); });
-    CLI::App* completion = app.add_subcommand("completion", "Print the script that completes command lines");
-    completion->add_option("shell", shell, "The shell it is for")->type_name("bash|zsh|fish")->required();
-    completion->footer(
-        "Examples:\n"
-        "  source <(zvtext completion bash)\n"
-        "  zvtext completion zsh > ~/.zfunc/_zvtext\n"
-        "  zvtext completion fish > ~/.config/fish/completions/zvtext.fish");
-    completion->callback([&app, &shell] { print(completionScript(app, shell)); });
-    CLI::App* manual = app.add_subcommand("man", "Print the manual page");
-    manual->footer("Example:\n  zvtext man | man -l -");
-    manual->callback([&app] { print(manualPage(app, ZVEX_VERSION)); });
+    CLI::App* completion =
+        app.add_subcommand("completion", "Print the script that completes command lines in bash");
+    completion->footer("Example:\n  source <(zvtext completion)");
+    completion->callback([&app] { print(bashCompletion(app)); });
 }
 
 // A file must not take the number of a standard stream that is closed: what is printed would go into it. What
@@ -71,6 +65,7 @@ void holdStandardStreams() {
 int run(int argc, char** argv) {
     CLI::App app("Renders text with effects, byte for byte as on the phone.", "zvtext");
     app.set_version_flag("--version", ZVEX_VERSION);
+    app.set_help_all_flag("--help-all", "Print the help of every command");
     app.require_subcommand(1);
     RenderArguments renderArguments;
     CLI::App* render = app.add_subcommand("render", "Render a text to a picture");
@@ -83,8 +78,7 @@ int run(int argc, char** argv) {
     InspectArguments inspectArguments;
     addInspectCommands(*app.add_subcommand("inspect", "Say what a font or a style is, or what a text needs"),
                        inspectArguments);
-    std::string shell;
-    addPrintingCommands(app, shell);
+    addPrintingCommands(app);
     app.footer(
         "Examples:\n"
         "  zvtext render 'Grüße' --font DejaVuSans-Bold.ttf --preset gold -o gold.png\n"
@@ -95,10 +89,8 @@ int run(int argc, char** argv) {
     CLI::App* batch = app.add_subcommand("batch", "Render lines of JSON, one picture each");
     addBatchOptions(*batch, batchArguments);
     batch->callback([&] { status = runBatch(batchArguments); });
-    VersionArguments versionArguments;
-    CLI::App* version = app.add_subcommand("version", "Print the versions of the program and its libraries");
-    addVersionOptions(*version, versionArguments);
-    version->callback([&] { runVersion(versionArguments); });
+    addVersionOptions(*app.add_subcommand("version", "Print the versions of the program and its libraries"),
+                      inspectArguments.versionAsJson);
     try {
         app.parse(argc, argv);
         return status;

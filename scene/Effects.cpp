@@ -1,0 +1,284 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "scene/Effects.h"
+
+#include <cmath>
+#include <limits>
+
+#include "raster/ZvBitmap.h"
+#include "scene/Failure.h"
+#include "scene/Png.h"
+#include "scene/TextInput.h"
+
+namespace Zvex::scene {
+
+namespace {
+
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
+constexpr NumberRange kAngle = {-kInfinity, kInfinity, "deg"};
+constexpr NumberRange kAltitude = {0, 89, "deg"};
+constexpr NumberRange kPixels = {0, 100, "px", false, true};
+constexpr NumberRange kSoften = {0, 16, "px", false, true};
+constexpr NumberRange kDepth = {0, 10};
+constexpr NumberRange kGradientScale = {0, 2};
+constexpr NumberRange kPatternScale = {0, 10, "", false, true};  // pixels for each of the file
+
+// --- The table: keys in the order in which help and style files list them
+
+template <typename Shadow>
+Fields shadowFields(Shadow& s) {
+    return {{"angle", NumberField{&s.angle, kAngle}},
+            {"distance", NumberField{&s.distance, kPixels}},
+            {"size", NumberField{&s.size, kPixels}},
+            {"color", ColorField{&s.color}},
+            {"opacity", ShareField{&s.opacity}}};
+}
+
+template <typename Glow>
+Fields glowFields(Glow& s) {
+    return {{"size", NumberField{&s.size, kPixels}},
+            {"color", ColorField{&s.color}},
+            {"opacity", ShareField{&s.opacity}},
+            {"stops", StopsField{&s.stops}}};
+}
+
+template <typename Relief>
+Fields reliefFields(Relief& s, ChoiceField style) {
+    return {{"style", std::move(style)},
+            {"technique", ChoiceField{&s.technique, {{"soft", 0}, {"hard", 1}}}},
+            {"direction", ChoiceField{&s.direction, {{"up", 1}, {"down", 0}}}},
+            {"size", NumberField{&s.size, kPixels}},
+            {"depth", NumberField{&s.depth, kDepth}},
+            {"angle", NumberField{&s.angle, kAngle}},
+            {"altitude", NumberField{&s.altitude, kAltitude}},
+            {"soften", NumberField{&s.soften, kSoften}},
+            {"highlight", TintField{&s.highlight}},
+            {"shadow", TintField{&s.shadow}},
+            {"opacity", ShareField{&s.opacity}}};
+}
+
+struct FieldsOf {
+    Fields operator()(OuterShadowSettings& s) const { return shadowFields(s); }
+    Fields operator()(InnerShadowSettings& s) const { return shadowFields(s); }
+    Fields operator()(OuterGlowSettings& s) const { return glowFields(s); }
+    Fields operator()(InnerGlowSettings& s) const { return glowFields(s); }
+    Fields operator()(LinearGradientSettings& s) const {
+        return {{"angle", NumberField{&s.angle, kAngle}},
+                {"scale", NumberField{&s.scale, kGradientScale}},
+                {"opacity", ShareField{&s.opacity}},
+                {"stops", StopsField{&s.stops}, true}};
+    }
+    Fields operator()(RadialGradientSettings& s) const {
+        return {{"scale", NumberField{&s.scale, kGradientScale}},
+                {"opacity", ShareField{&s.opacity}},
+                {"stops", StopsField{&s.stops}, true}};
+    }
+    Fields operator()(StrokeSettings& s) const {
+        return {{"width", NumberField{&s.width, kPixels}},
+                {"color", ColorField{&s.color}},
+                {"position", ChoiceField{&s.position,
+                                         {{"outside", Zvex::ZV_STROKE_OUTSIDE},
+                                          {"inside", Zvex::ZV_STROKE_INSIDE},
+                                          {"center", Zvex::ZV_STROKE_CENTER}}}},
+                {"opacity", ShareField{&s.opacity}}};
+    }
+    Fields operator()(PatternSettings& s) const {
+        return {{"file", FileField{&s.file, &s.scope}, true},
+                {"scale", NumberField{&s.scale, kPatternScale}},
+                {"opacity", ShareField{&s.opacity}}};
+    }
+    Fields operator()(BevelSettings& s) const {
+        return reliefFields(s, {&s.style, {{"inner", 1}, {"outer", 0}}});
+    }
+    Fields operator()(EmbossSettings& s) const {
+        return reliefFields(s, {&s.style, {{"single", 1}, {"double", 3}}});
+    }
+};
+
+// --- Into the library's adders
+
+// The library counts whole degrees; whole turns go first, so that no angle is too large for a float.
+float degrees(double angle) {
+    return static_cast<float>(std::fmod(angle, 360));
+}
+
+float opacityOf(uint32_t color, double opacity) {
+    return static_cast<float>(opacity * (color >> 24) / 255);
+}
+
+// The library's positions are hundredths, cut off after a multiplication in single precision: 53 / 100 would
+// arrive as 52. The next float above arrives as 53.
+float stopPosition(double percent) {
+    auto position = static_cast<float>(percent / 100);
+    if (std::floor(position * 100.0f) < std::floor(percent)) position = std::nextafter(position, 2.0f);
+    return position;
+}
+
+std::vector<Zvex::ZvGradient> stopsOf(const std::vector<Stop>& stops) {
+    std::vector<Zvex::ZvGradient> result;
+    result.reserve(stops.size());
+    for (const Stop& stop : stops) {
+        result.push_back({stop.color, opacityOf(stop.color, stop.opacity), stopPosition(stop.position)});
+    }
+    return result;
+}
+
+// Each returns the adder's result: the layer's id, or -1.
+constexpr size_t kMaxPngBytes = size_t{512} << 20;
+
+Picture readPicture(const PatternSettings& s) {
+    const std::string option = "--pattern", path = s.file == "-" ? "./-" : s.file;
+    return decodePng(option + ": '" + s.file + "'", readFile(option, path, kMaxPngBytes, s.scope));
+}
+
+// In the layout that the effect reads: 4 bytes a pixel, alpha, red, green, blue, straight.
+Zvex::ZvBitmap patternBitmap(const Picture& picture) {
+    Zvex::ZvBitmap bitmap(static_cast<unsigned>(picture.width), static_cast<unsigned>(picture.height), 4);
+    if (bitmap.pixels == nullptr) throw std::bad_alloc();
+    uint8_t* target = bitmap.pixels;
+    for (const uint32_t pixel : picture.pixels) {
+        for (int shift = 24; shift >= 0; shift -= 8) *target++ = static_cast<uint8_t>(pixel >> shift);
+    }
+    return bitmap;
+}
+
+struct AddTo {
+    Zvex::ZvEffect& stack;
+
+    int operator()(const OuterShadowSettings& s) const {
+        return stack.addOuterShadowText(degrees(s.angle), pixels(s.distance), pixels(s.size), s.color,
+                                        opacityOf(s.color, s.opacity));
+    }
+    int operator()(const InnerShadowSettings& s) const {
+        return stack.addInnerShadowText(degrees(s.angle), pixels(s.distance), pixels(s.size), s.color,
+                                        opacityOf(s.color, s.opacity));
+    }
+    int operator()(const OuterGlowSettings& s) const {
+        std::vector<Zvex::ZvGradient> stops = stopsOf(s.stops);
+        return stack.addOuterGlowText(pixels(s.size), s.color, opacityOf(s.color, s.opacity),
+                                      static_cast<int>(stops.size()), stops.data());
+    }
+    int operator()(const InnerGlowSettings& s) const {
+        std::vector<Zvex::ZvGradient> stops = stopsOf(s.stops);
+        return stack.addInnerGlowText(pixels(s.size), s.color, opacityOf(s.color, s.opacity),
+                                      static_cast<int>(stops.size()), stops.data());
+    }
+    int operator()(const LinearGradientSettings& s) const {
+        std::vector<Zvex::ZvGradient> stops = stopsOf(s.stops);
+        return stack.addLinearGradientText(degrees(s.angle), static_cast<float>(s.scale),
+                                           static_cast<float>(s.opacity), static_cast<int>(stops.size()),
+                                           stops.data());
+    }
+    int operator()(const RadialGradientSettings& s) const {
+        std::vector<Zvex::ZvGradient> stops = stopsOf(s.stops);
+        return stack.addRadialGradientText(static_cast<float>(s.scale), static_cast<float>(s.opacity),
+                                           static_cast<int>(stops.size()), stops.data());
+    }
+    int operator()(const StrokeSettings& s) const {
+        return stack.addStrokeText(pixels(s.width), s.color, opacityOf(s.color, s.opacity), 0, s.position);
+    }
+    int operator()(const PatternSettings& s) const {
+        const Picture picture = readPicture(s);
+        Zvex::ZvBitmap bitmap = patternBitmap(picture);
+        return stack.addPatternText(&bitmap, static_cast<float>(s.scale), static_cast<float>(s.opacity));
+    }
+    int operator()(const BevelSettings& s) const { return addRelief(&Zvex::ZvEffect::addBevelText, s); }
+    int operator()(const EmbossSettings& s) const { return addRelief(&Zvex::ZvEffect::addEmbossText, s); }
+
+private:
+    static float pixels(double value) { return static_cast<float>(value); }
+
+    template <typename Adder, typename Relief>
+    int addRelief(Adder adder, const Relief& s) const {
+        return (stack.*adder)(s.style, pixels(s.size), static_cast<float>(s.depth), s.direction, s.technique,
+                              static_cast<int>(s.soften), static_cast<float>(s.opacity), degrees(s.angle),
+                              static_cast<float>(s.altitude), s.shadow.color,
+                              opacityOf(s.shadow.color, s.shadow.opacity), s.highlight.color,
+                              opacityOf(s.highlight.color, s.highlight.opacity));
+    }
+};
+
+}  // namespace
+
+Fields fieldsOf(EffectSettings& settings) {
+    return std::visit(FieldsOf{}, settings);
+}
+
+const std::vector<EffectKind>& effectKinds() {
+    static const std::vector<EffectKind> kinds = {
+        {"outer-shadow", "a blurred shadow behind the text, away from the light", OuterShadowSettings()},
+        {"inner-shadow", "a shadow within the glyphs, as if they were cut out", InnerShadowSettings()},
+        {"outer-glow", "a halo around the glyphs; stops run outwards", OuterGlowSettings()},
+        {"inner-glow", "light along the edges within the glyphs; stops run inwards", InnerGlowSettings()},
+        {"linear-gradient", "colours along a line; 0deg is left to right, 90deg bottom to top",
+         LinearGradientSettings()},
+        {"radial-gradient", "colours from the centre outwards", RadialGradientSettings()},
+        {"stroke", "an outline; in short WIDTH[:COLOR[:POSITION]]", StrokeSettings()},
+        {"pattern", "a PNG in tiles; FILE may stand first without file=", PatternSettings()},
+        {"bevel", "raised edges, lit from the angle", BevelSettings()},
+        {"emboss", "a relief pressed from a sheet, on both sides of the edge", EmbossSettings()}};
+    return kinds;
+}
+
+const EffectKind& kindOf(const EffectSettings& settings) {
+    return effectKinds()[settings.index()];
+}
+
+const EffectKind* findEffectKind(const std::string& name) {
+    for (const EffectKind& kind : effectKinds()) {
+        if (name == kind.name) return &kind;
+    }
+    return nullptr;
+}
+
+EffectSettings parseEffect(const std::string& option, const EffectKind& kind, const std::string& text) {
+    EffectSettings settings = kind.defaults;
+    const Fields fields = fieldsOf(settings);
+    const bool shortStroke =
+        std::holds_alternative<StrokeSettings>(settings) && text.find('=') == std::string::npos;
+    if (!shortStroke) {
+        readKeyValues(option, fields, text);
+        return settings;
+    }
+    const std::vector<std::string> parts = split(text, ':');
+    if (parts.size() > 3) {
+        throw UsageError(option + ": '" + text +
+                         "' is not a stroke; write WIDTH[:COLOR[:outside|inside|center]] or " +
+                         namesOf(fields) + " as KEY=VALUE,KEY=VALUE");
+    }
+    for (size_t i = 0; i < parts.size(); ++i) readValue(option + " " + fields[i].name, fields[i], parts[i]);
+    return settings;
+}
+
+void addOrReplace(std::vector<EffectSettings>& effects, EffectSettings settings) {
+    for (EffectSettings& present : effects) {
+        if (present.index() != settings.index()) continue;
+        present = std::move(settings);
+        return;
+    }
+    effects.push_back(std::move(settings));
+}
+
+void addEffects(Zvex::ZvEffect& stack, const std::vector<EffectSettings>& effects) {
+    for (const EffectSettings& settings : effects) {
+        if (std::visit(AddTo{stack}, settings) < 0) {
+            throw Failure(std::string("--") + kindOf(settings).name +
+                          ": the effect could not be added: the library lacks it, or memory is short");
+        }
+    }
+}
+
+std::string effectsHelp() {
+    std::string help;
+    for (const EffectKind& kind : effectKinds()) {
+        help += std::string("  --") + kind.name + "\n";
+        EffectSettings settings = kind.defaults;
+        for (const Field& field : fieldsOf(settings)) {
+            std::string key = std::string("      ") + field.name + "=" + formatValue(field);
+            if (key.size() < 28) key.resize(28, ' ');
+            help += key + " " + wantedBy(field) + (field.required ? "; required" : "") + "\n";
+        }
+    }
+    return help;
+}
+
+}  // namespace Zvex::scene

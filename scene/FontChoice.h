@@ -1,0 +1,34 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef ZVEX_SCENE_FONTCHOICE_H_
+#define ZVEX_SCENE_FONTCHOICE_H_
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "scene/FontFile.h"
+
+namespace Zvex::scene {
+
+// The font that `text` names: a file; FILE#N, the font N (from 0) of a collection; else a pattern of
+// fontconfig. A file whose name ends in #N wins over its font, and what has a slash or ends as font files do
+// is always a file. fontconfig answers any name with some font: one of another family, or without the weight,
+// slant, width, style or language asked for, is a Failure that says which font it would have been. Generic
+// names (sans-serif, monospace, ...) and patterns without a family take what is answered. What is no pattern
+// or no number of a font is a UsageError. Every message starts with `option`. A pattern is answered once a
+// process. A file lies in `scope`, which loadFont sees to; what a name leads to may lie anywhere. One thread
+// at a time.
+FontChoice chooseFont(const std::string& option, const std::string& text, const FolderScope& scope = {});
+
+// The folders in which fontconfig looks for fonts, with what is below them.
+std::vector<std::string> systemFontFolders();
+
+// The system's fonts that have all the characters, best first, at most eight: in fontconfig's order for a
+// text in `language` (never the user's own, so that a text looks the same for everybody) beside a font like
+// this one. Empty without fontconfig's configuration.
+std::vector<FontChoice> systemFontsFor(const std::vector<uint32_t>& characters, const std::string& language,
+                                       const FontFacts& like);
+
+}  // namespace Zvex::scene
+
+#endif  // ZVEX_SCENE_FONTCHOICE_H_

@@ -1,0 +1,25 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef ZVEX_SCENE_JSON_H_
+#define ZVEX_SCENE_JSON_H_
+
+#include <nlohmann/json.hpp>
+#include <string>
+
+namespace Zvex::scene {
+
+// Objects keep their keys in the order in which they were given.
+using Json = nlohmann::ordered_json;
+
+// A number that is written without a fraction where it has none.
+Json numberJson(double value);
+
+// As JSON, in lines with an `indent` or, below 0, in one line. Strings may hold anything; what is no UTF-8 in
+// them is replaced, and control characters are escaped, U+007F to U+009F too.
+std::string dumpJson(const Json& json, int indent = -1);
+
+// For people: a string as it stands, anything else as JSON.
+std::string plainText(const Json& json);
+
+}  // namespace Zvex::scene
+
+#endif  // ZVEX_SCENE_JSON_H_

@@ -1,0 +1,56 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "scene/Scale.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "scene/Failure.h"
+
+namespace Zvex::scene {
+
+namespace {
+
+double scaled(const std::string& name, double value, double factor, const NumberRange& range) {
+    // 2.9 * 10 as a person means it: the library drops fractions, so a product must not fall just short.
+    const double result = std::round(value * factor * 1e9) / 1e9;
+    if (range.contains(result)) return result;
+    throw UsageError(name + ": " + formatNumber(value) + " at --scale " + formatNumber(factor) + " is " +
+                     formatNumber(result) + ", not " + range.wanted());
+}
+
+// `where` opens the names of the fields.
+void scaleFields(const std::string& where, const Fields& fields, double factor) {
+    for (const Field& field : fields) {
+        const auto* number = std::get_if<NumberField>(&field.value);
+        if (number == nullptr || !number->range.length) continue;
+        *number->value = scaled(where + field.name, *number->value, factor, number->range);
+    }
+}
+
+// A length that was given stays at least a pixel.
+int scaledPixels(const std::string& name, int value, double factor, int low) {
+    const NumberRange range = {0, kMaxSide, "px"};
+    return std::max(low, static_cast<int>(std::lround(scaled(name, value, factor, range))));
+}
+
+}  // namespace
+
+void scaleStyle(Style& style, double factor) {
+    if (factor == 1) return;
+    scaleFields("--", fieldsOf(style), factor);
+    for (EffectSettings& settings : style.effects) {
+        scaleFields(std::string("--") + kindOf(settings).name + " ", fieldsOf(settings), factor);
+    }
+}
+
+void scaleView(Scene& scene, double factor) {
+    if (factor == 1) return;
+    if (scene.width > 0) scene.width = scaledPixels("--width", scene.width, factor, 1);
+    if (scene.height > 0) scene.height = scaledPixels("--height", scene.height, factor, 1);
+    Padding& padding = scene.padding;
+    for (int* side : {&padding.left, &padding.top, &padding.right, &padding.bottom}) {
+        *side = scaledPixels("--padding", *side, factor, 0);
+    }
+}
+
+}  // namespace Zvex::scene

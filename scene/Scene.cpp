@@ -1,0 +1,179 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "scene/Scene.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <cstring>
+
+#include "effect/ZvEffect.h"
+#include "foundation/List.h"
+#include "foundation/OutOfMemory.h"
+#include "scene/Failure.h"
+#include "scene/SceneFonts.h"
+#include "scene/SceneLayout.h"
+#include "text/LinePlacement.h"
+#include "text/ZvFontDrawing.h"
+#include "text/ZvTextObject.h"
+#include "text/ZvView.h"
+
+namespace Zvex::scene {
+
+namespace {
+
+using Zvex::List;
+using Zvex::ZvEffect;
+using Zvex::ZvLineInfo;
+using Zvex::ZvTextObject;
+using Zvex::ZvView;
+
+int gravityBits(const Scene& scene) {
+    static constexpr int kHorizontal[] = {0x3, 0x1, 0x5};   // left, center, right
+    static constexpr int kVertical[] = {0x30, 0x10, 0x50};  // top, center, bottom
+    return kHorizontal[static_cast<int>(scene.align)] | kVertical[static_cast<int>(scene.gravity)];
+}
+
+uint32_t withOpacity(uint32_t color, double opacity) {
+    const auto alpha = static_cast<uint32_t>(std::lround((color >> 24) * opacity));
+    return alpha << 24 | (color & 0xFFFFFF);
+}
+
+void alignLines(std::vector<Zvex::LaidOutLine>& lines, Scene::Align align, int innerWidth) {
+    for (Zvex::LaidOutLine& line : lines) {
+        const float room = static_cast<float>(innerWidth) - line.width;
+        if (align == Scene::Align::Center) line.left = std::floor(room / 2);
+        if (align == Scene::Align::Right) line.left = room;
+    }
+}
+
+// A scene's lines in its view, and the size of the picture: the view's and the margins of the effects.
+struct PlacedScene {
+    int width = 0, height = 0;
+    Margins margins;
+    size_t first = 0;               // of the text's lines, that which shows first
+    std::vector<ZvLineInfo> lines;  // those that show
+};
+
+// Sets up the object's view, whose effects are added.
+PlacedScene placeScene(ZvTextObject& object, const Scene& scene, std::vector<Zvex::LaidOutLine> lines) {
+    PlacedScene placed;
+    const size_t shown = scene.maxLines > 0
+                             ? std::min<size_t>(lines.size(), static_cast<size_t>(scene.maxLines))
+                             : lines.size();
+    // Under a line limit, bottom gravity shows the last lines and any other the first.
+    placed.first = scene.gravity == Scene::Gravity::Bottom ? lines.size() - shown : 0;
+    const int linesHeight = lines[placed.first + shown - 1].bottom - lines[placed.first].top;
+    float widest = 1;
+    for (const Zvex::LaidOutLine& line : lines) widest = std::max(widest, line.width);
+    const int wrapWidth = wrapWidthOf(scene);
+    const int innerWidth = wrapWidth > 0 ? wrapWidth : static_cast<int>(std::ceil(widest));
+    alignLines(lines, scene.align, innerWidth);
+
+    ZvView& view = *object.GetView();
+    ZvEffect& effect = *object.GetEffect();
+    const Padding& pad = scene.padding;
+    const int64_t viewWidth = int64_t{innerWidth} + pad.left + pad.right;
+    const int64_t viewHeight =
+        scene.height > 0 ? scene.height : int64_t{std::max(linesHeight, 1)} + pad.top + pad.bottom;
+    placed.margins = {effect.getLeftOffset(), effect.getTopOffset(), effect.getRightOffset(),
+                      effect.getBottomOffset()};
+    const int64_t width = viewWidth + placed.margins.left + placed.margins.right;
+    const int64_t height = viewHeight + placed.margins.top + placed.margins.bottom;
+    if (width > kMaxSide || height > kMaxSide || width * height > kMaxPixels) {
+        throw UsageError(std::string(scene.width > 0 ? "--width" : "--size") + ": the picture would be " +
+                         std::to_string(width) + " x " + std::to_string(height) + " pixels; at most " +
+                         std::to_string(kMaxSide) + " a side and " + std::to_string(kMaxPixels) + " in all");
+    }
+    placed.width = static_cast<int>(width);
+    placed.height = static_cast<int>(height);
+    view.gravity = gravityBits(scene);
+    view.maxLines = static_cast<int>(shown);
+    view.SetSize(static_cast<int>(viewWidth), static_cast<int>(viewHeight));
+    view.SetPadding(pad.left, pad.top, pad.right, pad.bottom);
+    view.SetBitmapWidth(placed.width);
+    view.SetBitmapHeight(placed.height);
+    placed.lines = Zvex::placeLines(view, lines.data(), static_cast<int>(lines.size()));
+    return placed;
+}
+
+// `glyphs` are those of the first line placed.
+std::vector<LineMetrics> measureLines(const std::vector<ZvLineInfo>& placed,
+                                      const std::vector<LineGlyph>* glyphs, const Margins& margins,
+                                      const std::string& text) {
+    const std::vector<uint32_t> offsets = byteOffsets(text);
+    const auto offsetOf = [&](size_t unit) { return offsets[std::min(unit, offsets.size() - 1)]; };
+    std::vector<LineMetrics> lines;
+    for (const ZvLineInfo& info : placed) {
+        LineMetrics& line = lines.emplace_back();
+        line.start = offsetOf(static_cast<size_t>(info.start));
+        line.end = offsetOf(static_cast<size_t>(info.end));
+        line.baseline = info.y + margins.top;
+        const Box box = {static_cast<float>(info.rect.left), static_cast<float>(info.rect.top),
+                         static_cast<float>(info.rect.right), static_cast<float>(info.rect.bottom)};
+        line.box = moved(box, margins.left, margins.top);
+        for (const LineGlyph& glyph : *glyphs++) {
+            line.glyphs.push_back(
+                {offsetOf(glyph.cluster), moved(glyph.box, info.x + margins.left, line.baseline)});
+        }
+    }
+    return lines;
+}
+
+void setLines(ZvTextObject& object, const std::vector<ZvLineInfo>& placed) {
+    List records;
+    records.Construct();
+    for (const ZvLineInfo& info : placed) records.Add(new ZvLineInfo(info));
+    object.SetLineInfo(&records);  // the text object owns the records now
+}
+
+}  // namespace
+
+Rendering renderScene(const Scene& scene) {
+    Zvex::takeOutOfMemoryMark();  // an earlier picture's
+    const SceneFonts fonts = takeFonts(scene);
+    warnAboutMissing(fonts, scene.systemFallback);
+
+    ZvTextObject object;
+    if (!object.Construct()) throw std::bad_alloc();
+    setText(object, scene, fonts);
+    const Style& style = scene.style;
+    object.SetTextColor(withOpacity(style.color, style.opacity));
+    object.SetBackgroundColor(withOpacity(style.background.value_or(0), style.opacity),
+                              style.background.has_value());
+    addEffects(*object.GetEffect(), style.effects);
+
+    const LaidOutText laidOut = layOutText(object, scene, fonts);
+    const PlacedScene placed = placeScene(object, scene, laidOut.lines);
+    setLines(object, placed.lines);
+    const unsigned int* pixels = object.RenderTextEffect(placed.width, placed.height);
+    if (pixels == nullptr || Zvex::takeOutOfMemoryMark())
+        throw Failure("TEXT: not enough memory for the picture");
+    Rendering rendering;
+    Picture& picture = rendering.picture;
+    picture.width = placed.width;
+    picture.height = placed.height;
+    picture.pixels.resize(static_cast<size_t>(placed.width) * static_cast<size_t>(placed.height));
+    std::memcpy(picture.pixels.data(), pixels, picture.pixels.size() * 4);
+    const Margins& margins = placed.margins;
+    rendering.metrics = {picture.width, picture.height, margins, placed.lines.front().y + margins.top,
+                         measureLines(placed.lines, &laidOut.glyphs[placed.first], margins, scene.text)};
+    if (scene.trim) trimRendering(rendering);
+    return rendering;
+}
+
+std::string layerKeyInHex(const Style& style) {
+    ZvEffect stack;
+    addEffects(stack, style.effects);
+    const std::unique_ptr<char[]> key(stack.getMapKey(withOpacity(style.color, style.opacity)));
+    if (key == nullptr) throw std::bad_alloc();
+    std::string hex;
+    for (const char* byte = key.get(); *byte != '\0'; ++byte) {
+        char digits[3];
+        std::snprintf(digits, sizeof digits, "%02x",
+                      static_cast<unsigned>(static_cast<unsigned char>(*byte)));
+        hex += digits;
+    }
+    return hex;
+}
+
+}  // namespace Zvex::scene

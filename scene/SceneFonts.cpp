@@ -1,0 +1,292 @@
+// SPDX-License-Identifier: Apache-2.0
+// Whether a character is missing is asked of the layout itself, cluster by cluster: shaping composes letters
+// and draws some spaces without a glyph of their own, which character maps do not tell.
+#include "scene/SceneFonts.h"
+
+#include <hwui/MinikinUtils.h>
+#include <hwui/Paint.h>
+#include <hwui/Typeface.h>
+#include <minikin/Layout.h>
+#include <unicode/uchar.h>
+#include <unicode/uscript.h>
+#include <unicode/utf16.h>
+#include <unicode/utf8.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <set>
+#include <string>
+#include <unordered_set>
+
+#include "foundation/List.h"
+#include "foundation/ZvString.h"
+#include "platform/host/Clusters.h"
+#include "platform/host/Rendering.h"
+#include "scene/Failure.h"
+#include "scene/FontChoice.h"
+#include "text/FontManager.h"
+
+namespace Zvex::scene {
+
+namespace {
+
+using Fonts = std::vector<std::shared_ptr<const LoadedFont>>;
+using Zvex::FontManager;
+
+// A text of every script takes about a hundred fonts; a text of nothing but odd clusters is not worth more
+// questions than these.
+constexpr size_t kMaxSystemFonts = 128, kMaxQuestions = 2000;
+constexpr size_t kMaxAsked = 64;  // characters of one cluster
+
+struct Cluster {
+    std::u16string text;
+    std::vector<uint32_t> characters;  // those that show something
+};
+
+// One family of one font each, already loaded, asked in their order. Their own weights keep a bold fallback
+// behind a bold font from being widened once more.
+void setFallbacks(const Fonts& fonts) {
+    FontManager* manager = FontManager::GetInstance();
+    manager->ClearFontFamilies();
+    auto* families = new Zvex::List;
+    families->Construct();
+    for (size_t i = 1; i < fonts.size(); ++i) {
+        auto* entry = new Zvex::ZvFontEntry;
+        entry->path = new Zvex::ZvString;
+        entry->path->Construct(fonts[i]->key.c_str());
+        entry->weight = fonts[i]->facts.weight;
+        entry->italic = fonts[i]->facts.italic;
+        auto* family = new Zvex::ZvFontFamily;
+        family->fonts = new Zvex::List;
+        family->fonts->Construct();
+        family->fonts->Add(entry);
+        family->loaded = 1;  // loadFont handed the font over
+        families->Add(family);
+    }
+    manager->SetSystemFontFamilies(families);
+}
+
+bool hasAll(const LoadedFont& font, const std::vector<uint32_t>& characters) {
+    return std::all_of(characters.begin(), characters.end(),
+                       [&](uint32_t c) { return font.face->covers(c); });
+}
+
+bool endsLine(uint32_t c) {
+    return (c >= 0x0A && c <= 0x0D) || c == 0x85 || c == 0x2028 || c == 0x2029;
+}
+
+std::u16string toUtf16(const std::string& text) {
+    std::u16string units;
+    const auto length = static_cast<int64_t>(text.size());
+    for (int64_t i = 0; i < length;) {
+        UChar32 c;
+        U8_NEXT(text.data(), i, length, c);
+        if (c < 0 || c > 0x1FFFF) c = ' ';  // has a warning of its own
+        if (c > 0xFFFF) units += static_cast<char16_t>(U16_LEAD(c));
+        units += static_cast<char16_t>(c > 0xFFFF ? U16_TRAIL(c) : c);
+    }
+    return units;
+}
+
+// The text's clusters that no single font has as they are written, each once.
+std::vector<Cluster> doubtfulClusters(const std::u16string& text, const Fonts& fonts) {
+    std::vector<Cluster> doubtful;
+    std::unordered_set<std::u16string> seen;
+    const auto* units = reinterpret_cast<const uint16_t*>(text.data());
+    for (size_t at = 0; at < text.size();) {
+        const size_t end = host::clusterEnd(units, at, text.size());
+        Cluster cluster;
+        for (size_t next = at; next < end;) {
+            const uint32_t c = host::nextCodePoint(units, &next, end);
+            if (!endsLine(c) && !host::isDefaultIgnorable(c)) cluster.characters.push_back(c);
+        }
+        const bool served = std::any_of(fonts.begin(), fonts.end(),
+                                        [&](const auto& font) { return hasAll(*font, cluster.characters); });
+        if (!served && seen.insert(text.substr(at, end - at)).second) {
+            cluster.text = text.substr(at, end - at);
+            doubtful.push_back(std::move(cluster));
+        }
+        at = end;
+    }
+    return doubtful;
+}
+
+// Lays single clusters out with the fonts that the manager holds now.
+class ClusterLayout {
+public:
+    explicit ClusterLayout(const LoadedFont& first, const std::string& features) {
+        Zvex::ZvString key;
+        key.Construct(first.key.c_str());
+        std::vector<std::shared_ptr<minikin::FontFamily>> families;
+        int weight = 400;
+        FontManager::GetInstance()->GetMinikinFontFamilies(families, &key, weight);
+        mTypeface.reset(android::Typeface::createFromFamilies(std::move(families), weight, 0));
+        mPaint.setTextSize(16);
+        mPaint.setFontFeatureSettings(features);
+    }
+
+    // The characters of the cluster that come out as a missing glyph.
+    std::vector<uint32_t> missingOf(const Cluster& cluster) const {
+        const auto* units = reinterpret_cast<const uint16_t*>(cluster.text.data());
+        const size_t length = cluster.text.size();
+        const minikin::Layout layout = android::MinikinUtils::doLayout(
+            &mPaint, minikin::Bidi::DEFAULT_LTR, mTypeface.get(), units, 0, length, length, nullptr);
+        std::vector<uint32_t> missing;
+        for (int i = 0; i < static_cast<int>(layout.nGlyphs()); ++i) {
+            if (layout.getGlyphId(i) != 0) continue;
+            const auto* font = static_cast<const android::MinikinFontSkia*>(layout.getFont(i));
+            for (const uint32_t c : cluster.characters) {
+                if (!font->RefSkTypeface()->face()->covers(c)) missing.push_back(c);
+            }
+            break;
+        }
+        return missing;
+    }
+
+private:
+    android::Paint mPaint;
+    std::unique_ptr<android::Typeface> mTypeface;
+};
+
+// The language that fontconfig is asked for: what the script tells. Han characters go by the other scripts
+// of the text.
+class Languages {
+public:
+    explicit Languages(const std::u16string& text) {
+        for (size_t i = 0; i < text.size() && mHan.empty(); ++i) {
+            const std::string language = byScript(static_cast<uint32_t>(text[i]));
+            if (language != "und" && language != "han") mHan = language;
+        }
+        if (mHan.empty()) mHan = "zh-cn";
+    }
+
+    std::string of(const Cluster& cluster) const {
+        const bool emoji =
+            u_hasBinaryProperty(static_cast<UChar32>(cluster.characters[0]), UCHAR_EMOJI_PRESENTATION) != 0;
+        if (emoji || cluster.text.find(u'\uFE0F') != std::u16string::npos) return "und-zsye";
+        const std::string language = byScript(cluster.characters[0]);
+        return language == "han" ? mHan : language;
+    }
+
+private:
+    static std::string byScript(uint32_t c) {
+        UErrorCode status = U_ZERO_ERROR;
+        switch (uscript_getScript(static_cast<UChar32>(c), &status)) {
+            case USCRIPT_HIRAGANA:
+            case USCRIPT_KATAKANA:
+                return "ja";
+            case USCRIPT_HANGUL:
+                return "ko";
+            case USCRIPT_BOPOMOFO:
+                return "zh-tw";
+            case USCRIPT_HAN:
+                return "han";
+            default:
+                return "und";
+        }
+    }
+
+    std::string mHan;
+};
+
+// The first of fontconfig's fonts that the port can draw and that has all of the characters; null for none.
+std::shared_ptr<const LoadedFont> systemFontFor(const std::vector<uint32_t>& characters,
+                                                const std::string& language, const FontFacts& like) {
+    // Fonts that fontconfig knows and the port cannot draw: read once, not for every cluster.
+    static std::set<std::string> refused;
+    for (const FontChoice& choice : systemFontsFor(characters, language, like)) {
+        if (refused.count(choice.name()) != 0) continue;
+        try {
+            auto font = loadFont("--font", choice);
+            if (hasAll(*font, characters)) return font;
+        } catch (const std::runtime_error&) {
+            refused.insert(choice.name());
+        }
+    }
+    return nullptr;
+}
+
+void addSystemFonts(SceneFonts& scene, const std::vector<Cluster>& clusters, const Languages& languages) {
+    size_t questions = 0;
+    for (const Cluster& cluster : clusters) {
+        if (cluster.characters.size() > kMaxAsked ||
+            u_iscntrl(static_cast<UChar32>(cluster.characters[0])) != 0)
+            continue;
+        const std::string language = languages.of(cluster);
+        std::vector<std::vector<uint32_t>> wanted = {cluster.characters};
+        // Where no font has a letter together with its marks, the letter alone is better than nothing.
+        if (cluster.characters.size() > 1) wanted.push_back({cluster.characters[0]});
+        for (const std::vector<uint32_t>& characters : wanted) {
+            if (std::any_of(scene.fonts.begin(), scene.fonts.end(),
+                            [&](const auto& font) { return hasAll(*font, characters); })) {
+                break;
+            }
+            if (scene.fonts.size() - scene.given >= kMaxSystemFonts || ++questions > kMaxQuestions) return;
+            if (auto font = systemFontFor(characters, language, scene.first().facts)) {
+                scene.fonts.push_back(std::move(font));
+                break;
+            }
+        }
+    }
+}
+
+}  // namespace
+
+SceneFonts takeFonts(const Scene& scene) {
+    host::setRendering(scene.rendering);
+    SceneFonts taken;
+    taken.fonts.push_back(
+        loadFont("--font", chooseFont("--font", scene.font, scene.fontScope), "--axes", scene.axes));
+    for (const std::string& name : scene.fallbacks) {
+        taken.fonts.push_back(loadFont("--fallback", chooseFont("--fallback", name, scene.fallbackScope)));
+    }
+    taken.given = taken.fonts.size();
+    setFallbacks(taken.fonts);
+
+    const std::u16string text = toUtf16(scene.text);
+    std::vector<Cluster> lacking = doubtfulClusters(text, taken.fonts);
+    const auto keepMissing = [&](std::set<uint32_t>* characters) {
+        const ClusterLayout layout(taken.first(), scene.style.features);
+        std::vector<Cluster> still;
+        for (Cluster& cluster : lacking) {
+            const std::vector<uint32_t> missing = layout.missingOf(cluster);
+            if (missing.empty()) continue;
+            for (const uint32_t c : missing) {
+                if (characters != nullptr && characters->insert(c).second) taken.missing.push_back(c);
+            }
+            still.push_back(std::move(cluster));
+        }
+        lacking = std::move(still);
+    };
+    if (lacking.empty()) return taken;
+    if (scene.systemFallback) {
+        keepMissing(nullptr);
+        addSystemFonts(taken, lacking, Languages(text));
+        if (taken.fonts.size() > taken.given) setFallbacks(taken.fonts);
+    }
+    std::set<uint32_t> characters;
+    keepMissing(&characters);
+    return taken;
+}
+
+std::string codePointName(uint32_t character) {
+    char name[16];
+    std::snprintf(name, sizeof name, "U+%04X", static_cast<unsigned>(character));
+    return name;
+}
+
+void warnAboutMissing(const SceneFonts& fonts, bool systemFallback) {
+    constexpr size_t kListed = 20;
+    if (fonts.missing.empty()) return;
+    std::string list;
+    for (size_t i = 0; i < std::min(fonts.missing.size(), kListed); ++i) {
+        list += (list.empty() ? "" : ", ") + codePointName(fonts.missing[i]);
+    }
+    if (fonts.missing.size() > kListed) {
+        list += " and " + std::to_string(fonts.missing.size() - kListed) + " more";
+    }
+    std::fprintf(stderr, "zvtext: warning: no font has %s; add one with --fallback%s\n", list.c_str(),
+                 systemFallback ? "" : ", or leave --no-fallback out");
+}
+
+}  // namespace Zvex::scene

@@ -1,0 +1,79 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef ZVEX_SCENE_STYLE_H_
+#define ZVEX_SCENE_STYLE_H_
+
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "scene/Effects.h"
+#include "scene/Fields.h"
+#include "scene/FolderScope.h"
+
+namespace Zvex::scene {
+
+// How a text looks, apart from its font, its words and where it stands: what a style file holds.
+struct Style {
+    double size = 96;  // pixels per em
+    uint32_t color = 0xFF000000;
+    std::optional<uint32_t> background;   // behind each line
+    double letterSpacing = 0;             // ems
+    std::string features;                 // OpenType features, "smcp, -liga"
+    double opacity = 1;                   // of the whole picture
+    std::vector<EffectSettings> effects;  // at most one of each kind, added in this order
+
+    // The text size that the effects of a kind, by its index, are drawn for; none: they are used as they are.
+    std::map<size_t, double> designedFor;
+};
+
+// What a style file says of itself.
+struct StyleNotes {
+    std::string schema;       // where an editor finds the JSON Schema; not followed
+    std::string description;  // a line for people
+    double designedFor = 0;   // the text size that its effects' pixels are meant for; 0: any
+};
+
+// All but the effects.
+Fields fieldsOf(Style& style);
+Fields fieldsOf(StyleNotes& notes);
+
+// A style file is a JSON object with the keys of fieldsOf(Style&), those of fieldsOf(StyleNotes&) and
+// "effects", an array of objects which hold "type", an effect's name, and the effect's keys:
+//
+//     {"size": 96, "color": "#ff8800", "effects": [{"type": "stroke", "width": 8, "color": "#202020"}]}
+//
+// Numbers and opacities are numbers, choices and colours strings as on the command line; stops are objects
+// {"color", "position", "opacity"} and highlight and shadow objects {"color", "opacity"}. Nothing has to be
+// there; what an effect leaves out has its start value. A pattern's file is relative to the style's folder
+// and lies there or below.
+// Comments, // and /* */, may stand wherever a space may. With "designed-for" the effects grow and shrink
+// with the text: what is 8 pixels for a text of 100 is 24 for one of 300.
+
+// Reads a style file into `style`, "-" being standard input: what the file sets is replaced, its effects are
+// added or replace those of their kind. Throws Failure with one line that starts with `option` and names the
+// file, the place in it ("effects[2].stops[0].position") and what is accepted there. The file itself lies in
+// `scope`; patterns are looked for where `reads` allows it as well, once they are drawn.
+StyleNotes readStyle(const std::string& option, const std::string& path, Style& style,
+                     const ReadOptions& reads = {}, const FolderScope& scope = {});
+
+// The same with one of the presets; throws UsageError, which lists them, where there is none of that name.
+StyleNotes readPreset(const std::string& option, const std::string& name, Style& style);
+
+// Once the size is known: brings the lengths of effects that are designed for another one to it, pixels in
+// whole ones, no further than an effect can be set. What was at least a pixel stays one.
+void fitEffects(Style& style);
+
+// The same from the text itself, which messages do not repeat; a pattern's file is relative to the working
+// folder and lies in `scope`. Throws UsageError.
+void readStyleText(const std::string& option, const std::string& text, Style& style,
+                   const FolderScope& scope = {});
+
+// The style as a file's content. Reading it gives the same style; the paths of patterns become absolute.
+// Throws Failure where a text is not UTF-8.
+std::string writeStyle(const Style& style);
+
+}  // namespace Zvex::scene
+
+#endif  // ZVEX_SCENE_STYLE_H_

@@ -1,0 +1,36 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef ZVEX_SCENE_TEXTINPUT_H_
+#define ZVEX_SCENE_TEXTINPUT_H_
+
+#include <cstddef>
+#include <string>
+
+#include "scene/FolderScope.h"
+
+namespace Zvex::scene {
+
+// Where the text comes from: `argument` unless it is empty and `file` is given. The argument "-", unless
+// `literal`, and the file "-" mean standard input. From a file or standard input one line ending at the very
+// end is dropped, and CR LF becomes LF. Throws UsageError for text on the command line and Failure for a
+// file, where the text is empty, not UTF-8, or holds a NUL, and where the file cannot be read, lies outside
+// `scope` or is larger than kMaxTextBytes.
+constexpr size_t kMaxTextBytes = size_t{4} << 20;
+std::string readText(const std::string& argument, const std::string& file, bool literal = false,
+                     const FolderScope& scope = {});
+
+// The whole of a file in `scope`, or of standard input for "-". Throws Failure, its message starting with
+// `option`. No more than a little above maxBytes is read, whatever the file is.
+std::string readFile(const std::string& option, const std::string& path, size_t maxBytes,
+                     const FolderScope& scope = {});
+
+// The text as a terminal may have it: '?' for control characters (but line ends), U+0080 to U+009F among
+// them, and for what is no UTF-8.
+std::string printable(const std::string& text);
+
+// Offset of the first byte that is no part of well-formed UTF-8 (Unicode 15, table 3-7); npos when all of it
+// is.
+size_t findInvalidUtf8(const std::string& text);
+
+}  // namespace Zvex::scene
+
+#endif  // ZVEX_SCENE_TEXTINPUT_H_

@@ -1,0 +1,57 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef ZVEX_SCENE_VALUES_H_
+#define ZVEX_SCENE_VALUES_H_
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace Zvex::scene {
+
+// Readers of the values that options take. Each takes the option's name for its message and throws UsageError
+// where the text is not exactly one value in range; nothing depends on the process's locale.
+
+// "#rgb", "#rrggbb" or "#aarrggbb", alpha first as on Android; gives 0xAARRGGBB.
+constexpr char kWantedColor[] = "a colour; write #rgb, #rrggbb or #aarrggbb";
+uint32_t parseColor(const std::string& option, const std::string& text);
+
+// The numbers that a setting takes.
+struct NumberRange {
+    double low = 0, high = 0;  // both infinite: any finite number
+    const char* unit = "";     // may follow the number: "px", "deg", "%"
+    bool exclusiveLow = false;
+    bool length = false;  // in the picture: --scale multiplies it
+
+    bool contains(double value) const;
+    std::string wanted() const;  // "a number from 0 to 100 (px)", for messages and help
+};
+
+// A decimal number in the range, with its unit or without.
+double parseNumber(const std::string& option, const std::string& text, const NumberRange& range);
+
+// A whole number in [low, high].
+int parseInteger(const std::string& option, const std::string& text, int64_t low, int64_t high);
+
+// A share of one: "0.6" or "60%".
+constexpr NumberRange kShare = {0, 1};
+constexpr char kWantedShare[] = "an opacity; write 0 to 1 or 0% to 100%";
+double parseOpacity(const std::string& option, const std::string& text);
+
+// Pixels on each side: "10" (all), "10,20" (left and right, top and bottom) or "1,2,3,4" (left, top, right,
+// bottom).
+struct Padding {
+    int left = 0, top = 0, right = 0, bottom = 0;
+};
+Padding parsePadding(const std::string& option, const std::string& text);
+
+// "#rrggbb", or "#aarrggbb" where the colour is not opaque.
+std::string formatColor(uint32_t color);
+
+// The shortest decimal that reads back as the same number: 12.5 as "12.5", 100 as "100".
+std::string formatNumber(double value);
+
+std::vector<std::string> split(const std::string& text, char separator);
+
+}  // namespace Zvex::scene
+
+#endif  // ZVEX_SCENE_VALUES_H_

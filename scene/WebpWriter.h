@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef ZVEX_SCENE_WEBPWRITER_H_
+#define ZVEX_SCENE_WEBPWRITER_H_
+
+#include <string>
+
+#include "scene/Picture.h"
+
+namespace Zvex::scene {
+
+constexpr int kMaxWebpSide = 16383;  // of the format
+
+// The picture as a lossless WebP file's content: every pixel comes back as it is, the colours of transparent
+// ones too. Sides are at most kMaxWebpSide. Throws std::bad_alloc.
+std::string encodeWebp(const Picture& picture);
+
+}  // namespace Zvex::scene
+
+#endif  // ZVEX_SCENE_WEBPWRITER_H_

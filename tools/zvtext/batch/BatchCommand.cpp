@@ -1,0 +1,617 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "tools/zvtext/batch/BatchCommand.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <sched.h>
+#include <sys/prctl.h>
+#include <sys/socket.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cerrno>
+#include <chrono>
+#include <cinttypes>
+#include <climits>
+#include <csignal>
+#include <cstdio>
+#include <cstring>
+#include <deque>
+#include <filesystem>
+#include <optional>
+#include <utility>
+#include <vector>
+
+#include "scene/Failure.h"
+#include "scene/TextInput.h"
+#include "scene/Values.h"
+#include "tools/zvtext/batch/BatchInput.h"
+#include "tools/zvtext/batch/BatchJournal.h"
+#include "tools/zvtext/batch/BatchLine.h"
+#include "tools/zvtext/batch/BatchNames.h"
+#include "tools/zvtext/batch/BatchWorker.h"
+#include "tools/zvtext/batch/Digest.h"
+#include "tools/zvtext/render/GivenValue.h"
+
+namespace zvtext {
+
+using namespace Zvex::scene;
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr int kMaxJobs = 256;
+constexpr int kLastWait = 2000;       // milliseconds for who reads the results, once a signal has come
+constexpr size_t kMaxWaiting = 1024;  // results kept behind a line that takes long
+constexpr size_t kMaxSaid = 65536;    // of a message without an end
+
+// --- Signals: the handler leaves the number and wakes the loop through a pipe
+
+volatile std::sig_atomic_t gSignal = 0;
+int gWakeEnd = -1;
+
+void onSignal(int number) {
+    const int error = errno;
+    gSignal = number;
+    const char byte = 0;
+    if (write(gWakeEnd, &byte, 1) < 0) errno = error;  // full: awake already
+    errno = error;
+}
+
+void catchSignal(int number) {
+    struct sigaction action = {};
+    if (sigaction(number, nullptr, &action) == 0 && action.sa_handler == SIG_IGN)
+        return;  // as nohup and & want
+    action = {};
+    action.sa_handler = onSignal;
+    action.sa_flags = SA_RESETHAND;  // the second one ends the process
+    sigaction(number, &action, nullptr);
+}
+
+// --- One line on a terminal's standard error that says how far the batch is
+
+class Progress {
+public:
+    explicit Progress(bool quiet) : shown(!quiet && isatty(STDERR_FILENO) == 1) {}
+
+    void update(uint64_t done, uint64_t errors, double share) {
+        const auto now = std::chrono::steady_clock::now();
+        if (!shown || (mDrawn && now - mLast < std::chrono::milliseconds(100))) return;
+        mLast = now;
+        std::fprintf(stderr, "\r%" PRIu64 " done, %" PRIu64 " %s", done, errors,
+                     errors == 1 ? "error" : "errors");
+        if (share >= 0) std::fprintf(stderr, ", %d %%", static_cast<int>(share * 100));
+        std::fputs("\x1b[K", stderr);
+        mDrawn = true;
+    }
+
+    // Before anything else is written to the terminal.
+    void clear() {
+        if (std::exchange(mDrawn, false)) std::fputs("\r\x1b[K", stderr);
+    }
+
+    const bool shown;
+
+private:
+    bool mDrawn = false;
+    std::chrono::steady_clock::time_point mLast;
+};
+
+// --- The loop
+
+int usableCores() {
+    cpu_set_t cores;
+    return sched_getaffinity(0, sizeof cores, &cores) == 0 ? std::max(CPU_COUNT(&cores), 1) : 1;
+}
+
+class Batch {
+public:
+    explicit Batch(const BatchArguments& arguments)
+        : mArguments(arguments),
+          mWorkers(static_cast<size_t>(workerCount(arguments))),
+          mSettings(settingsOf(arguments)),
+          mInput(arguments.input, kMaxLineBytes),
+          mNames(madeFolder(arguments.outputFolder), writeScope(arguments), arguments.resume),
+          mJournal(arguments.outputFolder, arguments.resume),
+          mProgress(arguments.quiet) {
+        mSettings.writes = writeScope(arguments);
+    }
+
+    ~Batch() {
+        for (Worker& worker : mWorkers) end(worker);
+        for (const int descriptor : mWake) {
+            if (descriptor >= 0) close(descriptor);
+        }
+    }
+    Batch(const Batch&) = delete;
+    Batch& operator=(const Batch&) = delete;
+
+    int run() {
+        if (pipe2(mWake, O_CLOEXEC | O_NONBLOCK) != 0) throw Failure("cannot make a pipe");
+        gWakeEnd = mWake[1];
+        std::signal(SIGPIPE, SIG_IGN);
+        std::signal(SIGXFSZ, SIG_IGN);  // as any disk that is full
+        std::signal(SIGCHLD, SIG_DFL);  // nobody else is to take the workers' last words
+        catchSignal(SIGINT);
+        catchSignal(SIGTERM);
+        catchSignal(SIGHUP);
+        for (;;) {
+            if (gSignal != 0 || mOutputClosed) mEnded = true;
+            bool moreThere = true;
+            while (moreThere && canTake()) moreThere = takeLine();
+            printResults();
+            if (mEnded && !anyBusy() && !mHeld) break;
+            if (!moreThere || !canTake()) wait(!mEnded && !moreThere);
+        }
+        mProgress.clear();
+        if (mOutputClosed && gSignal == 0) {
+            std::signal(SIGPIPE, SIG_DFL);
+            std::raise(SIGPIPE);
+        }
+        if (!mFailure.empty()) throw Failure(mFailure);
+        std::string full, journal;
+        if (mUnwritten > 0)
+            full = "the disk is full: " + std::to_string(mUnwritten) +
+                   (mUnwritten == 1 ? " line was" : " lines were") + " not written";
+        if (!mJournalWhole) journal = "the journal could not be written; --resume will render again";
+        if (!full.empty() || !journal.empty()) {
+            throw Failure("--output-dir: " + full + (full.empty() || journal.empty() ? "" : "; ") + journal);
+        }
+        if (gSignal != 0) return 128 + gSignal;
+        return mErrors == 0 ? 0 : 1;
+    }
+
+private:
+    struct Worker {
+        pid_t process = 0;  // 0: none
+        int socket = -1;
+        int errors = -1;   // where its standard error is read
+        std::string said;  // there, without the line's end yet
+        bool busy = false;
+        BatchJob job;      // without the JSON; the last one, if not busy
+        size_t place = 0;  // of its result
+    };
+
+    static int workerCount(const BatchArguments& arguments) {
+        const int jobs = parseInteger("--jobs", arguments.jobs, 0, kMaxJobs);
+        return jobs == 0 ? std::min(usableCores(), kMaxJobs) : jobs;
+    }
+
+    // Reads the defaults' values, so that what is wrong with them is said once and not for each line.
+    static BatchSettings settingsOf(const BatchArguments& arguments) {
+        BatchSettings settings;
+        settings.resumes = arguments.resume;
+        std::vector<std::string> own = {"."};
+        if (arguments.input != "-") own.push_back(fs::path(arguments.input).parent_path());
+        settings.reads = arguments.defaults.reads.scopeWith(own, "a line of a batch");
+        settings.digest = arguments.defaultsDigest;
+        settings.defaults = arguments.defaults;
+        settings.defaults.start = readStyleParts(arguments.defaults);
+        settings.defaults.style.clear();
+        RenderArguments trial = settings.defaults;
+        trial.text = "text";
+        trial.textFile.clear();
+        if (trial.font.empty()) trial.font = "font";
+        readScene(trial);
+        const BatchNames names(arguments.outputFolder,
+                               arguments.allowOutside ? FolderScope() : FolderScope({}, ""), false);
+        names.pathOf("--output", expandTemplate(arguments.output, 1));
+        if (!arguments.metrics.empty()) names.pathOf("--metrics", expandTemplate(arguments.metrics, 1));
+        return settings;
+    }
+
+    static const std::string& madeFolder(const std::string& folder) {
+        std::error_code error;
+        fs::create_directories(folder, error);
+        if (error) throw Failure("--output-dir: cannot make '" + folder + "': " + error.message());
+        return folder;
+    }
+
+    static FolderScope writeScope(const BatchArguments& arguments) {
+        if (arguments.allowOutside) return FolderScope();
+        return FolderScope({arguments.outputFolder},
+                           "a line of a batch may write; --allow-outside lets it leave");
+    }
+
+    // The lines under way are the last.
+    void stop(const std::string& why) {
+        mEnded = true;
+        mFailure = why;
+    }
+
+    bool anyAlive() const {
+        return std::any_of(mWorkers.begin(), mWorkers.end(),
+                           [](const Worker& worker) { return worker.process != 0; });
+    }
+
+    // Where no more can be started, one of those that live.
+    Worker* idleWorker() {
+        const bool starts = !mNoMore || !anyAlive();
+        for (Worker& worker : mWorkers) {
+            if (!worker.busy && (starts || worker.process != 0)) return &worker;
+        }
+        return nullptr;
+    }
+
+    bool canTake() {
+        return idleWorker() != nullptr && (mHeld || (!mEnded && mWaiting.size() < kMaxWaiting));
+    }
+
+    bool anyBusy() const {
+        return std::any_of(mWorkers.begin(), mWorkers.end(),
+                           [](const Worker& worker) { return worker.busy; });
+    }
+
+    // Gives the next line to an idle worker. False where there is no whole line yet, or none any more.
+    bool takeLine() {
+        if (mHeld) {
+            const size_t place = mHeldPlace;
+            give(*idleWorker(), *std::exchange(mHeld, std::nullopt), place);
+            return true;
+        }
+        BatchJob job;
+        const BatchInput::Next next = mInput.next(job.json);
+        if (next == BatchInput::Next::End) mEnded = true;
+        if (next == BatchInput::Next::End || next == BatchInput::Next::ReadMore) return false;
+        job.line = ++mLine;
+        if (next == BatchInput::Next::Line && job.json.find_first_not_of(" \t\r") == std::string::npos)
+            return true;
+        const size_t place = mPrinted + mWaiting.size();
+        mWaiting.emplace_back();
+        try {
+            if (next == BatchInput::Next::TooLong) {
+                throw UsageError("the line is longer than " + std::to_string(kMaxLineBytes) + " bytes");
+            }
+            nameFiles(job);
+        } catch (const std::bad_alloc&) {
+            finish(place, failedResult(job.line, job.path, "not enough memory"));
+            return true;
+        } catch (const std::exception& error) {
+            finish(place, failedResult(job.line, job.path, error.what()));
+            return true;
+        }
+        give(*idleWorker(), std::move(job), place);
+        return true;
+    }
+
+    void nameFiles(BatchJob& job) {
+        const LineNames names = readLineNames(job.json);
+        const std::string output = names.output.value_or(expandTemplate(mArguments.output, job.line));
+        const std::string metrics = names.metrics.value_or(expandTemplate(mArguments.metrics, job.line));
+        job.path = mNames.pathOf("--output", output);
+        if (names.metrics || !metrics.empty()) job.metrics = mNames.pathOf("--metrics", metrics);
+        if (job.metrics == job.path) {
+            throw UsageError("--metrics: '" + job.path + "' is where the picture goes");
+        }
+        mNames.claim("--output", job.path);
+        if (!job.metrics.empty()) mNames.claim("--metrics", job.metrics);
+    }
+
+    // A worker that has died since its last line makes way for a new one.
+    void give(Worker& worker, BatchJob job, size_t place) {
+        bool sent = worker.process != 0 && sendJob(worker.socket, job);
+        if (!sent) {
+            end(worker);
+            const std::string fault = start(worker);
+            if (!fault.empty() && anyAlive()) {
+                mNoMore = true;
+                mHeld = std::move(job);
+                mHeldPlace = place;
+                return;
+            }
+            if (!fault.empty()) {
+                stop("--jobs: cannot start a worker: " + fault);
+                return finish(place, failedResult(job.line, job.path, mFailure));
+            }
+            sent = sendJob(worker.socket, job);
+        }
+        worker.busy = true;
+        worker.place = place;
+        worker.job = std::move(job);
+        worker.job.json = std::string();
+        if (!sent) buryWorker(worker);
+    }
+
+    // Says why it could not, or nothing.
+    std::string start(Worker& worker) {
+        int ends[2] = {-1, -1}, errors[2] = {-1, -1};
+        const pid_t batch = getpid();
+        pid_t process = -1;
+        if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) == 0 && pipe2(errors, O_CLOEXEC) == 0) {
+            process = fork();
+        }
+        const int error = errno;
+        if (process == 0) {
+            dup2(errors[1], STDERR_FILENO);
+            for (const int unused : {ends[0], errors[0], errors[1]}) close(unused);
+            beWorker(ends[1], batch);
+        }
+        close(ends[1]);
+        close(errors[1]);
+        worker.socket = ends[0];
+        worker.errors = errors[0];
+        if (process < 0) {
+            end(worker);
+            return std::strerror(error);
+        }
+        fcntl(worker.errors, F_SETFL, O_NONBLOCK);
+        worker.process = process;
+        return "";
+    }
+
+    // In the new process. It ends with the batch, however that ends, and holds nothing of the input and the
+    // output. The signals of the terminal are the batch's to answer.
+    [[noreturn]] void beWorker(int socket, pid_t batch) {
+        try {
+            std::signal(SIGINT, SIG_IGN);
+            std::signal(SIGTERM, SIG_IGN);
+            std::signal(SIGHUP, SIG_IGN);
+            prctl(PR_SET_PDEATHSIG, SIGKILL);
+            if (getppid() != batch) _exit(0);
+            for (const Worker& other : mWorkers) {
+                if (other.socket >= 0) close(other.socket);
+                if (other.errors >= 0) close(other.errors);
+            }
+            if (mInput.descriptor() != STDIN_FILENO) close(mInput.descriptor());
+            const int nothing = open("/dev/null", O_RDWR);
+            dup2(nothing, STDIN_FILENO);
+            dup2(nothing, STDOUT_FILENO);
+            runBatchWorker(socket, mSettings, mJournal);
+        } catch (...) {  // no memory for a message; the batch sees the socket close
+        }
+        std::fflush(stderr);
+        _exit(0);
+    }
+
+    // Ends the worker, if there is one, and returns its wait status.
+    int end(Worker& worker) {
+        int status = 0;
+        if (worker.socket >= 0) close(std::exchange(worker.socket, -1));
+        // It may have more to say than the pipe holds.
+        while (worker.process != 0 && waitpid(worker.process, &status, WNOHANG) == 0) {
+            pollfd event = {worker.errors, POLLIN, 0};
+            poll(&event, 1, 10);
+            passOn(worker);
+        }
+        if (worker.process != 0) mNoMore = false;  // it leaves room for another
+        worker.process = 0;
+        passOn(worker, true);
+        if (worker.errors >= 0) close(std::exchange(worker.errors, -1));
+        return status;
+    }
+
+    // Prints what the worker has written to standard error: whole lines; at its end all there is. Messages of
+    // this program get the number of the line.
+    void passOn(Worker& worker, bool atEnd = false) {
+        static const std::string kName = "zvtext: ";
+        char block[4096];
+        ssize_t got;
+        for (int blocks = 0; blocks < 16 && (got = ::read(worker.errors, block, sizeof block)) > 0;
+             ++blocks) {
+            worker.said.append(block, static_cast<size_t>(got));
+        }
+        if (worker.said.size() > kMaxSaid || (atEnd && !worker.said.empty() && worker.said.back() != '\n')) {
+            worker.said += '\n';
+        }
+        std::string text;
+        size_t begin = 0;
+        for (size_t end; (end = worker.said.find('\n', begin)) != std::string::npos; begin = end + 1) {
+            const std::string message = worker.said.substr(begin, end + 1 - begin);
+            const bool own = message.compare(0, kName.size(), kName) == 0;
+            text +=
+                own ? kName + "line " + std::to_string(worker.job.line) + ": " + message.substr(kName.size())
+                    : message;
+        }
+        worker.said.erase(0, begin);
+        if (text.empty()) return;
+        mProgress.clear();
+        std::fputs(printable(text).c_str(), stderr);
+    }
+
+    // The worker is gone, with the line it had.
+    void buryWorker(Worker& worker) {
+        // If it should still be there, without its socket.
+        if (worker.process > 0) kill(worker.process, SIGKILL);
+        const int status = end(worker);
+        if (!worker.busy) return;
+        worker.busy = false;
+        const std::string how = WIFSIGNALED(status) ? std::string("killed: ") + strsignal(WTERMSIG(status))
+                                                    : "exit status " + std::to_string(WEXITSTATUS(status));
+        finish(worker.place,
+               failedResult(worker.job.line, worker.job.path, "the worker process died, " + how));
+    }
+
+    void answered(Worker& worker) {
+        BatchResult result;
+        if (!worker.busy || !receiveResult(worker.socket, result)) return buryWorker(worker);
+        worker.busy = false;
+        passOn(worker);
+        if (result.last) end(worker);
+        if (!result.record.job.empty() && !mJournal.append(result.record)) mJournalWhole = false;
+        finish(worker.place, std::move(result));
+    }
+
+    void finish(size_t place, BatchResult result) {
+        ++mDone;
+        mErrors += result.failed;
+        mUnwritten += result.diskFull;
+        mWaiting[place - mPrinted] = std::move(result.json);
+    }
+
+    // Those at the front that are done.
+    void printResults() {
+        std::string text;
+        while (!mWaiting.empty() && mWaiting.front()) {
+            text += *mWaiting.front() + "\n";
+            mWaiting.pop_front();
+            ++mPrinted;
+        }
+        if (!text.empty() && mOutputIsTerminal) mProgress.clear();
+        writeOut(text);
+        mProgress.update(mDone, mErrors, mInput.share());
+    }
+
+    void writeOut(const std::string& text) {
+        size_t written = 0;
+        while (written < text.size() && !mOutputClosed && !mOutputFailed) {
+            // A reader who has stopped reading does not keep the batch from ending.
+            const bool ending = gSignal != 0;
+            pollfd ready[] = {{STDOUT_FILENO, POLLOUT, 0}, {ending ? -1 : mWake[0], POLLIN, 0}};
+            const int count = poll(ready, 2, ending ? kLastWait : -1);
+            if (count == 0) mOutputClosed = true;
+            if (count == 0 || (count > 0 && ready[0].revents == 0)) continue;
+            // As much as a pipe that has room takes at once.
+            const size_t length = std::min<size_t>(text.size() - written, PIPE_BUF);
+            const ssize_t now = count < 0 ? -1 : write(STDOUT_FILENO, text.data() + written, length);
+            if (now >= 0) {
+                written += static_cast<size_t>(now);
+            } else if (errno == EPIPE) {
+                mOutputClosed = true;
+            } else if (errno != EINTR && errno != EAGAIN) {
+                mOutputFailed = true;
+                stop(std::string("cannot write to standard output: ") + std::strerror(errno));
+            }
+        }
+    }
+
+    void readInput() {
+        try {
+            mInput.read();
+        } catch (const Failure& failure) {
+            stop(failure.what());
+        }
+    }
+
+    // Until a worker answers, the input has more (asked for by `reads`), the reader of the results is gone,
+    // or a signal comes.
+    void wait(bool reads) {
+        std::vector<pollfd> events = {{mWake[0], POLLIN, 0},
+                                      {mOutputClosed ? -1 : STDOUT_FILENO, 0, 0},
+                                      {reads ? mInput.descriptor() : -1, POLLIN, 0}};
+        const size_t fixed = events.size();
+        std::vector<Worker*> polled;  // of those alone that live: poll takes no more entries than descriptors
+        for (Worker& worker : mWorkers) {
+            if (worker.socket < 0 && worker.errors < 0) continue;
+            polled.push_back(&worker);
+            events.push_back({worker.socket, POLLIN, 0});
+            events.push_back({worker.errors, POLLIN, 0});
+        }
+        const int count = poll(events.data(), events.size(), mProgress.shown ? 200 : -1);
+        if (count < 0 && errno != EINTR && errno != EAGAIN) {
+            throw Failure(std::string("cannot wait for the workers: ") + std::strerror(errno));
+        }
+        if (count <= 0) return;
+        char byte;
+        while (events[0].revents != 0 && ::read(mWake[0], &byte, 1) == 1) {
+        }
+        if ((events[1].revents & (POLLERR | POLLHUP)) != 0) mOutputClosed = true;
+        for (size_t i = 0; i < polled.size(); ++i) {
+            if (events[fixed + 2 * i + 1].revents != 0) passOn(*polled[i]);
+            if (events[fixed + 2 * i].revents != 0) answered(*polled[i]);
+        }
+        if (events[2].revents != 0) readInput();
+    }
+
+    const BatchArguments& mArguments;
+    std::vector<Worker> mWorkers;
+    BatchSettings mSettings;
+    BatchInput mInput;
+    BatchNames mNames;
+    BatchJournal mJournal;
+    Progress mProgress;
+    int mWake[2] = {-1, -1};
+    uint64_t mLine = 0, mDone = 0, mErrors = 0, mUnwritten = 0;
+    bool mNoMore = false;           // workers, for want of descriptors, processes or memory
+    std::optional<BatchJob> mHeld;  // a line for which no worker could be started, until another is idle
+    size_t mHeldPlace = 0;
+    std::deque<std::optional<std::string>> mWaiting;  // results in the order of the lines
+    size_t mPrinted = 0;                              // the place of the first of them
+    bool mEnded = false;                              // no more lines are taken
+    bool mOutputClosed = false, mOutputFailed = false, mJournalWhole = true;
+    const bool mOutputIsTerminal = isatty(STDOUT_FILENO) == 1;
+    std::string mFailure;  // what keeps the batch from going on
+};
+
+}  // namespace
+
+void addBatchOptions(CLI::App& command, BatchArguments& a) {
+    addRenderOptions(command, a.defaults);
+    // A line's own.
+    for (const char* name : {"text", "--output", "--print-style", "--print-key", "--metrics"}) {
+        command.remove_option(command.get_option(name));
+    }
+    command.get_option("--allow-read")
+        ->description(
+            "Let lines and style files name files in this folder and below it; give it again for more");
+    command.get_option("--allow-read-anywhere")
+        ->description("Let lines and style files name any file, pipes and devices too");
+    const std::vector<CLI::Option*> ofRender = command.get_options([](const CLI::Option*) { return true; });
+    command.add_option("file", a.input, "The lines, one JSON object each; - is standard input")
+        ->type_name("FILE")
+        ->capture_default_str();
+    command
+        .add_option("-o,--output", a.output,
+                    "Name of a picture whose line has no output; {index} is the line's number")
+        ->type_name("NAME")
+        ->capture_default_str();
+    command
+        .add_option("--metrics", a.metrics,
+                    "Name of the metrics in JSON of a picture whose line has none, with {index}; else none")
+        ->type_name("NAME")
+        ->check(givenValue());
+    command.add_option("--output-dir", a.outputFolder, "Where the pictures go; made when missing")
+        ->type_name("DIR")
+        ->capture_default_str();
+    command.add_flag("--allow-outside", a.allowOutside, "Let outputs be absolute or leave the output folder");
+    command.add_option("-j,--jobs", a.jobs, "Worker processes; 0 is one for each core")
+        ->type_name("N")
+        ->capture_default_str();
+    command.add_flag("--resume", a.resume,
+                     "Leave pictures that are there, whole and made from the same line, options and files");
+    command.add_flag("--quiet", a.quiet, "No progress on the terminal");
+    command.parse_complete_callback([&a, ofRender] {
+        Digest digest;
+        for (const CLI::Option* option : ofRender) {
+            // What may be read makes no other picture.
+            if (option->get_name().rfind("--allow-", 0) == 0) continue;
+            digest.add(option->get_name());
+            for (const std::string& value : option->results()) digest.add(value);
+        }
+        a.defaultsDigest = digest.hex();
+    });
+    command.footer(
+        "A line is a JSON object: \"text\", \"output\", and any option of render without its dashes. What it "
+        "leaves\n"
+        "out is as the options here say. \"style\" may be the style itself:\n"
+        "  {\"text\": \"Grüße\", \"size\": 120, \"stroke\": \"8:#202020\", \"output\": \"hello.png\"}\n"
+        "  {\"text\": \"世界\", \"fallback\": [\"NotoSansCJK-Regular.ttc\"], \"style\": {\"color\": "
+        "\"#ff8800\"}}\n"
+        "\"output\" and \"metrics\" are names in the output folder, each of one line alone. Files to be "
+        "read\n"
+        "lie below the working folder or that of the lines, fonts also among the system's; --allow-read\n"
+        "adds folders.\n"
+        "Each line gives one JSON object on standard output, in their order: line, path, width, height, "
+        "margins,\n"
+        "baseline and milliseconds, or line and error; metrics where there are some, skipped where --resume "
+        "left\n"
+        "them. Empty lines are passed over; a line has at most 16 MiB. Warnings on standard error name the "
+        "line.\n"
+        "--resume renders anew where the line, an option, the program's version, the style, the text's file, "
+        "a font\n"
+        "(given or the system's; by place, size and time), a pattern or a file of the line's is not what it "
+        "was.\n\n"
+        "Examples:\n"
+        "  zvtext batch titles.jsonl --font DejaVuSans-Bold.ttf --output-dir out --jobs 0 > results.jsonl\n"
+        "  zvtext batch titles.jsonl --font DejaVuSans-Bold.ttf --output-dir out --resume > results.jsonl\n"
+        "The exit status is 0, 1 where a line failed, 2 where the command line was wrong, or 128 and the "
+        "signal.");
+}
+
+int runBatch(const BatchArguments& arguments) {
+    return Batch(arguments).run();
+}
+
+}  // namespace zvtext
