@@ -1,6 +1,7 @@
 # SPDX-License-Identifier: Apache-2.0
 # Includes point one way: foundation <- raster <- effect <- text <- jni, and text <- scene <- tools. Nothing of the
-# library reaches below platform/, tools/ or tests/ by path; the scene knows the desktop port by its paths. The platform is named in angle brackets, and only where it may be called.
+# library reaches below platform/, tools/ or tests/ by path; the scene knows the desktop port by its paths. The
+# platform is named in angle brackets, and only where it may be called.
 cmake_minimum_required(VERSION 3.22)
 
 set(below_foundation foundation)
