@@ -24,6 +24,7 @@ import java.nio.file.Files;
 import java.nio.file.Path;
 import java.util.ArrayList;
 import java.util.List;
+import java.util.function.Function;
 import javax.imageio.ImageIO;
 import org.junit.jupiter.api.BeforeAll;
 import org.junit.jupiter.api.Test;
@@ -210,25 +211,38 @@ final class StaticLayoutTest {
     void picturesAreThoseOfTheCommandLine(@TempDir Path folder) throws Exception {
         String text = "Wrapped words, 日本語の文字 between them and averyveryverylongword\n\n"
                 + "أهلا  وسهلا ڸ\u2028end 10\u00A0km 𠮷 more.";
-        Object[][] scenes = {
-            // width, height, align, gravity, most lines, letter spacing
-            {260, 420, "left", "top", 0, 0f},
-            {260, 420, "right", "bottom", 0, 0f},
-            {177, 300, "center", "center", 3, 0f},
-            {333, 200, "right", "bottom", 2, .1f},
-            {80, 900, "left", "top", 0, 0f},
-        };
+        record Scene(int width, int height, String align, String gravity, int mostLines, float spacing, List<String> options,
+                Function<ZvText, ZvText> effects) {}
+        int[] colors = {0xFFFF0000, 0xFF00FF00, 0xFF0000FF};
+        // No two arguments of an effect are alike, so that none can stand in another's place.
+        List<Scene> scenes = List.of(
+                new Scene(260, 420, "left", "top", 0, 0, List.of("--stroke", "4:#202020:outside", "--outer-glow",
+                        "size=11,color=#1100aa,opacity=60%"),
+                        t -> t.stroke(4, 0xFF202020, Stroke.OUTSIDE).outerGlow(11, 0xFF1100AA, .6f)),
+                new Scene(260, 420, "right", "bottom", 0, 0, List.of("--stroke", "5:#ff8800:inside", "--outer-shadow",
+                        "angle=30,distance=9,size=6,color=#aa0011,opacity=70%"),
+                        t -> t.stroke(5, 0xFFFF8800, Stroke.INSIDE).outerShadow(30, 9, 6, 0xFFAA0011, .7f)),
+                new Scene(177, 300, "center", "center", 3, 0, List.of("--inner-shadow",
+                        "angle=60,distance=7,size=4,color=#00aa11,opacity=80%", "--background", "#40ff0000"),
+                        t -> t.innerShadow(60, 7, 4, 0xFF00AA11, .8f).background(0x40FF0000)),
+                new Scene(333, 200, "right", "bottom", 2, .1f, List.of("--linear-gradient",
+                        "angle=40,scale=1.2,opacity=90%,stops=#ff0000@0:#00ff00@30:#0000ff@100"),
+                        t -> t.linearGradient(40, 1.2f, colors, new float[] {0, .3f, 1}, .9f)),
+                new Scene(80, 900, "left", "top", 0, 0, List.of("--stroke", "6:#0000ff:center", "--linear-gradient",
+                        "angle=70,stops=#ff0000@0:#0000ff@100"),
+                        t -> t.stroke(6, 0xFF0000FF, Stroke.CENTER).linearGradient(70, 0xFFFF0000, 0xFF0000FF)));
         File png = folder.resolve("tool.png").toFile();
         // Not as an argument: a JVM in the C locale cannot spell it there.
         Path words = Files.writeString(folder.resolve("words.txt"), text);
-        for (Object[] scene : scenes) {
+        for (Scene scene : scenes) {
             List<String> command = new ArrayList<>(List.of(System.getProperty("zvex.zvtext"), "render", "--text-file",
                     words.toString(), "--font", FONT, "--fallback", FONTS.resolve(FALLBACK).toString(), "--size", "25", "--color", "#ff8800",
-                    "--stroke", "4:#202020:outside", "--padding", "9", "--width", "" + scene[0], "--height", "" + scene[1],
-                    "--align", "" + scene[2], "--gravity", "" + scene[3], "--letter-spacing", "" + scene[5],
+                    "--padding", "9", "--width", "" + scene.width, "--height", "" + scene.height, "--align", scene.align,
+                    "--gravity", scene.gravity, "--letter-spacing", "" + scene.spacing, "--features", "-kern",
                     "--output", png.getPath()));
-            if ((int) scene[4] > 0) {
-                command.addAll(List.of("--max-lines", "" + scene[4]));
+            command.addAll(scene.options);
+            if (scene.mostLines > 0) {
+                command.addAll(List.of("--max-lines", "" + scene.mostLines));
             }
             assertEquals(0, new ProcessBuilder(command).inheritIO().start().waitFor());
             BufferedImage expected = ImageIO.read(png);
@@ -238,19 +252,19 @@ final class StaticLayoutTest {
             view.setTypeface(Typeface.createFromFile(FONT));
             view.setTextSize(25);
             view.setTextColor(0xFFFF8800);
-            view.getPaint().setLetterSpacing((float) scene[5]);
+            view.getPaint().setLetterSpacing(scene.spacing);
+            view.getPaint().setFontFeatureSettings("-kern");
             view.setIncludeFontPadding(false);
             view.setPadding(9, 9, 9, 9);
-            view.setWidth((int) scene[0]);
-            view.setHeight((int) scene[1]);
-            view.setGravity(gravity((String) scene[2]) & Gravity.HORIZONTAL_GRAVITY_MASK
-                    | gravity((String) scene[3]) & Gravity.VERTICAL_GRAVITY_MASK);
-            if ((int) scene[4] > 0) {
-                view.setMaxLines((int) scene[4]);
+            view.setWidth(scene.width);
+            view.setHeight(scene.height);
+            view.setGravity(gravity(scene.align) & Gravity.HORIZONTAL_GRAVITY_MASK
+                    | gravity(scene.gravity) & Gravity.VERTICAL_GRAVITY_MASK);
+            if (scene.mostLines > 0) {
+                view.setMaxLines(scene.mostLines);
             }
-            try (ZvText drawn = new ZvText().font(FONT).paint(view.getPaint()).view(view).layout(view.getLayout())
-                    .stroke(4, 0xFF202020, Stroke.OUTSIDE)) {
-                int[] argb = drawn.render();
+            try (ZvText drawn = new ZvText().font(FONT).paint(view.getPaint()).view(view).layout(view.getLayout())) {
+                int[] argb = scene.effects.apply(drawn).render();
                 assertEquals(expected.getWidth(), drawn.width());
                 assertEquals(expected.getHeight(), drawn.height());
                 int[] wanted = expected.getRGB(0, 0, drawn.width(), drawn.height(), null, 0, drawn.width());

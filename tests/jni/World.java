@@ -4,10 +4,7 @@ import java.io.InputStream;
 import java.nio.charset.StandardCharsets;
 import java.nio.file.Files;
 import java.nio.file.Path;
-import java.util.Collection;
-import java.util.HashMap;
 import java.util.HashSet;
-import java.util.Map;
 import java.util.Set;
 
 /**
@@ -16,18 +13,11 @@ import java.util.Set;
  */
 final class World extends ClassLoader {
     private final Set<String> renamed = new HashSet<>();
-    private final Map<String, String> replaced = new HashMap<>();
     private final Set<String> absent = new HashSet<>();
 
-    /** Methods, fields or natives of those names are called something else, in the kit, the stand-ins and Lines. */
-    World rename(Collection<String> names) {
-        renamed.addAll(names);
-        return this;
-    }
-
-    /** The test's class stands where that class stood, under its name (with dots). */
-    World replace(String className, String byTestClass) {
-        replaced.put(className, byTestClass);
+    /** Methods, fields or natives of that name are called something else, in the kit, the stand-ins and Lines. */
+    World rename(String name) {
+        renamed.add(name);
         return this;
     }
 
@@ -71,8 +61,7 @@ final class World extends ClassLoader {
         if (absent.contains(name)) {
             throw new ClassNotFoundException(name);
         }
-        String source = replaced.getOrDefault(name, name);
-        try (InputStream stream = getResourceAsStream(source.replace('.', '/') + ".class")) {
+        try (InputStream stream = getResourceAsStream(name.replace('.', '/') + ".class")) {
             if (stream == null) {
                 throw new ClassNotFoundException(name);
             }
@@ -81,11 +70,6 @@ final class World extends ClassLoader {
                 for (String constant : renamed) {
                     bytes = replaceConstant(bytes, constant, "other" + constant);
                 }
-            }
-            if (!source.equals(name)) {
-                String path = name.replace('.', '/');
-                bytes = replaceConstant(bytes, source, path);
-                bytes = replaceConstant(bytes, "L" + source + ";", "L" + path + ";");
             }
             return defineClass(name, bytes, 0, bytes.length);
         } catch (IOException e) {
