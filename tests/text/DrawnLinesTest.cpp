@@ -180,19 +180,4 @@ TEST_F(KeptLines, ImagesBeyondTheSizeOfThePictureAreNotKept) {
     EXPECT_FALSE(drawsFromNothing(*scene));
 }
 
-// The list of the last line's image may be emptied at any time.
-TEST_F(KeptLines, TheGlyphListHoldsTheLastLine) {
-    const auto scene = makeScene();
-    ZvFontDrawing& drawing = *scene->object.GetFont();
-    for (int i = 0; i < 3; ++i) {
-        const Picture picture = scene->render();
-        ASSERT_EQ(drawing.glyphList->GetCount(), 1);
-        const auto* glyph = static_cast<const ZvGlyph*>(drawing.glyphList->Get(0));
-        EXPECT_EQ(glyph->width, scene->line(1).rect.right - scene->line(1).rect.left);
-        drawing.ClearGlyphList();
-        EXPECT_EQ(drawing.glyphList->GetCount(), 0);
-        EXPECT_TRUE(scene->render() == picture);
-    }
-}
-
 }  // namespace

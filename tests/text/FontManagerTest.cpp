@@ -309,31 +309,4 @@ TEST(FontManager, FontsInUseOutliveClearing) {
     EXPECT_TRUE(add(manager, kSans));
 }
 
-TEST(FontManager, WithoutAnImplementationEverythingReportsEight) {
-    FontManager manager;
-    delete manager.mImpl;
-    manager.mImpl = nullptr;
-    std::shared_ptr<minikin::MinikinFont> font;
-    std::vector<std::shared_ptr<minikin::FontFamily>> families;
-    int weight = 400;
-    ZvFontFamily family;
-    const std::function<bool()> calls[] = {
-        [&] { return manager.IsExisting("p", 0); },
-        [&] { return manager.AddMinikinFont("p", newBuffer("x"), 1, 0, true); },
-        [&] { return manager.BuildMinikinFamily(&family); },
-        [&] { return manager.LoadMinikinFontFamily(1); },
-        [&] { return manager.SetSystemFontFamilies(nullptr); },
-        [&] { return manager.IsSystemFontFamiliesAlreadySet(); },
-        [&] { return manager.GetMinikinFont(font, nullptr, 0); },
-        [&] { return manager.GetMinikinFontFamilies(families, nullptr, weight); },
-    };
-    for (const auto& call : calls) {
-        Error::SetError(0);
-        host::LogCapture log;
-        EXPECT_FALSE(call()) << &call - calls;
-        EXPECT_EQ(Error::GetError(), 8u) << &call - calls;
-        EXPECT_EQ(errorLines(log).size(), 1u) << &call - calls;
-    }
-}
-
 }  // namespace

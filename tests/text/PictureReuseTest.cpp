@@ -108,19 +108,4 @@ TEST(PictureReuse, APictureDoesNotDependOnTheOnesBefore) {
     }
 }
 
-// Neither a text nor a size that cannot be had leaves anything behind.
-TEST(PictureReuse, NothingIsLeftOfATextThatWent) {
-    const auto scene = makeScene(130, 70, 0x33, looks()[0]);
-    EXPECT_GT(scene->render().countVisible(), 300);
-    scene->setLines({TextScene::makeLine(-500, 30, 0, 5)});
-    EXPECT_EQ(scene->render().countVisible(), 0);
-    scene->object.SetText(L"");
-    EXPECT_EQ(scene->render().countVisible(), 0);
-    EXPECT_EQ(scene->object.RenderTextEffect(0, 70), nullptr);
-    EXPECT_EQ(scene->object.RenderTextEffect(INT32_MAX, INT32_MAX), nullptr);
-    scene->object.SetText(kReused);
-    scene->setLines({TextScene::makeLine(-3, 30, 0, 5)});
-    EXPECT_GT(scene->render().countVisible(), 200);
-}
-
 }  // namespace

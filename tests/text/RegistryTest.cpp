@@ -136,37 +136,6 @@ TEST(RegistryDeathTest, HandlesEndAtTheLargestInt) {
     EXPECT_EXIT(useThemUp(), ::testing::ExitedWithCode(7), "all handles are used up");
 }
 
-// Debug builds tell the life of an object; others say nothing.
-TEST(Registry, DebugLinesFollowTheBuild) {
-    host::LogCapture log;
-    auto* object = new ZvTextObject;
-    object->Construct();
-    const std::string handle = std::to_string(object->GetRuntimeHandle());
-    const std::string self = text_test::addressOf(object);
-    Registry::Bind(object);
-    Registry::Bind(object);
-    Registry::FindZvTextObject(1 << 30);
-    Registry::Release(object, true);
-    Registry::Release(object, true);
-
-    std::vector<std::string> wanted = {
-        "ZvTextObject: ZvTextObject(" + self + ")",
-        "ZvTextObject: Construct(" + self + " / " + handle + ")",
-        "ZvTextInstanceManager: Bind(" + self + ") - count: 1",
-        "ZvTextInstanceManager: Bind(" + self + ") - count: 2",
-        "ZvTextInstanceManager: FindZvTextObject() - Can't find the handle[1073741824]",
-        "ZvTextObject: Delete ZvTextObject by InstanceManager : " + self,
-        "ZvTextObject: ~ZvTextObject(" + self + " / " + handle + ")",
-    };
-    if (!ZvLog::IsAllLogEnable()) wanted.clear();
-    std::vector<std::string> written;
-    for (const auto& line : log.lines()) {
-        EXPECT_EQ(line.priority, 3);
-        if (line.tag != "ZvEffect") written.push_back(line.tag + ": " + line.text);
-    }
-    EXPECT_EQ(written, wanted);
-}
-
 // In a process of its own, because handles count up for the whole process.
 TEST(RegistryDeathTest, TheFirstHandleIsOne) {
     ::testing::FLAGS_gtest_death_test_style = "threadsafe";

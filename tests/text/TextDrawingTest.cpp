@@ -401,29 +401,6 @@ TEST(TextDrawing, ItalicStyleSlantsAFontThatIsNotItalicAndBoldChangesNothing) {
     EXPECT_TRUE(upright == scene.render());
 }
 
-TEST(TextDrawing, EmojiAndIdeographsComeFromTheSystemFamilies) {
-    FontManager& manager = *FontManager::GetInstance();
-    manager.ClearFontFamilies();
-    ZvFontFamily* families[] = {makeFamily("und-Zsye", {kEmoji}), makeFamily("", {kCjk})};
-    for (ZvFontFamily* family : families) {
-        ASSERT_TRUE(manager.BuildMinikinFamily(family));
-        family->loaded = 1;
-    }
-    ASSERT_TRUE(manager.SetSystemFontFamilies(makeFamilies({families[0], families[1]})));
-    TextScene scene(fonts::path(fonts::Role::kLatinSmall), L"A\u6F22\U0001F600", 30, 140, 50);
-    scene.setLines({TextScene::makeLine(0, 40, 0, 1), TextScene::makeLine(40, 40, 1, 2),
-                    TextScene::makeLine(90, 40, 2, 4)});
-    const Picture picture = scene.render();
-    manager.ClearFontFamilies();
-    for (const int begin : {0, 40, 90}) {
-        int ink = 0;
-        for (int y = 0; y < 50; ++y) {
-            for (int x = begin; x < begin + 40; ++x) ink += picture.at(x, y) != 0;
-        }
-        EXPECT_GT(ink, 60) << begin;
-    }
-}
-
 TEST(SafeConvert, CutsOffFractionsAndSaturates) {
     const float kInfinity = std::numeric_limits<float>::infinity();
     const std::pair<float, unsigned> unsignedCases[] = {{3.99f, 3},

