@@ -22,6 +22,7 @@ using namespace text_test;
 
 TEST(TextObject, WithoutConstructNothingIsDone) {
     ZvTextObject object;
+    android::Paint paint;
     const std::function<bool()> failures[] = {
         [&] { return object.GetRuntimeHandle() == -1; },
         [&] { return object.GetEffect() == nullptr && object.GetView() == nullptr; },
@@ -30,7 +31,8 @@ TEST(TextObject, WithoutConstructNothingIsDone) {
         [&] { return !object.SetFont("name", newBuffer("x"), 1); },
         [&] { return !object.SetLineInfo(nullptr) && object.GetLineInfo() == nullptr; },
         [&] { return !object.SetTextStyle(true, true) && !object.isBoldTextStyle(); },
-        [&] { return object.SetPaint(android::Paint()), object.SetBackgroundColor(1, true), true; },
+        [&] { return object.SetPaint(paint), true; },
+        [&] { return object.SetBackgroundColor(1, true), true; },
         [&] { return object.SetTextColor(1), object.GetTextColor() == 0xFF000000u; },
         [&] { return object.RenderTextEffect(10, 10) == nullptr; },
     };
