@@ -6,7 +6,6 @@
 #include <climits>
 #include <vector>
 
-#include "tests/FailingAllocations.h"
 #include "tests/effect/PropertyFields.h"
 #include "tests/effect/TestValues.h"
 
@@ -91,64 +90,28 @@ TEST(EffectArguments, StopCountsAreLimited) {
     }
 }
 
-TEST(EffectArguments, StopsThatCannotBeCopiedAreReported) {
-    const ZvGradient given[2] = {};
-    forEachFailingAllocation([&](bool fails) {
-        GradientStops stops;
-        EXPECT_EQ(stopArguments(2, given, 1.0f, &stops), !fails);
-        EXPECT_EQ(stops.count(), fails ? 0 : 2);
-    });
-}
-
-// Each record with arguments inside their ranges, outside, and no numbers at all.
-template <typename Shadow>
-void checkShadow() {
-    EXPECT_EQ(fieldsOf(shadowArguments<Shadow>(-30.5f, 120, 7.9f, 0x10FF8001, 0.5f)),
-              fields(330, 100, 7, 0x80804001, 0.5f));
-    EXPECT_EQ(fieldsOf(shadowArguments<Shadow>(NOT_A_NUMBER, NOT_A_NUMBER, -ENDLESS, ~0u, NOT_A_NUMBER)),
-              fields(0, 0, 0, 0, 0));
-}
-
-TEST(EffectArguments, Shadows) {
-    checkShadow<ZvOuterShadowProperty>();
-    checkShadow<ZvInnerShadowProperty>();
-}
-
-template <typename Glow>
-void checkGlow() {
+// The two records of a pair are made alike: arguments outside their ranges, and no numbers at all.
+TEST(EffectArguments, ShadowsGlowsAndGradients) {
+    const Fields shadow = fields(330, 100, 7, 0x80804001, 0.5f), noShadow = fields(0, 0, 0, 0, 0);
+    EXPECT_EQ(fieldsOf(shadowArguments<ZvOuterShadowProperty>(-30.5f, 120, 7.9f, 0x10FF8001, 0.5f)), shadow);
+    EXPECT_EQ(fieldsOf(shadowArguments<ZvInnerShadowProperty>(-30.5f, 120, 7.9f, 0x10FF8001, 0.5f)), shadow);
+    EXPECT_EQ(fieldsOf(shadowArguments<ZvInnerShadowProperty>(NOT_A_NUMBER, NOT_A_NUMBER, -ENDLESS, ~0u,
+                                                              NOT_A_NUMBER)),
+              noShadow);
     const ZvGradient given[] = {{1, 1.0f, 0.0f}, {2, 1.0f, 1.0f}};
     GradientStops stops;
     ASSERT_TRUE(stopArguments(2, given, 0.5f, &stops));
-    const Glow glow = glowArguments<Glow>(12.7f, 0x10FF8001, 0.5f, stops);
-    EXPECT_EQ(fieldsOf(glow), fields(12, 0x80FF8001, 0.5f, 2));  // not premultiplied
-    EXPECT_EQ(glow.stops, stops.data());
-    const Glow plain = glowArguments<Glow>(ENDLESS, 0x10FF8001, 9.0f, GradientStops());
-    EXPECT_EQ(fieldsOf(plain), fields(100, 0xFFFF8001, 1, 0));
-    EXPECT_EQ(plain.stops, nullptr);
-    EXPECT_EQ(fieldsOf(glowArguments<Glow>(NOT_A_NUMBER, 0x10FF8001, NOT_A_NUMBER, stops)),
-              fields(0, 0x00FF8001, 0, 2));
-}
-
-TEST(EffectArguments, Glows) {
-    checkGlow<ZvOuterGlowProperty>();
-    checkGlow<ZvInnerGlowProperty>();
-}
-
-template <typename Gradient>
-void checkGradient() {
-    const ZvGradient given[] = {{1, 1.0f, 0.0f}};
-    GradientStops stops;
-    ASSERT_TRUE(stopArguments(1, given, 1.0f, &stops));
-    const Gradient gradient = gradientArguments<Gradient>(-45.5f, 2.5f, 1.5f, stops);
-    EXPECT_EQ(fieldsOf(gradient), fields(315, 2, 1, 1, 0));
-    EXPECT_EQ(gradient.stops, stops.data());
-    EXPECT_EQ(fieldsOf(gradientArguments<Gradient>(NOT_A_NUMBER, NOT_A_NUMBER, NOT_A_NUMBER, stops)),
-              fields(0, 0, 0, 1, 0));
-}
-
-TEST(EffectArguments, Gradients) {
-    checkGradient<ZvLinearGradientProperty>();
-    checkGradient<ZvRadialGradientProperty>();
+    const auto outer = glowArguments<ZvOuterGlowProperty>(12.7f, 0x10FF8001, 0.5f, stops);
+    EXPECT_EQ(fieldsOf(outer), fields(12, 0x80FF8001, 0.5f, 2));  // not premultiplied
+    EXPECT_EQ(outer.stops, stops.data());
+    EXPECT_EQ(fieldsOf(glowArguments<ZvInnerGlowProperty>(ENDLESS, 0x10FF8001, 9.0f, GradientStops())),
+              fields(100, 0xFFFF8001, 1, 0));
+    const auto linear = gradientArguments<ZvLinearGradientProperty>(-45.5f, 2.5f, 1.5f, stops);
+    EXPECT_EQ(fieldsOf(linear), fields(315, 2, 1, 2, 0));
+    EXPECT_EQ(linear.stops, stops.data());
+    EXPECT_EQ(fieldsOf(gradientArguments<ZvRadialGradientProperty>(NOT_A_NUMBER, NOT_A_NUMBER, NOT_A_NUMBER,
+                                                                   stops)),
+              fields(0, 0, 0, 2, 0));
 }
 
 // The size is not limited; the colours' alphas are the layer's opacity times their own.

@@ -135,27 +135,4 @@ inline void expectUntouchedWithoutMemory(Zvex::ZvECore& filter) {
     });
 }
 
-// A layer keeps a copy of its settings, all of it or none: when memory is short the old settings stay.
-// `fieldsOf(record)` gives a record as comparable numbers.
-template <typename Filter, typename Property, typename FieldsOf>
-void expectSettingsCopied(Property& first, Property& second, FieldsOf fieldsOf) {
-    forEachFailingAllocation([&](bool fails) {
-        Filter filter;
-        filter.setProperty(&first);
-        const bool hadFirst = filter.property != nullptr;
-        filter.setProperty(&second);
-        filter.setProperty(nullptr);
-        const bool hasSecond = filter.property != nullptr && fieldsOf(*filter.property) == fieldsOf(second);
-        EXPECT_EQ(hadFirst && hasSecond, !fails);
-        if (hadFirst && !hasSecond) {
-            EXPECT_EQ(fieldsOf(*filter.property), fieldsOf(first));
-        }
-    });
-    Filter filter;
-    filter.setProperty(&second);
-    EXPECT_EQ(filter.getProperty(), filter.property);
-    filter.setProperty(filter.getProperty());  // its own record
-    EXPECT_EQ(fieldsOf(*filter.property), fieldsOf(second));
-}
-
 #endif  // ZVEX_TESTS_EFFECT_FILTERSCENE_H_

@@ -8,7 +8,6 @@
 #include "effect/filters/ZvInnerGlow.h"
 #include "effect/filters/ZvOuterGlow.h"
 #include "tests/effect/FilterScene.h"
-#include "tests/effect/PropertyFields.h"
 #include "tests/effect/TestValues.h"
 #include "tests/reference/GlowReference.h"
 
@@ -134,16 +133,7 @@ TYPED_TEST(Glow, EqualsThePlainForm) {
     }
 }
 
-TYPED_TEST(Glow, KeepsACopyOfItsSettingsAndStops) {
-    using Property = typename TestFixture::Property;
-    EXPECT_EQ(this->filter.getStyle(), this->INSIDE ? 4 : 3);
-    EXPECT_EQ(this->filter.getProperty(), nullptr);
-    EXPECT_EQ(this->filter.getOffset(), 0);
-    Stops one = ONE, four = FOUR;
-    Property first(1, 2, 0.5f, 1, one.data()), second(4.5f, COLOR, 0.25f, 4, four.data());
-    expectSettingsCopied<TypeParam>(first, second, fieldsWithStops<Property>);
-    this->filter.setProperty(&second);
-    EXPECT_NE(this->filter.property->stops, four.data());
+TYPED_TEST(Glow, MarginIsTheSizeRounded) {
     for (const auto& [size, margin] : {std::pair(4.5f, 5), {4.4f, 4}, {0.0f, 0}, {-0.7f, 0}, {100.0f, 100}}) {
         this->set(size, NONE);
         EXPECT_EQ(this->filter.getOffset(), margin) << size;
@@ -161,19 +151,6 @@ TYPED_TEST(Glow, WithoutStopsHasTheColorOfTheProperty) {
     this->set(3, FOUR);
     this->filter.property->count = 0;
     this->expectThePlainGlow(3, NONE, 2, 1);
-}
-
-TYPED_TEST(Glow, DrawsNothingWithoutItsPartsOrMemory) {
-    FilterScene scene(2), before(2);
-    EXPECT_EQ(scene.draw(this->filter), 0);
-    for (float size : {-1.0f, -1.5f, -2.0f, -30.0f, 5e4f, 2147483648.0f, ENDLESS, -ENDLESS, NOT_A_NUMBER}) {
-        this->set(size, FOUR);
-        scene.draw(this->filter);
-        EXPECT_TRUE(scene.sameAs(before)) << size;
-    }
-    this->set(3, FOUR);
-    expectNothingWithoutParts(this->filter);
-    expectUntouchedWithoutMemory(this->filter);
 }
 
 }  // namespace

@@ -2,9 +2,11 @@
 #ifndef ZVEX_TESTS_EFFECT_LAYERSETTINGS_H_
 #define ZVEX_TESTS_EFFECT_LAYERSETTINGS_H_
 
+#include <memory>
 #include <vector>
 
 #include "effect/ZvEffect.h"
+#include "effect/ZvProperty.h"
 #include "raster/ZvBitmap.h"
 
 // The digests go by this order.
@@ -35,6 +37,47 @@ struct LayerSettings {
     explicit LayerSettings(float size_) : size(size_), pattern(3, 2, 4) {
         for (size_t i = 0; i < pattern.byteCount(); ++i)
             pattern.pixels[i] = static_cast<uint8_t>(100 + 9 * i);
+    }
+
+    // A record of these numbers, which no adder has limited, for a layer of any type but the text.
+    std::unique_ptr<Zvex::ZvProperty> record(int type) {
+        using namespace Zvex;
+        const int count = static_cast<int>(stops.size());
+        ZvProperty* made = nullptr;
+        switch (type) {
+            case ZV_EFFECT_OUTER_SHADOW:
+                made = new ZvOuterShadowProperty(angle, distance, size, color, opacity);
+                break;
+            case ZV_EFFECT_INNER_SHADOW:
+                made = new ZvInnerShadowProperty(angle, distance, size, color, opacity);
+                break;
+            case ZV_EFFECT_OUTER_GLOW:
+                made = new ZvOuterGlowProperty(size, color, opacity, count, stops.data());
+                break;
+            case ZV_EFFECT_INNER_GLOW:
+                made = new ZvInnerGlowProperty(size, color, opacity, count, stops.data());
+                break;
+            case ZV_EFFECT_LINEAR_GRADIENT:
+                made = new ZvLinearGradientProperty(angle, scale, opacity, count, stops.data());
+                break;
+            case ZV_EFFECT_RADIAL_GRADIENT:
+                made = new ZvRadialGradientProperty(angle, scale, opacity, count, stops.data());
+                break;
+            case ZV_EFFECT_STROKE:
+                made = new ZvStrokeProperty(size, color, opacity, strokeKind, position);
+                break;
+            case ZV_EFFECT_PATTERN:
+                made = new ZvPatternProperty(&pattern, scale, opacity);
+                break;
+            case ZV_EFFECT_BEVEL:
+                made = new ZvBevelProperty(style, size, depth, direction, technique, soften, opacity, angle,
+                                           altitude, color, shadowOpacity, highlight, highlightOpacity);
+                break;
+            default:
+                made = new ZvEmbossProperty(style, size, depth, direction, technique, soften, opacity, angle,
+                                            altitude, color, shadowOpacity, highlight, highlightOpacity);
+        }
+        return std::unique_ptr<ZvProperty>(made);
     }
 
     // Its id, -1 where there was no memory.

@@ -41,15 +41,4 @@ inline Fields fieldsOf(const Zvex::ZvGradient& p) {
     return fields(p.color, p.opacity, p.position);
 }
 
-// With the numbers of every stop that it points at.
-template <typename Property>
-Fields fieldsWithStops(const Property& p) {
-    Fields all = fieldsOf(p);
-    for (int i = 0; p.stops != nullptr && i < p.count; ++i) {
-        const Fields stop = fieldsOf(p.stops[i]);
-        all.insert(all.end(), stop.begin(), stop.end());
-    }
-    return all;
-}
-
 #endif  // ZVEX_TESTS_EFFECT_PROPERTYFIELDS_H_

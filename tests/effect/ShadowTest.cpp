@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <climits>
-#include <cstring>
+#include <vector>
 
 #include "effect/ZvProperty.h"
 #include "effect/filters/ZvInnerShadow.h"
@@ -12,7 +12,6 @@
 #include "raster/ZvBitmap.h"
 #include "raster/ZvRect.h"
 #include "tests/effect/FilterScene.h"
-#include "tests/effect/PropertyFields.h"
 #include "tests/effect/TestValues.h"
 #include "tests/reference/ShadowReference.h"
 
@@ -120,106 +119,68 @@ TEST(OuterShadow, MarginsCoverEveryTouchedPixel) {
     }
 }
 
-TEST(OuterShadow, EqualsThePlainForm) {
-    const struct {
-        float angle, distance, size;
-        unsigned scenes;
-    } cases[] = {{0, 0, 0, 6},      {123, 6.5f, 0.4f, 6},    {30, 3, BELOW_HALF, 6}, {250, 4, 0.5f, 6},
-                 {10, 9, 1, 12},    {300, 2.2f, 2.4f, 12},   {45, 8, 5.5f, 12},      {-77, 30, 11, 12},
-                 {200, -12, 25, 6}, {90, 100, 100, 3},       {135, 40, 100, 3},      {0, 1, 121, 1},
-                 {0, 1, -4, 6},     {90, NOT_A_NUMBER, 3, 3}};
-    unsigned seed = 0;
-    for (const auto& c : cases) {
-        ZvOuterShadow filter;
-        setShadow(filter, c.angle, c.distance, c.size);
-        expectThePlainForm(filter, seed, c.scenes, [&](FilterScene& scene) {
-            const float distance = c.distance != c.distance ? 0 : c.distance;
-            reference::drawOuterShadow(&scene.target, scene.mask, scene.box,
-                                       {c.angle, distance, c.size, COLOR});
-        });
-        seed += c.scenes;
-    }
-    // Several bands of rows and strips of columns.
-    for (float size : {3.0f, 26.0f}) {
-        ZvOuterShadow filter;
-        setShadow(filter, 120, 9, size);
-        const reference::Shadow shadow = {120, 9, size, COLOR};
-        const auto plain = [&](FilterScene& scene) {
-            reference::drawOuterShadow(&scene.target, scene.mask, scene.box, shadow);
-        };
-        expectThePlainForm(filter, 0, 6, plain, 200, 170);
-    }
-}
-
-TEST(OuterShadow, KeepsACopyOfItsSettings) {
-    EXPECT_EQ(ZvOuterShadow().getStyle(), 1);
-    EXPECT_EQ(ZvOuterShadow().getProperty(), nullptr);
-    ZvOuterShadowProperty first(0, 5, 1, 1, 1), second(405.7f, 8, 3, 0x11223344, 0.25f);
-    expectSettingsCopied<ZvOuterShadow>(first, second, [](const ZvShadowProperty& p) { return fieldsOf(p); });
-    // The displacement goes with the settings.
-    forEachFailingAllocation([&](bool) {
-        ZvOuterShadow filter;
-        filter.setProperty(&first);
-        filter.setProperty(&second);
-        const float distance = filter.property == nullptr ? 0 : filter.property->distance;
-        EXPECT_EQ(filter.dx, distance == 8 ? -6 : distance == 5 ? -5 : 0);
-    });
-}
-
-TEST(OuterShadow, DrawsNothingWithoutItsPartsOrMemory) {
-    FilterScene scene(2);
-    const FilterScene before(2);
-    ZvOuterShadow filter;
-    EXPECT_EQ(scene.draw(filter), 0);  // no settings yet
-    // Beside the picture; working images of more pixels than an int counts.
-    const float settings[][3] = {{0, 3e9f, 3},    {90, ENDLESS, 3}, {180, 40, 2}, {270, 32, 4},
-                                 {0, 5, 20000},   {0, 5, 1e9f},     {0, 5, 3e9f}, {0, 5, ENDLESS},
-                                 {0, 3e9f, 1e4f}, {180, 3e9f, 0}};
-    for (const auto& s : settings) {
-        setShadow(filter, s[0], s[1], s[2]);
-        EXPECT_EQ(scene.draw(filter), 0);
-        ASSERT_TRUE(scene.sameAs(before)) << s[0] << " " << s[1] << " " << s[2];
-    }
-    setShadow(filter, 20, 3, 2);
-    expectNothingWithoutParts(filter);
-    expectUntouchedWithoutMemory(filter);
-    setShadow(filter, 45, ENDLESS, 2);
-    expectNothingWithoutParts(filter);
-}
-
 void setShadow(ZvInnerShadow& filter, float angle, float distance, float size) {
     ZvInnerShadowProperty property(angle, distance, size, COLOR, 1);
     filter.setProperty(&property);
 }
 
-TEST(InnerShadow, EqualsThePlainForm) {
-    const struct {
-        float angle, distance, size;
-        unsigned scenes;
-    } cases[] = {{0, 0, 0, 6},      {123, 6.5f, 0.4f, 6}, {30, 3, BELOW_HALF, 6}, {250, 4, 0.5f, 6},
-                 {10, 2, 3, 12},    {45, 9, 2.4f, 12},    {300, 12, 2.4f, 12},    {-77, 15, 5.5f, 12},
-                 {135, 11, 1, 12},  {225, 7, 9.5f, 12},   {200, -12, 25, 12},     {90, 100, 100, 3},
-                 {135, 40, 100, 3}, {270, 101, 121, 3},   {0, 1, -4, 6}};
+struct Case {
+    float angle, distance, size;
+    unsigned scenes;
+};
+
+// Then scenes of several bands of rows and strips of columns.
+template <typename Filter, typename Draw>
+void expectThePlainShadow(const std::vector<Case>& cases, Draw draw) {
     unsigned seed = 0;
-    for (const auto& c : cases) {
-        ZvInnerShadow filter;
+    const auto check = [&](const Case& c, int width, int height) {
+        Filter filter;
         setShadow(filter, c.angle, c.distance, c.size);
-        expectThePlainForm(filter, seed, c.scenes, [&](FilterScene& scene) {
-            reference::drawInnerShadow(&scene.target, scene.mask, scene.box,
-                                       {c.angle, c.distance, c.size, COLOR});
-        });
+        const reference::Shadow shadow{c.angle, c.distance != c.distance ? 0 : c.distance, c.size, COLOR};
+        expectThePlainForm(
+            filter, seed, c.scenes,
+            [&](FilterScene& scene) { draw(&scene.target, scene.mask, scene.box, shadow); }, width, height);
         seed += c.scenes;
-    }
-    // Several bands of rows and strips of columns.
-    for (float size : {3.0f, 26.0f}) {
-        ZvInnerShadow filter;
-        setShadow(filter, 120, 9, size);
-        const reference::Shadow shadow = {120, 9, size, COLOR};
-        const auto plain = [&](FilterScene& scene) {
-            reference::drawInnerShadow(&scene.target, scene.mask, scene.box, shadow);
-        };
-        expectThePlainForm(filter, 0, 6, plain, 200, 170);
-    }
+    };
+    for (const Case& c : cases) check(c, 30, 22);
+    for (float size : {3.0f, 26.0f}) check({120, 9, size, 6}, 200, 170);
+}
+
+TEST(OuterShadow, EqualsThePlainForm) {
+    expectThePlainShadow<ZvOuterShadow>({{0, 0, 0, 6},
+                                         {123, 6.5f, 0.4f, 6},
+                                         {30, 3, BELOW_HALF, 6},
+                                         {250, 4, 0.5f, 6},
+                                         {10, 9, 1, 12},
+                                         {300, 2.2f, 2.4f, 12},
+                                         {45, 8, 5.5f, 12},
+                                         {-77, 30, 11, 12},
+                                         {200, -12, 25, 6},
+                                         {90, 100, 100, 3},
+                                         {135, 40, 100, 3},
+                                         {0, 1, 121, 1},
+                                         {0, 1, -4, 6},
+                                         {90, NOT_A_NUMBER, 3, 3}},
+                                        reference::drawOuterShadow);
+}
+
+TEST(InnerShadow, EqualsThePlainForm) {
+    expectThePlainShadow<ZvInnerShadow>({{0, 0, 0, 6},
+                                         {123, 6.5f, 0.4f, 6},
+                                         {30, 3, BELOW_HALF, 6},
+                                         {250, 4, 0.5f, 6},
+                                         {10, 2, 3, 12},
+                                         {45, 9, 2.4f, 12},
+                                         {300, 12, 2.4f, 12},
+                                         {-77, 15, 5.5f, 12},
+                                         {135, 11, 1, 12},
+                                         {225, 7, 9.5f, 12},
+                                         {200, -12, 25, 12},
+                                         {90, 100, 100, 3},
+                                         {135, 40, 100, 3},
+                                         {270, 101, 121, 3},
+                                         {0, 1, -4, 6}},
+                                        reference::drawInnerShadow);
 }
 
 // A text of 30 x 22 moved to just within a radius of 2, just out of it and one pixel more: from there on the
@@ -236,35 +197,6 @@ TEST(InnerShadow, EqualsThePlainFormWhereTheTextLeavesTheRadius) {
         reference::drawInnerShadow(&expected.target, expected.mask, expected.box,
                                    {angle, distance, 2, COLOR});
         EXPECT_TRUE(actual.sameAs(expected)) << "angle " << angle << ", distance " << distance;
-    }
-}
-
-TEST(InnerShadow, KeepsACopyOfItsSettings) {
-    ZvInnerShadow bare;
-    EXPECT_EQ(bare.getStyle(), 2);
-    EXPECT_EQ(bare.getProperty(), nullptr);
-    ZvInnerShadowProperty first(0, 5, 1, 1, 1), second(405.7f, 8, 3, 0x11223344, 0.25f);
-    expectSettingsCopied<ZvInnerShadow>(first, second, [](const ZvShadowProperty& p) { return fieldsOf(p); });
-    second.angle = -30.2f;
-    bare.setProperty(&second);
-    EXPECT_EQ(bare.property->angle, -30);
-    EXPECT_EQ(bare.getOffset() + bare.getLeftOffset() + bare.getBottomOffset(), 0);
-}
-
-TEST(InnerShadow, DrawsNothingWithoutItsPartsOrMemory) {
-    FilterScene scene(2);
-    const FilterScene before(2);
-    ZvInnerShadow filter;
-    EXPECT_EQ(scene.draw(filter), 0);  // no settings yet
-    for (float size : {3e5f, 1e9f, 3e9f, ENDLESS}) {
-        setShadow(filter, 0, 5, size);
-        EXPECT_EQ(scene.draw(filter), 0);
-        ASSERT_TRUE(scene.sameAs(before)) << size;
-    }
-    for (float distance : {3.0f, 30.0f, 3e9f, -ENDLESS, NOT_A_NUMBER}) {
-        setShadow(filter, 20, distance, 2);
-        expectNothingWithoutParts(filter);
-        expectUntouchedWithoutMemory(filter);
     }
 }
 

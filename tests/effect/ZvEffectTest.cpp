@@ -13,7 +13,6 @@
 #include <string>
 #include <vector>
 
-#include "effect/Composite.h"
 #include "effect/ZvECoreBase.h"
 #include "effect/ZvText.h"
 #include "effect/filters/ZvStroke.h"
@@ -25,6 +24,7 @@
 #include "tests/effect/PropertyFields.h"
 #include "tests/effect/TestPictures.h"
 #include "tests/reference/BlenderReference.h"
+#include "tests/reference/CompositeReference.h"
 
 namespace Zvex {
 namespace {
@@ -108,23 +108,33 @@ TEST(EffectStack, ALaterAddReplacesTheSettingsInPlace) {
               fields(5, 0xFF000000, 1, 0, 2));
 }
 
-TEST(EffectStack, OnlyTypesWithAClassAreCreated) {
+TEST(EffectStack, TypesWithoutAClassAreRefusedAndTakeNoId) {
     ZvEffect stack;
     for (int type : {INT_MIN, -1, 0, 9, 13, 14, INT_MAX}) {
         EXPECT_EQ(stack.createEffect(-1, type), nullptr) << type;
         EXPECT_EQ(stack.addEffect(type, nullptr), -1) << type;
-        EXPECT_FALSE(stack.hasEffect(type)) << type;
     }
-    EXPECT_EQ(stack.nextEffectId, 0);  // a refusal takes no id
-    for (int type : {ZV_EFFECT_BEVEL, ZV_EFFECT_EMBOSS, ZV_EFFECT_INNER_GLOW, ZV_EFFECT_INNER_SHADOW,
-                     ZV_EFFECT_LINEAR_GRADIENT, ZV_EFFECT_OUTER_GLOW, ZV_EFFECT_OUTER_SHADOW,
-                     ZV_EFFECT_PATTERN, ZV_EFFECT_RADIAL_GRADIENT, ZV_EFFECT_STROKE, ZV_EFFECT_TEXT}) {
-        const std::unique_ptr<ZvECore> layer(stack.createEffect(-1, type));
-        ASSERT_NE(layer, nullptr);
-        EXPECT_EQ(layer->getStyle(), type);
-        EXPECT_EQ(layer->getOpacity(), 1.0f);
-    }
+    EXPECT_EQ(stack.nextEffectId, 0);
     EXPECT_TRUE(stack.effects.empty());
+}
+
+TEST(EffectStack, ACopyHasItsOwnLayersAndNoRendering) {
+    ZvEffect stack;
+    stack.addEffect(7, ZV_EFFECT_TEXT, nullptr);
+    stack.addText(0x80FF8001, 0.5f);
+    const auto* text = static_cast<ZvTextProperty*>(stack.getEffect(12)->getProperty());
+    EXPECT_EQ(fieldsOf(*text), fields(0x80804001, 0.5f));
+    stack.addStrokeText(3, 0xFF000000, 1, 9, 0);
+    stack.setTextOpacity(0.25f);
+    stack.textColor = 5;
+    stack.initEffect(8, 8);
+    ZvEffect copy(stack);
+    EXPECT_EQ(keyOf(copy), keyOf(stack));
+    EXPECT_NE(copy.effects[1]->getProperty(), stack.effects[1]->getProperty());
+    EXPECT_EQ(std::make_pair(copy.effects[0]->getId(), copy.nextEffectId), std::make_pair(7, 1));
+    EXPECT_EQ(copy.textOpacity, 0.25f);
+    EXPECT_EQ(std::make_pair(copy.textColor, int{copy.textAlpha}), std::make_pair(5u, 0x80));
+    EXPECT_TRUE(copy.textRectReset && copy.layers.empty() && copy.mask == nullptr && copy.back == nullptr);
 }
 
 TEST(EffectStack, IdsCountUpAndChosenOnesDoNotMoveTheCounter) {
@@ -183,51 +193,6 @@ TEST(EffectStack, TextOpacityIsClampedAndCountsAsAnEffect) {
     EXPECT_TRUE(stack.hasEffects());
 }
 
-TEST(EffectStack, AddTextKeepsTheAlphaApart) {
-    ZvEffect stack;
-    const auto settings = [&] {
-        return fieldsOf(*static_cast<ZvTextProperty*>(stack.getEffect(12)->getProperty()));
-    };
-    stack.addText(0x80FF8001);
-    EXPECT_EQ(stack.textAlpha, 0x80);
-    EXPECT_EQ(settings(), fields(0xFFFF8001, 1));
-    stack.addText(0x40FF8001, 0.5f);
-    EXPECT_EQ(stack.textAlpha, 0x40);
-    EXPECT_EQ(settings(), fields(0x80804001, 0.5f));
-}
-
-TEST(EffectStack, ACopyHasItsOwnLayersAndNoRendering) {
-    ZvEffect stack;
-    stack.addEffect(7, ZV_EFFECT_TEXT, nullptr);
-    stack.addText(0x80123456);
-    stack.addStrokeText(3, 0xFF000000, 1, 9, 0);
-    stack.setTextOpacity(0.25f);
-    stack.textColor = 5;
-    stack.initEffect(8, 8);
-    ZvBitmap picture(8, 8, 4), coverage(2, 2, 1);
-    stack.setDstBitmap(&picture);
-    ZvGlyph glyph = glyphOf(coverage);
-    stack.renderEffectLayer(1, 1, &glyph);
-
-    ZvEffect copy(stack);
-    EXPECT_EQ(keyOf(copy), keyOf(stack));
-    EXPECT_EQ(copy.effects[0]->getId(), 7);
-    EXPECT_EQ(copy.effects[1]->getId(), 0);
-    EXPECT_NE(copy.effects[1], stack.effects[1]);
-    EXPECT_NE(copy.effects[1]->getProperty(), stack.effects[1]->getProperty());
-    EXPECT_EQ(copy.textOpacity, 0.25f);
-    EXPECT_EQ(copy.textColor, 5u);
-    EXPECT_EQ(copy.textAlpha, 0x80);
-    EXPECT_EQ(copy.nextEffectId, 1);
-    EXPECT_TRUE(copy.textRectReset);
-    EXPECT_EQ(sidesOf(copy.textRect), (Sides{0, 0, 0, 0}));
-    EXPECT_EQ(copy.layerMode, 1);
-    for (ZvBitmap* none : {copy.mask, copy.dst, copy.back}) EXPECT_EQ(none, nullptr);
-    EXPECT_TRUE(copy.layers.empty());
-    copy.doEffectPostProcessing();
-    copy.compositeLayers(&picture);
-}
-
 // --- Keys
 
 TEST(EffectStack, KeyJoinsTheLayersInOrderOfCreation) {
@@ -278,108 +243,64 @@ TEST(EffectStack, MarginsAreTheWidestLayersSideBySide) {
 
 // --- Order and targets
 
-struct AllTypes {
-    ZvStrokeProperty stroke{1, 0, 1, 0, 1}, oldStroke{1, 0, 1, 0, 2};
-    ZvBevelProperty bevel{0, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1};
-
-    // Types 1 to 13 in that order, but for the emboss, which decides the layer mode.
-    void addTo(ZvEffect& stack) {
+// Types 1 to 13 in that order, each a recorder; the emboss, which decides the layer mode, only if wanted.
+// Which types draw in which order, into the back picture, and of them into the front one as well.
+TEST(EffectStack, OrderAndTargetsOfEveryType) {
+    using Types = std::vector<int>;
+    const struct {
+        int bevelStyle, stroke, oldStroke;  // the strokes' positions
+        float opacity;
+        bool emboss;
+        int layerMode;
+        Types order, inBack, inBoth;
+    } rows[] = {
+        // One picture: over the text the newest first, the text, under it the newest first.
+        {0, 1, 2, 1, false, 0, {11, 9, 8, 7, 4, 2, 12, 13, 10, 5, 3, 1}, {}, {}},
+        {1, 2, 1, 1, false, 0, {11, 10, 8, 7, 5, 4, 2, 12, 13, 9, 3, 1}, {}, {}},
+        {1, 7, 1, 1, false, 0, {11, 10, 8, 7, 5, 4, 2, 12, 13, 9, 3, 1}, {}, {}},  // drawn as an inside
+                                                                                   // stroke
+        {0, 1, 2, 0.99f, false, 1, {13, 11, 10, 9, 8, 7, 5, 4, 3, 2, 1, 12}, {1, 3, 13, 5, 10}, {}},
+        {1, 0, 1, 1, false, 1, {13, 11, 10, 9, 8, 7, 5, 4, 3, 2, 1, 12}, {1, 3, 13, 10, 9}, {10}},
+        {1, 2, 0, 1, false, 1, {13, 11, 10, 9, 8, 7, 5, 4, 3, 2, 1, 12}, {1, 3, 13, 9}, {9}},
+        {1, 2, 2, 1, true, 1, {13, 11, 10, 9, 8, 7, 6, 5, 4, 3, 2, 1, 12}, {1, 3, 13, 6}, {6}},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(&row - rows);
+        ZvStrokeProperty stroke(1, 0, 1, 0, row.stroke), oldStroke(1, 0, 1, 0, row.oldStroke);
+        ZvBevelProperty bevel(row.bevelStyle, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1);
+        ZvEffect stack;
         for (int type = 1; type <= 13; ++type) {
-            if (type == ZV_EFFECT_EMBOSS) continue;
-            addRecorder(stack, type,
-                        type == 5    ? static_cast<ZvProperty*>(&bevel)
-                        : type == 9  ? &oldStroke
-                        : type == 10 ? &stroke
-                                     : nullptr);
+            ZvProperty* const settings[] = {&bevel, &oldStroke, &stroke};
+            if (type != ZV_EFFECT_EMBOSS || row.emboss)
+                addRecorder(stack, type,
+                            type == 5    ? settings[0]
+                            : type == 9  ? settings[1]
+                            : type == 10 ? settings[2]
+                                         : nullptr);
         }
-    }
-};
-
-TEST(EffectStack, OneLayerOrder) {
-    AllTypes types;
-    ZvEffect stack;
-    types.addTo(stack);
-    stack.initEffect(4, 5);
-    EXPECT_EQ(stack.layerMode, 0);
-    EXPECT_EQ(stack.back, nullptr);
-    EXPECT_EQ(stack.mask->width, 4u);
-    EXPECT_EQ(stack.mask->height, 5u);
-    EXPECT_EQ(stack.mask->bytesPerPixel, 1u);
-    // Over the text the newest first, the text, under it the newest first.
-    EXPECT_THAT(typesOf(stack.layers), ElementsAre(11, 9, 8, 7, 4, 2, 12, 13, 10, 5, 3, 1));
-    types.bevel.style = 1;
-    types.stroke.position = 2;
-    types.oldStroke.position = 1;
-    stack.initEffect(4, 5);
-    EXPECT_THAT(typesOf(stack.layers), ElementsAre(11, 10, 8, 7, 5, 4, 2, 12, 13, 9, 3, 1));
-    types.stroke.position = 7;
-    stack.initEffect(4, 5);
-    EXPECT_EQ(stack.layerMode, 0);
-    EXPECT_EQ(stack.layers[1]->getStyle(), 10);  // drawn as an inside stroke
-}
-
-TEST(EffectStack, TwoLayerOrderAndTargets) {
-    AllTypes types;
-    ZvEffect stack;
-    types.addTo(stack);
-    ZvBitmap picture(4, 5, 4), coverage(2, 2, 1);
-    ZvGlyph glyph = glyphOf(coverage);
-    ZvBitmap* front = &picture;
-
-    // Which types draw into the back picture, and which of them into dst as well.
-    const auto check = [&](int layerMode, std::vector<int> inBack, std::vector<int> inBoth) {
+        stack.setTextOpacity(row.opacity);
+        ZvBitmap picture(4, 5, 4), coverage(2, 2, 1);
+        ZvGlyph glyph = glyphOf(coverage);
         stack.initEffect(4, 5);
-        EXPECT_EQ(stack.layerMode, layerMode);
-        EXPECT_EQ(stack.back != nullptr, layerMode == 1);
-        stack.setDstBitmap(front);
+        EXPECT_EQ(stack.layerMode, row.layerMode);
+        EXPECT_EQ(stack.back != nullptr, row.layerMode == 1);
+        EXPECT_EQ(typesOf(stack.layers), row.order);
+        stack.setDstBitmap(&picture);
         stack.renderEffectLayer(1, 1, &glyph);
         stack.doEffectPostProcessing();
-        for (ZvECore* layer : stack.layers) {
+        Types inBack, inBoth;
+        for (ZvECore* layer : stack.effects) {
             const auto& recorder = *static_cast<Recorder*>(layer);
             const auto& draw = recorder.draws.back();
-            const int type = layer->getStyle();
-            const auto isIn = [type](const std::vector<int>& list) {
-                return std::count(list.begin(), list.end(), type) != 0;
-            };
-            EXPECT_EQ(draw.target, isIn(inBack) ? stack.back : front) << "type " << type;
-            EXPECT_EQ(draw.otherLayer, isIn(inBoth) ? front : nullptr) << "type " << type;
+            EXPECT_EQ(draw.target, draw.target == &picture ? &picture : stack.back);
+            if (draw.target != &picture) inBack.push_back(layer->getStyle());
+            if (draw.otherLayer == &picture) inBoth.push_back(layer->getStyle());
             EXPECT_EQ(draw.mask, stack.mask);
-            EXPECT_EQ(draw.layerMode, layerMode);
+            EXPECT_EQ(draw.layerMode, row.layerMode);
             EXPECT_EQ(sidesOf(recorder.drawnBox), (Sides{1, 1, 3, 3}));
         }
-    };
-
-    stack.setTextOpacity(0.99f);
-    check(1, {1, 3, 13, 5, 10}, {});
-    EXPECT_EQ(stack.back->bytesPerPixel, 4u);
-    EXPECT_THAT(typesOf(stack.layers), ElementsAre(13, 11, 10, 9, 8, 7, 5, 4, 3, 2, 1, 12));
-    types.bevel.style = 1;
-    types.stroke.position = 0;
-    types.oldStroke.position = 1;
-    stack.clearTextOpacity();
-    check(1, {1, 3, 13, 10, 9}, {10});  // two layers for the centred stroke
-    types.stroke.position = 2;
-    types.oldStroke.position = 0;
-    check(1, {1, 3, 13, 9}, {9});
-    types.oldStroke.position = 2;
-    addRecorder(stack, ZV_EFFECT_EMBOSS);
-    check(1, {1, 3, 13, 6}, {6});
-    EXPECT_EQ(stack.layers.front()->getStyle(), 6);
-    stack.removeEffect(stack.getEffect(6)->getId());
-    check(0, {}, {});
-}
-
-TEST(EffectStack, UnderTheTextDependsOnTheLayerMode) {
-    ZvEffect stack;
-    ZvStrokeProperty centered(1, 0, 1, 0, 0);
-    Recorder emboss(6), stroke(10, &centered), bevel(5), unset(10);
-    for (int mode : {0, 1}) {
-        stack.layerMode = mode;
-        EXPECT_EQ(stack.isUnderEffect(&emboss), mode == 0);
-        EXPECT_EQ(stack.isUnderEffect(&stroke), mode == 0);
-        EXPECT_TRUE(stack.isUnderEffect(&bevel));
-        EXPECT_TRUE(stack.isUnderEffect(&unset));
-        EXPECT_FALSE(stack.isUnderEffect(nullptr));
+        EXPECT_THAT(inBack, testing::UnorderedElementsAreArray(row.inBack));
+        EXPECT_EQ(inBoth, row.inBoth);
     }
 }
 
@@ -530,18 +451,27 @@ TEST(EffectStack, TwoLayersAreCrossFadedByTheCoverage) {
     *stack.back = makeTarget(TargetKind::Partly, 5, 4, random);
     *stack.mask = makeMask(MaskKind::Noise, 5, 4, random);
     stack.textAlpha = 200;
-    ZvBitmap out = makeTarget(TargetKind::Partly, 5, 4, random);
-    ZvBitmap expected(out);
-    mergeBackLayer(&expected, stack.back, stack.mask);
-    finishPicture(&expected, 200);
+    ZvBitmap out = makeTarget(TargetKind::Partly, 5, 4, random), expected(out);
+    const auto finish = [&] {
+        for (int i = 0; i < 20; ++i) {
+            uint8_t* pixel = expected.pixels + 4 * i;
+            for (int c = 0; c < 3; ++c)
+                pixel[c] = static_cast<uint8_t>(reference::finishedColor(pixel[c], pixel[3], 200));
+            pixel[3] = static_cast<uint8_t>(reference::finishedAlpha(pixel[3], 200));
+        }
+    };
+    for (int i = 0; i < 80; ++i) {
+        const int merged =
+            reference::mergeByte(out.pixels[i], stack.back->pixels[i], stack.mask->pixels[i / 4]);
+        expected.pixels[i] = static_cast<uint8_t>(merged);
+    }
+    finish();
     stack.compositeLayers(&out);
     EXPECT_TRUE(samePixels(expected, out));
     EXPECT_EQ(stack.back, nullptr);
-    EXPECT_EQ(stack.layerMode, 0);
     stack.compositeLayers(nullptr);
-    EXPECT_TRUE(samePixels(expected, out));
     stack.compositeLayers(&out);  // without bitmaps, the text's alpha all the same
-    finishPicture(&expected, 200);
+    finish();
     EXPECT_TRUE(samePixels(expected, out));
 }
 
@@ -568,24 +498,6 @@ TEST(EffectStack, SizesThatMakeNoBitmapDrawNothing) {
         }
     }
     EXPECT_TRUE(samePixels(ZvBitmap(4, 4, 4), picture));
-}
-
-TEST(EffectStack, BitmapsAreReplacedAndReleased) {
-    ZvEffect stack;
-    stack.initEffect(2, 2);
-    delete stack.getSrcBitmap();
-    ZvBitmap* own = new ZvBitmap(3, 3, 1);
-    stack.setSrcBitmap(own);
-    EXPECT_EQ(stack.mask, own);
-    ZvBitmap picture(2, 2, 4);
-    stack.setDstBitmap(&picture);
-    stack.releaseBitmap();
-    EXPECT_EQ(stack.getSrcBitmap(), nullptr);
-    EXPECT_EQ(stack.getDstBitmap(), nullptr);
-    stack.setTextOpacity(0.5f);
-    stack.initEffect(2, 2);
-    stack.initEffect(4, 4);  // a rendering that was never finished
-    EXPECT_EQ(stack.back->width, 4u);
 }
 
 // --- Renderings as a picture that something gets in the way of
@@ -735,35 +647,6 @@ TEST(EffectStack, LayersOfOtherClassesDrawAsTheyLike) {
             EXPECT_TRUE(samePixels(scenes[0].picture, scenes[1].picture)) << type << " " << opacity;
             EXPECT_FALSE(samePixels(without.picture, scenes[1].picture)) << type << " " << opacity;
         }
-    }
-}
-
-// A whole rendering with one allocation failing, for each of them: nothing leaks and nothing crashes, and a
-// layer that could not be made is not in the stack.
-TEST(EffectStack, AnyAllocationMayFail) {
-    ZvBitmap coverage(6, 6, 1);
-    std::memset(coverage.pixels, 255, 36);
-    ZvBitmap picture(16, 16, 4);
-    for (float opacity : {1.0f, 0.5f}) {
-        forEachFailingAllocation([&](bool) {
-            ZvEffect stack;
-            stack.setTextOpacity(opacity);
-            ZvGradient stops[2] = {};
-            stack.addOuterGlowText(3, 0xFF000000, 1, 2, stops);
-            const int stroke = stack.addStrokeText(2, 0xFF000000, 1, 0, 0);
-            EXPECT_EQ(stroke != -1, stack.hasEffect(ZV_EFFECT_STROKE));
-            const int text = stack.addText(0xFFFFFFFF);
-            EXPECT_EQ(text != -1, stack.hasEffect(ZV_EFFECT_TEXT));
-            for (ZvECore* layer : stack.effects) EXPECT_NE(layer->getProperty(), nullptr);
-            ZvEffect copy(stack);
-            delete[] copy.getMapKey();
-            stack.initEffect(16, 16);
-            stack.setDstBitmap(&picture);
-            ZvGlyph glyph = glyphOf(coverage);
-            stack.renderEffectLayer(4, 4, &glyph);
-            stack.doEffectPostProcessing();
-            stack.compositeLayers(&picture);
-        });
     }
 }
 

@@ -44,18 +44,6 @@ std::string keyOf(ZvProperty& property, int announced = -1) {
 constexpr char COLOR_KEY[] = "01020a0b0c0d0e0f";  // one byte for each digit of the colour
 constexpr uint32_t KEYED = 0x12ABCDEF;
 
-TEST(LayerKey, Text) {
-    ZvTextProperty text(KEYED, 0.5f);
-    EXPECT_EQ(keyOf(text, 9), std::string("T") + COLOR_KEY);
-}
-
-TEST(LayerKey, Shadows) {
-    ZvOuterShadowProperty outer(-30.0f, 5.9f, 100.0f, KEYED, 0.5f);
-    EXPECT_EQ(keyOf(outer, 13), std::string("S") + "024a" + "05" + "64" + COLOR_KEY);
-    ZvInnerShadowProperty inner(-30.0f, 5.9f, 100.0f, KEYED, 0.5f);
-    EXPECT_EQ(keyOf(inner, 13), std::string("I") + "024a" + "05" + "64" + COLOR_KEY);
-}
-
 TEST(LayerKey, AnglesAreBroughtToACircle) {
     const struct {
         float angle;
@@ -85,14 +73,6 @@ TEST(LayerKey, GlowsWriteTheirStops) {
     EXPECT_EQ(keyOf(inner, 40), std::string("N") + "14" + COLOR_KEY + written);
     ZvOuterGlowProperty none(0, KEYED, 0.5f, 0, nullptr);
     EXPECT_EQ(keyOf(none, 10), std::string("G") + "00" + COLOR_KEY);
-}
-
-TEST(LayerKey, Gradients) {
-    ZvGradient stops[] = {{KEYED, 1.0f, 0.5f}};
-    ZvLinearGradientProperty linear(-405.7f, 3.5f, 0.5f, 1, stops);  // scale 2, 200 hundredths
-    EXPECT_EQ(keyOf(linear, 15), std::string("L") + "023b" + "0c08" + COLOR_KEY + "32");
-    ZvRadialGradientProperty radial(0, 0.29f, 0.5f, 1, stops);  // 28 again
-    EXPECT_EQ(keyOf(radial, 15), std::string("D") + "0000" + "010c" + COLOR_KEY + "32");
 }
 
 TEST(LayerKey, StopCountsNobodyMeantAreHarmless) {
