@@ -6,8 +6,8 @@
 #include <cstring>
 #include <string>
 
-#include "effect/ZvEffect.h"
 #include "raster/ZvBitmap.h"
+#include "tests/effect/LayerSettings.h"
 #include "tests/effect/TestPictures.h"
 
 // How the layers meet in a picture: whole renderings through the stack.
@@ -17,37 +17,37 @@ namespace {
 
 constexpr int WIDTH = 70, HEIGHT = 60, LEFT = 14, TOP = 12;
 
-using Add = void (*)(ZvEffect&);
+// What adds a layer of the type, or nothing.
+struct Added {
+    int type;
+    LayerSettings settings;
 
-// Effects that are seen on the glyphs only, whatever they draw beside them.
-const struct {
-    const char* name;
-    Add add;
-} INNER_EFFECTS[] = {
-    {"inner glow", [](ZvEffect& stack) { stack.addInnerGlowText(6, 0xFFC00000, 0.8f, 0, nullptr); }},
-    {"inner shadow", [](ZvEffect& stack) { stack.addInnerShadowText(30, 12, 3, 0xFFC00000, 0.8f); }},
-    {"inner bevel",
-     [](ZvEffect& stack) {
-         stack.addBevelText(1, 6, 2, 1, 0, 2, 1, 120, 30, 0xFF000000, 0.8f, 0xFFFFFFFF, 0.8f);
-     }},
-    {"linear gradient",
-     [](ZvEffect& stack) {
-         ZvGradient stops[] = {{0xFFC00000, 1, 0}, {0xFF0000C0, 0.5f, 1}};
-         stack.addLinearGradientText(30, 1, 0.8f, 2, stops);
-     }},
-    {"inside stroke", [](ZvEffect& stack) { stack.addStrokeText(2, 0xFFC00000, 0.8f, 0, 2); }},
+    Added(int type_, float size, int style) : type(type_), settings(size) {
+        settings.color = type == ZV_EFFECT_OUTER_SHADOW ? 0xFF2040A0 : 0xFFC00000;
+        settings.style = style;
+        settings.distance = 2 * size;
+        settings.angle = 30;
+        settings.opacity = 0.8f;
+        settings.position = ZV_STROKE_INSIDE;
+    }
+    void to(ZvEffect& stack) {
+        if (type != 0) settings.addTo(stack, type);
+    }
 };
 
-void addNothing(ZvEffect&) {}
-void addOuterShadow(ZvEffect& stack) {
-    stack.addOuterShadowText(45, 6, 4, 0xFF2040A0, 0.9f);
-}
+// Effects that are seen on the glyphs only, whatever they draw beside them.
+const Added INNER_EFFECTS[] = {{ZV_EFFECT_INNER_GLOW, 6, 0},
+                               {ZV_EFFECT_INNER_SHADOW, 3, 0},
+                               {ZV_EFFECT_BEVEL, 6, 1},
+                               {ZV_EFFECT_LINEAR_GRADIENT, 0, 0},
+                               {ZV_EFFECT_STROKE, 2, 0}};
+const Added NOTHING(0, 0, 0), OUTER_SHADOW(ZV_EFFECT_OUTER_SHADOW, 4, 0);
 
 // A text of the coverage with two effects, `textOpacity` below 1 for two pictures instead of one.
-ZvBitmap render(ZvBitmap& coverage, float textOpacity, Add first, Add second) {
+ZvBitmap render(ZvBitmap& coverage, float textOpacity, Added first, Added second) {
     ZvEffect stack;
-    first(stack);
-    second(stack);
+    first.to(stack);
+    second.to(stack);
     stack.addText(0xFF408040);
     stack.setTextOpacity(textOpacity);
     ZvBitmap picture(WIDTH, HEIGHT, 4);
@@ -85,19 +85,19 @@ Differences compare(const ZvBitmap& coverage, const ZvBitmap& first, const ZvBit
 TEST(EffectLayers, InnerEffectsAreSeenOnTheGlyphsOnly) {
     Random random(1);
     ZvBitmap coverage = makeMask(MaskKind::Shapes, 40, 34, random);
-    for (const auto& effect : INNER_EFFECTS) {
+    for (const Added& effect : INNER_EFFECTS) {
         for (float textOpacity : {1.0f, 0.5f}) {
-            for (Add below : {addNothing, addOuterShadow}) {
-                SCOPED_TRACE(std::string(effect.name) + ", text opacity " + std::to_string(textOpacity) +
-                             (below == addNothing ? "" : ", over a shadow"));
-                const ZvBitmap with = render(coverage, textOpacity, effect.add, below);
+            for (const Added& below : {NOTHING, OUTER_SHADOW}) {
+                SCOPED_TRACE("type " + std::to_string(effect.type) + ", text opacity " +
+                             std::to_string(textOpacity) + ", over type " + std::to_string(below.type));
+                const ZvBitmap with = render(coverage, textOpacity, effect, below);
                 const Differences count =
-                    compare(coverage, with, render(coverage, textOpacity, addNothing, below));
+                    compare(coverage, with, render(coverage, textOpacity, NOTHING, below));
                 EXPECT_EQ(count.beside, 0);
                 EXPECT_GT(count.on, 0);
-                EXPECT_EQ(count.seenBeside != 0, below == addOuterShadow);
+                EXPECT_EQ(count.seenBeside != 0, below.type != 0);
                 // Whichever was added first.
-                EXPECT_TRUE(samePixels(with, render(coverage, textOpacity, below, effect.add)));
+                EXPECT_TRUE(samePixels(with, render(coverage, textOpacity, below, effect)));
             }
         }
     }
@@ -108,17 +108,13 @@ TEST(EffectLayers, DrawOnTheFrontPictureWithoutABackOne) {
     Random random(2);
     ZvBitmap coverage = makeMask(MaskKind::Shapes, 40, 34, random);
     ZvGlyph glyph = glyphOf(coverage);
-    const Add onBoth[] = {
-        [](ZvEffect& stack) { stack.addStrokeText(5, 0xFFC00000, 0.8f, 0, 0); },
-        [](ZvEffect& stack) {
-            stack.addEmbossText(1, 9, 2, 1, 0, 2, 1, 120, 30, 0xFF000000, 0.8f, 0xFFFFFFFF, 0.8f);
-        },
-    };
-    for (const Add add : onBoth) {
+    Added onBoth[] = {{ZV_EFFECT_STROKE, 5, 0}, {ZV_EFFECT_EMBOSS, 9, 1}};
+    onBoth[0].settings.position = ZV_STROKE_CENTER;
+    for (Added& add : onBoth) {
         ZvBitmap pictures[] = {ZvBitmap(WIDTH, HEIGHT, 4), ZvBitmap(WIDTH, HEIGHT, 4)};
         for (ZvBitmap& picture : pictures) {
             ZvEffect stack;
-            add(stack);
+            add.to(stack);
             stack.initEffect(WIDTH, HEIGHT);
             if (&picture == &pictures[1]) {
                 std::free(stack.back->pixels);

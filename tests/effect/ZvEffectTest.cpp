@@ -35,7 +35,6 @@ using testing::ElementsAre;
 class Recorder : public ZvECoreBase {
 public:
     ZvProperty* settings;
-    std::vector<ParamInit> inits;
     std::vector<ParamRender> renders;
     std::vector<ParamPostProcessing> draws;
     ZvRect drawnBox;
@@ -48,10 +47,6 @@ public:
     }
     ~Recorder() override {
         if (deleted != nullptr) ++*deleted;
-    }
-    int initEffect(ParamInit* param) override {
-        inits.push_back(*param);
-        return 1;
     }
     int render(ParamRender* param) override {
         renders.push_back(*param);
@@ -305,28 +300,6 @@ TEST(EffectStack, OrderAndTargetsOfEveryType) {
 }
 
 // --- Rendering
-
-TEST(EffectStack, LayersAreToldOfEveryRunWithOrWithoutAGlyph) {
-    ZvEffect stack;
-    Recorder* layer = addRecorder(stack, 2);
-    stack.initEffect(9, 7);
-    ASSERT_EQ(layer->inits.size(), 1u);
-    const auto& init = layer->inits[0];
-    EXPECT_THAT((std::vector<int>{init.width, init.height, init.layerMode}), ElementsAre(9, 7, 0));
-    ZvBitmap picture(9, 7, 4), coverage(2, 2, 1);
-    ZvGlyph glyph = glyphOf(coverage);
-    EXPECT_EQ(stack.renderEffectLayer(3, -4, &glyph), 0);
-    stack.setDstBitmap(&picture);
-    EXPECT_EQ(stack.getDstBitmap(), &picture);
-    EXPECT_EQ(stack.renderEffectLayer(0, 0, nullptr), 0);
-    ASSERT_EQ(layer->renders.size(), 2u);
-    const auto &first = layer->renders[0], &second = layer->renders[1];
-    EXPECT_EQ(std::make_pair(first.x, first.y), std::make_pair(3, -4));
-    EXPECT_EQ(first.glyph, &glyph);
-    EXPECT_EQ(first.target, nullptr);
-    EXPECT_EQ(second.glyph, nullptr);
-    EXPECT_EQ(second.target, &picture);
-}
 
 TEST(EffectStack, GlyphsMergeIntoTheMaskAndItsBox) {
     ZvEffect stack;
@@ -679,36 +652,6 @@ TEST(EffectStack, TheTextsBlendIsInTheLogOnce) {
                                 }),
                   ZvLog::IsAllLogEnable() ? 1 : 0);
     }
-}
-
-TEST(EffectStack, SpeaksOnlyAtDebugLevel) {
-    host::LogCapture log;
-    {
-        ZvEffect stack;
-        ZvEffect silent(nullptr);
-        stack.addText(0x80FF8001);
-        stack.addText(0x80FF8001, 0.5f);
-        stack.initEffect(1, 1);
-        stack.doEffectPostProcessing();
-        stack.compositeLayers(nullptr);
-    }
-    if (!ZvLog::IsAllLogEnable()) {
-        EXPECT_TRUE(log.lines().empty());
-        return;
-    }
-    std::vector<std::string> texts;
-    for (const host::LogLine& line : log.lines()) {
-        EXPECT_EQ(line.priority, 3);
-        EXPECT_EQ(line.tag, "ZvEffect");
-        const size_t address = line.text.find("(0x");
-        ASSERT_NE(address, std::string::npos) << line.text;
-        texts.push_back(line.text.substr(0, address) + line.text.substr(line.text.find(')') + 1));
-    }
-    EXPECT_THAT(texts,
-                ElementsAre("ZvEffect", "AddText - (color:80ff8001)",
-                            "AddText - (color:-2130739199/opacity:0.500000)", "InitEffect",
-                            "DoEffectPostProcessing - start", "DoEffectPostProcessing - end",
-                            "CompositeLayers - start", "CompositeLayers - end", "~ZvEffect", "~ZvEffect"));
 }
 
 }  // namespace

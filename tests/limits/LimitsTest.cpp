@@ -25,7 +25,7 @@ namespace {
 
 constexpr float ENDLESS = std::numeric_limits<float>::infinity();
 constexpr float NOT_A_NUMBER = std::numeric_limits<float>::quiet_NaN();
-constexpr uint32_t RED = 0xFFFF0000, DARK = 0xFF202020, LIGHT = 0xFFFFF0C0;
+constexpr uint32_t DARK = 0xFF202020, LIGHT = 0xFFFFF0C0;
 
 // A line of that many of the text's characters from `start` on.
 ZvLineInfo lineAt(int x, int y, int start = 0, int count = 2) {
@@ -225,30 +225,23 @@ TEST(Limits, LargestEffectsOnAWidePicture) {
 TEST(Limits, RecordsOfAnySize) {
     for (const float size : {400.0f, 32768.0f, 65536.0f, 1e6f, 2147483520.0f, 2147483648.0f, FLT_MAX, ENDLESS,
                              NOT_A_NUMBER, -1.0f, -65536.0f, -ENDLESS}) {
-        ZvOuterShadowProperty outerShadow(135, 8, size, DARK, 1), farShadow(135, size, 8, DARK, 1);
-        ZvInnerShadowProperty innerShadow(135, 8, size, DARK, 1), farInside(135, size, 8, DARK, 1);
-        ZvOuterGlowProperty outerGlow(size, RED, 1, 0, nullptr);
-        ZvInnerGlowProperty innerGlow(size, RED, 1, 0, nullptr);
-        ZvStrokeProperty outside(size, DARK, 1, 0, ZV_STROKE_OUTSIDE),
-            inside(size, DARK, 1, 0, ZV_STROKE_INSIDE);
-        ZvBevelProperty soft(1, size, 2, 1, 0, 0, 1, 135, 30, DARK, 1, LIGHT, 1),
-            hard(0, size, 2, 1, 1, 0, 1, 135, 30, DARK, 1, LIGHT, 1);
-        ZvEmbossProperty emboss(3, size, 2, 1, 0, 0, 1, 135, 30, DARK, 1, LIGHT, 1);
-        ZvProperty* const records[] = {&outerShadow, &farShadow, &innerShadow, &farInside,
-                                       &outerGlow,   &innerGlow, &outside,     &inside,
-                                       &soft,        &hard,      &emboss};
-        const int types[] = {ZV_EFFECT_OUTER_SHADOW, ZV_EFFECT_OUTER_SHADOW, ZV_EFFECT_INNER_SHADOW,
-                             ZV_EFFECT_INNER_SHADOW, ZV_EFFECT_OUTER_GLOW,   ZV_EFFECT_INNER_GLOW,
-                             ZV_EFFECT_STROKE,       ZV_EFFECT_STROKE,       ZV_EFFECT_BEVEL,
-                             ZV_EFFECT_BEVEL,        ZV_EFFECT_EMBOSS};
-        for (size_t i = 0; i < std::size(records); ++i) {
-            SCOPED_TRACE("type " + std::to_string(types[i]) + ", size " + std::to_string(size));
+        for (int i = 0; i < 2 * static_cast<int>(std::size(SIZED_TYPES)); ++i) {
+            const int type = SIZED_TYPES[i / 2];
+            SCOPED_TRACE("type " + std::to_string(type) + ", size " + std::to_string(size));
+            LayerSettings settings(size);
+            const bool shadow = type == ZV_EFFECT_OUTER_SHADOW || type == ZV_EFFECT_INNER_SHADOW;
+            settings.distance = shadow && i % 2 == 1 ? size : 8;
+            if (shadow && i % 2 == 1) settings.size = 8;
+            settings.position = i % 2 == 0 ? ZV_STROKE_OUTSIDE : ZV_STROKE_INSIDE;
+            settings.technique = i % 2;
+            settings.style = type == ZV_EFFECT_EMBOSS ? 3 : 1 - i % 2;
+            const auto record = settings.record(type);
             TextScene scene(kBold, L"Ag", 30, 80, 50);
             scene.setLines({lineAt(5, 40)});
             const Picture plain = scene.render();
             ZvEffect& effects = scene.effect();
             const TimeLimit limit(5);
-            ASSERT_GE(effects.addEffect(types[i], records[i]), 0);
+            ASSERT_GE(effects.addEffect(type, record.get()), 0);
             scene.setLines({lineAt(5 - effects.getLeftOffset(), 40 - effects.getTopOffset())});
             EXPECT_NE(scene.object.RenderTextEffect(80, 50), nullptr);
             effects.cleanAllEffect();

@@ -5,9 +5,17 @@
 #include <cstdint>
 
 #include "raster/ZvBitmap.h"
+#include "raster/ZvRect.h"
 
 // The blender as its definition reads, one pixel and one channel at a time, without the library's kernels.
 namespace reference {
+
+// The mask at a pixel of the box; beyond the mask there is no coverage.
+inline int coverageIn(const Zvex::ZvBitmap& mask, const Zvex::ZvRect& box, int px, int py) {
+    const int x = box.left + px, y = box.top + py;
+    if (x < 0 || y < 0 || x >= static_cast<int>(mask.width) || y >= static_cast<int>(mask.height)) return 0;
+    return mask.pixels[static_cast<size_t>(y) * mask.width + static_cast<size_t>(x)];
+}
 
 // One pixel under one blend: the target's pixel, the coverage and the colour in, the new pixel out. Modes 1,
 // 2, 3, 7; any other mode gives the pixel back.

@@ -54,13 +54,6 @@ inline uint32_t premultiply(uint32_t color) {
     return result;
 }
 
-// The mask at a pixel of the box; beyond the mask there is no coverage.
-inline int coverageIn(const Zvex::ZvBitmap& mask, const Zvex::ZvRect& box, int px, int py) {
-    const int x = box.left + px, y = box.top + py;
-    if (x < 0 || y < 0 || x >= static_cast<int>(mask.width) || y >= static_cast<int>(mask.height)) return 0;
-    return mask.pixels[static_cast<size_t>(y) * mask.width + static_cast<size_t>(x)];
-}
-
 enum class FillKind { Linear, Radial };
 
 inline void drawGradient(FillKind kind, const Zvex::ZvBitmap& target, const Zvex::ZvBitmap& mask,

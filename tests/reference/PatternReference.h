@@ -38,11 +38,7 @@ inline void drawPattern(const Zvex::ZvBitmap* target, const Zvex::ZvBitmap& mask
     std::vector<uint32_t> words(static_cast<size_t>(width * height), 0);
     for (int row = 0; row < height; ++row) {
         for (int column = 0; column < width; ++column) {
-            const int maskX = box.left + column, maskY = box.top + row;
-            const bool inMask = maskX >= 0 && maskX < static_cast<int>(mask.width) && maskY >= 0 &&
-                                maskY < static_cast<int>(mask.height);
-            if (!inMask || mask.pixels[maskY * static_cast<int>(mask.width) + maskX] == 0) continue;
-
+            if (coverageIn(mask, box, column, row) == 0) continue;
             const PatternPlace x(column, scale, patternWidth), y(row, scale, patternHeight);
             const auto byte = [&](int px, int py, int k) {
                 return int{pattern.pixels[(py * patternWidth + px) * 4 + k]};

@@ -33,12 +33,10 @@ struct Shadow {
 // coverage.
 inline void putCoverage(std::vector<uint8_t>& plane, int width, int x, int y, const Zvex::ZvBitmap& mask,
                         const Zvex::ZvRect& box) {
-    for (int row = std::max(box.top, 0); row < std::min(box.bottom, static_cast<int>(mask.height)); ++row) {
-        for (int column = std::max(box.left, 0); column < std::min(box.right, static_cast<int>(mask.width));
-             ++column) {
-            plane[static_cast<size_t>((row - box.top + y) * width + column - box.left + x)] =
-                mask.pixels[row * static_cast<int>(mask.width) + column];
-        }
+    for (int row = 0; row < box.bottom - box.top; ++row) {
+        for (int column = 0; column < box.right - box.left; ++column)
+            plane[static_cast<size_t>((row + y) * width + column + x)] =
+                static_cast<uint8_t>(coverageIn(mask, box, column, row));
     }
 }
 

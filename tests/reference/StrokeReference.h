@@ -75,13 +75,10 @@ inline Plane complement(Plane plane) {
 // The box of the mask with a border of one transparent pixel; beyond the mask there is no coverage.
 inline Plane strokeSource(const Zvex::ZvBitmap& mask, const Zvex::ZvRect& box) {
     Plane plane{box.right - box.left + 2, box.bottom - box.top + 2, {}};
-    for (int y = box.top - 1; y <= box.bottom; ++y) {
-        for (int x = box.left - 1; x <= box.right; ++x) {
-            const bool inBox = x >= box.left && x < box.right && y >= box.top && y < box.bottom;
-            const bool inMask =
-                x >= 0 && x < static_cast<int>(mask.width) && y >= 0 && y < static_cast<int>(mask.height);
-            plane.values.push_back(inBox && inMask ? mask.pixels[static_cast<size_t>(y) * mask.width + x]
-                                                   : 0);
+    for (int y = -1; y < plane.height - 1; ++y) {
+        for (int x = -1; x < plane.width - 1; ++x) {
+            const bool inBox = x >= 0 && x < plane.width - 2 && y >= 0 && y < plane.height - 2;
+            plane.values.push_back(inBox ? coverageIn(mask, box, x, y) : 0);
         }
     }
     return plane;
