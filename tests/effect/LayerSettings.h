@@ -30,7 +30,8 @@ struct LayerSettings {
     uint32_t color = 0xFF202020, highlight = 0xFFFFF0C0;
     int style = 1, direction = 1, technique = 0, soften = 0, strokeKind = 0,
         position = Zvex::ZV_STROKE_OUTSIDE;
-    std::vector<Zvex::ZvGradient> stops = {{0xFFFF0000, 1, 0}, {0xFF0000FF, 0.5f, 1}};
+    static constexpr Zvex::ZvGradient STOPS[] = {{0xFFFF0000, 1, 0}, {0xFF0000FF, 0.5f, 1}};
+    std::vector<Zvex::ZvGradient> stops{STOPS, STOPS + 2};
     Zvex::ZvBitmap pattern;
 
     LayerSettings() = default;

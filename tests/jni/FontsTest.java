@@ -13,7 +13,6 @@ import java.nio.file.Files;
 import java.nio.file.Path;
 import java.util.Arrays;
 import java.util.List;
-import java.util.stream.IntStream;
 import org.junit.jupiter.api.Test;
 import org.junit.jupiter.api.io.TempDir;
 
@@ -179,19 +178,6 @@ final class FontsTest {
         }
     }
 
-    /** Every local reference must go at once: a native has room for a few. */
-    static final class Large {
-        static void run() {
-            FontConfig.Font[] fonts = IntStream.range(0, 10)
-                    .mapToObj(i -> font(i == 9 ? "DejaVuSans.ttf" : "Missing" + i, false, null))
-                    .toArray(FontConfig.Font[]::new);
-            FontConfig.Family[] families = IntStream.range(0, 500)
-                    .mapToObj(i -> new FontConfig.Family(null, fonts, new String[] {null, "", "x-family" + i}, 0))
-                    .toArray(FontConfig.Family[]::new);
-            assertEquals(true, setConfig(families));
-        }
-    }
-
     @Test
     void familiesAreLoadedByLocale() {
         new World().run(ByLocale.class);
@@ -202,8 +188,4 @@ final class FontsTest {
         new World().run(Selection.class);
     }
 
-    @Test
-    void fiveHundredFamiliesOfTenFonts() {
-        new World().run(Large.class);
-    }
 }

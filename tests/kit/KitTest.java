@@ -221,18 +221,6 @@ final class KitTest {
         }
     }
 
-    @Test
-    void aFontComesFromAFileFromBytesAndFromAnAsset() throws Exception {
-        TextView view = viewOf("Same font");
-        int[] fromFile = picture(textOf(view));
-        byte[] bytes = Files.readAllBytes(Path.of(FONT));
-        assertArrayEquals(fromFile, picture(textOf(view).font("bytes-Bold", bytes)));
-        AssetManager assets = new AssetManager(Path.of(FONT).toRealPath().getParent()); // a link out is not found
-        assertArrayEquals(fromFile, picture(textOf(view).font(assets, "DejaVuSans-Bold.ttf")));
-        FontManager.insert("inserted-Bold", bytes);
-        assertArrayEquals(fromFile, picture(textOf(view).font("inserted-Bold")));
-    }
-
     // Held by this thread as a render holds it: what changes nothing goes on beside it, what may change the fonts waits.
     @Test
     void onlyCallsThatMayChangeTheFontsWaitForRenders() throws Exception {

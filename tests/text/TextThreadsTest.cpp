@@ -71,6 +71,12 @@ public:
 };
 std::atomic<int> Counted::made{0}, Counted::deleted{0};
 
+ZvFontFamily* loadFamily(const char* path) {
+    ZvFontFamily* family = makeFamily("", {path});
+    family->loaded = FontManager::GetInstance()->BuildMinikinFamily(family) ? 1 : 0;
+    return family;
+}
+
 TEST(TextThreads, MixedEffectsGiveThePicturesOfOneThread) {
     std::vector<Job> jobs;
     for (unsigned number = 0; number < kThreads; ++number) jobs.emplace_back(number);
