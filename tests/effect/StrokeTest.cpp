@@ -246,32 +246,6 @@ TEST(Dilation, HoldsForAnyKernel) {
     }
 }
 
-// A row of full cells anywhere beside the centre, and a pixel anywhere around the edge of a block: the first
-// or the last window alone is not enough for all of these.
-TEST(Dilation, HoldsForRunsBesideTheCentre) {
-    constexpr int SIZE = 15, COLUMNS = 64;
-    for (unsigned seed = 0; seed < SIZE * SIZE; ++seed) {
-        const unsigned begin = seed / SIZE, end = seed % SIZE;
-        uint8_t kernel[SIZE * SIZE] = {}, source[COLUMNS];
-        for (unsigned i = begin; i <= end; ++i) kernel[3 * SIZE + i] = 255;
-        DilationParam p;
-        p.kernel = kernel;
-        p.kernelSize = SIZE;
-        p.source = source;
-        p.columns = p.sourceStride = p.targetWidth = COLUMNS;
-        p.targetHeight = 12;
-        p.rowEnd = 1;
-        p.originY = 6;
-        for (int column = 26; column < 38; ++column) {
-            std::fill_n(source, COLUMNS, uint8_t{0});
-            source[column] = 200;
-            Random random(seed);
-            expectTheDefinition(p, random, seed);
-        }
-        if (HasFatalFailure()) return;
-    }
-}
-
 // Kernels at which the patches of ink grow, and beyond the largest ones: single pixels far from one another
 // are seen as far as the disc reaches.
 TEST(Dilation, SeesInkAtTheEndOfItsReach) {

@@ -40,26 +40,49 @@ std::string numberOfFiles() {
     return std::to_string(std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {}));
 }
 
-const wchar_t* const WORDS[] = {
-    L"Hamburgefonst", L"Gr\u00FC\u00DFe, ", L"\u4E16\u754C",      L"\u0645\u0631\u062D\u0628\u0627",
-    L"\U0001F600 ",   L"\u0e01\u0e33 ",     L"fi\u0301n\u0300al", L" "};
+const wchar_t* const TEXTS[] = {L"Hamburgefonst", L"Gr\u00FC\u00DFe, \u4E16\u754C", L"",
+                                L"\u0645\u0631\u062D\u0628\u0627 \U0001F600",
+                                L"\u0e01\u0e33 fi\u0301n\u0300al"};
 
-std::wstring randomText(Random& random) {
-    std::wstring text;
-    for (int words = random.between(0, 5); words > 0; --words) text += WORDS[random.below(std::size(WORDS))];
-    return text;
+// What is asked for cannot be had; the object stays as it is.
+void fail(TextScene& scene) {
+    EXPECT_FALSE(scene.object.SetFont("/nowhere/missing.ttf"));
+    EXPECT_FALSE(scene.object.SetFont("no font.ttf", newBuffer(std::string(500, 'x')), 500));
+    EXPECT_EQ(scene.object.RenderTextEffect(2147483647, 2147483647), nullptr);
+    EXPECT_FALSE(scene.object.Construct());
+    EXPECT_FALSE(scene.object.SetLineInfo(nullptr));
+    EXPECT_LT(scene.effect().addEffect(99, nullptr), 0);
 }
 
+// Objects that are kept for a while, each changed before it is drawn again.
 class Texts {
 public:
     explicit Texts(unsigned seed) : mRandom(seed), mKept(8) {}
 
     void renderOne() {
+        static const char* const FONTS[] = {kSans, kBold, kCjk, kEmoji};
         std::unique_ptr<TextScene>& scene = mKept[static_cast<size_t>(mRandom.below(8))];
-        if (scene == nullptr || mRandom.below(4) == 0) scene = makeScene();
-        for (int changes = mRandom.below(4); changes > 0; --changes) change(*scene);
+        const float size = static_cast<float>(mRandom.between(6, 40));
+        if (scene == nullptr || mRandom.below(4) == 0)
+            scene =
+                std::make_unique<TextScene>(FONTS[mRandom.below(4)], TEXTS[mRandom.below(5)], size, 200, 60);
+        android::Paint paint;
+        paint.setTextSize(size);
+        paint.setAntiAlias(mRandom.below(4) != 0);
+        if (mRandom.below(2) != 0) paint.setFontFeatureSettings("smcp, -kern");
+        scene->object.SetPaint(paint);
+        if (mRandom.below(2) == 0) scene->object.SetText(TEXTS[mRandom.below(5)]);
+        scene->object.SetBackgroundColor(mRandom.color(), mRandom.below(3) == 0);
+        scene->object.SetTextStyle(mRandom.below(2) == 0, mRandom.below(2) == 0);
+        scene->view().SetSize(mRandom.below(300), mRandom.below(90));
+        scene->effect().setTextOpacity(static_cast<float>(mRandom.below(5)) * 0.25f);
+        scene->effect().removeEffect(mRandom.below(6));
+        if (mRandom.below(8) == 0) scene->effect().cleanAllEffect();
+        addLayer(scene->effect(), mRandom.below(LAYER_KINDS), mRandom);
         if (mRandom.below(6) == 0) fail(*scene);
-        setRandomLines(*scene);
+        const int start = mRandom.between(-1, 6);
+        scene->setLines(
+            {TextScene::makeLine(-5, 30, 0, 30), TextScene::makeLine(40, 60, start, start + 9, -1)});
         const Picture picture = scene->render();
         ASSERT_EQ(picture.pixels.empty(), picture.width < 1 || picture.height < 1);
         if (picture.countVisible() > 50) ++mVisible;
@@ -68,82 +91,6 @@ public:
     long visible() const { return mVisible; }  // pictures with more than a few pixels
 
 private:
-    std::unique_ptr<TextScene> makeScene() {
-        static const char* const FONTS[] = {kSans, kBold, kCjk, kEmoji};
-        const std::wstring text = randomText(mRandom);
-        const int size = mRandom.between(6, 40), width = mRandom.between(0, 300),
-                  height = mRandom.between(0, 90);
-        return std::make_unique<TextScene>(FONTS[mRandom.below(4)], text.c_str(), static_cast<float>(size),
-                                           width, height);
-    }
-
-    void change(TextScene& scene) {
-        ZvEffect& effects = scene.effect();
-        switch (mRandom.below(9)) {
-            case 0: {
-                android::Paint paint;
-                paint.setTextSize(static_cast<float>(mRandom.between(60, 400)) * 0.1f);
-                paint.setAntiAlias(mRandom.below(4) != 0);
-                if (mRandom.below(2) != 0) paint.setFontFeatureSettings("smcp, -kern");
-                scene.object.SetPaint(paint);
-                break;
-            }
-            case 1:
-                scene.object.SetText(randomText(mRandom).c_str());
-                break;
-            case 2:
-                scene.object.SetTextColor(mRandom.color());
-                scene.object.SetBackgroundColor(mRandom.color(), mRandom.below(3) == 0);
-                break;
-            case 3:
-                effects.setTextOpacity(static_cast<float>(mRandom.below(5)) * 0.25f);
-                scene.object.SetTextStyle(mRandom.below(2) == 0, mRandom.below(2) == 0);
-                break;
-            case 4:
-                if (mRandom.below(3) == 0) effects.cleanAllEffect();
-                effects.removeEffect(mRandom.below(6));
-                break;
-            case 5:
-                scene.view().SetSize(mRandom.below(300), mRandom.below(90));
-                break;
-            default:
-                addLayer(effects, mRandom.below(LAYER_KINDS), mRandom);
-        }
-    }
-
-    // What is asked for cannot be had; the object stays as it is.
-    void fail(TextScene& scene) {
-        const int kind = mRandom.below(6);
-        if (kind == 0) {
-            EXPECT_FALSE(scene.object.SetFont("/nowhere/missing.ttf"));
-        }
-        if (kind == 1) {
-            EXPECT_FALSE(scene.object.SetFont("no font.ttf", newBuffer(std::string(500, 'x')), 500));
-        }
-        if (kind == 2) {
-            EXPECT_EQ(scene.object.RenderTextEffect(2147483647, 2147483647), nullptr);
-        }
-        if (kind == 3) {
-            EXPECT_FALSE(scene.object.Construct());
-        }
-        if (kind == 4) {
-            EXPECT_FALSE(scene.object.SetLineInfo(nullptr));
-        }
-        if (kind == 5) {
-            EXPECT_LT(scene.effect().addEffect(99, nullptr), 0);
-        }
-    }
-
-    void setRandomLines(TextScene& scene) {
-        std::vector<ZvLineInfo> lines;
-        for (int count = mRandom.between(0, 3); count > 0; --count) {
-            const int start = mRandom.between(-1, 6), length = mRandom.below(30);
-            const int x = mRandom.between(-20, 80), y = mRandom.between(0, 80);
-            lines.push_back(TextScene::makeLine(x, y, start, start + length, mRandom.below(2) * 2 - 1));
-        }
-        scene.setLines(lines);
-    }
-
     Random mRandom;
     std::vector<std::unique_ptr<TextScene>> mKept;
     long mVisible = 0;

@@ -146,25 +146,6 @@ void expectAtMost(double limit, double taken, const std::string& name) {
 
 }  // namespace
 
-TEST(Memory, IsCountedWhereverItComesFrom) {
-    constexpr size_t SIZE = 1 << 20;
-    static void* volatile block;  // else the compiler leaves out what is freed unused
-    const std::function<void()> ways[] = {
-        [] { std::free(block = std::malloc(SIZE)); },
-        [] { std::free(block = std::calloc(SIZE, 1)); },
-        [] { std::free(block = std::realloc(std::malloc(SIZE / 4), SIZE)); },
-        [] { std::free(block = std::aligned_alloc(64, SIZE)); },
-        [] { ::operator delete(block = ::operator new(SIZE)); },
-        [] { std::string{}.reserve(SIZE); },  // in the shared library of C++
-    };
-    for (const auto& way : ways) {
-        const PeakMemory peak;
-        for (int i = 0; i < 3; ++i) way();
-        EXPECT_GE(peak.bytes(), int64_t{SIZE});
-        EXPECT_LE(peak.bytes(), int64_t{SIZE} * 5 / 4 + 8192);
-    }
-}
-
 TEST(Memory, ALayerTakesAFewBytesForEachPixelOfItsArea) {
     for (const Page& page : PAGES) {
         const Picture text = makeScene(page)->render();
