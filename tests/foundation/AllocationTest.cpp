@@ -31,6 +31,7 @@ namespace {
 
 // With each of its allocations failing the operation says so, with code 1, and leaks nothing.
 void expectReports(const std::function<bool()>& operation) {
+    { const host::LogCapture once; }  // for the log to be there
     forEachFailingAllocation([&](bool fails) {
         Error::SetError(0);
         EXPECT_EQ(operation(), !fails);
