@@ -37,6 +37,18 @@ quietly cmake --build "$work/example"
 "$work/example/title" "$font" "Hello" "$work/title.pam"
 head -c 2 "$work/title.pam" | grep -q P7
 [ "$(tr -d '\0' <"$work/title.pam" | wc -c)" -gt 20000 ] || fail "hardly any ink"
+# README's C++ as printed: it draws something.
+{
+    sed -n '/^```cpp$/,/^```$/{/^```/d;/#include/p}' "$source/README.md"
+    echo 'int main() {'
+    sed -n '/^```cpp$/,/^```$/{/^```/d;/#include/!p}' "$source/README.md"
+    echo 'return argb != nullptr && std::count(argb, argb + width * height, 0u) < width * height ? 0 : 3; }'
+} | sed '1i #include <algorithm>' >"$work/readme.cpp"
+mkdir "$work/readme"
+sed "s|title|readme|g; s|readme.cpp|$work/readme.cpp|" "$source/examples/cpp/CMakeLists.txt" >"$work/readme/CMakeLists.txt"
+configure -S "$work/readme" -B "$work/readme/build" -DCMAKE_PREFIX_PATH="$prefix"
+quietly cmake --build "$work/readme/build"
+"$work/readme/build/readme" || fail "README's program draws nothing"
 mkdir "$work/versions"
 cat >"$work/versions/CMakeLists.txt" <<'END'
 cmake_minimum_required(VERSION 3.22)
