@@ -22,8 +22,8 @@ enum ZvErrorCode : uint32_t {
     ZV_ERROR_NO_TEXT_OBJECT = 19,  // the calling Java object has no native text object
 };
 
-// The calling thread's last error: 0 at the start of a thread, replaced by each report, cleared by nothing. A
-// successful operation leaves the code of an earlier failure standing.
+// The calling thread's last error: 0 when a thread starts, replaced by each report, never cleared. A
+// successful operation keeps the code of an earlier failure.
 class Error {
 public:
     // Keeps the low 32 bits of `code` as the calling thread's last error.

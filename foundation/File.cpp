@@ -34,7 +34,7 @@ struct NarrowPath {
     }
 };
 
-// The paths' own failures, -1 with code 7, come without a report line.
+// Failures of the path itself, -1 with code 7, write no report line.
 int invalidPath() {
     ::Zvex::Error::SetError(ZV_ERROR_INVALID_ARGUMENT);
     return -1;

@@ -8,10 +8,10 @@ namespace Zvex {
 
 class ZvString;
 
-// Owns a C stream, in two-phase construction. Tag of its lines: "ZV_File". One thread at a time.
+// Owns a C stream. Constructed in two phases; logs under the tag "ZV_File". One thread at a time.
 //
-// Operations on a stream that is not there (never constructed, failed to open, closed) report code 8; Read
-// and Write then give 0, the others -1. Otherwise results are those of the C call of the same purpose.
+// Without a stream (never constructed, failed to open, closed) every operation reports code 8; Read and Write
+// return 0, the others -1. Otherwise results are those of the corresponding C call.
 class File {
 public:
     File() = default;
@@ -19,10 +19,10 @@ public:
     File(const File&) = delete;
     File& operator=(const File&) = delete;
 
-    // Opens as fopen does; a wide path is opened by its UTF-8 form. A null path or mode fails with 7, an
-    // empty wide path with 7, a file that cannot be opened with 11. An attempt that got as far as the path
-    // leaves the object constructed without a stream, so a second Construct fails with 4 whatever the first
-    // one came to. keepOpen: the object never closes the stream; whoever took GetFilePointer does.
+    // Opens as fopen does; a wide path is converted to UTF-8. A null path or mode or an empty wide path fails
+    // with 7, a file that cannot be opened with 11. Once the path has been tried, the object counts as
+    // constructed, so a second Construct fails with 4 even if the first one failed. keepOpen: the object
+    // never closes the stream; the user of GetFilePointer does.
     bool Construct(const ZvString* path, const char* mode, bool keepOpen);
     bool Construct(const char* path, const char* mode);
 
@@ -37,11 +37,11 @@ public:
     FILE* GetFilePointer();  // null without a stream; sets no code
 
     // Flushes and closes; a stream opened to write or append is synced to storage first. Does nothing for a
-    // stream to be kept open.
+    // stream opened with keepOpen.
     void Close();
 
     // access, unlink and rename: 0 on success, -1 on failure with errno set. A null path, or a wide path
-    // without a single byte of UTF-8, gives -1 with code 7.
+    // whose UTF-8 form is empty, gives -1 with code 7.
     static int IsAccessible(const ZvString* path, int mode);
     static int IsAccessible(const char* path, int mode);
     static int Unlink(const ZvString* path);

@@ -16,7 +16,7 @@ void preferLargePages(void* memory, size_t bytes) {
     const uintptr_t begin = reinterpret_cast<uintptr_t>(memory);
     const uintptr_t first = (begin + LARGE_PAGE - 1) / LARGE_PAGE * LARGE_PAGE;
     const uintptr_t end = (begin + bytes) / LARGE_PAGE * LARGE_PAGE;
-    // Its failure costs time and nothing else.
+    // A failure only costs time.
     if (first < end) static_cast<void>(madvise(reinterpret_cast<void*>(first), end - first, MADV_HUGEPAGE));
 #else
     static_cast<void>(memory);

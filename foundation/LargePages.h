@@ -6,9 +6,9 @@
 
 namespace Zvex {
 
-// Asks the system to back memory from malloc with large pages, where it has them and the memory is several of
-// them long; shorter memory is left alone. The first touch of a picture of 16 MB in small pages takes longer
-// than everything that is drawn on it. Only a hint; content and ownership stay what they are.
+// Asks the system to back memory from malloc with large pages, if it has them and the memory spans several;
+// shorter memory is left alone. Touching a 16 MB picture for the first time in small pages takes longer than
+// drawing it. Only a hint: contents and ownership do not change.
 void preferLargePages(void* memory, size_t bytes);
 
 }  // namespace Zvex

@@ -161,7 +161,7 @@ int List::NextData(long number) {
         return fail(ZV_ERROR_NOT_FOUND, 0);
     }
     position->node = left->next;
-    // The cursor goes along only from the node it shares with the position: its index is known nowhere else.
+    // The cursor moves along only if it is on the position's node, since the index is known nowhere else.
     if (mImpl->cursorNode == left && left->next != nullptr)
         mImpl->setCursor(mImpl->cursorIndex + 1, left->next);
     return 1;

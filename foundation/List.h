@@ -6,19 +6,19 @@ namespace Zvex {
 
 class ListImpl;
 
-// A doubly linked list of element pointers in two-phase construction. It owns its nodes and positions, never
-// the elements; a null element is an element like any other.
+// A doubly linked list of element pointers, constructed in two phases. It owns its nodes and positions, never
+// the elements. Null is a valid element.
 //
 // Elements are reached by index, helped by a cursor that remembers the last node reached, or through
 // traversal positions: opaque numbers from BeginTraversal, valid for this list until EndTraversal, never 0. A
-// position stands on an element or past the end. At most ten are open at a time; the list frees those left
-// open when it goes.
+// position is on an element or past the end. At most ten may be open at a time; the destructor frees those
+// left open.
 //
 // Results: 1 on success, 0 or null on failure; -1 for failed counts and indexes. A failure sets the thread's
 // last error and writes nothing: 2 too many positions, 3 index out of range, 4 already constructed, 7 null or
 // unknown argument, 8 not constructed, 9 traversal past the end, 1 no memory. A failed Construct leaves the
-// list unconstructed. An argument list that is not constructed fails with 8. One thread at a time; walking a
-// list moves its cursor, so reading it is no exception.
+// list unconstructed. A list argument that is not constructed fails with 8. One thread at a time, even for
+// reading, since walking a list moves its cursor.
 //
 // An argument of type List* picks the overloads that take a list; to hold a list as an element, cast it to
 // void*.
@@ -30,34 +30,34 @@ public:
     List& operator=(const List&) = delete;
 
     int Construct();                   // empty
-    int Construct(const List* other);  // with other's elements; null fails with 7
+    int Construct(const List* other);  // a copy of other's elements; null fails with 7
     int Construct(void** items,
-                  int count);  // with items[0] to items[count - 1]; null or count < 0 fails with 7
+                  int count);  // items[0] to items[count - 1]; null or count < 0 fails with 7
 
     int Add(void* item);         // at the tail
-    int Add(const List* other);  // other's elements in order; the list itself adds a copy of what it held
+    int Add(const List* other);  // other's elements in order; a list may be added to itself
 
-    // How many elements there are, and the one at index, from 0 to the count - 1.
+    // The number of elements, and the element at index, 0 to count - 1.
     int GetCount() const;
     void* Get(int index) const;
 
-    // Before the element at index; at or beyond the count it appends. index < 0 fails with 7.
+    // Inserts before the element at index, or appends if index is the count or more. index < 0 fails with 7.
     int Insert(void* item, int index);
 
-    // Removes the first node that holds item; succeeds when none does. A null item or an empty list fails
-    // with 7. Of the positions that stand on the removed node, the one opened into the lowest slot moves to
-    // the next node and the others read as past the end.
+    // Removes the first node that holds item; succeeds if there is none. A null item or an empty list fails
+    // with 7. Of the positions on the removed node, the one in the lowest slot moves to the next node and the
+    // others become past the end.
     int Remove(void* item);
     int Remove(int index);
-    // One after another at the same index; when the list ends before `count` are removed, fails with 3 and
-    // keeps what it did. A negative count fails with 7.
+    // Removes `count` elements from index on. If the list ends first, the elements up to there are removed
+    // and the call fails with 3. A negative count fails with 7.
     int Remove(int index, int count);
     // Open positions stay valid, past the end, and no longer count against the limit of ten.
     int RemoveAll();
 
     int GetIndex(void* item) const;     // of the first node that holds item; -1 if none, which is no error
     int IsContained(void* item) const;  // 1 if so, else 0
-    int IsContained(const List* other) const;  // every element of other; so an empty one always is
+    int IsContained(const List* other) const;  // every element of other; true for an empty one
 
     long BeginTraversal();               // at the head; -1 on failure
     void* GetData(long position) const;  // null past the end, which is no error

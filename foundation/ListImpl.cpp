@@ -64,7 +64,7 @@ bool ListImpl::insertBefore(Node* next, void* item) {
 ListImpl::Node* ListImpl::nodeAt(int index) {
     Node* node = cursorNode;
     int at = cursorIndex;
-    // From the head where there is no cursor or the head is nearer.
+    // From the head if there is no cursor or the head is nearer.
     if (node == nullptr || index <= at / 2) {
         node = head;
         at = 0;
@@ -84,8 +84,8 @@ int ListImpl::indexOf(const void* item) const {
 }
 
 void ListImpl::remove(Node* node, int index) {
-    // The first slot's position goes on to the next node; any other one would be left on freed memory, so it
-    // is put past the end (List.RemovalMovesOnlyTheLowestSlot).
+    // The first slot's position moves to the next node; any other would point to freed memory, so it is put
+    // past the end (List.RemovalMovesOnlyTheLowestSlot).
     bool moved = false;
     for (Position* position : slots) {
         if (moved || position == nullptr || position->node != node) continue;

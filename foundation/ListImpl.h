@@ -17,8 +17,8 @@ public:
         void* item;
     };
 
-    // What a traversal number stands for. Positions are found by number, not by address, because an address
-    // need not fit into a long; a number that is not open is refused.
+    // What a traversal number refers to. Positions are found by number, since an address may not fit into a
+    // long; numbers that are not open are refused.
     struct Position {
         Node* node;
         long number;

@@ -20,8 +20,8 @@ struct Mutex::Record {
     pthread_mutex_t mutex;
     bool usable = false;  // whether the system gave a mutex
     int32_t count = 0;
-    // Read by threads that do not hold the mutex, hence atomic. They only ask whether they are the owner
-    // themselves, and only the thread itself ever stores its own identifier, so no ordering is needed.
+    // Read by threads that do not hold the mutex, hence atomic. A thread only asks whether it is the owner
+    // itself, and only it stores its own identifier, so no ordering is needed.
     std::atomic<std::thread::id> owner{std::thread::id()};
 
     bool ownedByCaller() const { return owner.load(std::memory_order_relaxed) == std::this_thread::get_id(); }

@@ -4,24 +4,24 @@
 
 namespace Zvex {
 
-// A mutex that its owner may lock again, in two-phase construction. Before Construct, Lock and Unlock do
-// nothing. Tag of its reports: "ZV_Mutex".
+// A recursive mutex, constructed in two phases; reports under the tag "ZV_Mutex". Before Construct, Lock and
+// Unlock do nothing.
 class Mutex {
 public:
     Mutex() = default;
-    // No thread may hold the mutex or wait for it any more.
+    // No thread may hold the mutex or wait for it.
     ~Mutex();
     Mutex(const Mutex&) = delete;
     Mutex& operator=(const Mutex&) = delete;
 
-    // False with code 1 when memory is short or the system refuses a mutex, with code 4 when it was called
-    // before; only where memory was short may it be called again. Lock and Unlock do nothing after a failure.
+    // False with code 1 when memory is short or the system refuses a mutex, with code 4 when called before.
+    // It may only be called again if memory was short. Lock and Unlock do nothing after a failure.
     bool Construct();
 
-    // Waits until the mutex is free, unless the calling thread owns it: then it is held once more.
+    // Waits until the mutex is free, unless the calling thread owns it already.
     void Lock();
 
-    // Gives back one Lock; the last one frees the mutex. A thread that does not own it changes nothing.
+    // Undoes one Lock; undoing the first frees the mutex. Does nothing in a thread that does not own it.
     void Unlock();
 
 private:

@@ -8,14 +8,13 @@
 
 namespace Zvex {
 
-// What finds no memory and goes on without it, as a filter that draws nothing, leaves a mark on its thread.
-// Who wants to know whether a picture is whole takes the mark away before, and asks afterwards whether it is
-// there.
+// Code that runs out of memory and continues, such as a filter that draws nothing, sets a flag of its thread.
+// To learn whether a picture is complete, clear the flag first and test it afterwards.
 void markOutOfMemory();
 bool takeOutOfMemoryMark();
 
-// What `work` answers, or `failure` where memory runs out in it. Nothing thrown leaves the library: an
-// operation that uses the standard containers, or the platform, which does, stands in one of these.
+// Returns the result of `work`, or `failure` if memory runs out in it. No exception leaves the library, so
+// every operation that uses the standard containers or the platform runs inside this.
 template <typename Result, typename Work>
 Result unlessOutOfMemory(Result failure, Work work) {
     try {
@@ -26,7 +25,7 @@ Result unlessOutOfMemory(Result failure, Work work) {
     }
 }
 
-// A new T; null, and the mark, where memory is short.
+// A new T; null, with the flag set, where memory is short.
 template <typename T, typename... Arguments>
 std::unique_ptr<T> tryMake(Arguments&&... arguments) {
     std::unique_ptr<T> made(new (std::nothrow) T(std::forward<Arguments>(arguments)...));

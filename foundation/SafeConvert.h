@@ -5,9 +5,8 @@
 #include <cstdint>
 #include <limits>
 
-// Conversions that the language leaves undefined outside the target's range, with the answer of the phone's
-// own conversion instruction: the fraction is cut off, values out of range go to the nearest end,
-// not-a-number to 0.
+// Conversions that C++ leaves undefined outside the target's range, with the result of the ARM instruction:
+// the fraction is cut off, values out of range are clamped, not-a-number becomes 0.
 
 namespace Zvex {
 
@@ -17,7 +16,7 @@ inline int32_t clampToInt(int64_t value) {
     return static_cast<int32_t>(value);
 }
 
-// Takes floats too: every one is a double.
+// Also for floats, which convert exactly.
 inline int32_t truncateToInt(double value) {
     if (value != value) return 0;
     if (value >= std::numeric_limits<int32_t>::max()) return std::numeric_limits<int32_t>::max();

@@ -89,7 +89,7 @@ bool ZvLog::IsBuildTypeEngMode() {
 }
 
 const char* ZvLog::ConvertLog(const ZvString* string) {
-    // One buffer a thread, so that texts drawn on two threads do not garble each other's lines.
+    // One buffer per thread, so that lines of two threads do not mix.
     static thread_local char converted[kConvertedSize];
     if (string == nullptr) return "[### null ###]";
     if (string->GetUTF8Size() > kConvertedSize) return "[### string is too long ###]";

@@ -26,7 +26,7 @@ constexpr char kTag[] = "ZvString";
 
 using Wide = std::unique_ptr<wchar_t[]>;
 
-// Lengths are ints throughout the interface; text beyond that is out of reach and counts as that long.
+// Lengths are ints throughout the interface; longer text counts as INT_MAX characters.
 int lengthOf(const wchar_t* text) {
     if (text == nullptr) return 0;
     const size_t length = std::wcslen(text);
@@ -136,7 +136,7 @@ int ZvString::Set(const ZvString* source) {
 int ZvString::Set(const wchar_t* source) {
     if (mImpl == nullptr) ZV_FAIL(ZV_ERROR_NOT_CONSTRUCTED, 0);
     if (source == nullptr) return Clear();
-    // Copied before the old text goes, of which it may be a part.
+    // Copied before the old text is freed, since it may be part of it.
     Wide text = copyOf(source, std::wcslen(source));
     if (text == nullptr) ZV_FAIL(ZV_ERROR_PLATFORM, 0);
     return adopt(text.release());
@@ -303,8 +303,8 @@ int ZvString::GetUTF8(char* target, int size) const {
         target[0] = '\0';
         return 1;
     }
-    // A text whose characters cancel each other out in the size announces no room at all; it stays empty
-    // whatever room there is, so that every caller sees the same text.
+    // Negative characters may bring the computed size to 0 or less. The text then converts to nothing
+    // whatever the room, so that every caller sees the same text.
     const int room = ZvStringImpl::GetUTF8Size(mImpl->buffer) < 1 ? 0 : size - 1;
     target[ZvStringImpl::Wcstombs(target, mImpl->buffer, room)] = '\0';
     target[size - 1] = '\0';

@@ -8,27 +8,27 @@ namespace Zvex {
 
 class ZvStringImpl;
 
-// A wide string with explicit construction, NUL-terminated, one wchar_t a character.
+// A NUL-terminated wide string, constructed in two phases, one wchar_t per character.
 //
 // Results: 1 on success, 0 on failure; -1 for failed counts, positions and comparisons. A failure writes one
 // report under the tag "ZvString" and sets the thread's last error: 3 index out of range, 4 already
-// constructed, 7 invalid argument, 8 not constructed, 1 no memory. A failed operation leaves the text as it
-// was.
+// constructed, 7 invalid argument, 8 not constructed, 1 no memory. A failed operation does not change the
+// text.
 //
-// Text in: `const char*` is UTF-8 whatever the process's locale is. Surrogates written as two three-byte
-// sequences, as Java's native strings have them, become the one character they stand for; a surrogate without
-// its partner is kept as it is. The five- and six-byte forms of old UTF-8 are read too. Conversion ends at
-// the first byte that fits no sequence (a stray or missing continuation byte, an overlong form, 0xFE, 0xFF);
-// the text before it is kept and no error is set.
+// Text in: `const char*` is UTF-8, whatever the process's locale. Surrogates written as two three-byte
+// sequences, as in Java's native strings, become the character they encode; an unpaired surrogate is kept.
+// The five- and six-byte forms of old UTF-8 are read too. Conversion ends at the first invalid byte (a stray
+// or missing continuation byte, an overlong form, 0xFE, 0xFF); the text before it is kept and no error is
+// set.
 //
 // Text out: GetUTF8 writes 1 to 6 bytes a character, the inverse of the above, and ends at a negative
 // character, which has no UTF-8 form.
 //
-// Where wchar_t has 16 bits, characters above 0xFFFF are held as surrogate pairs, and those that have no pair
+// Where wchar_t has 16 bits, characters above 0xFFFF are stored as surrogate pairs, and those without a pair
 // as U+25A1.
 //
-// A source that is an unconstructed ZvString counts as null. Sources may be the string itself or lie inside
-// it. One thread at a time.
+// A source that is an unconstructed ZvString counts as null. A source may be the string itself or part of it.
+// One thread at a time.
 class ZvString {
 public:
     ZvString() = default;
@@ -63,12 +63,12 @@ public:
     int Insert(const wchar_t* source, int position);
     int Insert(const ZvString* source, int position);
 
-    // Takes `count` characters out: position from 0 to length - 1, else 3; a negative count, or one that
-    // reaches past the end, fails with 7.
+    // Removes `count` characters from position on, 0 to length - 1 (else 3). A negative count, or one past
+    // the end, fails with 7.
     int Remove(int position, int count);
 
-    // Makes the text the source's characters begin to end, both included, as far as they exist. A source that
-    // is null or has no buffer fails with 7.
+    // Sets the text to the source's characters begin to end, both included, as far as they exist. A source
+    // that is null or has no buffer fails with 7.
     int SetSubstring(const ZvString* source, int begin, int end);
 
     int GetLength() const;        // characters before the NUL
@@ -82,12 +82,12 @@ public:
     // The length compared is the UTF-8 text's length in BYTES, so that text outside ASCII rarely equals its
     // own UTF-8 form here.
     int CompareTo(const char* other) const;
-    // No length rule: the first n characters of both, as wcsncmp compares them. A negative n gives -1 with
+    // Compares the first n characters as wcsncmp does, without the length rule. A negative n gives -1 with
     // code 7.
     int CompareTo(const char* other, int n) const;
 
     // First position of the pattern, trying 0 to length - n - 1 (n: its length), or -1. One short on purpose:
-    // a pattern that stands only at the very end is not found. Null gives -1 with code 7.
+    // a pattern that occurs only at the very end is not found. Null gives -1 with code 7.
     int Find(const wchar_t* pattern) const;
     int Find(const char* pattern) const;
     // Last position of the pattern, trying length - n down to 0, or -1.
@@ -105,8 +105,8 @@ public:
 
     // The text as UTF-16 with a NUL, in a new array that the caller frees with delete[]; `count` is the
     // number of units before the NUL. Made from the UTF-8 form by ZvStringImpl::Mbstowcs with its
-    // peculiarities. Without a buffer the array holds the NUL alone and `count` stays as it was. Null on
-    // failure, `count` untouched.
+    // peculiarities. Without a buffer the array holds only the NUL and `count` is not changed. Null on
+    // failure, with `count` unchanged.
     uint16_t* GetUTF16(int& count) const;
 
 private:

@@ -1,6 +1,5 @@
-// SPDX-License-Identifier: Apache-2.0
-// The conversions between wide text, UTF-8 and UTF-16. They do not ask the C library: its locale, "C" at the
-// start of a desktop program and anyone's guess inside another one, must not decide what a text says.
+// SPDX-License-Identifier: Apache-2.0 The conversions between wide text, UTF-8 and UTF-16. They do not use
+// the C library, because its locale must not change what a text says.
 #include "foundation/ZvStringImpl.h"
 
 #include <algorithm>
@@ -28,13 +27,12 @@ uint32_t paired(uint32_t high, uint32_t low) {
     return 0x10000 + ((high - 0xD800) << 10) + (low - 0xDC00);
 }
 
-// A wchar_t without its sign: a negative one comes out with the top bit set, whether the type is signed or
-// not.
+// A wchar_t as an unsigned value; a negative one has the top bit set, whether or not the type is signed.
 uint32_t unsignedOf(wchar_t c) {
     return static_cast<std::make_unsigned_t<wchar_t>>(c);
 }
 
-// The next character of wide text, which must not stand on the NUL.
+// The next character of wide text, which must not be at the NUL.
 uint32_t nextWide(const wchar_t*& text) {
     const uint32_t c = unsignedOf(*text++);
     if constexpr (sizeof(wchar_t) == 2) {
@@ -58,7 +56,7 @@ int utf8Length(uint32_t c) {
     return 0;
 }
 
-// Length of the sequence that a lead byte opens; 0 for a byte that opens none.
+// Length of the sequence that a lead byte starts; 0 for other bytes.
 int sequenceLength(uint8_t lead) {
     if (lead < 0x80) return 1;
     if (lead < 0xC0) return 0;
@@ -69,8 +67,8 @@ int sequenceLength(uint8_t lead) {
     return lead < 0xFE ? 6 : 0;
 }
 
-// Reads one well-formed sequence of 1 to 6 bytes, or gives kNoCharacter and stays. The NUL is no continuation
-// byte, so nothing beyond it is read.
+// Reads one well-formed sequence of 1 to 6 bytes, or returns kNoCharacter without advancing. The NUL is not a
+// continuation byte, so nothing beyond it is read.
 uint32_t nextUTF8(const uint8_t*& bytes) {
     const int length = sequenceLength(bytes[0]);
     if (length == 0) return kNoCharacter;
@@ -107,7 +105,7 @@ wchar_t* appendWide(wchar_t* target, uint32_t c) {
     return target;
 }
 
-// Walks UTF-8 by its lead bytes and gives every unit to emit; returns the number of units.
+// Walks UTF-8 by its lead bytes and passes every unit to `emit`; returns the number of units.
 template <typename Emit>
 int decode(const char* utf8, int byteCount, Emit emit) {
     const uint8_t* bytes = reinterpret_cast<const uint8_t*>(utf8);
@@ -129,9 +127,9 @@ int decode(const char* utf8, int byteCount, Emit emit) {
                 emit(units++, (uint32_t{bytes[0]} << 12) | (b1 << 6) | b2);
                 break;
             case 4:
-                // The lead byte's bits are not looked at and 0x10000 is not taken off: the same unit for the
-                // plane after the first, a pair from that plane or a wrong one for the others
-                // (StringUTF16.UnitsOfEveryClass). What b2 << 6 has above ten bits is set in 0xDC00 anyway.
+                // The lead byte's bits are ignored and 0x10000 is not subtracted, which is right for U+10000
+                // to U+1FFFF and wrong above (StringUTF16.UnitsOfEveryClass). What b2 << 6 has above ten bits
+                // is set in 0xDC00 anyway.
                 emit(units++, 0xD800 | ((((uint32_t{bytes[1]} << 12) | (b2 << 6)) & 0xFC00) >> 10));
                 emit(units++, 0xDC00 | (b2 << 6) | b3);
                 break;

@@ -18,7 +18,7 @@ public:
     wchar_t* buffer = nullptr;  // owned, allocated with array new, NUL-terminated; null when cleared
 
     // Bytes of the UTF-8 form with its NUL: 1 for null or empty text; a character counts 1 to 6 bytes by its
-    // magnitude and a negative one -1. Sums that leave int are held at its limits.
+    // magnitude and a negative one -1. Sums that overflow int are clamped.
     static int GetUTF8Size(const wchar_t* text);
 
     // Whole characters of `text` as UTF-8 in at most `capacity` bytes, without a NUL; ends at a negative
@@ -26,8 +26,8 @@ public:
     // nothing.
     static int Wcstombs(char* target, const wchar_t* text, int capacity);
 
-    // UTF-8 to a new wide text, by the rules told at ZvString; the caller frees it with delete[]. Null when
-    // memory is short. `utf8` must not be null.
+    // Converts UTF-8 to a new wide text by the rules in ZvString.h; the caller frees it with delete[]. Null
+    // when memory is short. `utf8` must not be null.
     static wchar_t* WidenUTF8(const char* utf8);
 
     // UTF-16 units that Mbstowcs makes of `byteCount` bytes, the NUL not counted.
