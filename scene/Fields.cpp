@@ -4,6 +4,7 @@
 #include <set>
 
 #include "scene/Failure.h"
+#include "scene/Layers.h"
 
 namespace Zvex::scene {
 
@@ -45,6 +46,17 @@ struct ReadText {
         }
         refuse();
     }
+    void operator()(const FlagField& field) const {
+        if (text != "true" && text != "false") refuse();
+        *field.value = text == "true";
+    }
+    void operator()(const OffsetField& field) const {
+        const std::vector<std::string> parts = split(text, ':');
+        const Fields sides = fieldsOf(*field.value);
+        if (parts.size() != sides.size()) refuse();
+        for (size_t i = 0; i < sides.size(); ++i) readValue(where + " " + sides[i].name, sides[i], parts[i]);
+    }
+    void operator()(const CanvasField& field) const { *field.value = parseCanvas(where, text); }
     void operator()(const TintField& field) const { readParts(where, fieldsOf(*field.value), text, wanted); }
     void operator()(const StopsField& field) const {
         std::vector<Stop> stops;
@@ -81,6 +93,9 @@ struct Wanted {
     std::string operator()(const ColorField&) const { return kWantedColor; }
     std::string operator()(const OptionalColorField&) const { return kWantedColor; }
     std::string operator()(const ChoiceField& field) const { return "one of " + choiceNames(field); }
+    std::string operator()(const FlagField&) const { return "true or false"; }
+    std::string operator()(const OffsetField&) const { return "an offset; write X:Y in whole pixels"; }
+    std::string operator()(const CanvasField&) const { return kWantedCanvas + canvasKinds(); }
     std::string operator()(const TintField&) const {
         return "a colour with an opacity; write COLOR[@OPACITY]";
     }
@@ -105,6 +120,13 @@ struct Format {
             if (number == *field.value) return name;
         }
         return "";
+    }
+    std::string operator()(const FlagField& field) const { return *field.value ? "true" : "false"; }
+    std::string operator()(const OffsetField& field) const {
+        return formatNumber(field.value->x) + ":" + formatNumber(field.value->y);
+    }
+    std::string operator()(const CanvasField& field) const {
+        return field.value->has_value() ? formatCanvas(**field.value) : "";
     }
     std::string operator()(const TintField& field) const {
         return formatColor(field.value->color) + "@" + formatNumber(field.value->opacity);
@@ -131,6 +153,23 @@ Fields fieldsOf(Stop& stop) {
     return {{"color", ColorField{&stop.color}, true},
             {"position", NumberField{&stop.position, {0, 100, "%"}}, true},
             {"opacity", ShareField{&stop.opacity}}};
+}
+
+Fields fieldsOf(Offset& offset) {
+    static constexpr NumberRange kOffset = {-1000, 1000, "px", false, true, true};
+    return {{"x", NumberField{&offset.x, kOffset}}, {"y", NumberField{&offset.y, kOffset}}};
+}
+
+Fields lengthsOf(const Fields& fields) {
+    Fields lengths;
+    for (const Field& field : fields) {
+        const auto* number = std::get_if<NumberField>(&field.value);
+        if (number != nullptr && number->range.length) lengths.push_back(field);
+        if (const auto* offset = std::get_if<OffsetField>(&field.value)) {
+            for (const Field& side : fieldsOf(*offset->value)) lengths.push_back(side);
+        }
+    }
+    return lengths;
 }
 
 void readValue(const std::string& where, const Field& field, const std::string& text) {

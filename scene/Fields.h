@@ -32,6 +32,13 @@ struct Stop {
     double opacity = 1;
 };
 
+// A way in the picture: pixels to the right and down.
+struct Offset {
+    double x = 0, y = 0;
+};
+
+struct Canvas;
+
 constexpr size_t kMaxStops = 256;
 constexpr size_t kMaxFieldBytes = 4096;  // of a text; every line is shaped with every feature of a list
 
@@ -53,6 +60,15 @@ struct ChoiceField {
     std::vector<std::pair<const char*, int>>
         choices;  // their names, and the numbers the library has for them
 };
+struct FlagField {  // true or false
+    bool* value;
+};
+struct OffsetField {  // X:Y, whole pixels; in JSON [X, Y]
+    Offset* value;
+};
+struct CanvasField {  // as parseCanvas reads it; in JSON an effect's object, too
+    std::optional<Canvas>* value;
+};
 struct TintField {  // COLOR[@OPACITY]
     Tint* value;
 };
@@ -69,8 +85,8 @@ struct FileField {  // a path; from a style file, relative to the style's folder
 
 struct Field {
     const char* name;
-    std::variant<NumberField, ShareField, ColorField, OptionalColorField, ChoiceField, TintField, StopsField,
-                 TextField, FileField>
+    std::variant<NumberField, ShareField, ColorField, OptionalColorField, ChoiceField, FlagField, OffsetField,
+                 CanvasField, TintField, StopsField, TextField, FileField>
         value;
     bool required = false;
 };
@@ -78,6 +94,10 @@ using Fields = std::vector<Field>;
 
 Fields fieldsOf(Tint& tint);
 Fields fieldsOf(Stop& stop);
+Fields fieldsOf(Offset& offset);
+
+// The numbers of these fields that are lengths, and of the fields within them.
+Fields lengthsOf(const Fields& fields);
 
 // Puts the value written in `text` into the field. `where` opens the message of the UsageError thrown where
 // the text is not exactly one value the field takes.

@@ -11,8 +11,7 @@ namespace Zvex::scene {
 namespace {
 
 double scaled(const std::string& name, double value, double factor, const NumberRange& range) {
-    // 2.9 * 10 as a person means it: the library drops fractions, so a product must not fall just short.
-    const double result = std::round(value * factor * 1e9) / 1e9;
+    const double result = range.scaled(value, factor);
     if (range.contains(result)) return result;
     throw UsageError(name + ": " + formatNumber(value) + " at --scale " + formatNumber(factor) + " is " +
                      formatNumber(result) + ", not " + range.wanted());
@@ -20,11 +19,15 @@ double scaled(const std::string& name, double value, double factor, const Number
 
 // `where` opens the names of the fields.
 void scaleFields(const std::string& where, const Fields& fields, double factor) {
-    for (const Field& field : fields) {
-        const auto* number = std::get_if<NumberField>(&field.value);
-        if (number == nullptr || !number->range.length) continue;
-        *number->value = scaled(where + field.name, *number->value, factor, number->range);
+    for (const Field& field : lengthsOf(fields)) {
+        const NumberField& number = std::get<NumberField>(field.value);
+        *number.value = scaled(where + field.name, *number.value, factor, number.range);
     }
+}
+
+void scaleEffects(const std::string& where, std::vector<EffectSettings>& effects, double factor) {
+    for (EffectSettings& settings : effects)
+        scaleFields(where + kindOf(settings).name + " ", fieldsOf(settings), factor);
 }
 
 // A length that was given stays at least a pixel.
@@ -38,9 +41,14 @@ int scaledPixels(const std::string& name, int value, double factor, int low) {
 void scaleStyle(Style& style, double factor) {
     if (factor == 1) return;
     scaleFields("--", fieldsOf(style), factor);
-    for (EffectSettings& settings : style.effects) {
-        scaleFields(std::string("--") + kindOf(settings).name + " ", fieldsOf(settings), factor);
+    scaleEffects("--", style.effects, factor);
+    for (size_t i = 0; i < style.layers.size(); ++i) {
+        const std::string where = "layers[" + std::to_string(i) + "] ";
+        scaleFields(where, fieldsOf(style.layers[i]), factor);
+        scaleEffects(where, style.layers[i].effects, factor);
     }
+    EffectSettings* fill = style.canvas ? std::get_if<EffectSettings>(&style.canvas->fill) : nullptr;
+    if (fill != nullptr) scaleFields("--canvas ", fieldsOf(*fill), factor);
 }
 
 void scaleView(Scene& scene, double factor) {

@@ -5,11 +5,13 @@
 #include <cmath>
 #include <cstdio>
 #include <cstring>
+#include <optional>
 
 #include "effect/ZvEffect.h"
 #include "foundation/List.h"
 #include "foundation/OutOfMemory.h"
 #include "scene/Failure.h"
+#include "scene/LayeredScene.h"
 #include "scene/SceneFonts.h"
 #include "scene/SceneLayout.h"
 #include "text/LinePlacement.h"
@@ -79,10 +81,13 @@ PlacedScene placeScene(ZvTextObject& object, const Scene& scene, std::vector<Zve
                       effect.getBottomOffset()};
     const int64_t width = viewWidth + placed.margins.left + placed.margins.right;
     const int64_t height = viewHeight + placed.margins.top + placed.margins.bottom;
-    if (width > kMaxSide || height > kMaxSide || width * height > kMaxPixels) {
+    // A picture for each layer, beside the one they are joined on.
+    const auto pictures = static_cast<int64_t>(std::max<size_t>(scene.style.layers.size(), 1));
+    const int64_t most = std::min(kMaxPixels, 3 * kMaxPixels / pictures);
+    if (width > kMaxSide || height > kMaxSide || width * height > most) {
         throw UsageError(std::string(scene.width > 0 ? "--width" : "--size") + ": the picture would be " +
                          std::to_string(width) + " x " + std::to_string(height) + " pixels; at most " +
-                         std::to_string(kMaxSide) + " a side and " + std::to_string(kMaxPixels) + " in all");
+                         std::to_string(kMaxSide) + " a side and " + std::to_string(most) + " in all");
     }
     placed.width = static_cast<int>(width);
     placed.height = static_cast<int>(height);
@@ -126,6 +131,17 @@ void setLines(ZvTextObject& object, const std::vector<ZvLineInfo>& placed) {
     object.SetLineInfo(&records);  // the text object owns the records now
 }
 
+Picture renderPlain(ZvTextObject& object, int width, int height) {
+    const unsigned int* pixels = object.RenderTextEffect(width, height);
+    if (pixels == nullptr) throw Failure("TEXT: not enough memory for the picture");
+    Picture picture;
+    picture.width = width;
+    picture.height = height;
+    picture.pixels.resize(static_cast<size_t>(width) * static_cast<size_t>(height));
+    std::memcpy(picture.pixels.data(), pixels, picture.pixels.size() * 4);
+    return picture;
+}
+
 }  // namespace
 
 Rendering renderScene(const Scene& scene) {
@@ -137,23 +153,24 @@ Rendering renderScene(const Scene& scene) {
     if (!object.Construct()) throw std::bad_alloc();
     setText(object, scene, fonts);
     const Style& style = scene.style;
-    object.SetTextColor(withOpacity(style.color, style.opacity));
-    object.SetBackgroundColor(withOpacity(style.background.value_or(0), style.opacity),
-                              style.background.has_value());
-    addEffects(*object.GetEffect(), style.effects);
+    std::optional<LayeredScene> layered;
+    if (LayeredScene::isFor(style)) {
+        layered.emplace(style, object);
+    } else {
+        object.SetTextColor(withOpacity(style.color, style.opacity));
+        object.SetBackgroundColor(withOpacity(style.background.value_or(0), style.opacity),
+                                  style.background.has_value());
+        addEffects(*object.GetEffect(), style.effects);
+    }
 
     const LaidOutText laidOut = layOutText(object, scene, fonts);
     const PlacedScene placed = placeScene(object, scene, laidOut.lines);
     setLines(object, placed.lines);
-    const unsigned int* pixels = object.RenderTextEffect(placed.width, placed.height);
-    if (pixels == nullptr || Zvex::takeOutOfMemoryMark())
-        throw Failure("TEXT: not enough memory for the picture");
     Rendering rendering;
     Picture& picture = rendering.picture;
-    picture.width = placed.width;
-    picture.height = placed.height;
-    picture.pixels.resize(static_cast<size_t>(placed.width) * static_cast<size_t>(placed.height));
-    std::memcpy(picture.pixels.data(), pixels, picture.pixels.size() * 4);
+    picture = layered ? layered->render(placed.width, placed.height)
+                      : renderPlain(object, placed.width, placed.height);
+    if (Zvex::takeOutOfMemoryMark()) throw Failure("TEXT: not enough memory for the picture");
     const Margins& margins = placed.margins;
     rendering.metrics = {picture.width, picture.height, margins, placed.lines.front().y + margins.top,
                          measureLines(placed.lines, &laidOut.glyphs[placed.first], margins, scene.text)};
@@ -161,10 +178,12 @@ Rendering renderScene(const Scene& scene) {
     return rendering;
 }
 
-std::string layerKeyInHex(const Style& style) {
+namespace {
+
+std::string keyInHex(const Look& look, uint32_t color) {
     ZvEffect stack;
-    addEffects(stack, style.effects);
-    const std::unique_ptr<char[]> key(stack.getMapKey(withOpacity(style.color, style.opacity)));
+    addEffects(stack, look.effects);
+    const std::unique_ptr<char[]> key(stack.getMapKey(color));
     if (key == nullptr) throw std::bad_alloc();
     std::string hex;
     for (const char* byte = key.get(); *byte != '\0'; ++byte) {
@@ -174,6 +193,16 @@ std::string layerKeyInHex(const Style& style) {
         hex += digits;
     }
     return hex;
+}
+
+}  // namespace
+
+std::string layerKeyInHex(const Style& style) {
+    if (style.layers.empty()) return keyInHex(style, withOpacity(style.color, style.opacity));
+    std::string keys;
+    for (const LayerSettings& layer : style.layers)
+        keys += (keys.empty() ? "" : "\n") + keyInHex(layer, layer.color.value_or(style.color));
+    return keys;
 }
 
 }  // namespace Zvex::scene

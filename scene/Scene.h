@@ -44,7 +44,8 @@ constexpr int64_t kMaxPixels = 100'000'000;
 // families in place of those of the scene before. Throws UsageError or Failure.
 Rendering renderScene(const Scene& scene);
 
-// The layer key of the style's effects and text colour (see ZvEffect::getMapKey), two hex digits a byte.
+// The layer key of the style's effects and text colour (see ZvEffect::getMapKey), two hex digits a byte; of a
+// style with layers a line for each, front to back.
 // Throws Failure.
 std::string layerKeyInHex(const Style& style);
 

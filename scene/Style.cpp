@@ -116,6 +116,10 @@ std::string shown(const Json& value) {
 // What a field takes in JSON.
 std::string wantedInJson(const Field& field) {
     if (std::holds_alternative<ShareField>(field.value)) return kShare.wanted();
+    if (std::holds_alternative<OffsetField>(field.value)) return "an array [X, Y] of whole pixels";
+    if (std::holds_alternative<CanvasField>(field.value)) {
+        return "a colour, or an object with a type, one of " + canvasKinds();
+    }
     Tint tint;
     if (std::holds_alternative<TintField>(field.value)) {
         return "an object with the keys " + namesOf(fieldsOf(tint));
@@ -137,35 +141,69 @@ public:
         Fields fields = fieldsOf(style);
         const Fields more = fieldsOf(notes);
         fields.insert(fields.end(), more.begin(), more.end());
-        readObject("", fields, "effects", json);
-        const auto effects = json.find("effects");
-        if (effects == json.end()) return notes;
-        if (!effects->is_array()) refuse("effects", shown(*effects) + " is not an array of effects");
-        std::vector<size_t> indices;  // of the kinds seen
-        for (size_t i = 0; i < effects->size(); ++i) {
-            EffectSettings settings = readEffect(element("effects", i), (*effects)[i]);
-            for (size_t earlier = 0; earlier < i; ++earlier) {
-                if (indices[earlier] == settings.index()) {
-                    refuse(element("effects", i) + ".type", std::string(kindOf(settings).name) +
-                                                                " is there already, as " +
-                                                                element("effects", earlier));
-                }
-            }
-            indices.push_back(settings.index());
-            style.designedFor[settings.index()] = notes.designedFor;
-            addOrReplace(style.effects, std::move(settings));
+        readObject("", fields, {"layers", "effects"}, json);
+        if (json.contains("layers")) {
+            if (json.contains("effects")) refuse("effects", "belong into the layers where there are some");
+            style.layers = readLayers(json["layers"], notes.designedFor);
+            style.layersDesignedFor = notes.designedFor;
         }
+        readEffects("", json, notes.designedFor, style);
         return notes;
     }
 
 private:
-    EffectSettings readEffect(const std::string& place, const Json& json) const {
+    // The object's "effects", if it has any.
+    void readEffects(const std::string& place, const Json& json, double designedFor, Look& look) const {
+        const std::string list = member(place, "effects");
+        const auto effects = json.find("effects");
+        if (effects == json.end()) return;
+        if (!effects->is_array()) refuse(list, shown(*effects) + " is not an array of effects");
+        std::vector<size_t> indices;  // of the kinds seen
+        for (size_t i = 0; i < effects->size(); ++i) {
+            EffectSettings settings =
+                readEffect(element(list, i), (*effects)[i], kindNames(), findEffectKind);
+            for (size_t earlier = 0; earlier < i; ++earlier) {
+                if (indices[earlier] == settings.index()) {
+                    refuse(element(list, i) + ".type", std::string(kindOf(settings).name) +
+                                                           " is there already, as " + element(list, earlier));
+                }
+            }
+            indices.push_back(settings.index());
+            look.designedFor[settings.index()] = designedFor;
+            addOrReplace(look.effects, std::move(settings));
+        }
+    }
+
+    std::vector<LayerSettings> readLayers(const Json& json, double designedFor) const {
+        if (!json.is_array() || json.empty() || json.size() > kMaxLayers) {
+            refuse("layers",
+                   shown(json) + " is not an array of 1 to " + std::to_string(kMaxLayers) + " layers");
+        }
+        std::vector<LayerSettings> layers;
+        for (const Json& object : json) {
+            const std::string place = element("layers", layers.size());
+            LayerSettings& layer = layers.emplace_back();
+            readObject(place, fieldsOf(layer), {"effects"}, object);
+            readEffects(place, object, designedFor, layer);
+        }
+        size_t base = layers.size();  // behind it all layers are clipped
+        while (base > 0 && layers[base - 1].clip) --base;
+        if (base < layers.size()) {
+            refuse(element("layers", layers.size() - 1) + ".clip",
+                   "there is no layer behind it to clip it to");
+        }
+        return layers;
+    }
+
+    // Of one of the kinds that `find` knows.
+    EffectSettings readEffect(const std::string& place, const Json& json, const std::string& names,
+                              const EffectKind* (*find)(const std::string&)) const {
         const auto type = json.is_object() ? json.find("type") : json.end();
-        if (type == json.end()) refuse(place, "it is not an object with a type, one of " + kindNames());
-        const EffectKind* kind = type->is_string() ? findEffectKind(type->get<std::string>()) : nullptr;
-        if (kind == nullptr) refuse(place + ".type", shown(*type) + " is not one of " + kindNames());
+        if (type == json.end()) refuse(place, "it is not an object with a type, one of " + names);
+        const EffectKind* kind = type->is_string() ? find(type->get<std::string>()) : nullptr;
+        if (kind == nullptr) refuse(place + ".type", shown(*type) + " is not one of " + names);
         EffectSettings settings = kind->defaults;
-        readObject(place, fieldsOf(settings), "type", json);
+        readObject(place, fieldsOf(settings), {"type"}, json);
         return settings;
     }
 
@@ -176,14 +214,16 @@ private:
         return names;
     }
 
-    // `otherKey` belongs to the object as well and is read elsewhere.
-    void readObject(const std::string& place, const Fields& fields, const char* otherKey,
+    // The other keys belong to the object as well and are read elsewhere.
+    void readObject(const std::string& place, const Fields& fields, const std::set<std::string>& otherKeys,
                     const Json& json) const {
-        const std::string keys = std::string(otherKey) + (*otherKey != '\0' ? ", " : "") + namesOf(fields);
+        std::string keys;
+        for (const std::string& key : otherKeys) keys += key + ", ";
+        keys += namesOf(fields);
         if (!json.is_object()) refuse(place, shown(json) + " is not an object with the keys " + keys);
         std::set<std::string> seen;
         for (const auto& [key, value] : json.items()) {
-            if (*otherKey != '\0' && key == otherKey) continue;
+            if (otherKeys.count(key) != 0) continue;
             const Field* field = nullptr;
             for (const Field& candidate : fields) {
                 if (key == candidate.name) field = &candidate;
@@ -219,15 +259,34 @@ private:
 
         void operator()(const NumberField& field) const { *field.value = number(field.range); }
         void operator()(const ShareField& field) const { *field.value = number(kShare); }
+        void operator()(const FlagField& field) const {
+            if (!json.is_boolean()) refuseValue();
+            *field.value = json.get<bool>();
+        }
+        void operator()(const OffsetField& field) const {
+            const Fields sides = fieldsOf(*field.value);
+            if (!json.is_array() || json.size() != sides.size()) refuseValue();
+            for (size_t i = 0; i < sides.size(); ++i) {
+                const Field& side = sides[i];
+                std::visit(ReadValue{reader, element(place, i), json[i], wantedBy(side)}, side.value);
+            }
+        }
+        void operator()(const CanvasField& field) const {
+            if (json.is_object()) {
+                *field.value = Canvas{reader.readEffect(place, json, canvasKinds(), findCanvasKind)};
+            } else {
+                readValue(place, {"", field}, text());
+            }
+        }
         void operator()(const TintField& field) const {
-            reader.readObject(place, fieldsOf(*field.value), "", json);
+            reader.readObject(place, fieldsOf(*field.value), {}, json);
         }
         void operator()(const StopsField& field) const {
             if (!json.is_array() || json.empty() || json.size() > kMaxStops) refuseValue();
             std::vector<Stop> stops;
             for (const Json& stop : json) {
                 const std::string at = element(place, stops.size());
-                reader.readObject(at, fieldsOf(stops.emplace_back()), "", stop);
+                reader.readObject(at, fieldsOf(stops.emplace_back()), {}, stop);
             }
             const size_t falling = findFallingStop(stops);
             if (falling < stops.size()) {
@@ -255,8 +314,18 @@ private:
 // --- Writing
 
 Json writeObject(const Fields& fields);
+Json writeEffect(EffectSettings settings);
 
 struct WriteValue {
+    Json operator()(const FlagField& field) const { return *field.value; }
+    Json operator()(const OffsetField& field) const {
+        return Json::array({numberJson(field.value->x), numberJson(field.value->y)});
+    }
+    Json operator()(const CanvasField& field) const {
+        if (!field.value->has_value()) return "";
+        const auto* settings = std::get_if<EffectSettings>(&(*field.value)->fill);
+        return settings != nullptr ? writeEffect(*settings) : Json(formatCanvas(**field.value));
+    }
     Json operator()(const NumberField& field) const { return numberJson(*field.value); }
     Json operator()(const ShareField& field) const { return numberJson(*field.value); }
     Json operator()(const TintField& field) const {
@@ -299,12 +368,47 @@ Json writeObject(const Fields& fields) {
     return object;
 }
 
+Json writeEffect(EffectSettings settings) {
+    Json effect = {{"type", kindOf(settings).name}};
+    effect.update(writeObject(fieldsOf(settings)));
+    return effect;
+}
+
+Json writeEffects(const Look& look) {
+    Json effects = Json::array();
+    for (const EffectSettings& settings : look.effects) effects.push_back(writeEffect(settings));
+    return effects;
+}
+
+// To `factor` times the pixels: whole ones, at least one where there was one.
+void fitFields(const Fields& fields, double factor) {
+    for (const Field& field : lengthsOf(fields)) {
+        const NumberField& number = std::get<NumberField>(field.value);
+        const double size = std::abs(*number.value);
+        double fitted = size * factor;
+        if (std::strcmp(number.range.unit, "px") == 0) {
+            fitted = std::max(std::round(fitted), size >= 1 ? 1.0 : 0.0);
+        }
+        *number.value = std::copysign(std::min(fitted, number.range.high), *number.value);
+    }
+}
+
+void fitLook(Look& look, double size) {
+    for (EffectSettings& settings : look.effects) {
+        const auto designed = look.designedFor.find(settings.index());
+        if (designed == look.designedFor.end() || designed->second == 0) continue;
+        fitFields(fieldsOf(settings), size / designed->second);
+    }
+    look.designedFor.clear();
+}
+
 }  // namespace
 
 Fields fieldsOf(Style& style) {
     return {{"size", NumberField{&style.size, kTextSize}},
             {"color", ColorField{&style.color}},
             {"background", OptionalColorField{&style.background}},
+            {"canvas", CanvasField{&style.canvas}},
             {"letter-spacing", NumberField{&style.letterSpacing, {-1, 10, "em"}}},
             {"features", TextField{&style.features}},
             {"opacity", ShareField{&style.opacity}}};
@@ -351,21 +455,30 @@ std::string presetList() {
 }
 
 void fitEffects(Style& style) {
-    for (EffectSettings& settings : style.effects) {
-        const auto designed = style.designedFor.find(settings.index());
-        if (designed == style.designedFor.end() || designed->second == 0) continue;
-        const double factor = style.size / designed->second;
-        for (const Field& field : fieldsOf(settings)) {
-            const auto* number = std::get_if<NumberField>(&field.value);
-            if (number == nullptr || !number->range.length) continue;
-            double fitted = *number->value * factor;
-            if (std::strcmp(number->range.unit, "px") == 0) {
-                fitted = std::max(std::round(fitted), *number->value >= 1 ? 1.0 : 0.0);
-            }
-            *number->value = std::min(fitted, number->range.high);
-        }
+    fitLook(style, style.size);
+    for (LayerSettings& layer : style.layers) {
+        if (style.layersDesignedFor != 0) fitFields(fieldsOf(layer), style.size / style.layersDesignedFor);
+        fitLook(layer, style.size);
     }
-    style.designedFor.clear();
+    style.layersDesignedFor = 0;
+}
+
+void checkLayers(const Style& style) {
+    if (style.layers.empty() || style.effects.empty()) return;
+    throw UsageError(std::string("--") + kindOf(style.effects[0]).name +
+                     ": the style has layers, and effects belong into one of them");
+}
+
+std::vector<const EffectSettings*> allEffects(const Style& style) {
+    std::vector<const EffectSettings*> all;
+    const auto add = [&](const Look& look) {
+        for (const EffectSettings& settings : look.effects) all.push_back(&settings);
+    };
+    add(style);
+    for (const LayerSettings& layer : style.layers) add(layer);
+    const auto* fill = style.canvas ? std::get_if<EffectSettings>(&style.canvas->fill) : nullptr;
+    if (fill != nullptr) all.push_back(fill);
+    return all;
 }
 
 void readStyleText(const std::string& option, const std::string& text, Style& style,
@@ -380,12 +493,12 @@ void readStyleText(const std::string& option, const std::string& text, Style& st
 std::string writeStyle(const Style& style) {
     Style copy = style;
     Json json = writeObject(fieldsOf(copy));
-    json["effects"] = Json::array();
-    for (EffectSettings& settings : copy.effects) {
-        Json effect = {{"type", kindOf(settings).name}};
-        effect.update(writeObject(fieldsOf(settings)));
-        json["effects"].push_back(std::move(effect));
+    for (LayerSettings& layer : copy.layers) {
+        Json object = writeObject(fieldsOf(layer));
+        object["effects"] = writeEffects(layer);
+        json["layers"].push_back(std::move(object));
     }
+    if (copy.layers.empty()) json["effects"] = writeEffects(copy);
     try {
         (void)json.dump();  // throws
         return dumpJson(json, 2) + "\n";

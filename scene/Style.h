@@ -3,7 +3,6 @@
 #define ZVEX_SCENE_STYLE_H_
 
 #include <cstdint>
-#include <map>
 #include <optional>
 #include <string>
 #include <vector>
@@ -11,21 +10,22 @@
 #include "scene/Effects.h"
 #include "scene/Fields.h"
 #include "scene/FolderScope.h"
+#include "scene/Layers.h"
 
 namespace Zvex::scene {
 
 // How a text looks, apart from its font, its words and where it stands: what a style file holds.
-struct Style {
+struct Style : Look {
     double size = 96;  // pixels per em
     uint32_t color = 0xFF000000;
-    std::optional<uint32_t> background;   // behind each line
-    double letterSpacing = 0;             // ems
-    std::string features;                 // OpenType features, "smcp, -liga"
-    double opacity = 1;                   // of the whole picture
-    std::vector<EffectSettings> effects;  // at most one of each kind, added in this order
-
-    // The text size that the effects of a kind, by its index, are drawn for; none: they are used as they are.
-    std::map<size_t, double> designedFor;
+    std::optional<uint32_t> background;  // behind each line
+    std::optional<Canvas> canvas;        // behind everything, over the whole picture
+    double letterSpacing = 0;            // ems
+    std::string features;                // OpenType features, "smcp, -liga"
+    double opacity = 1;                  // of the whole picture
+    // From the front to the back; the effects are theirs then, and the style has none.
+    std::vector<LayerSettings> layers;
+    double layersDesignedFor = 0;  // the text size that their spreads and offsets are meant for; 0: any
 };
 
 // What a style file says of itself.
@@ -35,7 +35,7 @@ struct StyleNotes {
     double designedFor = 0;   // the text size that its effects' pixels are meant for; 0: any
 };
 
-// All but the effects.
+// All but the effects and the layers.
 Fields fieldsOf(Style& style);
 Fields fieldsOf(StyleNotes& notes);
 
@@ -43,6 +43,11 @@ Fields fieldsOf(StyleNotes& notes);
 // "effects", an array of objects which hold "type", an effect's name, and the effect's keys:
 //
 //     {"size": 96, "color": "#ff8800", "effects": [{"type": "stroke", "width": 8, "color": "#202020"}]}
+//
+// In the place of "effects" it may hold "layers", an array of objects from the front to the back, with the
+// keys of fieldsOf(LayerSettings&) and their own "effects":
+//
+//     {"layers": [{"color": "#fff"}, {"spread": 6, "color": "#c03"}, {"spread": 12, "color": "#222"}]}
 //
 // Numbers and opacities are numbers, choices and colours strings as on the command line; stops are objects
 // {"color", "position", "opacity"} and highlight and shadow objects {"color", "opacity"}. Nothing has to be
@@ -52,14 +57,21 @@ Fields fieldsOf(StyleNotes& notes);
 // with the text: what is 8 pixels for a text of 100 is 24 for one of 300.
 
 // Reads a style file into `style`, "-" being standard input: what the file sets is replaced, its effects are
-// added or replace those of their kind. Throws Failure with one line that starts with `option` and names the
-// file, the place in it ("effects[2].stops[0].position") and what is accepted there. The file itself lies in
-// `scope`; patterns are looked for where `reads` allows it as well, once they are drawn.
+// added or replace those of their kind, its layers replace those before. Throws Failure with one line that
+// starts with `option` and names the file, the place in it ("effects[2].stops[0].position") and what is
+// accepted there. The file itself lies in `scope`; patterns are looked for where `reads` allows it as well,
+// once they are drawn.
 StyleNotes readStyle(const std::string& option, const std::string& path, Style& style,
                      const ReadOptions& reads = {}, const FolderScope& scope = {});
 
 // The same with one of the presets; throws UsageError, which lists them, where there is none of that name.
 StyleNotes readPreset(const std::string& option, const std::string& name, Style& style);
+
+// Throws UsageError where a style with layers has effects beside them, which only options can bring about.
+void checkLayers(const Style& style);
+
+// All effects that the style draws, those of its layers and its canvas too.
+std::vector<const EffectSettings*> allEffects(const Style& style);
 
 // Once the size is known: brings the lengths of effects that are designed for another one to it, pixels in
 // whole ones, no further than an effect can be set. What was at least a pixel stays one.

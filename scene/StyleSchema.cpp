@@ -13,6 +13,7 @@ namespace {
 Json ofNumber(const NumberRange& range) {
     Json schema = {{"type", "number"}};
     if (!std::isfinite(range.low)) return schema;
+    if (range.whole) schema["type"] = "integer";
     schema[range.exclusiveLow ? "exclusiveMinimum" : "minimum"] = numberJson(range.low);
     schema["maximum"] = numberJson(range.high);
     return schema;
@@ -34,6 +35,23 @@ struct OfValue {
         for (const auto& choice : field.choices) names.push_back(choice.first);
         return {{"enum", names}};
     }
+    Json operator()(const FlagField&) const { return {{"type", "boolean"}}; }
+    Json operator()(const OffsetField& field) const {
+        const Fields sides = fieldsOf(*field.value);
+        return {{"description", "pixels to the right and down"},
+                {"type", "array"},
+                {"items", std::visit(*this, sides[0].value)},
+                {"minItems", sides.size()},
+                {"maxItems", sides.size()}};
+    }
+    Json operator()(const CanvasField&) const {
+        Json fills = Json::array({{{"$ref", "#/$defs/color"}}});
+        for (const EffectKind& kind : effectKinds()) {
+            if (findCanvasKind(kind.name) != nullptr)
+                fills.push_back({{"$ref", std::string("#/$defs/") + kind.name}});
+        }
+        return {{"description", "behind everything, over the whole picture"}, {"oneOf", fills}};
+    }
     Json operator()(const TintField&) const { return {{"$ref", "#/$defs/tint"}}; }
     Json operator()(const StopsField&) const { return {{"$ref", "#/$defs/stops"}}; }
     Json operator()(const TextField&) const { return {{"type", "string"}, {"maxLength", kMaxFieldBytes}}; }
@@ -50,6 +68,7 @@ struct DefaultOf {
     Json operator()(const ShareField& field) const { return numberJson(*field.value); }
     Json operator()(const ColorField& field) const { return formatColor(*field.value); }
     Json operator()(const ChoiceField& field) const { return formatValue({"", field}); }
+    Json operator()(const FlagField& field) const { return *field.value; }
     template <typename Other>
     Json operator()(const Other&) const {
         return nullptr;
@@ -105,6 +124,17 @@ Json ofEffects() {
             {"allOf", std::move(once)}};
 }
 
+Json ofLayers() {
+    LayerSettings layer;
+    Json object = ofObject(fieldsOf(layer));
+    object["properties"]["effects"] = {{"$ref", "#/$defs/effects"}};
+    return {{"description", "from the front to the back, in the place of effects"},
+            {"type", "array"},
+            {"items", std::move(object)},
+            {"minItems", 1},
+            {"maxItems", kMaxLayers}};
+}
+
 }  // namespace
 
 std::string styleSchema() {
@@ -120,7 +150,9 @@ std::string styleSchema() {
                    {"description", "How a text looks. Comments are allowed; stops never fall in position."}};
     schema.update(ofObject(fields));
     schema["properties"]["designed-for"].erase("default");
-    schema["properties"]["effects"] = ofEffects();
+    schema["properties"]["effects"] = {{"$ref", "#/$defs/effects"}};
+    schema["properties"]["layers"] = ofLayers();
+    schema["not"] = {{"required", {"effects", "layers"}}};
     Json& parts = schema["$defs"];
     parts["color"] = {{"description", "#rgb, #rrggbb or #aarrggbb"},
                       {"type", "string"},
@@ -128,6 +160,7 @@ std::string styleSchema() {
     parts["tint"] = ofObject(fieldsOf(tint));
     parts["stops"] = {
         {"type", "array"}, {"items", ofObject(fieldsOf(stop))}, {"minItems", 1}, {"maxItems", kMaxStops}};
+    parts["effects"] = ofEffects();
     for (const EffectKind& kind : effectKinds()) parts[kind.name] = ofEffect(kind);
     return schema.dump(2) + "\n";
 }

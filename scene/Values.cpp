@@ -38,16 +38,23 @@ uint32_t parseColor(const std::string& option, const std::string& text) {
 }
 
 bool NumberRange::contains(double value) const {
+    if (whole && value != std::trunc(value)) return false;
     return std::isfinite(value) && value <= high && (exclusiveLow ? value > low : value >= low);
 }
 
 std::string NumberRange::wanted() const {
-    std::string text = "a number";
+    std::string text = whole ? "a whole number" : "a number";
     if (std::isfinite(low)) {
         text += (exclusiveLow ? " above " : " from ") + formatNumber(low) +
                 (exclusiveLow ? " and up to " : " to ") + formatNumber(high);
     }
     return *unit != '\0' ? text + " (" + unit + ")" : text;
+}
+
+double NumberRange::scaled(double value, double factor) const {
+    // 2.9 * 10 as a person means it: the library drops fractions, so a product must not fall just short.
+    const double product = std::round(value * factor * 1e9) / 1e9;
+    return whole ? std::round(product) : product;
 }
 
 double parseNumber(const std::string& option, const std::string& text, const NumberRange& range) {

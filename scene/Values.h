@@ -21,9 +21,12 @@ struct NumberRange {
     const char* unit = "";     // may follow the number: "px", "deg", "%"
     bool exclusiveLow = false;
     bool length = false;  // in the picture: --scale multiplies it
+    bool whole = false;   // without a fraction
 
     bool contains(double value) const;
     std::string wanted() const;  // "a number from 0 to 100 (px)", for messages and help
+    // The value times `factor`, a whole one where that is asked for; it may lie outside.
+    double scaled(double value, double factor) const;
 };
 
 // A decimal number in the range, with its unit or without.

@@ -117,7 +117,8 @@ TEST_F(StyleFile, RefusalsNameThePlaceAndWhatIsAccepted) {
         "outer-shadow, inner-shadow, outer-glow, inner-glow, linear-gradient, radial-gradient, stroke, "
         "pattern, bevel, emboss";
     const std::string keys =
-        "effects, size, color, background, letter-spacing, features, opacity, $schema, description, "
+        "effects, layers, size, color, background, canvas, letter-spacing, features, opacity, $schema, "
+        "description, "
         "designed-for";
     std::string manyStops = "[" + stop;
     for (size_t i = 1; i <= kMaxStops; ++i) manyStops += "," + stop;
@@ -156,6 +157,22 @@ TEST_F(StyleFile, RefusalsNameThePlaceAndWhatIsAccepted) {
          "effects[0].file: \"\" is not the path of a file"},
         {R"({"effects": [{"type": "linear-gradient"}]})",
          "effects[0].stops: is missing; it takes " + stopsWanted},
+        {R"({"layers": 1})", "layers: 1 is not an array of 1 to 32 layers"},
+        {R"({"layers": [{}], "effects": []})", "effects: belong into the layers where there are some"},
+        {R"({"layers": [{}, {"clip": true}, {"clip": true}]})",
+         "layers[2].clip: there is no layer behind it to clip it to"},
+        {R"({"layers": [{"spread": 1.5}]})",
+         "layers[0].spread: 1.5 is not a whole number from -100 to 100 (px)"},
+        {R"({"layers": [{"offset": 3}]})", "layers[0].offset: 3 is not an array [X, Y] of whole pixels"},
+        {R"({"layers": [{"offset": [0, 1e4]}]})",
+         "layers[0].offset[1]: 10000.0 is not a whole number from -1000 to 1000 (px)"},
+        {R"({"layers": [{}, {"effects": [{"type": "stroke"}, {"type": "stroke"}]}]})",
+         "layers[1].effects[1].type: stroke is there already, as layers[1].effects[0]"},
+        {R"({"canvas": "white"})",
+         "canvas: 'white' is not a canvas; write a colour, or KIND:KEY=VALUE,... with one of the kinds "
+         "linear-gradient, radial-gradient, pattern"},
+        {R"({"canvas": {"type": "bevel"}})",
+         "canvas.type: \"bevel\" is not one of linear-gradient, radial-gradient, pattern"},
         {gradient + "[]}]}", "effects[1].stops: [] is not " + stopsWanted},
         {gradient + manyStops + "]}]}", "effects[1].stops: this array is not " + stopsWanted},
         {gradient + "[" + stop + R"(, {"color": "#fff", "position": 101}]}]})",

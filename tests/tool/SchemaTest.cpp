@@ -40,6 +40,8 @@ private:
         }
         if (keyword == "const") return value == operand;
         if (keyword == "enum") return std::count(operand.begin(), operand.end(), value) > 0;
+        if (keyword == "not") return !accepts(operand, value);
+        if (operand == "integer") return value.is_number() && value == std::floor(value.get<double>());
         if (keyword == "type") return operand == (value.is_number() ? "number" : value.type_name());
         if (keyword == "minimum") return !value.is_number() || value >= operand;
         if (keyword == "maximum") return !value.is_number() || value <= operand;
@@ -120,7 +122,10 @@ TEST_F(Schema, TakesWhatTheProgramTakes) {
             R"("emboss", "style": "double", "technique": "hard", "direction": "down", "size": 100, "depth": 10,
             "altitude": 89, "soften": 16, "highlight": {"color": "#000", "opacity": 1}, "opacity": 0.5)"),
         effect(R"("pattern", "file": ")" + write("a.txt", "").string() + R"(", "scale": 10)"),
-        effect(R"("stroke"}, {"type": "outer-glow", "stops": [)" + stop + "]")};
+        effect(R"("stroke"}, {"type": "outer-glow", "stops": [)" + stop + "]"),
+        R"({"canvas": "#fff", "layers": [{"spread": -100, "offset": [-1000, 1000], "blend": "color-dodge",
+            "clip": true, "knockout": true, "opacity": 0, "effects": []}, {"color": "#80ffffff"}]})",
+        R"({"canvas": {"type": "radial-gradient", "stops": [)" + stop + "]}}"};
     for (const std::string& style : right) EXPECT_TRUE(taken(style)) << style;
     std::string manyStops = stop;
     for (int i = 0; i < 256; ++i) manyStops += "," + stop;
@@ -136,6 +141,17 @@ TEST_F(Schema, TakesWhatTheProgramTakes) {
                                  R"({"opacity": 1.1})",
                                  R"({"letter-spacing": -2})",
                                  R"({"effects": {}})",
+                                 R"({"effects": [], "layers": [{}]})",
+                                 R"({"layers": []})",
+                                 R"({"layers": [{"spread": 0.5}]})",
+                                 R"({"layers": [{"spread": 101}]})",
+                                 R"({"layers": [{"offset": [1]}]})",
+                                 R"({"layers": [{"offset": [1, 2000]}]})",
+                                 R"({"layers": [{"blend": "add"}]})",
+                                 R"({"layers": [{"knockout": 1}]})",
+                                 R"({"layers": [{"layers": []}]})",
+                                 R"({"canvas": "white"})",
+                                 R"({"canvas": {"type": "stroke"}})",
                                  R"({"effects": [1]})",
                                  R"({"effects": [{}]})",
                                  effect(R"("blur")"),

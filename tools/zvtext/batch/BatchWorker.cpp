@@ -209,8 +209,8 @@ private:
             if (isNew) mark->second = fileMark(choice.path);
             digest.add(mark->second);
         }
-        for (const EffectSettings& effect : scene.style.effects) {
-            const auto* pattern = std::get_if<PatternSettings>(&effect);
+        for (const EffectSettings* effect : allEffects(scene.style)) {
+            const auto* pattern = std::get_if<PatternSettings>(effect);
             if (pattern == nullptr) continue;
             if (!pattern->scope.isAnywhere()) pattern->scope.openFile("--pattern", pattern->file);
             digest.add(fileMark(pattern->file));

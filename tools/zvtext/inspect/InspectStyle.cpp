@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "scene/Json.h"
+#include "scene/LayeredScene.h"
 #include "scene/Presets.h"
 #include "scene/Scene.h"
 #include "scene/Style.h"
@@ -20,6 +21,9 @@ namespace {
 // the mask; then what each effect holds beyond that. Measured on text that fills a picture of 8 million
 // pixels.
 constexpr double kPictureBytes = 9;
+// With layers, the picture that these are joined on and the text's coverage; and for each its own picture and
+// its spread coverage.
+constexpr double kJoinedBytes = 5, kLayerBytes = 5;
 
 double layerBytes(const EffectSettings& settings) {
     if (std::holds_alternative<BevelSettings>(settings)) return 2.5;
@@ -27,27 +31,57 @@ double layerBytes(const EffectSettings& settings) {
     return 0.25;
 }
 
-// The effects from the topmost to the lowest, the text's own fill among them.
-Json layersOf(Zvex::ZvEffect& stack, Style& style) {
-    stack.addText(style.color);
+Json entryOf(const std::string& type, const Fields& fields) {
+    Json entry = {{"type", type}};
+    for (const Field& field : fields) {
+        const std::string value = formatValue(field);
+        if (!value.empty()) entry[field.name] = value;
+    }
+    return entry;
+}
+
+// Appends the effects from the topmost to the lowest, the text's own fill among them.
+void addEntries(Json& layers, Look& look, uint32_t color) {
+    Zvex::ZvEffect stack;
+    addEffects(stack, look.effects);
+    stack.addText(color);
     stack.initEffect(1, 1);
-    Json layers = Json::array();
     for (Zvex::ZvECore* layer : stack.layers) {
         // Layers are made in the order of the effects, the text's last.
         const auto place = static_cast<size_t>(std::find(stack.effects.begin(), stack.effects.end(), layer) -
                                                stack.effects.begin());
-        if (place >= style.effects.size()) {
-            layers.push_back({{"type", "text"}, {"color", formatColor(style.color)}});
-            continue;
+        if (place >= look.effects.size()) {
+            layers.push_back({{"type", "text"}, {"color", formatColor(color)}});
+        } else {
+            layers.push_back(entryOf(kindOf(look.effects[place]).name, fieldsOf(look.effects[place])));
         }
-        Json entry = {{"type", kindOf(style.effects[place]).name}};
-        for (const Field& field : fieldsOf(style.effects[place])) {
-            const std::string value = formatValue(field);
-            if (!value.empty()) entry[field.name] = value;
-        }
-        layers.push_back(std::move(entry));
+    }
+}
+
+// A style's own layers each open with an entry of their settings.
+Json layersOf(Style& style) {
+    Json layers = Json::array();
+    if (style.layers.empty()) addEntries(layers, style, style.color);
+    for (LayerSettings& layer : style.layers) {
+        layers.push_back(entryOf("layer", fieldsOf(layer)));
+        addEntries(layers, layer, layer.color.value_or(style.color));
     }
     return layers;
+}
+
+double bytesPerPixel(const Style& style) {
+    double bytes = kPictureBytes;
+    if (LayeredScene::isFor(style))
+        bytes += kJoinedBytes + kLayerBytes * std::max<size_t>(style.layers.size(), 1);
+    for (const EffectSettings& settings : style.effects) bytes += layerBytes(settings);
+    // One layer is drawn at a time.
+    double largest = 0;
+    for (const LayerSettings& layer : style.layers) {
+        double own = 0;
+        for (const EffectSettings& settings : layer.effects) own += layerBytes(settings);
+        largest = std::max(largest, own);
+    }
+    return bytes + largest;
 }
 
 void runInspectStyle(const InspectStyleArguments& a) {
@@ -61,19 +95,16 @@ void runInspectStyle(const InspectStyleArguments& a) {
     const int width = parseInteger("--width", a.width, 1, kMaxSide);
     const int height = parseInteger("--height", a.height, 1, kMaxSide);
 
-    Zvex::ZvEffect stack;
-    addEffects(stack, style.effects);
-    Json layers = layersOf(stack, style);
-    const int left = stack.getLeftOffset(), top = stack.getTopOffset();
-    const int right = stack.getRightOffset(), bottom = stack.getBottomOffset();
-    double bytes = kPictureBytes;
-    for (const EffectSettings& settings : style.effects) bytes += layerBytes(settings);
+    const LayerStacks stacks(style);
+    const auto [left, top, right, bottom] = Zvex::marginsOf(stacks.layers.data(), stacks.layers.size());
+    const double bytes = bytesPerPixel(style);
     const double pixels = double(width + left + right) * double(height + top + bottom);
     Json report = {{"style", a.style}};
     if (!notes.description.empty()) report["description"] = notes.description;
     report["size"] = numberJson(style.size);
     report["margins"] = {{"left", left}, {"top", top}, {"right", right}, {"bottom", bottom}};
-    report["layers"] = std::move(layers);
+    if (style.canvas) report["canvas"] = formatCanvas(*style.canvas);
+    report["layers"] = layersOf(style);
     report["picture"] = {{"width", width + left + right}, {"height", height + top + bottom}};
     report["memory"] = {{"bytes-per-pixel", bytes},
                         {"megabytes", numberJson(std::ceil(pixels * bytes / 1e5) / 10)}};

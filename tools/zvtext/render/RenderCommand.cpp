@@ -101,6 +101,10 @@ void addStyleOptions(CLI::App& command, RenderArguments& a) {
         ->type_name("COLOR")
         ->default_str(formatColor(Style().color));
     addStyleOption(command, a, "background", "Fill behind each line; none without it")->type_name("COLOR");
+    addStyleOption(command, a, "canvas",
+                   "Ground of the whole picture: a colour, or linear-gradient:, radial-gradient: or pattern: "
+                   "and what that effect takes")
+        ->type_name("CANVAS");
     addStyleOption(command, a, "letter-spacing", "Extra space between letters, in ems, -1 to 10")
         ->type_name("EM")
         ->default_str("0");
@@ -110,7 +114,7 @@ void addStyleOptions(CLI::App& command, RenderArguments& a) {
         ->type_name("SHARE")
         ->default_str("1");
     addStyleOption(command, a, "style",
-                   "Take effects and any of the six options above from a JSON file, or from {...} itself")
+                   "Take effects and any of the seven options above from a JSON file, or from {...} itself")
         ->type_name("FILE");
     addStyleOption(command, a, "preset",
                    "The same from a style of the program's own; zvtext presets lists them")
@@ -201,6 +205,17 @@ void addRenderOptions(CLI::App& command, RenderArguments& a) {
         "The exit status is 0, 1 where a file or the machine failed, or 2 where the command line was wrong.");
 }
 
+namespace {
+
+// A pattern that an option names lies where a style may read.
+void limitCanvas(Style& style, const FolderScope& scope) {
+    auto* fill = std::get_if<EffectSettings>(&style.canvas->fill);
+    auto* pattern = fill != nullptr ? std::get_if<PatternSettings>(fill) : nullptr;
+    if (pattern != nullptr) pattern->scope = scope;
+}
+
+}  // namespace
+
 Style readStyleParts(const RenderArguments& arguments) {
     Style style = arguments.start;
     for (const auto& [name, value] : arguments.style) {
@@ -223,7 +238,9 @@ Style readStyleParts(const RenderArguments& arguments) {
         for (const Field& field : fieldsOf(style)) {
             if (name == field.name) readValue("--" + name, field, value);
         }
+        if (name == "canvas") limitCanvas(style, arguments.scopes.style);
     }
+    checkLayers(style);
     return style;
 }
 

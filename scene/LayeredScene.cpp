@@ -1,0 +1,114 @@
+// SPDX-License-Identifier: Apache-2.0
+//
+// The text object lays the text out and rasterises it once, and draws nothing but the background; its
+// coverage goes through the layers' own stacks.
+
+#include "scene/LayeredScene.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "effect/Canvas.h"
+#include "effect/LayerJoin.h"
+#include "raster/ZvBitmap.h"
+#include "text/ZvView.h"
+#include "scene/Failure.h"
+
+namespace Zvex::scene {
+
+namespace {
+
+using Zvex::ZvBitmap;
+using Zvex::ZvRect;
+using Zvex::ZvView;
+
+// Where text may show: everywhere but in the paddings, save the one on the side that the gravity pulls to.
+ZvRect clipOf(const ZvView& view) {
+    const int horizontal = view.gravity & ZvView::HORIZONTAL_MASK;
+    const int vertical = view.gravity & ZvView::VERTICAL_MASK;
+    return ZvRect(horizontal == ZvView::LEFT ? 0 : view.paddingLeft,
+                  vertical == ZvView::TOP ? 0 : view.paddingTop,
+                  view.bitmapWidth - (horizontal == ZvView::RIGHT ? 0 : view.paddingRight),
+                  view.bitmapHeight - (vertical == ZvView::BOTTOM ? 0 : view.paddingBottom));
+}
+
+[[noreturn]] void refuseForMemory() {
+    throw Failure("TEXT: not enough memory for the picture");
+}
+
+ZvBitmap emptyPicture(int width, int height) {
+    ZvBitmap picture(static_cast<unsigned>(width), static_cast<unsigned>(height), 4);
+    if (picture.pixels == nullptr) refuseForMemory();
+    return picture;
+}
+
+void fillGround(const Canvas& canvas, ZvBitmap& picture) {
+    if (const auto* color = std::get_if<uint32_t>(&canvas.fill)) {
+        Zvex::fillCanvas(&picture, *color);
+        return;
+    }
+    Zvex::ZvEffect fill;
+    addEffects(fill, {std::get<EffectSettings>(canvas.fill)});
+    Zvex::fillCanvas(&picture, &fill);
+}
+
+}  // namespace
+
+LayerStacks::LayerStacks(const Style& style) {
+    for (auto settings = style.layers.rbegin(); settings != style.layers.rend(); ++settings) {
+        add(*settings, settings->color.value_or(style.color));
+        Zvex::TextLayer& layer = layers.back();
+        layer.spread = static_cast<int>(settings->spread);
+        layer.x = static_cast<int>(settings->offset.x);
+        layer.y = static_cast<int>(settings->offset.y);
+        layer.blend = static_cast<Zvex::LayerBlend>(settings->blend);
+        layer.opacity = static_cast<float>(settings->opacity);
+        layer.clipped = settings->clip;
+        layer.knockout = settings->knockout;
+    }
+    if (style.layers.empty()) add(style, style.color);
+}
+
+void LayerStacks::add(const Look& look, uint32_t color) {
+    stacks.push_back(std::make_unique<Zvex::ZvEffect>());
+    addEffects(*stacks.back(), look.effects);
+    stacks.back()->addText(color);
+    layers.emplace_back().effect = stacks.back().get();
+}
+
+LayeredScene::LayeredScene(const Style& style, Zvex::ZvTextObject& object)
+    : mStyle(style), mObject(object), mStacks(style) {
+    auto coverage = std::make_unique<Zvex::TextCoverage>();
+    coverage->margins = Zvex::marginsOf(mStacks.layers.data(), mStacks.layers.size());
+    Zvex::ZvEffect& stack = *object.GetEffect();
+    stack.effects.push_back(coverage.get());
+    mCoverage = coverage.release();
+    object.SetTextColor(0);
+    object.SetBackgroundColor(style.background.value_or(0), style.background.has_value());
+}
+
+Picture LayeredScene::render(int width, int height) {
+    const uint32_t* words = mObject.RenderTextEffect(width, height);
+    ZvBitmap picture = emptyPicture(width, height);
+    if (words == nullptr) refuseForMemory();
+    if (mStyle.canvas) fillGround(*mStyle.canvas, picture);
+    if (mStyle.background) {
+        const ZvBitmap background(picture.width, picture.height,
+                                  reinterpret_cast<const unsigned char*>(words), 4);
+        Zvex::JoinedLayer layer;
+        layer.picture = &background;
+        Zvex::joinLayers(&picture, &layer, 1);
+    }
+    if (!Zvex::drawTextLayers(&picture, *mCoverage, mStacks.layers.data(), mStacks.layers.size(),
+                              clipOf(*mObject.GetView()), static_cast<float>(mStyle.opacity))) {
+        refuseForMemory();
+    }
+    Picture result;
+    result.width = width;
+    result.height = height;
+    result.pixels.resize(picture.byteCount() / 4);
+    std::memcpy(result.pixels.data(), picture.pixels, picture.byteCount());
+    return result;
+}
+
+}  // namespace Zvex::scene

@@ -1,0 +1,48 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef ZVEX_SCENE_LAYEREDSCENE_H_
+#define ZVEX_SCENE_LAYEREDSCENE_H_
+
+#include <memory>
+#include <vector>
+
+#include "effect/TextLayers.h"
+#include "effect/ZvEffect.h"
+#include "text/ZvTextObject.h"
+#include "scene/Picture.h"
+#include "scene/Style.h"
+
+namespace Zvex::scene {
+
+// The stacks of a style's layers, or of its effects as the only layer. Throws Failure as addEffects does.
+struct LayerStacks {
+    explicit LayerStacks(const Style& style);
+
+    std::vector<std::unique_ptr<Zvex::ZvEffect>> stacks;
+    std::vector<Zvex::TextLayer> layers;  // from the back, with these stacks
+
+private:
+    void add(const Look& look, uint32_t color);
+};
+
+// What draws a style with layers, or with a canvas.
+class LayeredScene {
+public:
+    static bool isFor(const Style& style) { return !style.layers.empty() || style.canvas.has_value(); }
+
+    // Sets up the object's colours and its effects, which ask for the layers' margins. The object and the
+    // style must stay. Throws Failure.
+    LayeredScene(const Style& style, Zvex::ZvTextObject& object);
+
+    // The object's lines and view are made. Throws Failure when memory is short.
+    Picture render(int width, int height);
+
+private:
+    const Style& mStyle;
+    Zvex::ZvTextObject& mObject;
+    const LayerStacks mStacks;
+    Zvex::TextCoverage* mCoverage;  // the object's
+};
+
+}  // namespace Zvex::scene
+
+#endif  // ZVEX_SCENE_LAYEREDSCENE_H_

@@ -1,0 +1,87 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "scene/Layers.h"
+
+#include "effect/Spread.h"
+#include "raster/LayerBlend.h"
+#include "scene/Failure.h"
+
+namespace Zvex::scene {
+
+namespace {
+
+using Zvex::LayerBlend;
+
+constexpr NumberRange kSpread = {-Zvex::MAX_SPREAD, Zvex::MAX_SPREAD, "px", false, true, true};
+
+ChoiceField blendField(int* blend) {
+    static const std::pair<const char*, LayerBlend> kNames[] = {{"normal", LayerBlend::Normal},
+                                                                {"multiply", LayerBlend::Multiply},
+                                                                {"screen", LayerBlend::Screen},
+                                                                {"overlay", LayerBlend::Overlay},
+                                                                {"darken", LayerBlend::Darken},
+                                                                {"lighten", LayerBlend::Lighten},
+                                                                {"color-dodge", LayerBlend::ColorDodge},
+                                                                {"color-burn", LayerBlend::ColorBurn},
+                                                                {"hard-light", LayerBlend::HardLight},
+                                                                {"soft-light", LayerBlend::SoftLight},
+                                                                {"difference", LayerBlend::Difference},
+                                                                {"exclusion", LayerBlend::Exclusion},
+                                                                {"hue", LayerBlend::Hue},
+                                                                {"saturation", LayerBlend::Saturation},
+                                                                {"color", LayerBlend::Color},
+                                                                {"luminosity", LayerBlend::Luminosity},
+                                                                {"plus-lighter", LayerBlend::PlusLighter}};
+    ChoiceField field = {blend, {}};
+    for (const auto& [name, mode] : kNames) field.choices.emplace_back(name, static_cast<int>(mode));
+    return field;
+}
+
+}  // namespace
+
+Fields fieldsOf(LayerSettings& layer) {
+    return {{"color", OptionalColorField{&layer.color}},
+            {"opacity", ShareField{&layer.opacity}},
+            {"spread", NumberField{&layer.spread, kSpread}},
+            {"offset", OffsetField{&layer.offset}},
+            {"blend", blendField(&layer.blend)},
+            {"clip", FlagField{&layer.clip}},
+            {"knockout", FlagField{&layer.knockout}}};
+}
+
+std::string canvasKinds() {
+    std::string names;
+    for (const EffectKind& kind : effectKinds()) {
+        if (findCanvasKind(kind.name) != nullptr)
+            names += (names.empty() ? "" : ", ") + std::string(kind.name);
+    }
+    return names;
+}
+
+const EffectKind* findCanvasKind(const std::string& name) {
+    const EffectKind* kind = findEffectKind(name);
+    const bool fills = kind != nullptr && (std::holds_alternative<LinearGradientSettings>(kind->defaults) ||
+                                           std::holds_alternative<RadialGradientSettings>(kind->defaults) ||
+                                           std::holds_alternative<PatternSettings>(kind->defaults));
+    return fills ? kind : nullptr;
+}
+
+Canvas parseCanvas(const std::string& where, const std::string& text) {
+    if (!text.empty() && text[0] == '#') return {parseColor(where, text)};
+    const size_t colon = text.find(':');
+    const EffectKind* kind = findCanvasKind(text.substr(0, colon));
+    if (kind == nullptr || colon == std::string::npos) {
+        throw UsageError(where + ": '" + text + "' is not " + kWantedCanvas + canvasKinds());
+    }
+    return {parseEffect(where + " " + kind->name, *kind, text.substr(colon + 1))};
+}
+
+std::string formatCanvas(const Canvas& canvas) {
+    if (const auto* color = std::get_if<uint32_t>(&canvas.fill)) return formatColor(*color);
+    EffectSettings settings = std::get<EffectSettings>(canvas.fill);
+    std::string text;
+    for (const Field& field : fieldsOf(settings))
+        text += (text.empty() ? ":" : ",") + std::string(field.name) + "=" + formatValue(field);
+    return kindOf(settings).name + text;
+}
+
+}  // namespace Zvex::scene
