@@ -11,8 +11,8 @@
 #include "effect/Canvas.h"
 #include "effect/LayerJoin.h"
 #include "raster/ZvBitmap.h"
-#include "text/ZvView.h"
 #include "scene/Failure.h"
+#include "text/ZvView.h"
 
 namespace Zvex::scene {
 

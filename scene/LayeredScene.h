@@ -7,9 +7,9 @@
 
 #include "effect/TextLayers.h"
 #include "effect/ZvEffect.h"
-#include "text/ZvTextObject.h"
 #include "scene/Picture.h"
 #include "scene/Style.h"
+#include "text/ZvTextObject.h"
 
 namespace Zvex::scene {
 
