@@ -1,5 +1,6 @@
-// SPDX-License-Identifier: Apache-2.0 The conversions between wide text, UTF-8 and UTF-16. They do not use
-// the C library, because its locale must not change what a text says.
+// SPDX-License-Identifier: Apache-2.0
+// The conversions between wide text, UTF-8 and UTF-16. They do not use the C library, because its locale must
+// not change what a text says.
 #include "foundation/ZvStringImpl.h"
 
 #include <algorithm>

@@ -36,12 +36,10 @@ public:
     // Decodes `byteCount` bytes into UTF-16 units and writes a 0 after them; `target` has room for
     // GetUTF16Size(...) + 1 units. Returns the units before the 0. By lead byte:
     //   0xxxxxxx, 110xxxxx, 1110xxxx   one unit
-    //   11110xxx                       two units; the high one is made of the second and third byte alone,
-    //   which
-    //                                  is right for U+10000 to U+1FFFF and keeps the low 16 bits elsewhere
+    //   11110xxx                       two units, right for U+10000 to U+1FFFF: the high one is made of the
+    //                                  second and third byte alone and keeps the low 16 bits
     //   111110xx, 1111110x             U+25A1, a white square
-    //   anything else                  ends the conversion, as does a sequence that the end of the text cuts
-    //   off
+    //   anything else                  ends the conversion, as does a truncated sequence
     // Continuation bytes are not checked.
     static int Mbstowcs(uint16_t* target, const char* utf8, int byteCount);
 };

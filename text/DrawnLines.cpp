@@ -18,9 +18,9 @@ bool sameString(const ZvString* a, const ZvString* b) {
     return a->CompareTo(b) == 0;
 }
 
-// Everything that layout and drawing see of a paint. The colour is part of it: coverage takes its alpha, and
-// a platform may correct the contrast of a glyph by the lightness of its colour. A size that is no number
-// equals none, which draws anew.
+// Compares all that layout and drawing read of a paint. The colour counts: coverage takes its alpha, and a
+// platform may adapt a glyph's contrast to the colour's lightness. A size that is not a number equals
+// nothing, so the line is drawn again.
 bool drawsAlike(const android::Paint& a, const android::Paint& b) {
     return a.getTextSize() == b.getTextSize() && a.getTextScaleX() == b.getTextScaleX() &&
            a.getTextSkewX() == b.getTextSkewX() && a.getFlags() == b.getFlags() &&
@@ -71,7 +71,7 @@ void DrawnLines::keepTypeface(const TypefaceSource& source,
     mFontPath.reset();
     if (source.fontPath != nullptr) {
         mFontPath.reset(new (std::nothrow) ZvString);
-        // A path that cannot be kept is no source at all, so the next drawing does not find the typeface.
+        // Without a copy of the path nothing matches, so the next drawing makes the typeface again.
         if (mFontPath != nullptr && mFontPath->Construct(source.fontPath) == 0) mFontPath.reset();
     }
     mItalic = source.italic;

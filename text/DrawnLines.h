@@ -16,12 +16,12 @@ namespace Zvex {
 class ZvString;
 struct ZvGlyph;
 
-// What one drawing of a text made and the next can use again: the typeface, and the coverage images of the
-// lines. They are kept for as long as all that they were made from is the same. So a text that is drawn again
-// with other effects, colours or places is neither laid out nor rasterised again.
+// Keeps what the next drawing of a text can reuse: the typeface and the lines' coverage images, as long as
+// everything they were made from stays the same. A text drawn again with other effects, colours or positions
+// is neither laid out nor rasterised again.
 //
-// The typeface keeps its fonts alive until the next drawing, or for as long as this object lives. A failed
-// allocation keeps nothing.
+// The typeface keeps its fonts alive until the next drawing, or for as long as this object lives. After a
+// failed allocation nothing is kept.
 class DrawnLines {
 public:
     // What a typeface is made from.
@@ -30,7 +30,7 @@ public:
         bool italic = false;                 // of the text style
         uint64_t fontGeneration = 0;         // FontManager::GetGeneration
     };
-    // What the image of a line depends on besides: the text, which is context too, and the paint. None owned.
+    // What a line's image also depends on: the whole text, which is its context, and the paint. None owned.
     struct LineSource {
         const uint16_t* text = nullptr;         // UTF-16
         size_t length = 0;                      // units
@@ -48,22 +48,22 @@ public:
     DrawnLines(const DrawnLines&) = delete;
     DrawnLines& operator=(const DrawnLines&) = delete;
 
-    // The typeface, if it was made from `source`. Null: it has to be made and kept, and no line is kept any
-    // longer.
+    // The typeface, if it was made from `source`. Null: the caller makes it and calls keepTypeface; all lines
+    // are forgotten.
     const android::Typeface* findTypeface(const TypefaceSource& source);
     // `families` are those that the typeface points into.
     void keepTypeface(const TypefaceSource& source,
                       std::vector<std::shared_ptr<minikin::FontFamily>> families,
                       std::unique_ptr<const android::Typeface> typeface);
 
-    // Before the lines of a drawing of `count` lines, after findTypeface: forgets those that were made from
+    // Call after findTypeface, before the `count` lines are drawn: forgets the lines that were made from
     // anything else. Frees images, so nobody else may hold one.
     void beginLines(const LineSource& source, size_t count);
 
     // The image of line `index` (not owned) and the line's advance, if the line is kept and covers the range.
     ZvGlyph* findLine(size_t index, const Range& range, float* advance);
-    // Takes the image over when that leaves all images together within `limit` bytes; else false, and it
-    // stays the caller's. An image that the line had before goes.
+    // Takes ownership of the image if all images together then stay within `limit` bytes; else returns false.
+    // The line's earlier image is freed.
     bool keepLine(size_t index, const Range& range, float advance, ZvGlyph* image, size_t limit);
 
     // Whether this is the image found or kept last.

@@ -60,8 +60,8 @@ bool contains(const std::string& text, const char* part) {
     return text.find(part) != std::string::npos;
 }
 
-// The style a font's file name speaks of; `weight` keeps its value when the name names none. The whole path
-// is looked at, so a folder called "Light" makes every font in it light.
+// The style that a font's file name indicates; `weight` keeps its value if the name has none. The whole path
+// is searched, so a folder called "Light" makes every font in it light.
 void styleFromPath(const std::string& path, int& weight, bool& italic) {
     static constexpr struct {
         const char* name;
@@ -69,7 +69,7 @@ void styleFromPath(const std::string& path, int& weight, bool& italic) {
     } kWeights[] = {{"Thin", 100}, {"Light", 300}, {"Medium", 500}, {"Black", 900}, {"Bold", 700}};
 
     italic = false;
-    if (path.find('-', 1) == std::string::npos) return;  // a "-" that opens the path says nothing
+    if (path.find('-', 1) == std::string::npos) return;  // a "-" at the start does not count
     italic = contains(path, "Italic");
     for (const auto& candidate : kWeights) {
         if (contains(path, candidate.name)) {
@@ -125,7 +125,7 @@ void freeFontFamily(ZvFontFamily* family) {
 
 char* getFontData(const char* path, unsigned int& size) {
     const char* name = path != nullptr ? path : "";
-    // Without blocking: a pipe would wait for its writer here, instead of being refused by the seek.
+    // Non-blocking, so that a pipe is refused by the seek instead of waiting here for its writer.
     const int descriptor = open(name, O_RDONLY | O_CLOEXEC | O_NONBLOCK);
     std::unique_ptr<FILE, FileCloser> file(descriptor >= 0 ? fdopen(descriptor, "rb") : nullptr);
     if (file == nullptr) {
@@ -146,7 +146,7 @@ char* getFontData(const char* path, unsigned int& size) {
         ZV_DEBUG_LOG(kTag, "getFontData: fseek(file, 0, SEEK_SET) failure path = %s", name);
         return nullptr;
     }
-    // A folder opens too: it claims a length beyond all bounds or fails to read.
+    // A folder opens too; it reports an enormous length or fails to read.
     const auto wanted = static_cast<unsigned long long>(length);
     const bool fits = wanted <= std::numeric_limits<uint32_t>::max();
     std::unique_ptr<char[]> data(fits ? new (std::nothrow) char[static_cast<size_t>(wanted)] : nullptr);
@@ -167,7 +167,7 @@ ZvFontManagerImpl::~ZvFontManagerImpl() {
 
 std::string ZvFontManagerImpl::fontKey(const char* path, int index) {
     std::string key(path);
-    // One character whatever the index is: keys of indices above 9 carry the characters that follow '9'.
+    // One character for any index: indices above 9 use the characters after '9'.
     key += static_cast<char>('0' + static_cast<unsigned int>(index));
     key += '\0';
     return key;
@@ -320,7 +320,7 @@ bool ZvFontManagerImpl::addFont(const char* path, std::unique_ptr<char[]> handed
     if (checkExisting && isExisting(path, index)) return true;
     std::shared_ptr<ZvFontData> bytes;
     const std::string dataName = dataKey(path), fontName = fontKey(path, index);
-    auto inMap = dataMap.end();  // what was read now; it stays with its font only
+    auto inMap = dataMap.end();  // what was read now; kept only with its font
     if (handedOver != nullptr) {
         bytes = std::make_shared<ZvFontData>(handedOver.get(), size);
         handedOver.release();
@@ -343,7 +343,7 @@ bool ZvFontManagerImpl::addFont(const char* path, std::unique_ptr<char[]> handed
         return false;
     }
 
-    // The file may be replaced by a font later. Bytes that were in the map before carry another font.
+    // The file may later be replaced by a font. Bytes that were in the map before belong to another font.
     const auto forget = [&] {
         if (inMap != dataMap.end()) dataMap.erase(inMap);
     };
@@ -507,7 +507,7 @@ bool FontManager::GetMinikinFontFamilies(std::vector<std::shared_ptr<minikin::Fo
 
 uint64_t FontManager::GetGeneration() const {
     if (mImpl == nullptr) return 0;
-    // Families and flags may be changed from outside. Without memory to see how, it counts as a change.
+    // Callers may change families and flags. If memory is too short to compare, it counts as a change.
     const bool seen = unlessOutOfMemory(false, [this] {
         mImpl->indexedFamilies();
         return true;

@@ -34,7 +34,7 @@ struct ZvFontEntry {
     int32_t index = 0;          // of the font inside a collection file
     int32_t weight = 400;       // 100..900
     bool italic = false;        // else upright
-    ZvString* spare = nullptr;  // owned; never filled, freed when somebody did
+    ZvString* spare = nullptr;  // owned; unused, but freed if a caller set it
 };
 
 // One family of the system's font configuration. A plain record: freeFontFamily frees what it owns.
@@ -50,25 +50,24 @@ void freeFontEntry(ZvFontEntry* entry);
 void freeFontFamily(ZvFontFamily* family);
 
 // Reads a whole file into a new array, which the caller frees with delete[], and writes its length to `size`.
-// Null, with `size` unchanged and a debug line naming the step that failed, for whatever cannot be opened,
-// measured and read in full: a missing path, a directory, a pipe, an empty file, one of 4 GiB or more, one
-// that shrinks meanwhile.
+// Null, with `size` unchanged and a debug line naming the failed step, for a missing path, a directory, a
+// pipe, an empty file, a file of 4 GiB or more, or one that shrinks meanwhile.
 char* getFontData(const char* path, unsigned int& size);
 
-// The process's store of fonts. It reads each font file once and keeps its bytes, keeps a platform font for
-// each (path, collection index) pair asked for, holds the system's font families, adds their fonts when a
-// text needs their language, and puts together the families that a drawing searches.
+// The process's store of fonts. It reads each font file once and keeps its bytes and a platform font for each
+// (path, collection index) pair. It holds the system's font families, loads them when a text needs their
+// language, and assembles the families that a drawing searches.
 //
 // A font's key is its path, the character '0' + index and a NUL; a "path" may also be any name under which a
 // font was handed over as bytes.
 //
 // Bytes. A buffer handed to AddMinikinFont comes from new char[] and belongs to the manager from the call on,
-// whatever the call returns: it is freed at once when it is not needed, else together with the font made from
-// it. Bytes read from a file belong to the data map and to the fonts made from them. A font lives as long as
-// the manager or anyone else (a family in use by a drawing) holds it, and its bytes live at least as long.
+// whatever the call returns: it is freed at once if not needed, else together with the font made from it.
+// Bytes read from a file belong to the data map and to the fonts made from them. A font lives as long as the
+// manager or anyone else (a family in use by a drawing) holds it, and its bytes live at least as long.
 //
-// Failure: false. Without an implementation record, which only a failed allocation brings about, every
-// operation but GetGeneration reports error 8. No other code is set; lines are logged under "ZvFontManager".
+// Failure: false. If the implementation could not be allocated, every operation but GetGeneration reports
+// error 8. No other code is set; lines are logged under "ZvFontManager".
 //
 // Threads: no locks. Callers keep other threads out while anything here changes. IsExisting, GetMinikinFont,
 // GetMinikinFontFamilies, GetGeneration and IsSystemFontFamiliesAlreadySet only read: they may run side by
@@ -100,15 +99,15 @@ public:
     bool BuildMinikinFamily(ZvFontFamily* family);
 
     // Builds the first family not yet loaded whose localeListId is `localeListId` and keeps the outcome in
-    // its `loaded`. True when there was such a family, even if building it failed; false where memory is
-    // short, with the family as it was.
+    // its `loaded`. True when there was such a family, even if building it failed; false, with the family
+    // unchanged, where memory is short.
     bool LoadMinikinFontFamily(unsigned int localeListId);
-    // The same for whom a language without a family will do: false where memory is short, only then.
+    // The same, but true too if no family has that language; false only where memory is short.
     bool EnsureMinikinFontFamily(unsigned int localeListId);
 
-    // Takes over the list of ZvFontFamily* and all in it. Whoever changes them afterwards keeps drawings out
-    // meanwhile; the next one sees it. Once a list
-    // has been taken, later ones are ignored and stay the caller's. True either way.
+    // Takes ownership of the list of ZvFontFamily* and all in it. They may be changed later while nothing is
+    // drawn; the next drawing sees it. Once a list has been taken, later ones are ignored and stay the
+    // caller's. True either way.
     bool SetSystemFontFamilies(List* families);
     bool IsSystemFontFamiliesAlreadySet() const;
 
@@ -127,7 +126,7 @@ public:
     bool GetMinikinFontFamilies(std::vector<std::shared_ptr<minikin::FontFamily>>& out, ZvString* path,
                                 int& weight) const;
 
-    // Different after each change to what GetMinikinFontFamilies gives. Reads only.
+    // Changes with every change to the result of GetMinikinFontFamilies. Reads only.
     uint64_t GetGeneration() const;
 
     // Release the system families (a new list may be set afterwards), and all fonts and bytes. Fonts still in

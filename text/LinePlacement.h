@@ -32,22 +32,21 @@ struct ShownLines {
     int count = 0;  // from there on
 };
 
-// How many of `count` lines: `view.lines` if it is 1 or more, else `view.maxLines` if that is 1 or more,
-// never more than there are; with neither set, none at all. Which: the first ones, with bottom gravity the
-// last ones.
+// Number: `view.lines` if it is 1 or more, else `view.maxLines` if that is 1 or more, at most `count`; none
+// if neither is set. Choice: the first lines, or the last ones with bottom gravity.
 ShownLines shownLines(const ZvView& view, int count);
 
-// Places the lines that the view shows. Where: centred vertically (gravity CENTER_VERTICAL or FILL_VERTICAL)
-// between top and bottom padding if they fit there; with bottom gravity with the last line of the whole text
-// on the bottom padding; else below the top padding. Horizontally at the line's left (its fraction cut off)
-// plus the left padding.
+// Places the lines that the view shows. Vertically: with gravity CENTER_VERTICAL or FILL_VERTICAL centred
+// between the paddings, if they fit; with bottom gravity so that the last line of the whole text ends at the
+// bottom padding; else below the top padding. Horizontally at the line's left (its fraction cut off) plus the
+// left padding.
 //
-// The lines that are not shown have no say: the shown ones by themselves give the same records, so a caller
-// with thousands of lines need not find them all out. Of a line its top is not looked at.
+// Lines that are not shown do not matter: the shown ones alone give the same records, so a caller need not
+// measure thousands of lines. A line's top is not read.
 //
 // The records come in line order with direction 1 and the rectangle x, y + ascent, x + width, y + descent.
-// Sums are made in 64 bits and clamped to 32; a left or width that is not a number counts as 0. `lines` may
-// be null when `count` is 0 or less. Pure: no state, any thread.
+// Sums are computed in 64 bits and clamped to 32; a left or width that is not a number counts as 0. `lines`
+// may be null if `count` is 0 or less. Any thread.
 std::vector<ZvLineInfo> placeLines(const ZvView& view, const LaidOutLine* lines, int count);
 
 }  // namespace Zvex

@@ -40,7 +40,7 @@ namespace {
 
 constexpr char kTag[] = "ZvFontDrawing";
 
-// Pen positions are 26.6 fixed point: 26 bits of whole pixels, so positions beyond them wrap around.
+// Pen positions are 26.6 fixed point; whole pixels beyond 26 bits wrap around.
 int32_t toFixed(int32_t pixels) {
     return static_cast<int32_t>(static_cast<uint32_t>(pixels) * 64u);
 }
@@ -64,7 +64,7 @@ SkImageInfo coverageInfo(const ZvGlyph& glyph) {
     return SkImageInfo::Make(glyph.width, glyph.height, kAlpha_8_SkColorType, kPremul_SkAlphaType);
 }
 
-// The canvas takes no image larger than that.
+// The largest image that the canvas accepts.
 constexpr size_t MAX_IMAGE_BYTES = INT32_MAX;
 
 bool refuseImage(const ZvGlyph& glyph) {
@@ -95,7 +95,7 @@ LineImage makeLineImage(const minikin::MinikinRect& bounds, float advance) {
     return glyph;
 }
 
-// False, with an error line, where the platform refuses the image.
+// False, with an error line, if the platform refuses the image.
 bool drawLineImage(const ZvGlyph& glyph, const minikin::Layout& layout, const minikin::MinikinRect& bounds,
                    android::Paint& paint) {
     if (glyph.width == 0 || glyph.height == 0) return true;
@@ -168,7 +168,7 @@ int ZvFontDrawing::DrawTextEffect(ZvTextObject* text, ZvBitmap* out) {
         text->GetEffect()->compositeLayers(out);
         return true;
     });
-    // The stack is not left with a bitmap that may go.
+    // The stack must not keep a bitmap that may be freed.
     if (!drawn && text->GetEffect() != nullptr) text->GetEffect()->setDstBitmap(nullptr);
     return 0;
 }
@@ -244,8 +244,8 @@ bool ZvFontDrawing::drawLines(ZvTextObject* text, ZvBitmap* out, Drawing drawing
         const int32_t penY = toFixed(wrapAdd(line->y, topOffset));
         _DoRender(penX, penY, glyphList, effect, line->direction);
 
-        // Top and bottom move relative to what they were, so a second rendering of the same lines moves them
-        // once more; left and right start from the line itself.
+        // Top and bottom are moved from their current values, so rendering the same lines again moves them
+        // again; left and right are computed from the line.
         line->rect.left = toPixels(penX);
         line->rect.top = wrapAdd(line->rect.top, topOffset);
         line->rect.right = wrapAdd(line->rect.left, truncateToInt(advance));
@@ -259,7 +259,7 @@ const android::Typeface* ZvFontDrawing::typefaceOf(const ZvTextObject& text) {
     const DrawnLines::TypefaceSource source = {fontPath, text.isItalicTextStyle(), manager.GetGeneration()};
     if (const android::Typeface* kept = mDrawn.findTypeface(source)) return kept;
 
-    // The platform cannot make a typeface of no family at all, so that counts as a failure here too.
+    // The platform cannot make a typeface without any family, so this counts as a failure.
     std::vector<std::shared_ptr<minikin::FontFamily>> families;
     int weight = 400;
     if (!manager.GetMinikinFontFamilies(families, fontPath, weight) || families.empty()) {
@@ -283,7 +283,7 @@ const ZvGlyph* ZvFontDrawing::lineImage(size_t index, const DrawnLines::Range& r
     if (ZvGlyph* kept = mDrawn.findLine(index, range, advance)) {
         return glyphList->Add(kept) != 0 ? kept : nullptr;
     }
-    android::Paint paint(*source.paint);  // drawing sets it up for one font after the other
+    android::Paint paint(*source.paint);  // drawing sets it up for each font in turn
     const minikin::Layout layout = android::MinikinUtils::doLayout(
         &paint, range.rightToLeft ? minikin::Bidi::DEFAULT_RTL : minikin::Bidi::DEFAULT_LTR, &typeface,
         source.text, static_cast<size_t>(range.start), static_cast<size_t>(range.end - range.start),

@@ -14,11 +14,10 @@ class ZvString;
 class ZvTextObject;
 struct ZvGlyph;
 
-// Turns a text object's text, paint, font and lines into a picture: lays each line out with the platform,
-// draws its glyph runs into an 8-bit coverage image, hands that to the effect stack at the line's place, and
-// lets the stack make the colour picture. Lines drawn again from the same text, paint and fonts keep their
-// images, up to a byte for each pixel of the picture. Used by one thread at a time, together with its text
-// object.
+// Turns a text object's text, paint, font and lines into a picture: lays out each line with the platform,
+// draws its glyph runs into an 8-bit coverage image, merges that into the effect stack's mask at the line's
+// position, and has the stack draw the picture. Lines keep their images while text, paint and fonts stay the
+// same, up to one byte per pixel of the picture. Used by one thread at a time, together with its text object.
 class ZvFontDrawing {
 public:
     ZvFontDrawing();
@@ -26,35 +25,35 @@ public:
     ZvFontDrawing(const ZvFontDrawing&) = delete;
     ZvFontDrawing& operator=(const ZvFontDrawing&) = delete;
 
-    // The path or name of the font, as the font manager knows it. Null changes nothing. False, and the path
-    // stays, where memory is short.
+    // The path or name of the font, as the font manager knows it. Null changes nothing. False, with the path
+    // unchanged, where memory is short.
     bool SetFontPath(const char* path);
     ZvString* GetFontPath() { return fontPath; }
 
     // Empties glyphList and frees what belongs to it.
     void ClearGlyphList();
 
-    // Draws `text` with its effects into `out`: 4 bytes a pixel, straight colour, in memory red, green, blue,
-    // alpha. The result is always 0. Nothing is drawn, and an error line says why, without text, effect
-    // stack, line list (this one with error 8) or any font at all.
+    // Draws `text` with its effects into `out`: 4 bytes per pixel, straight colour, red first in memory.
+    // Always returns 0. Without a text, an effect stack, a line list (error 8) or any font, draws nothing and
+    // logs an error line.
     //
-    // Each line's rectangle is moved to output pixels on the way: left and right are set anew (right is left
-    // + the advance), top and bottom grow by the stack's top margin, again at every call. Line offsets
-    // outside the text are cut to it. A line image that cannot be allocated leaves its line out.
+    // Each line's rectangle is converted to output pixels: left and right are recomputed (right is left + the
+    // advance), and top and bottom grow by the stack's top margin at every call. Line offsets outside the
+    // text are clamped to it. A line image that cannot be allocated leaves its line out.
     int DrawTextEffect(ZvTextObject* text, ZvBitmap* out);
 
-    // The same into an `out` that may hold anything: all of it is written, transparent where nothing is
-    // drawn, the others as words 0xAARRGGBB. Returns a box outside which it is transparent.
+    // The same, but writes every pixel of `out`, transparent where nothing is drawn, as words 0xAARRGGBB.
+    // Returns a box outside which all is transparent.
     ZvRect DrawTextWords(ZvTextObject* text, ZvBitmap* out);
 
-    // Hands the glyph images in `glyphs` (of ZvGlyph*) to `effect`, one beside the other from the pen
-    // position (x, y) on, which is in 26.6 fixed point and wraps around; y is the baseline. Backwards through
-    // the list when `direction` is negative.
+    // Passes the glyph images in `glyphs` (of ZvGlyph*) to `effect`, side by side from the pen position (x,
+    // y), which is 26.6 fixed point and wraps around; y is the baseline. Goes backwards through the list if
+    // `direction` is negative.
     void _DoRender(int x, int y, List* glyphs, ZvEffect* effect, int direction);
 
     ZvString* fontPath;  // owned; null until set
-    // Owned; of ZvGlyph*, the last line drawn: owned too unless it is one of `mDrawn`. Null where memory was
-    // short: then nothing can be drawn.
+    // Owned; of ZvGlyph*, the last line drawn, owned too unless `mDrawn` owns it. Null if memory was short;
+    // then nothing can be drawn.
     List* glyphList;
 
 private:

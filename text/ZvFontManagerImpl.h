@@ -19,8 +19,8 @@ class ZvFontManagerImpl {
 public:
     ~ZvFontManagerImpl();
 
-    // Release what the manager holds, and not a reference more: a font that a drawing on another thread still
-    // uses keeps itself and its bytes.
+    // Releases only the manager's own references: a font still in use by a drawing keeps itself and its bytes
+    // alive.
     void ClearFontFamilies();
     void ClearFontMaps();
 
@@ -28,8 +28,8 @@ public:
     static std::string fontKey(const char* path, int index);
     static std::string dataKey(const char* path);
 
-    // The loaded families as they were when somebody last looked. Walking a List moves its cursor, so
-    // drawings that read the families side by side walk this copy instead.
+    // A copy of the loaded families. Walking a List moves its cursor, so drawings on several threads walk
+    // this copy instead.
     struct IndexedFont {
         bool exists = false;  // or the list holds a null
         std::wstring path;    // of the entry

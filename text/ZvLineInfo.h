@@ -8,8 +8,8 @@
 
 namespace Zvex {
 
-// One laid-out line of a text, in view pixels with y growing downwards. Made by whoever laid the text out
-// (LinePlacement.h), owned by the text object from SetLineInfo on, read by text drawing.
+// One laid-out line of a text, in view pixels with y growing downwards. Made by the code that lays out the
+// text (LinePlacement.h), owned by the text object after SetLineInfo, read by text drawing.
 struct ZvLineInfo {
     int32_t x = 0;          // left edge of the line, the view's left padding included
     int32_t y = 0;          // baseline
@@ -17,7 +17,7 @@ struct ZvLineInfo {
     int32_t end = 0;        // UTF-16 offset one past the last visible character
     int32_t direction = 0;  // negative: right to left
 
-    // Bounds of the line, filled by the background. Starts in view pixels; every rendering moves top and
+    // Bounds of the line, which the background fills. In view pixels at first; every rendering moves top and
     // bottom down by the effects' top margin and recomputes left and right in output pixels.
     ZvRect rect;
 };

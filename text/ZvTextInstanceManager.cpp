@@ -25,11 +25,11 @@ struct Registry {
     std::map<ZvTextObject*, int> bindCounts;
     std::map<int, ZvTextObject*> handleTable;
     std::map<ZvTextObject*, int> handleIndex;
-    std::list<ZvTextObject*> deferred;  // last releases that waited, the latest in front
+    std::list<ZvTextObject*> deferred;  // deferred releases, the latest in front
     void (*releaseCallback)(ZvTextObject*) = nullptr;
     bool locked = false;
     int lastHandle = 0;
-    std::unique_ptr<Mutex> mutex;  // null until the system gave one
+    std::unique_ptr<Mutex> mutex;  // null until it could be made
     std::mutex makingMutex;
 };
 
@@ -40,7 +40,7 @@ Registry& registry() {
     return *instance;
 }
 
-// Holds the registry's mutex for a whole operation. Should the system refuse a mutex, operations run without
+// Holds the registry's mutex for a whole operation. If the system refuses a mutex, operations run without
 // one.
 class Guard {
 public:
@@ -170,7 +170,7 @@ bool ZvTextInstanceManager::Release(ZvTextObject* object, bool destroy) {
     if (!last || !destroy) return true;
 
     if (!state->locked && state->releaseCallback != nullptr) state->releaseCallback(object);
-    // Looked up again, because the callback may have come back in, and another object may have been bound at
+    // Looked up again, because the callback may have called back, and another object may have been bound at
     // this address.
     const auto left = state->bindCounts.find(object);
     if (left != state->bindCounts.end() && left->second == 0) state->bindCounts.erase(left);
@@ -184,7 +184,7 @@ void ZvTextInstanceManager::Lock() {
 
 void ZvTextInstanceManager::Unlock() {
     Guard state;
-    // One at a time, because the callback may come back in and change the list.
+    // One at a time, because the callback may call back and change the list.
     while (!state->deferred.empty()) {
         ZvTextObject* object = state->deferred.front();
         state->deferred.pop_front();

@@ -6,15 +6,15 @@ namespace Zvex {
 
 class ZvTextObject;
 
-// The process's registry of text objects. It numbers them with handles (1, 2, 3, ... never used again), so
-// that no pointer crosses into Java, and counts the references held there, so that an object goes with its
-// last one.
+// The process's registry of text objects. It gives them handles (1, 2, 3, ..., never reused), so that no
+// pointer is passed to Java, and counts Java's references, so that an object is deleted with the last one.
 //
-// Every operation runs whole under one re-entrant mutex, the release callback included: the object it deletes
-// may call back in. Any thread.
+// Every operation, the release callback included, runs under one recursive mutex; the deleted object may call
+// back. Any thread.
 class ZvTextInstanceManager {
 public:
-    // What is called, under the mutex, with an object whose last reference goes. Null: nothing.
+    // Sets the function that is called, under the mutex, with an object whose last reference was dropped;
+    // null for none.
     static void SetCallBack(void (*callback)(ZvTextObject*));
 
     // The object's handle, a new one if it has none; -1 where memory is short, and, with an error line and
@@ -22,24 +22,24 @@ public:
     static int Register(ZvTextObject* object);
     // Forgets the handle; references and deferred releases stay as they are. Always 0.
     static int Unregister(int handle);
-    // Forgets all there is of an object that goes: handle, references, deferred release. Every text object's
+    // Forgets everything about an object: handle, references, deferred release. Every text object's
     // destructor calls it.
     static void Forget(ZvTextObject* object);
-    // Handles up to `last` are not given out any more.
+    // No further handle is `last` or lower.
     static void SkipHandles(int last);
 
     // Adds a reference; the first one also takes the object off the list of deferred releases. False, and no
     // reference, where memory is short.
     static bool Bind(ZvTextObject* object);
 
-    // Drops a reference. With the last one and `destroy`, the object goes to the callback, or, while the
-    // registry is locked, to the deferred releases, and its count is forgotten. Without `destroy` the count
-    // may stand at 0, and the next Bind raises it to 1. False and error 9 for a handle or an object that is
-    // not known; false, and the reference stays, where memory is too short to wait in.
+    // Drops a reference. If it was the last one and `destroy` is set, the object is passed to the callback,
+    // or, while the registry is locked, to the deferred releases. Without `destroy` the count may be 0, and
+    // the next Bind raises it to 1. False with error 9 for an unknown handle or object; false, with the
+    // reference kept, if memory is too short to defer it.
     static bool Release(int handle);
     static bool Release(ZvTextObject* object, bool destroy);
 
-    // Between the two, last releases wait. Unlock makes them up, the one deferred last first.
+    // Between the two, last releases are deferred. Unlock performs them, the latest first.
     static void Lock();
     static void Unlock();
 

@@ -42,7 +42,7 @@ UBool U_EXPORT2 uscript_nextRun(UScriptRun* run, int32_t* start, int32_t* limit,
 void U_EXPORT2 uscript_closeRun(UScriptRun* run);
 }
 
-// Every operation starts with it; `result` is what it answers then, nothing for operations without a result.
+// Every operation starts with this; `result` is its return value then, empty for operations without one.
 #define RETURN_UNLESS_CONSTRUCTED(result)                    \
     do {                                                     \
         if (mImpl == nullptr) {                              \
@@ -62,8 +62,8 @@ void deleteReleasedObject(ZvTextObject* object) {
     delete object;
 }
 
-// The locale list that stands for a script where the system's families are told apart by language. Empty for
-// characters that any font has.
+// The locale list for a script whose system families are selected by language. Empty for characters that any
+// font has.
 std::string localesForScript(UScriptCode script) {
     switch (script) {
         case USCRIPT_HAN:
@@ -102,7 +102,7 @@ SkImageInfo straightColorInfo(const ZvBitmap& bitmap) {
                              kRGBA_8888_SkColorType, kUnpremul_SkAlphaType, SkColorSpace::MakeSRGB());
 }
 
-// Whether the path is UTF-8 that reads back as it was: fonts are looked up by its characters.
+// Whether the path survives conversion from UTF-8 and back, since fonts are looked up by its characters.
 bool readsBack(const char* path) {
     ZvString text;
     if (text.Construct(path) == 0) return false;
@@ -122,8 +122,8 @@ bool canvasTakes(const ZvBitmap& picture) {
     return picture.byteCount() <= INT32_MAX;
 }
 
-// The part of the picture that may be drawn to: all of it without the paddings, except that the text may run
-// into the padding on the side its gravity pulls it to.
+// The part of the picture that may be drawn to: all of it without the paddings, except that text may extend
+// into the padding on the side of its gravity.
 SkRect clipOf(const ZvView& view) {
     const int horizontal = view.gravity & ZvView::HORIZONTAL_MASK;
     const int vertical = view.gravity & ZvView::VERTICAL_MASK;
@@ -131,7 +131,7 @@ SkRect clipOf(const ZvView& view) {
     const int64_t top = vertical == ZvView::TOP ? 0 : view.paddingTop;
     const int64_t right = int64_t{view.bitmapWidth} - (horizontal == ZvView::RIGHT ? 0 : view.paddingRight);
     const int64_t bottom = int64_t{view.bitmapHeight} - (vertical == ZvView::BOTTOM ? 0 : view.paddingBottom);
-    // Paddings larger than the picture leave nothing, not a rectangle turned inside out.
+    // Paddings larger than the picture leave an empty rectangle, not an inverted one.
     return SkRect::MakeLTRB(static_cast<float>(left), static_cast<float>(top),
                             static_cast<float>(std::max(left, right)),
                             static_cast<float>(std::max(top, bottom)));
@@ -301,7 +301,7 @@ bool ZvTextObject::SetFont(const char* path, char* buffer, unsigned int size) {
     return addFont(path, handedOver.release(), size);
 }
 
-// `buffer` passes to the font manager.
+// The font manager takes ownership of `buffer`.
 bool ZvTextObject::addFont(const char* path, char* buffer, unsigned int size) {
     std::unique_ptr<char[]> handedOver(buffer);
     if (mImpl->fontDrawing == nullptr) mImpl->fontDrawing = new (std::nothrow) ZvFontDrawing;
@@ -411,14 +411,14 @@ uint32_t* ZvTextObject::RenderTextEffect(int width, int height) {
         mImpl->drawsBackground() ? mImpl->renderOverBackground() : mImpl->renderAlone();
         return true;
     });
-    // A drawing that stopped half-way leaves the stack pointing at an image that may go.
+    // An incomplete drawing leaves the stack pointing at an image that may be freed.
     if (mImpl->effect != nullptr) mImpl->effect->setDstBitmap(nullptr);
     ZV_DEBUG_LOG(kTag, "RenderTextEffect(%p / %d) <<< End.", static_cast<void*>(this), mImpl->runtimeHandle);
     return drawn ? reinterpret_cast<uint32_t*>(mImpl->result->pixels) : nullptr;
 }
 
 bool ZvTextObjectImpl::resizeResult(unsigned int width, unsigned int height) {
-    // The pages of a large picture cost more than its pixels, so a picture of the same size is used again.
+    // Fresh memory costs more than drawing into it, so a picture of the same size is reused.
     if (result != nullptr && result->pixels != nullptr && result->width == width && result->height == height)
         return true;
     std::unique_ptr<ZvBitmap> fresh(new (std::nothrow) ZvBitmap(width, height, 4, ZvBitmap::Unset::Pixels));
@@ -442,7 +442,7 @@ void ZvTextObjectImpl::renderOverBackground() {
     if (effectImage.pixels != nullptr && result->pixels != nullptr) compose(effectImage, *result);
 }
 
-// Over nothing the effects' picture is the picture, within the clip.
+// Without a background the effects' picture is the result, within the clip.
 void ZvTextObjectImpl::renderAlone() {
     const ZvRect drawn = fontDrawing->DrawTextWords(owner, result);
     if (view == nullptr) return;
@@ -485,8 +485,8 @@ void ZvTextObjectImpl::compose(const ZvBitmap& effectImage, ZvBitmap& picture) c
         }
     }
 
-    // From here on both hold words 0xAARRGGBB, blue first in memory. The canvas treats the three colour
-    // channels alike, so it need not know.
+    // From here on both hold words 0xAARRGGBB, blue first in memory. The canvas treats the colour channels
+    // alike, so their order does not matter.
     SkBitmap effectBitmap;
     wrapColorBitmap(effectImage, effectBitmap);
     ZvBlender::convertBGRAToARGB(&picture);

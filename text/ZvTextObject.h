@@ -6,7 +6,7 @@
 
 #include <cstdint>
 
-// What a text object hands out, so that this header is all a caller needs.
+// Types that a text object returns, so that callers need only this header.
 #include "effect/ZvEffect.h"
 #include "foundation/List.h"
 #include "foundation/ZvString.h"
@@ -20,19 +20,19 @@ class ZvTextObjectImpl;
 
 // One text with everything needed to render it: string, font, paint, view, lines, colours and effect stack.
 //
-// After Construct, in any order: SetText, SetFont, SetPaint, the effects, the lines (SetLineInfo, a record
-// for each that shows) and the view's size. The effects decide the margins, so then comes the size of the
-// picture, the view's and GetEffect()'s four offsets around it, which the view is told (SetBitmapWidth,
-// SetBitmapHeight); then RenderTextEffect.
+// After Construct, in any order: SetText, SetFont, SetPaint, the effects, the lines (SetLineInfo, one record
+// for each shown line) and the view's size. The picture is the view plus GetEffect()'s four offsets, so set
+// its size next (the view's SetBitmapWidth and SetBitmapHeight), then call RenderTextEffect.
 //
 // Every operation but Construct fails with error 8 until Construct has succeeded: false, null, -1 or the
 // value stated.
 //
 // Used by one thread at a time; different text objects may render on different threads. SetText and SetFont
-// change the process's font manager, and RenderTextEffect reads it: callers keep those apart (FontManager.h).
+// change the process's font manager, and RenderTextEffect reads it: callers must not run these in parallel
+// (FontManager.h).
 class ZvTextObject {
 public:
-    // The first text object of the process makes the registry delete objects whose last reference goes.
+    // The first text object of the process sets the registry's callback, which deletes objects.
     ZvTextObject();
     virtual ~ZvTextObject();
     ZvTextObject(const ZvTextObject&) = delete;
@@ -42,7 +42,7 @@ public:
     bool Construct();
 
     int GetRuntimeHandle() const;  // the number in the registry, 1 or more
-    // The effect stack, owned by the text object, as all that it hands out by pointer.
+    // The effect stack. The text object owns this and everything else it returns by pointer.
     ZvEffect* GetEffect();
 
     // Copies the text (null clears it) and has the font manager load the families that its scripts need.
@@ -51,20 +51,20 @@ public:
     bool SetText(const wchar_t* text);
     ZvString* GetText();
 
-    // Chooses the font: a file, or a name the font manager already holds. Null path: error 7. False, and the
-    // font chosen before stays, when the font manager cannot add it.
+    // Chooses the font: a file, or a name the font manager already holds. Null path: error 7. False, with the
+    // font unchanged, if the font manager cannot add it.
     bool SetFont(const char* path);
-    // The same with the font file's bytes, under the name `path`. `buffer` comes from new char[] and belongs
-    // to the callee whatever the result is.
+    // The same with the font file's bytes, under the name `path`. `buffer` comes from new char[]; the callee
+    // takes ownership whatever the result.
     bool SetFont(const char* path, char* buffer, unsigned int size);
     ZvFontDrawing* GetFont();
 
-    // Replaces the lines by those of `list` (of ZvLineInfo* made with new), which belong to the text object
-    // from then on; the list itself stays the caller's, who empties it without freeing them. Null: error 7.
+    // Replaces the lines by those of `list` (of ZvLineInfo* made with new) and takes ownership of them; the
+    // caller keeps the list itself, and empties it without freeing them. Null: error 7.
     bool SetLineInfo(const List* list);
     List* GetLineInfo();
 
-    // Italic asks the font manager's families for a slanted font. Bold is only kept: boldness comes from the
+    // Italic asks the font manager's families for a slanted font. Bold has no effect: boldness comes from the
     // font, or from the paint's fake bold.
     bool SetTextStyle(bool bold, bool italic);
     bool isBoldTextStyle() const;
@@ -73,10 +73,10 @@ public:
     // The view, to be filled in by the caller before a rendering.
     ZvView* GetView();
 
-    // Kept as a copy: size in pixels, anti-aliasing (without it coverage is 0 or 255 only), spacing,
-    // features. Its typeface is not read, and of its colour only the alpha, which scales the coverage.
-    // GetPaint gives a default paint when not constructed. Where memory is short for a copy, GetPaint gives a
-    // default paint and SetPaint keeps the paint before.
+    // Copies the paint: size in pixels, anti-aliasing (without it coverage is only 0 or 255), spacing,
+    // features. Its typeface is not read, and only the alpha of its colour, which scales the coverage.
+    // GetPaint returns a default paint when not constructed. If memory is too short for a copy, GetPaint
+    // returns a default paint and SetPaint changes nothing.
     android::Paint GetPaint() const;
     void SetPaint(android::Paint& paint);
 

@@ -33,14 +33,14 @@ public:
     // Frees the line records and empties the list.
     void clearLineInfo();
 
-    // Makes `result` of that size, its pixels unset. They are null where they could not be allocated; false,
-    // with the old picture in place, when not even its record could.
+    // Gives `result` that size, with unset pixels, or null pixels if they could not be allocated. False, with
+    // the old picture in place, if not even its record could be allocated.
     bool resizeResult(unsigned int width, unsigned int height);
 
     bool isComplete() const;  // whether there was memory for all parts
     bool drawsBackground() const;
-    // Draw text, effects and background onto all of the result, straight words 0xAARRGGBB. Without background
-    // nothing is put together, and no second picture needed.
+    // Draw text, effects and background over the whole result, as straight words 0xAARRGGBB. Without a
+    // background no second picture is needed.
     void renderOverBackground();
     void renderAlone();
 

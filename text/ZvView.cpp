@@ -21,7 +21,7 @@ bool ZvView::SetSize(int w, int h) {
 
 bool ZvView::SetBitmapWidth(int w) {
     if (w < 0) {
-        // The line has always been spelled this way, and log filters look for it.
+        // Keep the misspelling: log filters look for it.
         __android_log_print(ANDROID_LOG_ERROR, kTag, "SetBitmapWidht() - width[%d] is invalid", w);
         return false;
     }

@@ -22,7 +22,8 @@ public:
         FILL_VERTICAL = 0x70,
     };
 
-    // Stores both, or, if either is negative, neither: false and an error line then. No error code.
+    // Stores both. If either is negative, stores neither and returns false with an error line but no error
+    // code.
     bool SetSize(int w, int h);
     int GetWidth() const { return width; }
     int GetHeight() const { return height; }
