@@ -15,8 +15,8 @@ namespace {
 
 constexpr char kTag[] = "ZvText_JNI";
 
-// Good for as long as the class is loaded, and only its natives ask. A reference to the class would keep its
-// loader, and with it this library, for ever.
+// Valid while the class is loaded, and used only by its natives. A reference to the class would keep its
+// loader, and with it this library, alive forever.
 jfieldID handleField = nullptr;
 
 }  // namespace
@@ -42,7 +42,7 @@ ZvTextObject* GetBoundTextObject(JNIEnv* env, jobject thiz) {
     std::unique_ptr<ZvTextObject> text(new (std::nothrow) ZvTextObject);
     if (text == nullptr || !text->Construct() || !ZvTextInstanceManager::Bind(text.get())) return nullptr;
     env->SetIntField(thiz, handleField, text->GetRuntimeHandle());
-    return text.release();  // the registry's, until the last reference goes
+    return text.release();  // the registry owns it until the last reference is dropped
 }
 
 }  // namespace Zvex

@@ -10,23 +10,23 @@
 namespace Zvex {
 
 // A Java text object carries the runtime handle of its native one in the int field "mHandle", negative while
-// there is none. Two threads that use the same Java object are the caller's to keep apart.
+// there is none. The caller keeps two threads from using the same Java object at once.
 
-// Looks the class's field up; once, while the library loads. Natives find no text object if the class has no
-// such field.
+// Looks up the class's field; called once, while the library loads. Natives find no text object if the class
+// lacks the field.
 void FindHandleField(JNIEnv* env, jclass textClass);
 
 // The handle; negative when there is none.
 jint ReadHandle(JNIEnv* env, jobject thiz);
 
-// The text object of that Java object, made, bound and numbered if it has none yet. Null for a handle that
-// nobody has any more, and when there is no memory for a new object. Never an exception.
+// The text object of that Java object, created, bound and registered if it has none yet. Null for a stale
+// handle, or when there is no memory for a new object. Never throws.
 ZvTextObject* GetBoundTextObject(JNIEnv* env, jobject thiz);
 
 }  // namespace Zvex
 
-// Two steps of a native with the parameters `env` and `thiz`. Macros, so that each native reports with line
-// numbers of its own.
+// Two steps of a native with the parameters `env` and `thiz`. Macros, so that each native reports its own
+// line numbers.
 
 // At the beginning: `name` becomes its text object; without one, the native reports it and returns `failure`.
 #define ZV_BOUND_TEXT_OBJECT(name, failure)                                   \

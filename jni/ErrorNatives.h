@@ -6,9 +6,9 @@
 
 namespace Zvex {
 
-// Asks the kit's ZvError whether this is an engineering build, which settles the log switches of the process,
-// and registers the class's one native. False, perhaps with an exception pending, without the class or when
-// the registration fails. A class that cannot tell leaves the switches as they are.
+// Asks the kit's ZvError whether this is an engineering build, sets the process's log switches accordingly,
+// and registers the class's one native. False, possibly with an exception pending, without the class or when
+// the registration fails. If the class cannot tell, the switches stay as they are.
 bool Error_OnLoad(JavaVM* vm);
 
 }  // namespace Zvex

@@ -56,13 +56,13 @@ struct EntryDeleter {
 };
 using EntryPointer = std::unique_ptr<ZvFontEntry, EntryDeleter>;
 
-// A configuration has hundreds of families and thousands of fonts, so every reference goes as soon as its
-// element has been read.
+// A configuration has hundreds of families and thousands of fonts, so every reference is released as soon as
+// its element has been read.
 class FontConfigReader {
 public:
     FontConfigReader(JNIEnv* env, List* out) : mEnv(env), mCalls(env), mOut(out) {}
 
-    // Each gives false when the reading has to end: a missing method, an exception, no memory.
+    // Each returns false when reading must stop: a missing method, an exception, no memory.
     bool readConfig(jobject config);
 
 private:
@@ -148,7 +148,7 @@ bool FontConfigReader::readFont(jobject font, List* entries) {
     if (mCalls.threw()) return false;
     if (name.get() == nullptr || italic || !fallbackFor.empty()) return true;
 
-    // A name that does not fit names no file; cut off, it might name another.
+    // A name that does not fit is skipped; cut off, it might name another file.
     char path[1024];
     const int length = std::snprintf(path, sizeof(path), "%s/%s", ZVEX_SYSTEM_FONT_DIR, name.get());
     if (length < 0 || length >= static_cast<int>(sizeof(path)) || File::IsAccessible(path, R_OK) != 0)
@@ -165,7 +165,7 @@ bool FontConfigReader::readFont(jobject font, List* entries) {
     return true;
 }
 
-// The first language that is one.
+// The first language that is not empty.
 Utf8Chars FontConfigReader::readLanguage(jobjectArray languages) {
     const jsize count = languages != nullptr ? mEnv->GetArrayLength(languages) : 0;
     for (jsize i = 0; i < count && !mCalls.threw(); ++i) {

@@ -24,7 +24,7 @@ jboolean fail(const char* line) {
     return JNI_FALSE;
 }
 
-// The name becomes the font's key: a later SetFont of it needs no file.
+// The name becomes the font's key: a later SetFont with it needs no file.
 jboolean JNICALL ZvFontManager_InsertFontData(JNIEnv* env, jobject, jstring name, jbyteArray data) {
     ZV_DEBUG_LOG(kTag, "ZvFontManager_InsertFontData");
     if (name == nullptr) return fail("ZvFontManager_InsertFontData() - fontName is NULL");
@@ -43,7 +43,7 @@ void freeFamilies(List* families) {
     delete families;
 }
 
-// The first configuration that can be read counts, for the life of the process.
+// The first readable configuration holds for the life of the process.
 jboolean JNICALL ZvFontManager_SetFontConfig(JNIEnv* env, jobject, jobject config) {
     FontManager* const manager = FontManager::GetInstance();
     ZV_DEBUG_LOG(kTag, "ZvFontManager_SetFontConfig()");

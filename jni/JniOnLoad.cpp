@@ -13,8 +13,8 @@ namespace {
 
 constexpr char kTag[] = "ZvText_Common_JNI";
 
-// A class that could not be registered does not stop the load: its failure is written down, and the next
-// class begins without an exception. One still pending at the end would make the runtime refuse the library.
+// A class that cannot be registered does not stop the load: the failure is logged and its exception cleared,
+// since the runtime refuses a library that leaves one pending.
 void noteFailure(JNIEnv* env, const char* line) {
     __android_log_print(ANDROID_LOG_ERROR, kTag, "%s", line);
     Zvex::HandleException(env);
@@ -23,8 +23,8 @@ void noteFailure(JNIEnv* env, const char* line) {
 
 }  // namespace
 
-// Returns the interface version the library was written for, or 0, by which the runtime refuses the library,
-// where it offers no environment of that version.
+// Returns the JNI version the library needs, or 0 if the runtime has no environment of that version; the
+// runtime then refuses the library.
 extern "C" JNIEXPORT jint JNICALL JNI_OnLoad(JavaVM* vm, void*) {
     ZV_DEBUG_LOG(kTag, "ZvText_JNI_OnLoad");
     void* environment = nullptr;

@@ -8,13 +8,13 @@
 #include <memory>
 #include <utility>
 
-// What every native of the binding needs: references, strings and arrays that are given back on every path,
-// Java methods looked up by table, and calls that stop at the first exception.
+// What every native needs: references, strings and arrays that are released on every path, Java methods
+// looked up by table, and calls that stop at the first exception.
 //
-// Exceptions. Only a handful of JNI functions may be called while one is pending: those that give something
-// back and those that ask about the exception. What is declared here holds to that: a lookup that fails
-// leaves no exception for a method that is merely missing, and JavaCalls makes no further call once one has
-// thrown. The exception then stays pending for the Java caller.
+// Exceptions. While one is pending, only a few JNI functions may be called: those that release something and
+// those that query the exception. The functions here obey this: looking up a missing method leaves no
+// exception, and JavaCalls makes no further call once one has thrown. The exception then stays pending for
+// the Java caller.
 //
 // Threads: everything here belongs to the thread whose JNIEnv it was made with.
 
@@ -51,7 +51,7 @@ private:
 class Utf8Chars {
 public:
     Utf8Chars() = default;  // no text
-    // A null string has no characters. Nor has one whose characters are not to be had; an exception may be
+    // A null string has no characters, nor has one whose characters cannot be read; an exception may be
     // pending then.
     Utf8Chars(JNIEnv* env, jstring string);
 
@@ -62,7 +62,7 @@ private:
     std::unique_ptr<char[]> mChars;
 };
 
-// The elements of a Java array of ints or floats, read only: given back without being copied back.
+// The elements of a Java array of ints or floats, read-only: released without copying back.
 class IntElements {
 public:
     IntElements(JNIEnv* env, jintArray array)
@@ -72,7 +72,7 @@ public:
     }
     IntElements(const IntElements&) = delete;
     IntElements& operator=(const IntElements&) = delete;
-    const jint* get() const { return mElements; }  // null when they are not to be had
+    const jint* get() const { return mElements; }  // null when they cannot be read
 
 private:
     JNIEnv* mEnv;
@@ -108,15 +108,15 @@ struct JavaMethod {
     const char* signature;
 };
 
-// The method of that class; null when there is none. No exception is pending then, unless the lookup failed
-// for another reason than a missing method.
+// The method of that class; null if there is none. An exception is then pending only if the lookup failed for
+// another reason.
 jmethodID findMethod(JNIEnv* env, jclass javaClass, const JavaMethod& method);
 
 // The same on the object's own class.
 jmethodID findMethod(JNIEnv* env, jobject object, const JavaMethod& method);
 
-// Looks up the methods of `table` in order, into the same places of `ids`. The first that is missing ends it:
-// an error line "<complaint> <name> not found" under `tag`, and false.
+// Looks up the methods of `table` in order and stores them at the same indices of `ids`. Stops at the first
+// missing one with an error line "<complaint> <name> not found" under `tag`, and returns false.
 bool findMethods(JNIEnv* env, jclass javaClass, const JavaMethod* table, size_t count, jmethodID* ids,
                  const char* tag, const char* complaint);
 
@@ -152,9 +152,9 @@ private:
     jmethodID mIds[Count] = {};
 };
 
-// Calls of Java methods, one after another. The first that throws ends the row: the exception stays pending,
-// and every later call does nothing and gives 0, false or null. So a reader makes its calls and asks once, at
-// the end, whether one threw.
+// Calls of Java methods, one after another. After the first that throws, the exception stays pending and
+// every later call does nothing and returns 0, false or null. So a reader makes all its calls and checks
+// once, at the end, whether one threw.
 class JavaCalls {
 public:
     explicit JavaCalls(JNIEnv* env) : mEnv(env) {}
@@ -185,7 +185,7 @@ public:
     Utf8Chars getChars(jobject object, jmethodID method) {
         return charsOf(getObject<jstring>(object, method).get());
     }
-    // A string whose characters find no memory counts as a call that threw; it must not pass for none.
+    // A string for which there is no memory counts as a call that threw, so that it is not taken for null.
     Utf8Chars charsOf(jstring string) {
         if (mThrew) return Utf8Chars();
         Utf8Chars chars = checked(Utf8Chars(mEnv, string));
@@ -210,8 +210,8 @@ private:
 
 // --- Loading
 
-// Settles the exception that a failed lookup or registration left: a NoSuchMethodError is cleared, any other
-// is pending again afterwards. Without an exception, and without that class, nothing stays pending.
+// Handles the exception of a failed lookup or registration: a NoSuchMethodError is cleared, any other stays
+// pending. If that class cannot be found, nothing stays pending.
 void HandleException(JNIEnv* env);
 
 // One entry of a registration table. Not every jni.h declares the names it does not write to as const.
@@ -220,8 +220,8 @@ JNINativeMethod nativeMethod(const char* name, const char* signature, Function* 
     return {const_cast<char*>(name), const_cast<char*>(signature), reinterpret_cast<void*>(function)};
 }
 
-// Finds a class through the class loader of whoever loads the library; null, with an exception pending, when
-// there is none.
+// Finds a class through the class loader that loads the library; null, with an exception pending, if there is
+// none.
 LocalRef<jclass> findClass(JNIEnv* env, const char* name);
 
 }  // namespace Zvex

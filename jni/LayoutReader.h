@@ -11,14 +11,14 @@
 
 namespace Zvex {
 
-// What is wanted of an android.text.Layout: its text and the lines that a view shows of it.
+// What is read from an android.text.Layout: its text and the lines of it that a view shows.
 struct LayoutContent {
     Utf8Chars text;             // without characters when the layout has no text
-    Buffer<LaidOutLine> lines;  // no others than the lines shown
+    Buffer<LaidOutLine> lines;  // only the lines shown
     int lineCount = 0;          // of them
 };
 
-// Asks the layout for no line but those that the view shows (shownLines), so for none when it shows none.
+// Reads only the lines that the view shows (shownLines).
 //
 // False, with an error line, when the layout lacks a method or memory is short; and when a method throws: the
 // exception is pending then.

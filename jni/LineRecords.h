@@ -12,7 +12,7 @@
 
 namespace Zvex {
 
-// Line records on their way into a text object. Owns them until the text object has taken them.
+// Collects line records for a text object, and owns them until the text object takes them.
 class LineRecords {
 public:
     ~LineRecords() {

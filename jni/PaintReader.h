@@ -8,11 +8,11 @@
 namespace Zvex {
 
 // Reads an android.graphics.Paint into `out`, a fresh paint: scale, skew, letter spacing, family variant,
-// flags, size, fake bold, feature settings, locales and alignment. The colour stays out: a text takes its
+// flags, size, fake bold, feature settings, locales and alignment. The colour is not read: a text takes its
 // colour from its view.
 //
 // False, with an error line, when the paint lacks a method; and when a method throws: the exception is
-// pending then. A locale list or an alignment that cannot be asked is written down and left at its default.
+// pending then. A locale list or an alignment that cannot be read is logged and keeps its default.
 bool ReadPaint(JNIEnv* env, jobject paint, android::Paint& out);
 
 }  // namespace Zvex

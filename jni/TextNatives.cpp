@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// The natives of ZvText. Each makes the Java object's text object on the first call; one whose text object is
-// gone reports error 19 and fails. A null argument fails. A Java object that lacks a method fails with an
+// The natives of ZvText. Each creates the Java object's text object on the first call; if the text object is
+// gone, it reports error 19 and fails. A null argument fails. A Java object that lacks a method fails with an
 // error line and no exception; a method that throws fails with its exception pending. The setters read all
 // they need before they set anything, so a failure leaves the text object as it was.
 #include "jni/TextNatives.h"
@@ -40,7 +40,7 @@ JavaVM* keptVm = nullptr;
 
 // --- Lifetime and settings
 
-// Gives up the Java object's reference to its text object; nothing without one.
+// Drops the Java object's reference to its text object, if it has one.
 void JNICALL ZvText_finalize(JNIEnv* env, jobject thiz) {
     const jint handle = ReadHandle(env, thiz);
     if (handle < 0) return;
@@ -60,7 +60,7 @@ jboolean JNICALL ZvText_SetPaint(JNIEnv* env, jobject thiz, jobject javaPaint) {
     return JNI_TRUE;
 }
 
-// A negative size of the view is written down and leaves the size held; all else is taken.
+// A negative size of the view is logged and ignored; everything else is stored.
 jboolean JNICALL ZvText_SetView(JNIEnv* env, jobject thiz, jobject javaView) {
     ZV_BOUND_TEXT_OBJECT(text, JNI_FALSE);
     ZvView* const view = text->GetView();
@@ -87,8 +87,8 @@ jboolean JNICALL ZvText_SetLine(JNIEnv* env, jobject thiz, jint lines) {
     return JNI_TRUE;
 }
 
-// Takes over the layout's text, if it has one, and the lines that the view shows of it, placed in the view as
-// it is now.
+// Copies the layout's text, if it has one, and the lines that the view shows, placed in the view as it is
+// now.
 jboolean JNICALL ZvText_SetLayout(JNIEnv* env, jobject thiz, jobject layout) {
     ZV_BOUND_TEXT_OBJECT(text, JNI_FALSE);
     const int handle = text->GetRuntimeHandle();
@@ -98,7 +98,7 @@ jboolean JNICALL ZvText_SetLayout(JNIEnv* env, jobject thiz, jobject layout) {
     }
     ZV_DEBUG_LOG(kTag, "ZvText_SetLayout - RH(%d) (%p)", handle, static_cast<void*>(layout));
     if (text->GetView() == nullptr) return JNI_FALSE;
-    const ZvView view = *text->GetView();  // one for the choice and the places of the lines, whatever happens
+    const ZvView view = *text->GetView();  // one copy, so that choosing and placing lines agree
     LayoutContent content;
     if (!ReadLayout(env, layout, view, content)) return JNI_FALSE;
     ZV_STILL_BOUND(handle, JNI_FALSE);
@@ -151,20 +151,20 @@ jintArray JNICALL ZvText_RenderTextEffect(JNIEnv* env, jobject thiz) {
     }
     view->SetBitmapWidth(width);
     view->SetBitmapHeight(height);
-    // Before the rendering, which takes several times the array's memory: the runtime knows its limit and
-    // says so.
+    // Before rendering, which takes several times the array's memory: here the runtime checks its limit and
+    // throws.
     const jintArray array = env->NewIntArray(static_cast<jsize>(count));
     if (array == nullptr) return nullptr;
     const uint32_t* pixels = text->RenderTextEffect(width, height);
-    // Without its drawing part the object answers with the picture before this one, of whatever size.
+    // Without its drawing part the object returns the previous picture, of any size.
     if (pixels != nullptr && text->GetFont() != nullptr) {
         env->SetIntArrayRegion(array, 0, static_cast<jsize>(count), reinterpret_cast<const jint*>(pixels));
     }
     return array;
 }
 
-// --- Fonts. They change the process's font manager: callers keep them apart from each other and from
-// renders.
+// --- Fonts. They change the process's font manager: callers must not run them in parallel with each other or
+// with renders.
 
 jboolean fail(const char* line) {
     __android_log_print(ANDROID_LOG_ERROR, kTag, "%s", line);
@@ -175,7 +175,7 @@ struct AssetCloser {
     void operator()(AAsset* asset) const { AAsset_close(asset); }
 };
 
-// All bytes of the asset; null when they cannot be had, or are more than a font may have.
+// All bytes of the asset; null if they cannot be read or are more than a font may have.
 std::unique_ptr<char[]> readAsset(AAsset* asset, unsigned int& size) {
     const int64_t length = AAsset_getLength(asset);
     if (length < 0 || length > std::numeric_limits<uint32_t>::max()) return nullptr;
@@ -309,7 +309,7 @@ jint JNICALL ZvText_AddLinearGradientTextEffect(JNIEnv* env, jobject thiz, jfloa
     return effect->addLinearGradientText(angle, scale, opacity, count, stops.get());
 }
 
-// Nothing for a Java object that never had a text object.
+// Does nothing for a Java object that never had a text object.
 void JNICALL ZvText_ClearAllTextEffect(JNIEnv* env, jobject thiz) {
     if (ReadHandle(env, thiz) < 0) return;
     ZV_BOUND_TEXT_OBJECT(text, );

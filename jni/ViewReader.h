@@ -10,7 +10,7 @@
 
 namespace Zvex {
 
-// What an android.widget.TextView tells about itself.
+// What is read from an android.widget.TextView.
 struct ViewSettings {
     ZvView view;  // size, padding, gravity and maxLines, as the Java view gave them, unchecked
     uint32_t textColor = 0;
@@ -20,7 +20,7 @@ struct ViewSettings {
 };
 
 // False, with an error line, when the view lacks a method; and when a method throws: the exception is pending
-// then. A typeface that cannot tell whether it is bold or italic counts as not being it.
+// then. A typeface that cannot tell whether it is bold or italic counts as neither.
 bool ReadView(JNIEnv* env, jobject view, ViewSettings& out);
 
 }  // namespace Zvex
