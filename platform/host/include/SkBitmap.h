@@ -6,12 +6,12 @@
 
 #include "SkImageInfo.h"
 
-// A view of pixels that belong to someone else: they must outlive the bitmap, its copies and the canvases
-// over them. Copies share the pixels. An empty bitmap (no pixels, or a side of zero) may be drawn on and
-// drawn; nothing happens then.
+// A view of pixels that it does not own: they must outlive the bitmap, its copies and the canvases over them.
+// Copies share the pixels. Drawing an empty bitmap (no pixels, or a side of zero), or drawing on it, does
+// nothing.
 class SkBitmap {
 public:
-    // Looks at `pixels`, whose rows lie `rowBytes` apart; bytes between the rows are never touched. False,
+    // Refers to `pixels`, whose rows are `rowBytes` apart; bytes between the rows are never touched. False,
     // and an empty bitmap, for a negative side, a layout other than coverage or straight 8888 colour, a row
     // that does not fit into rowBytes, or an image of 2^31 bytes or more. Null pixels succeed and leave it
     // empty.

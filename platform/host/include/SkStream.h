@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <vector>
 
-// Bytes of known length that lie in memory. Immutable once made.
+// Bytes in memory, of known length. Immutable.
 class SkStreamAsset {
 public:
     SkStreamAsset() = default;
@@ -19,10 +19,10 @@ public:
     virtual const void* getMemoryBase() = 0;
 };
 
-// Bytes borrowed, or a copy of them.
+// Borrowed bytes, or a copy.
 class SkMemoryStream : public SkStreamAsset {
 public:
-    // Without copyData the bytes stay the caller's and must outlive the stream and every typeface made from
+    // Without copyData the caller keeps the bytes, which must outlive the stream and every typeface made from
     // it. A null pointer counts as length 0.
     SkMemoryStream(const void* data, size_t length, bool copyData = false);
 

@@ -41,8 +41,8 @@ public:
     };
 
     // A run of `count` glyphs, all zero until filled; its buffers are valid until make(). Null buffers, and
-    // no run, when count is not positive or the paint's text encoding is not glyph ids. The bounds are a hint
-    // that the port has no use for.
+    // no run, when count is not positive or the paint's text encoding is not glyph ids. The port ignores the
+    // bounds, which are a hint.
     const RunBuffer& allocRunPos(const SkPaint& font, int count, const SkRect* bounds = nullptr);
 
     // The runs so far as a blob, null when there are none; the builder is empty afterwards.

@@ -18,9 +18,9 @@ typedef uint32_t SkFontID;
 // One font of a file or collection. Immutable; may be used from any thread.
 class SkTypeface : public SkRefCnt {
 public:
-    // Reads the font `index` of the stream's bytes and keeps the stream, which is taken over whatever
-    // happens; null when the bytes are no usable font or have no such index. A variable font stands at its
-    // defaults, or where the port's own table in it says (host::kAxesTable).
+    // Reads the font `index` of the stream's bytes, and takes ownership of the stream even on failure. Null
+    // when the bytes are no usable font or have no such index. A variable font has its default axis values,
+    // or those in the port's own table (host::kAxesTable).
     static sk_sp<SkTypeface> MakeFromStream(SkStreamAsset* stream, int index = 0);
 
     // Different for every typeface of the process; never 0.

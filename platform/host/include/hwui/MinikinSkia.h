@@ -15,9 +15,9 @@ namespace android {
 // A typeface as a font for layout.
 class MinikinFontSkia : public minikin::MinikinFont {
 public:
-    // Holds a reference on the typeface, which may be null: the font is then not usable. `fontData`,
-    // `fontSize` and `ttcIndex` say where the typeface came from and are only handed on. Where the
-    // axes stand is the typeface's, so `axes` is not kept.
+    // Holds a reference to the typeface; with a null one the font is not usable. `fontData`, `fontSize` and
+    // `ttcIndex` describe the typeface's source and are only stored. The typeface has its axis values, so
+    // `axes` is not kept.
     MinikinFontSkia(sk_sp<SkTypeface> typeface, const void* fontData, size_t fontSize, int ttcIndex,
                     const std::vector<minikin::FontVariation>& axes);
     ~MinikinFontSkia() override;
@@ -33,8 +33,8 @@ public:
     // What fake italic adds to the skew of a text.
     static constexpr float kFakeItalicSkew = -0.25f;
 
-    // Makes the paint draw with the font: sets the typeface, adds fake bold to what the paint has, and leans
-    // the text by -0.25 more for fake italic. `font` is a MinikinFontSkia.
+    // Makes the paint draw with the font: sets the typeface, adds fake bold if asked for, and adds -0.25 to
+    // the skew for fake italic. `font` is a MinikinFontSkia.
     static void populateSkPaint(SkPaint* paint, const minikin::MinikinFont* font, minikin::FontFakery fakery);
 
 private:

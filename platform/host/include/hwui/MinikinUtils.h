@@ -16,11 +16,11 @@ class MeasuredText;
 
 namespace android {
 
-// Lays lines of text out, and walks the result font by font. No state.
+// Lays out lines of text, and walks the result font by font. No state.
 class MinikinUtils {
 public:
-    // Lays [start, start + count) of the UTF-16 text `buf` of `bufSize` units out as one line; the rest of
-    // the text is context (direction). What lies beyond bufSize is cut off. The line is cut into runs of one
+    // Lays out [start, start + count) of the UTF-16 text `buf`, `bufSize` units long, as one line; the rest
+    // of the text is context (direction). A range beyond bufSize is cut off. The line is cut into runs of one
     // direction, put in visual order, then into words, then into runs of one font, then of one script. A word
     // begins before and after each blank (U+0020, U+2000 to U+200A, U+3000) and directional control (U+200E,
     // U+200F, U+202A to U+202E, U+2066 to U+2069) and before each of U+3400 to U+9FFF. Each is shaped by
@@ -29,12 +29,12 @@ public:
     // all. Words are kept, so the next layout with them is cheap.
     //
     // In the phone's rendering (host::Rendering) the size is cut to a whole number, unless the linear-text
-    // flag (0x40) is set. A text size, scale X or skew beyond what glyphs are drawn at, or that is no number,
-    // counts as size 0. Without the linear-text flag each advance is rounded to a whole pixel.
+    // flag (0x40) is set. A text size, scale X or skew that is not a number, or too large to draw, counts as
+    // size 0. Without the linear-text flag each advance is rounded to a whole pixel.
     //
     // Letter spacing x size x scale X, rounded to a whole pixel without the linear-text flag, is added to
     // each cluster: half of it (rounded down without that flag) before and the rest after. Scripts whose
-    // letters join or hang from a line take none. Beyond 0.03 em either way the ligature features liga and
+    // letters join or hang from a line get none. Beyond 0.03 em either way the ligature features liga and
     // clig are off. Of the paint's feature settings the last of each tag holds; tags after 1024 are left out.
     //
     // A null paint, typeface or text, or a typeface without fonts, gives a layout without glyphs. The
@@ -44,8 +44,7 @@ public:
                                     minikin::MeasuredText* mt);
 
     // Calls f(start, end) for each maximal run [start, end) of glyphs in one font, with the paint set up to
-    // draw that font; the paint's skew and fake bold are as before afterwards, its typeface is the last
-    // run's.
+    // draw that font. Afterwards the paint's skew and fake bold are restored; its typeface is the last run's.
     template <typename F>
     static void forFontRun(const minikin::Layout& layout, Paint* paint, F& f) {
         const float skewX = paint->getTextSkewX();

@@ -11,7 +11,8 @@
 
 namespace android {
 
-// SkPaint with what layout needs besides. Copies are independent; one object belongs to one thread at a time.
+// SkPaint with the settings that layout needs as well. Copies are independent; one thread at a time uses an
+// object.
 class Paint : public SkPaint {
 public:
     Paint() = default;
@@ -21,8 +22,8 @@ public:
     void setLetterSpacing(float letterSpacing) { mLetterSpacing = letterSpacing; }
     float getLetterSpacing() const { return mLetterSpacing; }
 
-    // OpenType features: comma-separated "tag", "tag=value", "-tag" or "'tag' value"; what cannot be read, or
-    // names only a range of the text, is skipped.
+    // OpenType features: comma-separated "tag", "tag=value", "-tag" or "'tag' value"; malformed entries, and
+    // those for a range of the text, are skipped.
     void setFontFeatureSettings(const std::string& settings) { mFontFeatureSettings = settings; }
     const std::string& getFontFeatureSettings() const { return mFontFeatureSettings; }
 

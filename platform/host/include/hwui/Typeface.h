@@ -11,15 +11,14 @@
 
 namespace android {
 
-// Families to search and the style wanted of them. Immutable after it is made; layouts made with it outlive
-// it.
+// Families to search, and the wanted style. Immutable; layouts made with it may outlive it.
 struct Typeface {
     std::shared_ptr<minikin::FontCollection> fFontCollection;  // never null from createFromFamilies
-    minikin::FontStyle fStyle;                                 // the one wanted
+    minikin::FontStyle fStyle;                                 // the wanted style
 
     // The caller deletes the result, which is never null. `weight` is cut to 1..1000; italic unless `italic`
-    // is 0. A negative one is taken from the first family's regular font (400 and upright without one). Null
-    // families are left out; without any font, layouts are empty.
+    // is 0. If either is negative, it comes from the first family's regular font (400 and upright if there is
+    // none). Null families are skipped; without any font, layouts are empty.
     static Typeface* createFromFamilies(std::vector<std::shared_ptr<minikin::FontFamily>>&& families,
                                         int weight, int italic);
 };

@@ -10,10 +10,9 @@
 
 namespace minikin {
 
-// The families a text is searched through, first to last. Text goes through it word by word and character by
-// character:
-// - a character that shows nothing (soft hyphen, joiner, selector, directional mark) stays in the family of
-//   the one before it, at the start of a word in that of the one after it;
+// An ordered list of families, from which fonts are chosen word by word and character by character:
+// - an invisible character (soft hyphen, joiner, selector, directional mark) takes the family of the one
+//   before it, or after it at the start of a word;
 // - so do ! , - . : ; ? no-break spaces, U+2010, U+2011, the signs U+2640, U+2642, U+2695 and combining
 //   marks, where that family covers them;
 // - else the first family, if it covers the character (with the variation selector, if one follows);
@@ -22,16 +21,16 @@ namespace minikin {
 //   of the paint, the first locale counting most; of a variant that fits; earlier in the list;
 // - else that of the character which its decomposition begins with, else the first one, with its missing
 //   glyph.
-// A combining mark that goes to another family takes the character before it along, if that family covers it;
-// so does the modifier of an emoji.
+// If a combining mark needs another family, the character before it moves there too, if that family covers
+// it. The same holds for an emoji and its modifier.
 class FontCollection {
 public:
-    // Null families and families without a usable font are left out.
+    // Skips null families and families without a usable font.
     explicit FontCollection(const std::vector<std::shared_ptr<FontFamily>>& families);
     FontCollection(const FontCollection&) = delete;
     FontCollection& operator=(const FontCollection&) = delete;
 
-    // Those that were not left out, in their order.
+    // The families that were not skipped, in order.
     const std::vector<std::shared_ptr<FontFamily>>& families() const { return mFamilies; }
     // Collections of different fonts have different ones.
     uint64_t id() const { return mId; }

@@ -16,21 +16,21 @@ struct ShapingFont;
 
 namespace minikin {
 
-// A font with the style it stands for in its family. Move-only; immutable once built.
+// A font with its style within its family. Move-only; immutable once built.
 class Font {
 public:
-    // Collects what is known of a font. The setters return the builder.
+    // Collects a font's properties. The setters return the builder.
     class Builder {
     public:
         explicit Builder(const std::shared_ptr<MinikinFont>& typeface) : mTypeface(typeface) {}
 
-        // Both, or one: weight 1 to 1000.
+        // Set both or one; weights are 1 to 1000.
         Builder& setStyle(FontStyle style);
         Builder& setWeight(uint16_t weight);
         Builder& setSlant(FontStyle::Slant slant);
 
-        // What was not set is read from the font file. A null typeface, or one whose bytes are no usable
-        // font, builds a font that no family takes.
+        // Reads from the font file what was not set. A null typeface, or one without usable bytes, makes a
+        // font that families skip.
         Font build();
 
     private:
@@ -61,17 +61,16 @@ private:
     std::shared_ptr<const host::ShapingFont> mShaping;
 };
 
-// A font chosen for a style, and what it lacks of that style.
+// A font chosen for a style, and the parts of the style that it lacks.
 struct FakedFont {
     const Font* font = nullptr;  // owned by its family
-    FontFakery fakery;           // what drawing has to add
+    FontFakery fakery;           // what drawing must add
 };
 
 // Fonts of one design in several weights and slants. Immutable; any number of threads may use one object.
 class FontFamily {
 public:
-    // Where a script has a roomy and a tight design: ELEGANT keeps tall shapes, COMPACT fits Latin line
-    // heights.
+    // For scripts with two designs: ELEGANT keeps tall shapes, COMPACT fits Latin line heights.
     enum class Variant : uint8_t { DEFAULT = 0, COMPACT = 1, ELEGANT = 2 };
 
     explicit FontFamily(std::vector<Font>&& fonts);
@@ -86,10 +85,10 @@ public:
     uint32_t localeListId() const { return mLocaleListId; }
     Variant variant() const { return mVariant; }
 
-    // The font nearest to the style: a hundred of weight counts 1, the wrong slant 2, the earlier font wins a
-    // tie. Fake bold is asked for when the wanted weight is 600 or more and exceeds the font's by 200 or
-    // more, fake italic when italic is wanted and the font is upright. No font in a family without usable
-    // ones.
+    // The font closest to the style: a weight difference of 100 counts 1, the wrong slant 2, and the earlier
+    // font wins a tie. Fake bold is set when the wanted weight is at least 600 and exceeds the font's by at
+    // least 200, fake italic when italic is wanted and the font is upright. A null font in a family without
+    // usable ones.
     FakedFont getClosestMatch(FontStyle style) const;
 
     // Adds all that the layout of a text depends on, as bytes, and the fonts' host::FontFace::uniqueId().

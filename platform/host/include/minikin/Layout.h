@@ -28,8 +28,8 @@ enum class Bidi : uint8_t {
     FORCE_RTL = 5,
 };
 
-// One line of glyphs, placed, in visual order from left to right. Positions are pixels from the line's origin
-// on the baseline, y growing downwards. Move-only. It keeps its fonts alive.
+// One line of positioned glyphs in visual order, left to right. Positions are pixels from the line's origin
+// on the baseline, y growing downwards. Move-only. Keeps its fonts alive.
 //
 // Without the linear-text flag of the paint every advance is a whole number of pixels, and so is every pen
 // position; only the offsets of marks are fractions then. With it, advances and bounds are fractions.

@@ -23,13 +23,13 @@ struct FontVariation {
     float value;       // in the axis's own units
 };
 
-// What a font lacks of the style that was asked for, and drawing has to make up.
+// The parts of the wanted style that a font lacks and drawing must imitate.
 class FontFakery {
 public:
     FontFakery() = default;
     FontFakery(bool fakeBold, bool fakeItalic) : mFakeBold(fakeBold), mFakeItalic(fakeItalic) {}
 
-    // Widen the outlines; lean them.
+    // Whether to widen the outlines, and to slant them.
     bool isFakeBold() const { return mFakeBold; }
     bool isFakeItalic() const { return mFakeItalic; }
 
@@ -38,7 +38,7 @@ private:
     bool mFakeItalic = false;
 };
 
-// A font file as layout sees it. Immutable, so any number of threads may use one object at once.
+// A font file as layout sees it. Immutable; any number of threads may use one object.
 class MinikinFont {
 public:
     explicit MinikinFont(int32_t uniqueId) : mUniqueId(uniqueId) {}
@@ -49,8 +49,8 @@ public:
     // Tells fonts apart within the process.
     int32_t GetUniqueId() const { return mUniqueId; }
 
-    // The bytes of the file (null and 0 when unknown), still owned by whoever made the font, and the font's
-    // place in it when the file is a collection.
+    // The bytes of the file (null and 0 when unknown), owned by the font's creator, and the font's index in a
+    // collection.
     virtual const void* GetFontData() const { return nullptr; }
     virtual size_t GetFontSize() const { return 0; }
     virtual int GetFontIndex() const { return 0; }

@@ -4,8 +4,8 @@ package com.orvane.android.sdk.zve;
 import java.lang.reflect.Method;
 
 /**
- * An action that runs once: when it is run, or else some time after nobody can reach its owner any more. A
- * {@code java.lang.ref.Cleaner} sees to that where the platform has one, else a finalizer.
+ * An action that runs once: when called, or some time after its owner became unreachable. A {@code java.lang.ref.Cleaner}
+ * does the latter where the platform has one, else a finalizer.
  */
 class Release implements Runnable {
     private static final Object CLEANER;

@@ -20,8 +20,8 @@ public class ZvException extends RuntimeException {
     }
 
     /**
-     * The calling thread's last error code as it was when this was thrown; 0 for none. A refusal that has no code of its own,
-     * such as a font that cannot be read, leaves the code of an earlier one in place.
+     * The calling thread's last error code when this was thrown; 0 for none. A failure without a code of its own, such as an
+     * unreadable font, keeps the code of an earlier one.
      */
     public int code() {
         return code;

@@ -7,8 +7,8 @@ import java.io.File;
  * Loads {@code libZvEffect.so} on first use: from the path in the system property {@code zvex.library}, else by its name,
  * as {@link System#loadLibrary} finds it.
  *
- * <p>Loading runs outside the initialisers of the classes with natives: the library initialises them itself while it loads,
- * and two threads that begin with different classes would wait for each other.
+ * <p>It is not loaded in the static initialisers of the classes with natives, because loading initialises those classes: two
+ * threads that start with different classes would deadlock.
  */
 public final class ZvLibrary {
     private static volatile boolean loaded;
@@ -16,7 +16,8 @@ public final class ZvLibrary {
     private ZvLibrary() {}
 
     /**
-     * Loads the library unless it is loaded. Every class of the kit calls it; an application may, to meet a failure early.
+     * Loads the library if it is not loaded yet. Every class of the kit calls this; an application may call it to see a
+     * failure early.
      *
      * @throws UnsatisfiedLinkError where it cannot be found or loaded; the next call tries again
      */

@@ -23,28 +23,27 @@ import java.util.concurrent.locks.Lock;
  * }
  * }</pre>
  *
- * <p>A font, a paint, a view and a layout are what a picture needs, in any order. They are read when they are given, a layout
- * once there is a view too; changes made to them afterwards need not count. There is at most one effect of each kind; adding
- * one again replaces it.
+ * <p>A picture needs a font, a paint, a view and a layout, in any order. They are read when they are given (a layout once
+ * there is a view too); later changes to them may have no effect. There is at most one effect of each kind; adding one again
+ * replaces it.
  *
  * <p>Colours are {@code 0xAARRGGBB}. Where a method takes an opacity as well, 0 to 1, the colour's alpha scales it. Angles
- * are whole degrees; distances, sizes and stroke widths whole pixels from 0 to 100. What is outside a range is brought into
- * it.
+ * are whole degrees; distances, sizes and stroke widths whole pixels from 0 to 100. Values outside a range are clamped.
  *
- * <p>Null arguments give a {@link NullPointerException}, what the library refuses a {@link ZvException}; the text then stays
- * as it was. An exception that a method of a given object throws comes out of the call that reads the object.
+ * <p>Null arguments throw a {@link NullPointerException}, and values that the library refuses a {@link ZvException}; the
+ * text is then unchanged. An exception thrown by a given object propagates from the call that reads the object.
  *
- * <p>Threads: a text may be used from any thread; calls on one text wait for each other, renders of several run side by side.
- * The objects handed in must not call back into the kit while they are read.
+ * <p>Threads: a text may be used from any thread; calls on one text wait for each other, and renders of several texts run in
+ * parallel. The objects handed in must not call back into the kit while they are read.
  *
- * <p>{@link #close} frees the native memory, the picture's among it. A text that is not closed keeps it until some time after
- * the garbage collector has found it unreachable.
+ * <p>{@link #close} frees the native memory, including the picture's. If a text is not closed, this happens some time after
+ * it became unreachable.
  */
 public final class ZvText implements AutoCloseable {
     // The native object's handle; negative while there is none. Natives read and write it.
     private int mHandle = -1;
 
-    // Held during every call. The lock of the fonts comes after it.
+    // Held during every call, and taken before the fonts' lock.
     private final Object lock = new Object();
     private final Handle handle = new Handle();
     private final Release release;
@@ -62,7 +61,7 @@ public final class ZvText implements AutoCloseable {
         release = Release.of(this, handle);
     }
 
-    // Stands in for a text that cannot be reached any more.
+    // Frees the native object of an unreachable text.
     private ZvText(int handle) {
         mHandle = handle;
         release = null;
@@ -79,7 +78,7 @@ public final class ZvText implements AutoCloseable {
         }
     }
 
-    // Every call begins with it, under the lock.
+    // Every call starts with this, under the lock.
     private void begin() {
         if (closed) {
             throw new IllegalStateException("the text is closed");
@@ -113,8 +112,8 @@ public final class ZvText implements AutoCloseable {
     }
 
     /**
-     * Takes the font from a font file's bytes, which are copied. The name stands for them from then on, in {@link
-     * #font(String)} too: bytes under a name that is known already are not looked at.
+     * Sets the font from a font file's bytes, which are copied and known by the name from then on, also in {@link
+     * #font(String)}. If the name is known already, the bytes are ignored.
      */
     public ZvText font(String name, byte[] data) {
         Objects.requireNonNull(name, "name");
@@ -186,8 +185,8 @@ public final class ZvText implements AutoCloseable {
     }
 
     /**
-     * Takes the text and its lines. They are placed in the view; the layout is read once more when the view or the number of
-     * lines changes afterwards.
+     * Sets the text and its lines, which are placed in the view. The layout is read again when the view or the number of
+     * lines changes later.
      */
     public ZvText layout(Layout layout) {
         Objects.requireNonNull(layout, "layout");
@@ -257,7 +256,7 @@ public final class ZvText implements AutoCloseable {
     /**
      * Casts a shadow behind the text.
      *
-     * @param angle where the light comes from: 0 the right, 90 above; the shadow falls to the other side
+     * @param angle where the light comes from: 0 is the right, 90 above; the shadow falls on the other side
      * @param distance how far it falls
      * @param size how far its edge is blurred
      */
@@ -296,13 +295,13 @@ public final class ZvText implements AutoCloseable {
     }
 
     /**
-     * Fills the text with colours that merge.
+     * Fills the text with a gradient.
      *
-     * @param angle 0 runs from the left to the right, 90 from the bottom to the top
+     * @param angle 0 runs from left to right, 90 from bottom to top
      * @param scale how far the colours are spread: 1 over the text's box, 2, the most, over twice that, which shows the
      *     middle ones; below 0.1 there is no fill at all
-     * @param positions of the colours, 0 to 1, taken to hundredths
-     * @throws IllegalArgumentException where there are not as many positions as colours
+     * @param positions of the colours, 0 to 1, used in hundredths
+     * @throws IllegalArgumentException if there are not as many positions as colours
      */
     public ZvText linearGradient(float angle, float scale, int[] colors, float[] positions, float opacity) {
         if (colors.length != positions.length) {
@@ -319,7 +318,7 @@ public final class ZvText implements AutoCloseable {
         }
     }
 
-    // The library takes the opacity alone and leaves the colour's alpha out.
+    // The library reads only the opacity and ignores the colour's alpha.
     private static float scaled(float opacity, int color) {
         return opacity * ((color >>> 24) / 255.0f);
     }
@@ -339,8 +338,8 @@ public final class ZvText implements AutoCloseable {
     }
 
     /**
-     * Makes the picture: rows of {@link #width} pixels from the top, straight {@code 0xAARRGGBB}. It is as large as the view
-     * and the margins that the effects need around it.
+     * Renders the picture: rows of {@link #width} pixels from the top, straight {@code 0xAARRGGBB}. Its size is the view
+     * plus the margins that the effects need.
      *
      * @throws IllegalStateException where the view, the layout or any font is missing
      */

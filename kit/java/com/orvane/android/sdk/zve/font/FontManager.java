@@ -13,8 +13,8 @@ public final class FontManager {
     private FontManager() {}
 
     /**
-     * Adds a font from a font file's bytes, which are copied. A text finds it by {@code font(name)}. A name that is known
-     * already keeps its font.
+     * Adds a font from a font file's bytes, which are copied. A text selects it with {@code font(name)}. If the name is
+     * known already, it keeps its font.
      *
      * @throws ZvException where the bytes are no font
      */
@@ -34,8 +34,8 @@ public final class FontManager {
     }
 
     /**
-     * Takes the system's families, which stand behind every font for the characters it lacks; those made for a language are
-     * read when the first text needs them. The first configuration counts: later calls change nothing.
+     * Sets the system's families, the fallback for characters that a font lacks; language-specific ones are loaded when the
+     * first text needs them. Only the first configuration counts; later calls change nothing.
      *
      * @throws ZvException where the configuration cannot be read; the next call tries again
      */

@@ -11,15 +11,15 @@ import java.util.concurrent.locks.ReadWriteLock;
 import java.util.concurrent.locks.ReentrantReadWriteLock;
 
 /**
- * Part of the kit's inside, not for applications. The library's store of fonts has no lock: a call that may change it runs
- * alone, calls that only read it (renders above all) run side by side.
+ * Internal to the kit, not for applications. The library's store of fonts has no lock: a call that may change it runs alone,
+ * and calls that only read it (mainly renders) run in parallel.
  *
- * <p>Order: a text's own lock first, then this one. A thread that holds it takes no text's lock.
+ * <p>Order: a text's own lock first, then this one. A thread that holds this lock takes no text's lock.
  */
 public final class FontLock {
     private static final ReadWriteLock LOCK = new ReentrantReadWriteLock();
 
-    // Fonts are never taken out of the store again, so giving one once more only reads.
+    // Fonts are never removed from the store, so adding one again only reads.
     private static final Set<String> KNOWN = Collections.newSetFromMap(new ConcurrentHashMap<>());
     private static volatile boolean configured;
 
@@ -68,7 +68,7 @@ public final class FontLock {
         return change();
     }
 
-    // Only where neither the layout nor the text can change is it certain that the library reads what is seen here.
+    // Only if neither the layout nor the text can change does the library certainly read what is seen here.
     private static boolean isPlain(Layout layout) {
         CharSequence text = layout instanceof StaticLayout ? layout.getText() : null;
         if (!(text instanceof String)) {

@@ -4,8 +4,7 @@ package com.orvane.android.sdk.zve.util;
 import android.os.Build;
 
 /**
- * The library's error code. It is kept per thread, is 0 until something is reported, and stays until something else is:
- * an operation that succeeds does not reset it.
+ * The library's error code. Each thread has its own, 0 until an error is reported; a successful operation does not reset it.
  */
 public final class ZvError {
     private ZvError() {}
@@ -15,7 +14,7 @@ public final class ZvError {
         return Error_GetError();
     }
 
-    // Asked once, while the library loads. An engineering build lets it log everything.
+    // Called once, while the library loads, which logs everything in an engineering build.
     private static boolean isBuildTypeEngMode() {
         return "eng".equals(Build.TYPE);
     }
