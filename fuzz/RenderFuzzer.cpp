@@ -91,7 +91,7 @@ std::wstring readText(fuzz::Input& input) {
 float readSize(fuzz::Input& input, float most) {
     const float value =
         input.byte() < 200 ? static_cast<float>(input.between(0, 255)) * most / 255 : input.number();
-    return std::fabs(value) > most && std::fabs(value) <= 32768 ? most : value;
+    return std::isfinite(value) && std::fabs(value) > most ? most : value;
 }
 
 // One thing at a time, so that a picture kept for another paint is seen.
