@@ -299,6 +299,19 @@ TEST(EffectStack, OrderAndTargetsOfEveryType) {
     }
 }
 
+TEST(EffectStack, UnderTheTextDependsOnTheLayerMode) {
+    ZvEffect stack;
+    ZvStrokeProperty centered(1, 0, 1, 0, 0);
+    Recorder emboss(6), stroke(10, &centered), bevel(5), unset(10);
+    for (int mode : {0, 1}) {
+        stack.layerMode = mode;
+        EXPECT_EQ(stack.isUnderEffect(&emboss), mode == 0);
+        EXPECT_EQ(stack.isUnderEffect(&stroke), mode == 0);
+        EXPECT_TRUE(stack.isUnderEffect(&bevel) && stack.isUnderEffect(&unset));
+        EXPECT_FALSE(stack.isUnderEffect(nullptr));
+    }
+}
+
 // --- Rendering
 
 TEST(EffectStack, GlyphsMergeIntoTheMaskAndItsBox) {
