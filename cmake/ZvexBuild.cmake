@@ -1,14 +1,14 @@
 # SPDX-License-Identifier: Apache-2.0
-# The compiler settings every target of the project shares.
+# Compiler settings for every target of the project.
 find_package(Threads REQUIRED)
 
 # Pixels are a promise: no fused multiply-add, no reordering of floats, on any machine at any level.
-# Nobody reads errno or the exception flags after arithmetic; without these two the compiler may take several
-# roots or either side of a choice at once, with the same results.
+# The code does not read errno or the floating-point flags; without those the compiler can vectorise square roots and choices,
+# with the same results.
 set(ZVEX_EXACT_MATH -ffp-contract=off -fno-fast-math -fno-math-errno -fno-trapping-math)
 
-# Release builds are hardened: stack protector, checked calls of the C library, and addresses that are resolved at start and
-# read-only afterwards. The tests see to it (tests/tree/Hardening.cmake).
+# Release builds are hardened: stack protector, checked calls of the C library, and addresses resolved at start and
+# read-only afterwards. tests/tree/Hardening.cmake checks the binaries.
 set(ZVEX_HARDENED OFF)
 if(CMAKE_BUILD_TYPE STREQUAL Release AND CMAKE_CXX_FLAGS_RELEASE MATCHES "-O[1-3s]" AND NOT ZVEX_SANITIZE)
   set(ZVEX_HARDENED ON)
@@ -25,16 +25,16 @@ function(zvex_compile_options target)
     target_link_options(${target} PRIVATE LINKER:-z,relro LINKER:-z,now)
   endif()
   if(ZVEX_SANITIZE)
-    # Part of the public interface, so that whatever links the library is instrumented with it.
+    # PUBLIC, so that programs linked with the library are instrumented too.
     target_compile_options(${target} PUBLIC -fsanitize=${ZVEX_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
     target_link_options(${target} PUBLIC -fsanitize=${ZVEX_SANITIZE})
     if(CMAKE_CXX_COMPILER_ID STREQUAL "Clang")
-      # Half the time of a compilation went into the code of other people's headers.
+      # Instrumenting third-party headers took half of the compile time.
       target_compile_options(${target} PUBLIC -fsanitize-ignorelist=${PROJECT_SOURCE_DIR}/cmake/not-sanitized.txt)
     endif()
   endif()
   if(ZVEX_BUILD_FUZZERS)
-    # The counters that steer the fuzzer. Only the fuzz targets have its main.
+    # Coverage counters for the fuzzer. Only the fuzz targets have its main.
     target_compile_options(${target} PUBLIC -fsanitize=fuzzer-no-link)
     target_link_options(${target} PUBLIC -fsanitize=fuzzer-no-link)
   endif()

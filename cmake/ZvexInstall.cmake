@@ -1,13 +1,13 @@
 # SPDX-License-Identifier: Apache-2.0
-# cmake --install: the library, its public headers under their tree names, find_package(Zvex) and pkg-config, all of it
-# relative to the prefix, which may be moved.
+# cmake --install: the library, its public headers under their tree names, find_package(Zvex) and pkg-config, all relative to
+# the prefix, so that the installed folder may be moved.
 include(CMakePackageConfigHelpers)
 
 install(TARGETS zvex EXPORT ZvexTargets
         ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
 install(EXPORT ZvexTargets NAMESPACE Zvex:: DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Zvex)
 
-# Public is what is installed, and what scripts/docs makes pages of.
+# Public headers are installed, and documented by scripts/docs.
 set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS cmake/public-headers.txt)
 file(STRINGS cmake/public-headers.txt headers)
 foreach(header IN LISTS headers)
@@ -21,7 +21,7 @@ write_basic_package_version_file(${CMAKE_CURRENT_BINARY_DIR}/ZvexConfigVersion.c
 install(FILES ${CMAKE_CURRENT_BINARY_DIR}/ZvexConfig.cmake ${CMAKE_CURRENT_BINARY_DIR}/ZvexConfigVersion.cmake
         DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Zvex)
 
-# The prefix as seen from the folder of zvex.pc, however deep the library folder lies.
+# The prefix relative to the folder of zvex.pc.
 file(RELATIVE_PATH ZVEX_PC_PREFIX /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
 cmake_path(SET ZVEX_PC_PREFIX NORMALIZE "${ZVEX_PC_PREFIX}")
 set(ZVEX_PC_REQUIRES Requires)

@@ -1,6 +1,6 @@
 # SPDX-License-Identifier: Apache-2.0
 # The Java side of a desktop: zvex-kit.jar (com.orvane.*), zvex-android.jar (the android.* stand-ins), tests under JUnit 5.
-# Left out, with a line that says so, where the machine has no Java compiler.
+# Skipped with a message where there is no Java compiler.
 file(GLOB ZVEX_JDKS /usr/lib/jvm/java-17-openjdk-* /usr/lib/jvm/default-java)
 find_program(ZVEX_JAVAC javac HINTS $ENV{JAVA_HOME} ${ZVEX_JDKS} PATH_SUFFIXES bin)
 find_program(ZVEX_JAR jar HINTS $ENV{JAVA_HOME} ${ZVEX_JDKS} PATH_SUFFIXES bin)
@@ -30,15 +30,15 @@ function(zvex_add_jar jar folder release)
 endfunction()
 
 zvex_add_jar(${ZVEX_ANDROID_JAR} ${PROJECT_SOURCE_DIR}/platform/host/java 17)
-# Java 8: what every Android of the supported levels understands.
+# Java 8, which every supported Android version understands.
 zvex_add_jar(${ZVEX_KIT_JAR} ${PROJECT_SOURCE_DIR}/kit/java 8 ${ZVEX_ANDROID_JAR})
 add_subdirectory(platform/host/jni)
 add_custom_target(zvex_java ALL DEPENDS ${ZVEX_ANDROID_JAR} ${ZVEX_KIT_JAR})
 
-# zvex_add_java_test(NAME name SOURCES sources... [LIBRARY target] [ARGS JVM arguments...]): JUnit 5 classes as one test of
-# ctest. They run in a JVM that checks every JNI call; a line of its complaints fails the test. System properties:
-# zvex.library is the path of the library (ZvEffect, or the target given), zvex.fonts the folder in which it finds the
-# system's fonts, zvex.host.library the path of the stand-ins' own, which finds them there too.
+# zvex_add_java_test(NAME name SOURCES sources... [LIBRARY target] [ARGS JVM arguments...]): runs JUnit 5 classes as one test
+# of ctest, in a JVM that checks every JNI call; any complaint fails the test. System properties: zvex.library is the path of
+# the library (ZvEffect, or the target given), zvex.fonts the folder of its system fonts, and zvex.host.library the path of
+# the library behind the android.* stand-ins, which uses the same folder.
 function(zvex_add_java_test)
   cmake_parse_arguments(PARSE_ARGV 0 arg "" "NAME;LIBRARY" "SOURCES;ARGS")
   if(NOT arg_LIBRARY)

@@ -13,7 +13,7 @@ namespace minikin {
 // An ordered list of families, from which fonts are chosen word by word and character by character:
 // - an invisible character (soft hyphen, joiner, selector, directional mark) takes the family of the one
 //   before it, or after it at the start of a word;
-// - so do ! , - . : ; ? no-break spaces, U+2010, U+2011, the signs U+2640, U+2642, U+2695 and combining
+// - likewise ! , - . : ; ? no-break spaces, U+2010, U+2011, the signs U+2640, U+2642, U+2695 and combining
 //   marks, where that family covers them;
 // - else the first family, if it covers the character (with the variation selector, if one follows);
 // - else, among the families that cover it, the best by these in turn: a glyph of its own for the variation

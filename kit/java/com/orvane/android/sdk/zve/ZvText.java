@@ -61,7 +61,7 @@ public final class ZvText implements AutoCloseable {
         release = Release.of(this, handle);
     }
 
-    // Frees the native object of an unreachable text.
+    // Takes the place of an unreachable text to free its native object.
     private ZvText(int handle) {
         mHandle = handle;
         release = null;
