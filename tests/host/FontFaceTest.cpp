@@ -163,19 +163,16 @@ TEST(FontFace, AdvancesAreTheFontsOwnScaled) {
             FT_Load_Glyph(oracle.face(), glyph, FT_LOAD_NO_SCALE);
             // Fonts of strikes only have no unscaled glyphs in FreeType; all their advances are alike.
             const auto units = role == Role::kEmoji ? 2550 : oracle.face()->glyph->metrics.horiAdvance;
-            GlyphStyle style = styled(37.5f, 1.25f);
+            GlyphStyle style = styled(37.5f, 1.25f, -0.25f, true);
+            const float whole = face->advance(glyph, style);
             style.subpixel = true;
             const float fractional = face->advance(glyph, style);
             const float expected =
                 static_cast<float>(units) * (37.5f * 1.25f) / static_cast<float>(face->unitsPerEm());
+            EXPECT_EQ(whole, std::floor(fractional + 0.5f));
             if (role != Role::kEmoji || fractional != 0) {
                 ASSERT_NEAR(fractional, expected, 1e-4f * expected) << fonts::path(role) << glyph;
             }
-            style.fakeBold = true;
-            style.skewX = -0.25f;
-            EXPECT_EQ(face->advance(glyph, style), fractional);
-            style.subpixel = false;
-            EXPECT_EQ(face->advance(glyph, style), std::floor(fractional + 0.5f));
         }
         EXPECT_EQ(face->advance(face->glyphCount(), styled(20)), 0);
         EXPECT_EQ(face->advance(0xFFFFFFFF, styled(20)), 0);
@@ -268,23 +265,6 @@ TEST(FontFace, FakeBoldWidensBothSidesBySizeOver24To32) {
     }
 }
 
-TEST(FontFace, WithoutAntiAliasCoverageIsAllOrNothing) {
-    for (const auto& [role, character] : {std::pair(Role::kLatin, 'S' + 0u), {Role::kEmoji, 0x1F600u}}) {
-        const auto face = fonts::open(role);
-        const uint32_t glyph = glyphOf(*face, character);
-        GlyphStyle style = styled(48);
-        const auto smooth = face->image(glyph, style, 1);
-        style.antiAlias = false;
-        const auto hard = face->image(glyph, style, 1);
-        EXPECT_TRUE(everywhere(edgesOf(*smooth), [&smooth = *smooth, &hard = *hard](int x, int y) {
-            const int level = coverageAt(hard, x, y);
-            // A pixel is set for its centre, which the share of it that is covered only mostly tells.
-            return (level == 0 || level == 255) && std::abs(level - coverageAt(smooth, x, y)) <= 191;
-        }));
-        EXPECT_GT(inkOf(*hard), 0);
-    }
-}
-
 TEST(FontFace, ColourStrikesGiveTheirAlphaAtTheSize) {
     const auto face = fonts::open(Role::kEmoji);
     const uint32_t glyph = glyphOf(*face, 0x1F600);
@@ -316,51 +296,23 @@ TEST(FontFace, ColourStrikesGiveTheirAlphaAtTheSize) {
     EXPECT_TRUE(boxOf(*face, glyph, styled(ppem / 4)) == quarter);
 }
 
-void put(std::string& table, int bytes, std::initializer_list<uint32_t> values) {
-    for (const uint32_t value : values) {
-        for (int i = bytes - 1; i >= 0; --i) table.push_back(static_cast<char>(value >> (8 * i)));
-    }
-}
-
-// The first font of the file with some tables more.
-std::string withTables(Role role, const std::vector<std::pair<hb_tag_t, std::string>>& added) {
-    hb_blob_t* whole = hb_blob_create_from_file(fonts::path(role));
-    hb_face_t *source = hb_face_create(whole, 0), *builder = hb_face_builder_create();
-    const auto addTable = [builder](hb_tag_t tag, hb_blob_t* table) {
-        hb_face_builder_add_table(builder, tag, table);
-        hb_blob_destroy(table);
-    };
-    hb_tag_t tags[64];
-    unsigned count = 64, length = 0;
-    hb_face_get_table_tags(source, 0, &count, tags);
-    for (unsigned i = 0; i < count; ++i) addTable(tags[i], hb_face_reference_table(source, tags[i]));
-    for (const auto& [tag, bytes] : added) {
-        addTable(tag, hb_blob_create(bytes.data(), static_cast<unsigned>(bytes.size()),
-                                     HB_MEMORY_MODE_DUPLICATE, nullptr, nullptr));
-    }
-    hb_blob_t* built = hb_face_reference_blob(builder);
-    const char* data = hb_blob_get_data(built, &length);
-    const std::string result(data, length);
-    for (hb_blob_t* blob : {built, whole}) hb_blob_destroy(blob);
-    for (hb_face_t* face : {builder, source}) hb_face_destroy(face);
-    return result;
-}
-
 // The file with glyph `base` made of `layers` (glyph, palette entry); the palette has the given alphas.
 std::string layeredFont(Role role, uint32_t base, const std::vector<std::pair<uint32_t, uint32_t>>& layers,
                         const std::vector<uint8_t>& alphas) {
     const auto layerCount = static_cast<uint32_t>(layers.size());
     const auto colors = static_cast<uint32_t>(alphas.size());
     std::string color, palette;
-    put(color, 2, {0, 1});  // version, base glyphs
-    put(color, 4, {14, 20});
-    put(color, 2, {layerCount, base, 0, layerCount});
-    for (const auto& [glyph, entry] : layers) put(color, 2, {glyph, entry});
-    put(palette, 2, {0, colors, 1, colors});
-    put(palette, 4, {14});
-    put(palette, 2, {0});
-    for (const uint8_t alpha : alphas) put(palette, 4, {0x10203000u | alpha});  // blue, green, red, alpha
-    return withTables(role, {{HB_TAG('C', 'O', 'L', 'R'), color}, {HB_TAG('C', 'P', 'A', 'L'), palette}});
+    fonts::put(color, 2, {0, 1});  // version, base glyphs
+    fonts::put(color, 4, {14, 20});
+    fonts::put(color, 2, {layerCount, base, 0, layerCount});
+    for (const auto& [glyph, entry] : layers) fonts::put(color, 2, {glyph, entry});
+    fonts::put(palette, 2, {0, colors, 1, colors});
+    fonts::put(palette, 4, {14});
+    fonts::put(palette, 2, {0});
+    for (const uint8_t alpha : alphas)
+        fonts::put(palette, 4, {0x10203000u | alpha});  // blue, green, red, alpha
+    return fonts::withTables(role,
+                             {{HB_TAG('C', 'O', 'L', 'R'), color}, {HB_TAG('C', 'P', 'A', 'L'), palette}});
 }
 
 // The file with a strike of each size in which `base` alone has a bitmap.
@@ -369,16 +321,16 @@ std::string strikeFont(Role role, uint32_t glyphCount, uint32_t base, const std:
     const auto strikes = static_cast<uint32_t>(ppems.size());
     const uint32_t header = 4 + 4 * (glyphCount + 1), record = 8 + static_cast<uint32_t>(png.size());
     std::string table;
-    put(table, 2, {1, 1});  // version, flags
-    put(table, 4, {strikes});
-    for (uint32_t i = 0; i < strikes; ++i) put(table, 4, {8 + 4 * strikes + i * (header + record)});
+    fonts::put(table, 2, {1, 1});  // version, flags
+    fonts::put(table, 4, {strikes});
+    for (uint32_t i = 0; i < strikes; ++i) fonts::put(table, 4, {8 + 4 * strikes + i * (header + record)});
     for (const uint32_t ppem : ppems) {
-        put(table, 2, {ppem, 72});
-        for (uint32_t i = 0; i <= glyphCount; ++i) put(table, 4, {header + (i > base ? record : 0)});
-        put(table, 4, {0});  // the bitmap's lower left corner is at the origin
+        fonts::put(table, 2, {ppem, 72});
+        for (uint32_t i = 0; i <= glyphCount; ++i) fonts::put(table, 4, {header + (i > base ? record : 0)});
+        fonts::put(table, 4, {0});  // the bitmap's lower left corner is at the origin
         table += "png " + png;
     }
-    return withTables(role, {{HB_TAG('s', 'b', 'i', 'x'), table}});
+    return fonts::withTables(role, {{HB_TAG('s', 'b', 'i', 'x'), table}});
 }
 
 TEST(FontFace, TheNearestStrikeNotSmallerThanTheSizeIsScaled) {
@@ -440,12 +392,12 @@ TEST(FontFace, AxesStandWhereTheFontsTableSaysHoweverOddItIs) {
     constexpr uint32_t kWeight = HB_TAG('w', 'g', 'h', 't'), kOther = HB_TAG('o', 'p', 's', 'z');
     const auto pairs = [](std::initializer_list<uint32_t> values) {
         std::string table;
-        put(table, 4, values);
+        fonts::put(table, 4, values);
         return table;
     };
     std::string many;
-    for (uint32_t i = 0; i < 63; ++i) put(many, 4, {kWeight, (200 + i) << 16});
-    put(many, 4, {kWeight, 300 << 16, kWeight, 900 << 16});  // the 64th pair, and one that is not read
+    for (uint32_t i = 0; i < 63; ++i) fonts::put(many, 4, {kWeight, (200 + i) << 16});
+    fonts::put(many, 4, {kWeight, 300 << 16, kWeight, 900 << 16});  // the 64th pair, and one that is not read
     const std::string bold = pairs({kWeight, 700 << 16});
     const std::tuple<const char*, std::string, int> cases[] = {
         {"none", "", 400},
@@ -462,7 +414,7 @@ TEST(FontFace, AxesStandWhereTheFontsTableSaysHoweverOddItIs) {
     const uint32_t glyph = oracle.glyph('H');
     for (const auto& [name, table, weight] : cases) {
         SCOPED_TRACE(name);
-        const std::string file = withTables(Role::kVariable, {{host::kAxesTable, table}});
+        const std::string file = fonts::withTables(Role::kVariable, {{host::kAxesTable, table}});
         const auto face = opened(file);
         ASSERT_NE(face, nullptr);
         FT_Fixed place = FT_Fixed{weight} << 16;
@@ -477,7 +429,7 @@ TEST(FontFace, AxesStandWhereTheFontsTableSaysHoweverOddItIs) {
         hb_font_destroy(font);
     }
     // A font without axes takes no notice.
-    const std::string file = withTables(Role::kLatinSmall, {{host::kAxesTable, bold}});
+    const std::string file = fonts::withTables(Role::kLatinSmall, {{host::kAxesTable, bold}});
     const auto fixed = opened(file), plain = fonts::open(Role::kLatinSmall);
     ASSERT_NE(fixed, nullptr);
     EXPECT_TRUE(samePixels(*fixed->image(40, styled(90), 0), *plain->image(40, styled(90), 0)));

@@ -3,6 +3,7 @@
 #define ZVEX_TESTS_HOST_FONTS_H_
 
 #include <gtest/gtest.h>
+#include <hb.h>
 
 #include <cstdint>
 #include <filesystem>
@@ -73,6 +74,41 @@ inline const std::vector<uint8_t>& bytes(Role role) {
         EXPECT_FALSE(file.empty()) << "font missing, run scripts/setup: " << path(role);
     }
     return file;
+}
+
+// Appends the values, most significant byte first.
+inline void put(std::string& table, int bytes, const std::vector<uint32_t>& values) {
+    for (const uint32_t value : values) {
+        for (int i = bytes - 1; i >= 0; --i) table.push_back(static_cast<char>(value >> (8 * i)));
+    }
+}
+
+// The first font of the file, with these tables in place of its own or as well.
+inline std::string withTables(Role role, const std::map<hb_tag_t, std::string>& added) {
+    const std::vector<uint8_t>& file = bytes(role);
+    const auto blobOf = [](const void* data, size_t size) {
+        return hb_blob_create(static_cast<const char*>(data), static_cast<unsigned>(size),
+                              HB_MEMORY_MODE_READONLY, nullptr, nullptr);
+    };
+    hb_blob_t* whole = blobOf(file.data(), file.size());
+    hb_face_t *source = hb_face_create(whole, 0), *builder = hb_face_builder_create();
+    const auto add = [builder](hb_tag_t tag, hb_blob_t* table) {
+        hb_face_builder_add_table(builder, tag, table);
+        hb_blob_destroy(table);
+    };
+    hb_tag_t tags[64];
+    unsigned count = 64, length = 0;
+    hb_face_get_table_tags(source, 0, &count, tags);
+    for (unsigned i = 0; i < count; ++i) {
+        if (added.count(tags[i]) == 0) add(tags[i], hb_face_reference_table(source, tags[i]));
+    }
+    for (const auto& [tag, table] : added) add(tag, blobOf(table.data(), table.size()));
+    hb_blob_t* built = hb_face_reference_blob(builder);
+    const char* data = hb_blob_get_data(built, &length);
+    const std::string result(data, length);
+    for (hb_blob_t* blob : {built, whole}) hb_blob_destroy(blob);
+    for (hb_face_t* face : {builder, source}) hb_face_destroy(face);
+    return result;
 }
 
 inline std::shared_ptr<host::FontFace> open(Role role, int index = 0) {

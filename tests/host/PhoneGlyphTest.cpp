@@ -11,7 +11,7 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "PhoneCases.h"
+#include "Lines.h"
 #include "platform/host/Rendering.h"
 
 namespace {
@@ -24,7 +24,7 @@ struct PhonePicture {
         png_image image;
         std::memset(&image, 0, sizeof image);
         image.version = PNG_IMAGE_VERSION;
-        const std::string path = ZVEX_PHONE_DATA "/" + name + ".png";
+        const std::string path = ZVEX_HOST_DATA "/phone/" + name + ".png";
         if (png_image_begin_read_from_file(&image, path.c_str()) == 0) return;
         image.format = format;
         pixels.resize(PNG_IMAGE_SIZE(image));
@@ -35,7 +35,7 @@ struct PhonePicture {
 };
 
 // The line, laid out and drawn as the library draws a line's coverage.
-std::vector<uint8_t> drawnLine(const phone::Case& line, const PhonePicture& like) {
+std::vector<uint8_t> drawnLine(const hosttest::Line& line, const PhonePicture& like) {
     std::vector<uint8_t> pixels(like.pixels.size());
     SkBitmap bitmap;
     bitmap.installPixels(
@@ -80,16 +80,18 @@ struct Agreement {
 TEST(PhoneGlyphs, CoverageIsThePhones) {
     int pictures = 0;
     Agreement all;
-    for (const std::vector<std::string>& row : phone::rowsOf(ZVEX_PHONE_DATA "/cases.tsv")) {
-        const PhonePicture expected(row[0], PNG_FORMAT_GRAY);
+    for (const hosttest::Line::Fields& fields : hosttest::phoneCases()) {
+        const std::string name = fields.at("name");
+        const bool path = fields.at("size") == "300";
+        const PhonePicture expected(name, PNG_FORMAT_GRAY);
         if (expected.pixels.empty()) continue;
         ++pictures;
         Agreement one;
-        const std::vector<uint8_t> drawn = drawnLine(phone::Case(row), expected);
+        const std::vector<uint8_t> drawn = drawnLine(hosttest::Line(fields), expected);
         one.add(drawn, expected.pixels);
-        EXPECT_GE(one.nearShare(), row[2] == "300" ? 0.97 : 0.985) << row[0];
-        EXPECT_GE(one.equalShare(), 0.95) << row[0];
-        if (row[2] != "300") all.add(drawn, expected.pixels);
+        EXPECT_GE(one.nearShare(), path ? 0.97 : 0.985) << name;
+        EXPECT_GE(one.equalShare(), 0.95) << name;
+        if (!path) all.add(drawn, expected.pixels);
     }
     EXPECT_GE(pictures, 24);
     EXPECT_GE(all.nearShare(), 0.997);
