@@ -75,24 +75,22 @@ struct Edge {
     }
 };
 
+// Around the glyphs the distance grows away from them, and the height falls.
+SlopeLighting lighting(const ReliefLight& light, int64_t radius, bool inner) {
+    return {LitSide::Bevel, light, static_cast<float>(radius), 0, !inner};
+}
+
 // The light on the slopes.
 bool lightSlopes(ReliefPlanes& planes, const ZvBevelProperty& property, const Widths& widths,
                  const WorkingArea& area, const ZvBitmap& mask) {
     const bool inner = property.style == 1;
     Edge edge;
     if (!edge.make(widths, area, mask, inner) || !planes.allocate(area)) return false;
-    const ReliefLight light = ReliefLight::make(property, DEPTH_FLOOR);
-    const float limit = static_cast<float>(widths.radius);
+    const SlopeLighting slopes = lighting(ReliefLight::make(property, DEPTH_FLOOR), widths.radius, inner);
     for (int y = 0; y < area.height; ++y) {
         edge.distances->next();
         planes.clearRow(area, y);
-        if (y < 2) continue;
-        const size_t at = area.row(y - 1);
-        // Around the glyphs the distance grows away from them, and the height falls.
-        lightRow({LitSide::Bevel, planes.highlight.get() + at, planes.shadow.get() + at,
-                  edge.distances->row(y - 2), edge.distances->row(y - 1), edge.distances->row(y), 1,
-                  area.width - 1, limit, 0, light, !inner, static_cast<int>(property.highlightColor >> 24),
-                  static_cast<int>(property.shadowColor >> 24)});
+        if (y >= 2) planes.lightRow(slopes, area, *edge.distances, y);
     }
     return true;
 }
@@ -155,14 +153,7 @@ int ZvBevel::partialLightProcess(void* job) {
     if (job == nullptr) return 0;
     const LightJob& p = *static_cast<const LightJob*>(job);
     if (p.highlight == nullptr || p.shadow == nullptr || p.distance == nullptr) return 0;
-    const ReliefLight light = {p.lightX, p.lightY, p.lightZ, p.normalZ};
-    for (ptrdiff_t y = p.yBegin; y < p.yEnd; ++y) {
-        const ptrdiff_t at = y * p.width;
-        // Around the glyphs the distance grows away from them, and the height falls.
-        lightRow({LitSide::Bevel, p.highlight + at, p.shadow + at, p.distance + at - p.width, p.distance + at,
-                  p.distance + at + p.width, p.xBegin, p.xEnd, static_cast<float>(p.radius), 0, light,
-                  p.inner == 0, p.highlightAlpha, p.shadowAlpha});
-    }
+    lightPlane(lighting(ReliefLight::of(p), p.radius, p.inner != 0), LitPlane::of(p, p.distance));
     return 0;
 }
 

@@ -50,33 +50,21 @@ struct Widths {
     }
 };
 
-// A row to light, of the planes' pixels from `at` on, between three rows of distances.
-LitRow litRow(const ReliefPlanes& planes, size_t at, LitSide side, const float* above, const float* row,
-              const float* below, int width, const Widths& widths, const ReliefLight& light,
-              const ZvEmbossProperty& property) {
-    // The height falls away from the glyphs; within them, by the opposite shade, it rises.
+// The height falls away from the glyphs; within them, lit as the slope that falls the other way, it rises.
+SlopeLighting lighting(LitSide side, const ReliefLight& light, int64_t outer, int64_t inner) {
     const bool within = side == LitSide::Within;
-    return {side,
-            planes.highlight.get() + at,
-            planes.shadow.get() + at,
-            above,
-            row,
-            below,
-            1,
-            width - 1,
-            static_cast<float>(within ? widths.inner : widths.outer),
-            static_cast<float>(widths.inner),
-            light,
-            !within,
-            static_cast<int>(property.highlightColor >> 24),
-            static_cast<int>(property.shadowColor >> 24)};
+    return {side, light, static_cast<float>(within ? inner : outer), static_cast<float>(inner), !within};
 }
 
 // Calls visit(light, i) for each of the reliefs: the second one has its light from the opposite side.
 template <typename Light>
 void forReliefs(const ReliefLight& light, int count, const Light& visit) {
-    for (int i = 0; i < count; ++i)
-        visit(i == 0 ? light : ReliefLight{-light.x, -light.y, light.z, light.normalZ}, i);
+    visit(light, 0);
+    if (count < 2) return;
+    ReliefLight opposite = light;
+    opposite.x = -light.x;
+    opposite.y = -light.y;
+    visit(opposite, 1);
 }
 
 // Soft and wide slopes: two distances, one for each side of the edge.
@@ -99,11 +87,8 @@ bool lightExactSlopes(ReliefPlanes* planes, int count, const ZvEmbossProperty& p
         for (int i = 0; i < count; ++i) planes[i].clearRow(area, y);
         if (y < 2) continue;
         forReliefs(light, count, [&](const ReliefLight& from, int i) {
-            for (const LitSide side : {LitSide::Around, LitSide::Within}) {
-                const DistanceRows& rows = *distances[side == LitSide::Around ? 0 : 1];
-                lightRow(litRow(planes[i], area.row(y - 1), side, rows.row(y - 2), rows.row(y - 1),
-                                rows.row(y), area.width, widths, from, property));
-            }
+            planes[i].lightRow(lighting(LitSide::Around, from, outer, inner), area, *distances[0], y);
+            planes[i].lightRow(lighting(LitSide::Within, from, outer, inner), area, *distances[1], y);
         });
     }
     return true;
@@ -145,28 +130,12 @@ bool lightSignedSlopes(ReliefPlanes* planes, int count, const ZvEmbossProperty& 
     if (!plane.allocate(area.height, area.width) || !measureSigned(plane.get(), widths, area, mask))
         return false;
     forReliefs(ReliefLight::make(property, DEPTH_FLOOR), count, [&](const ReliefLight& from, int i) {
-        for (int y = 0; y < area.height; ++y) {
-            planes[i].clearRow(area, y);
-            if (y == 0 || y == area.height - 1) continue;
-            const float* row = plane.get() + area.row(y);
-            lightRow(litRow(planes[i], area.row(y), LitSide::Signed, row - area.width, row, row + area.width,
-                            area.width, widths, from, property));
-        }
+        for (int y = 0; y < area.height; ++y) planes[i].clearRow(area, y);
+        lightPlane(lighting(LitSide::Signed, from, widths.outer, widths.inner),
+                   {planes[i].highlight.get(), planes[i].shadow.get(), plane.get(), area.width, 1,
+                    area.width - 1, 1, area.height - 1});
     });
     return true;
-}
-
-// The rows of a job, on one of its planes.
-void lightRows(const ZvEmboss::LightJob& p, LitSide side, const float* plane, int limit) {
-    const ReliefLight light = {p.lightX, p.lightY, p.lightZ, p.normalZ};
-    for (ptrdiff_t y = p.yBegin; y < p.yEnd; ++y) {
-        const ptrdiff_t at = y * p.width;
-        // The height falls away from the glyphs; within them, by the opposite shade, it rises.
-        lightRow({side, p.highlight + at, p.shadow + at, plane + at - p.width, plane + at,
-                  plane + at + p.width, p.xBegin, p.xEnd, static_cast<float>(limit),
-                  static_cast<float>(p.innerRadius), light, side != LitSide::Within, p.highlightAlpha,
-                  p.shadowAlpha});
-    }
 }
 
 }  // namespace
@@ -243,8 +212,11 @@ int ZvEmboss::partialLightSoftProcess(void* job) {
     const LightJob& p = *static_cast<const LightJob*>(job);
     if (p.highlight == nullptr || p.shadow == nullptr || p.distance == nullptr || p.insideDistance == nullptr)
         return 0;
-    lightRows(p, LitSide::Around, p.distance, p.outerRadius);
-    lightRows(p, LitSide::Within, p.insideDistance, p.innerRadius);
+    const ReliefLight light = ReliefLight::of(p);
+    for (const LitSide side : {LitSide::Around, LitSide::Within}) {
+        lightPlane(lighting(side, light, p.outerRadius, p.innerRadius),
+                   LitPlane::of(p, side == LitSide::Around ? p.distance : p.insideDistance));
+    }
     return 0;
 }
 
@@ -252,7 +224,8 @@ int ZvEmboss::partialLightHardProcess(void* job) {
     if (job == nullptr) return 0;
     const LightJob& p = *static_cast<const LightJob*>(job);
     if (p.highlight == nullptr || p.shadow == nullptr || p.distance == nullptr) return 0;
-    lightRows(p, LitSide::Signed, p.distance, p.outerRadius);
+    lightPlane(lighting(LitSide::Signed, ReliefLight::of(p), p.outerRadius, p.innerRadius),
+               LitPlane::of(p, p.distance));
     return 0;
 }
 

@@ -2,9 +2,11 @@
 #include "effect/kernels/Relief.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstring>
 #include <utility>
 
+#include "effect/kernels/DistanceRows.h"
 #include "effect/kernels/Gaussian.h"
 #include "raster/CpuTarget.h"
 #include "raster/ZvBlender.h"
@@ -31,6 +33,17 @@ constexpr int BAND = 64;
 // Of a block whose pixels have not the same two lights.
 constexpr int32_t UNEVEN = -1;
 
+// The pixels of a row from `begin` to `end` - 1, with their neighbours on all four sides; pointers are as of
+// the row's first pixel.
+struct LitRow {
+    uint8_t* highlight;
+    uint8_t* shadow;
+    const float* above;
+    const float* distances;
+    const float* below;
+    int begin, end;
+};
+
 #define ZVEX_KERNELS "effect/kernels/ReliefKernels.inc"
 #include "raster/ForEachTarget.h"
 
@@ -51,33 +64,31 @@ bool isByte(int alpha) {
     return alpha >= 0 && alpha <= 255;
 }
 
-// Pixel by pixel, for alphas that are no bytes.
-void lightRowOfAnyAlpha(const LitRow& row) {
-    for (int x = row.begin; x < row.end; ++x) {
-        const float* pixel = row.distances + x;
-        const bool flat = row.side == LitSide::Bevel || row.side == LitSide::Signed
-                              ? *pixel == row.limit
-                              : !(*pixel < row.limit) || *pixel == 0.0f;
-        if (flat) continue;
-        const float gx = slope(pixel[-1], pixel[1]), gy = slope(row.above[x], row.below[x]);
-        int shade = truncateToInt(row.side == LitSide::Within ? row.light.oppositeShade(gx, gy)
-                                                              : row.light.shade(gx, gy));
-        if (row.flip) shade = 255 - shade;
-        const bool below = row.side == LitSide::Signed && !(*pixel > 0.0f);
-        const int byte = reliefCoverage(below ? *pixel + row.inner - 1.0f : row.limit - *pixel);
-        row.highlight[x] = lightByte(byte, shade + 1, row.highlightAlpha);
-        row.shadow[x] = lightByte(byte, 256 - shade, row.shadowAlpha);
+void lightRow(const SlopeLighting& lighting, const LitRow& row) {
+    const ReliefLight& light = lighting.light;
+    if (isByte(light.highlightAlpha) && isByte(light.shadowAlpha)) {
+        ZVEX_ON_TARGET(lightRow<int>(lighting, row));
+    } else {
+        TargetBaseline::lightRow<int64_t>(lighting, row);  // too rare for a build for each instruction set
     }
 }
 
 }  // namespace
 
-void lightRow(const LitRow& row) {
-    if (isByte(row.highlightAlpha) && isByte(row.shadowAlpha)) {
-        ZVEX_ON_TARGET(lightRow(row));
-    } else {
-        lightRowOfAnyAlpha(row);
+void lightPlane(const SlopeLighting& lighting, const LitPlane& plane) {
+    for (ptrdiff_t y = plane.yBegin; y < plane.yEnd; ++y) {
+        const ptrdiff_t at = y * plane.width;
+        const float* distances = plane.distances + at;
+        lightRow(lighting, {plane.highlight + at, plane.shadow + at, distances - plane.width, distances,
+                            distances + plane.width, plane.xBegin, plane.xEnd});
     }
+}
+
+void ReliefPlanes::lightRow(const SlopeLighting& lighting, const WorkingArea& area,
+                            const DistanceRows& distances, int y) const {
+    const size_t at = area.row(y - 1);
+    Zvex::lightRow(lighting, {highlight.get() + at, shadow.get() + at, distances.row(y - 2),
+                              distances.row(y - 1), distances.row(y), 1, area.width - 1});
 }
 
 ReliefLight ReliefLight::make(const ZvReliefProperty& property, double depthFloor) {
@@ -89,6 +100,8 @@ ReliefLight ReliefLight::make(const ZvReliefProperty& property, double depthFloo
     light.y = sign * (std::sin(azimuth) * std::cos(elevation));
     light.z = std::sin(elevation);
     light.normalZ = static_cast<float>(2.4 / depth);
+    light.highlightAlpha = static_cast<int>(property.highlightColor >> 24);
+    light.shadowAlpha = static_cast<int>(property.shadowColor >> 24);
     return light;
 }
 

@@ -2,7 +2,6 @@
 #ifndef ZVEX_EFFECT_KERNELS_RELIEF_H_
 #define ZVEX_EFFECT_KERNELS_RELIEF_H_
 
-#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -16,6 +15,8 @@
 
 namespace Zvex {
 
+class DistanceRows;
+
 // What bevel and emboss share. Both take the distance to the glyph edge as the height of a relief, light it
 // from one side, keep what is lighter and what is darker in two planes of bytes, blur these, and colour each
 // pixel by the difference of the two.
@@ -23,77 +24,60 @@ namespace Zvex {
 // Everything here is in single precision but for the constants with a fraction (2.4, 0.5, ...), with which
 // the arithmetic is in double precision and its result is stored in single precision.
 
-// A light in the direction (x, y, z), y downwards and z towards the viewer, and the steepness of what it
-// falls on: a slope's normal is (-gx, -gy, normalZ) of whatever length, with (gx, gy) the fall of the height
-// from one pixel to the next.
+// A light in the direction (x, y, z), y downwards and z towards the viewer, and the steepness of the relief
+// that it falls on: the normal of a slope is (-gx, -gy, normalZ), of any length, where (gx, gy) is the fall
+// of the height from one pixel to the next.
 struct ReliefLight {
     float x, y, z;
     float normalZ;
+    int highlightAlpha, shadowAlpha;  // strength of the light and of its shadow: 255 is full, any int is safe
 
     // Depths below the floor, and no number, count as the floor.
     static ReliefLight make(const ZvReliefProperty& property, double depthFloor);
 
-    // 255 times the cosine between the light and the normal, and 255 times one less the cosine for the slope
-    // that falls the other way; not a number counts as 0, and so does what is below. Here alone is the order
-    // of their operations stated: the bytes depend on it.
-    float shade(float gx, float gy) const {
-        const float cosine = 255.0f * ((normalZ * z - x * gx) - y * gy) / normalLength(gx, gy);
-        return clampFloat(cosine, 0.0f, 255.0f);
-    }
-    float oppositeShade(float gx, float gy) const {
-        const float cosine = ((normalZ * z + x * gx) + y * gy) / normalLength(gx, gy);
-        return clampFloat(255.0f * (1.0f - cosine), 0.0f, 255.0f);
-    }
-
-private:
-    float normalLength(float gx, float gy) const {
-        return std::sqrt((normalZ * normalZ + gx * gx) + gy * gy);
+    // The light of a worker's job.
+    template <typename Job>
+    static ReliefLight of(const Job& job) {
+        return {job.lightX, job.lightY, job.lightZ, job.normalZ, job.highlightAlpha, job.shadowAlpha};
     }
 };
 
-// The fall of a plane of heights along one axis, from the pixels on either side.
-inline float slope(float before, float after) {
-    return (before - after) * 0.5f;
-}
-
-// Coverage of 0 to 1, what lies beyond cut off, as a byte, half up.
-inline int reliefCoverage(float coverage) {
-    return truncateToInt(clampFloat(coverage, 0.0f, 1.0f) * 255.0f + 0.5);
-}
-
-// Coverage (0 to 255) scaled by a level of light (1 to 256) and by the alpha of its colour. The limits are
-// for alphas that are no bytes.
-inline uint8_t lightByte(int coverage, int level, int alpha) {
-    const int64_t product = coverage * (((int64_t{level} * alpha) >> 8) + 1);
-    return static_cast<uint8_t>(product >= 65536 ? 255 : product < 0 ? 0 : product >> 8);
-}
-
-// Which pixels of a plane of distances are lit, and how.
+// The pixels of a plane of distances that are lit, and how.
 enum class LitSide {
     Bevel,   // all that are not at the limit; the slope ends there
     Signed,  // the same of a plane whose slope ends at 1 - inner below 0, too
     Around,  // those above 0 and below the limit
-    Within,  // the same, by the opposite shade
+    Within,  // the same, lit as the slope that falls the other way
 };
 
-// One row to light, from `begin` to `end` - 1; its planes as of the row's first pixel. The neighbours on all
-// four sides must be there.
-struct LitRow {
+// How the slopes of one plane of distances are lit.
+struct SlopeLighting {
     LitSide side;
-    uint8_t* highlight;  // results; what is not lit keeps its bytes
-    uint8_t* shadow;
-    const float* above;  // distances in the row before
-    const float* distances;
-    const float* below;
-    int begin, end;
-    float limit, inner;
     ReliefLight light;
-    bool flip;                        // 255 less the shade in place of the shade
-    int highlightAlpha, shadowAlpha;  // any
+    float limit, inner;
+    bool flip;  // 255 - shade in place of the shade
 };
 
-// Writes the bytes of lightByte with the levels shade + 1 and 256 - shade.
-void lightRow(const LitRow& row);
+// Two planes to light by a plane of distances, of one size, rows packed. Pixels that are not lit keep their
+// bytes. The rectangle is half-open and keeps a pixel away from every edge of the planes.
+struct LitPlane {
+    uint8_t* highlight;
+    uint8_t* shadow;
+    const float* distances;
+    int width;
+    int xBegin, xEnd, yBegin, yEnd;
+
+    // The rectangle of a worker's job.
+    template <typename Job>
+    static LitPlane of(const Job& job, const float* distances) {
+        return {job.highlight, job.shadow, distances, job.width, job.xBegin, job.xEnd, job.yBegin, job.yEnd};
+    }
+};
+
+// Lights the rectangle: the shade, 0 to 255, is 255 times the cosine between the light and the normal, and
+// the coverage is how far the distance is from the end of the slope, up to a pixel. The highlight is the
+// coverage scaled by (shade + 1) * highlightAlpha, the shadow by (256 - shade) * shadowAlpha.
+void lightPlane(const SlopeLighting& lighting, const LitPlane& plane);
 
 // How far the working area reaches beyond the text box: a slope as wide as `radius`, and the larger of the
 // two blurs twice.
@@ -133,6 +117,9 @@ struct ReliefPlanes {
     bool allocate(const WorkingArea& area) {
         return highlight.allocate(area.height, area.width) && shadow.allocate(area.height, area.width);
     }
+    // Lights the row before the last that was measured, but for its ends; row `y` is the last one.
+    void lightRow(const SlopeLighting& lighting, const WorkingArea& area, const DistanceRows& distances,
+                  int y) const;
     // No light in that row.
     void clearRow(const WorkingArea& area, int y) const {
         for (const Buffer<uint8_t>* plane : {&highlight, &shadow})

@@ -103,13 +103,22 @@ TEST(Emboss, EqualsThePlainForm) {
 }
 
 TEST(Relief, RoundsAndClamps) {
-    EXPECT_EQ(reliefCoverage(0.0019607842f), 0);  // 0.49999997 and a half, which no float holds
     const uint8_t bright[] = {100}, dark[] = {0};
     uint32_t pixel = 0;
     ReliefColors{2.03f, 0, 0}.row(&pixel, bright, dark, 1);
     EXPECT_EQ(pixel >> 24, 203u);
+    // Light from straight above on a flat plane: the shade is 255, the coverage the limit.
+    const auto lit = [](float limit, int alpha) {
+        const float flat[9] = {};
+        uint8_t highlight[9] = {}, shadow[9] = {};
+        lightPlane({LitSide::Bevel, {0, 0, 1, 1, alpha, 255}, limit, 0, false},
+                   {highlight, shadow, flat, 3, 1, 2, 1, 2});
+        return int{highlight[4]};
+    };
+    EXPECT_EQ(lit(0.0019607842f, 255), 0);  // 0.49999997 and a half, which no float holds
+    EXPECT_EQ(lit(0.0019607844f, 255), 1);
     for (int alpha : {-INT_MAX, -1000, 255, 1000, INT_MAX})
-        EXPECT_EQ(lightByte(255, 256, alpha), alpha < 0 ? 0 : 255) << alpha;
+        EXPECT_EQ(lit(1, alpha), alpha < 0 ? 0 : 255) << alpha;
 }
 
 // Other programs fill the workers' blocks by this layout.
