@@ -82,9 +82,17 @@ bool FreeTypeFace::open(const void* data, size_t size, int index) {
     // The interpreter that moves points in both directions, as the platform's does.
     FT_UInt version = 35;
     FT_Property_Set(mLibrary, "truetype", "interpreter-version", &version);
-    const auto* bytes = static_cast<const FT_Byte*>(data);
-    return FT_New_Memory_Face(mLibrary, bytes, static_cast<FT_Long>(size), index, &mFace) == 0 &&
-           FT_IS_SFNT(mFace);
+    FT_Open_Args args;
+    std::memset(&args, 0, sizeof args);
+    if (mControlValues.open(data, size, index)) {
+        args.flags = FT_OPEN_STREAM;
+        args.stream = mControlValues.stream();
+    } else {
+        args.flags = FT_OPEN_MEMORY;
+        args.memory_base = static_cast<const FT_Byte*>(data);
+        args.memory_size = static_cast<FT_Long>(size);
+    }
+    return FT_Open_Face(mLibrary, &args, index, &mFace) == 0 && FT_IS_SFNT(mFace);
 }
 
 bool FreeTypeFace::setAxes(hb_font_t* font) {

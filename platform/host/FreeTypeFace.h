@@ -9,6 +9,8 @@
 #include <cstdint>
 #include FT_FREETYPE_H
 
+#include "platform/host/ControlValues.h"
+
 namespace host {
 
 // One FreeType library and one face of it, with bounded blocks and settings of its own: the environment,
@@ -47,6 +49,7 @@ public:
 private:
     Blocks mBlocks;
     FT_MemoryRec_ mMemory;
+    ControlValues mControlValues;
     FT_Library mLibrary = nullptr;
     FT_Face mFace = nullptr;
     FT_F26Dot6 mWidth = -1, mHeight = -1;
