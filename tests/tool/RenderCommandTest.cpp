@@ -330,8 +330,7 @@ TEST_F(RenderCommand, PresetsAreTheExampleStyles) {
     EXPECT_NE(mixed.find("\"width\": 40"), std::string::npos) << mixed;
     const Result unknown = run({"render", "--preset", "list", "--print-style"});
     EXPECT_EQ(unknown.status, 2);
-    EXPECT_EQ(unknown.err.find("zvtext: --preset: 'list' is not one of aurora, blocks, "), 0u)
-        << unknown.err;
+    EXPECT_EQ(unknown.err.find("zvtext: --preset: 'list' is not one of aurora, blocks, "), 0u) << unknown.err;
 }
 
 TEST_F(RenderCommand, AnOutputThatCannotBeWrittenFails) {
