@@ -166,18 +166,17 @@ void renderSmall(Scene scene) {
     if (scene.text.size() > 60) return;
     namedPattern(scene.style);
     scene.font = FONT;
-    scene.axes.clear();
     scene.fallbacks.clear();
     scene.systemFallback = false;
     scene.style.size = std::min(scene.style.size, 50.0);
     scene.style.letterSpacing = std::min(scene.style.letterSpacing, 2.0);
     scene.width = scene.width == 0 ? MOST_SIDE : std::min(scene.width, MOST_SIDE);
     scene.height = scene.height == 0 ? MOST_SIDE : std::min(scene.height, MOST_SIDE);
-    const Rendering rendering = renderScene(scene);
+    const Rendering rendering = render(scene);
     const Picture& picture = rendering.picture;
     FUZZ_CHECK(picture.pixels.size() ==
                static_cast<size_t>(picture.width) * static_cast<size_t>(picture.height));
-    FUZZ_CHECK(renderScene(scene).picture.pixels == picture.pixels);
+    FUZZ_CHECK(render(scene).picture.pixels == picture.pixels);
     const Picture back = decodePng("", encodePng(picture));
     FUZZ_CHECK(back.pixels == picture.pixels);
     encodeWebp(picture);

@@ -3,19 +3,33 @@
 #define ZVEX_SCENE_FAILURE_H_
 
 #include <stdexcept>
+#include <string>
 
 namespace Zvex::scene {
 
-// The command line asks for something that cannot be (exit status 2). The message is one line and names the
-// argument.
-struct UsageError : std::runtime_error {
+// What the scene throws, besides std::bad_alloc. what() is one line: the place, ": " and the cause. The place
+// is the setting, as the command line and a batch call it ("--size", "--bevel soften"), or TEXT.
+class Error : public std::runtime_error {
+public:
     using std::runtime_error::runtime_error;
+
+    std::string place() const { return std::string(what()).substr(0, split()); }
+    std::string cause() const {
+        return std::string(what()).substr(split() == std::string::npos ? 0 : split() + 2);
+    }
+
+private:
+    size_t split() const { return std::string(what()).find(": "); }
 };
 
-// The command line is fine, but a file or the machine is not (exit status 1). One line that names the
-// argument.
-struct Failure : std::runtime_error {
-    using std::runtime_error::runtime_error;
+// The scene asks for something that cannot be.
+struct UsageError : Error {
+    using Error::Error;
+};
+
+// The scene is fine, but a file or the machine is not.
+struct Failure : Error {
+    using Error::Error;
 };
 
 // No room for a file.

@@ -239,7 +239,9 @@ std::shared_ptr<const LoadedFont> readFont(const std::string& option, const Font
     const std::string& path = choice.path;
     if (path.empty()) throw UsageError(option + ": the path is empty");
     // readFile takes "-" for standard input; a font is always a file.
-    const std::string content = readFile(option, path == "-" ? "./-" : path, kMaxFontBytes, choice.scope);
+    const std::string content =
+        choice.bytes != nullptr ? *choice.bytes
+                                : readFile(option, path == "-" ? "./-" : path, kMaxFontBytes, choice.scope);
     if (content.empty()) throw Failure(option + ": '" + path + "' is empty");
     if (content.compare(0, 4, "wOFF") == 0 || content.compare(0, 4, "wOF2") == 0) {
         throw Failure(option + ": '" + path + "' is a compressed font (WOFF); unpack it to .ttf or .otf");
@@ -261,7 +263,7 @@ std::shared_ptr<const LoadedFont> readFont(const std::string& option, const Font
     font->choice = choice;
     font->fontsInFile = fonts;
     const std::vector<AxisValue> places = placesOf(option, choice, face->hbFace(), axesOption, axes);
-    if (choice.index == 0 && places.empty()) {
+    if (choice.index == 0 && places.empty() && choice.bytes == nullptr) {
         font->key = path;
         font->face = hold(path, content.data(), content.size());
     }
@@ -319,12 +321,14 @@ std::string tagName(hb_tag_t tag) {
 std::shared_ptr<const LoadedFont> loadFont(const std::string& option, const FontChoice& choice,
                                            const std::string& axesOption, const std::string& axes) {
     // Not by name(): a file may be called as a font of a collection is written.
-    using Key = std::tuple<std::string, int, unsigned, std::string, std::string>;
+    // What was loaded holds its bytes, so their address is theirs alone.
+    using Key = std::tuple<std::string, int, unsigned, std::string, std::string, const void*>;
     static std::map<Key, std::shared_ptr<const LoadedFont>> loaded;
-    const Key key(choice.path, choice.index, choice.instance, choice.variations, axes);
+    const Key key(choice.path, choice.index, choice.instance, choice.variations, axes, choice.bytes.get());
     const auto found = loaded.find(key);
     // Loaded for who may read more, perhaps.
-    if (found != loaded.end() && !choice.scope.isAnywhere()) choice.scope.openFile(option, choice.path);
+    if (found != loaded.end() && !choice.scope.isAnywhere() && choice.bytes == nullptr)
+        choice.scope.openFile(option, choice.path);
     if (found != loaded.end()) return found->second;
     return loaded[key] = readFont(option, choice, axesOption, axes, loaded.size());
 }

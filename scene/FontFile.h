@@ -21,6 +21,7 @@ struct FontChoice {
     unsigned instance = 0;   // the named instance whose places its axes take, from 1; 0: their defaults
     std::string variations;  // "wght=650,opsz=20", these win over the instance's places
     FolderScope scope;       // where the file may lie
+    std::shared_ptr<const std::string> bytes;  // the font itself, in place of a file
 
     std::string name() const;  // "FILE", or "FILE#INDEX" where the index is not 0
 };

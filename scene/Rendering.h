@@ -2,6 +2,9 @@
 #ifndef ZVEX_SCENE_RENDERING_H_
 #define ZVEX_SCENE_RENDERING_H_
 
+#include <string>
+#include <vector>
+
 #include "scene/Metrics.h"
 #include "scene/Picture.h"
 
@@ -11,6 +14,7 @@ namespace Zvex::scene {
 struct Rendering {
     Picture picture;
     Metrics metrics;
+    std::vector<std::string> warnings;  // each a line: characters without a glyph
 };
 
 // Cuts off the rows and columns around the picture in which every pixel is transparent. Of a picture that is

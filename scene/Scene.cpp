@@ -4,7 +4,8 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
-#include <cstring>
+#include <functional>
+#include <mutex>
 #include <optional>
 
 #include "effect/ZvEffect.h"
@@ -83,11 +84,12 @@ PlacedScene placeScene(ZvTextObject& object, const Scene& scene, std::vector<Zve
     const int64_t height = viewHeight + placed.margins.top + placed.margins.bottom;
     // A picture for each layer, beside the one they are joined on.
     const auto pictures = static_cast<int64_t>(std::max<size_t>(scene.style.layers.size(), 1));
-    const int64_t most = std::min(kMaxPixels, 3 * kMaxPixels / pictures);
-    if (width > kMaxSide || height > kMaxSide || width * height > most) {
+    const int64_t side = std::min(scene.limits.side, kMaxSide);
+    const int64_t most = std::min(scene.limits.pixels, 3 * kMaxPixels / pictures);
+    if (width > side || height > side || width * height > most) {
         throw UsageError(std::string(scene.width > 0 ? "--width" : "--size") + ": the picture would be " +
                          std::to_string(width) + " x " + std::to_string(height) + " pixels; at most " +
-                         std::to_string(kMaxSide) + " a side and " + std::to_string(most) + " in all");
+                         std::to_string(side) + " a side and " + std::to_string(most) + " in all");
     }
     placed.width = static_cast<int>(width);
     placed.height = static_cast<int>(height);
@@ -131,24 +133,15 @@ void setLines(ZvTextObject& object, const std::vector<ZvLineInfo>& placed) {
     object.SetLineInfo(&records);  // the text object owns the records now
 }
 
-Picture renderPlain(ZvTextObject& object, int width, int height) {
-    const unsigned int* pixels = object.RenderTextEffect(width, height);
-    if (pixels == nullptr) throw Failure("TEXT: not enough memory for the picture");
-    Picture picture;
-    picture.width = width;
-    picture.height = height;
-    picture.pixels.resize(static_cast<size_t>(width) * static_cast<size_t>(height));
-    std::memcpy(picture.pixels.data(), pixels, picture.pixels.size() * 4);
-    return picture;
-}
+// Takes the picture of width x height straight 0xAARRGGBB words where the library holds it.
+using Sink = std::function<void(const unsigned* pixels, int width, int height)>;
 
-}  // namespace
-
-Rendering renderScene(const Scene& scene) {
+// Without a sink nothing is drawn. The picture of the result is empty but for its size.
+Rendering make(const Scene& scene, const Sink& sink) {
+    static std::mutex drawing;
+    const std::lock_guard<std::mutex> lock(drawing);
     Zvex::takeOutOfMemoryMark();  // an earlier picture's
     const SceneFonts fonts = takeFonts(scene);
-    warnAboutMissing(fonts, scene.systemFallback);
-
     ZvTextObject object;
     if (!object.Construct()) throw std::bad_alloc();
     setText(object, scene, fonts);
@@ -167,15 +160,51 @@ Rendering renderScene(const Scene& scene) {
     const PlacedScene placed = placeScene(object, scene, laidOut.lines);
     setLines(object, placed.lines);
     Rendering rendering;
-    Picture& picture = rendering.picture;
-    picture = layered ? layered->render(placed.width, placed.height)
-                      : renderPlain(object, placed.width, placed.height);
-    if (Zvex::takeOutOfMemoryMark()) throw Failure("TEXT: not enough memory for the picture");
+    for (std::string warning : {missingWarning(fonts, scene.systemFallback), farWarning(scene.text)}) {
+        if (!warning.empty()) rendering.warnings.push_back(std::move(warning));
+    }
     const Margins& margins = placed.margins;
-    rendering.metrics = {picture.width, picture.height, margins, placed.lines.front().y + margins.top,
+    rendering.picture.width = placed.width;
+    rendering.picture.height = placed.height;
+    rendering.metrics = {placed.width, placed.height, margins, placed.lines.front().y + margins.top,
                          measureLines(placed.lines, &laidOut.glyphs[placed.first], margins, scene.text)};
+    if (!sink) return rendering;
+    Picture joined;
+    if (layered) joined = layered->render(placed.width, placed.height);
+    const unsigned int* pixels =
+        layered ? joined.pixels.data() : object.RenderTextEffect(placed.width, placed.height);
+    if (pixels == nullptr || Zvex::takeOutOfMemoryMark())
+        throw Failure("TEXT: not enough memory for the picture");
+    sink(pixels, placed.width, placed.height);
+    return rendering;
+}
+
+}  // namespace
+
+Rendering render(const Scene& scene) {
+    std::vector<uint32_t> kept;
+    Rendering rendering = make(scene, [&](const unsigned* pixels, int width, int height) {
+        kept.assign(pixels, pixels + static_cast<size_t>(width) * static_cast<size_t>(height));
+    });
+    rendering.picture.pixels = std::move(kept);
     if (scene.trim) trimRendering(rendering);
     return rendering;
+}
+
+Rendering measure(const Scene& scene) {
+    return make(scene, nullptr);
+}
+
+Rendering renderInto(const Scene& scene, uint32_t* target, int width, int height, size_t stride) {
+    return make(scene, [&](const unsigned* pixels, int madeWidth, int madeHeight) {
+        if (madeWidth != width || madeHeight != height || stride < static_cast<size_t>(width)) {
+            throw UsageError("TEXT: the picture is " + std::to_string(madeWidth) + " x " +
+                             std::to_string(madeHeight) + " pixels, not " + std::to_string(width) + " x " +
+                             std::to_string(height));
+        }
+        for (int y = 0; y < height; ++y, target += stride, pixels += width)
+            std::copy_n(pixels, width, target);
+    });
 }
 
 namespace {

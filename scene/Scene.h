@@ -3,7 +3,9 @@
 #define ZVEX_SCENE_SCENE_H_
 
 #include <cstdint>
+#include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "platform/host/Rendering.h"
@@ -13,17 +15,42 @@
 
 namespace Zvex::scene {
 
+// A font: what chooseFont of FontChoice.h reads (a file, FILE#N, a name of the system's), or a font's own
+// bytes.
+struct Font {
+    std::string name;
+    std::string axes;                          // "wght=650,opsz=20"; empty: as it stands
+    FolderScope scope;                         // where the file may lie
+    std::shared_ptr<const std::string> bytes;  // in place of a file; fonts stay loaded as long as the process
+
+    Font() = default;
+    Font(std::string fontName) : name(std::move(fontName)) {}
+    Font(const char* fontName) : name(fontName) {}
+    static Font fromBytes(std::string bytes) {
+        Font font;
+        font.bytes = std::make_shared<const std::string>(std::move(bytes));
+        return font;
+    }
+};
+
+// The largest picture made, effect margins included: each side, and the pixels in all (about 1.5 GB of
+// working memory).
+constexpr int kMaxSide = 32767;
+constexpr int64_t kMaxPixels = 100'000'000;
+struct Limits {
+    int side = kMaxSide;  // no more than kMaxSide
+    int64_t pixels = kMaxPixels;
+};
+
 // One picture to make: everything the command line can say of it. Sizes are pixels, colours 0xAARRGGBB.
 struct Scene {
     enum class Align { Left, Center, Right };
     enum class Gravity { Top, Center, Bottom };
 
-    std::string text;                    // UTF-8, not empty
-    std::string font;                    // as chooseFont reads it
-    std::string axes;                    // of that font, "wght=650,opsz=20"; empty: as it stands
-    std::vector<std::string> fallbacks;  // the fonts asked next, in this order; as chooseFont reads them
-    FolderScope fontScope, fallbackScope;
-    bool systemFallback = true;  // the system's fonts behind these
+    std::string text;  // UTF-8, not empty
+    Font font;
+    std::vector<Font> fallbacks;  // the fonts asked next, in this order
+    bool systemFallback = true;   // the system's fonts behind these
     Style style;
     int width = 0;   // of the view, padding included; 0: as wide as the widest line
     int height = 0;  // of the view, padding included; 0: as high as the lines shown
@@ -32,17 +59,28 @@ struct Scene {
     int maxLines = 0;  // 0: all
     Padding padding;
     host::Rendering rendering = host::Rendering::Phone;  // of the whole process from then on
-    bool trim = false;                                   // the picture without its transparent border
+    Limits limits;
+    bool trim = false;  // the picture without its transparent border
 };
 
-// The largest picture made, effect margins included: each side, and the pixels in all (about 1.5 GB of
-// working memory).
-constexpr int kMaxSide = 32767;
-constexpr int64_t kMaxPixels = 100'000'000;
+// Renders the scene. Any thread, any number of them: the scenes of one process are drawn one after the other,
+// for they share the font manager and its families, which are those of this scene afterwards. Nothing is
+// written to standard error. Throws Error, and std::bad_alloc.
+//
+//     Scene scene;
+//     scene.text = "Gold";
+//     scene.font = "DejaVu Serif:bold";
+//     readPreset("style", "gold", scene.style);
+//     fitEffects(scene.style);  // to the text's size
+//     const Rendering gold = render(scene);  // gold.picture, gold.metrics, gold.warnings
+Rendering render(const Scene& scene);
 
-// Renders the scene through a text object of the library. The fallback fonts become the process's system
-// families in place of those of the scene before. Throws UsageError or Failure.
-Rendering renderScene(const Scene& scene);
+// The same without the pixels: nothing is drawn, and the scene's trim does not count.
+Rendering measure(const Scene& scene);
+
+// Renders into the caller's memory: rows of straight 0xAARRGGBB words, `stride` words from one to the next,
+// for a picture of `width` x `height`, which are what measure() said. The result has no pixels.
+Rendering renderInto(const Scene& scene, uint32_t* pixels, int width, int height, size_t stride);
 
 // The layer key of the style's effects and text colour (see ZvEffect::getMapKey), two hex digits a byte; of a
 // style with layers a line for each, front to back.

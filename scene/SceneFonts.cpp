@@ -235,11 +235,15 @@ void addSystemFonts(SceneFonts& scene, const std::vector<Cluster>& clusters, con
 SceneFonts takeFonts(const Scene& scene) {
     host::setRendering(scene.rendering);
     SceneFonts taken;
-    taken.fonts.push_back(
-        loadFont("--font", chooseFont("--font", scene.font, scene.fontScope), "--axes", scene.axes));
-    for (const std::string& name : scene.fallbacks) {
-        taken.fonts.push_back(loadFont("--fallback", chooseFont("--fallback", name, scene.fallbackScope)));
-    }
+    const auto take = [&](const std::string& option, const Font& font) {
+        FontChoice choice;
+        choice.path = "bytes";
+        choice.bytes = font.bytes;
+        if (font.bytes == nullptr) choice = chooseFont(option, font.name, font.scope);
+        taken.fonts.push_back(loadFont(option, choice, "--axes", font.axes));
+    };
+    take("--font", scene.font);
+    for (const Font& font : scene.fallbacks) take("--fallback", font);
     taken.given = taken.fonts.size();
     setFallbacks(taken.fonts);
 
@@ -275,9 +279,9 @@ std::string codePointName(uint32_t character) {
     return name;
 }
 
-void warnAboutMissing(const SceneFonts& fonts, bool systemFallback) {
+std::string missingWarning(const SceneFonts& fonts, bool systemFallback) {
     constexpr size_t kListed = 20;
-    if (fonts.missing.empty()) return;
+    if (fonts.missing.empty()) return "";
     std::string list;
     for (size_t i = 0; i < std::min(fonts.missing.size(), kListed); ++i) {
         list += (list.empty() ? "" : ", ") + codePointName(fonts.missing[i]);
@@ -285,8 +289,8 @@ void warnAboutMissing(const SceneFonts& fonts, bool systemFallback) {
     if (fonts.missing.size() > kListed) {
         list += " and " + std::to_string(fonts.missing.size() - kListed) + " more";
     }
-    std::fprintf(stderr, "zvtext: warning: no font has %s; add one with --fallback%s\n", list.c_str(),
-                 systemFallback ? "" : ", or leave --no-fallback out");
+    return "no font has " + list + "; add one with --fallback" +
+           (systemFallback ? "" : ", or leave --no-fallback out");
 }
 
 }  // namespace Zvex::scene

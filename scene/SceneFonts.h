@@ -26,8 +26,8 @@ struct SceneFonts {
 // give the same choice whatever the user's language is. Throws UsageError or Failure, naming the option.
 SceneFonts takeFonts(const Scene& scene);
 
-// One line on standard error where characters are missing: their code points and the option that helps.
-void warnAboutMissing(const SceneFonts& fonts, bool systemFallback);
+// One line where characters are missing: their code points and the option that helps; else empty.
+std::string missingWarning(const SceneFonts& fonts, bool systemFallback);
 
 // "U+1F600"
 std::string codePointName(uint32_t character);

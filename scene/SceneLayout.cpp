@@ -41,26 +41,6 @@ android::Paint paintOf(const Style& style) {
     return paint;
 }
 
-// The text's own UTF-16 form keeps characters beyond the second plane only in part; say so instead of drawing
-// another character silently.
-void warnAboutFarCharacters(const std::string& text) {
-    constexpr size_t kMost = 20;
-    std::set<UChar32> far;
-    const auto length = static_cast<int32_t>(text.size());
-    for (int32_t i = 0; i < length && far.size() <= kMost;) {
-        UChar32 c;
-        U8_NEXT(text.data(), i, length, c);
-        if (c > 0x1FFFF) far.insert(c);
-    }
-    if (far.empty()) return;
-    std::string names;
-    for (const UChar32 c : far)
-        names += (names.empty() ? "" : ", ") + codePointName(static_cast<uint32_t>(c));
-    std::fprintf(stderr,
-                 "zvtext: warning: characters above U+1FFFF are not supported and come out wrong: %s%s\n",
-                 names.c_str(), far.size() > kMost ? " and more" : "");
-}
-
 class LineShaper {
 public:
     LineShaper(ZvTextObject& object, const std::u16string& text) : mPaint(object.GetPaint()), mText(text) {
@@ -113,14 +93,32 @@ std::vector<LineGlyph> glyphsOf(const minikin::Layout& layout, const minikin::Mi
 
 }  // namespace
 
+// The text's own UTF-16 form keeps characters beyond the second plane only in part; say so instead of drawing
+// another character silently.
+std::string farWarning(const std::string& text) {
+    constexpr size_t kMost = 20;
+    std::set<UChar32> far;
+    const auto length = static_cast<int32_t>(text.size());
+    for (int32_t i = 0; i < length && far.size() <= kMost;) {
+        UChar32 c;
+        U8_NEXT(text.data(), i, length, c);
+        if (c > 0x1FFFF) far.insert(c);
+    }
+    if (far.empty()) return "";
+    std::string names;
+    for (const UChar32 c : far)
+        names += (names.empty() ? "" : ", ") + codePointName(static_cast<uint32_t>(c));
+    return "characters above U+1FFFF are not supported and come out wrong: " + names +
+           (far.size() > kMost ? " and more" : "");
+}
+
 void setText(ZvTextObject& object, const Scene& scene, const SceneFonts& fonts) {
-    warnAboutFarCharacters(scene.text);
     ZvString text;
     if (text.Construct(scene.text.c_str()) == 0 || !object.SetText(&text)) {
         throw Failure("TEXT: the text could not be taken over");
     }
     if (!object.SetFont(fonts.first().key.c_str())) {
-        throw Failure("--font: '" + scene.font + "' could not be loaded");
+        throw Failure("--font: '" + scene.font.name + "' could not be loaded");
     }
     android::Paint paint = paintOf(scene.style);
     object.SetPaint(paint);

@@ -29,9 +29,11 @@ struct LaidOutText {
     std::vector<std::vector<LineGlyph>> glyphs;  // of each line, from left to right
 };
 
-// Hands the scene's text, its first font and its paint to the object, which is constructed. Warns on standard
-// error of characters that the library's text cannot hold. Throws Failure.
+// Hands the scene's text, its first font and its paint to the object, which is constructed. Throws Failure.
 void setText(Zvex::ZvTextObject& object, const Scene& scene, const SceneFonts& fonts);
+
+// One line where the text has characters that the library cannot hold; else empty.
+std::string farWarning(const std::string& text);
 
 // The width in which the scene's lines wrap, without the padding; 0 where they do not. Throws UsageError
 // where the padding leaves nothing.

@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "scene/Scene.h"
 #include "tests/tool/Program.h"
 
 namespace {
@@ -67,18 +66,6 @@ TEST_F(GalleryCommand, SaysWhatIsWrong) {
     fs::create_directory(file("empty"));
     refused({"gallery", file("gallery"), "--font-dir", file("empty"), "--only", "stroke"}, 1,
             "gallery: 1 of 5, stroke-outside\nzvtext: warning: left out, no DejaVuSans-Bold.ttf below ");
-}
-
-// The gallery's pictures are those of runs of their own.
-TEST(RenderScene, TheFallbackFontsOfOneSceneAreNotThoseOfTheNext) {
-    Zvex::scene::Scene scene;
-    scene.text = "世";
-    scene.font = kFont;
-    const std::vector<uint32_t> before = Zvex::scene::renderScene(scene).picture.pixels;
-    scene.fallbacks = {"/usr/share/fonts/opentype/noto/NotoSansCJK-Regular.ttc"};
-    EXPECT_NE(Zvex::scene::renderScene(scene).picture.pixels, before);
-    scene.fallbacks.clear();
-    EXPECT_EQ(Zvex::scene::renderScene(scene).picture.pixels, before);
 }
 
 }  // namespace

@@ -171,7 +171,8 @@ private:
 
     static void makePicture(const BatchJob& job, const Scene& scene, const OutputOptions& options,
                             BatchJournal::Record& record) {
-        const Rendering rendering = renderScene(scene);
+        const Rendering rendering = Zvex::scene::render(scene);
+        warn(rendering.warnings);
         if (options.scope.isAnywhere()) makeFolder(job.path, "--output");
         if (options.scope.isAnywhere()) makeFolder(job.metrics, "--metrics");
         writeRendering(rendering, job.path, options, "--output");

@@ -142,7 +142,8 @@ std::string renderFigure(const Json& scene, const std::string& font) {
     RenderArguments arguments;
     addRenderOptions(*app.add_subcommand("render"), arguments);
     app.parse(std::vector<std::string>(words.rbegin(), words.rend()));  // taken from the back
-    const Rendering rendering = renderScene(readScene(arguments));
+    const Rendering rendering = render(readScene(arguments));
+    warn(rendering.warnings);
     writeRendering(rendering, arguments.output.value(), arguments.outputOptions, "DIR");
     std::string command = "zvtext";
     for (const std::string& word : words) command += " " + shellWord(word);

@@ -259,10 +259,10 @@ Scene readScene(const RenderArguments& arguments) {
     }
     Scene scene;
     scene.font = arguments.font;
-    scene.axes = arguments.axes;
-    scene.fallbacks = arguments.fallbacks;
-    scene.fontScope = arguments.scopes.font;
-    scene.fallbackScope = arguments.scopes.fallbacks;
+    scene.font.axes = arguments.axes;
+    scene.font.scope = arguments.scopes.font;
+    scene.fallbacks.assign(arguments.fallbacks.begin(), arguments.fallbacks.end());
+    for (Font& font : scene.fallbacks) font.scope = arguments.scopes.fallbacks;
     scene.systemFallback = !arguments.noFallback;
     scene.style = readStyleOptions(arguments);
     if (!arguments.width.empty()) scene.width = parseInteger("--width", arguments.width, 1, kMaxSide);
@@ -291,6 +291,11 @@ Scene readScene(const RenderArguments& arguments) {
     return scene;
 }
 
+void warn(const std::vector<std::string>& warnings) {
+    for (const std::string& warning : warnings)
+        std::fprintf(stderr, "zvtext: warning: %s\n", warning.c_str());
+}
+
 void runRender(const RenderArguments& arguments) {
     const bool prints = arguments.printStyle || arguments.printKey;
     if (prints && arguments.output == "-") {
@@ -311,7 +316,8 @@ void runRender(const RenderArguments& arguments) {
     if (!prints || arguments.output) {
         const std::string output = arguments.output.value_or(kDefaultOutput);
         checkOutput(output, arguments.outputOptions, "--output");
-        const Rendering rendering = renderScene(readScene(arguments));
+        const Rendering rendering = render(readScene(arguments));
+        warn(rendering.warnings);
         if (output != "-" && arguments.outputOptions.metrics != "-" && !prints) {
             printed = printable(output) + ": " + std::to_string(rendering.picture.width) + " x " +
                       std::to_string(rendering.picture.height) + " pixels\n";

@@ -67,6 +67,9 @@ Style readStyleParts(const RenderArguments& arguments);
 // The whole scene; reads the text, from standard input too. Throws UsageError or Failure.
 Scene readScene(const RenderArguments& arguments);
 
+// Prints them on standard error.
+void warn(const std::vector<std::string>& warnings);
+
 // Runs `zvtext render`: prints the style and the key where asked; renders unless only asked to print.
 void runRender(const RenderArguments& arguments);
 
