@@ -135,7 +135,12 @@ struct SameValue {
                           std::get<StopsField>(other.value).value->end(),
                           [](Stop a, Stop b) { return same(fieldsOf(a), fieldsOf(b)); });
     }
-    bool operator()(const FileField&) const { return true; }  // becomes absolute
+    bool operator()(const OffsetField& field) const {
+        return same(fieldsOf(*field.value), fieldsOf(*std::get<OffsetField>(other.value).value));
+    }
+    // Files become absolute; a canvas may be one. What is written twice is the same.
+    bool operator()(const CanvasField&) const { return true; }
+    bool operator()(const FileField&) const { return true; }
 };
 
 bool same(const Fields& a, const Fields& b) {
