@@ -42,9 +42,7 @@ size_t byteCount(const ZvGlyph& image) {
 
 DrawnLines::DrawnLines() = default;
 
-DrawnLines::~DrawnLines() {
-    forgetLines();
-}
+DrawnLines::~DrawnLines() = default;
 
 void DrawnLines::freeImage(ZvGlyph* image) {
     if (image == nullptr) return;
@@ -103,8 +101,8 @@ ZvGlyph* DrawnLines::findLine(size_t index, const Range& range, float* advance) 
     const Line& line = mLines[index];
     if (!sameRange(line.range, range)) return nullptr;
     *advance = line.advance;
-    mLast = line.image;
-    return line.image;
+    mLast = line.image.get();
+    return line.image.get();
 }
 
 bool DrawnLines::keepLine(size_t index, const Range& range, float advance, ZvGlyph* image, size_t limit) {
@@ -113,7 +111,7 @@ bool DrawnLines::keepLine(size_t index, const Range& range, float advance, ZvGly
     Line& line = mLines[index];
     drop(line);
     if (byteCount(*image) > limit || mImageBytes > limit - byteCount(*image)) return false;
-    line.image = image;
+    line.image.reset(image);
     line.range = range;
     line.advance = advance;
     mImageBytes += byteCount(*image);
@@ -124,8 +122,7 @@ bool DrawnLines::keepLine(size_t index, const Range& range, float advance, ZvGly
 void DrawnLines::drop(Line& line) {
     if (line.image == nullptr) return;
     mImageBytes -= byteCount(*line.image);
-    freeImage(line.image);
-    line.image = nullptr;
+    line.image.reset();
 }
 
 void DrawnLines::forgetLines() {

@@ -70,10 +70,14 @@ public:
     bool ownsLast(const ZvGlyph* image) const { return image != nullptr && image == mLast; }
 
     static void freeImage(ZvGlyph* image);  // the record and its pixels; null is ignored
+    struct ImageDeleter {
+        void operator()(ZvGlyph* image) const { freeImage(image); }
+    };
+    using Image = std::unique_ptr<ZvGlyph, ImageDeleter>;
 
 private:
     struct Line {
-        ZvGlyph* image = nullptr;  // owned; null when the line is not kept
+        Image image;  // null when the line is not kept
         Range range{};
         float advance = 0;
     };

@@ -55,10 +55,7 @@ DrawnLines::Range rangeOf(const ZvLineInfo& line, int length) {
     return {start, std::clamp(line.end, start, length), line.direction < 0};
 }
 
-struct ImageDeleter {
-    void operator()(ZvGlyph* image) const { DrawnLines::freeImage(image); }
-};
-using LineImage = std::unique_ptr<ZvGlyph, ImageDeleter>;
+using LineImage = DrawnLines::Image;
 
 SkImageInfo coverageInfo(const ZvGlyph& glyph) {
     return SkImageInfo::Make(glyph.width, glyph.height, kAlpha_8_SkColorType, kPremul_SkAlphaType);

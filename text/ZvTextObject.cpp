@@ -27,6 +27,7 @@
 #include "raster/ZvBitmap.h"
 #include "raster/ZvBlender.h"
 #include "raster/ZvRect.h"
+#include "text/Constructed.h"
 #include "text/FontManager.h"
 #include "text/ZvFontDrawing.h"
 #include "text/ZvLineInfo.h"
@@ -41,15 +42,6 @@ UScriptRun* U_EXPORT2 uscript_openRun(const UChar* text, int32_t length, UErrorC
 UBool U_EXPORT2 uscript_nextRun(UScriptRun* run, int32_t* start, int32_t* limit, UScriptCode* script);
 void U_EXPORT2 uscript_closeRun(UScriptRun* run);
 }
-
-// Every operation starts with this; `result` is its return value then, empty for operations without one.
-#define RETURN_UNLESS_CONSTRUCTED(result)                    \
-    do {                                                     \
-        if (mImpl == nullptr) {                              \
-            ZV_REPORT_ERROR(kTag, ZV_ERROR_NOT_CONSTRUCTED); \
-            return result;                                   \
-        }                                                    \
-    } while (false)
 
 namespace Zvex {
 
@@ -203,24 +195,24 @@ bool ZvTextObject::Construct() {
 }
 
 int ZvTextObject::GetRuntimeHandle() const {
-    RETURN_UNLESS_CONSTRUCTED(-1);
+    ZVEX_RETURN_UNLESS_CONSTRUCTED(-1);
     return mImpl->runtimeHandle;
 }
 
 ZvEffect* ZvTextObject::GetEffect() {
-    RETURN_UNLESS_CONSTRUCTED(nullptr);
+    ZVEX_RETURN_UNLESS_CONSTRUCTED(nullptr);
     return mImpl->effect;
 }
 
 bool ZvTextObject::SetText(const ZvString* text) {
-    RETURN_UNLESS_CONSTRUCTED(false);
+    ZVEX_RETURN_UNLESS_CONSTRUCTED(false);
     ZV_DEBUG_LOG(kTag, "SetText() - %p [%s] strLen=%d", static_cast<void*>(this), ZvLog::ConvertLog(text),
                  text != nullptr ? text->GetLength() : 0);
     return assignText(text);
 }
 
 bool ZvTextObject::SetText(const wchar_t* text) {
-    RETURN_UNLESS_CONSTRUCTED(false);
+    ZVEX_RETURN_UNLESS_CONSTRUCTED(false);
     return assignText(text);
 }
 
@@ -236,12 +228,12 @@ bool ZvTextObject::assignText(const Source* source) {
 }
 
 ZvString* ZvTextObject::GetText() {
-    RETURN_UNLESS_CONSTRUCTED(nullptr);
+    ZVEX_RETURN_UNLESS_CONSTRUCTED(nullptr);
     return mImpl->text;
 }
 
 void ZvTextObject::SetTextLocaleListId() {
-    RETURN_UNLESS_CONSTRUCTED();
+    ZVEX_RETURN_UNLESS_CONSTRUCTED();
     if (mImpl->text == nullptr) {
         ZV_DEBUG_LOG(kTag, "SetTextLocaleListId - text is null.");
         return;
@@ -280,7 +272,7 @@ bool ZvTextObject::tryLoadFamiliesOfText() {
 }
 
 bool ZvTextObject::SetFont(const char* path) {
-    RETURN_UNLESS_CONSTRUCTED(false);
+    ZVEX_RETURN_UNLESS_CONSTRUCTED(false);
     if (path == nullptr) {
         ZV_REPORT_ERROR(kTag, ZV_ERROR_INVALID_ARGUMENT);
         return false;
@@ -291,7 +283,7 @@ bool ZvTextObject::SetFont(const char* path) {
 
 bool ZvTextObject::SetFont(const char* path, char* buffer, unsigned int size) {
     std::unique_ptr<char[]> handedOver(buffer);
-    RETURN_UNLESS_CONSTRUCTED(false);
+    ZVEX_RETURN_UNLESS_CONSTRUCTED(false);
     if (path == nullptr) {
         ZV_REPORT_ERROR(kTag, ZV_ERROR_INVALID_ARGUMENT);
         return false;
@@ -315,12 +307,12 @@ bool ZvTextObject::addFont(const char* path, char* buffer, unsigned int size) {
 }
 
 ZvFontDrawing* ZvTextObject::GetFont() {
-    RETURN_UNLESS_CONSTRUCTED(nullptr);
+    ZVEX_RETURN_UNLESS_CONSTRUCTED(nullptr);
     return mImpl->fontDrawing;
 }
 
 bool ZvTextObject::SetLineInfo(const List* list) {
-    RETURN_UNLESS_CONSTRUCTED(false);
+    ZVEX_RETURN_UNLESS_CONSTRUCTED(false);
     if (list == nullptr) {
         __android_log_print(ANDROID_LOG_ERROR, kTag, "SetLineInfo - lineInfo is NULL");
         ZV_REPORT_ERROR(kTag, ZV_ERROR_INVALID_ARGUMENT);
@@ -338,12 +330,12 @@ bool ZvTextObject::SetLineInfo(const List* list) {
 }
 
 List* ZvTextObject::GetLineInfo() {
-    RETURN_UNLESS_CONSTRUCTED(nullptr);
+    ZVEX_RETURN_UNLESS_CONSTRUCTED(nullptr);
     return mImpl->lineInfo;
 }
 
 bool ZvTextObject::SetTextStyle(bool bold, bool italic) {
-    RETURN_UNLESS_CONSTRUCTED(false);
+    ZVEX_RETURN_UNLESS_CONSTRUCTED(false);
     mImpl->style &= ~uint32_t{ZV_TEXT_STYLE_BOLD | ZV_TEXT_STYLE_ITALIC};
     if (bold) mImpl->style |= ZV_TEXT_STYLE_BOLD;
     if (italic) mImpl->style |= ZV_TEXT_STYLE_ITALIC;
@@ -351,27 +343,27 @@ bool ZvTextObject::SetTextStyle(bool bold, bool italic) {
 }
 
 bool ZvTextObject::isBoldTextStyle() const {
-    RETURN_UNLESS_CONSTRUCTED(false);
+    ZVEX_RETURN_UNLESS_CONSTRUCTED(false);
     return (mImpl->style & ZV_TEXT_STYLE_BOLD) != 0;
 }
 
 bool ZvTextObject::isItalicTextStyle() const {
-    RETURN_UNLESS_CONSTRUCTED(false);
+    ZVEX_RETURN_UNLESS_CONSTRUCTED(false);
     return (mImpl->style & ZV_TEXT_STYLE_ITALIC) != 0;
 }
 
 ZvView* ZvTextObject::GetView() {
-    RETURN_UNLESS_CONSTRUCTED(nullptr);
+    ZVEX_RETURN_UNLESS_CONSTRUCTED(nullptr);
     return mImpl->view;
 }
 
 android::Paint ZvTextObject::GetPaint() const {
-    RETURN_UNLESS_CONSTRUCTED(android::Paint());
+    ZVEX_RETURN_UNLESS_CONSTRUCTED(android::Paint());
     return unlessOutOfMemory(android::Paint(), [this] { return mImpl->paint; });
 }
 
 void ZvTextObject::SetPaint(android::Paint& paint) {
-    RETURN_UNLESS_CONSTRUCTED();
+    ZVEX_RETURN_UNLESS_CONSTRUCTED();
     unlessOutOfMemory(false, [&] {
         android::Paint copy(paint);
         mImpl->paint = std::move(copy);
@@ -380,23 +372,23 @@ void ZvTextObject::SetPaint(android::Paint& paint) {
 }
 
 void ZvTextObject::SetBackgroundColor(unsigned int color, bool enabled) {
-    RETURN_UNLESS_CONSTRUCTED();
+    ZVEX_RETURN_UNLESS_CONSTRUCTED();
     mImpl->backgroundColor = color;
     mImpl->backgroundEnabled = enabled;
 }
 
 void ZvTextObject::SetTextColor(unsigned int color) {
-    RETURN_UNLESS_CONSTRUCTED();
+    ZVEX_RETURN_UNLESS_CONSTRUCTED();
     mImpl->textColor = color;
 }
 
 unsigned int ZvTextObject::GetTextColor() const {
-    RETURN_UNLESS_CONSTRUCTED(0xFF000000u);
+    ZVEX_RETURN_UNLESS_CONSTRUCTED(0xFF000000u);
     return mImpl->textColor;
 }
 
 uint32_t* ZvTextObject::RenderTextEffect(int width, int height) {
-    RETURN_UNLESS_CONSTRUCTED(nullptr);
+    ZVEX_RETURN_UNLESS_CONSTRUCTED(nullptr);
     ZV_DEBUG_LOG(kTag, "RenderTextEffect(%p / %d) >>> Start! - (w=%d,h=%d)", static_cast<void*>(this),
                  mImpl->runtimeHandle, width, height);
     if (mImpl->fontDrawing == nullptr) {
