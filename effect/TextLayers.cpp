@@ -16,6 +16,7 @@
 #include "effect/kernels/Coverage.h"
 #include "foundation/OutOfMemory.h"
 #include "foundation/SafeConvert.h"
+#include "raster/Rects.h"
 
 namespace Zvex {
 
@@ -50,10 +51,10 @@ void clearOutside(const ZvBitmap& picture, const ZvRect& box) {
 bool drawStack(ZvEffect& effect, const Spread& coverage, int x, int y, ZvBitmap* drawn) {
     const ZvRect& box = coverage.box();
     ZvGlyph glyph;
-    if (box.right - box.left > UINT16_MAX || box.bottom - box.top > UINT16_MAX) return false;
+    if (widthOf(box) > UINT16_MAX || heightOf(box) > UINT16_MAX) return false;
     glyph.pixels = coverage.coverage();
-    glyph.width = static_cast<uint16_t>(box.right - box.left);
-    glyph.height = static_cast<uint16_t>(box.bottom - box.top);
+    glyph.width = static_cast<uint16_t>(widthOf(box));
+    glyph.height = static_cast<uint16_t>(heightOf(box));
     effect.initPicture(drawn);
     effect.renderEffectLayer(x + box.left, y + box.top, &glyph);
     effect.drawPicture(PixelOrder::BlueFirst);
@@ -66,7 +67,7 @@ const Spread* coverageFor(size_t i, const TextCoverage& text, const TextLayer* l
     for (size_t earlier = 0; earlier < i; ++earlier) {
         if (layers[earlier].spread == layers[i].spread) return &drawn[earlier].coverage;
     }
-    const ZvRect box(0, 0, text.box.right - text.box.left, text.box.bottom - text.box.top);
+    const ZvRect box(0, 0, widthOf(text.box), heightOf(text.box));
     return drawn[i].coverage.make(text.mask, box, layers[i].spread) ? &drawn[i].coverage : nullptr;
 }
 

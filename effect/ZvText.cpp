@@ -2,7 +2,6 @@
 #include "effect/ZvText.h"
 
 #include <algorithm>
-#include <climits>
 #include <cstring>
 #include <memory>
 #include <utility>
@@ -11,6 +10,7 @@
 #include "effect/LayerRows.h"
 #include "foundation/OutOfMemory.h"
 #include "foundation/ZvLog.h"
+#include "raster/Rects.h"
 #include "raster/ZvBitmap.h"
 #include "raster/ZvBlender.h"
 
@@ -26,14 +26,14 @@ class TextRows : public LayerRows {
 public:
     TextRows(const ZvECore::ParamPostProcessing& param, uint32_t color)
         : mask_(*param.mask),
-          covered_(0, 0, sizeOf(param.mask->width), sizeOf(param.mask->height)),
-          drawn_(0, 0, sizeOf(param.target->width), sizeOf(param.target->height)),
+          covered_(pictureRect(param.mask->width, param.mask->height)),
+          drawn_(pictureRect(param.target->width, param.target->height)),
           single_(param.layerMode != 1),
           cuts_(single_ && param.overLayers),
           color_(color) {
         if (param.drawnArea == nullptr || param.textRect == nullptr) return;
-        covered_ = common(covered_, *param.textRect);
-        drawn_ = common(drawn_, *param.drawnArea);
+        covered_ = intersected(covered_, *param.textRect);
+        drawn_ = intersected(drawn_, *param.drawnArea);
     }
 
     void draw(RowRange rows, const PictureStrip& target, const PictureStrip*) override {
@@ -46,14 +46,6 @@ public:
     ZvRect reach() const override { return cuts_ ? drawn_ : covered_; }
 
 private:
-    static int sizeOf(uint32_t size) { return static_cast<int>(std::min<uint32_t>(size, INT_MAX)); }
-
-    static ZvRect common(const ZvRect& a, const ZvRect& b) {
-        const int left = std::max(a.left, b.left), top = std::max(a.top, b.top);
-        return ZvRect(left, top, std::max(left, std::min(a.right, b.right)),
-                      std::max(top, std::min(a.bottom, b.bottom)));
-    }
-
     const uint8_t* coverageAt(int x, int y) const {
         return mask_.pixels + static_cast<size_t>(y) * mask_.width + x;
     }
@@ -79,12 +71,12 @@ private:
     }
 
     void fillRows(RowRange rows, const PictureStrip& target) const {
-        const RowRange part = rows.within(covered_.top, covered_.bottom - covered_.top);
+        const RowRange part = rows.within(covered_.top, heightOf(covered_));
         if (part.count() <= 0 || covered_.left >= covered_.right) return;
         const int y = covered_.top + part.begin;
         const auto blend = single_ ? ZvBlender::blendDstOverSA8To32 : ZvBlender::blendDstOver8To32NSA;
-        blend(covered_.left, y - target.top, &target, coverageAt(covered_.left, y),
-              covered_.right - covered_.left, part.count(), static_cast<int>(mask_.width), color_);
+        blend(covered_.left, y - target.top, &target, coverageAt(covered_.left, y), widthOf(covered_),
+              part.count(), static_cast<int>(mask_.width), color_);
     }
 
     const ZvBitmap& mask_;

@@ -22,6 +22,7 @@
 #include "effect/kernels/Gaussian.h"
 #include "effect/kernels/Shadow.h"
 #include "foundation/OutOfMemory.h"
+#include "raster/Rects.h"
 #include "raster/ZvBitmap.h"
 #include "raster/ZvBlender.h"
 
@@ -77,15 +78,14 @@ bool ShadowRows::make(const ZvECore::ParamPostProcessing& param, const ZvOuterSh
                   top = std::max<int64_t>(radius, -int64_t{area.y});
     const int64_t right = std::min<int64_t>(area.width - radius, int64_t{param.target->width} - area.x);
     const int64_t bottom = std::min<int64_t>(area.height - radius, int64_t{param.target->height} - area.y);
-    if (left >= right || top >= bottom || part_.left >= part_.right || part_.top >= part_.bottom)
-        return false;
+    if (left >= right || top >= bottom || isEmpty(part_)) return false;
     seen_ = ZvRect(static_cast<int>(area.x + left), static_cast<int>(area.y + top),
                    static_cast<int>(area.x + right), static_cast<int>(area.y + bottom));
     sourceX_ = static_cast<int>(part_.left - int64_t{param.textRect->left} + area.margin - left);
     sourceY_ = static_cast<int>(part_.top - int64_t{param.textRect->top} + area.margin - top);
 
     const int width = static_cast<int>(right - left), height = static_cast<int>(bottom - top);
-    stride_ = std::max(width, part_.right - part_.left);
+    stride_ = std::max(width, widthOf(part_));
     if (!kernel_.make(radius, SHADOW_WEIGHT, GaussianConstant::Single)) return false;
     bandRows_ = std::min(blurBandRows(kernel_), height);
     return blur_.prepare(kernel_, stride_, bandRows_) && shadow_.allocate(bandRows_, stride_);
@@ -93,8 +93,8 @@ bool ShadowRows::make(const ZvECore::ParamPostProcessing& param, const ZvOuterSh
 
 // The band that begins with row y of what is seen.
 void ShadowRows::blurBand(int y) {
-    const int width = seen_.right - seen_.left, height = seen_.bottom - seen_.top;
-    const int partWidth = part_.right - part_.left, partHeight = part_.bottom - part_.top;
+    const int width = widthOf(seen_), height = heightOf(seen_);
+    const int partWidth = widthOf(part_), partHeight = heightOf(part_);
     const uint8_t* coverage = mask_->pixels + static_cast<size_t>(part_.top) * mask_->width + part_.left;
     const int rows = std::min(bandRows_, height - y);
     blur_.columns({coverage, static_cast<ptrdiff_t>(mask_->width), sourceY_ - y, sourceY_ - y + partHeight,
@@ -106,13 +106,13 @@ void ShadowRows::blurBand(int y) {
 }
 
 void ShadowRows::draw(RowRange rows, const PictureStrip& target, const PictureStrip*) {
-    const RowRange part = rows.within(seen_.top, seen_.bottom - seen_.top);
+    const RowRange part = rows.within(seen_.top, heightOf(seen_));
     for (int y = part.begin; y < part.end;) {
         if (y >= bandEnd_) blurBand(y);
         const int count = std::min(part.end, bandEnd_) - y;
         ZvBlender::drawBitmapBlend8(seen_.left, seen_.top + y - target.top, &target,
-                                    shadow_.get() + ptrdiff_t{y - bandBegin_} * stride_,
-                                    seen_.right - seen_.left, count, stride_, color_, ZVE_BLEND_DST_OVER);
+                                    shadow_.get() + ptrdiff_t{y - bandBegin_} * stride_, widthOf(seen_),
+                                    count, stride_, color_, ZVE_BLEND_DST_OVER);
         y += count;
     }
 }

@@ -13,6 +13,7 @@
 #include "effect/kernels/PatternTile.h"
 #include "foundation/OutOfMemory.h"
 #include "foundation/SafeConvert.h"
+#include "raster/Rects.h"
 #include "raster/ZvBitmap.h"
 #include "raster/ZvBlender.h"
 
@@ -36,15 +37,14 @@ public:
         box_ = ZvRect(area.x, area.y, clampToInt(area.x + std::min<int64_t>(area.width, mask_->width)),
                       clampToInt(area.y + std::min<int64_t>(area.height, mask_->height)));
         part_ = partWithin(*mask_, box_);
-        if (part_.left >= part_.right || part_.top >= part_.bottom) return false;
-        return row_.allocate(part_.right - part_.left) &&
-               tile_.make(*property.bitmap, property.scale, property.opacity, box_.right - box_.left,
-                          box_.bottom - box_.top);
+        if (isEmpty(part_)) return false;
+        return row_.allocate(widthOf(part_)) &&
+               tile_.make(*property.bitmap, property.scale, property.opacity, widthOf(box_), heightOf(box_));
     }
 
     void draw(RowRange rows, const PictureStrip& target, const PictureStrip*) override {
-        const RowRange visible = rows.within(part_.top, part_.bottom - part_.top);
-        const int count = part_.right - part_.left;
+        const RowRange visible = rows.within(part_.top, heightOf(part_));
+        const int count = widthOf(part_);
         for (int y = part_.top + visible.begin; y < part_.top + visible.end; ++y) {
             const uint8_t* coverage = mask_->pixels + static_cast<size_t>(y) * mask_->width + part_.left;
             tile_.row(row_.get(), coverage, part_.left - box_.left, count, y - box_.top);

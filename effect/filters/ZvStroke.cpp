@@ -23,6 +23,7 @@
 #include "effect/kernels/Coverage.h"
 #include "effect/kernels/Dilation.h"
 #include "foundation/OutOfMemory.h"
+#include "raster/Rects.h"
 #include "raster/ZvBitmap.h"
 #include "raster/ZvBlender.h"
 #include "raster/ZvRect.h"
@@ -71,11 +72,11 @@ DilationParam dilationOf(const ZvBitmap& mask, const ZvRect& box, const WorkingA
                          const uint8_t* kernel, int kernelSize, uint8_t inverted) {
     DilationParam param;
     ZvRect part = partWithin(mask, box);
-    const bool empty = part.left >= part.right || part.top >= part.bottom;
+    const bool empty = isEmpty(part);
     if (empty) part = ZvRect(box.left, box.top, box.left, box.top);
     param.source = empty ? mask.pixels : mask.pixels + int64_t{part.top} * mask.width + part.left;
     param.sourceStride = mask.width;
-    param.columns = part.right - part.left;
+    param.columns = widthOf(part);
     param.inverted = inverted;
     param.left = part.left - box.left + BORDER;
     param.top = part.top - box.top + BORDER;
@@ -87,7 +88,7 @@ DilationParam dilationOf(const ZvBitmap& mask, const ZvRect& box, const WorkingA
     param.originY = kernelSize / 2 + param.top;
     param.kernel = kernel;
     param.kernelSize = kernelSize;
-    param.rowEnd = part.bottom - part.top;
+    param.rowEnd = heightOf(part);
     return param;
 }
 

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "effect/kernels/Coverage.h"
 
-#include <algorithm>
 #include <climits>
 #include <cstring>
 
 #include "foundation/SafeConvert.h"
+#include "raster/Rects.h"
 
 namespace Zvex {
 
@@ -25,7 +25,7 @@ bool isDrawableOnEither(const ZvECore::ParamPostProcessing* param) {
     if (param == nullptr || param->textRect == nullptr || param->target == nullptr) return false;
     if (!hasPixels(param->target) && !hasPixels(param->otherLayer)) return false;
     if (!hasPixels(param->mask)) return false;
-    return param->textRect->left < param->textRect->right && param->textRect->top < param->textRect->bottom;
+    return !isEmpty(*param->textRect);
 }
 
 bool WorkingArea::grow(const ZvRect& box, int64_t newMargin) {
@@ -53,17 +53,15 @@ ZvRect WorkingArea::rect() const {
 }
 
 ZvRect partWithin(const ZvBitmap& mask, const ZvRect& box) {
-    return ZvRect(std::max(box.left, 0), std::max(box.top, 0),
-                  static_cast<int>(std::min<int64_t>(box.right, mask.width)),
-                  static_cast<int>(std::min<int64_t>(box.bottom, mask.height)));
+    return intersected(box, pictureRect(mask.width, mask.height));
 }
 
 void copyCoverage(const ZvBitmap& mask, const ZvRect& box, uint8_t* plane, ptrdiff_t stride) {
     const ZvRect part = partWithin(mask, box);
-    if (part.left >= part.right) return;
+    if (isEmpty(part)) return;
     for (int64_t y = part.top; y < part.bottom; ++y) {
         std::memcpy(plane + (y - box.top) * stride + (int64_t{part.left} - box.left),
-                    mask.pixels + y * mask.width + part.left, static_cast<size_t>(part.right - part.left));
+                    mask.pixels + y * mask.width + part.left, static_cast<size_t>(widthOf(part)));
     }
 }
 

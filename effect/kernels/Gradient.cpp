@@ -4,9 +4,9 @@
 #include <algorithm>
 
 #include "raster/CpuTarget.h"
+#include "raster/Rects.h"
 #include "raster/ZvBitmap.h"
 #include "raster/ZvBlender.h"
-#include "raster/ZvRect.h"
 
 namespace Zvex {
 
@@ -28,8 +28,8 @@ bool GradientRows::isDrawable(const ZvECore::ParamPostProcessing* param,
 bool GradientRows::make(const ZvECore::ParamPostProcessing& param, const ZvGradientFillProperty& property) {
     mask_ = param.mask;
     part_ = partWithin(*mask_, *param.textRect);
-    if (part_.left >= part_.right || part_.top >= part_.bottom) return false;
-    if (!area_.grow(*param.textRect, 0) || !row_.allocate(part_.right - part_.left)) return false;
+    if (isEmpty(part_)) return false;
+    if (!area_.grow(*param.textRect, 0) || !row_.allocate(widthOf(part_))) return false;
     fillColorTable(colors_, property.stops, property.count, property.stops[0].position, ZV_CURVE_STRAIGHT);
     for (uint32_t& color : colors_) color = premultiplied(color);
     return true;
@@ -40,7 +40,7 @@ bool GradientRows::setLinear(float down, float right) {
     down_ = down;
     right_ = right;
     if (down != 0.0f) return true;
-    const int first = part_.left - area_.x, count = part_.right - part_.left;
+    const int first = part_.left - area_.x, count = widthOf(part_);
     Buffer<uint8_t> covered;
     if (!covered.allocate(count) || !same_.allocate(count)) return false;
     std::fill_n(covered.get(), count, uint8_t{255});
@@ -58,7 +58,7 @@ void GradientRows::setRadial(float entriesOfPixel) {
 // A row at a time, so that it is still in the cache when it is blended.
 void GradientRows::draw(RowRange rows, const PictureStrip& target, const PictureStrip*) {
     const RowRange visible = rows.within(0, part_.bottom);
-    const int first = part_.left - area_.x, count = part_.right - part_.left;
+    const int first = part_.left - area_.x, count = widthOf(part_);
     const float halfWidth = width() * 0.5f;
     uint32_t* words = row_.get();
     for (int y = std::max(visible.begin, part_.top); y < visible.end; ++y) {
