@@ -40,29 +40,20 @@ std::string damaged(const std::string& original, fuzz::Input& input) {
         const size_t within = (kind & 64) != 0 ? input.byte() : input.half();
         const size_t at = offset + within;
         if (at >= file.size()) continue;
-        switch (kind % 8) {
-            case 0:
-            case 1:
-                writeBig(file, at, 1, input.byte());
-                break;
-            case 2:
-            case 3:
-                writeBig(file, at, 2, input.word() >> 16);
-                break;
-            case 4:
-                writeBig(file, at, 2, readBig(file, at, 2) + static_cast<uint32_t>(input.between(-8, 8)));
-                break;
-            case 5:
-                writeBig(file, at, 4, static_cast<uint32_t>(input.integer()));
-                break;
-            case 6: {
-                const size_t from = offset + input.byte(), count = input.byte();
-                for (size_t i = 0; i < count && std::max(at, from) + i < file.size(); ++i)
-                    file[at + i] = file[from + i];
-                break;
-            }
-            default:
-                if (kind >= 192) file.resize(at);
+        if (kind % 8 < 2) {
+            writeBig(file, at, 1, input.byte());
+        } else if (kind % 8 < 4) {
+            writeBig(file, at, 2, input.word() >> 16);
+        } else if (kind % 8 == 4) {
+            writeBig(file, at, 2, readBig(file, at, 2) + static_cast<uint32_t>(input.between(-8, 8)));
+        } else if (kind % 8 == 5) {
+            writeBig(file, at, 4, static_cast<uint32_t>(input.integer()));
+        } else if (kind % 8 == 6) {
+            const size_t from = offset + input.byte(), count = input.byte();
+            for (size_t i = 0; i < count && std::max(at, from) + i < file.size(); ++i)
+                file[at + i] = file[from + i];
+        } else if (kind >= 192) {
+            file.resize(at);
         }
     }
     return file;

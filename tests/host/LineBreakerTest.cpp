@@ -17,42 +17,36 @@ float tenEach(int start, int end) {
     return 10.0f * static_cast<float>(end - start);
 }
 
-std::vector<std::u16string> lines(const std::u16string& text, float width) {
-    std::vector<std::u16string> parts;
-    int position = 0;
-    for (const LineRange& line : breakLines(units(text), static_cast<int>(text.size()), width, tenEach)) {
-        EXPECT_EQ(line.start, position) << "lines leave no unit out";
-        EXPECT_LE(line.visibleEnd, line.end);
-        parts.push_back(
-            text.substr(static_cast<size_t>(line.start), static_cast<size_t>(line.visibleEnd - line.start)));
-        position = line.end;
+TEST(LineBreaker, WrapsAtWordsEndsAtLineEndingsAndCutsBetweenClusters) {
+    const struct {
+        std::u16string text;
+        float width;
+        std::vector<std::u16string> lines;
+    } cases[] = {{u"one two three", 70, {u"one two", u"three"}},
+                 {u"one two three", 69, {u"one", u"two", u"three"}},
+                 {u"one   two", 30, {u"one", u"two"}},
+                 {u"one two", 0, {u"one two"}},
+                 {u"well-known", 60, {u"well-", u"known"}},
+                 {u"10\u00A0km on", 60, {u"10\u00A0km", u"on"}},
+                 {u"a\nb\r\nc\rd\u2028e", 0, {u"a", u"b", u"c", u"d", u"e"}},
+                 {u"a\n\nb\n", 100, {u"a", u"", u"b", u""}},
+                 {u"   ", 10, {u""}},
+                 {u"abcdefgh ij", 30, {u"abc", u"def", u"gh", u"ij"}},
+                 {u"a\u0301b\u0301c", 30, {u"a\u0301", u"b\u0301c"}},
+                 {u"ab", 5, {u"a", u"b"}},
+                 {u"\u65E5\u672C\u8A9E\u306E", 20, {u"\u65E5\u672C", u"\u8A9E\u306E"}}};
+    for (const auto& [text, width, lines] : cases) {
+        std::vector<std::u16string> parts;
+        size_t position = 0;
+        for (const LineRange& line : breakLines(units(text), static_cast<int>(text.size()), width, tenEach)) {
+            const auto start = static_cast<size_t>(line.start), end = static_cast<size_t>(line.visibleEnd);
+            EXPECT_EQ(start, position) << "lines leave no unit out";
+            parts.push_back(text.substr(start, end - start));
+            position = static_cast<size_t>(line.end);
+        }
+        EXPECT_EQ(parts, lines) << testing::PrintToString(text);
+        EXPECT_EQ(position, text.size());
     }
-    EXPECT_EQ(position, static_cast<int>(text.size()));
-    return parts;
-}
-
-using Lines = std::vector<std::u16string>;
-
-TEST(LineBreaker, WrapsAtWordsAndDropsTheBlanksThere) {
-    EXPECT_EQ(lines(u"one two three", 70), (Lines{u"one two", u"three"}));
-    EXPECT_EQ(lines(u"one two three", 69), (Lines{u"one", u"two", u"three"}));
-    EXPECT_EQ(lines(u"one   two", 30), (Lines{u"one", u"two"}));
-    EXPECT_EQ(lines(u"one two", 0), (Lines{u"one two"}));
-    EXPECT_EQ(lines(u"well-known", 60), (Lines{u"well-", u"known"}));
-    EXPECT_EQ(lines(u"10\u00A0km on", 60), (Lines{u"10\u00A0km", u"on"}));
-}
-
-TEST(LineBreaker, LineEndingsOfEveryKindEndALine) {
-    EXPECT_EQ(lines(u"a\nb\r\nc\rd\u2028e", 0), (Lines{u"a", u"b", u"c", u"d", u"e"}));
-    EXPECT_EQ(lines(u"a\n\nb\n", 100), (Lines{u"a", u"", u"b", u""}));
-    EXPECT_EQ(lines(u"   ", 10), (Lines{u""}));
-}
-
-TEST(LineBreaker, AWordWiderThanTheLineIsCutBetweenClusters) {
-    EXPECT_EQ(lines(u"abcdefgh ij", 30), (Lines{u"abc", u"def", u"gh", u"ij"}));
-    EXPECT_EQ(lines(u"a\u0301b\u0301c", 30), (Lines{u"a\u0301", u"b\u0301c"}));
-    EXPECT_EQ(lines(u"ab", 5), (Lines{u"a", u"b"}));
-    EXPECT_EQ(lines(u"\u65E5\u672C\u8A9E\u306E", 20), (Lines{u"\u65E5\u672C", u"\u8A9E\u306E"}));
 }
 
 // Where pieces shape narrower together than alone (ligatures, joining letters), the line takes what really

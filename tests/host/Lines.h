@@ -191,9 +191,9 @@ struct Line {
     size_t start, end;
 };
 
-// The lines of phone/cases.tsv, by the names in its head.
-inline std::vector<Line::Fields> phoneCases() {
-    const std::string path = ZVEX_HOST_DATA "/phone/cases.tsv";
+// The lines of a folder's cases.tsv, by the names in its head.
+inline std::vector<Line::Fields> casesOf(const std::string& folder) {
+    const std::string path = ZVEX_HOST_DATA "/" + folder + "/cases.tsv";
     const std::vector<std::string> names = split(split(fonts::readFile(path.c_str()), '\n')[0], '\t');
     std::vector<Line::Fields> cases;
     for (const std::vector<std::string>& row : rowsOf(path)) {

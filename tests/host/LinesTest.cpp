@@ -35,7 +35,7 @@ std::string format(const char* form, Values... values) {
 }  // namespace
 
 TEST(Lines, AreLaidOutAsOnThePhone) {
-    const auto cases = phoneCases();
+    const auto cases = casesOf("phone");
     const auto expected = rowsOf(ZVEX_HOST_DATA "/phone/layouts.tsv");
     ASSERT_GT(cases.size(), 30u);
     ASSERT_EQ(cases.size(), expected.size());

@@ -16,15 +16,15 @@
 
 namespace {
 
-struct PhonePicture {
+struct StoredPicture {
     int width = 0, height = 0;
     std::vector<uint8_t> pixels;
 
-    PhonePicture(const std::string& name, png_uint_32 format) {
+    StoredPicture(const std::string& folder, const std::string& name, png_uint_32 format) {
         png_image image;
         std::memset(&image, 0, sizeof image);
         image.version = PNG_IMAGE_VERSION;
-        const std::string path = ZVEX_HOST_DATA "/phone/" + name + ".png";
+        const std::string path = ZVEX_HOST_DATA "/" + folder + "/" + name + ".png";
         if (png_image_begin_read_from_file(&image, path.c_str()) == 0) return;
         image.format = format;
         pixels.resize(PNG_IMAGE_SIZE(image));
@@ -35,7 +35,7 @@ struct PhonePicture {
 };
 
 // The line, laid out and drawn as the library draws a line's coverage.
-std::vector<uint8_t> drawnLine(const hosttest::Line& line, const PhonePicture& like) {
+std::vector<uint8_t> drawnLine(const hosttest::Line& line, const StoredPicture& like) {
     std::vector<uint8_t> pixels(like.pixels.size());
     SkBitmap bitmap;
     bitmap.installPixels(
@@ -79,10 +79,10 @@ struct Agreement {
 TEST(PhoneGlyphs, CoverageIsThePhones) {
     int pictures = 0;
     Agreement all;
-    for (const hosttest::Line::Fields& fields : hosttest::phoneCases()) {
+    for (const hosttest::Line::Fields& fields : hosttest::casesOf("phone")) {
         const std::string name = fields.at("name");
         const bool path = fields.at("size") == "300";
-        const PhonePicture expected(name, PNG_FORMAT_GRAY);
+        const StoredPicture expected("phone", name, PNG_FORMAT_GRAY);
         if (expected.pixels.empty()) continue;
         ++pictures;
         Agreement one;
@@ -95,6 +95,18 @@ TEST(PhoneGlyphs, CoverageIsThePhones) {
     EXPECT_GE(pictures, 24);
     EXPECT_GE(all.nearShare(), 0.997);
     EXPECT_GE(all.equalShare(), 0.997);
+}
+
+// What the port made of these lines when its glyphs were FreeType's (FontFaceTest.cpp) and their skew,
+// boldness and strikes measured.
+TEST(PlainGlyphs, CoverageStays) {
+    host::setRendering(host::Rendering::Plain);
+    for (const hosttest::Line::Fields& fields : hosttest::casesOf("plain")) {
+        const StoredPicture expected("plain", fields.at("name"), PNG_FORMAT_GRAY);
+        EXPECT_TRUE(drawnLine(hosttest::Line(fields), expected) == expected.pixels) << fields.at("name");
+        EXPECT_FALSE(expected.pixels.empty()) << fields.at("name");
+    }
+    host::setRendering(host::Rendering::Phone);
 }
 
 // Unhinted text differs from the plain rendering by the table alone.
@@ -136,7 +148,7 @@ TEST(PhoneGlyphs, CanvasesBlendInLinearLight) {
     source.installPixels(info, picture.data(), 1024);
     bitmap.installPixels(info, target.data(), 1024);
     for (const char* background : {"00000000", "01ffffff", "80ff8000", "ff000000", "ff2060c0", "ffffffff"}) {
-        const PhonePicture expected(std::string("compose-") + background, PNG_FORMAT_RGBA);
+        const StoredPicture expected("phone", std::string("compose-") + background, PNG_FORMAT_RGBA);
         ASSERT_EQ(expected.pixels.size(), target.size());
         SkCanvas canvas(bitmap);
         canvas.drawColor(static_cast<SkColor>(std::strtoul(background, nullptr, 16)), SkBlendMode::kSrc);

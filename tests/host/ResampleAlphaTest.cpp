@@ -40,19 +40,10 @@ TEST(ResampleAlpha, IsTheMeanUnderEachPixelsBox) {
         std::vector<uint8_t> source(static_cast<size_t>(stride) * height), target(17 * 15 + 1, 0xAB);
         for (uint8_t& byte : source) byte = static_cast<uint8_t>(random());
         const auto fixed = [](double v) { return static_cast<int64_t>(std::llround(v * kOne)); };
-        const host::ResampleParam p{source.data() + 3,
-                                    width,
-                                    height,
-                                    stride,
-                                    step,
-                                    target.data(),
-                                    17,
-                                    15,
-                                    (xStep < 0 ? 14 : -2) * kOne + 12345,
-                                    fixed(xStep),
-                                    fixed(xShear),
-                                    4321 - kOne,
-                                    fixed(yStep)};
+        const int64_t x = (xStep < 0 ? 14 : -2) * kOne + 12345, y = 4321 - kOne;
+        const host::ResampleParam p{source.data() + 3, width, height,      stride, step,
+                                    target.data(),     17,    15,          x,      fixed(xStep),
+                                    fixed(xShear),     y,     fixed(yStep)};
         host::resampleAlpha(p);
         for (int i = 0; i < 17 * 15; ++i) {
             // Rounded twice, and the weights are 65536ths.

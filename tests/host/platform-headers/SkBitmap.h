@@ -1,18 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
-#ifndef ZVEX_TESTS_HOST_PLATFORM_HEADERS_SKBITMAP_H_
-#define ZVEX_TESTS_HOST_PLATFORM_HEADERS_SKBITMAP_H_
+#pragma once
 
 #include <cstddef>
 
 #include "SkImageInfo.h"
 
-class SkBitmap {
-public:
-    SkBitmap();
-    SkBitmap(const SkBitmap& other);
-    ~SkBitmap();
-
+struct SkBitmap {
     bool installPixels(const SkImageInfo& info, void* pixels, size_t rowBytes);
 };
-
-#endif  // ZVEX_TESTS_HOST_PLATFORM_HEADERS_SKBITMAP_H_

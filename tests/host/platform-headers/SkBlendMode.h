@@ -1,7 +1,4 @@
 // SPDX-License-Identifier: Apache-2.0
-#ifndef ZVEX_TESTS_HOST_PLATFORM_HEADERS_SKBLENDMODE_H_
-#define ZVEX_TESTS_HOST_PLATFORM_HEADERS_SKBLENDMODE_H_
+#pragma once
 
 enum class SkBlendMode { kSrc = 1, kSrcOver = 3 };
-
-#endif  // ZVEX_TESTS_HOST_PLATFORM_HEADERS_SKBLENDMODE_H_

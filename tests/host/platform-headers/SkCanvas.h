@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#ifndef ZVEX_TESTS_HOST_PLATFORM_HEADERS_SKCANVAS_H_
-#define ZVEX_TESTS_HOST_PLATFORM_HEADERS_SKCANVAS_H_
+#pragma once
 
 #include "SkBitmap.h"
 #include "SkBlendMode.h"
@@ -14,8 +13,7 @@ class SkCanvas {
 public:
     explicit SkCanvas(const SkBitmap& bitmap);
     virtual ~SkCanvas();
-    SkCanvas(const SkCanvas&) = delete;
-    void operator=(const SkCanvas&) = delete;
+    SkCanvas(SkCanvas&&) = delete;
 
     void drawColor(SkColor color, SkBlendMode mode);
     void clipRect(const SkRect& rect, SkClipOp op, bool doAntiAlias);
@@ -23,5 +21,3 @@ public:
     void drawBitmap(const SkBitmap& bitmap, SkScalar left, SkScalar top, const SkPaint* paint = nullptr);
     void drawTextBlob(const sk_sp<SkTextBlob>& blob, SkScalar x, SkScalar y, const SkPaint& paint);
 };
-
-#endif  // ZVEX_TESTS_HOST_PLATFORM_HEADERS_SKCANVAS_H_

@@ -1,7 +1,4 @@
 // SPDX-License-Identifier: Apache-2.0
-#ifndef ZVEX_TESTS_HOST_PLATFORM_HEADERS_SKCLIPOP_H_
-#define ZVEX_TESTS_HOST_PLATFORM_HEADERS_SKCLIPOP_H_
+#pragma once
 
 enum class SkClipOp { kIntersect = 1 };
-
-#endif  // ZVEX_TESTS_HOST_PLATFORM_HEADERS_SKCLIPOP_H_

@@ -1,9 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-#ifndef ZVEX_TESTS_HOST_PLATFORM_HEADERS_SKCOLOR_H_
-#define ZVEX_TESTS_HOST_PLATFORM_HEADERS_SKCOLOR_H_
+#pragma once
 
 #include <cstdint>
 
 typedef uint32_t SkColor;
-
-#endif  // ZVEX_TESTS_HOST_PLATFORM_HEADERS_SKCOLOR_H_

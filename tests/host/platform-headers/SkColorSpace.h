@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#ifndef ZVEX_TESTS_HOST_PLATFORM_HEADERS_SKCOLORSPACE_H_
-#define ZVEX_TESTS_HOST_PLATFORM_HEADERS_SKCOLORSPACE_H_
+#pragma once
 
 #include "SkRefCnt.h"
 
@@ -11,5 +10,3 @@ public:
 private:
     SkColorSpace();
 };
-
-#endif  // ZVEX_TESTS_HOST_PLATFORM_HEADERS_SKCOLORSPACE_H_

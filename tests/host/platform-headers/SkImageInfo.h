@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#ifndef ZVEX_TESTS_HOST_PLATFORM_HEADERS_SKIMAGEINFO_H_
-#define ZVEX_TESTS_HOST_PLATFORM_HEADERS_SKIMAGEINFO_H_
+#pragma once
 
 #include "SkColorSpace.h"
 
@@ -11,5 +10,3 @@ struct SkImageInfo {
     static SkImageInfo Make(int width, int height, SkColorType colorType, SkAlphaType alphaType,
                             sk_sp<SkColorSpace> colorSpace = nullptr);
 };
-
-#endif  // ZVEX_TESTS_HOST_PLATFORM_HEADERS_SKIMAGEINFO_H_

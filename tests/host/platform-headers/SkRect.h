@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#ifndef ZVEX_TESTS_HOST_PLATFORM_HEADERS_SKRECT_H_
-#define ZVEX_TESTS_HOST_PLATFORM_HEADERS_SKRECT_H_
+#pragma once
 
 #include "SkScalar.h"
 
@@ -11,5 +10,3 @@ struct SkRect {
         return SkRect{l, t, r, b};
     }
 };
-
-#endif  // ZVEX_TESTS_HOST_PLATFORM_HEADERS_SKRECT_H_

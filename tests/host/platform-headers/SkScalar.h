@@ -1,7 +1,4 @@
 // SPDX-License-Identifier: Apache-2.0
-#ifndef ZVEX_TESTS_HOST_PLATFORM_HEADERS_SKSCALAR_H_
-#define ZVEX_TESTS_HOST_PLATFORM_HEADERS_SKSCALAR_H_
+#pragma once
 
 typedef float SkScalar;
-
-#endif  // ZVEX_TESTS_HOST_PLATFORM_HEADERS_SKSCALAR_H_

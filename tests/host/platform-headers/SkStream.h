@@ -1,14 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
-#ifndef ZVEX_TESTS_HOST_PLATFORM_HEADERS_SKSTREAM_H_
-#define ZVEX_TESTS_HOST_PLATFORM_HEADERS_SKSTREAM_H_
+#pragma once
 
 #include <cstddef>
 
 class SkStreamAsset {
 public:
     virtual ~SkStreamAsset() = 0;
-    SkStreamAsset(const SkStreamAsset&) = delete;
-    void operator=(const SkStreamAsset&) = delete;
+    SkStreamAsset(SkStreamAsset&&) = delete;
 
 protected:
     SkStreamAsset();
@@ -19,5 +17,3 @@ public:
     SkMemoryStream(const void* data, size_t length, bool copyData = false);
     ~SkMemoryStream() override;
 };
-
-#endif  // ZVEX_TESTS_HOST_PLATFORM_HEADERS_SKSTREAM_H_

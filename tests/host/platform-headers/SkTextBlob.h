@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#ifndef ZVEX_TESTS_HOST_PLATFORM_HEADERS_SKTEXTBLOB_H_
-#define ZVEX_TESTS_HOST_PLATFORM_HEADERS_SKTEXTBLOB_H_
+#pragma once
 
 #include <cstdint>
 
@@ -17,8 +16,7 @@ class SkTextBlobBuilder {
 public:
     SkTextBlobBuilder();
     ~SkTextBlobBuilder();
-    SkTextBlobBuilder(const SkTextBlobBuilder&) = delete;
-    void operator=(const SkTextBlobBuilder&) = delete;
+    SkTextBlobBuilder(SkTextBlobBuilder&&) = delete;
 
     struct RunBuffer {
         uint16_t* glyphs;
@@ -27,5 +25,3 @@ public:
     const RunBuffer& allocRunPos(const SkPaint& font, int count, const SkRect* bounds = nullptr);
     sk_sp<SkTextBlob> make();
 };
-
-#endif  // ZVEX_TESTS_HOST_PLATFORM_HEADERS_SKTEXTBLOB_H_

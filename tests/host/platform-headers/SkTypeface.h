@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#ifndef ZVEX_TESTS_HOST_PLATFORM_HEADERS_SKTYPEFACE_H_
-#define ZVEX_TESTS_HOST_PLATFORM_HEADERS_SKTYPEFACE_H_
+#pragma once
 
 #include "SkRefCnt.h"
 #include "SkStream.h"
@@ -12,5 +11,3 @@ public:
 private:
     SkTypeface();
 };
-
-#endif  // ZVEX_TESTS_HOST_PLATFORM_HEADERS_SKTYPEFACE_H_

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#ifndef ZVEX_TESTS_HOST_PLATFORM_HEADERS_ANDROID_ASSET_MANAGER_H_
-#define ZVEX_TESTS_HOST_PLATFORM_HEADERS_ANDROID_ASSET_MANAGER_H_
+#pragma once
 
 #include <sys/types.h>
 
@@ -17,5 +16,3 @@ off_t AAsset_getLength(AAsset* asset);
 int AAsset_read(AAsset* asset, void* buffer, size_t count);
 void AAsset_close(AAsset* asset);
 }
-
-#endif  // ZVEX_TESTS_HOST_PLATFORM_HEADERS_ANDROID_ASSET_MANAGER_H_

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#ifndef ZVEX_TESTS_HOST_PLATFORM_HEADERS_ANDROID_LOG_H_
-#define ZVEX_TESTS_HOST_PLATFORM_HEADERS_ANDROID_LOG_H_
+#pragma once
 
 extern "C" {
 
@@ -13,11 +12,9 @@ typedef enum android_LogPriority {
     ANDROID_LOG_WARN,
     ANDROID_LOG_ERROR,
     ANDROID_LOG_FATAL,
-    ANDROID_LOG_SILENT,
+    ANDROID_LOG_SILENT
 } android_LogPriority;
 
 int __android_log_print(int priority, const char* tag, const char* format, ...)
     __attribute__((__format__(printf, 3, 4)));
 }
-
-#endif  // ZVEX_TESTS_HOST_PLATFORM_HEADERS_ANDROID_LOG_H_

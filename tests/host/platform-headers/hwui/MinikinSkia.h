@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#ifndef ZVEX_TESTS_HOST_PLATFORM_HEADERS_HWUI_MINIKINSKIA_H_
-#define ZVEX_TESTS_HOST_PLATFORM_HEADERS_HWUI_MINIKINSKIA_H_
+#pragma once
 
 #include <SkPaint.h>
 #include <SkRefCnt.h>
@@ -23,5 +22,3 @@ public:
 };
 
 }  // namespace android
-
-#endif  // ZVEX_TESTS_HOST_PLATFORM_HEADERS_HWUI_MINIKINSKIA_H_

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#ifndef ZVEX_TESTS_HOST_PLATFORM_HEADERS_HWUI_MINIKINUTILS_H_
-#define ZVEX_TESTS_HOST_PLATFORM_HEADERS_HWUI_MINIKINUTILS_H_
+#pragma once
 
 #include <hwui/Paint.h>
 #include <hwui/Typeface.h>
@@ -28,5 +27,3 @@ public:
 };
 
 }  // namespace android
-
-#endif  // ZVEX_TESTS_HOST_PLATFORM_HEADERS_HWUI_MINIKINUTILS_H_

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#ifndef ZVEX_TESTS_HOST_PLATFORM_HEADERS_HWUI_PAINT_H_
-#define ZVEX_TESTS_HOST_PLATFORM_HEADERS_HWUI_PAINT_H_
+#pragma once
 
 #include <SkPaint.h>
 #include <minikin/FontFamily.h>
@@ -12,11 +11,6 @@ namespace android {
 
 class Paint : public SkPaint {
 public:
-    Paint();
-    Paint(const Paint& paint);
-    ~Paint();
-    Paint& operator=(const Paint& paint);
-
     void setLetterSpacing(float letterSpacing);
     float getLetterSpacing() const;
     void setFontFeatureSettings(const std::string& settings);
@@ -28,5 +22,3 @@ public:
 };
 
 }  // namespace android
-
-#endif  // ZVEX_TESTS_HOST_PLATFORM_HEADERS_HWUI_PAINT_H_

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#ifndef ZVEX_TESTS_HOST_PLATFORM_HEADERS_HWUI_TYPEFACE_H_
-#define ZVEX_TESTS_HOST_PLATFORM_HEADERS_HWUI_TYPEFACE_H_
+#pragma once
 
 #include <minikin/FontFamily.h>
 
@@ -15,10 +14,7 @@ struct Typeface {
 
 private:
     Typeface();
-    Typeface(const Typeface&) = delete;
-    void operator=(const Typeface&) = delete;
+    Typeface(Typeface&&) = delete;
 };
 
 }  // namespace android
-
-#endif  // ZVEX_TESTS_HOST_PLATFORM_HEADERS_HWUI_TYPEFACE_H_

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#ifndef ZVEX_TESTS_HOST_PLATFORM_HEADERS_MINIKIN_FONTFAMILY_H_
-#define ZVEX_TESTS_HOST_PLATFORM_HEADERS_MINIKIN_FONTFAMILY_H_
+#pragma once
 
 #include <minikin/FontStyle.h>
 #include <minikin/MinikinFont.h>
@@ -16,8 +15,7 @@ public:
     class Builder {
     public:
         explicit Builder(const std::shared_ptr<MinikinFont>& typeface);
-        Builder(const Builder&) = delete;
-        void operator=(const Builder&) = delete;
+        Builder(Builder&&) = delete;
 
         Builder& setStyle(FontStyle style);
         Builder& setWeight(uint16_t weight);
@@ -27,8 +25,6 @@ public:
 
     Font(Font&&);
     Font& operator=(Font&&);
-    Font(const Font&) = delete;
-    Font& operator=(const Font&) = delete;
 };
 
 class FontFamily {
@@ -38,10 +34,7 @@ public:
     explicit FontFamily(std::vector<Font>&& fonts);
     FontFamily(Variant variant, std::vector<Font>&& fonts);
     FontFamily(uint32_t localeListId, Variant variant, std::vector<Font>&& fonts);
-    FontFamily(const FontFamily&) = delete;
-    void operator=(const FontFamily&) = delete;
+    FontFamily(FontFamily&&) = delete;
 };
 
 }  // namespace minikin
-
-#endif  // ZVEX_TESTS_HOST_PLATFORM_HEADERS_MINIKIN_FONTFAMILY_H_

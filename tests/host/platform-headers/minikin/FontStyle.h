@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#ifndef ZVEX_TESTS_HOST_PLATFORM_HEADERS_MINIKIN_FONTSTYLE_H_
-#define ZVEX_TESTS_HOST_PLATFORM_HEADERS_MINIKIN_FONTSTYLE_H_
+#pragma once
 
 #include <cstdint>
 
@@ -14,5 +13,3 @@ public:
 };
 
 }  // namespace minikin
-
-#endif  // ZVEX_TESTS_HOST_PLATFORM_HEADERS_MINIKIN_FONTSTYLE_H_

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#ifndef ZVEX_TESTS_HOST_PLATFORM_HEADERS_MINIKIN_LAYOUT_H_
-#define ZVEX_TESTS_HOST_PLATFORM_HEADERS_MINIKIN_LAYOUT_H_
+#pragma once
 
 #include <minikin/MinikinFont.h>
 
@@ -21,8 +20,7 @@ enum class Bidi : uint8_t {
 // Only doLayout makes one.
 class Layout {
 public:
-    Layout(const Layout&) = delete;
-    void operator=(const Layout&) = delete;
+    Layout(Layout&&) = delete;
 
     size_t nGlyphs() const;
     const MinikinFont* getFont(int i) const;
@@ -35,5 +33,3 @@ public:
 };
 
 }  // namespace minikin
-
-#endif  // ZVEX_TESTS_HOST_PLATFORM_HEADERS_MINIKIN_LAYOUT_H_

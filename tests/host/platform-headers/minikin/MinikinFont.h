@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#ifndef ZVEX_TESTS_HOST_PLATFORM_HEADERS_MINIKIN_MINIKINFONT_H_
-#define ZVEX_TESTS_HOST_PLATFORM_HEADERS_MINIKIN_MINIKINFONT_H_
+#pragma once
 
 #include <cstddef>
 #include <cstdint>
@@ -24,8 +23,7 @@ public:
 class MinikinFont {
 public:
     virtual ~MinikinFont() = 0;
-    MinikinFont(const MinikinFont&) = delete;
-    void operator=(const MinikinFont&) = delete;
+    MinikinFont(MinikinFont&&) = delete;
 
     int32_t GetUniqueId() const;
     virtual const void* GetFontData() const;
@@ -37,5 +35,3 @@ protected:
 };
 
 }  // namespace minikin
-
-#endif  // ZVEX_TESTS_HOST_PLATFORM_HEADERS_MINIKIN_MINIKINFONT_H_
