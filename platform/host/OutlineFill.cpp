@@ -2,9 +2,9 @@
 #include "platform/host/OutlineFill.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <cstdint>
+#include <utility>
 
 #include "platform/host/CoverageRaster.h"
 #include "platform/host/PathRaster.h"
@@ -190,48 +190,59 @@ private:
         }
         return kept;
     }
-    // Across, ends lie on 256ths of a pixel.
-    void addLine(const Real& from, const Real& to) {
-        const auto across = [](float v) { return std::floor(static_cast<double>(v) * 256 + 0.5) / 256; };
-        mRaster.line(across(from.x), from.y, across(to.x), to.y);
+    // An edge from its upper end down. Its ends lie on 256ths of a pixel across and on quarters down, its
+    // slope is a quotient of 64ths, and it follows that slope to wherever it leads.
+    struct End {
+        double x, y;
+    };
+    static double floorTo(double unit, double v) { return std::floor(v / unit) * unit; }
+    static double slopeOf(double across, double down) {
+        constexpr double kPart = 1.0 / 64, kLeast = 1.0 / 65536;
+        return floorTo(kLeast, floorTo(kPart, across) / floorTo(kPart, down));
+    }
+    End follow(const End& from, double slope, double toY, bool down) {
+        const End to = {from.x + slope * (toY - from.y), toY};
+        if (down) {
+            mRaster.line(from.x, from.y, to.x, to.y);
+        } else {
+            mRaster.line(to.x, to.y, from.x, from.y);
+        }
+        return to;
     }
     void drawTo(const Real& to) {
-        addLine({mPen.x, nearestQuarter(mPen.y)}, {to.x, nearestQuarter(to.y)});
+        const auto endAt = [](const Real& p) {
+            return End{floorTo(1.0 / 256, static_cast<double>(p.x) + 1.0 / 512), nearestQuarter(p.y)};
+        };
+        End top = endAt(mPen), bottom = endAt(to);
         mPen = to;
+        const bool down = top.y < bottom.y;
+        if (!down) std::swap(top, bottom);
+        if (top.y == bottom.y) return;
+        follow(top, slopeOf(bottom.x - top.x, bottom.y - top.y), bottom.y, down);
     }
-    // A curve that does not turn back, from its upper end down. A point moves along its step to the next line
-    // that points may lie on: the quarters of a pixel, or whole pixels where a quadratic's step is long. A
-    // short step of one is not moved across, and steps that end on the same line join the next one.
+    // A curve that does not turn back, from its upper end down. The upper end moves to the nearest quarter
+    // and takes the points between the ends along. A point moves to the next line that points may lie on: the
+    // quarters of a pixel, or whole pixels where a quadratic's step is long. Steps that end on the same line
+    // join the next one; each step starts where the one before led.
     template <typename Curve>
     void drawCurve(const Real& from, const Real& to, int steps, bool cubic, Curve at) {
         const bool down = from.y <= to.y;
         const Real &top = down ? from : to, &bottom = down ? to : from;
-        const float last = nearestQuarter(bottom.y);
-        std::array<Real, 65> points;
-        size_t count = 0;
-        Real end = {top.x, nearestQuarter(top.y)}, before = top;
-        points[count++] = end;
+        const float last = nearestQuarter(bottom.y), moved = nearestQuarter(top.y) - top.y;
+        End end = {top.x, nearestQuarter(top.y)};
+        double before = end.y;
         for (int i = 1; i <= steps; ++i) {
             const float t = static_cast<float>(i) / static_cast<float>(steps);
-            const Real p = i == steps ? bottom : at(down ? t : 1 - t);
-            Real next = {p.x, std::min(last, nearestQuarter(p.y))};
-            if (i == steps) {
-                next = {p.x, last};
-            } else if (!cubic && p.y - before.y >= 2) {
-                next.y = std::min(last, std::floor(p.y + 0.5f));
-                next.x -= (p.x - end.x) / (p.y - end.y) * (p.y - next.y);
+            const Real p = i == steps ? Real{bottom.x, last - moved} : at(down ? t : 1 - t);
+            const float y = p.y + moved;
+            const bool isLong = !cubic && i < steps && y - before >= 2;
+            const double next = std::min(last, isLong ? std::floor(y + 0.5f) : nearestQuarter(y));
+            if (next > end.y) {
+                end = follow(end, slopeOf(p.x - end.x, (isLong ? y : next) - end.y), next, down);
+            } else if (cubic) {
+                end.x = p.x;
             }
-            before = p;
-            if (next.y > end.y) {
-                points[count++] = end = next;
-            }
-        }
-        for (size_t i = 1; i < count; ++i) {
-            if (down) {
-                addLine(points[i - 1], points[i]);
-            } else {
-                addLine(points[i], points[i - 1]);
-            }
+            before = y;
         }
     }
     void drawQuad(const Real& from, const Real& c, const Real& to) {

@@ -74,7 +74,7 @@ struct Agreement {
     double equalShare() const { return static_cast<double>(equal) / static_cast<double>(ink); }
 };
 
-// Paths, above 256 pixels, are filled in steps that the port knows roughly. The lines of Arabic at 24.5 and
+// Paths, above 256 pixels, are nearly the same. The lines of Arabic at 24.5 and
 // Devanagari at 12 pixels tell whether control values are scaled as exactly as the phone's FreeType does it.
 TEST(PhoneGlyphs, CoverageIsThePhones) {
     int pictures = 0;
@@ -88,7 +88,7 @@ TEST(PhoneGlyphs, CoverageIsThePhones) {
         Agreement one;
         const std::vector<uint8_t> drawn = drawnLine(hosttest::Line(fields), expected);
         one.add(drawn, expected.pixels);
-        EXPECT_GE(one.nearShare(), path ? 0.97 : 0.99) << name;
+        EXPECT_GE(one.nearShare(), path ? 0.985 : 0.99) << name;
         EXPECT_GE(one.equalShare(), 0.95) << name;
         if (!path) all.add(drawn, expected.pixels);
     }
