@@ -31,11 +31,11 @@ void fillCanvas(ZvBitmap* picture, uint32_t color) {
 
 // The full glyph comes in tiles, so that no second plane of the picture's size is needed.
 void fillCanvas(ZvBitmap* picture, ZvEffect* fill) {
-    constexpr int TILE_SIDE = 256;
+    constexpr int kTileSide = 256;
     if (!isPicture(picture) || fill == nullptr) return;
     Buffer<uint8_t> full;
-    if (!full.allocate(TILE_SIDE, TILE_SIDE)) return;
-    std::memset(full.get(), 255, size_t{TILE_SIDE} * TILE_SIDE);
+    if (!full.allocate(kTileSide, kTileSide)) return;
+    std::memset(full.get(), 255, size_t{kTileSide} * kTileSide);
 
     fill->initPicture(picture);
     const ZvBitmap* mask = fill->getSrcBitmap();
@@ -44,12 +44,12 @@ void fillCanvas(ZvBitmap* picture, ZvEffect* fill) {
         return;
     }
     const int width = static_cast<int>(picture->width), height = static_cast<int>(picture->height);
-    for (int64_t y = 0; y < height; y += TILE_SIDE) {
-        for (int64_t x = 0; x < width; x += TILE_SIDE) {
+    for (int64_t y = 0; y < height; y += kTileSide) {
+        for (int64_t x = 0; x < width; x += kTileSide) {
             ZvGlyph tile;
             tile.pixels = full.get();
-            tile.width = static_cast<uint16_t>(std::min<int64_t>(width - x, TILE_SIDE));
-            tile.height = static_cast<uint16_t>(std::min<int64_t>(height - y, TILE_SIDE));
+            tile.width = static_cast<uint16_t>(std::min<int64_t>(width - x, kTileSide));
+            tile.height = static_cast<uint16_t>(std::min<int64_t>(height - y, kTileSide));
             fill->renderEffectLayer(static_cast<int>(x), static_cast<int>(y), &tile);
         }
     }

@@ -69,16 +69,16 @@ void cutRowToGlyphs(uint8_t* pixels, const uint8_t* coverage, size_t count, uint
     ZVEX_ON_TARGET(cutToCoverage(pixels, coverage, count, color));
 }
 
-TextColors::TextColors(uint32_t color, uint8_t textAlpha, PixelOrder order) : words_() {
+TextColors::TextColors(uint32_t color, uint8_t textAlpha, PixelOrder order) : mWords() {
     uint8_t ramp[256];
     for (size_t i = 0; i < 256; ++i) ramp[i] = static_cast<uint8_t>(i);
-    uint8_t* const bytes = reinterpret_cast<uint8_t*>(words_);
+    uint8_t* const bytes = reinterpret_cast<uint8_t*>(mWords);
     cutRowToGlyphs(bytes, ramp, 256, color);
     finishRow(bytes, 256, textAlpha, order);
 }
 
 void TextColors::paintRow(uint8_t* pixels, const uint8_t* coverage, size_t count) const {
-    takeWords(pixels, coverage, count, words_);
+    takeWords(pixels, coverage, count, mWords);
 }
 
 }  // namespace Zvex

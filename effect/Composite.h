@@ -43,7 +43,7 @@ public:
     void paintRow(uint8_t* pixels, const uint8_t* coverage, size_t count) const;
 
 private:
-    uint32_t words_[256];
+    uint32_t mWords[256];
 };
 
 }  // namespace Zvex

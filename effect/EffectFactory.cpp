@@ -31,7 +31,7 @@ constexpr LayerClass classOf(int type) {
     return {type, []() -> ZvECore* { return tryMake<Layer>().release(); }, &typeid(Layer)};
 }
 
-constexpr LayerClass CLASSES[] = {
+constexpr LayerClass kClasses[] = {
     classOf<ZvBevel>(ZV_EFFECT_BEVEL),
     classOf<ZvEmboss>(ZV_EFFECT_EMBOSS),
     classOf<ZvInnerGlow>(ZV_EFFECT_INNER_GLOW),
@@ -48,14 +48,14 @@ constexpr LayerClass CLASSES[] = {
 }  // namespace
 
 ZvECore* newEffectLayer(int type) {
-    for (const LayerClass& known : CLASSES) {
+    for (const LayerClass& known : kClasses) {
         if (known.type == type) return known.make();
     }
     return nullptr;
 }
 
 bool isBuiltInLayer(const ZvECore* layer) {
-    for (const LayerClass& known : CLASSES) {
+    for (const LayerClass& known : kClasses) {
         if (*known.info == typeid(*layer)) return true;
     }
     return false;

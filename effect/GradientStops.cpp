@@ -20,8 +20,8 @@ bool GradientStops::copy(const ZvGradient* stops, int count) {
         }
         std::copy_n(stops, count, copied.get());
     }
-    stops_ = std::move(copied);
-    count_ = count;
+    mStops = std::move(copied);
+    mCount = count;
     return true;
 }
 

@@ -18,12 +18,12 @@ public:
     // when memory is short; the old content then stays.
     bool copy(const ZvGradient* stops, int count);
 
-    ZvGradient* data() const { return stops_.get(); }  // null when there are none
-    int count() const { return count_; }
+    ZvGradient* data() const { return mStops.get(); }  // null when there are none
+    int count() const { return mCount; }
 
 private:
-    std::unique_ptr<ZvGradient[]> stops_;
-    int count_ = 0;
+    std::unique_ptr<ZvGradient[]> mStops;
+    int mCount = 0;
 };
 
 // Gives a layer new settings: *record, owned and null at first, becomes a copy of `settings` that points at a

@@ -17,7 +17,7 @@ namespace Zvex {
 
 namespace {
 
-using JoinRows::PIECE;
+using JoinRows::kPiece;
 
 bool hasPixels(const ZvBitmap* bitmap, uint32_t depth) {
     return bitmap != nullptr && bitmap->pixels != nullptr && bitmap->bytesPerPixel == depth;
@@ -31,7 +31,7 @@ bool copyPixels(void* pixels, const ZvBitmap& bitmap, int64_t left, int64_t top,
     const int64_t end = std::min(x + static_cast<int64_t>(count), left + bitmap.width);
     if (begin >= end || y < top || y >= top + bitmap.height) return false;
     const size_t depth = bitmap.bytesPerPixel;
-    if (end - begin < static_cast<int64_t>(PIECE)) std::memset(pixels, 0, PIECE * depth);
+    if (end - begin < static_cast<int64_t>(kPiece)) std::memset(pixels, 0, kPiece * depth);
     const size_t at = static_cast<size_t>(y - top) * bitmap.width + static_cast<size_t>(begin - left);
     std::memcpy(static_cast<uint8_t*>(pixels) + static_cast<size_t>(begin - x) * depth,
                 bitmap.pixels + at * depth, static_cast<size_t>(end - begin) * depth);
@@ -42,9 +42,9 @@ bool copyPixels(void* pixels, const ZvBitmap& bitmap, int64_t left, int64_t top,
 class JoinedPiece {
 public:
     // The pixels at `pixels`; transparent beyond them.
-    JoinedPiece(const uint8_t* pixels, size_t count, int64_t x, int64_t y) : count_(count), x_(x), y_(y) {
-        if (count < PIECE) std::memset(words_, 0, sizeof words_);
-        std::memcpy(words_, pixels, count * 4);
+    JoinedPiece(const uint8_t* pixels, size_t count, int64_t x, int64_t y) : mCount(count), mX(x), mY(y) {
+        if (count < kPiece) std::memset(mWords, 0, sizeof mWords);
+        std::memcpy(mWords, pixels, count * 4);
     }
 
     // `isBase`: the layer in front of it is clipped.
@@ -54,57 +54,57 @@ public:
 private:
     void joinSource(const JoinedLayer& layer, const uint32_t* source, float opacity, bool isBase);
 
-    size_t count_;
-    int64_t x_, y_;
-    bool isMixed_ = false;  // in the piece, else in the words
-    uint32_t words_[PIECE];
-    JoinRows::Piece piece_;
-    bool hasBase_ = false;  // else the base shows nothing here
-    float base_[PIECE];     // alpha
+    size_t mCount;
+    int64_t mX, mY;
+    bool mIsMixed = false;  // in the piece, else in the words
+    uint32_t mWords[kPiece];
+    JoinRows::Piece mPiece;
+    bool mHasBase = false;  // else the base shows nothing here
+    float mBase[kPiece];    // alpha
 };
 
 void JoinedPiece::join(const JoinedLayer& layer, bool isBase) {
-    if (!layer.clipped) hasBase_ = false;
+    if (!layer.clipped) mHasBase = false;
     const float opacity = clampFloat(layer.opacity, 0.0f, 1.0f);
-    if (opacity == 0.0f || (layer.clipped && !hasBase_) || !hasPixels(layer.picture, 4)) return;
-    uint32_t source[PIECE];
-    if (!copyPixels(source, *layer.picture, layer.x, layer.y, x_, y_, count_)) return;
+    if (opacity == 0.0f || (layer.clipped && !mHasBase) || !hasPixels(layer.picture, 4)) return;
+    uint32_t source[kPiece];
+    if (!copyPixels(source, *layer.picture, layer.x, layer.y, mX, mY, mCount)) return;
     if (!JoinRows::isTransparent(source)) joinSource(layer, source, opacity, isBase);
 }
 
 void JoinedPiece::joinSource(const JoinedLayer& layer, const uint32_t* source, float opacity, bool isBase) {
-    uint8_t coverage[PIECE];
+    uint8_t coverage[kPiece];
     const bool isKnockedOut =
         hasPixels(layer.knockout, 1) &&
-        copyPixels(coverage, *layer.knockout, layer.knockoutX, layer.knockoutY, x_, y_, count_);
+        copyPixels(coverage, *layer.knockout, layer.knockoutX, layer.knockoutY, mX, mY, mCount);
     const bool isPlain = !isKnockedOut && !layer.clipped && opacity == 1.0f;
     const bool isNormal = layer.blend == LayerBlend::Normal;
-    const bool isJoined = !isMixed_ && isPlain && JoinRows::joinWords(words_, source, isNormal);
+    const bool isJoined = !mIsMixed && isPlain && JoinRows::joinWords(mWords, source, isNormal);
     if (isJoined && !isBase) return;
 
-    float alpha[PIECE];
+    float alpha[kPiece];
     JoinRows::takeAlpha(alpha, source, opacity);
     if (isKnockedOut) JoinRows::knockOut(alpha, coverage);
     if (layer.clipped) {
-        JoinRows::clip(alpha, base_);
+        JoinRows::clip(alpha, mBase);
     } else if (isBase) {
-        std::memcpy(base_, alpha, sizeof alpha);
-        hasBase_ = true;
+        std::memcpy(mBase, alpha, sizeof alpha);
+        mHasBase = true;
     }
     if (isJoined) return;
-    if (!isMixed_) JoinRows::takeWords(&piece_, words_);
-    isMixed_ = true;
-    JoinRows::join(&piece_, source, alpha, layer.blend);
+    if (!mIsMixed) JoinRows::takeWords(&mPiece, mWords);
+    mIsMixed = true;
+    JoinRows::join(&mPiece, source, alpha, layer.blend);
 }
 
 void JoinedPiece::give(uint8_t* pixels, float opacity) {
-    if (!isMixed_ && opacity != 1.0f) JoinRows::takeWords(&piece_, words_);
-    if (isMixed_ || opacity != 1.0f) {
-        JoinRows::giveWords(words_, piece_, opacity);
+    if (!mIsMixed && opacity != 1.0f) JoinRows::takeWords(&mPiece, mWords);
+    if (mIsMixed || opacity != 1.0f) {
+        JoinRows::giveWords(mWords, mPiece, opacity);
     } else {
-        for (uint32_t& word : words_) word = word >> 24 != 0 ? word : 0;
+        for (uint32_t& word : mWords) word = word >> 24 != 0 ? word : 0;
     }
-    std::memcpy(pixels, words_, count_ * 4);
+    std::memcpy(pixels, mWords, mCount * 4);
 }
 
 }  // namespace
@@ -114,8 +114,8 @@ void joinLayers(ZvBitmap* picture, const JoinedLayer* layers, size_t count, floa
     const float shown = clampFloat(opacity, 0.0f, 1.0f);
     for (size_t y = 0; y < picture->height; ++y) {
         uint8_t* const row = picture->pixels + y * picture->width * 4;
-        for (size_t x = 0; x < picture->width; x += PIECE) {
-            JoinedPiece piece(row + x * 4, std::min(PIECE, picture->width - x), static_cast<int64_t>(x),
+        for (size_t x = 0; x < picture->width; x += kPiece) {
+            JoinedPiece piece(row + x * 4, std::min(kPiece, picture->width - x), static_cast<int64_t>(x),
                               static_cast<int64_t>(y));
             for (size_t i = 0; i < count; ++i) piece.join(layers[i], i + 1 < count && layers[i + 1].clipped);
             piece.give(row + x * 4, shown);

@@ -8,16 +8,17 @@ namespace Zvex {
 
 namespace {
 
-constexpr LayerPlace OVER = {false, false, false}, UNDER = {true, false, true}, ACROSS = {true, true, true};
+constexpr LayerPlace kOver = {false, false, false}, kUnder = {true, false, true},
+                     kAcross = {true, true, true};
 
 LayerPlace placeOfStroke(int position) {
     switch (position) {
         case ZV_STROKE_OUTSIDE:
-            return UNDER;
+            return kUnder;
         case ZV_STROKE_CENTER:
-            return ACROSS;
+            return kAcross;
         case ZV_STROKE_INSIDE:
-            return OVER;
+            return kOver;
         default:  // drawn as one outside, in the order of one inside
             return {true, false, false};
     }
@@ -26,18 +27,18 @@ LayerPlace placeOfStroke(int position) {
 }  // namespace
 
 LayerPlace placeOf(ZvECore* layer) {
-    constexpr int BEVEL_INSIDE = 1;
+    constexpr int kBevelInside = 1;
     switch (layer->getStyle()) {
         case ZV_EFFECT_OUTER_SHADOW:
         case ZV_EFFECT_OUTER_GLOW:
         case ZV_EFFECT_NONE:
-            return UNDER;
+            return kUnder;
         case ZV_EFFECT_BEVEL: {
             const auto* property = static_cast<const ZvBevelProperty*>(layer->getProperty());
-            return property != nullptr && property->style == BEVEL_INSIDE ? OVER : UNDER;
+            return property != nullptr && property->style == kBevelInside ? kOver : kUnder;
         }
         case ZV_EFFECT_EMBOSS:
-            return ACROSS;
+            return kAcross;
         case ZV_EFFECT_STROKE:
         case ZV_EFFECT_STROKE_OLD: {
             const auto* property = static_cast<const ZvStrokeProperty*>(layer->getProperty());
@@ -45,7 +46,7 @@ LayerPlace placeOf(ZvECore* layer) {
                                                      : static_cast<int>(ZV_STROKE_OUTSIDE));
         }
         default:
-            return OVER;
+            return kOver;
     }
 }
 

@@ -44,9 +44,9 @@ uint8_t* PictureStrip::at(int x, int y) const {
 }
 
 int stripRows(uint32_t width) {
-    constexpr uint32_t STRIP_PIXELS = 1 << 16;
-    constexpr uint32_t LEAST = 8, MOST = 64;
-    return static_cast<int>(std::clamp(STRIP_PIXELS / std::max(width, 1u), LEAST, MOST) / 8 * 8);
+    constexpr uint32_t kStripPixels = 1 << 16;
+    constexpr uint32_t kLeast = 8, kMost = 64;
+    return static_cast<int>(std::clamp(kStripPixels / std::max(width, 1u), kLeast, kMost) / 8 * 8);
 }
 
 void drawLayer(const ZvECore::ParamPostProcessing* param, std::unique_ptr<LayerRows> rows) {

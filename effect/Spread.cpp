@@ -26,9 +26,9 @@ bool makeDisc(int width, DilationParam* param, Buffer<uint8_t>* disc) {
 }  // namespace
 
 bool Spread::make(const ZvBitmap& mask, const ZvRect& box, int pixels) {
-    coverage_ = Buffer<uint8_t>();
-    box_ = ZvRect(box.left, box.top, box.left, box.top);
-    pixels = clampInt(pixels, -MAX_SPREAD, MAX_SPREAD);
+    mCoverage = Buffer<uint8_t>();
+    mBox = ZvRect(box.left, box.top, box.left, box.top);
+    pixels = clampInt(pixels, -kMaxSpread, kMaxSpread);
     const int64_t lost = 2 * std::max(-pixels, 0);
     if (int64_t{box.right} - box.left <= lost || int64_t{box.bottom} - box.top <= lost) return true;
     WorkingArea source, area;
@@ -37,13 +37,13 @@ bool Spread::make(const ZvBitmap& mask, const ZvRect& box, int pixels) {
     if (!plane.allocateZeroed(source.height, source.width)) return false;
     copyCoverage(mask, box, plane.get(), source.width);
     if (pixels == 0) {
-        coverage_ = std::move(plane);
+        mCoverage = std::move(plane);
     } else if (!dilateAround(plane.get(), source.width, source.height, pixels)) {
         return false;
     }
     const ZvRect widened = area.rect();
     const int inset = std::max(-pixels, 0);
-    box_ = ZvRect(widened.left + inset, widened.top + inset, widened.right - inset, widened.bottom - inset);
+    mBox = ZvRect(widened.left + inset, widened.top + inset, widened.right - inset, widened.bottom - inset);
     return true;
 }
 
@@ -65,7 +65,7 @@ bool Spread::dilateAround(const uint8_t* source, int width, int height, int pixe
     if (!dilate(param)) return false;
     const size_t count = static_cast<size_t>(param.targetHeight) * static_cast<size_t>(param.targetWidth);
     for (size_t i = 0; i < count; ++i) dilated[i] = static_cast<uint8_t>(dilated[i] ^ param.inverted);
-    coverage_ = std::move(dilated);
+    mCoverage = std::move(dilated);
     return true;
 }
 

@@ -11,7 +11,7 @@
 namespace Zvex {
 
 // The most that a text's coverage is widened or narrowed by, in pixels.
-constexpr int MAX_SPREAD = 100;
+constexpr int kMaxSpread = 100;
 
 // The coverage of a text, widened or narrowed by whole pixels.
 //
@@ -20,22 +20,22 @@ constexpr int MAX_SPREAD = 100;
 // coverage, everything outside the box being without coverage. Costs what a stroke costs.
 class Spread {
 public:
-    // Of the mask within the box, widened by `pixels`, or narrowed where that is negative; held to MAX_SPREAD
+    // Of the mask within the box, widened by `pixels`, or narrowed where that is negative; held to kMaxSpread
     // either way. What of the box lies outside the mask has no coverage. False, and nothing made, when memory
     // is short or the sizes do not fit ints. The mask is not read afterwards.
     bool make(const ZvBitmap& mask, const ZvRect& box, int pixels);
 
     // Where the coverage lies on the mask: the box grown by the pixels, with empty sides (right == left)
     // where it is narrowed to nothing.
-    const ZvRect& box() const { return box_; }
+    const ZvRect& box() const { return mBox; }
     // Its rows, packed, as wide as the box; null where that is empty.
-    uint8_t* coverage() const { return coverage_.get(); }
+    uint8_t* coverage() const { return mCoverage.get(); }
 
 private:
     bool dilateAround(const uint8_t* source, int width, int height, int pixels);
 
-    ZvRect box_;
-    Buffer<uint8_t> coverage_;
+    ZvRect mBox;
+    Buffer<uint8_t> mCoverage;
 };
 
 }  // namespace Zvex

@@ -31,7 +31,7 @@ public:
         uint8_t textAlpha;
     };
 
-    explicit StripDrawing(const Scene& scene) : scene_(scene) {}
+    explicit StripDrawing(const Scene& scene) : mScene(scene) {}
 
     // Has the layers make what needs the whole text. Without memory, and if it is not called, the picture
     // becomes transparent.
@@ -39,7 +39,7 @@ public:
     // Writes all pixels of the picture.
     void draw(PixelOrder order);
     // No pixel outside is drawn on.
-    const ZvRect& drawn() const { return drawn_; }
+    const ZvRect& drawn() const { return mDrawn; }
 
 private:
     // A layer's rows, on the front or the back picture or both.
@@ -54,9 +54,9 @@ private:
     void clearStrip(const PictureStrip& front, RowRange rows);
     void finishStrip(const PictureStrip& front, const PictureStrip& back, RowRange rows, PixelOrder order);
 
-    Scene scene_;
-    ZvRect drawn_;
-    std::unique_ptr<WaitingLayer[]> waiting_;  // as many as there are layers, or null
+    Scene mScene;
+    ZvRect mDrawn;
+    std::unique_ptr<WaitingLayer[]> mWaiting;  // as many as there are layers, or null
 };
 
 }  // namespace Zvex

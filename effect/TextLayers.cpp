@@ -92,7 +92,7 @@ ZvRect marginsOf(const TextLayer* layers, size_t count) {
     ZvRect margins;
     for (size_t i = 0; i < count; ++i) {
         const TextLayer& layer = layers[i];
-        const int64_t spread = std::clamp(layer.spread, 0, MAX_SPREAD);
+        const int64_t spread = std::clamp(layer.spread, 0, kMaxSpread);
         grow(&margins.left, layer.effect->getLeftOffset() + spread - layer.x);
         grow(&margins.top, layer.effect->getTopOffset() + spread - layer.y);
         grow(&margins.right, layer.effect->getRightOffset() + spread + layer.x);

@@ -23,7 +23,7 @@ namespace Zvex {
 
 namespace {
 
-constexpr char TAG[] = "ZvEffect";
+constexpr char kTag[] = "ZvEffect";
 
 int addHeld(int value, int length) {
     return static_cast<int>(std::min<int64_t>(int64_t{value} + length, INT_MAX));
@@ -42,7 +42,7 @@ void forget(std::vector<ZvECore*>& list, ZvECore* effect) {
 }  // namespace
 
 ZvEffect::ZvEffect() {
-    ZV_DEBUG_LOG(TAG, "ZvEffect(%p)", static_cast<void*>(this));
+    ZV_DEBUG_LOG(kTag, "ZvEffect(%p)", static_cast<void*>(this));
 }
 
 ZvEffect::ZvEffect(void*) {}
@@ -60,7 +60,7 @@ ZvEffect::ZvEffect(const ZvEffect& other)
 ZvEffect::~ZvEffect() {
     releaseEffect();
     releaseBitmap();
-    ZV_DEBUG_LOG(TAG, "~ZvEffect(%p)", static_cast<void*>(this));
+    ZV_DEBUG_LOG(kTag, "~ZvEffect(%p)", static_cast<void*>(this));
 }
 
 // --- Layers
@@ -216,7 +216,7 @@ int ZvEffect::addPatternText(ZvBitmap* bitmap, float scale, float opacity) {
 }
 
 int ZvEffect::addText(unsigned int color, float opacity) {
-    ZV_DEBUG_LOG(TAG, "AddText(%p) - (color:%d/opacity:%f)", static_cast<void*>(this),
+    ZV_DEBUG_LOG(kTag, "AddText(%p) - (color:%d/opacity:%f)", static_cast<void*>(this),
                  static_cast<int>(color), static_cast<double>(opacity));
     textAlpha = static_cast<uint8_t>(color >> 24);
     auto record = textArguments(color, opacity);
@@ -224,7 +224,7 @@ int ZvEffect::addText(unsigned int color, float opacity) {
 }
 
 int ZvEffect::addText(unsigned int color) {
-    ZV_DEBUG_LOG(TAG, "AddText(%p) - (color:%x)", static_cast<void*>(this), color);
+    ZV_DEBUG_LOG(kTag, "AddText(%p) - (color:%x)", static_cast<void*>(this), color);
     textAlpha = static_cast<uint8_t>(color >> 24);
     auto record = opaqueTextArguments(color);
     return addEffect(ZV_EFFECT_TEXT, &record);
@@ -299,13 +299,13 @@ void ZvEffect::initPicture(ZvBitmap* out) {
     beginRendering(clampToSize(INT_MAX, out->width), clampToSize(INT_MAX, out->height),
                    strips ? MaskPixels::Unset : MaskPixels::Zeroed);
     dst = out;
-    inStrips = strips;
-    pictureIsUnset = true;
+    mInStrips = strips;
+    mPictureIsUnset = true;
     if (!strips) clearUnsetPicture();  // other layers may draw at any time
 }
 
 void ZvEffect::beginRendering(int width, int height, MaskPixels maskPixels) {
-    ZV_DEBUG_LOG(TAG, "InitEffect(%p)", static_cast<void*>(this));
+    ZV_DEBUG_LOG(kTag, "InitEffect(%p)", static_cast<void*>(this));
     layers = effects;
     const bool twoLayers =
         textOpacity < 1.0f ||
@@ -316,10 +316,10 @@ void ZvEffect::beginRendering(int width, int height, MaskPixels maskPixels) {
     if (textRectReset) textRect = ZvRect();  // an earlier rendering's box says nothing about this one
     const unsigned int bitmapWidth = static_cast<unsigned int>(std::max(width, 0));
     const unsigned int bitmapHeight = static_cast<unsigned int>(std::max(height, 0));
-    maskTop = maskBottom = 0;
+    mMaskTop = mMaskBottom = 0;
     if (maskPixels == MaskPixels::Unset) {
         mask = tryMake<ZvBitmap>(bitmapWidth, bitmapHeight, 1u, ZvBitmap::Unset::Pixels).release();
-        partialMask = mask;
+        mPartialMask = mask;
     } else {
         mask = tryMake<ZvBitmap>(bitmapWidth, bitmapHeight, 1u).release();
         if (twoLayers) back = tryMake<ZvBitmap>(bitmapWidth, bitmapHeight, 4u).release();
@@ -385,33 +385,33 @@ void ZvEffect::clearMask(int top, int bottom) {
 }
 
 bool ZvEffect::isMaskPartial() const {
-    return mask != nullptr && mask == partialMask && mask->pixels != nullptr;
+    return mask != nullptr && mask == mPartialMask && mask->pixels != nullptr;
 }
 
 void ZvEffect::clearMaskRows() {
     if (!isMaskPartial()) return;
     const int top = clampToSize(textRect.top, mask->height);
     const int bottom = clampToSize(addHeld(textRect.bottom, 1), mask->height);
-    if (maskTop >= maskBottom) maskTop = maskBottom = top;
-    clearMask(top, maskTop);
-    clearMask(maskBottom, bottom);
-    maskTop = std::min(maskTop, top);
-    maskBottom = std::max(maskBottom, bottom);
+    if (mMaskTop >= mMaskBottom) mMaskTop = mMaskBottom = top;
+    clearMask(top, mMaskTop);
+    clearMask(mMaskBottom, bottom);
+    mMaskTop = std::min(mMaskTop, top);
+    mMaskBottom = std::max(mMaskBottom, bottom);
 }
 
 void ZvEffect::leaveStrips() {
-    inStrips = false;
+    mInStrips = false;
     if (isMaskPartial()) {
-        clearMask(0, maskTop);
-        clearMask(maskBottom, clampToSize(INT_MAX, mask->height));
+        clearMask(0, mMaskTop);
+        clearMask(mMaskBottom, clampToSize(INT_MAX, mask->height));
     }
-    partialMask = nullptr;
+    mPartialMask = nullptr;
 }
 
 void ZvEffect::clearUnsetPicture() {
-    if (pictureIsUnset && dst != nullptr && dst->pixels != nullptr)
+    if (mPictureIsUnset && dst != nullptr && dst->pixels != nullptr)
         std::memset(dst->pixels, 0, dst->byteCount());
-    pictureIsUnset = false;
+    mPictureIsUnset = false;
 }
 
 // Whether there is anything to draw.
@@ -423,7 +423,7 @@ bool ZvEffect::clipTextRect() {
 }
 
 void ZvEffect::doEffectPostProcessing() {
-    ZV_DEBUG_LOG(TAG, "DoEffectPostProcessing(%p) - start", static_cast<void*>(this));
+    ZV_DEBUG_LOG(kTag, "DoEffectPostProcessing(%p) - start", static_cast<void*>(this));
     leaveStrips();
     clearUnsetPicture();
     if (layerMode == 1 && back == nullptr && mask != nullptr) {
@@ -442,11 +442,11 @@ void ZvEffect::doEffectPostProcessing() {
             param.overLayers = true;
         }
     }
-    ZV_DEBUG_LOG(TAG, "DoEffectPostProcessing(%p) - end", static_cast<void*>(this));
+    ZV_DEBUG_LOG(kTag, "DoEffectPostProcessing(%p) - end", static_cast<void*>(this));
 }
 
 bool ZvEffect::drawsInStrips() const {
-    return inStrips && mask != nullptr && mask->bytesPerPixel == 1 && mask->width == dst->width &&
+    return mInStrips && mask != nullptr && mask->bytesPerPixel == 1 && mask->width == dst->width &&
            mask->height == dst->height && dst->pixels != nullptr && dst->bytesPerPixel == 4 &&
            std::all_of(layers.begin(), layers.end(), isBuiltInLayer);
 }
@@ -466,7 +466,7 @@ ZvRect ZvEffect::drawWhole(PixelOrder order) {
 }
 
 ZvRect ZvEffect::drawInStrips(PixelOrder order) {
-    ZV_DEBUG_LOG(TAG, "DoEffectPostProcessing(%p) - start", static_cast<void*>(this));
+    ZV_DEBUG_LOG(kTag, "DoEffectPostProcessing(%p) - start", static_cast<void*>(this));
     ZvRect drawn;
     {
         StripDrawing drawing({layers, *dst, *mask, textRect, layerMode == 1, textAlpha});
@@ -474,25 +474,25 @@ ZvRect ZvEffect::drawInStrips(PixelOrder order) {
         // then.
         clearMaskRows();
         if (clipTextRect() && mask->pixels != nullptr) drawing.prepare();
-        ZV_DEBUG_LOG(TAG, "DoEffectPostProcessing(%p) - end", static_cast<void*>(this));
+        ZV_DEBUG_LOG(kTag, "DoEffectPostProcessing(%p) - end", static_cast<void*>(this));
 
-        ZV_DEBUG_LOG(TAG, "CompositeLayers(%p) - start", static_cast<void*>(this));
+        ZV_DEBUG_LOG(kTag, "CompositeLayers(%p) - start", static_cast<void*>(this));
         drawing.draw(order);
         drawn = drawing.drawn();
     }
     releaseBitmap();
     layerMode = 0;
-    ZV_DEBUG_LOG(TAG, "CompositeLayers(%p) - end", static_cast<void*>(this));
+    ZV_DEBUG_LOG(kTag, "CompositeLayers(%p) - end", static_cast<void*>(this));
     return drawn;
 }
 
 void ZvEffect::compositeLayers(ZvBitmap* out) {
-    ZV_DEBUG_LOG(TAG, "CompositeLayers(%p) - start", static_cast<void*>(this));
+    ZV_DEBUG_LOG(kTag, "CompositeLayers(%p) - start", static_cast<void*>(this));
     if (layerMode == 1) mergeBackLayer(out, back, mask);
     finishPicture(out, textAlpha);
     releaseBitmap();
     layerMode = 0;
-    ZV_DEBUG_LOG(TAG, "CompositeLayers(%p) - end", static_cast<void*>(this));
+    ZV_DEBUG_LOG(kTag, "CompositeLayers(%p) - end", static_cast<void*>(this));
 }
 
 void ZvEffect::releaseBitmap() {
@@ -500,7 +500,7 @@ void ZvEffect::releaseBitmap() {
     delete back;
     mask = nullptr;
     back = nullptr;
-    partialMask = nullptr;
+    mPartialMask = nullptr;
     setDstBitmap(nullptr);
 }
 
@@ -514,8 +514,8 @@ ZvBitmap* ZvEffect::getSrcBitmap() {
 }
 
 void ZvEffect::setSrcBitmap(ZvBitmap* bitmap) {
-    inStrips = false;
-    partialMask = nullptr;
+    mInStrips = false;
+    mPartialMask = nullptr;
     mask = bitmap;
 }
 
@@ -526,7 +526,7 @@ ZvBitmap* ZvEffect::getDstBitmap() {
 void ZvEffect::setDstBitmap(ZvBitmap* bitmap) {
     leaveStrips();
     dst = bitmap;
-    pictureIsUnset = false;
+    mPictureIsUnset = false;
 }
 
 }  // namespace Zvex

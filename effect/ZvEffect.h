@@ -209,11 +209,11 @@ private:
     ZvRect drawInStrips(PixelOrder order);
     ZvRect drawWhole(PixelOrder order);
 
-    bool inStrips = false;        // from initPicture on, while nothing asks for whole pictures
-    bool pictureIsUnset = false;  // dst holds anything, and is to be cleared
-    const ZvBitmap* partialMask =
+    bool mInStrips = false;        // from initPicture on, while nothing asks for whole pictures
+    bool mPictureIsUnset = false;  // dst holds anything, and is to be cleared
+    const ZvBitmap* mPartialMask =
         nullptr;  // while it is the mask, its rows below are zeroed or drawn, no others
-    int maskTop = 0, maskBottom = 0;
+    int mMaskTop = 0, mMaskBottom = 0;
 };
 
 }  // namespace Zvex

@@ -47,11 +47,11 @@ int hundredths(float value) {
     return truncateToInt(static_cast<double>(value) * 100.0);
 }
 
-constexpr int STOP_LENGTH = 10;  // announced for a stop; a colour and a small integer, 9 bytes, are written
+constexpr int kStopLength = 10;  // announced for a stop; a colour and a small integer, 9 bytes, are written
 
 // Held where `fixed` bytes and the stops still fit an int.
 int countedStops(int count, int fixed) {
-    return clampInt(count, 0, (INT_MAX - fixed) / STOP_LENGTH);
+    return clampInt(count, 0, (INT_MAX - fixed) / kStopLength);
 }
 
 void writeStops(KeyWriter& key, const ZvGradient* stops, int count) {
@@ -70,23 +70,23 @@ int writeShadow(char** cursor, char tag, const ZvShadowProperty& shadow) {
     return 1;
 }
 
-constexpr int GLOW_LENGTH = 10;
+constexpr int kGlowLength = 10;
 
 int writeGlow(char** cursor, char tag, const ZvGlowProperty& glow) {
     KeyWriter key(cursor, tag);
     key.small(glow.size);
     key.color(glow.color);
-    writeStops(key, glow.stops, countedStops(glow.count, GLOW_LENGTH));
+    writeStops(key, glow.stops, countedStops(glow.count, kGlowLength));
     return 1;
 }
 
-constexpr int GRADIENT_LENGTH = 5;
+constexpr int kGradientLength = 5;
 
 int writeGradient(char** cursor, char tag, const ZvGradientFillProperty& gradient) {
     KeyWriter key(cursor, tag);
     key.angle(gradient.angle);
     key.byteValue(hundredths(gradient.scale));
-    writeStops(key, gradient.stops, countedStops(gradient.count, GRADIENT_LENGTH));
+    writeStops(key, gradient.stops, countedStops(gradient.count, kGradientLength));
     return 1;
 }
 
@@ -168,7 +168,7 @@ ZvGlowProperty::ZvGlowProperty(float size_, unsigned int color_, float opacity_,
     : ZvProperty(color_, opacity_), size(size_), count(count_), stops(stops_) {}
 
 int ZvGlowProperty::getSequentialCharLength() {
-    return GLOW_LENGTH + STOP_LENGTH * countedStops(count, GLOW_LENGTH);
+    return kGlowLength + kStopLength * countedStops(count, kGlowLength);
 }
 
 ZvOuterGlowProperty::ZvOuterGlowProperty(float size_, unsigned int color_, float opacity_, int count_,
@@ -196,7 +196,7 @@ ZvGradientFillProperty::ZvGradientFillProperty(float angle_, float scale_, float
       stops(stops_) {}
 
 int ZvGradientFillProperty::getSequentialCharLength() {
-    return GRADIENT_LENGTH + STOP_LENGTH * countedStops(count, GRADIENT_LENGTH);
+    return kGradientLength + kStopLength * countedStops(count, kGradientLength);
 }
 
 ZvLinearGradientProperty::ZvLinearGradientProperty(float angle_, float scale_, float opacity_, int count_,

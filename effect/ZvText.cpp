@@ -25,66 +25,66 @@ constexpr char kTag[] = "Blender";
 class TextRows : public LayerRows {
 public:
     TextRows(const ZvECore::ParamPostProcessing& param, uint32_t color)
-        : mask_(*param.mask),
-          covered_(pictureRect(param.mask->width, param.mask->height)),
-          drawn_(pictureRect(param.target->width, param.target->height)),
-          single_(param.layerMode != 1),
-          cuts_(single_ && param.overLayers),
-          color_(color) {
+        : mMask(*param.mask),
+          mCovered(pictureRect(param.mask->width, param.mask->height)),
+          mDrawn(pictureRect(param.target->width, param.target->height)),
+          mSingle(param.layerMode != 1),
+          mCuts(mSingle && param.overLayers),
+          mColor(color) {
         if (param.drawnArea == nullptr || param.textRect == nullptr) return;
-        covered_ = intersected(covered_, *param.textRect);
-        drawn_ = intersected(drawn_, *param.drawnArea);
+        mCovered = intersected(mCovered, *param.textRect);
+        mDrawn = intersected(mDrawn, *param.drawnArea);
     }
 
     void draw(RowRange rows, const PictureStrip& target, const PictureStrip*) override {
-        if (cuts_) {
+        if (mCuts) {
             cutRows(rows, target);
         } else {
             fillRows(rows, target);
         }
     }
-    ZvRect reach() const override { return cuts_ ? drawn_ : covered_; }
+    ZvRect reach() const override { return mCuts ? mDrawn : mCovered; }
 
 private:
     const uint8_t* coverageAt(int x, int y) const {
-        return mask_.pixels + static_cast<size_t>(y) * mask_.width + x;
+        return mMask.pixels + static_cast<size_t>(y) * mMask.width + x;
     }
 
     void cutRows(RowRange rows, const PictureStrip& target) const {
-        const RowRange part = rows.within(0, drawn_.bottom);
-        const int begin = std::clamp(covered_.left, drawn_.left, drawn_.right);
-        const int end = std::clamp(covered_.right, begin, drawn_.right);
+        const RowRange part = rows.within(0, mDrawn.bottom);
+        const int begin = std::clamp(mCovered.left, mDrawn.left, mDrawn.right);
+        const int end = std::clamp(mCovered.right, begin, mDrawn.right);
         const auto clear = [](uint8_t* row, int from, int to) {
             std::memset(row + ptrdiff_t{from} * 4, 0, static_cast<size_t>(to - from) * 4);
         };
-        for (int y = std::max(part.begin, drawn_.top); y < part.end; ++y) {
+        for (int y = std::max(part.begin, mDrawn.top); y < part.end; ++y) {
             uint8_t* row = target.at(0, y);
-            if (y < covered_.top || y >= covered_.bottom) {
-                clear(row, drawn_.left, drawn_.right);
+            if (y < mCovered.top || y >= mCovered.bottom) {
+                clear(row, mDrawn.left, mDrawn.right);
                 continue;
             }
-            clear(row, drawn_.left, begin);
+            clear(row, mDrawn.left, begin);
             cutRowToGlyphs(row + ptrdiff_t{begin} * 4, coverageAt(begin, y), static_cast<size_t>(end - begin),
-                           color_);
-            clear(row, end, drawn_.right);
+                           mColor);
+            clear(row, end, mDrawn.right);
         }
     }
 
     void fillRows(RowRange rows, const PictureStrip& target) const {
-        const RowRange part = rows.within(covered_.top, heightOf(covered_));
-        if (part.count() <= 0 || covered_.left >= covered_.right) return;
-        const int y = covered_.top + part.begin;
-        const auto blend = single_ ? ZvBlender::blendDstOverSA8To32 : ZvBlender::blendDstOver8To32NSA;
-        blend(covered_.left, y - target.top, &target, coverageAt(covered_.left, y), widthOf(covered_),
-              part.count(), static_cast<int>(mask_.width), color_);
+        const RowRange part = rows.within(mCovered.top, heightOf(mCovered));
+        if (part.count() <= 0 || mCovered.left >= mCovered.right) return;
+        const int y = mCovered.top + part.begin;
+        const auto blend = mSingle ? ZvBlender::blendDstOverSA8To32 : ZvBlender::blendDstOver8To32NSA;
+        blend(mCovered.left, y - target.top, &target, coverageAt(mCovered.left, y), widthOf(mCovered),
+              part.count(), static_cast<int>(mMask.width), mColor);
     }
 
-    const ZvBitmap& mask_;
-    ZvRect covered_;  // outside of it is no coverage
-    ZvRect drawn_;    // outside of it the target is transparent, or none
-    bool single_;     // picture: the coverage counts, not only whether there is any
-    bool cuts_;
-    uint32_t color_;
+    const ZvBitmap& mMask;
+    ZvRect mCovered;  // outside of it is no coverage
+    ZvRect mDrawn;    // outside of it the target is transparent, or none
+    bool mSingle;     // picture: the coverage counts, not only whether there is any
+    bool mCuts;
+    uint32_t mColor;
 };
 
 }  // namespace

@@ -15,7 +15,7 @@
 
 namespace {
 
-constexpr int WIDTH = 96, HEIGHT = 64;
+constexpr int kWidth = 96, kHeight = 64;
 
 uint32_t readBig(const std::string& file, size_t at, size_t count) {
     uint32_t value = 0;
@@ -61,7 +61,7 @@ std::string damaged(const std::string& original, fuzz::Input& input) {
 
 // Damage to the units of an em makes glyphs of many million pixels, up to the limit. They take the time of
 // those, with the sanitizers ten times as much, and run through the same code.
-constexpr uint64_t LARGE = 4'000'000;
+constexpr uint64_t kLarge = 4'000'000;
 
 uint64_t pixelsOf(const host::InkBox& box) {
     return static_cast<uint64_t>(box.right - box.left) * static_cast<uint64_t>(box.bottom - box.top);
@@ -73,7 +73,7 @@ bool drawsLarge(const std::string& file, const host::GlyphStyle& style) {
     for (uint32_t glyph = 0; face != nullptr && glyph < std::min(face->glyphCount(), 200u); ++glyph) {
         pixels += pixelsOf(face->inkBox(glyph, style));
     }
-    return pixels > LARGE;
+    return pixels > kLarge;
 }
 
 void askFace(const std::string& file, const host::GlyphStyle& style, fuzz::Input& input) {
@@ -87,13 +87,13 @@ void askFace(const std::string& file, const host::GlyphStyle& style, fuzz::Input
         face->advance(glyph, style);
         const host::InkBox box = face->inkBox(glyph, style);
         const int quarterX = input.byte() % 4;
-        if (pixelsOf(box) <= LARGE) {
+        if (pixelsOf(box) <= kLarge) {
             const auto image = face->image(glyph, style, quarterX);
-            FUZZ_CHECK(image->coverage.size() ==
-                       static_cast<size_t>(image->width) * static_cast<size_t>(image->height));
+            ZVEX_FUZZ_CHECK(image->coverage.size() ==
+                            static_cast<size_t>(image->width) * static_cast<size_t>(image->height));
         }
-        FUZZ_CHECK(box.right - box.left <= host::kMaxGlyphSide &&
-                   box.bottom - box.top <= host::kMaxGlyphSide);
+        ZVEX_FUZZ_CHECK(box.right - box.left <= host::kMaxGlyphSide &&
+                        box.bottom - box.top <= host::kMaxGlyphSide);
         face->covers(input.word() % 0x20000);
         face->coversVariation(input.word() % 0x20000, 0xFE00 + input.byte() % 16);
     }
@@ -104,7 +104,7 @@ std::vector<uint32_t> render(const std::string& file, const std::wstring& text, 
     std::vector<uint32_t> picture;
     {
         Zvex::ZvTextObject object;
-        FUZZ_CHECK(object.Construct());
+        ZVEX_FUZZ_CHECK(object.Construct());
         char* buffer = new char[file.size()];
         std::copy(file.begin(), file.end(), buffer);
         object.SetFont("damaged", buffer, static_cast<unsigned>(file.size()));
@@ -128,12 +128,12 @@ std::vector<uint32_t> render(const std::string& file, const std::wstring& text, 
             lines.Add(line);
         }
         object.SetLineInfo(&lines);
-        object.GetView()->SetSize(WIDTH, HEIGHT);
-        object.GetView()->SetBitmapWidth(WIDTH);
-        object.GetView()->SetBitmapHeight(HEIGHT);
-        const uint32_t* pixels = object.RenderTextEffect(WIDTH, HEIGHT);
-        FUZZ_CHECK(pixels != nullptr);
-        picture.assign(pixels, pixels + WIDTH * HEIGHT);
+        object.GetView()->SetSize(kWidth, kHeight);
+        object.GetView()->SetBitmapWidth(kWidth);
+        object.GetView()->SetBitmapHeight(kHeight);
+        const uint32_t* pixels = object.RenderTextEffect(kWidth, kHeight);
+        ZVEX_FUZZ_CHECK(pixels != nullptr);
+        picture.assign(pixels, pixels + kWidth * kHeight);
     }
     Zvex::FontManager::GetInstance()->ClearFontMaps();
     host::clearGlyphCache();
@@ -154,9 +154,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     style.antiAlias = flags / 2 % 4 != 0;
     style.subpixel = flags / 8 % 2 != 0;
     style.skewX = flags / 16 % 4 == 0 ? -0.25f : 0.0f;
-    static const char* const FEATURES[] = {
+    static const char* const kFeatures[] = {
         "", "", "", "liga, dlig, calt", "smcp, ss01", "-kern, frac", "salt=2, aalt"};
-    const std::string features = FEATURES[input.byte() % 7];
+    const std::string features = kFeatures[input.byte() % 7];
     std::wstring text;
     for (int i = input.between(0, 24); i > 0; --i) {
         const uint8_t byte = input.byte();
@@ -172,7 +172,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     }
     if (asked % 4 != 0 && !drawsLarge(file, style)) {
         const std::vector<uint32_t> picture = render(file, text, style, features);
-        if (asked % 8 == 1) FUZZ_CHECK(render(file, text, style, features) == picture);
+        if (asked % 8 == 1) ZVEX_FUZZ_CHECK(render(file, text, style, features) == picture);
     }
     return 0;
 }

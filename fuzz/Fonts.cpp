@@ -19,7 +19,7 @@ struct Source {
     const char32_t* characters;
 };
 
-constexpr Source SOURCES[] = {
+constexpr Source kSources[] = {
     {"/usr/share/fonts/truetype/dejavu/DejaVuSans-Bold.ttf", 0,
      U"AVfix.e\u0301\u0308\u0327 \u00E9\u05D0\u05B8\u0628\u0644"},
     {"/usr/share/fonts/truetype/noto/NotoNaskhArabic-Regular.ttf", 0,
@@ -36,8 +36,9 @@ constexpr Source SOURCES[] = {
 
 // Its own table says where the axes of the variable font stand.
 void setAxes(hb_face_t* face) {
-    static constexpr char VALUES[] = "wght\x02\x8A\x00\x00slnt\xFF\xFC\x00\x00";
-    hb_blob_t* table = hb_blob_create(VALUES, sizeof(VALUES) - 1, HB_MEMORY_MODE_READONLY, nullptr, nullptr);
+    static constexpr char kValues[] = "wght\x02\x8A\x00\x00slnt\xFF\xFC\x00\x00";
+    hb_blob_t* table =
+        hb_blob_create(kValues, sizeof(kValues) - 1, HB_MEMORY_MODE_READONLY, nullptr, nullptr);
     hb_face_builder_add_table(face, host::kAxesTable, table);
     hb_blob_destroy(table);
 }
@@ -73,7 +74,7 @@ std::string subset(const Source& source) {
 const std::vector<Font>& fonts() {
     static const auto* const all = [] {
         auto* made = new std::vector<Font>;
-        for (const Source& source : SOURCES) {
+        for (const Source& source : kSources) {
             const std::string bytes = subset(source);
             const bool opens = host::FontFace::open(bytes.data(), bytes.size(), 0) != nullptr;
             if (opens) made->push_back({source.path, bytes, source.characters});

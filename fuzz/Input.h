@@ -17,7 +17,7 @@
 // The entry of a target. Returns 0.
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size);
 
-#define FUZZ_CHECK(condition)                                                                   \
+#define ZVEX_FUZZ_CHECK(condition)                                                              \
     do {                                                                                        \
         if (!(condition)) {                                                                     \
             std::fprintf(stderr, "%s:%d: does not hold: %s\n", __FILE__, __LINE__, #condition); \
@@ -53,17 +53,17 @@ public:
         const uint32_t value = range == 0 ? word() : (range <= 256 ? byte() : word()) % range;
         return static_cast<int>(static_cast<int64_t>(first) + value);
     }
-    template <typename Value, size_t COUNT>
-    const Value& pick(const Value (&values)[COUNT]) {
-        return values[byte() % COUNT];
+    template <typename Value, size_t kCount>
+    const Value& pick(const Value (&values)[kCount]) {
+        return values[byte() % kCount];
     }
 
     // Any int: small ones mostly, the ends of the range, any bits.
     int integer() {
-        static constexpr int ENDS[] = {INT_MIN, INT_MIN + 1, -65536, -32769, 32768,       65535,
-                                       65536,   1 << 24,     -1,     256,    INT_MAX - 1, INT_MAX};
+        static constexpr int kEnds[] = {INT_MIN, INT_MIN + 1, -65536, -32769, 32768,       65535,
+                                        65536,   1 << 24,     -1,     256,    INT_MAX - 1, INT_MAX};
         const uint8_t kind = byte();
-        if (kind < 12) return ENDS[kind];
+        if (kind < 12) return kEnds[kind];
         if (kind >= 32) return int{kind} - 96;
         const auto bits = static_cast<int>(word() & INT_MAX);
         return flag() ? -bits : bits;
@@ -71,21 +71,21 @@ public:
 
     // Any float: usual ones mostly, those without a use, any bits.
     float number() {
-        static constexpr float INFINITE = std::numeric_limits<float>::infinity();
-        static constexpr float ODD[] = {std::numeric_limits<float>::quiet_NaN(),
-                                        INFINITE,
-                                        -INFINITE,
-                                        FLT_MAX,
-                                        -FLT_MAX,
-                                        FLT_MIN / 4,
-                                        -0.0f,
-                                        2147483648.0f,
-                                        -2147483904.0f,
-                                        1e9f,
-                                        65536.0f,
-                                        0.99999994f};
+        static constexpr float kInfinite = std::numeric_limits<float>::infinity();
+        static constexpr float kOdd[] = {std::numeric_limits<float>::quiet_NaN(),
+                                         kInfinite,
+                                         -kInfinite,
+                                         FLT_MAX,
+                                         -FLT_MAX,
+                                         FLT_MIN / 4,
+                                         -0.0f,
+                                         2147483648.0f,
+                                         -2147483904.0f,
+                                         1e9f,
+                                         65536.0f,
+                                         0.99999994f};
         const uint8_t kind = byte();
-        if (kind < 12) return ODD[kind];
+        if (kind < 12) return kOdd[kind];
         if (kind < 32) {
             const uint32_t bits = word();
             float value;

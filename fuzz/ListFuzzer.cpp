@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // The list's operations in any order against a vector, with the error code that each step leaves. A position
-// is the index it stands on, or PAST_END. Of several positions on a removed element only the one in the
+// is the index it stands on, or kPastEnd. Of several positions on a removed element only the one in the
 // lowest of the ten slots moves on; RemoveAll takes the slots but leaves the positions past the end until
 // they are ended.
 #include "foundation/List.h"
@@ -15,7 +15,7 @@ namespace {
 
 using Zvex::List;
 
-constexpr int PAST_END = -1;
+constexpr int kPastEnd = -1;
 
 // Elements are never followed, so small numbers do.
 void* item(uintptr_t value) {
@@ -24,7 +24,7 @@ void* item(uintptr_t value) {
 
 class ListAndModel {
 public:
-    ListAndModel() { FUZZ_CHECK(mList.Construct() == 1); }
+    ListAndModel() { ZVEX_FUZZ_CHECK(mList.Construct() == 1); }
 
     void step(fuzz::Input& input) {
         const int kind = input.between(0, 19);
@@ -38,7 +38,7 @@ public:
         } else {
             movePositions(kind, index);
         }
-        FUZZ_CHECK(Zvex::Error::GetError() == mCode);
+        ZVEX_FUZZ_CHECK(Zvex::Error::GetError() == mCode);
         compare(index, value);
     }
 
@@ -50,7 +50,7 @@ private:
     };
 
     int count() const { return static_cast<int>(mModel.size()); }
-    int first() const { return mModel.empty() ? PAST_END : 0; }
+    int first() const { return mModel.empty() ? kPastEnd : 0; }
     bool within(int index) const { return index >= 0 && index < count(); }
     int find(uintptr_t value) const {
         const auto found = std::find(mModel.begin(), mModel.end(), value);
@@ -58,7 +58,7 @@ private:
     }
     void expectResult(int result, unsigned long code) {
         mCode = code;
-        FUZZ_CHECK(result == (code == 0 ? 1 : 0));
+        ZVEX_FUZZ_CHECK(result == (code == 0 ? 1 : 0));
     }
 
     void removeAt(int index) {
@@ -72,7 +72,7 @@ private:
             if (p.index > index) {
                 --p.index;
             } else if (p.index == index) {
-                p.index = &p == lowest && index < count() ? index : PAST_END;
+                p.index = &p == lowest && index < count() ? index : kPastEnd;
             }
         }
     }
@@ -119,14 +119,14 @@ private:
         const int slot = static_cast<int>(std::find(used, used + 10, false) - used);
         const long number = mList.BeginTraversal();
         if (slot == 10) mCode = Zvex::ZV_ERROR_TOO_MANY_POSITIONS;
-        FUZZ_CHECK(slot == 10 ? number == -1 : number > 0);
+        ZVEX_FUZZ_CHECK(slot == 10 ? number == -1 : number > 0);
         if (slot < 10) mOpen.push_back({number, first(), slot});
     }
 
     void movePositions(int kind, int index) {
         if (kind <= 11 || mPosition == nullptr) return mOpen.size() < 40 ? begin() : void();
         Position& p = *mPosition;
-        const bool pastEnd = p.index == PAST_END;
+        const bool pastEnd = p.index == kPastEnd;
         switch (kind) {
             case 12:
                 expectResult(mList.EndTraversal(p.number), 0);
@@ -136,7 +136,7 @@ private:
             case 14:  // a step from past the end fails and goes on from the other end
                 expectResult(mList.NextData(p.number),
                              pastEnd ? Zvex::ZV_ERROR_NOT_FOUND : Zvex::ZV_ERROR_NONE);
-                p.index = pastEnd ? first() : p.index + 1 < count() ? p.index + 1 : PAST_END;
+                p.index = pastEnd ? first() : p.index + 1 < count() ? p.index + 1 : kPastEnd;
                 break;
             case 15:
                 expectResult(mList.PrevData(p.number),
@@ -166,13 +166,14 @@ private:
     }
 
     void compare(int index, uintptr_t value) {
-        FUZZ_CHECK(mList.GetCount() == count());
-        FUZZ_CHECK(mList.GetIndex(item(value)) == find(value));
-        FUZZ_CHECK(mList.IsContained(item(value)) == (find(value) >= 0 ? 1 : 0));
-        FUZZ_CHECK(mList.Get(index) == (within(index) ? item(mModel[static_cast<size_t>(index)]) : nullptr));
+        ZVEX_FUZZ_CHECK(mList.GetCount() == count());
+        ZVEX_FUZZ_CHECK(mList.GetIndex(item(value)) == find(value));
+        ZVEX_FUZZ_CHECK(mList.IsContained(item(value)) == (find(value) >= 0 ? 1 : 0));
+        ZVEX_FUZZ_CHECK(mList.Get(index) ==
+                        (within(index) ? item(mModel[static_cast<size_t>(index)]) : nullptr));
         for (const Position& p : mOpen) {
-            FUZZ_CHECK(mList.GetData(p.number) ==
-                       (p.index == PAST_END ? nullptr : item(mModel[static_cast<size_t>(p.index)])));
+            ZVEX_FUZZ_CHECK(mList.GetData(p.number) ==
+                            (p.index == kPastEnd ? nullptr : item(mModel[static_cast<size_t>(p.index)])));
         }
     }
 

@@ -21,7 +21,7 @@ namespace {
 
 using namespace Zvex;
 
-constexpr int64_t MOST_PIXELS = 220 * 220;
+constexpr int64_t kMostPixels = 220 * 220;
 
 // Each by its name.
 void addFonts() {
@@ -29,11 +29,12 @@ void addFonts() {
         char* buffer = new char[font.bytes.size()];
         std::copy(font.bytes.begin(), font.bytes.end(), buffer);
         const auto size = static_cast<unsigned>(font.bytes.size());
-        FUZZ_CHECK(FontManager::GetInstance()->AddMinikinFont(font.name.c_str(), buffer, size, 0, false));
+        ZVEX_FUZZ_CHECK(
+            FontManager::GetInstance()->AddMinikinFont(font.name.c_str(), buffer, size, 0, false));
     }
 }
 
-constexpr unsigned ALL_FAMILIES = 0xFF;
+constexpr unsigned kAllFamilies = 0xFF;
 
 // The fonts whose bits are set, each a family of the system's.
 void setFamilies(unsigned wanted) {
@@ -96,9 +97,9 @@ float readSize(fuzz::Input& input, float most) {
 
 // One thing at a time, so that a picture kept for another paint is seen.
 void changePaint(fuzz::Input& input, android::Paint& paint) {
-    static const char* const FEATURES[] = {"", "liga, -kern", "smcp, c2sc=1",
-                                           "\"aalt\" 2, x,,=", "-liga[2:4], frac"};
-    static const char* const LOCALES[] = {"", "ja", "und-Arab,de-CH"};
+    static const char* const kFeatures[] = {"", "liga, -kern", "smcp, c2sc=1",
+                                            "\"aalt\" 2, x,,=", "-liga[2:4], frac"};
+    static const char* const kLocales[] = {"", "ja", "und-Arab,de-CH"};
     switch (input.between(0, 7)) {
         case 0:
             paint.setTextSize(readSize(input, 90));
@@ -119,10 +120,10 @@ void changePaint(fuzz::Input& input, android::Paint& paint) {
             paint.setLetterSpacing(readSize(input, 4));
             break;
         case 6:
-            paint.setFontFeatureSettings(input.pick(FEATURES));
+            paint.setFontFeatureSettings(input.pick(kFeatures));
             break;
         default:
-            paint.setMinikinLocaleListId(minikin::registerLocaleList(input.pick(LOCALES)));
+            paint.setMinikinLocaleListId(minikin::registerLocaleList(input.pick(kLocales)));
     }
 }
 
@@ -156,7 +157,7 @@ void tellLines(ZvTextObject& object, const std::vector<ZvLineInfo>& lines) {
     List list;
     list.Construct();
     for (const ZvLineInfo& line : lines) list.Add(new ZvLineInfo(line));
-    FUZZ_CHECK(object.SetLineInfo(&list));
+    ZVEX_FUZZ_CHECK(object.SetLineInfo(&list));
 }
 
 void addEffect(ZvEffect& effect, fuzz::Input& input) {
@@ -171,10 +172,10 @@ void addEffect(ZvEffect& effect, fuzz::Input& input) {
     s.style = s.technique = input.between(0, 3), s.position = s.direction = input.between(0, 2);
     s.stops = {{s.color, s.opacity, 0}, {s.highlight, 1, s.highlightOpacity}};
     input.fill(s.pattern.pixels, s.pattern.byteCount());
-    const int kind = input.between(0, LAYER_KINDS);
-    if (kind < LAYER_KINDS - 1) {
-        s.addTo(effect, LAYER_TYPES[kind]);
-    } else if (kind == LAYER_KINDS) {
+    const int kind = input.between(0, kLayerKinds);
+    if (kind < kLayerKinds - 1) {
+        s.addTo(effect, kLayerTypes[kind]);
+    } else if (kind == kLayerKinds) {
         effect.setTextOpacity(s.size);
     } else {
         effect.removeEffect(s.style);
@@ -190,8 +191,8 @@ Size sizeOf(const Told& told, ZvEffect& effect) {
         int64_t{told.width} + effect.getLeftOffset() + effect.getRightOffset() + told.extraWidth;
     const int64_t height =
         int64_t{told.height} + effect.getTopOffset() + effect.getBottomOffset() + told.extraHeight;
-    if (width < -9 || height < -9 || width > MOST_PIXELS || height > MOST_PIXELS ||
-        width * height > MOST_PIXELS)
+    if (width < -9 || height < -9 || width > kMostPixels || height > kMostPixels ||
+        width * height > kMostPixels)
         return {};
     return {static_cast<int>(width), static_cast<int>(height)};
 }
@@ -206,7 +207,7 @@ std::vector<uint32_t> render(ZvTextObject& object, const Told& told) {
     view.SetBitmapWidth(std::max(size.width, 0));
     view.SetBitmapHeight(std::max(size.height, 0));
     const uint32_t* pixels = object.RenderTextEffect(size.width, size.height);
-    FUZZ_CHECK((pixels != nullptr) == (size.width > 0 && size.height > 0));
+    ZVEX_FUZZ_CHECK((pixels != nullptr) == (size.width > 0 && size.height > 0));
     if (pixels == nullptr) return {};
     return std::vector<uint32_t>(pixels,
                                  pixels + static_cast<size_t>(size.width) * static_cast<size_t>(size.height));
@@ -216,7 +217,7 @@ class ObjectAndModel {
 public:
     // Draws a line of some text, so that each change that follows finds a picture made before it.
     explicit ObjectAndModel(fuzz::Input& input) : mInput(input), mObject(new ZvTextObject) {
-        FUZZ_CHECK(mObject->Construct());
+        ZVEX_FUZZ_CHECK(mObject->Construct());
         setFont();
         mTold.paint.setTextSize(readSize(input, 90));
         mTold.paint.setAntiAlias(true);
@@ -284,7 +285,7 @@ public:
         const std::vector<uint32_t> picture = render(*mObject, mTold);
         host::clearGlyphCache();
         ZvTextObject fresh;
-        FUZZ_CHECK(fresh.Construct());
+        ZVEX_FUZZ_CHECK(fresh.Construct());
         fresh.SetText(mTold.text.c_str());
         fresh.SetFont(mTold.font.c_str());
         fresh.SetPaint(mTold.paint);
@@ -296,18 +297,18 @@ public:
         for (ZvECore* layer : effect.effects)
             fresh.GetEffect()->addEffect(layer->getStyle(), layer->getProperty());
         tellLines(fresh, mTold.lines);
-        FUZZ_CHECK(render(fresh, mTold) == picture);
+        ZVEX_FUZZ_CHECK(render(fresh, mTold) == picture);
     }
 
 private:
     void setText() {
         mTold.text = readText(mInput);
-        FUZZ_CHECK(mObject->SetText(mTold.text.c_str()));
+        ZVEX_FUZZ_CHECK(mObject->SetText(mTold.text.c_str()));
     }
 
     void setFont() {
         mTold.font = fuzz::fonts()[mInput.byte() % fuzz::fonts().size()].name;
-        FUZZ_CHECK(mObject->SetFont(mTold.font.c_str()));
+        ZVEX_FUZZ_CHECK(mObject->SetFont(mTold.font.c_str()));
     }
 
     void readView() {
@@ -331,8 +332,8 @@ private:
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     static const bool ready = (addFonts(), true);
-    FUZZ_CHECK(ready);
-    setFamilies(ALL_FAMILIES);
+    ZVEX_FUZZ_CHECK(ready);
+    setFamilies(kAllFamilies);
     fuzz::Input input(data, size);
     ObjectAndModel both(input);
     for (int steps = 0; steps < 30 && input.left() > 0; ++steps) both.step();

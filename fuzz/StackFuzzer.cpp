@@ -44,7 +44,7 @@ public:
     int doPostProcessing(ParamPostProcessing* param) override {
         mark(param->target);
         mark(param->otherLayer);
-        FUZZ_CHECK(param->rows == nullptr && param->drawnArea == nullptr);
+        ZVEX_FUZZ_CHECK(param->rows == nullptr && param->drawnArea == nullptr);
         return 0;
     }
     void setProperty(ZvProperty*) override {}
@@ -122,18 +122,18 @@ public:
     }
 
     void compare() {
-        FUZZ_CHECK(mStack.effects.size() == mLayers.size());
+        ZVEX_FUZZ_CHECK(mStack.effects.size() == mLayers.size());
         ZvEffect fresh;
         fresh.setTextOpacity(mTextOpacity);
         for (const Layer& layer : mLayers) layer.add(fresh);
         fresh.textAlpha = mStack.textAlpha;  // that of the last text added, which may be gone
-        FUZZ_CHECK(fresh.getLeftOffset() == mStack.getLeftOffset());
-        FUZZ_CHECK(fresh.getTopOffset() == mStack.getTopOffset());
-        FUZZ_CHECK(fresh.getRightOffset() == mStack.getRightOffset());
-        FUZZ_CHECK(fresh.getBottomOffset() == mStack.getBottomOffset());
+        ZVEX_FUZZ_CHECK(fresh.getLeftOffset() == mStack.getLeftOffset());
+        ZVEX_FUZZ_CHECK(fresh.getTopOffset() == mStack.getTopOffset());
+        ZVEX_FUZZ_CHECK(fresh.getRightOffset() == mStack.getRightOffset());
+        ZVEX_FUZZ_CHECK(fresh.getBottomOffset() == mStack.getBottomOffset());
         ZvEffect copy(mStack);
-        FUZZ_CHECK(mStack.hasEffect(ZV_EFFECT_PATTERN) ||  // whose bitmap's address is in the key
-                   (keyOf(mStack) == keyOf(fresh) && keyOf(mStack) == keyOf(copy)));
+        ZVEX_FUZZ_CHECK(mStack.hasEffect(ZV_EFFECT_PATTERN) ||  // whose bitmap's address is in the key
+                        (keyOf(mStack) == keyOf(fresh) && keyOf(mStack) == keyOf(copy)));
         if (!mStack.textRectReset) {  // the box of a rendering that was given up is part of the next one's
             fresh.textRect = copy.textRect = mStack.textRect;
             fresh.textRectReset = copy.textRectReset = false;
@@ -154,15 +154,16 @@ public:
 
 private:
     void addLayer() {
-        const int type = LAYER_TYPES[mInput.between(0, LAYER_KINDS - 1)];
+        const int type = kLayerTypes[mInput.between(0, kLayerKinds - 1)];
         const ZvBitmap& pattern = mPatterns[mInput.byte() % 2];
         const auto settings = std::make_shared<LayerSettings>(readSettings(mInput, type, pattern));
         const Adder add = [settings, type](ZvEffect& stack) { return settings->addTo(stack, type); };
         const int id = add(mStack);
-        FUZZ_CHECK(id >= 0 && mStack.getEffect(type) != nullptr && mStack.getEffect(type)->getId() == id);
+        ZVEX_FUZZ_CHECK(id >= 0 && mStack.getEffect(type) != nullptr &&
+                        mStack.getEffect(type)->getId() == id);
         for (Layer& layer : mLayers) {
             if (layer.type != type) continue;
-            FUZZ_CHECK(layer.id == id);  // keeps its place
+            ZVEX_FUZZ_CHECK(layer.id == id);  // keeps its place
             layer.add = add;
             return;
         }
@@ -173,7 +174,7 @@ private:
         const int id = mInput.between(-1, 12);
         size_t at = 0;
         while (at < mLayers.size() && mLayers[at].id != id) ++at;
-        FUZZ_CHECK(mStack.removeEffect(id) == (at < mLayers.size()));
+        ZVEX_FUZZ_CHECK(mStack.removeEffect(id) == (at < mLayers.size()));
         if (at < mLayers.size()) mLayers.erase(mLayers.begin() + static_cast<ptrdiff_t>(at));
     }
 
@@ -301,16 +302,16 @@ private:
                 if (x >= drawn.left && x < drawn.right && y >= drawn.top && y < drawn.bottom) continue;
                 const uint8_t* pixel =
                     picture.pixels + 4 * (static_cast<size_t>(y) * picture.width + static_cast<size_t>(x));
-                FUZZ_CHECK((pixel[0] | pixel[1] | pixel[2] | pixel[3]) == 0);
+                ZVEX_FUZZ_CHECK((pixel[0] | pixel[1] | pixel[2] | pixel[3]) == 0);
             }
         }
         return picture;
     }
 
     static void checkSame(const ZvBitmap& expected, const ZvBitmap& actual) {
-        FUZZ_CHECK(expected.byteCount() == actual.byteCount());
-        FUZZ_CHECK(expected.pixels == nullptr ||
-                   std::memcmp(expected.pixels, actual.pixels, expected.byteCount()) == 0);
+        ZVEX_FUZZ_CHECK(expected.byteCount() == actual.byteCount());
+        ZVEX_FUZZ_CHECK(expected.pixels == nullptr ||
+                        std::memcmp(expected.pixels, actual.pixels, expected.byteCount()) == 0);
     }
 
     fuzz::Input& mInput;

@@ -25,8 +25,9 @@ size_t sequenceLength(unsigned char lead) {
 }
 
 size_t encodedLength(uint32_t c) {
-    constexpr uint32_t ENDS[] = {0x80, 0x800, 0x10000, 0x200000, 0x4000000, 0x80000000u};
-    return static_cast<size_t>(std::find_if(ENDS, ENDS + 6, [c](uint32_t end) { return c < end; }) - ENDS) +
+    constexpr uint32_t kEnds[] = {0x80, 0x800, 0x10000, 0x200000, 0x4000000, 0x80000000u};
+    return static_cast<size_t>(std::find_if(kEnds, kEnds + 6, [c](uint32_t end) { return c < end; }) -
+                               kEnds) +
            1;
 }
 
@@ -104,7 +105,7 @@ int64_t announcedSize(const std::wstring& text) {
 
 class StringAndModel {
 public:
-    StringAndModel() { FUZZ_CHECK(mString.Construct() == 1); }
+    StringAndModel() { ZVEX_FUZZ_CHECK(mString.Construct() == 1); }
 
     void step(fuzz::Input& input) {
         const int kind = input.between(0, 9);
@@ -130,28 +131,28 @@ public:
         other.Construct(source.c_str());
         switch (kind) {
             case 0:
-                FUZZ_CHECK((wide ? mString.Set(source.c_str()) : mString.Set(bytes.c_str())) == 1);
+                ZVEX_FUZZ_CHECK((wide ? mString.Set(source.c_str()) : mString.Set(bytes.c_str())) == 1);
                 mModel = source;
                 break;
             case 1:
-                FUZZ_CHECK((wide ? mString.Append(source.c_str()) : mString.Append(bytes.c_str())) == 1);
+                ZVEX_FUZZ_CHECK((wide ? mString.Append(source.c_str()) : mString.Append(bytes.c_str())) == 1);
                 mModel += source;
                 break;
             case 2: {
                 const bool can = fits && !source.empty();
-                FUZZ_CHECK(mString.Insert(source.c_str(), at) == (can ? 1 : 0));
+                ZVEX_FUZZ_CHECK(mString.Insert(source.c_str(), at) == (can ? 1 : 0));
                 if (can) mModel.insert(begin, source);
                 break;
             }
             case 3: {
                 const bool can = fits && begin < mModel.size() && count >= 0 &&
                                  static_cast<size_t>(count) <= mModel.size() - begin;
-                FUZZ_CHECK(mString.Remove(at, count) == (can ? 1 : 0));
+                ZVEX_FUZZ_CHECK(mString.Remove(at, count) == (can ? 1 : 0));
                 if (can) mModel.erase(begin, static_cast<size_t>(count));
                 break;
             }
             case 4: {  // both ends included, as far as they exist
-                FUZZ_CHECK(mString.SetSubstring(&other, at, count) == 1);
+                ZVEX_FUZZ_CHECK(mString.SetSubstring(&other, at, count) == 1);
                 const int64_t first = std::max(at, 0);
                 const int64_t last = std::min<int64_t>(count, static_cast<int64_t>(source.size()) - 1);
                 mModel = first <= last ? source.substr(static_cast<size_t>(first),
@@ -161,14 +162,14 @@ public:
             }
             case 5:  // of itself, from within
                 if (!fits || mString.GetPointer() == nullptr) break;
-                FUZZ_CHECK(mString.Append(mString.GetPointer() + begin) == 1);
+                ZVEX_FUZZ_CHECK(mString.Append(mString.GetPointer() + begin) == 1);
                 mModel += mModel.substr(begin);
                 break;
             case 6: {
                 ZvString part;
-                FUZZ_CHECK(part.Construct(&other, count) == (count >= 0 ? 1 : 0));
+                ZVEX_FUZZ_CHECK(part.Construct(&other, count) == (count >= 0 ? 1 : 0));
                 if (count < 0) break;
-                FUZZ_CHECK(mString.Set(&part) == 1);
+                ZVEX_FUZZ_CHECK(mString.Set(&part) == 1);
                 mModel = source.substr(0, static_cast<size_t>(count));
                 break;
             }
@@ -178,17 +179,17 @@ public:
     }
 
     void compare(fuzz::Input& input) const {
-        FUZZ_CHECK(mString.GetLength() == static_cast<int>(mModel.size()));
+        ZVEX_FUZZ_CHECK(mString.GetLength() == static_cast<int>(mModel.size()));
         const wchar_t* pointer = mString.GetPointer();
-        FUZZ_CHECK(pointer == nullptr ? mModel.empty() : mModel == pointer);
+        ZVEX_FUZZ_CHECK(pointer == nullptr ? mModel.empty() : mModel == pointer);
         const int at = input.between(-1, 300);
         wchar_t character = 0;
         const bool within = at >= 0 && static_cast<size_t>(at) < mModel.size();
-        FUZZ_CHECK(mString.GetChar(at, &character) == (within ? 1 : 0));
-        if (within) FUZZ_CHECK(character == mModel[static_cast<size_t>(at)]);
+        ZVEX_FUZZ_CHECK(mString.GetChar(at, &character) == (within ? 1 : 0));
+        if (within) ZVEX_FUZZ_CHECK(character == mModel[static_cast<size_t>(at)]);
 
         const int64_t size = announcedSize(mModel);
-        FUZZ_CHECK(mString.GetUTF8Size() == size);
+        ZVEX_FUZZ_CHECK(mString.GetUTF8Size() == size);
         const std::string utf8 = size < 1 ? std::string() : encode(mModel);
         writeUtf8(utf8, static_cast<int>(std::max<int64_t>(size, 1)));
         writeUtf8(utf8, input.between(1, 64));
@@ -203,23 +204,23 @@ public:
         }
         int count = 0;
         const std::unique_ptr<uint16_t[]> units(mString.GetUTF16(count));
-        FUZZ_CHECK(units != nullptr);
-        FUZZ_CHECK(std::vector<uint16_t>(units.get(), units.get() + count) == toUtf16(shown));
-        FUZZ_CHECK(units[static_cast<size_t>(count)] == 0);
+        ZVEX_FUZZ_CHECK(units != nullptr);
+        ZVEX_FUZZ_CHECK(std::vector<uint16_t>(units.get(), units.get() + count) == toUtf16(shown));
+        ZVEX_FUZZ_CHECK(units[static_cast<size_t>(count)] == 0);
     }
 
 private:
     // Whole characters in what room there is; nothing is written beyond it.
     void writeUtf8(const std::string& all, int room) const {
         const std::unique_ptr<char[]> target(new char[static_cast<size_t>(room)]);
-        FUZZ_CHECK(mString.GetUTF8(target.get(), room) == 1);
+        ZVEX_FUZZ_CHECK(mString.GetUTF8(target.get(), room) == 1);
         size_t end = 0;
         while (end < all.size()) {
             const size_t length = sequenceLength(static_cast<unsigned char>(all[end]));
             if (end + length > static_cast<size_t>(room) - 1) break;
             end += length;
         }
-        FUZZ_CHECK(all.substr(0, end) == target.get());
+        ZVEX_FUZZ_CHECK(all.substr(0, end) == target.get());
     }
 
     void search(const std::wstring& pattern) const {
@@ -231,13 +232,13 @@ private:
             if (first < 0 && i + n < length) first = static_cast<int>(i);
             last = static_cast<int>(i);
         }
-        FUZZ_CHECK(mString.Find(pattern.c_str()) == first);
-        FUZZ_CHECK(mString.ReverseFind(pattern.c_str()) == last);
+        ZVEX_FUZZ_CHECK(mString.Find(pattern.c_str()) == first);
+        ZVEX_FUZZ_CHECK(mString.ReverseFind(pattern.c_str()) == last);
         ZvString other;
         other.Construct(pattern.c_str());
         const int order = mString.CompareTo(&other);
         const int expected = length != n ? (length > n ? 1 : -1) : mModel.compare(pattern);
-        FUZZ_CHECK((order > 0) == (expected > 0) && (order < 0) == (expected < 0));
+        ZVEX_FUZZ_CHECK((order > 0) == (expected > 0) && (order < 0) == (expected < 0));
     }
 
     ZvString mString;
@@ -249,10 +250,10 @@ void convertBytes(const std::string& bytes) {
     const std::vector<char> exact(bytes.begin(), bytes.end());
     const int count = static_cast<int>(exact.size());
     const int units = Zvex::ZvStringImpl::GetUTF16Size(exact.data(), count);
-    FUZZ_CHECK(units >= 0 && units <= count);
+    ZVEX_FUZZ_CHECK(units >= 0 && units <= count);
     const std::unique_ptr<uint16_t[]> target(new uint16_t[static_cast<size_t>(units) + 1]);
-    FUZZ_CHECK(Zvex::ZvStringImpl::Mbstowcs(target.get(), exact.data(), count) == units);
-    FUZZ_CHECK(target[static_cast<size_t>(units)] == 0);
+    ZVEX_FUZZ_CHECK(Zvex::ZvStringImpl::Mbstowcs(target.get(), exact.data(), count) == units);
+    ZVEX_FUZZ_CHECK(target[static_cast<size_t>(units)] == 0);
 }
 
 }  // namespace

@@ -28,17 +28,17 @@ namespace {
 using namespace Zvex::scene;
 using namespace zvtext;
 
-constexpr char FONT[] = "/usr/share/fonts/truetype/dejavu/DejaVuSans-Bold.ttf";
-constexpr int MOST_SIDE = 160;  // of the view
+constexpr char kFont[] = "/usr/share/fonts/truetype/dejavu/DejaVuSans-Bold.ttf";
+constexpr int kMostSide = 160;  // of the view
 
 // A file in memory.
 class MemoryFile {
 public:
-    MemoryFile() : mDescriptor(memfd_create("fuzz", 0)) { FUZZ_CHECK(mDescriptor >= 0); }
+    MemoryFile() : mDescriptor(memfd_create("fuzz", 0)) { ZVEX_FUZZ_CHECK(mDescriptor >= 0); }
     const std::string& write(const std::string& content) {
-        FUZZ_CHECK(ftruncate(mDescriptor, 0) == 0);
-        FUZZ_CHECK(pwrite(mDescriptor, content.data(), content.size(), 0) ==
-                   static_cast<ssize_t>(content.size()));
+        ZVEX_FUZZ_CHECK(ftruncate(mDescriptor, 0) == 0);
+        ZVEX_FUZZ_CHECK(pwrite(mDescriptor, content.data(), content.size(), 0) ==
+                        static_cast<ssize_t>(content.size()));
         return mPath;
     }
 
@@ -59,8 +59,8 @@ void appendBig(std::string& bytes, uint32_t value) {
 // Chunks of the fuzzer's making, with sums that are right: without them nothing behind a changed byte would
 // be read.
 std::string makePng(fuzz::Input& input) {
-    static const char* const TYPES[] = {"IHDR", "IDAT", "IDAT", "PLTE", "tRNS",
-                                        "gAMA", "iCCP", "zTXt", "IEND", "pHYs"};
+    static const char* const kTypes[] = {"IHDR", "IDAT", "IDAT", "PLTE", "tRNS",
+                                         "gAMA", "iCCP", "zTXt", "IEND", "pHYs"};
     std::string png("\x89PNG\r\n\x1A\n", 8);
     const auto addChunk = [&png](const std::string& type, const std::string& content) {
         appendBig(png, static_cast<uint32_t>(content.size()));
@@ -77,7 +77,7 @@ std::string makePng(fuzz::Input& input) {
     if (input.byte() < 240) addChunk("IHDR", header);
     while (input.left() > 0) {
         const uint8_t kind = input.byte();
-        const std::string type = kind < 250 ? TYPES[kind % 10] : std::string("vpAg");
+        const std::string type = kind < 250 ? kTypes[kind % 10] : std::string("vpAg");
         std::string content = input.text(300);
         if (type == "IDAT" && kind % 4 != 0) {
             std::string pixels(static_cast<size_t>(input.between(0, 255)) * 16, '\0');
@@ -95,11 +95,11 @@ std::string makePng(fuzz::Input& input) {
 
 void readPicture(fuzz::Input& input) {
     const Picture picture = decodePng("--pattern", input.flag() ? makePng(input) : input.rest());
-    FUZZ_CHECK(picture.pixels.size() ==
-               static_cast<size_t>(picture.width) * static_cast<size_t>(picture.height));
+    ZVEX_FUZZ_CHECK(picture.pixels.size() ==
+                    static_cast<size_t>(picture.width) * static_cast<size_t>(picture.height));
     const Picture again = decodePng("", encodePng(picture));
-    FUZZ_CHECK(again.width == picture.width && again.height == picture.height &&
-               again.pixels == picture.pixels);
+    ZVEX_FUZZ_CHECK(again.width == picture.width && again.height == picture.height &&
+                    again.pixels == picture.pixels);
 }
 
 // Of the files that the fuzzer names none is there, so patterns are drawn with this one.
@@ -158,34 +158,34 @@ void checkStyle(const Style& read) {
         readStyleText("--style", written, back);
     } catch (const std::exception& error) {
         std::fprintf(stderr, "%s\n%s\n", error.what(), written.c_str());
-        FUZZ_CHECK(!"a style that was written is read");
+        ZVEX_FUZZ_CHECK(!"a style that was written is read");
     }
-    FUZZ_CHECK(writeStyle(back) == written);
-    FUZZ_CHECK(same(fieldsOf(style), fieldsOf(back)));
-    FUZZ_CHECK(std::equal(style.effects.begin(), style.effects.end(), back.effects.begin(),
-                          back.effects.end(),
-                          [](EffectSettings a, EffectSettings b) { return same(fieldsOf(a), fieldsOf(b)); }));
+    ZVEX_FUZZ_CHECK(writeStyle(back) == written);
+    ZVEX_FUZZ_CHECK(same(fieldsOf(style), fieldsOf(back)));
+    ZVEX_FUZZ_CHECK(
+        std::equal(style.effects.begin(), style.effects.end(), back.effects.begin(), back.effects.end(),
+                   [](EffectSettings a, EffectSettings b) { return same(fieldsOf(a), fieldsOf(b)); }));
 }
 
 void renderSmall(Scene scene) {
     if (scene.text.size() > 60) return;
     namedPattern(scene.style);
-    scene.font = FONT;
+    scene.font = kFont;
     scene.fallbacks.clear();
     scene.systemFallback = false;
     scene.style.size = std::min(scene.style.size, 50.0);
     scene.style.letterSpacing = std::min(scene.style.letterSpacing, 2.0);
-    scene.width = scene.width == 0 ? MOST_SIDE : std::min(scene.width, MOST_SIDE);
-    scene.height = scene.height == 0 ? MOST_SIDE : std::min(scene.height, MOST_SIDE);
+    scene.width = scene.width == 0 ? kMostSide : std::min(scene.width, kMostSide);
+    scene.height = scene.height == 0 ? kMostSide : std::min(scene.height, kMostSide);
     const Rendering rendering = render(scene);
     const Picture& picture = rendering.picture;
-    FUZZ_CHECK(picture.pixels.size() ==
-               static_cast<size_t>(picture.width) * static_cast<size_t>(picture.height));
-    FUZZ_CHECK(render(scene).picture.pixels == picture.pixels);
+    ZVEX_FUZZ_CHECK(picture.pixels.size() ==
+                    static_cast<size_t>(picture.width) * static_cast<size_t>(picture.height));
+    ZVEX_FUZZ_CHECK(render(scene).picture.pixels == picture.pixels);
     const Picture back = decodePng("", encodePng(picture));
-    FUZZ_CHECK(back.pixels == picture.pixels);
+    ZVEX_FUZZ_CHECK(back.pixels == picture.pixels);
     encodeWebp(picture);
-    FUZZ_CHECK(findInvalidUtf8(writeMetrics(rendering.metrics)) == std::string::npos);
+    ZVEX_FUZZ_CHECK(findInvalidUtf8(writeMetrics(rendering.metrics)) == std::string::npos);
 }
 
 void useArguments(RenderArguments arguments) {
@@ -198,7 +198,7 @@ void useArguments(RenderArguments arguments) {
     checkStyle(readStyleParts(arguments));
     Style style = readStyleOptions(arguments);
     layerKeyInHex(namedPattern(style));
-    if (arguments.font.empty()) arguments.font = FONT;
+    if (arguments.font.empty()) arguments.font = kFont;
     if (arguments.text.empty()) arguments.text = "Ag";
     renderSmall(readScene(arguments));
 }
@@ -218,11 +218,11 @@ void readCommandLine(fuzz::Input& input) {
 void readBatchLine(fuzz::Input& input) {
     const std::string line = input.rest();
     RenderArguments defaults;
-    defaults.font = FONT;
+    defaults.font = kFont;
     readLineNames(line);
     LineReader reader(defaults);
     const RenderArguments arguments = reader.read(line);
-    FUZZ_CHECK(reader.read(line).style == arguments.style);
+    ZVEX_FUZZ_CHECK(reader.read(line).style == arguments.style);
     useArguments(arguments);
 }
 
@@ -240,10 +240,10 @@ void readStyleFile(fuzz::Input& input) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    static void (*const WAYS[])(fuzz::Input&) = {readCommandLine, readBatchLine, readStyleFile, readPicture};
+    static void (*const kWays[])(fuzz::Input&) = {readCommandLine, readBatchLine, readStyleFile, readPicture};
     fuzz::Input input(data, size);
     try {
-        WAYS[input.byte() % 4](input);
+        kWays[input.byte() % 4](input);
     } catch (const CLI::Error&) {
     } catch (const UsageError&) {
     } catch (const Failure&) {

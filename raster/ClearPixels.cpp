@@ -10,14 +10,14 @@ namespace Zvex {
 #if defined(__SSE2__)
 
 void clearAside(uint8_t* bytes, size_t count) {
-    constexpr size_t LINE = 64;  // written whole, or the machine reads it after all
-    const size_t before = (LINE - reinterpret_cast<uintptr_t>(bytes) % LINE) % LINE;
-    if (count < before + LINE) {
+    constexpr size_t kLine = 64;  // written whole, or the machine reads it after all
+    const size_t before = (kLine - reinterpret_cast<uintptr_t>(bytes) % kLine) % kLine;
+    if (count < before + kLine) {
         std::memset(bytes, 0, count);
         return;
     }
     std::memset(bytes, 0, before);
-    const size_t end = before + (count - before) / LINE * LINE;
+    const size_t end = before + (count - before) / kLine * kLine;
     const __m128i zero = _mm_setzero_si128();
     for (size_t i = before; i < end; i += 16) _mm_stream_si128(reinterpret_cast<__m128i*>(bytes + i), zero);
     _mm_sfence();

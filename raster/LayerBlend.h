@@ -28,7 +28,7 @@ enum class LayerBlend : int {
     Luminosity,
     PlusLighter,
 };
-constexpr int LAYER_BLENDS = 17;
+constexpr int kLayerBlends = 17;
 
 // Joins layers, a piece of a row at a time. With backdrop b, source s and their alphas a:
 //
@@ -38,16 +38,16 @@ constexpr int LAYER_BLENDS = 17;
 // Between two layers nothing is rounded to bytes: a piece holds single-precision numbers, in the order of
 // operations that the plain form states, tests/reference/LayerJoinReference.h. So any number of layers ends
 // within a level of the exact result. Built for several instruction sets (raster/ForEachTarget.h); always
-// PIECE pixels, addresses need no alignment, nothing is allocated. Pixels given as words are straight
+// kPiece pixels, addresses need no alignment, nothing is allocated. Pixels given as words are straight
 // 0xAARRGGBB.
 namespace JoinRows {
 
-constexpr size_t PIECE = 64;
+constexpr size_t kPiece = 64;
 
 // Premultiplied, 0 to 1; no colour exceeds its alpha.
 struct Piece {
-    float channels[3][PIECE];  // blue, green, red
-    float alpha[PIECE];
+    float channels[3][kPiece];  // blue, green, red
+    float alpha[kPiece];
 };
 
 // Joins the source where that needs no arithmetic: no pixel of it is translucent over one that is not

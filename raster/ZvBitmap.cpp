@@ -55,19 +55,19 @@ size_t ZvBitmap::byteCount() const {
     return productOf(width, height, bytesPerPixel);
 }
 
-ZvBitmap::ZvBitmap(unsigned int width_, unsigned int height_, unsigned int bytesPerPixel_)
-    : width(width_), height(height_), format(bytesPerPixel_ == 4 ? 1 : 2), bytesPerPixel(bytesPerPixel_) {
+ZvBitmap::ZvBitmap(unsigned int mWidth, unsigned int mHeight, unsigned int mBytesPerPixel)
+    : width(mWidth), height(mHeight), format(mBytesPerPixel == 4 ? 1 : 2), bytesPerPixel(mBytesPerPixel) {
     pixels = zeros(byteCount());
 }
 
-ZvBitmap::ZvBitmap(unsigned int width_, unsigned int height_, unsigned int bytesPerPixel_, Unset)
-    : width(width_), height(height_), format(bytesPerPixel_ == 4 ? 1 : 2), bytesPerPixel(bytesPerPixel_) {
+ZvBitmap::ZvBitmap(unsigned int mWidth, unsigned int mHeight, unsigned int mBytesPerPixel, Unset)
+    : width(mWidth), height(mHeight), format(mBytesPerPixel == 4 ? 1 : 2), bytesPerPixel(mBytesPerPixel) {
     pixels = unset(byteCount());
 }
 
-ZvBitmap::ZvBitmap(unsigned int width_, unsigned int height_, const unsigned char* data,
-                   unsigned int bytesPerPixel_)
-    : width(width_), height(height_), format(bytesPerPixel_ == 4 ? 1 : 2), bytesPerPixel(bytesPerPixel_) {
+ZvBitmap::ZvBitmap(unsigned int mWidth, unsigned int mHeight, const unsigned char* data,
+                   unsigned int mBytesPerPixel)
+    : width(mWidth), height(mHeight), format(mBytesPerPixel == 4 ? 1 : 2), bytesPerPixel(mBytesPerPixel) {
     pixels = data != nullptr ? copyOf(data, byteCount()) : zeros(byteCount());
 }
 

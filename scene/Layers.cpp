@@ -11,7 +11,7 @@ namespace {
 
 using Zvex::LayerBlend;
 
-constexpr NumberRange kSpread = {-Zvex::MAX_SPREAD, Zvex::MAX_SPREAD, "px", false, true, true};
+constexpr NumberRange kSpread = {-Zvex::kMaxSpread, Zvex::kMaxSpread, "px", false, true, true};
 
 ChoiceField blendField(int* blend) {
     static const std::pair<const char*, LayerBlend> kNames[] = {{"normal", LayerBlend::Normal},

@@ -62,7 +62,7 @@ SkImageInfo coverageInfo(const ZvGlyph& glyph) {
 }
 
 // The largest image that the canvas accepts.
-constexpr size_t MAX_IMAGE_BYTES = INT32_MAX;
+constexpr size_t kMaxImageBytes = INT32_MAX;
 
 bool refuseImage(const ZvGlyph& glyph) {
     __android_log_print(ANDROID_LOG_ERROR, kTag, "a line of %d x %d pixels is too large, it is left out",
@@ -80,7 +80,7 @@ LineImage makeLineImage(const minikin::MinikinRect& bounds, float advance) {
     glyph->height = static_cast<uint16_t>(truncateToUnsigned(bounds.mBottom - bounds.mTop));
     glyph->baseline = truncateToInt(-bounds.mTop);
     glyph->left = 0;
-    if (size_t{glyph->width} * glyph->height > MAX_IMAGE_BYTES) {
+    if (size_t{glyph->width} * glyph->height > kMaxImageBytes) {
         refuseImage(*glyph);
         return nullptr;
     }

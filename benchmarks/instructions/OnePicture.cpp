@@ -19,9 +19,9 @@
 #include "text/ZvTextObject.h"
 
 #if defined(__clang__)
-constexpr char COMPILER[] = "clang++ " __clang_version__;
+constexpr char kCompiler[] = "clang++ " __clang_version__;
 #else
-constexpr char COMPILER[] = "g++ " __VERSION__;
+constexpr char kCompiler[] = "g++ " __VERSION__;
 #endif
 
 using Zvex::CpuTarget;
@@ -47,7 +47,7 @@ extern "C" __attribute__((noinline, visibility("default"))) const uint32_t* coun
 }
 
 int main(int argc, char** argv) {
-    if (argc == 2 && std::strcmp(argv[1], "--compiler") == 0) return std::puts(COMPILER) < 0 ? 1 : 0;
+    if (argc == 2 && std::strcmp(argv[1], "--compiler") == 0) return std::puts(kCompiler) < 0 ? 1 : 0;
     if (argc != 4) return fail("give a scene, a size and an instruction set");
     bench::Canvas canvas;
     canvas.scale = std::strcmp(argv[2], "large") == 0 ? 4 : 1;

@@ -23,7 +23,7 @@ namespace {
 using namespace Zvex;
 using Param = ZvECore::ParamPostProcessing;
 
-constexpr uint32_t COLOR = 0xC0FF8040;
+constexpr uint32_t kColor = 0xC0FF8040;
 
 int sideOf(uint32_t size) {
     return static_cast<int>(size);
@@ -33,7 +33,7 @@ int sideOf(uint32_t size) {
 std::vector<uint32_t> wordsOf(const ZvBitmap& mask) {
     std::vector<uint32_t> words;
     for (size_t i = 0; i < mask.byteCount(); ++i)
-        words.push_back(reference::premultiply(mask.pixels[i] * 0x01000000u + (COLOR & 0xFFFFFFu)));
+        words.push_back(reference::premultiply(mask.pixels[i] * 0x01000000u + (kColor & 0xFFFFFFu)));
     return words;
 }
 
@@ -43,11 +43,11 @@ void addBlends(const bench::TextScene& scene) {
             "blend8/mode=" + std::to_string(mode), scene,
             [mode](Param& p) {
                 const int w = sideOf(p.mask->width), h = sideOf(p.mask->height);
-                ZvBlender::drawBitmapBlend8(0, 0, p.target, p.mask->pixels, w, h, w, COLOR, mode);
+                ZvBlender::drawBitmapBlend8(0, 0, p.target, p.mask->pixels, w, h, w, kColor, mode);
             },
             [mode](Param& p) {
                 const int w = sideOf(p.mask->width), h = sideOf(p.mask->height);
-                reference::drawBitmapBlend8(0, 0, p.target, p.mask->pixels, w, h, w, COLOR, mode);
+                reference::drawBitmapBlend8(0, 0, p.target, p.mask->pixels, w, h, w, kColor, mode);
             });
     }
     const auto words = std::make_shared<std::vector<uint32_t>>(wordsOf(scene.mask));

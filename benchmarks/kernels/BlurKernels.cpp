@@ -17,13 +17,13 @@ namespace {
 using namespace Zvex;
 using Param = ZvECore::ParamPostProcessing;
 
-constexpr uint32_t COLOR = 0xFF202020;
-constexpr float ANGLE = 135.0f, DISTANCE = 11.0f;  // light from the upper left
+constexpr uint32_t kColor = 0xFF202020;
+constexpr float kAngle = 135.0f, kDistance = 11.0f;  // light from the upper left
 
 template <typename Filter, typename Property>
 void addShadow(const char* name, const bench::TextScene& scene, int size, const bench::Draw& plain) {
     const auto filter = std::make_shared<Filter>();
-    Property property(ANGLE, DISTANCE, static_cast<float>(size), COLOR, 1.0f);
+    Property property(kAngle, kDistance, static_cast<float>(size), kColor, 1.0f);
     filter->setProperty(&property);
     bench::addRows(
         std::string("shadow/") + name + "/size=" + std::to_string(size), scene,
@@ -33,7 +33,7 @@ void addShadow(const char* name, const bench::TextScene& scene, int size, const 
 template <typename Filter, typename Property>
 void addGlow(const char* name, const bench::TextScene& scene, int size, const bench::Draw& plain) {
     const auto filter = std::make_shared<Filter>();
-    Property property(static_cast<float>(size), COLOR, 1.0f, 0, nullptr);
+    Property property(static_cast<float>(size), kColor, 1.0f, 0, nullptr);
     filter->setProperty(&property);
     bench::addRows(
         std::string("glow/") + name + "/size=" + std::to_string(size), scene,
@@ -42,7 +42,7 @@ void addGlow(const char* name, const bench::TextScene& scene, int size, const be
 
 void addSize(const bench::TextScene& scene, int size, bool withPlain) {
     const float pixels = static_cast<float>(size);
-    const reference::Shadow shadow = {ANGLE, DISTANCE, pixels, COLOR};
+    const reference::Shadow shadow = {kAngle, kDistance, pixels, kColor};
     const bench::Draw outer = [shadow](Param& p) {
         reference::drawOuterShadow(p.target, *p.mask, *p.textRect, shadow);
     };
@@ -53,7 +53,7 @@ void addSize(const bench::TextScene& scene, int size, bool withPlain) {
     addShadow<ZvInnerShadow, ZvInnerShadowProperty>("inner", scene, size, withPlain ? inner : nullptr);
     for (bool inside : {false, true}) {
         bench::Draw plain = [inside, pixels](Param& p) {
-            reference::drawGlow(inside, *p.target, *p.mask, *p.textRect, pixels, COLOR, {});
+            reference::drawGlow(inside, *p.target, *p.mask, *p.textRect, pixels, kColor, {});
         };
         if (!withPlain) plain = nullptr;
         if (inside) {

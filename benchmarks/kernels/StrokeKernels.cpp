@@ -11,18 +11,18 @@ namespace {
 
 using namespace Zvex;
 
-constexpr uint32_t COLOR = 0xFF202020;
+constexpr uint32_t kColor = 0xFF202020;
 
 // `measure` is what the row's name calls the width.
 void addStroke(const std::string& measure, const bench::TextScene& scene, int position, int width,
                bool withPlain) {
     const char* names[] = {"center", "outside", "inside"};
     const auto stroke = std::make_shared<ZvStroke>();
-    ZvStrokeProperty property(static_cast<float>(width), COLOR, 1.0f, 0, position);
+    ZvStrokeProperty property(static_cast<float>(width), kColor, 1.0f, 0, position);
     stroke->setProperty(&property);
     const bench::Draw plain = [position, width](ZvECore::ParamPostProcessing& p) {
         reference::drawStroke(p.target, nullptr, *p.mask, *p.textRect, p.layerMode, static_cast<float>(width),
-                              COLOR, position);
+                              kColor, position);
     };
     bench::addRows(
         std::string("stroke/") + names[position] + "/" + measure + "=" + std::to_string(width), scene,

@@ -27,18 +27,18 @@ namespace {
 
 using namespace Zvex;
 
-constexpr char FONT[] = "/usr/share/fonts/truetype/dejavu/DejaVuSans-Bold.ttf";
-constexpr char TEXT[] = "Hamburgefonst";
+constexpr char kFont[] = "/usr/share/fonts/truetype/dejavu/DejaVuSans-Bold.ttf";
+constexpr char kText[] = "Hamburgefonst";
 
 // Text drawn opaque and without effects has its coverage as alpha.
 TextScene renderText(int width, int height, float size) {
     ZvTextObject object;
     object.Construct();
     ZvString text;
-    text.Construct(TEXT);
+    text.Construct(kText);
     object.SetText(&text);
-    if (!object.SetFont(FONT)) {
-        std::fprintf(stderr, "bench_kernels: cannot load the font %s\n", FONT);
+    if (!object.SetFont(kFont)) {
+        std::fprintf(stderr, "bench_kernels: cannot load the font %s\n", kFont);
         std::exit(1);
     }
     android::Paint paint;
@@ -52,7 +52,7 @@ TextScene renderText(int width, int height, float size) {
     auto* line = new ZvLineInfo;
     line->x = width / 64;
     line->y = height * 3 / 4;
-    line->end = static_cast<int>(sizeof TEXT - 1);
+    line->end = static_cast<int>(sizeof kText - 1);
     line->direction = 1;
     List lines;
     lines.Construct();
@@ -116,15 +116,15 @@ std::vector<void (*)()>& families() {
 
 // Takes --target=NAME out of the arguments. False for a NAME that there is none of.
 bool takeTarget(int* argc, char** argv) {
-    constexpr char OPTION[] = "--target=";
-    constexpr size_t LENGTH = sizeof OPTION - 1;
+    constexpr char kOption[] = "--target=";
+    constexpr size_t kLength = sizeof kOption - 1;
     int kept = 1;
     for (int i = 1; i < *argc; ++i) {
-        if (std::strncmp(argv[i], OPTION, LENGTH) != 0) {
+        if (std::strncmp(argv[i], kOption, kLength) != 0) {
             argv[kept++] = argv[i];
             continue;
         }
-        const std::string name = argv[i] + LENGTH;
+        const std::string name = argv[i] + kLength;
         if (name != "baseline" && name != "avx2" && name != "avx512") return false;
         limitCpuTarget(name == "baseline" ? CpuTarget::Baseline
                        : name == "avx2"   ? CpuTarget::Avx2

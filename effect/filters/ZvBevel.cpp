@@ -23,9 +23,9 @@ namespace Zvex {
 
 namespace {
 
-constexpr double DEPTH_FLOOR = 0.1;
-constexpr float SOFT_GAIN = 1.83f;
-constexpr int FIRST_EXACT_RADIUS = 11;  // of soft bevels
+constexpr double kDepthFloor = 0.1;
+constexpr float kSoftGain = 1.83f;
+constexpr int kFirstExactRadius = 11;  // of soft bevels
 
 // Sizes in pixels. They are within the ints once the working area is.
 struct Widths {
@@ -55,7 +55,7 @@ struct Edge {
     // slope is wide and soft.
     bool make(const Widths& widths, const WorkingArea& area, const ZvBitmap& mask, bool inner) {
         const int radius = static_cast<int>(widths.radius);
-        const bool exact = widths.soft && radius >= FIRST_EXACT_RADIUS;
+        const bool exact = widths.soft && radius >= kFirstExactRadius;
         if (!levels.allocate(area.height, area.width)) return false;
         makeLevels(levels.get(),
                    inner   ? Levels::Coverage
@@ -86,7 +86,7 @@ bool lightSlopes(ReliefPlanes& planes, const ZvBevelProperty& property, const Wi
     const bool inner = property.style == 1;
     Edge edge;
     if (!edge.make(widths, area, mask, inner) || !planes.allocate(area)) return false;
-    const SlopeLighting slopes = lighting(ReliefLight::make(property, DEPTH_FLOOR), widths.radius, inner);
+    const SlopeLighting slopes = lighting(ReliefLight::make(property, kDepthFloor), widths.radius, inner);
     for (int y = 0; y < area.height; ++y) {
         edge.distances->next();
         planes.clearRow(area, y);
@@ -113,7 +113,7 @@ int ZvBevel::doPostProcessing(ParamPostProcessing* param) {
 
     ReliefPlanes planes;
     if (!lightSlopes(planes, *property, widths, area, *param->mask)) return 0;
-    const ReliefColors colors = {widths.soft ? SOFT_GAIN : 1.0f, property->highlightColor,
+    const ReliefColors colors = {widths.soft ? kSoftGain : 1.0f, property->highlightColor,
                                  property->shadowColor};
     const int mode = param->layerMode == 1 ? ZVE_BLEND_SRC_OVER : ZVE_BLEND_DST_OVER;
     auto rows = tryMake<ReliefRows>(area, colors, mode, false);

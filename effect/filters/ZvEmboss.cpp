@@ -26,10 +26,10 @@ namespace Zvex {
 
 namespace {
 
-constexpr double DEPTH_FLOOR = 0.2;
-constexpr float SOFT_GAIN = 2.03f;      // a float: a light of 100 becomes 203, with a double 202
-constexpr int LAST_WINDOWED_SIZE = 25;  // of soft slopes
-constexpr int STYLE_DOUBLE = 3;
+constexpr double kDepthFloor = 0.2;
+constexpr float kSoftGain = 2.03f;     // a float: a light of 100 becomes 203, with a double 202
+constexpr int kLastWindowedSize = 25;  // of soft slopes
+constexpr int kStyleDouble = 3;
 
 // Sizes in pixels. They are within the ints once the working area is.
 struct Widths {
@@ -42,7 +42,7 @@ struct Widths {
         const int size = truncateToInt(property.size);
         const auto ceiling = [](double value) { return static_cast<int64_t>(std::ceil(value)); };
         soft = property.technique == 0;
-        exact = soft && size > LAST_WINDOWED_SIZE;
+        exact = soft && size > kLastWindowedSize;
         outer = soft ? ceiling(size * 0.25 + 1.0) : ceiling(size * 0.5 + 3.0);
         inner = soft ? outer : ceiling(size * 0.5 + 1.0);
         blur = soft ? ceiling(size * 0.5 + 1.0) : 0;
@@ -81,7 +81,7 @@ bool lightExactSlopes(ReliefPlanes* planes, int count, const ZvEmbossProperty& p
             DistanceRows::transform(levels[i].get(), area.width, area.height, (i == 0 ? outer : inner) + 2);
         if (distances[i] == nullptr) return false;
     }
-    const ReliefLight light = ReliefLight::make(property, DEPTH_FLOOR);
+    const ReliefLight light = ReliefLight::make(property, kDepthFloor);
     for (int y = 0; y < area.height; ++y) {
         for (const auto& rows : distances) rows->next();
         for (int i = 0; i < count; ++i) planes[i].clearRow(area, y);
@@ -129,7 +129,7 @@ bool lightSignedSlopes(ReliefPlanes* planes, int count, const ZvEmbossProperty& 
     Buffer<float> plane;
     if (!plane.allocate(area.height, area.width) || !measureSigned(plane.get(), widths, area, mask))
         return false;
-    forReliefs(ReliefLight::make(property, DEPTH_FLOOR), count, [&](const ReliefLight& from, int i) {
+    forReliefs(ReliefLight::make(property, kDepthFloor), count, [&](const ReliefLight& from, int i) {
         for (int y = 0; y < area.height; ++y) planes[i].clearRow(area, y);
         lightPlane(lighting(LitSide::Signed, from, widths.outer, widths.inner),
                    {planes[i].highlight.get(), planes[i].shadow.get(), plane.get(), area.width, 1,
@@ -154,14 +154,14 @@ int ZvEmboss::doPostProcessing(ParamPostProcessing* param) {
     WorkingArea area;
     if (!area.grow(*param->textRect, widths.margin)) return 0;
 
-    const int count = property->style == STYLE_DOUBLE ? 2 : 1;
+    const int count = property->style == kStyleDouble ? 2 : 1;
     ReliefPlanes planes[2];
     for (int i = 0; i < count; ++i) {
         if (!planes[i].allocate(area)) return 0;
     }
     const auto lightSlopes = widths.exact ? lightExactSlopes : lightSignedSlopes;
     if (!lightSlopes(planes, count, *property, widths, area, *param->mask)) return 0;
-    const ReliefColors colors = {widths.soft ? SOFT_GAIN : 1.0f, property->highlightColor,
+    const ReliefColors colors = {widths.soft ? kSoftGain : 1.0f, property->highlightColor,
                                  property->shadowColor};
     // The other way round than the bevel.
     const int mode = param->layerMode == 1 ? ZVE_BLEND_DST_OVER : ZVE_BLEND_SRC_OVER;

@@ -21,7 +21,7 @@ int ZvInnerGlow::doPostProcessing(ParamPostProcessing* param) {
 
 void ZvInnerGlow::setProperty(ZvProperty* newProperty) {
     if (newProperty == nullptr) return;
-    replaceRecord(*static_cast<const ZvInnerGlowProperty*>(newProperty), &property, &stops_);
+    replaceRecord(*static_cast<const ZvInnerGlowProperty*>(newProperty), &property, &mStops);
 }
 
 ZvProperty* ZvInnerGlow::getProperty() {

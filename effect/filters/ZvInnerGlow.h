@@ -36,7 +36,7 @@ public:
     void increaseByBoxFilter(unsigned char* image, int passes, int width, int height);
 
 private:
-    GradientStops stops_;
+    GradientStops mStops;
 };
 
 }  // namespace Zvex

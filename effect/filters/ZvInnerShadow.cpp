@@ -59,7 +59,7 @@ void showOnText(uint8_t* __restrict row, const uint8_t* blurred, int count) {
 // changed, when memory is short.
 bool cutOut(uint8_t* shadow, const WorkingArea& area, ShadowShift shift, int radius) {
     Gaussian kernel;
-    if (!kernel.make(radius, SHADOW_WEIGHT, GaussianConstant::Single)) return false;
+    if (!kernel.make(radius, kShadowWeight, GaussianConstant::Single)) return false;
     const int width = area.width, height = area.height;
     const Span columns = spanOf(width, shift.x, radius), rows = spanOf(height, shift.y, radius);
     const int band = std::min(blurBandRows(kernel), height), count = columns.count();
@@ -94,21 +94,21 @@ bool cutOut(uint8_t* shadow, const WorkingArea& area, ShadowShift shift, int rad
 class PlaneRows : public LayerRows {
 public:
     PlaneRows(const WorkingArea& area, Buffer<uint8_t> plane, uint32_t color)
-        : area_(area), plane_(std::move(plane)), color_(color) {}
+        : mArea(area), mPlane(std::move(plane)), mColor(color) {}
 
     void draw(RowRange rows, const PictureStrip& target, const PictureStrip*) override {
-        const RowRange part = rows.within(area_.y, area_.height);
+        const RowRange part = rows.within(mArea.y, mArea.height);
         if (part.count() <= 0) return;
-        ZvBlender::drawBitmapBlend8(area_.x, area_.y + part.begin - target.top, &target,
-                                    plane_.get() + area_.row(part.begin), area_.width, part.count(),
-                                    area_.width, color_, ZVE_BLEND_DST_OVER);
+        ZvBlender::drawBitmapBlend8(mArea.x, mArea.y + part.begin - target.top, &target,
+                                    mPlane.get() + mArea.row(part.begin), mArea.width, part.count(),
+                                    mArea.width, mColor, ZVE_BLEND_DST_OVER);
     }
-    ZvRect reach() const override { return area_.rect(); }
+    ZvRect reach() const override { return mArea.rect(); }
 
 private:
-    WorkingArea area_;
-    Buffer<uint8_t> plane_;
-    uint32_t color_;
+    WorkingArea mArea;
+    Buffer<uint8_t> mPlane;
+    uint32_t mColor;
 };
 
 }  // namespace

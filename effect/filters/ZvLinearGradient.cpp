@@ -16,9 +16,9 @@ namespace Zvex {
 namespace {
 
 // Negative because rows grow downward.
-constexpr float RADIANS_OF_DEGREE = -0.01745328f;
+constexpr float kRadiansOfDegree = -0.01745328f;
 
-constexpr float ENTRIES = 256.0f;
+constexpr float kEntries = 256.0f;
 
 }  // namespace
 
@@ -35,12 +35,12 @@ int ZvLinearGradient::doPostProcessing(ParamPostProcessing* param) {
     auto fill = tryMake<GradientRows>();
     if (fill == nullptr || !fill->make(*param, *property)) return 0;
 
-    const float angle = property->angle * RADIANS_OF_DEGREE;
+    const float angle = property->angle * kRadiansOfDegree;
     const float sine = std::sin(angle), cosine = std::cos(angle);
     // The line ends at the sides of the box that it crosses first, left and right or top and bottom.
     const bool spansWidth = std::abs(std::tan(angle)) < fill->height() / fill->width();
     const float length = spansWidth ? fill->width() / std::abs(cosine) : fill->height() / std::abs(sine);
-    const float entriesOfPixel = ENTRIES / property->scale / length;
+    const float entriesOfPixel = kEntries / property->scale / length;
     const float down = sine * entriesOfPixel, right = cosine * entriesOfPixel;
     if (fill->setLinear(down, right)) drawLayer(param, std::move(fill));
     return 0;
@@ -50,7 +50,7 @@ void ZvLinearGradient::setProperty(ZvProperty* newProperty) {
     if (newProperty == nullptr) return;
     const auto& p = *static_cast<const ZvLinearGradientProperty*>(newProperty);
     replaceRecord(ZvLinearGradientProperty(p.angle, p.scale, p.opacity, p.count, p.stops), &property,
-                  &stops_);
+                  &mStops);
 }
 
 ZvProperty* ZvLinearGradient::getProperty() {

@@ -31,7 +31,7 @@ public:
     ZvProperty* getProperty() override;
 
 private:
-    GradientStops stops_;
+    GradientStops mStops;
 };
 
 }  // namespace Zvex

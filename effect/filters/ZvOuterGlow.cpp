@@ -21,7 +21,7 @@ int ZvOuterGlow::doPostProcessing(ParamPostProcessing* param) {
 
 void ZvOuterGlow::setProperty(ZvProperty* newProperty) {
     if (newProperty == nullptr) return;
-    replaceRecord(*static_cast<const ZvOuterGlowProperty*>(newProperty), &property, &stops_);
+    replaceRecord(*static_cast<const ZvOuterGlowProperty*>(newProperty), &property, &mStops);
 }
 
 ZvProperty* ZvOuterGlow::getProperty() {

@@ -39,7 +39,7 @@ public:
     void increaseByBoxFilter(unsigned char* image, int passes, int width, int height);
 
 private:
-    GradientStops stops_;
+    GradientStops mStops;
 };
 
 }  // namespace Zvex

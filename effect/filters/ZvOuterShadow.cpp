@@ -44,21 +44,21 @@ public:
               ShadowShift shift);
 
     void draw(RowRange rows, const PictureStrip& target, const PictureStrip* other) override;
-    ZvRect reach() const override { return seen_; }
+    ZvRect reach() const override { return mSeen; }
 
 private:
     void blurBand(int y);
 
-    ZvRect seen_;  // what is on the target of it
-    const ZvBitmap* mask_ = nullptr;
-    ZvRect part_;                    // of the mask, that it is the shadow of
-    int sourceX_ = 0, sourceY_ = 0;  // place of that part, counted from what is seen
-    Gaussian kernel_;
-    Blur blur_;
-    Buffer<uint8_t> shadow_;  // the rows of the band
-    int stride_ = 0, bandRows_ = 0;
-    int bandBegin_ = 0, bandEnd_ = 0;  // rows of what is seen
-    uint32_t color_ = 0;
+    ZvRect mSeen;  // what is on the target of it
+    const ZvBitmap* mMask = nullptr;
+    ZvRect mPart;                    // of the mask, that it is the shadow of
+    int mSourceX = 0, mSourceY = 0;  // place of that part, counted from what is seen
+    Gaussian mKernel;
+    Blur mBlur;
+    Buffer<uint8_t> mShadow;  // the rows of the band
+    int mStride = 0, mBandRows = 0;
+    int mBandBegin = 0, mBandEnd = 0;  // rows of what is seen
+    uint32_t mColor = 0;
 };
 
 bool ShadowRows::make(const ZvECore::ParamPostProcessing& param, const ZvOuterShadowProperty& property,
@@ -68,51 +68,51 @@ bool ShadowRows::make(const ZvECore::ParamPostProcessing& param, const ZvOuterSh
     WorkingArea area;
     if (!area.grow(*param.textRect, 2 * int64_t{radius})) return false;
     area.move(shift.x, shift.y);
-    color_ = property.color;
-    mask_ = param.mask;
+    mColor = property.color;
+    mMask = param.mask;
 
     // Only what is seen is blurred: a radius far beyond the picture costs no more than its pixels. In pixels
     // of the area.
-    part_ = partWithin(*param.mask, *param.textRect);
+    mPart = partWithin(*param.mask, *param.textRect);
     const int64_t left = std::max<int64_t>(radius, -int64_t{area.x}),
                   top = std::max<int64_t>(radius, -int64_t{area.y});
     const int64_t right = std::min<int64_t>(area.width - radius, int64_t{param.target->width} - area.x);
     const int64_t bottom = std::min<int64_t>(area.height - radius, int64_t{param.target->height} - area.y);
-    if (left >= right || top >= bottom || isEmpty(part_)) return false;
-    seen_ = ZvRect(static_cast<int>(area.x + left), static_cast<int>(area.y + top),
+    if (left >= right || top >= bottom || isEmpty(mPart)) return false;
+    mSeen = ZvRect(static_cast<int>(area.x + left), static_cast<int>(area.y + top),
                    static_cast<int>(area.x + right), static_cast<int>(area.y + bottom));
-    sourceX_ = static_cast<int>(part_.left - int64_t{param.textRect->left} + area.margin - left);
-    sourceY_ = static_cast<int>(part_.top - int64_t{param.textRect->top} + area.margin - top);
+    mSourceX = static_cast<int>(mPart.left - int64_t{param.textRect->left} + area.margin - left);
+    mSourceY = static_cast<int>(mPart.top - int64_t{param.textRect->top} + area.margin - top);
 
     const int width = static_cast<int>(right - left), height = static_cast<int>(bottom - top);
-    stride_ = std::max(width, widthOf(part_));
-    if (!kernel_.make(radius, SHADOW_WEIGHT, GaussianConstant::Single)) return false;
-    bandRows_ = std::min(blurBandRows(kernel_), height);
-    return blur_.prepare(kernel_, stride_, bandRows_) && shadow_.allocate(bandRows_, stride_);
+    mStride = std::max(width, widthOf(mPart));
+    if (!mKernel.make(radius, kShadowWeight, GaussianConstant::Single)) return false;
+    mBandRows = std::min(blurBandRows(mKernel), height);
+    return mBlur.prepare(mKernel, mStride, mBandRows) && mShadow.allocate(mBandRows, mStride);
 }
 
 // The band that begins with row y of what is seen.
 void ShadowRows::blurBand(int y) {
-    const int width = widthOf(seen_), height = heightOf(seen_);
-    const int partWidth = widthOf(part_), partHeight = heightOf(part_);
-    const uint8_t* coverage = mask_->pixels + static_cast<size_t>(part_.top) * mask_->width + part_.left;
-    const int rows = std::min(bandRows_, height - y);
-    blur_.columns({coverage, static_cast<ptrdiff_t>(mask_->width), sourceY_ - y, sourceY_ - y + partHeight,
-                   shadow_.get(), stride_, partWidth, rows, false, false});
-    blur_.rows({shadow_.get(), stride_, sourceX_, sourceX_ + partWidth, shadow_.get(), stride_, width, rows,
+    const int width = widthOf(mSeen), height = heightOf(mSeen);
+    const int partWidth = widthOf(mPart), partHeight = heightOf(mPart);
+    const uint8_t* coverage = mMask->pixels + static_cast<size_t>(mPart.top) * mMask->width + mPart.left;
+    const int rows = std::min(mBandRows, height - y);
+    mBlur.columns({coverage, static_cast<ptrdiff_t>(mMask->width), mSourceY - y, mSourceY - y + partHeight,
+                   mShadow.get(), mStride, partWidth, rows, false, false});
+    mBlur.rows({mShadow.get(), mStride, mSourceX, mSourceX + partWidth, mShadow.get(), mStride, width, rows,
                 false, false});
-    bandBegin_ = y;
-    bandEnd_ = y + rows;
+    mBandBegin = y;
+    mBandEnd = y + rows;
 }
 
 void ShadowRows::draw(RowRange rows, const PictureStrip& target, const PictureStrip*) {
-    const RowRange part = rows.within(seen_.top, heightOf(seen_));
+    const RowRange part = rows.within(mSeen.top, heightOf(mSeen));
     for (int y = part.begin; y < part.end;) {
-        if (y >= bandEnd_) blurBand(y);
-        const int count = std::min(part.end, bandEnd_) - y;
-        ZvBlender::drawBitmapBlend8(seen_.left, seen_.top + y - target.top, &target,
-                                    shadow_.get() + ptrdiff_t{y - bandBegin_} * stride_, widthOf(seen_),
-                                    count, stride_, color_, ZVE_BLEND_DST_OVER);
+        if (y >= mBandEnd) blurBand(y);
+        const int count = std::min(part.end, mBandEnd) - y;
+        ZvBlender::drawBitmapBlend8(mSeen.left, mSeen.top + y - target.top, &target,
+                                    mShadow.get() + ptrdiff_t{y - mBandBegin} * mStride, widthOf(mSeen),
+                                    count, mStride, mColor, ZVE_BLEND_DST_OVER);
         y += count;
     }
 }

@@ -31,35 +31,35 @@ class PatternRows : public LayerRows {
 public:
     // False when nothing of it is covered or memory is short.
     bool make(const ZvECore::ParamPostProcessing& param, const ZvPatternProperty& property) {
-        mask_ = param.mask;
+        mMask = param.mask;
         WorkingArea area;
         if (!area.grow(*param.textRect, 0)) return false;
-        box_ = ZvRect(area.x, area.y, clampToInt(area.x + std::min<int64_t>(area.width, mask_->width)),
-                      clampToInt(area.y + std::min<int64_t>(area.height, mask_->height)));
-        part_ = partWithin(*mask_, box_);
-        if (isEmpty(part_)) return false;
-        return row_.allocate(widthOf(part_)) &&
-               tile_.make(*property.bitmap, property.scale, property.opacity, widthOf(box_), heightOf(box_));
+        mBox = ZvRect(area.x, area.y, clampToInt(area.x + std::min<int64_t>(area.width, mMask->width)),
+                      clampToInt(area.y + std::min<int64_t>(area.height, mMask->height)));
+        mPart = partWithin(*mMask, mBox);
+        if (isEmpty(mPart)) return false;
+        return mRow.allocate(widthOf(mPart)) &&
+               mTile.make(*property.bitmap, property.scale, property.opacity, widthOf(mBox), heightOf(mBox));
     }
 
     void draw(RowRange rows, const PictureStrip& target, const PictureStrip*) override {
-        const RowRange visible = rows.within(part_.top, heightOf(part_));
-        const int count = widthOf(part_);
-        for (int y = part_.top + visible.begin; y < part_.top + visible.end; ++y) {
-            const uint8_t* coverage = mask_->pixels + static_cast<size_t>(y) * mask_->width + part_.left;
-            tile_.row(row_.get(), coverage, part_.left - box_.left, count, y - box_.top);
-            ZvBlender::drawBitmapBlend32(part_.left, y - target.top, &target, row_.get(), count, 1, count,
+        const RowRange visible = rows.within(mPart.top, heightOf(mPart));
+        const int count = widthOf(mPart);
+        for (int y = mPart.top + visible.begin; y < mPart.top + visible.end; ++y) {
+            const uint8_t* coverage = mMask->pixels + static_cast<size_t>(y) * mMask->width + mPart.left;
+            mTile.row(mRow.get(), coverage, mPart.left - mBox.left, count, y - mBox.top);
+            ZvBlender::drawBitmapBlend32(mPart.left, y - target.top, &target, mRow.get(), count, 1, count,
                                          ZVE_BLEND_DST_OVER);
         }
     }
-    ZvRect reach() const override { return part_; }
+    ZvRect reach() const override { return mPart; }
 
 private:
-    const ZvBitmap* mask_ = nullptr;
-    ZvRect box_;   // of the tiles
-    ZvRect part_;  // of it, on the mask
-    PatternTile tile_;
-    Buffer<uint32_t> row_;
+    const ZvBitmap* mMask = nullptr;
+    ZvRect mBox;   // of the tiles
+    ZvRect mPart;  // of it, on the mask
+    PatternTile mTile;
+    Buffer<uint32_t> mRow;
 };
 
 }  // namespace

@@ -11,7 +11,7 @@ namespace Zvex {
 
 namespace {
 
-constexpr float ENTRIES = 256.0f;
+constexpr float kEntries = 256.0f;
 
 }  // namespace
 
@@ -28,7 +28,7 @@ int ZvRadialGradient::doPostProcessing(ParamPostProcessing* param) {
     auto fill = tryMake<GradientRows>();
     if (fill == nullptr || !fill->make(*param, *property)) return 0;
 
-    const float entriesOfPixel = (ENTRIES / fill->width() + ENTRIES / fill->width()) / property->scale;
+    const float entriesOfPixel = (kEntries / fill->width() + kEntries / fill->width()) / property->scale;
     fill->setRadial(entriesOfPixel);
     drawLayer(param, std::move(fill));
     return 0;
@@ -38,7 +38,7 @@ void ZvRadialGradient::setProperty(ZvProperty* newProperty) {
     if (newProperty == nullptr) return;
     const auto& p = *static_cast<const ZvRadialGradientProperty*>(newProperty);
     replaceRecord(ZvRadialGradientProperty(p.angle, p.scale, p.opacity, p.count, p.stops), &property,
-                  &stops_);
+                  &mStops);
 }
 
 ZvProperty* ZvRadialGradient::getProperty() {

@@ -28,7 +28,7 @@ public:
     ZvProperty* getProperty() override;
 
 private:
-    GradientStops stops_;
+    GradientStops mStops;
 };
 
 }  // namespace Zvex

@@ -36,7 +36,7 @@ namespace {
 // disc's radius this is how far the picture of the stroke reaches:
 //
 //     |<- r ->|1|<- text box ->|1|<- r ->|
-constexpr int BORDER = 1;
+constexpr int kBorder = 1;
 
 // The cell of a disc at `distance` from its middle: 1 up to the radius, falling to 0 within the next pixel.
 uint8_t discCoverage(float distance, float radius) {
@@ -63,8 +63,8 @@ void dilatePlane(const ZvStroke::DTJob& job, int plane, uint8_t inverted) {
     dilate(param);
 }
 
-constexpr uint8_t COVERAGE = 0;
-constexpr uint8_t BACKGROUND = 255;
+constexpr uint8_t kCoverage = 0;
+constexpr uint8_t kBackground = 255;
 
 // The dilation of the mask within the box and its border, over the rows of the area. What of them lies
 // outside the mask is coverage 0.
@@ -78,10 +78,10 @@ DilationParam dilationOf(const ZvBitmap& mask, const ZvRect& box, const WorkingA
     param.sourceStride = mask.width;
     param.columns = widthOf(part);
     param.inverted = inverted;
-    param.left = part.left - box.left + BORDER;
-    param.top = part.top - box.top + BORDER;
-    param.right = box.right - part.right + BORDER;
-    param.bottom = box.bottom - part.bottom + BORDER;
+    param.left = part.left - box.left + kBorder;
+    param.top = part.top - box.top + kBorder;
+    param.right = box.right - part.right + kBorder;
+    param.bottom = box.bottom - part.bottom + kBorder;
     param.targetWidth = area.width;
     param.targetHeight = area.height;
     param.originX = kernelSize / 2 + param.left;
@@ -109,62 +109,62 @@ public:
     bool make(const ZvECore::ParamPostProcessing& param, const ZvStrokeProperty& property);
 
     void draw(RowRange rows, const PictureStrip& target, const PictureStrip* other) override;
-    ZvRect reach() const override { return area_.rect(); }
+    ZvRect reach() const override { return mArea.rect(); }
 
 private:
     void makeBand(int row, int rows);
 
-    WorkingArea area_;
-    Buffer<uint8_t> kernel_;
+    WorkingArea mArea;
+    Buffer<uint8_t> mKernel;
     // Of the text, of what is around it; null is none.
-    std::unique_ptr<Dilation> outward_, inward_;
-    Buffer<uint8_t> band_;  // Dilation::BATCH rows of either
-    uint32_t color_ = 0;
-    int mode_ = 0;
+    std::unique_ptr<Dilation> mOutward, mInward;
+    Buffer<uint8_t> mBand;  // Dilation::kBatch rows of either
+    uint32_t mColor = 0;
+    int mMode = 0;
 };
 
 bool StrokeRows::make(const ZvECore::ParamPostProcessing& param, const ZvStrokeProperty& property) {
     const bool centered = property.position == ZV_STROKE_CENTER;
-    color_ = property.color;
-    mode_ = centered && param.layerMode != 1 ? ZVE_BLEND_SRC_OVER : ZVE_BLEND_DST_OVER;
+    mColor = property.color;
+    mMode = centered && param.layerMode != 1 ? ZVE_BLEND_SRC_OVER : ZVE_BLEND_DST_OVER;
 
     unsigned char* cells = nullptr;
     const int kernelSize = makeCircleKernel(&cells, centered ? property.width * 0.5f : property.width);
     if (cells == nullptr) return false;
-    kernel_.adopt(cells);
+    mKernel.adopt(cells);
     const ZvRect& box = *param.textRect;
     const ZvBitmap& mask = *param.mask;
-    if (!area_.grow(box, int64_t{BORDER} + kernelSize / 2)) return false;
+    if (!mArea.grow(box, int64_t{kBorder} + kernelSize / 2)) return false;
     const auto add = [&](std::unique_ptr<Dilation>& dilation, uint8_t inverted) {
-        dilation = Dilation::make(dilationOf(mask, box, area_, cells, kernelSize, inverted));
+        dilation = Dilation::make(dilationOf(mask, box, mArea, cells, kernelSize, inverted));
         return dilation != nullptr;
     };
     const bool isOutside = property.position == ZV_STROKE_OUTSIDE;
-    if ((centered || isOutside) && !add(outward_, COVERAGE)) return false;
-    if (!isOutside && !add(inward_, BACKGROUND)) return false;
-    return band_.allocate(2 * Dilation::BATCH, area_.width);
+    if ((centered || isOutside) && !add(mOutward, kCoverage)) return false;
+    if (!isOutside && !add(mInward, kBackground)) return false;
+    return mBand.allocate(2 * Dilation::kBatch, mArea.width);
 }
 
 // What both dilations reach, or the one there is.
 void StrokeRows::makeBand(int row, int rows) {
-    dilateRows(outward_ != nullptr ? *outward_ : *inward_, row, rows, band_.get(), area_.width);
-    if (outward_ == nullptr || inward_ == nullptr) return;
-    const int64_t count = int64_t{area_.width} * rows;
-    uint8_t* band = band_.get();
+    dilateRows(mOutward != nullptr ? *mOutward : *mInward, row, rows, mBand.get(), mArea.width);
+    if (mOutward == nullptr || mInward == nullptr) return;
+    const int64_t count = int64_t{mArea.width} * rows;
+    uint8_t* band = mBand.get();
     uint8_t* inside = band + count;
-    dilateRows(*inward_, row, rows, inside, area_.width);
+    dilateRows(*mInward, row, rows, inside, mArea.width);
     for (int64_t i = 0; i < count; ++i) band[i] = std::min(band[i], inside[i]);
 }
 
 void StrokeRows::draw(RowRange rows, const PictureStrip& target, const PictureStrip* other) {
-    const RowRange part = rows.within(area_.y, area_.height);
-    for (int y = part.begin; y < part.end; y += Dilation::BATCH) {
-        const int count = std::min(part.end - y, Dilation::BATCH);
+    const RowRange part = rows.within(mArea.y, mArea.height);
+    for (int y = part.begin; y < part.end; y += Dilation::kBatch) {
+        const int count = std::min(part.end - y, Dilation::kBatch);
         makeBand(y, count);
         for (const PictureStrip* picture : {&target, other}) {
             if (picture == nullptr) continue;
-            ZvBlender::drawBitmapBlend8(area_.x, area_.y + y - picture->top, picture, band_.get(),
-                                        area_.width, count, area_.width, color_, mode_);
+            ZvBlender::drawBitmapBlend8(mArea.x, mArea.y + y - picture->top, picture, mBand.get(),
+                                        mArea.width, count, mArea.width, mColor, mMode);
         }
     }
 }
@@ -236,18 +236,18 @@ int ZvStroke::getOffset() {
 
 int ZvStroke::partalDTStrokeCenter(void* job) {
     if (job == nullptr) return 0;
-    dilatePlane(*static_cast<const DTJob*>(job), 0, COVERAGE);
-    dilatePlane(*static_cast<const DTJob*>(job), 1, BACKGROUND);
+    dilatePlane(*static_cast<const DTJob*>(job), 0, kCoverage);
+    dilatePlane(*static_cast<const DTJob*>(job), 1, kBackground);
     return 0;
 }
 
 int ZvStroke::partalDTStrokeOutside(void* job) {
-    if (job != nullptr) dilatePlane(*static_cast<const DTJob*>(job), 0, COVERAGE);
+    if (job != nullptr) dilatePlane(*static_cast<const DTJob*>(job), 0, kCoverage);
     return 0;
 }
 
 int ZvStroke::partalDTStrokeInside(void* job) {
-    if (job != nullptr) dilatePlane(*static_cast<const DTJob*>(job), 0, BACKGROUND);
+    if (job != nullptr) dilatePlane(*static_cast<const DTJob*>(job), 0, kBackground);
     return 0;
 }
 

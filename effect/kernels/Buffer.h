@@ -29,24 +29,24 @@ public:
     // first.
     bool allocate(int64_t rows, int64_t columns = 1, int64_t planes = 1) {
         const size_t bytes = reserve(rows, columns, planes);
-        if (bytes != 0) data_.reset(static_cast<T*>(std::malloc(bytes)));
-        preferLargePages(data_.get(), bytes);
-        if (data_ == nullptr) markOutOfMemory();
-        return data_ != nullptr;
+        if (bytes != 0) mData.reset(static_cast<T*>(std::malloc(bytes)));
+        preferLargePages(mData.get(), bytes);
+        if (mData == nullptr) markOutOfMemory();
+        return mData != nullptr;
     }
     bool allocateZeroed(int64_t rows, int64_t columns = 1, int64_t planes = 1) {
         const size_t bytes = reserve(rows, columns, planes);
-        if (bytes != 0) data_.reset(static_cast<T*>(std::calloc(bytes, 1)));
-        preferLargePages(data_.get(), bytes);
-        if (data_ == nullptr) markOutOfMemory();
-        return data_ != nullptr;
+        if (bytes != 0) mData.reset(static_cast<T*>(std::calloc(bytes, 1)));
+        preferLargePages(mData.get(), bytes);
+        if (mData == nullptr) markOutOfMemory();
+        return mData != nullptr;
     }
 
     // Takes over memory that came from malloc.
-    void adopt(T* data) { data_.reset(data); }
+    void adopt(T* data) { mData.reset(data); }
 
-    T* get() const { return data_.get(); }
-    T& operator[](size_t index) const { return data_.get()[index]; }
+    T* get() const { return mData.get(); }
+    T& operator[](size_t index) const { return mData.get()[index]; }
 
 private:
     struct Free {
@@ -56,7 +56,7 @@ private:
     // The size in bytes, 0 when it is refused. Sizes above half the address space are, so that pointer
     // differences stay exact.
     size_t reserve(int64_t rows, int64_t columns, int64_t planes) {
-        data_.reset();
+        mData.reset();
         if (rows <= 0 || columns <= 0 || planes <= 0) return 0;
         uint64_t left = uint64_t{PTRDIFF_MAX} / sizeof(T);
         for (const int64_t factor : {rows, columns, planes}) left /= static_cast<uint64_t>(factor);
@@ -64,7 +64,7 @@ private:
         return static_cast<size_t>(rows * columns * planes * static_cast<int64_t>(sizeof(T)));
     }
 
-    std::unique_ptr<T, Free> data_;
+    std::unique_ptr<T, Free> mData;
 };
 
 }  // namespace Zvex

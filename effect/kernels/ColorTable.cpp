@@ -13,18 +13,18 @@ namespace Zvex {
 
 namespace {
 
-constexpr float ENTRY_STEP = 0.00390625f;  // 1 / 256
+constexpr float kEntryStep = 0.00390625f;  // 1 / 256
 
 // Every second channel of a colour, with room above each for its product with a weight.
-constexpr uint32_t CHANNEL_PAIR = 0x00FF00FF;
+constexpr uint32_t kChannelPair = 0x00FF00FF;
 
 // (upper * weight + lower * (256 - weight)) >> 8 in each channel, weight in 0..256. Two channels share a
 // multiplication; their sums are at most 255 * 256, so that none reaches the next channel.
 uint32_t mix(uint32_t lower, uint32_t upper, int weight) {
     const uint32_t up = static_cast<uint32_t>(weight), down = 256 - up;
-    const uint32_t redBlue = (upper & CHANNEL_PAIR) * up + (lower & CHANNEL_PAIR) * down;
-    const uint32_t alphaGreen = (upper >> 8 & CHANNEL_PAIR) * up + (lower >> 8 & CHANNEL_PAIR) * down;
-    return (redBlue >> 8 & CHANNEL_PAIR) | (alphaGreen & ~CHANNEL_PAIR);
+    const uint32_t redBlue = (upper & kChannelPair) * up + (lower & kChannelPair) * down;
+    const uint32_t alphaGreen = (upper >> 8 & kChannelPair) * up + (lower >> 8 & kChannelPair) * down;
+    return (redBlue >> 8 & kChannelPair) | (alphaGreen & ~kChannelPair);
 }
 
 // The stretch between two stops.
@@ -56,17 +56,17 @@ float alongCurve(float x, int curve) {
 
 void fillColorTable(uint32_t* table, const ZvGradient* stops, int count, float firstStart, int curve) {
     if (count == 1) {
-        std::fill_n(table, COLOR_TABLE_SIZE, stops[0].color);
+        std::fill_n(table, kColorTableSize, stops[0].color);
         return;
     }
     table[0] = stops[0].color;
-    table[COLOR_TABLE_SIZE - 1] = stops[count - 1].color;
+    table[kColorTableSize - 1] = stops[count - 1].color;
     const float start = std::isnan(firstStart) ? 0.0f : firstStart;
     Segment segment{start, start, stops[0].color, stops[0].color};
     segment.moveOn(stops[1]);
     int next = 2;
-    for (int i = 1; i < COLOR_TABLE_SIZE - 1; ++i) {
-        const float place = alongCurve(static_cast<float>(i) * ENTRY_STEP, curve);
+    for (int i = 1; i < kColorTableSize - 1; ++i) {
+        const float place = alongCurve(static_cast<float>(i) * kEntryStep, curve);
         if (place > segment.end && next < count) segment.moveOn(stops[next++]);
         table[i] = segment.colorAt(place);
     }

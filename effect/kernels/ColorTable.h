@@ -10,7 +10,7 @@ namespace Zvex {
 
 // The colours along a row of stops: the table that the glows and the gradient fills look their pixels up in.
 // Entry i stands for the place i / 256 along the row. Entries are straight 0xAARRGGBB, like the stops.
-constexpr int COLOR_TABLE_SIZE = 257;
+constexpr int kColorTableSize = 257;
 
 // How a place along the table becomes a place along the stops. Other numbers are straight.
 enum ZvTableCurve : int {

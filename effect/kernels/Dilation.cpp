@@ -10,8 +10,8 @@
 // The maxima over windows of 2, 4, 8 ... pixels come from one another, once for every source row; that is an
 // idea of van Herk (1992) and of Gil and Werman (1993), here with powers of two.
 //
-// The target is raised in tiles of BATCH rows, held in registers while the kernel rows come by. What makes it
-// fast is what is not read:
+// The target is raised in tiles of kBatch rows, held in registers while the kernel rows come by. What makes
+// it fast is what is not read:
 // - A tile that no coverage reaches is skipped. So is the rest of the work where a tile has become full, as
 //   most do at once by the row under their own, or by the row that filled the tile above them.
 // - In the others, along the outline, the pixels that are not full yet are few. A kernel row is read if there
@@ -37,12 +37,12 @@ namespace Zvex {
 
 namespace {
 
-constexpr int BATCH = Dilation::BATCH;
-constexpr int64_t BLOCK = 32;       // pixels that are skipped together
-constexpr int64_t VECTOR_PAD = 64;  // readable bytes after the last pixel a line can be asked for
-constexpr int64_t CACHE_LINE = 64;
-constexpr int64_t SMALLEST_DEPTH = 5 * BATCH;         // keeps the repeated part of a ring small
-constexpr int SMALLEST_PATCH = 2, LARGEST_PATCH = 5;  // log2 of pixels: 4, a block
+constexpr int kBatch = Dilation::kBatch;
+constexpr int64_t kBlock = 32;      // pixels that are skipped together
+constexpr int64_t kVectorPad = 64;  // readable bytes after the last pixel a line can be asked for
+constexpr int64_t kCacheLine = 64;
+constexpr int64_t kSmallestDepth = 5 * kBatch;        // keeps the repeated part of a ring small
+constexpr int kSmallestPatch = 2, kLargestPatch = 5;  // log2 of pixels: 4, a block
 
 // What a row of the kernel reads around a block of the target, in patches of some pixels, a bit for each.
 struct Reach {
@@ -98,7 +98,7 @@ struct Work {
 #include "raster/ForEachTarget.h"
 
 int64_t roundUp(int64_t value) {
-    return (value + BLOCK - 1) / BLOCK * BLOCK;
+    return (value + kBlock - 1) / kBlock * kBlock;
 }
 
 struct CellRange {
@@ -143,107 +143,107 @@ private:
     void enterRow(int64_t row);
     void joinRows(int64_t row);
 
-    DilationParam param_;
-    int64_t firstColumn_ = 0, endColumn_ = 0;  // of the target, counted from the origin
-    int64_t before_ = 0, after_ = 0;           // rows and columns of the kernel before and after its centre
+    DilationParam mParam;
+    int64_t mFirstColumn = 0, mEndColumn = 0;  // of the target, counted from the origin
+    int64_t mBefore = 0, mAfter = 0;           // rows and columns of the kernel before and after its centre
 
     // The source with its sides.
-    int64_t originX_ = 0;  // place in target of its first column
-    int64_t columns_ = 0;
-    int64_t rowBegin_ = 0, rowEnd_ = 0;
+    int64_t mOriginX = 0;  // place in target of its first column
+    int64_t mColumns = 0;
+    int64_t mRowBegin = 0, mRowEnd = 0;
 
-    Buffer<KernelRow> kernelRows_;  // from the centre outwards
-    Buffer<RampCells> cells_;
-    int64_t kernelRowCount_ = 0, cellCount_ = 0;
-    Reach anyReach_ = {0, 0};
-    int patchShift_ = 0;  // a patch is 2^patchShift_ pixels of a row
-    int64_t patchesBefore_ = 0;
+    Buffer<KernelRow> mKernelRows;  // from the centre outwards
+    Buffer<RampCells> mCells;
+    int64_t mKernelRowCount = 0, mCellCount = 0;
+    Reach mAnyReach = {0, 0};
+    int mPatchShift = 0;  // a patch is 2^mPatchShift pixels of a row
+    int64_t mPatchesBefore = 0;
 
     // The source rows that the kernel reaches, in a ring of slots; the first few slots are repeated after the
-    // last, so that BATCH rows from any one on lie one behind the other. A slot has a line for each level
+    // last, so that kBatch rows from any one on lie one behind the other. A slot has a line for each level
     // that is used: the maxima over windows of 2^level pixels. The first byte that the target is raised by is
-    // byte `margin_` of a line.
-    static constexpr int LEVELS = 32;
-    Buffer<uint8_t> slots_;
-    bool used_[LEVELS] = {};
-    int64_t levelStart_[LEVELS] = {};  // within a slot
-    int levelCount_ = 1;
-    int64_t depth_ = 0, slotSize_ = 0, lineSize_ = 0, margin_ = 0;
-    int64_t sourceBegin_ = 0, sourceEnd_ = 0;  // columns that a line has
-    int64_t ringBegin_ = 0;
-    int64_t nextRow_ = 0;    // the first source row that has not been read
-    int64_t nextJoint_ = 0;  // the first one whose ink has not been joined with that of the rows after it
+    // byte `mMargin` of a line.
+    static constexpr int kLevels = 32;
+    Buffer<uint8_t> mSlots;
+    bool mUsed[kLevels] = {};
+    int64_t mLevelStart[kLevels] = {};  // within a slot
+    int mLevelCount = 1;
+    int64_t mDepth = 0, mSlotSize = 0, mLineSize = 0, mMargin = 0;
+    int64_t mSourceBegin = 0, mSourceEnd = 0;  // columns that a line has
+    int64_t mRingBegin = 0;
+    int64_t mNextRow = 0;    // the first source row that has not been read
+    int64_t mNextJoint = 0;  // the first one whose ink has not been joined with that of the rows after it
 
-    Buffer<uint8_t> passed_;  // lines of levels that are only passed through
-    Buffer<uint8_t> hasInk_;  // of the slots
-    Buffer<uint8_t> ink_;     // of the slots: a bit for each patch of a line, whether it has coverage
-    Buffer<uint8_t> joint_;   // of the slots: the ink of BATCH rows from that one on
-    Buffer<uint8_t> hasJoint_;
-    int64_t inkSize_ = 0;
-    Buffer<uint8_t> anyInk_;  // of all lines
-    Buffer<const uint8_t*> inks_;
-    Buffer<Line> lines_, lineOf_;
-    Buffer<Seen> seen_;
-    Buffer<int64_t> witnesses_;  // for each block of the target the source row that filled it last
+    Buffer<uint8_t> mPassed;  // lines of levels that are only passed through
+    Buffer<uint8_t> mHasInk;  // of the slots
+    Buffer<uint8_t> mInk;     // of the slots: a bit for each patch of a line, whether it has coverage
+    Buffer<uint8_t> mJoint;   // of the slots: the ink of kBatch rows from that one on
+    Buffer<uint8_t> mHasJoint;
+    int64_t mInkSize = 0;
+    Buffer<uint8_t> mAnyInk;  // of all lines
+    Buffer<const uint8_t*> mInks;
+    Buffer<Line> mLines, mLineOf;
+    Buffer<Seen> mSeen;
+    Buffer<int64_t> mWitnesses;  // for each block of the target the source row that filled it last
 };
 
-// Reads row `index` of the kernel. Cell i brings column before_ - i to a pixel of the target.
+// Reads row `index` of the kernel. Cell i brings column mBefore - i to a pixel of the target.
 void RingDilation::readKernelRow(int64_t index) {
-    const int64_t size = param_.kernelSize;
-    const uint8_t* cells = param_.kernel + index * size;
+    const int64_t size = mParam.kernelSize;
+    const uint8_t* cells = mParam.kernel + index * size;
     const CellRange run = longestRun(cells, size);
     KernelRow row = {};
-    row.offset = before_ - index;
+    row.offset = mBefore - index;
     row.hasRun = run.begin < run.end;
     if (row.hasRun) {
         while (int64_t{2} << row.level <= run.end - run.begin) ++row.level;
-        used_[row.level] = true;
-        levelCount_ = std::max(levelCount_, row.level + 1);
+        mUsed[row.level] = true;
+        mLevelCount = std::max(mLevelCount, row.level + 1);
         const int64_t width = int64_t{1} << row.level;
-        row.firstRun = before_ - run.end + 1;
-        row.lastRun = before_ - run.begin + 1 - width;
+        row.firstRun = mBefore - run.end + 1;
+        row.lastRun = mBefore - run.begin + 1 - width;
         row.firstAlone = row.firstRun == row.lastRun || row.firstRun + width >= 0;
         row.lastAlone = row.firstRun == row.lastRun || row.lastRun <= 1;
     }
-    row.rampBegin = cellCount_;
+    row.rampBegin = mCellCount;
     for (int64_t i = 0; i < size; ++i) {
         if (i == run.begin) i = std::max(run.begin, run.end - 1);
         if (!isRamp(cells, i, run)) continue;
-        const int64_t mirror = 2 * before_ - i;
+        const int64_t mirror = 2 * mBefore - i;
         const bool twice = mirror < size && isRamp(cells, mirror, run) && cells[mirror] == cells[i];
         if (twice && mirror > i) continue;
-        cells_[static_cast<size_t>(cellCount_++)] = {static_cast<ptrdiff_t>(before_ - i),
-                                                     static_cast<ptrdiff_t>(before_ - (twice ? mirror : i)),
+        mCells[static_cast<size_t>(mCellCount++)] = {static_cast<ptrdiff_t>(mBefore - i),
+                                                     static_cast<ptrdiff_t>(mBefore - (twice ? mirror : i)),
                                                      static_cast<uint8_t>(255 - cells[i])};
     }
-    row.rampEnd = cellCount_;
-    if (row.hasRun || row.rampBegin < row.rampEnd) kernelRows_[static_cast<size_t>(kernelRowCount_++)] = row;
+    row.rampEnd = mCellCount;
+    if (row.hasRun || row.rampBegin < row.rampEnd) mKernelRows[static_cast<size_t>(mKernelRowCount++)] = row;
 }
 
 // From the centre outwards: the widest runs come first, and with them most of what becomes full.
 bool RingDilation::readKernel() {
-    const int64_t size = param_.kernelSize;
-    const uint8_t* kernel = param_.kernel;
+    const int64_t size = mParam.kernelSize;
+    const uint8_t* kernel = mParam.kernel;
     int64_t partial = 0;
     for (int64_t i = 0; i < size * size; ++i) partial += kernel[i] != 0;
     for (int64_t row = 0; row < size; ++row) {
         const CellRange run = longestRun(kernel + row * size, size);
         partial -= run.end - run.begin;
     }
-    if (!kernelRows_.allocate(size) || !cells_.allocate(partial + 1)) return false;
-    readKernelRow(before_);
-    for (int64_t distance = 1; distance <= before_; ++distance) {
-        const int64_t i = before_ - distance, mirror = before_ + distance, count = kernelRowCount_;
+    if (!mKernelRows.allocate(size) || !mCells.allocate(partial + 1)) return false;
+    readKernelRow(mBefore);
+    for (int64_t distance = 1; distance <= mBefore; ++distance) {
+        const int64_t i = mBefore - distance, mirror = mBefore + distance, count = mKernelRowCount;
         readKernelRow(i);
         if (mirror >= size) continue;
         const bool same =
             std::memcmp(kernel + i * size, kernel + mirror * size, static_cast<size_t>(size)) == 0;
         if (!same) {
             readKernelRow(mirror);
-        } else if (kernelRowCount_ > count) {
-            KernelRow row = kernelRows_[static_cast<size_t>(count)];
+        } else if (mKernelRowCount > count) {
+            KernelRow row = mKernelRows[static_cast<size_t>(count)];
             row.offset = -distance;
-            kernelRows_[static_cast<size_t>(kernelRowCount_++)] = row;
+            mKernelRows[static_cast<size_t>(mKernelRowCount++)] = row;
         }
     }
     setReaches();
@@ -253,132 +253,132 @@ bool RingDilation::readKernel() {
 // The patches that each kernel row can reach from a block: as small as 64 bits allow. Up to 7 of these are
 // lost because they are read from a byte on.
 void RingDilation::setReaches() {
-    constexpr int BITS = 57;
-    const int64_t reach = std::max(before_, after_);
+    constexpr int kBits = 57;
+    const int64_t reach = std::max(mBefore, mAfter);
     int64_t most = 0;
-    for (patchShift_ = SMALLEST_PATCH; patchShift_ <= LARGEST_PATCH; ++patchShift_) {
-        most = (BITS - (BLOCK >> patchShift_)) / 2;
-        patchesBefore_ = std::min((reach + (int64_t{1} << patchShift_) - 1) >> patchShift_, most);
-        if (reach <= most << patchShift_) break;
+    for (mPatchShift = kSmallestPatch; mPatchShift <= kLargestPatch; ++mPatchShift) {
+        most = (kBits - (kBlock >> mPatchShift)) / 2;
+        mPatchesBefore = std::min((reach + (int64_t{1} << mPatchShift) - 1) >> mPatchShift, most);
+        if (reach <= most << mPatchShift) break;
     }
-    patchShift_ = std::min(patchShift_, LARGEST_PATCH);
-    const int64_t room = patchesBefore_ << patchShift_;
-    for (int64_t i = 0; i < kernelRowCount_; ++i) {
-        KernelRow& row = kernelRows_[static_cast<size_t>(i)];
+    mPatchShift = std::min(mPatchShift, kLargestPatch);
+    const int64_t room = mPatchesBefore << mPatchShift;
+    for (int64_t i = 0; i < mKernelRowCount; ++i) {
+        KernelRow& row = mKernelRows[static_cast<size_t>(i)];
         int64_t first = row.hasRun ? row.firstRun : INT64_MAX;
         int64_t last = row.hasRun ? row.lastRun + (int64_t{1} << row.level) - 1 : INT64_MIN;
         for (int64_t cell = row.rampBegin; cell < row.rampEnd; ++cell) {
-            first = std::min<int64_t>(first, cells_[static_cast<size_t>(cell)].first);
-            last = std::max<int64_t>(last, cells_[static_cast<size_t>(cell)].last);
+            first = std::min<int64_t>(first, mCells[static_cast<size_t>(cell)].first);
+            last = std::max<int64_t>(last, mCells[static_cast<size_t>(cell)].last);
         }
         if (first < -room || last > room) {
             row.reach = {0, ~uint64_t{0}};
         } else {
-            const int64_t firstPatch = (first + room) >> patchShift_;
-            const int64_t lastPatch = (last + room + BLOCK - 1) >> patchShift_;
+            const int64_t firstPatch = (first + room) >> mPatchShift;
+            const int64_t lastPatch = (last + room + kBlock - 1) >> mPatchShift;
             row.reach = {(uint64_t{2} << lastPatch) - (uint64_t{1} << firstPatch), 0};
         }
-        anyReach_.patches |= row.reach.patches;
-        anyReach_.always |= row.reach.always;
+        mAnyReach.patches |= row.reach.patches;
+        mAnyReach.always |= row.reach.always;
     }
 }
 
 // Where the lines of a slot lie, and from there what the kernel rows read of them.
 void RingDilation::setLevels() {
-    used_[0] = true;
+    mUsed[0] = true;
     int64_t count = 0;
-    for (int level = 0; level < levelCount_; ++level)
-        levelStart_[level] = used_[level] ? count++ * lineSize_ : 0;
+    for (int level = 0; level < mLevelCount; ++level)
+        mLevelStart[level] = mUsed[level] ? count++ * mLineSize : 0;
     // An odd number of cache lines: rows one below the other do not share the same few places of a cache.
-    slotSize_ = (count * lineSize_ + 2 * CACHE_LINE - 1) / (2 * CACHE_LINE) * (2 * CACHE_LINE) + CACHE_LINE;
-    for (int64_t i = 0; i < kernelRowCount_; ++i) {
-        KernelRow& row = kernelRows_[static_cast<size_t>(i)];
-        row.firstRun += levelStart_[row.level];
-        row.lastRun += levelStart_[row.level];
+    mSlotSize = (count * mLineSize + 2 * kCacheLine - 1) / (2 * kCacheLine) * (2 * kCacheLine) + kCacheLine;
+    for (int64_t i = 0; i < mKernelRowCount; ++i) {
+        KernelRow& row = mKernelRows[static_cast<size_t>(i)];
+        row.firstRun += mLevelStart[row.level];
+        row.lastRun += mLevelStart[row.level];
     }
 }
 
 bool RingDilation::makeRows() {
-    const int64_t blocks = roundUp(endColumn_ - firstColumn_) / BLOCK;
-    margin_ = roundUp(std::max(before_, after_));
-    lineSize_ = 2 * margin_ + blocks * BLOCK + VECTOR_PAD;
-    sourceBegin_ = std::max<int64_t>(0, firstColumn_ - margin_);
-    sourceEnd_ = std::min(columns_, endColumn_ + margin_);
+    const int64_t blocks = roundUp(mEndColumn - mFirstColumn) / kBlock;
+    mMargin = roundUp(std::max(mBefore, mAfter));
+    mLineSize = 2 * mMargin + blocks * kBlock + kVectorPad;
+    mSourceBegin = std::max<int64_t>(0, mFirstColumn - mMargin);
+    mSourceEnd = std::min(mColumns, mEndColumn + mMargin);
     setLevels();
-    depth_ = std::max<int64_t>(param_.kernelSize + BATCH - 1, SMALLEST_DEPTH);
-    depth_ = std::min<int64_t>(depth_, rowEnd_ - rowBegin_ + 2 * (BATCH - 1));
-    inkSize_ = roundUp((lineSize_ >> SMALLEST_PATCH) / 8 + static_cast<int64_t>(sizeof(uint64_t)) + 1);
-    const int64_t slots = depth_ + BATCH - 1;
-    if (!slots_.allocateZeroed(slots * slotSize_ + lineSize_ + VECTOR_PAD) ||
-        !passed_.allocateZeroed(3 * lineSize_) || !hasInk_.allocateZeroed(depth_) ||
-        !ink_.allocateZeroed(depth_, inkSize_) || !joint_.allocateZeroed(depth_, inkSize_) ||
-        !hasJoint_.allocateZeroed(depth_) || !anyInk_.allocateZeroed(inkSize_) ||
-        !inks_.allocate(param_.kernelSize) || !lines_.allocate(param_.kernelSize) ||
-        !lineOf_.allocate(param_.kernelSize) || !seen_.allocate(param_.kernelSize + 1) ||
-        !witnesses_.allocate(blocks))
+    mDepth = std::max<int64_t>(mParam.kernelSize + kBatch - 1, kSmallestDepth);
+    mDepth = std::min<int64_t>(mDepth, mRowEnd - mRowBegin + 2 * (kBatch - 1));
+    mInkSize = roundUp((mLineSize >> kSmallestPatch) / 8 + static_cast<int64_t>(sizeof(uint64_t)) + 1);
+    const int64_t slots = mDepth + kBatch - 1;
+    if (!mSlots.allocateZeroed(slots * mSlotSize + mLineSize + kVectorPad) ||
+        !mPassed.allocateZeroed(3 * mLineSize) || !mHasInk.allocateZeroed(mDepth) ||
+        !mInk.allocateZeroed(mDepth, mInkSize) || !mJoint.allocateZeroed(mDepth, mInkSize) ||
+        !mHasJoint.allocateZeroed(mDepth) || !mAnyInk.allocateZeroed(mInkSize) ||
+        !mInks.allocate(mParam.kernelSize) || !mLines.allocate(mParam.kernelSize) ||
+        !mLineOf.allocate(mParam.kernelSize) || !mSeen.allocate(mParam.kernelSize + 1) ||
+        !mWitnesses.allocate(blocks))
         return false;
-    std::fill_n(witnesses_.get(), blocks, ringBegin_);
+    std::fill_n(mWitnesses.get(), blocks, mRingBegin);
     return true;
 }
 
 bool RingDilation::prepare(const DilationParam& param) {
-    param_ = param;
+    mParam = param;
     // Coverage 0 has nothing to give unless it is inverted.
-    if (param.inverted == 0) param_.left = param_.top = param_.right = param_.bottom = 0;
-    originX_ = int64_t{param.originX} - param_.left;
-    columns_ = int64_t{param_.left} + std::max(param.columns, 0) + param_.right;
-    rowBegin_ = int64_t{param.rowBegin} - param_.top;
-    rowEnd_ = int64_t{param.rowEnd} + param_.bottom;
+    if (param.inverted == 0) mParam.left = mParam.top = mParam.right = mParam.bottom = 0;
+    mOriginX = int64_t{param.originX} - mParam.left;
+    mColumns = int64_t{mParam.left} + std::max(param.columns, 0) + mParam.right;
+    mRowBegin = int64_t{param.rowBegin} - mParam.top;
+    mRowEnd = int64_t{param.rowEnd} + mParam.bottom;
 
     const int64_t size = param.kernelSize;
-    before_ = size / 2;
-    after_ = size - 1 - before_;
-    firstRow_ = std::max<int64_t>(0, param.originY + rowBegin_ - before_);
-    endRow_ = std::min<int64_t>(param.targetHeight, param.originY + rowEnd_ + after_);
-    firstColumn_ = std::max<int64_t>(-before_, -originX_);
-    endColumn_ = std::min<int64_t>(columns_ + after_, param.targetWidth - originX_);
-    if (size <= 0 || columns_ <= 0 || rowBegin_ >= rowEnd_ || firstRow_ >= endRow_ ||
-        firstColumn_ >= endColumn_) {
-        endRow_ = firstRow_;
+    mBefore = size / 2;
+    mAfter = size - 1 - mBefore;
+    mFirstRow = std::max<int64_t>(0, param.originY + mRowBegin - mBefore);
+    mEndRow = std::min<int64_t>(param.targetHeight, param.originY + mRowEnd + mAfter);
+    mFirstColumn = std::max<int64_t>(-mBefore, -mOriginX);
+    mEndColumn = std::min<int64_t>(mColumns + mAfter, param.targetWidth - mOriginX);
+    if (size <= 0 || mColumns <= 0 || mRowBegin >= mRowEnd || mFirstRow >= mEndRow ||
+        mFirstColumn >= mEndColumn) {
+        mEndRow = mFirstRow;
         return true;
     }
-    ringBegin_ = std::max<int64_t>(rowBegin_ - (BATCH - 1), firstRow_ - param.originY - after_);
-    nextRow_ = nextJoint_ = ringBegin_;
+    mRingBegin = std::max<int64_t>(mRowBegin - (kBatch - 1), mFirstRow - param.originY - mAfter);
+    mNextRow = mNextJoint = mRingBegin;
     return readKernel() && makeRows();
 }
 
 size_t RingDilation::slotOf(int64_t row) const {
-    return static_cast<size_t>((row - ringBegin_) % depth_);
+    return static_cast<size_t>((row - mRingBegin) % mDepth);
 }
 
 // The columns of a source row that are needed, to their places in the line.
 void RingDilation::copySource(int64_t row, uint8_t* line) const {
-    uint8_t* pixels = line + margin_ - firstColumn_;  // of column 0
-    const int64_t left = param_.left, right = columns_ - param_.right;
-    const int64_t begin = std::max(sourceBegin_, left), end = std::min(sourceEnd_, right);
-    if (row < param_.rowBegin || row >= param_.rowEnd || begin >= end) {
-        std::memset(pixels + sourceBegin_, param_.inverted, static_cast<size_t>(sourceEnd_ - sourceBegin_));
+    uint8_t* pixels = line + mMargin - mFirstColumn;  // of column 0
+    const int64_t left = mParam.left, right = mColumns - mParam.right;
+    const int64_t begin = std::max(mSourceBegin, left), end = std::min(mSourceEnd, right);
+    if (row < mParam.rowBegin || row >= mParam.rowEnd || begin >= end) {
+        std::memset(pixels + mSourceBegin, mParam.inverted, static_cast<size_t>(mSourceEnd - mSourceBegin));
         return;
     }
-    std::memset(pixels + sourceBegin_, param_.inverted, static_cast<size_t>(begin - sourceBegin_));
-    ZVEX_ON_TARGET(copyRow(pixels + begin, param_.source + row * param_.sourceStride + (begin - left),
-                           end - begin, param_.inverted));
-    std::memset(pixels + end, param_.inverted, static_cast<size_t>(sourceEnd_ - end));
+    std::memset(pixels + mSourceBegin, mParam.inverted, static_cast<size_t>(begin - mSourceBegin));
+    ZVEX_ON_TARGET(copyRow(pixels + begin, mParam.source + row * mParam.sourceStride + (begin - left),
+                           end - begin, mParam.inverted));
+    std::memset(pixels + end, mParam.inverted, static_cast<size_t>(mSourceEnd - end));
 }
 
 uint8_t* RingDilation::slotAt(size_t slot) const {
-    return slots_.get() + static_cast<int64_t>(slot) * slotSize_;
+    return mSlots.get() + static_cast<int64_t>(slot) * mSlotSize;
 }
 
 uint8_t* RingDilation::inkAt(size_t slot) const {
-    return ink_.get() + static_cast<int64_t>(slot) * inkSize_;
+    return mInk.get() + static_cast<int64_t>(slot) * mInkSize;
 }
 
 // Where the slot has ink; whether it has any.
 bool RingDilation::makeInk(size_t slot) {
-    int64_t bytes = (lineSize_ - VECTOR_PAD) / BLOCK;
+    int64_t bytes = (mLineSize - kVectorPad) / kBlock;
     if (!ZVEX_ON_TARGET(findInk(inkAt(slot), slotAt(slot), bytes))) return false;
-    for (int shift = SMALLEST_PATCH; shift < patchShift_; ++shift) {
+    for (int shift = kSmallestPatch; shift < mPatchShift; ++shift) {
         bytes = (bytes + 1) / 2;
         ZVEX_ON_TARGET(halveInk(inkAt(slot), bytes));
     }
@@ -387,12 +387,12 @@ bool RingDilation::makeInk(size_t slot) {
 
 void RingDilation::makeWindows(uint8_t* slot) {
     const uint8_t* pixels = slot;
-    uint8_t* passed[2] = {passed_.get(), passed_.get() + lineSize_};
-    const int64_t first = margin_ - firstColumn_ + sourceBegin_, end = margin_ - firstColumn_ + sourceEnd_;
-    const int64_t begin = std::max<int64_t>(0, first - (int64_t{1} << levelCount_));
-    for (int level = 1; level < levelCount_; ++level) {
+    uint8_t* passed[2] = {mPassed.get(), mPassed.get() + mLineSize};
+    const int64_t first = mMargin - mFirstColumn + mSourceBegin, end = mMargin - mFirstColumn + mSourceEnd;
+    const int64_t begin = std::max<int64_t>(0, first - (int64_t{1} << mLevelCount));
+    for (int level = 1; level < mLevelCount; ++level) {
         const int64_t step = int64_t{1} << (level - 1);
-        uint8_t* windows = used_[level] ? slot + levelStart_[level] : passed[level % 2];
+        uint8_t* windows = mUsed[level] ? slot + mLevelStart[level] : passed[level % 2];
         ZVEX_ON_TARGET(doubleWindows(windows + begin, pixels + begin, end - begin, step));
         pixels = windows;
     }
@@ -402,80 +402,80 @@ void RingDilation::makeWindows(uint8_t* slot) {
 void RingDilation::enterRow(int64_t row) {
     const size_t slot = slotOf(row);
     uint8_t* lines = slotAt(slot);
-    const bool wasEmpty = hasInk_[slot] == 0;
-    hasInk_[slot] = 0;
-    if (row >= rowBegin_ && row < rowEnd_) {
+    const bool wasEmpty = mHasInk[slot] == 0;
+    mHasInk[slot] = 0;
+    if (row >= mRowBegin && row < mRowEnd) {
         copySource(row, lines);
-        hasInk_[slot] = makeInk(slot);
+        mHasInk[slot] = makeInk(slot);
     }
-    if (hasInk_[slot] != 0) {
+    if (mHasInk[slot] != 0) {
         makeWindows(lines);
     } else {
         if (wasEmpty) return;
-        std::memset(lines, 0, static_cast<size_t>(slotSize_));
-        std::memset(inkAt(slot), 0, static_cast<size_t>(inkSize_));
+        std::memset(lines, 0, static_cast<size_t>(mSlotSize));
+        std::memset(inkAt(slot), 0, static_cast<size_t>(mInkSize));
     }
-    if (slot < BATCH - 1) std::memcpy(lines + depth_ * slotSize_, lines, static_cast<size_t>(slotSize_));
+    if (slot < kBatch - 1) std::memcpy(lines + mDepth * mSlotSize, lines, static_cast<size_t>(mSlotSize));
 }
 
-// Notes where the BATCH rows from `row` on have ink.
+// Notes where the kBatch rows from `row` on have ink.
 void RingDilation::joinRows(int64_t row) {
     const size_t slot = slotOf(row);
-    const uint8_t* inks[BATCH];
+    const uint8_t* inks[kBatch];
     int64_t count = 0;
-    for (int i = 0; i < BATCH; ++i) {
+    for (int i = 0; i < kBatch; ++i) {
         const size_t other = slotOf(row + i);
-        if (hasInk_[other] != 0) inks[count++] = inkAt(other);
+        if (mHasInk[other] != 0) inks[count++] = inkAt(other);
     }
-    hasJoint_[slot] = count != 0;
+    mHasJoint[slot] = count != 0;
     if (count != 0) {
-        ZVEX_ON_TARGET(joinInk(joint_.get() + static_cast<int64_t>(slot) * inkSize_, inks, count, inkSize_));
+        ZVEX_ON_TARGET(joinInk(mJoint.get() + static_cast<int64_t>(slot) * mInkSize, inks, count, mInkSize));
     }
 }
 
 // The kernel rows as they lie over the source row `over` and the next ones, those with ink; how many.
 int64_t RingDilation::layLines(int64_t over, int64_t firstOffset, int64_t lastOffset) {
-    std::fill_n(lineOf_.get(), lastOffset - firstOffset + 1, Line{nullptr, nullptr, {0, 0}, nullptr});
+    std::fill_n(mLineOf.get(), lastOffset - firstOffset + 1, Line{nullptr, nullptr, {0, 0}, nullptr});
     int64_t count = 0;
-    for (int64_t i = 0; i < kernelRowCount_; ++i) {
-        const KernelRow& kernel = kernelRows_[static_cast<size_t>(i)];
+    for (int64_t i = 0; i < mKernelRowCount; ++i) {
+        const KernelRow& kernel = mKernelRows[static_cast<size_t>(i)];
         if (kernel.offset < firstOffset || kernel.offset > lastOffset) continue;
         const size_t slot = slotOf(over + kernel.offset);
-        if (hasJoint_[slot] == 0) continue;
-        const uint8_t* ink = joint_.get() + static_cast<int64_t>(slot) * inkSize_;
-        const Line line = {slotAt(slot) + margin_, ink, kernel.reach, &kernel};
-        if (kernel.hasRun) lineOf_[static_cast<size_t>(kernel.offset - firstOffset)] = line;
-        inks_[static_cast<size_t>(count)] = ink;
-        lines_[static_cast<size_t>(count++)] = line;
+        if (mHasJoint[slot] == 0) continue;
+        const uint8_t* ink = mJoint.get() + static_cast<int64_t>(slot) * mInkSize;
+        const Line line = {slotAt(slot) + mMargin, ink, kernel.reach, &kernel};
+        if (kernel.hasRun) mLineOf[static_cast<size_t>(kernel.offset - firstOffset)] = line;
+        mInks[static_cast<size_t>(count)] = ink;
+        mLines[static_cast<size_t>(count++)] = line;
     }
-    ZVEX_ON_TARGET(joinInk(anyInk_.get(), inks_.get(), count, inkSize_));
+    ZVEX_ON_TARGET(joinInk(mAnyInk.get(), mInks.get(), count, mInkSize));
     return count;
 }
 
 void RingDilation::raise(int64_t row, int rows, uint8_t* target, int64_t stride) {
-    const int64_t over = row - param_.originY;  // the source row under the kernel's centre
-    const int64_t firstOffset = std::max(-after_, rowBegin_ - (BATCH - 1) - over);
-    const int64_t lastOffset = std::min(before_, rowEnd_ - 1 - over);
-    for (; nextRow_ < over + lastOffset + BATCH; ++nextRow_) enterRow(nextRow_);
-    for (; nextJoint_ <= nextRow_ - BATCH; ++nextJoint_) joinRows(nextJoint_);
+    const int64_t over = row - mParam.originY;  // the source row under the kernel's centre
+    const int64_t firstOffset = std::max(-mAfter, mRowBegin - (kBatch - 1) - over);
+    const int64_t lastOffset = std::min(mBefore, mRowEnd - 1 - over);
+    for (; mNextRow < over + lastOffset + kBatch; ++mNextRow) enterRow(mNextRow);
+    for (; mNextJoint <= mNextRow - kBatch; ++mNextJoint) joinRows(mNextJoint);
 
     const int64_t lineCount = layLines(over, firstOffset, lastOffset);
-    const Work work = {lines_.get(),
+    const Work work = {mLines.get(),
                        lineCount,
-                       lineOf_.get(),
+                       mLineOf.get(),
                        firstOffset,
                        lastOffset,
                        over,
-                       static_cast<ptrdiff_t>(slotSize_),
-                       anyInk_.get(),
-                       anyReach_,
-                       patchShift_,
-                       static_cast<int>(patchesBefore_),
-                       (margin_ >> patchShift_) - patchesBefore_,
-                       cells_.get(),
-                       seen_.get()};
-    ZVEX_ON_TARGET(raiseRows(target + originX_ + firstColumn_, stride, endColumn_ - firstColumn_, rows, work,
-                             witnesses_.get()));
+                       static_cast<ptrdiff_t>(mSlotSize),
+                       mAnyInk.get(),
+                       mAnyReach,
+                       mPatchShift,
+                       static_cast<int>(mPatchesBefore),
+                       (mMargin >> mPatchShift) - mPatchesBefore,
+                       mCells.get(),
+                       mSeen.get()};
+    ZVEX_ON_TARGET(raiseRows(target + mOriginX + mFirstColumn, stride, mEndColumn - mFirstColumn, rows, work,
+                             mWitnesses.get()));
 }
 
 }  // namespace
@@ -489,8 +489,8 @@ std::unique_ptr<Dilation> Dilation::make(const DilationParam& param) {
 bool dilate(const DilationParam& param) {
     const auto dilation = Dilation::make(param);
     if (dilation == nullptr) return false;
-    for (int64_t row = dilation->firstRow(); row < dilation->endRow(); row += BATCH) {
-        const int64_t rows = std::min<int64_t>(dilation->endRow() - row, BATCH);
+    for (int64_t row = dilation->firstRow(); row < dilation->endRow(); row += kBatch) {
+        const int64_t rows = std::min<int64_t>(dilation->endRow() - row, kBatch);
         dilation->raise(row, static_cast<int>(rows), param.target + row * param.targetWidth,
                         param.targetWidth);
     }

@@ -41,7 +41,7 @@ bool dilate(const DilationParam& param);
 // where there is coverage within its reach.
 class Dilation {
 public:
-    static constexpr int BATCH = 8;
+    static constexpr int kBatch = 8;
 
     // With memory for all the rows; null when it is short. Reads the kernel and keeps the source, which must
     // last. `target` is not read.
@@ -49,15 +49,15 @@ public:
     virtual ~Dilation() = default;
 
     // Half-open; the rows of the target that can be raised.
-    int64_t firstRow() const { return firstRow_; }
-    int64_t endRow() const { return endRow_; }
+    int64_t firstRow() const { return mFirstRow; }
+    int64_t endRow() const { return mEndRow; }
 
-    // Raises up to BATCH rows from `row` on, `target` being the place of the first one's first pixel and
+    // Raises up to kBatch rows from `row` on, `target` being the place of the first one's first pixel and
     // `stride` the bytes from row to row. From firstRow() to endRow(), each row once at most.
     virtual void raise(int64_t row, int rows, uint8_t* target, int64_t stride) = 0;
 
 protected:
-    int64_t firstRow_ = 0, endRow_ = 0;
+    int64_t mFirstRow = 0, mEndRow = 0;
 };
 
 }  // namespace Zvex

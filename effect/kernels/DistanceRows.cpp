@@ -19,110 +19,110 @@ float cappedRoot(float square, int radius) {
     return square > limit * limit ? limit : std::sqrt(square);
 }
 
-// In a plane of 0 and ENDLESS_SQUARE the envelope is the true minimum as long as x^2 and the square of a
+// In a plane of 0 and kEndlessSquare the envelope is the true minimum as long as x^2 and the square of a
 // height fit a float together: all sums and differences are exact, then, and so few that no crossing is
 // rounded across a pixel (two crossings with whole pixels differ by 1 / (2 * 4096) at least, floats below
 // 4096 by no more). This is how many columns that holds for.
-constexpr int64_t EXACT = 1 << 24;
+constexpr int64_t kExact = 1 << 24;
 
 int exactColumns(int height) {
     const int64_t tallest = int64_t{height} * height;
-    if (tallest >= EXACT) return 0;
-    return static_cast<int>(std::sqrt(static_cast<double>(EXACT - tallest)));
+    if (tallest >= kExact) return 0;
+    return static_cast<int>(std::sqrt(static_cast<double>(kExact - tallest)));
 }
 
 // The transform, from the true minimum where that is the same and else from the envelope.
 class TransformRows : public DistanceRows {
 public:
     TransformRows(int width, int height, int radius)
-        : DistanceRows(width, height), radius_(radius), exact_(exactColumns(height)) {}
+        : DistanceRows(width, height), mRadius(radius), mExact(exactColumns(height)) {}
 
     bool make(const uint8_t* levels) {
-        if (exact_ < 1 || int64_t{radius_} * radius_ > EXACT) return makePlane(levels) && allocate();
-        const bool wide = width_ > exact_;
-        if (wide && (!envelope_.allocate(width_) || !end_.allocate(width_, 2))) return false;
-        const int reachX = std::min(radius_, width_ - 1), reachY = std::min(radius_, height_ - 1);
-        return full_.make(levels, width_, 0, height_ - 1, reachX, reachY, wide ? height_ : reachY + 1) &&
+        if (mExact < 1 || int64_t{mRadius} * mRadius > kExact) return makePlane(levels) && allocate();
+        const bool wide = mWidth > mExact;
+        if (wide && (!mEnvelope.allocate(mWidth) || !mEnd.allocate(mWidth, 2))) return false;
+        const int reachX = std::min(mRadius, mWidth - 1), reachY = std::min(mRadius, mHeight - 1);
+        return mFull.make(levels, mWidth, 0, mHeight - 1, reachX, reachY, wide ? mHeight : reachY + 1) &&
                allocate();
     }
 
 private:
     bool makePlane(const uint8_t* levels) {
-        if (!plane_.allocate(height_, width_)) return false;
-        const size_t count = static_cast<size_t>(width_) * static_cast<size_t>(height_);
-        for (size_t i = 0; i < count; ++i) plane_[i] = levels[i] == 0 ? 0.0f : ENDLESS_SQUARE;
-        return squaredDistances(plane_.get(), width_, height_);
+        if (!mPlane.allocate(mHeight, mWidth)) return false;
+        const size_t count = static_cast<size_t>(mWidth) * static_cast<size_t>(mHeight);
+        for (size_t i = 0; i < count; ++i) mPlane[i] = levels[i] == 0 ? 0.0f : kEndlessSquare;
+        return squaredDistances(mPlane.get(), mWidth, mHeight);
     }
 
     // The squares of a row that is too wide, from the pixel that is returned on. That pixel is one of the
     // nearest full kind, a little before the sums are rounded: it stays in the envelope and hides all that is
     // before it.
     int transformEnd() {
-        constexpr int ROUNDED_SLOPES = 16;  // so near the rounded parabolas might push it out
-        const int16_t* steps = full_.steps();
-        int first = std::max(exact_ - ROUNDED_SLOPES, 0);
+        constexpr int kRoundedSlopes = 16;  // so near the rounded parabolas might push it out
+        const int16_t* steps = mFull.steps();
+        int first = std::max(mExact - kRoundedSlopes, 0);
         while (first > 0 && steps[first] != 0) --first;
-        float* values = end_.get() + width_;
-        for (int x = first; x < width_; ++x) {
+        float* values = mEnd.get() + mWidth;
+        for (int x = first; x < mWidth; ++x) {
             const int64_t step = steps[x];
-            values[x] = step < height_ ? static_cast<float>(step * step) : ENDLESS_SQUARE;
+            values[x] = step < mHeight ? static_cast<float>(step * step) : kEndlessSquare;
         }
-        envelope_.run(end_.get(), values, width_, first);
+        mEnvelope.run(mEnd.get(), values, mWidth, first);
         return first;
     }
 
     void measure(float* row) override {
-        if (plane_.get() != nullptr) {
-            const float* squares = plane_.get() + ptrdiff_t{y_} * width_;
-            for (int x = 0; x < width_; ++x) row[x] = cappedRoot(squares[x], radius_);
-        } else if (const float limit = static_cast<float>(radius_); !full_.next()) {
-            std::fill_n(row, width_, limit);
+        if (mPlane.get() != nullptr) {
+            const float* squares = mPlane.get() + ptrdiff_t{mY} * mWidth;
+            for (int x = 0; x < mWidth; ++x) row[x] = cappedRoot(squares[x], mRadius);
+        } else if (const float limit = static_cast<float>(mRadius); !mFull.next()) {
+            std::fill_n(row, mWidth, limit);
         } else {
-            const int begin = width_ > exact_ ? transformEnd() : width_;
-            full_.distances(row, nullptr, radius_ * radius_, limit);
-            for (int x = begin; x < width_; ++x) row[x] = cappedRoot(end_[static_cast<size_t>(x)], radius_);
+            const int begin = mWidth > mExact ? transformEnd() : mWidth;
+            mFull.distances(row, nullptr, mRadius * mRadius, limit);
+            for (int x = begin; x < mWidth; ++x) row[x] = cappedRoot(mEnd[static_cast<size_t>(x)], mRadius);
         }
     }
 
-    int radius_, exact_;
-    NearestFull full_;
-    LineTransform envelope_;
-    Buffer<float> end_;
-    Buffer<float> plane_;  // of squares, in place of all the others
+    int mRadius, mExact;
+    NearestFull mFull;
+    LineTransform mEnvelope;
+    Buffer<float> mEnd;
+    Buffer<float> mPlane;  // of squares, in place of all the others
 };
 
 class SearchRows : public DistanceRows {
 public:
     SearchRows(int width, int height, const LevelPlane& plane, bool outward)
-        : DistanceRows(width, height), plane_(plane), outward_(outward) {}
+        : DistanceRows(width, height), mPlane(plane), mOutward(outward) {}
 
     bool make(int radius) {
-        searches_ = radius > 0;
-        return (!searches_ || nearest_.make(plane_, width_, height_, radius,
-                                            outward_ ? INFINITE : plane_.ramp[255], 0, height_)) &&
+        mSearches = radius > 0;
+        return (!mSearches || mNearest.make(mPlane, mWidth, mHeight, radius,
+                                            mOutward ? kInfinite : mPlane.ramp[255], 0, mHeight)) &&
                allocate();
     }
 
 private:
     void measure(float* row) override {
-        if (searches_) {
-            nearest_.next(row, plane_.ramp, outward_);
+        if (mSearches) {
+            mNearest.next(row, mPlane.ramp, mOutward);
         } else {
-            const uint8_t* levels = plane_.pixels + ptrdiff_t{y_} * width_;
-            for (int x = 0; x < width_; ++x) row[x] = plane_.ramp[levels[x]];
+            const uint8_t* levels = mPlane.pixels + ptrdiff_t{mY} * mWidth;
+            for (int x = 0; x < mWidth; ++x) row[x] = mPlane.ramp[levels[x]];
         }
     }
 
-    LevelPlane plane_;
-    bool outward_, searches_ = false;
-    OutwardRows nearest_;
+    LevelPlane mPlane;
+    bool mOutward, mSearches = false;
+    OutwardRows mNearest;
 };
 
 }  // namespace
 
 bool DistanceRows::allocate() {
-    if (!lines_.allocate(3, int64_t{width_} + PADDING)) return false;
-    std::fill_n(lines_.get(), 3 * (int64_t{width_} + PADDING), 0.0f);
+    if (!mLines.allocate(3, int64_t{mWidth} + kPadding)) return false;
+    std::fill_n(mLines.get(), 3 * (int64_t{mWidth} + kPadding), 0.0f);
     return true;
 }
 

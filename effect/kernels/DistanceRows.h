@@ -28,24 +28,24 @@ public:
                                                 const float* ramp, bool outward);
 
     // Measures the next row. As many calls as there are rows.
-    void next() { measure(line(y_)), ++y_; }
+    void next() { measure(line(mY)), ++mY; }
     // Row y, one of the last three measured.
     const float* row(int y) const { return line(y); }
 
 protected:
-    DistanceRows(int width, int height) : width_(width), height_(height) {}
+    DistanceRows(int width, int height) : mWidth(width), mHeight(height) {}
     bool allocate();
-    // Row y_; up to PADDING floats beyond the row may be written.
+    // Row mY; up to kPadding floats beyond the row may be written.
     virtual void measure(float* row) = 0;
 
-    static constexpr int PADDING = 64;
-    const int width_, height_;
-    int y_ = 0;
+    static constexpr int kPadding = 64;
+    const int mWidth, mHeight;
+    int mY = 0;
 
 private:
-    float* line(int y) const { return lines_.get() + y % 3 * (int64_t{width_} + PADDING); }
+    float* line(int y) const { return mLines.get() + y % 3 * (int64_t{mWidth} + kPadding); }
 
-    Buffer<float> lines_;  // the last three rows
+    Buffer<float> mLines;  // the last three rows
 };
 
 }  // namespace Zvex

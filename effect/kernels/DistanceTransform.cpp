@@ -20,12 +20,12 @@ float crossing(const float* values, int p, int q) {
 }  // namespace
 
 void LineTransform::run(float* result, const float* values, int count, int first) const {
-    int* vertices = vertices_.get();
-    float* bounds = bounds_.get();
+    int* vertices = mVertices.get();
+    float* bounds = mBounds.get();
     int last = 0;
     vertices[0] = first;
-    bounds[0] = -ENDLESS_SQUARE;
-    bounds[1] = ENDLESS_SQUARE;
+    bounds[0] = -kEndlessSquare;
+    bounds[1] = kEndlessSquare;
     for (int q = first + 1; q < count; ++q) {
         float begin = crossing(values, vertices[last], q);
         // The first one stays whatever the values are: no image's parabolas cross before bounds[0].
@@ -33,7 +33,7 @@ void LineTransform::run(float* result, const float* values, int count, int first
         ++last;
         vertices[last] = q;
         bounds[last] = begin;
-        bounds[last + 1] = ENDLESS_SQUARE;
+        bounds[last + 1] = kEndlessSquare;
     }
     last = 0;
     for (int q = first; q < count; ++q) {

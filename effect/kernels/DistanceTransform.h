@@ -13,7 +13,7 @@ namespace Zvex {
 // pixels only: see DistanceSearch.h for the fractions of partly covered ones.
 
 // What stands for "no distance" in a plane; its square root exceeds any picture.
-constexpr float ENDLESS_SQUARE = 1e20f;
+constexpr float kEndlessSquare = 1e20f;
 
 // result[q] = the smallest of values[p] + (q - p)^2, in squared pixels. The arrays must not overlap. count
 // below 1 writes nothing. The envelope is found in single precision: near the place where two parabolas
@@ -21,7 +21,7 @@ constexpr float ENDLESS_SQUARE = 1e20f;
 // False when memory is short, with nothing written.
 bool squaredDistances(float* result, const float* values, int count);
 
-// The same over a plane of packed rows, columns first, then rows, in place: with ENDLESS_SQUARE on the pixels
+// The same over a plane of packed rows, columns first, then rows, in place: with kEndlessSquare on the pixels
 // of one kind and 0 on those of the other, each of the former becomes its squared distance to the nearest of
 // the latter. Null planes and empty sizes are left alone.
 bool squaredDistances(float* plane, int width, int height);
@@ -31,14 +31,14 @@ class LineTransform {
 public:
     // For lines of up to `longest` pixels.
     bool allocate(int longest) {
-        return vertices_.allocate(longest) && bounds_.allocate(int64_t{longest} + 1);
+        return mVertices.allocate(longest) && mBounds.allocate(int64_t{longest} + 1);
     }
     // See squaredDistances. From `first` on, as if the line began there.
     void run(float* result, const float* values, int count, int first = 0) const;
 
 private:
-    Buffer<int> vertices_;  // the lowest points of the envelope's parabolas, from left to right
-    Buffer<float> bounds_;  // parabola k is the lowest from bounds_[k] to bounds_[k + 1]
+    Buffer<int> mVertices;  // the lowest points of the envelope's parabolas, from left to right
+    Buffer<float> mBounds;  // parabola k is the lowest from mBounds[k] to mBounds[k + 1]
 };
 
 }  // namespace Zvex

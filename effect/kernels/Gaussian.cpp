@@ -17,17 +17,17 @@ namespace Zvex {
 
 namespace {
 
-constexpr double LN_100 = 4.60517;
+constexpr double kLn100 = 4.60517;
 
 // Of the weights, so that 255 times them, the largest sum there is, fits 32 bits.
-constexpr int64_t MAX_TOTAL = UINT32_MAX / 255;
+constexpr int64_t kMaxTotal = UINT32_MAX / 255;
 
 // See Divisor.
-constexpr uint32_t MAX_MULTIPLIED_TOTAL = uint32_t{1} << 23;
+constexpr uint32_t kMaxMultipliedTotal = uint32_t{1} << 23;
 
 Divisor divisorOf(uint32_t total) {
     Divisor divisor;
-    if (total < 2 || total > MAX_MULTIPLIED_TOTAL) return divisor;
+    if (total < 2 || total > kMaxMultipliedTotal) return divisor;
     while (uint64_t{2} << divisor.shift < total) ++divisor.shift;
     const uint64_t power = uint64_t{1} << (32 + divisor.shift);
     divisor.multiplier = static_cast<uint32_t>((power + total - 1) / total);
@@ -35,15 +35,15 @@ Divisor divisorOf(uint32_t total) {
 }
 
 // Scratch of the kernels: the weights and their sums in groups, then a strip. Of no build do they need more.
-constexpr int64_t CACHE_LINE = 64;
+constexpr int64_t kCacheLine = 64;
 
 int64_t weightBytes(int radius) {
-    return (8 * (2 * int64_t{radius} + 12) / CACHE_LINE + 1) * CACHE_LINE;
+    return (8 * (2 * int64_t{radius} + 12) / kCacheLine + 1) * kCacheLine;
 }
 
 // `length` windows along the strip.
 int64_t stripBytes(int radius, int length) {
-    return CACHE_LINE * (int64_t{length} + 2 * int64_t{radius} + 2 * CACHE_LINE);
+    return kCacheLine * (int64_t{length} + 2 * int64_t{radius} + 2 * kCacheLine);
 }
 
 struct BlurKernel {
@@ -54,7 +54,7 @@ struct BlurKernel {
 };
 
 uint8_t* alignedToCacheLine(uint8_t* at) {
-    return at + (CACHE_LINE - reinterpret_cast<uintptr_t>(at) % CACHE_LINE) % CACHE_LINE;
+    return at + (kCacheLine - reinterpret_cast<uintptr_t>(at) % kCacheLine) % kCacheLine;
 }
 
 #define ZVEX_KERNELS "effect/kernels/GaussianKernels.inc"
@@ -64,7 +64,7 @@ uint8_t* alignedToCacheLine(uint8_t* at) {
 
 bool Gaussian::make(int newRadius, int scale, GaussianConstant constant) {
     radius = newRadius < 1 ? 0 : newRadius;
-    if (scale + 2 * int64_t{radius} > MAX_TOTAL) return false;  // no weight is below 1
+    if (scale + 2 * int64_t{radius} > kMaxTotal) return false;  // no weight is below 1
     if (!weights.allocate(int64_t{radius} + 1)) return false;
     weights[0] = scale;
     const float squaredRadius = static_cast<float>(radius) * static_cast<float>(radius);
@@ -72,8 +72,8 @@ bool Gaussian::make(int newRadius, int scale, GaussianConstant constant) {
     for (int i = 1; i <= radius; ++i) {
         const float square = static_cast<float>(-int64_t{i} * i);
         const float exponent = constant == GaussianConstant::Double
-                                   ? static_cast<float>(square / (squaredRadius / LN_100))
-                                   : square / (squaredRadius / static_cast<float>(LN_100));
+                                   ? static_cast<float>(square / (squaredRadius / kLn100))
+                                   : square / (squaredRadius / static_cast<float>(kLn100));
         const float unit = std::exp(exponent);
         const double weight = constant == GaussianConstant::Double
                                   ? unit * static_cast<double>(scale)
@@ -81,38 +81,38 @@ bool Gaussian::make(int newRadius, int scale, GaussianConstant constant) {
         weights[static_cast<size_t>(i)] = truncateToInt(weight + 0.5);
         sum += 2 * int64_t{weights[static_cast<size_t>(i)]};
     }
-    if (sum > MAX_TOTAL) return false;
+    if (sum > kMaxTotal) return false;
     total = static_cast<uint32_t>(sum);
     divisor = divisorOf(total);
     return true;
 }
 
 bool Blur::prepare(const Gaussian& kernel, int width, int height) {
-    kernel_ = &kernel;
+    mKernel = &kernel;
     // The kernels count pixels, with the windows' around them, in ints.
     if (std::max(width, height) + 2 * int64_t{kernel.radius} + 1024 > INT32_MAX) return false;
-    return scratch_.allocate(weightBytes(kernel.radius) + CACHE_LINE +
+    return mScratch.allocate(weightBytes(kernel.radius) + kCacheLine +
                              stripBytes(kernel.radius, std::max(width, height)));
 }
 
 void Blur::rows(const BlurPass& pass) {
-    const BlurKernel kernel = {kernel_->weights.get(), kernel_->radius, kernel_->total, kernel_->divisor};
-    uint8_t* scratch = alignedToCacheLine(scratch_.get());
+    const BlurKernel kernel = {mKernel->weights.get(), mKernel->radius, mKernel->total, mKernel->divisor};
+    uint8_t* scratch = alignedToCacheLine(mScratch.get());
     const ptrdiff_t weights = weightBytes(kernel.radius);
     ZVEX_ON_TARGET(blurRows(pass, kernel, scratch, weights));
 }
 
 void Blur::columns(const BlurPass& pass) {
-    const BlurKernel kernel = {kernel_->weights.get(), kernel_->radius, kernel_->total, kernel_->divisor};
-    uint8_t* scratch = alignedToCacheLine(scratch_.get());
+    const BlurKernel kernel = {mKernel->weights.get(), mKernel->radius, mKernel->total, mKernel->divisor};
+    uint8_t* scratch = alignedToCacheLine(mScratch.get());
     const ptrdiff_t weights = weightBytes(kernel.radius);
     ZVEX_ON_TARGET(blurColumns(pass, kernel, scratch, weights));
 }
 
 int blurBandRows(const Gaussian& kernel) {
-    constexpr int64_t STRIP = 64, MOST_STRIPS = 4;  // the kernels' largest
-    const int64_t strips = (64 + int64_t{kernel.radius} / 2 + STRIP / 2) / STRIP;
-    return static_cast<int>(STRIP * std::min(strips, MOST_STRIPS));
+    constexpr int64_t kStrip = 64, kMostStrips = 4;  // the kernels' largest
+    const int64_t strips = (64 + int64_t{kernel.radius} / 2 + kStrip / 2) / kStrip;
+    return static_cast<int>(kStrip * std::min(strips, kMostStrips));
 }
 
 bool blurPlane(const BlurParam& p) {

@@ -66,8 +66,8 @@ public:
     void columns(const BlurPass& pass);
 
 private:
-    const Gaussian* kernel_ = nullptr;
-    Buffer<uint8_t> scratch_;
+    const Gaussian* mKernel = nullptr;
+    Buffer<uint8_t> mScratch;
 };
 
 // The rows that a pass down the columns is best given at a time: few enough to stay in the cache until the

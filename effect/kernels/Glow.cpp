@@ -35,32 +35,32 @@ namespace Zvex {
 
 namespace {
 
-constexpr int LAST_ENTRY = COLOR_TABLE_SIZE - 1;
+constexpr int kLastEntry = kColorTableSize - 1;
 
-constexpr float FADE_START = 0.3f;
-constexpr float MOST_FADE_START = 0.99f, LEAST_FADE_START = 0.01f;
+constexpr float kFadeStart = 0.3f;
+constexpr float kMostFadeStart = 0.99f, kLeastFadeStart = 0.01f;
 
-constexpr double PASSES_OF_REACH = 0.475;
-constexpr float BLUR_OF_REACH = 0.9f;
-constexpr int GAUSSIAN_SCALE = 128;
+constexpr double kPassesOfReach = 0.475;
+constexpr float kBlurOfReach = 0.9f;
+constexpr int kGaussianScale = 128;
 
 // What the border around the blurred pixels shows.
-constexpr uint32_t BORDER_OUTSIDE = 0, BORDER_INSIDE = 0xFFFFFFFF;
+constexpr uint32_t kBorderOutside = 0, kBorderInside = 0xFFFFFFFF;
 
 // Scales the alpha of the entries: unchanged up to the start, then falling in a straight line.
 void fade(uint32_t* table, float start) {
-    if (start >= 1.0f) start = MOST_FADE_START;
-    if (!(start > 0.0f)) start = LEAST_FADE_START;
+    if (start >= 1.0f) start = kMostFadeStart;
+    if (!(start > 0.0f)) start = kLeastFadeStart;
     const int first = truncateToInt(start * 256.0);
-    for (int i = first; i <= LAST_ENTRY; ++i) {
-        const uint32_t weight = static_cast<uint32_t>((LAST_ENTRY - i) * 256 / (LAST_ENTRY - first));
+    for (int i = first; i <= kLastEntry; ++i) {
+        const uint32_t weight = static_cast<uint32_t>((kLastEntry - i) * 256 / (kLastEntry - first));
         table[i] = (weight * (table[i] >> 24) >> 8) << 24 | (table[i] & 0x00FFFFFF);
     }
 }
 
 // The box filter on what 255 lacks of an image, for images that are nearly full: the sum of the nine inverses
-// is n = 9 * 255 - sum, and 255 - min(sum >> 2, 255) is n - INVERSE_LOSS over four, cut off, or 0.
-constexpr uint16_t INVERSE_LOSS = 9 * 255 - 4 * 255 - 3;
+// is n = 9 * 255 - sum, and 255 - min(sum >> 2, 255) is n - kInverseLoss over four, cut off, or 0.
+constexpr uint16_t kInverseLoss = 9 * 255 - 4 * 255 - 3;
 
 struct Widening {
     uint8_t* image;  // changed in place, but for its first and its last row
@@ -71,19 +71,19 @@ struct Widening {
 };
 
 // The kernels look at this many rows at a time, in blocks of 8 or 16 pixels, eight blocks at a time.
-constexpr int WIDENING_GROUP = 8;
+constexpr int kWideningGroup = 8;
 
 #define ZVEX_KERNELS "effect/kernels/GlowKernels.inc"
 #include "raster/ForEachTarget.h"
 
 // False, with the image untouched, when memory is short.
 bool widen(const Widening& w) {
-    constexpr int64_t LARGEST_BLOCK = 16, SMALLEST_BLOCK = 8;
-    const int64_t width = (w.width + 8 * LARGEST_BLOCK - 1) / (8 * LARGEST_BLOCK) * (8 * LARGEST_BLOCK);
-    const int64_t stride = width + 2 * LARGEST_BLOCK, stateStride = width / SMALLEST_BLOCK + 16;
+    constexpr int64_t kLargestBlock = 16, kSmallestBlock = 8;
+    const int64_t width = (w.width + 8 * kLargestBlock - 1) / (8 * kLargestBlock) * (8 * kLargestBlock);
+    const int64_t stride = width + 2 * kLargestBlock, stateStride = width / kSmallestBlock + 16;
     Buffer<uint16_t> rows;  // two groups, and two rows for each pass
     Buffer<uint8_t> states;
-    if (!rows.allocateZeroed(2 * int64_t{w.passes} + 2 * WIDENING_GROUP, stride)) return false;
+    if (!rows.allocateZeroed(2 * int64_t{w.passes} + 2 * kWideningGroup, stride)) return false;
     if (!states.allocate(int64_t{w.passes} + 4, stateStride)) return false;
     ZVEX_ON_TARGET(widenPlane(w, rows.get(), states.get(), stride, stateStride));
     return true;
@@ -104,57 +104,57 @@ private:
     void fillColors(const ZvGlowProperty& property);
     void blurBand(int y);
 
-    int sourceWidth() const { return area_.width - 2 * source_; }
-    int sourceHeight() const { return area_.height - 2 * source_; }
-    int count() const { return std::max(xEnd_ - xBegin_, 0); }
+    int sourceWidth() const { return mArea.width - 2 * mSource; }
+    int sourceHeight() const { return mArea.height - 2 * mSource; }
+    int count() const { return std::max(mXEnd - mXBegin, 0); }
 
-    WorkingArea area_;
-    bool inside_ = false;
-    int passes_ = 0;
-    int source_ = 0;  // where the plane that the passes work on begins, on all sides: no pass leaves it
-    int left_ = 0, top_ = 0, right_ = 0, bottom_ = 0;    // the part of the area that is seen
-    int xBegin_ = 0, xEnd_ = 0, yBegin_ = 0, yEnd_ = 0;  // the part of that which is blurred, not border
-    Gaussian kernel_;
-    Blur blur_;
-    Buffer<uint8_t> widened_, blurred_;  // the plane; a band of rows
-    int stride_ = 0, bandRows_ = 0;      // of blurred_
-    int bandBegin_ = 0, bandEnd_ = 0;
-    Buffer<uint32_t> row_;                    // of what is seen, the border in place
-    uint32_t colors_[COLOR_TABLE_SIZE] = {};  // premultiplied, from none to the strongest
+    WorkingArea mArea;
+    bool mInside = false;
+    int mPasses = 0;
+    int mSource = 0;  // where the plane that the passes work on begins, on all sides: no pass leaves it
+    int mLeft = 0, mTop = 0, mRight = 0, mBottom = 0;    // the part of the area that is seen
+    int mXBegin = 0, mXEnd = 0, mYBegin = 0, mYEnd = 0;  // the part of that which is blurred, not border
+    Gaussian mKernel;
+    Blur mBlur;
+    Buffer<uint8_t> mWidened, mBlurred;  // the plane; a band of rows
+    int mStride = 0, mBandRows = 0;      // of mBlurred
+    int mBandBegin = 0, mBandEnd = 0;
+    Buffer<uint32_t> mRow;                   // of what is seen, the border in place
+    uint32_t mColors[kColorTableSize] = {};  // premultiplied, from none to the strongest
 };
 
 // The parts of the area on the target.
 bool GlowRows::placeWithin(const ZvBitmap& target) {
-    left_ = clampToInt(std::max<int64_t>(0, -int64_t{area_.x}));
-    top_ = clampToInt(std::max<int64_t>(0, -int64_t{area_.y}));
-    right_ = static_cast<int>(std::min<int64_t>(area_.width, int64_t{target.width} - area_.x));
-    bottom_ = static_cast<int>(std::min<int64_t>(area_.height, int64_t{target.height} - area_.y));
-    xBegin_ = std::max(left_, kernel_.radius);
-    xEnd_ = std::min(right_, area_.width - kernel_.radius);
-    yBegin_ = std::max(top_, kernel_.radius);
-    yEnd_ = std::min(bottom_, area_.height - kernel_.radius);
-    return left_ < right_ && top_ < bottom_;
+    mLeft = clampToInt(std::max<int64_t>(0, -int64_t{mArea.x}));
+    mTop = clampToInt(std::max<int64_t>(0, -int64_t{mArea.y}));
+    mRight = static_cast<int>(std::min<int64_t>(mArea.width, int64_t{target.width} - mArea.x));
+    mBottom = static_cast<int>(std::min<int64_t>(mArea.height, int64_t{target.height} - mArea.y));
+    mXBegin = std::max(mLeft, mKernel.radius);
+    mXEnd = std::min(mRight, mArea.width - mKernel.radius);
+    mYBegin = std::max(mTop, mKernel.radius);
+    mYEnd = std::min(mBottom, mArea.height - mKernel.radius);
+    return mLeft < mRight && mTop < mBottom;
 }
 
 bool GlowRows::make(const ZvECore::ParamPostProcessing& param, const ZvGlowProperty& property,
                     GlowSide side) {
     // From 1 on; a size beyond the ints makes an area that is refused.
     const int64_t reach = int64_t{truncateToInt(property.size)} + 1;
-    if (!area_.grow(*param.textRect, 2 * reach)) return false;
-    inside_ = side == GlowSide::Inside;
-    passes_ = std::max(truncateToInt(static_cast<double>(reach) * PASSES_OF_REACH), 1);
-    source_ = area_.margin - passes_ - 1;
-    const int radius = truncateToInt(static_cast<float>(reach) * BLUR_OF_REACH);
-    if (!kernel_.make(radius, GAUSSIAN_SCALE, GaussianConstant::Single)) return false;
+    if (!mArea.grow(*param.textRect, 2 * reach)) return false;
+    mInside = side == GlowSide::Inside;
+    mPasses = std::max(truncateToInt(static_cast<double>(reach) * kPassesOfReach), 1);
+    mSource = mArea.margin - mPasses - 1;
+    const int radius = truncateToInt(static_cast<float>(reach) * kBlurOfReach);
+    if (!mKernel.make(radius, kGaussianScale, GaussianConstant::Single)) return false;
     if (!placeWithin(*param.target)) return false;
 
-    stride_ = std::max(count(), sourceWidth());
-    bandRows_ = std::max(1, std::min(blurBandRows(kernel_), yEnd_ - yBegin_));
-    if (!blurred_.allocate(bandRows_, stride_) || !row_.allocate(right_ - left_) ||
-        !blur_.prepare(kernel_, stride_, bandRows_) || !widenCoverage(param))
+    mStride = std::max(count(), sourceWidth());
+    mBandRows = std::max(1, std::min(blurBandRows(mKernel), mYEnd - mYBegin));
+    if (!mBlurred.allocate(mBandRows, mStride) || !mRow.allocate(mRight - mLeft) ||
+        !mBlur.prepare(mKernel, mStride, mBandRows) || !widenCoverage(param))
         return false;
     fillColors(property);
-    std::fill_n(row_.get(), right_ - left_, inside_ ? BORDER_INSIDE : BORDER_OUTSIDE);
+    std::fill_n(mRow.get(), mRight - mLeft, mInside ? kBorderInside : kBorderOutside);
     return true;
 }
 
@@ -163,51 +163,51 @@ bool GlowRows::make(const ZvECore::ParamPostProcessing& param, const ZvGlowPrope
 // outermost columns count, which the passes make 0, and full in the inverse.
 bool GlowRows::widenCoverage(const ZvECore::ParamPostProcessing& param) {
     const int width = sourceWidth(), height = sourceHeight();
-    if (!widened_.allocateZeroed(height, width)) return false;
-    const ptrdiff_t inset = ptrdiff_t{passes_} + 1;
-    copyCoverage(*param.mask, *param.textRect, widened_.get() + inset * width + inset, width);
-    const uint16_t edge = inside_ && source_ == 0 ? 255 : 0;
-    return widen({widened_.get(), width, width, height, passes_, inside_, edge});
+    if (!mWidened.allocateZeroed(height, width)) return false;
+    const ptrdiff_t inset = ptrdiff_t{mPasses} + 1;
+    copyCoverage(*param.mask, *param.textRect, mWidened.get() + inset * width + inset, width);
+    const uint16_t edge = mInside && mSource == 0 ? 255 : 0;
+    return widen({mWidened.get(), width, width, height, mPasses, mInside, edge});
 }
 
 void GlowRows::fillColors(const ZvGlowProperty& property) {
-    makeGlowTable(colors_, &property, FADE_START, ZV_CURVE_STRAIGHT);
-    for (uint32_t& color : colors_) color = premultiplied(color);
-    std::reverse(colors_, colors_ + COLOR_TABLE_SIZE);
+    makeGlowTable(mColors, &property, kFadeStart, ZV_CURVE_STRAIGHT);
+    for (uint32_t& color : mColors) color = premultiplied(color);
+    std::reverse(mColors, mColors + kColorTableSize);
 }
 
 ZvRect GlowRows::reach() const {
-    const int top = inside_ ? top_ : yBegin_, bottom = inside_ ? bottom_ : std::max(yBegin_, yEnd_);
-    return ZvRect(area_.x + left_, area_.y + top, area_.x + right_, area_.y + bottom);
+    const int top = mInside ? mTop : mYBegin, bottom = mInside ? mBottom : std::max(mYBegin, mYEnd);
+    return ZvRect(mArea.x + mLeft, mArea.y + top, mArea.x + mRight, mArea.y + bottom);
 }
 
 // The band that begins with row y.
 void GlowRows::blurBand(int y) {
-    const int width = sourceWidth(), height = sourceHeight(), rows = std::min(bandRows_, yEnd_ - y);
-    blur_.columns({widened_.get(), width, source_ - y, source_ - y + height, blurred_.get(), stride_, width,
+    const int width = sourceWidth(), height = sourceHeight(), rows = std::min(mBandRows, mYEnd - y);
+    mBlur.columns({mWidened.get(), width, mSource - y, mSource - y + height, mBlurred.get(), mStride, width,
                    rows, false, false});
-    blur_.rows({blurred_.get(), stride_, source_ - xBegin_, source_ - xBegin_ + width, blurred_.get(),
-                stride_, count(), rows, false, inside_});
-    bandBegin_ = y;
-    bandEnd_ = y + rows;
+    mBlur.rows({mBlurred.get(), mStride, mSource - mXBegin, mSource - mXBegin + width, mBlurred.get(),
+                mStride, count(), rows, false, mInside});
+    mBandBegin = y;
+    mBandEnd = y + rows;
 }
 
 void GlowRows::draw(RowRange rows, const PictureStrip& target, const PictureStrip*) {
-    const RowRange part = rows.within(area_.y, bottom_);
-    for (int y = std::max(part.begin, top_); y < part.end; ++y) {
-        const bool blurred = y >= yBegin_ && y < yEnd_ && count() > 0;
-        if (!blurred && !inside_) continue;
-        uint32_t* row = row_.get();
+    const RowRange part = rows.within(mArea.y, mBottom);
+    for (int y = std::max(part.begin, mTop); y < part.end; ++y) {
+        const bool blurred = y >= mYBegin && y < mYEnd && count() > 0;
+        if (!blurred && !mInside) continue;
+        uint32_t* row = mRow.get();
         if (blurred) {
-            if (y >= bandEnd_) blurBand(y);
-            const uint8_t* values = blurred_.get() + ptrdiff_t{y - bandBegin_} * stride_;
-            const uint8_t* behind = target.at(area_.x + xBegin_, area_.y + y);
-            ZVEX_ON_TARGET(colorRow(row + (xBegin_ - left_), values, count(), colors_, behind));
+            if (y >= mBandEnd) blurBand(y);
+            const uint8_t* values = mBlurred.get() + ptrdiff_t{y - mBandBegin} * mStride;
+            const uint8_t* behind = target.at(mArea.x + mXBegin, mArea.y + y);
+            ZVEX_ON_TARGET(colorRow(row + (mXBegin - mLeft), values, count(), mColors, behind));
         } else {
-            std::fill_n(row, right_ - left_, BORDER_INSIDE);
+            std::fill_n(row, mRight - mLeft, kBorderInside);
         }
-        ZvBlender::drawBitmapBlend32(area_.x + left_, area_.y + y - target.top, &target, row, right_ - left_,
-                                     1, right_ - left_, ZVE_BLEND_DST_OVER);
+        ZvBlender::drawBitmapBlend32(mArea.x + mLeft, mArea.y + y - target.top, &target, row, mRight - mLeft,
+                                     1, mRight - mLeft, ZVE_BLEND_DST_OVER);
     }
 }
 
@@ -216,16 +216,16 @@ void GlowRows::draw(RowRange rows, const PictureStrip& target, const PictureStri
 void makeGlowTable(uint32_t* table, const ZvGlowProperty* property, float fadeStart, int curve) {
     if (table == nullptr || property == nullptr) return;
     if (property->size == 0.0f) {
-        std::fill_n(table, COLOR_TABLE_SIZE, 0);
+        std::fill_n(table, kColorTableSize, 0);
         return;
     }
     if (property->stops == nullptr || property->count < 1) {
-        std::fill_n(table, COLOR_TABLE_SIZE, property->color);
+        std::fill_n(table, kColorTableSize, property->color);
     } else {
         fillColorTable(table, property->stops, property->count, 0.0f, curve);
     }
     fade(table, fadeStart);
-    table[LAST_ENTRY] = 0;
+    table[kLastEntry] = 0;
 }
 
 bool widenByBoxFilter(uint8_t* image, int passes, int width, int height) {

@@ -11,7 +11,7 @@ namespace Zvex {
 
 // What both glows share: the coverage widened, blurred, and mapped through a table of colours.
 
-// Fills a table of COLOR_TABLE_SIZE straight colours, from the strongest glow to none. They are the
+// Fills a table of kColorTableSize straight colours, from the strongest glow to none. They are the
 // property's stops, the first segment starting at 0 whatever the first stop's position, or without stops the
 // property's colour; alpha falls to 0 along the table from `fadeStart` on, a fraction of the table, which is
 // taken as 0.99 from 1 on and as 0.01 up to 0. `curve` is a ZvTableCurve. A size of 0 clears the table. Does

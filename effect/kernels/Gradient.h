@@ -25,8 +25,8 @@ public:
     bool make(const ZvECore::ParamPostProcessing& param, const ZvGradientFillProperty& property);
 
     // Sides of the text box in pixels.
-    float width() const { return static_cast<float>(area_.width); }
-    float height() const { return static_cast<float>(area_.height); }
+    float width() const { return static_cast<float>(mArea.width); }
+    float height() const { return static_cast<float>(mArea.height); }
 
     // The fill: a pixel whose top-left lies at (dx, dy) from the middle of the box takes the table entry, its
     // fraction cut off, down * dy + right * dx beyond the middle one, or entriesOfPixel times the distance.
@@ -37,17 +37,17 @@ public:
     void setRadial(float entriesOfPixel);
 
     void draw(RowRange rows, const PictureStrip& target, const PictureStrip* other) override;
-    ZvRect reach() const override { return part_; }
+    ZvRect reach() const override { return mPart; }
 
 private:
-    WorkingArea area_;  // the text box
-    ZvRect part_;       // of it, on the mask
-    const ZvBitmap* mask_ = nullptr;
-    uint32_t colors_[COLOR_TABLE_SIZE] = {};  // premultiplied
-    Buffer<uint32_t> row_;                    // of that part, premultiplied, 0 where nothing is covered
-    Buffer<uint32_t> same_;  // what all rows would be if they were covered; null where they differ
-    bool radial_ = false;
-    float down_ = 0, right_ = 0;  // the radial fill has its entries in `right_`
+    WorkingArea mArea;  // the text box
+    ZvRect mPart;       // of it, on the mask
+    const ZvBitmap* mMask = nullptr;
+    uint32_t mColors[kColorTableSize] = {};  // premultiplied
+    Buffer<uint32_t> mRow;                   // of that part, premultiplied, 0 where nothing is covered
+    Buffer<uint32_t> mSame;  // what all rows would be if they were covered; null where they differ
+    bool mRadial = false;
+    float mDown = 0, mRight = 0;  // the radial fill has its entries in `mRight`
 };
 
 }  // namespace Zvex

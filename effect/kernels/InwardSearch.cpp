@@ -5,7 +5,7 @@
 // slope nearly all but the ray across the edge is hidden, and there all are looked at, as their roundings
 // decide.
 //
-// Seeds are taken a strip of STRIP pixels at a time, with the least of their advantages: a strip hides what
+// Seeds are taken a strip of kStrip pixels at a time, with the least of their advantages: a strip hides what
 // each of its pixels hides, or less. More than what is visible may be looked at, as all are pixels of the
 // window.
 
@@ -23,10 +23,10 @@ namespace Zvex {
 
 namespace {
 
-constexpr int STRIP = 16;
+constexpr int kStrip = 16;
 
 // Windows up to this reach are looked through whole.
-constexpr int LAST_WHOLE_REACH = 8;
+constexpr int kLastWholeReach = 8;
 
 // A row of seeds: their values, and less than all numbers for what is no seed.
 struct SeedRow {
@@ -46,54 +46,54 @@ class InwardRows {
 public:
     // For the rows begin..end - 1. The roots have to outlive it. False when memory is short.
     bool make(const DistanceSearch& s, const WindowRoots& roots, int begin, int end) {
-        search_ = s;
-        reach_ = roots.reachY();
-        y_ = begin - 1;
-        first_ = next_ = std::max(0, begin - reach_);
-        prepared_ = begin;
-        last_ = end <= s.height - reach_ ? end - 1 + reach_ : s.height - 1;
-        far_ = static_cast<int16_t>(reach_ + 1);
-        return visibility_.make(roots, INFINITE) && makeGaps(begin, end, roots.reachX()) &&
-               makeHigh(roots.reachX()) && rows_.make(roots, s.width, begin, end);
+        mSearch = s;
+        mReach = roots.reachY();
+        mY = begin - 1;
+        mFirst = mNext = std::max(0, begin - mReach);
+        mPrepared = begin;
+        mLast = end <= s.height - mReach ? end - 1 + mReach : s.height - 1;
+        mFar = static_cast<int16_t>(mReach + 1);
+        return mVisibility.make(roots, kInfinite) && makeGaps(begin, end, roots.reachX()) &&
+               makeHigh(roots.reachX()) && mRows.make(roots, s.width, begin, end);
     }
 
     // Goes to the next row, the first one to begin with. False, and no further, if a value is infinite.
     bool next() {
-        ++y_;
-        const int64_t until = std::min<int64_t>(int64_t{y_} + reach_, last_);
-        for (; next_ <= until; ++next_) {
-            for (; prepared_ < rows_.view().end && prepared_ - next_ <= reach_; ++prepared_)
-                std::fill_n(rows_.row(prepared_), search_.width, INFINITE);
-            if ((next_ == first_ && !findHigh(next_)) || !findHigh(next_ + 1)) return false;
-            writeRow(next_);
+        ++mY;
+        const int64_t until = std::min<int64_t>(int64_t{mY} + mReach, mLast);
+        for (; mNext <= until; ++mNext) {
+            for (; mPrepared < mRows.view().end && mPrepared - mNext <= mReach; ++mPrepared)
+                std::fill_n(mRows.row(mPrepared), mSearch.width, kInfinite);
+            if ((mNext == mFirst && !findHigh(mNext)) || !findHigh(mNext + 1)) return false;
+            writeRow(mNext);
         }
         return true;
     }
     // Of that row.
-    const float* candidates() const { return rows_.row(y_); }
+    const float* candidates() const { return mRows.row(mY); }
 
 private:
     // Over the rows before those to search, too, to look down from.
     bool makeGaps(int begin, int end, int reachX) {
-        const int width = search_.width;
-        strips_ = (width - 1) / STRIP + 1;
-        reachStrips_ = (reachX - 1) / STRIP + 1;
-        const int64_t padded = strips_ + 2 * int64_t{reachStrips_};
-        if (!gaps_.allocate(int64_t{end} - first_, strips_) || !none_.allocate(strips_) ||
-            !up_.allocate(padded) || !down_.allocate(padded) || !least_.allocate(2, strips_)) {
+        const int width = mSearch.width;
+        mStrips = (width - 1) / kStrip + 1;
+        mReachStrips = (reachX - 1) / kStrip + 1;
+        const int64_t padded = mStrips + 2 * int64_t{mReachStrips};
+        if (!mGaps.allocate(int64_t{end} - mFirst, mStrips) || !mNone.allocate(mStrips) ||
+            !mUp.allocate(padded) || !mDown.allocate(padded) || !mLeast.allocate(2, mStrips)) {
             return false;
         }
-        std::fill_n(none_.get(), strips_, far_);
-        std::fill_n(up_.get(), padded, far_);
-        std::fill_n(down_.get(), padded, far_);
-        const int16_t* below = none_.get();
-        for (int y = end - 1; y >= first_; --y) {
-            int16_t* row = gaps_.get() + ptrdiff_t{y - first_} * strips_;
+        std::fill_n(mNone.get(), mStrips, mFar);
+        std::fill_n(mUp.get(), padded, mFar);
+        std::fill_n(mDown.get(), padded, mFar);
+        const int16_t* below = mNone.get();
+        for (int y = end - 1; y >= mFirst; --y) {
+            int16_t* row = mGaps.get() + ptrdiff_t{y - mFirst} * mStrips;
             if (y >= begin) {
-                ZVEX_ON_TARGET(findGaps(row, below, search_.plane + ptrdiff_t{y} * width, width, far_));
+                ZVEX_ON_TARGET(findGaps(row, below, mSearch.plane + ptrdiff_t{y} * width, width, mFar));
             } else {
-                for (int i = 0; i < strips_; ++i)
-                    row[i] = std::min<int16_t>(static_cast<int16_t>(below[i] + 1), far_);
+                for (int i = 0; i < mStrips; ++i)
+                    row[i] = std::min<int16_t>(static_cast<int16_t>(below[i] + 1), mFar);
             }
             below = row;
         }
@@ -101,49 +101,49 @@ private:
     }
 
     bool makeHigh(int reachX) {
-        const int64_t padding = 2 * int64_t{reachX} + CandidateRows::PADDING;
-        highSpan_ = search_.width + 2 * padding;
-        if (!high_.allocate(3, highSpan_)) return false;
-        std::fill_n(high_.get(), 3 * highSpan_, -INFINITE);
-        highBegin_ = high_.get() + padding;
+        const int64_t padding = 2 * int64_t{reachX} + CandidateRows::kPadding;
+        mHighSpan = mSearch.width + 2 * padding;
+        if (!mHigh.allocate(3, mHighSpan)) return false;
+        std::fill_n(mHigh.get(), 3 * mHighSpan, -kInfinite);
+        mHighBegin = mHigh.get() + padding;
         return true;
     }
-    float* high(int y) const { return highBegin_ + (y + 3) % 3 * highSpan_; }
+    float* high(int y) const { return mHighBegin + (y + 3) % 3 * mHighSpan; }
 
     bool findHigh(int y) {
-        if (y <= last_)
+        if (y <= mLast)
             return ZVEX_ON_TARGET(
-                findHigh(high(y), search_.plane + ptrdiff_t{y} * search_.width, search_.width));
-        std::fill_n(high(y), search_.width, -INFINITE);
+                findHigh(high(y), mSearch.plane + ptrdiff_t{y} * mSearch.width, mSearch.width));
+        std::fill_n(high(y), mSearch.width, -kInfinite);
         return true;
     }
 
     void writeRow(int y) {
         const int16_t* gaps =
-            y < rows_.view().end ? gaps_.get() + ptrdiff_t{y - first_} * strips_ : none_.get();
-        int16_t *up = up_.get() + reachStrips_, *down = down_.get() + reachStrips_, *leastUp = least_.get(),
-                *leastDown = leastUp + strips_;
-        std::copy_n(gaps, strips_, down);
-        ZVEX_ON_TARGET(stepGaps(up, down, strips_, far_));
-        ZVEX_ON_TARGET(leastGaps(leastUp, up, strips_, reachStrips_));
-        ZVEX_ON_TARGET(leastGaps(leastDown, down, strips_, reachStrips_));
-        const SeedRow row = {high(y - 1), high(y),   high(y + 1), gaps_.get(),
-                             leastUp,     leastDown, first_,      strips_};
-        ZVEX_ON_TARGET(writeStrips(rows_.view(), row, y, reach_, visibility_.view()));
+            y < mRows.view().end ? mGaps.get() + ptrdiff_t{y - mFirst} * mStrips : mNone.get();
+        int16_t *up = mUp.get() + mReachStrips, *down = mDown.get() + mReachStrips, *leastUp = mLeast.get(),
+                *leastDown = leastUp + mStrips;
+        std::copy_n(gaps, mStrips, down);
+        ZVEX_ON_TARGET(stepGaps(up, down, mStrips, mFar));
+        ZVEX_ON_TARGET(leastGaps(leastUp, up, mStrips, mReachStrips));
+        ZVEX_ON_TARGET(leastGaps(leastDown, down, mStrips, mReachStrips));
+        const SeedRow row = {high(y - 1), high(y),   high(y + 1), mGaps.get(),
+                             leastUp,     leastDown, mFirst,      mStrips};
+        ZVEX_ON_TARGET(writeStrips(mRows.view(), row, y, mReach, mVisibility.view()));
     }
 
-    DistanceSearch search_ = {};
-    WindowVisibility visibility_;
-    CandidateRows rows_;
-    Buffer<float> high_;  // the rows of SeedRow
-    float* highBegin_ = nullptr;
-    int64_t highSpan_ = 0;
-    Buffer<int16_t> gaps_, none_, up_, down_, least_;  // see SeedRow
-    int16_t far_ = 0;                                  // more than the reach
-    int strips_ = 0, reachStrips_ = 0;                 // of a row, of a window to one side
-    int reach_ = 0;                                    // rows
-    int y_ = 0, prepared_ = 0;                         // the row at hand, the next one to fill
-    int first_ = 0, next_ = 0, last_ = 0;              // the rows of seeds
+    DistanceSearch mSearch = {};
+    WindowVisibility mVisibility;
+    CandidateRows mRows;
+    Buffer<float> mHigh;  // the rows of SeedRow
+    float* mHighBegin = nullptr;
+    int64_t mHighSpan = 0;
+    Buffer<int16_t> mGaps, mNone, mUp, mDown, mLeast;  // see SeedRow
+    int16_t mFar = 0;                                  // more than the reach
+    int mStrips = 0, mReachStrips = 0;                 // of a row, of a window to one side
+    int mReach = 0;                                    // rows
+    int mY = 0, mPrepared = 0;                         // the row at hand, the next one to fill
+    int mFirst = 0, mNext = 0, mLast = 0;              // the rows of seeds
 };
 
 // The search of one row as it is defined, in place.
@@ -173,14 +173,14 @@ void searchRow(const DistanceSearch& s, const WindowRoots& roots, int y) {
 bool searchWindows(const DistanceSearch& s, const WindowRoots& roots, int& y, int end) {
     Buffer<float> highRow, least;
     const int reachX = roots.reachX(), reachY = roots.reachY();
-    const int64_t padded = int64_t{s.width} + 2 * WindowRoots::MOST_LANES;
+    const int64_t padded = int64_t{s.width} + 2 * WindowRoots::kMostLanes;
     if (!highRow.allocate(padded + 2 * int64_t{reachX}) || !least.allocate(padded)) return false;
-    std::fill_n(highRow.get(), padded + 2 * int64_t{reachX}, -INFINITE);
+    std::fill_n(highRow.get(), padded + 2 * int64_t{reachX}, -kInfinite);
     float* high = highRow.get() + reachX;
     for (; y < end; ++y) {
         float* values = s.plane + ptrdiff_t{y} * s.width;
         if (std::none_of(values, values + s.width, [](float value) { return value < 0.0f; })) continue;
-        std::fill_n(least.get(), padded, INFINITE);
+        std::fill_n(least.get(), padded, kInfinite);
         for (int dy = 0; dy <= reachY; ++dy) {
             const bool hasAbove = y >= dy, hasBelow = y < s.height - dy;
             if (!hasAbove && !hasBelow) break;
@@ -204,7 +204,7 @@ bool searchInward(const DistanceSearch& s) {
     WindowRoots roots;
     if (!roots.make(s.width, s.height, s.radius)) return false;
     int y = begin;
-    const bool narrow = std::max(roots.reachX(), roots.reachY()) <= LAST_WHOLE_REACH;
+    const bool narrow = std::max(roots.reachX(), roots.reachY()) <= kLastWholeReach;
     if (narrow || !NearestFull::fits(roots.reachX(), roots.reachY())) {
         if (!searchWindows(s, roots, y, end)) return false;
     } else {

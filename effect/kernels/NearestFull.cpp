@@ -10,7 +10,7 @@ namespace Zvex {
 
 namespace {
 
-constexpr int BLOCK = 64;  // pixels of a row that are skipped together
+constexpr int kBlock = 64;  // pixels of a row that are skipped together
 
 #define ZVEX_KERNELS "effect/kernels/NearestFullKernels.inc"
 #include "raster/ForEachTarget.h"
@@ -19,25 +19,25 @@ constexpr int BLOCK = 64;  // pixels of a row that are skipped together
 
 template <typename Value>
 bool NearestFull::make(const Value* plane, int width, int first, int last, int reachX, int reachY, int most) {
-    width_ = width;
-    reachX_ = reachX;
-    none_ = reachY + 1;
-    isNarrow_ = std::max(reachX, reachY) <= NARROWEST;
-    const int64_t line = int64_t{width} + 2 * int64_t{reachX} + 4 * BLOCK;
-    if (!(isNarrow_ ? narrowLine_.allocate(line) : wideLine_.allocate(line)) ||
-        !steps_.allocate(int64_t{last} - first + 1, width) || !current_.allocate(width)) {
+    mWidth = width;
+    mReachX = reachX;
+    mNone = reachY + 1;
+    mIsNarrow = std::max(reachX, reachY) <= kNarrowest;
+    const int64_t line = int64_t{width} + 2 * int64_t{reachX} + 4 * kBlock;
+    if (!(mIsNarrow ? mNarrowLine.allocate(line) : mWideLine.allocate(line)) ||
+        !mSteps.allocate(int64_t{last} - first + 1, width) || !mCurrent.allocate(width)) {
         return false;
     }
-    if (isNarrow_) std::fill_n(narrowLine_.get(), line, NARROW_FAR);
-    if (!isNarrow_) std::fill_n(wideLine_.get(), line, FAR);
-    std::fill_n(current_.get(), width, static_cast<int16_t>(most));
-    const int16_t* below = current_.get();
+    if (mIsNarrow) std::fill_n(mNarrowLine.get(), line, kNarrowFar);
+    if (!mIsNarrow) std::fill_n(mWideLine.get(), line, kFar);
+    std::fill_n(mCurrent.get(), width, static_cast<int16_t>(most));
+    const int16_t* below = mCurrent.get();
     for (int y = last; y >= first; --y) {
-        int16_t* row = steps_.get() + ptrdiff_t{y - first} * width;
+        int16_t* row = mSteps.get() + ptrdiff_t{y - first} * width;
         ZVEX_ON_TARGET(stepUp(row, below, plane + ptrdiff_t{y} * width, width, most));
         below = row;
     }
-    next_ = steps_.get();
+    mNext = mSteps.get();
     return true;
 }
 
@@ -45,27 +45,27 @@ template bool NearestFull::make(const uint8_t*, int, int, int, int, int, int);
 template bool NearestFull::make(const float*, int, int, int, int, int, int);
 
 bool NearestFull::next() {
-    const int16_t* up = next_;
-    next_ += width_;
-    int16_t* steps = current_.get();
-    if (isNarrow_) return ZVEX_ON_TARGET(stepDown(narrow(), steps, up, width_, none_, NARROW_FAR));
-    return ZVEX_ON_TARGET(stepDown(wide(), steps, up, width_, none_, FAR));
+    const int16_t* up = mNext;
+    mNext += mWidth;
+    int16_t* steps = mCurrent.get();
+    if (mIsNarrow) return ZVEX_ON_TARGET(stepDown(narrow(), steps, up, mWidth, mNone, kNarrowFar));
+    return ZVEX_ON_TARGET(stepDown(wide(), steps, up, mWidth, mNone, kFar));
 }
 
 void NearestFull::distances(float* row, const float* roots, int last, float far) const {
-    if (isNarrow_) {
-        ZVEX_ON_TARGET(nearestInRow(row, narrow(), width_, reachX_, NARROW_FAR, roots, last, far));
+    if (mIsNarrow) {
+        ZVEX_ON_TARGET(nearestInRow(row, narrow(), mWidth, mReachX, kNarrowFar, roots, last, far));
     } else {
-        ZVEX_ON_TARGET(nearestInRow(row, wide(), width_, reachX_, FAR, roots, last, far));
+        ZVEX_ON_TARGET(nearestInRow(row, wide(), mWidth, mReachX, kFar, roots, last, far));
     }
 }
 
 int16_t* NearestFull::narrow() const {
-    return narrowLine_.get() + reachX_ + BLOCK;
+    return mNarrowLine.get() + mReachX + kBlock;
 }
 
 int32_t* NearestFull::wide() const {
-    return wideLine_.get() + reachX_ + BLOCK;
+    return mWideLine.get() + mReachX + kBlock;
 }
 
 }  // namespace Zvex

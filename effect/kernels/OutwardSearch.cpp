@@ -40,8 +40,8 @@ float valueAt(const ValuePlane& plane, ptrdiff_t at) {
 
 // The high bits of the bytes that are not 0.
 uint64_t filledBytes(uint64_t word) {
-    constexpr uint64_t LOW = 0x7F7F7F7F7F7F7F7Fu;
-    return (((word & LOW) + LOW) | word) & ~LOW;
+    constexpr uint64_t kLow = 0x7F7F7F7F7F7F7F7Fu;
+    return (((word & kLow) + kLow) | word) & ~kLow;
 }
 
 // Calls visit(x) for each seed of a row.
@@ -67,25 +67,25 @@ void forSeeds(const ValuePlane& plane, ptrdiff_t row, int width, Visit visit) {
 }
 
 int8_t advantageOf(float neighbour, float value) {
-    if (!(neighbour < 1.0f)) return -ADVANTAGE_STEPS;
-    return static_cast<int8_t>(std::floor((value - std::max(0.0f, neighbour)) * ADVANTAGE_STEPS));
+    if (!(neighbour < 1.0f)) return -kAdvantageSteps;
+    return static_cast<int8_t>(std::floor((value - std::max(0.0f, neighbour)) * kAdvantageSteps));
 }
 
 }  // namespace
 
 template <typename Plane>
 bool Seeds::collect(const Plane& plane, int width, int height, int first, int last) {
-    first_ = first;
+    mFirst = first;
     const int64_t rows = int64_t{last} - first + 1;
-    if (!begins_.allocate(rows + 1)) return false;
+    if (!mBegins.allocate(rows + 1)) return false;
     size_t count = 0;
     for (int y = first; y <= last; ++y) {
-        begins_[static_cast<size_t>(y - first)] = count;
+        mBegins[static_cast<size_t>(y - first)] = count;
         count += countSeeds(plane, ptrdiff_t{y} * width, width);
     }
-    begins_[static_cast<size_t>(rows)] = count;
-    if (!seeds_.allocate(std::max<int64_t>(1, static_cast<int64_t>(count)))) return false;
-    Seed* next = seeds_.get();
+    mBegins[static_cast<size_t>(rows)] = count;
+    if (!mSeeds.allocate(std::max<int64_t>(1, static_cast<int64_t>(count)))) return false;
+    Seed* next = mSeeds.get();
     for (int y = first; y <= last; ++y) {
         if (begin(y) == end(y)) continue;
         const ptrdiff_t row = ptrdiff_t{y} * width;
@@ -93,7 +93,7 @@ bool Seeds::collect(const Plane& plane, int width, int height, int first, int la
             const ptrdiff_t at = row + x;
             const float value = valueAt(plane, at);
             const auto advantage = [&](bool isInside, ptrdiff_t neighbour) {
-                return advantageOf(isInside ? valueAt(plane, neighbour) : INFINITE, value);
+                return advantageOf(isInside ? valueAt(plane, neighbour) : kInfinite, value);
             };
             *next++ = {x,
                        value,
@@ -107,30 +107,30 @@ bool Seeds::collect(const Plane& plane, int width, int height, int first, int la
 template <typename Plane>
 bool OutwardRows::make(const Plane& plane, int width, int height, int radius, float limit, int begin,
                        int end) {
-    width_ = width;
-    height_ = height;
-    y_ = prepared_ = begin;
+    mWidth = width;
+    mHeight = height;
+    mY = mPrepared = begin;
     if (!NearestFull::fits(std::min(radius, width - 1), std::min(radius, height - 1)) ||
-        !roots_.make(width, height, radius) || !visibility_.make(roots_, limit)) {
+        !mRoots.make(width, height, radius) || !mVisibility.make(mRoots, limit)) {
         return false;
     }
-    const int reachX = roots_.reachX(), reachY = roots_.reachY();
+    const int reachX = mRoots.reachX(), reachY = mRoots.reachY();
     const int first = std::max(0, begin - reachY);
     const int last = end <= height - reachY ? end - 1 + reachY : height - 1;
-    lastSquare_ = reachX * reachX + reachY * reachY;
-    if (!distances_.allocate(int64_t{lastSquare_} + 1) ||
-        !full_.make(plane.pixels, width, first, last, reachX, reachY, reachY + 1) ||
-        !seeds_.collect(plane, width, height, first, last) || !rows_.make(roots_, width, begin, end) ||
-        !found_.allocate(rows_.view().count)) {
+    mLastSquare = reachX * reachX + reachY * reachY;
+    if (!mDistances.allocate(int64_t{mLastSquare} + 1) ||
+        !mFull.make(plane.pixels, width, first, last, reachX, reachY, reachY + 1) ||
+        !mSeeds.collect(plane, width, height, first, last) || !mRows.make(mRoots, width, begin, end) ||
+        !mFound.allocate(mRows.view().count)) {
         return false;
     }
     for (int dy = 0; dy <= reachY; ++dy) {
         for (int dx = 0; dx <= reachX; ++dx)
-            distances_[static_cast<size_t>(dx * dx + dy * dy)] = roots_.row(dy)[dx];
+            mDistances[static_cast<size_t>(dx * dx + dy * dy)] = mRoots.row(dy)[dx];
     }
-    for (int y = first; y < begin; ++y) full_.next();
-    nextSeeded_ = first;
-    lastSeeded_ = last;
+    for (int y = first; y < begin; ++y) mFull.next();
+    mNextSeeded = first;
+    mLastSeeded = last;
     return true;
 }
 
@@ -138,38 +138,38 @@ template bool OutwardRows::make(const LevelPlane&, int, int, int, float, int, in
 template bool OutwardRows::make(const ValuePlane&, int, int, int, float, int, int);
 
 const float* OutwardRows::next() {
-    const int y = y_++, reach = roots_.reachY(), end = rows_.view().end;
-    const int until = y < lastSeeded_ - reach ? y + reach : lastSeeded_;
-    for (; nextSeeded_ <= until; ++nextSeeded_) {
-        while (prepared_ < end && prepared_ - nextSeeded_ <= reach) prepare(prepared_++);
-        const Seed* seeds = seeds_.begin(nextSeeded_);
-        const ptrdiff_t count = seeds_.end(nextSeeded_) - seeds;
+    const int y = mY++, reach = mRoots.reachY(), end = mRows.view().end;
+    const int until = y < mLastSeeded - reach ? y + reach : mLastSeeded;
+    for (; mNextSeeded <= until; ++mNextSeeded) {
+        while (mPrepared < end && mPrepared - mNextSeeded <= reach) prepare(mPrepared++);
+        const Seed* seeds = mSeeds.begin(mNextSeeded);
+        const ptrdiff_t count = mSeeds.end(mNextSeeded) - seeds;
         if (count == 0) continue;
-        const int last = std::min(nextSeeded_ + reach, end - 1);
-        for (int row = std::max(nextSeeded_ - reach, y); row <= last; ++row) isFound(row) = true;
-        ZVEX_ON_TARGET(writeSeeds(rows_.view(), seeds, count, nextSeeded_, reach, visibility_.view()));
+        const int last = std::min(mNextSeeded + reach, end - 1);
+        for (int row = std::max(mNextSeeded - reach, y); row <= last; ++row) isFound(row) = true;
+        ZVEX_ON_TARGET(writeSeeds(mRows.view(), seeds, count, mNextSeeded, reach, mVisibility.view()));
     }
-    return isFound(y) ? rows_.row(y) : nullptr;
+    return isFound(y) ? mRows.row(y) : nullptr;
 }
 
 void OutwardRows::next(float* row, const float* ramp, bool outward) {
-    const int y = y_;
+    const int y = mY;
     const float* nearest = next();
-    if (nearest == nullptr) return static_cast<void>(std::fill_n(row, width_, ramp[255]));
+    if (nearest == nullptr) return static_cast<void>(std::fill_n(row, mWidth, ramp[255]));
     if (outward) {
-        ZVEX_ON_TARGET(boundRow(row, nearest, width_, ramp[255], ramp[0]));
+        ZVEX_ON_TARGET(boundRow(row, nearest, mWidth, ramp[255], ramp[0]));
     } else {
-        ZVEX_ON_TARGET(limitRow(row, nearest, width_, ramp[255]));
+        ZVEX_ON_TARGET(limitRow(row, nearest, mWidth, ramp[255]));
     }
-    for (const Seed* seed = seeds_.begin(y); seed != seeds_.end(y); ++seed) row[seed->x] = seed->value;
+    for (const Seed* seed = mSeeds.begin(y); seed != mSeeds.end(y); ++seed) row[seed->x] = seed->value;
 }
 
 void OutwardRows::prepare(int y) {
-    isFound(y) = full_.next();
+    isFound(y) = mFull.next();
     if (isFound(y)) {
-        full_.distances(rows_.row(y), distances_.get(), lastSquare_, INFINITE);
+        mFull.distances(mRows.row(y), mDistances.get(), mLastSquare, kInfinite);
     } else {
-        std::fill_n(rows_.row(y), width_, INFINITE);
+        std::fill_n(mRows.row(y), mWidth, kInfinite);
     }
 }
 
@@ -182,7 +182,7 @@ bool searchRows(const DistanceSearch& s, Keep keep) {
     const int begin = std::max(s.rowBegin, 0), end = std::min(s.rowEnd, s.height);
     if (s.plane == nullptr || s.width < 1 || s.radius < 1 || begin >= end) return true;
     OutwardRows rows;
-    if (!rows.make(ValuePlane{s.plane}, s.width, s.height, s.radius, INFINITE, begin, end)) return false;
+    if (!rows.make(ValuePlane{s.plane}, s.width, s.height, s.radius, kInfinite, begin, end)) return false;
     for (int y = begin; y < end; ++y) {
         const float* nearest = rows.next();
         if (nearest != nullptr) keep(s.plane + ptrdiff_t{y} * s.width, nearest, s.width);

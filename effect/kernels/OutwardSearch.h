@@ -34,13 +34,13 @@ public:
     template <typename Plane>
     bool collect(const Plane& plane, int width, int height, int first, int last);
 
-    const Seed* begin(int y) const { return seeds_.get() + begins_[static_cast<size_t>(y - first_)]; }
+    const Seed* begin(int y) const { return mSeeds.get() + mBegins[static_cast<size_t>(y - mFirst)]; }
     const Seed* end(int y) const { return begin(y + 1); }
 
 private:
-    Buffer<Seed> seeds_;
-    Buffer<size_t> begins_;
-    int first_ = 0;
+    Buffer<Seed> mSeeds;
+    Buffer<size_t> mBegins;
+    int mFirst = 0;
 };
 
 // The best candidate of every pixel, row by row: the smallest of the distances to the full pixels of its
@@ -61,18 +61,18 @@ public:
 
 private:
     void prepare(int y);
-    bool& isFound(int y) const { return found_[static_cast<size_t>(y % rows_.view().count)]; }
+    bool& isFound(int y) const { return mFound[static_cast<size_t>(y % mRows.view().count)]; }
 
-    WindowRoots roots_;
-    WindowVisibility visibility_;
-    CandidateRows rows_;
-    Buffer<bool> found_;       // whether a row of the ring has any candidate
-    Buffer<float> distances_;  // of each square that is the sum of two within the reach
-    NearestFull full_;
-    Seeds seeds_;
-    int nextSeeded_ = 0, lastSeeded_ = 0;  // the next row whose seeds are to be written, the last one
-    int prepared_ = 0;                     // the next row to fill with the distances to full pixels
-    int width_ = 0, height_ = 0, y_ = 0, lastSquare_ = 0;
+    WindowRoots mRoots;
+    WindowVisibility mVisibility;
+    CandidateRows mRows;
+    Buffer<bool> mFound;       // whether a row of the ring has any candidate
+    Buffer<float> mDistances;  // of each square that is the sum of two within the reach
+    NearestFull mFull;
+    Seeds mSeeds;
+    int mNextSeeded = 0, mLastSeeded = 0;  // the next row whose seeds are to be written, the last one
+    int mPrepared = 0;                     // the next row to fill with the distances to full pixels
+    int mWidth = 0, mHeight = 0, mY = 0, mLastSquare = 0;
 };
 
 }  // namespace Zvex

@@ -17,14 +17,14 @@ namespace Zvex {
 
 namespace {
 
-constexpr double MIN_SCALE = 0.1;
-constexpr float FIRST_WHOLE = 8388608;  // from here on floats have no fraction
-constexpr int64_t LEAST_COLUMNS = 256;  // of a tile: shorter ones are repeated in it
+constexpr double kMinScale = 0.1;
+constexpr float kFirstWhole = 8388608;  // from here on floats have no fraction
+constexpr int64_t kLeastColumns = 256;  // of a tile: shorter ones are repeated in it
 
 #define ZVEX_KERNELS "effect/kernels/PatternKernels.inc"
 #include "raster/ForEachTarget.h"
 
-using TargetBaseline::STRIP;
+using TargetBaseline::kStrip;
 
 // What a column (or row) of the box is made of.
 struct Sample {
@@ -40,7 +40,7 @@ int periodOf(float scale, uint32_t size) {
 Sample sampleAt(int pixel, float scale, uint32_t size) {
     const float place = static_cast<float>(pixel % periodOf(scale, size)) / scale;
     // Not std::floor, a call on machines without an instruction for it.
-    const float whole = place < FIRST_WHOLE ? static_cast<float>(static_cast<int>(place)) : place;
+    const float whole = place < kFirstWhole ? static_cast<float>(static_cast<int>(place)) : place;
     Sample sample;
     // From millions of pixels on, the division can round up to the size.
     sample.first = std::min(truncateToUnsigned(whole), size - 1);
@@ -69,39 +69,39 @@ bool isCoveredAnywhere(const uint8_t* coverage, int count) {
 
 bool PatternTile::isUsable(const ZvBitmap* pattern, float scale) {
     if (pattern == nullptr || pattern->pixels == nullptr || pattern->bytesPerPixel != 4) return false;
-    return scale >= MIN_SCALE && periodOf(scale, pattern->width) > 0 && periodOf(scale, pattern->height) > 0;
+    return scale >= kMinScale && periodOf(scale, pattern->width) > 0 && periodOf(scale, pattern->height) > 0;
 }
 
 bool PatternTile::make(const ZvBitmap& pattern, float scale, float opacity, int width, int height) {
-    pattern_ = &pattern;
-    scale_ = scale;
-    opacity_ = opacity;
+    mPattern = &pattern;
+    mScale = scale;
+    mOpacity = opacity;
     const int64_t period = periodOf(scale, pattern.width);
-    rowPeriod_ = periodOf(scale, pattern.height);
-    columns_ = static_cast<int>(std::min<int64_t>(width, (LEAST_COLUMNS + period - 1) / period * period));
-    keepsRows_ = rowPeriod_ < height;
-    repeats_ = keepsRows_ || columns_ < width;
-    if (!firsts_.allocate(columns_) || !seconds_.allocate(columns_) || !weights_.allocate(columns_))
+    mRowPeriod = periodOf(scale, pattern.height);
+    mColumns = static_cast<int>(std::min<int64_t>(width, (kLeastColumns + period - 1) / period * period));
+    mKeepsRows = mRowPeriod < height;
+    mRepeats = mKeepsRows || mColumns < width;
+    if (!mFirsts.allocate(mColumns) || !mSeconds.allocate(mColumns) || !mWeights.allocate(mColumns))
         return false;
-    for (int x = 0; x < columns_; ++x) {
+    for (int x = 0; x < mColumns; ++x) {
         const auto at = static_cast<size_t>(x);
         const Sample sample = sampleAt(x, scale, pattern.width);
-        firsts_[at] = static_cast<int32_t>(sample.first);
-        seconds_[at] = static_cast<int32_t>(sample.second);
-        weights_[at] = sample.weight;
+        mFirsts[at] = static_cast<int32_t>(sample.first);
+        mSeconds[at] = static_cast<int32_t>(sample.second);
+        mWeights[at] = sample.weight;
     }
-    if (!repeats_) return true;
-    const int rows = keepsRows_ ? rowPeriod_ : 1;
-    if (!tile_.allocate(rows, columns_) || !tileRows_.allocate(rows)) return false;
-    std::fill_n(tileRows_.get(), rows, -1);
+    if (!mRepeats) return true;
+    const int rows = mKeepsRows ? mRowPeriod : 1;
+    if (!mTile.allocate(rows, mColumns) || !mTileRows.allocate(rows)) return false;
+    std::fill_n(mTileRows.get(), rows, -1);
     return true;
 }
 
 void PatternTile::row(uint32_t* words, const uint8_t* coverage, int first, int count, int y) {
-    if (repeats_ && isCoveredAnywhere(coverage, count)) return takeFromTile(words, coverage, first, count, y);
-    uint32_t strip[STRIP];
-    for (int begin = 0; begin < count; begin += STRIP) {
-        const int n = std::min(STRIP, count - begin);
+    if (mRepeats && isCoveredAnywhere(coverage, count)) return takeFromTile(words, coverage, first, count, y);
+    uint32_t strip[kStrip];
+    for (int begin = 0; begin < count; begin += kStrip) {
+        const int n = std::min(kStrip, count - begin);
         if (!isCoveredAnywhere(coverage + begin, n)) {
             std::fill_n(words + begin, n, 0u);
             continue;
@@ -113,30 +113,30 @@ void PatternTile::row(uint32_t* words, const uint8_t* coverage, int first, int c
 
 // At most a strip of columns of the tile.
 void PatternTile::mix(uint32_t* words, int first, int count, int y) const {
-    const Sample row = sampleAt(y, scale_, pattern_->height);
-    const auto* taps = reinterpret_cast<const TargetBaseline::Tap*>(pattern_->pixels);
-    const auto* upper = taps + size_t{row.first} * pattern_->width;
-    const auto* lower = taps + size_t{row.second} * pattern_->width;
-    ZVEX_ON_TARGET(mixTaps(words, upper, lower, row.weight, firsts_.get() + first, seconds_.get() + first,
-                           weights_.get() + first, count));
-    if (opacity_ >= 0 && opacity_ <= 1) {
-        ZVEX_ON_TARGET(premultiplyTaps(words, count, opacity_));
+    const Sample row = sampleAt(y, mScale, mPattern->height);
+    const auto* taps = reinterpret_cast<const TargetBaseline::Tap*>(mPattern->pixels);
+    const auto* upper = taps + size_t{row.first} * mPattern->width;
+    const auto* lower = taps + size_t{row.second} * mPattern->width;
+    ZVEX_ON_TARGET(mixTaps(words, upper, lower, row.weight, mFirsts.get() + first, mSeconds.get() + first,
+                           mWeights.get() + first, count));
+    if (mOpacity >= 0 && mOpacity <= 1) {
+        ZVEX_ON_TARGET(premultiplyTaps(words, count, mOpacity));
     } else {
-        premultiplyBeyond(words, count, opacity_);
+        premultiplyBeyond(words, count, mOpacity);
     }
 }
 
 void PatternTile::takeFromTile(uint32_t* words, const uint8_t* coverage, int first, int count, int y) {
-    const int row = y % rowPeriod_, at = keepsRows_ ? row : 0;
-    uint32_t* tile = tile_.get() + static_cast<size_t>(at) * static_cast<size_t>(columns_);
-    int& held = tileRows_[static_cast<size_t>(at)];
+    const int row = y % mRowPeriod, at = mKeepsRows ? row : 0;
+    uint32_t* tile = mTile.get() + static_cast<size_t>(at) * static_cast<size_t>(mColumns);
+    int& held = mTileRows[static_cast<size_t>(at)];
     if (held != row) {
-        for (int x = 0; x < columns_; x += STRIP) mix(tile + x, x, std::min(STRIP, columns_ - x), y);
+        for (int x = 0; x < mColumns; x += kStrip) mix(tile + x, x, std::min(kStrip, mColumns - x), y);
         held = row;
     }
     for (int begin = 0; begin < count;) {
-        const int column = (first + begin) % columns_;
-        const int n = std::min(count - begin, columns_ - column);
+        const int column = (first + begin) % mColumns;
+        const int n = std::min(count - begin, mColumns - column);
         ZVEX_ON_TARGET(takeCovered(words + begin, tile + column, coverage + begin, n));
         begin += n;
     }

@@ -31,16 +31,16 @@ private:
     void mix(uint32_t* words, int first, int count, int y) const;
     void takeFromTile(uint32_t* words, const uint8_t* coverage, int first, int count, int y);
 
-    const ZvBitmap* pattern_ = nullptr;
-    float scale_ = 0, opacity_ = 0;
-    int columns_ = 0;                   // of the tile: all that the box has, or a multiple of what repeats
-    int rowPeriod_ = 0;                 // rows of the box between two repeats
-    bool repeats_ = false;              // is any pixel of the tile taken twice?
-    bool keepsRows_ = false;            // else the tile has one row
-    Buffer<int32_t> firsts_, seconds_;  // of each column, in the pattern
-    Buffer<uint32_t> weights_;          // of the second one
-    Buffer<uint32_t> tile_;             // premultiplied
-    Buffer<int> tileRows_;              // which row of the box each of its rows holds, or -1
+    const ZvBitmap* mPattern = nullptr;
+    float mScale = 0, mOpacity = 0;
+    int mColumns = 0;                   // of the tile: all that the box has, or a multiple of what repeats
+    int mRowPeriod = 0;                 // rows of the box between two repeats
+    bool mRepeats = false;              // is any pixel of the tile taken twice?
+    bool mKeepsRows = false;            // else the tile has one row
+    Buffer<int32_t> mFirsts, mSeconds;  // of each column, in the pattern
+    Buffer<uint32_t> mWeights;          // of the second one
+    Buffer<uint32_t> mTile;             // premultiplied
+    Buffer<int> mTileRows;              // which row of the box each of its rows holds, or -1
 };
 
 }  // namespace Zvex

@@ -16,22 +16,22 @@ namespace Zvex {
 namespace {
 
 // Not the nearest float: the pictures are made with it.
-constexpr float PI = 3.14159f;
+constexpr float kPi = 3.14159f;
 
 float radians(float degrees) {
-    return degrees * PI / 180.0f;
+    return degrees * kPi / 180.0f;
 }
 
-constexpr int WEIGHT = 100;
+constexpr int kWeight = 100;
 
 // Rows are looked through in blocks of so many pixels; what is the same in all of one is done at once.
-constexpr int BLOCK = 64;
+constexpr int kBlock = 64;
 
 // Rows that are blurred at a time.
-constexpr int BAND = 64;
+constexpr int kBand = 64;
 
 // Of a block whose pixels have not the same two lights.
-constexpr int32_t UNEVEN = -1;
+constexpr int32_t kUneven = -1;
 
 // The pixels of a row from `begin` to `end` - 1, with their neighbours on all four sides; pointers are as of
 // the row's first pixel.
@@ -133,7 +133,7 @@ bool blurRelief(const ReliefBlurJob& job) {
     if (job.source == nullptr || job.destination == nullptr) return true;
     if (job.xBegin >= job.xEnd || job.yBegin >= job.yEnd) return true;
     Gaussian kernel;
-    if (!kernel.make(job.radius, WEIGHT, GaussianConstant::Double)) return false;
+    if (!kernel.make(job.radius, kWeight, GaussianConstant::Double)) return false;
     return blurPlane({job.source, job.destination, job.stride, &kernel, false, job.xBegin, job.xEnd,
                       job.yBegin, job.yEnd});
 }
@@ -150,132 +150,132 @@ void ReliefColors::row(uint32_t* pixels, const uint8_t* highlightLights, const u
 }
 
 bool ReliefRows::allocate(ReliefPlanes& light, int firstRadius, int secondRadius) {
-    return light_.make(area_, light, firstRadius, secondRadius) && row_.allocate(area_.width);
+    return mLight.make(mArea, light, firstRadius, secondRadius) && mRow.allocate(mArea.width);
 }
 
 bool ReliefRows::putBehind(ReliefPlanes& light, int firstRadius, int secondRadius, const ZvBitmap& mask) {
-    mask_ = &mask;
-    return behind_.make(area_, light, firstRadius, secondRadius) && rowBehind_.allocate(area_.width) &&
-           coverage_.allocate(area_.width);
+    mMask = &mask;
+    return mBehind.make(mArea, light, firstRadius, secondRadius) && mRowBehind.allocate(mArea.width) &&
+           mCoverage.allocate(mArea.width);
 }
 
 void ReliefRows::colorRow(int y) {
-    const int width = area_.width, margin = area_.margin;
-    light_.moveTo(y);
-    colors_.row(row_.get(), light_.highlight(), light_.shadow(), width);
-    if (mask_ == nullptr) return;
-    behind_.moveTo(y);
-    colors_.row(rowBehind_.get(), behind_.highlight(), behind_.shadow(), width);
-    const ZvRect box(area_.x + margin, area_.y + y, area_.x + width - margin, area_.y + y + 1);
-    std::memset(coverage_.get(), 0, static_cast<size_t>(width));
-    if (y >= margin && y < area_.height - margin) copyCoverage(*mask_, box, coverage_.get() + margin, width);
-    ZVEX_ON_TARGET(underlayRow(row_.get(), rowBehind_.get(), coverage_.get(), width));
+    const int width = mArea.width, margin = mArea.margin;
+    mLight.moveTo(y);
+    mColors.row(mRow.get(), mLight.highlight(), mLight.shadow(), width);
+    if (mMask == nullptr) return;
+    mBehind.moveTo(y);
+    mColors.row(mRowBehind.get(), mBehind.highlight(), mBehind.shadow(), width);
+    const ZvRect box(mArea.x + margin, mArea.y + y, mArea.x + width - margin, mArea.y + y + 1);
+    std::memset(mCoverage.get(), 0, static_cast<size_t>(width));
+    if (y >= margin && y < mArea.height - margin) copyCoverage(*mMask, box, mCoverage.get() + margin, width);
+    ZVEX_ON_TARGET(underlayRow(mRow.get(), mRowBehind.get(), mCoverage.get(), width));
 }
 
 void ReliefRows::draw(RowRange rows, const PictureStrip& target, const PictureStrip* other) {
-    const RowRange part = rows.within(area_.y, area_.height);
+    const RowRange part = rows.within(mArea.y, mArea.height);
     for (int y = part.begin; y < part.end; ++y) {
         colorRow(y);
-        for (const PictureStrip* picture : {&target, onBoth_ ? other : nullptr}) {
+        for (const PictureStrip* picture : {&target, mOnBoth ? other : nullptr}) {
             if (picture == nullptr) continue;
-            ZvBlender::drawBitmapBlend32(area_.x, area_.y + y - picture->top, picture, row_.get(),
-                                         area_.width, 1, area_.width, blendMode_);
+            ZvBlender::drawBitmapBlend32(mArea.x, mArea.y + y - picture->top, picture, mRow.get(),
+                                         mArea.width, 1, mArea.width, mBlendMode);
         }
     }
 }
 
 bool BlurredLight::make(const WorkingArea& area, ReliefPlanes& light, int firstRadius, int secondRadius) {
-    area_ = area;
-    light_.highlight = std::move(light.highlight);
-    light_.shadow = std::move(light.shadow);
+    mArea = area;
+    mLight.highlight = std::move(light.highlight);
+    mLight.shadow = std::move(light.shadow);
     if (firstRadius > 0 && secondRadius > 0) {
         ReliefPlanes blurred;
         if (!prepare(firstRadius) || !blurred.highlight.allocate(area.height, area.width) ||
             !blurred.shadow.allocate(area.height, area.width)) {
             return false;
         }
-        for (int y = 0; y < area.height; y += BAND) {
-            blurRows(y, std::min(BAND, area.height - y), blurred.highlight.get() + area.row(y),
+        for (int y = 0; y < area.height; y += kBand) {
+            blurRows(y, std::min(kBand, area.height - y), blurred.highlight.get() + area.row(y),
                      blurred.shadow.get() + area.row(y));
         }
-        border_ = std::move(light_.shadow);
-        light_.highlight = std::move(blurred.highlight);
-        light_.shadow = std::move(blurred.shadow);
+        mBorder = std::move(mLight.shadow);
+        mLight.highlight = std::move(blurred.highlight);
+        mLight.shadow = std::move(blurred.shadow);
     }
     const int radius = secondRadius > 0 ? secondRadius : firstRadius;
     if (radius < 1) return true;
-    return prepare(radius) && bandHighlight_.allocate(BAND, area.width) &&
-           bandShadow_.allocate(BAND, area.width);
+    return prepare(radius) && mBandHighlight.allocate(kBand, area.width) &&
+           mBandShadow.allocate(kBand, area.width);
 }
 
 // For one of the blurs.
 bool BlurredLight::prepare(int radius) {
-    radius_ = radius;
-    if (area_.width <= 2 * int64_t{radius} || area_.height <= 2 * int64_t{radius}) return true;  // all border
-    const int blocks = (area_.width + BLOCK - 1) / BLOCK;
-    if (!kernel_.make(radius, WEIGHT, GaussianConstant::Double) ||
-        !blur_.prepare(kernel_, area_.width, BAND) || !column_.allocate(BAND, area_.width) ||
-        !even_.allocate(area_.height, blocks) || !evenBand_.allocate(blocks)) {
+    mRadius = radius;
+    if (mArea.width <= 2 * int64_t{radius} || mArea.height <= 2 * int64_t{radius}) return true;  // all border
+    const int blocks = (mArea.width + kBlock - 1) / kBlock;
+    if (!mKernel.make(radius, kWeight, GaussianConstant::Double) ||
+        !mBlur.prepare(mKernel, mArea.width, kBand) || !mColumn.allocate(kBand, mArea.width) ||
+        !mEven.allocate(mArea.height, blocks) || !mEvenBand.allocate(blocks)) {
         return false;
     }
-    for (int y = 0; y < area_.height; ++y) {
-        ZVEX_ON_TARGET(findEven(even_.get() + ptrdiff_t{y} * blocks, light_.highlight.get() + area_.row(y),
-                                light_.shadow.get() + area_.row(y), area_.width));
+    for (int y = 0; y < mArea.height; ++y) {
+        ZVEX_ON_TARGET(findEven(mEven.get() + ptrdiff_t{y} * blocks, mLight.highlight.get() + mArea.row(y),
+                                mLight.shadow.get() + mArea.row(y), mArea.width));
     }
     return true;
 }
 
 void BlurredLight::moveTo(int y) {
-    if (radius_ < 1) {
-        highlightRow_ = light_.highlight.get() + area_.row(y);
-        shadowRow_ = light_.shadow.get() + area_.row(y);
+    if (mRadius < 1) {
+        mHighlightRow = mLight.highlight.get() + mArea.row(y);
+        mShadowRow = mLight.shadow.get() + mArea.row(y);
         return;
     }
-    if (y < bandBegin_ || y >= bandEnd_) {
-        bandBegin_ = y;
-        bandEnd_ = y + std::min(BAND, area_.height - y);
-        blurRows(bandBegin_, bandEnd_ - bandBegin_, bandHighlight_.get(), bandShadow_.get());
+    if (y < mBandBegin || y >= mBandEnd) {
+        mBandBegin = y;
+        mBandEnd = y + std::min(kBand, mArea.height - y);
+        blurRows(mBandBegin, mBandEnd - mBandBegin, mBandHighlight.get(), mBandShadow.get());
     }
-    highlightRow_ = bandHighlight_.get() + area_.row(y - bandBegin_);
-    shadowRow_ = bandShadow_.get() + area_.row(y - bandBegin_);
+    mHighlightRow = mBandHighlight.get() + mArea.row(y - mBandBegin);
+    mShadowRow = mBandShadow.get() + mArea.row(y - mBandBegin);
 }
 
 void BlurredLight::blurRows(int y, int count, uint8_t* highlight, uint8_t* shadow) {
-    const ptrdiff_t width = area_.width;
-    const int innerRight = area_.width - radius_;
+    const ptrdiff_t width = mArea.width;
+    const int innerRight = mArea.width - mRadius;
     for (int i = 0; i < count; ++i) {
-        const bool inside = radius_ < innerRight && y + i >= radius_ && y + i < area_.height - radius_;
+        const bool inside = mRadius < innerRight && y + i >= mRadius && y + i < mArea.height - mRadius;
         const auto fill = [&](ptrdiff_t begin, ptrdiff_t end) {
-            const size_t from = area_.row(y + i) + static_cast<size_t>(begin),
+            const size_t from = mArea.row(y + i) + static_cast<size_t>(begin),
                          size = static_cast<size_t>(end - begin);
-            std::memcpy(shadow + i * width + begin, light_.highlight.get() + from, size);
-            if (border_.get() != nullptr) {
-                std::memcpy(highlight + i * width + begin, border_.get() + from, size);
+            std::memcpy(shadow + i * width + begin, mLight.highlight.get() + from, size);
+            if (mBorder.get() != nullptr) {
+                std::memcpy(highlight + i * width + begin, mBorder.get() + from, size);
             } else {
                 std::memset(highlight + i * width + begin, 0, size);
             }
         };
-        fill(0, inside ? radius_ : width);
+        fill(0, inside ? mRadius : width);
         if (inside) fill(innerRight, width);
     }
-    const int first = std::max(y, radius_), last = std::min(y + count, area_.height - radius_);
-    if (first >= last || radius_ >= innerRight) return;
+    const int first = std::max(y, mRadius), last = std::min(y + count, mArea.height - mRadius);
+    if (first >= last || mRadius >= innerRight) return;
     const ptrdiff_t skipped = (first - y) * width;
     findEvenBlocks(first, last - first);
-    blurBand(light_.highlight.get(), first, last - first, 0, highlight + skipped);
-    blurBand(light_.shadow.get(), first, last - first, 8, shadow + skipped);
+    blurBand(mLight.highlight.get(), first, last - first, 0, highlight + skipped);
+    blurBand(mLight.shadow.get(), first, last - first, 8, shadow + skipped);
 }
 
 // The blocks of which all that the windows of these rows see is even.
 void BlurredLight::findEvenBlocks(int y, int count) {
-    const int blocks = (area_.width + BLOCK - 1) / BLOCK;
-    const int32_t* row = even_.get() + ptrdiff_t{y - radius_} * blocks;
-    std::copy_n(row, blocks, evenBand_.get());
-    for (int i = 1; i < count + 2 * radius_; ++i) {
+    const int blocks = (mArea.width + kBlock - 1) / kBlock;
+    const int32_t* row = mEven.get() + ptrdiff_t{y - mRadius} * blocks;
+    std::copy_n(row, blocks, mEvenBand.get());
+    for (int i = 1; i < count + 2 * mRadius; ++i) {
         row += blocks;
         for (int block = 0; block < blocks; ++block) {
-            int32_t& value = evenBand_[static_cast<size_t>(block)];
-            value = value == row[block] ? value : UNEVEN;
+            int32_t& value = mEvenBand[static_cast<size_t>(block)];
+            value = value == row[block] ? value : kUneven;
         }
     }
 }
@@ -283,19 +283,19 @@ void BlurredLight::findEvenBlocks(int y, int count) {
 // Rows y..y + count - 1 of one of the planes, but for the border; `shift` is where its byte lies in the even
 // blocks' values.
 void BlurredLight::blurBand(const uint8_t* plane, int y, int count, int shift, uint8_t* target) {
-    const ptrdiff_t width = area_.width;
-    const int left = radius_, right = area_.width - radius_, blocks = (area_.width + BLOCK - 1) / BLOCK;
-    uint8_t* column = column_.get();
-    const auto isEven = [&](int block) { return evenBand_[static_cast<size_t>(block)] != UNEVEN; };
+    const ptrdiff_t width = mArea.width;
+    const int left = mRadius, right = mArea.width - mRadius, blocks = (mArea.width + kBlock - 1) / kBlock;
+    uint8_t* column = mColumn.get();
+    const auto isEven = [&](int block) { return mEvenBand[static_cast<size_t>(block)] != kUneven; };
     // Calls blur(x, end) for the runs of uneven pixels and gives the others their value.
     const auto forRuns = [&](uint8_t* rows, const auto& even, const auto& blurRun) {
         for (int block = 0, next = 0; block < blocks; block = next) {
             const bool same = even(block);
-            const int32_t value = evenBand_[static_cast<size_t>(block)];
+            const int32_t value = mEvenBand[static_cast<size_t>(block)];
             for (next = block + 1; next < blocks && even(next) == same; ++next) {
-                if (same && evenBand_[static_cast<size_t>(next)] != value) break;
+                if (same && mEvenBand[static_cast<size_t>(next)] != value) break;
             }
-            const int begin = std::max(block * BLOCK, left), end = std::min(next * BLOCK, right);
+            const int begin = std::max(block * kBlock, left), end = std::min(next * kBlock, right);
             if (begin >= end) continue;
             if (!same) {
                 blurRun(begin, end);
@@ -306,22 +306,22 @@ void BlurredLight::blurBand(const uint8_t* plane, int y, int count, int shift, u
         }
     };
     forRuns(column, isEven, [&](int begin, int end) {
-        blur_.columns({plane + area_.row(y - radius_) + begin, width, -radius_, count + radius_,
+        mBlur.columns({plane + mArea.row(y - mRadius) + begin, width, -mRadius, count + mRadius,
                        column + begin, width, end - begin, count, false, false});
     });
     // Along the rows there is no light beyond the border.
     const auto isEvenAround = [&](int block) {
-        const int32_t value = evenBand_[static_cast<size_t>(block)];
-        const int begin = block * BLOCK - radius_, end = (block + 1) * BLOCK + radius_;
-        if (value == UNEVEN || (value != 0 && (begin < left || end > right))) return false;
-        for (int i = std::max(begin, 0) / BLOCK; i * BLOCK < std::min(end, area_.width); ++i) {
-            if (evenBand_[static_cast<size_t>(i)] != value) return false;
+        const int32_t value = mEvenBand[static_cast<size_t>(block)];
+        const int begin = block * kBlock - mRadius, end = (block + 1) * kBlock + mRadius;
+        if (value == kUneven || (value != 0 && (begin < left || end > right))) return false;
+        for (int i = std::max(begin, 0) / kBlock; i * kBlock < std::min(end, mArea.width); ++i) {
+            if (mEvenBand[static_cast<size_t>(i)] != value) return false;
         }
         return true;
     };
     forRuns(target, isEvenAround, [&](int begin, int end) {
-        const int first = std::max(begin - radius_, left), last = std::min(end + radius_, right);
-        blur_.rows({column + first, width, first - begin, last - begin, target + begin, width, end - begin,
+        const int first = std::max(begin - mRadius, left), last = std::min(end + mRadius, right);
+        mBlur.rows({column + first, width, first - begin, last - begin, target + begin, width, end - begin,
                     count, false, false});
     });
 }

@@ -142,8 +142,8 @@ public:
 
     // A row of each, to be read until the next call.
     void moveTo(int y);
-    const uint8_t* highlight() const { return highlightRow_; }
-    const uint8_t* shadow() const { return shadowRow_; }
+    const uint8_t* highlight() const { return mHighlightRow; }
+    const uint8_t* shadow() const { return mShadowRow; }
 
 private:
     bool prepare(int radius);
@@ -151,19 +151,19 @@ private:
     void findEvenBlocks(int y, int count);
     void blurBand(const uint8_t* plane, int y, int count, int shift, uint8_t* target);
 
-    WorkingArea area_;
-    ReliefPlanes light_;      // the planes to blur
-    Buffer<uint8_t> border_;  // what the border of the highlight shows; null is no light
-    int radius_ = 0;          // below 1 there is no blur
-    Gaussian kernel_;
-    Blur blur_;
-    // The two bytes of each block of a row whose pixels are all the same, else UNEVEN; the same of the rows
+    WorkingArea mArea;
+    ReliefPlanes mLight;      // the planes to blur
+    Buffer<uint8_t> mBorder;  // what the border of the highlight shows; null is no light
+    int mRadius = 0;          // below 1 there is no blur
+    Gaussian mKernel;
+    Blur mBlur;
+    // The two bytes of each block of a row whose pixels are all the same, else kUneven; the same of the rows
     // that a band sees.
-    Buffer<int32_t> even_, evenBand_;
-    Buffer<uint8_t> column_, bandHighlight_, bandShadow_;
-    int bandBegin_ = 0, bandEnd_ = 0;  // the rows that were blurred last
-    const uint8_t* highlightRow_ = nullptr;
-    const uint8_t* shadowRow_ = nullptr;
+    Buffer<int32_t> mEven, mEvenBand;
+    Buffer<uint8_t> mColumn, mBandHighlight, mBandShadow;
+    int mBandBegin = 0, mBandEnd = 0;  // the rows that were blurred last
+    const uint8_t* mHighlightRow = nullptr;
+    const uint8_t* mShadowRow = nullptr;
 };
 
 // From light to colour.
@@ -181,7 +181,7 @@ struct ReliefColors {
 class ReliefRows : public LayerRows {
 public:
     ReliefRows(const WorkingArea& area, const ReliefColors& colors, int blendMode, bool onBoth)
-        : area_(area), colors_(colors), blendMode_(blendMode), onBoth_(onBoth) {}
+        : mArea(area), mColors(colors), mBlendMode(blendMode), mOnBoth(onBoth) {}
 
     // The relief with its two blurs, see BlurredLight. False when memory is short.
     bool allocate(ReliefPlanes& light, int firstRadius, int secondRadius);
@@ -190,19 +190,19 @@ public:
     bool putBehind(ReliefPlanes& light, int firstRadius, int secondRadius, const ZvBitmap& mask);
 
     void draw(RowRange rows, const PictureStrip& target, const PictureStrip* other) override;
-    ZvRect reach() const override { return area_.rect(); }
+    ZvRect reach() const override { return mArea.rect(); }
 
 private:
     void colorRow(int y);
 
-    WorkingArea area_;
-    BlurredLight light_, behind_;
-    const ZvBitmap* mask_ = nullptr;  // null without a second relief
-    ReliefColors colors_;
-    int blendMode_;
-    bool onBoth_;  // pictures, if there are two
-    Buffer<uint32_t> row_, rowBehind_;
-    Buffer<uint8_t> coverage_;
+    WorkingArea mArea;
+    BlurredLight mLight, mBehind;
+    const ZvBitmap* mMask = nullptr;  // null without a second relief
+    ReliefColors mColors;
+    int mBlendMode;
+    bool mOnBoth;  // pictures, if there are two
+    Buffer<uint32_t> mRow, mRowBehind;
+    Buffer<uint8_t> mCoverage;
 };
 
 // The record built anew, so that its own limits hold again.

@@ -8,41 +8,41 @@
 namespace Zvex {
 
 bool WindowRoots::make(int width, int height, int radius) {
-    reachX_ = std::min(radius, width - 1);
-    reachY_ = std::min(radius, height - 1);
-    if (!roots_.allocate(int64_t{reachY_} + 1, span())) return false;
-    for (int64_t dy = 0; dy <= reachY_; ++dy) {
+    mReachX = std::min(radius, width - 1);
+    mReachY = std::min(radius, height - 1);
+    if (!mRoots.allocate(int64_t{mReachY} + 1, span())) return false;
+    for (int64_t dy = 0; dy <= mReachY; ++dy) {
         float* middle = rowOf(dy);
-        for (int64_t dx = 0; dx <= reachX_; ++dx) middle[dx] = middle[-dx] = integerRoot(dx * dx + dy * dy);
-        std::fill(middle + reachX_ + 1, middle - reachX_ + span(), INFINITE);
+        for (int64_t dx = 0; dx <= mReachX; ++dx) middle[dx] = middle[-dx] = integerRoot(dx * dx + dy * dy);
+        std::fill(middle + mReachX + 1, middle - mReachX + span(), kInfinite);
     }
     return true;
 }
 
 bool WindowVisibility::make(const WindowRoots& roots, float limit) {
     const int reach = roots.reachY();
-    if (!ranges_.allocate(int64_t{reach} + 1)) return false;
+    if (!mRanges.allocate(int64_t{reach} + 1)) return false;
     for (int dy = 0; dy <= reach; ++dy) makeRow(dy, roots, limit);
-    view_.roots = roots.row(0);
-    view_.span = roots.span();
-    view_.ranges = ranges_.get();
+    mView.roots = roots.row(0);
+    mView.span = roots.span();
+    mView.ranges = mRanges.get();
     using Range = VisibleRange;
-    countRows(view_.sides, reach, [](const Range& r, int i, int j) { return -r.side[i] <= r.side[j]; });
-    countRows(view_.sideAndBehind, reach,
+    countRows(mView.sides, reach, [](const Range& r, int i, int j) { return -r.side[i] <= r.side[j]; });
+    countRows(mView.sideAndBehind, reach,
               [](const Range& r, int i, int j) { return -r.side[i] <= r.behind[j]; });
-    countRows(view_.betweenAndSide, reach,
+    countRows(mView.betweenAndSide, reach,
               [](const Range& r, int i, int j) { return r.between[i] < r.side[j]; });
-    countRows(view_.betweenAndBehind, reach,
+    countRows(mView.betweenAndBehind, reach,
               [](const Range& r, int i, int j) { return r.between[i] < r.behind[j]; });
     return true;
 }
 
 template <typename IsVisible>
 void WindowVisibility::countRows(VisibleRows& rows, int reach, IsVisible isVisible) {
-    for (int i = 0; i < COARSE_ADVANTAGES; ++i) {
+    for (int i = 0; i < kCoarseAdvantages; ++i) {
         // The greater an advantage, the less is visible.
-        for (int j = 0, dy = reach; j < COARSE_ADVANTAGES; ++j) {
-            while (dy > 0 && !isVisible(ranges_[static_cast<size_t>(dy)], i * COARSE, j * COARSE)) --dy;
+        for (int j = 0, dy = reach; j < kCoarseAdvantages; ++j) {
+            while (dy > 0 && !isVisible(mRanges[static_cast<size_t>(dy)], i * kCoarse, j * kCoarse)) --dy;
             rows[i][j] = static_cast<int16_t>(dy);
         }
     }
@@ -57,10 +57,10 @@ void WindowVisibility::makeRow(int dy, const WindowRoots& roots, float limit) {
     const float margin = 1e-3f + 1e-6f * static_cast<float>(std::max(reach, roots.reachY()));
     int end = reach;
     while (end >= 0 && !(here[end] < limit)) --end;
-    VisibleRange& range = ranges_[static_cast<size_t>(dy)];
+    VisibleRange& range = mRanges[static_cast<size_t>(dy)];
     int before = 0, behind = end, beyond = reach, between = -1;
-    for (int i = 0; i < ADVANTAGES; ++i) {
-        const float advantage = static_cast<float>(i - ADVANTAGE_STEPS) / ADVANTAGE_STEPS,
+    for (int i = 0; i < kAdvantages; ++i) {
+        const float advantage = static_cast<float>(i - kAdvantageSteps) / kAdvantageSteps,
                     detour = advantage - margin;
         if (advantage > 0) {
             // A lower neighbour on a side hides all beyond it, and before it as far as the step to it costs
@@ -81,14 +81,14 @@ void WindowVisibility::makeRow(int dy, const WindowRoots& roots, float limit) {
 }
 
 bool CandidateRows::make(const WindowRoots& roots, int width, int begin, int end) {
-    const int64_t padding = int64_t{roots.reachX()} + PADDING;
-    view_.span = width + 2 * padding;
-    view_.count = static_cast<int>(std::min<int64_t>(2 * int64_t{roots.reachY()} + 1, int64_t{end} - begin));
-    view_.begin = begin;
-    view_.end = end;
-    if (!lines_.allocate(view_.count, view_.span)) return false;
-    std::fill_n(lines_.get(), view_.count * view_.span, INFINITE);
-    view_.lines = lines_.get() + padding;
+    const int64_t padding = int64_t{roots.reachX()} + kPadding;
+    mView.span = width + 2 * padding;
+    mView.count = static_cast<int>(std::min<int64_t>(2 * int64_t{roots.reachY()} + 1, int64_t{end} - begin));
+    mView.begin = begin;
+    mView.end = end;
+    if (!mLines.allocate(mView.count, mView.span)) return false;
+    std::fill_n(mLines.get(), mView.count * mView.span, kInfinite);
+    mView.lines = mLines.get() + padding;
     return true;
 }
 

@@ -36,25 +36,25 @@ namespace Zvex {
 // On a slope of distances the advantages of the four neighbours leave a narrow sector: the ray across the
 // edge. Along that ray all candidates are equal but for their roundings, which decide.
 
-constexpr float INFINITE = std::numeric_limits<float>::infinity();
+constexpr float kInfinite = std::numeric_limits<float>::infinity();
 
-// The advantages of a seed's four neighbours, in 1/ADVANTAGE_STEPS, clamped; -ADVANTAGE_STEPS for a neighbour
+// The advantages of a seed's four neighbours, in 1/kAdvantageSteps, clamped; -kAdvantageSteps for a neighbour
 // that is no seed.
 struct Advantages {
     int8_t left, right, above, below;
 };
-constexpr int ADVANTAGE_STEPS = 64, ADVANTAGES = 2 * ADVANTAGE_STEPS;
+constexpr int kAdvantageSteps = 64, kAdvantages = 2 * kAdvantageSteps;
 
-// What is visible of a row some rows away, by each advantage plus ADVANTAGE_STEPS of one neighbour.
+// What is visible of a row some rows away, by each advantage plus kAdvantageSteps of one neighbour.
 struct VisibleRange {
-    int16_t side[ADVANTAGES];     // past the one on a side: the greatest dx to that side; may be below 0
-    int16_t behind[ADVANTAGES];   // with one behind the seed: the greatest |dx|; -1 is none
-    int16_t between[ADVANTAGES];  // with one on the way: the greatest |dx| that is hidden
+    int16_t side[kAdvantages];     // past the one on a side: the greatest dx to that side; may be below 0
+    int16_t behind[kAdvantages];   // with one behind the seed: the greatest |dx|; -1 is none
+    int16_t between[kAdvantages];  // with one on the way: the greatest |dx| that is hidden
 };
 
 // For how many rows anything is visible with two neighbours, by coarser advantages.
-constexpr int COARSE = 4, COARSE_ADVANTAGES = ADVANTAGES / COARSE;
-using VisibleRows = int16_t[COARSE_ADVANTAGES][COARSE_ADVANTAGES];
+constexpr int kCoarse = 4, kCoarseAdvantages = kAdvantages / kCoarse;
+using VisibleRows = int16_t[kCoarseAdvantages][kCoarseAdvantages];
 
 // A window for the kernels: rows 0 to the reach.
 struct WindowView {
@@ -79,18 +79,18 @@ public:
     bool make(int width, int height, int radius);
 
     const float* row(int64_t dy) const { return rowOf(dy < 0 ? -dy : dy); }
-    int reachX() const { return reachX_; }
-    int reachY() const { return reachY_; }
+    int reachX() const { return mReachX; }
+    int reachY() const { return mReachY; }
     // The floats of a row from dx = -reachX on, with a vector's more, which are infinite.
-    int64_t span() const { return 2 * int64_t{reachX_} + 1 + MOST_LANES; }
+    int64_t span() const { return 2 * int64_t{mReachX} + 1 + kMostLanes; }
 
-    static constexpr int MOST_LANES = 16;
+    static constexpr int kMostLanes = 16;
 
 private:
-    float* rowOf(int64_t dy) const { return roots_.get() + dy * span() + reachX_; }
+    float* rowOf(int64_t dy) const { return mRoots.get() + dy * span() + mReachX; }
 
-    Buffer<float> roots_;
-    int reachX_ = 0, reachY_ = 0;
+    Buffer<float> mRoots;
+    int mReachX = 0, mReachY = 0;
 };
 
 // The tables of what is visible within a window.
@@ -98,32 +98,32 @@ class WindowVisibility {
 public:
     // Candidates further away than `limit` are not wanted. The roots have to outlive it.
     bool make(const WindowRoots& roots, float limit);
-    const WindowView& view() const { return view_; }
+    const WindowView& view() const { return mView; }
 
 private:
     void makeRow(int dy, const WindowRoots& roots, float limit);
     template <typename IsVisible>
     void countRows(VisibleRows& rows, int reach, IsVisible isVisible);
 
-    Buffer<VisibleRange> ranges_;
-    WindowView view_ = {};
+    Buffer<VisibleRange> mRanges;
+    WindowView mView = {};
 };
 
 // The best candidates of as many rows as a window sees at once. Seeds may write a window's reach, and a
 // vector, beyond either end of a row.
 class CandidateRows {
 public:
-    static constexpr int PADDING = 64;  // floats beyond the reach
+    static constexpr int kPadding = 64;  // floats beyond the reach
 
     // For the rows begin..end - 1; without candidates.
     bool make(const WindowRoots& roots, int width, int begin, int end);
 
-    float* row(int y) const { return view_.lines + y % view_.count * view_.span; }
-    const CandidateView& view() const { return view_; }
+    float* row(int y) const { return mView.lines + y % mView.count * mView.span; }
+    const CandidateView& view() const { return mView; }
 
 private:
-    Buffer<float> lines_;
-    CandidateView view_ = {};
+    Buffer<float> mLines;
+    CandidateView mView = {};
 };
 
 }  // namespace Zvex

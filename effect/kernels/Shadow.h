@@ -9,7 +9,7 @@ namespace Zvex {
 // What the outer and the inner shadow share.
 
 // The middle weight of their blur.
-constexpr int SHADOW_WEIGHT = 100;
+constexpr int kShadowWeight = 100;
 
 // Where a shadow falls, in pixels from the text, y downwards.
 struct ShadowShift {

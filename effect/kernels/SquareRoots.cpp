@@ -33,23 +33,23 @@ constexpr float fromThousandths(int64_t count) {
     return static_cast<float>(static_cast<double>(count) / 1000.0);
 }
 
-constexpr int64_t TABLE_SIZE = 5490;
+constexpr int64_t kTableSize = 5490;
 
 struct Table {
-    float roots[TABLE_SIZE];
+    float roots[kTableSize];
 };
 
 constexpr Table makeTable() {
     Table table{};
     int64_t whole = 0;
-    for (int64_t i = 0; i < TABLE_SIZE; ++i) {
+    for (int64_t i = 0; i < kTableSize; ++i) {
         if ((whole + 1) * (whole + 1) <= i) ++whole;
         table.roots[i] = fromThousandths(thousandths(i, whole));
     }
     return table;
 }
 
-constexpr Table TABLE = makeTable();
+constexpr Table kTable = makeTable();
 
 // The whole part of a root, or one less next to a square too large for a double: the nearest thousandth is
 // that of the square either way. Never more, or its own square might not fit.
@@ -61,11 +61,11 @@ int64_t wholeRoot(int64_t square) {
 
 }  // namespace
 
-const float (&ZV_INT_SQRT_TABLE)[5490] = TABLE.roots;
+const float (&ZV_INT_SQRT_TABLE)[5490] = kTable.roots;
 
 float integerRoot(int64_t square) {
     if (square < 0) return 0.0f;
-    if (square < TABLE_SIZE) return TABLE.roots[static_cast<size_t>(square)];
+    if (square < kTableSize) return kTable.roots[static_cast<size_t>(square)];
     return fromThousandths(thousandths(square, wholeRoot(square)));
 }
 

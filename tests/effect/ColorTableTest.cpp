@@ -13,14 +13,14 @@ namespace Zvex {
 namespace {
 
 std::vector<uint32_t> tableOf(const reference::Stops& stops, float firstStart, int curve) {
-    std::vector<uint32_t> table(COLOR_TABLE_SIZE);
+    std::vector<uint32_t> table(kColorTableSize);
     fillColorTable(table.data(), stops.data(), static_cast<int>(stops.size()), firstStart, curve);
     return table;
 }
 
 TEST(ColorTable, EqualsThePlainForm) {
     Random random(1);
-    const float odd[] = {NOT_A_NUMBER, -0.5f, 0.0f, 0.5f, 0.5f, 1.0f, 7.0f, -3.0f, ENDLESS};
+    const float odd[] = {kNotANumber, -0.5f, 0.0f, 0.5f, 0.5f, 1.0f, 7.0f, -3.0f, kEndless};
     for (int i = 0; i < 3000; ++i) {
         reference::Stops stops(static_cast<size_t>(random.between(1, 2 + i % 7)));
         for (size_t s = 0; s < stops.size(); ++s) {

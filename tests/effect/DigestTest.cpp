@@ -43,18 +43,18 @@ private:
 uint64_t picturesOf(int kind) {
     Digest digest;
     for (unsigned seed = 0; seed < 40; ++seed) {
-        Random random(seed * LAYER_KINDS + static_cast<unsigned>(kind));
+        Random random(seed * kLayerKinds + static_cast<unsigned>(kind));
         const int width = random.between(20, 150), height = random.between(20, 90);
         ZvEffect stack;
         addLayer(stack, kind, random);
         if (seed % 2 == 1) {
             for (int more = random.between(1, 3); more > 0; --more)
-                addLayer(stack, random.below(LAYER_KINDS), random);
+                addLayer(stack, random.below(kLayerKinds), random);
         }
         if (seed % 5 == 4) stack.setTextOpacity(0.4f);
         const uint32_t color = random.color();
         stack.addText(random.below(2) != 0 ? color | 0xFF000000u : color);
-        const MaskKind mask = ALL_MASKS[static_cast<size_t>(random.below(3))];
+        const MaskKind mask = kAllMasks[static_cast<size_t>(random.below(3))];
         const int lineWidth = random.between(1, width), lineHeight = random.between(1, height);
         const int x = random.between(-5, 20), y = random.between(-5, 20);
         ZvBitmap line = makeMask(mask, lineWidth, lineHeight, random);
@@ -75,7 +75,7 @@ uint64_t picturesOf(int kind) {
 uint64_t keysOf(int kind) {
     Digest digest;
     for (unsigned seed = 0; seed < 200; ++seed) {
-        Random random(seed * LAYER_KINDS + static_cast<unsigned>(kind));
+        Random random(seed * kLayerKinds + static_cast<unsigned>(kind));
         ZvEffect stack;
         addLayer(stack, kind, random);
         const std::unique_ptr<char[]> key(stack.getMapKey(random.color()));
@@ -85,23 +85,23 @@ uint64_t keysOf(int kind) {
 }
 
 TEST(Digests, PicturesAreTheSameEverywhere) {
-    constexpr uint64_t EXPECTED[LAYER_KINDS] = {0x501E257D0B862A3D, 0x9A87C029AED8568F, 0x43F8604B17860528,
-                                                0x0583934238D9B912, 0x4553286ED45B215F, 0x5FDCEDE921A2287D,
-                                                0x47A188A3C0FA0D54, 0x5992CD1CF55E02B5, 0x1AB71EC995A56AF4,
-                                                0x326BF0E4286EA4CF, 0x68AB013E2EB9E4FA};
+    constexpr uint64_t kExpected[kLayerKinds] = {0x501E257D0B862A3D, 0x9A87C029AED8568F, 0x43F8604B17860528,
+                                                 0x0583934238D9B912, 0x4553286ED45B215F, 0x5FDCEDE921A2287D,
+                                                 0x47A188A3C0FA0D54, 0x5992CD1CF55E02B5, 0x1AB71EC995A56AF4,
+                                                 0x326BF0E4286EA4CF, 0x68AB013E2EB9E4FA};
     forEachCpuTarget([&] {
-        for (int kind = 0; kind < LAYER_KINDS; ++kind) EXPECT_EQ(picturesOf(kind), EXPECTED[kind]) << kind;
+        for (int kind = 0; kind < kLayerKinds; ++kind) EXPECT_EQ(picturesOf(kind), kExpected[kind]) << kind;
     });
 }
 
 TEST(Digests, KeysAreTheSameEverywhere) {
-    constexpr uint64_t EXPECTED[LAYER_KINDS] = {
+    constexpr uint64_t kExpected[kLayerKinds] = {
         0xBBA6D898310DF1F9, 0x9B0A0C6E467C301B, 0x778C6C0C59F3BD74, 0x1247E2505621E3A4,
         0x4345F03F22D8D9EC, 0x8396A4CF21F846F3, 0xDCE43FBF2B14BFBB, 0,
         0x90DF5E0195AD3F35, 0x35417A6D3FD734BE, 0x14F5C103A7B9D400};
-    for (int kind = 0; kind < LAYER_KINDS; ++kind) {
+    for (int kind = 0; kind < kLayerKinds; ++kind) {
         if (kind != 7) {
-            EXPECT_EQ(keysOf(kind), EXPECTED[kind]) << kind;
+            EXPECT_EQ(keysOf(kind), kExpected[kind]) << kind;
         }
     }
 }

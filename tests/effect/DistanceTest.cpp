@@ -61,10 +61,10 @@ TEST(Distance, TransformOfALineIsTheMinimum) {
     EXPECT_TRUE(squaredDistances(nullptr, nullptr, 3));
     EXPECT_EQ(untouched, 7);
     // No image holds these; they must do no harm.
-    constexpr float LARGEST = std::numeric_limits<float>::max(),
-                    NOT_A_NUMBER = std::numeric_limits<float>::quiet_NaN();
-    const std::vector<float> wild = {LARGEST,  -LARGEST,     NOT_A_NUMBER, LARGEST,   -LARGEST,
-                                     -LARGEST, NOT_A_NUMBER, INFINITY,     -INFINITY, 0};
+    constexpr float kLargest = std::numeric_limits<float>::max(),
+                    kNotANumber = std::numeric_limits<float>::quiet_NaN();
+    const std::vector<float> wild = {kLargest,  -kLargest,   kNotANumber, kLargest,  -kLargest,
+                                     -kLargest, kNotANumber, INFINITY,    -INFINITY, 0};
     std::vector<float> result(wild.size());
     EXPECT_TRUE(squaredDistances(result.data(), wild.data(), static_cast<int>(wild.size())));
 }
@@ -130,9 +130,9 @@ struct Search {
     bool (*kernel)(const DistanceSearch&);
     void (*plain)(reference::Distances&, int, int, int);
 };
-constexpr Search SEARCHES[] = {{"nearest", searchNearest, reference::searchNearest},
-                               {"outward", searchOutward, reference::searchOutward},
-                               {"inward", searchInward, reference::searchInward}};
+constexpr Search kSearches[] = {{"nearest", searchNearest, reference::searchNearest},
+                                {"outward", searchOutward, reference::searchOutward},
+                                {"inward", searchInward, reference::searchInward}};
 
 // The planes of both filters and worse: clumps of full pixels, partial ones, the rest at or beyond the
 // radius. `signs`: full pixels are below 0, too, and so is some of the rest.
@@ -159,7 +159,7 @@ reference::Distances makePlane(Random& random, int radius, bool signs) {
 // Rows outside the range stay; ranges done one after another give the whole.
 TEST(Distance, SearchesEqualThePlainForm) {
     Random random(3);
-    for (const Search& search : SEARCHES) {
+    for (const Search& search : kSearches) {
         for (int i = 0; i < 120; ++i) {
             const int radius = i == 0 ? 70 : i == 1 ? -2 : random.below(12);
             reference::Distances expected =
@@ -271,7 +271,7 @@ TEST(Distance, SignedPlanesEqualThePlainForm) {
 
 TEST(Distance, SearchesSurviveSizesThatDoNotFit) {
     std::vector<float> plane = {2, 0, 2, -1};
-    for (const Search& search : SEARCHES) {
+    for (const Search& search : kSearches) {
         std::vector<float> some = plane;
         EXPECT_TRUE(search.kernel({some.data(), 2, 2, INT_MAX, INT_MIN, INT_MAX}));
         for (DistanceSearch empty : {DistanceSearch{nullptr, 2, 2, 1, 0, 2},

@@ -38,9 +38,9 @@ TEST(EffectArguments, SingleNumbersAreLimited) {
         for (size_t i = 0; i < row.given.size(); ++i) {
             EXPECT_EQ(row.limit(row.given[i]), row.expected[i]) << row.name << " of " << row.given[i];
         }
-        EXPECT_EQ(row.limit(NOT_A_NUMBER), row.ofNan) << row.name;
-        EXPECT_EQ(row.limit(ENDLESS), row.ofEndless) << row.name;
-        EXPECT_EQ(row.limit(-ENDLESS), row.ofMinusEndless) << row.name;
+        EXPECT_EQ(row.limit(kNotANumber), row.ofNan) << row.name;
+        EXPECT_EQ(row.limit(kEndless), row.ofEndless) << row.name;
+        EXPECT_EQ(row.limit(-kEndless), row.ofMinusEndless) << row.name;
     }
 }
 
@@ -49,8 +49,8 @@ TEST(EffectArguments, ColorsTakeTheirAlphaFromTheOpacity) {
     EXPECT_EQ(premultipliedColor(0xFFFF8001, 0.5f),
               0x80804001);  // 128; 256 * 128, 129 * 128 and 2 * 128 over 256
     EXPECT_EQ(premultipliedColor(0xFFFFFFFF, 0.0f), 0u);
-    EXPECT_EQ(premultipliedColor(0xFFFFFFFF, NOT_A_NUMBER), 0u);
-    EXPECT_EQ(premultipliedColor(0x00123456, ENDLESS), 0xFF123456);
+    EXPECT_EQ(premultipliedColor(0xFFFFFFFF, kNotANumber), 0u);
+    EXPECT_EQ(premultipliedColor(0x00123456, kEndless), 0xFF123456);
     EXPECT_EQ(colorWithAlpha(0x12FF8001, 0.5f), 0x80FF8001);
     EXPECT_EQ(colorWithAlpha(0x12FF8001, -3.0f), 0x00FF8001u);
     EXPECT_EQ(colorWithAlpha(0x12FF8001, 7.0f), 0xFFFF8001);
@@ -64,8 +64,8 @@ TEST(EffectArguments, StopsAreFoldedAndCut) {
                                 {0xFF102030, 2.0f, -0.2f},
                                 {0x00ABCDEF, -1.0f, 1.7f},
                                 {0x44000001, 1.0f, 0.29f},
-                                {0x55000002, NOT_A_NUMBER, NOT_A_NUMBER},
-                                {0x66000003, 1.0f, ENDLESS}};
+                                {0x55000002, kNotANumber, kNotANumber},
+                                {0x66000003, 1.0f, kEndless}};
     const ZvGradient expected[] = {{0x40FF8001, 0.5f, 0.29f}, {0x80102030, 1.0f, 0.0f},
                                    {0x00ABCDEF, 0.0f, 1.0f},  {0x80000001, 1.0f, 0.29f},
                                    {0x00000002, 0.0f, 0.0f},  {0x80000003, 1.0f, 1.0f}};
@@ -95,8 +95,8 @@ TEST(EffectArguments, ShadowsGlowsAndGradients) {
     const Fields shadow = fields(330, 100, 7, 0x80804001, 0.5f), noShadow = fields(0, 0, 0, 0, 0);
     EXPECT_EQ(fieldsOf(shadowArguments<ZvOuterShadowProperty>(-30.5f, 120, 7.9f, 0x10FF8001, 0.5f)), shadow);
     EXPECT_EQ(fieldsOf(shadowArguments<ZvInnerShadowProperty>(-30.5f, 120, 7.9f, 0x10FF8001, 0.5f)), shadow);
-    EXPECT_EQ(fieldsOf(shadowArguments<ZvInnerShadowProperty>(NOT_A_NUMBER, NOT_A_NUMBER, -ENDLESS, ~0u,
-                                                              NOT_A_NUMBER)),
+    EXPECT_EQ(fieldsOf(shadowArguments<ZvInnerShadowProperty>(kNotANumber, kNotANumber, -kEndless, ~0u,
+                                                              kNotANumber)),
               noShadow);
     const ZvGradient given[] = {{1, 1.0f, 0.0f}, {2, 1.0f, 1.0f}};
     GradientStops stops;
@@ -104,14 +104,14 @@ TEST(EffectArguments, ShadowsGlowsAndGradients) {
     const auto outer = glowArguments<ZvOuterGlowProperty>(12.7f, 0x10FF8001, 0.5f, stops);
     EXPECT_EQ(fieldsOf(outer), fields(12, 0x80FF8001, 0.5f, 2));  // not premultiplied
     EXPECT_EQ(outer.stops, stops.data());
-    EXPECT_EQ(fieldsOf(glowArguments<ZvInnerGlowProperty>(ENDLESS, 0x10FF8001, 9.0f, GradientStops())),
+    EXPECT_EQ(fieldsOf(glowArguments<ZvInnerGlowProperty>(kEndless, 0x10FF8001, 9.0f, GradientStops())),
               fields(100, 0xFFFF8001, 1, 0));
     const auto linear = gradientArguments<ZvLinearGradientProperty>(-45.5f, 2.5f, 1.5f, stops);
     EXPECT_EQ(fieldsOf(linear), fields(315, 2, 1, 2, 0));
     EXPECT_EQ(linear.stops, stops.data());
-    EXPECT_EQ(fieldsOf(gradientArguments<ZvRadialGradientProperty>(NOT_A_NUMBER, NOT_A_NUMBER, NOT_A_NUMBER,
-                                                                   stops)),
-              fields(0, 0, 0, 2, 0));
+    EXPECT_EQ(
+        fieldsOf(gradientArguments<ZvRadialGradientProperty>(kNotANumber, kNotANumber, kNotANumber, stops)),
+        fields(0, 0, 0, 2, 0));
 }
 
 // The size is not limited; the colours' alphas are the layer's opacity times their own.
@@ -121,8 +121,8 @@ void checkRelief() {
                                                0x20FFFFFF, 2)),
               fields(1, 200.5f, 10, 2, 3, 16, 0.5f, 270, 10, 0x40FF8001, 0.5f, 0x80FFFFFF, 1, 0));
     EXPECT_EQ(
-        fieldsOf(reliefArguments<Relief>(INT_MIN, 0, NOT_A_NUMBER, INT_MAX, INT_MIN, INT_MIN, NOT_A_NUMBER,
-                                         ENDLESS, NOT_A_NUMBER, ~0u, ENDLESS, ~0u, -ENDLESS)),
+        fieldsOf(reliefArguments<Relief>(INT_MIN, 0, kNotANumber, INT_MAX, INT_MIN, INT_MIN, kNotANumber,
+                                         kEndless, kNotANumber, ~0u, kEndless, ~0u, -kEndless)),
         fields(INT_MIN, 0, 0, INT_MAX, INT_MIN, 0, 0, 127, 0, 0xFFFFFF, 1, 0xFFFFFF, 0, 0));
 }
 
@@ -134,13 +134,13 @@ TEST(EffectArguments, BevelAndEmboss) {
 TEST(EffectArguments, StrokePatternAndText) {
     EXPECT_EQ(fieldsOf(strokeArguments(3.9f, 0x10FF8001, 0.5f, INT_MIN, INT_MAX)),
               fields(3, 0x80804001, 0.5f, INT_MIN, INT_MAX));
-    EXPECT_EQ(fieldsOf(strokeArguments(NOT_A_NUMBER, ~0u, NOT_A_NUMBER, 0, 0)), fields(0, 0, 0, 0, 0));
-    EXPECT_EQ(strokeArguments(ENDLESS, 0, 0, 0, 0).width, 100.0f);
+    EXPECT_EQ(fieldsOf(strokeArguments(kNotANumber, ~0u, kNotANumber, 0, 0)), fields(0, 0, 0, 0, 0));
+    EXPECT_EQ(strokeArguments(kEndless, 0, 0, 0, 0).width, 100.0f);
     EXPECT_EQ(patternArguments(nullptr, 12, -1).bitmap, nullptr);
     EXPECT_EQ(fieldsOf(patternArguments(nullptr, 12, -1)), fields(10, 0, 0));
-    EXPECT_EQ(fieldsOf(patternArguments(nullptr, NOT_A_NUMBER, NOT_A_NUMBER)), fields(0, 0, 0));
+    EXPECT_EQ(fieldsOf(patternArguments(nullptr, kNotANumber, kNotANumber)), fields(0, 0, 0));
     EXPECT_EQ(fieldsOf(textArguments(0x10FF8001, 0.5f)), fields(0x80804001, 0.5f));
-    EXPECT_EQ(fieldsOf(textArguments(~0u, NOT_A_NUMBER)), fields(0, 0));
+    EXPECT_EQ(fieldsOf(textArguments(~0u, kNotANumber)), fields(0, 0));
     EXPECT_EQ(fieldsOf(opaqueTextArguments(0x10FF8001)), fields(0xFFFF8001, 1));
 }
 

@@ -95,20 +95,20 @@ TEST_P(FilterContract, DrawsNothingWithAbsurdSettings) {
     } rows[] = {
         {{ZV_EFFECT_STROKE},
          &LayerSettings::size,
-         {-0.25f, -3, 5e4f, 2147483648.0f, ENDLESS, -ENDLESS, NOT_A_NUMBER}},
+         {-0.25f, -3, 5e4f, 2147483648.0f, kEndless, -kEndless, kNotANumber}},
         {{ZV_EFFECT_OUTER_GLOW, ZV_EFFECT_INNER_GLOW},
          &LayerSettings::size,
-         {-1, -1.5f, -2, -30, 5e4f, 2147483648.0f, ENDLESS, -ENDLESS, NOT_A_NUMBER}},
-        {{ZV_EFFECT_OUTER_SHADOW}, &LayerSettings::size, {20000, 1e9f, 3e9f, ENDLESS}},
-        {{ZV_EFFECT_INNER_SHADOW}, &LayerSettings::size, {3e5f, 1e9f, 3e9f, ENDLESS}},
-        {{ZV_EFFECT_OUTER_SHADOW}, &LayerSettings::distance, {100, 3e9f, ENDLESS}},
+         {-1, -1.5f, -2, -30, 5e4f, 2147483648.0f, kEndless, -kEndless, kNotANumber}},
+        {{ZV_EFFECT_OUTER_SHADOW}, &LayerSettings::size, {20000, 1e9f, 3e9f, kEndless}},
+        {{ZV_EFFECT_INNER_SHADOW}, &LayerSettings::size, {3e5f, 1e9f, 3e9f, kEndless}},
+        {{ZV_EFFECT_OUTER_SHADOW}, &LayerSettings::distance, {100, 3e9f, kEndless}},
         {{ZV_EFFECT_LINEAR_GRADIENT, ZV_EFFECT_RADIAL_GRADIENT, ZV_EFFECT_PATTERN},
          &LayerSettings::scale,
-         {0.0999f, 0, -1, NOT_A_NUMBER}},
-        {{ZV_EFFECT_PATTERN}, &LayerSettings::opacity, {-1, 0, 3e-3f, -ENDLESS, NOT_A_NUMBER}},
+         {0.0999f, 0, -1, kNotANumber}},
+        {{ZV_EFFECT_PATTERN}, &LayerSettings::opacity, {-1, 0, 3e-3f, -kEndless, kNotANumber}},
         {{ZV_EFFECT_BEVEL, ZV_EFFECT_EMBOSS},
          &LayerSettings::size,
-         {-20, 1e5f, 2147483648.0f, ENDLESS, -ENDLESS}},
+         {-20, 1e5f, 2147483648.0f, kEndless, -kEndless}},
     };
     FilterScene scene(2);
     const FilterScene before(2);
@@ -127,7 +127,7 @@ TEST_P(FilterContract, DrawsNothingWithAbsurdSettings) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Types, FilterContract,
-                         testing::ValuesIn(LAYER_TYPES, LAYER_TYPES + LAYER_KINDS - 1));
+                         testing::ValuesIn(kLayerTypes, kLayerTypes + kLayerKinds - 1));
 
 }  // namespace
 }  // namespace Zvex

@@ -30,7 +30,7 @@ struct FilterScene {
 
     explicit FilterScene(unsigned seed, int width = 30, int height = 22) {
         Random random(seed);
-        mask = makeMask(ALL_MASKS[seed % ALL_MASKS.size()], width, height, random);
+        mask = makeMask(kAllMasks[seed % kAllMasks.size()], width, height, random);
         box = Zvex::ZvRect(0, 0, width, height);
         if (random.below(3) != 0) {
             box.left = random.between(-8, width + 2);
@@ -41,7 +41,7 @@ struct FilterScene {
         layerMode = random.below(2);
         both = random.below(2) == 0;
         const int grow = random.between(-5, 5);
-        target = makeTarget(ALL_TARGETS[static_cast<size_t>(random.below(3))], width + grow, height + grow,
+        target = makeTarget(kAllTargets[static_cast<size_t>(random.below(3))], width + grow, height + grow,
                             random);
         other = makeTarget(TargetKind::Partly, width, height, random);
     }

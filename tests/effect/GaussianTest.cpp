@@ -58,7 +58,7 @@ TEST(Gaussian, DividesEverySumExactly) {
 }
 
 void expectThePlainBlur(int i, int radius, int scale, int width, int height, Random& random) {
-    const ZvBitmap plane = makeMask(ALL_MASKS[static_cast<size_t>(i) % 6], width, height, random);
+    const ZvBitmap plane = makeMask(kAllMasks[static_cast<size_t>(i) % 6], width, height, random);
     const std::vector<uint8_t> source(plane.pixels, plane.pixels + width * height);
     const uint8_t before = static_cast<uint8_t>(random.below(256));
     std::vector<uint8_t> expected(source.size(), before);
@@ -95,23 +95,23 @@ TEST(Gaussian, BlurEqualsThePlainForm) {
 
 // One opaque run, at each place in and beside a target of several blocks. Inverted, a single weight shows.
 TEST(Gaussian, PassesTakeInTheLastPixelOfEachWindow) {
-    constexpr int COUNT = 300, RUN = 64, RADIUS = 5;
+    constexpr int kCount = 300, kRun = 64, kRadius = 5;
     Gaussian kernel;
-    ASSERT_TRUE(kernel.make(RADIUS, 100, GaussianConstant::Single));
-    const std::vector<int> weights = reference::gaussianWeights(RADIUS, 100, true);
-    const std::vector<uint8_t> source(RUN, 255);
+    ASSERT_TRUE(kernel.make(kRadius, 100, GaussianConstant::Single));
+    const std::vector<int> weights = reference::gaussianWeights(kRadius, 100, true);
+    const std::vector<uint8_t> source(kRun, 255);
     Blur blur;
-    ASSERT_TRUE(blur.prepare(kernel, COUNT, COUNT));
-    for (int at = -RUN - RADIUS - 2; at < COUNT + RADIUS + 2; ++at) {
-        std::vector<uint8_t> expected, rows(COUNT), columns(COUNT);
-        for (int x = 0; x < COUNT; ++x) {
+    ASSERT_TRUE(blur.prepare(kernel, kCount, kCount));
+    for (int at = -kRun - kRadius - 2; at < kCount + kRadius + 2; ++at) {
+        std::vector<uint8_t> expected, rows(kCount), columns(kCount);
+        for (int x = 0; x < kCount; ++x) {
             const int64_t sum = reference::gaussianSum(
-                weights, [&](int i) { return x + i >= at && x + i < at + RUN ? 255 : 0; });
+                weights, [&](int i) { return x + i >= at && x + i < at + kRun ? 255 : 0; });
             expected.push_back(static_cast<uint8_t>((int64_t{255} * kernel.total - sum) / kernel.total));
         }
         forEachCpuTarget([&] {
-            blur.rows({source.data(), 0, at, at + RUN, rows.data(), 0, COUNT, 1, false, true});
-            blur.columns({source.data(), 1, at, at + RUN, columns.data(), 1, 1, COUNT, false, true});
+            blur.rows({source.data(), 0, at, at + kRun, rows.data(), 0, kCount, 1, false, true});
+            blur.columns({source.data(), 1, at, at + kRun, columns.data(), 1, 1, kCount, false, true});
             ASSERT_EQ(rows, expected) << at;
             ASSERT_EQ(columns, expected) << at;
         });
@@ -120,11 +120,11 @@ TEST(Gaussian, PassesTakeInTheLastPixelOfEachWindow) {
 
 // Sums that no multiplier divides exactly; one pass, because a plane with room for its windows is too large.
 TEST(Gaussian, BlurOfAnEndlessRadiusEqualsThePlainForm) {
-    constexpr int RADIUS = 110000;
+    constexpr int kRadius = 110000;
     Gaussian kernel;
-    ASSERT_TRUE(kernel.make(RADIUS, 100, GaussianConstant::Single));
+    ASSERT_TRUE(kernel.make(kRadius, 100, GaussianConstant::Single));
     // Its own: the plain form squares distances as ints.
-    const std::vector<int> weights(kernel.weights.get(), kernel.weights.get() + RADIUS + 1);
+    const std::vector<int> weights(kernel.weights.get(), kernel.weights.get() + kRadius + 1);
     Random random(3);
     std::vector<uint8_t> source(100000);
     for (uint8_t& pixel : source) pixel = static_cast<uint8_t>(random.between(180, 255));

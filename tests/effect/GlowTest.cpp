@@ -18,26 +18,26 @@ using reference::Stops;
 using Table = std::vector<unsigned int>;
 
 const Stops NONE;
-const Stops ONE = {{0xA0FF8001, 1, 0.5f}};
-const Stops FOUR = {
+const Stops kOne = {{0xA0FF8001, 1, 0.5f}};
+const Stops kFour = {
     {0xFFFF0000, 1, 0.7f}, {0x8000FF40, 1, 0.3f}, {0xC01020E0, 1, 0.3f}, {0xFFFFFFFF, 1, 0.8f}};
 
 template <typename Filter>
 class Glow : public testing::Test {
 public:
     using Property = std::remove_pointer_t<decltype(Filter::property)>;
-    static constexpr bool INSIDE = std::is_same_v<Filter, ZvInnerGlow>;
+    static constexpr bool kInside = std::is_same_v<Filter, ZvInnerGlow>;
     Filter filter;
 
     void set(float size, Stops stops) {
-        Property property(size, COLOR, 1, static_cast<int>(stops.size()), stops.data());
+        Property property(size, kColor, 1, static_cast<int>(stops.size()), stops.data());
         filter.setProperty(&property);
     }
     void expectThePlainGlow(float size, const Stops& stops, unsigned seed, unsigned seeds, int width = 30,
                             int height = 22) {
         SCOPED_TRACE("size " + std::to_string(size) + ", " + std::to_string(stops.size()) + " stops");
         const auto draw = [&](FilterScene& scene) {
-            reference::drawGlow(INSIDE, scene.target, scene.mask, scene.box, size, COLOR, stops);
+            reference::drawGlow(kInside, scene.target, scene.mask, scene.box, size, kColor, stops);
         };
         expectThePlainForm(filter, seed, seeds, draw, width, height);
     }
@@ -49,13 +49,13 @@ TYPED_TEST(Glow, TableEqualsThePlainForm) {
     Table table(257, 1);
     this->filter.makeColorLUT(table.data(), 0.3f, 0);  // no settings yet
     EXPECT_EQ(table, Table(257, 1));
-    for (const Stops& stops : {NONE, ONE, FOUR}) {
+    for (const Stops& stops : {NONE, kOne, kFour}) {
         for (float size : {0.0f, -0.0f, 0.05f, 9.0f}) {
             this->set(size, stops);
-            for (float start : {0.3f, 0.0f, -2.0f, NOT_A_NUMBER, 0.001f, 0.5f, 0.9f, 0.995f, 1.0f, 3.0f}) {
+            for (float start : {0.3f, 0.0f, -2.0f, kNotANumber, 0.001f, 0.5f, 0.9f, 0.995f, 1.0f, 3.0f}) {
                 for (int curve : {0, 1, 2, 3}) {
                     this->filter.makeColorLUT(table.data(), start, curve);
-                    ASSERT_EQ(table, reference::glowTable(size, COLOR, stops, start, curve))
+                    ASSERT_EQ(table, reference::glowTable(size, kColor, stops, start, curve))
                         << "size " << size << ", fade " << start << ", curve " << curve;
                 }
             }
@@ -65,7 +65,7 @@ TYPED_TEST(Glow, TableEqualsThePlainForm) {
     this->filter.makeColorLUT(nullptr, 0.3f, 0);
     this->filter.makeColorLUT(table.data(), 0.3f, 0);
     EXPECT_EQ((Table{table[0], table[76], table[77], table[166], table[255], table[256]}),
-              (Table{COLOR, COLOR, 0xBE604020, 0x60604020, 0x00604020, 0}));
+              (Table{kColor, kColor, 0xBE604020, 0x60604020, 0x00604020, 0}));
 }
 
 // Rectangles of all sizes, also large enough for blocks in and around which nothing changes.
@@ -77,7 +77,7 @@ TYPED_TEST(Glow, BoxFilterEqualsThePlainForm) {
         const int width = large ? random.between(100, 420) : random.between(1, i % 4 == 1 ? 3 : 24);
         const int height = large ? random.between(3, 70) : random.between(1, i % 3 == 0 ? 4 : 12);
         const int passes = random.between(-1, large ? 22 : 5);
-        const ZvBitmap mask = makeMask(ALL_MASKS[static_cast<size_t>(i) % 6], width, height, random);
+        const ZvBitmap mask = makeMask(kAllMasks[static_cast<size_t>(i) % 6], width, height, random);
         std::vector<uint8_t> source(mask.pixels, mask.pixels + width * height), expected;
         for (int shape = large ? random.between(1, 6) : 0; shape > 0; --shape) {
             const int levels[] = {0, 255, 255, random.below(256), random.below(3), 254};
@@ -109,18 +109,18 @@ TYPED_TEST(Glow, BoxFilterEqualsThePlainForm) {
 TYPED_TEST(Glow, EqualsThePlainForm) {
     unsigned seed = 0;
     for (float size : {-0.5f, 0.0f, 0.5f, 1.0f, 3.0f, 4.7f, 9.0f, 18.0f, 37.0f, 39.0f, 39.5f, 40.0f}) {
-        for (const Stops& stops : {NONE, ONE, FOUR}) {
+        for (const Stops& stops : {NONE, kOne, kFour}) {
             this->set(size, stops);
             this->expectThePlainGlow(size, stops, seed++, size < 9 ? 6 : 2);
         }
     }
-    this->set(37, FOUR);
-    this->expectThePlainGlow(37, FOUR, 2, 1, 80, 60);
-    this->set(9, FOUR);
-    this->expectThePlainGlow(9, FOUR, 0, 6, 200, 170);  // several bands of rows
+    this->set(37, kFour);
+    this->expectThePlainGlow(37, kFour, 2, 1, 80, 60);
+    this->set(9, kFour);
+    this->expectThePlainGlow(9, kFour, 0, 6, 200, 170);  // several bands of rows
     for (float size : {100.0f, 130.5f}) {
-        this->set(size, FOUR);
-        this->expectThePlainGlow(size, FOUR, 2, 1, 6, 5);
+        this->set(size, kFour);
+        this->expectThePlainGlow(size, kFour, 2, 1, 6, 5);
     }
 }
 
@@ -132,14 +132,14 @@ TYPED_TEST(Glow, MarginIsTheSizeRounded) {
 }
 
 TYPED_TEST(Glow, WithoutStopsHasTheColorOfTheProperty) {
-    Stops stops = FOUR;
+    Stops stops = kFour;
     const std::pair<int, ZvGradient*> without[] = {{0, stops.data()}, {-1, stops.data()}, {3, nullptr}};
     for (const auto& [count, data] : without) {
-        typename TestFixture::Property property(3, COLOR, 1, count, data);
+        typename TestFixture::Property property(3, kColor, 1, count, data);
         this->filter.setProperty(&property);
         this->expectThePlainGlow(3, NONE, 2, 1);
     }
-    this->set(3, FOUR);
+    this->set(3, kFour);
     this->filter.property->count = 0;
     this->expectThePlainGlow(3, NONE, 2, 1);
 }

@@ -15,10 +15,10 @@ namespace {
 using reference::FillKind;
 using reference::Stops;
 
-const Stops SIX = {{0xFFFF0000, 1, 0.1f},  {0x8000FF40, 1, 0.2f}, {0xC01020E0, 1, 0.2f},
-                   {0x00FFFFFF, 1, 0.55f}, {0xFF80C0FF, 1, 0.5f}, {0x40FFFFFF, 1, 0.9f}};
-const Stops TWO = {{0xFF000000, 1, 0}, {0xFFFFFFFF, 1, 1}};
-const Stops ALONE = {{0xA0FF8001, 1, 0.5f}};
+const Stops kSix = {{0xFFFF0000, 1, 0.1f},  {0x8000FF40, 1, 0.2f}, {0xC01020E0, 1, 0.2f},
+                    {0x00FFFFFF, 1, 0.55f}, {0xFF80C0FF, 1, 0.5f}, {0x40FFFFFF, 1, 0.9f}};
+const Stops kTwo = {{0xFF000000, 1, 0}, {0xFFFFFFFF, 1, 1}};
+const Stops kAlone = {{0xA0FF8001, 1, 0.5f}};
 
 // Everything covered, nothing drawn yet.
 FilterScene filledBox(int width, int height) {
@@ -34,7 +34,7 @@ template <typename Filter>
 class Gradient : public testing::Test {
 public:
     using Property = std::remove_pointer_t<decltype(Filter::property)>;
-    static constexpr bool LINEAR = std::is_same_v<Filter, ZvLinearGradient>;
+    static constexpr bool kLinear = std::is_same_v<Filter, ZvLinearGradient>;
     Filter filter;
 
     void set(float angle, float scale, Stops stops) {
@@ -42,7 +42,7 @@ public:
         filter.setProperty(&property);
     }
     void drawPlain(FilterScene& scene, float angle, float scale, const Stops& stops) {
-        reference::drawGradient(LINEAR ? FillKind::Linear : FillKind::Radial, scene.target, scene.mask,
+        reference::drawGradient(kLinear ? FillKind::Linear : FillKind::Radial, scene.target, scene.mask,
                                 scene.box, angle, scale, stops);
     }
 };
@@ -51,7 +51,7 @@ TYPED_TEST_SUITE(Gradient, Fills);
 
 TYPED_TEST(Gradient, EqualsThePlainForm) {
     unsigned seed = 0;
-    for (const Stops& stops : {SIX, TWO, ALONE}) {
+    for (const Stops& stops : {kSix, kTwo, kAlone}) {
         for (float scale : {0.1f, 0.35f, 1.0f, 2.0f, 5.0f}) {
             for (int angle : {0, 1, 30, 45, 90, 144, 180, 209, 270, 300, 359, -30, -200}) {
                 SCOPED_TRACE("angle " + std::to_string(angle) + ", scale " + std::to_string(scale));
@@ -69,10 +69,10 @@ TYPED_TEST(Gradient, EqualsThePlainForm) {
 TYPED_TEST(Gradient, EqualsThePlainFormToTheLastBit) {
     for (float scale : {1.0f, 1.12f}) {
         for (float angle : {0.0f, 45.0f, 90.0f, 139.0f, 271.0f}) {
-            this->set(angle, scale, TWO);
+            this->set(angle, scale, kTwo);
             FilterScene actual = filledBox(150, 37), expected = filledBox(150, 37);
             actual.draw(this->filter);
-            this->drawPlain(expected, angle, scale, TWO);
+            this->drawPlain(expected, angle, scale, kTwo);
             EXPECT_TRUE(actual.sameAs(expected)) << "angle " << angle << ", scale " << scale;
         }
     }
@@ -80,7 +80,7 @@ TYPED_TEST(Gradient, EqualsThePlainFormToTheLastBit) {
 
 TYPED_TEST(Gradient, WithoutStopsDrawsNothing) {
     FilterScene scene(2), before(2);
-    Stops stops = SIX;
+    Stops stops = kSix;
     const std::pair<int, ZvGradient*> without[] = {{0, stops.data()}, {INT_MIN, stops.data()}, {3, nullptr}};
     for (const auto& [count, data] : without) {
         typename TestFixture::Property property(10, 1, 1, count, data);
@@ -100,7 +100,7 @@ TEST_F(LinearGradient, RunsAcrossTheBox) {
                  {90, 1, 128, 63, 4}, {90, 1, 128, 0, 255}, {180, 1, 1, 32, 255},  {0, 2, 0, 9, 64},
                  {0, 2, 255, 9, 191}, {0, 0.5f, 66, 9, 4},  {0, 0.5f, 192, 9, 255}};
     for (const auto& c : cases) {
-        set(c.angle, c.scale, TWO);
+        set(c.angle, c.scale, kTwo);
         FilterScene scene = filledBox(256, 64);
         scene.draw(filter);
         // Entry i of black to white is 255 * i / 256, cut off.

@@ -59,7 +59,7 @@ std::vector<PlainLayer> someLayers(Random& random, int count, int width, int hei
         if (random.below(3) == 0) {
             for (uint8_t& byte : layer.coverage) byte = static_cast<uint8_t>(someByte(random));
         }
-        layer.mode = random.below(LAYER_BLENDS);
+        layer.mode = random.below(kLayerBlends);
         const float opacities[] = {1, 1, 0.5f, 0.123f, 0};
         layer.opacity = opacities[random.below(5)];
         layer.clipped = random.below(3) == 0;
@@ -119,7 +119,7 @@ bool isWithinALevel(uint32_t word, reference::JoinedBytes<double> exact) {
 // Two pictures in every mode: each pair of bytes as colours, at alphas of all kinds; and stacks of five.
 TEST(LayerJoin, IsWithinALevelOfTheExactResult) {
     Random random(7);
-    for (int mode = 0; mode < LAYER_BLENDS; ++mode) {
+    for (int mode = 0; mode < kLayerBlends; ++mode) {
         std::vector<PlainLayer> layers = {{{}, std::vector<uint8_t>(256 * 256, 0), mode, 1.0f, false}};
         std::vector<uint32_t> canvas;
         const auto word = [&](uint32_t byte) {
@@ -242,7 +242,7 @@ TEST(LayerJoin, TakesWhatIsMissingAsTransparent) {
     ZvBitmap actual(canvas);
     JoinedLayer layers[6];
     layers[0].picture = &canvas;
-    layers[0].opacity = NOT_A_NUMBER;
+    layers[0].opacity = kNotANumber;
     layers[1].picture = &canvas;
     layers[1].clipped = true;  // to one that is not there
     layers[2].picture = &coverage;

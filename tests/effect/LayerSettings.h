@@ -10,7 +10,7 @@
 #include "raster/ZvBitmap.h"
 
 // The digests go by this order.
-constexpr int LAYER_TYPES[] = {Zvex::ZV_EFFECT_OUTER_SHADOW,
+constexpr int kLayerTypes[] = {Zvex::ZV_EFFECT_OUTER_SHADOW,
                                Zvex::ZV_EFFECT_INNER_SHADOW,
                                Zvex::ZV_EFFECT_OUTER_GLOW,
                                Zvex::ZV_EFFECT_INNER_GLOW,
@@ -21,7 +21,7 @@ constexpr int LAYER_TYPES[] = {Zvex::ZV_EFFECT_OUTER_SHADOW,
                                Zvex::ZV_EFFECT_BEVEL,
                                Zvex::ZV_EFFECT_EMBOSS,
                                Zvex::ZV_EFFECT_TEXT};
-constexpr int LAYER_KINDS = 11;
+constexpr int kLayerKinds = 11;
 
 // Settings for a layer of any type, which takes of them those that it has.
 struct LayerSettings {
@@ -30,12 +30,12 @@ struct LayerSettings {
     uint32_t color = 0xFF202020, highlight = 0xFFFFF0C0;
     int style = 1, direction = 1, technique = 0, soften = 0, strokeKind = 0,
         position = Zvex::ZV_STROKE_OUTSIDE;
-    static constexpr Zvex::ZvGradient STOPS[] = {{0xFFFF0000, 1, 0}, {0xFF0000FF, 0.5f, 1}};
-    std::vector<Zvex::ZvGradient> stops{STOPS, STOPS + 2};
+    static constexpr Zvex::ZvGradient kStops[] = {{0xFFFF0000, 1, 0}, {0xFF0000FF, 0.5f, 1}};
+    std::vector<Zvex::ZvGradient> stops{kStops, kStops + 2};
     Zvex::ZvBitmap pattern;
 
     LayerSettings() = default;
-    explicit LayerSettings(float size_) : size(size_), pattern(3, 2, 4) {
+    explicit LayerSettings(float mSize) : size(mSize), pattern(3, 2, 4) {
         for (size_t i = 0; i < pattern.byteCount(); ++i)
             pattern.pixels[i] = static_cast<uint8_t>(100 + 9 * i);
     }

@@ -95,9 +95,9 @@ TEST(Pattern, BitmapsThatAreNoneDrawNothing) {
     EXPECT_TRUE(scene.sameAs(before));
     setPattern(filter, &colors, 1, 1);
     EXPECT_NE(filter.property->bitmap, &colors);
-    for (float scale : {1e9f, 3e38f, ENDLESS}) {  // no faults; what is drawn is the first pixel
+    for (float scale : {1e9f, 3e38f, kEndless}) {  // no faults; what is drawn is the first pixel
         filter.property->scale = scale;
-        filter.property->opacity = ENDLESS;
+        filter.property->opacity = kEndless;
         EXPECT_EQ(scene.draw(filter), 0);
     }
 }

@@ -39,14 +39,14 @@ struct Rendering {
         height = random.between(1, 170);
         count = seed % 17 == 0 ? 0 : random.between(1, 3);
         for (int i = 0; i < count; ++i) {
-            const MaskKind kind = ALL_MASKS[static_cast<size_t>(random.below(6))];
+            const MaskKind kind = kAllMasks[static_cast<size_t>(random.below(6))];
             const int lineWidth = random.between(1, 50), lineHeight = random.between(1, 40);
             lines[i] = makeMask(kind, lineWidth, lineHeight, random);
             x[i] = random.between(-20, width);
             y[i] = random.between(-20, height);
         }
         for (int layers = random.below(5); layers > 0; --layers)
-            addLayer(stack, random.below(LAYER_KINDS - 1), random);
+            addLayer(stack, random.below(kLayerKinds - 1), random);
         if (random.below(4) == 0) stack.setTextOpacity(0.4f);
         stack.addText(random.color() | (random.below(2) != 0 ? 0xFF000000u : 0));
     }

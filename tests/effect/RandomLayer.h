@@ -5,7 +5,7 @@
 #include "tests/effect/LayerSettings.h"
 #include "tests/effect/TestPictures.h"
 
-// Adds a layer of the kind, an index into LAYER_TYPES; nothing for the text, which the callers add. Random
+// Adds a layer of the kind, an index into kLayerTypes; nothing for the text, which the callers add. Random
 // numbers are drawn one after the other: a call's arguments are evaluated in any order.
 inline void addLayer(Zvex::ZvEffect& stack, int kind, Random& random) {
     const auto number = [&](int end, float unit) { return static_cast<float>(random.below(end)) * unit; };
@@ -21,7 +21,7 @@ inline void addLayer(Zvex::ZvEffect& stack, int kind, Random& random) {
     s.stops.resize(static_cast<size_t>(random.below(4)));
     const int tileWidth = random.between(1, 9), tileHeight = random.between(1, 9);
     s.pattern = makeTarget(TargetKind::Partly, tileWidth, tileHeight, random);
-    const int type = LAYER_TYPES[kind];
+    const int type = kLayerTypes[kind];
     if (type == Zvex::ZV_EFFECT_PATTERN) s.scale *= 3;
     if (type == Zvex::ZV_EFFECT_EMBOSS) s.style = 1 + 2 * s.style;
     if (type != Zvex::ZV_EFFECT_TEXT) s.addTo(stack, type);

@@ -158,12 +158,12 @@ struct EmbossLightBlock {
     Rectangle rectangle;
 };
 
-constexpr int WIDTH = 23, HEIGHT = 17;
-constexpr Lighting LIGHTING = {1.3f, 0.6f, -0.35f, 0.7f, 200, 77};
-constexpr reference::Light LIGHT = {0.6f, -0.35f, 0.7f, 1.3f};
+constexpr int kWidth = 23, kHeight = 17;
+constexpr Lighting kLighting = {1.3f, 0.6f, -0.35f, 0.7f, 200, 77};
+constexpr reference::Light kLight = {0.6f, -0.35f, 0.7f, 1.3f};
 
 reference::Distances randomPlane(Random& random, float low) {
-    reference::Distances plane(WIDTH, HEIGHT, 0);
+    reference::Distances plane(kWidth, kHeight, 0);
     for (float& value : plane.values) {
         const float fraction = static_cast<float>(random.below(5000)) / 1000.0f;
         const float half = 4.5f;  // of a byte, at the limit of 5
@@ -178,23 +178,23 @@ reference::Distances randomPlane(Random& random, float low) {
 template <typename Filter>
 void expectTheKernelsOfBoth() {
     Random random(2);
-    const ZvBitmap noise = makeMask(MaskKind::Noise, WIDTH, HEIGHT, random);
+    const ZvBitmap noise = makeMask(MaskKind::Noise, kWidth, kHeight, random);
     const std::vector<int> weights = reference::gaussianWeights(3, 100, false);
-    reference::Bytes source(noise.pixels, noise.pixels + WIDTH * HEIGHT), actual(source.size(), 9),
+    reference::Bytes source(noise.pixels, noise.pixels + kWidth * kHeight), actual(source.size(), 9),
         expected(actual);
     for (int yBegin : {6, 3}) {
         BlurBlock block = {
-            source.data(), actual.data(), WIDTH, 3, {4, WIDTH - 3, yBegin, yBegin == 6 ? HEIGHT - 5 : 6}};
+            source.data(), actual.data(), kWidth, 3, {4, kWidth - 3, yBegin, yBegin == 6 ? kHeight - 5 : 6}};
         EXPECT_EQ(Filter::partialBlur(&block) + Filter::partialBlur(nullptr), 0);
     }
-    reference::Blur{WIDTH, 4, WIDTH - 3, 3, HEIGHT - 5}.draw(source, expected, weights);
+    reference::Blur{kWidth, 4, kWidth - 3, 3, kHeight - 5}.draw(source, expected, weights);
     EXPECT_EQ(actual, expected);
-    for (int radius : {3, 12, INT_MAX}) Filter::blur(source.data(), actual.data(), radius, HEIGHT, WIDTH);
-    reference::Blur{WIDTH, 3, WIDTH - 3, 3, HEIGHT - 3}.draw(source, expected, weights);
+    for (int radius : {3, 12, INT_MAX}) Filter::blur(source.data(), actual.data(), radius, kHeight, kWidth);
+    reference::Blur{kWidth, 3, kWidth - 3, 3, kHeight - 3}.draw(source, expected, weights);
     EXPECT_EQ(actual, expected);
-    Filter::blur(nullptr, actual.data(), 3, HEIGHT, WIDTH);
-    Filter::blur(source.data(), nullptr, 3, HEIGHT, WIDTH);
-    Filter::blur(source.data(), actual.data(), INT_MIN, HEIGHT, WIDTH);  // copies
+    Filter::blur(nullptr, actual.data(), 3, kHeight, kWidth);
+    Filter::blur(source.data(), nullptr, 3, kHeight, kWidth);
+    Filter::blur(source.data(), actual.data(), INT_MIN, kHeight, kWidth);  // copies
     EXPECT_EQ(actual, source);
 
     float line[] = {1e20f, 0, 1e20f, 1e20f, 3}, squares[5];
@@ -207,18 +207,18 @@ void expectTheKernelsOfBoth() {
 template <typename BlockOf, typename Draw>
 void expectTheLight(int (*worker)(void*), BlockOf blockOf, Draw draw) {
     for (const auto& [highlightAlpha, shadowAlpha] : {std::array{200, 77}, {255, 1000}, {-1000, 255}}) {
-        Lighting lighting = LIGHTING;
+        Lighting lighting = kLighting;
         lighting.highlightAlpha = highlightAlpha;
         lighting.shadowAlpha = shadowAlpha;
-        reference::LightPlanes light(WIDTH, HEIGHT, static_cast<uint32_t>(highlightAlpha),
+        reference::LightPlanes light(kWidth, kHeight, static_cast<uint32_t>(highlightAlpha),
                                      static_cast<uint32_t>(shadowAlpha));
         std::fill(light.highlight.begin(), light.highlight.end(), uint8_t{99});
         const reference::Bytes before = light.highlight, zeros = light.shadow;
-        draw(light, 2, WIDTH - 1, 1, HEIGHT - 2);
+        draw(light, 2, kWidth - 1, 1, kHeight - 2);
         forEachCpuTarget([&] {
             reference::Bytes highlight = before, shadow = zeros;
             for (int yBegin : {6, 1}) {
-                const Rectangle rectangle = {2, WIDTH - 1, yBegin, yBegin == 6 ? HEIGHT - 2 : 6};
+                const Rectangle rectangle = {2, kWidth - 1, yBegin, yBegin == 6 ? kHeight - 2 : 6};
                 auto block = blockOf(highlight.data(), shadow.data(), lighting, rectangle);
                 auto without = blockOf(highlight.data(), nullptr, lighting, rectangle);
                 EXPECT_EQ(worker(&block) + worker(&without) + worker(nullptr), 0);
@@ -234,22 +234,22 @@ TEST(Bevel, WorkersTakeBlocksAndAnyPartOfTheRows) {
     Random random(3);
     reference::Distances plane = randomPlane(random, 0), expected(plane);
     for (int rowBegin : {12, 0, 6}) {
-        BevelDistanceBlock block = {plane.values.data(), HEIGHT, WIDTH, 4, rowBegin, rowBegin + 6};
+        BevelDistanceBlock block = {plane.values.data(), kHeight, kWidth, 4, rowBegin, rowBegin + 6};
         EXPECT_EQ(ZvBevel::partialDT(&block) + ZvBevel::partialDT(nullptr), 0);
     }
-    reference::searchNearest(expected, 4, 0, HEIGHT);
+    reference::searchNearest(expected, 4, 0, kHeight);
     EXPECT_EQ(plane.values, expected.values);
 
     plane = randomPlane(random, 6);  // beyond the radius
     for (bool inner : {false, true}) {
         const auto blockOf = [&](unsigned char* highlight, unsigned char* shadow, Lighting lighting,
                                  Rectangle rectangle) {
-            return BevelLightBlock{highlight,           shadow,   WIDTH, 5, lighting, inner,
+            return BevelLightBlock{highlight,           shadow,   kWidth, 5, lighting, inner,
                                    plane.values.data(), rectangle};
         };
         expectTheLight(&ZvBevel::partialLightProcess, blockOf,
                        [&](reference::LightPlanes& planes, auto... sides) {
-                           reference::lightBevel(planes, plane, 5, inner, LIGHT, sides...);
+                           reference::lightBevel(planes, plane, 5, inner, kLight, sides...);
                        });
     }
 }
@@ -260,30 +260,30 @@ TEST(Emboss, WorkersTakeBlocksAndAnyPartOfTheRows) {
     reference::Distances plane = randomPlane(random, -2), expected(plane), inside = randomPlane(random, 0);
     const auto search = [&](int (*worker)(void*)) {
         for (int rowBegin : {12, 0, 6}) {
-            EmbossDistanceBlock block = {plane.values.data(), HEIGHT, WIDTH, 3, 1, rowBegin, rowBegin + 6};
+            EmbossDistanceBlock block = {plane.values.data(), kHeight, kWidth, 3, 1, rowBegin, rowBegin + 6};
             EXPECT_EQ(worker(&block) + worker(nullptr), 0);
         }
         EXPECT_EQ(plane.values, expected.values);
     };
-    reference::searchOutward(expected, 3, 0, HEIGHT);
+    reference::searchOutward(expected, 3, 0, kHeight);
     search(&ZvEmboss::partialOutDT);
-    reference::searchInward(expected, 1, 0, HEIGHT);
+    reference::searchInward(expected, 1, 0, kHeight);
     search(&ZvEmboss::partialInDT);
 
     plane = randomPlane(random, -2);
     const auto blockOf = [&](unsigned char* highlight, unsigned char* shadow, Lighting lighting,
                              Rectangle rectangle) {
-        return EmbossLightBlock{highlight, shadow,   plane.values.data(), inside.values.data(), WIDTH, 5, 3,
+        return EmbossLightBlock{highlight, shadow,   plane.values.data(), inside.values.data(), kWidth, 5, 3,
                                 lighting,  rectangle};
     };
     expectTheLight(&ZvEmboss::partialLightHardProcess, blockOf,
                    [&](reference::LightPlanes& planes, auto... sides) {
-                       reference::lightEmboss(planes, plane, 5, 3, LIGHT, sides...);
+                       reference::lightEmboss(planes, plane, 5, 3, kLight, sides...);
                    });
     plane = randomPlane(random, 0);
     expectTheLight(&ZvEmboss::partialLightSoftProcess, blockOf,
                    [&](reference::LightPlanes& planes, auto... sides) {
-                       reference::lightEmboss(planes, plane, inside, 5, 3, LIGHT, sides...);
+                       reference::lightEmboss(planes, plane, inside, 5, 3, kLight, sides...);
                    });
 }
 
@@ -291,7 +291,7 @@ template <typename Filter, typename Property>
 void expectMargins(std::vector<int> margins) {
     Filter filter;
     std::vector<int> offsets;
-    for (float size : {0.0f, 0.49999997f, 2.0f, 2.0000002f, 2.5f, -8.0f, ENDLESS, NOT_A_NUMBER}) {
+    for (float size : {0.0f, 0.49999997f, 2.0f, 2.0000002f, 2.5f, -8.0f, kEndless, kNotANumber}) {
         Property property = makeSettings<Property>(1, size, 1, 3);
         filter.setProperty(&property);
         offsets.push_back(filter.getOffset());

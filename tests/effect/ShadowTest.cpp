@@ -18,9 +18,9 @@
 namespace Zvex {
 namespace {
 
-constexpr float BELOW_HALF = 0.49999997f;  // its sum with a half is below 1 in double precision only
+constexpr float kBelowHalf = 0.49999997f;  // its sum with a half is below 1 in double precision only
 
-void setShadow(ZvOuterShadow& filter, float angle, float distance, float size, uint32_t color = COLOR) {
+void setShadow(ZvOuterShadow& filter, float angle, float distance, float size, uint32_t color = kColor) {
     ZvOuterShadowProperty property(angle, distance, size, color, 1);
     filter.setProperty(&property);
 }
@@ -31,17 +31,17 @@ TEST(OuterShadow, FallsAwayFromTheLight) {
     const struct {
         float angle, distance;
         int dx, dy;
-    } cases[] = {{0, 5, -5, 0},           {90, 5, 0, 5},
-                 {180, 5, 5, 0},          {270, 5, 0, -5},
-                 {45, 1, -1, 1},          {-135, 1, 1, -1},
+    } cases[] = {{0, 5, -5, 0},          {90, 5, 0, 5},
+                 {180, 5, 5, 0},         {270, 5, 0, -5},
+                 {45, 1, -1, 1},         {-135, 1, 1, -1},
                  {30, 1, -1, 0},  // its sine is below a half with this degree
-                 {405.7f, 10, -7, 7},     {0, -5, 5, 0},
-                 {0, 0.5f, -1, 0},        {180, 0.5f, 1, 0},
-                 {0, BELOW_HALF, 0, 0},   {90, 0.5f, 0, 1},
-                 {270, 0.5f, 0, -1},      {90, BELOW_HALF, 0, 0},
-                 {0, 3e9f, INT_MIN, 0},   {180, ENDLESS, INT_MAX, INT_MAX},
-                 {NOT_A_NUMBER, 5, 0, 0}, {ENDLESS, 5, 0, 0},
-                 {0, NOT_A_NUMBER, 0, 0}, {45, ENDLESS, INT_MIN, INT_MAX}};
+                 {405.7f, 10, -7, 7},    {0, -5, 5, 0},
+                 {0, 0.5f, -1, 0},       {180, 0.5f, 1, 0},
+                 {0, kBelowHalf, 0, 0},  {90, 0.5f, 0, 1},
+                 {270, 0.5f, 0, -1},     {90, kBelowHalf, 0, 0},
+                 {0, 3e9f, INT_MIN, 0},  {180, kEndless, INT_MAX, INT_MAX},
+                 {kNotANumber, 5, 0, 0}, {kEndless, 5, 0, 0},
+                 {0, kNotANumber, 0, 0}, {45, kEndless, INT_MIN, INT_MAX}};
     for (const auto& c : cases) {
         ZvOuterShadow filter;
         setShadow(filter, c.angle, c.distance, 0);
@@ -69,12 +69,12 @@ TEST(OuterShadow, MarginsFollowTheShift) {
                  {90, 5, 7, {7, 2, 7, 12}},
                  {270, 5, 7, {7, 12, 7, 2}},
                  {180, 5, 7, {2, 7, 12, 7}},
-                 {0, 0, BELOW_HALF, {1, 1, 1, 1}},
+                 {0, 0, kBelowHalf, {1, 1, 1, 1}},
                  {0, 0, -3, {0, 0, -2, -2}},
                  {0, 1, -3, {-1, 0, 0, -2}},
-                 {0, 0, NOT_A_NUMBER, {0, 0, 0, 0}},
-                 {45, ENDLESS, 5, {INT_MAX, 0, 0, INT_MAX}},
-                 {0, 0, ENDLESS, {INT_MAX, INT_MAX, INT_MAX, INT_MAX}},
+                 {0, 0, kNotANumber, {0, 0, 0, 0}},
+                 {45, kEndless, 5, {INT_MAX, 0, 0, INT_MAX}},
+                 {0, 0, kEndless, {INT_MAX, INT_MAX, INT_MAX, INT_MAX}},
                  {0, 9, 1e30f, {INT_MAX, INT_MAX, INT_MAX - 9, INT_MAX}}};
     for (const auto& c : cases) {
         setShadow(filter, c.angle, c.distance, c.size);
@@ -85,15 +85,15 @@ TEST(OuterShadow, MarginsFollowTheShift) {
 
 // How far beyond an opaque text the filter draws on each side.
 Sides reachOf(ZvECore& filter) {
-    constexpr int SIDE = 70;
-    FilterScene scene(4, SIDE, SIDE);  // a full mask
+    constexpr int kSide = 70;
+    FilterScene scene(4, kSide, kSide);  // a full mask
     scene.box = ZvRect(25, 25, 45, 45);
-    scene.target = ZvBitmap(SIDE, SIDE, 4);
+    scene.target = ZvBitmap(kSide, kSide, 4);
     scene.draw(filter);
     Sides reach = {0, 0, 0, 0};
-    for (int y = 0; y < SIDE; ++y) {
-        for (int x = 0; x < SIDE; ++x) {
-            if (scene.target.pixels[(y * SIDE + x) * 4 + 3] == 0) continue;
+    for (int y = 0; y < kSide; ++y) {
+        for (int x = 0; x < kSide; ++x) {
+            if (scene.target.pixels[(y * kSide + x) * 4 + 3] == 0) continue;
             const Sides beyond = {scene.box.left - x, scene.box.top - y, x + 1 - scene.box.right,
                                   y + 1 - scene.box.bottom};
             for (size_t i = 0; i < 4; ++i) reach[i] = std::max(reach[i], beyond[i]);
@@ -120,7 +120,7 @@ TEST(OuterShadow, MarginsCoverEveryTouchedPixel) {
 }
 
 void setShadow(ZvInnerShadow& filter, float angle, float distance, float size) {
-    ZvInnerShadowProperty property(angle, distance, size, COLOR, 1);
+    ZvInnerShadowProperty property(angle, distance, size, kColor, 1);
     filter.setProperty(&property);
 }
 
@@ -136,7 +136,7 @@ void expectThePlainShadow(const std::vector<Case>& cases, Draw draw) {
     const auto check = [&](const Case& c, int width, int height) {
         Filter filter;
         setShadow(filter, c.angle, c.distance, c.size);
-        const reference::Shadow shadow{c.angle, c.distance != c.distance ? 0 : c.distance, c.size, COLOR};
+        const reference::Shadow shadow{c.angle, c.distance != c.distance ? 0 : c.distance, c.size, kColor};
         expectThePlainForm(
             filter, seed, c.scenes,
             [&](FilterScene& scene) { draw(&scene.target, scene.mask, scene.box, shadow); }, width, height);
@@ -149,7 +149,7 @@ void expectThePlainShadow(const std::vector<Case>& cases, Draw draw) {
 TEST(OuterShadow, EqualsThePlainForm) {
     expectThePlainShadow<ZvOuterShadow>({{0, 0, 0, 6},
                                          {123, 6.5f, 0.4f, 6},
-                                         {30, 3, BELOW_HALF, 6},
+                                         {30, 3, kBelowHalf, 6},
                                          {250, 4, 0.5f, 6},
                                          {10, 9, 1, 12},
                                          {300, 2.2f, 2.4f, 12},
@@ -160,14 +160,14 @@ TEST(OuterShadow, EqualsThePlainForm) {
                                          {135, 40, 100, 3},
                                          {0, 1, 121, 1},
                                          {0, 1, -4, 6},
-                                         {90, NOT_A_NUMBER, 3, 3}},
+                                         {90, kNotANumber, 3, 3}},
                                         reference::drawOuterShadow);
 }
 
 TEST(InnerShadow, EqualsThePlainForm) {
     expectThePlainShadow<ZvInnerShadow>({{0, 0, 0, 6},
                                          {123, 6.5f, 0.4f, 6},
-                                         {30, 3, BELOW_HALF, 6},
+                                         {30, 3, kBelowHalf, 6},
                                          {250, 4, 0.5f, 6},
                                          {10, 2, 3, 12},
                                          {45, 9, 2.4f, 12},
@@ -195,7 +195,7 @@ TEST(InnerShadow, EqualsThePlainFormWhereTheTextLeavesTheRadius) {
         actual.box = expected.box = ZvRect(0, 0, 30, 22);
         actual.draw(filter);
         reference::drawInnerShadow(&expected.target, expected.mask, expected.box,
-                                   {angle, distance, 2, COLOR});
+                                   {angle, distance, 2, kColor});
         EXPECT_TRUE(actual.sameAs(expected)) << "angle " << angle << ", distance " << distance;
     }
 }

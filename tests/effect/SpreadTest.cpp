@@ -39,7 +39,7 @@ TEST(Spread, EqualsThePlainForm) {
     const int widths[] = {0, 1, 2, 3, 5, 9, -1, -2, -3, -5, -12, 14};
     for (unsigned seed = 0; seed < 72; ++seed) {
         Random random(seed);
-        const ZvBitmap mask = makeMask(ALL_MASKS[seed % 6], 34, 21, random);
+        const ZvBitmap mask = makeMask(kAllMasks[seed % 6], 34, 21, random);
         ZvRect box(0, 0, 34, 21);
         if (random.below(2) == 0) {
             box = ZvRect(random.between(-6, 12), random.between(-6, 9), random.between(14, 40),
@@ -75,7 +75,7 @@ TEST(Spread, HoldsItsWidthAndRefusesWhatDoesNotFit) {
     const ZvBitmap mask = makeMask(MaskKind::Full, 8, 8, random), none;
     Spread spread;
     ASSERT_TRUE(spread.make(mask, ZvRect(0, 0, 8, 8), INT_MAX));
-    EXPECT_EQ(spread.box().right, 8 + MAX_SPREAD);
+    EXPECT_EQ(spread.box().right, 8 + kMaxSpread);
     ASSERT_TRUE(spread.make(mask, ZvRect(0, 0, 8, 8), INT_MIN));
     EXPECT_EQ(spread.box().left, spread.box().right);
     EXPECT_EQ(spread.coverage(), nullptr);

@@ -20,7 +20,7 @@ namespace Zvex {
 namespace {
 
 void setStroke(ZvStroke& stroke, float width, int position) {
-    ZvStrokeProperty property(width, COLOR, 1.0f, 0, position);
+    ZvStrokeProperty property(width, kColor, 1.0f, 0, position);
     stroke.setProperty(&property);
 }
 
@@ -38,12 +38,12 @@ TEST(CircleKernel, EqualsTheDiscAsDefined) {
         EXPECT_EQ(circle(radius), reference::makeDisc(radius).cells) << "radius " << radius;
     }
     // Thin pens have a pale middle; -0.7 rounds to a disc of one cell.
-    const std::pair<float, int> single[] = {{0.0f, 0}, {0.3f, 77}, {-0.7f, 0}, {NOT_A_NUMBER, 0}};
+    const std::pair<float, int> single[] = {{0.0f, 0}, {0.3f, 77}, {-0.7f, 0}, {kNotANumber, 0}};
     for (const auto& [radius, cell] : single) EXPECT_EQ(circle(radius), std::vector<int>{cell}) << radius;
 }
 
 TEST(CircleKernel, RefusesSizesItCannotMake) {
-    for (float radius : {-1.5f, -ENDLESS, ENDLESS, 3e9f, 23171.0f}) {
+    for (float radius : {-1.5f, -kEndless, kEndless, 3e9f, 23171.0f}) {
         unsigned char some = 0;
         unsigned char* kernel = &some;
         EXPECT_EQ(makeCircleKernel(&kernel, radius), 0) << radius;
@@ -68,8 +68,8 @@ TEST(Stroke, MarginIsTheWidthOnTheOutside) {
                  {100, 0, 50},
                  {100, 2, 0},
                  {-1, 1, 0},
-                 {ENDLESS, 1, INT_MAX},
-                 {NOT_A_NUMBER, 1, 0}};
+                 {kEndless, 1, INT_MAX},
+                 {kNotANumber, 1, 0}};
     for (const auto& c : cases) {
         setStroke(stroke, c.width, c.position);
         EXPECT_EQ(stroke.getOffset(), c.margin) << "width " << c.width << ", position " << c.position;
@@ -88,7 +88,7 @@ TEST(Stroke, EqualsThePlainForm) {
             setStroke(stroke, width, position);
             const auto plain = [&](FilterScene& scene) {
                 reference::drawStroke(&scene.target, scene.both ? &scene.other : nullptr, scene.mask,
-                                      scene.box, scene.layerMode, width, COLOR, position);
+                                      scene.box, scene.layerMode, width, kColor, position);
             };
             expectThePlainForm(stroke, seed, wide ? 3 : 6, plain, wide ? 130 : 30, wide ? 40 : 22);
             seed += wide ? 3 : 6;
@@ -97,36 +97,36 @@ TEST(Stroke, EqualsThePlainForm) {
 }
 
 TEST(Stroke, RowBandsGiveTheWhole) {
-    constexpr int COLUMNS = 17, ROWS = 13, SIDE = 7, R = 3;
-    constexpr int WIDTH = COLUMNS + 2 * R, HEIGHT = ROWS + 2 * R;
+    constexpr int kColumns = 17, kRows = 13, kSide = 7, R = 3;
+    constexpr int kWidth = kColumns + 2 * R, kHeight = kRows + 2 * R;
     Random random(5);
-    ZvBitmap source = makeMask(MaskKind::Noise, COLUMNS, ROWS, random);
+    ZvBitmap source = makeMask(MaskKind::Noise, kColumns, kRows, random);
     unsigned char* kernel = nullptr;
-    ASSERT_EQ(makeCircleKernel(&kernel, 2.75f), SIDE);
+    ASSERT_EQ(makeCircleKernel(&kernel, 2.75f), kSide);
     ZvStroke::DTJob job;
     job.src = source.pixels;
     job.kernel = kernel;
-    job.srcStride = job.columns = COLUMNS;
-    job.srcHeight = job.rows = ROWS;
-    job.dstStride = WIDTH;
-    job.dstHeight = HEIGHT;
+    job.srcStride = job.columns = kColumns;
+    job.srcHeight = job.rows = kRows;
+    job.dstStride = kWidth;
+    job.dstHeight = kHeight;
     job.dstX = job.dstY = R;
-    job.planeSize = WIDTH * HEIGHT;
+    job.planeSize = kWidth * kHeight;
     job.radius = R;
-    job.kernelSize = SIDE;
+    job.kernelSize = kSide;
 
     using Routine = int (*)(void*);
     for (Routine routine : {&ZvStroke::partalDTStrokeCenter, &ZvStroke::partalDTStrokeOutside,
                             &ZvStroke::partalDTStrokeInside}) {
-        std::vector<unsigned char> whole(2 * WIDTH * HEIGHT, 0), bands(whole);
+        std::vector<unsigned char> whole(2 * kWidth * kHeight, 0), bands(whole);
         job.dst = whole.data();
         job.rowStart = 0;
-        job.rowEnd = ROWS;
+        job.rowEnd = kRows;
         EXPECT_EQ(routine(&job), 0);
         job.dst = bands.data();
         for (int start : {9, 0, 4}) {
             job.rowStart = start;
-            job.rowEnd = start == 0 ? 4 : start == 4 ? 9 : ROWS + 5;  // ends with the source at the latest
+            job.rowEnd = start == 0 ? 4 : start == 4 ? 9 : kRows + 5;  // ends with the source at the latest
             EXPECT_EQ(routine(&job), 0);
         }
         EXPECT_EQ(whole, bands);
@@ -139,21 +139,21 @@ TEST(Stroke, RowBandsGiveTheWhole) {
 // outside are left out and nothing beside the plane is written. It asks for more rows and columns than the
 // source says it has.
 TEST(Stroke, JobsMayReadAndWriteAPart) {
-    constexpr int R = 3, WIDTH = 10, HEIGHT = 8, CANARY = 32;
+    constexpr int R = 3, kWidth = 10, kHeight = 8, kCanary = 32;
     Random random(6);
     ZvBitmap source = makeMask(MaskKind::Noise, 12, 14, random);
     unsigned char* kernel = nullptr;
     // Guards of value 1: a stray write raises them.
-    std::vector<unsigned char> memory(WIDTH * HEIGHT + 2 * CANARY, 1), expected(memory);
-    std::fill_n(memory.begin() + CANARY, WIDTH * HEIGHT, 0);
+    std::vector<unsigned char> memory(kWidth * kHeight + 2 * kCanary, 1), expected(memory);
+    std::fill_n(memory.begin() + kCanary, kWidth * kHeight, 0);
 
     ZvStroke::DTJob job;
     job.kernelSize = makeCircleKernel(&kernel, static_cast<float>(R));
     ASSERT_EQ(job.kernelSize, 2 * R + 1);
     job.kernel = kernel;
-    job.dst = memory.data() + CANARY;
-    job.dstStride = WIDTH;
-    job.dstHeight = HEIGHT;
+    job.dst = memory.data() + kCanary;
+    job.dstStride = kWidth;
+    job.dstHeight = kHeight;
     job.dstY = job.dstX = 1;
     job.src = source.pixels;
     job.srcStride = job.columns = 12;
@@ -167,10 +167,10 @@ TEST(Stroke, JobsMayReadAndWriteAPart) {
     reference::Plane part{9, 5, {}};
     for (int i = 0; i < 45; ++i) part.values.push_back(source.pixels[(i / 9 + 4) * 12 + i % 9 + 3]);
     const reference::Plane whole = reference::dilate(part, reference::makeDisc(R));  // its (R, R) is (1, 1)
-    for (int i = 0; i < WIDTH * HEIGHT; ++i) {
-        const int x = i % WIDTH - 1 + R, y = i / WIDTH - 1 + R;
+    for (int i = 0; i < kWidth * kHeight; ++i) {
+        const int x = i % kWidth - 1 + R, y = i / kWidth - 1 + R;
         const bool reached = x < whole.width && y < whole.height;
-        expected[CANARY + i] = static_cast<unsigned char>(reached ? whole.at(x, y) : 0);
+        expected[kCanary + i] = static_cast<unsigned char>(reached ? whole.at(x, y) : 0);
     }
     EXPECT_EQ(memory, expected);
 }
@@ -194,16 +194,16 @@ void dilatePlainly(const DilationParam& p) {
 
 // On a target of low noise between guards.
 void expectTheDefinition(DilationParam p, Random& random, unsigned seed) {
-    constexpr size_t GUARD = 64;
-    std::vector<uint8_t> floor(2 * GUARD + static_cast<size_t>(p.targetWidth * p.targetHeight));
+    constexpr size_t kGuard = 64;
+    std::vector<uint8_t> floor(2 * kGuard + static_cast<size_t>(p.targetWidth * p.targetHeight));
     for (uint8_t& byte : floor) byte = static_cast<uint8_t>(random.below(40));
     std::vector<uint8_t> expected(floor);
-    p.target = expected.data() + GUARD;
+    p.target = expected.data() + kGuard;
     dilatePlainly(p);
     forEachCpuTarget([&] {
         std::vector<uint8_t> actual(floor);
         DilationParam fast = p;
-        fast.target = actual.data() + GUARD;
+        fast.target = actual.data() + kGuard;
         EXPECT_TRUE(dilate(fast));
         ASSERT_EQ(actual, expected) << "seed " << seed << ", kernel " << p.kernelSize;
     });
@@ -218,7 +218,7 @@ TEST(Dilation, HoldsForAnyKernel) {
         p.columns = random.below(3) == 0 ? random.between(1, 8) : random.between(30, 140);
         p.sourceStride = p.columns + random.below(4);
         const int rows = random.between(1, 24);
-        ZvBitmap source = makeMask(ALL_MASKS[seed % 6], static_cast<int>(p.sourceStride), rows, random);
+        ZvBitmap source = makeMask(kAllMasks[seed % 6], static_cast<int>(p.sourceStride), rows, random);
         p.source = source.pixels;
         p.inverted = random.below(2) == 0 ? 0 : 255;
         p.rowBegin = random.below(rows);

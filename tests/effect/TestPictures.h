@@ -19,17 +19,17 @@
 // std::mt19937 is fixed by the standard; its distributions are not.
 class Random {
 public:
-    explicit Random(unsigned seed) : engine_(seed) {}
-    int below(int end) { return static_cast<int>(engine_() % static_cast<unsigned>(end)); }
+    explicit Random(unsigned seed) : mEngine(seed) {}
+    int below(int end) { return static_cast<int>(mEngine() % static_cast<unsigned>(end)); }
     int between(int first, int last) { return first + below(last - first + 1); }
-    uint32_t color() { return static_cast<uint32_t>(engine_()); }
+    uint32_t color() { return static_cast<uint32_t>(mEngine()); }
 
 private:
-    std::mt19937 engine_;
+    std::mt19937 mEngine;
 };
 
 enum class MaskKind { Noise, Sparse, Shapes, Empty, Full, OnePixel };
-constexpr std::array<MaskKind, 6> ALL_MASKS = {MaskKind::Noise, MaskKind::Sparse, MaskKind::Shapes,
+constexpr std::array<MaskKind, 6> kAllMasks = {MaskKind::Noise, MaskKind::Sparse, MaskKind::Shapes,
                                                MaskKind::Empty, MaskKind::Full,   MaskKind::OnePixel};
 
 inline Zvex::ZvBitmap makeMask(MaskKind kind, int width, int height, Random& random) {
@@ -80,7 +80,7 @@ inline Zvex::ZvGlyph glyphOf(Zvex::ZvBitmap& coverage) {
 
 // Premultiplied pixels: transparent, opaque, or of any alpha.
 enum class TargetKind { Empty, Partly, Opaque };
-constexpr std::array<TargetKind, 3> ALL_TARGETS = {TargetKind::Empty, TargetKind::Partly, TargetKind::Opaque};
+constexpr std::array<TargetKind, 3> kAllTargets = {TargetKind::Empty, TargetKind::Partly, TargetKind::Opaque};
 
 inline Zvex::ZvBitmap makeTarget(TargetKind kind, int width, int height, Random& random) {
     Zvex::ZvBitmap target(static_cast<unsigned>(width), static_cast<unsigned>(height), 4);

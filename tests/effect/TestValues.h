@@ -7,9 +7,9 @@
 
 namespace Zvex {
 
-inline constexpr float NOT_A_NUMBER = std::numeric_limits<float>::quiet_NaN();
-inline constexpr float ENDLESS = std::numeric_limits<float>::infinity();
-inline constexpr uint32_t COLOR = 0xC0604020;  // premultiplied
+inline constexpr float kNotANumber = std::numeric_limits<float>::quiet_NaN();
+inline constexpr float kEndless = std::numeric_limits<float>::infinity();
+inline constexpr uint32_t kColor = 0xC0604020;  // premultiplied
 
 }  // namespace Zvex
 

@@ -16,7 +16,7 @@ namespace {
 
 void drawText(ZvBitmap* target, ZvBitmap* mask, int layerMode, bool overLayers = false) {
     ZvText text;
-    ZvTextProperty property(COLOR, 1.0f);
+    ZvTextProperty property(kColor, 1.0f);
     text.setProperty(&property);
     ZvECore::ParamPostProcessing param;
     param.target = target;
@@ -29,12 +29,12 @@ void drawText(ZvBitmap* target, ZvBitmap* mask, int layerMode, bool overLayers =
 // With two layers the full colour lies wherever there is coverage; the first layer of one picture is blended.
 TEST(TextLayer, EqualsABlendOfTheMask) {
     Random random(4);
-    for (MaskKind maskKind : ALL_MASKS) {
+    for (MaskKind maskKind : kAllMasks) {
         ZvBitmap mask = makeMask(maskKind, 20, 15, random);
-        for (TargetKind kind : ALL_TARGETS) {
+        for (TargetKind kind : kAllTargets) {
             for (const int layerMode : {0, 1}) {
                 ZvBitmap target = makeTarget(kind, 18, 17, random), expected(target);
-                reference::drawBitmapBlend8(0, 0, &expected, mask.pixels, 20, 15, 20, COLOR,
+                reference::drawBitmapBlend8(0, 0, &expected, mask.pixels, 20, 15, 20, kColor,
                                             layerMode == 1 ? 3 : 7);
                 drawText(&target, &mask, layerMode, layerMode == 1);
                 EXPECT_TRUE(samePixels(expected, target));
@@ -48,13 +48,13 @@ TEST(TextLayer, EqualsABlendOfTheMask) {
 TEST(TextLayer, OneLayerIsCutDownToTheGlyphs) {
     constexpr int W = 150;
     Random random(2);
-    for (MaskKind maskKind : ALL_MASKS) {
+    for (MaskKind maskKind : kAllMasks) {
         ZvBitmap mask = makeMask(maskKind, W, 15, random);
-        for (TargetKind kind : ALL_TARGETS) {
+        for (TargetKind kind : kAllTargets) {
             for (int grow : {-3, 0, 4}) {  // pixels of the target beyond the mask count as not covered
                 ZvBitmap target = makeTarget(kind, W + grow, 15 + grow, random);
                 ZvBitmap expected(target);
-                reference::drawBitmapBlend8(0, 0, &expected, mask.pixels, W, 15, W, COLOR, 7);
+                reference::drawBitmapBlend8(0, 0, &expected, mask.pixels, W, 15, W, kColor, 7);
                 for (int y = 0; y < 15 + grow; ++y) {
                     for (int x = 0; x < W + grow; ++x) {
                         if (x < W && y < 15 && mask.pixels[y * W + x] != 0) continue;

@@ -14,7 +14,7 @@
 namespace Zvex {
 namespace {
 
-constexpr unsigned LAYERED_WIDTH = 90, LAYERED_HEIGHT = 60;
+constexpr unsigned kLayeredWidth = 90, kLayeredHeight = 60;
 
 void addGlowAndShadow(ZvEffect& effect) {
     effect.addOuterGlowText(6, 0xFF00FF00, 0.7f, 0, nullptr);
@@ -43,7 +43,7 @@ struct LayeredText {
     LayeredText() {
         addGlowAndShadow(plain);
         owner.effects.push_back(coverage);
-        ZvBitmap none(LAYERED_WIDTH, LAYERED_HEIGHT, 4);
+        ZvBitmap none(kLayeredWidth, kLayeredHeight, 4);
         drawLines(owner, &none);
     }
 };
@@ -57,7 +57,7 @@ TEST(TextLayers, ALayerIsThePictureOfItsStack) {
         layer.effect = &text.plain;
         layer.x = x;
         layer.y = x / 2;
-        ZvBitmap stack(LAYERED_WIDTH, LAYERED_HEIGHT, 4), expected(stack), actual(stack);
+        ZvBitmap stack(kLayeredWidth, kLayeredHeight, 4), expected(stack), actual(stack);
         ASSERT_TRUE(drawTextLayers(&actual, *text.coverage, &layer, 1, clip));
         ZvEffect effect;
         addGlowAndShadow(effect);
@@ -67,7 +67,7 @@ TEST(TextLayers, ALayerIsThePictureOfItsStack) {
         joined.x = layer.x;
         joined.y = layer.y;
         joinLayers(&expected, &joined, 1);
-        for (int i = 0; i < static_cast<int>(LAYERED_WIDTH * LAYERED_HEIGHT); ++i) {
+        for (int i = 0; i < static_cast<int>(kLayeredWidth * kLayeredHeight); ++i) {
             const int column = i % 90, row = i / 90;
             const bool shows =
                 column >= clip.left && column < clip.right && row >= clip.top && row < clip.bottom;
@@ -88,8 +88,8 @@ TEST(TextLayers, SpreadIsAStrokeAndKnockoutLeavesTheGlyphsOut) {
     TextLayer layer;
     layer.effect = &black;
     layer.spread = 4;
-    ZvBitmap widened(LAYERED_WIDTH, LAYERED_HEIGHT, 4), outlined(widened), ring(widened);
-    const ZvRect clip(0, 0, LAYERED_WIDTH, LAYERED_HEIGHT);
+    ZvBitmap widened(kLayeredWidth, kLayeredHeight, 4), outlined(widened), ring(widened);
+    const ZvRect clip(0, 0, kLayeredWidth, kLayeredHeight);
     ASSERT_TRUE(drawTextLayers(&widened, *text.coverage, &layer, 1, clip));
     drawLines(stroked, &outlined);
     layer.knockout = true;
@@ -97,12 +97,12 @@ TEST(TextLayers, SpreadIsAStrokeAndKnockoutLeavesTheGlyphsOut) {
     ASSERT_TRUE(drawTextLayers(&ring, *text.coverage, &layer, 1, clip));
     const ZvRect& box = text.coverage->box;
     int seen = 0;
-    for (int y = 0; y < static_cast<int>(LAYERED_HEIGHT); ++y) {
-        for (int x = 0; x < static_cast<int>(LAYERED_WIDTH); ++x) {
+    for (int y = 0; y < static_cast<int>(kLayeredHeight); ++y) {
+        for (int x = 0; x < static_cast<int>(kLayeredWidth); ++x) {
             const bool inBox = x >= box.left && x < box.right && y >= box.top && y < box.bottom;
             const int glyphs =
                 inBox ? text.coverage->mask.pixels[(y - box.top) * (box.right - box.left) + x - box.left] : 0;
-            const int at = (y * static_cast<int>(LAYERED_WIDTH) + x) * 4 + 3;
+            const int at = (y * static_cast<int>(kLayeredWidth) + x) * 4 + 3;
             if (glyphs == 0 || glyphs == 255) {
                 ASSERT_EQ(widened.pixels[at], outlined.pixels[at]) << x << ", " << y;
             }
@@ -143,8 +143,8 @@ TEST(TextLayers, WithoutMemoryThePictureIsLeftOrLacksAnEffect) {
     layers[1].spread = -2;
     layers[2].spread = 3;
     layers[2].blend = LayerBlend::Screen;
-    const ZvRect clip(0, 0, LAYERED_WIDTH, LAYERED_HEIGHT);
-    ZvBitmap picture(LAYERED_WIDTH, LAYERED_HEIGHT, 4);
+    const ZvRect clip(0, 0, kLayeredWidth, kLayeredHeight);
+    ZvBitmap picture(kLayeredWidth, kLayeredHeight, 4);
     const ZvBitmap before(picture);
     forEachFailingAllocation([&](bool fails) {
         std::memset(picture.pixels, 0, picture.byteCount());

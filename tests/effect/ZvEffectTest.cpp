@@ -41,9 +41,9 @@ public:
     std::array<int, 5> margins = {};  // left, top, right, bottom, all around
     int* deleted = nullptr;
 
-    explicit Recorder(int type, ZvProperty* settings_ = nullptr, int id_ = -1) : settings(settings_) {
+    explicit Recorder(int type, ZvProperty* mSettings = nullptr, int mId = -1) : settings(mSettings) {
         style = type;
-        id = id_;
+        id = mId;
     }
     ~Recorder() override {
         if (deleted != nullptr) ++*deleted;

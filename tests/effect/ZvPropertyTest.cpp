@@ -41,15 +41,15 @@ std::string keyOf(ZvProperty& property, int announced = -1) {
     return text;
 }
 
-constexpr char COLOR_KEY[] = "01020a0b0c0d0e0f";  // one byte for each digit of the colour
-constexpr uint32_t KEYED = 0x12ABCDEF;
+constexpr char kColorKey[] = "01020a0b0c0d0e0f";  // one byte for each digit of the colour
+constexpr uint32_t kKeyed = 0x12ABCDEF;
 
 TEST(LayerKey, AnglesAreBroughtToACircle) {
     const struct {
         float angle;
         const char* key;
-    } cases[] = {{0, "0000"},   {127.9f, "007f"}, {128, "0100"},          {359, "0267"},    {720, "0000"},
-                 {-30, "024a"}, {-0.9f, "0000"},  {NOT_A_NUMBER, "0000"}, {ENDLESS, "007f"}};
+    } cases[] = {{0, "0000"},   {127.9f, "007f"}, {128, "0100"},         {359, "0267"},     {720, "0000"},
+                 {-30, "024a"}, {-0.9f, "0000"},  {kNotANumber, "0000"}, {kEndless, "007f"}};
     for (const auto& c : cases) {
         ZvOuterShadowProperty shadow(c.angle, 0, 0, 0, 0);
         EXPECT_EQ(keyOf(shadow).substr(1, 4), c.key) << c.angle;
@@ -57,48 +57,48 @@ TEST(LayerKey, AnglesAreBroughtToACircle) {
 }
 
 TEST(LayerKey, SmallFieldsKeepSevenBits) {
-    ZvStrokeProperty stroke(129.9f, KEYED, 1.0f, 300, -1);
-    EXPECT_EQ(keyOf(stroke, 12), std::string("K") + "01" + COLOR_KEY + "2c" + "7f");
-    ZvStrokeProperty odd(NOT_A_NUMBER, 0, 0, INT_MIN, INT_MAX);
+    ZvStrokeProperty stroke(129.9f, kKeyed, 1.0f, 300, -1);
+    EXPECT_EQ(keyOf(stroke, 12), std::string("K") + "01" + kColorKey + "2c" + "7f");
+    ZvStrokeProperty odd(kNotANumber, 0, 0, INT_MIN, INT_MAX);
     EXPECT_EQ(keyOf(odd), std::string("K") + "00" + "0000000000000000" + "00" + "7f");
 }
 
 TEST(LayerKey, GlowsWriteTheirStops) {
     // 0.29f is a little below 0.29: the product, in double precision, is cut to 28.
-    ZvGradient stops[] = {{0x00000001, 1.0f, 0.0f}, {KEYED, 0.2f, 0.29f}, {0xFF000000, 1.0f, 1.0f}};
-    const std::string written = std::string("000000000000000100") + COLOR_KEY + "1c" + "0f0f00000000000064";
-    ZvOuterGlowProperty outer(20.5f, KEYED, 0.5f, 3, stops);
-    EXPECT_EQ(keyOf(outer, 40), std::string("G") + "14" + COLOR_KEY + written);
-    ZvInnerGlowProperty inner(20.5f, KEYED, 0.5f, 3, stops);
-    EXPECT_EQ(keyOf(inner, 40), std::string("N") + "14" + COLOR_KEY + written);
-    ZvOuterGlowProperty none(0, KEYED, 0.5f, 0, nullptr);
-    EXPECT_EQ(keyOf(none, 10), std::string("G") + "00" + COLOR_KEY);
+    ZvGradient stops[] = {{0x00000001, 1.0f, 0.0f}, {kKeyed, 0.2f, 0.29f}, {0xFF000000, 1.0f, 1.0f}};
+    const std::string written = std::string("000000000000000100") + kColorKey + "1c" + "0f0f00000000000064";
+    ZvOuterGlowProperty outer(20.5f, kKeyed, 0.5f, 3, stops);
+    EXPECT_EQ(keyOf(outer, 40), std::string("G") + "14" + kColorKey + written);
+    ZvInnerGlowProperty inner(20.5f, kKeyed, 0.5f, 3, stops);
+    EXPECT_EQ(keyOf(inner, 40), std::string("N") + "14" + kColorKey + written);
+    ZvOuterGlowProperty none(0, kKeyed, 0.5f, 0, nullptr);
+    EXPECT_EQ(keyOf(none, 10), std::string("G") + "00" + kColorKey);
 }
 
 TEST(LayerKey, StopCountsNobodyMeantAreHarmless) {
-    ZvGradient stop{KEYED, 1.0f, 0.5f};
+    ZvGradient stop{kKeyed, 1.0f, 0.5f};
     for (int count : {-1, INT_MIN}) {
-        ZvOuterGlowProperty glow(1, KEYED, 1, count, &stop);
+        ZvOuterGlowProperty glow(1, kKeyed, 1, count, &stop);
         EXPECT_EQ(keyOf(glow, 10).size(), 1u + 2 * 9);
         ZvLinearGradientProperty gradient(0, 1, 1, count, &stop);
         EXPECT_EQ(keyOf(gradient, 5).size(), 1u + 2 * 4);
     }
-    ZvInnerGlowProperty glow(1, KEYED, 1, 7, nullptr);
+    ZvInnerGlowProperty glow(1, kKeyed, 1, 7, nullptr);
     EXPECT_EQ(keyOf(glow).size(), 1u + 2 * 9);
-    ZvInnerGlowProperty huge(1, KEYED, 1, INT_MAX, nullptr);
+    ZvInnerGlowProperty huge(1, kKeyed, 1, INT_MAX, nullptr);
     EXPECT_GT(huge.getSequentialCharLength(), 2000000000);
     ZvRadialGradientProperty hugeGradient(1, 1, 1, INT_MAX, nullptr);
     EXPECT_GT(hugeGradient.getSequentialCharLength(), 2000000000);
 }
 
 TEST(LayerKey, BevelAndEmboss) {
-    ZvBevelProperty bevel(1, 255.9f, 9.99f, 1, 2, 16, 0.5f, -45.0f, 30.9f, KEYED, 0.3f, 0x000000FF, 0.3f);
+    ZvBevelProperty bevel(1, 255.9f, 9.99f, 1, 2, 16, 0.5f, -45.0f, 30.9f, kKeyed, 0.3f, 0x000000FF, 0.3f);
     EXPECT_EQ(bevel.getSequentialCharLength(), 30);
     // 9.99f is a little below 9.99: 998, 0x3e6.
     const std::string fields = std::string("01") + "0f0f" + "00030e06" + "01" + "02" + "10" + "023b" + "1e" +
-                               COLOR_KEY + "0000000000000f0f";
+                               kColorKey + "0000000000000f0f";
     EXPECT_EQ(keyOf(bevel), "B" + fields);
-    ZvEmbossProperty emboss(1, 255.9f, 9.99f, 1, 2, 16, 0.5f, -45.0f, 30.9f, KEYED, 0.3f, 0x000000FF, 0.3f);
+    ZvEmbossProperty emboss(1, 255.9f, 9.99f, 1, 2, 16, 0.5f, -45.0f, 30.9f, kKeyed, 0.3f, 0x000000FF, 0.3f);
     EXPECT_EQ(keyOf(emboss, 30), "E" + fields);
 }
 
@@ -117,21 +117,21 @@ TEST(LayerKey, PatternsAreToldApartByTheirBitmap) {
 }
 
 TEST(ZvProperty, RecordsKeepOrLimitTheirNumbers) {
-    EXPECT_EQ(fieldsOf(ZvOuterShadowProperty(-405.7f, -3, 1e9f, KEYED, 7)),
-              fields(-405.7f, -3, 1e9f, KEYED, 7));
-    const float angles[][2] = {{405.7f, 45}, {-30.2f, -30}, {NOT_A_NUMBER, 0}, {-ENDLESS, -128}};
+    EXPECT_EQ(fieldsOf(ZvOuterShadowProperty(-405.7f, -3, 1e9f, kKeyed, 7)),
+              fields(-405.7f, -3, 1e9f, kKeyed, 7));
+    const float angles[][2] = {{405.7f, 45}, {-30.2f, -30}, {kNotANumber, 0}, {-kEndless, -128}};
     for (const auto& angle : angles) {
         EXPECT_EQ(fieldsOf(ZvInnerShadowProperty(angle[0], 1, 2, 3, 4)), fields(angle[1], 1, 2, 3, 4));
     }
     EXPECT_EQ(fieldsOf(ZvLinearGradientProperty(-405.7f, 3.5f, 0.5f, 2, nullptr)),
               fields(-45, 2, 0.5f, 2, 0));
-    for (float low : {-1.0f, NOT_A_NUMBER}) {
+    for (float low : {-1.0f, kNotANumber}) {
         EXPECT_EQ(ZvRadialGradientProperty(0, low, 0, 0, nullptr).scale, 0.0f);
         EXPECT_EQ(ZvPatternProperty(nullptr, low, 1.0f).scale, 0.0f);
     }
     EXPECT_EQ(ZvPatternProperty(nullptr, 11.0f, 1.0f).scale, 10.0f);
-    EXPECT_EQ(fieldsOf(ZvBevelProperty(3, -5, -1, 4, 5, 20, 0.75f, 370.5f, -100.5f, KEYED, 2, ~KEYED, 3)),
-              fields(3, -5, 0, 4, 5, 16, 0.75f, 10, -10, KEYED, 2, ~KEYED, 3, 0));
+    EXPECT_EQ(fieldsOf(ZvBevelProperty(3, -5, -1, 4, 5, 20, 0.75f, 370.5f, -100.5f, kKeyed, 2, ~kKeyed, 3)),
+              fields(3, -5, 0, 4, 5, 16, 0.75f, 10, -10, kKeyed, 2, ~kKeyed, 3, 0));
     EXPECT_EQ(fieldsOf(ZvEmbossProperty(0, 0, 11, 0, 0, -4, 0, 0, 0, 0, 0, 0, 0)),
               fields(0, 0, 10, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0));
 }

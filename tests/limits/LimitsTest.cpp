@@ -23,9 +23,9 @@ using namespace text_test;
 
 namespace {
 
-constexpr float ENDLESS = std::numeric_limits<float>::infinity();
-constexpr float NOT_A_NUMBER = std::numeric_limits<float>::quiet_NaN();
-constexpr uint32_t DARK = 0xFF202020, LIGHT = 0xFFFFF0C0;
+constexpr float kEndless = std::numeric_limits<float>::infinity();
+constexpr float kNotANumber = std::numeric_limits<float>::quiet_NaN();
+constexpr uint32_t kDark = 0xFF202020, kLight = 0xFFFFF0C0;
 
 // A line of that many of the text's characters from `start` on.
 ZvLineInfo lineAt(int x, int y, int start = 0, int count = 2) {
@@ -39,7 +39,7 @@ Picture cutOut(const Picture& picture, int left, int top, int width, int height)
     return part;
 }
 
-constexpr int SIZED_TYPES[] = {ZV_EFFECT_OUTER_SHADOW, ZV_EFFECT_INNER_SHADOW, ZV_EFFECT_OUTER_GLOW,
+constexpr int kSizedTypes[] = {ZV_EFFECT_OUTER_SHADOW, ZV_EFFECT_INNER_SHADOW, ZV_EFFECT_OUTER_GLOW,
                                ZV_EFFECT_INNER_GLOW,   ZV_EFFECT_STROKE,       ZV_EFFECT_BEVEL,
                                ZV_EFFECT_EMBOSS};
 
@@ -51,7 +51,7 @@ int addSized(ZvEffect& effects, int type, float size) {
 }
 
 void addSizedLayers(ZvEffect& effects, float size) {
-    for (const int type : SIZED_TYPES) addSized(effects, type, size);
+    for (const int type : kSizedTypes) addSized(effects, type, size);
 }
 
 // These depend on the box of all the glyphs.
@@ -67,7 +67,7 @@ void addFills(ZvEffect& effects) {
 
 // A picture that ends beyond 2^15 or 2^16 pixels has there what a small one has.
 TEST(Limits, PicturesWiderAndHigherThanSixteenBits) {
-    constexpr int SMALL = 150;
+    constexpr int kSmall = 150;
     for (const bool atStart : {false, true}) {  // another line at the picture's start, and so a large box
         const auto draw = [&](int width, int height, const std::vector<ZvLineInfo>& lines) {
             TextScene scene(kBold, L"Ag", 50, width, height);
@@ -82,16 +82,16 @@ TEST(Limits, PicturesWiderAndHigherThanSixteenBits) {
             scene.setLines(lines);
             return scene.render();
         };
-        const Picture small = draw(SMALL, SMALL, {lineAt(30, 90)});
+        const Picture small = draw(kSmall, kSmall, {lineAt(30, 90)});
         ASSERT_GT(small.countVisible(), 2000);
         for (const int size : {32768, 65537}) {
             for (const bool wide : {true, false}) {
                 SCOPED_TRACE(std::to_string(size) + (wide ? " wide" : " high"));
                 const TimeLimit limit(8);
-                const int away = size - SMALL;
+                const int away = size - kSmall;
                 std::vector<ZvLineInfo> lines = {wide ? lineAt(30 + away, 90) : lineAt(30, 90 + away)};
                 if (atStart) lines.push_back(lineAt(30, 90));
-                const Picture large = wide ? draw(size, SMALL, lines) : draw(SMALL, size, lines);
+                const Picture large = wide ? draw(size, kSmall, lines) : draw(kSmall, size, lines);
                 const auto part = [&](int at) {
                     return cutOut(large, wide ? at : 0, wide ? 0 : at, small.width, small.height);
                 };
@@ -104,9 +104,9 @@ TEST(Limits, PicturesWiderAndHigherThanSixteenBits) {
 
 // What no machine can hold is refused, here for a process that may have little.
 TEST(Limits, PicturesBeyondTheMemoryAreRefused) {
-    if (TimeLimit::SLOWNESS > 1) GTEST_SKIP() << "the sanitizers' own memory is beyond any limit";
+    if (TimeLimit::kSlowness > 1) GTEST_SKIP() << "the sanitizers' own memory is beyond any limit";
     TextScene scene(kBold, L"Ag", 20, 60, 40);
-    scene.effect().addStrokeText(3, DARK, 1, 0, ZV_STROKE_OUTSIDE);
+    scene.effect().addStrokeText(3, kDark, 1, 0, ZV_STROKE_OUTSIDE);
     scene.setLines({lineAt(5, 30)});
     const Picture before = scene.render();
     rlimit usual = {};
@@ -128,14 +128,14 @@ TEST(Limits, PicturesBeyondTheMemoryAreRefused) {
 // A letter is drawn at sizes of many thousand pixels, and not at all where the image of its line is too
 // large.
 TEST(Limits, TextSizes) {
-    constexpr float LARGEST = 20000;
-    for (const float size : {16383.0f, 16385.0f, LARGEST, 1e6f, 2147483520.0f, 2147483648.0f, 4294967296.0f,
-                             FLT_MAX, ENDLESS, -1.0f, -32768.0f}) {
+    constexpr float kLargest = 20000;
+    for (const float size : {16383.0f, 16385.0f, kLargest, 1e6f, 2147483520.0f, 2147483648.0f, 4294967296.0f,
+                             FLT_MAX, kEndless, -1.0f, -32768.0f}) {
         SCOPED_TRACE(size);
         const TimeLimit limit(2);
         TextScene scene(kSans, L"I", size, 100, 40);
-        scene.effect().addStrokeText(3, DARK, 1, 0, ZV_STROKE_OUTSIDE);
-        const bool drawn = size > 0 && size <= LARGEST;
+        scene.effect().addStrokeText(3, kDark, 1, 0, ZV_STROKE_OUTSIDE);
+        const bool drawn = size > 0 && size <= kLargest;
         // In the middle of the stem: the image begins up to a 64th of the size before the ink.
         const int left = drawn ? -static_cast<int>(0.03f * size) : 0;
         scene.setLines({lineAt(left, 9000, 0, 1)});
@@ -148,19 +148,19 @@ TEST(Limits, TextSizes) {
 
 // The image of a line has 16 bits of width, so of a longer one the beginning shows.
 TEST(Limits, LinesWiderThanSixteenBits) {
-    constexpr int COUNT = 4000;
-    TextScene scene(kSans, std::wstring(COUNT, L'm').c_str(), 20, 20000, 40);
+    constexpr int kCount = 4000;
+    TextScene scene(kSans, std::wstring(kCount, L'm').c_str(), 20, 20000, 40);
     scene.setLines({lineAt(0, 30, 0, 1)});
     scene.render();
     const int letter = scene.line(0).rect.right;
-    scene.setLines({lineAt(0, 30, 0, COUNT)});
+    scene.setLines({lineAt(0, 30, 0, kCount)});
     Picture drawn;
     {
         const TimeLimit limit(2);
         drawn = scene.render();
     }
     const int advance = scene.line(0).rect.right, shown = advance & 0xFFFF;
-    EXPECT_NEAR(advance, COUNT * letter, COUNT);
+    EXPECT_NEAR(advance, kCount * letter, kCount);
     ASSERT_GT(advance, 65536);
     ASSERT_LT(shown, 19000);
     scene.setLines({lineAt(0, 30, 0, 1000)});
@@ -171,7 +171,7 @@ TEST(Limits, LinesWiderThanSixteenBits) {
 
 TEST(Limits, AMillionCharacters) {
     const std::wstring piece = L"lorem ipsum ";
-    const int length = TimeLimit::SLOWNESS > 1 ? 120'000 : 1'200'000;
+    const int length = TimeLimit::kSlowness > 1 ? 120'000 : 1'200'000;
     std::wstring text;
     while (static_cast<int>(text.size()) < length) text += piece;
     std::unique_ptr<TextScene> scene;
@@ -212,25 +212,25 @@ TEST(Limits, TenThousandLinesAndAllEffects) {
 
 // The largest sizes there are on a picture as wide as a screen of the largest kind.
 TEST(Limits, LargestEffectsOnAWidePicture) {
-    for (const int type : SIZED_TYPES) {
+    for (const int type : kSizedTypes) {
         TextScene scene(kBold, L"Hamburgefonst", 500, 4096, 700);
-        scene.object.SetTextColor(LIGHT);
+        scene.object.SetTextColor(kLight);
         scene.setLines({lineAt(0, 550, 0, 13)});
         EXPECT_GE(addSized(scene.effect(), type, 100), 0);
         const TimeLimit limit(8, "type " + std::to_string(type));
         const Picture picture = scene.render();
         EXPECT_GT(picture.countVisible(), 500'000) << type;
-        EXPECT_NE(picture.count(LIGHT), picture.countVisible()) << type;
+        EXPECT_NE(picture.count(kLight), picture.countVisible()) << type;
     }
 }
 
 // Records may say what no adder lets through. What their effects reach is drawn on the picture there is, or
 // is refused; nothing is left of it.
 TEST(Limits, RecordsOfAnySize) {
-    for (const float size : {400.0f, 32768.0f, 65536.0f, 1e6f, 2147483520.0f, 2147483648.0f, FLT_MAX, ENDLESS,
-                             NOT_A_NUMBER, -1.0f, -65536.0f, -ENDLESS}) {
-        for (int i = 0; i < 2 * static_cast<int>(std::size(SIZED_TYPES)); ++i) {
-            const int type = SIZED_TYPES[i / 2];
+    for (const float size : {400.0f, 32768.0f, 65536.0f, 1e6f, 2147483520.0f, 2147483648.0f, FLT_MAX,
+                             kEndless, kNotANumber, -1.0f, -65536.0f, -kEndless}) {
+        for (int i = 0; i < 2 * static_cast<int>(std::size(kSizedTypes)); ++i) {
+            const int type = kSizedTypes[i / 2];
             SCOPED_TRACE("type " + std::to_string(type) + ", size " + std::to_string(size));
             LayerSettings settings(size);
             const bool shadow = type == ZV_EFFECT_OUTER_SHADOW || type == ZV_EFFECT_INNER_SHADOW;

@@ -26,7 +26,7 @@ namespace {
 
 // After the first quarter of the renders, in kilobytes: several times what it comes to, and less than half a
 // kilobyte of 3000 renders' each.
-constexpr long MOST_GROWTH = 1024;
+constexpr long kMostGrowth = 1024;
 
 // Of the process, in kilobytes, without what the allocator keeps for the next one who asks.
 long residentKilobytes() {
@@ -40,9 +40,9 @@ std::string numberOfFiles() {
     return std::to_string(std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {}));
 }
 
-const wchar_t* const TEXTS[] = {L"Hamburgefonst", L"Gr\u00FC\u00DFe, \u4E16\u754C", L"",
-                                L"\u0645\u0631\u062D\u0628\u0627 \U0001F600",
-                                L"\u0e01\u0e33 fi\u0301n\u0300al"};
+const wchar_t* const kTexts[] = {L"Hamburgefonst", L"Gr\u00FC\u00DFe, \u4E16\u754C", L"",
+                                 L"\u0645\u0631\u062D\u0628\u0627 \U0001F600",
+                                 L"\u0e01\u0e33 fi\u0301n\u0300al"};
 
 // What is asked for cannot be had; the object stays as it is.
 void fail(TextScene& scene) {
@@ -60,25 +60,25 @@ public:
     explicit Texts(unsigned seed) : mRandom(seed), mKept(8) {}
 
     void renderOne() {
-        static const char* const FONTS[] = {kSans, kBold, kCjk, kEmoji};
+        static const char* const kFonts[] = {kSans, kBold, kCjk, kEmoji};
         std::unique_ptr<TextScene>& scene = mKept[static_cast<size_t>(mRandom.below(8))];
         const float size = static_cast<float>(mRandom.between(6, 40));
         if (scene == nullptr || mRandom.below(4) == 0)
-            scene =
-                std::make_unique<TextScene>(FONTS[mRandom.below(4)], TEXTS[mRandom.below(5)], size, 200, 60);
+            scene = std::make_unique<TextScene>(kFonts[mRandom.below(4)], kTexts[mRandom.below(5)], size, 200,
+                                                60);
         android::Paint paint;
         paint.setTextSize(size);
         paint.setAntiAlias(mRandom.below(4) != 0);
         if (mRandom.below(2) != 0) paint.setFontFeatureSettings("smcp, -kern");
         scene->object.SetPaint(paint);
-        if (mRandom.below(2) == 0) scene->object.SetText(TEXTS[mRandom.below(5)]);
+        if (mRandom.below(2) == 0) scene->object.SetText(kTexts[mRandom.below(5)]);
         scene->object.SetBackgroundColor(mRandom.color(), mRandom.below(3) == 0);
         scene->object.SetTextStyle(mRandom.below(2) == 0, mRandom.below(2) == 0);
         scene->view().SetSize(mRandom.below(300), mRandom.below(90));
         scene->effect().setTextOpacity(static_cast<float>(mRandom.below(5)) * 0.25f);
         scene->effect().removeEffect(mRandom.below(6));
         if (mRandom.below(8) == 0) scene->effect().cleanAllEffect();
-        addLayer(scene->effect(), mRandom.below(LAYER_KINDS), mRandom);
+        addLayer(scene->effect(), mRandom.below(kLayerKinds), mRandom);
         if (mRandom.below(6) == 0) fail(*scene);
         const int start = mRandom.between(-1, 6);
         scene->setLines(
@@ -115,7 +115,7 @@ TEST(Soak, MemoryStaysAsItIs) {
             std::printf("%8ld renders: %ld kB\n", i, residentKilobytes());
         ASSERT_FALSE(HasFailure()) << "render " << i;
     }
-    EXPECT_LE(residentKilobytes() - before, MOST_GROWTH) << renders << " renders";
+    EXPECT_LE(residentKilobytes() - before, kMostGrowth) << renders << " renders";
     EXPECT_EQ(numberOfFiles(), files);
     EXPECT_GT(texts.visible(), renders / 3);
 }

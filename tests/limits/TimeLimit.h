@@ -14,7 +14,7 @@
 class TimeLimit {
 public:
     explicit TimeLimit(double seconds, std::string name = "")
-        : mSeconds(seconds * SLOWNESS), mName(std::move(name)) {}
+        : mSeconds(seconds * kSlowness), mName(std::move(name)) {}
     TimeLimit(const TimeLimit&) = delete;
     TimeLimit& operator=(const TimeLimit&) = delete;
     ~TimeLimit() {
@@ -23,15 +23,15 @@ public:
 
     // How much more the sanitizers may take.
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-    static constexpr double SLOWNESS = 20;
+    static constexpr double kSlowness = 20;
 #elif defined(__has_feature)
 #if __has_feature(address_sanitizer) || __has_feature(thread_sanitizer)
-    static constexpr double SLOWNESS = 20;
+    static constexpr double kSlowness = 20;
 #else
-    static constexpr double SLOWNESS = 1;
+    static constexpr double kSlowness = 1;
 #endif
 #else
-    static constexpr double SLOWNESS = 1;
+    static constexpr double kSlowness = 1;
 #endif
 
 private:

@@ -32,7 +32,7 @@ namespace {
 struct Limits {
     double layer, render;
 };
-constexpr Limits FILL = {16, 12}, RELIEF = {24, 29};
+constexpr Limits kFill = {16, 12}, kRelief = {24, 29};
 
 struct Case {
     std::string name;
@@ -45,7 +45,7 @@ struct Case {
 // reliefs.
 std::vector<Case> casesOf(int size, int soften) {
     std::vector<Case> cases;
-    for (const int type : LAYER_TYPES) {
+    for (const int type : kLayerTypes) {
         const bool relief = type == ZV_EFFECT_BEVEL || type == ZV_EFFECT_EMBOSS;
         const bool fill = type == ZV_EFFECT_LINEAR_GRADIENT || type == ZV_EFFECT_RADIAL_GRADIENT;
         const bool pattern = type == ZV_EFFECT_PATTERN;
@@ -62,7 +62,7 @@ std::vector<Case> casesOf(int size, int soften) {
             std::fill_n(s.pattern.pixels, s.pattern.byteCount(), 0xC0);
             cases.push_back({"type " + std::to_string(type) + " case " + std::to_string(i) + " size " +
                                  std::to_string(size) + " soften " + std::to_string(soften),
-                             type, s, relief ? RELIEF : FILL});
+                             type, s, relief ? kRelief : kFill});
         }
     }
     return cases;
@@ -74,11 +74,11 @@ struct Page {
 
     std::string name() const { return ", " + std::to_string(width) + " x " + std::to_string(height); }
 };
-constexpr Page PAGES[] = {{1000, 300, 40}, {4000, 700, 120}};
-constexpr wchar_t TEXT[] = L"Sphinx of black quartz, judge my vow; five boxing wizards jump";
+constexpr Page kPages[] = {{1000, 300, 40}, {4000, 700, 120}};
+constexpr wchar_t kText[] = L"Sphinx of black quartz, judge my vow; five boxing wizards jump";
 
 std::unique_ptr<TextScene> makeScene(const Page& page) {
-    auto scene = std::make_unique<TextScene>(text_test::kBold, TEXT, static_cast<float>(page.glyphSize),
+    auto scene = std::make_unique<TextScene>(text_test::kBold, kText, static_cast<float>(page.glyphSize),
                                              page.width, page.height);
     scene->object.SetTextColor(0xFFFFFFFF);
     std::vector<ZvLineInfo> lines;
@@ -147,7 +147,7 @@ void expectAtMost(double limit, double taken, const std::string& name) {
 }  // namespace
 
 TEST(Memory, ALayerTakesAFewBytesForEachPixelOfItsArea) {
-    for (const Page& page : PAGES) {
+    for (const Page& page : kPages) {
         const Picture text = makeScene(page)->render();
         ASSERT_GT(text.countVisible(), page.width * page.height / 5);
         for (const auto& [size, soften] : {std::pair{3, 0}, {20, 7}, {100, 0}})
@@ -157,7 +157,7 @@ TEST(Memory, ALayerTakesAFewBytesForEachPixelOfItsArea) {
 }
 
 TEST(Memory, ARenderTakesAFewBytesForEachPixelOfItsPicture) {
-    for (const Page& page : PAGES) {
+    for (const Page& page : kPages) {
         const auto keepsTheFont = makeScene(page);
         keepsTheFont->render();
         for (const Case& c : casesOf(100, 0))

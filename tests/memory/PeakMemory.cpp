@@ -13,13 +13,13 @@
 
 namespace {
 
-constexpr int64_t HEADER = sizeof(size_t);  // kept in front of each block
+constexpr int64_t kHeader = sizeof(size_t);  // kept in front of each block
 
 std::atomic<int64_t> held{0}, most{0};
 
 void* taken(void* block) {
     if (block == nullptr) return block;
-    const int64_t now = held += static_cast<int64_t>(malloc_usable_size(block)) + HEADER;
+    const int64_t now = held += static_cast<int64_t>(malloc_usable_size(block)) + kHeader;
     int64_t before = most;
     while (now > before && !most.compare_exchange_weak(before, now)) {
     }
@@ -27,7 +27,7 @@ void* taken(void* block) {
 }
 
 void given(void* block) {
-    if (block != nullptr) held -= static_cast<int64_t>(malloc_usable_size(block)) + HEADER;
+    if (block != nullptr) held -= static_cast<int64_t>(malloc_usable_size(block)) + kHeader;
 }
 
 }  // namespace
@@ -51,7 +51,7 @@ ZVEX_EXPORT void* calloc(size_t count, size_t size) {
 
 // Where the block has to move, the old one and the new one are held together.
 ZVEX_EXPORT void* realloc(void* block, size_t size) {
-    const int64_t old = block == nullptr ? 0 : static_cast<int64_t>(malloc_usable_size(block)) + HEADER;
+    const int64_t old = block == nullptr ? 0 : static_cast<int64_t>(malloc_usable_size(block)) + kHeader;
     void* moved = __libc_realloc(block, size);
     const bool gone = moved != nullptr || size == 0;
     if (moved == block && gone) held -= old;
@@ -79,10 +79,10 @@ ZVEX_EXPORT int posix_memalign(void** block, size_t alignment, size_t size) {
 }
 }
 
-PeakMemory::PeakMemory() : atStart_(held) {
-    most = atStart_;
+PeakMemory::PeakMemory() : mAtStart(held) {
+    most = mAtStart;
 }
 
 int64_t PeakMemory::bytes() const {
-    return most - atStart_;
+    return most - mAtStart;
 }

@@ -12,7 +12,7 @@ public:
     int64_t bytes() const;  // the most that was held at once since then, beyond what was held at the start
 
 private:
-    int64_t atStart_;
+    int64_t mAtStart;
 };
 
 #endif  // ZVEX_TESTS_MEMORY_PEAKMEMORY_H_

@@ -28,7 +28,7 @@ enum JoinMode {
     EXCLUSION,
     HUE,
     SATURATION,
-    COLOR,
+    kColor,
     LUMINOSITY,
     PLUS_LIGHTER,
 };
@@ -109,7 +109,7 @@ Rgb<Real> mixColor(int mode, Rgb<Real> b, Rgb<Real> s) {
             return setLum(setSat(s, sat(b)), lum(b));
         case SATURATION:
             return setLum(setSat(b, sat(s)), lum(b));
-        case COLOR:
+        case kColor:
             return setLum(s, lum(b));
         case LUMINOSITY:
             return setLum(b, lum(s));

@@ -109,7 +109,7 @@ void everything(ZvEffect& effect) {
         return made;
     }();
     effect.releaseEffect();
-    for (const int type : LAYER_TYPES) {
+    for (const int type : kLayerTypes) {
         settings->technique = type == ZV_EFFECT_BEVEL ? 1 : 0;
         settings->style = type == ZV_EFFECT_BEVEL ? 1 : 3;
         if (type != ZV_EFFECT_TEXT) settings->addTo(effect, type);

@@ -44,12 +44,12 @@ struct Job {
     std::vector<Picture> expected;
 
     explicit Job(unsigned number) {
-        static const wchar_t* const TEXTS[] = {L"Side \u0416 \U0001F600", L"Hamburgefonst",
-                                               L"fi\u0301n \u05D0\u05D1"};
+        static const wchar_t* const kTexts[] = {L"Side \u0416 \U0001F600", L"Hamburgefonst",
+                                                L"fi\u0301n \u05D0\u05D1"};
         const float size = static_cast<float>(14 + 2 * number);
         scene =
-            std::make_unique<TextScene>(number % 2 == 0 ? kSans : kBold, TEXTS[number % 3], size, 180, 50);
-        for (int style = 0; style < LAYER_KINDS; ++style) expected.push_back(render(style));
+            std::make_unique<TextScene>(number % 2 == 0 ? kSans : kBold, kTexts[number % 3], size, 180, 50);
+        for (int style = 0; style < kLayerKinds; ++style) expected.push_back(render(style));
     }
 
     // With three effects.
@@ -57,7 +57,7 @@ struct Job {
         Random random(static_cast<unsigned>(style));
         scene->effect().releaseEffect();
         scene->object.SetTextColor(random.color() | 0xFF000000);
-        for (int i = 0; i < 3; ++i) addLayer(scene->effect(), (style + 4 * i) % LAYER_KINDS, random);
+        for (int i = 0; i < 3; ++i) addLayer(scene->effect(), (style + 4 * i) % kLayerKinds, random);
         scene->setLines({TextScene::makeLine(5, 36, 0, 13)});
         return scene->render();
     }
@@ -86,7 +86,7 @@ TEST(TextThreads, MixedEffectsGiveThePicturesOfOneThread) {
     for (Job& job : jobs) {
         threads.emplace_back([&] {
             for (int style = 0; duration.passes() && !testing::Test::HasFailure();
-                 style = (style + 1) % LAYER_KINDS) {
+                 style = (style + 1) % kLayerKinds) {
                 EXPECT_TRUE(job.render(style) == job.expected[static_cast<size_t>(style)]) << style;
                 ++renders;
             }
