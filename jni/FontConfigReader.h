@@ -14,8 +14,8 @@ class List;
 // Of the named families only the first is kept: the default font, loaded at once. The others serve fonts
 // chosen by name, which this library does not do. Unnamed families are the fallbacks; those without a
 // language and the two for emoji and symbols are loaded at once, the rest when a text needs their language
-// (FontManager::EnsureMinikinFontFamily). A family is useful if it has an upright font that is not the fallback
-// of a named family and whose file is readable in the build's ZVEX_SYSTEM_FONT_DIR.
+// (FontManager::EnsureMinikinFontFamily). A family is useful if it has an upright font that is not the
+// fallback of a named family and whose file is readable in the build's ZVEX_SYSTEM_FONT_DIR.
 //
 // False, with an error line, when the configuration, a family or a font lacks a method; and when a method
 // throws: the exception is pending then. `out` may have families already in either case.
