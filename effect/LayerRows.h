@@ -57,8 +57,8 @@ public:
 // the cache.
 int stripRows(uint32_t width);
 
-// The end of every doPostProcessing: the rows go to who asked for them, or are drawn now. Null, for a layer
-// that draws nothing, is ignored.
+// The end of every doPostProcessing: hands the rows to the caller that asked for them, or draws them now.
+// Null, for a layer that draws nothing, is ignored.
 void drawLayer(const ZvECore::ParamPostProcessing* param, std::unique_ptr<LayerRows> rows);
 
 }  // namespace Zvex

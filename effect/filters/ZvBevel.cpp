@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// A bevel: the distance to the glyph edge, up to a radius, is the height of a relief; see Relief.h for what
-// is made of it. Wide soft bevels take their distances from the exact transform, which knows no partly
-// covered pixels but costs the same for any radius and is blurred anyway; all others search a window.
+// A bevel: the distance to the glyph edge, up to a radius, is the height of a relief, lit as Relief.h says.
+// Wide soft bevels take their distances from the exact transform, which ignores partial coverage but costs
+// the same for any radius, and is blurred anyway. All others search a window.
 
 #include "effect/filters/ZvBevel.h"
 

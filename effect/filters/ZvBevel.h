@@ -52,7 +52,7 @@ public:
     // Draws onto target, source-over onto the front of two pictures, else destination-over. An inner bevel
     // lights the ground around the glyphs as it lights their flat tops, as far as the working area goes; the
     // text's own layer or the final composite takes that away. Mask pixels outside the mask read as 0. Draws
-    // nothing with sizes so negative that no area is left, and with such as do not fit the ints. A hard slope
+    // nothing with sizes so negative that no area is left, or so large that they overflow int. A hard slope
     // costs most where the outline is partly covered, see searchNearest.
     int doPostProcessing(ParamPostProcessing* param) override;
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // An emboss: a relief as deep as the signed distance to the glyph edge, from the inner radius within the
-// glyphs to the outer one around them; see Relief.h for what is made of it. Wide soft slopes take their
-// distances from the exact transform, in two planes, all others search windows of one signed plane:
+// glyphs to the outer one around them, lit as Relief.h says. Wide soft slopes take their distances from the
+// exact transform, in two planes; all others search windows of one signed plane:
 //
 //     1 - inner radius ... 0 | 0 ... 1 on partly covered pixels | 1 ... outer radius
 //              glyphs                                                   ground
@@ -118,8 +118,7 @@ bool measureSigned(float* plane, const Widths& widths, const WorkingArea& area, 
             std::copy_n(rows->row(y), area.width, plane + area.row(y));
         }
     }
-    // The first row keeps what it is. No glyph is near it, so nothing depends on the order of the inward
-    // search: all that an inner pixel can see has been measured from that pixel, too.
+    // The first row keeps its values. No glyph is near it, so the order of the inward search does not matter.
     for (int x = 0; x < area.width; ++x) plane[x] = ramp[levels[static_cast<size_t>(x)]];
     return searchInward({plane, area.height, area.width, inner, 1, area.height});
 }
@@ -163,7 +162,7 @@ int ZvEmboss::doPostProcessing(ParamPostProcessing* param) {
     if (!lightSlopes(planes, count, *property, widths, area, *param->mask)) return 0;
     const ReliefColors colors = {widths.soft ? kSoftGain : 1.0f, property->highlightColor,
                                  property->shadowColor};
-    // The other way round than the bevel.
+    // The opposite of the bevel.
     const int mode = param->layerMode == 1 ? ZVE_BLEND_DST_OVER : ZVE_BLEND_SRC_OVER;
     auto rows = tryMake<ReliefRows>(area, colors, mode, true);
     const int blur = static_cast<int>(widths.blur);

@@ -49,7 +49,7 @@ public:
 
     // Draws one picture onto target and, if there is one, onto otherLayer: destination-over onto the two of a
     // text with two pictures, else source-over. Mask pixels outside the mask read as 0. Draws nothing with
-    // sizes so negative that no area is left, and with such as do not fit the ints. A hard slope
+    // sizes so negative that no area is left, or so large that they overflow int. A hard slope
     // costs most, see searchInward.
     int doPostProcessing(ParamPostProcessing* param) override;
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The coverage, blurred straight from the mask, columns first, in bands of rows that are small enough for the
-// cache: the shadow of the whole text is never in memory. The blur reaches one radius beyond the text box,
-// and only what falls onto the target is made of it. The definition is tests/reference/ShadowReference.h.
+// The coverage, blurred directly from the mask, columns first, in bands of rows that fit the cache: the
+// shadow of the whole text is never in memory. The blur reaches one radius beyond the text box; only the part
+// on the target is computed. The definition is tests/reference/ShadowReference.h.
 //
 //     |<- radius ->|<- radius ->|<- text box ->|<- radius ->|<- radius ->|
 //         empty        blurred      blurred        blurred      empty
@@ -71,8 +71,8 @@ bool ShadowRows::make(const ZvECore::ParamPostProcessing& param, const ZvOuterSh
     mColor = property.color;
     mMask = param.mask;
 
-    // Only what is seen is blurred: a radius far beyond the picture costs no more than its pixels. In pixels
-    // of the area.
+    // Only the visible part is blurred: a radius far beyond the picture costs no more than its pixels. In
+    // pixels of the area.
     mPart = partWithin(*param.mask, *param.textRect);
     const int64_t left = std::max<int64_t>(radius, -int64_t{area.x}),
                   top = std::max<int64_t>(radius, -int64_t{area.y});

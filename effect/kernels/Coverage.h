@@ -11,8 +11,7 @@
 
 namespace Zvex {
 
-// What every filter begins with: is there anything to draw, how large is its working image, what does the
-// text cover there.
+// The start of every filter: whether there is anything to draw, the working image, and the coverage there.
 
 // True when the record is there with a target and a mask that have pixels and a text box that is not empty.
 bool isDrawable(const ZvECore::ParamPostProcessing* param);
@@ -26,14 +25,14 @@ struct WorkingArea {
     int width = 0, height = 0;  // pixels
     int margin = 0;
 
-    // False when the sizes are empty, or when the position, or the number of pixels, does not fit an int (the
-    // blender and the parameter records count in ints).
+    // False if the area is empty, or if its position or its number of pixels overflows int (the blender and
+    // the parameter records count in ints).
     bool grow(const ZvRect& box, int64_t newMargin);
 
-    // To the nearest position that ints hold; one that had to be held is beside any picture all the same.
+    // Positions that overflow int are clamped; they are outside every picture anyway.
     void move(int dx, int dy);
 
-    // Right and bottom are held to ints, too.
+    // Right and bottom are clamped to int.
     ZvRect rect() const;
 
     size_t pixels() const { return static_cast<size_t>(width) * static_cast<size_t>(height); }

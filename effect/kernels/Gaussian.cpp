@@ -19,7 +19,7 @@ namespace {
 
 constexpr double kLn100 = 4.60517;
 
-// Of the weights, so that 255 times them, the largest sum there is, fits 32 bits.
+// Of the weights: 255 times it, the largest possible sum, fits 32 bits.
 constexpr int64_t kMaxTotal = UINT32_MAX / 255;
 
 // See Divisor.
@@ -89,7 +89,7 @@ bool Gaussian::make(int newRadius, int scale, GaussianConstant constant) {
 
 bool Blur::prepare(const Gaussian& kernel, int width, int height) {
     mKernel = &kernel;
-    // The kernels count pixels, with the windows' around them, in ints.
+    // The kernels count pixels in ints, those of the windows around the target included.
     if (std::max(width, height) + 2 * int64_t{kernel.radius} + 1024 > INT32_MAX) return false;
     return mScratch.allocate(weightBytes(kernel.radius) + kCacheLine +
                              stripBytes(kernel.radius, std::max(width, height)));
@@ -125,7 +125,7 @@ bool blurPlane(const BlurParam& p) {
         const int rows = std::min(band, height - y);
         const ptrdiff_t first = ptrdiff_t{p.yBegin + y} * p.stride + p.xBegin;
         uint8_t* target = p.target + first;
-        // What is inverted twice is next to nothing where the source is next to full.
+        // Inverted twice, a nearly full source is nearly empty.
         blur.columns({p.source + first - ptrdiff_t{radius} * p.stride, p.stride, -radius, rows + radius,
                       target, p.stride, width, rows, p.inverted, false});
         blur.rows({target, p.stride, 0, width, target, p.stride, width, rows, false, p.inverted});

@@ -9,8 +9,8 @@
 
 namespace Zvex {
 
-// The integer Gaussian of the shadows, the glows, the bevel and the emboss: weights of which the middle one
-// is `scale` and the outermost one hundredth of it, and the separable blur with them.
+// The integer Gaussian of the shadows, the glows, the bevel and the emboss, and the separable blur with it.
+// The middle weight is `scale`, the outermost one hundredth of it.
 
 // The weights are made in single precision but for the constant ln 100 and the product with the scale, which
 // some effects take in double: a weight of a kernel of radius 963 or more can differ by one.
@@ -20,7 +20,7 @@ enum class GaussianConstant { Single, Double };
 // sum * multiplier >> (32 + shift), exactly, for every sum below 256 * total. With 2^shift < total <=
 // 2^(shift + 1) and multiplier = ceil(2^(32 + shift) / total), the product exceeds sum / total by less than
 // 1 / total as long as sum * (multiplier * total - 2^(32 + shift)) < 2^(32 + shift); a total up to 2^23 sees
-// to that. For larger ones the multiplier is 0: they are divided by.
+// to that. For larger totals the multiplier is 0, and the sums are divided.
 struct Divisor {
     uint32_t multiplier = 0;
     int shift = 0;
@@ -49,13 +49,12 @@ struct BlurPass {
     uint8_t* target;  // a pass along the rows may write over its source row by row, with the source's stride
     ptrdiff_t targetStride;
     int width, height;    // pixels of the target
-    bool sourceInverted;  // the source's pixels are taken as what 255 lacks of them
-    // The means are cut off; inverted, they are what 255 lacks of the mean, the difference taken before the
-    // division.
+    bool sourceInverted;  // a pixel counts as 255 minus its value
+    // The means are rounded down. Inverted, the result is 255 minus the mean, subtracted before the division.
     bool inverted;
 };
 
-// Passes with one kernel and one piece of memory.
+// Passes that share one kernel and their memory.
 class Blur {
 public:
     // For targets of at most `width` x `height` pixels, along rows and columns. False when memory is short.
@@ -70,8 +69,8 @@ private:
     Buffer<uint8_t> mScratch;
 };
 
-// The rows that a pass down the columns is best given at a time: few enough to stay in the cache until the
-// next step, many enough for the windows' other rows to be read seldom.
+// The best number of rows for one pass down the columns: few enough to stay in the cache until the next step,
+// many enough that the rows around them are seldom read again.
 int blurBandRows(const Gaussian& kernel);
 
 // Both passes over a rectangle of a plane. Planes are 8-bit, rows packed.
@@ -86,10 +85,10 @@ struct BlurParam {
     int yBegin, yEnd;  // half-open, rows to write, last so that rows can be split
 };
 
-// Blurs columns, then rows; each pass is the weighted sum over `total`, cut off. The rectangle must keep
-// kernel->radius away from the top and the bottom of the plane, and no window may leave the row. In the
-// second pass, columns outside xBegin..xEnd - 1 count as 0. Writes nothing outside the rectangle, nothing at
-// all when that is empty. False when memory is short, with target untouched.
+// Blurs columns, then rows; each pass is the weighted sum divided by `total`, rounded down. The rectangle
+// must keep kernel->radius away from the top and the bottom of the plane, and no window may leave the row. In
+// the second pass, columns outside xBegin..xEnd - 1 count as 0. Writes nothing outside the rectangle, nothing
+// at all when that is empty. False when memory is short, with target untouched.
 bool blurPlane(const BlurParam& param);
 
 }  // namespace Zvex

@@ -6,9 +6,9 @@
 //     |<- 0.9 r ->|<- 1.1 r ->|<- text box ->|<- 1.1 r ->|<- 0.9 r ->|
 //     ^ border: not blurred    ^ spread: 0.475 r by the box sums, 0.9 r by the Gaussian
 //
-// The box sums spread by a pixel a pass, and there is one pass for every second pixel of the size: the plane
-// that they work on is the text box and that much around it. All passes are made of a few rows before
-// the next ones are read, and of these only where something changes: along the outlines. The definition is
+// The box sums spread by a pixel a pass, with one pass for every second pixel of the size; their plane is the
+// text box with that margin. All passes over a few rows are made before the next rows are read, and only
+// where something changes: along the outlines. The definition is
 // tests/reference/GlowReference.h.
 
 #include "effect/kernels/Glow.h"
@@ -58,7 +58,7 @@ void fade(uint32_t* table, float start) {
     }
 }
 
-// The box filter on what 255 lacks of an image, for images that are nearly full: the sum of the nine inverses
+// The box filter on 255 minus an image, for images that are nearly full: the sum of the nine inverses
 // is n = 9 * 255 - sum, and 255 - min(sum >> 2, 255) is n - kInverseLoss over four, cut off, or 0.
 constexpr uint16_t kInverseLoss = 9 * 255 - 4 * 255 - 3;
 
@@ -92,7 +92,7 @@ bool widen(const Widening& w) {
 // What a glow is made of, in pixels of its working area.
 class GlowRows : public LayerRows {
 public:
-    // False when nothing of it is seen or memory is short.
+    // False when no part of it is visible or memory is short.
     bool make(const ZvECore::ParamPostProcessing& param, const ZvGlowProperty& property, GlowSide side);
 
     void draw(RowRange rows, const PictureStrip& target, const PictureStrip* other) override;
@@ -123,7 +123,7 @@ private:
     uint32_t mColors[kColorTableSize] = {};  // premultiplied, from none to the strongest
 };
 
-// The parts of the area on the target.
+// Finds the parts of the area that are on the target.
 bool GlowRows::placeWithin(const ZvBitmap& target) {
     mLeft = clampToInt(std::max<int64_t>(0, -int64_t{mArea.x}));
     mTop = clampToInt(std::max<int64_t>(0, -int64_t{mArea.y}));
@@ -158,9 +158,9 @@ bool GlowRows::make(const ZvECore::ParamPostProcessing& param, const ZvGlowPrope
     return true;
 }
 
-// The inner glow is that of the coverage's inverse. What 255 lacks of this is the coverage: next to nothing
-// is left of it after the passes, and what is empty costs nothing. Only where there is no blur do the
-// outermost columns count, which the passes make 0, and full in the inverse.
+// The inner glow is the glow of 255 minus the coverage. The passes work on the coverage itself: they leave
+// little of it, and empty blocks cost nothing. They make the outermost columns 0, which is full in the
+// inverse; that shows only where there is no blur.
 bool GlowRows::widenCoverage(const ZvECore::ParamPostProcessing& param) {
     const int width = sourceWidth(), height = sourceHeight();
     if (!mWidened.allocateZeroed(height, width)) return false;

@@ -13,16 +13,15 @@ namespace Zvex {
 
 // Fills a table of kColorTableSize straight colours, from the strongest glow to none. They are the
 // property's stops, the first segment starting at 0 whatever the first stop's position, or without stops the
-// property's colour; alpha falls to 0 along the table from `fadeStart` on, a fraction of the table, which is
-// taken as 0.99 from 1 on and as 0.01 up to 0. `curve` is a ZvTableCurve. A size of 0 clears the table. Does
-// nothing when table or property is null.
+// property's colour. From `fadeStart`, a fraction of the table, alpha falls to 0; values from 1 on count as
+// 0.99, values up to 0 as 0.01. `curve` is a ZvTableCurve. A size of 0 clears the table. Does nothing if
+// table or property is null.
 void makeGlowTable(uint32_t* table, const ZvGlowProperty* property, float fadeStart, int curve);
 
-// Widens what is bright in an 8-bit plane with packed rows, in place, by about a pixel a pass: each pixel
-// becomes the sum of its 3 x 3 neighbourhood over four, at most 255. The first and the last row stay as they
-// are; in the other rows the first and the last pixel become 0. Nothing happens when image is null, when
-// passes or width is below 1, or when height is below 3. False when memory is short, with the plane
-// untouched.
+// Widens the bright parts of an 8-bit plane in place, by about a pixel a pass: each pixel becomes the sum of
+// its 3 x 3 neighbourhood divided by four, at most 255. Rows are packed. The first and the last row do not
+// change; in the other rows the first and the last pixel become 0. Does nothing if image is null, if passes
+// or width is below 1, or if height is below 3. False when memory is short, with the plane unchanged.
 bool widenByBoxFilter(uint8_t* image, int passes, int width, int height);
 
 enum class GlowSide { Outside, Inside };

@@ -13,15 +13,15 @@
 
 namespace Zvex {
 
-// What the gradient fills share: the covered pixels of the text box take colours of a table by where they
-// lie. The coverage is a yes or no here: edge pixels get the whole colour, and what comes after the fill (the
-// text layer, or the joining of the two layers) scales them.
+// Both gradient fills: a covered pixel of the text box takes a colour of a table by its position. Any
+// coverage counts as full here; the text layer, or the joining of the two layers, scales edge pixels
+// afterwards.
 class GradientRows : public LayerRows {
 public:
     // Whether the settings and the bitmaps are there to draw; the scale must be 0.1 or more.
     static bool isDrawable(const ZvECore::ParamPostProcessing* param, const ZvGradientFillProperty* property);
 
-    // False when memory is short. The stops are needed no longer.
+    // False when memory is short. The stops are not used afterwards.
     bool make(const ZvECore::ParamPostProcessing& param, const ZvGradientFillProperty& property);
 
     // Sides of the text box in pixels.

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Two neighbours and a weight for each column and row are worked out once. What repeats within the box is
-// mixed once, when its row is first asked for, and copied from then on; else only stretches with coverage are
+// Each column and row has two neighbours and a weight, computed once. A pattern that repeats within the box
+// is mixed once, when its row is first needed, and copied afterwards; otherwise only covered stretches are
 // mixed. The definition is tests/reference/PatternReference.h.
 
 #include "effect/kernels/PatternTile.h"
@@ -26,7 +26,7 @@ constexpr int64_t kLeastColumns = 256;  // of a tile: shorter ones are repeated 
 
 using TargetBaseline::kStrip;
 
-// What a column (or row) of the box is made of.
+// The two columns (or rows) of the pattern that make one of the box.
 struct Sample {
     uint32_t first, second;  // columns (rows) of the pattern
     uint32_t weight;         // of the second, 0..254; the first has the rest of 255

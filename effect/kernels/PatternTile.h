@@ -14,8 +14,8 @@ namespace Zvex {
 // ones with the first ones.
 class PatternTile {
 public:
-    // Whether there is anything to repeat: 4 bytes a pixel, a scale of 0.1 or more, a pixel at least each
-    // way.
+    // Whether the pattern can be drawn: 4 bytes a pixel, a scale of 0.1 or more, at least one pixel wide and
+    // high.
     static bool isUsable(const ZvBitmap* pattern, float scale);
 
     // For a box of that size; the pattern must be usable, and stay until the last row. Its bytes are alpha,

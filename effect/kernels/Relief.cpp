@@ -24,13 +24,13 @@ float radians(float degrees) {
 
 constexpr int kWeight = 100;
 
-// Rows are looked through in blocks of so many pixels; what is the same in all of one is done at once.
+// Pixels of a block. A block whose pixels are all the same is computed once.
 constexpr int kBlock = 64;
 
-// Rows that are blurred at a time.
+// Rows blurred at a time.
 constexpr int kBand = 64;
 
-// Of a block whose pixels have not the same two lights.
+// Marks a block whose pixels differ in one of their two lights.
 constexpr int32_t kUneven = -1;
 
 // The pixels of a row from `begin` to `end` - 1, with their neighbours on all four sides; pointers are as of
@@ -266,7 +266,7 @@ void BlurredLight::blurRows(int y, int count, uint8_t* highlight, uint8_t* shado
     blurBand(mLight.shadow.get(), first, last - first, 8, shadow + skipped);
 }
 
-// The blocks of which all that the windows of these rows see is even.
+// Finds the blocks that are even in all rows that the windows of these rows see.
 void BlurredLight::findEvenBlocks(int y, int count) {
     const int blocks = (mArea.width + kBlock - 1) / kBlock;
     const int32_t* row = mEven.get() + ptrdiff_t{y - mRadius} * blocks;

@@ -17,12 +17,12 @@ namespace Zvex {
 
 class DistanceRows;
 
-// What bevel and emboss share. Both take the distance to the glyph edge as the height of a relief, light it
-// from one side, keep what is lighter and what is darker in two planes of bytes, blur these, and colour each
-// pixel by the difference of the two.
+// Shared by bevel and emboss. The distance to the glyph edge is the height of a relief. It is lit from one
+// side; light and shadow go to two planes of bytes, which are blurred, and each pixel is coloured by their
+// difference.
 //
-// Everything here is in single precision but for the constants with a fraction (2.4, 0.5, ...), with which
-// the arithmetic is in double precision and its result is stored in single precision.
+// Arithmetic is in single precision. Expressions with a fractional constant (2.4, 0.5, ...) are in double
+// precision, and their results are stored in single precision.
 
 // A light in the direction (x, y, z), y downwards and z towards the viewer, and the steepness of the relief
 // that it falls on: the normal of a slope is (-gx, -gy, normalZ), of any length, where (gx, gy) is the fall
@@ -32,7 +32,7 @@ struct ReliefLight {
     float normalZ;
     int highlightAlpha, shadowAlpha;  // strength of the light and of its shadow: 255 is full, any int is safe
 
-    // Depths below the floor, and no number, count as the floor.
+    // Depths below the floor, and NaN, count as the floor.
     static ReliefLight make(const ZvReliefProperty& property, double depthFloor);
 
     // The light of a worker's job.
@@ -83,10 +83,10 @@ void lightPlane(const SlopeLighting& lighting, const LitPlane& plane);
 // two blurs twice.
 int64_t reliefMargin(int64_t radius, int64_t blur, int64_t soften);
 
-// What the levels of DistanceRows are made of.
+// The source of the levels for DistanceRows.
 enum class Levels {
     Coverage,  // full pixels are those without coverage: distances of the text
-    Ground,    // what 255 lacks of it: distances around the text
+    Ground,    // 255 minus the coverage: distances around the text
     Beside,    // full pixels are those with any coverage, all others 255
 };
 
