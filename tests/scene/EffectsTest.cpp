@@ -10,7 +10,6 @@
 
 #include "raster/ZvBitmap.h"
 #include "scene/Png.h"
-#include "tests/scene/Refusal.h"
 
 namespace Zvex::scene {
 namespace {
@@ -52,50 +51,6 @@ TEST(Effects, ReadUnitsShortFormsAndDefaults) {
     for (const auto& [kind, text, expected] : cases) {
         EXPECT_EQ(spelled(parse(kind, text)), expected) << kind << " " << text;
         EXPECT_EQ(spelled(parse(kind, expected)), expected) << "what is spelled reads back";
-    }
-}
-
-TEST(Effects, RefusalsNameTheKeyAndWhatIsAccepted) {
-    std::string manyStops = "stops=#fff@0";
-    for (size_t i = 1; i <= kMaxStops; ++i) manyStops += ":#fff@0";
-    const std::string stopsWanted =
-        "a list of stops; write COLOR@POSITION[@OPACITY]:COLOR@POSITION..., positions from 0 to 100";
-    const std::string cases[][3] = {
-        {"outer-shadow", "", ": '' is not one of its keys: angle, distance, size, color, opacity"},
-        {"outer-shadow", "angel=3",
-         ": 'angel' is not one of its keys: angle, distance, size, color, opacity"},
-        {"outer-shadow", "size", " size: has no value; write size=VALUE, a number from 0 to 100 (px)"},
-        {"outer-shadow", "size=1,size=1", " size: is given twice"},
-        {"outer-shadow", "size=100.5", " size: '100.5' is not a number from 0 to 100 (px)"},
-        {"outer-shadow", "angle=inf", " angle: 'inf' is not a number (deg)"},
-        {"inner-shadow", "distance=-1", " distance: '-1' is not a number from 0 to 100 (px)"},
-        {"outer-glow", "opacity=101%", " opacity: '101%' is not an opacity; write 0 to 1 or 0% to 100%"},
-        {"inner-glow", "size=3deg", " size: '3deg' is not a number from 0 to 100 (px)"},
-        {"inner-glow", "stops=#fff", " stops: '#fff' is not " + stopsWanted},
-        {"linear-gradient", "angle=3", " stops: is missing; it takes " + stopsWanted},
-        {"linear-gradient", "stops=#fff@0@1@2", " stops: '#fff@0@1@2' is not " + stopsWanted},
-        {"linear-gradient", "stops=#fff@50:#000@49",
-         " stops: positions must not fall, but 49 comes after 50"},
-        {"linear-gradient", manyStops, " stops: 257 stops are more than 256"},
-        {"radial-gradient", "scale=2.1", " scale: '2.1' is not a number from 0 to 2"},
-        {"radial-gradient", "angle=1", ": 'angle' is not one of its keys: scale, opacity, stops"},
-        {"stroke", "101:#000", " width: '101' is not a number from 0 to 100 (px)"},
-        {"stroke", "1:red", " color: 'red' is not a colour; write #rgb, #rrggbb or #aarrggbb"},
-        {"stroke", "1:#000:left", " position: 'left' is not one of outside, inside, center"},
-        {"stroke", "1:#000:inside:2",
-         ": '1:#000:inside:2' is not a stroke; write WIDTH[:COLOR[:outside|inside|center]] or width, color, "
-         "position, opacity as KEY=VALUE,KEY=VALUE"},
-        {"pattern", "scale=1", " file: is missing; it takes the path of a file"},
-        {"pattern", "", " file: '' is not the path of a file"},
-        {"pattern", "a.png,b.png", ": 'b.png' is not one of its keys: file, scale, opacity"},
-        {"bevel", "style=single", " style: 'single' is not one of inner, outer"},
-        {"bevel", "soften=17", " soften: '17' is not a number from 0 to 16 (px)"},
-        {"bevel", "highlight=#fff@2", " highlight: '2' is not an opacity; write 0 to 1 or 0% to 100%"},
-        {"emboss", "altitude=90", " altitude: '90' is not a number from 0 to 89 (deg)"},
-        {"emboss", "depth=-0.1", " depth: '-0.1' is not a number from 0 to 10"},
-    };
-    for (const auto& [kind, text, message] : cases) {
-        EXPECT_EQ(refusal([&, &kind = kind, &text = text] { parse(kind, text); }), "--" + kind + message);
     }
 }
 

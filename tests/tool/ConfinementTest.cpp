@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // Files that styles and lines of a batch name, and the folders they may lie in.
 #include <atomic>
-#include <nlohmann/json.hpp>
 #include <thread>
 
 #include "scene/FolderScope.h"
@@ -42,18 +41,19 @@ protected:
         return Json({{"effects", {{{"type", "pattern"}, {"file", pattern}}}}}).dump();
     }
 
-    Result render(std::vector<std::string> options) const {
-        options.insert(options.begin(), {"render", "x", "--font", kFont, "--size", "8", "-o", file("x.png")});
-        return run(options);
+    // Its exit status.
+    int render(const std::string& options) const {
+        return zvtext("render x -f $FONT -s 8 -o $DIR/x.png " + options).status;
     }
 
     // The error of each line's result; empty: a picture.
-    std::vector<std::string> batch(const std::vector<Json>& lines, std::vector<std::string> options) const {
+    std::vector<std::string> batch(const std::vector<Json>& lines, const std::string& options) const {
         std::string text;
         for (const Json& line : lines) text += line.dump() + "\n";
-        options.insert(options.begin(), {"batch", write("in/lines.jsonl", text), "--size", "8", "--font",
-                                         file("secret/font.ttf"), "--output-dir", file("out")});
-        std::stringstream results(run(options).out);
+        write("in/lines.jsonl", text);
+        const Result run =
+            zvtext("batch $DIR/in/lines.jsonl -s 8 -f $DIR/secret/font.ttf --output-dir $DIR/out " + options);
+        std::stringstream results(run.out);
         std::vector<std::string> errors;
         for (std::string line; std::getline(results, line);) {
             errors.push_back(Json::parse(line).value("error", ""));
@@ -64,7 +64,7 @@ protected:
 };
 
 TEST_F(Confinement, AStyleFileNamesFilesInItsFolderAndBelow) {
-    const std::string here = mFolder, style = file("in/style.json");
+    const std::string here = mFolder, style = "--style $DIR/in/style.json ";
     const std::string outside =
         "' lies outside '" + here + "/in', where a style may read; --allow-read DIR adds";
     const struct {
@@ -97,13 +97,9 @@ TEST_F(Confinement, AStyleFileNamesFilesInItsFolderAndBelow) {
         SCOPED_TRACE(pattern);
         write("in/style.json", styleOf(pattern));
         const std::string path = pattern[0] == '/' ? pattern : here + "/in/" + pattern;
-        for (const std::vector<std::string>& command : std::vector<std::vector<std::string>>{
-                 {"render", "x", "--font", kFont, "-o", file("x.png"), "--style"},
-                 {"render", "--print-key", "--style"},
-                 {"inspect", "style"}}) {
-            std::vector<std::string> words = command;
-            words.push_back(style);
-            const Result result = run(words);
+        for (const char* command :
+             {"render x -f $FONT -o $DIR/x.png --style", "render --print-key --style", "inspect style"}) {
+            const Result result = zvtext(command + std::string(" $DIR/in/style.json"));
             EXPECT_EQ(result.status, error.empty() ? 0 : 1);
             EXPECT_EQ(result.err.find("zvtext: --pattern: ") == 0 &&
                           result.err.find("'" + path + error) != std::string::npos,
@@ -111,17 +107,17 @@ TEST_F(Confinement, AStyleFileNamesFilesInItsFolderAndBelow) {
                 << result.err;
         }
         if (!lifted) continue;
-        EXPECT_EQ(render({"--style", style, "--allow-read-anywhere"}).status, 0);
-        EXPECT_EQ(render({"--style", style, "--allow-read", "/"}).status, 0);
-        EXPECT_EQ(render({"--style", style, "--allow-read", file("in/deep"), "--allow-read", here}).status,
-                  0);
+        for (const char* allowed :
+             {"--allow-read-anywhere", "--allow-read /", "--allow-read $DIR/in/deep --allow-read $DIR"}) {
+            EXPECT_EQ(render(style + allowed), 0) << allowed;
+        }
     }
     write("in/style.json", styleOf("../secret/tile.png"));
-    EXPECT_EQ(render({"--style", style, "--allow-read", file("secret/deep")}).status, 2) << "no such folder";
-    EXPECT_EQ(render({"--style", style, "--allow-read", file("inner")}).status, 1);
+    EXPECT_EQ(render(style + "--allow-read $DIR/secret/deep"), 2) << "no such folder";
+    EXPECT_EQ(render(style + "--allow-read $DIR/inner"), 1);
     // What the command line says itself is its own affair.
-    EXPECT_EQ(render({"--style", styleOf(file("secret/tile.png"))}).status, 0);
-    EXPECT_EQ(render({"--pattern", file("secret/tile.png")}).status, 0);
+    EXPECT_EQ(render("--style '" + styleOf(file("secret/tile.png")) + "'"), 0);
+    EXPECT_EQ(render("--pattern $DIR/secret/tile.png"), 0);
 }
 
 TEST_F(Confinement, ALineNamesFilesBesideTheLinesAndBelow) {
@@ -130,34 +126,32 @@ TEST_F(Confinement, ALineNamesFilesBesideTheLinesAndBelow) {
     write("in/deep/up.json", styleOf("../tile.png"));
     write("in/start.json", styleOf("../secret/tile.png"));
     fs::create_symlink(file("in/good.json"), file("secret/link.json"));  // back in, from a folder that is not
-    const Json inside[] = {{{"font", here + "/in/font.ttf"}},
-                           {{"font", "DejaVu Sans:bold"}},
-                           {{"font", kFont}},
-                           {{"fallback", {here + "/in/font.ttf"}}},
-                           {{"text-file", here + "/in/text"}, {"text", nullptr}},
-                           {{"style", here + "/in/good.json"}},
-                           {{"style", Json::parse(styleOf(here + "/in/tile.png"))}},
-                           {{"pattern", here + "/in/tile.png"}}};
-    const Json outside[] = {{{"font", here + "/secret/font.ttf"}},  // loaded already, for the command line
-                            {{"font", here + "/secret/none.ttf"}},
-                            {{"font", here + "/secret/nonesuch#x"}},
-                            {{"fallback", {here + "/in/font.ttf", here + "/secret/font.ttf#0"}}},
-                            {{"text-file", here + "/in/folder/text"}, {"text", nullptr}},
-                            {{"style", here + "/in/../secret/none.json"}},
-                            {{"style", here + "/secret/link.json"}},
-                            {{"style", here + "/in/deep/up.json"}},
-                            {{"style", here + "/in/start.json"}},
-                            {{"style", Json::parse(styleOf(here + "/in/link.png"))}},
-                            {{"pattern", "file=" + here + "/secret/tile.png,scale=2"}}};
-    std::vector<Json> lines;
-    for (const Json& line : inside) lines.push_back(line);
-    for (const Json& line : outside) lines.push_back(line);
+    const auto style = [](const std::string& name) { return Json::parse(styleOf(name)); };
+    const std::string in = here + "/in/", secret = here + "/secret/";
+    // Which may be read, and which not.
+    const Json inside[] = {
+        {{"font", in + "font.ttf"}},         {{"font", "DejaVu Sans:bold"}}, {{"font", kFont}},
+        {{"fallback", {in + "font.ttf"}}},   {{"text-file", in + "text"}},   {{"style", in + "good.json"}},
+        {{"style", style(in + "tile.png")}}, {{"pattern", in + "tile.png"}}};
+    const Json outside[] = {{{"font", secret + "font.ttf"}},  // loaded already, for the command line
+                            {{"font", secret + "none.ttf"}},
+                            {{"font", secret + "nonesuch#x"}},
+                            {{"fallback", {in + "font.ttf", secret + "font.ttf#0"}}},
+                            {{"text-file", in + "folder/text"}},
+                            {{"style", in + "../secret/none.json"}},
+                            {{"style", secret + "link.json"}},
+                            {{"style", in + "deep/up.json"}},
+                            {{"style", in + "start.json"}},
+                            {{"style", style(in + "link.png")}},
+                            {{"pattern", "file=" + secret + "tile.png,scale=2"}}};
+    std::vector<Json> lines(std::begin(inside), std::end(inside));
+    lines.insert(lines.end(), std::begin(outside), std::end(outside));
+    lines.push_back({{"allow-read", "/"}});
+    lines.push_back({{"allow-read-anywhere", true}});
     for (Json& line : lines) {
-        if (!line.contains("text")) line["text"] = "x";
+        if (!line.contains("text-file")) line["text"] = "x";
     }
-    lines.push_back({{"text", "x"}, {"allow-read", "/"}});
-    lines.push_back({{"text", "x"}, {"allow-read-anywhere", true}});
-    const auto expect = [&](const std::vector<std::string>& options, bool allowed) {
+    const auto expect = [&](const std::string& options, bool allowed) {
         const std::vector<std::string> errors = batch(lines, options);
         for (size_t i = 0; i < lines.size(); ++i) {
             const bool fails = i + 2 >= lines.size() || lines[i].dump().find("none") != std::string::npos ||
@@ -168,11 +162,11 @@ TEST_F(Confinement, ALineNamesFilesBesideTheLinesAndBelow) {
             EXPECT_EQ(told, !allowed && i >= std::size(inside) && i + 2 < lines.size()) << errors[i];
         }
     };
-    expect({}, false);
+    expect("", false);
     // Pictures made with leave are not left without it.
-    expect({"--allow-read", here, "--resume"}, true);
-    expect({"--resume"}, false);
-    expect({"--allow-read-anywhere", "--resume"}, true);
+    expect("--allow-read $DIR --resume", true);
+    expect("--resume", false);
+    expect("--allow-read-anywhere --resume", true);
 }
 
 TEST_F(Confinement, LinksDoNotLeadALinesFilesOutOfTheOutputFolder) {
@@ -184,31 +178,40 @@ TEST_F(Confinement, LinksDoNotLeadALinesFilesOutOfTheOutputFolder) {
     fs::create_symlink("/nowhere/at/all", file("out/dangling.png"));
     mkfifo(file("out/pipe.png").c_str(), 0600);
     write("secret/y.zvtext-AAAAAA", "cut short");
+    struct Line {
+        const char* output;
+        int kind;  // 0 is drawn, 1 leads out, 2 leads out and nowhere, 3 is a pipe
+        const char* metrics;
+    };
+    const Line cases[] = {{"link/x.png", 1, ""},      {"link/new/x.png", 1, ""},
+                          {"text.png", 1, ""},        {"pipe.png", 3, ""},
+                          {"good.png", 0, ""},        {"dangling.png", 2, ""},
+                          {"a/b/x.png", 0, ""},       {"link/../link/y.png", 1, ""},
+                          {"link/text/x.png", 2, ""}, {"link/none.png/x.png", 1, ""},
+                          {"link/gone.png", 2, ""},   {"m.png", 1, "link/m.json"}};
     std::vector<Json> lines;
-    for (const char* name :
-         {"link/x.png", "link/new/x.png", "text.png", "pipe.png", "good.png", "dangling.png", "a/b/x.png",
-          "link/../link/y.png", "link/text/x.png", "link/none.png/x.png", "link/gone.png"}) {
-        lines.push_back({{"text", "x"}, {"output", name}});
+    for (const Line& line : cases) {
+        lines.push_back({{"text", "x"}, {"output", line.output}});
+        if (*line.metrics != '\0') lines.back()["metrics"] = line.metrics;
     }
-    lines.push_back({{"text", "x"}, {"output", "m.png"}, {"metrics", "link/m.json"}});
-    const std::vector<std::string> errors = batch(lines, {"--resume"});
     const std::string outside = "' lies outside '" + file("out").string() +
                                 "', where a line of a batch may write; --allow-outside lets it leave";
-    for (const size_t i : {0, 1, 2, 5, 7, 8, 9, 10, 11}) {
-        EXPECT_NE(errors[i].find(outside), std::string::npos) << i << errors[i];
+    const std::vector<std::string> errors = batch(lines, "--resume");
+    for (size_t i = 0; i < lines.size(); ++i) {
+        EXPECT_EQ(errors[i].empty(), cases[i].kind == 0) << lines[i] << errors[i];
+        const std::string expected = cases[i].kind == 0   ? ""
+                                     : cases[i].kind == 3 ? "is no regular file"
+                                                          : outside;
+        EXPECT_NE(errors[i].find(expected), std::string::npos) << lines[i] << errors[i];
     }
-    EXPECT_NE(errors[3].find("is no regular file"), std::string::npos) << errors[3];
-    for (const size_t i : {4, 6}) EXPECT_EQ(errors[i], "") << i;
     EXPECT_GT(readPng(file("out/sub/old.png")).ink(), 0u) << "behind the link";
     EXPECT_TRUE(fs::is_symlink(file("out/dangling.png")));
     EXPECT_EQ(slurp(file("secret/text")), "Text");
     EXPECT_EQ(std::distance(fs::directory_iterator(file("secret")), {}), 6) << "nothing came, nothing went";
     EXPECT_FALSE(fs::exists(file("out/m.png"))) << "without its metrics";
-    for (const Json& line : lines) {
-        if (line["output"] == "pipe.png") continue;  // it would wait for a reader
-        const bool leadsNowhere = line["output"] == "dangling.png" || line["output"] == "link/gone.png" ||
-                                  line["output"] == "link/text/x.png";
-        EXPECT_EQ(batch({line}, {"--allow-outside"})[0] != "", leadsNowhere) << line;
+    for (size_t i = 0; i < lines.size(); ++i) {
+        if (cases[i].kind == 3) continue;  // it would wait for a reader
+        EXPECT_EQ(batch({lines[i]}, "--allow-outside")[0] != "", cases[i].kind == 2) << lines[i];
     }
     EXPECT_EQ(slurp(file("secret/text")).substr(1, 3), "PNG");
     // One file by two names is of one line alone.
@@ -217,7 +220,7 @@ TEST_F(Confinement, LinksDoNotLeadALinesFilesOutOfTheOutputFolder) {
         batch({{{"text", "x"}, {"output", "sub/new.png"}},
                {{"text", "x"}, {"output", "again/new.png"}},
                {{"text", "x"}, {"output", "sub/m.png"}, {"metrics", "again/m.png"}}},
-              {});
+              "");
     EXPECT_EQ(twice[0], "");
     for (const size_t i : {1, 2}) {
         EXPECT_NE(twice[i].find("is the output of an earlier line"), std::string::npos) << twice[i];
@@ -226,7 +229,7 @@ TEST_F(Confinement, LinksDoNotLeadALinesFilesOutOfTheOutputFolder) {
     for (const char* target : {"/dev/zero", "../secret/journal"}) {
         fs::remove(file("out/.zvtext-batch"));
         fs::create_symlink(target, file("out/.zvtext-batch"));
-        const Result result = run({"batch", "--font", kFont, "--output-dir", file("out"), "--resume"}, "{}");
+        const Result result = zvtext("batch -f $FONT --output-dir $DIR/out --resume", "{}");
         EXPECT_EQ(result.status, 1);
         EXPECT_NE(result.err.find("/out/.zvtext-batch': it is a link"), std::string::npos) << result.err;
     }

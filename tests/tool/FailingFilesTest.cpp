@@ -13,12 +13,7 @@
 
 namespace {
 
-// The sanitizers' own calls on files are not the program's to answer for.
-#ifdef ZVTEXT_SANITIZED
-constexpr int kStride = 7;
-#else
-constexpr int kStride = 1;
-#endif
+constexpr int kStride = kSanitized ? 7 : 1;
 
 class FailingFiles : public Program {
 protected:
@@ -37,14 +32,8 @@ protected:
         write("stdin", "");
     }
 
-    std::vector<std::string> withFont(std::vector<std::string> words) const {
-        words.insert(words.end(),
-                     {"--font", file("font.ttf"), "--no-fallback", "--style", file("style.json")});
-        return words;
-    }
-
-    FailedCall fail(const std::vector<std::string>& words, int number, Fails how) const {
-        return runWithFailingCall(mFolder, number, how, [&] { return become(words); });
+    std::vector<std::string> withFont(const std::string& line) const {
+        return words(line + " --font $DIR/font.ttf --no-fallback --style $DIR/style.json");
     }
 
     // The program's files as they are now.
@@ -69,7 +58,8 @@ protected:
         for (const Fails how : {Fails::WithError, Fails::AsEnd}) {
             for (int number = 1;; number += kStride * stride) {
                 prepare();
-                const FailedCall failed = fail(words, number, how);
+                const FailedCall failed =
+                    runWithFailingCall(mFolder, number, how, [&] { return become(words); });
                 if (!failed.supported) GTEST_SKIP() << "no such filters here";
                 // A list that ends early is a shorter list.
                 if (how == Fails::AsEnd && failed.name == "read, " + file("lines").string()) continue;
@@ -107,28 +97,25 @@ protected:
 };
 
 TEST_F(FailingFiles, ARenderGivesAnErrorOrThePicture) {
-    failEach(withFont({"render", "--text-file", file("text"), "-o", file("out/a.png"), "--metrics",
-                       file("out/a.json")}),
+    failEach(withFont("render --text-file $DIR/text -o $DIR/out/a.png --metrics $DIR/out/a.json"),
              {"out/a.png", "out/a.json"});
-    failEach(withFont({"render", "x", "-o", "-"}), {});
+    failEach(withFont("render x -o -"), {});
 }
 
 TEST_F(FailingFiles, ABatchGivesAnErrorOrThePictureAndGoesOn) {
-    const std::vector<std::string> words = withFont({"batch", file("lines"), "--output-dir", file("out")});
-    std::vector<std::string> resumed = words;
-    resumed.emplace_back("--resume");
+    const std::vector<std::string> resumed = withFont("batch $DIR/lines --resume --output-dir $DIR/out");
     failEach(resumed, {"out/b.png", "out/b.json", "out/d/c.webp"}, resumed);
 }
 
 TEST_F(FailingFiles, AnInspectionGivesAnErrorOrTheReport) {
-    failEach({"inspect", "font", file("font.ttf")}, {});
-    failEach({"inspect", "style", file("style.json")}, {});
+    failEach(words("inspect font $DIR/font.ttf"), {});
+    failEach(words("inspect style $DIR/style.json"), {});
 }
 
 // What a gallery writes is much, with the same few calls for each file: a stride that divides none of their
 // numbers meets each kind.
 TEST_F(FailingFiles, AGalleryLeavesNothingHalfDone) {
-    failEach({"gallery", file("out"), "--only", "stroke", "--font-dir", "/usr/share/fonts/truetype/dejavu"},
+    failEach(words("gallery $DIR/out --only stroke --font-dir /usr/share/fonts/truetype/dejavu"),
              {"out/index.html"}, {}, 17);
 }
 
@@ -154,22 +141,19 @@ TEST_F(FailingFiles, TheLibraryReadsAWholeFontOrNone) {
 }
 
 // As a disk that is full, in the midst of a file.
-#ifndef ZVTEXT_SANITIZED  // whose debug lines fill the file of the errors
 TEST_F(FailingFiles, AFileThatMayNotGrowIsNotLeft) {
+    if (kSanitized) GTEST_SKIP() << "whose debug lines fill the file of the errors";
     rlimit before;
     getrlimit(RLIMIT_FSIZE, &before);
     const rlimit small = {200, before.rlim_max};
-    std::vector<std::string> words = withFont({"render", "A longer text", "-o", file("a.png")});
+    const auto line = withFont("render 'A longer text' -o $DIR/a.png");
     setrlimit(RLIMIT_FSIZE, &small);
-    const Result result = run(words);
+    const Result result = run(line);
     setrlimit(RLIMIT_FSIZE, &before);
     EXPECT_EQ(result.status, 1);
     EXPECT_EQ(result.err,
               "zvtext: --output: cannot write '" + file("a.png").string() + "': File too large\n");
-    for (const auto& entry : fs::directory_iterator(mFolder)) {
-        EXPECT_EQ(entry.path().string().find("a.png"), std::string::npos) << entry.path();
-    }
+    for (const std::string& name : left()) EXPECT_EQ(name.find("a.png"), std::string::npos) << name;
 }
-#endif
 
 }  // namespace

@@ -6,23 +6,15 @@ namespace {
 
 class Pages : public Program {
 protected:
-    // What the shell prints for the command; "" with a failure where it fails.
-    std::string shell(const std::string& command) const {
-        const std::string output = file("shell-output");
-        EXPECT_EQ(
-            std::system(("cd " + mFolder.string() + " && " + command + " > " + output + " 2>&1").c_str()), 0)
-            << command << "\n"
-            << slurp(output);
-        return slurp(output);
-    }
-
     // What bash offers behind these words, the last of them unfinished.
     std::string completed(const std::string& words) const {
-        write("zvtext.bash", run({"completion"}).out);
+        write("zvtext.bash", zvtext("completion").out);
         write("complete.bash", "source ./zvtext.bash\nCOMP_WORDS=(zvtext " + words +
                                    ")\nCOMP_CWORD=$((${#COMP_WORDS[@]} - 1))\n_zvtext\n"
                                    "printf '%s|' \"${COMPREPLY[@]}\"\ncomplete -p zvtext > /dev/null\n");
-        return shell("bash -u complete.bash");
+        const std::string line = expanded("cd $DIR && bash -u complete.bash > shown 2>&1");
+        EXPECT_EQ(std::system(line.c_str()), 0) << words << slurp(file("shown"));
+        return slurp(file("shown"));
     }
 };
 
@@ -56,15 +48,12 @@ TEST_F(Pages, BashCompletes) {
 
 // All that each command's help names stands in the help of all, of which the manual page is made.
 TEST_F(Pages, HelpHasExamplesAndTheHelpOfAllHasEverything) {
-    const std::string all = run({"--help-all"}).out;
+    const std::string all = zvtext("--help-all").out;
     std::stringstream commands(completed("''") + "inspect font|inspect style|inspect text");
     size_t count = 0;
     for (std::string command; std::getline(commands, command, '|'); ++count) {
         if (command.empty()) continue;
-        std::stringstream parts(command);
-        std::vector<std::string> words(std::istream_iterator<std::string>(parts), {});
-        words.emplace_back("--help");
-        const Result help = run(words);
+        const Result help = zvtext(command + " --help");
         EXPECT_EQ(help.status, 0) << command;
         EXPECT_NE(help.out.find("zvtext " + command), std::string::npos) << "an example of " << command;
         std::stringstream flags(completed(command + " --"));
@@ -75,7 +64,7 @@ TEST_F(Pages, HelpHasExamplesAndTheHelpOfAllHasEverything) {
         }
     }
     EXPECT_GE(count, 6u);
-    const std::string version = run({"version"}).out;
+    const std::string version = zvtext("version").out;
     for (const char* line : {"version: ", "compiler: ", "instructionSet: ", "libraries: FreeType 2."}) {
         EXPECT_NE(("\n" + version).find(std::string("\n") + line), std::string::npos) << version;
     }

@@ -15,8 +15,11 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <nlohmann/json.hpp>
+#include <set>
 #include <sstream>
 #include <string>
+#include <utility>
 #include <vector>
 
 // The real program with real files, as a user calls it.
@@ -24,6 +27,15 @@
 namespace fs = std::filesystem;
 
 inline const std::string kFont = "/usr/share/fonts/truetype/dejavu/DejaVuSans-Bold.ttf";
+inline const std::string kCjk = "/usr/share/fonts/opentype/noto/NotoSansCJK-Regular.ttc";
+inline const std::string kInter = "/usr/share/fonts/truetype/inter-vf/Inter.var.ttf";
+
+// Of the sanitizers' own memory, lines and calls on files nothing can be said.
+#ifdef ZVTEXT_SANITIZED
+constexpr bool kSanitized = true;
+#else
+constexpr bool kSanitized = false;
+#endif
 
 struct Result {
     int status = -1;  // exit status; -1 when the program was killed
@@ -81,6 +93,33 @@ protected:
         return file(name);
     }
 
+    // With the names of the files that many tests use in place of $FONT and so on.
+    std::string expanded(std::string text) const {
+        const std::pair<std::string, std::string> names[] = {{"$DIR", mFolder},
+                                                             {"$FONT", kFont},
+                                                             {"$CJK", kCjk},
+                                                             {"$INTER", kInter},
+                                                             {"$SOURCE", ZVTEXT_SOURCE}};
+        for (const auto& [name, path] : names) {
+            for (size_t at; (at = text.find(name)) != std::string::npos;) text.replace(at, name.size(), path);
+        }
+        return text;
+    }
+
+    // A command line's words, parted by blanks; those in '' may hold some or be empty.
+    std::vector<std::string> words(const std::string& line) const {
+        std::vector<std::string> words;
+        bool within = false, quoted = false;
+        for (const char c : expanded(line)) {
+            if (c == '\'') quoted = !quoted;
+            if (!quoted && c == ' ') within = false;
+            if (!quoted && c == ' ') continue;
+            if (!std::exchange(within, true)) words.emplace_back();
+            if (c != '\'') words.back() += c;
+        }
+        return words;
+    }
+
     // In a child process: goes on as the program, with its streams in the folder's files of their names.
     int become(const std::vector<std::string>& arguments) const {
         dup2(open(file("stdin").c_str(), O_RDONLY), 0);
@@ -108,6 +147,49 @@ protected:
         result.out = slurp(file("stdout"));
         result.err = errorsBut({});
         return result;
+    }
+
+    Result zvtext(const std::string& line, const std::string& input = "") const {
+        return run(words(line), input);
+    }
+
+    nlohmann::json report(const std::string& line) const {
+        const Result result = zvtext(line + " --json");
+        EXPECT_EQ(result.status, 0) << line << "\n" << result.err;
+        return nlohmann::json::parse(result.out, nullptr, false);
+    }
+
+    // The bytes of the picture that render makes of the line.
+    std::string bytes(const std::string& line, const std::string& input = "") const {
+        const Result result = zvtext("render -o $DIR/out.png " + line, input);
+        EXPECT_EQ(result.status, 0) << line << "\n" << result.err;
+        return slurp(file("out.png"));
+    }
+    Image render(const std::string& line, const std::string& input = "") const {
+        bytes(line, input);
+        return readPng(file("out.png"));
+    }
+
+    // The run says one line that begins with `message`, prints nothing, and leaves the folder as it was.
+    void expectRefused(const std::string& line, int status, const std::string& message) const {
+        const auto before = left();
+        const Result result = zvtext(line);
+        EXPECT_EQ(result.status, status) << line;
+        const std::string expected = "zvtext: " + expanded(message);
+        EXPECT_EQ(result.err.substr(0, expected.size()), expected) << line;
+        EXPECT_EQ(std::count(result.err.begin(), result.err.end(), '\n'), 1) << result.err;
+        EXPECT_EQ(result.out, "");
+        EXPECT_EQ(left(), before) << line;
+    }
+
+    // The folder's files besides those of the streams.
+    std::set<std::string> left() const {
+        std::set<std::string> names;
+        for (const auto& entry : fs::directory_iterator(mFolder)) {
+            const std::string name = entry.path().filename();
+            if (name.rfind("std", 0) != 0) names.insert(name);
+        }
+        return names;
     }
 
     // Standard error without the lines that begin so. Builds with every log line compiled in write the
