@@ -107,418 +107,421 @@ public:
     }
 
     int wait() {
-        void signalAll(int number) const {
-            if (process > 0) kill(-process, number);
+        int status = -1;
+        wait4(std::exchange(process, -1), &status, 0, &usage);
+        return status;
+    }
+
+    void signalAll(int number) const {
+        if (process > 0) kill(-process, number);
+    }
+
+    // The first worker, as soon as there is one. Throws where none comes: whoever gave a number below 0
+    // to kill would hit strangers.
+    pid_t worker() const {
+        const std::string path = "/proc/" + std::to_string(process) + "/task/" + std::to_string(process);
+        pid_t child = -1;
+        const bool found = comesTrue([&] {
+            std::ifstream children(path + "/children");
+            return children >> child && child > 1;
+        });
+        if (!found) throw std::runtime_error("no worker");
+        return child;
+    }
+
+    pid_t process = -1;
+    int input = -1, output = -1;
+    rusage usage = {};
+
+private:
+    std::string mRead;
+};
+
+class BatchCommand : public Program {
+protected:
+    fs::path folder() const { return file("out"); }
+
+    std::vector<std::string> arguments(const std::string& more = "") const {
+        return words("-f $FONT -s 24 --output-dir $DIR/out --allow-read-anywhere " + more);
+    }
+
+    std::vector<Json> batch(const std::string& lines, const std::string& more, int status) const {
+        const Result result =
+            zvtext("batch -f $FONT -s 24 --output-dir $DIR/out --allow-read-anywhere " + more, lines);
+        EXPECT_EQ(result.status, status) << result.err;
+        EXPECT_EQ(result.err, "");
+        std::vector<Json> results;
+        std::stringstream out(result.out);
+        for (std::string line; std::getline(out, line);) results.push_back(Json::parse(line));
+        return results;
+    }
+
+    // A pipe without a writer: a line that reads its text from it goes on until somebody opens it.
+    std::string slowLine() const {
+        mkfifo(file("slow").c_str(), 0600);
+        return "{\"text-file\":\"" + file("slow").string() + "\"}\n";
+    }
+    void releaseSlowLine() const { std::ofstream(file("slow")) << "released"; }
+
+    static std::string error(const Json& result) { return result.value("error", ""); }
+};
+
+TEST_F(BatchCommand, LinesAreThePicturesOfRenderInTheirOrder) {
+    const std::string longName = std::string(251, 'l') + ".png", defaults = " -s 24 --stroke 2:#0f0";
+    write("dash", "-");
+    const struct {
+        std::string json, path, options;  // of render; none: the line is wrong
+    } lines[] = {{R"({"text":"One","size":40})", "1.png", "One -s 40 --stroke 2:#0f0"},
+                 {"not json", "", ""},
+                 {R"({"text":"Two","output":"a/b/two.png","stroke":"4","color":"#00f","max-lines":null})",
+                  "a/b/two.png", "Two -s 24 --stroke 4 -c #00f"},
+                 {R"({"text":"-","style":{"color":"#00f","effects":[{"type":"stroke","width":3}]}})", "4.png",
+                  "--text-file $DIR/dash -s 24 -c #00f --stroke 3"},
+                 {R"({"text":"世界"})", "5.png", "世界 --fallback $CJK" + defaults},
+                 {R"({"text":"世界","fallback":[")" + kFont + R"("]})", "6.png", "世界" + defaults},
+                 {R"({"text":"m","output":")" + longName + R"(","metrics":"j/m.json"})", longName,
+                  "m --metrics $DIR/m.json" + defaults},
+                 {"{\"text\":\"end\"}\r", "8.png", "end" + defaults}};
+    std::string input = "\xEF\xBB\xBF";
+    for (const auto& line : lines) input += line.json + "\n";
+    input += "\n  \n{\"text\":\"after empty lines, without an end\"}";
+    const std::vector<Json> results = batch(input, "--jobs 4 --stroke 2:#0f0 --fallback $CJK", 1);
+    ASSERT_EQ(results.size(), std::size(lines) + 1);
+    EXPECT_EQ(results.back().value("line", 0u), std::size(lines) + 3);
+    for (size_t i = 0; i < std::size(lines); ++i) {
+        SCOPED_TRACE(lines[i].json);
+        const Json& result = results[i];
+        EXPECT_EQ(result.value("line", 0u), i + 1);
+        EXPECT_EQ(error(result).empty(), !lines[i].path.empty());
+        if (lines[i].path.empty()) continue;
+        EXPECT_EQ(result.value("path", ""), folder() / lines[i].path);
+        const Image image = readPng(folder() / lines[i].path);
+        EXPECT_EQ(result.value("width", 0u), image.width);
+        EXPECT_EQ(result.value("height", 0u), image.height);
+        EXPECT_GT(result.value("milliseconds", 0.0), 0.0);
+        EXPECT_GT(result.value("baseline", 0), result["margins"].value("top", -1));
+        EXPECT_EQ(slurp(folder() / lines[i].path), bytes("-f $FONT " + lines[i].options));
+    }
+    EXPECT_EQ(slurp(folder() / "j/m.json"), slurp(file("m.json")));
+    const fs::path outside = file("outside.png");
+    const std::string line = Json({{"text", "x"}, {"output", outside}}).dump();
+    EXPECT_EQ(batch(line, "--allow-outside", 0)[0].value("path", ""), outside);
+    EXPECT_GT(readPng(outside).ink(), 0u);
+}
+
+// After each number of results, so behind each kind of step.
+TEST_F(BatchCommand, KilledItLeavesWholePicturesAndResumesTheRest) {
+    constexpr size_t kLines = 12;
+    std::string lines;
+    for (size_t i = 1; i <= kLines; ++i) {
+        lines += Json({{"text", "Line " + std::to_string(i)}, {"outer-glow", "size=20"}}).dump() + "\n";
+    }
+    const auto pictures = [&] {
+        size_t count = 0;
+        for (const auto& entry : fs::directory_iterator(folder())) {
+            if (entry.path().extension() != ".png") continue;
+            EXPECT_GT(readPng(entry.path()).ink(), 0u);
+            ++count;
         }
-
-        // The first worker, as soon as there is one. Throws where none comes: whoever gave a number below 0
-        // to kill would hit strangers.
-        pid_t worker() const {
-            const std::string path = "/proc/" + std::to_string(process) + "/task/" + std::to_string(process);
-            for (int attempt = 0; attempt < 5000; ++attempt) {
-                std::ifstream children(path + "/children");
-                if (pid_t child = 0; children >> child && child > 1) return child;
-                std::this_thread::sleep_for(std::chrono::milliseconds(2));
-            }
-            throw std::runtime_error("no worker");
-        }
-
-        pid_t process = -1;
-        int input = -1, output = -1;
-        rusage usage = {};
-
-    private:
-        std::string mRead;
+        return count;
     };
+    for (size_t results = 1; results < kLines; results += 2) {
+        Running running(arguments("--jobs 3 --resume"));
+        running.put(lines);
+        for (size_t i = 0; i < results; ++i) running.next();
+        running.signalAll(SIGKILL);
+        running.wait();
+        EXPECT_GE(pictures(), results);
+    }
+    write("out/7.png.zvtext-a1b2c3", "cut short");
+    write("out/7.png.backup", "mine");
+    const std::vector<Json> results = batch(lines, "--jobs 2 --resume", 0);
+    ASSERT_EQ(results.size(), kLines);
+    EXPECT_TRUE(results[0].value("skipped", false));
+    EXPECT_EQ(pictures(), kLines);
+    for (size_t i = 1; i <= kLines; ++i) {
+        EXPECT_EQ(slurp(folder() / (std::to_string(i) + ".png")),
+                  bytes("'Line " + std::to_string(i) + "' -f $FONT -s 24 --outer-glow size=20"));
+    }
+    EXPECT_EQ(std::distance(fs::directory_iterator(folder()), {}), ptrdiff_t{kLines} + 2)
+        << "and the journal";
+    EXPECT_TRUE(fs::exists(folder() / "7.png.backup"));
+}
 
-    class BatchCommand : public Program {
-    protected:
-        fs::path folder() const { return file("out"); }
-
-        std::vector<std::string> arguments(const std::string& more = "") const {
-            return words("-f $FONT -s 24 --output-dir $DIR/out --allow-read-anywhere " + more);
+// What is not the line's own picture any more is made again, the rest is left.
+TEST_F(BatchCommand, ResumingMakesAgainWhatChanged) {
+    const auto remade = [&](const std::string& lines, const std::string& more = "") {
+        std::string numbers;
+        for (const Json& result : batch(lines, "--resume " + more, 0)) {
+            if (!result.value("skipped", false)) numbers += std::to_string(result.value("line", 0)) + " ";
+            EXPECT_GT(result.value("width", 0), 0);
+            EXPECT_TRUE(result.contains("baseline"));
         }
-
-        std::vector<Json> batch(const std::string& lines, const std::string& more, int status) const {
-            const Result result =
-                zvtext("batch -f $FONT -s 24 --output-dir $DIR/out --allow-read-anywhere " + more, lines);
-            EXPECT_EQ(result.status, status) << result.err;
-            EXPECT_EQ(result.err, "");
-            std::vector<Json> results;
-            std::stringstream out(result.out);
-            for (std::string line; std::getline(out, line);) results.push_back(Json::parse(line));
-            return results;
-        }
-
-        // A pipe without a writer: a line that reads its text from it goes on until somebody opens it.
-        std::string slowLine() const {
-            mkfifo(file("slow").c_str(), 0600);
-            return "{\"text-file\":\"" + file("slow").string() + "\"}\n";
-        }
-        void releaseSlowLine() const { std::ofstream(file("slow")) << "released"; }
-
-        static std::string error(const Json& result) { return result.value("error", ""); }
+        return numbers;
     };
-
-    TEST_F(BatchCommand, LinesAreThePicturesOfRenderInTheirOrder) {
-        const std::string longName = std::string(251, 'l') + ".png", defaults = " -s 24 --stroke 2:#0f0";
-        write("dash", "-");
-        const struct {
-            std::string json, path, options;  // of render; none: the line is wrong
-        } lines[] = {{R"({"text":"One","size":40})", "1.png", "One -s 40 --stroke 2:#0f0"},
-                     {"not json", "", ""},
-                     {R"({"text":"Two","output":"a/b/two.png","stroke":"4","color":"#00f","max-lines":null})",
-                      "a/b/two.png", "Two -s 24 --stroke 4 -c #00f"},
-                     {R"({"text":"-","style":{"color":"#00f","effects":[{"type":"stroke","width":3}]}})",
-                      "4.png", "--text-file $DIR/dash -s 24 -c #00f --stroke 3"},
-                     {R"({"text":"世界"})", "5.png", "世界 --fallback $CJK" + defaults},
-                     {R"({"text":"世界","fallback":[")" + kFont + R"("]})", "6.png", "世界" + defaults},
-                     {R"({"text":"m","output":")" + longName + R"(","metrics":"j/m.json"})", longName,
-                      "m --metrics $DIR/m.json" + defaults},
-                     {"{\"text\":\"end\"}\r", "8.png", "end" + defaults}};
-        std::string input = "\xEF\xBB\xBF";
-        for (const auto& line : lines) input += line.json + "\n";
-        input += "\n  \n{\"text\":\"after empty lines, without an end\"}";
-        const std::vector<Json> results = batch(input, "--jobs 4 --stroke 2:#0f0 --fallback $CJK", 1);
-        ASSERT_EQ(results.size(), std::size(lines) + 1);
-        EXPECT_EQ(results.back().value("line", 0u), std::size(lines) + 3);
-        for (size_t i = 0; i < std::size(lines); ++i) {
-            SCOPED_TRACE(lines[i].json);
-            const Json& result = results[i];
-            EXPECT_EQ(result.value("line", 0u), i + 1);
-            EXPECT_EQ(error(result).empty(), !lines[i].path.empty());
-            if (lines[i].path.empty()) continue;
-            EXPECT_EQ(result.value("path", ""), folder() / lines[i].path);
-            const Image image = readPng(folder() / lines[i].path);
-            EXPECT_EQ(result.value("width", 0u), image.width);
-            EXPECT_EQ(result.value("height", 0u), image.height);
-            EXPECT_GT(result.value("milliseconds", 0.0), 0.0);
-            EXPECT_GT(result.value("baseline", 0), result["margins"].value("top", -1));
-            EXPECT_EQ(slurp(folder() / lines[i].path), bytes("-f $FONT " + lines[i].options));
-        }
-        EXPECT_EQ(slurp(folder() / "j/m.json"), slurp(file("m.json")));
-        const fs::path outside = file("outside.png");
-        const std::string line = Json({{"text", "x"}, {"output", outside}}).dump();
-        EXPECT_EQ(batch(line, "--allow-outside", 0)[0].value("path", ""), outside);
-        EXPECT_GT(readPng(outside).ink(), 0u);
+    const std::string five = "{\"text\":\"1\"}\n{\"text\":\"2\"}\n{\"text\":\"3\"}\n{\"text\":\"4\"}\n",
+                      edited = "{\"text\":\"Edited\"}" + five.substr(five.find('\n'));
+    const std::string styled =
+        R"({"text":"One","output":"1.png","style":")" + write("style.json", "{}").string() + "\"}";
+    const std::string thai = R"({"text":"ก","output":"1.png","metrics":"1.json"})";
+    fs::create_directory(file("fonts"));
+    fs::copy_file("/usr/share/fonts/truetype/noto/NotoSansThai-Regular.ttf", file("fonts") / "thai.ttf");
+    write("fonts.conf",
+          expanded("<fontconfig><dir>$DIR/fonts</dir><cachedir>$DIR/cache</cachedir></fontconfig>"));
+    const fs::path journal = folder() / ".zvtext-batch";
+    const auto lastRecord = [&] {
+        const std::string all = slurp(journal);
+        return all.substr(all.rfind('\n', all.size() - 2) + 1);
+    };
+    const struct {
+        const char* what;
+        std::function<void()> change;
+        std::string lines, numbers, more;
+    } steps[] = {
+        {"all", [] {}, five, "1 2 3 4 ", ""},
+        {"nothing", [] {}, five, "", ""},
+        {"a file cut short", [&] { fs::resize_file(folder() / "2.png", 99); }, five, "2 ", ""},
+        {"another's picture",
+         [&] { fs::copy_file(folder() / "2.png", folder() / "3.png", fs::copy_options::overwrite_existing); },
+         five, "3 ", ""},
+        {"a file gone", [&] { fs::remove(folder() / "4.png"); }, five, "4 ", ""},
+        {"a line", [] {}, edited, "1 ", ""},
+        {"its record is there, its picture is another", [] {}, five, "1 ", ""},
+        {"another line", [] {}, styled, "1 ", ""},
+        {"nothing", [] {}, styled, "", ""},
+        {"the style", [&] { write("style.json", "{\"color\":\"#f00\"}"); }, styled, "1 ", ""},
+        {"an option", [] {}, styled, "1 ", "--align right"},
+        {"metrics, a font", [&] { setenv("FONTCONFIG_FILE", file("fonts.conf").c_str(), 1); }, thai, "1 ",
+         ""},
+        {"nothing", [] {}, thai, "", ""},
+        {"the metrics gone", [&] { fs::remove(folder() / "1.json"); }, thai, "1 ", ""},
+        {"the time of the font",
+         [&] { fs::last_write_time(file("fonts") / "thai.ttf", fs::file_time_type::clock::now()); }, thai,
+         "1 ", ""},
+        {"another font serves it", [] { unsetenv("FONTCONFIG_FILE"); }, thai, "1 ", ""},
+        {"a byte of the record",
+         [&] {
+             std::string other = lastRecord();
+             other[other.find(",\"height\"") - 1] ^= 1;
+             write("out/.zvtext-batch", other);
+         },
+         thai, "1 ", ""},
+        {"foreign keys in the record",
+         [&] {
+             std::string foreign = lastRecord();
+             foreign.resize(foreign.size() - 34);
+             foreign.insert(foreign.size() - 1, ",\"path\":\"other\",\"skipped\":false");
+             write("out/.zvtext-batch", foreign + " " + zvtext::Digest().add(foreign).hex() + "\n");
+         },
+         thai, "", ""},
+        {"the record cut short", [&] { fs::resize_file(journal, 40); }, thai, "1 ", ""},
+        {"nothing", [] {}, thai, "", ""}};
+    for (const auto& step : steps) {
+        step.change();
+        EXPECT_EQ(remade(step.lines, step.more), step.numbers) << step.what;
     }
+}
 
-    // After each number of results, so behind each kind of step.
-    TEST_F(BatchCommand, KilledItLeavesWholePicturesAndResumesTheRest) {
-        constexpr size_t kLines = 12;
-        std::string lines;
-        for (size_t i = 1; i <= kLines; ++i) {
-            lines += Json({{"text", "Line " + std::to_string(i)}, {"outer-glow", "size=20"}}).dump() + "\n";
-        }
-        const auto pictures = [&] {
-            size_t count = 0;
-            for (const auto& entry : fs::directory_iterator(folder())) {
-                if (entry.path().extension() != ".png") continue;
-                EXPECT_GT(readPng(entry.path()).ink(), 0u);
-                ++count;
-            }
-            return count;
-        };
-        for (size_t results = 1; results < kLines; results += 2) {
-            Running running(arguments("--jobs 3 --resume"));
-            running.put(lines);
-            for (size_t i = 0; i < results; ++i) running.next();
-            running.signalAll(SIGKILL);
-            running.wait();
-            EXPECT_GE(pictures(), results);
-        }
-        write("out/7.png.zvtext-a1b2c3", "cut short");
-        write("out/7.png.backup", "mine");
-        const std::vector<Json> results = batch(lines, "--jobs 2 --resume", 0);
-        ASSERT_EQ(results.size(), kLines);
-        EXPECT_TRUE(results[0].value("skipped", false));
-        EXPECT_EQ(pictures(), kLines);
-        for (size_t i = 1; i <= kLines; ++i) {
-            EXPECT_EQ(slurp(folder() / (std::to_string(i) + ".png")),
-                      bytes("'Line " + std::to_string(i) + "' -f $FONT -s 24 --outer-glow size=20"));
-        }
-        EXPECT_EQ(std::distance(fs::directory_iterator(folder()), {}), ptrdiff_t{kLines} + 2)
-            << "and the journal";
-        EXPECT_TRUE(fs::exists(folder() / "7.png.backup"));
+TEST_F(BatchCommand, ADeadWorkerCostsItsLineAlone) {
+    Running running(arguments());
+    running.put(slowLine() + "{\"text\":\"after\"}\n");
+    kill(running.worker(), SIGKILL);
+    EXPECT_EQ(error(running.next()), "the worker process died, killed: Killed");
+    EXPECT_GT(running.next().value("width", 0), 0);
+    // One that dies between two lines costs nothing.
+    const pid_t idle = running.worker();
+    kill(idle, SIGKILL);
+    EXPECT_TRUE(comesTrue([&] { return slurp("/proc/" + std::to_string(idle) + "/cmdline").empty(); }));
+    running.put("{\"text\":\"again\"}\n");
+    EXPECT_EQ(error(running.next()), "");
+    running.endInput();
+    EXPECT_EQ(running.next(), nullptr);
+    EXPECT_EQ(running.wait(), 1 << 8);
+    // A worker in the midst of a line does not outlive its batch.
+    Running killed(arguments());
+    killed.put(slowLine());
+    const std::string worker = "/proc/" + std::to_string(killed.worker()) + "/cmdline";
+    kill(killed.process, SIGKILL);
+    killed.wait();
+    EXPECT_TRUE(comesTrue([&] { return slurp(worker).empty(); }));
+}
+
+TEST_F(BatchCommand, WarningsNameTheirLine) {
+    const Result result = zvtext("batch -f $FONT --no-fallback --output-dir $DIR/out",
+                                 "{\"text\":\"one\"}\n{\"text\":\"\\uE123\"}\n");
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.err,
+              "zvtext: line 2: warning: no font has U+E123; add one with --fallback, or leave "
+              "--no-fallback out\n");
+}
+
+TEST_F(BatchCommand, AnOutputOrAnInputThatFailsEndsItAfterTheLinesUnderWay) {
+    const std::string lines = write("lines", "{\"text\":\"one\"}\n{\"text\":\"two\"}\n");
+    const std::string command = std::string(ZVTEXT_BINARY) + " batch --font " + kFont + " --output-dir " +
+                                folder().string() + " 2>" + file("errors").string() + " ";
+    const auto fails = [&](const std::string& rest, const std::string& message) {
+        fs::remove_all(folder());
+        EXPECT_EQ(std::system((command + rest).c_str()), 1 << 8) << rest;
+        EXPECT_NE(slurp(file("errors")).find("zvtext: " + message), std::string::npos) << rest;
+    };
+    // The streams' numbers are not given to other files.
+    for (const char* streams : {" >/dev/full", " >&-", " <&- >&-"}) {
+        fails(lines + streams, "cannot write to standard output: ");
+        EXPECT_GT(readPng(folder() / "1.png").ink(), 0u);
+        const std::string journal = slurp(folder() / ".zvtext-batch");
+        EXPECT_EQ(journal.find("\"line\""), std::string::npos) << journal;
     }
-
-    // What is not the line's own picture any more is made again, the rest is left.
-    TEST_F(BatchCommand, ResumingMakesAgainWhatChanged) {
-        const auto remade = [&](const std::string& lines, const std::string& more = "") {
-            std::string numbers;
-            for (const Json& result : batch(lines, "--resume " + more, 0)) {
-                if (!result.value("skipped", false)) numbers += std::to_string(result.value("line", 0)) + " ";
-                EXPECT_GT(result.value("width", 0), 0);
-                EXPECT_TRUE(result.contains("baseline"));
-            }
-            return numbers;
-        };
-        const std::string five = "{\"text\":\"1\"}\n{\"text\":\"2\"}\n{\"text\":\"3\"}\n{\"text\":\"4\"}\n",
-                          edited = "{\"text\":\"Edited\"}" + five.substr(five.find('\n'));
-        const std::string styled =
-            R"({"text":"One","output":"1.png","style":")" + write("style.json", "{}").string() + "\"}";
-        const std::string thai = R"({"text":"ก","output":"1.png","metrics":"1.json"})";
-        fs::create_directory(file("fonts"));
-        fs::copy_file("/usr/share/fonts/truetype/noto/NotoSansThai-Regular.ttf", file("fonts") / "thai.ttf");
-        write("fonts.conf",
-              expanded("<fontconfig><dir>$DIR/fonts</dir><cachedir>$DIR/cache</cachedir></fontconfig>"));
-        const fs::path journal = folder() / ".zvtext-batch";
-        const auto lastRecord = [&] {
-            const std::string all = slurp(journal);
-            return all.substr(all.rfind('\n', all.size() - 2) + 1);
-        };
-        const struct {
-            const char* what;
-            std::function<void()> change;
-            std::string lines, numbers, more;
-        } steps[] = {
-            {"all", [] {}, five, "1 2 3 4 ", ""},
-            {"nothing", [] {}, five, "", ""},
-            {"a file cut short", [&] { fs::resize_file(folder() / "2.png", 99); }, five, "2 ", ""},
-            {"another's picture",
-             [&] {
-                 fs::copy_file(folder() / "2.png", folder() / "3.png", fs::copy_options::overwrite_existing);
-             },
-             five, "3 ", ""},
-            {"a file gone", [&] { fs::remove(folder() / "4.png"); }, five, "4 ", ""},
-            {"a line", [] {}, edited, "1 ", ""},
-            {"its record is there, its picture is another", [] {}, five, "1 ", ""},
-            {"another line", [] {}, styled, "1 ", ""},
-            {"nothing", [] {}, styled, "", ""},
-            {"the style", [&] { write("style.json", "{\"color\":\"#f00\"}"); }, styled, "1 ", ""},
-            {"an option", [] {}, styled, "1 ", "--align right"},
-            {"metrics, a font", [&] { setenv("FONTCONFIG_FILE", file("fonts.conf").c_str(), 1); }, thai, "1 ",
-             ""},
-            {"nothing", [] {}, thai, "", ""},
-            {"the metrics gone", [&] { fs::remove(folder() / "1.json"); }, thai, "1 ", ""},
-            {"the time of the font",
-             [&] { fs::last_write_time(file("fonts") / "thai.ttf", fs::file_time_type::clock::now()); }, thai,
-             "1 ", ""},
-            {"another font serves it", [] { unsetenv("FONTCONFIG_FILE"); }, thai, "1 ", ""},
-            {"a byte of the record",
-             [&] {
-                 std::string other = lastRecord();
-                 other[other.find(",\"height\"") - 1] ^= 1;
-                 write("out/.zvtext-batch", other);
-             },
-             thai, "1 ", ""},
-            {"foreign keys in the record",
-             [&] {
-                 std::string foreign = lastRecord();
-                 foreign.resize(foreign.size() - 34);
-                 foreign.insert(foreign.size() - 1, ",\"path\":\"other\",\"skipped\":false");
-                 write("out/.zvtext-batch", foreign + " " + zvtext::Digest().add(foreign).hex() + "\n");
-             },
-             thai, "", ""},
-            {"the record cut short", [&] { fs::resize_file(journal, 40); }, thai, "1 ", ""},
-            {"nothing", [] {}, thai, "", ""}};
-        for (const auto& step : steps) {
-            step.change();
-            EXPECT_EQ(remade(step.lines, step.more), step.numbers) << step.what;
-        }
-    }
-
-    TEST_F(BatchCommand, ADeadWorkerCostsItsLineAlone) {
-        Running running(arguments());
-        running.put(slowLine() + "{\"text\":\"after\"}\n");
-        kill(running.worker(), SIGKILL);
-        EXPECT_EQ(error(running.next()), "the worker process died, killed: Killed");
-        EXPECT_GT(running.next().value("width", 0), 0);
-        // One that dies between two lines costs nothing.
-        const pid_t idle = running.worker();
-        kill(idle, SIGKILL);
-        EXPECT_TRUE(comesTrue([&] { return slurp("/proc/" + std::to_string(idle) + "/cmdline").empty(); }));
-        running.put("{\"text\":\"again\"}\n");
-        EXPECT_EQ(error(running.next()), "");
-        running.endInput();
-        EXPECT_EQ(running.next(), nullptr);
-        EXPECT_EQ(running.wait(), 1 << 8);
-        // A worker in the midst of a line does not outlive its batch.
-        Running killed(arguments());
-        killed.put(slowLine());
-        const std::string worker = "/proc/" + std::to_string(killed.worker()) + "/cmdline";
-        kill(killed.process, SIGKILL);
-        killed.wait();
-        EXPECT_TRUE(comesTrue([&] { return slurp(worker).empty(); }));
-    }
-
-    TEST_F(BatchCommand, WarningsNameTheirLine) {
-        const Result result = zvtext("batch -f $FONT --no-fallback --output-dir $DIR/out",
-                                     "{\"text\":\"one\"}\n{\"text\":\"\\uE123\"}\n");
-        EXPECT_EQ(result.status, 0);
-        EXPECT_EQ(result.err,
-                  "zvtext: line 2: warning: no font has U+E123; add one with --fallback, or leave "
-                  "--no-fallback out\n");
-    }
-
-    TEST_F(BatchCommand, AnOutputOrAnInputThatFailsEndsItAfterTheLinesUnderWay) {
-        const std::string lines = write("lines", "{\"text\":\"one\"}\n{\"text\":\"two\"}\n");
-        const std::string command = std::string(ZVTEXT_BINARY) + " batch --font " + kFont + " --output-dir " +
-                                    folder().string() + " 2>" + file("errors").string() + " ";
-        const auto fails = [&](const std::string& rest, const std::string& message) {
-            fs::remove_all(folder());
-            EXPECT_EQ(std::system((command + rest).c_str()), 1 << 8) << rest;
-            EXPECT_NE(slurp(file("errors")).find("zvtext: " + message), std::string::npos) << rest;
-        };
-        // The streams' numbers are not given to other files.
-        for (const char* streams : {" >/dev/full", " >&-", " <&- >&-"}) {
-            fails(lines + streams, "cannot write to standard output: ");
-            EXPECT_GT(readPng(folder() / "1.png").ink(), 0u);
-            const std::string journal = slurp(folder() / ".zvtext-batch");
-            EXPECT_EQ(journal.find("\"line\""), std::string::npos) << journal;
-        }
-        fails(" <&-", "FILE: cannot read: ");
-        fails("/proc/self/mem", "FILE: cannot read: ");
+    fails(" <&-", "FILE: cannot read: ");
+    fails("/proc/self/mem", "FILE: cannot read: ");
 
 #ifndef ZVTEXT_SANITIZED  // whose debug lines fill the file of the errors
-        // Where the journal finds no room in its file, the pictures are there, and what follows on it is
-        // whole.
-        std::string many;
-        for (int i = 0; i < 20; ++i) many += "{\"text\":\"i\",\"size\":8}\n";
-        const std::string all = write("lines", many);
-        fs::remove_all(folder());
-        EXPECT_EQ(std::system(("ulimit -f 1; " + command + all + " >/dev/null").c_str()), 1 << 8);
-        EXPECT_NE(slurp(file("errors")).find("zvtext: --output-dir: the journal could"), std::string::npos);
-        EXPECT_GT(readPng(folder() / "20.png").ink(), 0u);
-        EXPECT_EQ(std::system((command + all + " --resume | grep skipped >/dev/null").c_str()), 0);
-        EXPECT_EQ(std::system((command + all + " --resume | grep -vq skipped").c_str()), 1 << 8)
-            << "all are known";
+    // Where the journal finds no room in its file, the pictures are there, and what follows on it is
+    // whole.
+    std::string many;
+    for (int i = 0; i < 20; ++i) many += "{\"text\":\"i\",\"size\":8}\n";
+    const std::string all = write("lines", many);
+    fs::remove_all(folder());
+    EXPECT_EQ(std::system(("ulimit -f 1; " + command + all + " >/dev/null").c_str()), 1 << 8);
+    EXPECT_NE(slurp(file("errors")).find("zvtext: --output-dir: the journal could"), std::string::npos);
+    EXPECT_GT(readPng(folder() / "20.png").ink(), 0u);
+    EXPECT_EQ(std::system((command + all + " --resume | grep skipped >/dev/null").c_str()), 0);
+    EXPECT_EQ(std::system((command + all + " --resume | grep -vq skipped").c_str()), 1 << 8)
+        << "all are known";
 #endif
-    }
+}
 
-    TEST_F(BatchCommand, ResultsComeWithTheirLinesAndSignalsLetThemFinish) {
-        for (const int signal : {SIGINT, SIGTERM}) {
-            Running running(arguments("--jobs 2"));
-            running.put("{\"text\":\"one\"}\n");
-            EXPECT_EQ(running.next().value("line", 0), 1);
-            running.put(slowLine() + "{\"text\":\"three\"}\n");
-            EXPECT_TRUE(comesTrue([&] { return fs::exists(folder() / "3.png"); }));
-            running.signalAll(signal);
-            EXPECT_TRUE(running.hasTaken(signal));
-            running.put("{\"text\":\"too late\"}\n");
-            releaseSlowLine();
-            EXPECT_EQ(running.next().value("path", ""), folder() / "2.png");
-            EXPECT_EQ(running.next().value("line", 0), 3);
-            EXPECT_EQ(running.next(), nullptr);
-            EXPECT_EQ(running.wait(), (128 + signal) << 8);
-            fs::remove_all(folder());
-        }
-        Running running(arguments());
-        running.put(slowLine());
-        running.worker();
-        running.signalAll(SIGTERM);
-        EXPECT_TRUE(running.hasTaken(SIGTERM));
-        running.signalAll(SIGTERM);
-        EXPECT_EQ(running.wait(), SIGTERM) << "the second does not wait for the line";
-    }
-
-    TEST_F(BatchCommand, AReaderThatStopsReadingDoesNotKeepItFromEnding) {
-        Running running(arguments());
-        std::string lines;
-        for (int i = 0; i < 2000; ++i) lines += "{}\n";
-        running.put(lines);
-        EXPECT_TRUE(comesTrue([&] { return running.waiting() > 30'000; }));  // more errors than a pipe holds
-        running.signalAll(SIGINT);
-        EXPECT_EQ(running.wait(), (128 + SIGINT) << 8);
-    }
-
-    TEST_F(BatchCommand, AFullDiskIsSaidOnce) {
-        const Result result = zvtext("batch -f $FONT --output-dir $DIR/out --allow-outside",
-                                     "{\"text\":\"x\"}\n{\"text\":\"x\",\"output\":\"/dev/full\"}\n");
-        EXPECT_EQ(result.status, 1);
-        EXPECT_EQ(result.err, "zvtext: --output-dir: the disk is full: 1 line was not written\n");
-        EXPECT_NE(result.out.find("No space left"), std::string::npos);
-    }
-
-    TEST_F(BatchCommand, MoreJobsThanDescriptorsDoNotMatter) {
-        std::string command =
-            "ulimit -n 64; seq 100 | sed 's,.*,{\"text\":\"x\"},' | timeout 60 " ZVTEXT_BINARY
-            " batch >/dev/null";
-        for (const std::string& argument : arguments("--jobs 100")) command += " '" + argument + "'";
-        EXPECT_EQ(std::system(command.c_str()), 0);
-        EXPECT_TRUE(fs::exists(folder() / "100.png"));
-    }
-
-    TEST_F(BatchCommand, AClosedOutputEndsItQuietly) {
-        const int errors = open(file("errors").c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
-        Running running(arguments(), errors);
+TEST_F(BatchCommand, ResultsComeWithTheirLinesAndSignalsLetThemFinish) {
+    for (const int signal : {SIGINT, SIGTERM}) {
+        Running running(arguments("--jobs 2"));
         running.put("{\"text\":\"one\"}\n");
         EXPECT_EQ(running.next().value("line", 0), 1);
-        running.closeOutput();
-        EXPECT_EQ(running.wait(), SIGPIPE) << "while it waits for lines";
-        EXPECT_EQ(slurp(file("errors")).find("zvtext: "), std::string::npos) << slurp(file("errors"));
-        close(errors);
-    }
-
-    TEST_F(BatchCommand, TenThousandLinesBehindASlowOneTakeBoundedMemory) {
-        constexpr size_t kLines = 10'000;
-        // Long results: the reader quotes what it cannot read.
-        const std::string bad = "{\"text\":\"" + std::string(1500, 'x') + "\n";
-        std::atomic<size_t> sent = 1;
-        Running running(arguments("--jobs 2"));
-        std::thread feeder([&] {
-            running.put(slowLine());
-            for (; sent < kLines; ++sent) running.put(sent % 32 == 0 ? "{\"text\":\"i\",\"size\":8}\n" : bad);
-            running.endInput();
-        });
-        // By now it waits, whatever still comes: the feeder's pipe is full.
-        pollfd room = {running.input, POLLOUT, 0};
-        EXPECT_TRUE(comesTrue([&] { return sent > 1000 && poll(&room, 1, 200) == 0; }));
+        running.put(slowLine() + "{\"text\":\"three\"}\n");
+        EXPECT_TRUE(comesTrue([&] { return fs::exists(folder() / "3.png"); }));
+        running.signalAll(signal);
+        EXPECT_TRUE(running.hasTaken(signal));
+        running.put("{\"text\":\"too late\"}\n");
         releaseSlowLine();
-        size_t count = 0;
-        for (Json result; (result = running.next()) != nullptr;) EXPECT_EQ(result.value("line", 0u), ++count);
-        EXPECT_EQ(count, kLines);
-        if (count < kLines) running.signalAll(SIGKILL);
-        feeder.join();
-        EXPECT_EQ(running.wait(), 1 << 8);
-        EXPECT_TRUE(kSanitized || running.usage.ru_maxrss < 24 << 10) << running.usage.ru_maxrss << " kB";
+        EXPECT_EQ(running.next().value("path", ""), folder() / "2.png");
+        EXPECT_EQ(running.next().value("line", 0), 3);
+        EXPECT_EQ(running.next(), nullptr);
+        EXPECT_EQ(running.wait(), (128 + signal) << 8);
+        fs::remove_all(folder());
     }
+    Running running(arguments());
+    running.put(slowLine());
+    running.worker();
+    running.signalAll(SIGTERM);
+    EXPECT_TRUE(running.hasTaken(SIGTERM));
+    running.signalAll(SIGTERM);
+    EXPECT_EQ(running.wait(), SIGTERM) << "the second does not wait for the line";
+}
 
-    TEST_F(BatchCommand, FontsOfTheirOwnDoNotFillTheMemory) {
-        std::string lines;
-        for (int i = 0; i < 150; ++i) {
-            fs::create_symlink(kFont, file("font" + std::to_string(i)));
-            lines += "{\"text\":\"x\",\"font\":\"" + file("font" + std::to_string(i)).string() + "\"}\n";
-        }
-        Running running(arguments());
-        running.put(lines);
+TEST_F(BatchCommand, AReaderThatStopsReadingDoesNotKeepItFromEnding) {
+    Running running(arguments());
+    std::string lines;
+    for (int i = 0; i < 2000; ++i) lines += "{}\n";
+    running.put(lines);
+    EXPECT_TRUE(comesTrue([&] { return running.waiting() > 30'000; }));  // more errors than a pipe holds
+    running.signalAll(SIGINT);
+    EXPECT_EQ(running.wait(), (128 + SIGINT) << 8);
+}
+
+TEST_F(BatchCommand, AFullDiskIsSaidOnce) {
+    const Result result = zvtext("batch -f $FONT --output-dir $DIR/out --allow-outside",
+                                 "{\"text\":\"x\"}\n{\"text\":\"x\",\"output\":\"/dev/full\"}\n");
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.err, "zvtext: --output-dir: the disk is full: 1 line was not written\n");
+    EXPECT_NE(result.out.find("No space left"), std::string::npos);
+}
+
+TEST_F(BatchCommand, MoreJobsThanDescriptorsDoNotMatter) {
+    std::string command = "ulimit -n 64; seq 100 | sed 's,.*,{\"text\":\"x\"},' | timeout 60 " ZVTEXT_BINARY
+                          " batch >/dev/null";
+    for (const std::string& argument : arguments("--jobs 100")) command += " '" + argument + "'";
+    EXPECT_EQ(std::system(command.c_str()), 0);
+    EXPECT_TRUE(fs::exists(folder() / "100.png"));
+}
+
+TEST_F(BatchCommand, AClosedOutputEndsItQuietly) {
+    const int errors = open(file("errors").c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
+    Running running(arguments(), errors);
+    running.put("{\"text\":\"one\"}\n");
+    EXPECT_EQ(running.next().value("line", 0), 1);
+    running.closeOutput();
+    EXPECT_EQ(running.wait(), SIGPIPE) << "while it waits for lines";
+    EXPECT_EQ(slurp(file("errors")).find("zvtext: "), std::string::npos) << slurp(file("errors"));
+    close(errors);
+}
+
+TEST_F(BatchCommand, TenThousandLinesBehindASlowOneTakeBoundedMemory) {
+    constexpr size_t kLines = 10'000;
+    // Long results: the reader quotes what it cannot read.
+    const std::string bad = "{\"text\":\"" + std::string(1500, 'x') + "\n";
+    std::atomic<size_t> sent = 1;
+    Running running(arguments("--jobs 2"));
+    std::thread feeder([&] {
+        running.put(slowLine());
+        for (; sent < kLines; ++sent) running.put(sent % 32 == 0 ? "{\"text\":\"i\",\"size\":8}\n" : bad);
         running.endInput();
-        const pid_t first = running.worker();
-        for (int i = 0; i < 150; ++i) EXPECT_EQ(error(running.next()), "");
-        EXPECT_NE(kill(first, 0), 0) << "another worker has taken over";
-        EXPECT_EQ(running.wait(), 0);
-    }
+    });
+    // By now it waits, whatever still comes: the feeder's pipe is full.
+    pollfd room = {running.input, POLLOUT, 0};
+    EXPECT_TRUE(comesTrue([&] { return sent > 1000 && poll(&room, 1, 200) == 0; }));
+    releaseSlowLine();
+    size_t count = 0;
+    for (Json result; (result = running.next()) != nullptr;) EXPECT_EQ(result.value("line", 0u), ++count);
+    EXPECT_EQ(count, kLines);
+    if (count < kLines) running.signalAll(SIGKILL);
+    feeder.join();
+    EXPECT_EQ(running.wait(), 1 << 8);
+    EXPECT_TRUE(kSanitized || running.usage.ru_maxrss < 24 << 10) << running.usage.ru_maxrss << " kB";
+}
 
-    TEST_F(BatchCommand, ShowsItsProgressOnATerminalBesideWarnings) {
-        for (const bool quiet : {false, true}) {
-            int terminal = -1, end = -1;
-            if (openpty(&terminal, &end, nullptr, nullptr, nullptr) != 0) GTEST_SKIP() << "no terminals here";
-            Running running(arguments(quiet ? "--no-fallback --quiet" : "--no-fallback"), end);
-            close(end);
-            std::string shown;
-            std::atomic<bool> seen = false;
-            std::thread reader([&] {
-                char block[4096];
-                for (ssize_t got; (got = read(terminal, block, sizeof block)) > 0;) {
-                    shown.append(block, static_cast<size_t>(got));
-                    seen = shown.find("\r2 done, ") != std::string::npos;
-                }
-            });
-            running.put("{\"text\":\"one\"}\n{}\n");
-            for (int i = 0; i < 2; ++i) running.next();
-            if (!quiet) EXPECT_TRUE(comesTrue([&] { return seen.load(); }));
-            running.put("{\"text\":\"\\uE123\"}\n");
-            running.endInput();
-            EXPECT_EQ(running.wait(), 1 << 8);
-            reader.join();
-            close(terminal);
-            EXPECT_EQ(shown.find("\r2 done, ") != std::string::npos, !quiet) << shown;
-            EXPECT_EQ(shown.find(" done, 1 error") != std::string::npos, !quiet) << shown;
-            const size_t warning = shown.find("zvtext: line 3: warning");
-            ASSERT_NE(warning, std::string::npos) << shown;
-            EXPECT_NE(std::string("\nK").find(warning == 0 ? '\n' : shown[warning - 1]), std::string::npos)
-                << shown;
-        }
+TEST_F(BatchCommand, FontsOfTheirOwnDoNotFillTheMemory) {
+    std::string lines;
+    for (int i = 0; i < 150; ++i) {
+        fs::create_symlink(kFont, file("font" + std::to_string(i)));
+        lines += "{\"text\":\"x\",\"font\":\"" + file("font" + std::to_string(i)).string() + "\"}\n";
     }
+    Running running(arguments());
+    running.put(lines);
+    running.endInput();
+    const pid_t first = running.worker();
+    for (int i = 0; i < 150; ++i) EXPECT_EQ(error(running.next()), "");
+    EXPECT_NE(kill(first, 0), 0) << "another worker has taken over";
+    EXPECT_EQ(running.wait(), 0);
+}
+
+TEST_F(BatchCommand, ShowsItsProgressOnATerminalBesideWarnings) {
+    for (const bool quiet : {false, true}) {
+        int terminal = -1, end = -1;
+        if (openpty(&terminal, &end, nullptr, nullptr, nullptr) != 0) GTEST_SKIP() << "no terminals here";
+        Running running(arguments(quiet ? "--no-fallback --quiet" : "--no-fallback"), end);
+        close(end);
+        std::string shown;
+        std::atomic<bool> seen = false;
+        std::thread reader([&] {
+            char block[4096];
+            for (ssize_t got; (got = read(terminal, block, sizeof block)) > 0;) {
+                shown.append(block, static_cast<size_t>(got));
+                seen = shown.find("\r2 done, ") != std::string::npos;
+            }
+        });
+        running.put("{\"text\":\"one\"}\n{}\n");
+        for (int i = 0; i < 2; ++i) running.next();
+        EXPECT_TRUE(quiet || comesTrue([&] { return seen.load(); }));
+        running.put("{\"text\":\"\\uE123\"}\n");
+        running.endInput();
+        EXPECT_EQ(running.wait(), 1 << 8);
+        reader.join();
+        close(terminal);
+        EXPECT_EQ(shown.find("\r2 done, ") != std::string::npos, !quiet) << shown;
+        EXPECT_EQ(shown.find(" done, 1 error") != std::string::npos, !quiet) << shown;
+        const size_t warning = shown.find("zvtext: line 3: warning");
+        ASSERT_NE(warning, std::string::npos) << shown;
+        EXPECT_NE(std::string("\nK").find(warning == 0 ? '\n' : shown[warning - 1]), std::string::npos)
+            << shown;
+    }
+}
 
 }  // namespace

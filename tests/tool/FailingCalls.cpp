@@ -8,15 +8,14 @@
 #include <poll.h>
 #include <sys/ioctl.h>
 #include <sys/prctl.h>
-#include <sys/socket.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <climits>
+#include <csignal>
 #include <cstddef>
-#include <cstring>
 #include <vector>
 
 namespace {
@@ -58,45 +57,6 @@ int listen() {
     if (prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) != 0) return -1;
     return static_cast<int>(
         syscall(__NR_seccomp, SECCOMP_SET_MODE_FILTER, SECCOMP_FILTER_FLAG_NEW_LISTENER, &filter));
-}
-
-// One byte, with room for a descriptor beside it.
-struct Message {
-    char byte = 0;
-    iovec content = {&byte, 1};
-    alignas(cmsghdr) char control[CMSG_SPACE(sizeof(int))] = {};
-    msghdr head = {};
-
-    Message() {
-        head.msg_iov = &content;
-        head.msg_iovlen = 1;
-        head.msg_control = control;
-        head.msg_controllen = sizeof control;
-    }
-    Message(const Message&) = delete;
-};
-
-void passDescriptor(int socket, int descriptor) {
-    Message message;
-    if (descriptor >= 0) {
-        cmsghdr* header = CMSG_FIRSTHDR(&message.head);
-        header->cmsg_len = CMSG_LEN(sizeof descriptor);
-        header->cmsg_level = SOL_SOCKET;
-        header->cmsg_type = SCM_RIGHTS;
-        std::memcpy(CMSG_DATA(header), &descriptor, sizeof descriptor);
-    } else {
-        message.head.msg_controllen = 0;
-    }
-    sendmsg(socket, &message.head, 0);
-}
-
-int takeDescriptor(int socket) {
-    Message message;
-    int descriptor = -1;
-    if (recvmsg(socket, &message.head, MSG_CMSG_CLOEXEC) != 1) return -1;
-    const cmsghdr* header = CMSG_FIRSTHDR(&message.head);
-    if (header != nullptr) std::memcpy(&descriptor, CMSG_DATA(header), sizeof descriptor);
-    return descriptor;
 }
 
 std::string linkTarget(const std::string& link) {
@@ -175,20 +135,29 @@ private:
 FailedCall runWithFailingCall(const std::string& folder, int number, Fails how,
                               const std::function<int()>& process) {
     FailedCall result;
-    int ends[2] = {-1, -1};
-    if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) != 0) return result;
+    int told[2] = {-1, -1};
+    if (pipe2(told, O_CLOEXEC) != 0) return result;
     const pid_t child = fork();
     if (child == 0) {
+        // The number that the listener will have: once it is there, nothing can be told any more.
+        const int next = dup(told[1]);
+        close(next);
+        if (write(told[1], &next, sizeof next) != sizeof next) _exit(127);
         const int listener = listen();
-        passDescriptor(ends[1], listener);
         _exit(listener < 0 ? 127 : process());
     }
-    const int listener = takeDescriptor(ends[0]);
-    close(ends[0]);
-    close(ends[1]);
+    int theirs = -1, status = 0;
+    ssize_t got = read(told[0], &theirs, sizeof theirs);
+    const int handle = static_cast<int>(syscall(SYS_pidfd_open, child, 0));
+    int listener = -1;
+    bool ended = got != sizeof theirs;
+    while (!ended && (listener = static_cast<int>(syscall(SYS_pidfd_getfd, handle, theirs, 0))) < 0) {
+        ended = errno != EBADF || waitpid(child, &status, WNOHANG) != 0;
+    }
+    if (listener < 0) syscall(SYS_pidfd_send_signal, handle, SIGKILL, nullptr, 0);
+    for (const int descriptor : {told[0], told[1], handle}) close(descriptor);
     result.supported = listener >= 0;
     if (listener >= 0) Listener(folder, number, how).answer(listener, result);
-    int status = 0;
     waitpid(child, &status, 0);
     if (WIFEXITED(status)) result.status = WEXITSTATUS(status);
     close(listener);
