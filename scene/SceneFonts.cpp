@@ -131,14 +131,18 @@ public:
         const size_t length = cluster.text.size();
         const minikin::Layout layout = android::MinikinUtils::doLayout(
             &mPaint, minikin::Bidi::DEFAULT_LTR, mTypeface.get(), units, 0, length, length, nullptr);
-        std::vector<uint32_t> missing;
+        // A letter may be drawn where its mark is not: each goes to a font of its own.
+        std::set<const host::FontFace*> faces;
+        bool lacks = false;
         for (int i = 0; i < static_cast<int>(layout.nGlyphs()); ++i) {
-            if (layout.getGlyphId(i) != 0) continue;
             const auto* font = static_cast<const android::MinikinFontSkia*>(layout.getFont(i));
-            for (const uint32_t c : cluster.characters) {
-                if (!font->RefSkTypeface()->face()->covers(c)) missing.push_back(c);
-            }
-            break;
+            faces.insert(font->RefSkTypeface()->face().get());
+            lacks = lacks || layout.getGlyphId(i) == 0;
+        }
+        std::vector<uint32_t> missing;
+        for (const uint32_t c : cluster.characters) {
+            const auto has = [c](const host::FontFace* face) { return face->covers(c); };
+            if (lacks && std::none_of(faces.begin(), faces.end(), has)) missing.push_back(c);
         }
         return missing;
     }
