@@ -154,7 +154,8 @@ TEST_F(Output, NothingThatMovesTheCursorReachesATerminal) {
     const std::string bad = "\x1B[2J\u009Bx\x7F", shown = "?[2J?x?";
     EXPECT_EQ(zvtext("render x -f $FONT -o '$DIR/" + bad + ".png'").out.find(file(shown + ".png").string()),
               0u);
-    EXPECT_EQ(zvtext("render --color '" + bad + "\x9B'").err.find("zvtext: --color: '" + shown + "?' is not"),
+    EXPECT_EQ(zvtext("render x -f $FONT --color '" + bad + "\x9B'")
+                  .err.find("zvtext: --color: '" + shown + "?' is not"),
               0u);
     const Result batch =
         zvtext("batch -f $FONT --output-dir $DIR", R"({"text": "x", "output": "\u001b\u009b\u007f.png"})");
