@@ -8,6 +8,7 @@
 #include <climits>
 #include <csignal>
 #include <functional>
+#include <iterator>
 #include <nlohmann/json.hpp>
 #include <stdexcept>
 #include <thread>
@@ -116,17 +117,22 @@ public:
         if (process > 0) kill(-process, number);
     }
 
-    // The first worker, as soon as there is one. Throws where none comes: whoever gave a number below 0
-    // to kill would hit strangers.
-    pid_t worker() const {
+    std::vector<pid_t> workers() const {
         const std::string path = "/proc/" + std::to_string(process) + "/task/" + std::to_string(process);
-        pid_t child = -1;
-        const bool found = comesTrue([&] {
-            std::ifstream children(path + "/children");
-            return children >> child && child > 1;
-        });
-        if (!found) throw std::runtime_error("no worker");
-        return child;
+        std::ifstream children(path + "/children");
+        return std::vector<pid_t>(std::istream_iterator<pid_t>(children), {});
+    }
+
+    // The first worker, as soon as there is one. Throws where none comes: whoever gave a number below 0 to
+    // kill would hit strangers.
+    pid_t worker() const {
+        if (!comesTrue([&] { return !workers().empty(); })) throw std::runtime_error("no worker");
+        return workers().at(0);
+    }
+
+    // Whether the process has ended, waited for or not.
+    static bool ends(pid_t ending) {
+        return comesTrue([&] { return slurp("/proc/" + std::to_string(ending) + "/cmdline").empty(); });
     }
 
     pid_t process = -1;
@@ -229,8 +235,10 @@ TEST_F(BatchCommand, KilledItLeavesWholePicturesAndResumesTheRest) {
         Running running(arguments("--jobs 3 --resume"));
         running.put(lines);
         for (size_t i = 0; i < results; ++i) running.next();
+        const std::vector<pid_t> workers = running.workers();
         running.signalAll(SIGKILL);
         running.wait();
+        for (const pid_t worker : workers) EXPECT_TRUE(Running::ends(worker));
         EXPECT_GE(pictures(), results);
     }
     write("out/7.png.zvtext-a1b2c3", "cut short");
@@ -331,7 +339,7 @@ TEST_F(BatchCommand, ADeadWorkerCostsItsLineAlone) {
     // One that dies between two lines costs nothing.
     const pid_t idle = running.worker();
     kill(idle, SIGKILL);
-    EXPECT_TRUE(comesTrue([&] { return slurp("/proc/" + std::to_string(idle) + "/cmdline").empty(); }));
+    EXPECT_TRUE(Running::ends(idle));
     running.put("{\"text\":\"again\"}\n");
     EXPECT_EQ(error(running.next()), "");
     running.endInput();
@@ -340,10 +348,10 @@ TEST_F(BatchCommand, ADeadWorkerCostsItsLineAlone) {
     // A worker in the midst of a line does not outlive its batch.
     Running killed(arguments());
     killed.put(slowLine());
-    const std::string worker = "/proc/" + std::to_string(killed.worker()) + "/cmdline";
+    const pid_t worker = killed.worker();
     kill(killed.process, SIGKILL);
     killed.wait();
-    EXPECT_TRUE(comesTrue([&] { return slurp(worker).empty(); }));
+    EXPECT_TRUE(Running::ends(worker));
 }
 
 TEST_F(BatchCommand, WarningsNameTheirLine) {

@@ -154,7 +154,7 @@ TEST_F(RenderCommand, AMillionCharacters) {
         while (static_cast<int>(text.size()) < characters) text += "lorem ipsum ";
         write("text", text);
         const Result result = zvtext("render --text-file $DIR/text -s 10 -f $FONT -o $DIR/out.png " + more);
-        EXPECT_LT(result.seconds, 25 * TimeLimit::SLOWNESS);
+        EXPECT_LT(result.seconds, 25 * TimeLimit::kSlowness);
         return result;
     };
     EXPECT_EQ(render(1'000'000, "").err,
