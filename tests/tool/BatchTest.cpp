@@ -130,9 +130,12 @@ public:
         return workers().at(0);
     }
 
-    // Whether the process has ended, waited for or not.
+    // Whether the process has ended and closed its files, waited for or not.
     static bool ends(pid_t ending) {
-        return comesTrue([&] { return slurp("/proc/" + std::to_string(ending) + "/cmdline").empty(); });
+        return comesTrue([&] {
+            const std::string status = slurp("/proc/" + std::to_string(ending) + "/stat");
+            return status.empty() || status.find(") Z ") != std::string::npos;
+        });
     }
 
     pid_t process = -1;
