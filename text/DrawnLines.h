@@ -70,9 +70,12 @@ public:
     bool ownsLast(const ZvGlyph* image) const { return image != nullptr && image == mLast; }
 
     static void freeImage(ZvGlyph* image);  // the record and its pixels; null is ignored
+    // Owns an image: the record with its pixels.
     struct ImageDeleter {
+        // As freeImage.
         void operator()(ZvGlyph* image) const { freeImage(image); }
     };
+    // An owned image.
     using Image = std::unique_ptr<ZvGlyph, ImageDeleter>;
 
 private:
