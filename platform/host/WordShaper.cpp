@@ -197,7 +197,13 @@ void WordShaper::readAdvances(hb_font_t*, void* fontData, unsigned count, const 
     auto* advance = reinterpret_cast<char*>(advances);
     for (; count > 0; count--, glyph += glyphStride, advance += advanceStride) {
         const hb_codepoint_t id = *reinterpret_cast<const hb_codepoint_t*>(glyph);
-        *reinterpret_cast<hb_position_t*>(advance) = toFixed(font->face->advance(id, font->glyph));
+        float pixels = 0;
+        try {
+            pixels = font->face->advance(id, font->glyph);
+        } catch (const std::bad_alloc&) {
+            font->exhausted = true;
+        }
+        *reinterpret_cast<hb_position_t*>(advance) = toFixed(pixels);
     }
 }
 
@@ -348,10 +354,11 @@ bool WordShaper::shapeInto(hb_buffer_t* buffer, const ScriptRun& run) {
     hb_buffer_set_language(buffer, languageFor(run.script));
     hb_buffer_add_utf16(buffer, mText, static_cast<int>(mSize), static_cast<unsigned>(run.start),
                         static_cast<int>(run.end - run.start));
-    hb_shape_full(fontOf(run.family).hbFont, buffer, mFeatures.data(),
-                  static_cast<unsigned>(mFeatures.size()), kShapers);
+    const SizedFont& font = fontOf(run.family);
+    hb_shape_full(font.hbFont, buffer, mFeatures.data(), static_cast<unsigned>(mFeatures.size()), kShapers);
     // Without memory the text is cut off, and no call says so.
-    if (!hb_buffer_allocation_successful(buffer)) throw std::bad_alloc();
+    const bool exhausted = std::exchange(font.exhausted, false);
+    if (exhausted || !hb_buffer_allocation_successful(buffer)) throw std::bad_alloc();
     return !refused;
 }
 

@@ -72,6 +72,7 @@ private:
         const FontFace* face = nullptr;
         GlyphStyle glyph;
         hb_font_t* hbFont = nullptr;
+        mutable bool exhausted = false;  // no memory for an advance; HarfBuzz must not be thrown through
     };
     struct ScriptRun {
         size_t start, end;
