@@ -3,8 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
-#include <iterator>
 #include <vector>
 
 #include "foundation/ListImpl.h"
@@ -84,80 +82,6 @@ TEST(List, RefusesWhatCannotBeDoneWithoutALine) {
     }
     EXPECT_OUTCOMES(3, 0, nullptr, of(list.Remove(1, 5)));
     EXPECT_EQ(contents(list), (Values{1})) << "what could be removed is gone";
-}
-
-TEST(List, PositionsWalkBothWaysAndStartAgain) {
-    List list;
-    ASSERT_EQ(list.Construct(), 1);
-    fill(&list, {1, 2, 3});
-    const long position = list.BeginTraversal();
-    const auto at = [&] { return reinterpret_cast<uintptr_t>(list.GetData(position)); };
-    Values forwards, backwards;
-    for (int moved = 1; moved == 1 && list.GetData(position) != nullptr; moved = list.NextData(position))
-        forwards.push_back(at());
-    EXPECT_EQ(forwards, (Values{1, 2, 3}));
-    EXPECT_OUTCOMES(9, 0, nullptr, of(list.NextData(position)));  // from past the end
-    EXPECT_EQ(at(), 1u);
-    EXPECT_EQ(list.MoveLast(position), 1);
-    for (int moved = 1; moved == 1 && list.GetData(position) != nullptr; moved = list.PrevData(position))
-        backwards.push_back(at());
-    EXPECT_EQ(backwards, (Values{3, 2, 1}));
-    EXPECT_OUTCOMES(9, 0, nullptr, of(list.PrevData(position)));
-    EXPECT_EQ(at(), 3u);
-    EXPECT_EQ(list.Move(position, 1) + list.NextData(position), 2);
-    EXPECT_EQ(at(), 3u);
-    EXPECT_EQ(list.MoveFirst(position), 1);
-    EXPECT_EQ(at(), 1u);
-    for (int i = 1; i < 10; ++i) EXPECT_GT(list.BeginTraversal(), 0);
-    EXPECT_OUTCOMES(2, -1, nullptr, of(list.BeginTraversal()));
-    EXPECT_EQ(list.EndTraversal(position), 1);
-    EXPECT_GT(list.BeginTraversal(), 0);
-}
-
-TEST(List, RemovalMovesOnlyTheLowestSlot) {
-    List list;
-    ASSERT_EQ(list.Construct(), 1);
-    fill(&list, {1, 2, 3});
-    const long first = list.BeginTraversal(), second = list.BeginTraversal(), away = list.BeginTraversal();
-    EXPECT_EQ(list.Move(second, 1) + list.Move(first, 1), 2);
-    EXPECT_EQ(list.Remove(item(2)), 1);
-    EXPECT_EQ(list.GetData(first), item(3));
-    EXPECT_EQ(list.GetData(second), nullptr);
-    EXPECT_EQ(list.GetData(away), item(1));
-}
-
-// Each edit or walk leaves the cursor behind, before or on the element asked for next.
-TEST(List, TheCursorFollowsEditsAndWalks) {
-    const std::function<void(List*, long)> steps[] = {
-        [](List* list, long) { list->Insert(item(9), 0); },
-        [](List* list, long) { list->Insert(item(9), 3); },
-        [](List* list, long) { list->Remove(0); },
-        [](List* list, long) { list->Remove(2); },
-        [](List* list, long) { list->Remove(item(2)), list->Remove(item(6)); },
-        [](List* list, long position) { list->NextData(position); },
-        [](List* list, long position) { list->MoveLast(position), list->PrevData(position); },
-        [](List* list, long position) { list->Move(position, 4), list->PrevData(position); },
-        [](List* list, long position) { list->MoveFirst(position), list->NextData(position); },
-        [](List* list, long position) { list->EndTraversal(position); },
-        [](List* list, long) { list->RemoveAll(); },
-    };
-    for (size_t step = 0; step < std::size(steps); ++step) {
-        for (const int cursor : {0, 2, 5}) {
-            for (const int sought : {0, 1, 3, 4}) {
-                SCOPED_TRACE(testing::Message() << "step " << step << ", " << cursor << " to " << sought);
-                List list;
-                ASSERT_EQ(list.Construct(), 1);
-                fill(&list, {1, 2, 3, 4, 5, 6});
-                const long position = list.BeginTraversal();
-                EXPECT_NE(list.Get(cursor), nullptr);
-                steps[step](&list, position);
-                void* const found = list.Get(sought);
-                const Values all = contents(list);
-                const size_t index = static_cast<size_t>(sought);
-                EXPECT_EQ(found, index < all.size() ? item(all[index]) : nullptr);
-            }
-        }
-    }
 }
 
 TEST(List, CursorMarksAreTheDocumentedOnes) {
