@@ -2,6 +2,7 @@
 #ifndef ZVEX_SCENE_PICTURE_H_
 #define ZVEX_SCENE_PICTURE_H_
 
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
@@ -12,6 +13,21 @@ struct Picture {
     int width = 0, height = 0;  // pixels, at least 1
     std::vector<uint32_t> pixels;
 };
+
+// The four bytes of a pixel. Premultiplied: red, green and blue times alpha / 255, to the nearest.
+enum class PixelFormat {
+    Argb,  // a straight 0xAARRGGBB word, its bytes in the machine's order
+    ArgbPremultiplied,
+    Rgba,  // straight bytes in the order red, green, blue, alpha
+    RgbaPremultiplied,
+};
+
+// Writes `count` straight 0xAARRGGBB words as `format` to `target`, four bytes each. `target` may be `source`
+// itself; otherwise they must not overlap.
+void convertPixels(const uint32_t* source, size_t count, PixelFormat format, void* target);
+
+// All of the picture's pixels: 4 * width * height bytes.
+std::vector<uint8_t> pixelBytes(const Picture& picture, PixelFormat format = PixelFormat::Rgba);
 
 }  // namespace Zvex::scene
 

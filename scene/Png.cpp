@@ -121,12 +121,9 @@ std::string encodePng(const Picture& picture, double dpi) {
     check(spng_set_phys(png.get(), &phys));
     check(spng_encode_image(png.get(), nullptr, 0, SPNG_FMT_PNG,
                             SPNG_ENCODE_PROGRESSIVE | SPNG_ENCODE_FINALIZE));
-    static constexpr int kShifts[] = {16, 8, 0, 24};
     std::vector<uint8_t> row(header.width * size_t{4});
     for (size_t y = 0; y < header.height; ++y) {
-        const uint32_t* source = picture.pixels.data() + y * header.width;
-        for (size_t i = 0; i < row.size(); ++i)
-            row[i] = static_cast<uint8_t>(source[i / 4] >> kShifts[i % 4]);
+        convertPixels(picture.pixels.data() + y * header.width, header.width, PixelFormat::Rgba, row.data());
         const int done = spng_encode_row(png.get(), row.data(), row.size());
         if (done != SPNG_EOI) check(done);
     }

@@ -166,8 +166,14 @@ Rendering make(const Scene& scene, const Sink& sink) {
     const Margins& margins = placed.margins;
     rendering.picture.width = placed.width;
     rendering.picture.height = placed.height;
-    rendering.metrics = {placed.width, placed.height, margins, placed.lines.front().y + margins.top,
+    const ZvLineInfo& first = placed.lines.front();
+    rendering.metrics = {placed.width,
+                         placed.height,
+                         margins,
+                         first.y + margins.top,
+                         {first.x + margins.left, first.y + margins.top},
                          measureLines(placed.lines, &laidOut.glyphs[placed.first], margins, scene.text)};
+    addClusters(rendering.metrics, scene.text);
     if (!sink) return rendering;
     Picture joined;
     if (layered) joined = layered->render(placed.width, placed.height);
@@ -195,7 +201,8 @@ Rendering measure(const Scene& scene) {
     return make(scene, nullptr);
 }
 
-Rendering renderInto(const Scene& scene, uint32_t* target, int width, int height, size_t stride) {
+Rendering renderInto(const Scene& scene, uint32_t* target, int width, int height, size_t stride,
+                     PixelFormat format) {
     return make(scene, [&](const unsigned* pixels, int madeWidth, int madeHeight) {
         if (madeWidth != width || madeHeight != height || stride < static_cast<size_t>(width)) {
             throw UsageError("TEXT: the picture is " + std::to_string(madeWidth) + " x " +
@@ -203,7 +210,7 @@ Rendering renderInto(const Scene& scene, uint32_t* target, int width, int height
                              std::to_string(height));
         }
         for (int y = 0; y < height; ++y, target += stride, pixels += width)
-            std::copy_n(pixels, width, target);
+            convertPixels(pixels, static_cast<size_t>(width), format, target);
     });
 }
 

@@ -78,9 +78,10 @@ Rendering render(const Scene& scene);
 // The same without the pixels: nothing is drawn, and the scene's trim does not count.
 Rendering measure(const Scene& scene);
 
-// Renders into the caller's memory: rows of straight 0xAARRGGBB words, `stride` words from one to the next,
-// for a picture of `width` x `height`, which are what measure() said. The result has no pixels.
-Rendering renderInto(const Scene& scene, uint32_t* pixels, int width, int height, size_t stride);
+// Renders into the caller's memory: rows of four bytes a pixel, `stride` pixels from one to the next, for a
+// picture of `width` x `height`, which are what measure() said. The result has no pixels.
+Rendering renderInto(const Scene& scene, uint32_t* pixels, int width, int height, size_t stride,
+                     PixelFormat format = PixelFormat::Argb);
 
 // The layer key of the style's effects and text colour (see ZvEffect::getMapKey), two hex digits a byte; of a
 // style with layers a line for each, front to back.

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <fstream>
 #include <sstream>
 #include <thread>
@@ -58,6 +59,51 @@ TEST(Render, MeasuresAndDrawsIntoTheCallersMemory) {
         ASSERT_EQ(memory[i], x < stride - 3 ? whole.picture.pixels[y * (stride - 3) + x] : 7) << i;
     }
     EXPECT_NE(refusal([&] { renderInto(scene, memory.data(), width - 1, height, stride); }), "");
+    renderInto(scene, memory.data(), width, height, stride, PixelFormat::RgbaPremultiplied);
+    const auto* bytes = reinterpret_cast<const uint8_t*>(memory.data());
+    for (size_t i = 0; i < whole.picture.pixels.size(); ++i) {
+        const uint32_t word = whole.picture.pixels[i], alpha = word >> 24;
+        const uint8_t* pixel = bytes + 4 * (i / (stride - 3) * stride + i % (stride - 3));
+        for (int part = 0; part < 3; ++part) {
+            const double straight = word >> (16 - 8 * part) & 0xFF;
+            ASSERT_EQ(pixel[part], std::lround(straight * alpha / 255)) << i;
+        }
+        ASSERT_EQ(pixel[3], alpha) << i;
+    }
+}
+
+TEST(Render, TellsWhereTheOriginAndTheClustersAre) {
+    Scene scene = sceneOf("Ae\u0301 世א\nb");
+    scene.fallbacks = {kCjk};
+    scene.systemFallback = false;
+    const Rendering whole = render(scene);
+    std::string ranges;
+    for (const LineMetrics& line : whole.metrics.lines) {
+        for (const ClusterMetrics& c : line.clusters) {
+            for (const size_t offset : {c.start, c.end, c.startCharacter, c.endCharacter})
+                ranges += std::to_string(offset) + " ";
+            ranges += c.box.right > c.box.left ? "ink," : "blank,";
+        }
+        ranges += std::to_string(line.startCharacter) + "-" + std::to_string(line.endCharacter) + ";";
+    }
+    EXPECT_EQ(ranges,
+              "0 1 0 1 ink,1 4 1 3 ink,4 5 3 4 blank,5 8 4 5 ink,8 10 5 6 ink,0-6;11 12 7 8 ink,7-8;");
+
+    // The origin stays where the text is when the border goes.
+    scene.padding = {7, 9, 0, 0};
+    const Rendering wide = render(scene);
+    scene.trim = true;
+    const Rendering trimmed = render(scene);
+    ASSERT_LT(trimmed.picture.height, wide.picture.height);
+    const int dx = wide.metrics.origin.x - trimmed.metrics.origin.x;
+    const int dy = wide.metrics.origin.y - trimmed.metrics.origin.y;
+    EXPECT_EQ(wide.metrics.origin.y, whole.metrics.origin.y + 9);
+    EXPECT_EQ(wide.metrics.origin.x, wide.metrics.margins.left + 7);
+    for (int y = 0; y < trimmed.picture.height; ++y) {
+        const auto row = trimmed.picture.pixels.begin() + y * trimmed.picture.width;
+        const auto from = wide.picture.pixels.begin() + (y + dy) * wide.picture.width + dx;
+        ASSERT_TRUE(std::equal(row, row + trimmed.picture.width, from)) << y;
+    }
 }
 
 TEST(Render, ErrorsSayPlaceAndCauseAndWarningsComeWithThePicture) {

@@ -58,25 +58,12 @@ OutputFormat formatOf(const std::string& path, const OutputOptions& options, con
                      listed(&Format::ending) + "; --format says what to write under any name");
 }
 
-void premultiply(Picture& picture) {
-    for (uint32_t& pixel : picture.pixels) {
-        const uint32_t alpha = pixel >> 24;
-        const auto times = [&](int shift) { return ((pixel >> shift & 0xFF) * alpha + 127) / 255 << shift; };
-        pixel = alpha << 24 | times(16) | times(8) | times(0);
-    }
-}
-
-std::string rgbaBytes(const Picture& picture) {
-    std::string bytes;
-    bytes.reserve(picture.pixels.size() * 4);
-    for (const uint32_t pixel : picture.pixels) {
-        for (const int shift : {16, 8, 0, 24}) bytes.push_back(static_cast<char>(pixel >> shift & 0xFF));
-    }
-    return bytes;
-}
-
 std::string encode(const Picture& picture, OutputFormat format, double dpi, const std::string& option) {
-    if (format == OutputFormat::Rgba) return rgbaBytes(picture);
+    if (format == OutputFormat::Rgba) {
+        std::string bytes(picture.pixels.size() * 4, '\0');
+        convertPixels(picture.pixels.data(), picture.pixels.size(), PixelFormat::Rgba, &bytes[0]);
+        return bytes;
+    }
     if (format == OutputFormat::Png) return encodePng(picture, dpi);
     if (picture.width > kMaxWebpSide || picture.height > kMaxWebpSide) {
         throw UsageError(option + ": the picture is " + std::to_string(picture.width) + " x " +
@@ -111,7 +98,8 @@ void writeRendering(const Rendering& rendering, const std::string& path, const O
     std::string picture;
     if (options.premultiplied) {
         Picture copy = rendering.picture;
-        premultiply(copy);
+        uint32_t* pixels = copy.pixels.data();
+        convertPixels(pixels, copy.pixels.size(), PixelFormat::ArgbPremultiplied, pixels);
         picture = encode(copy, format, options.dpi, option);
     } else {
         picture = encode(rendering.picture, format, options.dpi, option);
