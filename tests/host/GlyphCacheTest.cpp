@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <set>
-#include <thread>
 #include <vector>
 
 #include "Fonts.h"
@@ -88,29 +87,6 @@ TEST_F(GlyphCacheTest, AFaceThatGoesTakesItsGlyphsAlong) {
     other.reset();
     EXPECT_EQ(host::glyphCacheBytes(), one);
     EXPECT_FALSE(image->coverage.empty());  // still the holder's
-}
-
-// Run under the thread sanitizer too; here it finds images that differ from those made alone.
-TEST_F(GlyphCacheTest, ThreadsShareFacesAndGlyphs) {
-    std::vector<std::vector<uint8_t>> alone;
-    for (uint32_t glyph = 36; glyph < 90; ++glyph)
-        alone.push_back(face->image(glyph, sized(25), 0)->coverage);
-    host::clearGlyphCache();
-    host::setGlyphCacheLimit(10000);
-    std::vector<int> wrong(4);
-    std::vector<std::thread> threads;
-    for (uint32_t t = 0; t < wrong.size(); ++t) {
-        threads.emplace_back([&, t] {
-            for (uint32_t i = 0; i < 540; ++i) {
-                const uint32_t at = (i * 7 + t * 13) % static_cast<uint32_t>(alone.size());
-                wrong[t] += face->image(36 + at, sized(25), 0)->coverage != alone[at];
-                face->inkBox(36 + at, sized(25.0f + static_cast<float>(t)));
-                if (t == 0 && i % 54 == 53) host::clearGlyphCache();
-            }
-        });
-    }
-    for (std::thread& thread : threads) thread.join();
-    EXPECT_EQ(wrong, std::vector<int>(4, 0));
 }
 
 }  // namespace

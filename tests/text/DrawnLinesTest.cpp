@@ -30,11 +30,7 @@ struct Change {
 };
 
 Change onPaint(const char* name, const std::function<void(android::Paint&)>& set) {
-    return {name, [set](TextScene& scene) {
-                android::Paint paint = scene.object.GetPaint();
-                set(paint);
-                scene.object.SetPaint(paint);
-            }};
+    return {name, [set](TextScene& scene) { scene.changePaint(set); }};
 }
 
 Change onLine(const char* name, const ZvLineInfo& first) {
@@ -174,7 +170,7 @@ TEST_F(KeptLines, ImagesBeyondTheSizeOfThePictureAreNotKept) {
     EXPECT_FALSE(drawsFromNothing(*scene));
     EXPECT_TRUE(larger == makeScene()->render());
     for (float size = 20; size < 40; ++size) {  // nor do they count for ever
-        onPaint("", [size](android::Paint& p) { p.setTextSize(size); }).apply(*scene);
+        scene->changePaint([size](android::Paint& p) { p.setTextSize(size); });
         scene->render();
     }
     EXPECT_FALSE(drawsFromNothing(*scene));

@@ -30,7 +30,6 @@ std::vector<Look> looks() {
     static ZvGradient stops[] = {{0xFFFF0000, 1.0f, 0.0f}, {0x400000FF, 1.0f, 1.0f}};
     return {
         {"plain", [](TextScene&) {}},
-        {"faint colour", [](TextScene& s) { s.object.SetTextColor(0x60FF8040); }},
         {"opacity", [](TextScene& s) { s.effect().setTextOpacity(0.4f); }},
         {"gradient", [](TextScene& s) { s.effect().addLinearGradientText(30, 1, 0.7f, 2, stops); }},
         {"pattern",
@@ -40,7 +39,6 @@ std::vector<Look> looks() {
              s.effect().addRadialGradientText(0.5f, 0.3f, 2, stops);
              s.effect().addPatternText(&tile, 2.0f, 0.5f);
          }},
-        {"stroke", [](TextScene& s) { s.effect().addStrokeText(3, 0xFF0000FF, 0.8f, 0, 1); }},
         {"inside stroke", [](TextScene& s) { s.effect().addStrokeText(3, 0xFF0000FF, 0.8f, 0, 2); }},
         {"shadow and centred stroke",
          [](TextScene& s) {
@@ -57,10 +55,7 @@ void setUp(TextScene& scene, int width, int height, int gravity, const Look& loo
     scene.object.SetTextColor(0xFFFF8040);
     scene.view().SetSize(width, height);
     scene.view().gravity = gravity;
-    scene.view().paddingLeft = 9;
-    scene.view().paddingTop = 11;
-    scene.view().paddingRight = 13;
-    scene.view().paddingBottom = 6;
+    scene.view().SetPadding(9, 11, 13, 6);
     scene.setLines({TextScene::makeLine(-3, 30, 0, 5), TextScene::makeLine(width - 35, height - 4, 5, 8)});
     look.apply(scene);
 }

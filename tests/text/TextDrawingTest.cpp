@@ -6,7 +6,6 @@
 #include <array>
 #include <cmath>
 #include <cstring>
-#include <cwchar>
 #include <functional>
 #include <limits>
 #include <string>
@@ -52,14 +51,6 @@ private:
     std::vector<Handed>* mHanded;
 };
 
-// A scene with one line of all of the text.
-struct OneLine : TextScene {
-    OneLine(const wchar_t* text, float size, int width, int height, int x, int y)
-        : TextScene(kSans, text, size, width, height) {
-        setLines({makeLine(x, y, 0, static_cast<int>(std::wcslen(text)))});
-    }
-};
-
 using Edges = std::array<int, 4>;
 
 Edges edgesOf(const ZvRect& rect) {
@@ -80,52 +71,34 @@ ZvRect inkOf(const Picture& picture) {
 }
 
 TEST(TextDrawing, FailuresSayWhatIsMissing) {
-    const struct {
-        std::string line;  // after the drawer's address
-        bool reportsEight;
-        std::function<void(TextScene&)> spoil;
-    } cases[] = {
-        {"text is NULL", false, [](auto& s) { s.object.SetText(static_cast<const wchar_t*>(nullptr)); }},
-        {"textLength is 0", false, [](auto& s) { s.object.SetText(L""); }},
-        {"Effect is NULL", false, [](auto& s) { delete std::exchange(s.object.mImpl->effect, nullptr); }},
-        {"lineInfoList is NULL", true,
+    const std::pair<const char*, std::function<void(TextScene&)>> cases[] = {
+        {"text is NULL", [](auto& s) { s.object.SetText(static_cast<const wchar_t*>(nullptr)); }},
+        {"textLength is 0", [](auto& s) { s.object.SetText(L""); }},
+        {"Effect is NULL", [](auto& s) { delete std::exchange(s.object.mImpl->effect, nullptr); }},
+        {"lineInfoList is NULL",
          [](auto& s) {
              s.object.mImpl->clearLineInfo();
              delete std::exchange(s.object.mImpl->lineInfo, nullptr);
          }},
-        {"GetMinikinFontFamilies failed", false,
+        {"GetMinikinFontFamilies failed",
          [](auto& s) { s.object.GetFont()->SetFontPath("TextDrawing.unknown"); }},
     };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.line);
+    for (const auto& [line, spoil] : cases) {
+        SCOPED_TRACE(line);
         OneLine scene(L"ab", 20, 60, 30, 0, 20);
-        c.spoil(scene);
+        spoil(scene);
         ZvBitmap out(60, 30, 4);
         Error::SetError(0);
         host::LogCapture log;
         EXPECT_EQ(scene.object.GetFont()->DrawTextEffect(&scene.object, &out), 0);
         const std::vector<std::string> lines = errorLines(log);
-        ASSERT_EQ(lines.size(), c.reportsEight ? 2u : 1u);
+        const unsigned error = std::string(line) == "lineInfoList is NULL" ? 8 : 0;
+        ASSERT_EQ(lines.size(), error != 0 ? 2u : 1u);
         EXPECT_EQ(lines[0],
-                  "ZvFontDrawing: DrawTextEffect(" + addressOf(scene.object.GetFont()) + ") - " + c.line);
-        EXPECT_EQ(lines.back().rfind("ZvFontDrawing: @ Native Error 8 : ", 0) == 0, c.reportsEight);
-        EXPECT_EQ(Error::GetError(), c.reportsEight ? 8u : 0u);
+                  "ZvFontDrawing: DrawTextEffect(" + addressOf(scene.object.GetFont()) + ") - " + line);
+        EXPECT_EQ(Error::GetError(), error);
         EXPECT_EQ(std::count(out.pixels, out.pixels + out.byteCount(), 0), 60 * 30 * 4);
     }
-    TextScene withoutLines(kSans, L"ab", 20, 60, 30);  // no failure
-    host::LogCapture log;
-    EXPECT_EQ(withoutLines.render().countVisible(), 0);
-    EXPECT_TRUE(errorLines(log).empty());
-}
-
-// The stack is left with a mask of zeros and without the picture.
-TEST(TextDrawing, AFailedRenderingLeavesNothingToDraw) {
-    OneLine scene(L"ab", 20, 60, 30, 0, 20);
-    scene.object.GetFont()->SetFontPath("TextDrawing.unknown");
-    EXPECT_EQ(scene.render().countVisible(), 0);
-    EXPECT_EQ(scene.effect().getDstBitmap(), nullptr);
-    const ZvBitmap& mask = *scene.effect().getSrcBitmap();
-    EXPECT_EQ(std::count(mask.pixels, mask.pixels + mask.byteCount(), 0), 60 * 30);
 }
 
 // The steps by hand give the bytes of a picture, but for the order of red and blue.
@@ -145,7 +118,6 @@ TEST(TextDrawing, DrawTextEffectDrawsThePicture) {
     }
 }
 
-// A layer of a class that the stack does not know draws on the picture itself.
 TEST(TextDrawing, LayersOfOtherClassesAreSeen) {
     class Marker : public ZvECoreBase {
         int render(ParamRender* p) override { return std::memset(p->target->pixels, 255, 8), 1; }
@@ -156,21 +128,16 @@ TEST(TextDrawing, LayersOfOtherClassesAreSeen) {
     scene.object.SetTextColor(0xFF0000FF);
     scene.effect().setTextOpacity(0.5f);  // two pictures: the text cuts nothing off
     const int text = scene.render().count(0xFF0000FF);
-    for (const bool background : {false, true}) {
-        scene.effect().cleanAllEffect();
-        scene.effect().effects.push_back(new Marker);
-        scene.object.SetBackgroundColor(0x01000000, background);
-        std::vector<uint8_t> dirty(60 * 30 * 4, 0x77);
-        EXPECT_EQ(scene.render().count(0xFF0000FF), text) << background;
-    }
+    scene.effect().effects.push_back(new Marker);
+    EXPECT_EQ(scene.render().count(0xFF0000FF), text);
 }
 
 TEST(TextDrawing, AnImageBeyondTwoGigabytesIsLeftOutWithALine) {
     OneLine scene(L"MMMMMMMM", 20, 60, 30, 0, 25);
-    android::Paint paint = scene.object.GetPaint();
-    paint.setTextSize(60000);
-    paint.setTextScaleX(0.14f);
-    scene.object.SetPaint(paint);
+    scene.changePaint([](android::Paint& paint) {
+        paint.setTextSize(60000);
+        paint.setTextScaleX(0.14f);
+    });
     host::LogCapture log;
     EXPECT_EQ(scene.render().countVisible(), 0);
     const std::vector<std::string> lines = errorLines(log);
@@ -202,28 +169,16 @@ TEST(TextDrawing, LineImagesAreAsWideAsTheAdvanceAndAsHighAsTheInk) {
     EXPECT_GT(handed[3].width, 0);
     EXPECT_EQ(handed[4].x, -3);
     EXPECT_GT(picture.countVisible(), 0);
-}
 
-// With linear metrics advances have fractions: the image's width and the line's right edge lose them.
-TEST(TextDrawing, FractionsOfAnAdvanceAreCutOff) {
-    std::vector<Handed> handed;
-    TextScene scene(kSans, L"H", 20, 400, 60);
-    scene.effect().effects.push_back(new Recorder(&handed));
-    int cut = 0;
-    for (int tenths = 300; tenths < 330; ++tenths) {
-        android::Paint paint = scene.object.GetPaint();
+    // With linear metrics advances have fractions, which are cut off.
+    scene.changePaint([](android::Paint& paint) {
         paint.setFlags(paint.getFlags() | 0x40);
-        paint.setTextSize(static_cast<float>(tenths) / 10.0f);
-        scene.object.SetPaint(paint);
-        const double advance = tenths / 10.0 * 1540 / 2048;  // the design's units
-        scene.setLines({TextScene::makeLine(7, 40, 0, 1)});
-        scene.render();
-        const int whole = static_cast<int>(advance);
-        EXPECT_EQ(handed.back().width, whole) << tenths;
-        EXPECT_EQ(scene.line(0).rect.right, 7 + whole) << tenths;
-        cut += advance - whole > 0.5;
-    }
-    EXPECT_GT(cut, 5);
+        paint.setTextSize(31.9f);  // the letter is 1540 of the design's 2048 units wide: 23.99 pixels
+    });
+    scene.setLines({TextScene::makeLine(7, 30, 0, 1)});
+    scene.render();
+    EXPECT_EQ(handed.back().width, 23);
+    EXPECT_EQ(scene.line(0).rect.right, 7 + 23);
 }
 
 // The letters beside a line join its own although they are not drawn with it.
@@ -246,10 +201,10 @@ TEST(TextDrawing, PensRunAlongTheListAndBackwardsForRightToLeft) {
     ZvEffect effect;
     effect.layers.push_back(&recorder);
     uint8_t pixel = 0;
-    ZvGlyph glyphs[3];
+    ZvGlyph glyphs[2];
     List list;
     list.Construct();
-    for (int i = 0; i < 3; ++i) {
+    for (int i = 0; i < 2; ++i) {
         glyphs[i].pixels = &pixel;
         glyphs[i].width = static_cast<uint16_t>(10 + i);
         glyphs[i].baseline = i;
@@ -262,41 +217,23 @@ TEST(TextDrawing, PensRunAlongTheListAndBackwardsForRightToLeft) {
     drawing._DoRender(0, 0, nullptr, &effect, 0);
     std::vector<std::array<int, 3>> places;
     for (const Handed& line : handed) places.push_back({line.x, line.y, line.width});
-    EXPECT_EQ(places, (std::vector<std::array<int, 3>>{{5, -3, 10},
-                                                       {115, -4, 11},
-                                                       {5 + 21 + 200, -5, 12},
-                                                       {205, 18, 12},
-                                                       {117, 19, 11},
-                                                       {5 + 23, 20, 10}}));
+    EXPECT_EQ(places, (std::vector<std::array<int, 3>>{
+                          {5, -3, 10}, {5 + 10 + 100, -4, 11}, {5 + 100, 19, 11}, {5 + 11, 20, 10}}));
 }
 
-TEST(TextDrawing, TwoRenderingsGiveTheSameBytesAndMarginsMoveTheText) {
+TEST(TextDrawing, MarginsMoveTheText) {
     OneLine scene(L"Twice", 24, 120, 40, 10, 28);
-    scene.object.SetTextColor(0xFF2040C0);
+    scene.object.SetTextColor(0x802040C0);
     const Picture plain = scene.render();
-    EXPECT_GT(plain.count(0xFF2040C0), 50);
-    EXPECT_TRUE(plain == scene.render());
-
+    EXPECT_GT(plain.count(0x802040C0), 50);  // the alpha is the whole picture's
     scene.effect().addStrokeText(4, 0xFFFFFFFF, 1.0f, 0, 1);
     const int left = scene.effect().getLeftOffset(), top = scene.effect().getTopOffset();
     ASSERT_GE(left, 4);
     const Picture stroked = scene.render();
     EXPECT_EQ(stroked.width, 120 + left + scene.effect().getRightOffset());
-    EXPECT_GT(stroked.count(0xFFFFFFFF), 50);
-    EXPECT_TRUE(stroked == scene.render());
     const ZvRect before = inkOf(plain), after = inkOf(stroked);
-    EXPECT_LE(after.left, before.left + left - 3);
-    EXPECT_GE(after.left, before.left + left - 6);
-    EXPECT_LE(after.bottom, before.bottom + top + 6);
-    EXPECT_GE(after.bottom, before.bottom + top + 3);
-    scene.effect().cleanAllEffect();
-    EXPECT_TRUE(plain == scene.render());
-}
-
-TEST(TextDrawing, TextAlphaAppliesToTheWholePicture) {
-    OneLine scene(L"\u2588", 30, 60, 40, 5, 30);
-    scene.object.SetTextColor(0x80FF8000);
-    EXPECT_GT(scene.render().count(0x80FF8000), 100);
+    EXPECT_NEAR(after.left, before.left + left - 4.5, 1.5);  // a stroke of 4 and its blurred edge
+    EXPECT_NEAR(after.bottom, before.bottom + top + 4.5, 1.5);
 }
 
 TEST(TextDrawing, BackgroundFillsTheLineRectangles) {
@@ -321,7 +258,6 @@ TEST(TextDrawing, EveryRenderingMovesTheLineRectanglesDown) {
     const ZvRect before = scene.line(0).rect;
     scene.render();
     const int right = scene.line(0).rect.right;
-    EXPECT_EQ(edgesOf(scene.line(0).rect), (Edges{left, before.top + top, right, before.bottom + top}));
     scene.render();
     EXPECT_EQ(edgesOf(scene.line(0).rect),
               (Edges{left, before.top + 2 * top, right, before.bottom + 2 * top}));
@@ -336,9 +272,8 @@ TEST(TextDrawing, ClipKeepsThePaddingOnlyAwayFromTheGravity) {
     };
     OneLine scene(L"a", 10, 100, 60, 0, 30);
     scene.view().SetPadding(5, 6, 7, 9);
-    android::Paint paint = scene.object.GetPaint();
-    paint.setTextScaleX(30);  // an advance wider than the view, so that the background covers it all
-    scene.object.SetPaint(paint);
+    // An advance wider than the view, so that the background covers it all.
+    scene.changePaint([](android::Paint& paint) { paint.setTextScaleX(30); });
     scene.line(0).rect = ZvRect(0, -100, 0, 200);
     scene.object.SetBackgroundColor(0xFFFF0000, true);
     for (const auto& [gravity, visible] : cases) {
@@ -403,14 +338,10 @@ TEST(TextDrawing, ItalicStyleSlantsAFontThatIsNotItalicAndBoldChangesNothing) {
 
 TEST(SafeConvert, CutsOffFractionsAndSaturates) {
     const float kInfinity = std::numeric_limits<float>::infinity();
-    const std::pair<float, unsigned> unsignedCases[] = {{3.99f, 3},
-                                                        {-0.5f, 0},
-                                                        {-1e20f, 0},
-                                                        {std::nanf(""), 0},
-                                                        {70000.5f, 70000},
-                                                        {4294967296.0f, 4294967295},
-                                                        {kInfinity, 4294967295}};
-    for (const auto& [from, to] : unsignedCases) EXPECT_EQ(truncateToUnsigned(from), to) << from;
+    EXPECT_EQ(truncateToUnsigned(3.99f), 3u);
+    EXPECT_EQ(truncateToUnsigned(-1e20f), 0u);
+    EXPECT_EQ(truncateToUnsigned(std::nanf("")), 0u);
+    EXPECT_EQ(truncateToUnsigned(4294967296.0f), 4294967295u);
     EXPECT_EQ(truncateToInt(-3.99f), -3);
     EXPECT_EQ(truncateToInt(std::nanf("")), 0);
     EXPECT_EQ(truncateToInt(2147483648.0f), 2147483647);

@@ -7,8 +7,9 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>
-#include <cstring>
+#include <cwchar>
 #include <fstream>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -112,6 +113,12 @@ struct TextScene {
         return *static_cast<Zvex::ZvLineInfo*>(object.GetLineInfo()->Get(index));
     }
 
+    void changePaint(const std::function<void(android::Paint&)>& change) {
+        android::Paint paint = object.GetPaint();
+        change(paint);
+        object.SetPaint(paint);
+    }
+
     // Replaces the lines.
     void setLines(const std::vector<Zvex::ZvLineInfo>& lines) {
         Zvex::List list;
@@ -142,6 +149,14 @@ struct TextScene {
             picture.pixels.assign(pixels, pixels + static_cast<size_t>(picture.width) * picture.height);
         }
         return picture;
+    }
+};
+
+// A scene with one line of all of the text.
+struct OneLine : TextScene {
+    OneLine(const wchar_t* text, float size, int width, int height, int x, int y)
+        : TextScene(kSans, text, size, width, height) {
+        setLines({makeLine(x, y, 0, static_cast<int>(std::wcslen(text)))});
     }
 };
 

@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "TextScene.h"
+#include "platform/host/GlyphCache.h"
 #include "tests/effect/RandomLayer.h"
 #include "text/ZvTextInstanceManager.h"
 
@@ -81,6 +82,7 @@ TEST(TextThreads, MixedEffectsGiveThePicturesOfOneThread) {
     std::vector<Job> jobs;
     for (unsigned number = 0; number < kThreads; ++number) jobs.emplace_back(number);
     std::atomic<int> renders{0};
+    host::setGlyphCacheLimit(10000);
     const Duration duration;
     std::vector<std::thread> threads;
     for (Job& job : jobs) {
@@ -88,13 +90,14 @@ TEST(TextThreads, MixedEffectsGiveThePicturesOfOneThread) {
             for (int style = 0; duration.passes() && !testing::Test::HasFailure();
                  style = (style + 1) % kLayerKinds) {
                 EXPECT_TRUE(job.render(style) == job.expected[static_cast<size_t>(style)]) << style;
-                ++renders;
+                if (++renders % 20 == 0) host::clearGlyphCache();
             }
         });
     }
     for (std::thread& thread : threads) thread.join();
     EXPECT_GE(renders, kThreads);
     std::printf("%d renders\n", renders.load());
+    host::setGlyphCacheLimit(host::kDefaultGlyphCacheLimit);
 }
 
 // Exit handlers run while other threads go on making texts and rendering. In a process of its own.
@@ -110,8 +113,7 @@ TEST(TextThreadsDeathTest, TheProcessMayEndMeanwhile) {
         for (int i = 0; i < 4; ++i) {
             std::thread([&rendered] {
                 for (;;) {
-                    TextScene scene(kSans, L"End", 20, 80, 30);
-                    scene.setLines({TextScene::makeLine(5, 25, 0, 3)});
+                    OneLine scene(L"End", 20, 80, 30, 5, 25);
                     rendered += scene.render().countVisible() > 0;
                 }
             }).detach();
@@ -126,9 +128,8 @@ TEST(TextThreadsDeathTest, TheProcessMayEndMeanwhile) {
 // and fonts are the child's own.
 TEST(TextThreads, AForkedChildRendersOn) {
     const auto render = [] {
-        TextScene scene(kSans, L"Fork \u0416", 28, 180, 50);
+        OneLine scene(L"Fork \u0416", 28, 180, 50, 5, 36);
         scene.effect().addStrokeText(3, 0xFFFFFFFF, 0.9f, 0, 1);
-        scene.setLines({TextScene::makeLine(5, 36, 0, 6)});
         return scene.render();
     };
     const Picture expected = render();
