@@ -68,30 +68,6 @@ final class StaticLayoutTest {
     }
 
     @Test
-    void linesAreAsFullAsTheWidthAllows() {
-        String text = "The quick brown fox jumps over the lazy dog, twice or\nthree times a day  and never   rests.";
-        TextPaint paint = paint(20);
-        for (int width : new int[] {130, 200, 333}) {
-            Layout layout = builder(text, width).build();
-            assertTrue(lines(layout).size() > 2);
-            for (int i = 0; i < layout.getLineCount(); i++) {
-                int start = layout.getLineStart(i);
-                int end = layout.getLineEnd(i);
-                assertEquals(paint.measureText(text, start, layout.getLineVisibleEnd(i)), layout.getLineMax(i));
-                assertTrue(layout.getLineMax(i) <= width);
-                assertTrue(layout.getLineWidth(i) >= layout.getLineMax(i));
-                if (end < text.length() && text.charAt(end - 1) != '\n') {
-                    int word = end;
-                    while (word < text.length() && !Character.isWhitespace(text.charAt(word))) {
-                        word++;
-                    }
-                    assertTrue(paint.measureText(text, start, word) > width, "line " + i + " has room for a word more");
-                }
-            }
-        }
-    }
-
-    @Test
     void linesEndWhereTheTextSaysSo() {
         assertEquals(List.of(""), lines(builder("", 100).build()));
         assertEquals(List.of("a", "", "b", ""), lines(builder("a\n\nb\n", 100).build()));
@@ -169,41 +145,6 @@ final class StaticLayoutTest {
         Layout cut = builder("a\nb\nc", 100).setMaxLines(2).build();
         assertEquals(List.of("a", "b"), lines(cut));
         assertEquals(4, cut.getLineStart(2));
-    }
-
-    // Lines set far apart: whatever is drawn lies in the box that the layout measured for its line, and touches it.
-    @Test
-    void inkLiesInTheBoxesOfItsLines() {
-        String text = "Ågj, plain;\n日本語 and\n\u1EBE \u0301marks \u06B8\nאבג right";
-        int gap = 60;
-        Layout layout = builder(text, 300).setLineSpacing(gap, 1).setAlignment(Alignment.ALIGN_RIGHT).build();
-        TextView view = new TextView();
-        view.setWidth(600);
-        view.setHeight(layout.getHeight() + 300);
-        view.setPadding(100, 100, 0, 0);
-        try (ZvText drawn = new ZvText().font(FONT).paint(layout.getPaint()).view(view).layout(layout)) {
-            int[] argb = drawn.render();
-            boolean[] touched = new boolean[layout.getLineCount()];
-            for (int i = 0; i < argb.length; i++) {
-                if (argb[i] >>> 24 == 0) {
-                    continue;
-                }
-                int x = i % 600 - 100;
-                int y = i / 600 - 100;
-                int line = 0;
-                while (line + 1 < layout.getLineCount() && y >= layout.getLineTop(line + 1)) {
-                    line++;
-                }
-                int bottom = layout.getLineBottom(line) - (line + 1 < layout.getLineCount() ? gap : 0);
-                boolean inside = y >= layout.getLineTop(line) && y < bottom && x >= layout.getLineLeft(line)
-                        && x < layout.getLineRight(line);
-                assertTrue(inside, "ink of line " + line + " at " + x + ", " + y);
-                touched[line] = true;
-            }
-            for (int line = 0; line < touched.length; line++) {
-                assertTrue(touched[line], "line " + line + " is drawn");
-            }
-        }
     }
 
     // The command-line renderer breaks, measures and places lines by itself; the pictures are the same bytes.

@@ -60,19 +60,6 @@ final class FontsTest {
     }
 
     @Test
-    void aFontThatCannotBeHadLeavesTheOldOne() throws IOException {
-        Natives text = Natives.line("Glyphs", Natives.SANS);
-        int[] expected = text.render();
-        assertEquals(false, text.call("SetFont", "/nowhere.ttf"));
-        assertEquals(false, text.call("SetFont", ""));
-        assertEquals(false, text.call("SetFont", folder.toString()));
-        assertEquals(false, text.call("SetFont2", "broken", new byte[1000]));
-        assertEquals(false, text.call("SetFont2", "cut off", Arrays.copyOf(Files.readAllBytes(Path.of(Natives.SANS)), 200)));
-        assertEquals(false, text.call("SetFont3", new AssetManager(folder), "DejaVuSans-Bold.ttf"));
-        assertArrayEquals(expected, text.render());
-    }
-
-    @Test
     void assetsStayWithinTheirFolder() throws IOException {
         Path assets = Files.createDirectories(folder.resolve("assets/fonts"));
         Path root = assets.getParent();

@@ -1,5 +1,4 @@
 // SPDX-License-Identifier: Apache-2.0
-import static org.junit.jupiter.api.Assertions.assertArrayEquals;
 import static org.junit.jupiter.api.Assertions.assertEquals;
 
 import android.widget.TextView;
@@ -7,7 +6,6 @@ import java.util.ArrayList;
 import java.util.List;
 import java.util.stream.IntStream;
 import org.junit.jupiter.api.Test;
-import org.junit.jupiter.api.Timeout;
 
 /** Which lines SetLayout makes of a layout, and where: seen by the background, which fills each line's rectangle. */
 final class LineRecordsTest {
@@ -83,50 +81,6 @@ final class LineRecordsTest {
         assertEquals(List.of(7, 8), last.asked.stream().distinct().toList());
         text.<Boolean>call("SetLayout", layout(null, 0));
         assertEquals(List.of(), rectangles(text.render(), 100), "those held are cleared");
+    
     }
-
-    private static final int MIN = Integer.MIN_VALUE, MAX = Integer.MAX_VALUE;
-
-    /** A line at the top of the view, of "Text" drawn with a stroke; then the other one. */
-    private static int[] drawn(int gravity, boolean background, Lines.Line other) {
-        Lines.Line good = new Lines.Line(40, 50, -40, 10, 0, 100, 0, 4);
-        Natives text = Natives.line("Text", Natives.SANS);
-        text.<Integer>call("AddStrokeTextEffect", 3f, 0xFF0000FF, 1f, 0, 1);
-        text.<Boolean>call("SetBackgroundColor", BACKGROUND, background);
-        text.<Boolean>call("SetView", Natives.view(200, 60, gravity));
-        assertEquals(true, text.call("SetLayout",
-                new Lines("Text", other == null ? List.of(good) : List.of(good, other))));
-        return text.render();
-    }
-
-    /** What lies beyond the text is cut off, what lies beyond the picture draws nothing, and the other lines stay as they are. */
-    @Test
-    @Timeout(20)
-    void absurdRecordsDrawNothing() {
-        List<Lines.Line> absurd = new ArrayList<>();
-        int[][] ranges = {{-9, -2}, {3, 1}, {MAX, MIN}, {4, 4}, {4, MAX}, {MIN, 0}, {MIN, MIN}, {MAX, MAX}, {5, 2}};
-        for (int[] range : ranges) {
-            absurd.add(new Lines.Line(40, 50, -40, 10, 90, 100, range[0], range[1]));
-        }
-        for (float end : new float[] {-1e30f, 1e30f, Float.NEGATIVE_INFINITY, Float.POSITIVE_INFINITY, -Float.MAX_VALUE}) {
-            absurd.add(new Lines.Line(300, 310, -40, 10, end, end, 0, 4));
-        }
-        absurd.add(new Lines.Line(300, 310, -40, 10, Float.NaN, Float.NaN, 0, 4));
-        for (Lines.Line line : absurd) {
-            assertSame(null, line);
-        }
-        assertSame(new Lines.Line(40, 50, -40, 10, 90, 100, 2, 4), new Lines.Line(40, MAX, MAX, MIN, 90, Float.NaN, 2, MAX));
-        assertSame(new Lines.Line(40, 50, -40, 10, 0, 100, 0, 2), new Lines.Line(40, MIN, MIN, MAX, Float.NaN, 1e30f, -7, 2));
-        // A pen's place has 26 bits of whole pixels: the least int stands for 0.
-        assertSame(new Lines.Line(30, 50, -40, 10, 90, 100, 0, 4), new Lines.Line(MIN + 30, 50, -40, 10, 90, 100, 0, 4));
-        assertSame(new Lines.Line(-1, 50, -40, 10, 0, 100, 0, 4), new Lines.Line(MAX, MIN, MAX, MIN, -1e30f, 100, MIN, MAX));
-    }
-
-    private static void assertSame(Lines.Line line, Lines.Line absurd) {
-        assertArrayEquals(drawn(0x33, false, line), drawn(0x33, false, absurd), absurd::toString);
-        for (int gravity : new int[] {0x13, 0x33, 0x53}) {
-            drawn(gravity, true, absurd);
-        }
-    }
-
 }

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
+import static org.junit.jupiter.api.Assertions.assertNull;
 import static org.junit.jupiter.api.Assertions.assertThrows;
 import static org.junit.jupiter.api.Assertions.assertTrue;
 
 import java.io.IOException;
+import java.lang.ref.WeakReference;
 import java.nio.file.Files;
 import java.nio.file.Path;
 import java.util.List;
@@ -17,6 +19,29 @@ final class MemoryTest {
                 "-XX:+UseSerialGC", "-Dzvex.cycles=" + cycles);
         int grown = Integer.parseInt(result.get(result.size() - 1));
         assertTrue(grown < 4000, "grown by " + grown + " kB in " + cycles + " cycles");
+    }
+
+    /** Nothing in the kit or the library holds on to the loader: not the natives, not the cleaner's thread. */
+    @Test
+    void aWorldIsFreed() throws InterruptedException {
+        WeakReference<World> world = used(new World());
+        for (int i = 0; i < 1000 && world.get() != null; i++) {
+            System.gc();
+            Thread.sleep(20);
+        }
+        assertNull(world.get());
+    }
+
+    private static WeakReference<World> used(World world) {
+        world.run(Use.class);
+        return new WeakReference<>(world);
+    }
+
+    static final class Use {
+        static void run() {
+            Natives.line("Text", Natives.SANS).text.close();
+            assertTrue(Natives.line("Text", Natives.SANS).render().length > 0);
+        }
     }
 
     /** The child's part: writes by how many kilobytes the process grew, once it had all it needs. */
