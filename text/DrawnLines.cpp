@@ -55,10 +55,14 @@ const android::Typeface* DrawnLines::findTypeface(const TypefaceSource& source) 
         sameString(mFontPath.get(), source.fontPath)) {
         return mTypeface.get();
     }
+    forgetTypeface();
+    return nullptr;
+}
+
+void DrawnLines::forgetTypeface() {
     mTypeface.reset();
     mFamilies.clear();
     mLinesFromTypeface = false;
-    return nullptr;
 }
 
 void DrawnLines::keepTypeface(const TypefaceSource& source,

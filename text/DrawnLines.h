@@ -51,6 +51,8 @@ public:
     // The typeface, if it was made from `source`. Null: the caller makes it and calls keepTypeface; all lines
     // are forgotten.
     const android::Typeface* findTypeface(const TypefaceSource& source);
+    // The lines drawn so far are of another typeface than the next.
+    void forgetTypeface();
     // `families` are those that the typeface points into.
     void keepTypeface(const TypefaceSource& source,
                       std::vector<std::shared_ptr<minikin::FontFamily>> families,

@@ -251,7 +251,14 @@ bool ZvFontDrawing::drawLines(ZvTextObject* text, ZvBitmap* out, Drawing drawing
     return true;
 }
 
+void ZvFontDrawing::SetTypeface(std::shared_ptr<const android::Typeface> typeface) {
+    if (typeface == mOwnTypeface) return;
+    mDrawn.forgetTypeface();
+    mOwnTypeface = std::move(typeface);
+}
+
 const android::Typeface* ZvFontDrawing::typefaceOf(const ZvTextObject& text) {
+    if (mOwnTypeface != nullptr) return mOwnTypeface.get();
     FontManager& manager = *FontManager::GetInstance();
     const DrawnLines::TypefaceSource source = {fontPath, text.isItalicTextStyle(), manager.GetGeneration()};
     if (const android::Typeface* kept = mDrawn.findTypeface(source)) return kept;

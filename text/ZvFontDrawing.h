@@ -2,6 +2,10 @@
 #ifndef ZVEX_TEXT_ZVFONTDRAWING_H_
 #define ZVEX_TEXT_ZVFONTDRAWING_H_
 
+#include <hwui/Typeface.h>
+
+#include <memory>
+
 #include "raster/ZvRect.h"
 #include "text/DrawnLines.h"
 
@@ -29,6 +33,11 @@ public:
     // unchanged, where memory is short.
     bool SetFontPath(const char* path);
     ZvString* GetFontPath() { return fontPath; }
+
+    // Draws with that typeface from then on, whatever the path, and without the font manager. Null: as
+    // before.
+    void SetTypeface(std::shared_ptr<const android::Typeface> typeface);
+    bool HasTypeface() const { return mOwnTypeface != nullptr; }
 
     // Empties glyphList and frees what belongs to it.
     void ClearGlyphList();
@@ -69,6 +78,7 @@ private:
                              size_t keptBytes, float* advance);
 
     DrawnLines mDrawn;
+    std::shared_ptr<const android::Typeface> mOwnTypeface;  // null: from the font manager
 };
 
 }  // namespace Zvex

@@ -243,6 +243,7 @@ void ZvTextObject::SetTextLocaleListId() {
 
 // False where memory is short.
 bool ZvTextObject::loadFamiliesOfText() {
+    if (mImpl->fontDrawing != nullptr && mImpl->fontDrawing->HasTypeface()) return true;
     return unlessOutOfMemory(false, [this] { return tryLoadFamiliesOfText(); });
 }
 
@@ -304,6 +305,12 @@ bool ZvTextObject::addFont(const char* path, char* buffer, unsigned int size) {
     buffer = handedOver.release();
     if (!FontManager::GetInstance()->AddMinikinFont(path, buffer, size, 0, true)) return false;
     return mImpl->fontDrawing != nullptr && mImpl->fontDrawing->SetFontPath(path);
+}
+
+bool ZvTextObject::SetTypeface(std::shared_ptr<const android::Typeface> typeface) {
+    ZVEX_RETURN_UNLESS_CONSTRUCTED(false);
+    if (mImpl->fontDrawing != nullptr) mImpl->fontDrawing->SetTypeface(std::move(typeface));
+    return mImpl->fontDrawing != nullptr;
 }
 
 ZvFontDrawing* ZvTextObject::GetFont() {

@@ -3,8 +3,10 @@
 #define ZVEX_TEXT_ZVTEXTOBJECT_H_
 
 #include <hwui/Paint.h>
+#include <hwui/Typeface.h>
 
 #include <cstdint>
+#include <memory>
 
 // Types that a text object returns, so that callers need only this header.
 #include "effect/ZvEffect.h"
@@ -29,7 +31,7 @@ class ZvTextObjectImpl;
 //
 // Used by one thread at a time; different text objects may render on different threads. SetText and SetFont
 // change the process's font manager, and RenderTextEffect reads it: callers must not run these in parallel
-// (FontManager.h).
+// (FontManager.h), unless their objects have a typeface of their own (SetTypeface).
 class ZvTextObject {
 public:
     // The first text object of the process sets the registry's callback, which deletes objects.
@@ -58,6 +60,9 @@ public:
     // takes ownership whatever the result.
     bool SetFont(const char* path, char* buffer, unsigned int size);
     ZvFontDrawing* GetFont();
+    // The same with a typeface that is made already, which wins over the fonts above. Neither SetText nor
+    // RenderTextEffect touches the font manager then. Null: the fonts above again.
+    bool SetTypeface(std::shared_ptr<const android::Typeface> typeface);
 
     // Replaces the lines by those of `list` (of ZvLineInfo* made with new) and takes ownership of them; the
     // caller keeps the list itself, and empties it without freeing them. Null: error 7.

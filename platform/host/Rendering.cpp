@@ -7,6 +7,7 @@ namespace host {
 namespace {
 
 std::atomic<Rendering> theRendering{Rendering::Phone};
+thread_local const Rendering* ofThread = nullptr;
 
 }  // namespace
 
@@ -14,7 +15,14 @@ void setRendering(Rendering rendering) {
     theRendering.store(rendering, std::memory_order_relaxed);
 }
 Rendering rendering() {
-    return theRendering.load(std::memory_order_relaxed);
+    return ofThread != nullptr ? *ofThread : theRendering.load(std::memory_order_relaxed);
+}
+
+RenderingOfThread::RenderingOfThread(Rendering rendering) : mRendering(rendering), mBefore(ofThread) {
+    ofThread = &mRendering;
+}
+RenderingOfThread::~RenderingOfThread() {
+    ofThread = mBefore;
 }
 
 }  // namespace host

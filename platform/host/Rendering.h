@@ -11,7 +11,21 @@ enum class Rendering { Phone, Plain };
 // One for the process, Phone at the start; any thread. It holds for what is measured and drawn from then on:
 // a line that is being laid out or drawn may get some of both.
 void setRendering(Rendering rendering);
+// The process's, or that of this thread.
 Rendering rendering();
+
+// While one lives, its thread measures and draws so, whatever the process does. They may be nested.
+class RenderingOfThread {
+public:
+    explicit RenderingOfThread(Rendering rendering);
+    ~RenderingOfThread();
+    RenderingOfThread(const RenderingOfThread&) = delete;
+    RenderingOfThread& operator=(const RenderingOfThread&) = delete;
+
+private:
+    const Rendering mRendering;
+    const Rendering* const mBefore;
+};
 
 }  // namespace host
 
