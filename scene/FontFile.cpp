@@ -8,11 +8,10 @@
 #include <map>
 #include <tuple>
 
-#include "foundation/ZvString.h"
 #include "scene/Failure.h"
 #include "scene/TextInput.h"
 #include "scene/Values.h"
-#include "text/FontManager.h"
+#include "text/FontData.h"
 
 namespace Zvex::scene {
 
@@ -196,8 +195,7 @@ FontFacts factsOf(const host::FontFace& face) {
     return facts;
 }
 
-// A name that no file has (there is nothing below a device), saying the weight the way the font manager reads
-// it from file names.
+// A name that no file has (there is nothing below a device), saying the weight as file names do.
 std::string keyFor(const FontFacts& facts, size_t number) {
     const char* weight = facts.weight < 250   ? "-Thin"
                          : facts.weight < 350 ? "-Light"
@@ -208,29 +206,17 @@ std::string keyFor(const FontFacts& facts, size_t number) {
     return "/dev/null/" + std::to_string(number) + weight;
 }
 
-std::shared_ptr<host::FontFace> faceOf(const minikin::MinikinFont& font) {
-    return static_cast<const android::MinikinFontSkia&>(font).RefSkTypeface()->face();
-}
-
-// Hands the bytes to the font manager; null where it does not take them, or does not draw with them what is
-// drawn with `key`: it leaves the system's own Roboto to the system's families, wherever on the disk the
-// folder that holds them on a phone may be.
-std::shared_ptr<host::FontFace> hold(const std::string& key, const char* content, size_t size) {
-    std::unique_ptr<char[]> bytes(new char[size]);
+// Gives `loaded` a font of a copy of the bytes; false where they are none.
+bool hold(LoadedFont& loaded, const char* content, size_t size) {
+    auto bytes = std::make_unique<char[]>(size);
     std::memcpy(bytes.get(), content, size);
-    Zvex::FontManager* manager = Zvex::FontManager::GetInstance();
-    std::shared_ptr<minikin::MinikinFont> font;
-    Zvex::ZvString name;
-    if (name.Construct(key.c_str()) == 0 ||
-        !manager->AddMinikinFont(key.c_str(), bytes.release(), static_cast<unsigned>(size), 0, true) ||
-        !manager->GetMinikinFont(font, &name, 0)) {
-        return nullptr;
-    }
-    std::vector<std::shared_ptr<minikin::FontFamily>> families;
-    int weight = 400;
-    manager->GetMinikinFontFamilies(families, &name, weight);
-    const minikin::Font* first = families.empty() ? nullptr : families[0]->getClosestMatch({}).font;
-    return first != nullptr && first->typeface() == font ? faceOf(*font) : nullptr;
+    auto data = std::make_shared<Zvex::ZvFontData>();
+    data->size = static_cast<uint32_t>(size);
+    data->data = bytes.release();
+    loaded.font = Zvex::wrapFont(std::move(data), 0);
+    if (loaded.font == nullptr) return false;
+    loaded.face = static_cast<const android::MinikinFontSkia&>(*loaded.font).RefSkTypeface()->face();
+    return true;
 }
 
 std::shared_ptr<const LoadedFont> readFont(const std::string& option, const FontChoice& choice,
@@ -263,20 +249,20 @@ std::shared_ptr<const LoadedFont> readFont(const std::string& option, const Font
     font->choice = choice;
     font->fontsInFile = fonts;
     const std::vector<AxisValue> places = placesOf(option, choice, face->hbFace(), axesOption, axes);
+    bool held = false;
     if (choice.index == 0 && places.empty() && choice.bytes == nullptr) {
         font->key = path;
-        font->face = hold(path, content.data(), content.size());
-    }
-    if (font->face == nullptr) {
+        held = hold(*font, content.data(), content.size());
+    } else {
         const HbOwner<hb_blob_t> own = rebuilt(face->hbFace(), places);
         unsigned size = 0;
         const char* bytes = hb_blob_get_data(own.get(), &size);
         const std::shared_ptr<host::FontFace> ownFace = host::FontFace::open(bytes, size, 0);
         if (ownFace == nullptr) throw unreadable;
         font->key = keyFor(factsOf(*ownFace), number);
-        font->face = hold(font->key, bytes, size);
+        held = hold(*font, bytes, size);
     }
-    if (font->face == nullptr) throw Failure(option + ": '" + choice.name() + "' could not be loaded");
+    if (!held) throw Failure(option + ": '" + choice.name() + "' could not be loaded");
     font->facts = factsOf(*font->face);
     return font;
 }

@@ -4,6 +4,7 @@
 
 #include <hb-ot.h>
 #include <hb.h>
+#include <minikin/MinikinFont.h>
 
 #include <memory>
 #include <string>
@@ -35,22 +36,23 @@ struct FontFacts {
     std::string generic;        // "serif", "sans-serif" or "monospace" where it says so of itself
 };
 
-// A font that the process's font manager holds, as index 0 of `key`. Plain fonts go by their path, from whose
-// words the manager takes a style; a font with axes away from their defaults, one from the midst of a
-// collection and one whose path the manager has another use for go by a name that says their weight.
+// A font of the process. Plain fonts go by their path as the key, from whose words their style is taken (see
+// FontManager::GetMinikinFontFamilies); a font with axes away from their defaults and one from the midst of a
+// collection by a name that says their weight.
 struct LoadedFont {
     FontChoice choice;
     std::string key;
-    std::shared_ptr<host::FontFace> face;
+    std::shared_ptr<minikin::MinikinFont> font;
+    std::shared_ptr<host::FontFace> face;  // of `font`
     FontFacts facts;
     int fontsInFile = 1;
 };
 
-// Reads the font and hands it to the font manager, or finds it among those handed over before: a file is read
-// once a process. `axes` is the value of `axesOption`, "wght=650,opsz=20", or empty; it wins over the axes of
-// `choice`. Throws one line that starts with the option: Failure where the file is missing, a folder, empty,
-// unreadable or no font that the port draws, UsageError for an index it lacks and for axes that it lacks or
-// that do not go that far, listing those it has. One thread at a time.
+// Reads the font, or finds it among those read before: a file is read once a process. `axes` is the value of
+// `axesOption`, "wght=650,opsz=20", or empty; it wins over the axes of `choice`. Throws one line that starts
+// with the option: Failure where the file is missing, a folder, empty, unreadable or no font that the port
+// draws, UsageError for an index it lacks and for axes that it lacks or that do not go that far, listing
+// those it has. One thread at a time.
 std::shared_ptr<const LoadedFont> loadFont(const std::string& option, const FontChoice& choice,
                                            const std::string& axesOption = "", const std::string& axes = "");
 

@@ -5,7 +5,6 @@
 #include <cmath>
 #include <cstdio>
 #include <functional>
-#include <mutex>
 #include <optional>
 
 #include "effect/ZvEffect.h"
@@ -138,8 +137,7 @@ using Sink = std::function<void(const unsigned* pixels, int width, int height)>;
 
 // Without a sink nothing is drawn. The picture of the result is empty but for its size.
 Rendering make(const Scene& scene, const Sink& sink) {
-    static std::mutex drawing;
-    const std::lock_guard<std::mutex> lock(drawing);
+    const host::RenderingOfThread drawnSo(scene.rendering);
     Zvex::takeOutOfMemoryMark();  // an earlier picture's
     const SceneFonts fonts = takeFonts(scene);
     ZvTextObject object;

@@ -58,14 +58,13 @@ struct Scene {
     Gravity gravity = Gravity::Top;
     int maxLines = 0;  // 0: all
     Padding padding;
-    host::Rendering rendering = host::Rendering::Phone;  // of the whole process from then on
+    host::Rendering rendering = host::Rendering::Phone;
     Limits limits;
     bool trim = false;  // the picture without its transparent border
 };
 
-// Renders the scene. Any thread, any number of them: the scenes of one process are drawn one after the other,
-// for they share the font manager and its families, which are those of this scene afterwards. Nothing is
-// written to standard error. Throws Error, and std::bad_alloc.
+// Renders the scene. Any thread, any number of them at once: only the reading of fonts is one thread's at a
+// time. Nothing is written to standard error. Throws Error, and std::bad_alloc.
 //
 //     Scene scene;
 //     scene.text = "Gold";

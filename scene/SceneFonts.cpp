@@ -14,24 +14,21 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <mutex>
 #include <set>
 #include <string>
 #include <unordered_set>
 
-#include "foundation/List.h"
-#include "foundation/ZvString.h"
 #include "platform/host/Clusters.h"
-#include "platform/host/Rendering.h"
 #include "scene/Failure.h"
 #include "scene/FontChoice.h"
-#include "text/FontManager.h"
+#include "text/FontPath.h"
 
 namespace Zvex::scene {
 
 namespace {
 
 using Fonts = std::vector<std::shared_ptr<const LoadedFont>>;
-using Zvex::FontManager;
 
 // A text of every script takes about a hundred fonts; a text of nothing but odd clusters is not worth more
 // questions than these.
@@ -43,27 +40,27 @@ struct Cluster {
     std::vector<uint32_t> characters;  // those that show something
 };
 
-// One family of one font each, already loaded, asked in their order. Their own weights keep a bold fallback
-// behind a bold font from being widened once more.
-void setFallbacks(const Fonts& fonts) {
-    FontManager* manager = FontManager::GetInstance();
-    manager->ClearFontFamilies();
-    auto* families = new Zvex::List;
-    families->Construct();
-    for (size_t i = 1; i < fonts.size(); ++i) {
-        auto* entry = new Zvex::ZvFontEntry;
-        entry->path = new Zvex::ZvString;
-        entry->path->Construct(fonts[i]->key.c_str());
-        entry->weight = fonts[i]->facts.weight;
-        entry->italic = fonts[i]->facts.italic;
-        auto* family = new Zvex::ZvFontFamily;
-        family->fonts = new Zvex::List;
-        family->fonts->Construct();
-        family->fonts->Add(entry);
-        family->loaded = 1;  // loadFont handed the font over
-        families->Add(family);
-    }
-    manager->SetSystemFontFamilies(families);
+std::shared_ptr<minikin::FontFamily> familyOf(const LoadedFont& font, int weight, bool italic) {
+    using Slant = minikin::FontStyle::Slant;
+    std::vector<minikin::Font> fonts;
+    fonts.push_back(minikin::Font::Builder(font.font)
+                        .setWeight(static_cast<uint16_t>(weight))
+                        .setSlant(italic ? Slant::ITALIC : Slant::UPRIGHT)
+                        .build());
+    return std::make_shared<minikin::FontFamily>(std::move(fonts));
+}
+
+// One family of one font each, asked in their order. Their own weights keep a bold fallback behind a bold
+// font from being widened once more.
+std::shared_ptr<const android::Typeface> typefaceOf(const Fonts& fonts) {
+    int weight = 400;
+    bool italic = false;
+    Zvex::styleFromPath(fonts[0]->key, weight, italic);
+    std::vector<std::shared_ptr<minikin::FontFamily>> families = {familyOf(*fonts[0], weight, italic)};
+    for (size_t i = 1; i < fonts.size(); ++i)
+        families.push_back(familyOf(*fonts[i], fonts[i]->facts.weight, fonts[i]->facts.italic));
+    return std::shared_ptr<const android::Typeface>(
+        android::Typeface::createFromFamilies(std::move(families), weight, 0));
 }
 
 bool hasAll(const LoadedFont& font, const std::vector<uint32_t>& characters) {
@@ -111,16 +108,10 @@ std::vector<Cluster> doubtfulClusters(const std::u16string& text, const Fonts& f
     return doubtful;
 }
 
-// Lays single clusters out with the fonts that the manager holds now.
+// Lays single clusters out.
 class ClusterLayout {
 public:
-    explicit ClusterLayout(const LoadedFont& first, const std::string& features) {
-        Zvex::ZvString key;
-        key.Construct(first.key.c_str());
-        std::vector<std::shared_ptr<minikin::FontFamily>> families;
-        int weight = 400;
-        FontManager::GetInstance()->GetMinikinFontFamilies(families, &key, weight);
-        mTypeface.reset(android::Typeface::createFromFamilies(std::move(families), weight, 0));
+    ClusterLayout(const android::Typeface& typeface, const std::string& features) : mTypeface(typeface) {
         mPaint.setTextSize(16);
         mPaint.setFontFeatureSettings(features);
     }
@@ -130,7 +121,7 @@ public:
         const auto* units = reinterpret_cast<const uint16_t*>(cluster.text.data());
         const size_t length = cluster.text.size();
         const minikin::Layout layout = android::MinikinUtils::doLayout(
-            &mPaint, minikin::Bidi::DEFAULT_LTR, mTypeface.get(), units, 0, length, length, nullptr);
+            &mPaint, minikin::Bidi::DEFAULT_LTR, &mTypeface, units, 0, length, length, nullptr);
         // A letter may be drawn where its mark is not: each goes to a font of its own.
         std::set<const host::FontFace*> faces;
         bool lacks = false;
@@ -149,7 +140,7 @@ public:
 
 private:
     android::Paint mPaint;
-    std::unique_ptr<android::Typeface> mTypeface;
+    const android::Typeface& mTypeface;
 };
 
 // The language that fontconfig is asked for: what the script tells. Han characters go by the other scripts
@@ -192,6 +183,13 @@ private:
 
     std::string mHan;
 };
+
+// What the process has read of fonts and of fontconfig is for one thread at a time.
+std::mutex& reading() {
+    static std::mutex* const lock =
+        new std::mutex;  // never destroyed: threads may render as the process ends
+    return *lock;
+}
 
 // The first of fontconfig's fonts that the port can draw and that has all of the characters; null for none.
 std::shared_ptr<const LoadedFont> systemFontFor(const std::vector<uint32_t>& characters,
@@ -237,7 +235,6 @@ void addSystemFonts(SceneFonts& scene, const std::vector<Cluster>& clusters, con
 }  // namespace
 
 SceneFonts takeFonts(const Scene& scene) {
-    host::setRendering(scene.rendering);
     SceneFonts taken;
     const auto take = [&](const std::string& option, const Font& font) {
         FontChoice choice;
@@ -246,15 +243,18 @@ SceneFonts takeFonts(const Scene& scene) {
         if (font.bytes == nullptr) choice = chooseFont(option, font.name, font.scope);
         taken.fonts.push_back(loadFont(option, choice, "--axes", font.axes));
     };
-    take("--font", scene.font);
-    for (const Font& font : scene.fallbacks) take("--fallback", font);
+    {
+        const std::lock_guard<std::mutex> lock(reading());
+        take("--font", scene.font);
+        for (const Font& font : scene.fallbacks) take("--fallback", font);
+    }
     taken.given = taken.fonts.size();
-    setFallbacks(taken.fonts);
+    taken.typeface = typefaceOf(taken.fonts);
 
     const std::u16string text = toUtf16(scene.text);
     std::vector<Cluster> lacking = doubtfulClusters(text, taken.fonts);
     const auto keepMissing = [&](std::set<uint32_t>* characters) {
-        const ClusterLayout layout(taken.first(), scene.style.features);
+        const ClusterLayout layout(*taken.typeface, scene.style.features);
         std::vector<Cluster> still;
         for (Cluster& cluster : lacking) {
             const std::vector<uint32_t> missing = layout.missingOf(cluster);
@@ -269,8 +269,11 @@ SceneFonts takeFonts(const Scene& scene) {
     if (lacking.empty()) return taken;
     if (scene.systemFallback) {
         keepMissing(nullptr);
-        addSystemFonts(taken, lacking, Languages(text));
-        if (taken.fonts.size() > taken.given) setFallbacks(taken.fonts);
+        {
+            const std::lock_guard<std::mutex> lock(reading());
+            addSystemFonts(taken, lacking, Languages(text));
+        }
+        if (taken.fonts.size() > taken.given) taken.typeface = typefaceOf(taken.fonts);
     }
     std::set<uint32_t> characters;
     keepMissing(&characters);

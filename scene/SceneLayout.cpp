@@ -18,13 +18,11 @@
 #include "platform/host/LineBreaker.h"
 #include "scene/Failure.h"
 #include "scene/SceneFonts.h"
-#include "text/FontManager.h"
 
 namespace Zvex::scene {
 
 namespace {
 
-using Zvex::FontManager;
 using Zvex::ZvString;
 using Zvex::ZvTextObject;
 
@@ -43,12 +41,8 @@ android::Paint paintOf(const Style& style) {
 
 class LineShaper {
 public:
-    LineShaper(ZvTextObject& object, const std::u16string& text) : mPaint(object.GetPaint()), mText(text) {
-        std::vector<std::shared_ptr<minikin::FontFamily>> families;
-        int weight = 400;
-        FontManager::GetInstance()->GetMinikinFontFamilies(families, object.GetFont()->GetFontPath(), weight);
-        mTypeface.reset(android::Typeface::createFromFamilies(std::move(families), weight, 0));
-    }
+    LineShaper(ZvTextObject& object, const android::Typeface& typeface, const std::u16string& text)
+        : mPaint(object.GetPaint()), mTypeface(typeface), mText(text) {}
 
     const uint16_t* units() const { return reinterpret_cast<const uint16_t*>(mText.data()); }
     int length() const { return static_cast<int>(mText.size()); }
@@ -61,7 +55,7 @@ public:
     minikin::Layout layOut(int start, int end) const {
         const int begin = contextOf(start);
         const int limit = std::min(end + kContext, length());
-        return android::MinikinUtils::doLayout(&mPaint, minikin::Bidi::DEFAULT_LTR, mTypeface.get(),
+        return android::MinikinUtils::doLayout(&mPaint, minikin::Bidi::DEFAULT_LTR, &mTypeface,
                                                units() + begin, static_cast<size_t>(start - begin),
                                                static_cast<size_t>(end - start),
                                                static_cast<size_t>(limit - begin), nullptr);
@@ -71,8 +65,8 @@ private:
     static constexpr int kContext = 64;
 
     const android::Paint mPaint;
+    const android::Typeface& mTypeface;
     const std::u16string& mText;
-    std::unique_ptr<android::Typeface> mTypeface;
 };
 
 // The glyphs where the text object will draw them: a line's ink begins where the line begins, and the top of
@@ -114,11 +108,9 @@ std::string farWarning(const std::string& text) {
 
 void setText(ZvTextObject& object, const Scene& scene, const SceneFonts& fonts) {
     ZvString text;
-    if (text.Construct(scene.text.c_str()) == 0 || !object.SetText(&text)) {
+    if (!object.SetTypeface(fonts.typeface) || text.Construct(scene.text.c_str()) == 0 ||
+        !object.SetText(&text)) {
         throw Failure("TEXT: the text could not be taken over");
-    }
-    if (!object.SetFont(fonts.first().key.c_str())) {
-        throw Failure("--font: '" + scene.font.name + "' could not be loaded");
     }
     android::Paint paint = paintOf(scene.style);
     object.SetPaint(paint);
@@ -137,7 +129,7 @@ LaidOutText layOutText(ZvTextObject& object, const Scene& scene, const SceneFont
     const std::unique_ptr<uint16_t[]> units(object.GetText()->GetUTF16(length));
     if (units) laidOut.text.assign(units.get(), units.get() + length);
 
-    const LineShaper shaper(object, laidOut.text);
+    const LineShaper shaper(object, *fonts.typeface, laidOut.text);
     const auto measure = [&](int start, int end) {
         return start < end ? shaper.layOut(start, end).getAdvance() : 0.0f;
     };

@@ -29,7 +29,7 @@ struct LaidOutText {
     std::vector<std::vector<LineGlyph>> glyphs;  // of each line, from left to right
 };
 
-// Hands the scene's text, its first font and its paint to the object, which is constructed. Throws Failure.
+// Hands the scene's text, its fonts and its paint to the object, which is constructed. Throws Failure.
 void setText(Zvex::ZvTextObject& object, const Scene& scene, const SceneFonts& fonts);
 
 // One line where the text has characters that the library cannot hold; else empty.

@@ -6,7 +6,6 @@
 #include <cmath>
 #include <fstream>
 #include <sstream>
-#include <thread>
 
 #include "scene/Failure.h"
 #include "tests/scene/Refusal.h"
@@ -123,23 +122,6 @@ TEST(Render, ErrorsSayPlaceAndCauseAndWarningsComeWithThePicture) {
     EXPECT_EQ(render(scene).warnings[0].rfind("no font has U+E123", 0), 0u);
     std::istringstream lines(testing::internal::GetCapturedStderr());
     for (std::string line; std::getline(lines, line);) EXPECT_EQ(line.rfind("D/", 0), 0u) << line;
-}
-
-TEST(Render, ThreadsWithDifferentFontsAndFallbacksDrawAsOne) {
-    const auto scenes = [](int i) {
-        Scene scene = sceneOf("Ag世" + std::to_string(i), i % 2 == 0 ? kFont : kCjk);
-        scene.fallbacks = {i % 3 == 0 ? kCjk : kFont};
-        scene.systemFallback = false;
-        return scene;
-    };
-    std::vector<std::vector<uint32_t>> alone(6), together(6);
-    for (int i = 0; i < 6; ++i) alone[static_cast<size_t>(i)] = render(scenes(i)).picture.pixels;
-    std::vector<std::thread> threads;
-    for (size_t i = 0; i < 6; ++i) {
-        threads.emplace_back([&, i] { together[i] = render(scenes(static_cast<int>(i))).picture.pixels; });
-    }
-    for (std::thread& thread : threads) thread.join();
-    EXPECT_EQ(alone, together);
 }
 
 }  // namespace
