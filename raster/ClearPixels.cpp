@@ -10,7 +10,7 @@ namespace Zvex {
 #if defined(__SSE2__)
 
 void clearAside(uint8_t* bytes, size_t count) {
-    constexpr size_t kLine = 64;  // written whole, or the machine reads it after all
+    constexpr size_t kLine = 64;  // only a line that is written whole is not read first
     const size_t before = (kLine - reinterpret_cast<uintptr_t>(bytes) % kLine) % kLine;
     if (count < before + kLine) {
         std::memset(bytes, 0, count);

@@ -7,8 +7,9 @@
 
 namespace Zvex {
 
-// Zeroes memory that nobody will look at soon, of a picture too large for the caches: written past them,
-// where the machine can, which neither reads the memory first nor puts out what is worked on.
+// Zeroes memory that is not needed soon, such as a picture too large for the caches. Where the machine can,
+// it writes past the caches: that does not read the memory first and does not evict the working set from the
+// cache.
 void clearAside(uint8_t* bytes, size_t count);
 
 }  // namespace Zvex

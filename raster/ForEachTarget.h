@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Compiles one body of kernels for every instruction set, each into a namespace of its own, so that one
-// source serves all and the linker keeps the builds apart. No include guard: included once for each body,
-// inside the source file's own namespaces.
+// Compiles one body of kernels for every instruction set. Each build has its own namespace, so one source
+// serves all and the linker keeps the builds apart. There is no include guard: a source file includes this
+// once for each body, inside its own namespaces.
 //
 //     // GaussianKernels.inc: plain functions over plain data; includes nothing
 //     void addTaps(...) { ... }
@@ -13,10 +13,11 @@
 //
 //     void blur(...) { ZVEX_ON_TARGET(addTaps(a, b)); }
 //
-// A body sees ZVEX_TARGET_AVX512 or ZVEX_TARGET_AVX2 as 1 in the builds for these, neither in the baseline.
-// All builds must give the same bytes: integers, or floats in one stated order (contraction is off
-// everywhere). Inline functions and templates of other headers must not be called: the linker may keep the
-// copy that was built for the larger set and hand it to a machine without it. What a body needs, it defines.
+// A body sees ZVEX_TARGET_AVX512 or ZVEX_TARGET_AVX2 as 1 in the builds for these sets, and neither in the
+// baseline. All builds must give the same bytes: they use integers, or floats in one stated order
+// (contraction is off everywhere). A body must not call inline functions and templates of other headers: the
+// linker may keep the copy that was built for a larger set and run it on a machine without that set. A body
+// defines what it needs.
 
 namespace TargetBaseline {
 #include ZVEX_KERNELS
@@ -64,7 +65,7 @@ namespace TargetAvx512 {
 
 #undef ZVEX_KERNELS
 
-// Calls a function of the bodies above in the build for this machine: ZVEX_ON_TARGET(addTaps(a, b)).
+// Calls a function of the bodies above, in the build for this machine: ZVEX_ON_TARGET(addTaps(a, b)).
 #ifndef ZVEX_ON_TARGET
 #if defined(ZVEX_BUILDS_AVX512)
 #define ZVEX_ON_TARGET(call)                                               \

@@ -7,8 +7,8 @@
 
 namespace Zvex {
 
-// How a layer's colours meet those behind it: the modes of the W3C's "Compositing and Blending Level 1", and
-// plus-lighter, which adds premultiplied colours and alphas and cuts the sums at 1.
+// How a layer's colours mix with those behind it: the modes of the W3C's "Compositing and Blending Level 1",
+// and plus-lighter, which adds premultiplied colours and alphas and limits the sums to 1.
 enum class LayerBlend : int {
     Normal,
     Multiply,
@@ -30,16 +30,16 @@ enum class LayerBlend : int {
 };
 constexpr int kLayerBlends = 17;
 
-// Joins layers, a piece of a row at a time. With backdrop b, source s and their alphas a:
+// Joins layers, kPiece pixels of a row at a time. With backdrop b, source s and their alphas a:
 //
 //     alpha  = a_s + a_b (1 - a_s)
 //     colour = ((1 - a_s) a_b C_b + a_s ((1 - a_b) C_s + a_b B(C_b, C_s))) / alpha
 //
-// Between two layers nothing is rounded to bytes: a piece holds single-precision numbers, in the order of
-// operations that the plain form states, tests/reference/LayerJoinReference.h. So any number of layers ends
-// within a level of the exact result. Built for several instruction sets (raster/ForEachTarget.h); always
-// kPiece pixels, addresses need no alignment, nothing is allocated. Pixels given as words are straight
-// 0xAARRGGBB.
+// Between layers nothing is rounded to bytes: a piece holds single-precision numbers, so the result of any
+// number of layers is within one level of the exact one. The plain form,
+// tests/reference/LayerJoinReference.h, states the order of operations. Built for several instruction sets
+// (raster/ForEachTarget.h). Always kPiece pixels; addresses need no alignment; nothing is allocated. Pixels
+// given as words are straight 0xAARRGGBB.
 namespace JoinRows {
 
 constexpr size_t kPiece = 64;
@@ -50,9 +50,9 @@ struct Piece {
     float alpha[kPiece];
 };
 
-// Joins the source where that needs no arithmetic: no pixel of it is translucent over one that is not
-// transparent. `replaces`: opaque source pixels hide what is behind them (the normal mode). False, with
-// nothing changed, where there is such a pixel.
+// Joins the source if that needs no arithmetic: if each of its translucent pixels lies over a transparent
+// one. Otherwise returns false and changes nothing. `replaces`: opaque source pixels hide what is behind them
+// (the normal mode).
 bool joinWords(uint32_t* backdrop, const uint32_t* source, bool replaces);
 
 bool isTransparent(const uint32_t* words);
@@ -65,9 +65,9 @@ void knockOut(float* alpha, const uint8_t* coverage);
 void clip(float* alpha, const float* base);
 
 void takeWords(Piece* piece, const uint32_t* words);
-// Joins the colours of `source` at these alphas. What alpha the words have does not count.
+// Joins the colours of `source` with these alphas. The alphas in the words are ignored.
 void join(Piece* backdrop, const uint32_t* source, const float* alpha, LayerBlend blend);
-// The alpha times `opacity`; bytes are rounded half up. Where the alpha becomes 0 the word does.
+// Multiplies the alpha by `opacity` and rounds bytes half up. A word is 0 where its alpha becomes 0.
 void giveWords(uint32_t* words, const Piece& piece, float opacity);
 
 }  // namespace JoinRows

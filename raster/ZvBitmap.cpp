@@ -13,8 +13,8 @@ namespace Zvex {
 
 namespace {
 
-// width * height of any two 32-bit sizes fits in 64 bits; the third factor may not. Objects larger than half
-// the address space are refused, so that pointer differences stay exact.
+// width * height of two 32-bit sizes fits in 64 bits; times bytesPerPixel it may not. Sizes above half the
+// address space are refused, so that pointer differences stay exact.
 size_t productOf(uint32_t width, uint32_t height, uint32_t bytesPerPixel) {
     const uint64_t area = uint64_t{width} * height;
     if (area == 0 || bytesPerPixel == 0 || area > uint64_t{PTRDIFF_MAX} / bytesPerPixel) return 0;
@@ -40,7 +40,7 @@ uint8_t* zeros(size_t count) {
     if (count == 0) return nullptr;
     void* memory = std::calloc(count, 1);
     if (memory == nullptr) markOutOfMemory();
-    preferLargePages(memory, count);  // in time: fresh memory is not touched yet
+    preferLargePages(memory, count);  // before the memory is touched
     return static_cast<uint8_t*>(memory);
 }
 
@@ -87,7 +87,7 @@ ZvBitmap::ZvBitmap(const ZvBitmap& source, const ZvRect* rect)
     if (pixels == nullptr || source.pixels == nullptr) return;
     if (rect->left > rect->right || rect->top > rect->bottom) return;
 
-    // A row of the cut-out is one stretch of the source's bytes, cut to the source's buffer at both ends.
+    // A row of the cut-out is one run of the source's bytes, limited to the source's buffer at both ends.
     // Coordinates are 32-bit and source.width is below 2^32, so the product and the sum below stay within
     // 2^63.
     const int64_t sourceBytes = static_cast<int64_t>(source.byteCount());

@@ -14,11 +14,11 @@ namespace {
 
 constexpr char kTag[] = "Blender";
 
-// The half-open stretch of target coordinates that a source of `size` at `at` covers. In 64 bits, because `at
-// + size` spans more than an int, and the target's size is unsigned.
+// The half-open range of target coordinates that a source of `size` at `at` covers. In 64 bits, because `at +
+// size` can exceed an int and the target's size is unsigned.
 struct Span {
     int64_t begin, end;
-    int64_t sourceBegin;  // what of the source lies before `begin`
+    int64_t sourceBegin;  // first column or row of the source in the range
 
     Span(int at, int size, uint32_t targetSize)
         : begin(std::max<int64_t>(at, 0)),
@@ -27,9 +27,9 @@ struct Span {
     bool empty() const { return begin >= end; }
 };
 
-// Calls blend(target, source, count) for each row of the source's part that lies on dst, top row first.
-// `depth` is the bytes from one pixel of dst to the next when a row's start is looked up; stride counts
-// elements of Source.
+// Calls blend(target, source, count) for each row of the part of the source that lies on dst, top row first.
+// `depth` is the number of bytes from one pixel of dst to the next, for finding a row's start; `stride`
+// counts elements of Source.
 template <typename Source, typename Blend>
 void forRows(int x, int y, const ZvBitmap* dst, uint32_t depth, const Source* src, int w, int h, int stride,
              Blend&& blend) {
@@ -140,9 +140,9 @@ void ZvBlender::drawBitmapBlend32(int x, int y, const ZvBitmap* dst, const unsig
     blendDstOver32To32(x, y, dst, src, w, h, srcStride, order);
 }
 
-// The elements are bytes, so what lies left of dst is skipped as -x bytes
-// (Blender.ByteSourceSkipsBytesAtNegativeX). That never leaves a row of 4 * w bytes: after a skip of k, 0 < k
-// < w, at most w - k pixels follow, and k + 4 * (w - k) < 4 * w.
+// The elements are bytes, so -x bytes are skipped left of dst (Blender.ByteSourceSkipsBytesAtNegativeX).
+// Reads stay within a row of 4 * w bytes: after a skip of k, 0 < k < w, at most w - k pixels follow, and k +
+// 4 * (w - k) < 4 * w.
 void ZvBlender::blendDstOver32To32(int x, int y, const ZvBitmap* dst, const unsigned char* src, int w, int h,
                                    int srcStride, int order) {
     if (order == 1) {
@@ -150,7 +150,7 @@ void ZvBlender::blendDstOver32To32(int x, int y, const ZvBitmap* dst, const unsi
     } else if (order == 0) {
         blendColor(x, y, dst, src, w, h, srcStride, BlendRows::dstOverARGB);
     }
-    // Any other order stops at the first pixel it could change, so it changes none.
+    // Any other order changes nothing.
 }
 
 void ZvBlender::drawBitmap(int x, int y, const ZvBitmap* dst, const unsigned char* src, int w, int h,
@@ -168,10 +168,10 @@ void ZvBlender::drawBitmap(int x, int y, const ZvBitmap* dst, const ZvBitmap* sr
     drawBitmap(x, y, dst, src->pixels, static_cast<int>(src->width), static_cast<int>(src->height), color);
 }
 
-// Row starts are looked up as in a 1-byte bitmap while pixels are 4 bytes apart
-// (Blender.FillStartsRowsAtByteOffsets). The last byte written is at most that of row height - 1 at byte
-// (height - 1) * width + 4 * width, which the buffer of 4 * width * height bytes always holds. Rows overlap,
-// so their order is part of the picture.
+// A row's start is computed as in a 1-byte bitmap, while pixels are 4 bytes apart
+// (Blender.FillStartsRowsAtByteOffsets). The last row starts at byte (height - 1) * width and takes 4 * width
+// bytes, which the buffer of 4 * width * height bytes always holds. Rows overlap, so their order affects the
+// picture.
 void ZvBlender::drawBitmap8To32(int x, int y, const ZvBitmap* dst, const unsigned char* src, int w, int h,
                                 unsigned int color) {
     if (dst == nullptr || dst->bytesPerPixel != 4) return;

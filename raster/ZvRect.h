@@ -6,8 +6,7 @@
 
 namespace Zvex {
 
-// A rectangle in pixels, y growing downwards; right and bottom are exclusive. Nothing keeps it from being
-// inverted.
+// A rectangle in pixels, y growing downwards; right and bottom are exclusive. It may be inverted.
 class ZvRect {
 public:
     ZvRect() = default;
@@ -17,7 +16,6 @@ public:
     ZvRect& operator=(const ZvRect&) = default;
     virtual ~ZvRect() = default;
 
-    // The edges.
     int32_t left = 0;
     int32_t top = 0;
     int32_t right = 0;

@@ -14,19 +14,18 @@
 
 namespace Zvex {
 
-// Working memory of a filter: one owner, from malloc, freed when the owner goes. The filters take all their
-// memory through this type and treat a failure by returning, the target untouched.
+// Working memory of a filter, from malloc, with one owner. The filters take all their memory through this
+// type. If an allocation fails, a filter returns and leaves its target unchanged.
 //
-// A buffer of rows x columns x planes elements is allocated with the three sizes given apart: they are
-// multiplied in 64 bits, and what is negative, empty or too large to address is refused as if memory had run
-// out.
+// The size is given as rows x columns x planes elements, which are multiplied in 64 bits. A size that is
+// negative, empty or too large to address is refused as if memory had run out.
 template <typename T>
 class Buffer {
     static_assert(std::is_trivially_copyable<T>::value, "the memory is not constructed");
 
 public:
-    // The content is undefined, or zero. False, and no memory, on failure. What was held before is freed
-    // first.
+    // Frees what it held, then allocates. The elements are undefined, or zero with allocateZeroed. Returns
+    // false and holds nothing on failure.
     bool allocate(int64_t rows, int64_t columns = 1, int64_t planes = 1) {
         const size_t bytes = reserve(rows, columns, planes);
         if (bytes != 0) mData.reset(static_cast<T*>(std::malloc(bytes)));
@@ -53,8 +52,8 @@ private:
         void operator()(T* data) const { std::free(data); }
     };
 
-    // The size in bytes, 0 when it is refused. Sizes above half the address space are, so that pointer
-    // differences stay exact.
+    // The size in bytes, or 0 if it is refused. Sizes above half the address space are refused, so that
+    // pointer differences stay exact.
     size_t reserve(int64_t rows, int64_t columns, int64_t planes) {
         mData.reset();
         if (rows <= 0 || columns <= 0 || planes <= 0) return 0;

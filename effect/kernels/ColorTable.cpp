@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// One walk along the stops, entry by entry. The definition is tests/reference/GradientReference.h.
+// Walks along the stops once, entry by entry. The plain form is tests/reference/GradientReference.h.
 
 #include "effect/kernels/ColorTable.h"
 
@@ -15,11 +15,11 @@ namespace {
 
 constexpr float kEntryStep = 0.00390625f;  // 1 / 256
 
-// Every second channel of a colour, with room above each for its product with a weight.
+// Every second channel of a colour; the eight bits above each leave room for a product.
 constexpr uint32_t kChannelPair = 0x00FF00FF;
 
 // (upper * weight + lower * (256 - weight)) >> 8 in each channel, weight in 0..256. Two channels share a
-// multiplication; their sums are at most 255 * 256, so that none reaches the next channel.
+// multiplication: their sums are at most 255 * 256 and do not reach the next channel.
 uint32_t mix(uint32_t lower, uint32_t upper, int weight) {
     const uint32_t up = static_cast<uint32_t>(weight), down = 256 - up;
     const uint32_t redBlue = (upper & kChannelPair) * up + (lower & kChannelPair) * down;
@@ -27,7 +27,7 @@ uint32_t mix(uint32_t lower, uint32_t upper, int weight) {
     return (redBlue >> 8 & kChannelPair) | (alphaGreen & ~kChannelPair);
 }
 
-// The stretch between two stops.
+// The range between two stops.
 struct Segment {
     float start, end;
     uint32_t lower, upper;

@@ -11,25 +11,26 @@
 
 namespace Zvex {
 
-// The start of every filter: whether there is anything to draw, the working image, and the coverage there.
+// How every filter starts: it checks whether there is anything to draw, sizes its working image and copies
+// the coverage into it.
 
-// True when the record is there with a target and a mask that have pixels and a text box that is not empty.
+// True if the record exists, its target and mask have pixels, and its text box is not empty.
 bool isDrawable(const ZvECore::ParamPostProcessing* param);
 
-// The same for a layer that draws onto otherLayer as well: one of the two pictures has to have pixels.
+// The same for a layer that also draws onto otherLayer: one of the two pictures must have pixels.
 bool isDrawableOnEither(const ZvECore::ParamPostProcessing* param);
 
 // A filter's working image: the text box grown by a margin on every side.
 struct WorkingArea {
-    int x = 0, y = 0;           // its top-left on the target; the target's and the mask's pixels are the same
+    int x = 0, y = 0;           // its top-left on the target; target and mask share their pixel coordinates
     int width = 0, height = 0;  // pixels
     int margin = 0;
 
-    // False if the area is empty, or if its position or its number of pixels overflows int (the blender and
-    // the parameter records count in ints).
+    // False if the area is empty, or if its position or its number of pixels does not fit an int (the blender
+    // and the parameter records use ints).
     bool grow(const ZvRect& box, int64_t newMargin);
 
-    // Positions that overflow int are clamped; they are outside every picture anyway.
+    // Positions that do not fit an int are clamped; they lie outside every picture anyway.
     void move(int dx, int dy);
 
     // Right and bottom are clamped to int.
@@ -45,11 +46,11 @@ inline uint8_t coverageAt(const ZvBitmap& mask, int64_t x, int64_t y) {
     return mask.pixels[static_cast<size_t>(y) * mask.width + static_cast<size_t>(x)];
 }
 
-// The part of the box that lies within the mask; empty when there is none.
+// The part of the box that lies on the mask; empty if there is none.
 ZvRect partWithin(const ZvBitmap& mask, const ZvRect& box);
 
-// Copies the mask within the box to a plane whose rows are `stride` bytes, the box's top-left landing on
-// *plane. Box pixels outside the mask are left as they are.
+// Copies the mask within the box to a plane whose rows are `stride` bytes; the box's top-left goes to *plane.
+// Bytes for pixels outside the mask do not change.
 void copyCoverage(const ZvBitmap& mask, const ZvRect& box, uint8_t* plane, ptrdiff_t stride);
 
 }  // namespace Zvex

@@ -1,25 +1,25 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // A maximum over kernel rows, 16 or 32 pixels at once. A row of a disc is a run of full cells and a few ramp
-// cells, each of which gives its pixel's value less what the cell lacks of 255:
+// cells at its ends. Each cell gives its pixel's value minus what the cell lacks of 255:
 //
 //     0 0 r F F F F F F F r 0 0
 //           |<----->|              the run is two windows of 2^level pixels
 //               |<----->|
 //
-// The maxima over windows of 2, 4, 8 ... pixels come from one another, once for every source row; that is an
-// idea of van Herk (1992) and of Gil and Werman (1993), here with powers of two.
+// The maxima over windows of 2, 4, 8 ... pixels are computed from one another, once for each source row. This
+// is an idea of van Herk (1992) and of Gil and Werman (1993), here with powers of two.
 //
-// The target is raised in tiles of kBatch rows, held in registers while the kernel rows come by. What makes
-// it fast is what is not read:
-// - A tile that no coverage reaches is skipped. So is the rest of the work where a tile has become full, as
-//   most do at once by the row under their own, or by the row that filled the tile above them.
-// - In the others, along the outline, the pixels that are not full yet are few. A kernel row is read if there
-//   is coverage within its reach of these, and where all of it lies to one side, on that side only. Coverage
-//   0 under any cell gives nothing, so what is left out could not have raised a pixel. Where coverage lies is
-//   known by patches of a few pixels, 64 of them around a block in one word.
+// The target is raised in tiles of kBatch rows, which stay in registers while the kernel rows are applied. It
+// is fast because it skips most reads:
+// - A tile that no coverage reaches is skipped. Work on a tile stops when all its pixels are full. Most tiles
+// fill at once, from the row at their centre or from the row that filled the tile above.
+// - In other tiles, along the outline, few pixels are not full yet. A kernel row is read only if there is
+// coverage within its reach of these pixels. If all of that coverage lies on one side, only that side is
+// read. Coverage 0 gives nothing under any cell, so what is skipped could not have raised a pixel. One word
+// holds, for 64 patches of a few pixels around a block, whether they have coverage.
 //
-// The definition is tests/reference/StrokeReference.h.
+// The plain form is tests/reference/StrokeReference.h.
 
 #include "effect/kernels/Dilation.h"
 
@@ -39,50 +39,51 @@ namespace {
 
 constexpr int kBatch = Dilation::kBatch;
 constexpr int64_t kBlock = 32;      // pixels that are skipped together
-constexpr int64_t kVectorPad = 64;  // readable bytes after the last pixel a line can be asked for
+constexpr int64_t kVectorPad = 64;  // readable bytes after the last pixel that may be asked of a line
 constexpr int64_t kCacheLine = 64;
-constexpr int64_t kSmallestDepth = 5 * kBatch;        // keeps the repeated part of a ring small
-constexpr int kSmallestPatch = 2, kLargestPatch = 5;  // log2 of pixels: 4, a block
+constexpr int64_t kSmallestDepth = 5 * kBatch;        // limits the share of a ring that is repeated
+constexpr int kSmallestPatch = 2, kLargestPatch = 5;  // log2 of pixels: 4 pixels, a block
 
-// What a row of the kernel reads around a block of the target, in patches of some pixels, a bit for each.
+// The part of a source row that a kernel row reads around a block of the target: one bit for each patch.
 struct Reach {
     uint64_t patches;
-    uint64_t always;  // all ones for a row that reaches further than the bits
+    uint64_t always;  // all ones for a row that reaches beyond the bits
 };
-// Offsets are counted from a pixel of the target to what is read of a line.
+// Offsets lead from a pixel of the target to the bytes read of a line.
 struct KernelRow {
-    int64_t offset;  // from the target's row to the source's
+    int64_t offset;  // from the target's row to the source row
     Reach reach;
-    // The longest run of full cells: the maxima over two windows, one at either end. Whether the first
-    // one is enough where no coverage lies under or after the pixel, the last one where none lies before.
+    // The longest run of full cells: the maxima over two windows, one at either end. The first window is
+    // enough where no coverage lies at or after the pixel (firstAlone); the last one where none lies at or
+    // before it (lastAlone).
     bool hasRun, firstAlone, lastAlone;
     int level;  // the windows are 2^level wide
     ptrdiff_t firstRun, lastRun;
     int64_t rampBegin, rampEnd;  // the other cells
 };
-// A cell that is not full, and its mirror image if that is as full, else the same one again.
+// A cell that is not full, and its mirror image if that has the same value, else the same cell again.
 struct RampCells {
     ptrdiff_t first, last;  // first <= last
     uint8_t missing;        // what the cell lacks of 255
 };
-// A kernel row as it lies over the first of the rows that are raised.
+// A kernel row, placed over the first of the rows that are raised.
 struct Line {
     const uint8_t* pixels;
     const uint8_t* ink;
     Reach reach;
     const KernelRow* kernel;
 };
-// A line that brings coverage to some pixels, and whether it has none within reach after or before them.
+// A line that brings coverage to some pixels, and whether it has none within reach after them or before them.
 struct Seen {
     const Line* line;
     bool noneAfter, noneBefore;
 };
 
-// What some rows of the target are raised by.
+// What raises some rows of the target.
 struct Work {
     const Line* lines;  // from the centre outwards, those with ink
     int64_t lineCount;
-    const Line* lineOf;  // by offset, from firstOffset to lastOffset; without pixels where there is no run
+    const Line* lineOf;  // by offset, from firstOffset to lastOffset; null pixels where there is no run
     int64_t firstOffset, lastOffset;
     int64_t over;           // the source row under the kernel's centre
     ptrdiff_t step;         // from a source row to the next
@@ -105,7 +106,7 @@ struct CellRange {
     int64_t begin, end;
 };
 
-// Of full cells.
+// The longest run of full cells.
 CellRange longestRun(const uint8_t* row, int64_t size) {
     CellRange longest = {0, 0};
     for (int64_t i = 0; i < size; ++i) {
@@ -147,8 +148,8 @@ private:
     int64_t mFirstColumn = 0, mEndColumn = 0;  // of the target, counted from the origin
     int64_t mBefore = 0, mAfter = 0;           // rows and columns of the kernel before and after its centre
 
-    // The source with its sides.
-    int64_t mOriginX = 0;  // place in target of its first column
+    // Where the source lies, with its sides.
+    int64_t mOriginX = 0;  // column of the target under the source's first column
     int64_t mColumns = 0;
     int64_t mRowBegin = 0, mRowEnd = 0;
 
@@ -159,10 +160,9 @@ private:
     int mPatchShift = 0;  // a patch is 2^mPatchShift pixels of a row
     int64_t mPatchesBefore = 0;
 
-    // The source rows that the kernel reaches, in a ring of slots; the first few slots are repeated after the
-    // last, so that kBatch rows from any one on lie one behind the other. A slot has a line for each level
-    // that is used: the maxima over windows of 2^level pixels. The first byte that the target is raised by is
-    // byte `mMargin` of a line.
+    // The source rows that the kernel reaches, in a ring of slots. The first few slots are repeated after the
+    // last one, so that kBatch rows always lie one after another. A slot has a line for each level in use:
+    // the maxima over windows of 2^level pixels. Byte `mMargin` of a line raises the target's first byte.
     static constexpr int kLevels = 32;
     Buffer<uint8_t> mSlots;
     bool mUsed[kLevels] = {};
@@ -172,22 +172,22 @@ private:
     int64_t mSourceBegin = 0, mSourceEnd = 0;  // columns that a line has
     int64_t mRingBegin = 0;
     int64_t mNextRow = 0;    // the first source row that has not been read
-    int64_t mNextJoint = 0;  // the first one whose ink has not been joined with that of the rows after it
+    int64_t mNextJoint = 0;  // the first row whose ink has not been joined with that of the rows after it
 
-    Buffer<uint8_t> mPassed;  // lines of levels that are only passed through
-    Buffer<uint8_t> mHasInk;  // of the slots
-    Buffer<uint8_t> mInk;     // of the slots: a bit for each patch of a line, whether it has coverage
-    Buffer<uint8_t> mJoint;   // of the slots: the ink of kBatch rows from that one on
+    Buffer<uint8_t> mPassed;  // lines of levels that only lead to higher ones
+    Buffer<uint8_t> mHasInk;  // of the slots: whether they have any coverage
+    Buffer<uint8_t> mInk;     // of the slots: one bit for each patch of a line, set if it has coverage
+    Buffer<uint8_t> mJoint;   // of the slots: the joined ink of kBatch rows from that slot on
     Buffer<uint8_t> mHasJoint;
     int64_t mInkSize = 0;
     Buffer<uint8_t> mAnyInk;  // of all lines
     Buffer<const uint8_t*> mInks;
     Buffer<Line> mLines, mLineOf;
     Buffer<Seen> mSeen;
-    Buffer<int64_t> mWitnesses;  // for each block of the target the source row that filled it last
+    Buffer<int64_t> mWitnesses;  // for each block of the target, the source row that filled it last
 };
 
-// Reads row `index` of the kernel. Cell i brings column mBefore - i to a pixel of the target.
+// Reads row `index` of the kernel. Cell i moves column mBefore - i of the source to a pixel of the target.
 void RingDilation::readKernelRow(int64_t index) {
     const int64_t size = mParam.kernelSize;
     const uint8_t* cells = mParam.kernel + index * size;
@@ -220,7 +220,7 @@ void RingDilation::readKernelRow(int64_t index) {
     if (row.hasRun || row.rampBegin < row.rampEnd) mKernelRows[static_cast<size_t>(mKernelRowCount++)] = row;
 }
 
-// From the centre outwards: the widest runs come first, and with them most of what becomes full.
+// From the centre outwards: the widest runs come first and fill most pixels.
 bool RingDilation::readKernel() {
     const int64_t size = mParam.kernelSize;
     const uint8_t* kernel = mParam.kernel;
@@ -250,8 +250,8 @@ bool RingDilation::readKernel() {
     return true;
 }
 
-// The patches that each kernel row can reach from a block: as small as 64 bits allow. Up to 7 of these are
-// lost because they are read from a byte on.
+// Finds the patches that each kernel row can reach from a block. Patches are as small as 64 bits allow. Up to
+// 7 bits are lost, because the bits are read from a whole byte on.
 void RingDilation::setReaches() {
     constexpr int kBits = 57;
     const int64_t reach = std::max(mBefore, mAfter);
@@ -283,13 +283,13 @@ void RingDilation::setReaches() {
     }
 }
 
-// Where the lines of a slot lie, and from there what the kernel rows read of them.
+// Sets where the lines of a slot lie, and from that where each kernel row reads them.
 void RingDilation::setLevels() {
     mUsed[0] = true;
     int64_t count = 0;
     for (int level = 0; level < mLevelCount; ++level)
         mLevelStart[level] = mUsed[level] ? count++ * mLineSize : 0;
-    // An odd number of cache lines: rows one below the other do not share the same few places of a cache.
+    // An odd number of cache lines, so that rows below one another do not compete for the same cache sets.
     mSlotSize = (count * mLineSize + 2 * kCacheLine - 1) / (2 * kCacheLine) * (2 * kCacheLine) + kCacheLine;
     for (int64_t i = 0; i < mKernelRowCount; ++i) {
         KernelRow& row = mKernelRows[static_cast<size_t>(i)];
@@ -323,7 +323,7 @@ bool RingDilation::makeRows() {
 
 bool RingDilation::prepare(const DilationParam& param) {
     mParam = param;
-    // Coverage 0 has nothing to give unless it is inverted.
+    // Coverage 0 gives nothing unless it is inverted.
     if (param.inverted == 0) mParam.left = mParam.top = mParam.right = mParam.bottom = 0;
     mOriginX = int64_t{param.originX} - mParam.left;
     mColumns = int64_t{mParam.left} + std::max(param.columns, 0) + mParam.right;
@@ -351,7 +351,7 @@ size_t RingDilation::slotOf(int64_t row) const {
     return static_cast<size_t>((row - mRingBegin) % mDepth);
 }
 
-// The columns of a source row that are needed, to their places in the line.
+// Copies the columns of a source row that are needed to their places in the line.
 void RingDilation::copySource(int64_t row, uint8_t* line) const {
     uint8_t* pixels = line + mMargin - mFirstColumn;  // of column 0
     const int64_t left = mParam.left, right = mColumns - mParam.right;
@@ -374,7 +374,7 @@ uint8_t* RingDilation::inkAt(size_t slot) const {
     return mInk.get() + static_cast<int64_t>(slot) * mInkSize;
 }
 
-// Where the slot has ink; whether it has any.
+// Finds the ink of a slot; false if it has none.
 bool RingDilation::makeInk(size_t slot) {
     int64_t bytes = (mLineSize - kVectorPad) / kBlock;
     if (!ZVEX_ON_TARGET(findInk(inkAt(slot), slotAt(slot), bytes))) return false;
@@ -398,7 +398,7 @@ void RingDilation::makeWindows(uint8_t* slot) {
     }
 }
 
-// Takes a source row into the ring. Rows beyond the source are empty.
+// Reads a source row into the ring. Rows beyond the source are empty.
 void RingDilation::enterRow(int64_t row) {
     const size_t slot = slotOf(row);
     uint8_t* lines = slotAt(slot);
@@ -418,7 +418,7 @@ void RingDilation::enterRow(int64_t row) {
     if (slot < kBatch - 1) std::memcpy(lines + mDepth * mSlotSize, lines, static_cast<size_t>(mSlotSize));
 }
 
-// Notes where the kBatch rows from `row` on have ink.
+// Joins the ink of the kBatch rows from `row` on.
 void RingDilation::joinRows(int64_t row) {
     const size_t slot = slotOf(row);
     const uint8_t* inks[kBatch];
@@ -433,7 +433,7 @@ void RingDilation::joinRows(int64_t row) {
     }
 }
 
-// The kernel rows as they lie over the source row `over` and the next ones, those with ink; how many.
+// Places the kernel rows over the source rows from `over` on. Returns the number of those with ink.
 int64_t RingDilation::layLines(int64_t over, int64_t firstOffset, int64_t lastOffset) {
     std::fill_n(mLineOf.get(), lastOffset - firstOffset + 1, Line{nullptr, nullptr, {0, 0}, nullptr});
     int64_t count = 0;

@@ -8,7 +8,7 @@
 namespace Zvex {
 
 // One dilation of a coverage plane by a structuring element of coverage: a glyph grows by the element's
-// shape, its smooth edges kept smooth.
+// shape, and its smooth edges stay smooth.
 struct DilationParam {
     const uint8_t* source = nullptr;  // first pixel to read
     int64_t sourceStride = 0;         // bytes
@@ -26,34 +26,34 @@ struct DilationParam {
 
     int rowBegin = 0, rowEnd = 0;  // half-open, rows of source counted from its first pixel
 
-    // Pixels of coverage 0 on the sides of those rows and columns that count as source pixels too.
+    // Pixels of coverage 0 beside those rows and columns that count as source pixels too.
     int left = 0, top = 0, right = 0, bottom = 0;
 };
 
-// Each byte of target becomes the largest of itself and of max(0, value + cell - 255) over all source pixels
-// of the rows and all cells that fall on it when the kernel is centred on the source pixel. Cells that fall
-// outside target are left out. False, and the target untouched, when memory is short: a few bytes for each
-// column and row of the kernel.
+// For all source pixels of the rows and all cells that lie on a target byte when the kernel is centred on
+// that source pixel: the byte becomes the largest of itself and max(0, value + cell - 255). Cells outside the
+// target are left out. Needs a few bytes for each column and each row of the kernel; returns false and leaves
+// the target unchanged if memory is short.
 bool dilate(const DilationParam& param);
 
-// The same, some rows of the target at a time, for callers who need no plane of it. The kernel may be any
-// bytes. A row of it costs a read or two for its longest run of 255 and one for each further cell, and only
-// where there is coverage within its reach.
+// The same, a few rows of the target at a time, for callers who need no whole plane. The kernel may hold any
+// bytes. Each kernel row costs one or two reads for its longest run of 255 and one for each other cell, and
+// only where there is coverage within its reach.
 class Dilation {
 public:
     static constexpr int kBatch = 8;
 
-    // With memory for all the rows; null when it is short. Reads the kernel and keeps the source, which must
-    // last. `target` is not read.
+    // Allocates for all the rows; null if memory is short. Reads the kernel at once. The source must outlive
+    // the dilation. `target` is not read.
     static std::unique_ptr<Dilation> make(const DilationParam& param);
     virtual ~Dilation() = default;
 
-    // Half-open; the rows of the target that can be raised.
+    // Half-open: the rows of the target that can be raised.
     int64_t firstRow() const { return mFirstRow; }
     int64_t endRow() const { return mEndRow; }
 
-    // Raises up to kBatch rows from `row` on, `target` being the place of the first one's first pixel and
-    // `stride` the bytes from row to row. From firstRow() to endRow(), each row once at most.
+    // Raises up to kBatch rows from `row` on; `target` is the first pixel of the first one, `stride` the
+    // bytes from row to row. Rows must come in order from firstRow() to endRow(), each at most once.
     virtual void raise(int64_t row, int rows, uint8_t* target, int64_t stride) = 0;
 
 protected:

@@ -19,10 +19,10 @@ float cappedRoot(float square, int radius) {
     return square > limit * limit ? limit : std::sqrt(square);
 }
 
-// In a plane of 0 and kEndlessSquare the envelope is the true minimum as long as x^2 and the square of a
-// height fit a float together: all sums and differences are exact, then, and so few that no crossing is
-// rounded across a pixel (two crossings with whole pixels differ by 1 / (2 * 4096) at least, floats below
-// 4096 by no more). This is how many columns that holds for.
+// The envelope of a plane of 0 and kEndlessSquare gives the true minimum as long as the sum of x^2 and a
+// squared height fits a float exactly. Then all sums and differences are exact, and no crossing is rounded
+// across a pixel: two crossings with whole pixels differ by at least 1 / (2 * 4096), and floats below 4096
+// are that fine. This is the number of columns for which that holds.
 constexpr int64_t kExact = 1 << 24;
 
 int exactColumns(int height) {
@@ -31,7 +31,7 @@ int exactColumns(int height) {
     return static_cast<int>(std::sqrt(static_cast<double>(kExact - tallest)));
 }
 
-// The transform, from the true minimum where that is the same and else from the envelope.
+// The transform: from the true minimum where that gives the same, else from the envelope.
 class TransformRows : public DistanceRows {
 public:
     TransformRows(int width, int height, int radius)
@@ -54,11 +54,11 @@ private:
         return squaredDistances(mPlane.get(), mWidth, mHeight);
     }
 
-    // The squares of a row that is too wide, from the pixel that is returned on. That pixel is one of the
-    // nearest full kind, a little before the sums are rounded: it stays in the envelope and hides all that is
+    // Finds the squares of a row that is too wide, from the returned pixel on. That pixel is one of the
+    // nearest full kind, shortly before the sums get rounded. It stays in the envelope and hides all pixels
     // before it.
     int transformEnd() {
-        constexpr int kRoundedSlopes = 16;  // so near the rounded parabolas might push it out
+        constexpr int kRoundedSlopes = 16;  // closer than this, rounded parabolas might hide it
         const int16_t* steps = mFull.steps();
         int first = std::max(mExact - kRoundedSlopes, 0);
         while (first > 0 && steps[first] != 0) --first;

@@ -9,25 +9,27 @@
 
 namespace Zvex {
 
-// The distances of a plane row by row, from the top; nothing of the size of a plane of floats is kept. The
-// plane is given as levels, bytes of packed rows: 0 for a full pixel, from which distances are measured, 1 to
-// 254 for a partly covered one, 255 for any other. It has to fit an int in pixels and to outlive the rows.
+// The distances of a plane, row by row from the top, without keeping a whole plane of floats. The plane is
+// given as levels, in bytes of packed rows: 0 for a full pixel, from which distances are measured, 1 to 254
+// for a partly covered one, 255 for any other. Its number of pixels must fit an int, and it must outlive the
+// rows.
 class DistanceRows {
 public:
     virtual ~DistanceRows() = default;
 
-    // The transform: the distance to the nearest full pixel, or `radius`, at least 1, where it is greater.
-    // All other levels are the same. Costs little for each pixel, hardly more for a large radius; up to a
-    // height of 4095, beyond that it takes the transform of a plane. Null when memory is short.
+    // The transform: the distance to the nearest full pixel, or `radius`, at least 1, if that is less. Other
+    // levels are not told apart. The cost for each pixel is small and hardly grows with the radius up to a
+    // height of 4095; beyond that it transforms a whole plane of floats. Null if memory is short.
     static std::unique_ptr<DistanceRows> transform(const uint8_t* levels, int width, int height, int radius);
 
-    // searchNearest of the plane of the values ramp[level], which rise with the level: ramp[0] is 0,
-    // ramp[255] the radius. `outward`, searchOutward; then ramp[0] is at most 0 and ramp[255] at least 1. The
-    // ramp has to outlive the rows. A radius below 1 leaves the values. Null when memory is short.
+    // searchNearest on the plane of values ramp[level]. The ramp rises with the level: ramp[0] is 0,
+    // ramp[255] the radius. With `outward`, searchOutward; then ramp[0] is at most 0 and ramp[255] at least
+    // 1. The ramp must outlive the rows. A radius below 1 leaves the values unchanged. Null if memory is
+    // short.
     static std::unique_ptr<DistanceRows> search(const uint8_t* levels, int width, int height, int radius,
                                                 const float* ramp, bool outward);
 
-    // Measures the next row. As many calls as there are rows.
+    // Measures the next row. Call it at most once for each row.
     void next() { measure(line(mY)), ++mY; }
     // Row y, one of the last three measured.
     const float* row(int y) const { return line(y); }

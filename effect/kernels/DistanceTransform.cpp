@@ -28,7 +28,7 @@ void LineTransform::run(float* result, const float* values, int count, int first
     bounds[1] = kEndlessSquare;
     for (int q = first + 1; q < count; ++q) {
         float begin = crossing(values, vertices[last], q);
-        // The first one stays whatever the values are: no image's parabolas cross before bounds[0].
+        // The first parabola always stays: no image's parabolas cross before bounds[0].
         while (last > 0 && begin <= bounds[last]) begin = crossing(values, vertices[--last], q);
         ++last;
         vertices[last] = q;

@@ -9,31 +9,31 @@
 namespace Zvex {
 
 // The exact Euclidean distance transform of Felzenszwalb and Huttenlocher (2012): each line becomes the lower
-// envelope of the parabolas over its pixels. It costs the same whatever the distances are, and it knows full
-// pixels only: see DistanceSearch.h for the fractions of partly covered ones.
+// envelope of the parabolas over its pixels. The cost does not depend on the distances. It handles full
+// pixels only; see DistanceSearch.h for the fractions of partly covered ones.
 
-// What stands for "no distance" in a plane; its square root exceeds any picture.
+// Stands for "no distance" in a plane; its square root exceeds any picture.
 constexpr float kEndlessSquare = 1e20f;
 
-// result[q] = the smallest of values[p] + (q - p)^2, in squared pixels. The arrays must not overlap. count
-// below 1 writes nothing. The envelope is found in single precision: near the place where two parabolas
-// cross, and in rows of several thousand pixels, the other one may be read, a little above the true minimum.
-// False when memory is short, with nothing written.
+// result[q] = the smallest of values[p] + (q - p)^2, in squared pixels. The arrays must not overlap. A count
+// below 1 writes nothing. The envelope is found in single precision: close to the crossing of two parabolas,
+// and in rows of several thousand pixels, it may take the wrong one of the two, slightly above the true
+// minimum. False, with nothing written, if memory is short.
 bool squaredDistances(float* result, const float* values, int count);
 
-// The same over a plane of packed rows, columns first, then rows, in place: with kEndlessSquare on the pixels
-// of one kind and 0 on those of the other, each of the former becomes its squared distance to the nearest of
-// the latter. Null planes and empty sizes are left alone.
+// The same over a plane of packed rows, columns first, then rows, in place. Set the pixels of one kind to 0
+// and the others to kEndlessSquare: each of the others becomes its squared distance to the nearest pixel of
+// the first kind. Null planes and empty sizes are left alone.
 bool squaredDistances(float* plane, int width, int height);
 
-// The transform of single lines, with the memory for it.
+// The transform of single lines, with its memory.
 class LineTransform {
 public:
     // For lines of up to `longest` pixels.
     bool allocate(int longest) {
         return mVertices.allocate(longest) && mBounds.allocate(int64_t{longest} + 1);
     }
-    // See squaredDistances. From `first` on, as if the line began there.
+    // See squaredDistances. With `first`, as if the line began at that pixel.
     void run(float* result, const float* values, int count, int first = 0) const;
 
 private:

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// A separable blur, 2 * radius + 1 taps a pass; see GaussianKernels.inc for how they are added. Windows
-// without coverage are not summed. The definition is tests/reference/GaussianReference.h.
+// A separable blur with 2 * radius + 1 taps in each pass. GaussianKernels.inc explains how they are added.
+// Windows without coverage are skipped. The plain form is tests/reference/GaussianReference.h.
 
 #include "effect/kernels/Gaussian.h"
 
@@ -19,7 +19,7 @@ namespace {
 
 constexpr double kLn100 = 4.60517;
 
-// Of the weights: 255 times it, the largest possible sum, fits 32 bits.
+// The largest total of the weights: 255 times it, the largest possible sum, fits 32 bits.
 constexpr int64_t kMaxTotal = UINT32_MAX / 255;
 
 // See Divisor.
@@ -34,14 +34,14 @@ Divisor divisorOf(uint32_t total) {
     return divisor;
 }
 
-// Scratch of the kernels: the weights and their sums in groups, then a strip. Of no build do they need more.
+// Scratch memory of the kernels: the weights and their sums in groups, then a strip. Enough for every build.
 constexpr int64_t kCacheLine = 64;
 
 int64_t weightBytes(int radius) {
     return (8 * (2 * int64_t{radius} + 12) / kCacheLine + 1) * kCacheLine;
 }
 
-// `length` windows along the strip.
+// A strip of `length` windows.
 int64_t stripBytes(int radius, int length) {
     return kCacheLine * (int64_t{length} + 2 * int64_t{radius} + 2 * kCacheLine);
 }
@@ -89,7 +89,7 @@ bool Gaussian::make(int newRadius, int scale, GaussianConstant constant) {
 
 bool Blur::prepare(const Gaussian& kernel, int width, int height) {
     mKernel = &kernel;
-    // The kernels count pixels in ints, those of the windows around the target included.
+    // The kernels count pixels in ints, including those of the windows around the target.
     if (std::max(width, height) + 2 * int64_t{kernel.radius} + 1024 > INT32_MAX) return false;
     return mScratch.allocate(weightBytes(kernel.radius) + kCacheLine +
                              stripBytes(kernel.radius, std::max(width, height)));
@@ -110,7 +110,7 @@ void Blur::columns(const BlurPass& pass) {
 }
 
 int blurBandRows(const Gaussian& kernel) {
-    constexpr int64_t kStrip = 64, kMostStrips = 4;  // the kernels' largest
+    constexpr int64_t kStrip = 64, kMostStrips = 4;  // the largest of all builds
     const int64_t strips = (64 + int64_t{kernel.radius} / 2 + kStrip / 2) / kStrip;
     return static_cast<int>(kStrip * std::min(strips, kMostStrips));
 }
@@ -125,7 +125,7 @@ bool blurPlane(const BlurParam& p) {
         const int rows = std::min(band, height - y);
         const ptrdiff_t first = ptrdiff_t{p.yBegin + y} * p.stride + p.xBegin;
         uint8_t* target = p.target + first;
-        // Inverted twice, a nearly full source is nearly empty.
+        // A nearly full source is nearly empty once inverted; the second pass inverts it back.
         blur.columns({p.source + first - ptrdiff_t{radius} * p.stride, p.stride, -radius, rows + radius,
                       target, p.stride, width, rows, p.inverted, false});
         blur.rows({target, p.stride, 0, width, target, p.stride, width, rows, false, p.inverted});

@@ -9,18 +9,18 @@
 
 namespace Zvex {
 
-// The integer Gaussian of the shadows, the glows, the bevel and the emboss, and the separable blur with it.
-// The middle weight is `scale`, the outermost one hundredth of it.
+// The integer Gaussian of the shadows, the glows, the bevel and the emboss, and the separable blur that uses
+// it. The middle weight is `scale`, the outermost one hundredth of that.
 
-// The weights are made in single precision but for the constant ln 100 and the product with the scale, which
-// some effects take in double: a weight of a kernel of radius 963 or more can differ by one.
+// Weights are made in single precision. Some effects take the constant ln 100 and the product with the scale
+// in double; then a weight of a kernel of radius 963 or more can differ by one.
 enum class GaussianConstant { Single, Double };
 
-// How the weighted sums are divided by the weights' total: floor(sum / total) is
-// sum * multiplier >> (32 + shift), exactly, for every sum below 256 * total. With 2^shift < total <=
-// 2^(shift + 1) and multiplier = ceil(2^(32 + shift) / total), the product exceeds sum / total by less than
-// 1 / total as long as sum * (multiplier * total - 2^(32 + shift)) < 2^(32 + shift); a total up to 2^23 sees
-// to that. For larger totals the multiplier is 0, and the sums are divided.
+// How the weighted sums are divided by the weights' total. For every sum below 256 * total, floor(sum /
+// total) is exactly sum * multiplier >> (32 + shift), where 2^shift < total <= 2^(shift + 1) and multiplier =
+// ceil(2^(32 + shift) / total). The proof: the product exceeds sum / total by less than 1 / total as long as
+// sum * (multiplier * total - 2^(32 + shift)) < 2^(32 + shift), which a total up to 2^23 ensures. For larger
+// totals the multiplier is 0 and the sums are divided.
 struct Divisor {
     uint32_t multiplier = 0;
     int shift = 0;
@@ -28,37 +28,37 @@ struct Divisor {
 
 struct Gaussian {
     int radius = 0;       // pixels
-    uint32_t total = 0;   // weights[0] + 2 * (weights[1] + ... + weights[radius]): divides every sum
+    uint32_t total = 0;   // weights[0] + 2 * (weights[1] + ... + weights[radius]); every sum is divided by it
     Divisor divisor;      // by total
     Buffer<int> weights;  // radius + 1, from the middle outwards; a byte each
 
     // weights[i] = scale * exp(-i * i * ln 100 / radius^2), rounded half up; scale is at most 128. A radius
-    // below 1 gives the middle weight alone. False when memory is short or when 255 * total would not fit 32
-    // bits (radii of more than a hundred thousand).
+    // below 1 gives the middle weight alone. False if memory is short, or if 255 * total does not fit 32 bits
+    // (radii of more than a hundred thousand).
     bool make(int radius, int scale, GaussianConstant constant);
 };
 
-// One pass of the blur: the windows run along the rows or down the columns. Target pixel t, counted along the
-// windows from the first one of the target, lies in the middle of the window of the source pixels t - radius
-// to t + radius; the source has the pixels sourceBegin..sourceEnd - 1, `source` being the first of these, and
-// no coverage elsewhere.
+// One pass of the blur; its windows run along the rows or down the columns. Pixels are counted along the
+// windows from the target's first pixel. The window of target pixel t holds the source pixels t - radius to t
+// + radius. The source has the pixels sourceBegin..sourceEnd - 1, the first of them at `source`, and no
+// coverage elsewhere.
 struct BlurPass {
     const uint8_t* source;
     ptrdiff_t sourceStride;  // bytes
     int sourceBegin, sourceEnd;
-    uint8_t* target;  // a pass along the rows may write over its source row by row, with the source's stride
+    uint8_t* target;  // a pass along the rows may overwrite its source if the strides are equal
     ptrdiff_t targetStride;
     int width, height;    // pixels of the target
     bool sourceInverted;  // a pixel counts as 255 minus its value
-    // The means are rounded down. Inverted, the result is 255 minus the mean, subtracted before the division.
+    // Means are rounded down. If inverted, the result is 255 minus the mean, subtracted before the division.
     bool inverted;
 };
 
 // Passes that share one kernel and their memory.
 class Blur {
 public:
-    // For targets of at most `width` x `height` pixels, along rows and columns. False when memory is short.
-    // The kernel must outlive the passes.
+    // For targets of at most `width` x `height` pixels, along rows and columns. False if memory is short. The
+    // kernel must outlive the passes.
     bool prepare(const Gaussian& kernel, int width, int height);
 
     void rows(const BlurPass& pass);
@@ -70,7 +70,7 @@ private:
 };
 
 // The best number of rows for one pass down the columns: few enough to stay in the cache until the next step,
-// many enough that the rows around them are seldom read again.
+// enough that the rows around them are seldom read again.
 int blurBandRows(const Gaussian& kernel);
 
 // Both passes over a rectangle of a plane. Planes are 8-bit, rows packed.
@@ -79,16 +79,16 @@ struct BlurParam {
     uint8_t* target;        // of the same size; must not overlap source
     int stride;             // bytes, the width of both planes
     const Gaussian* kernel;
-    // For each of the two passes: the result is the blur again, rounded another way.
+    // For each of the two passes: the result is the blur again, rounded differently.
     bool inverted;
     int xBegin, xEnd;  // half-open, columns to write
-    int yBegin, yEnd;  // half-open, rows to write, last so that rows can be split
+    int yBegin, yEnd;  // half-open, rows to write; they can be split
 };
 
-// Blurs columns, then rows; each pass is the weighted sum divided by `total`, rounded down. The rectangle
+// Blurs columns, then rows. Each pass is the weighted sum divided by `total`, rounded down. The rectangle
 // must keep kernel->radius away from the top and the bottom of the plane, and no window may leave the row. In
-// the second pass, columns outside xBegin..xEnd - 1 count as 0. Writes nothing outside the rectangle, nothing
-// at all when that is empty. False when memory is short, with target untouched.
+// the second pass, columns outside xBegin..xEnd - 1 count as 0. Nothing outside the rectangle is written.
+// False, with the target unchanged, if memory is short.
 bool blurPlane(const BlurParam& param);
 
 }  // namespace Zvex

@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // Box sums spread the coverage, a Gaussian smooths it, and a table of colours makes the picture. The inner
-// glow does the same to the coverage of everything but the text. With r = (int)size + 1:
+// glow does the same to 255 minus the coverage. With r = (int)size + 1:
 //
 //     |<- 0.9 r ->|<- 1.1 r ->|<- text box ->|<- 1.1 r ->|<- 0.9 r ->|
 //     ^ border: not blurred    ^ spread: 0.475 r by the box sums, 0.9 r by the Gaussian
 //
-// The box sums spread by a pixel a pass, with one pass for every second pixel of the size; their plane is the
-// text box with that margin. All passes over a few rows are made before the next rows are read, and only
-// where something changes: along the outlines. The definition is
+// Each pass of the box sums spreads by one pixel, and there is one pass for every two pixels of the size.
+// Their plane is the text box with that margin. All passes are made over a few rows before the next rows are
+// read, and only where something changes, which is along the outlines. The plain form is
 // tests/reference/GlowReference.h.
 
 #include "effect/kernels/Glow.h"
@@ -44,10 +44,10 @@ constexpr double kPassesOfReach = 0.475;
 constexpr float kBlurOfReach = 0.9f;
 constexpr int kGaussianScale = 128;
 
-// What the border around the blurred pixels shows.
+// The value of the border around the blurred pixels.
 constexpr uint32_t kBorderOutside = 0, kBorderInside = 0xFFFFFFFF;
 
-// Scales the alpha of the entries: unchanged up to the start, then falling in a straight line.
+// Scales the alpha of the entries: unchanged up to the start, then falling linearly.
 void fade(uint32_t* table, float start) {
     if (start >= 1.0f) start = kMostFadeStart;
     if (!(start > 0.0f)) start = kLeastFadeStart;
@@ -58,16 +58,16 @@ void fade(uint32_t* table, float start) {
     }
 }
 
-// The box filter on 255 minus an image, for images that are nearly full: the sum of the nine inverses
-// is n = 9 * 255 - sum, and 255 - min(sum >> 2, 255) is n - kInverseLoss over four, cut off, or 0.
+// The box filter on 255 minus an image, for images that are nearly full: the sum of the nine inverses is n =
+// 9 * 255 - sum. Then 255 - min(sum >> 2, 255) is (n - kInverseLoss) / 4, rounded down, but at least 0.
 constexpr uint16_t kInverseLoss = 9 * 255 - 4 * 255 - 3;
 
 struct Widening {
-    uint8_t* image;  // changed in place, but for its first and its last row
+    uint8_t* image;  // changed in place, except for its first and last row
     ptrdiff_t stride;
     int width, height, passes;
     bool inverse;   // the image is the inverse of the one to widen
-    uint16_t edge;  // what the other rows' first and last pixels become
+    uint16_t edge;  // the new value of the other rows' first and last pixels
 };
 
 // The kernels look at this many rows at a time, in blocks of 8 or 16 pixels, eight blocks at a time.
@@ -76,7 +76,7 @@ constexpr int kWideningGroup = 8;
 #define ZVEX_KERNELS "effect/kernels/GlowKernels.inc"
 #include "raster/ForEachTarget.h"
 
-// False, with the image untouched, when memory is short.
+// False, with the image unchanged, if memory is short.
 bool widen(const Widening& w) {
     constexpr int64_t kLargestBlock = 16, kSmallestBlock = 8;
     const int64_t width = (w.width + 8 * kLargestBlock - 1) / (8 * kLargestBlock) * (8 * kLargestBlock);
@@ -89,10 +89,10 @@ bool widen(const Widening& w) {
     return true;
 }
 
-// What a glow is made of, in pixels of its working area.
+// Makes a glow from its settings; sizes are in pixels of its working area.
 class GlowRows : public LayerRows {
 public:
-    // False when no part of it is visible or memory is short.
+    // False if no part of it is visible or if memory is short.
     bool make(const ZvECore::ParamPostProcessing& param, const ZvGlowProperty& property, GlowSide side);
 
     void draw(RowRange rows, const PictureStrip& target, const PictureStrip* other) override;
@@ -111,7 +111,7 @@ private:
     WorkingArea mArea;
     bool mInside = false;
     int mPasses = 0;
-    int mSource = 0;  // where the plane that the passes work on begins, on all sides: no pass leaves it
+    int mSource = 0;  // on all sides, where the plane of the passes begins; no pass writes outside it
     int mLeft = 0, mTop = 0, mRight = 0, mBottom = 0;    // the part of the area that is seen
     int mXBegin = 0, mXEnd = 0, mYBegin = 0, mYEnd = 0;  // the part of that which is blurred, not border
     Gaussian mKernel;
@@ -123,7 +123,7 @@ private:
     uint32_t mColors[kColorTableSize] = {};  // premultiplied, from none to the strongest
 };
 
-// Finds the parts of the area that are on the target.
+// Finds the parts of the area that lie on the target.
 bool GlowRows::placeWithin(const ZvBitmap& target) {
     mLeft = clampToInt(std::max<int64_t>(0, -int64_t{mArea.x}));
     mTop = clampToInt(std::max<int64_t>(0, -int64_t{mArea.y}));
@@ -138,7 +138,7 @@ bool GlowRows::placeWithin(const ZvBitmap& target) {
 
 bool GlowRows::make(const ZvECore::ParamPostProcessing& param, const ZvGlowProperty& property,
                     GlowSide side) {
-    // From 1 on; a size beyond the ints makes an area that is refused.
+    // At least 1. A size beyond the ints makes an area that is refused.
     const int64_t reach = int64_t{truncateToInt(property.size)} + 1;
     if (!mArea.grow(*param.textRect, 2 * reach)) return false;
     mInside = side == GlowSide::Inside;
@@ -159,8 +159,8 @@ bool GlowRows::make(const ZvECore::ParamPostProcessing& param, const ZvGlowPrope
 }
 
 // The inner glow is the glow of 255 minus the coverage. The passes work on the coverage itself: they leave
-// little of it, and empty blocks cost nothing. They make the outermost columns 0, which is full in the
-// inverse; that shows only where there is no blur.
+// little of it, and empty blocks cost nothing. They set the outermost columns to 0, which is full in the
+// inverse; that shows only if there is no blur.
 bool GlowRows::widenCoverage(const ZvECore::ParamPostProcessing& param) {
     const int width = sourceWidth(), height = sourceHeight();
     if (!mWidened.allocateZeroed(height, width)) return false;
