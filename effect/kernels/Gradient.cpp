@@ -55,7 +55,7 @@ void GradientRows::setRadial(float entriesOfPixel) {
     mRight = entriesOfPixel;
 }
 
-// A row at a time, so that it is still in the cache when it is blended.
+// One row at a time, so that it is still in the cache when it is blended.
 void GradientRows::draw(RowRange rows, const PictureStrip& target, const PictureStrip*) {
     const RowRange visible = rows.within(0, mPart.bottom);
     const int first = mPart.left - mArea.x, count = widthOf(mPart);

@@ -13,26 +13,25 @@
 
 namespace Zvex {
 
-// Both gradient fills: a covered pixel of the text box takes a colour of a table by its position. Any
-// coverage counts as full here; the text layer, or the joining of the two layers, scales edge pixels
-// afterwards.
+// Both gradient fills: each covered pixel of the text box takes a colour from a table by its position. Any
+// coverage counts as full here; edge pixels are scaled later, by the text layer or when the two layers are
+// joined.
 class GradientRows : public LayerRows {
 public:
-    // Whether the settings and the bitmaps are there to draw; the scale must be 0.1 or more.
+    // Whether the settings and bitmaps allow drawing; the scale must be at least 0.1.
     static bool isDrawable(const ZvECore::ParamPostProcessing* param, const ZvGradientFillProperty* property);
 
-    // False when memory is short. The stops are not used afterwards.
+    // False if memory is short. Does not keep the stops.
     bool make(const ZvECore::ParamPostProcessing& param, const ZvGradientFillProperty& property);
 
     // Sides of the text box in pixels.
     float width() const { return static_cast<float>(mArea.width); }
     float height() const { return static_cast<float>(mArea.height); }
 
-    // The fill: a pixel whose top-left lies at (dx, dy) from the middle of the box takes the table entry, its
-    // fraction cut off, down * dy + right * dx beyond the middle one, or entriesOfPixel times the distance.
-    // Pixels beyond the ends of the table take its first entry or the one before its last, which is never
-    // drawn. Single precision.
-    // False when memory is short.
+    // The fill. For a pixel whose top-left is at (dx, dy) from the middle of the box, take `down` * dy +
+    // `right` * dx, or entriesOfPixel times the distance, and cut off its fraction. The pixel takes the table
+    // entry that many entries after the middle one. Before the table's start it takes the first entry, beyond
+    // its end the one before the last; the last is never drawn. Single precision. False if memory is short.
     bool setLinear(float down, float right);
     void setRadial(float entriesOfPixel);
 
@@ -41,13 +40,13 @@ public:
 
 private:
     WorkingArea mArea;  // the text box
-    ZvRect mPart;       // of it, on the mask
+    ZvRect mPart;       // the part of it on the mask
     const ZvBitmap* mMask = nullptr;
     uint32_t mColors[kColorTableSize] = {};  // premultiplied
-    Buffer<uint32_t> mRow;                   // of that part, premultiplied, 0 where nothing is covered
-    Buffer<uint32_t> mSame;  // what all rows would be if they were covered; null where they differ
+    Buffer<uint32_t> mRow;                   // of that part, premultiplied; 0 without coverage
+    Buffer<uint32_t> mSame;  // the colours of all rows if they are the same, coverage aside; else null
     bool mRadial = false;
-    float mDown = 0, mRight = 0;  // the radial fill has its entries in `mRight`
+    float mDown = 0, mRight = 0;  // in the radial fill `mRight` holds the entries per pixel
 };
 
 }  // namespace Zvex

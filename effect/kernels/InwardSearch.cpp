@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // Inward: from the distances around the glyphs to the pixels below 0 within them. Every pixel p above 1 is a
-// seed of the negative value, see SearchWindow.h: q's best candidate is the smallest |q - p| - value(p). On a
-// slope nearly all but the ray across the edge is hidden, and there all are looked at, as their roundings
-// decide.
+// seed of value -value(p), see SearchWindow.h; the best candidate of q is the smallest |q - p| - value(p). On
+// a slope nearly everything except the ray across the edge is hidden. On that ray all candidates are
+// examined, because their roundings decide.
 //
-// Seeds are taken a strip of kStrip pixels at a time, with the least of their advantages: a strip hides what
-// each of its pixels hides, or less. More than what is visible may be looked at, as all are pixels of the
-// window.
+// Seeds are taken in strips of kStrip pixels, with the smallest advantages of the strip: then a strip hides
+// no more than each of its pixels does. It may examine more than is visible, which does no harm: all are
+// pixels of the window.
 
 #include <algorithm>
 #include <cstddef>
@@ -25,26 +25,26 @@ namespace {
 
 constexpr int kStrip = 16;
 
-// Windows up to this reach are looked through whole.
+// Windows up to this reach are searched whole.
 constexpr int kLastWholeReach = 8;
 
-// A row of seeds: their values, and less than all numbers for what is no seed.
+// A row of seeds: their values, and minus infinity where there is no seed.
 struct SeedRow {
-    const float *above, *here, *below;  // with the rows next to it
-    // Of each strip, the rows down to the next one with pixels below 0, of every row from firstRow to the
-    // last one searched.
+    const float *above, *here, *below;  // this row and its neighbours
+    // For each strip, the number of rows down to the next one with pixels below 0. There is such a line for
+    // every row from firstRow to the last one searched.
     const int16_t* gaps;
-    const int16_t *up, *down;  // the least, either way, of all strips within the reach to the left and right
+    const int16_t *up, *down;  // the fewest rows up and down, of all strips within the reach on either side
     int firstRow, strips;
 };
 
 #define ZVEX_KERNELS "effect/kernels/InwardKernels.inc"
 #include "raster/ForEachTarget.h"
 
-// The best candidates of each row's pixels, row by row.
+// The best candidates of all pixels, row by row.
 class InwardRows {
 public:
-    // For the rows begin..end - 1. The roots have to outlive it. False when memory is short.
+    // For the rows begin..end - 1. The roots must outlive it. False if memory is short.
     bool make(const DistanceSearch& s, const WindowRoots& roots, int begin, int end) {
         mSearch = s;
         mReach = roots.reachY();
@@ -57,7 +57,8 @@ public:
                makeHigh(roots.reachX()) && mRows.make(roots, s.width, begin, end);
     }
 
-    // Goes to the next row, the first one to begin with. False, and no further, if a value is infinite.
+    // Moves to the next row; at the first call, to the first one. Stops and returns false if a value is
+    // infinite.
     bool next() {
         ++mY;
         const int64_t until = std::min<int64_t>(int64_t{mY} + mReach, mLast);
@@ -69,11 +70,11 @@ public:
         }
         return true;
     }
-    // Of that row.
+    // The candidates of that row.
     const float* candidates() const { return mRows.row(mY); }
 
 private:
-    // Over the rows before those to search, too, to look down from.
+    // Also covers the rows before the searched ones: gaps are counted downwards from there.
     bool makeGaps(int begin, int end, int reachX) {
         const int width = mSearch.width;
         mStrips = (width - 1) / kStrip + 1;
@@ -139,14 +140,14 @@ private:
     float* mHighBegin = nullptr;
     int64_t mHighSpan = 0;
     Buffer<int16_t> mGaps, mNone, mUp, mDown, mLeast;  // see SeedRow
-    int16_t mFar = 0;                                  // more than the reach
-    int mStrips = 0, mReachStrips = 0;                 // of a row, of a window to one side
+    int16_t mFar = 0;                                  // one more than the reach
+    int mStrips = 0, mReachStrips = 0;                 // strips of a row; strips of a window, to one side
     int mReach = 0;                                    // rows
-    int mY = 0, mPrepared = 0;                         // the row at hand, the next one to fill
+    int mY = 0, mPrepared = 0;                         // the current row, and the next one to fill
     int mFirst = 0, mNext = 0, mLast = 0;              // the rows of seeds
 };
 
-// The search of one row as it is defined, in place.
+// The search of one row exactly as it is defined, in place.
 void searchRow(const DistanceSearch& s, const WindowRoots& roots, int y) {
     const int64_t reachX = roots.reachX(), reachY = roots.reachY();
     const int64_t top = std::max<int64_t>(0, y - reachY),
@@ -154,7 +155,7 @@ void searchRow(const DistanceSearch& s, const WindowRoots& roots, int y) {
     for (int x = 0; x < s.width; ++x) {
         float& value = s.plane[ptrdiff_t{y} * s.width + x];
         if (!(value < 0.0f)) continue;
-        float best = value;  // the pixel itself is in the window, but counts only as what it was
+        float best = value;  // the pixel lies in its own window but counts only with its old value
         const int64_t left = std::max<int64_t>(0, x - reachX),
                       right = std::min<int64_t>(s.width, x + reachX + 1);
         for (int64_t otherY = top; otherY < bottom; ++otherY) {
@@ -168,8 +169,8 @@ void searchRow(const DistanceSearch& s, const WindowRoots& roots, int y) {
     }
 }
 
-// Rows from y on by looking through whole windows, until a row in which a pixel would rise above 1, which y
-// is then, or `end`. False when memory is short.
+// Searches whole windows, from row y on. Stops at `end`, or at a row in which a pixel would rise above 1, and
+// sets y to where it stopped. False if memory is short.
 bool searchWindows(const DistanceSearch& s, const WindowRoots& roots, int& y, int end) {
     Buffer<float> highRow, least;
     const int reachX = roots.reachX(), reachY = roots.reachY();
@@ -196,8 +197,8 @@ bool searchWindows(const DistanceSearch& s, const WindowRoots& roots, int& y, in
 
 }  // namespace
 
-// The order of the search counts only once a pixel rises above 1. Until one would, a row's pixels are found
-// side by side; from such a row on all is done one pixel after the other.
+// The order of the search matters only once a pixel rises above 1. Until then, a row's pixels are computed
+// side by side. From the first such row on, they are computed one after another.
 bool searchInward(const DistanceSearch& s) {
     const int begin = std::max(s.rowBegin, 0), end = std::min(s.rowEnd, s.height);
     if (s.plane == nullptr || s.width < 1 || s.radius < 1 || begin >= end) return true;

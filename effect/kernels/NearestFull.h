@@ -8,9 +8,9 @@
 
 namespace Zvex {
 
-// The distance to the nearest full pixel (one at or below 0) within a window, row by row from the top. Each
-// column is searched first, by steps down and up, then each row, by squares; the result is a function of the
-// square, looked up in a table or the root. It rises with the square, so the smallest square wins.
+// The distance to the nearest full pixel (one at or below 0) within a window, row by row from the top. First
+// the columns are searched, by steps down and up, then each row, by squares. The square becomes a distance by
+// a table or a square root. The distance rises with the square, so the smallest square wins.
 class NearestFull {
 public:
     // Whether a window's squares fit the arithmetic.
@@ -18,17 +18,18 @@ public:
         return reachX * reachX + reachY * reachY < kFar && reachY < INT16_MAX - 1;
     }
 
-    // For the rows `first` to `last` of a plane, of bytes or of floats. Steps are counted up to `most`, above
-    // reachY. False when memory is short.
+    // Prepares the rows `first` to `last` of a plane, of bytes or of floats. Steps are counted up to `most`,
+    // which is above reachY. False if memory is short.
     template <typename Value>
     bool make(const Value* plane, int width, int first, int last, int reachX, int reachY, int most);
 
-    // Goes to the next row, the first one to begin with. Whether any full pixel is within its reach.
+    // Moves to the next row; at the first call, to the first one. Returns whether any full pixel is within
+    // its reach.
     bool next();
-    // Of that row, the steps to the nearest full pixel in each column.
+    // The steps to the nearest full pixel in each column of that row.
     const int16_t* steps() const { return mCurrent.get(); }
-    // Of that row, the distances: of squares up to `last` the entries of `roots`, or without that table their
-    // square roots; else `far`. Writes up to 63 floats beyond the row.
+    // The distances of that row. A square up to `last` gives its entry in `roots`, or its square root if
+    // `roots` is null; a larger one gives `far`. Writes up to 63 floats beyond the row.
     void distances(float* row, const float* roots, int last, float far) const;
 
 private:
@@ -43,7 +44,7 @@ private:
     int32_t* wide() const;
 
     Buffer<int16_t> mSteps, mCurrent;
-    Buffer<int16_t> mNarrowLine;  // the squares of a row; one of the two
+    Buffer<int16_t> mNarrowLine;  // the squares of a row are in one of these two
     Buffer<int32_t> mWideLine;
     const int16_t* mNext = nullptr;
     int mWidth = 0, mReachX = 0, mNone = 0;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Outward: from the full pixels and the partly covered ones to the ground around them. Full pixels, all of
-// value 0, are found by squares in integers; the partly covered ones are seeds, see SearchWindow.h.
+// Outward: from the full and the partly covered pixels to the ground around them. Full pixels, all of value
+// 0, are found with integer squares. Partly covered pixels are seeds, see SearchWindow.h.
 
 #include "effect/kernels/OutwardSearch.h"
 
@@ -38,7 +38,7 @@ float valueAt(const ValuePlane& plane, ptrdiff_t at) {
     return plane.pixels[at];
 }
 
-// The high bits of the bytes that are not 0.
+// The high bit of each byte that is not 0.
 uint64_t filledBytes(uint64_t word) {
     constexpr uint64_t kLow = 0x7F7F7F7F7F7F7F7Fu;
     return (((word & kLow) + kLow) | word) & ~kLow;
@@ -175,8 +175,8 @@ void OutwardRows::prepare(int y) {
 
 namespace {
 
-// Has keep(values, nearest, width) make a row's new values of its best candidates. No seed and no full pixel
-// changes during a search.
+// For each row, calls keep(values, nearest, width) to compute its new values from the best candidates. No
+// seed and no full pixel changes during a search.
 template <typename Keep>
 bool searchRows(const DistanceSearch& s, Keep keep) {
     const int begin = std::max(s.rowBegin, 0), end = std::min(s.rowEnd, s.height);

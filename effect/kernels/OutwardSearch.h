@@ -18,9 +18,9 @@ struct Seed {
     Advantages advantages;
 };
 
-// Where seeds come from: a plane of levels with the values that they stand for, or of values.
+// Where seeds come from: a plane of levels with a ramp that gives their values, or a plane of values.
 struct LevelPlane {
-    const uint8_t* pixels;  // 0 is full, 255 neither that nor a seed
+    const uint8_t* pixels;  // 0 is full, 255 neither full nor a seed
     const float* ramp;      // 256 values
 };
 struct ValuePlane {
@@ -30,7 +30,7 @@ struct ValuePlane {
 // The seeds of some rows of a plane, row by row.
 class Seeds {
 public:
-    // Takes those of the rows `first` to `last`. False when memory is short.
+    // Reads the seeds of the rows `first` to `last`. False if memory is short.
     template <typename Plane>
     bool collect(const Plane& plane, int width, int height, int first, int last);
 
@@ -43,20 +43,22 @@ private:
     int mFirst = 0;
 };
 
-// The best candidate of every pixel, row by row: the smallest of the distances to the full pixels of its
-// window and of the values of the seeds there plus the distances to these.
+// The best candidate of every pixel, row by row. Candidates are the distances to the full pixels of its
+// window, and for each seed of the window its value plus the distance to it; the smallest is the best.
 class OutwardRows {
 public:
-    // For the rows begin..end - 1. Distances from `limit` on are not wanted. False when memory is short, or
-    // the window is larger than NearestFull takes.
+    // For the rows begin..end - 1. Distances from `limit` on are not needed. False if memory is short or the
+    // window is larger than NearestFull takes.
     template <typename Plane>
     bool make(const Plane& plane, int width, int height, int radius, float limit, int begin, int end);
 
-    // The next row; infinity where the window has nothing. Null if it has nothing anywhere.
+    // The candidates of the next row; infinity where the window has none. Null if no window of the row has
+    // any.
     const float* next();
 
-    // The next row of values, of a plane of levels: searchNearest or, if `outward`, searchOutward of what the
-    // ramp makes of the levels. Writes up to 63 floats beyond the row.
+    // The values of the next row, for a plane of levels. They are the result of searchNearest, or of
+    // searchOutward if `outward`, on the values that the ramp gives the levels. Writes up to 63 floats beyond
+    // the row.
     void next(float* row, const float* ramp, bool outward);
 
 private:
@@ -66,12 +68,12 @@ private:
     WindowRoots mRoots;
     WindowVisibility mVisibility;
     CandidateRows mRows;
-    Buffer<bool> mFound;       // whether a row of the ring has any candidate
-    Buffer<float> mDistances;  // of each square that is the sum of two within the reach
+    Buffer<bool> mFound;       // whether a row of the ring has candidates
+    Buffer<float> mDistances;  // for each square that is the sum of two within the reach
     NearestFull mFull;
     Seeds mSeeds;
-    int mNextSeeded = 0, mLastSeeded = 0;  // the next row whose seeds are to be written, the last one
-    int mPrepared = 0;                     // the next row to fill with the distances to full pixels
+    int mNextSeeded = 0, mLastSeeded = 0;  // the next row whose seeds are to be written, and the last one
+    int mPrepared = 0;                     // the next row to fill with distances to full pixels
     int mWidth = 0, mHeight = 0, mY = 0, mLastSquare = 0;
 };
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// Each column and row has two neighbours and a weight, computed once. A pattern that repeats within the box
-// is mixed once, when its row is first needed, and copied afterwards; otherwise only covered stretches are
-// mixed. The definition is tests/reference/PatternReference.h.
+// Each column and row of the box has two neighbours in the pattern and a weight, computed once. If the
+// pattern repeats within the box, a row is mixed when it is first needed and copied afterwards; otherwise
+// only runs of covered pixels are mixed. The plain form is tests/reference/PatternReference.h.
 
 #include "effect/kernels/PatternTile.h"
 
@@ -18,39 +18,39 @@ namespace Zvex {
 namespace {
 
 constexpr double kMinScale = 0.1;
-constexpr float kFirstWhole = 8388608;  // from here on floats have no fraction
-constexpr int64_t kLeastColumns = 256;  // of a tile: shorter ones are repeated in it
+constexpr float kFirstWhole = 8388608;  // floats from here on have no fraction
+constexpr int64_t kLeastColumns = 256;  // of a tile: shorter patterns are repeated in it
 
 #define ZVEX_KERNELS "effect/kernels/PatternKernels.inc"
 #include "raster/ForEachTarget.h"
 
 using TargetBaseline::kStrip;
 
-// The two columns (or rows) of the pattern that make one of the box.
+// The two columns (or rows) of the pattern that a column (or row) of the box is mixed from.
 struct Sample {
     uint32_t first, second;  // columns (rows) of the pattern
-    uint32_t weight;         // of the second, 0..254; the first has the rest of 255
+    uint32_t weight;         // of the second, 0..254; the first has 255 minus this
 };
 
-// Pixels between two repeats of a side of the pattern.
+// Pixels until one side of the pattern repeats.
 int periodOf(float scale, uint32_t size) {
     return truncateToInt(scale * static_cast<float>(size));
 }
 
 Sample sampleAt(int pixel, float scale, uint32_t size) {
     const float place = static_cast<float>(pixel % periodOf(scale, size)) / scale;
-    // Not std::floor, a call on machines without an instruction for it.
+    // Not std::floor, which is a function call on machines without an instruction for it.
     const float whole = place < kFirstWhole ? static_cast<float>(static_cast<int>(place)) : place;
     Sample sample;
-    // From millions of pixels on, the division can round up to the size.
+    // For sizes of millions of pixels, the division can round up to the size.
     sample.first = std::min(truncateToUnsigned(whole), size - 1);
     sample.second = sample.first + 1 < size ? sample.first + 1 : 0;
     sample.weight = static_cast<uint32_t>(truncateToInt((place - whole) * 255.0));
     return sample;
 }
 
-// As premultiplyTaps for any opacity. One above 1 may bring the alpha beyond a byte: its word then keeps the
-// low 8 bits, and products run over as 32-bit words do.
+// Like premultiplyTaps, for any opacity. An opacity above 1 may give an alpha beyond a byte: then the word
+// keeps its low 8 bits, and products overflow as 32-bit words do.
 void premultiplyBeyond(uint32_t* words, int count, float opacity) {
     for (int i = 0; i < count; ++i) {
         const uint32_t alpha = truncateToUnsigned(opacity * static_cast<float>(words[i] & 0xFF));
@@ -111,7 +111,7 @@ void PatternTile::row(uint32_t* words, const uint8_t* coverage, int first, int c
     }
 }
 
-// At most a strip of columns of the tile.
+// Mixes at most a strip of columns of the tile.
 void PatternTile::mix(uint32_t* words, int first, int count, int y) const {
     const Sample row = sampleAt(y, mScale, mPattern->height);
     const auto* taps = reinterpret_cast<const TargetBaseline::Tap*>(mPattern->pixels);

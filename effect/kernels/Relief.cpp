@@ -15,7 +15,7 @@ namespace Zvex {
 
 namespace {
 
-// Not the nearest float: the pictures are made with it.
+// Not the nearest float: the pictures depend on this value.
 constexpr float kPi = 3.14159f;
 
 float radians(float degrees) {
@@ -24,16 +24,16 @@ float radians(float degrees) {
 
 constexpr int kWeight = 100;
 
-// Pixels of a block. A block whose pixels are all the same is computed once.
+// Pixels of a block. A block of equal pixels is computed once.
 constexpr int kBlock = 64;
 
-// Rows blurred at a time.
+// Rows that are blurred at a time.
 constexpr int kBand = 64;
 
-// Marks a block whose pixels differ in one of their two lights.
+// Marks a block whose pixels differ, in light or in shadow.
 constexpr int32_t kUneven = -1;
 
-// The pixels of a row from `begin` to `end` - 1, with their neighbours on all four sides; pointers are as of
+// The pixels of a row from `begin` to `end` - 1, with their neighbours on all four sides. The pointers are to
 // the row's first pixel.
 struct LitRow {
     uint8_t* highlight;
@@ -47,10 +47,10 @@ struct LitRow {
 #define ZVEX_KERNELS "effect/kernels/ReliefKernels.inc"
 #include "raster/ForEachTarget.h"
 
-// The part of a row of the area, from `begin` to `end` - 1, that lies within the mask.
+// The part of a row of the area that lies on the mask: columns `begin` to `end` - 1.
 struct MaskRow {
     const uint8_t* pixels;
-    int begin, end;  // columns of the area; the former is that of *pixels
+    int begin, end;  // columns of the area; *pixels is at `begin`
 };
 
 MaskRow maskRow(const WorkingArea& area, const ZvBitmap& mask, int y, int begin, int end) {
@@ -208,7 +208,7 @@ bool BlurredLight::make(const WorkingArea& area, ReliefPlanes& light, int firstR
            mBandShadow.allocate(kBand, area.width);
 }
 
-// For one of the blurs.
+// Prepares one of the blurs.
 bool BlurredLight::prepare(int radius) {
     mRadius = radius;
     if (mArea.width <= 2 * int64_t{radius} || mArea.height <= 2 * int64_t{radius}) return true;  // all border
@@ -280,14 +280,14 @@ void BlurredLight::findEvenBlocks(int y, int count) {
     }
 }
 
-// Rows y..y + count - 1 of one of the planes, but for the border; `shift` is where its byte lies in the even
-// blocks' values.
+// Blurs rows y..y + count - 1 of one of the planes, except for the border. `shift` is where the plane's byte
+// lies in the values of even blocks.
 void BlurredLight::blurBand(const uint8_t* plane, int y, int count, int shift, uint8_t* target) {
     const ptrdiff_t width = mArea.width;
     const int left = mRadius, right = mArea.width - mRadius, blocks = (mArea.width + kBlock - 1) / kBlock;
     uint8_t* column = mColumn.get();
     const auto isEven = [&](int block) { return mEvenBand[static_cast<size_t>(block)] != kUneven; };
-    // Calls blur(x, end) for the runs of uneven pixels and gives the others their value.
+    // Calls blur(x, end) for the runs of uneven pixels and sets all others to their value.
     const auto forRuns = [&](uint8_t* rows, const auto& even, const auto& blurRun) {
         for (int block = 0, next = 0; block < blocks; block = next) {
             const bool same = even(block);
@@ -309,7 +309,7 @@ void BlurredLight::blurBand(const uint8_t* plane, int y, int count, int shift, u
         mBlur.columns({plane + mArea.row(y - mRadius) + begin, width, -mRadius, count + mRadius,
                        column + begin, width, end - begin, count, false, false});
     });
-    // Along the rows there is no light beyond the border.
+    // Along the rows, pixels beyond the border count as 0.
     const auto isEvenAround = [&](int block) {
         const int32_t value = mEvenBand[static_cast<size_t>(block)];
         const int begin = block * kBlock - mRadius, end = (block + 1) * kBlock + mRadius;

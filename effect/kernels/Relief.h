@@ -18,15 +18,14 @@ namespace Zvex {
 class DistanceRows;
 
 // Shared by bevel and emboss. The distance to the glyph edge is the height of a relief. It is lit from one
-// side; light and shadow go to two planes of bytes, which are blurred, and each pixel is coloured by their
-// difference.
+// side. Light and shadow go to two planes of bytes, which are blurred. Their difference colours each pixel.
 //
 // Arithmetic is in single precision. Expressions with a fractional constant (2.4, 0.5, ...) are in double
 // precision, and their results are stored in single precision.
 
-// A light in the direction (x, y, z), y downwards and z towards the viewer, and the steepness of the relief
-// that it falls on: the normal of a slope is (-gx, -gy, normalZ), of any length, where (gx, gy) is the fall
-// of the height from one pixel to the next.
+// A light in the direction (x, y, z), y downwards and z towards the viewer, and the steepness of the relief.
+// The normal of a slope is (-gx, -gy, normalZ), of any length, where (gx, gy) is how far the height falls
+// from one pixel to the next.
 struct ReliefLight {
     float x, y, z;
     float normalZ;
@@ -42,12 +41,12 @@ struct ReliefLight {
     }
 };
 
-// The pixels of a plane of distances that are lit, and how.
+// Which pixels of a plane of distances are lit, and how.
 enum class LitSide {
-    Bevel,   // all that are not at the limit; the slope ends there
-    Signed,  // the same of a plane whose slope ends at 1 - inner below 0, too
+    Bevel,   // those not at the limit, where the slope ends
+    Signed,  // the same, for a plane whose slope also ends at 1 - inner, below 0
     Around,  // those above 0 and below the limit
-    Within,  // the same, lit as the slope that falls the other way
+    Within,  // the same, lit as a slope that falls the other way
 };
 
 // How the slopes of one plane of distances are lit.
@@ -55,11 +54,11 @@ struct SlopeLighting {
     LitSide side;
     ReliefLight light;
     float limit, inner;
-    bool flip;  // 255 - shade in place of the shade
+    bool flip;  // writes 255 - shade instead of the shade
 };
 
-// Two planes to light by a plane of distances, of one size, rows packed. Pixels that are not lit keep their
-// bytes. The rectangle is half-open and keeps a pixel away from every edge of the planes.
+// Two planes to light from a plane of distances, of one size, rows packed. Pixels that are not lit keep their
+// bytes. The rectangle is half-open and stays at least one pixel away from every edge of the planes.
 struct LitPlane {
     uint8_t* highlight;
     uint8_t* shadow;
@@ -74,23 +73,24 @@ struct LitPlane {
     }
 };
 
-// Lights the rectangle: the shade, 0 to 255, is 255 times the cosine between the light and the normal, and
-// the coverage is how far the distance is from the end of the slope, up to a pixel. The highlight is the
+// Lights the rectangle. The shade, 0 to 255, is 255 times the cosine of the angle between the light and the
+// normal. The coverage is the distance to the end of the slope, up to one pixel. The highlight is the
 // coverage scaled by (shade + 1) * highlightAlpha, the shadow by (256 - shade) * shadowAlpha.
 void lightPlane(const SlopeLighting& lighting, const LitPlane& plane);
 
-// How far the working area reaches beyond the text box: a slope as wide as `radius`, and the larger of the
-// two blurs twice.
+// How far the working area reaches beyond the text box: the width of the slope, `radius`, plus twice the
+// larger of the two blurs.
 int64_t reliefMargin(int64_t radius, int64_t blur, int64_t soften);
 
 // The source of the levels for DistanceRows.
 enum class Levels {
-    Coverage,  // full pixels are those without coverage: distances of the text
+    Coverage,  // uncovered pixels are full: distances inside the text
     Ground,    // 255 minus the coverage: distances around the text
-    Beside,    // full pixels are those with any coverage, all others 255
+    Beside,    // pixels with any coverage are full, all others 255
 };
 
-// The levels of the area: coverage counts in the box in its middle, grown by `more` to the right and below.
+// Computes the levels of the area. Coverage counts within the box in its middle, extended by `more` to the
+// right and below.
 void makeLevels(uint8_t* plane, Levels levels, const WorkingArea& area, const ZvBitmap& mask, int more);
 
 // One blur of bytes: a rectangle of `source` blurred into `destination`, both of the same size, rows packed.
@@ -99,48 +99,48 @@ struct ReliefBlurJob {
     unsigned char* destination = nullptr;  // must not overlap source
     int stride = 0;                        // pixels, the width of both planes
     int radius = 0;                        // pixels; below 1 copies
-    int xBegin = 0, xEnd = 0;  // half-open; the rectangle to write, which keeps `radius` away from
-    int yBegin = 0, yEnd = 0;  // every edge of the planes
+    int xBegin = 0, xEnd = 0;              // half-open rectangle to write; it keeps `radius` away from
+    int yBegin = 0, yEnd = 0;              // every edge of the planes
 };
 
-// The Gaussian of Gaussian.h with a middle weight of 100. An empty rectangle leaves the destination as it is,
-// null planes as well. False when memory is short, with nothing written.
+// Uses the Gaussian of Gaussian.h with a middle weight of 100. An empty rectangle or a null plane changes
+// nothing. False, with nothing written, if memory is short.
 bool blurRelief(const ReliefBlurJob& job);
 
-// The same of all of two planes but a border of `radius` pixels.
+// Blurs the whole plane except for a border of `radius` pixels.
 bool blurRelief(unsigned char* source, unsigned char* destination, int radius, int height, int width);
 
-// The light on one relief.
+// Light and shadow of one relief.
 struct ReliefPlanes {
     Buffer<uint8_t> highlight, shadow;
 
     bool allocate(const WorkingArea& area) {
         return highlight.allocate(area.height, area.width) && shadow.allocate(area.height, area.width);
     }
-    // Lights the row before the last that was measured, but for its ends; row `y` is the last one.
+    // Lights the row before the one measured last, except for its ends; `y` is the row measured last.
     void lightRow(const SlopeLighting& lighting, const WorkingArea& area, const DistanceRows& distances,
                   int y) const;
-    // No light in that row.
+    // Clears the light of that row.
     void clearRow(const WorkingArea& area, int y) const {
         for (const Buffer<uint8_t>* plane : {&highlight, &shadow})
             std::memset(plane->get() + area.row(y), 0, static_cast<size_t>(area.width));
     }
 };
 
-// A relief's lights, blurred, as rows of bytes. They are made a few at a time, in the order in which they are
-// wanted first.
+// The blurred lights of a relief, as rows of bytes. They are computed a few rows at a time, in the order in
+// which they are first needed.
 //
-// A blur leaves a border of its radius, and what one sees there are the planes that it took turns with: in
-// the first one the highlight has no light, the shadow the highlight that was not blurred; in the second one
-// the highlight has the first shadow that was not blurred, the shadow the highlight as it was blurred once. A
-// bevel that lights the ground around the text has such a border.
+// A blur leaves a border of its radius, which shows other planes. After the first blur the highlight has no
+// light there, and the shadow shows the unblurred highlight. After the second the highlight shows the
+// unblurred shadow, and the shadow shows the highlight after the first blur. A bevel that lights the ground
+// around the text has such a border.
 class BlurredLight {
 public:
-    // With the blurs of two radii, in this order; a radius below 1 is none. Takes the planes over. False when
-    // memory is short.
+    // Blurs with two radii, in this order; a radius below 1 means no blur. Takes ownership of the planes.
+    // False if memory is short.
     bool make(const WorkingArea& area, ReliefPlanes& light, int firstRadius, int secondRadius);
 
-    // A row of each, to be read until the next call.
+    // Moves to row y; the pointers below are valid until the next call.
     void moveTo(int y);
     const uint8_t* highlight() const { return mHighlightRow; }
     const uint8_t* shadow() const { return mShadowRow; }
@@ -153,12 +153,12 @@ private:
 
     WorkingArea mArea;
     ReliefPlanes mLight;      // the planes to blur
-    Buffer<uint8_t> mBorder;  // what the border of the highlight shows; null is no light
+    Buffer<uint8_t> mBorder;  // shown by the border of the highlight; null is no light
     int mRadius = 0;          // below 1 there is no blur
     Gaussian mKernel;
     Blur mBlur;
-    // The two bytes of each block of a row whose pixels are all the same, else kUneven; the same of the rows
-    // that a band sees.
+    // For each block of a row: its two bytes if all its pixels are equal, else kUneven. mEvenBand is the same
+    // for all rows that a band sees.
     Buffer<int32_t> mEven, mEvenBand;
     Buffer<uint8_t> mColumn, mBandHighlight, mBandShadow;
     int mBandBegin = 0, mBandEnd = 0;  // the rows that were blurred last
@@ -166,14 +166,14 @@ private:
     const uint8_t* mShadowRow = nullptr;
 };
 
-// From light to colour.
+// Turns light into colour.
 struct ReliefColors {
-    float gain;  // of both planes, before their difference is taken
+    float gain;  // applied to both planes before taking their difference
     uint32_t highlight, shadow;
 
-    // The pixels of `count` lights, which they must not overlap: the colour of the stronger of the two,
-    // premultiplied with their difference (and not with its own alpha, which the lights hold already),
-    // 0xAARRGGBB. Equal lights give a transparent pixel.
+    // Colours `count` pixels; they must not overlap the lights. A pixel gets the colour of the stronger
+    // light, premultiplied with the difference of the two lights (not with its own alpha, which the lights
+    // include already), as 0xAARRGGBB. Equal lights give a transparent pixel.
     void row(uint32_t* pixels, const uint8_t* highlightLights, const uint8_t* shadowLights, int count) const;
 };
 
@@ -183,10 +183,10 @@ public:
     ReliefRows(const WorkingArea& area, const ReliefColors& colors, int blendMode, bool onBoth)
         : mArea(area), mColors(colors), mBlendMode(blendMode), mOnBoth(onBoth) {}
 
-    // The relief with its two blurs, see BlurredLight. False when memory is short.
+    // Makes the relief with its two blurs, see BlurredLight. False if memory is short.
     bool allocate(ReliefPlanes& light, int firstRadius, int secondRadius);
 
-    // A second relief behind the first one, fading out where the glyphs are. False when memory is short.
+    // Adds a second relief behind the first one; it fades out where the glyphs are. False if memory is short.
     bool putBehind(ReliefPlanes& light, int firstRadius, int secondRadius, const ZvBitmap& mask);
 
     void draw(RowRange rows, const PictureStrip& target, const PictureStrip* other) override;
@@ -200,12 +200,12 @@ private:
     const ZvBitmap* mMask = nullptr;  // null without a second relief
     ReliefColors mColors;
     int mBlendMode;
-    bool mOnBoth;  // pictures, if there are two
+    bool mOnBoth;  // draws onto both pictures, if there are two
     Buffer<uint32_t> mRow, mRowBehind;
     Buffer<uint8_t> mCoverage;
 };
 
-// The record built anew, so that its own limits hold again.
+// Copies the record by its constructor, so that its limits apply again.
 template <typename Property>
 Property limitedAgain(const ZvProperty* property) {
     const ZvReliefProperty& p = *static_cast<const Property*>(property);

@@ -40,7 +40,7 @@ bool WindowVisibility::make(const WindowRoots& roots, float limit) {
 template <typename IsVisible>
 void WindowVisibility::countRows(VisibleRows& rows, int reach, IsVisible isVisible) {
     for (int i = 0; i < kCoarseAdvantages; ++i) {
-        // The greater an advantage, the less is visible.
+        // A greater advantage leaves less visible.
         for (int j = 0, dy = reach; j < kCoarseAdvantages; ++j) {
             while (dy > 0 && !isVisible(mRanges[static_cast<size_t>(dy)], i * kCoarse, j * kCoarse)) --dy;
             rows[i][j] = static_cast<int16_t>(dy);
@@ -53,7 +53,7 @@ void WindowVisibility::makeRow(int dy, const WindowRoots& roots, float limit) {
     const float* nearer = dy > 0 ? roots.row(dy - 1) : nullptr;
     const float* further = dy < roots.reachY() ? roots.row(dy + 1) : nullptr;
     const int reach = roots.reachX();
-    // More than the sums of values and roots are rounded by.
+    // More than rounding can change the sums of values and roots.
     const float margin = 1e-3f + 1e-6f * static_cast<float>(std::max(reach, roots.reachY()));
     int end = reach;
     while (end >= 0 && !(here[end] < limit)) --end;
@@ -63,13 +63,14 @@ void WindowVisibility::makeRow(int dy, const WindowRoots& roots, float limit) {
         const float advantage = static_cast<float>(i - kAdvantageSteps) / kAdvantageSteps,
                     detour = advantage - margin;
         if (advantage > 0) {
-            // A lower neighbour on a side hides all beyond it, and before it as far as the step to it costs
-            // less than its advantage. One behind the seed does the latter alone; it may lie outside the
-            // window of a pixel at the window's edge.
+            // A lower neighbour on a side hides everything beyond it. It also hides pixels before it as long
+            // as the detour to it costs less than its advantage. A neighbour behind the seed does only the
+            // latter: it may lie outside the window of a pixel at the window's edge.
             while (before < reach && here[before + 1] - here[before] <= detour) ++before;
             while (behind >= 0 && further != nullptr && further[behind] - here[behind] <= detour) --behind;
         } else if (advantage < 0) {
-            // A higher one hides what is beyond it, as far as the step to it gains more.
+            // A higher neighbour hides pixels beyond it as long as the step to it shortens the way by more
+            // than it is higher.
             while (beyond > 0 && here[beyond] - here[beyond - 1] >= -detour) --beyond;
             while (nearer != nullptr && between < reach && here[between + 1] - nearer[between + 1] >= -detour)
                 ++between;

@@ -10,13 +10,13 @@
 
 namespace Zvex {
 
-// What the outward and the inward search share. Each pixel q looks for its best candidate: the smallest of
+// Shared by the outward and the inward search. Each pixel q looks for its best candidate: the smallest of
 //
 //     value(p) + |q - p|
 //
-// over the seeds p in its window, a square around q. Both searches go the other way round: each seed writes
-// its candidates for all the pixels around it that it may be best for. Those are few, as its neighbours hide
-// most of them:
+// over the seeds p in its window, a square around q. Both searches work the other way round: each seed writes
+// its candidates to all the pixels around it for which it may be best. These are few, because its neighbours
+// hide most of them:
 //
 //     . . . . . . . .        p: a seed       n: its left neighbour, a lower seed
 //     # # # # . . . .
@@ -26,54 +26,54 @@ namespace Zvex {
 //     # # # # . . . .            n's advantage         the detour by n
 //     . . . . . . . .
 //
-// The detour depends on nothing but where q lies from p, and from row to row it changes one way. So tables,
-// made once for a window, tell for each advantage and each row which dx are still visible. Advantages are
-// rounded down to steps and detours are compared with a margin, so that no rounding of a candidate counts:
-// whatever is hidden has a better candidate, and among the others the smallest is found by comparing. A
-// neighbour that is hidden itself does no harm: the one that hides it is better still, and so on to an end.
-// Where n itself lies outside q's window it hides nothing.
+// The detour depends only on the offset from p to q, and from row to row it changes in one direction. So
+// tables, made once for a window, give the dx that are still visible for each advantage and each row.
+// Advantages are rounded down to steps, and detours are compared with a margin, so that rounding never hides
+// a best candidate: every hidden pixel has a better candidate, and the smallest of the others is found by
+// comparing. A hidden neighbour may hide as well: the seed that hides it is better still. If n lies outside
+// q's window, it hides nothing.
 //
-// On a slope of distances the advantages of the four neighbours leave a narrow sector: the ray across the
-// edge. Along that ray all candidates are equal but for their roundings, which decide.
+// On a slope of distances the advantages of the four neighbours leave a narrow sector visible: the ray across
+// the edge. Along that ray all candidates are equal except for rounding, and the rounding decides.
 
 constexpr float kInfinite = std::numeric_limits<float>::infinity();
 
-// The advantages of a seed's four neighbours, in 1/kAdvantageSteps, clamped; -kAdvantageSteps for a neighbour
-// that is no seed.
+// By how much each of a seed's four neighbours is lower, in 1/kAdvantageSteps, clamped; -kAdvantageSteps for
+// a neighbour that is no seed.
 struct Advantages {
     int8_t left, right, above, below;
 };
 constexpr int kAdvantageSteps = 64, kAdvantages = 2 * kAdvantageSteps;
 
-// What is visible of a row some rows away, by each advantage plus kAdvantageSteps of one neighbour.
+// The visible part of a row at some distance, by the advantage of one neighbour plus kAdvantageSteps.
 struct VisibleRange {
-    int16_t side[kAdvantages];     // past the one on a side: the greatest dx to that side; may be below 0
-    int16_t behind[kAdvantages];   // with one behind the seed: the greatest |dx|; -1 is none
-    int16_t between[kAdvantages];  // with one on the way: the greatest |dx| that is hidden
+    int16_t side[kAdvantages];    // neighbour on a side: the greatest visible dx to that side; may be below 0
+    int16_t behind[kAdvantages];  // neighbour behind the seed: the greatest visible |dx|; -1 is none
+    int16_t between[kAdvantages];  // neighbour on the way: the greatest hidden |dx|
 };
 
-// For how many rows anything is visible with two neighbours, by coarser advantages.
+// In how many rows anything is visible with two neighbours, by coarser advantages.
 constexpr int kCoarse = 4, kCoarseAdvantages = kAdvantages / kCoarse;
 using VisibleRows = int16_t[kCoarseAdvantages][kCoarseAdvantages];
 
-// A window for the kernels: rows 0 to the reach.
+// A window, as the kernels use it: rows 0 to the reach.
 struct WindowView {
-    const float* roots;  // of dx = 0 in row 0
-    int64_t span;        // floats, from row to row
+    const float* roots;  // at dx = 0 in row 0
+    int64_t span;        // floats from row to row
     const VisibleRange* ranges;
     VisibleRows sides, sideAndBehind, betweenAndSide, betweenAndBehind;
 };
 
-// The best candidates of some rows for the kernels, in a ring: row y is number y % count.
+// The best candidates of some rows, as the kernels use them, in a ring: row y is line y % count.
 struct CandidateView {
-    float* lines;  // the first pixel of the first one
-    int64_t span;  // floats, from line to line
+    float* lines;  // first pixel of the first line
+    int64_t span;  // floats from line to line
     int count;
-    int begin, end;  // the rows that are wanted
+    int begin, end;  // the rows that are needed
 };
 
 // The distances within a window: row(dy)[dx] is integerRoot(dx^2 + dy^2), for dx and dy of either sign. A
-// window larger than the plane is cut to it.
+// window larger than the plane is cut to the plane.
 class WindowRoots {
 public:
     bool make(int width, int height, int radius);
@@ -81,7 +81,8 @@ public:
     const float* row(int64_t dy) const { return rowOf(dy < 0 ? -dy : dy); }
     int reachX() const { return mReachX; }
     int reachY() const { return mReachY; }
-    // The floats of a row from dx = -reachX on, with a vector's more, which are infinite.
+    // The floats of a row, which begins at dx = -reachX. They include a vector's length of infinities at the
+    // end.
     int64_t span() const { return 2 * int64_t{mReachX} + 1 + kMostLanes; }
 
     static constexpr int kMostLanes = 16;
@@ -93,10 +94,10 @@ private:
     int mReachX = 0, mReachY = 0;
 };
 
-// The tables of what is visible within a window.
+// Tables of what is visible within a window.
 class WindowVisibility {
 public:
-    // Candidates further away than `limit` are not wanted. The roots have to outlive it.
+    // Candidates further away than `limit` are not needed. The roots must outlive it.
     bool make(const WindowRoots& roots, float limit);
     const WindowView& view() const { return mView; }
 
@@ -109,13 +110,13 @@ private:
     WindowView mView = {};
 };
 
-// The best candidates of as many rows as a window sees at once. Seeds may write a window's reach, and a
-// vector, beyond either end of a row.
+// The best candidates of as many rows as a window covers. Seeds may write up to a window's reach plus a
+// vector beyond either end of a row.
 class CandidateRows {
 public:
     static constexpr int kPadding = 64;  // floats beyond the reach
 
-    // For the rows begin..end - 1; without candidates.
+    // Prepares the rows begin..end - 1, without candidates.
     bool make(const WindowRoots& roots, int width, int begin, int end);
 
     float* row(int y) const { return mView.lines + y % mView.count * mView.span; }

@@ -11,13 +11,14 @@ namespace Zvex {
 // The middle weight of their blur.
 constexpr int kShadowWeight = 100;
 
-// Where a shadow falls, in pixels from the text, y downwards.
+// The displacement of a shadow from its text, in pixels, y downwards.
 struct ShadowShift {
     int x = 0, y = 0;
 };
 
-// `distance` away from the light, each coordinate rounded half away from zero: light from 0 degrees shifts to
-// the left, from 90 degrees down. What is no number counts as 0, what no int holds as the nearest one.
+// The shadow falls `distance` pixels away from the light; each coordinate is rounded half away from zero.
+// Light from 0 degrees shifts it to the left, from 90 degrees down. NaN counts as 0; a value beyond the ints
+// becomes the nearest int.
 ShadowShift shadowShift(const ZvShadowProperty& shadow);
 
 }  // namespace Zvex

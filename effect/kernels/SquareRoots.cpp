@@ -8,11 +8,11 @@ namespace Zvex {
 
 namespace {
 
-// The root of `square` in thousandths, to the nearest; `whole` is its whole part. There is never a tie: with
-// f the thousandths beyond the whole part, f counts as reached when
+// The root of `square` in thousandths, to the nearest; `whole` is its whole part. There is never a tie: the f
+// thousandths beyond the whole part are reached when
 //     (whole + (2 * f - 1) / 2000)^2 <= square,
-// where, multiplied out, one side is odd and the other even. In integers throughout: whole is below 2^32 and
-// square - whole^2 at most 2 * whole, so that neither side reaches 2^56.
+// and, multiplied out, one side is odd and the other even. Integers only: whole is below 2^32 and square -
+// whole^2 at most 2 * whole, so neither side reaches 2^56.
 constexpr int64_t thousandths(int64_t square, int64_t whole) {
     const int64_t rest = square - whole * whole;
     int64_t reached = 0, beyond = 1001;
@@ -27,8 +27,8 @@ constexpr int64_t thousandths(int64_t square, int64_t whole) {
     return 1000 * whole + reached;
 }
 
-// In double precision first: for all that a float counts exactly (roots below 16777) rounding twice gives the
-// nearest float all the same.
+// Divides in double precision first: for counts that a float holds exactly (roots below 16777), rounding
+// twice still gives the nearest float.
 constexpr float fromThousandths(int64_t count) {
     return static_cast<float>(static_cast<double>(count) / 1000.0);
 }
@@ -51,8 +51,8 @@ constexpr Table makeTable() {
 
 constexpr Table kTable = makeTable();
 
-// The whole part of a root, or one less next to a square too large for a double: the nearest thousandth is
-// that of the square either way. Never more, or its own square might not fit.
+// The whole part of a root. It may be one too small for a square too large for a double; the nearest
+// thousandth comes out right either way. It is never too large, or its own square might not fit.
 int64_t wholeRoot(int64_t square) {
     int64_t root = static_cast<int64_t>(std::sqrt(static_cast<double>(square)));
     while (root > square / root) --root;
