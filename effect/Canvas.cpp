@@ -29,7 +29,7 @@ void fillCanvas(ZvBitmap* picture, uint32_t color) {
     for (size_t i = 0; i < count; ++i) std::memcpy(picture->pixels + i * 4, &color, 4);
 }
 
-// The full glyph comes in tiles, so that no second plane of the picture's size is needed.
+// The full glyph is drawn in tiles, so that no second plane of the picture's size is needed.
 void fillCanvas(ZvBitmap* picture, ZvEffect* fill) {
     constexpr int kTileSide = 256;
     if (!isPicture(picture) || fill == nullptr) return;

@@ -9,14 +9,14 @@ namespace Zvex {
 class ZvBitmap;
 class ZvEffect;
 
-// What lies behind everything, over a whole picture of 4 bytes a pixel; any other is left as it is. Writes
-// every pixel: straight words 0xAARRGGBB.
+// Fills the background of a whole picture of 4 bytes a pixel; a picture of another depth is left unchanged.
+// Writes every pixel: straight words 0xAARRGGBB.
 
 void fillCanvas(ZvBitmap* picture, uint32_t color);
 
-// With the layers of `fill`, a linear or radial gradient or a pattern: they are drawn as if the picture were
-// one full glyph. The stack's own rendering must not be under way. Where memory is short the picture stays
-// as it is, or becomes transparent where it is the layer that finds none.
+// Fills with the layers of `fill`: a linear or radial gradient or a pattern, drawn as if the picture were one
+// full glyph. The stack must not be rendering. If memory is short the picture stays unchanged, or becomes
+// transparent if a layer runs out of memory.
 void fillCanvas(ZvBitmap* picture, ZvEffect* fill);
 
 }  // namespace Zvex

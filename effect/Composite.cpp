@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The definitions, pixel by pixel, are tests/reference/CompositeReference.h.
+// The plain forms are tests/reference/CompositeReference.h.
 
 #include "effect/Composite.h"
 
@@ -20,8 +20,8 @@ bool isColor(const ZvBitmap* bitmap) {
     return bitmap != nullptr && bitmap->pixels != nullptr && bitmap->bytesPerPixel == 4;
 }
 
-// words[i] = table[coverage[i]]; eight pixels at a time where they are alike. Empty ones are left alone.
-// (The compiler's memcpy: the C library's checked one stands in the way of vectors.)
+// words[i] = table[coverage[i]]; eight pixels at a time if they are equal. Pixels without coverage do not
+// change. (Uses the compiler's memcpy: the C library's checked one prevents vectors.)
 void takeWords(uint8_t* __restrict pixels, const uint8_t* __restrict coverage, size_t count,
                const uint32_t (&table)[256]) {
     const auto paint = [&](size_t i) { __builtin_memcpy(pixels + 4 * i, &table[coverage[i]], 4); };

@@ -13,33 +13,33 @@ class ZvBitmap;
 
 // The last steps of a rendering, on colour pictures of 4 bytes a pixel, in place and without allocations.
 
-// In the two below, bitmaps of another depth or without pixels leave `picture` as it is.
+// The two functions below leave `picture` unchanged if a bitmap has another depth or no pixels.
 
 // Cross-fades every byte of `picture` (premultiplied) with `back` (premultiplied) by the coverage in mask:
 // full coverage keeps picture, none takes back. Pixel i goes with pixel i of the others, row by row, whatever
-// their widths, for as many as all three have.
+// their widths, for as many pixels as all three have.
 void mergeBackLayer(ZvBitmap* picture, const ZvBitmap* back, const ZvBitmap* mask);
 
 // Scales the alpha of a premultiplied picture by textAlpha and makes its colours straight. A pixel whose
 // alpha becomes 0 loses its colour.
 void finishPicture(ZvBitmap* picture, uint8_t textAlpha);
 
-// The same a row at a time, of `count` pixels, and the text layer's row.
+// The same for one row of `count` pixels, and the text layer's row.
 
 void mergeBackRow(uint8_t* pixels, const uint8_t* back, const uint8_t* coverage, size_t count);
 
 void finishRow(uint8_t* pixels, size_t count, uint8_t textAlpha, PixelOrder order);
 
 // Blends the colour, 0xAARRGGBB, under the pixels through the coverage and scales each pixel by its coverage
-// (ZVE_BLEND_DST_OVER_SA); where there is none it becomes transparent.
+// (ZVE_BLEND_DST_OVER_SA). Pixels without coverage become transparent.
 void cutRowToGlyphs(uint8_t* pixels, const uint8_t* coverage, size_t count, uint32_t color);
 
-// cutRowToGlyphs onto transparent pixels and finishRow: what comes of it for each coverage.
+// The result of cutRowToGlyphs on transparent pixels and finishRow, for each coverage.
 class TextColors {
 public:
     TextColors(uint32_t color, uint8_t textAlpha, PixelOrder order);
 
-    // Leaves pixels without coverage as they are.
+    // Does not change pixels without coverage.
     void paintRow(uint8_t* pixels, const uint8_t* coverage, size_t count) const;
 
 private:

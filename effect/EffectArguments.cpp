@@ -47,7 +47,7 @@ bool stopArguments(int count, const ZvGradient* stops, float layerOpacity, Gradi
         ZvGradient& stop = result->data()[i];
         stop.opacity = opacityArgument(stop.opacity);
         stop.color = colorWithAlpha(stop.color, stop.opacity * layer);
-        // Hundredths in single precision throughout: 0.29f stays 0.29f.
+        // Hundredths in single precision throughout, so 0.29f stays 0.29f.
         const float hundredths = static_cast<float>(truncateToInt(stop.position * 100.0f));
         stop.position = clampFloat(hundredths / 100.0f, 0.0f, 1.0f);
     }

@@ -9,11 +9,11 @@
 
 namespace Zvex {
 
-// What the adders of ZvEffect make of their arguments, apart from the stack so that it can be tested by
-// itself.
+// Turns the arguments of ZvEffect's adders into records. Separate from the stack, so that it can be tested
+// alone.
 //
-// Any argument is safe. NaN counts as the lower end of a clamped range and as 0 degrees; an infinite angle or
-// one beyond the ints counts as the nearest int.
+// Any argument is safe. NaN counts as the lower end of a clamped range and as 0 degrees. An angle that is
+// infinite or beyond the ints counts as the nearest int.
 
 // --- Single arguments
 
@@ -24,9 +24,9 @@ float percentArgument(float value);        // whole, 0 to 100: distances, sizes 
 float gradientScaleArgument(float scale);  // 0 to 2
 float patternScaleArgument(float scale);   // 0 to 10
 
-// The colour, its own alpha ignored, at the given opacity: premultiplied for what is painted through coverage
-// as it is, or with red, green and blue kept for what is scaled later by a table or a light. The opacity is
-// clamped.
+// The colour, its own alpha ignored, at the given opacity, which is clamped. Premultiplied for colours that
+// are painted through coverage directly; with red, green and blue kept for colours that a table or a light
+// scales later.
 uint32_t premultipliedColor(uint32_t color, float opacity);
 uint32_t colorWithAlpha(uint32_t color, float opacity);
 
@@ -34,13 +34,14 @@ uint32_t colorWithAlpha(uint32_t color, float opacity);
 
 constexpr int ZV_MAX_STOPS = 256;
 
-// Copies the first ZV_MAX_STOPS stops: opacity clamped, the colour's alpha made of it times the layer's
-// opacity, the position cut to hundredths and clamped to 0..1. No stops when count is below 1 or stops is
-// null. False when memory is short.
+// Copies the first ZV_MAX_STOPS stops. The opacity is clamped, the alpha of the colour becomes the stop's
+// opacity times the layer's, and the position is cut to hundredths and clamped to 0..1. Gives no stops if
+// count is below 1 or stops is null. False if memory is short.
 bool stopArguments(int count, const ZvGradient* stops, float layerOpacity, GradientStops* result);
 
 // --- Records
-// Records with stops point into the GradientStops given, which has to outlive them.
+//
+// Records with stops point into the given GradientStops, which must outlive them.
 
 ZvTextProperty textArguments(unsigned int color, float opacity);
 ZvTextProperty opaqueTextArguments(unsigned int color);
@@ -65,8 +66,8 @@ Gradient gradientArguments(float angle, float scale, float opacity, const Gradie
                     stops.count(), stops.data());
 }
 
-// Both colours carry the layer's opacity times their own in their alpha, which is all that the filters read.
-// Depth and soften are clamped by the record itself.
+// Both colours carry their own opacity times the layer's in their alpha; the filters read nothing else. The
+// record itself clamps depth and soften.
 template <typename Relief>  // ZvBevelProperty, ZvEmbossProperty
 Relief reliefArguments(int style, float size, float depth, int direction, int technique, int soften,
                        float opacity, float angle, float altitude, unsigned int shadowColor,

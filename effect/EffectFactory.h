@@ -6,12 +6,12 @@ namespace Zvex {
 
 class ZvECore;
 
-// A new layer of the class for a ZvEffectType, owned by the caller; null for a type without a class and when
-// memory is short. The one place that names all classes: adding one is an include and a line.
+// Makes a layer of the class for a ZvEffectType; the caller owns it. Null for a type without a class or if
+// memory is short. This is the one place that names all classes: adding one takes an include and a line.
 ZvECore* newEffectLayer(int type);
 
-// Whether the layer is of one of these classes itself, not of one derived from them: it draws in
-// doPostProcessing only, and can hand over its rows there.
+// Whether the layer's class is one of these and not derived from one. Such a layer draws only in
+// doPostProcessing, and can hand over its rows there.
 bool isBuiltInLayer(const ZvECore* layer);
 
 }  // namespace Zvex

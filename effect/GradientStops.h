@@ -10,15 +10,15 @@
 
 namespace Zvex {
 
-// Owns an array of stops. Records only point at stops: whoever keeps a record with stops keeps one of these
+// Owns an array of stops. Records only point at stops, so the owner of a record with stops keeps one of these
 // beside it.
 class GradientStops {
 public:
-    // Replaces the content by a copy of `count` stops; none when count is below 1 or stops is null. False
-    // when memory is short; the old content then stays.
+    // Replaces the content by a copy of `count` stops; by none if count is below 1 or stops is null. False,
+    // with the old content kept, if memory is short.
     bool copy(const ZvGradient* stops, int count);
 
-    ZvGradient* data() const { return mStops.get(); }  // null when there are none
+    ZvGradient* data() const { return mStops.get(); }  // null if there are none
     int count() const { return mCount; }
 
 private:
@@ -26,9 +26,9 @@ private:
     int mCount = 0;
 };
 
-// Gives a layer new settings: *record, owned and null at first, becomes a copy of `settings` that points at a
-// copy of its stops, which *stops keeps. Both or neither: when memory is short the old ones stay. The
-// settings may point at the old stops. A record without stops points at none, whatever count it states.
+// Gives a layer new settings. *record, owned and null at first, becomes a copy of `settings` that points at a
+// copy of its stops, which *stops keeps. If memory is short, both keep their old content, and the result is
+// false. The settings may point at the old stops. A record without stops points at none, whatever its count.
 template <typename Property>
 void replaceRecord(const Property& settings, Property** record, GradientStops* stops) {
     auto copy = tryMake<Property>(settings);

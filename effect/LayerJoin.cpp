@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// A piece of a row goes through all layers before the next one begins. It stays in words as long as no pixel
-// has to be mixed: text on a plain ground is mixed along its edges alone. That changes no byte: what a pixel
-// is taken apart into gives the same pixel again, and the formulas give the one or the other pixel where
-// nothing is mixed. The definition is tests/reference/LayerJoinReference.h.
+// A piece of a row goes through all layers before the next piece begins. It stays in words until a pixel must
+// be mixed; text on a plain ground mixes only along its edges. That does not change the bytes: splitting a
+// pixel and joining it again gives the same pixel, and where nothing is mixed the formulas give one of the
+// two pixels exactly. The plain form is tests/reference/LayerJoinReference.h.
 
 #include "effect/LayerJoin.h"
 
@@ -23,8 +23,8 @@ bool hasPixels(const ZvBitmap* bitmap, uint32_t depth) {
     return bitmap != nullptr && bitmap->pixels != nullptr && bitmap->bytesPerPixel == depth;
 }
 
-// Copies the pixels of the bitmap, whose top-left lies at (left, top), that lie at `count` places from (x, y)
-// on; 0 outside. False, with nothing written, where all of them lie outside.
+// Copies `count` pixels of a row of the bitmap from (x, y) on, where the bitmap's top-left is at (left, top);
+// 0 outside. False, with nothing written, if all of them lie outside.
 bool copyPixels(void* pixels, const ZvBitmap& bitmap, int64_t left, int64_t top, int64_t x, int64_t y,
                 size_t count) {
     const int64_t begin = std::max(x, left);
@@ -38,16 +38,16 @@ bool copyPixels(void* pixels, const ZvBitmap& bitmap, int64_t left, int64_t top,
     return true;
 }
 
-// What a piece of a row has become so far.
+// A piece of a row with the layers joined so far.
 class JoinedPiece {
 public:
-    // The pixels at `pixels`; transparent beyond them.
+    // Starts with `count` pixels, followed by transparent ones.
     JoinedPiece(const uint8_t* pixels, size_t count, int64_t x, int64_t y) : mCount(count), mX(x), mY(y) {
         if (count < kPiece) std::memset(mWords, 0, sizeof mWords);
         std::memcpy(mWords, pixels, count * 4);
     }
 
-    // `isBase`: the layer in front of it is clipped.
+    // `isBase`: the layer in front of it is clipped to it.
     void join(const JoinedLayer& layer, bool isBase);
     void give(uint8_t* pixels, float opacity);
 
@@ -56,10 +56,10 @@ private:
 
     size_t mCount;
     int64_t mX, mY;
-    bool mIsMixed = false;  // in the piece, else in the words
+    bool mIsMixed = false;  // the pixels are in the piece, else in the words
     uint32_t mWords[kPiece];
     JoinRows::Piece mPiece;
-    bool mHasBase = false;  // else the base shows nothing here
+    bool mHasBase = false;  // else the base is empty here
     float mBase[kPiece];    // alpha
 };
 

@@ -19,7 +19,7 @@ LayerPlace placeOfStroke(int position) {
             return kAcross;
         case ZV_STROKE_INSIDE:
             return kOver;
-        default:  // drawn as one outside, in the order of one inside
+        default:  // on the back picture like one outside, in the order of one inside
             return {true, false, false};
     }
 }

@@ -8,12 +8,12 @@
 
 namespace Zvex {
 
-// The rounding and limiting rules of the effect arguments, records and keys. Every float is safe to pass:
-// what the language leaves undefined (NaN, values beyond the ints) has a result here, the same on every
-// machine.
+// How the effect arguments, records and keys are rounded and limited. Every float is safe to pass: where the
+// language leaves a result undefined (NaN, values beyond the ints), these functions define it, the same on
+// every machine.
 
-// Half up for what is not negative, towards zero after adding a half for the rest: -0.6 becomes 0. The sum is
-// rounded to single precision before the fraction is dropped.
+// Adds 0.5 and drops the fraction. So it rounds half up if the value is not negative; -0.6 becomes 0. The sum
+// is rounded to single precision before the fraction is dropped.
 inline int roundSize(float value) {
     return truncateToInt(value + 0.5f);
 }
@@ -28,12 +28,12 @@ inline float clampFloat(float value, float low, float high) {
     return value > high ? high : value;
 }
 
-// Whole part modulo `modulus`, of the sign of the value: 405.7 becomes 45 of 360, -30.2 becomes -30.
+// The whole part modulo `modulus`, with the sign of the value: 405.7 becomes 45 of 360, -30.2 becomes -30.
 inline int signedRemainder(float value, int modulus) {
     return truncateToInt(value) % modulus;
 }
 
-// The same brought into 0..modulus - 1: -30.2 becomes 330 of 360.
+// The same, moved into 0..modulus - 1: -30.2 becomes 330 of 360.
 inline int positiveRemainder(float value, int modulus) {
     const int remainder = signedRemainder(value, modulus);
     return remainder < 0 ? remainder + modulus : remainder;

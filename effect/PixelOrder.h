@@ -4,7 +4,7 @@
 
 namespace Zvex {
 
-// The order of a colour pixel's bytes in memory; the alpha comes last.
+// The order of a colour pixel's bytes in memory; alpha comes last.
 enum class PixelOrder {
     RedFirst,
     BlueFirst,  // on a little-endian machine, words 0xAARRGGBB

@@ -14,7 +14,7 @@ namespace Zvex {
 
 namespace {
 
-// The disc of a stroke that wide. False when memory is short.
+// Makes the disc of a stroke that wide. False if memory is short.
 bool makeDisc(int width, DilationParam* param, Buffer<uint8_t>* disc) {
     unsigned char* cells = nullptr;
     param->kernelSize = makeCircleKernel(&cells, static_cast<float>(width));
@@ -47,8 +47,8 @@ bool Spread::make(const ZvBitmap& mask, const ZvRect& box, int pixels) {
     return true;
 }
 
-// To narrow the glyphs is to widen what is around them. All of that which reaches a pixel further than the
-// width from the box's sides lies within the box, and nothing is left of the nearer ones, which are cut off.
+// Dilates the coverage, or its inverse for narrowing. To narrow glyphs is to widen their surroundings: the
+// box then shrinks by the pixels, and everything that reaches the remaining part lies within the old box.
 bool Spread::dilateAround(const uint8_t* source, int width, int height, int pixels) {
     DilationParam param;
     Buffer<uint8_t> disc, dilated;

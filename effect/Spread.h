@@ -10,25 +10,25 @@
 
 namespace Zvex {
 
-// The most that a text's coverage is widened or narrowed by, in pixels.
+// The limit in pixels for widening or narrowing a text's coverage.
 constexpr int kMaxSpread = 100;
 
 // The coverage of a text, widened or narrowed by whole pixels.
 //
-// Widened by n it is the coverage that the glyphs and an outside stroke of width n have together (ZvStroke):
-// the coverage dilated by the stroke's disc. Narrowed by n it is 255 minus the same of 255 minus the
-// coverage, everything outside the box being without coverage. Costs what a stroke costs.
+// Widened by n, it is the coverage of the glyphs together with an outside stroke of width n (ZvStroke): the
+// coverage dilated by the stroke's disc. Narrowed by n, it is 255 minus the dilation of 255 minus the
+// coverage, with no coverage outside the box. Costs as much as a stroke.
 class Spread {
 public:
-    // Of the mask within the box, widened by `pixels`, or narrowed where that is negative; held to kMaxSpread
-    // either way. What of the box lies outside the mask has no coverage. False, and nothing made, when memory
-    // is short or the sizes do not fit ints. The mask is not read afterwards.
+    // Takes the mask within the box and widens it by `pixels`, or narrows it if that is negative; clamped to
+    // kMaxSpread either way. Parts of the box outside the mask have no coverage. The mask is not read
+    // afterwards. False, with nothing made, if memory is short or the sizes do not fit ints.
     bool make(const ZvBitmap& mask, const ZvRect& box, int pixels);
 
-    // Where the coverage lies on the mask: the box grown by the pixels, with empty sides (right == left)
-    // where it is narrowed to nothing.
+    // Where the coverage lies on the mask: the box grown by the pixels. Its sides are empty (right == left)
+    // if it is narrowed to nothing.
     const ZvRect& box() const { return mBox; }
-    // Its rows, packed, as wide as the box; null where that is empty.
+    // The packed rows, as wide as the box; null if the box is empty.
     uint8_t* coverage() const { return mCoverage.get(); }
 
 private:

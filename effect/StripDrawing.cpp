@@ -20,9 +20,9 @@ namespace Zvex {
 
 namespace {
 
-// How to clear what no layer reaches.
+// How to clear pixels that no layer reaches.
 void (*clearingOf(const ZvBitmap& picture))(uint8_t*, size_t) {
-    constexpr size_t kLarge = size_t{4} << 20;  // as much as a core's own caches hold, and more
+    constexpr size_t kLarge = size_t{4} << 20;  // at least as large as a core's own caches
     if (picture.byteCount() >= kLarge) return clearAside;
     return [](uint8_t* bytes, size_t count) { std::memset(bytes, 0, count); };
 }
@@ -34,12 +34,12 @@ void StripDrawing::prepare() {
     if (mWaiting == nullptr) return markOutOfMemory();
     mDrawn = mScene.textRect;
     ZvECore::ParamPostProcessing param;
-    param.target = &mScene.picture;  // the back picture is as large
+    param.target = &mScene.picture;  // the back picture has the same size
     param.mask = &mScene.mask;
     param.textRect = &mScene.textRect;
     param.layerMode = mScene.hasTwoPictures ? 1 : 0;
     param.drawnArea = &mDrawn;
-    param.overLayers = true;  // the first draws onto nothing, where it is all the same
+    param.overLayers = true;  // harmless for the first layer, which draws onto nothing
     WaitingLayer* waiting = mWaiting.get();
     for (ZvECore* effect : mScene.layers) {
         const LayerPlace place = mScene.hasTwoPictures ? placeOf(effect) : LayerPlace();
@@ -90,7 +90,7 @@ void StripDrawing::drawLayers(PixelOrder order) {
     }
 }
 
-// Past the caches where no layer draws.
+// Clears past the caches where no layer draws.
 void StripDrawing::clearStrip(const PictureStrip& front, RowRange rows) {
     const auto clear = clearingOf(mScene.picture);
     if (mWaiting == nullptr || rows.end <= mDrawn.top || rows.begin >= mDrawn.bottom)

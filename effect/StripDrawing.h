@@ -16,15 +16,15 @@ namespace Zvex {
 class ZvBitmap;
 class ZvECore;
 
-// Draws a picture by strips: a few rows are cleared, drawn on by all layers and finished before the next, so
-// that no back picture and no finished layer is in memory as a whole.
+// Draws a picture by strips: a few rows are cleared, all layers draw on them, and they are finished before
+// the next rows. So neither a back picture nor a finished layer is in memory as a whole.
 class StripDrawing {
 public:
-    // All of it has to stay as it is. The layers are the library's own, in the order in which they draw; the
-    // mask is as large as the picture, the text box within it and not empty.
+    // None of this may change while it is drawn. The layers are the library's own, in drawing order. The mask
+    // is as large as the picture; the text box lies within it and is not empty.
     struct Scene {
         const std::vector<ZvECore*>& layers;
-        ZvBitmap& picture;  // colours; anything
+        ZvBitmap& picture;  // colours; undefined content
         ZvBitmap& mask;
         ZvRect& textRect;
         bool hasTwoPictures;
@@ -33,8 +33,8 @@ public:
 
     explicit StripDrawing(const Scene& scene) : mScene(scene) {}
 
-    // Has the layers make what needs the whole text. Without memory, and if it is not called, the picture
-    // becomes transparent.
+    // Lets the layers make what needs the whole text. If memory is short, or if this is not called, the
+    // picture becomes transparent.
     void prepare();
     // Writes all pixels of the picture.
     void draw(PixelOrder order);
@@ -42,7 +42,7 @@ public:
     const ZvRect& drawn() const { return mDrawn; }
 
 private:
-    // A layer's rows, on the front or the back picture or both.
+    // A layer's rows and where they go: the front picture, the back one, or both.
     struct WaitingLayer {
         std::unique_ptr<LayerRows> rows;
         bool behind = false, both = false;
@@ -56,7 +56,7 @@ private:
 
     Scene mScene;
     ZvRect mDrawn;
-    std::unique_ptr<WaitingLayer[]> mWaiting;  // as many as there are layers, or null
+    std::unique_ptr<WaitingLayer[]> mWaiting;  // one for each layer, or null
 };
 
 }  // namespace Zvex

@@ -22,17 +22,17 @@ namespace Zvex {
 
 namespace {
 
-// A layer on its way to the joined picture.
+// A layer that is being made for the joined picture.
 struct DrawnLayer {
-    Spread coverage;                    // made where no layer before has the same
-    std::unique_ptr<ZvBitmap> picture;  // null: transparent
+    Spread coverage;                    // made unless a layer before has the same
+    std::unique_ptr<ZvBitmap> picture;  // null if transparent
 };
 
 void grow(int* margin, int64_t wanted) {
     *margin = std::max(*margin, clampToInt(wanted));
 }
 
-// The rows and columns of the picture outside the box become transparent.
+// Makes the rows and columns of the picture outside the box transparent.
 void clearOutside(const ZvBitmap& picture, const ZvRect& box) {
     const auto held = [](int at, uint32_t size) {
         return static_cast<size_t>(std::clamp<int64_t>(at, 0, size));
@@ -47,7 +47,7 @@ void clearOutside(const ZvBitmap& picture, const ZvRect& box) {
     }
 }
 
-// The coverage lies at (x, y).
+// Draws the stack with the coverage at (x, y).
 bool drawStack(ZvEffect& effect, const Spread& coverage, int x, int y, ZvBitmap* drawn) {
     const ZvRect& box = coverage.box();
     ZvGlyph glyph;
@@ -61,8 +61,8 @@ bool drawStack(ZvEffect& effect, const Spread& coverage, int x, int y, ZvBitmap*
     return true;
 }
 
-// The coverage for layer i, its box counted from the text's, made with the first layer of that spread. Null
-// when memory is short.
+// The coverage for layer i, its box counted from the text's. It is made for the first layer with that spread.
+// Null if memory is short.
 const Spread* coverageFor(size_t i, const TextCoverage& text, const TextLayer* layers, DrawnLayer* drawn) {
     for (size_t earlier = 0; earlier < i; ++earlier) {
         if (layers[earlier].spread == layers[i].spread) return &drawn[earlier].coverage;

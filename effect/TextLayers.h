@@ -13,54 +13,54 @@ namespace Zvex {
 
 class ZvEffect;
 
-// A text drawn several times, each time with a stack of its own, and joined: several strokes, shadows and
-// fills.
+// A text drawn several times, each time with its own effect stack, and joined: for several strokes, shadows
+// and fills.
 //
 //     TextCoverage goes into the text object's own stack; rendering fills it
-//     marginsOf gives the room that the layers need, which TextCoverage asks for
+//     marginsOf gives the room that the layers need; TextCoverage asks for it
 //     drawTextLayers makes the picture
 
 // One of the layers.
 struct TextLayer {
-    ZvEffect* effect = nullptr;  // the stack, its text colour added; not owned, used by drawTextLayers alone
-    int spread = 0;              // pixels by which the coverage is widened before the stack sees it (Spread)
-    int x = 0, y = 0;            // pixels by which the layer's picture is moved right and down
+    ZvEffect* effect = nullptr;  // the stack, its text colour added; not owned, used only by drawTextLayers
+    int spread = 0;              // pixels by which the coverage is widened for the stack (Spread)
+    int x = 0, y = 0;            // pixels by which the layer's picture moves right and down
     LayerBlend blend = LayerBlend::Normal;
     float opacity = 1;
-    bool clipped = false;   // to the nearest layer behind that is not (JoinedLayer)
-    bool knockout = false;  // the layer does not show within the glyphs, before any spread and unmoved
+    bool clipped = false;   // to the nearest layer behind it that is not clipped (JoinedLayer)
+    bool knockout = false;  // hides the layer within the glyphs, as they are before any spread and move
 };
 
-// Pixels beside the text that the layers reach: for each of them its stack's margins and a positive spread,
-// moved by its offset. left, top, right and bottom are that much, none of them negative.
+// How far the layers reach beyond the text, in pixels: for each layer its stack's margins plus a positive
+// spread, moved by its offset. left, top, right and bottom are distances, none negative.
 ZvRect marginsOf(const TextLayer* layers, size_t count);
 
-// A layer that draws nothing and keeps what the others would draw from, for a text object's stack, which owns
-// it from then on: stack.effects.push_back(coverage).
+// A layer that draws nothing and keeps the coverage for the other layers. It goes into a text object's stack,
+// which then owns it: stack.effects.push_back(coverage).
 class TextCoverage : public ZvECoreBase {
 public:
-    ZvRect margins;  // what the picture has beside the text, as marginsOf
-    // Filled by a rendering: the glyphs' box in the picture and their coverage within it, 1 byte a pixel.
-    // Without glyphs, or memory, the box is empty and there are no pixels.
+    ZvRect margins;  // what the picture has beside the text, from marginsOf
+    // Filled by a rendering: the glyphs' box in the picture and their coverage within it, 1 byte a pixel. If
+    // there are no glyphs, or memory is short, the box is empty and there are no pixels.
     ZvRect box;
     ZvBitmap mask;
 
     int doPostProcessing(ParamPostProcessing* param) override;
     void setProperty(ZvProperty*) override {}
-    ZvProperty* getProperty() override { return nullptr; }  // none, so that no layer key has a trace of it
+    ZvProperty* getProperty() override { return nullptr; }  // none, so the layer key does not contain it
     int getLeftOffset() override { return margins.left; }
     int getTopOffset() override { return margins.top; }
     int getRightOffset() override { return margins.right; }
     int getBottomOffset() override { return margins.bottom; }
 };
 
-// Draws `count` layers of the text, the backmost first, and joins them onto `picture`: straight words
-// 0xAARRGGBB, what lies behind the text on entry, and afterwards its alpha multiplied by `opacity`. Of the
-// layers only what lies within `clip` shows. Coverage of the same spread is made once.
+// Draws `count` layers of the text, the backmost first, and joins them onto `picture`, which holds straight
+// words 0xAARRGGBB: on entry the background, afterwards the result, its alpha multiplied by `opacity`. Layers
+// show only within `clip`. Layers of the same spread share their coverage.
 //
-// False, with the picture untouched, when memory is short (4 bytes a pixel for each layer, beside what a
-// stack takes), and when a side of the text's box, spread included, has 2^16 pixels or more. An effect that
-// finds no memory is left out, with the mark of foundation/OutOfMemory.h.
+// False, with the picture unchanged, if memory is short (4 bytes a pixel for each layer, plus what a stack
+// needs), or if a side of the text's box, spread included, has 2^16 pixels or more. An effect that finds no
+// memory is left out and sets the flag of foundation/OutOfMemory.h.
 bool drawTextLayers(ZvBitmap* picture, const TextCoverage& text, const TextLayer* layers, size_t count,
                     const ZvRect& clip, float opacity = 1);
 

@@ -12,7 +12,7 @@ class ZvProperty;
 class ZvRect;
 struct ZvGlyph;
 
-// Effect type numbers: what getStyle returns and ZvEffect::createEffect takes.
+// Effect type numbers: getStyle returns them and ZvEffect::createEffect takes them.
 enum ZvEffectType : int {
     ZV_EFFECT_OUTER_SHADOW = 1,
     ZV_EFFECT_INNER_SHADOW = 2,
@@ -22,50 +22,50 @@ enum ZvEffectType : int {
     ZV_EFFECT_EMBOSS = 6,
     ZV_EFFECT_LINEAR_GRADIENT = 7,
     ZV_EFFECT_RADIAL_GRADIENT = 8,
-    ZV_EFFECT_STROKE_OLD = 9,  // has no class; the layer rules treat it as a stroke
+    ZV_EFFECT_STROKE_OLD = 9,  // has no class; treated as a stroke when layers are ordered
     ZV_EFFECT_STROKE = 10,
     ZV_EFFECT_PATTERN = 11,
     ZV_EFFECT_TEXT = 12,
-    ZV_EFFECT_NONE = 13,  // start value of ZvECoreBase::style; the layer rules put it under the text
+    ZV_EFFECT_NONE = 13,  // initial value of ZvECoreBase::style; ordered under the text
 };
 
 // One effect layer of a text. ZvEffect creates the layers, orders them, and runs each over the text's
 // coverage. A layer is used by one thread at a time.
 class ZvECore {
 public:
-    // How a rendering begins.
+    // The start of a rendering.
     struct ParamInit {
-        // Of the working bitmaps, in pixels.
+        // The size of the working bitmaps, in pixels.
         int width = 0;
         int height = 0;
         int layerMode = 0;  // 0: all layers draw into one picture; 1: into a front and a back one
     };
 
-    // A line of glyphs that has been merged into the mask. None of it is owned.
+    // A line of glyphs that has been merged into the mask. Owns nothing.
     struct ParamRender {
-        // Where its top-left lies in the mask.
+        // The position of its top-left in the mask.
         int x = 0;
         int y = 0;
         ZvGlyph* glyph = nullptr;    // may be null
         ZvBitmap* target = nullptr;  // null before ZvEffect::setDstBitmap
     };
 
-    // None of it is owned, and none of it may be kept after the call.
+    // Owns nothing, and nothing of it may be kept after the call.
     struct ParamPostProcessing {
         ZvBitmap* target = nullptr;      // colour, premultiplied: where the layer draws
         ZvBitmap* mask = nullptr;        // 8-bit coverage of the whole text
         ZvRect* textRect = nullptr;      // box of the glyphs within the mask
         int layerMode = 0;               // as in ParamInit
         ZvBitmap* otherLayer = nullptr;  // a second colour picture for effects that draw into both, else null
-        // Other layers may have drawn before this one; they fill more than the glyphs, and the text in a
-        // single picture cuts that off.
+        // Whether other layers may have drawn before this one. They fill more than the glyphs; in a single
+        // picture the text layer cuts that off.
         bool overLayers = false;
-        // Holds textRect, and outside of it target is transparent; null when nothing is known. If it is
-        // there, the mask has coverage within textRect only; the rows there and the one below are all of it
-        // that may be read.
+        // A box around textRect outside of which target is transparent; null if none is known. If it is set,
+        // the mask has coverage only within textRect, and only the rows of textRect and the one below may be
+        // read.
         const ZvRect* drawnArea = nullptr;
-        // Where to put the rows that the layer would draw, for drawing them later; null: it draws now. It
-        // stays null where there is nothing to draw.
+        // If not null, the layer stores its rows here, to be drawn later, instead of drawing now. It stays
+        // null if there is nothing to draw.
         std::unique_ptr<LayerRows>* rows = nullptr;
     };
 
@@ -77,21 +77,21 @@ public:
     // Called for each layer after a glyph run has been merged into the mask. Returns 1.
     virtual int render(ParamRender* param) = 0;
 
-    // Draws the effect, or hands over its rows. A missing part of the record and a failed allocation end it
-    // silently, the pictures untouched. Returns 0.
+    // Draws the effect, or hands over its rows. If a part of the record is missing or an allocation fails, it
+    // returns and leaves the pictures unchanged, without a message. Returns 0.
     virtual int doPostProcessing(ParamPostProcessing* param) = 0;
 
     // Keeps a copy of *property, which must be the record of this layer's own class; the caller keeps
-    // property. Null is ignored. When the copy cannot be allocated the old settings stay.
+    // property. Null is ignored. If the copy cannot be allocated, the old settings stay.
     virtual void setProperty(ZvProperty* property) = 0;
     // The layer's own copy, null before the first setProperty.
     virtual ZvProperty* getProperty() = 0;
 
-    virtual float getOpacity() = 0;  // 1 for every layer there is: opacities are folded into the colours
+    virtual float getOpacity() = 0;  // 1 for all built-in layers: opacities are multiplied into the colours
     virtual int getStyle() = 0;      // ZvEffectType
 
-    // Pixels the layer needs beside the text on each side, and, with getOffset, on every side: the margin is
-    // the larger of the two.
+    // Pixels that the layer needs beside the text on each side. getOffset applies to every side; the margin
+    // is the larger of the two.
     virtual int getLeftOffset() = 0;
     virtual int getRightOffset() = 0;
     virtual int getTopOffset() = 0;

@@ -35,8 +35,8 @@ public:
     int getOffset() override;
 
 protected:
-    // What setProperty of a layer does whose record owns nothing: *record, owned and null at first, becomes a
-    // copy of `settings`, which may be the old record. When memory is short the old one stays; false then.
+    // For setProperty of layers whose record owns nothing. *record, owned and null at first, becomes a copy
+    // of `settings`; `settings` may be the old record. False, with the old record kept, if memory is short.
     template <typename Property>
     static bool replaceProperty(const Property& settings, Property** record) {
         auto copy = tryMake<Property>(settings);

@@ -89,7 +89,7 @@ int ZvEffect::addEffect(int id, int type, ZvProperty* property) {
     created->setProperty(property);
     const bool kept = unlessOutOfMemory(false, [&] {
         if (property != nullptr && created->getProperty() == nullptr) return false;  // no memory for the copy
-        layers.reserve(effects.size() + 1);  // so that a rendering orders its layers without new memory
+        layers.reserve(effects.size() + 1);  // so that a rendering can order its layers without allocating
         effects.push_back(created.get());
         return true;
     });
@@ -128,7 +128,7 @@ bool ZvEffect::removeEffect(int id) {
     return false;
 }
 
-// The layer leaves the drawing order as well: a rendering may be under way.
+// A rendering may be under way, so the layer leaves the drawing order as well.
 void ZvEffect::releaseEffect(ZvECore* effect) {
     if (effect == nullptr) return;
     forget(effects, effect);
@@ -255,7 +255,7 @@ char* ZvEffect::getMapKey() {
     const size_t size = static_cast<size_t>(length) + 1;
     char* key = new (std::nothrow) char[size];
     if (key == nullptr) return nullptr;
-    // Records with stops write less than they announce; the rest of the buffer is NULs.
+    // Records with stops write less than they announce; the rest of the buffer stays NUL.
     std::memset(key, 0, size);
     char* cursor = key;
     for (ZvECore* effect : effects) {
@@ -313,7 +313,7 @@ void ZvEffect::beginRendering(int width, int height, MaskPixels maskPixels) {
     layerMode = twoLayers ? 1 : 0;
 
     releaseBitmap();
-    if (textRectReset) textRect = ZvRect();  // an earlier rendering's box says nothing about this one
+    if (textRectReset) textRect = ZvRect();  // the box of an earlier rendering does not apply
     const unsigned int bitmapWidth = static_cast<unsigned int>(std::max(width, 0));
     const unsigned int bitmapHeight = static_cast<unsigned int>(std::max(height, 0));
     mMaskTop = mMaskBottom = 0;
@@ -325,21 +325,21 @@ void ZvEffect::beginRendering(int width, int height, MaskPixels maskPixels) {
         if (twoLayers) back = tryMake<ZvBitmap>(bitmapWidth, bitmapHeight, 4u).release();
     }
 
-    // The newest layer is the topmost one of its group.
+    // Within its group, the newest layer is the topmost.
     std::reverse(layers.begin(), layers.end());
     if (twoLayers) {
-        // What is drawn within the glyphs covers the text; what lies around them is in the other picture
-        // anyway.
+        // The text is covered by what is drawn within the glyphs. What is drawn around them goes to the other
+        // picture.
         const auto text = std::find_if(layers.begin(), layers.end(),
                                        [](ZvECore* effect) { return effect->getStyle() == ZV_EFFECT_TEXT; });
         if (text != layers.end()) std::rotate(text, text + 1, layers.end());
     } else {
-        // Over the text, the text (oldest first, were there several), under the text.
+        // Order: layers over the text, the text (should there be several, the oldest first), layers under it.
         const auto rank = [this](ZvECore* effect) {
             return isUnderEffect(effect) ? 2 : effect->getStyle() == ZV_EFFECT_TEXT ? 1 : 0;
         };
         const auto byRank = [&](ZvECore* a, ZvECore* b) { return rank(a) < rank(b); };
-        std::stable_sort(layers.begin(), layers.end(), byRank);  // without memory it sorts in place
+        std::stable_sort(layers.begin(), layers.end(), byRank);  // sorts in place if memory is short
         const auto isAboveText = [&](ZvECore* effect) { return rank(effect) == 0; };
         const auto isNotUnderText = [&](ZvECore* effect) { return rank(effect) < 2; };
         std::reverse(std::partition_point(layers.begin(), layers.end(), isAboveText),
@@ -470,8 +470,8 @@ ZvRect ZvEffect::drawInStrips(PixelOrder order) {
     ZvRect drawn;
     {
         StripDrawing drawing({layers, *dst, *mask, textRect, layerMode == 1, textAlpha});
-        // The box may be of a rendering that was given up, or set by hand: no line has cleared rows for it
-        // then.
+        // The box may come from an abandoned rendering, or have been set by hand; then no line has cleared
+        // its rows.
         clearMaskRows();
         if (clipTextRect() && mask->pixels != nullptr) drawing.prepare();
         ZV_DEBUG_LOG(kTag, "DoEffectPostProcessing(%p) - end", static_cast<void*>(this));

@@ -10,7 +10,7 @@ namespace Zvex {
 
 namespace {
 
-// Writes one record's part of the key; the NUL that closes it is written when the writer ends.
+// Writes one record's part of the key; its destructor writes the closing NUL.
 class KeyWriter {
 public:
     KeyWriter(char** cursor, char tag) : cursor_(cursor) { *(*cursor_)++ = tag; }
@@ -36,7 +36,7 @@ private:
         for (int shift = 4 * (count - 1); shift >= 0; shift -= 4) put((value >> shift) & 0xF);
     }
 
-    // The top bit keeps the byte from ending the string.
+    // The top bit keeps the byte from being NUL.
     void put(uint32_t bits) { *(*cursor_)++ = static_cast<char>(static_cast<unsigned char>(bits | 0x80)); }
 
     char** cursor_;
@@ -47,9 +47,9 @@ int hundredths(float value) {
     return truncateToInt(static_cast<double>(value) * 100.0);
 }
 
-constexpr int kStopLength = 10;  // announced for a stop; a colour and a small integer, 9 bytes, are written
+constexpr int kStopLength = 10;  // announced for each stop; 9 bytes are written, a colour and a small integer
 
-// Held where `fixed` bytes and the stops still fit an int.
+// Limits the count so that `fixed` bytes and the stops fit an int.
 int countedStops(int count, int fixed) {
     return clampInt(count, 0, (INT_MAX - fixed) / kStopLength);
 }

@@ -8,24 +8,25 @@ namespace Zvex {
 
 class ZvBitmap;
 
-// The settings of the effects, one record for each, and the key they are written as.
+// The settings of the effects, one record for each, and the key that they are written to.
 //
 // A record is a plain value: public fields, copied freely, all zero by default. It owns nothing: a stop array
-// or a bitmap it points at belongs to the record's user and has to outlive the use. Constructors limit what
-// is said at each field and keep everything else as given. A value below a range becomes its lower end, one
-// above its upper end, NaN the lower end; a float becomes an int by dropping its fraction, held within the
-// ints, NaN becoming 0.
+// or bitmap that it points at belongs to the record's user and must outlive the record. Constructors apply
+// the ranges given at the fields and keep everything else unchanged. A value below its range becomes the
+// lower end, one above the upper end, NaN the lower end. A float becomes an int by dropping its fraction,
+// clamped to the ints; NaN becomes 0.
 //
-// Colours are 0xAARRGGBB. Whether one is premultiplied is settled by the adder that builds it (see ZvEffect).
+// Colours are 0xAARRGGBB. The adder that builds a record decides whether its colour is premultiplied (see
+// ZvEffect).
 
 // One colour stop of a gradient.
 struct ZvGradient {
     uint32_t color = 0;  // 0xAARRGGBB, straight; the adders make its alpha byte of the opacities
-    float opacity = 0;   // 0 to 1
-    float position = 0;  // 0 to 1, the place along the gradient
+    float opacity = 0;   // 0xAARRGGBB, straight; the adders set the alpha byte from the opacities
+    float position = 0;  // 0 to 1, along the gradient
 };
 
-// What all records share; not used by itself.
+// Base of all records; not used by itself.
 class ZvProperty {
 public:
     uint32_t color;  // 0xAARRGGBB
@@ -34,17 +35,17 @@ public:
     ZvProperty(unsigned int color, float opacity);
     virtual ~ZvProperty();
 
-    // The most bytes that toSequentialChar writes, its closing NUL not counted; never negative.
+    // The most bytes that toSequentialChar writes, not counting the closing NUL; never negative.
     virtual int getSequentialCharLength() = 0;
 
     // Writes the record's part of the layer key at *cursor, closes it with a NUL and leaves *cursor on that
-    // NUL, where the next record goes on. Needs getSequentialCharLength() + 1 bytes. No byte before the NUL
-    // is 0: the first is a letter for the kind of record, every other one has its top bit set. Returns 1.
+    // NUL, where the next record continues. Needs getSequentialCharLength() + 1 bytes. No byte before the NUL
+    // is 0: the first is a letter for the kind of record, and all others have their top bit set. Returns 1.
     //
-    // The key leaves out what an effect's picture does not depend on by itself: the opacities (the adders
-    // fold them into the colours; the pattern's is written), the number of stops and the stops' opacities.
-    // Two sets that differ only there have one key. Large values do not fit: a "small" field below keeps the
-    // low 7 bits of its integer part, a "byte" field 8, a "word" field 16.
+    // The key leaves out values on which an effect's picture does not depend directly: the opacities (the
+    // adders multiply them into the colours; the pattern's is written), the number of stops and the stops'
+    // opacities. Settings that differ only there have the same key. Large values do not fit: a "small" field
+    // below keeps the low 7 bits of its integer part, a "byte" field 8, a "word" field 16.
     virtual int toSequentialChar(char** cursor) = 0;
 
 protected:
@@ -61,11 +62,11 @@ public:
     int toSequentialChar(char** cursor) override;
 };
 
-// What both shadows share; not used by itself.
+// Base of both shadows; not used by itself.
 class ZvShadowProperty : public ZvProperty {
 public:
     float angle;     // degrees, where the light comes from, counter-clockwise from the positive x axis
-    float distance;  // pixels by which the shadow is moved away from the light
+    float distance;  // pixels by which the shadow moves away from the light
     float size;      // pixels, radius of the blur
 
     int getSequentialCharLength() override;
@@ -82,7 +83,7 @@ public:
     int toSequentialChar(char** cursor) override;
 };
 
-// The angle becomes a whole number of degrees in -359..359, of the sign it had. Key: 'I', then as the outer
+// The angle becomes a whole number of degrees in -359..359 and keeps its sign. Key: 'I', then as the outer
 // one.
 class ZvInnerShadowProperty : public ZvShadowProperty {
 public:
@@ -102,7 +103,7 @@ enum ZvStrokePosition : int {
 class ZvStrokeProperty : public ZvProperty {
 public:
     float width;   // pixels
-    int kind;      // carried and copied; no picture depends on it
+    int kind;      // copied, but no picture depends on it
     int position;  // ZvStrokePosition
 
     ZvStrokeProperty() : ZvStrokeProperty(0.0f, 0, 0.0f, 0, 0) {}
@@ -111,12 +112,11 @@ public:
     int toSequentialChar(char** cursor) override;
 };
 
-// What both glows share; not used by itself. The key takes a negative count as 0 and writes no stops of
-// a null array.
+// Base of both glows; not used by itself. In the key a negative count is 0, and a null array has no stops.
 class ZvGlowProperty : public ZvProperty {
 public:
     float size;         // pixels, how far the glow reaches
-    int count;          // stops; 0: the glow has one colour
+    int count;          // stops; with 0 the glow has one colour
     ZvGradient* stops;  // count entries, not owned
 
     int getSequentialCharLength() override;
@@ -125,8 +125,8 @@ protected:
     ZvGlowProperty(float size, unsigned int color, float opacity, int count, ZvGradient* stops);
 };
 
-// Key: 'G', size small, color, then for each stop its color and its position in hundredths, small. The length
-// announced is one byte a stop more than is written.
+// Key: 'G', size small, color, then for each stop its color and its position in hundredths, small. The
+// announced length is one byte more for each stop than is written.
 class ZvOuterGlowProperty : public ZvGlowProperty {
 public:
     ZvOuterGlowProperty() : ZvOuterGlowProperty(0.0f, 0, 0.0f, 0, nullptr) {}
@@ -142,11 +142,11 @@ public:
     int toSequentialChar(char** cursor) override;
 };
 
-// What both gradient fills share; not used by itself. color is 0. The key takes a negative count as 0 and
-// writes no stops of a null array.
+// Base of both gradient fills; not used by itself. color is 0. In the key a negative count is 0, and a null
+// array has no stops.
 class ZvGradientFillProperty : public ZvProperty {
 public:
-    float angle;        // whole degrees in -359..359, of the sign given; the radial fill does not read it
+    float angle;        // whole degrees in -359..359, with the given sign; not read by the radial fill
     float scale;        // 0 to 2, length of the gradient relative to the text
     int count;          // stops
     ZvGradient* stops;  // count entries, not owned
@@ -157,8 +157,8 @@ protected:
     ZvGradientFillProperty(float angle, float scale, float opacity, int count, ZvGradient* stops);
 };
 
-// Key: 'L', angle, scale in hundredths as a byte, then the stops as for the glows. As there, the length
-// announced is one byte a stop more than is written.
+// Key: 'L', angle, scale in hundredths as a byte, then the stops as for the glows. Here too the announced
+// length is one byte more for each stop than is written.
 class ZvLinearGradientProperty : public ZvGradientFillProperty {
 public:
     ZvLinearGradientProperty() : ZvLinearGradientProperty(0.0f, 0.0f, 0.0f, 0, nullptr) {}
@@ -174,21 +174,21 @@ public:
     int toSequentialChar(char** cursor) override;
 };
 
-// What bevel and emboss share; not used by itself. color is 0.
+// Base of bevel and emboss; not used by itself. color is 0.
 class ZvReliefProperty : public ZvProperty {
 public:
-    // Bevel: 1 lies inside the glyphs, any other around them. Emboss: 3 is lit a second time, from the
-    // opposite side, around the glyphs; any other once.
+    // Bevel: 1 lies inside the glyphs, any other value around them. Emboss: 3 adds a second relief around the
+    // glyphs, lit from the opposite side; any other value does not.
     int style;
     float size;      // pixels, width of the slope; the emboss has half of it on either side of the edge
     float depth;     // 0 to 10, steepness of the slope
     int direction;   // 0: lit from the other side
     int technique;   // 0: soft; any other: hard
-    int soften;      // pixels, 0 to 16, of one more blur
-    float angle;     // azimuth of the light, whole degrees in -359..359, of the sign given
-    float altitude;  // elevation of the light, whole degrees in -89..89, of the sign given
-    // Of the sides away from the light and towards it. The alpha byte is how strong they are; the adders fold
-    // these opacities and the layer's into it, and nothing else reads them.
+    int soften;      // pixels, 0 to 16, of an additional blur
+    float angle;     // azimuth of the light, whole degrees in -359..359, with the given sign
+    float altitude;  // elevation of the light, whole degrees in -89..89, with the given sign
+    // The colours of the sides away from the light and towards it. The alpha byte is their strength; the
+    // adders multiply these opacities and the layer's into it, and nothing else reads the opacities.
     uint32_t shadowColor;
     float shadowOpacity;
     uint32_t highlightColor;
@@ -224,7 +224,7 @@ public:
 };
 
 // color is 0. Key: 'P', the low 32 bits of the bitmap's address written as a colour, scale and opacity in
-// hundredths as words: equal pixels in two bitmaps give two keys.
+// hundredths as words. So equal pixels in two bitmaps give two keys.
 class ZvPatternProperty : public ZvProperty {
 public:
     ZvBitmap* bitmap;  // 4 bytes a pixel: alpha, red, green, blue, straight; not owned

@@ -20,8 +20,8 @@ namespace {
 
 constexpr char kTag[] = "Blender";
 
-// The text's colour within the glyphs. What the layers in front have drawn beside them (a gradient fills its
-// box, an inside stroke its surroundings) must not show in a single picture.
+// The text's colour within the glyphs. In a single picture, what the layers in front have drawn beside the
+// glyphs must not show (a gradient fills its box, an inside stroke its surroundings).
 class TextRows : public LayerRows {
 public:
     TextRows(const ZvECore::ParamPostProcessing& param, uint32_t color)
@@ -80,9 +80,9 @@ private:
     }
 
     const ZvBitmap& mMask;
-    ZvRect mCovered;  // outside of it is no coverage
-    ZvRect mDrawn;    // outside of it the target is transparent, or none
-    bool mSingle;     // picture: the coverage counts, not only whether there is any
+    ZvRect mCovered;  // there is no coverage outside
+    ZvRect mDrawn;    // the target is transparent outside
+    bool mSingle;     // one picture: coverage scales; two: any coverage counts as full
     bool mCuts;
     uint32_t mColor;
 };
@@ -104,7 +104,7 @@ int ZvText::doPostProcessing(ParamPostProcessing* param) {
     const ZvBitmap* mask = param->mask;
     if (target->pixels == nullptr || target->bytesPerPixel != 4 || mask->pixels == nullptr) return 0;
 
-    // The line that the blender has for these blends: one for the text, in however many pieces it is drawn.
+    // The blender logs a line for this blend. Here the text logs it once, however many strips it is drawn in.
     ZV_DEBUG_LOG(kTag,
                  param->layerMode != 1 ? "Blender - ZVE_BLEND_OTHER" : "Blender - ZVE_BLEND_DST_OVER_NSA");
     drawLayer(param, tryMake<TextRows>(*param, property->color));

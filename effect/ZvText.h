@@ -15,12 +15,13 @@ public:
     ZvText();
     ~ZvText() override;
 
-    // Paints the colour through the whole mask (textRect is not read, and may be null) onto the target,
-    // destination-over.
-    // Two layers: every pixel with any coverage gets the full colour; the merge of the two pictures brings
-    // the glyphs' smooth edges back. One layer: the picture is then cut down to the glyphs: pixels are scaled
-    // by their coverage, and all of the target where the mask is 0, or ends, becomes
-    // transparent. What belongs beside the glyphs is drawn by layers that run after this one.
+    // Paints the colour through the whole mask onto the target, destination-over. textRect is not read and
+    // may be null.
+    //
+    // Two pictures: every pixel with any coverage gets the full colour; merging the pictures restores the
+    // glyphs' smooth edges. One picture: it is then cut down to the glyphs. Pixels are scaled by their
+    // coverage, and the target becomes transparent where the mask is 0 or ends. Layers that draw beside the
+    // glyphs run after this one.
     int doPostProcessing(ParamPostProcessing* param) override;
 
     void setProperty(ZvProperty* property) override;

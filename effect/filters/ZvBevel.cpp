@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// A bevel: the distance to the glyph edge, up to a radius, is the height of a relief, lit as Relief.h says.
-// Wide soft bevels take their distances from the exact transform, which ignores partial coverage but costs
-// the same for any radius, and is blurred anyway. All others search a window.
+// A bevel: the distance to the glyph edge, up to a radius, is the height of a relief, lit as in Relief.h.
+// Wide soft bevels take their distances from the exact transform. It ignores partial coverage, but these
+// bevels are blurred anyway, and its cost does not depend on the radius. All others search a window.
 
 #include "effect/filters/ZvBevel.h"
 
@@ -27,7 +27,7 @@ constexpr double kDepthFloor = 0.1;
 constexpr float kSoftGain = 1.83f;
 constexpr int kFirstExactRadius = 11;  // of soft bevels
 
-// Sizes in pixels. They are within the ints once the working area is.
+// Sizes in pixels. They fit ints once the working area does.
 struct Widths {
     bool soft;
     int64_t radius;  // of the slope
@@ -45,14 +45,14 @@ struct Widths {
     }
 };
 
-// What the distances are measured on: the pixels of the slope's side are those that are not full.
+// What the distances are measured from: the full pixels, on the side of the edge that has no slope.
 struct Edge {
     Buffer<uint8_t> levels;
     float ramp[256];  // values of the levels
     std::unique_ptr<DistanceRows> distances;
 
-    // With the fractions of partly covered pixels, which lie within a pixel of the other side, unless the
-    // slope is wide and soft.
+    // Unless the slope is wide and soft, uses the fractions of partly covered pixels, which lie within a
+    // pixel of the other side.
     bool make(const Widths& widths, const WorkingArea& area, const ZvBitmap& mask, bool inner) {
         const int radius = static_cast<int>(widths.radius);
         const bool exact = widths.soft && radius >= kFirstExactRadius;
@@ -75,12 +75,12 @@ struct Edge {
     }
 };
 
-// Around the glyphs the distance grows away from them, and the height falls.
+// Around the glyphs the distance grows outwards and the height falls.
 SlopeLighting lighting(const ReliefLight& light, int64_t radius, bool inner) {
     return {LitSide::Bevel, light, static_cast<float>(radius), 0, !inner};
 }
 
-// The light on the slopes.
+// Lights the slopes.
 bool lightSlopes(ReliefPlanes& planes, const ZvBevelProperty& property, const Widths& widths,
                  const WorkingArea& area, const ZvBitmap& mask) {
     const bool inner = property.style == 1;

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// An emboss: a relief as deep as the signed distance to the glyph edge, from the inner radius within the
-// glyphs to the outer one around them, lit as Relief.h says. Wide soft slopes take their distances from the
-// exact transform, in two planes; all others search windows of one signed plane:
+// An emboss: the height of the relief is the signed distance to the glyph edge, from the inner radius within
+// the glyphs to the outer one around them, lit as in Relief.h. Wide soft slopes take their distances from the
+// exact transform, in two planes. All others search windows of one signed plane:
 //
 //     1 - inner radius ... 0 | 0 ... 1 on partly covered pixels | 1 ... outer radius
 //              glyphs                                                   ground
@@ -27,11 +27,11 @@ namespace Zvex {
 namespace {
 
 constexpr double kDepthFloor = 0.2;
-constexpr float kSoftGain = 2.03f;     // a float: a light of 100 becomes 203, with a double 202
+constexpr float kSoftGain = 2.03f;     // as a float it turns a light of 100 into 203, as a double into 202
 constexpr int kLastWindowedSize = 25;  // of soft slopes
 constexpr int kStyleDouble = 3;
 
-// Sizes in pixels. They are within the ints once the working area is.
+// Sizes in pixels. They fit ints once the working area does.
 struct Widths {
     bool soft, exact;
     int64_t outer, inner;  // radii of the slope
@@ -50,13 +50,14 @@ struct Widths {
     }
 };
 
-// The height falls away from the glyphs; within them, lit as the slope that falls the other way, it rises.
+// The height falls away from the glyphs. Within them it rises with the distance, so they are lit as the slope
+// that falls the other way.
 SlopeLighting lighting(LitSide side, const ReliefLight& light, int64_t outer, int64_t inner) {
     const bool within = side == LitSide::Within;
     return {side, light, static_cast<float>(within ? inner : outer), static_cast<float>(inner), !within};
 }
 
-// Calls visit(light, i) for each of the reliefs: the second one has its light from the opposite side.
+// Calls visit(light, i) for each relief; the light of the second one comes from the opposite side.
 template <typename Light>
 void forReliefs(const ReliefLight& light, int count, const Light& visit) {
     visit(light, 0);
@@ -67,7 +68,7 @@ void forReliefs(const ReliefLight& light, int count, const Light& visit) {
     visit(opposite, 1);
 }
 
-// Soft and wide slopes: two distances, one for each side of the edge.
+// Soft, wide slopes: two planes of distances, one for each side of the edge.
 bool lightExactSlopes(ReliefPlanes* planes, int count, const ZvEmbossProperty& property, const Widths& widths,
                       const WorkingArea& area, const ZvBitmap& mask) {
     const int outer = static_cast<int>(widths.outer), inner = static_cast<int>(widths.inner);
@@ -76,7 +77,7 @@ bool lightExactSlopes(ReliefPlanes* planes, int count, const ZvEmbossProperty& p
     for (int i = 0; i < 2; ++i) {
         if (!levels[i].allocate(area.height, area.width)) return false;
         makeLevels(levels[i].get(), i == 0 ? Levels::Beside : Levels::Coverage, area, mask, 1);
-        // A pixel on the slope looks at its neighbours, less than a pixel beyond.
+        // The neighbours of a pixel on the slope lie less than a pixel beyond it.
         distances[i] =
             DistanceRows::transform(levels[i].get(), area.width, area.height, (i == 0 ? outer : inner) + 2);
         if (distances[i] == nullptr) return false;
@@ -94,7 +95,7 @@ bool lightExactSlopes(ReliefPlanes* planes, int count, const ZvEmbossProperty& p
     return true;
 }
 
-// All others: one plane of signed distances, with the fractions of partly covered pixels.
+// All other slopes: one plane of signed distances, with the fractions of partly covered pixels.
 bool measureSigned(float* plane, const Widths& widths, const WorkingArea& area, const ZvBitmap& mask) {
     const int outer = static_cast<int>(widths.outer), inner = static_cast<int>(widths.inner);
     float ramp[256];
@@ -107,7 +108,7 @@ bool measureSigned(float* plane, const Widths& widths, const WorkingArea& area, 
     Buffer<uint8_t> levels;
     if (!levels.allocate(area.height, area.width)) return false;
     makeLevels(levels.get(), Levels::Ground, area, mask, 0);
-    if (inner < 1) {  // full pixels are nothing to measure from
+    if (inner < 1) {  // full pixels cannot be measured from
         for (size_t i = 0; i < area.pixels(); ++i) plane[i] = ramp[levels[i]];
         if (!searchOutward({plane, area.height, area.width, outer, 1, area.height})) return false;
     } else {
@@ -162,7 +163,7 @@ int ZvEmboss::doPostProcessing(ParamPostProcessing* param) {
     if (!lightSlopes(planes, count, *property, widths, area, *param->mask)) return 0;
     const ReliefColors colors = {widths.soft ? kSoftGain : 1.0f, property->highlightColor,
                                  property->shadowColor};
-    // The opposite of the bevel.
+    // The opposite of what the bevel does.
     const int mode = param->layerMode == 1 ? ZVE_BLEND_DST_OVER : ZVE_BLEND_SRC_OVER;
     auto rows = tryMake<ReliefRows>(area, colors, mode, true);
     const int blur = static_cast<int>(widths.blur);

@@ -10,8 +10,8 @@ namespace Zvex {
 
 // Lights the glyphs from their edges inwards, type 4.
 //
-// The light has the property's colour, or runs along its stops: position 0 lies on the edge, position 1 where
-// the glow ends in the middle of thick strokes.
+// The light has the property's colour, or the colours of its stops: position 0 is at the edge, position 1
+// where the glow ends in the middle of thick strokes.
 class ZvInnerGlow : public ZvECoreBase {
 public:
     // Owned; its stops are the layer's own copy. See ColorTable.h for stops that do not rise.
@@ -20,9 +20,9 @@ public:
     ZvInnerGlow();
     ~ZvInnerGlow() override;
 
-    // Draws onto target, destination-over, and not only within the glyphs: strongest around them, and opaque
-    // white at its far border. The text layer, or the joining of the two layers, takes away what lies outside
-    // the glyphs. Reach and sizes are ZvOuterGlow's.
+    // Draws onto target, destination-over, also outside the glyphs: strongest around them, and opaque white
+    // at its outer border. The text layer, or the joining of the two layers, removes what lies outside the
+    // glyphs. Reach and sizes are those of ZvOuterGlow.
     int doPostProcessing(ParamPostProcessing* param) override;
 
     void setProperty(ZvProperty* property) override;
@@ -31,7 +31,7 @@ public:
     // The size rounded half up, 0 before setProperty.
     int getOffset() override;
 
-    // As ZvOuterGlow's.
+    // The same as ZvOuterGlow's.
     void makeColorLUT(unsigned int* table, float fadeStart, int curve);
     void increaseByBoxFilter(unsigned char* image, int passes, int width, int height);
 

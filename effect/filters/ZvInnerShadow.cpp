@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 //
 // The inverse of the coverage, blurred along the rows and then, shifted, down the columns. Only the pixels
-// that the shifted windows start from are computed. The definition is tests/reference/ShadowReference.h.
+// that the shifted windows start from are computed. The plain form is tests/reference/ShadowReference.h.
 
 #include "effect/filters/ZvInnerShadow.h"
 
@@ -27,8 +27,8 @@ namespace Zvex {
 
 namespace {
 
-// The pixels, of one row or column of `length`, that a shift leaves within the radius of the shifted text.
-// The rest is a band on the side that the text moves away from.
+// The pixels of one row or column of `length` that are within the radius of the shifted text. The rest is a
+// band on the side that the text moves away from.
 //
 //     shift > radius:  |   band    |   within the radius   |
 //                      0     shift - radius             length
@@ -42,28 +42,28 @@ Span spanOf(int length, int shift, int radius) {
             static_cast<int>(std::min<int64_t>(length, int64_t{length} + radius + shift))};
 }
 
-// Whether the shifted text comes close enough for a blur. To the left it may be one pixel further away than
-// to the right; the band is then the whole box, opaque where the coverage would be partial. The same upwards.
+// Whether the shifted text is close enough for a blur. To the left and upwards it may be one pixel further
+// away than to the right and downwards; then the whole box is band, opaque where the coverage is partial.
 bool isNear(int64_t length, int64_t shift, int64_t radius) {
     return length + radius + shift >= 0 && shift < length + radius;
 }
 
 void showOnText(uint8_t* __restrict row, const uint8_t* blurred, int count) {
     for (int x = 0; x < count; ++x) {
-        const uint8_t value = blurred[x];  // read either way, or the loop is taken pixel by pixel
+        const uint8_t value = blurred[x];  // always read, so that the compiler can use vectors
         row[x] = static_cast<uint8_t>(row[x] != 0 ? value : 0);
     }
 }
 
-// `shadow` holds the coverage of the text box, area large, and becomes the shadow. False, with some of it
-// changed, when memory is short.
+// On entry `shadow` holds the coverage of the text box, as large as the area; it becomes the shadow. False,
+// with part of it changed, if memory is short.
 bool cutOut(uint8_t* shadow, const WorkingArea& area, ShadowShift shift, int radius) {
     Gaussian kernel;
     if (!kernel.make(radius, kShadowWeight, GaussianConstant::Single)) return false;
     const int width = area.width, height = area.height;
     const Span columns = spanOf(width, shift.x, radius), rows = spanOf(height, shift.y, radius);
     const int band = std::min(blurBandRows(kernel), height), count = columns.count();
-    Buffer<uint8_t> inverse, blurred;  // of the pixels in reach
+    Buffer<uint8_t> inverse, blurred;  // of the pixels within reach
     Blur blur;
     if (!inverse.allocate(height, width) || !blurred.allocate(band, width) ||
         !blur.prepare(kernel, width, band))
@@ -76,7 +76,7 @@ bool cutOut(uint8_t* shadow, const WorkingArea& area, ShadowShift shift, int rad
     std::memset(shadow, 255, area.row(rows.begin));
     for (int y = rows.begin; y < rows.end; y += band) {
         const int bandRows = std::min(band, rows.end - y);
-        // Where the source ends all is shadow: no coverage, once it is inverted.
+        // Beyond the source everything is shadow: the inverse of no coverage.
         blur.columns({inverse.get(), count, shift.y - y, shift.y - y + height, blurred.get(), count, count,
                       bandRows, true, true});
         for (int i = 0; i < bandRows; ++i) {

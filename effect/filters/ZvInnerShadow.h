@@ -7,8 +7,8 @@
 
 namespace Zvex {
 
-// The shadow of the surface that the text is cut into, type 2: what surrounds the text, blurred, moved away
-// from the light and seen on the text. Needs no room beside the text.
+// Makes the text look cut into a surface, type 2: the surroundings of the text are blurred, moved away from
+// the light and shown on the text as a shadow. Needs no room beside the text.
 class ZvInnerShadow : public ZvECoreBase {
 public:
     ZvInnerShadowProperty* property = nullptr;  // owned
@@ -16,13 +16,13 @@ public:
     ZvInnerShadow();
     ~ZvInnerShadow() override;
 
-    // Draws the shadow onto target within the text box, destination-over, in the property's colour as it is.
+    // Draws the shadow onto target within the text box, destination-over, in the property's colour unchanged.
     //
-    // The blurred surroundings, with the radius max(0, size rounded half up), count in full wherever there is
-    // any coverage: the glyphs' own layer makes the edges smooth. Rows and columns of the box that the moved
-    // text does not come within the radius of are all shadow, beside the glyphs too. When the moved text is
-    // beyond the radius altogether, the shadow is the coverage itself. Draws nothing when the text box has
-    // more pixels than an int counts, or for a radius that Gaussian refuses.
+    // The blur's radius is max(0, size rounded half up). Where there is any coverage, the blurred
+    // surroundings count in full: the glyphs' own layer makes the edges smooth. Rows and columns of the box
+    // that are not within the radius of the moved text are all shadow, beside the glyphs too. If all of the
+    // moved text is further away than the radius, the shadow is the coverage itself. Draws nothing if the
+    // number of pixels of the text box does not fit an int, or for a radius that Gaussian refuses.
     int doPostProcessing(ParamPostProcessing* param) override;
 
     void setProperty(ZvProperty* property) override;

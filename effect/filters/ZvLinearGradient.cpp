@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// A pixel's place is its projection on the gradient line. All of it is single precision.
+// A pixel's position is its projection on the gradient line. Everything is in single precision.
 
 #include "effect/filters/ZvLinearGradient.h"
 
@@ -37,7 +37,7 @@ int ZvLinearGradient::doPostProcessing(ParamPostProcessing* param) {
 
     const float angle = property->angle * kRadiansOfDegree;
     const float sine = std::sin(angle), cosine = std::cos(angle);
-    // The line ends at the sides of the box that it crosses first, left and right or top and bottom.
+    // The line ends at the sides of the box that it reaches first: left and right, or top and bottom.
     const bool spansWidth = std::abs(std::tan(angle)) < fill->height() / fill->width();
     const float length = spansWidth ? fill->width() / std::abs(cosine) : fill->height() / std::abs(sine);
     const float entriesOfPixel = kEntries / property->scale / length;

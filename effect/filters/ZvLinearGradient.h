@@ -11,9 +11,9 @@ namespace Zvex {
 // Fills the glyphs with colours that change along a line, type 7.
 //
 // The line runs through the middle of the text box at the property's angle, counter-clockwise from the
-// positive x axis: 0 runs left to right, 90 bottom to top. At scale 1 positions 0 and 1 of the stops lie
-// where it crosses the sides of the box; scale stretches it about the middle, and beyond its ends the end
-// colours go on. No margin: nothing is drawn outside the box.
+// positive x axis: 0 runs left to right, 90 bottom to top. At scale 1, positions 0 and 1 of the stops are
+// where the line crosses the sides of the box. scale stretches it about the middle. Beyond the line's ends
+// the end colours continue. No margin: nothing is drawn outside the box.
 class ZvLinearGradient : public ZvECoreBase {
 public:
     // Owned; its stops are the layer's own copy. See ColorTable.h for stops that do not rise.
@@ -22,9 +22,8 @@ public:
     ZvLinearGradient();
     ~ZvLinearGradient() override;
 
-    // Draws onto target, destination-over, wherever the mask has any coverage: the colour is not scaled by
-    // the coverage, which is left to the text layer and the composition. Draws nothing without stops or at a
-    // scale below 0.1.
+    // Draws onto target, destination-over, wherever the mask has any coverage. Coverage does not scale the
+    // colour; the text layer and the composite do that. Draws nothing without stops or at a scale below 0.1.
     int doPostProcessing(ParamPostProcessing* param) override;
 
     void setProperty(ZvProperty* property) override;

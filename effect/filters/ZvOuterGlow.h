@@ -10,7 +10,7 @@ namespace Zvex {
 
 // Surrounds the text with a halo that fades outwards, type 3.
 //
-// The halo has the property's colour, or runs along its stops: position 0 lies on the glyphs, position 1
+// The halo has the property's colour, or the colours of its stops: position 0 is at the glyphs, position 1
 // where the glow ends.
 class ZvOuterGlow : public ZvECoreBase {
 public:
@@ -20,9 +20,9 @@ public:
     ZvOuterGlow();
     ~ZvOuterGlow() override;
 
-    // Draws onto target, destination-over; also beneath the glyphs, where the glow is strongest. The picture
-    // reaches 2 * ((int)size + 1) pixels beyond the text box, further than getOffset: the target cuts it off.
-    // A size of 0 is transparent, a size of -1 or less draws nothing.
+    // Draws onto target, destination-over, also beneath the glyphs, where the glow is strongest. The picture
+    // reaches 2 * ((int)size + 1) pixels beyond the text box, further than getOffset, and is cut off by the
+    // target. A size of 0 is transparent; a size of -1 or less draws nothing.
     int doPostProcessing(ParamPostProcessing* param) override;
 
     void setProperty(ZvProperty* property) override;
@@ -32,10 +32,10 @@ public:
     int getOffset() override;
 
     // Fills a table of 257 straight colours 0xAARRGGBB, from the strongest glow to none: makeGlowTable of
-    // Glow.h with this layer's property. Does nothing when table is null or before setProperty.
+    // Glow.h with this layer's property. Does nothing if table is null or before setProperty.
     void makeColorLUT(unsigned int* table, float fadeStart, int curve);
 
-    // Widens what is bright in an 8-bit image: widenByBoxFilter of Glow.h. Does nothing when memory is short.
+    // Widens the bright parts of an 8-bit image: widenByBoxFilter of Glow.h. Does nothing if memory is short.
     void increaseByBoxFilter(unsigned char* image, int passes, int width, int height);
 
 private:

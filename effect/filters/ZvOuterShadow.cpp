@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// The coverage, blurred directly from the mask, columns first, in bands of rows that fit the cache: the
-// shadow of the whole text is never in memory. The blur reaches one radius beyond the text box; only the part
-// on the target is computed. The definition is tests/reference/ShadowReference.h.
+// The coverage, blurred straight from the mask, columns first, in bands of rows that fit the cache; the
+// shadow of the whole text is never in memory. The blur reaches one radius beyond the text box. Only the part
+// on the target is computed. The plain form is tests/reference/ShadowReference.h.
 //
 //     |<- radius ->|<- radius ->|<- text box ->|<- radius ->|<- radius ->|
 //         empty        blurred      blurred        blurred      empty
@@ -30,7 +30,7 @@ namespace Zvex {
 
 namespace {
 
-// The margin on a side that the shadow moves away from, by `shift` pixels, or towards.
+// The margin on one side. The shadow moves by `shift` pixels, towards this side or away from it.
 int marginOf(const ZvOuterShadowProperty* property, int64_t shift, bool towards) {
     if (property == nullptr) return 0;
     const int64_t reach = roundSize(property->size), length = shift < 0 ? -shift : shift;
@@ -39,7 +39,7 @@ int marginOf(const ZvOuterShadowProperty* property, int64_t shift, bool towards)
 
 class ShadowRows : public LayerRows {
 public:
-    // False when nothing of it is seen or memory is short.
+    // False if none of it is visible or if memory is short.
     bool make(const ZvECore::ParamPostProcessing& param, const ZvOuterShadowProperty& property,
               ShadowShift shift);
 
@@ -49,21 +49,21 @@ public:
 private:
     void blurBand(int y);
 
-    ZvRect mSeen;  // what is on the target of it
+    ZvRect mSeen;  // the part on the target
     const ZvBitmap* mMask = nullptr;
-    ZvRect mPart;                    // of the mask, that it is the shadow of
-    int mSourceX = 0, mSourceY = 0;  // place of that part, counted from what is seen
+    ZvRect mPart;                    // the part of the mask that casts the shadow
+    int mSourceX = 0, mSourceY = 0;  // position of that part, counted from mSeen
     Gaussian mKernel;
     Blur mBlur;
     Buffer<uint8_t> mShadow;  // the rows of the band
     int mStride = 0, mBandRows = 0;
-    int mBandBegin = 0, mBandEnd = 0;  // rows of what is seen
+    int mBandBegin = 0, mBandEnd = 0;  // rows of mSeen
     uint32_t mColor = 0;
 };
 
 bool ShadowRows::make(const ZvECore::ParamPostProcessing& param, const ZvOuterShadowProperty& property,
                       ShadowShift shift) {
-    // The half is a double here and a float in the margins: 0.49999997 blurs by 0 with a margin of 1.
+    // Adds 0.5 as a double here, as a float in the margins: 0.49999997 blurs by 0 with a margin of 1.
     const int radius = std::max(truncateToInt(property.size + 0.5), 0);
     WorkingArea area;
     if (!area.grow(*param.textRect, 2 * int64_t{radius})) return false;
@@ -71,8 +71,8 @@ bool ShadowRows::make(const ZvECore::ParamPostProcessing& param, const ZvOuterSh
     mColor = property.color;
     mMask = param.mask;
 
-    // Only the visible part is blurred: a radius far beyond the picture costs no more than its pixels. In
-    // pixels of the area.
+    // Only the visible part is blurred, so a radius far beyond the picture costs no more than the picture's
+    // pixels. In pixels of the area.
     mPart = partWithin(*param.mask, *param.textRect);
     const int64_t left = std::max<int64_t>(radius, -int64_t{area.x}),
                   top = std::max<int64_t>(radius, -int64_t{area.y});
@@ -91,7 +91,7 @@ bool ShadowRows::make(const ZvECore::ParamPostProcessing& param, const ZvOuterSh
     return mBlur.prepare(mKernel, mStride, mBandRows) && mShadow.allocate(mBandRows, mStride);
 }
 
-// The band that begins with row y of what is seen.
+// Blurs the band that begins with row y of mSeen.
 void ShadowRows::blurBand(int y) {
     const int width = widthOf(mSeen), height = heightOf(mSeen);
     const int partWidth = widthOf(mPart), partHeight = heightOf(mPart);

@@ -11,24 +11,24 @@ namespace Zvex {
 class ZvOuterShadow : public ZvECoreBase {
 public:
     ZvOuterShadowProperty* property = nullptr;  // owned
-    int dx = 0;                                 // the displacement in pixels, of setProperty's making
+    int dx = 0;                                 // the displacement in pixels, computed by setProperty
     int dy = 0;                                 // downwards
 
     ZvOuterShadow();
     ~ZvOuterShadow() override;
 
-    // Draws the shadow onto target, destination-over, in the property's colour as it is: the coverage of the
+    // Draws the shadow onto target, destination-over, in the property's colour unchanged: the coverage of the
     // text box, blurred with the radius max(0, size rounded half up) and moved by dx, dy. It reaches at most
-    // the radius beyond the moved text box; the outermost pixels of larger radii are too faint to show. Draws
-    // nothing when its working image (the text box and twice the radius around it) has more pixels than an
-    // int counts.
+    // the radius beyond the moved text box; for larger radii the outermost pixels are too faint to show.
+    // Draws nothing if the number of pixels of its working image (the text box extended by twice the radius)
+    // does not fit an int.
     int doPostProcessing(ParamPostProcessing* param) override;
 
     void setProperty(ZvProperty* property) override;
     ZvProperty* getProperty() override;
 
-    // How far the shadow reaches beyond the text on each side. Negative, where the shadow falls, for sizes
-    // below -1 and a short displacement; all 0 before setProperty.
+    // How far the shadow reaches beyond the text on each side. Can be negative for sizes below -1 and a short
+    // displacement. All are 0 before setProperty.
     int getLeftOffset() override;
     int getRightOffset() override;
     int getTopOffset() override;

@@ -26,10 +26,10 @@ void deleteWithBitmap(ZvPatternProperty* property) {
     delete property;
 }
 
-// The tiled box, a row at a time.
+// The box filled with tiles, one row at a time.
 class PatternRows : public LayerRows {
 public:
-    // False when nothing of it is covered or memory is short.
+    // False if none of it is covered or if memory is short.
     bool make(const ZvECore::ParamPostProcessing& param, const ZvPatternProperty& property) {
         mMask = param.mask;
         WorkingArea area;
@@ -56,8 +56,8 @@ public:
 
 private:
     const ZvBitmap* mMask = nullptr;
-    ZvRect mBox;   // of the tiles
-    ZvRect mPart;  // of it, on the mask
+    ZvRect mBox;   // filled with tiles
+    ZvRect mPart;  // the part of it on the mask
     PatternTile mTile;
     Buffer<uint32_t> mRow;
 };

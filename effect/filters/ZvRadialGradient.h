@@ -10,9 +10,9 @@ namespace Zvex {
 
 // Fills the glyphs with colours that change with the distance from the middle of the text box, type 8.
 //
-// Position 0 of the stops lies in the middle, position 1 on a circle of half the box's width times the scale,
-// whatever the height; the last colour goes on beyond. No margin: nothing is drawn outside the box. The
-// record's angle is not read.
+// Position 0 of the stops is in the middle. Position 1 is a circle whose radius is half the box's width times
+// the scale; the height does not matter. Beyond it the last colour continues. No margin: nothing is drawn
+// outside the box. The record's angle is not read.
 class ZvRadialGradient : public ZvECoreBase {
 public:
     // Owned; its stops are the layer's own copy. See ColorTable.h for stops that do not rise.
@@ -21,7 +21,7 @@ public:
     ZvRadialGradient();
     ~ZvRadialGradient() override;
 
-    // As ZvLinearGradient's.
+    // Draws like ZvLinearGradient.
     int doPostProcessing(ParamPostProcessing* param) override;
 
     void setProperty(ZvProperty* property) override;

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// An outline: the text's coverage dilated by a smooth disc (outside), the coverage of everything but the text
-// dilated by it (inside), or the smaller of the two (centred: a band of half the width on either side of the
-// edge). One dilation for the first two, two for the third; see Dilation.h for their cost. There is no plane
-// of the band: a few rows at a time are dilated and blended.
+// An outline is one of these: the text's coverage dilated by a smooth disc (outside); 255 minus the coverage,
+// dilated by it (inside); or the smaller of the two (centred: a band of half the width on either side of the
+// edge). That takes one dilation for the first two and two for the third; see Dilation.h for their cost. The
+// band is never in memory as a whole: a few rows at a time are dilated and blended.
 
 #include "effect/filters/ZvStroke.h"
 
@@ -32,13 +32,13 @@ namespace Zvex {
 
 namespace {
 
-// Transparent pixels around the text box, so that glyphs which touch it have an edge there. Together with the
-// disc's radius this is how far the picture of the stroke reaches:
+// Transparent pixels around the text box, so that glyphs which touch the box have an edge there. Together
+// with the disc's radius they give the reach of the stroke:
 //
 //     |<- r ->|1|<- text box ->|1|<- r ->|
 constexpr int kBorder = 1;
 
-// The cell of a disc at `distance` from its middle: 1 up to the radius, falling to 0 within the next pixel.
+// The cell of a disc at `distance` from its middle: 1 up to the radius, falling to 0 over the next pixel.
 uint8_t discCoverage(float distance, float radius) {
     return byteOfUnit(clampFloat(1.0f - (distance - radius), 0.0f, 1.0f));
 }
@@ -66,8 +66,8 @@ void dilatePlane(const ZvStroke::DTJob& job, int plane, uint8_t inverted) {
 constexpr uint8_t kCoverage = 0;
 constexpr uint8_t kBackground = 255;
 
-// The dilation of the mask within the box and its border, over the rows of the area. What of them lies
-// outside the mask is coverage 0.
+// The dilation of the mask within the box and its border, over the rows of the area. Pixels outside the mask
+// have coverage 0.
 DilationParam dilationOf(const ZvBitmap& mask, const ZvRect& box, const WorkingArea& area,
                          const uint8_t* kernel, int kernelSize, uint8_t inverted) {
     DilationParam param;
@@ -92,7 +92,7 @@ DilationParam dilationOf(const ZvBitmap& mask, const ZvRect& box, const WorkingA
     return param;
 }
 
-// Rows of the dilation alone; 0 where nothing reaches.
+// Overwrites the rows with the dilation; 0 where nothing reaches.
 void dilateRows(Dilation& dilation, int64_t row, int rows, uint8_t* lines, int width) {
     std::memset(lines, 0, static_cast<size_t>(width) * static_cast<size_t>(rows));
     const int64_t begin = std::max(row, dilation.firstRow());
@@ -105,7 +105,7 @@ void dilateRows(Dilation& dilation, int64_t row, int rows, uint8_t* lines, int w
 // The band around the edge, a few rows at a time.
 class StrokeRows : public LayerRows {
 public:
-    // False when memory is short.
+    // False if memory is short.
     bool make(const ZvECore::ParamPostProcessing& param, const ZvStrokeProperty& property);
 
     void draw(RowRange rows, const PictureStrip& target, const PictureStrip* other) override;
@@ -116,9 +116,9 @@ private:
 
     WorkingArea mArea;
     Buffer<uint8_t> mKernel;
-    // Of the text, of what is around it; null is none.
+    // The dilations of the coverage and of its inverse; null if not needed.
     std::unique_ptr<Dilation> mOutward, mInward;
-    Buffer<uint8_t> mBand;  // Dilation::kBatch rows of either
+    Buffer<uint8_t> mBand;  // Dilation::kBatch rows of each
     uint32_t mColor = 0;
     int mMode = 0;
 };
@@ -145,7 +145,7 @@ bool StrokeRows::make(const ZvECore::ParamPostProcessing& param, const ZvStrokeP
     return mBand.allocate(2 * Dilation::kBatch, mArea.width);
 }
 
-// What both dilations reach, or the one there is.
+// The smaller of both dilations, or the only one.
 void StrokeRows::makeBand(int row, int rows) {
     dilateRows(mOutward != nullptr ? *mOutward : *mInward, row, rows, mBand.get(), mArea.width);
     if (mOutward == nullptr || mInward == nullptr) return;
@@ -182,7 +182,7 @@ int makeCircleKernel(unsigned char** kernel, float radius) {
         markOutOfMemory();
         return 0;
     }
-    // The root is needed in the ring only; the rest of the disc is full and what is outside empty.
+    // Only cells in the ring need the root: the rest of the disc is full, and cells outside are empty.
     const int inner = truncateToInt(radius) * truncateToInt(radius), outer = (r + 2) * (r + 2);
     for (int dy = 0; dy <= r; ++dy) {
         unsigned char* row = cells + (r + dy) * size;
@@ -195,7 +195,7 @@ int makeCircleKernel(unsigned char** kernel, float radius) {
         }
         std::memcpy(cells + (r - dy) * size, row, static_cast<size_t>(size));
     }
-    // A pen thinner than a pixel leaves a paler line; the ramp alone would make the middle opaque for any
+    // A pen thinner than a pixel draws a paler line. Without this the middle cell would be opaque for any
     // radius.
     cells[size * r + r] = byteOfUnit(clampFloat(radius, 0.0f, 1.0f));
     *kernel = cells;
