@@ -16,6 +16,7 @@ public:
     ZvRect& operator=(const ZvRect&) = default;
     virtual ~ZvRect() = default;
 
+    // The edges.
     int32_t left = 0;
     int32_t top = 0;
     int32_t right = 0;
