@@ -36,25 +36,5 @@ TEST(ColorTable, EqualsThePlainForm) {
     }
 }
 
-TEST(ColorTable, StopsMeetWhereTheyLie) {
-    const uint32_t A = 0xFF000000, B = 0x00FF0000, C = 0x0000FF00, D = 0x000000FF;
-    const auto table = [](const reference::Stops& stops) { return tableOf(stops, stops[0].position, 0); };
-    EXPECT_EQ(table({{A, 1, 0}, {D, 1, 1}})[128], 0x7F00007Fu);  // each channel is cut off by itself
-    // A step: the lower colour at it, the upper one in the next entry, and only then the next segment.
-    const auto step = table({{A, 1, 0}, {B, 1, 0.5f}, {C, 1, 0.5f}, {D, 1, 1}});
-    EXPECT_EQ((std::vector<uint32_t>{step[128], step[129], step[130]}),
-              (std::vector<uint32_t>{B, C, 0x0000FB03}));
-    EXPECT_EQ(table({{A, 1, 0.5f}, {B, 1, 0.5f}})[128], A);
-    // Before the first stop, and beyond the last one.
-    const auto middle = table({{A, 1, 0.25f}, {B, 1, 0.5f}});
-    EXPECT_EQ((std::vector<uint32_t>{middle[1], middle[64], middle[128], middle[255]}),
-              (std::vector<uint32_t>{A, A, B, B}));
-    // One stop an entry: the last of these is not reached before entry 2.
-    const auto crowd = table({{A, 1, 0}, {B, 1, 0.001f}, {C, 1, 0.002f}, {D, 1, 0.003f}});
-    EXPECT_EQ((std::vector<uint32_t>{crowd[1], crowd[2]}), (std::vector<uint32_t>{C, D}));
-    // The first stop's own position does not count where the walk starts elsewhere.
-    EXPECT_EQ(tableOf({{A, 1, 0.5f}, {D, 1, 1}}, 0, 0)[128], 0x7F00007Fu);
-}
-
 }  // namespace
 }  // namespace Zvex

@@ -21,16 +21,22 @@
 
 // All that a filter is given. Seeds run through the kinds of masks (period 6) and, with them, through the
 // targets, the layer modes, boxes within the mask, across its edges and beside it, and targets smaller and
-// larger than the mask.
+// larger than the mask. Every seventh mask is faint; on large ones there are a few squares far apart.
 struct FilterScene {
+    unsigned seed;
     Zvex::ZvBitmap mask, target, other;
     Zvex::ZvRect box;
     int layerMode;
     bool both;  // hand over `other` too
 
-    explicit FilterScene(unsigned seed, int width = 30, int height = 22) {
+    explicit FilterScene(unsigned mSeed, int width = 30, int height = 22) : seed(mSeed) {
         Random random(seed);
         mask = makeMask(kAllMasks[seed % kAllMasks.size()], width, height, random);
+        for (int i = 0; i < width * height; ++i) {
+            if (seed % 7 == 1) mask.pixels[i] = std::min<uint8_t>(mask.pixels[i], 1);
+            const bool inSquare = i % width / 12 % 14 == 4 && i / width / 12 % 11 == 9;
+            if (width * height >= 80000 && !inSquare) mask.pixels[i] = 0;
+        }
         box = Zvex::ZvRect(0, 0, width, height);
         if (random.below(3) != 0) {
             box.left = random.between(-8, width + 2);

@@ -90,24 +90,5 @@ TYPED_TEST(Gradient, WithoutStopsDrawsNothing) {
     EXPECT_TRUE(scene.sameAs(before));
 }
 
-// Where along the line a pixel of a box of 256 x 64 lies: entries of the table, truncated towards the middle.
-using LinearGradient = Gradient<ZvLinearGradient>;
-TEST_F(LinearGradient, RunsAcrossTheBox) {
-    const struct {
-        float angle, scale;
-        int x, y, entry;
-    } cases[] = {{0, 1, 1, 9, 1},     {0, 1, 127, 9, 127},  {0, 1, 128, 9, 128},   {0, 1, 255, 9, 255},
-                 {90, 1, 128, 63, 4}, {90, 1, 128, 0, 255}, {180, 1, 1, 32, 255},  {0, 2, 0, 9, 64},
-                 {0, 2, 255, 9, 191}, {0, 0.5f, 66, 9, 4},  {0, 0.5f, 192, 9, 255}};
-    for (const auto& c : cases) {
-        set(c.angle, c.scale, kTwo);
-        FilterScene scene = filledBox(256, 64);
-        scene.draw(filter);
-        // Entry i of black to white is 255 * i / 256, cut off.
-        EXPECT_EQ(scene.target.pixels[(c.y * 256 + c.x) * 4], c.entry - 1)
-            << c.angle << " degrees, scale " << c.scale << ", pixel " << c.x << " " << c.y;
-    }
-}
-
 }  // namespace
 }  // namespace Zvex

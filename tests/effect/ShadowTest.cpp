@@ -83,120 +83,35 @@ TEST(OuterShadow, MarginsFollowTheShift) {
     }
 }
 
-// How far beyond an opaque text the filter draws on each side.
-Sides reachOf(ZvECore& filter) {
-    constexpr int kSide = 70;
-    FilterScene scene(4, kSide, kSide);  // a full mask
-    scene.box = ZvRect(25, 25, 45, 45);
-    scene.target = ZvBitmap(kSide, kSide, 4);
-    scene.draw(filter);
-    Sides reach = {0, 0, 0, 0};
-    for (int y = 0; y < kSide; ++y) {
-        for (int x = 0; x < kSide; ++x) {
-            if (scene.target.pixels[(y * kSide + x) * 4 + 3] == 0) continue;
-            const Sides beyond = {scene.box.left - x, scene.box.top - y, x + 1 - scene.box.right,
-                                  y + 1 - scene.box.bottom};
-            for (size_t i = 0; i < 4; ++i) reach[i] = std::max(reach[i], beyond[i]);
-        }
-    }
-    return reach;
-}
+template <typename Filter>
+class Shadow : public testing::Test {};
+using Shadows = testing::Types<ZvOuterShadow, ZvInnerShadow>;
+TYPED_TEST_SUITE(Shadow, Shadows);
 
-// They are filled as long as the outermost pixel of the blur, 255 over the weights' total, is at least 1.
-TEST(OuterShadow, MarginsCoverEveryTouchedPixel) {
-    for (float size : {0.0f, 0.6f, 2.0f, 3.0f, 4.0f, 9.5f}) {
-        for (int i = 0; i < 15; ++i) {
-            const float angle = 70.0f * static_cast<float>(i), distance = 3.5f * static_cast<float>(i % 3);
-            ZvOuterShadow filter;
-            setShadow(filter, angle, distance, size, 0xFFFFFFFF);
-            const Sides reach = reachOf(filter), margins = marginsOf(filter);
-            for (size_t side = 0; side < 4; ++side) {
-                EXPECT_LE(reach[side], margins[side]) << size << " " << angle << " " << distance;
-                if (size > 3.5f) continue;
-                EXPECT_EQ(reach[side], margins[side]) << size << " " << angle << " " << distance;
-            }
-        }
-    }
-}
-
-void setShadow(ZvInnerShadow& filter, float angle, float distance, float size) {
-    ZvInnerShadowProperty property(angle, distance, size, kColor, 1);
-    filter.setProperty(&property);
-}
-
-struct Case {
-    float angle, distance, size;
-    unsigned scenes;
-};
-
-// Then scenes of several bands of rows and strips of columns.
-template <typename Filter, typename Draw>
-void expectThePlainShadow(const std::vector<Case>& cases, Draw draw) {
+// Near and far, beyond the scene, with radii of nothing to more than it; the last ones on scenes of several
+// bands of rows and strips of columns.
+TYPED_TEST(Shadow, EqualsThePlainForm) {
+    const struct {
+        float angle, distance, size;
+        unsigned scenes;
+    } cases[] = {{0, 0, 0, 6},      {123, 6.5f, 0.4f, 6},  {30, 3, kBelowHalf, 6}, {250, 4, 0.5f, 6},
+                 {10, 9, 1, 12},    {300, 2.2f, 2.4f, 12}, {45, 8, 5.5f, 12},      {-77, 30, 11, 12},
+                 {200, -12, 25, 6}, {90, 100, 100, 3},     {135, 40, 100, 3},      {0, 1, 121, 1},
+                 {0, 1, -4, 6},     {0, 31, 2, 12},        {90, 24, 2, 12},        {180, 32, 2, 12},
+                 {270, 25, 2, 12},  {120, 9, 3, 6},        {120, 9, 26, 6}};
+    constexpr bool kInside = std::is_same_v<TypeParam, ZvInnerShadow>;
     unsigned seed = 0;
-    const auto check = [&](const Case& c, int width, int height) {
-        Filter filter;
-        setShadow(filter, c.angle, c.distance, c.size);
-        const reference::Shadow shadow{c.angle, c.distance != c.distance ? 0 : c.distance, c.size, kColor};
-        expectThePlainForm(
-            filter, seed, c.scenes,
-            [&](FilterScene& scene) { draw(&scene.target, scene.mask, scene.box, shadow); }, width, height);
+    for (const auto& c : cases) {
+        TypeParam filter;
+        std::remove_pointer_t<decltype(filter.property)> property(c.angle, c.distance, c.size, kColor, 1);
+        filter.setProperty(&property);
+        const bool large = c.angle == 120;
+        const auto plain = [&](FilterScene& scene) {
+            (kInside ? reference::drawInnerShadow : reference::drawOuterShadow)(
+                &scene.target, scene.mask, scene.box, {c.angle, c.distance, c.size, kColor});
+        };
+        expectThePlainForm(filter, seed, c.scenes, plain, large ? 200 : 30, large ? 170 : 22);
         seed += c.scenes;
-    };
-    for (const Case& c : cases) check(c, 30, 22);
-    for (float size : {3.0f, 26.0f}) check({120, 9, size, 6}, 200, 170);
-}
-
-TEST(OuterShadow, EqualsThePlainForm) {
-    expectThePlainShadow<ZvOuterShadow>({{0, 0, 0, 6},
-                                         {123, 6.5f, 0.4f, 6},
-                                         {30, 3, kBelowHalf, 6},
-                                         {250, 4, 0.5f, 6},
-                                         {10, 9, 1, 12},
-                                         {300, 2.2f, 2.4f, 12},
-                                         {45, 8, 5.5f, 12},
-                                         {-77, 30, 11, 12},
-                                         {200, -12, 25, 6},
-                                         {90, 100, 100, 3},
-                                         {135, 40, 100, 3},
-                                         {0, 1, 121, 1},
-                                         {0, 1, -4, 6},
-                                         {90, kNotANumber, 3, 3}},
-                                        reference::drawOuterShadow);
-}
-
-TEST(InnerShadow, EqualsThePlainForm) {
-    expectThePlainShadow<ZvInnerShadow>({{0, 0, 0, 6},
-                                         {123, 6.5f, 0.4f, 6},
-                                         {30, 3, kBelowHalf, 6},
-                                         {250, 4, 0.5f, 6},
-                                         {10, 2, 3, 12},
-                                         {45, 9, 2.4f, 12},
-                                         {300, 12, 2.4f, 12},
-                                         {-77, 15, 5.5f, 12},
-                                         {135, 11, 1, 12},
-                                         {225, 7, 9.5f, 12},
-                                         {200, -12, 25, 12},
-                                         {90, 100, 100, 3},
-                                         {135, 40, 100, 3},
-                                         {270, 101, 121, 3},
-                                         {0, 1, -4, 6}},
-                                        reference::drawInnerShadow);
-}
-
-// A text of 30 x 22 moved to just within a radius of 2, just out of it and one pixel more: from there on the
-// coverage is drawn, to the left and upwards a pixel later than to the right and downwards.
-TEST(InnerShadow, EqualsThePlainFormWhereTheTextLeavesTheRadius) {
-    for (int i = 0; i < 12; ++i) {
-        const float angle = 90.0f * static_cast<float>(i % 4);
-        const float distance = static_cast<float>((i % 2 == 0 ? 31 : 23) + i / 4);
-        ZvInnerShadow filter;
-        setShadow(filter, angle, distance, 2);
-        FilterScene actual(2), expected(2);
-        actual.box = expected.box = ZvRect(0, 0, 30, 22);
-        actual.draw(filter);
-        reference::drawInnerShadow(&expected.target, expected.mask, expected.box,
-                                   {angle, distance, 2, kColor});
-        EXPECT_TRUE(actual.sameAs(expected)) << "angle " << angle << ", distance " << distance;
     }
 }
 

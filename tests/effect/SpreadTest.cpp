@@ -8,7 +8,6 @@
 #include <vector>
 
 #include "tests/CpuTargets.h"
-#include "tests/FailingAllocations.h"
 #include "tests/effect/TestPictures.h"
 #include "tests/reference/StrokeReference.h"
 
@@ -86,18 +85,6 @@ TEST(Spread, HoldsItsWidthAndRefusesWhatDoesNotFit) {
          {ZvRect(INT_MIN, 0, INT_MAX, 9), ZvRect(0, 0, 65536, 65536), ZvRect(INT_MIN, 0, INT_MIN + 4, 4)}) {
         EXPECT_FALSE(spread.make(mask, box, 2));
         EXPECT_EQ(spread.coverage(), nullptr);
-    }
-}
-
-TEST(Spread, IsNotMadeWithoutMemory) {
-    Random random(4);
-    const ZvBitmap mask = makeMask(MaskKind::Shapes, 30, 22, random);
-    for (int pixels : {0, 3, -3}) {
-        forEachFailingAllocation([&](bool fails) {
-            Spread spread;
-            EXPECT_EQ(spread.make(mask, ZvRect(0, 0, 30, 22), pixels), !fails);
-            EXPECT_EQ(spread.coverage() == nullptr, fails);
-        });
     }
 }
 

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <climits>
 #include <cstdlib>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -55,26 +56,21 @@ TEST(CircleKernel, RefusesSizesItCannotMake) {
 TEST(Stroke, MarginIsTheWidthOnTheOutside) {
     ZvStroke stroke;
     EXPECT_EQ(stroke.getOffset(), 0);  // no settings yet
-    const struct {
-        float width;
-        int position, margin;
-    } cases[] = {{0, 1, 0},
-                 {3, 1, 3},
-                 {2.5f, 1, 3},
-                 {2.4f, 1, 2},
-                 {3, 0, 2},
-                 {0.6f, 0, 0},
-                 {1, 0, 1},
-                 {100, 0, 50},
-                 {100, 2, 0},
-                 {-1, 1, 0},
-                 {kEndless, 1, INT_MAX},
-                 {kNotANumber, 1, 0}};
-    for (const auto& c : cases) {
-        setStroke(stroke, c.width, c.position);
-        EXPECT_EQ(stroke.getOffset(), c.margin) << "width " << c.width << ", position " << c.position;
-        EXPECT_EQ(stroke.getLeftOffset(), 0);
-        EXPECT_EQ(stroke.getBottomOffset(), 0);
+    const std::tuple<float, int, int> cases[] = {{0, 1, 0},
+                                                 {3, 1, 3},
+                                                 {2.5f, 1, 3},
+                                                 {2.4f, 1, 2},
+                                                 {3, 0, 2},
+                                                 {0.6f, 0, 0},
+                                                 {1, 0, 1},
+                                                 {100, 0, 50},
+                                                 {100, 2, 0},
+                                                 {-1, 1, 0},
+                                                 {kEndless, 1, INT_MAX},
+                                                 {kNotANumber, 1, 0}};
+    for (const auto& [width, position, margin] : cases) {
+        setStroke(stroke, width, position);
+        EXPECT_EQ(stroke.getOffset(), margin) << "width " << width << ", position " << position;
     }
 }
 
@@ -96,83 +92,56 @@ TEST(Stroke, EqualsThePlainForm) {
     }
 }
 
-TEST(Stroke, RowBandsGiveTheWhole) {
-    constexpr int kColumns = 17, kRows = 13, kSide = 7, R = 3;
-    constexpr int kWidth = kColumns + 2 * R, kHeight = kRows + 2 * R;
-    Random random(5);
-    ZvBitmap source = makeMask(MaskKind::Noise, kColumns, kRows, random);
-    unsigned char* kernel = nullptr;
-    ASSERT_EQ(makeCircleKernel(&kernel, 2.75f), kSide);
-    ZvStroke::DTJob job;
-    job.src = source.pixels;
-    job.kernel = kernel;
-    job.srcStride = job.columns = kColumns;
-    job.srcHeight = job.rows = kRows;
-    job.dstStride = kWidth;
-    job.dstHeight = kHeight;
-    job.dstX = job.dstY = R;
-    job.planeSize = kWidth * kHeight;
-    job.radius = R;
-    job.kernelSize = kSide;
-
-    using Routine = int (*)(void*);
-    for (Routine routine : {&ZvStroke::partalDTStrokeCenter, &ZvStroke::partalDTStrokeOutside,
-                            &ZvStroke::partalDTStrokeInside}) {
-        std::vector<unsigned char> whole(2 * kWidth * kHeight, 0), bands(whole);
-        job.dst = whole.data();
-        job.rowStart = 0;
-        job.rowEnd = kRows;
-        EXPECT_EQ(routine(&job), 0);
-        job.dst = bands.data();
-        for (int start : {9, 0, 4}) {
-            job.rowStart = start;
-            job.rowEnd = start == 0 ? 4 : start == 4 ? 9 : kRows + 5;  // ends with the source at the latest
-            EXPECT_EQ(routine(&job), 0);
-        }
-        EXPECT_EQ(whole, bands);
-    }
-    EXPECT_EQ(ZvStroke::partalDTStrokeCenter(nullptr), 0);
-    std::free(kernel);
-}
-
-// A job that reads a part of its source and lays it near the corner of its target: the cells that fall
-// outside are left out and nothing beside the plane is written. It asks for more rows and columns than the
-// source says it has.
-TEST(Stroke, JobsMayReadAndWriteAPart) {
-    constexpr int R = 3, kWidth = 10, kHeight = 8, kCanary = 32;
+// Jobs for bands of rows that read a part of the source and lay it near the corner of their target: cells
+// that fall outside are left out, and nothing beside the planes is written. They ask for more rows and
+// columns than the source says it has.
+TEST(Stroke, JobsReadAndWriteAPart) {
+    constexpr int R = 3, kWidth = 10, kHeight = 8, kPlane = kWidth * kHeight, kCanary = 32;
     Random random(6);
     ZvBitmap source = makeMask(MaskKind::Noise, 12, 14, random);
+    reference::Plane part{9, 5, {}};
+    for (int i = 0; i < 45; ++i) part.values.push_back(source.pixels[(i / 9 + 4) * 12 + i % 9 + 3]);
+    const reference::Plane inverse = reference::complement(part);
     unsigned char* kernel = nullptr;
-    // Guards of value 1: a stray write raises them.
-    std::vector<unsigned char> memory(kWidth * kHeight + 2 * kCanary, 1), expected(memory);
-    std::fill_n(memory.begin() + kCanary, kWidth * kHeight, 0);
-
     ZvStroke::DTJob job;
     job.kernelSize = makeCircleKernel(&kernel, static_cast<float>(R));
-    ASSERT_EQ(job.kernelSize, 2 * R + 1);
     job.kernel = kernel;
-    job.dst = memory.data() + kCanary;
     job.dstStride = kWidth;
     job.dstHeight = kHeight;
     job.dstY = job.dstX = 1;
+    job.planeSize = kPlane;
     job.src = source.pixels;
     job.srcStride = job.columns = 12;
     job.srcHeight = 9;
     job.srcY = 4;
     job.srcX = 3;
-    job.rows = job.rowEnd = 8;
-    ZvStroke::partalDTStrokeOutside(&job);
-    std::free(kernel);
-
-    reference::Plane part{9, 5, {}};
-    for (int i = 0; i < 45; ++i) part.values.push_back(source.pixels[(i / 9 + 4) * 12 + i % 9 + 3]);
-    const reference::Plane whole = reference::dilate(part, reference::makeDisc(R));  // its (R, R) is (1, 1)
-    for (int i = 0; i < kWidth * kHeight; ++i) {
-        const int x = i % kWidth - 1 + R, y = i / kWidth - 1 + R;
-        const bool reached = x < whole.width && y < whole.height;
-        expected[kCanary + i] = static_cast<unsigned char>(reached ? whole.at(x, y) : 0);
+    job.rows = 8;
+    const struct {
+        int (*routine)(void*);
+        std::vector<reference::Plane> planes;
+    } routines[] = {{&ZvStroke::partalDTStrokeOutside, {part}},
+                    {&ZvStroke::partalDTStrokeInside, {inverse}},
+                    {&ZvStroke::partalDTStrokeCenter, {part, inverse}}};
+    for (const auto& [routine, planes] : routines) {
+        std::vector<unsigned char> memory(2 * kPlane + 2 * kCanary, 0), expected(memory);
+        job.dst = memory.data() + kCanary;
+        for (const int start : {3, 0}) {
+            job.rowStart = start;
+            job.rowEnd = start == 0 ? 3 : 8;
+            EXPECT_EQ(routine(&job) + routine(nullptr), 0);
+        }
+        for (size_t plane = 0; plane < planes.size(); ++plane) {
+            const reference::Plane whole = reference::dilate(planes[plane], reference::makeDisc(R));
+            for (int i = 0; i < kPlane; ++i) {
+                const int x = i % kWidth - 1 + R, y = i / kWidth - 1 + R;  // its (R, R) is (1, 1)
+                const bool reached = x < whole.width && y < whole.height;
+                expected[kCanary + plane * kPlane + static_cast<size_t>(i)] =
+                    static_cast<unsigned char>(reached ? whole.at(x, y) : 0);
+            }
+        }
+        EXPECT_EQ(memory, expected);
     }
-    EXPECT_EQ(memory, expected);
+    std::free(kernel);
 }
 
 // The definition: every pixel lays the kernel over the target.

@@ -20,11 +20,9 @@
 #include "platform/host/LogCapture.h"
 #include "raster/ZvBitmap.h"
 #include "raster/ZvBlender.h"
-#include "tests/FailingAllocations.h"
 #include "tests/effect/PropertyFields.h"
 #include "tests/effect/TestPictures.h"
 #include "tests/reference/BlenderReference.h"
-#include "tests/reference/CompositeReference.h"
 
 namespace Zvex {
 namespace {
@@ -208,15 +206,6 @@ TEST(EffectStack, KeyJoinsTheLayersInOrderOfCreation) {
     EXPECT_EQ(keyOf(stack).substr(key.size() + 10 + 2 * 9), key.substr(12));
 }
 
-TEST(EffectStack, KeyWithAColorSetsTheText) {
-    ZvEffect stack;
-    stack.setTextOpacity(0.5f);
-    const std::unique_ptr<char[]> key(stack.getMapKey(0x40FF8001));
-    EXPECT_STREQ(key.get(), "T\x88\x80\x88\x80\x84\x80\x80\x81");
-    EXPECT_EQ(stack.textColor, 0x40FF8001u);
-    EXPECT_EQ(stack.textAlpha, 0x40);
-}
-
 // --- Margins
 
 TEST(EffectStack, MarginsAreTheWidestLayersSideBySide) {
@@ -296,19 +285,6 @@ TEST(EffectStack, OrderAndTargetsOfEveryType) {
         }
         EXPECT_THAT(inBack, testing::UnorderedElementsAreArray(row.inBack));
         EXPECT_EQ(inBoth, row.inBoth);
-    }
-}
-
-TEST(EffectStack, UnderTheTextDependsOnTheLayerMode) {
-    ZvEffect stack;
-    ZvStrokeProperty centered(1, 0, 1, 0, 0);
-    Recorder emboss(6), stroke(10, &centered), bevel(5), unset(10);
-    for (int mode : {0, 1}) {
-        stack.layerMode = mode;
-        EXPECT_EQ(stack.isUnderEffect(&emboss), mode == 0);
-        EXPECT_EQ(stack.isUnderEffect(&stroke), mode == 0);
-        EXPECT_TRUE(stack.isUnderEffect(&bevel) && stack.isUnderEffect(&unset));
-        EXPECT_FALSE(stack.isUnderEffect(nullptr));
     }
 }
 
@@ -405,62 +381,6 @@ TEST(EffectStack, TheTextAloneLeavesThePictureBesideIt) {
     }
 }
 
-// A translucent colour is left out of the fill and applied once, to the whole picture.
-TEST(EffectStack, PlainTextBecomesStraightColor) {
-    ZvEffect stack;
-    stack.addText(0x80FF8001);
-    stack.initEffect(4, 3);
-    ZvBitmap picture(4, 3, 4), coverage(2, 1, 1), expected(4, 3, 4);
-    coverage.pixels[0] = 255;
-    coverage.pixels[1] = 100;
-    ZvGlyph glyph = glyphOf(coverage);
-    stack.setDstBitmap(&picture);
-    stack.renderEffectLayer(1, 1, &glyph);
-    stack.doEffectPostProcessing();
-    stack.compositeLayers(&picture);
-    // Covered fully 255, 128, 1 at alpha 128; by 100 the premultiplied 100, 50, 0 at alpha 100.
-    const uint8_t pixels[] = {255, (129 * 128 & 0x1FF00) / 128, 2, 128,
-                              255, (51 * 128 & 0x1FF00) / 50,   0, 101 * 128 >> 8};
-    std::memcpy(expected.pixels + (1 * 4 + 1) * 4, pixels, sizeof pixels);
-    EXPECT_TRUE(samePixels(expected, picture));
-    EXPECT_EQ(stack.mask, nullptr);
-    EXPECT_EQ(stack.dst, nullptr);
-    EXPECT_EQ(stack.layerMode, 0);
-}
-
-TEST(EffectStack, TwoLayersAreCrossFadedByTheCoverage) {
-    ZvEffect stack;
-    stack.setTextOpacity(0.5f);
-    stack.initEffect(5, 4);
-    ASSERT_NE(stack.back, nullptr);
-    Random random(3);
-    *stack.back = makeTarget(TargetKind::Partly, 5, 4, random);
-    *stack.mask = makeMask(MaskKind::Noise, 5, 4, random);
-    stack.textAlpha = 200;
-    ZvBitmap out = makeTarget(TargetKind::Partly, 5, 4, random), expected(out);
-    const auto finish = [&] {
-        for (int i = 0; i < 20; ++i) {
-            uint8_t* pixel = expected.pixels + 4 * i;
-            for (int c = 0; c < 3; ++c)
-                pixel[c] = static_cast<uint8_t>(reference::finishedColor(pixel[c], pixel[3], 200));
-            pixel[3] = static_cast<uint8_t>(reference::finishedAlpha(pixel[3], 200));
-        }
-    };
-    for (int i = 0; i < 80; ++i) {
-        const int merged =
-            reference::mergeByte(out.pixels[i], stack.back->pixels[i], stack.mask->pixels[i / 4]);
-        expected.pixels[i] = static_cast<uint8_t>(merged);
-    }
-    finish();
-    stack.compositeLayers(&out);
-    EXPECT_TRUE(samePixels(expected, out));
-    EXPECT_EQ(stack.back, nullptr);
-    stack.compositeLayers(nullptr);
-    stack.compositeLayers(&out);  // without bitmaps, the text's alpha all the same
-    finish();
-    EXPECT_TRUE(samePixels(expected, out));
-}
-
 TEST(EffectStack, SizesThatMakeNoBitmapDrawNothing) {
     ZvBitmap coverage(2, 2, 1), picture(4, 4, 4), empty;
     ZvGlyph glyph = glyphOf(coverage);
@@ -468,18 +388,15 @@ TEST(EffectStack, SizesThatMakeNoBitmapDrawNothing) {
     noPixels.width = noPixels.height = 3;
     const int sizes[][2] = {{0, 0}, {-1, 5}, {INT_MIN, INT_MIN}, {INT_MAX, INT_MAX}, {3, 0}};
     for (const auto& size : sizes) {
-        for (float opacity : {1.0f, 0.5f}) {
+        for (ZvBitmap* out : {&picture, &empty, static_cast<ZvBitmap*>(nullptr)}) {
             ZvEffect stack;
-            stack.setTextOpacity(opacity);
+            if (out == &picture) stack.setTextOpacity(0.5f);
             stack.addText(0xFFFFFFFF);
-            stack.addStrokeText(2, 0xFFFFFFFF, 1, 0, 1);
             stack.initEffect(size[0], size[1]);
-            for (ZvBitmap* out : {&picture, &empty, static_cast<ZvBitmap*>(nullptr)}) {
-                stack.setDstBitmap(out);
-                stack.renderEffectLayer(0, 0, &glyph);
-                stack.renderEffectLayer(0, 0, &noPixels);
-                stack.doEffectPostProcessing();
-            }
+            stack.setDstBitmap(out);
+            stack.renderEffectLayer(0, 0, &glyph);
+            stack.renderEffectLayer(0, 0, &noPixels);
+            stack.doEffectPostProcessing();
             stack.compositeLayers(&picture);
         }
     }
@@ -511,6 +428,11 @@ struct Scene {
         stack.renderEffectLayer(7, 9, &glyph);
         stack.doEffectPostProcessing();
         stack.compositeLayers(&picture);
+    }
+    ZvRect drawAsPicture() {
+        stack.initPicture(&picture);
+        stack.renderEffectLayer(7, 9, &glyph);
+        return stack.drawPicture(PixelOrder::BlueFirst);
     }
 };
 
@@ -625,10 +547,7 @@ TEST(EffectStack, LayersOfOtherClassesDrawAsTheyLike) {
                 }
             }
             scenes[0].drawWhole();
-            scenes[1].stack.initPicture(&scenes[1].picture);
-            scenes[1].stack.renderEffectLayer(7, 9, &scenes[1].glyph);
-            const ZvRect drawn = scenes[1].stack.drawPicture(PixelOrder::BlueFirst);
-            EXPECT_EQ(sidesOf(drawn), (Sides{0, 0, 20, 30}));
+            EXPECT_EQ(sidesOf(scenes[1].drawAsPicture()), (Sides{0, 0, 20, 30}));
             ZvBlender::convertBGRAToARGB(&scenes[1].picture);
             EXPECT_TRUE(samePixels(scenes[0].picture, scenes[1].picture)) << type << " " << opacity;
             EXPECT_FALSE(samePixels(without.picture, scenes[1].picture)) << type << " " << opacity;
@@ -639,31 +558,13 @@ TEST(EffectStack, LayersOfOtherClassesDrawAsTheyLike) {
 // However the text comes into the picture.
 TEST(EffectStack, TheTextsBlendIsInTheLogOnce) {
     for (const bool asPicture : {false, true}) {
-        ZvBitmap picture(16, 16, 4);
-        ZvBitmap coverage(6, 6, 1);
-        std::memset(coverage.pixels, 255, 36);
+        Scene scene(1);
         host::LogCapture log;
-        ZvEffect stack;
-        stack.addText(0xFFFF8001);
-        if (asPicture) {
-            stack.initPicture(&picture);
-        } else {
-            stack.initEffect(16, 16);
-            stack.setDstBitmap(&picture);
-        }
-        ZvGlyph glyph = glyphOf(coverage);
-        stack.renderEffectLayer(4, 4, &glyph);
-        if (asPicture) {
-            stack.drawPicture(PixelOrder::BlueFirst);
-        } else {
-            stack.doEffectPostProcessing();
-        }
-        const auto lines = log.lines();
-        EXPECT_EQ(std::count_if(lines.begin(), lines.end(),
-                                [](const host::LogLine& line) {
-                                    return line.tag == "Blender" && line.text == "Blender - ZVE_BLEND_OTHER";
-                                }),
-                  ZvLog::IsAllLogEnable() ? 1 : 0);
+        asPicture ? static_cast<void>(scene.drawAsPicture()) : scene.drawWhole();
+        int lines = 0;
+        for (const host::LogLine& line : log.lines())
+            lines += line.tag == "Blender" && line.text == "Blender - ZVE_BLEND_OTHER";
+        EXPECT_EQ(lines, ZvLog::IsAllLogEnable() ? 1 : 0);
     }
 }
 

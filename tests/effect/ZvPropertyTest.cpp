@@ -63,18 +63,6 @@ TEST(LayerKey, SmallFieldsKeepSevenBits) {
     EXPECT_EQ(keyOf(odd), std::string("K") + "00" + "0000000000000000" + "00" + "7f");
 }
 
-TEST(LayerKey, GlowsWriteTheirStops) {
-    // 0.29f is a little below 0.29: the product, in double precision, is cut to 28.
-    ZvGradient stops[] = {{0x00000001, 1.0f, 0.0f}, {kKeyed, 0.2f, 0.29f}, {0xFF000000, 1.0f, 1.0f}};
-    const std::string written = std::string("000000000000000100") + kColorKey + "1c" + "0f0f00000000000064";
-    ZvOuterGlowProperty outer(20.5f, kKeyed, 0.5f, 3, stops);
-    EXPECT_EQ(keyOf(outer, 40), std::string("G") + "14" + kColorKey + written);
-    ZvInnerGlowProperty inner(20.5f, kKeyed, 0.5f, 3, stops);
-    EXPECT_EQ(keyOf(inner, 40), std::string("N") + "14" + kColorKey + written);
-    ZvOuterGlowProperty none(0, kKeyed, 0.5f, 0, nullptr);
-    EXPECT_EQ(keyOf(none, 10), std::string("G") + "00" + kColorKey);
-}
-
 TEST(LayerKey, StopCountsNobodyMeantAreHarmless) {
     ZvGradient stop{kKeyed, 1.0f, 0.5f};
     for (int count : {-1, INT_MIN}) {
@@ -89,17 +77,6 @@ TEST(LayerKey, StopCountsNobodyMeantAreHarmless) {
     EXPECT_GT(huge.getSequentialCharLength(), 2000000000);
     ZvRadialGradientProperty hugeGradient(1, 1, 1, INT_MAX, nullptr);
     EXPECT_GT(hugeGradient.getSequentialCharLength(), 2000000000);
-}
-
-TEST(LayerKey, BevelAndEmboss) {
-    ZvBevelProperty bevel(1, 255.9f, 9.99f, 1, 2, 16, 0.5f, -45.0f, 30.9f, kKeyed, 0.3f, 0x000000FF, 0.3f);
-    EXPECT_EQ(bevel.getSequentialCharLength(), 30);
-    // 9.99f is a little below 9.99: 998, 0x3e6.
-    const std::string fields = std::string("01") + "0f0f" + "00030e06" + "01" + "02" + "10" + "023b" + "1e" +
-                               kColorKey + "0000000000000f0f";
-    EXPECT_EQ(keyOf(bevel), "B" + fields);
-    ZvEmbossProperty emboss(1, 255.9f, 9.99f, 1, 2, 16, 0.5f, -45.0f, 30.9f, kKeyed, 0.3f, 0x000000FF, 0.3f);
-    EXPECT_EQ(keyOf(emboss, 30), "E" + fields);
 }
 
 TEST(LayerKey, PatternsAreToldApartByTheirBitmap) {
