@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-// Assets from a folder. A name is resolved with all its links before it is opened, and what it resolves to
-// has to lie below the folder, resolved likewise.
+//
+// Assets from a folder. Before it is opened, a name is resolved with all its links; the result must lie below
+// the folder, which is resolved in the same way.
 #include <android/asset_manager.h>
 #include <android/asset_manager_jni.h>
 #include <fcntl.h>
@@ -33,13 +34,13 @@ bool hasParentStep(const std::string& name) {
     return ("/" + name + "/").find("/../") != std::string::npos;
 }
 
-// The path without links and dots; empty when nothing lies there.
+// The path without links and dots; empty if nothing is there.
 std::string resolved(const std::string& path) {
     const std::unique_ptr<char, void (*)(void*)> real(realpath(path.c_str(), nullptr), std::free);
     return real != nullptr ? real.get() : "";
 }
 
-// The file that the name stands for; empty when it is none of the folder's.
+// The file of that name; empty if it is not in the folder.
 std::string findBelow(const std::string& root, const std::string& name) {
     if (name.empty() || name[0] == '/' || hasParentStep(name)) return "";
     std::string folder = resolved(root);
@@ -49,7 +50,7 @@ std::string findBelow(const std::string& root, const std::string& name) {
     return file.compare(0, folder.size(), folder) == 0 ? file : "";
 }
 
-// Real UTF-8; empty for a text that has none.
+// Standard UTF-8; empty for text that is not valid Unicode.
 std::string toUtf8(JNIEnv* env, jstring text) {
     const jsize length = env->GetStringLength(text);
     std::string utf8(size_t{3} * static_cast<size_t>(length), '\0');
@@ -64,7 +65,7 @@ std::string toUtf8(JNIEnv* env, jstring text) {
     return utf8;
 }
 
-// Empty when the object has no such field, or nothing in it.
+// Empty if the object has no such field, or if the field is empty.
 std::string rootOf(JNIEnv* env, jobject assetManager) {
     const jclass managerClass = env->GetObjectClass(assetManager);
     const jfieldID field = env->GetFieldID(managerClass, "root", "Ljava/lang/String;");
@@ -82,7 +83,7 @@ std::string rootOf(JNIEnv* env, jobject assetManager) {
 }  // namespace
 
 AAssetManager* AAssetManager_fromJava(JNIEnv* env, jobject assetManager) {
-    // Never destroyed: a manager may be asked as long as the process lives.
+    // Never destroyed, because a manager may be used until the process ends.
     static std::mutex& mutex = *new std::mutex;
     static auto& managers = *new std::map<std::string, std::unique_ptr<AAssetManager>>;
 
@@ -97,7 +98,7 @@ AAssetManager* AAssetManager_fromJava(JNIEnv* env, jobject assetManager) {
 AAsset* AAssetManager_open(AAssetManager* manager, const char* name, int) {
     const std::string path = manager != nullptr && name != nullptr ? findBelow(manager->root, name) : "";
     if (path.empty()) return nullptr;
-    // Without blocking, or a pipe would wait here for its writer.
+    // Without O_NONBLOCK, opening a pipe would wait for its writer.
     const int descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK);
     if (descriptor < 0) return nullptr;
     struct stat status = {};

@@ -12,16 +12,16 @@ namespace {
 
 using minikin::Bidi;
 
-// A paragraph up to this many units is kept per thread for the next line of it.
+// A thread keeps a paragraph of up to this many units for its next line.
 constexpr size_t kKeptUnits = size_t{1} << 22;
 
-// The characters of bidirectional class B; all lie in the first plane.
+// The characters of bidirectional class B; all are below U+10000.
 bool separatesParagraphs(uint16_t unit) {
     return unit == 0x0A || unit == 0x0D || (unit >= 0x1C && unit <= 0x1E) || unit == 0x85 || unit == 0x2029;
 }
 
-// Whether the unit may belong to a character that reads from right to left, or to a control that makes others
-// do so. The blocks are those that default to right-to-left; of the higher planes, U+10800..10FFF and
+// Whether the unit may belong to a right-to-left character, or to a control that makes others right-to-left.
+// The ranges are the blocks that default to right-to-left; of those above U+FFFF, U+10800..10FFF and
 // U+1E800..1EFFF.
 bool mayReadRightToLeft(uint16_t unit) {
     if (unit < 0x0590) return false;
@@ -30,8 +30,7 @@ bool mayReadRightToLeft(uint16_t unit) {
            (unit >= 0xD802 && unit <= 0xD803) || (unit >= 0xD83A && unit <= 0xD83B);
 }
 
-// Where the paragraph of the unit at `at` begins and ends. A line feed after a carriage return still belongs
-// to it.
+// Whether a paragraph ends after the unit at `at`. A line feed after a carriage return still belongs to it.
 bool endsParagraph(const uint16_t* text, size_t at, size_t size) {
     return separatesParagraphs(text[at]) && !(text[at] == 0x0D && at + 1 < size && text[at + 1] == 0x0A);
 }
@@ -51,8 +50,8 @@ bool isAsciiLetter(uint16_t unit) {
     return (unit | 0x20) >= 'a' && (unit | 0x20) <= 'z';
 }
 
-// Whether the paragraph needs no analysis. One without a letter takes the default direction, and letters
-// within isolates do not count; of letters, the scan knows ASCII's.
+// Whether the paragraph needs no analysis. Without a letter it takes the default direction, and letters
+// within isolates do not count. The scan recognises only ASCII letters.
 bool readsLeftToRight(const uint16_t* begin, const uint16_t* end, Bidi bidi) {
     if (bidi == Bidi::RTL) return false;
     bool rightToLeft = false, letter = false, isolate = false;
@@ -77,14 +76,14 @@ UBiDiLevel paragraphLevel(Bidi bidi) {
     }
 }
 
-// The levels of the paragraphs that the calling thread laid a line of last.
+// The levels of the paragraphs in which the calling thread last laid out a line.
 class Paragraphs {
 public:
     ~Paragraphs() {
         if (mBidi) ubidi_close(mBidi);
     }
 
-    // Makes levelAt() answer for [start, end); false when the whole range reads from left to right.
+    // Makes levelAt() valid for [start, end). False if the whole range reads from left to right.
     bool analyse(const uint16_t* text, size_t start, size_t end, size_t size, Bidi bidi) {
         if (!holds(text, start, end, size, bidi)) renew(text, start, end, size, bidi);
         return !mLevels.empty();
@@ -103,7 +102,7 @@ public:
 private:
     size_t finish() const { return mBegin + mUnits.size(); }
 
-    // Whether the last analysis is that of the same paragraphs, at the same place.
+    // Whether the last analysis was of the same paragraphs at the same place.
     bool holds(const uint16_t* text, size_t start, size_t end, size_t size, Bidi bidi) const {
         if (mUnits.empty() || bidi != mRequest || start < mBegin || end > finish() || finish() > size)
             return false;
@@ -112,8 +111,8 @@ private:
         return std::memcmp(text + mBegin, mUnits.data(), mUnits.size() * sizeof(UChar)) == 0;
     }
 
-    // Paragraphs are analysed one by one. They do not depend on each other, but ICU, given several at once,
-    // lets the digits at the start of one follow the letters of the one before.
+    // Analyses paragraphs one by one. They do not depend on each other, but if ICU gets several at once, the
+    // digits at the start of one follow the letters of the one before.
     void renew(const uint16_t* text, size_t start, size_t end, size_t size, Bidi bidi) {
         mRequest = bidi;
         mBegin = paragraphBegin(text, start);
@@ -127,7 +126,7 @@ private:
                 at = next;
             }
         } catch (const std::bad_alloc&) {
-            mUnits.clear();  // nothing holds
+            mUnits.clear();  // invalid until the analysis succeeds
             throw;
         }
     }
@@ -147,7 +146,7 @@ private:
 
     UBiDi* mBidi = nullptr;
     std::vector<UChar> mUnits;
-    std::vector<UBiDiLevel> mLevels;  // none when every one is 0
+    std::vector<UBiDiLevel> mLevels;  // empty if all are 0
     size_t mBegin = 0;
     Bidi mRequest = Bidi::LTR;
 };

@@ -17,10 +17,9 @@ struct BidiRun {
     bool rightToLeft = false;
 };
 
-// The runs of [start, end) in visual order, left to right. The whole text is context, as far as it matters:
-// the paragraphs that the range touches. A range without right-to-left characters in its paragraphs costs a
-// scan of them, and the lines of one long paragraph share one analysis. start <= end <= size <= INT32_MAX.
-// Any thread.
+// The runs of [start, end) in visual order, left to right. The paragraphs that the range touches are its
+// context. If they have no right-to-left characters, it costs one scan of them; the lines of one long
+// paragraph share one analysis. start <= end <= size <= INT32_MAX. Any thread.
 std::vector<BidiRun> visualRuns(const uint16_t* text, size_t start, size_t end, size_t size,
                                 minikin::Bidi bidi);
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
+//
 // The rules of Unicode Standard Annex 29, GB3 to GB13 with GB9c, over ICU's character properties. A break
-// iterator would do the same, but has to be opened, and set on the text, for every line.
+// iterator would do the same, but it would have to be opened and given the text for every line.
 #include "platform/host/Clusters.h"
 
 #include <unicode/uchar.h>
@@ -9,10 +10,11 @@
 namespace host {
 namespace {
 
-// Below this every character but the carriage return is a cluster of its own, unless what follows joins it.
+// Below this, every character except the carriage return is a cluster of its own, unless the next one joins
+// it.
 constexpr uint16_t kFirstMark = 0x0300;
 
-// What GB9c, the conjunct rule, sees in a character of the scripts it is for.
+// A character's role in GB9c, the conjunct rule.
 enum class Conjunct { kNone, kConsonant, kLinker, kExtend };
 
 Conjunct conjunctRole(UChar32 c, UGraphemeClusterBreak type) {
@@ -83,10 +85,10 @@ size_t clusterEnd(const uint16_t* text, size_t start, size_t end) {
 
     size_t at = start;
     Character previous(nextCodePoint(text, &at, end));
-    bool pictographBefore = previous.pictograph;  // and nothing but marks and a joiner since
+    bool pictographBefore = previous.pictograph;  // followed only by marks and one joiner so far
     bool consonantBefore =
-        previous.conjunct == Conjunct::kConsonant;  // and nothing but linkers and marks since
-    bool linked = false;                            // and at least one linker
+        previous.conjunct == Conjunct::kConsonant;  // followed only by linkers and marks so far
+    bool linked = false;                            // with at least one linker
     bool flagOpen = previous.type == U_GCB_REGIONAL_INDICATOR;
     while (at < end) {
         size_t next = at;

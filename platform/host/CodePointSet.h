@@ -10,13 +10,13 @@
 
 namespace host {
 
-// A set of code points, made once and then only read, by any thread: pages of 256 bits, equal absent pages
-// shared, so that a look-up is two loads. A CJK font takes about 20 kB.
+// A set of code points, built once and then only read, by any thread. It has pages of 256 bits, and all empty
+// pages are one, so a look-up takes two loads. A CJK font needs about 20 kB.
 class CodePointSet {
 public:
     CodePointSet() { mPages.emplace_back(); }
 
-    // Replaces the contents by the code points up to 0x10FFFF of `codePoints`.
+    // Replaces the content by the code points of `codePoints`, up to 0x10FFFF.
     void assign(const hb_set_t* codePoints);
 
     bool empty() const { return mPages.size() == 1; }

@@ -15,10 +15,10 @@ namespace host {
 
 namespace {
 
-// Layers after these are not drawn; real glyphs have a few dozen.
+// Further layers are not drawn; real glyphs have a few dozen.
 constexpr int kMaxLayers = 1024;
 
-// Not limited: the union of many boxes may be more than an image may be.
+// Not limited to the largest image, which the union of many boxes may exceed.
 GlyphBox unionOf(const GlyphBox& a, const GlyphBox& b) {
     if (a.empty()) return b;
     if (b.empty()) return a;
@@ -30,9 +30,9 @@ GlyphBox unionOf(const GlyphBox& a, const GlyphBox& b) {
 
 struct ColourGlyphs::Strike {
     const FT_Bitmap* bitmap;
-    int left, top;  // of the bitmap's top left corner from the pen, in its own pixels, y upwards
+    int left, top;                // the bitmap's top left corner from the pen, in its own pixels, y upwards
     double perPixelX, perPixelY;  // perPixelX is negative in mirrored styles
-    StrikePlace place;            // on the phone, of the bitmap from the pen
+    StrikePlace place;            // for the phone: position of the bitmap from the pen
 };
 
 void ColourGlyphs::open(FreeTypeFace& font) {
@@ -47,7 +47,7 @@ void ColourGlyphs::open(FreeTypeFace& font) {
 }
 
 // Loads the glyph's colour bitmap from the smallest strike that is not smaller than the style, else from the
-// largest; with metricsOnly just its sides and place. False when the font has none for the glyph.
+// largest one. With metricsOnly, loads only its sides and position. False if the font has none for the glyph.
 bool ColourGlyphs::loadStrike(FreeTypeFace& font, uint32_t glyph, const GlyphStyle& style, bool metricsOnly,
                               Strike* strike) const {
     if (!mHasStrikes) return false;
@@ -89,7 +89,7 @@ bool ColourGlyphs::loadStrike(FreeTypeFace& font, uint32_t glyph, const GlyphSty
 }
 
 GlyphBox ColourGlyphs::strikeBox(const Strike& strike, const GlyphStyle& style, int quarterX) {
-    static constexpr double kFar = 1e9;  // refused by the limits, and safe to convert
+    static constexpr double kFar = 1e9;  // beyond the limits, but safe to convert
     const auto whole = [](double v) { return static_cast<int64_t>(std::min(std::max(v, -kFar), kFar)); };
     if (style.rendering == Rendering::Phone) {
         const StrikePlace& p = strike.place;
@@ -124,8 +124,8 @@ void ColourGlyphs::drawStrike(const Strike& strike, const GlyphStyle& style, int
                      image.coverage.data(), image.width, image.height);
         return;
     }
-    // A pixel centre (x, y) from the pen, less slant and quarter, in the strike's pixels from its top left
-    // corner.
+    // Maps a pixel centre (x, y) from the pen, without slant and quarter, to the strike's pixels from its top
+    // left corner.
     const auto fixed = [](double v) { return static_cast<int64_t>(std::llround(v * 65536)); };
     const double y = image.top + 0.5;
     const double x = image.left + 0.5 - quarterX * 0.25 - static_cast<double>(style.skewX) * y;
@@ -150,7 +150,7 @@ void ColourGlyphs::drawStrike(const Strike& strike, const GlyphStyle& style, int
     }
 }
 
-// Calls visit(layer's glyph, layer's alpha) from the lowest layer up.
+// Calls visit(layer's glyph, layer's alpha) for each layer, the lowest first.
 template <typename Visit>
 bool ColourGlyphs::forEachLayer(FreeTypeFace& font, uint32_t glyph, Visit visit) const {
     FT_LayerIterator iterator;
@@ -160,7 +160,7 @@ bool ColourGlyphs::forEachLayer(FreeTypeFace& font, uint32_t glyph, Visit visit)
     while (count < kMaxLayers &&
            FT_Get_Color_Glyph_Layer(font.face(), glyph, &layerGlyph, &color, &iterator) != 0) {
         ++count;
-        // Numbers beyond the palette, 0xFFFF above all, stand for the text's own colour.
+        // Numbers beyond the palette, usually 0xFFFF, mean the text's own colour.
         visit(layerGlyph, color < mPaletteAlphas.size() ? mPaletteAlphas[color] : uint8_t{255});
     }
     return count > 0;
@@ -178,7 +178,7 @@ bool ColourGlyphs::layersBox(FreeTypeFace& font, uint32_t glyph, const GlyphStyl
     return layered;
 }
 
-// One layer over the other: the alphas of the picture that a colour renderer would make.
+// Draws one layer over another; the result has the alphas of a colour renderer's picture.
 void ColourGlyphs::drawLayers(FreeTypeFace& font, uint32_t glyph, const GlyphStyle& style, int quarterX,
                               GlyphImage& image) const {
     forEachLayer(font, glyph, [&](uint32_t layerGlyph, uint8_t alpha) {
@@ -211,7 +211,7 @@ bool ColourGlyphs::box(FreeTypeFace& font, uint32_t glyph, const GlyphStyle& sty
 float ColourGlyphs::advance(FreeTypeFace& font, uint32_t glyph, const GlyphStyle& style) const {
     Strike strike;
     if (loadStrike(font, glyph, style, true, &strike)) {
-        // As far as FreeType's own matrix would take it.
+        // Scales as FreeType's own matrix would.
         const auto factor = static_cast<FT_Fixed>(65536 / strike.perPixelX);
         return static_cast<float>(FT_MulFix(font.face()->glyph->advance.x, factor)) / 64;
     }

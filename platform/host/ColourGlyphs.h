@@ -10,8 +10,8 @@
 
 namespace host {
 
-// The colour glyphs of a font, as alpha: bitmap strikes and layers. The calls say false where the glyph is
-// none.
+// The colour glyphs of a font, as alpha: bitmap strikes and layers. The calls return false for a glyph that
+// has no colour.
 class ColourGlyphs {
 public:
     void open(FreeTypeFace& font);
@@ -19,11 +19,11 @@ public:
     bool box(FreeTypeFace& font, uint32_t glyph, const GlyphStyle& style, int quarterX, GlyphBox* box) const;
     bool draw(FreeTypeFace& font, uint32_t glyph, const GlyphStyle& style, int quarterX,
               GlyphImage* image) const;
-    // Of a colour glyph, as the phone measures it.
+    // The advance of a colour glyph, as the phone measures it.
     float advance(FreeTypeFace& font, uint32_t glyph, const GlyphStyle& style) const;
 
 private:
-    // One glyph's bitmap and how it lies in the style: source pixels per target pixel.
+    // One glyph's bitmap and its position in the style: source pixels per target pixel.
     struct Strike;
     bool loadStrike(FreeTypeFace& font, uint32_t glyph, const GlyphStyle& style, bool metricsOnly,
                     Strike* strike) const;

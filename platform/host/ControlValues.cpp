@@ -86,7 +86,7 @@ unsigned long ControlValues::read(size_t offset, unsigned char* to, size_t count
     return static_cast<unsigned long>(count);
 }
 
-// A count of 0 asks whether the file can be read from there: 0 says yes.
+// FreeType asks with a count of 0 whether the file can be read from there: 0 means yes.
 unsigned long ControlValues::readStream(FT_Stream stream, unsigned long offset, unsigned char* to,
                                         unsigned long count) {
     const auto& file = *static_cast<const ControlValues*>(stream->descriptor.pointer);

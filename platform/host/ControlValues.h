@@ -11,22 +11,22 @@
 
 namespace host {
 
-// A hinted font file whose control values are scaled as FreeType 2.9 does it, which the phone has. Later
-// versions drop the lowest six bits of the scale, and some stems then round to another pixel. The file is
-// read as it is but for its control value program: in front of it stand instructions (WCVTF) that set each
-// control value anew from its font units, at the full scale.
+// A hinted font file whose control values are scaled as in FreeType 2.9, the phone's version. Later versions
+// drop the lowest six bits of the scale, and then some stems round to another pixel. Only the control value
+// program of the file changes: instructions in front of it (WCVTF) set each control value again from its font
+// units, at the full scale.
 class ControlValues {
 public:
-    // The bytes are borrowed. False when the font has nothing to scale or is damaged; also for variable
-    // fonts, whose control values depend on their axes.
+    // Borrows the bytes. False if the font has nothing to scale or is damaged; also for variable fonts, whose
+    // control values depend on their axes.
     bool open(const void* data, size_t size, int index);
 
-    // The file for FT_Open_Face; valid while this object lives and stays where it is.
+    // The file for FT_Open_Face; valid while this object lives and is not moved.
     FT_Stream stream() { return &mStream; }
 
 private:
     struct Table {
-        size_t record = 0, offset = 0, length = 0;  // record: where the table directory names it
+        size_t record = 0, offset = 0, length = 0;  // record: position of its entry in the table directory
     };
     bool findTable(size_t directory, const char* tag, Table* table) const;
     bool readNumber(size_t at, int bytes, uint32_t* number) const;
@@ -36,9 +36,9 @@ private:
 
     const uint8_t* mData = nullptr;
     size_t mSize = 0;
-    size_t mRecord = 0;             // of the program
-    uint8_t mPlace[8] = {};         // its offset and length in the file made here
-    std::vector<uint8_t> mProgram;  // behind the original file
+    size_t mRecord = 0;             // the program's entry
+    uint8_t mPlace[8] = {};         // the program's offset and length in the changed file
+    std::vector<uint8_t> mProgram;  // follows the original file
     FT_StreamRec mStream = {};
 };
 

@@ -9,7 +9,7 @@ namespace {
 
 constexpr int64_t kOne = 256;
 
-// Rounded down; d is positive.
+// The quotient rounded down; d is positive.
 int64_t floorQuotient(int64_t n, int64_t d) {
     return n >= 0 ? n / d : -((-n + d - 1) / d);
 }
@@ -26,7 +26,7 @@ void CoverageRaster::moveTo(int64_t x, int64_t y) {
     mY = y;
 }
 
-// Coordinates are from the pixel's corner.
+// Coordinates are relative to the pixel's corner.
 void CoverageRaster::add(int64_t column, int64_t row, int64_t fromX, int64_t fromY, int64_t toX,
                          int64_t toY) {
     if (row < 0 || row >= mHeight || column >= mWidth) return;
@@ -46,7 +46,8 @@ void CoverageRaster::lineTo(int64_t toX, int64_t toY) {
     if ((row < 0 && lastRow < 0) || (row >= mHeight && lastRow >= mHeight)) return;
     if (dy == 0) return;
     if (column >= mWidth && lastColumn >= mWidth) return;
-    // `side` is the line's side of the pixel's corner at (0, 0): it tells where the line leaves.
+    // The sign of `side` and its sums tell on which side of each corner of the pixel the line passes, and so
+    // where it leaves the pixel.
     int64_t side = dx * y - dy * x;
     while (column != lastColumn || row != lastRow) {
         if (dx == 0) {
@@ -94,7 +95,7 @@ void CoverageRaster::levels(const uint8_t (&table)[256], uint8_t* target) const 
         for (int x = 0; x < mWidth; ++x) {
             ++cell;
             cover += cell->cover;
-            int64_t level = (cover * (2 * kOne) - cell->area) >> 9;  // of 2 * 256 * 256
+            int64_t level = (cover * (2 * kOne) - cell->area) >> 9;  // the area counts 2 * 256 * 256
             if (level < 0) level = ~level;
             *target++ = table[std::min<int64_t>(level, 255)];
         }

@@ -8,9 +8,9 @@
 
 namespace host {
 
-// The area that closed polygons cover of each pixel: lines are cut where they leave a pixel, and a pixel
-// keeps the height its lines climb and twice the area left of them. Windings add up; what they wind around
-// twice is covered once. Coordinates have 8 fraction bits.
+// The area of each pixel that closed polygons cover. Lines are cut at pixel borders. Each pixel adds up the
+// height by which its lines climb, and twice the area left of them. Windings add up; areas that are wound
+// around twice are covered once. Coordinates have 8 fraction bits.
 class CoverageRaster {
 public:
     // Pixels 0 to width and height; lines may lie anywhere.
@@ -19,8 +19,8 @@ public:
     void moveTo(int64_t x, int64_t y);
     void lineTo(int64_t x, int64_t y);
 
-    // The pixels' levels, 0 to 255, cut as FreeType does and replaced by those of a table; the rows with the
-    // greatest y first.
+    // The pixels' levels, 0 to 255, rounded down as in FreeType and mapped through a table. The rows with the
+    // greatest y come first.
     void levels(const uint8_t (&table)[256], uint8_t* target) const;
 
 private:
@@ -30,7 +30,7 @@ private:
     void add(int64_t column, int64_t row, int64_t fromX, int64_t fromY, int64_t toX, int64_t toY);
 
     int mWidth, mHeight;
-    std::vector<Cell> mCells;  // a row has one more in front, for what lies to the left
+    std::vector<Cell> mCells;  // each row has one more cell in front, for everything left of it
     int64_t mX = 0, mY = 0;
 };
 

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
-// HarfBuzz reads characters and advances (its objects are immutable, so without a lock); FreeType, one
-// library and one face behind the face's lock, gives outlines, strikes and the rasterisers. Whatever fails on
-// the way leaves the glyph blank.
+//
+// HarfBuzz reads characters and advances; its objects are immutable and need no lock. FreeType, one library
+// and one face behind the face's lock, gives outlines, strikes and rasters. If anything fails, the glyph is
+// blank.
 #include "platform/host/FontFace.h"
 
 #include <hb-ot.h>
@@ -26,7 +27,7 @@
 
 namespace host {
 
-// Every comparison is false for what is no number.
+// All comparisons are false for NaN.
 bool drawable(const GlyphStyle& style) {
     const bool phone = style.rendering == Rendering::Phone;
     const float least = phone ? kMinPhoneSize : kMinGlyphSize, most = phone ? kMaxPhoneSize : kMaxGlyphSize;
@@ -44,7 +45,7 @@ bool drawnAsPath(const GlyphStyle& style) {
 
 namespace {
 
-// The size at which the phone measures linear text and takes paths.
+// The size at which the phone measures linear text and loads paths.
 constexpr float kPathSize = 64;
 
 struct HbDeleter {
@@ -56,7 +57,7 @@ struct HbDeleter {
 template <typename T>
 using HbOwner = std::unique_ptr<T, HbDeleter>;
 
-// The file types that begin an sfnt font or a collection of them. Compressed containers are none.
+// Whether the file starts like an sfnt font or a collection of them. Compressed containers do not.
 bool isSfnt(const void* data, size_t size) {
     if (data == nullptr || size < 12 || size > std::numeric_limits<int32_t>::max()) return false;
     static const char kTags[][5] = {{'\0', '\1', '\0', '\0'}, "OTTO", "true", "ttcf"};
@@ -64,7 +65,7 @@ bool isSfnt(const void* data, size_t size) {
                        [&](const char* tag) { return std::memcmp(data, tag, 4) == 0; });
 }
 
-// The pairs of kAxesTable.
+// Reads the pairs of kAxesTable.
 std::vector<hb_variation_t> readAxes(hb_face_t* face) {
     constexpr size_t kMaxAxes = 64, kPairBytes = 8;
     const HbOwner<hb_blob_t> table(hb_face_reference_table(face, kAxesTable));
@@ -83,7 +84,7 @@ std::vector<hb_variation_t> readAxes(hb_face_t* face) {
 }
 
 struct Metrics {
-    float advance = 0;  // the phone's alone
+    float advance = 0;  // only for the phone
     InkBox ink;
 };
 
@@ -96,18 +97,18 @@ constexpr size_t kKeptMetrics = 512;
 }  // namespace
 
 struct FontFace::Impl {
-    std::shared_ptr<void> owner;  // declared first: everything below reads its bytes to the end
+    std::shared_ptr<void> owner;  // declared first: the members below read its bytes until destroyed
     uint32_t id = 0;
     HbOwner<hb_face_t> hbFace;
-    HbOwner<hb_font_t> hbFont;  // at one unit per font unit
+    HbOwner<hb_font_t> hbFont;  // scaled to font units
     unsigned unitsPerEm = 0, glyphCount = 0;
     CodePointSet codePoints;
-    std::vector<hb_variation_t> axes;  // where they stand, if not at the defaults
+    std::vector<hb_variation_t> axes;  // their positions, if not the defaults
 
-    std::mutex mutex;  // guards the rest
+    std::mutex mutex;  // guards all members below
     FreeTypeFace freeType;
     ColourGlyphs colours;
-    std::vector<KeptMetrics> kept;  // by hash; empty until asked
+    std::vector<KeptMetrics> kept;  // by hash; empty until first used
 
     bool open(const void* data, size_t size, int index);
     Metrics measure(uint32_t glyph, const GlyphStyle& style);
@@ -177,8 +178,7 @@ Metrics FontFace::Impl::measure(uint32_t glyph, const GlyphStyle& style) {
     return metrics;
 }
 
-// One table for all styles: a line asks for the same glyph's advance and box, and for those of its letters
-// again and again.
+// One table for all styles: a line asks for the same glyph's advance and box, and repeats its letters often.
 Metrics FontFace::Impl::metrics(uint32_t glyph, const GlyphStyle& style) {
     GlyphKey key = keyOf(id, glyph, style);
     if (style.subpixel) key.flags |= kSubpixelKey;

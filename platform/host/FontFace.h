@@ -13,17 +13,17 @@
 
 namespace host {
 
-// How a glyph is sized and drawn. Sizes and widths (size * scaleX, of either sign) outside
-// kMinGlyphSize..kMaxGlyphSize, on the phone kMinPhoneSize..kMaxPhoneSize, skews beyond kMaxGlyphSkew and
-// values that are no number make every glyph blank.
+// The size and style of a glyph. Every glyph is blank if a size or width (size * scaleX, of either sign) is
+// outside kMinGlyphSize..kMaxGlyphSize (on the phone kMinPhoneSize..kMaxPhoneSize), if the skew exceeds
+// kMaxGlyphSkew, or if a value is not a number.
 struct GlyphStyle {
     float size = 0;    // pixels per em
     float scaleX = 1;  // of outlines and advances; negative mirrors, 0 is blank
     float skewX = 0;   // pixels to the right for each pixel downwards; slants to the right are negative
     bool fakeBold = false;
     bool antiAlias = true;
-    bool subpixel = false;  // fractional advances; images and boxes take no notice
-    bool linear = false;    // no hinting, and metrics that scale with the size; Plain takes no notice
+    bool subpixel = false;  // fractional advances; does not affect images and boxes
+    bool linear = false;    // no hinting, and metrics that scale with the size; no effect in Plain
     Rendering rendering = host::rendering();
 };
 
@@ -33,11 +33,11 @@ constexpr float kMinPhoneSize = 1.0f / 4096;
 constexpr float kMaxPhoneSize = 1 << 20;
 constexpr float kMaxGlyphSkew = 64;
 bool drawable(const GlyphStyle& style);
-// The phone hints and keeps glyphs up to this size, wide and high (slanted); larger ones are paths, filled
-// where they are needed.
+// The phone hints and keeps glyphs up to this size, in width and height (slanted). Larger ones are paths,
+// filled each time they are drawn.
 constexpr float kMaxHintedSize = 256;
 bool drawnAsPath(const GlyphStyle& style);
-// A glyph whose image would take more bytes than this, or be wider or taller than kMaxGlyphSide, is blank.
+// A glyph is blank if its image needs more bytes than this, or if it is wider or taller than kMaxGlyphSide.
 constexpr size_t kMaxGlyphBytes = size_t{64} << 20;
 constexpr int kMaxGlyphSide = 32767;
 
@@ -47,7 +47,7 @@ struct GlyphBox {
     bool empty() const { return left >= right || top >= bottom; }
 };
 
-// The same for what is measured: not whole where metrics are scaled.
+// The same for measured boxes, which are fractional where metrics are scaled.
 struct InkBox {
     float left = 0, top = 0, right = 0, bottom = 0;
     bool empty() const { return !(left < right && top < bottom); }
@@ -60,73 +60,72 @@ struct GlyphImage {
     std::vector<uint8_t> coverage;
 };
 
-// A table that a font in memory may carry: where the axes of a variable font stand. Pairs of an axis's tag
-// and a value in 16.16 fixed point, both big-endian. Axes that the font lacks are passed over, values beyond
-// an axis's range are cut to it, and pairs after the first 64 are not read.
+// A table that a font in memory may contain: the axis positions of a variable font. It has pairs of an axis's
+// tag and a value in 16.16 fixed point, both big-endian. Axes that the font lacks are ignored, values are
+// clamped to the axis's range, and pairs after the first 64 are not read.
 constexpr uint32_t kAxesTable = HB_TAG('Z', 'V', 'a', 'x');
 
-// One font of a file: its characters, advances, and glyphs as coverage. The seam between the drawing half of
-// the port (Sk*) and the layout half (minikin, hwui), and the only place that talks to FreeType.
+// One font of a file: its characters, advances, and glyphs as coverage. It connects the drawing half of the
+// port (Sk*) with the layout half (minikin, hwui), and only this class and the files it uses call FreeType.
 //
-// On the phone, outlines are hinted (FreeType's interpreter 35, the CFF hinter; not where they are slanted or
-// the text is linear; with anti-alias off for its monochrome rasteriser) and levels pass the gamma table.
-// Fake bold widens by a 34th of the em, to the right and upwards. Colour glyphs give their alpha without
-// either: a strike bitmap scaled as the platform does (StrikeFilter.h), or the layers of a layered glyph, one
-// over the other, with their palette alphas.
+// On the phone, outlines are hinted with FreeType's interpreter 35 or the CFF hinter, except slanted and
+// linear text; without anti-alias they are hinted for its monochrome rasteriser. Levels pass through the
+// gamma table. Fake bold widens by a 34th of the em, to the right and upwards. Colour glyphs give their alpha
+// without hinting and gamma: a strike bitmap scaled as on the platform (StrikeFilter.h), or the layers of a
+// layered glyph, one over the other, with their palette alphas.
 //
 // The plain rendering does not hint. Fake bold widens the outline by size x (1/24 at size 9 and below,
 // falling linearly to 1/32 at size 36 and above) in total, evenly on both sides, after scale and skew. A
 // strike is resampled by area.
 //
-// Strikes are taken from the nearest not smaller than the size, else the largest; fake bold leaves them as
-// they are. A font with an sbix table has strikes only, as FreeType sees it.
+// A strike is the nearest that is not smaller than the size, else the largest; fake bold does not change it.
+// A font with an sbix table has only strikes, as in FreeType.
 //
-// Any method may be called from any thread, and throws std::bad_alloc where memory is short. A glyph that the
-// font lacks or that cannot be read is blank; its advance is 0 where the font states none.
+// Methods may be called from any thread and throw std::bad_alloc if memory is short. A glyph that the font
+// lacks or that cannot be read is blank; its advance is 0 if the font states none.
 class FontFace {
 public:
-    // Null when the bytes are no sfnt font that both FreeType and HarfBuzz read, when no character is mapped,
-    // or when a collection has no such index. The bytes must not change; they are borrowed for the life of
-    // the face, unless `owner`, which is kept that long, holds them. A variable font stands
-    // at its defaults, or where its kAxesTable says.
+    // Null if the bytes are no sfnt font that both FreeType and HarfBuzz can read, if no character is mapped,
+    // or if a collection has no such index. The bytes must not change. They are borrowed for the life of the
+    // face, unless `owner` holds them; the face keeps `owner` that long. A variable font has its default axis
+    // values, or those of its kAxesTable.
     static std::shared_ptr<FontFace> open(const void* data, size_t size, int index,
                                           std::shared_ptr<void> owner = nullptr);
     ~FontFace();
     FontFace(const FontFace&) = delete;
     FontFace& operator=(const FontFace&) = delete;
 
-    // Different for every face of the process; never 0.
+    // Unique within the process; never 0.
     uint32_t uniqueId() const;
     // Immutable; belongs to this face.
     hb_face_t* hbFace() const;
-    // Puts a font made from hbFace() where this face's axes stand.
+    // Sets the axes of a font made from hbFace() to this face's values.
     void setAxes(hb_font_t* font) const;
     unsigned unitsPerEm() const;
     unsigned glyphCount() const;
 
-    // Whether the character map gives the code point a glyph. Lock-free.
+    // Whether the character map has a glyph for the code point. Lock-free.
     bool covers(uint32_t codePoint) const;
     // Whether the font has an entry for the sequence (base, variation selector). Lock-free.
     bool coversVariation(uint32_t codePoint, uint32_t selector) const;
 
-    // Pixels, whole (halves up) unless style.subpixel: the font's own advance x size x scaleX / units per em.
-    // Neither fake bold nor skew changes it. 0 for a blank style. In the phone's rendering: the hinted
-    // advance as FreeType gives it; without hinting or with style.subpixel the font's own, scaled. Not
+    // In pixels. Plain: the font's own advance x size x scaleX / units per em, rounded to whole pixels
+    // (halves up) unless style.subpixel. Fake bold and skew do not change it. 0 for a blank style. Phone: the
+    // hinted advance from FreeType; without hinting or with style.subpixel, the font's own, scaled. Not
     // rounded here.
     float advance(uint32_t glyph, const GlyphStyle& style) const;
 
     // The box of the outline's control points (of all layers; of the scaled strike), rounded outwards to
     // whole pixels, for a pen at a whole pixel; empty for blank glyphs. No pixel of image(glyph, style, 0)
-    // lies outside. In the phone's rendering, for linear text and where glyphs are paths: the box at 64
-    // pixels, scaled.
+    // lies outside it. Phone, for linear text and glyphs that are paths: the box at 64 pixels, scaled.
     InkBox inkBox(uint32_t glyph, const GlyphStyle& style) const;
 
     // Coverage for a pen at quarterX / 4 pixels, quarterX in 0..3 (taken modulo 4). Never null. Kept in the
     // process-wide glyph cache.
     std::shared_ptr<const GlyphImage> image(uint32_t glyph, const GlyphStyle& style, int quarterX) const;
 
-    // The part within `clip` of a glyph whose style is drawn as a path, for a pen at (x, y): nothing is
-    // rounded and nothing kept. Colour glyphs have no path.
+    // The part within `clip` of a glyph whose style is drawn as a path, for a pen at (x, y). Positions are
+    // not rounded, and the image is not kept. Colour glyphs have no path.
     GlyphImage pathImage(uint32_t glyph, const GlyphStyle& style, float x, float y,
                          const GlyphBox& clip) const;
 

@@ -19,7 +19,7 @@ bool isMark(uint32_t c) {
     return c >= 0x300 && (U_GET_GC_MASK(static_cast<UChar32>(c)) & U_GC_M_MASK) != 0;
 }
 
-// Signs that stay in the font of the text before them.
+// Characters that stay in the font of the text before them.
 bool isSticky(uint32_t c) {
     switch (c) {
         case '!':
@@ -49,7 +49,7 @@ bool isEmojiBase(uint32_t c) {
     return u_hasBinaryProperty(static_cast<UChar32>(c), UCHAR_EMOJI_MODIFIER_BASE) != 0;
 }
 
-// The character that the decomposition of `c` begins with; `c` when it has none.
+// The first character of the decomposition of `c`; `c` if it has none.
 uint32_t firstOfDecomposition(uint32_t c) {
     UErrorCode status = U_ZERO_ERROR;
     const UNormalizer2* form = unorm2_getNFDInstance(&status);
@@ -71,7 +71,7 @@ FontFallback::FontFallback(const minikin::FontCollection& collection, minikin::F
       mVariant(variant),
       mCandidates(collection.families().size()) {}
 
-// Most texts never look beyond the first family, so the others are read when they are first asked.
+// Most texts use only the first family, so the others are read when they are first needed.
 const FontFallback::Candidate& FontFallback::candidate(size_t family) {
     Candidate& entry = mCandidates[family];
     if (!entry.face) {
@@ -108,7 +108,7 @@ std::vector<FontRun> FontFallback::cut(const uint16_t* text, size_t start, size_
             const uint32_t after = next < end ? nextCodePoint(text, &next, end) : 0;
             const size_t family = familyOf(c, selectsVariation(after) ? after : 0);
             if (runs.empty()) {
-                runs.push_back({start, at, family});  // takes what needs no font before it along
+                runs.push_back({start, at, family});  // includes characters before it that need no font
             } else if (family != runs.back().family) {
                 const bool together = isMark(c) || (isEmojiModifier(c) && isEmojiBase(previous));
                 size_t from = here;
@@ -128,7 +128,7 @@ std::vector<FontRun> FontFallback::cut(const uint16_t* text, size_t start, size_
     return runs;
 }
 
-// The first family when none has it.
+// Returns the first family if none has the character.
 size_t FontFallback::familyOf(uint32_t character, uint32_t selector) {
     const FontFace& first = *candidate(0).face;
     if (selector != 0 ? first.coversVariation(character, selector) : first.covers(character)) return 0;
@@ -146,7 +146,8 @@ size_t FontFallback::familyOf(uint32_t character, uint32_t selector) {
     return simpler != character ? familyOf(simpler, selector) : 0;
 }
 
-// 0 when the font does not cover the character. The presentation outweighs the locales, these the variant.
+// 0 if the font does not cover the character. The presentation counts more than the locales, and these more
+// than the variant.
 uint32_t FontFallback::score(const Candidate& font, uint32_t character, uint32_t selector) const {
     const bool ownGlyph = selector != 0 && font.face->coversVariation(character, selector);
     if (!ownGlyph && !font.face->covers(character)) return 0;

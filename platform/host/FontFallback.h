@@ -19,24 +19,24 @@ struct FontRun {
     size_t family = 0;
 };
 
-// Chooses the family for each character of a word, by the rules of minikin::FontCollection. One for each
+// Chooses the family for each character of a word, by the rules of minikin::FontCollection. Make one for each
 // layout; it must not outlive the collection.
 class FontFallback {
 public:
     FontFallback(const minikin::FontCollection& collection, minikin::FontStyle style, uint32_t localeListId,
                  minikin::FontFamily::Variant variant);
 
-    // The runs of [start, end), a word or part of one, in logical order; they cover it without gaps. None
-    // without families.
+    // The runs of [start, end), a word or part of one, in logical order and without gaps. Empty without
+    // families.
     std::vector<FontRun> cut(const uint16_t* text, size_t start, size_t end);
 
-    // The font of the family that draws the style.
+    // The font that draws the style, from that family.
     const minikin::FakedFont& fontOf(size_t family) { return candidate(family).font; }
 
 private:
     struct Candidate {
         minikin::FakedFont font;
-        const FontFace* face = nullptr;  // null: not looked at yet
+        const FontFace* face = nullptr;  // null until first used
         uint32_t localeScore = 0;
         bool variantFits = false;
         bool emoji = false;    // made for emoji presentation

@@ -15,7 +15,7 @@
 namespace minikin {
 namespace {
 
-// How far a font is from the style that is wanted.
+// How far a font is from the wanted style.
 int distance(FontStyle wanted, FontStyle actual) {
     return std::abs(wanted.weight() / 100 - actual.weight() / 100) +
            (wanted.slant() != actual.slant() ? 2 : 0);

@@ -17,8 +17,8 @@ namespace host {
 
 namespace {
 
-// A font states sizes of its own (tables, strike bitmaps): FreeType gets no single block larger than this for
-// them.
+// Sizes in a font (tables, strike bitmaps) may be absurd, so no single block for FreeType is larger than
+// this.
 constexpr size_t kMaxFreeTypeBlock = size_t{64} << 20;
 
 using Blocks = FreeTypeFace::Blocks;
@@ -79,7 +79,7 @@ FreeTypeFace::~FreeTypeFace() {
 bool FreeTypeFace::open(const void* data, size_t size, int index) {
     if (FT_New_Library(&mMemory, &mLibrary) != 0) return false;
     FT_Add_Default_Modules(mLibrary);
-    // The interpreter that moves points in both directions, as the platform's does.
+    // The interpreter that moves points in both directions, as on the platform.
     FT_UInt version = 35;
     FT_Property_Set(mLibrary, "truetype", "interpreter-version", &version);
     FT_Open_Args args;
@@ -124,7 +124,7 @@ bool FreeTypeFace::setStrike(int index) {
 
 void FreeTypeFace::throwIfExhausted() {
     if (!std::exchange(mBlocks.exhausted, false)) return;
-    mWidth = mHeight = -1;  // a size may be half made
+    mWidth = mHeight = -1;  // the size may be half set
     throw std::bad_alloc();
 }
 

@@ -13,8 +13,8 @@
 
 namespace host {
 
-// One FreeType library and one face of it, with bounded blocks and settings of its own: the environment,
-// which FT_Init_FreeType would ask, has no say in the pixels. For one thread at a time.
+// One FreeType library and one face of it, with bounded blocks and its own settings: unlike FT_Init_FreeType,
+// it does not read the environment, which could change pixels. For one thread at a time.
 class FreeTypeFace {
 public:
     FreeTypeFace();
@@ -22,27 +22,27 @@ public:
     FreeTypeFace(const FreeTypeFace&) = delete;
     FreeTypeFace& operator=(const FreeTypeFace&) = delete;
 
-    // The bytes are borrowed. False when FreeType takes them for no sfnt font.
+    // Borrows the bytes. False if FreeType does not accept them as an sfnt font.
     bool open(const void* data, size_t size, int index);
-    // Puts the face where the axes of `font` stand.
+    // Sets the face's axes to those of `font`.
     bool setAxes(hb_font_t* font);
 
     FT_Library library() const { return mLibrary; }
     FT_Face face() const { return mFace; }
 
-    // Pixels per em, 26.6. Setting what is set already costs nothing: a new size runs a font's program.
+    // Pixels per em, 26.6. Setting the current size again costs nothing; a new size runs a font's program.
     bool setSize(FT_F26Dot6 width, FT_F26Dot6 height);
     bool setStrike(int index);
 
-    // Throws std::bad_alloc where the machine's memory was short since the last call. FreeType itself says
-    // "out of memory" of a damaged font's absurd sizes as well, or goes on without a part of itself.
+    // Throws std::bad_alloc if the machine ran out of memory since the last call. FreeType's own error is not
+    // enough: it also says "out of memory" for a damaged font's absurd sizes, or goes on without a part.
     void throwIfExhausted();
 
-    // What FreeType's blocks come from. It uses its interpreter's record without a look at whether it got
-    // one: where memory is short, a small reserve carries it to the end of the call.
+    // The source of FreeType's blocks. FreeType uses its interpreter's record without checking that it was
+    // allocated, so if memory is short, a small reserve lets the call finish.
     struct Blocks {
         bool exhausted = false;
-        size_t used = 0, live = 0;  // of the reserve: bytes, blocks
+        size_t used = 0, live = 0;  // of the reserve: used bytes, live blocks
         alignas(std::max_align_t) unsigned char reserve[size_t{16} << 10];
     };
 

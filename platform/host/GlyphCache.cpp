@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-// A list in order of use and a table into it, under one lock. Rasterising happens outside the lock, so two
-// threads may make the same image; the first one kept stays.
+//
+// A list in order of use and a table into it, under one lock. Glyphs are rasterised outside the lock, so two
+// threads may make the same image; the cache keeps the first one.
 #include "platform/host/GlyphCache.h"
 
 #include <cstring>
@@ -28,7 +29,7 @@ size_t GlyphKeyHash::operator()(const GlyphKey& key) const {
 
 GlyphKey keyOf(uint32_t faceId, uint32_t glyph, const GlyphStyle& style) {
     const auto bitsOf = [](float value) {
-        value += 0.0f;  // both zeros are one style
+        value += 0.0f;  // 0 and -0 are one style
         uint32_t bits;
         std::memcpy(&bits, &value, sizeof bits);
         return bits;
@@ -49,7 +50,7 @@ namespace {
 
 class GlyphCache {
 public:
-    // Never destroyed: fonts in static objects still forget their glyphs at the end of the process.
+    // Never destroyed, because fonts in static objects forget their glyphs when the process ends.
     static GlyphCache& get() {
         static GlyphCache* cache = new GlyphCache;
         return *cache;
@@ -64,7 +65,7 @@ public:
     }
 
     std::shared_ptr<const GlyphImage> keep(const GlyphKey& key, std::shared_ptr<const GlyphImage> image) {
-        // The image's bytes, and about what the two records and their links take.
+        // The image's bytes, plus roughly the size of the two records and their links.
         const size_t bytes = image->coverage.capacity() + sizeof(GlyphImage) + sizeof(Entry) + 128;
         std::lock_guard<std::mutex> lock(mMutex);
         const auto found = mTable.find(key);

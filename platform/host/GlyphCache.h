@@ -10,23 +10,23 @@
 
 namespace host {
 
-// The process keeps rasterised glyphs, least recently used last, up to a bound in bytes (16 MiB at the
-// start). An image of more than a quarter of the bound is not kept. All of this may be called from any
-// thread; images in use elsewhere stay valid whatever happens here.
+// The process keeps rasterised glyphs up to a bound in bytes (16 MiB at the start) and drops the least
+// recently used first. An image of more than a quarter of the bound is not kept. Any thread may call these
+// functions. Images that are in use stay valid in any case.
 constexpr size_t kDefaultGlyphCacheLimit = size_t{16} << 20;
 
 void clearGlyphCache();
-// What the kept glyphs take, their bookkeeping included; never more than the bound.
+// The bytes of the kept glyphs and their bookkeeping; never more than the bound.
 size_t glyphCacheBytes();
 // 0 keeps nothing.
 void setGlyphCacheLimit(size_t bytes);
 
-// What an image depends on. Equal keys, equal bytes.
+// Everything that an image depends on: equal keys give equal bytes.
 struct GlyphKey {
     uint32_t faceId = 0;
     uint32_t glyph = 0;
     uint32_t size = 0, scaleX = 0, skewX = 0;  // the bits of the floats
-    uint32_t flags = 0;  // fake bold 1, anti-alias 2, linear 4, phone 8, and what follows
+    uint32_t flags = 0;  // fake bold 1, anti-alias 2, linear 4, phone 8, and further bits
 
     bool operator==(const GlyphKey& other) const;
 };
@@ -36,12 +36,12 @@ struct GlyphKeyHash {
     size_t operator()(const GlyphKey& key) const;
 };
 
-// The pen at a whole pixel.
+// The key for a pen at a whole pixel.
 GlyphKey keyOf(uint32_t faceId, uint32_t glyph, const GlyphStyle& style);
 
-// FontFace's side of the cache.
+// For FontFace.
 std::shared_ptr<const GlyphImage> findGlyph(const GlyphKey& key);  // null when not kept
-// Keeps the image, unless the key has one already, and returns the one that is kept (or just `image`).
+// Keeps the image unless the key has one already. Returns the kept image, or `image` if none is kept.
 std::shared_ptr<const GlyphImage> keepGlyph(const GlyphKey& key, std::shared_ptr<const GlyphImage> image);
 void forgetGlyphs(uint32_t faceId);
 

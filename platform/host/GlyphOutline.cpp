@@ -13,14 +13,14 @@ namespace host {
 
 namespace {
 
-// Plain fake bold: its width in all, as a share of the size, between two sizes.
+// Fake bold in Plain: the total width as a share of the size, between two sizes.
 constexpr float kBoldSmallSize = 9, kBoldLargeSize = 36;
 constexpr float kBoldSmallShare = 1.0f / 24, kBoldLargeShare = 1.0f / 32;
-// The phone's, as a part of an em.
+// Fake bold on the phone, as a part of an em.
 constexpr FT_Pos kPhoneBoldPart = 34;
 
-// Coverage of black text as the phone's display shows it: an exponent of 1.4 undone, that is 255 x
-// (1 - (1 - a / 255) ^ (1 / 1.4)), to within one; these are its very levels.
+// Coverage of black text on the phone's display, with an exponent of 1.4 undone: 255 x (1 - (1 - a / 255) ^
+// (1 / 1.4)), to within one. These are the platform's exact levels.
 constexpr Levels kGamma = {
     0,   1,   1,   2,   3,   4,   4,   5,   6,   7,   7,   8,   9,   9,   10,  11,  12,  12,  13,  14,
     15,  15,  16,  17,  17,  18,  19,  20,  20,  21,  22,  23,  23,  24,  25,  26,  26,  27,  28,  29,
@@ -43,8 +43,8 @@ void emboldenEvenly(FT_Outline& outline, float size) {
         std::min(std::max((size - kBoldSmallSize) / (kBoldLargeSize - kBoldSmallSize), 0.0f), 1.0f);
     const float share = kBoldSmallShare + place * (kBoldLargeShare - kBoldSmallShare);
     const FT_Pos half = std::lround(size * share * 32);  // 26.6
-    // FreeType keeps the lower left where it was. It refuses outlines without an area, which stay as they
-    // are.
+    // FreeType keeps the lower left corner in place. It refuses outlines without an area; these do not
+    // change.
     if (FT_Outline_Embolden(&outline, 2 * half) == 0) FT_Outline_Translate(&outline, -half, -half);
 }
 
@@ -71,7 +71,7 @@ bool loadPlain(FreeTypeFace& font, uint32_t glyph, const GlyphStyle& style) {
     return true;
 }
 
-// What the size that FreeType was set to leaves to the matrix: more than the slant below a pixel.
+// The part of the scale that the matrix must do after FreeType's size: below a pixel, more than the slant.
 PhoneScale restOf(const FreeTypeFace& font, const GlyphStyle& style) {
     PhoneScale rest = phoneScale(style);
     if (rest.width >= 1 && rest.height >= 1) return rest;
@@ -90,7 +90,7 @@ PhoneScale restOf(const FreeTypeFace& font, const GlyphStyle& style) {
 bool loadPhone(FreeTypeFace& font, uint32_t glyph, const GlyphStyle& style) {
     const PhoneScale scale = phoneScale(style);
     const FT_Face face = font.face();
-    // FreeType goes down to a pixel; the matrix does the rest.
+    // FreeType's sizes start at one pixel; the matrix does the rest.
     const auto size = [](float pixels) {
         return std::max<FT_F26Dot6>(static_cast<FT_F26Dot6>(pixels * 64), 64);
     };
@@ -146,7 +146,8 @@ bool isHinted(const GlyphStyle& style) {
     return style.rendering == Rendering::Phone && !style.linear && style.skewX == 0;
 }
 
-// Single precision and cut as the platform does, so that a slant of a quarter is the same 65535 parts.
+// In single precision, fraction cut off, as on the platform: a slant of a quarter becomes the same 65535
+// parts.
 PhoneScale phoneScale(const GlyphStyle& style) {
     PhoneScale scale;
     const float width = style.size * style.scaleX;
@@ -161,7 +162,7 @@ PhoneScale phoneScale(const GlyphStyle& style) {
 }
 
 bool setPhoneMatrix(FreeTypeFace& font, const PhoneScale& scale) {
-    // Far more than any style asks for; the rest of a tiny size divided by FreeType's least one is small too.
+    // Far more than any style needs. A tiny size divided by FreeType's smallest one is small too.
     const float limit = 32767;
     if (!(std::fabs(scale.xx) < limit && std::fabs(scale.xy) < limit && std::fabs(scale.yy) < limit))
         return false;
@@ -214,7 +215,7 @@ const Levels& levelsOf(const GlyphStyle& style) {
 
 namespace {
 
-// FreeType gives runs of one level: the table costs nothing then.
+// FreeType reports runs of one level, so mapping through the table costs almost nothing.
 struct SpanTarget {
     const Levels* levels;
     GlyphImage* image;

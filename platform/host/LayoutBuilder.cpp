@@ -13,11 +13,11 @@ namespace host {
 namespace {
 
 constexpr uint32_t kNoFace = UINT32_MAX;
-// Units beyond a word's end or before its start that are looked at. HarfBuzz looks at five characters.
+// How many units before and after a word are passed as context. HarfBuzz looks at five characters.
 constexpr size_t kContext = 16;
-constexpr size_t kKeptUnits = 128;  // longer words are shaped anew
+constexpr size_t kKeptUnits = 128;  // longer words are not kept
 
-// Blanks and directional controls, each a word of its own.
+// Blanks and directional controls; each is a word of its own.
 bool isBlankOrControl(uint16_t unit) {
     return unit == ' ' || (unit >= 0x2000 && unit <= 0x200A) || unit == 0x3000 ||
            (unit >= 0x2066 && unit <= 0x2069) || (unit >= 0x202A && unit <= 0x202E) || unit == 0x200E ||
@@ -31,7 +31,7 @@ bool breaksAt(const uint16_t* text, size_t at) {
     return isBlankOrControl(text[at - 1]) || isBlankOrControl(text[at]) || isIdeograph(text[at]);
 }
 
-// The first break after `at`, but not beyond `limit`; the last one before it, but not before `limit`.
+// The first break after `at`, at most `limit`, and the last break before `at`, at least `limit`.
 size_t nextBreak(const uint16_t* text, size_t at, size_t limit) {
     for (at++; at < limit && !breaksAt(text, at);) at++;
     return at;
@@ -137,7 +137,7 @@ void LayoutBuilder::layWord(const WordRange& range, bool rightToLeft) {
     append(*word, range.contextStart);
 }
 
-// A word begins at a whole pixel, wherever the one before it ended.
+// A word begins at a whole pixel, wherever the word before it ended.
 void LayoutBuilder::append(const Word& word, size_t origin) {
     const float x = std::trunc(mLayout.mAdvance);
     for (const Word::Glyph& glyph : word.glyphs) {

@@ -13,17 +13,16 @@
 
 namespace host {
 
-// Makes one layout: runs of one direction, each word by word. Words are kept for the next layout that asks
-// for the same.
+// Makes one layout: runs of one direction, each word by word. Words are kept for later layouts.
 class LayoutBuilder {
 public:
     explicit LayoutBuilder(const LayoutRequest& request);
 
-    // Called once. start <= end <= size <= INT32_MAX.
+    // Call it once. start <= end <= size <= INT32_MAX.
     minikin::Layout build(minikin::Bidi bidi, const uint16_t* text, size_t start, size_t end, size_t size);
 
 private:
-    // A word of the line, [start, end), and what shapes its letters, [contextStart, contextEnd).
+    // A word of the line, [start, end), and the context for shaping its letters, [contextStart, contextEnd).
     struct WordRange {
         size_t start, end, contextStart, contextEnd;
     };
@@ -37,7 +36,7 @@ private:
     FontFallback mFallback;
     const std::vector<hb_feature_t> mFeatures;
     WordShaper mShaper;
-    std::string mKey;  // of the word at hand; begins with what all words of the request share
+    std::string mKey;  // of the current word; begins with the part that all words of the request share
     size_t mKeyStart = 0;
     std::vector<uint32_t> mFaceOfFamily;  // index into mLayout.mFaces, or none yet
     const uint16_t* mText = nullptr;

@@ -8,16 +8,16 @@
 
 namespace host {
 
-// What the port's layouts know of their glyphs beyond the platform's calls, for tools.
+// What the port's layouts know about their glyphs beyond the platform's calls; for tools.
 class LayoutGlyphs {
 public:
-    // Of glyph i, 0 <= i < nGlyphs(). The offset in the text laid out, in UTF-16 units, at which the
-    // characters begin that the glyph stands for, with others or alone.
+    // For glyph i, 0 <= i < nGlyphs(): the offset in the text, in UTF-16 units, of the characters that the
+    // glyph stands for, alone or with others.
     static uint32_t clusterOf(const minikin::Layout& layout, int i) {
         return layout.mGlyphs[static_cast<size_t>(i)].cluster;
     }
 
-    // The glyph's ink box at its place, as getBounds joins them; without width and height for blank glyphs.
+    // The glyph's ink box at its position, as getBounds joins them; blank glyphs have no width and height.
     static const minikin::MinikinRect& inkOf(const minikin::Layout& layout, int i) {
         return layout.mGlyphs[static_cast<size_t>(i)].ink;
     }

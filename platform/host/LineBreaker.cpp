@@ -27,7 +27,7 @@ bool isLineEnding(uint16_t unit) {
     return unit == '\n' || unit == '\r' || unit == 0x2028 || unit == 0x2029;
 }
 
-// Blanks at which a line may end; the no-break spaces stay visible.
+// Blanks that are trimmed at the end of a line; no-break spaces are not.
 bool isTrimmed(uint16_t unit) {
     if (unit == 0x00A0 || unit == 0x2007 || unit == 0x202F) return false;
     return unit == 0x200B || u_isUWhiteSpace(unit);
@@ -38,7 +38,7 @@ int trimBlanks(const uint16_t* text, int start, int end) {
     return end;
 }
 
-// Fills lines from one paragraph (a stretch without line endings).
+// Fills lines from one paragraph (text without line endings).
 class Wrapper {
 public:
     Wrapper(const uint16_t* text, int length, float width, const MeasureText& measure)
@@ -60,8 +60,8 @@ public:
 private:
     bool fits(int start, int end) const { return widthOf(start, trimBlanks(mText, start, end)) <= mWidth; }
 
-    // Of a piece that is far too long for a line, part of its width, beyond a line's: a text without a break
-    // would be measured to its end for each line.
+    // For a piece far too long for a line, returns the width of a part of it, which exceeds the line.
+    // Otherwise text without a break would be measured to its end for each line.
     float widthOf(int start, int end) const {
         constexpr int kStep = 256;
         float sum = 0;
@@ -79,9 +79,9 @@ private:
         return next == UBRK_DONE ? end : std::min(next, end);
     }
 
-    // The longest prefix of [start, end) that ends at a break of `breaks` and fits; `start` when not even one
-    // does. Pieces are measured one by one first, which is nearly additive; the whole line is shaped only to
-    // settle the last few pieces. Long paragraphs stay linear in their length.
+    // The longest prefix of [start, end) that ends at a break of `breaks` and fits; `start` if there is none.
+    // First adds up the widths of single pieces, which is nearly exact, then shapes the whole line only to
+    // settle the last few pieces. So the cost stays linear in a paragraph's length.
     int longestFit(UBreakIterator* breaks, int start, int end) const {
         std::vector<int> ends;
         float sum = 0;
@@ -93,7 +93,7 @@ private:
         }
         size_t count = ends.size();
         while (count > 0 && !fits(start, ends[count - 1])) --count;
-        // Kerning or a joining form may have made room for one piece more than the sum said.
+        // Kerning or a joining form may make room for one more piece than the sum suggested.
         while (count == ends.size() && count > 0 && ends.back() < end) {
             const int next = nextIn(breaks, ends.back(), end);
             if (!fits(start, next)) break;

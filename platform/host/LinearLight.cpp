@@ -10,9 +10,9 @@ namespace host {
 
 namespace {
 
-// The least light of each level from 1 on. The platform goes back with an approximation of the inverse square
-// root, c + t (b + a t) over d + t with t = 1 / sqrt(light), and its processor's own approximations of the
-// two quotients; these are the steps that come out, within 0.0005 of the sRGB curve's.
+// The least light of each level from 1 on. The platform converts back with a rational approximation of the
+// square root, (c + t (b + a t)) / (d + t) with t = 1 / sqrt(light), using its processor's approximate
+// reciprocals. These are the resulting steps, within 0.0005 of the sRGB curve's.
 constexpr float kLevelSteps[256] = {
     0x1.3e456ap-13f, 0x1.dd681cp-12f, 0x1.8dd6c4p-11f, 0x1.167cbap-10f,
     0x1.660e18p-10f, 0x1.b59f6ep-10f, 0x1.029866p-9f,  0x1.2a6112p-9f,
@@ -79,8 +79,8 @@ constexpr float kLevelSteps[256] = {
     0x1.e26p-1f,     0x1.e6ep-1f,     0x1.ebap-1f,     0x1.fp-1f,
     0x1.f4ap-1f,     0x1.f92p-1f,     0x1.fdap-1f,     std::numeric_limits<float>::infinity()};
 
-// Light by its level, bytes as shares of one, and the level to begin with for the upper bits of a light: 7 of
-// the fraction leave at most two steps between it and the level.
+// Tables: light by level, bytes as fractions of 255, and the level at which to start the search, by the upper
+// bits of a light. 7 fraction bits leave at most two steps to search.
 constexpr uint32_t kLeastBits = 0x3900, kMostBits = 0x3F80;  // 2^-13, below the first step, and 1
 struct Tables {
     float light[256], share[256];
@@ -118,7 +118,8 @@ uint8_t levelOf(const Tables& t, float light) {
     return static_cast<uint8_t>(level);
 }
 
-// a * b + c, rounded once but for what the two roundings of a double may differ in.
+// a * b + c in double precision, rounded to single. It can differ from a fused multiply-add only through the
+// second rounding.
 float multiplyAdd(float a, float b, float c) {
     return static_cast<float>(static_cast<double>(a) * static_cast<double>(b) + static_cast<double>(c));
 }

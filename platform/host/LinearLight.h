@@ -8,9 +8,9 @@
 
 namespace host {
 
-// sRGB bytes as light and back, by the platform's polynomials. Light is 0 to 1.
+// Converts sRGB bytes to light and back, with the platform's polynomials. Light is 0 to 1.
 float lightOf(uint8_t level);
-// For light up to 1 (and what rounding adds): the level whose step it lies on.
+// The level whose step holds the light, which may exceed 1 by a rounding error.
 uint8_t levelOf(float light);
 
 // A straight sRGB colour of one alpha as light, its channels times the alpha.
@@ -19,9 +19,9 @@ struct LightSource {
 };
 LightSource lightSource(uint8_t red, uint8_t green, uint8_t blue, uint8_t alpha);
 
-// Source-over in linear light onto a straight pixel, red, green, blue, alpha in memory; `share` of the
-// source, 0 to 1, alpha and all. What has no alpha leaves the pixel, and becomes the source where there is
-// none.
+// Blends the source over a straight pixel (red, green, blue, alpha in memory) in linear light. `share`, 0 to
+// 1, scales the source, alpha included. A source without alpha does not change the pixel; a pixel without
+// alpha becomes the source.
 void lightOver(uint8_t* pixel, const LightSource& source, float share);
 
 }  // namespace host

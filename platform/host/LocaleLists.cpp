@@ -15,7 +15,7 @@ namespace {
 
 constexpr size_t kScoredLocales = 12;  // 5^12 < 2^28, so a score leaves room for the other preferences
 
-// Lists are kept for ever, so that a process fed with ever new ones keeps some 20 MB of them and no more.
+// Lists are kept for ever. These limits keep a process that registers ever new lists at some 20 MB.
 constexpr size_t kMostLists = 8192, kMostLocales = 64;
 
 enum : uint32_t {
@@ -65,7 +65,7 @@ bool parseLocale(const std::string& tag, Locale* out) {
         if (std::strcmp(part, "text") == 0) out->presentation = Presentation::kText;
     }
 
-    // "und" and "und-Arab" stay as they are: the likely language of a script is a guess no family is made
+    // "und" and "und-Arab" do not change: the likely language of a script is a guess that no family is made
     // for.
     status = U_ZERO_ERROR;
     const bool hasLanguage = uloc_getLanguage(id, part, sizeof part, &status) > 0;
@@ -93,7 +93,7 @@ bool parseLocale(const std::string& tag, Locale* out) {
     return true;
 }
 
-// HarfBuzz keeps every language for ever, so only registered lists ask for theirs.
+// HarfBuzz keeps every language for ever, so only registered lists look up theirs.
 void findLanguage(Locale* locale) {
     std::string full = locale->language;
     if (!locale->script.empty()) full += '-' + locale->script;
@@ -118,7 +118,7 @@ LocaleList parseList(const std::string& tags) {
     return list;
 }
 
-// Two lists are the same when this is.
+// Two lists are the same if their keys are equal.
 std::string keyOf(const LocaleList& list) {
     std::string key;
     for (const Locale& locale : list) {
@@ -132,10 +132,10 @@ std::string keyOf(const LocaleList& list) {
 struct Registry {
     std::mutex mutex;
     std::map<std::string, uint32_t> ids;
-    std::deque<LocaleList> lists{LocaleList()};  // by id; growing moves nothing
+    std::deque<LocaleList> lists{LocaleList()};  // by id; a deque does not move its elements
 };
 
-// Never destroyed: text may be laid out while the process ends.
+// Never destroyed, because text may be laid out while the process ends.
 Registry& registry() {
     static Registry* const instance = new Registry;
     return *instance;
@@ -179,7 +179,7 @@ uint32_t localeScore(const LocaleList& wanted, const LocaleList& offered) {
                 score = std::max(score, language ? 3u : 1u);
             }
         }
-        // A family may state the parts of a script one by one: "zh-Hant,zh-Bopo".
+        // A family may list the parts of a script: "zh-Hant,zh-Bopo".
         if (containsAll(allParts, want.scripts)) {
             score = std::max(score, oneLanguage && want.language == offered[0].language ? 3u : 1u);
         }
@@ -202,7 +202,8 @@ uint32_t registerLocaleList(const std::string& locales) {
     if (entry != known.ids.end()) return entry->second;
     if (known.lists.size() > host::kMostLists) return 0;
     for (host::Locale& locale : list) host::findLanguage(&locale);
-    // The list first: an id without one would be given to the next list as well. One too many does no harm.
+    // Adds the list first: if the id came first and adding failed, the next list would get the same id. An
+    // unused list does no harm.
     const auto id = static_cast<uint32_t>(known.lists.size());
     known.lists.push_back(std::move(list));
     known.ids.emplace(std::move(key), id);

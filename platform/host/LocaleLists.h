@@ -19,23 +19,22 @@ struct Locale {
     std::string region;    // "JP", or empty
     Presentation presentation =
         Presentation::kNone;  // of emoji: script Zsye or Zsym, or the extension "-u-em-"
-    uint32_t scripts = 0;     // what an East Asian script is made of, as bits
+    uint32_t scripts = 0;     // the parts of an East Asian script, as bits
     hb_language_t hbLanguage = HB_LANGUAGE_INVALID;
 
-    // Whether text in `script` can be this locale's: Japanese, for one, is written in Han, Hiragana and
-    // Katakana.
+    // Whether this locale can be written in `script`: Japanese, for example, uses Han, Hiragana and Katakana.
     bool writesIn(hb_script_t script) const;
 };
 
 using LocaleList = std::vector<Locale>;
 
-// The list registered under the id; empty for 0 and for ids that were never given out. Lists are never
-// dropped, so the reference stays good. Any thread.
+// The list registered under the id; empty for 0 and for unknown ids. Lists are never dropped, so the
+// reference stays valid. Any thread.
 const LocaleList& localeListOf(uint32_t id);
 
-// How well a family made for `offered` suits a text in `wanted`; the first wanted locale outweighs all the
-// others, and so on through the first twelve. For each: 4 when the presentation and the language agree, 3
-// when the script and the language do, 2 when the presentation does, 1 when the script does, 0 otherwise.
+// How well a family made for `offered` suits a text in `wanted`. The first wanted locale counts more than all
+// others, and so on through the first twelve. For each locale: 4 if presentation and language match, 3 if
+// script and language match, 2 if the presentation does, 1 if the script does, else 0.
 uint32_t localeScore(const LocaleList& wanted, const LocaleList& offered);
 
 }  // namespace host

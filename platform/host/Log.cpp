@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// The desktop sink of the platform log: standard error, plus whoever captures lines at the time.
+//
+// The desktop's platform log: writes to standard error and to every active capture.
 #include <android/log.h>
 
 #include <algorithm>
@@ -14,8 +15,8 @@
 
 namespace host {
 
-// The live captures and the lock that keeps lines whole. Never destroyed: objects that outlive main still
-// log.
+// The active captures and the lock that keeps lines whole. Never destroyed, because objects that outlive main
+// may log.
 struct LogSink {
     std::mutex mutex;
     std::vector<LogCapture*> captures;
@@ -53,8 +54,8 @@ std::vector<LogLine> LogCapture::lines() const {
 
 }  // namespace host
 
-// Without exceptions: who runs out of memory says so here. A line longer than `usual` is cut there when no
-// memory is left for it.
+// Does not throw: callers also report lack of memory here. If memory is short, a line longer than `usual` is
+// cut.
 extern "C" int __android_log_print(int priority, const char* tag, const char* format, ...) {
     char usual[512] = "";
     std::unique_ptr<char[]> longer;

@@ -10,11 +10,11 @@ namespace host {
 // One line of the platform log.
 struct LogLine {
     int priority = 0;  // 3 debug, 4 info, 5 warning, 6 error
-    std::string tag;   // which part of the library wrote it
-    std::string text;  // without the line's end
+    std::string tag;   // the part of the library that wrote it
+    std::string text;  // without the line ending
 };
 
-// Keeps every log line written, by any thread, while it lives; the lines still go to standard error. Captures
+// Keeps every log line that any thread writes while it lives; the lines still go to standard error. Captures
 // may nest and may live on several threads at once: each keeps all lines of its own lifetime.
 class LogCapture {
 public:
@@ -23,7 +23,7 @@ public:
     LogCapture(const LogCapture&) = delete;
     LogCapture& operator=(const LogCapture&) = delete;
 
-    // A copy of the lines so far, in the order written.
+    // A copy of the lines so far, in order.
     std::vector<LogLine> lines() const;
 
 private:

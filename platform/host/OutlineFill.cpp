@@ -22,7 +22,7 @@ int64_t roughLength(int64_t x, int64_t y) {
     return x > y ? x + (3 * y >> 3) : y + (3 * x >> 3);
 }
 
-// Flattens in 24.8, from 26.6.
+// Flattens 26.6 coordinates to 24.8.
 class GlyphFiller {
 public:
     GlyphFiller(CoverageRaster& raster, const GlyphImage& image)
@@ -65,7 +65,7 @@ private:
         splitQuad(from, {a.x >> 1, a.y >> 1}, half, depth - 1);
         splitQuad(half, {b.x >> 1, b.y >> 1}, to, depth - 1);
     }
-    // Both control points near the chord and between its ends.
+    // Whether both control points are near the chord and between its ends.
     static bool isFlat(const Point& from, const Point& first, const Point& second, const Point& to) {
         const int64_t dx = to.x - from.x, dy = to.y - from.y, length = roughLength(dx, dy);
         if (length > 32767) return false;
@@ -81,7 +81,7 @@ private:
             drawTo(to);
             return;
         }
-        // As FreeType's: sums of the points, halved as late as may be.
+        // As FreeType does it: sums of the points, halved as late as possible.
         const auto split = [](int64_t p0, int64_t p1, int64_t p2, int64_t p3, int64_t* out) {
             const int64_t c = p2, d = p1;
             out[4] = (p3 + c) / 2;
@@ -104,7 +104,7 @@ private:
     Point mPen = {0, 0};
 };
 
-// Flattens as the platform's canvas does: in quarters of a pixel downwards, 256ths across.
+// Flattens like the platform's canvas: in quarters of a pixel downwards, 256ths across.
 class PathFiller {
 public:
     PathFiller(PathRaster& raster, const GlyphImage& image, float scale, float x, float y)
@@ -168,7 +168,7 @@ private:
         while (eighths >> bits != 0) ++bits;
         return bits / 2;
     }
-    // The turning points of a cubic's y, in order.
+    // Finds the turning points of a cubic's y, in order.
     static int turnsOf(float p0, float p1, float p2, float p3, float* turns) {
         const double a = p3 - p0 + 3.0 * (static_cast<double>(p1) - p2), b = 2.0 * (p0 - 2.0 * p1 + p2),
                      c = static_cast<double>(p1) - p0;
@@ -190,8 +190,8 @@ private:
         }
         return kept;
     }
-    // An edge from its upper end down. Its ends lie on 256ths of a pixel across and on quarters down, its
-    // slope is a quotient of 64ths, and it follows that slope to wherever it leads.
+    // An end of an edge. Edges run downwards. Their ends lie on 256ths of a pixel across and on quarters
+    // down. The slope is a quotient of 64ths, and the edge follows it even if it then misses its lower end.
     struct End {
         double x, y;
     };
@@ -220,10 +220,10 @@ private:
         if (top.y == bottom.y) return;
         follow(top, slopeOf(bottom.x - top.x, bottom.y - top.y), bottom.y, down);
     }
-    // A curve that does not turn back, from its upper end down. The upper end moves to the nearest quarter
-    // and takes the points between the ends along. A point moves to the next line that points may lie on: the
-    // quarters of a pixel, or whole pixels where a quadratic's step is long. Steps that end on the same line
-    // join the next one; each step starts where the one before led.
+    // Draws a curve whose y does not turn back, downwards. The upper end moves to the nearest quarter, and
+    // the points between the ends move with it. Each point moves to the next allowed line: the quarters of a
+    // pixel, or whole pixels for a long step of a quadratic. Steps that end on the same line join the next
+    // one. Each step starts where the one before ended.
     template <typename Curve>
     void drawCurve(const Real& from, const Real& to, int steps, bool cubic, Curve at) {
         const bool down = from.y <= to.y;

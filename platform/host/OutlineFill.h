@@ -9,15 +9,16 @@
 
 namespace host {
 
-// Whether an outline has cubic curves, which FreeType has come to flatten in another way than the platform's.
+// Whether an outline has cubic curves; newer versions of FreeType flatten these differently from the
+// platform's.
 bool hasCubics(const FT_Outline& outline);
 
-// The coverage of an outline (26.6, y upwards, from the pen) as the platform's FreeType has it, each level
-// replaced by that of a table.
+// The coverage of an outline (26.6, y upwards, from the pen) as in the platform's FreeType, its levels mapped
+// through a table.
 void fillGlyph(const FT_Outline& outline, const uint8_t (&levels)[256], GlyphImage& image);
 
-// The coverage of an outline times `scale`, moved by (x, y), y downwards, as the platform's canvas fills a
-// path.
+// The coverage of an outline scaled by `scale` and moved by (x, y), y downwards, as the platform's canvas
+// fills a path.
 void fillPath(const FT_Outline& outline, float scale, float x, float y, bool antiAlias, GlyphImage& image);
 
 }  // namespace host

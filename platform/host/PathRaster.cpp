@@ -15,7 +15,8 @@ int64_t product(int64_t a, int64_t b) {
     return (a * b) >> 16;
 }
 
-// The area of a triangle `width` wide whose height is that times `climb`, of 256, in fifths of its bits.
+// The area of a triangle, of 256. `width` is its width; its height is width times `climb`. Each factor keeps
+// only its upper five fraction bits.
 int triangle(int64_t width, int64_t climb) {
     const int64_t short5 = width >> 11;
     return static_cast<int>(short5 * short5 * std::min<int64_t>(climb >> 11, 1 << 20) >> 8 & 255);
@@ -35,8 +36,8 @@ void PathRaster::put(int row, int64_t column, int change) {
              static_cast<size_t>(std::max<int64_t>(column, 0))] += change;
 }
 
-// One edge within a row, or a part of it whose height gives `full`: what lies right of it is added where it
-// begins what is covered, else taken away. `climb` is the edge's height for each pixel across.
+// Adds one edge within a row, or the part of it whose height gives `full`. `begins`: pixels right of it are
+// added, else removed. `climb` is the edge's height for each pixel across.
 void PathRaster::strip(int row, int64_t left, int64_t right, int64_t climb, int full, bool begins) {
     const int64_t first = left >> 16;
     const int64_t l = left - first * kOne, r = right - first * kOne;
@@ -86,7 +87,7 @@ void PathRaster::line(double fromX, double fromY, double toX, double toY) {
         const int row = static_cast<int>(y);
         const double next = std::min(end, row + 1.0);
         const int64_t a = fixed(fromX + (y - fromY) * slope), b = fixed(fromX + (next - fromY) * slope);
-        // The parts of a row add up to 255.
+        // Rounded so that the parts of a row add up to 255.
         const int full = static_cast<int>((next - row) * 255 + 0.5) - static_cast<int>((y - row) * 255 + 0.5);
         strip(row, std::min(a, b), std::max(a, b), climb, full, rises == mFillsRight);
         y = next;

@@ -8,15 +8,15 @@
 
 namespace host {
 
-// Fills closed polygons as the platform's canvas fills paths: row by row, each edge's share of a row's pixels
-// found by a trapezoid or by triangles in its own short arithmetic, and added up. Windings add up; what is
-// wound around twice is covered once.
+// Fills closed polygons as the platform's canvas fills paths, row by row. Each edge's share of a row's pixels
+// comes from a trapezoid or triangles, in the canvas's own low-precision arithmetic, and the shares are added
+// up. Windings add up; areas that are wound around twice are covered once.
 class PathRaster {
 public:
-    // Edges that rise, y downwards, begin what is covered (`fillsRight`) or end it.
+    // With `fillsRight`, edges that go up (y downwards) begin the covered part, else they end it.
     PathRaster(int width, int height, bool fillsRight);
 
-    // Pixels; y in quarters of one.
+    // x in pixels, y in quarters of one.
     void line(double fromX, double fromY, double toX, double toY);
 
     // Levels of 0 to 255.
@@ -28,7 +28,7 @@ private:
 
     int mWidth, mHeight;
     bool mFillsRight;
-    std::vector<int> mChanges;  // of the level from the pixel before
+    std::vector<int> mChanges;  // difference of each level from that of the pixel before
 };
 
 }  // namespace host

@@ -4,11 +4,11 @@
 
 #include <cstdint>
 
-// The canvas's roundings, each once. They are true divisions by 255, unlike the effect filters' (v + 1) * w
-// >> 8.
+// The canvas's roundings, each defined once. They are true divisions by 255, unlike the effect filters' (v +
+// 1) * w >> 8.
 namespace host {
 
-// a * b / 255 rounded to the nearest, for bytes; there are no ties, 255 being odd.
+// a * b / 255 for bytes, rounded to the nearest. There are no ties, because 255 is odd.
 constexpr uint32_t multiplyBytes(uint32_t a, uint32_t b) {
     const uint32_t product = a * b + 128;
     return (product + (product >> 8)) >> 8;
@@ -19,15 +19,15 @@ constexpr uint8_t coverageOver(uint8_t source, uint8_t target) {
     return static_cast<uint8_t>(source + multiplyBytes(target, 255u - source));
 }
 
-// The quotient rounded to the nearest, halves up. The sum must fit: n + d / 2 < 2^32.
+// The quotient rounded to the nearest, halves up. n + d / 2 must be below 2^32.
 constexpr uint32_t nearestQuotient(uint32_t n, uint32_t d) {
     return (n + d / 2) / d;
 }
 
-// Four quotients rounded to the nearest, halves up, each of one of `numerators`; `d` is 1 to 255 * 255 and no
-// quotient above 255. With floats, exactly: n + d / 2 stays below 2^24, so it is held exactly, and where it
-// is no multiple of d it stays at least 1 / d > 2^-16 short of one. A quotient below 256 is rounded by 2^-17
-// at most, so it does not get there.
+// Four quotients rounded to the nearest, halves up, one for each of `numerators`. `d` is 1 to 255 * 255, and
+// no quotient exceeds 255. Exact in floats: n + d / 2 is below 2^24, so a float holds it exactly. If it is no
+// multiple of d, it is at least 1 / d > 2^-16 below the next one. A quotient below 256 is rounded by at most
+// 2^-17, so it cannot reach that.
 typedef float FourFloats __attribute__((vector_size(16)));
 typedef int32_t FourInts __attribute__((vector_size(16)));
 inline FourInts nearestQuotients(FourInts numerators, int32_t d) {
@@ -36,7 +36,7 @@ inline FourInts nearestQuotients(FourInts numerators, int32_t d) {
 }
 
 // Source-over of the straight colour (red, green, blue) at alpha onto a straight pixel, red, green, blue,
-// alpha in memory. Alpha 0 leaves the pixel as it is.
+// alpha in memory. Alpha 0 does not change the pixel.
 inline void straightOver(uint8_t* pixel, uint8_t red, uint8_t green, uint8_t blue, uint8_t alpha) {
     if (alpha == 0) return;
     if (alpha == 255 || pixel[3] == 0) {  // the general formula gives the source's own bytes here

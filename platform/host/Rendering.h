@@ -4,12 +4,12 @@
 
 namespace host {
 
-// How text is measured and drawn. Phone: as the platform does it, hinted and with its gamma. Plain: exact
-// sizes, no hinting, no gamma.
+// How text is measured and drawn. Phone: as the platform does it, with hinting and gamma. Plain: exact sizes,
+// no hinting, no gamma.
 enum class Rendering { Phone, Plain };
 
-// One for the process, Phone at the start; any thread. It holds for what is measured and drawn from then on:
-// a line that is being laid out or drawn may get some of both.
+// One setting for the process, Phone at the start; any thread. It applies to what is measured and drawn
+// afterwards; a line that is being laid out or drawn may get some of both.
 void setRendering(Rendering rendering);
 // The process's, or that of this thread.
 Rendering rendering();

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-// Two passes, rows first; the vertical pass makes one source-wide row at a time, so the scratch is a row.
+//
+// Two passes, vertical first. The vertical pass makes one source-wide row at a time, so the only scratch
+// memory is one row.
 #include "platform/host/ResampleAlpha.h"
 
 #include <algorithm>
@@ -11,10 +13,10 @@ namespace {
 
 constexpr int64_t kOne = 65536;
 
-// The source pixels under a box and their shares of it.
+// The source pixels under a box and their weights.
 struct Taps {
     int first = 0;
-    std::vector<uint32_t> weights;  // of 65536; less in all where the box leaves the source
+    std::vector<uint32_t> weights;  // of 65536; a smaller sum where the box extends beyond the source
 
     // `box` is the box's width, at least kOne, below 2^47.
     void set(int64_t centre, int64_t box, int length) {
@@ -24,7 +26,7 @@ struct Taps {
         if (end <= 0 || begin >= length * kOne) return;
         first = static_cast<int>(std::max<int64_t>(begin, 0) / kOne);
         const int last = static_cast<int>((std::min(end, length * kOne) + kOne - 1) / kOne);
-        // Shares are differences of rounded running sums, so rounding never adds to or takes from the whole.
+        // Weights are differences of rounded running sums, so rounding does not change their total.
         const auto sumUpTo = [&](int64_t position) {
             const int64_t inside = std::min(std::max<int64_t>(position - begin, 0), box);
             return (inside * kOne + box / 2) / box;

@@ -11,10 +11,10 @@
 
 namespace host {
 
-// A font as HarfBuzz wants it, at the scale of its design units: the parent that the font of each size is
-// made from. Immutable, any thread.
+// A font for HarfBuzz at the scale of its design units. The fonts of each size are made from it. Immutable,
+// any thread.
 struct ShapingFont {
-    // Null when the font is null or its bytes are no usable font.
+    // Null if the font is null or its bytes are no usable font.
     static std::shared_ptr<const ShapingFont> open(const minikin::MinikinFont* font);
 
     explicit ShapingFont(std::shared_ptr<FontFace> face);

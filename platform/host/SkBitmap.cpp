@@ -16,7 +16,7 @@ bool SkBitmap::installPixels(const SkImageInfo& info, void* pixels, size_t rowBy
         info.colorType() == kAlpha_8_SkColorType ||
         (info.colorType() == kRGBA_8888_SkColorType && info.alphaType() == kUnpremul_SkAlphaType);
     if (!drawable || info.width() < 0 || info.height() < 0) return false;
-    // Every offset into the image then fits an int, and no product below overflows.
+    // Then every offset into the image fits an int, and no product below overflows.
     constexpr uint64_t kMaxBytes = INT32_MAX;
     const uint64_t row = static_cast<uint64_t>(info.width()) * static_cast<uint64_t>(info.bytesPerPixel());
     const uint64_t height = static_cast<uint64_t>(info.height());

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-// Rectangles, bitmaps and glyphs onto coverage or straight colour. Everything is first cut to the clip as a
-// rectangle of pixels, so the row loops know no edges.
+//
+// Draws rectangles, bitmaps and glyphs onto coverage or straight colour. Everything is first clipped to a
+// rectangle of pixels, so the row loops need no edge checks.
 #include <SkCanvas.h>
 
 #include <algorithm>
@@ -15,10 +16,10 @@
 
 namespace {
 
-// Glyphs and bitmaps farther away than this touch no bitmap; nearer ones add up in an int.
+// Glyphs and bitmaps further away than this touch no bitmap; sums of nearer positions fit an int.
 constexpr float kFarAway = 268435456;  // 2^28
 
-// The first pixel whose centre lies at or right of the edge, between low and high. The edge is no NaN.
+// The first pixel whose centre is at or right of the edge, between low and high. The edge must not be NaN.
 int firstPixel(float edge, int low, int high) {
     const double pixel = std::ceil(static_cast<double>(edge) - 0.5);
     if (!(pixel > low)) return low;
@@ -50,8 +51,8 @@ bool isBlank(const uint8_t* bytes) {
     return any == 0;
 }
 
-// Copies onto blank bytes; false, with nothing written, where they are not. In pieces, the last of which may
-// lie over the one before: of fixed length, because calls to copy rows as short as a glyph's take longer.
+// Copies onto blank bytes; false, with nothing written, if they are not blank. Copies in fixed lengths,
+// because calls that copy rows as short as a glyph's are slower. The last copy may overlap the one before.
 template <int LENGTH>
 bool copyOntoBlank(uint8_t* __restrict target, const uint8_t* __restrict source, int count) {
     const int last = count - LENGTH;
@@ -64,9 +65,9 @@ bool copyOntoBlank(uint8_t* __restrict target, const uint8_t* __restrict source,
     return true;
 }
 
-// A row of a glyph's coverage, scaled by alpha, onto a row of coverage.
+// Draws a row of a glyph's coverage, scaled by alpha, onto a row of coverage.
 void glyphRowOver(uint8_t* __restrict target, const uint8_t* __restrict coverage, uint8_t alpha, int count) {
-    // Glyphs seldom overlap.
+    // Usually nothing is there yet, because glyphs seldom overlap.
     if (alpha == 255 && count >= 32 && copyOntoBlank<32>(target, coverage, count)) return;
     if (alpha == 255 && count >= 8 && count < 32 && copyOntoBlank<8>(target, coverage, count)) return;
     if (alpha == 255) {
@@ -79,8 +80,8 @@ void glyphRowOver(uint8_t* __restrict target, const uint8_t* __restrict coverage
     }
 }
 
-// Source-over of a straight colour at an alpha and a share of that onto a pixel of straight colour: in linear
-// light where the canvas has a colour space, else as the bytes are.
+// Source-over of a straight colour, with its alpha scaled by `share`, onto a pixel of straight colour: in
+// linear light if the canvas has a colour space, else on the bytes.
 void colourOver(uint8_t* pixel, const uint8_t* colour, uint8_t alpha, uint8_t share, bool linear) {
     if (alpha == 0 || share == 0) return;
     if (alpha == 255 && share == 255) {
@@ -95,7 +96,7 @@ void colourOver(uint8_t* pixel, const uint8_t* colour, uint8_t alpha, uint8_t sh
     }
 }
 
-// A row of a glyph's coverage onto a row of straight colour.
+// Draws a row of a glyph's coverage onto a row of straight colour.
 void glyphRowOver(uint8_t* target, const uint8_t* coverage, SkColor color, int count, bool linear) {
     const uint8_t colour[3] = {SkColorGetR(color), SkColorGetG(color), SkColorGetB(color)};
     for (int i = 0; i < count; ++i, target += 4) {
@@ -103,7 +104,7 @@ void glyphRowOver(uint8_t* target, const uint8_t* coverage, SkColor color, int c
     }
 }
 
-// The pixels from the first one on whose alpha is `alpha`.
+// The number of pixels, from the first one on, whose alpha is `alpha`.
 int runOfAlpha(const uint8_t* pixels, uint8_t alpha, int count) {
     constexpr int PIECE = 16;
     const uint8_t same[4] = {0, 0, 0, alpha}, mask[4] = {0, 0, 0, 255};
@@ -121,8 +122,8 @@ int runOfAlpha(const uint8_t* pixels, uint8_t alpha, int count) {
     return i;
 }
 
-// A row of straight colour, scaled by alpha, onto another. Runs of transparent and of opaque pixels are taken
-// at once.
+// Draws a row of straight colour, scaled by alpha, onto another. Handles runs of transparent and of opaque
+// pixels at once.
 void straightRowOver(uint8_t* target, const uint8_t* source, uint8_t alpha, int count, bool linear) {
     if (alpha != 255) {
         for (int i = 0; i < count; ++i, target += 4, source += 4) {
@@ -148,13 +149,13 @@ void straightRowOver(uint8_t* target, const uint8_t* source, uint8_t alpha, int 
     }
 }
 
-// Where a glyph's image goes: the pixel the pen is in and the quarter of that pixel it stands at; the phone
-// takes the nearest quarter, the plain rendering the one below.
+// The position of a glyph's image: the pixel of the pen and the quarter of that pixel. The phone takes the
+// nearest quarter, Plain the one below.
 struct PenPixel {
     int x, y, quarterX;
 };
 
-// False when the pen is too far away or no number.
+// False if the pen is too far away or not a number.
 bool penPixel(float x, float y, const host::GlyphStyle& style, PenPixel* pen) {
     if (!(std::fabs(x) < kFarAway) || !(std::fabs(y) < kFarAway)) return false;
     pen->y = static_cast<int>(std::floor(static_cast<double>(y) + 0.5));
@@ -231,7 +232,7 @@ void SkCanvas::drawBitmap(const SkBitmap& bitmap, SkScalar x, SkScalar y, const 
     if (!(std::fabs(x) < kFarAway) || !(std::fabs(y) < kFarAway)) return;
     const int left = static_cast<int>(std::ceil(static_cast<double>(x) - 0.5));
     const int top = static_cast<int>(std::ceil(static_cast<double>(y) - 0.5));
-    // Sides of a colour bitmap are below 2^31 / 4 except where the other one is 0; 64 bits take any.
+    // Sides of a colour bitmap are below 2^31 / 4, except if the other side is 0; 64 bits hold any.
     const int64_t right = std::min<int64_t>(int64_t{left} + bitmap.width(), mClip.right);
     const int64_t bottom = std::min<int64_t>(int64_t{top} + bitmap.height(), mClip.bottom);
     const int begin = std::max(left, mClip.left);

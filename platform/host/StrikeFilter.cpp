@@ -20,7 +20,7 @@ struct Alphas {
     }
 };
 
-// Taps of one axis of a halving: 1 on a side of one pixel, 1 1 on an even one, 1 2 1 on an odd one.
+// Taps of one axis of a halving: 1 for a side of one pixel, 1 1 for an even side, 1 2 1 for an odd one.
 struct HalvingTaps {
     int count, shift;
     explicit HalvingTaps(int length)
@@ -62,11 +62,11 @@ void filterStrike(const uint8_t* source, int width, int height, ptrdiff_t stride
     for (int y = 0; y < height; ++y) {
         for (int x = 0; x < width; ++x) level.pixels.push_back(source[y * stride + x * step]);
     }
-    // Back from the target's pixels.
+    // The inverse: from target pixels to the bitmap.
     float xx = 1 / place.xx, yy = 1 / place.yy, xy = -place.xy * xx * yy;
     float x0 = -(place.x0 * xx + place.y0 * xy), y0 = -place.y0 * yy;
     const float shrink = std::sqrt(std::hypot(xx, 0.0f) * std::hypot(xy, yy));
-    // Cut, as the platform counts them.
+    // The number of halvings, rounded down as on the platform.
     for (int halvings = shrink >= 2 ? static_cast<int>(std::log2(shrink)) : 0; halvings > 0; --halvings) {
         if (level.width == 1 && level.height == 1) break;
         level = halved(level);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-// Each shelf has two maps. Words are put into the young one; when it is full it becomes the old one, whose
-// words go unless they were asked for meanwhile.
+//
+// Each shelf has two maps. New words go into the young one. When it is full it becomes the old one, and the
+// old map's words are dropped unless they were used since.
 #include "platform/host/WordCache.h"
 
 #include <algorithm>
@@ -14,7 +15,7 @@
 namespace host {
 namespace {
 
-constexpr size_t kShelves = 16;  // threads seldom wait for each other
+constexpr size_t kShelves = 16;  // many, so that threads seldom wait for each other
 constexpr size_t kWordsOfShelf = kKeptWords / kShelves;
 constexpr size_t kKeptNumbers = 256;
 
@@ -66,7 +67,7 @@ private:
     Words mYoung, mOld;
 };
 
-// Never destroyed, as the numbers below: text may be laid out while the process ends.
+// Never destroyed, like the numbers below, because text may be laid out while the process ends.
 Shelf* shelves() {
     static Shelf* const made = new Shelf[kShelves];
     return made;
@@ -111,7 +112,7 @@ uint64_t numberOfCollection(const std::string& bytes, const std::vector<uint32_t
     return number;
 }
 
-// Fonts call this as they go, so it allocates nothing.
+// Called when fonts are destroyed, so it allocates nothing.
 void forgetWords(uint32_t faceId) {
     Collections& known = collections();
     const std::lock_guard<std::mutex> lock(known.mutex);

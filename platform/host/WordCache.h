@@ -12,17 +12,18 @@
 
 namespace host {
 
-// The process keeps the words that were shaped last, until a font of theirs goes: at least kKeptWords, at
-// most about twice as many. Any thread.
+// The process keeps recently shaped words until one of their fonts is destroyed: at least kKeptWords, at most
+// about twice as many. Any thread.
 constexpr size_t kKeptWords = 2048;
 
-// A number for a collection of fonts, not 0, from all that layouts with it depend on, as bytes: equal bytes
-// give the same number for a while, others never. `faceIds` are its fonts' FontFace::uniqueId().
+// A number, not 0, for a collection of fonts. `bytes` are everything in the collection that layouts depend
+// on. Equal bytes may get a new number after a while, but different bytes never share one. `faceIds` are its
+// fonts' FontFace::uniqueId().
 uint64_t numberOfCollection(const std::string& bytes, const std::vector<uint32_t>& faceIds);
-// What was kept for collections with this font goes.
+// Drops the words of all collections with this font.
 void forgetWords(uint32_t faceId);
 
-// A key is the collection's number and whatever else a word depends on, as bytes.
+// A key is the collection's number and everything else that a word depends on, as bytes.
 std::shared_ptr<const Word> findWord(const std::string& key);  // null when not kept
 void keepWord(const std::string& key, const std::shared_ptr<const Word>& word);
 

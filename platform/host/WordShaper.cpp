@@ -20,18 +20,18 @@ namespace {
 
 constexpr uint32_t kNoFont = UINT32_MAX;
 constexpr float kFixedOne = 256;           // 24.8 fixed point
-constexpr float kLigatureSpacing = 0.03f;  // ems; letters further apart than this do not join into one shape
+constexpr float kLigatureSpacing = 0.03f;  // ems; letters further apart do not form ligatures
 constexpr double kMaxSpacing = 1 << 20;    // pixels
-// HarfBuzz gives the process up over a mark more than this many glyphs after its base. It makes at most 64
-// glyphs of a character, but fills the memory it has, up to half as much again.
+// HarfBuzz aborts the process if a mark comes more than this many glyphs after its base. It makes at most 64
+// glyphs of one character, but uses as many as its memory holds, up to half as much again.
 constexpr unsigned kMaxAttachedGlyphs = 32767;
 constexpr size_t kHarmlessUnits = 340;
 static_assert(kHarmlessUnits * 64 * 3 / 2 + 32 <= kMaxAttachedGlyphs);
-// Longer runs are shaped in pieces that meet where it does not show.
+// Longer runs are shaped in pieces, cut where it does not show.
 constexpr size_t kPieceUnits = 8192;
-constexpr unsigned kKeptGlyphs = 1u << 16;  // a buffer that grew beyond this is not kept
+constexpr unsigned kKeptGlyphs = 1u << 16;  // larger buffers are not kept
 
-// Cut to what leaves HarfBuzz room for sums; only a font made to hurt states such advances.
+// Clamped so that HarfBuzz's sums do not overflow; only malicious fonts state such advances.
 hb_position_t toFixed(float pixels) {
     const float limit = 1 << 28;
     return static_cast<hb_position_t>(std::clamp(std::floor(pixels * kFixedOne + 0.5f), -limit, limit));
@@ -40,7 +40,7 @@ float fromFixed(hb_position_t position) {
     return static_cast<float>(position) / kFixedOne;
 }
 
-// Letters that join or hang from a line would be torn apart.
+// Letter spacing would tear apart letters that join or hang from a line.
 bool takesLetterSpacing(hb_script_t script) {
     switch (script) {
         case HB_SCRIPT_ARABIC:
@@ -63,7 +63,7 @@ bool takesLetterSpacing(hb_script_t script) {
     }
 }
 
-// What goes before and after each cluster, in pixels.
+// Space before and after each cluster, in pixels.
 struct Spacing {
     double before = 0, after = 0;
 };
@@ -78,7 +78,7 @@ Spacing spacingFor(const LayoutRequest& request, hb_script_t script) {
     return Spacing{before, space - before};
 }
 
-// A buffer for the thread, so that a line of text allocates none.
+// One buffer for each thread, so that a line of text allocates none.
 class ThreadBuffer {
 public:
     ~ThreadBuffer() { hb_buffer_destroy(mBuffer); }
@@ -101,7 +101,8 @@ private:
     hb_buffer_t* mBuffer = nullptr;
 };
 
-// HarfBuzz tells of its steps: one that attaches marks is refused, and noted, when there are too many glyphs.
+// HarfBuzz calls this for its steps. Refuses, and records, steps that attach marks when there are too many
+// glyphs.
 hb_bool_t refuseToAttach(hb_buffer_t* buffer, hb_font_t*, const char* step, void* refused) {
     const bool attaches = std::strncmp(step, "start table GPOS", 16) == 0 ||
                           std::strncmp(step, "start subtable", 14) == 0;  // of kern and kerx
@@ -110,8 +111,8 @@ hb_bool_t refuseToAttach(hb_buffer_t* buffer, hb_font_t*, const char* step, void
     return 0;
 }
 
-// The last place of [start, end), the buffer's text, where it may be cut without a change, but a syllable or
-// two before its end, since the text goes on there. `start` without one.
+// The last place in [start, end), the buffer's text, where it can be cut without changing its glyphs. Keeps a
+// syllable or two away from the end, because the text continues there. `start` if there is none.
 size_t lastSafeCut(hb_buffer_t* buffer, size_t start, size_t end) {
     constexpr size_t kUnsettled = 64;
     unsigned count = 0;
@@ -124,8 +125,8 @@ size_t lastSafeCut(hb_buffer_t* buffer, size_t start, size_t end) {
     return cut;
 }
 
-// Where to end the text from `start` on because of a cluster that is no letter but a row of hundreds of
-// marks: they take time with the square of their number. `end` when there is none.
+// Where to end the text from `start` on if a cluster is not a letter but a sequence of hundreds of marks;
+// these take time with the square of their number. `end` if there is none.
 size_t endBeforeRowOfMarks(const uint16_t* text, size_t start, size_t end) {
     for (size_t at = start, next; at < end; at = next) {
         next = clusterEnd(text, at, end);
@@ -155,13 +156,13 @@ void join(minikin::MinikinRect* bounds, const minikin::MinikinRect& ink) {
     bounds->mBottom = std::max(bounds->mBottom, ink.mBottom);
 }
 
-// HarfBuzz sorts the list by recursion, so its length is bounded.
+// HarfBuzz sorts the list recursively, so its length is limited.
 std::vector<hb_feature_t> featuresOf(const LayoutRequest& request) {
     std::map<hb_tag_t, uint32_t> values;
     if (std::fabs(request.letterSpacing) > kLigatureSpacing) {
         values[HB_TAG('l', 'i', 'g', 'a')] = values[HB_TAG('c', 'l', 'i', 'g')] = 0;
     }
-    // Later entries win, so a setting can bring the ligatures back.
+    // Later entries win, so a setting can turn ligatures on again.
     const std::string& settings = request.features;
     bool tooMany = false;
     for (size_t begin = 0; begin < settings.size();) {
@@ -207,7 +208,7 @@ void WordShaper::readAdvances(hb_font_t*, void* fontData, unsigned count, const 
     }
 }
 
-// Advances are the port's own; everything else comes from the parent font, scaled. Never destroyed.
+// The port supplies the advances; everything else comes from the parent font, scaled. Never destroyed.
 hb_font_funcs_t* WordShaper::fontFunctions() {
     static hb_font_funcs_t* const functions = [] {
         hb_font_funcs_t* made = hb_font_funcs_create();
@@ -262,14 +263,14 @@ const WordShaper::SizedFont& WordShaper::fontOf(size_t family) {
     hb_font_set_ppem(font.hbFont, whole(width), whole(font.glyph.size));
     index = static_cast<uint32_t>(mFonts.size());
     mFonts.push_back(font);
-    // The phone takes the advances of fonts with colour strikes as the file has them.
+    // The phone uses the file's advances for fonts with colour strikes.
     if (!parent.colourBitmaps || font.glyph.rendering != Rendering::Phone) {
         hb_font_set_funcs(font.hbFont, fontFunctions(), &mFonts.back(), nullptr);
     }
     return mFonts.back();
 }
 
-// Common and inherited characters join the script before them, at the start the one after them. In visual
+// Common and inherited characters join the script before them; at the start, the one after them. In visual
 // order.
 std::vector<WordShaper::ScriptRun> WordShaper::scriptRuns(const FontRun& run) const {
     hb_unicode_funcs_t* unicode = hb_unicode_funcs_get_default();
@@ -319,7 +320,7 @@ void WordShaper::layScriptRun(const ScriptRun& whole) {
     threadBuffer.release();
 }
 
-// Where the piece of a long run that starts at `start` ends.
+// The end of the piece of a long run that starts at `start`.
 size_t WordShaper::pieceEnd(hb_buffer_t* buffer, const ScriptRun& whole, size_t start) {
     const size_t most = std::min<size_t>(whole.end, start + kMaxAttachedGlyphs);
     const size_t limit = endBeforeRowOfMarks(mText, start, most);
@@ -333,7 +334,7 @@ size_t WordShaper::pieceEnd(hb_buffer_t* buffer, const ScriptRun& whole, size_t 
     }
 }
 
-// `end`, or as far as glyphs are few enough for marks to find their bases.
+// `end`, or an earlier place so that few enough glyphs result for marks to find their bases.
 size_t WordShaper::endOfFew(hb_buffer_t* buffer, const ScriptRun& whole, size_t start, size_t end) {
     while (end - start > kHarmlessUnits && !shapeInto(buffer, {start, end, whole.script, whole.family})) {
         end = start + (end - start) / 2;
@@ -341,9 +342,9 @@ size_t WordShaper::endOfFew(hb_buffer_t* buffer, const ScriptRun& whole, size_t 
     return end;
 }
 
-// False when the run has too many glyphs for marks to find their bases.
+// False if the run has too many glyphs for marks to find their bases.
 bool WordShaper::shapeInto(hb_buffer_t* buffer, const ScriptRun& run) {
-    // By name: else the environment would have a say.
+    // By name, because otherwise the environment could change it.
     static const char* const kShapers[] = {"ot", nullptr};
     bool refused = false;
     const bool harmless = run.end - run.start <= kHarmlessUnits;
@@ -356,7 +357,7 @@ bool WordShaper::shapeInto(hb_buffer_t* buffer, const ScriptRun& run) {
                         static_cast<int>(run.end - run.start));
     const SizedFont& font = fontOf(run.family);
     hb_shape_full(font.hbFont, buffer, mFeatures.data(), static_cast<unsigned>(mFeatures.size()), kShapers);
-    // Without memory the text is cut off, and no call says so.
+    // If memory is short, the text is cut off without an error from HarfBuzz.
     const bool exhausted = std::exchange(font.exhausted, false);
     if (exhausted || !hb_buffer_allocation_successful(buffer)) throw std::bad_alloc();
     return !refused;
@@ -378,8 +379,7 @@ void WordShaper::place(hb_buffer_t* buffer, const ScriptRun& run) {
             space(spacing.before + spacing.after);
         }
         const float y = 0 - fromFixed(positions[i].y_offset);
-        // The paint's own skew alone moves what is raised or lowered, as on the platform: fake italic does
-        // not.
+        // Only the paint's own skew moves raised or lowered glyphs, as on the platform; fake italic does not.
         const float x = pen + (fromFixed(positions[i].x_offset) + y * mRequest.glyph.skewX);
         const InkBox box = font.face->inkBox(infos[i].codepoint, font.glyph);
         const minikin::MinikinRect ink = {box.left + x, box.top + y, box.right + x, box.bottom + y};

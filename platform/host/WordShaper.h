@@ -17,24 +17,24 @@
 
 namespace host {
 
-// What a paint and a typeface ask of a layout.
+// The settings of a paint and a typeface that affect a layout.
 struct LayoutRequest {
     const minikin::FontCollection* collection = nullptr;
     minikin::FontStyle style;
-    GlyphStyle glyph;         // before what a font lacks of the style is added
+    GlyphStyle glyph;         // before adding what a font lacks of the style
     float letterSpacing = 0;  // ems
     uint32_t localeListId = 0;
     minikin::FontFamily::Variant variant = minikin::FontFamily::Variant::DEFAULT;
     std::string features;
 };
 
-// The glyphs of a word in visual order, placed from its own origin.
+// The glyphs of a word in visual order, with positions from the word's origin.
 struct Word {
     struct Glyph {
         uint32_t family;  // of the collection
         uint32_t id;
         float x, y;
-        uint32_t cluster;  // offset in the text that was shaped
+        uint32_t cluster;  // offset in the shaped text
         minikin::MinikinRect ink;
     };
 
@@ -43,9 +43,9 @@ struct Word {
     float advance = 0;
 };
 
-// The features that a request turns on or off, each tag once: those of its settings, the last of each tag,
-// and those that its letter spacing turns off. At most kMaxFeatures tags; the first time that some are left
-// out, the log says so.
+// The features that a request turns on or off, each tag once: from its settings, where the last entry of a
+// tag wins, and those that its letter spacing turns off. At most kMaxFeatures tags; the first time that some
+// are left out, it is logged.
 constexpr size_t kMaxFeatures = 1024;
 std::vector<hb_feature_t> featuresOf(const LayoutRequest& request);
 
@@ -53,8 +53,8 @@ bool isEmpty(const minikin::MinikinRect& box);
 // Makes `bounds` the union of both; empty boxes add nothing.
 void join(minikin::MinikinRect* bounds, const minikin::MinikinRect& ink);
 
-// Shapes words by HarfBuzz at 24.8 fixed point: runs of one font, each of runs of one script. One for each
-// layout; the references must outlive it.
+// Shapes words with HarfBuzz at 24.8 fixed point, in runs of one font, each split into runs of one script.
+// Make one for each layout; the references must outlive it.
 class WordShaper {
 public:
     WordShaper(const LayoutRequest& request, const std::vector<hb_feature_t>& features,
@@ -63,16 +63,17 @@ public:
     WordShaper(const WordShaper&) = delete;
     WordShaper& operator=(const WordShaper&) = delete;
 
-    // The word [start, end) of a text of `size` units, the rest of which is context for joining letters.
+    // Shapes the word [start, end) of a text of `size` units. The rest of the text is context for joining
+    // letters.
     Word shape(const uint16_t* text, size_t start, size_t end, size_t size, bool rightToLeft);
 
 private:
-    // A font at the request's size; what HarfBuzz's callbacks get.
+    // A font at the request's size; passed to HarfBuzz's callbacks.
     struct SizedFont {
         const FontFace* face = nullptr;
         GlyphStyle glyph;
         hb_font_t* hbFont = nullptr;
-        mutable bool exhausted = false;  // no memory for an advance; HarfBuzz must not be thrown through
+        mutable bool exhausted = false;  // no memory for an advance; HarfBuzz must not see exceptions
     };
     struct ScriptRun {
         size_t start, end;

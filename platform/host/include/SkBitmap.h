@@ -12,9 +12,8 @@
 class SkBitmap {
 public:
     // Refers to `pixels`, whose rows are `rowBytes` apart; bytes between the rows are never touched. False,
-    // and an empty bitmap, for a negative side, a layout other than coverage or straight 8888 colour, a row
-    // that does not fit into rowBytes, or an image of 2^31 bytes or more. Null pixels succeed and leave it
-    // empty.
+    // with an empty bitmap, for a negative side, a layout other than coverage or straight 8888 colour, a row
+    // longer than rowBytes, or an image of 2^31 bytes or more. Null pixels succeed and make the bitmap empty.
     bool installPixels(const SkImageInfo& info, void* pixels, size_t rowBytes);
 
     const SkImageInfo& info() const { return mInfo; }

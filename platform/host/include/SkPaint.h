@@ -26,7 +26,7 @@ public:
         kSubpixelText_Flag = 0x80,        // glyphs lie on quarter pixels instead of whole ones
         kEmbeddedBitmapText_Flag = 0x400  // kept: strikes are used where a font has colour in them
     };
-    // Kept; positioned glyphs take no notice of it.
+    // Kept; does not affect positioned glyphs.
     enum Align { kLeft_Align = 0, kCenter_Align = 1, kRight_Align = 2 };
     // Only fills are drawn; the other styles are kept and drawn as fills.
     enum Style { kFill_Style = 0, kStroke_Style = 1, kStrokeAndFill_Style = 2 };
@@ -55,11 +55,11 @@ public:
     Style getStyle() const { return mStyle; }
     void setStyle(Style style) { mStyle = style; }
 
-    // Of what is drawn, straight.
+    // The colour for drawing, straight.
     SkColor getColor() const { return mColor; }
     void setColor(SkColor color) { mColor = color; }
 
-    // Pixels per em. A negative size or one that is no number leaves the old one.
+    // Pixels per em. A negative size or NaN does not change it.
     SkScalar getTextSize() const { return mTextSize; }
     void setTextSize(SkScalar size) {
         if (size >= 0) mTextSize = size;
@@ -77,7 +77,7 @@ public:
     TextEncoding getTextEncoding() const { return mEncoding; }
     void setTextEncoding(TextEncoding encoding) { mEncoding = encoding; }
 
-    // No reference is taken for the caller.
+    // Does not take a reference for the caller.
     SkTypeface* getTypeface() const { return mTypeface.get(); }
     void setTypeface(sk_sp<SkTypeface> typeface) { mTypeface = std::move(typeface); }
 

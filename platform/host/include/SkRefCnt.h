@@ -8,7 +8,7 @@
 #include <utility>
 
 // The base of shared objects. An object starts with one reference, its creator's, and deletes itself with the
-// last; references may be taken and dropped on any thread.
+// last one. Any thread may take and drop references.
 class SkRefCnt {
 public:
     SkRefCnt() = default;
@@ -16,12 +16,12 @@ public:
     SkRefCnt(const SkRefCnt&) = delete;
     SkRefCnt& operator=(const SkRefCnt&) = delete;
 
-    // Whether the caller, who holds a reference, is the only one that does.
+    // Whether the caller, who holds a reference, is the only holder.
     bool unique() const { return mReferences.load(std::memory_order_acquire) == 1; }
     // Take and drop a reference.
     void ref() const { mReferences.fetch_add(1, std::memory_order_relaxed); }
     void unref() const {
-        // Acquire and release: all that other owners did happens before the deletion.
+        // Acquire and release: everything that other owners did happens before the deletion.
         if (mReferences.fetch_sub(1, std::memory_order_acq_rel) == 1) delete this;
     }
 
@@ -29,8 +29,8 @@ private:
     mutable std::atomic<int32_t> mReferences{1};
 };
 
-// Owns one reference of a T, or none. A raw pointer given to a constructor or to reset() hands its reference
-// over; copying takes one more.
+// Owns one reference of a T, or none. A raw pointer passed to a constructor or to reset() hands over its
+// reference; copying takes one more.
 template <typename T>
 class sk_sp {
 public:
@@ -59,11 +59,11 @@ public:
     T* operator->() const { return mObject; }
     explicit operator bool() const { return mObject != nullptr; }
 
-    // Takes the reference given over, and drops the one held.
+    // Takes over the given reference, and drops the one held.
     void reset(T* object = nullptr) { sk_sp(object).swap(*this); }
-    // The pointer, whose reference is now the caller's; this one is empty afterwards.
+    // Gives the reference to the caller; this pointer is empty afterwards.
     T* release() { return std::exchange(mObject, nullptr); }
-    // Exchanges what the two own.
+    // Exchanges the two references.
     void swap(sk_sp& other) noexcept { std::swap(mObject, other.mObject); }
 
 private:

@@ -15,14 +15,14 @@ public:
     SkStreamAsset& operator=(const SkStreamAsset&) = delete;
 
     virtual size_t getLength() const = 0;  // in bytes
-    // All bytes in one piece, valid for as long as the stream lives; null when there are none.
+    // All bytes in one piece, valid while the stream lives; null if there are none.
     virtual const void* getMemoryBase() = 0;
 };
 
 // Borrowed bytes, or a copy.
 class SkMemoryStream : public SkStreamAsset {
 public:
-    // Without copyData the caller keeps the bytes, which must outlive the stream and every typeface made from
+    // Without copyData the caller keeps the bytes; they must outlive the stream and every typeface made from
     // it. A null pointer counts as length 0.
     SkMemoryStream(const void* data, size_t length, bool copyData = false);
 

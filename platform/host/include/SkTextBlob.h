@@ -12,8 +12,9 @@
 #include "SkScalar.h"
 #include "SkTypeface.h"
 
-// Runs of positioned glyphs, each with the font settings of the paint it was allocated with (typeface, size,
-// scale, skew, anti-alias, fake bold, subpixel); the paint it is drawn with gives the colour. Immutable.
+// Runs of positioned glyphs. Each run has the font settings of the paint it was allocated with (typeface,
+// size, scale, skew, anti-alias, fake bold, subpixel). The paint it is drawn with gives the colour.
+// Immutable.
 class SkTextBlob : public SkRefCnt {
 public:
     // The port's own: one run. positions holds an (x, y) pair for each glyph, relative to the blob's origin.
@@ -40,12 +41,12 @@ public:
         SkScalar* pos;      // `count` (x, y) pairs, to be filled
     };
 
-    // A run of `count` glyphs, all zero until filled; its buffers are valid until make(). Null buffers, and
-    // no run, when count is not positive or the paint's text encoding is not glyph ids. The port ignores the
-    // bounds, which are a hint.
+    // Adds a run of `count` glyphs, all zero until filled; its buffers are valid until make(). Null buffers,
+    // and no run, if count is not positive or the paint's text encoding is not glyph ids. The port ignores
+    // the bounds, which are a hint.
     const RunBuffer& allocRunPos(const SkPaint& font, int count, const SkRect* bounds = nullptr);
 
-    // The runs so far as a blob, null when there are none; the builder is empty afterwards.
+    // The runs so far as a blob; null if there are none. The builder is empty afterwards.
     sk_sp<SkTextBlob> make();
 
 private:

@@ -18,9 +18,9 @@ typedef uint32_t SkFontID;
 // One font of a file or collection. Immutable; may be used from any thread.
 class SkTypeface : public SkRefCnt {
 public:
-    // Reads the font `index` of the stream's bytes, and takes ownership of the stream even on failure. Null
-    // when the bytes are no usable font or have no such index. A variable font has its default axis values,
-    // or those in the port's own table (host::kAxesTable).
+    // Reads font `index` of the stream's bytes. Takes ownership of the stream even on failure. Null if the
+    // bytes are no usable font or have no such index. A variable font has its default axis values, or those
+    // of the port's own table (host::kAxesTable).
     static sk_sp<SkTypeface> MakeFromStream(SkStreamAsset* stream, int index = 0);
 
     // Different for every typeface of the process; never 0.

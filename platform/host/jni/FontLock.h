@@ -6,7 +6,7 @@
 
 namespace hostjava {
 
-// Held by whoever calls the font manager, which has no lock of its own. Nothing else is locked under it.
+// Lock it to call the font manager, which has no lock of its own. No other lock is taken under it.
 inline std::mutex& fontLock() {
     static std::mutex* const lock =
         new std::mutex;  // never destroyed: text may be measured while the process ends

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// The natives of android.host.TextEngine: what the stand-ins of the android classes cannot do in Java.
+//
+// The natives of android.host.TextEngine: what the stand-ins for the android classes cannot do in Java.
 #include <hwui/Paint.h>
 #include <jni.h>
 
@@ -25,8 +26,8 @@ using Zvex::FontManager;
 using Zvex::List;
 using Zvex::Utf8Chars;
 
-// Runs `body`; what it throws becomes a Java exception, unless one is pending already, and `failed` is the
-// result.
+// Runs `body`. An exception becomes a Java exception, unless one is pending already, and the result is
+// `failed`.
 template <typename Result, typename Body>
 Result guarded(JNIEnv* env, Result failed, const Body& body) {
     const char* exceptionClass = "java/lang/IllegalStateException";
@@ -50,7 +51,7 @@ std::vector<uint16_t> unitsOf(JNIEnv* env, jstring text) {
     return units;
 }
 
-// Null, with an exception pending, when the paint throws one.
+// Null, with an exception pending, if the paint throws one.
 std::unique_ptr<hostjava::TextMeasure> measureOf(JNIEnv* env, jstring text, jobject paint, jstring font) {
     android::Paint nativePaint;
     if (!Zvex::ReadPaint(env, paint, nativePaint)) {
@@ -71,8 +72,8 @@ jint bitsOf(float value) {
 
 }  // namespace
 
-// How far the font reaches (ascent, descent, top, bottom), then for each line start, visibleEnd, end, ascent,
-// descent and the bits of width and fullWidth: see TextMeasure.h.
+// Returns the font's extent (ascent, descent, top, bottom), then for each line start, visibleEnd, end,
+// ascent, descent and the bits of width and fullWidth; see TextMeasure.h.
 extern "C" JNIEXPORT jintArray JNICALL Java_android_host_TextEngine_breakLines(JNIEnv* env, jclass,
                                                                                jstring text, jint start,
                                                                                jint end, jobject paint,

@@ -25,7 +25,7 @@ namespace {
 
 using Zvex::FontManager;
 
-// The `bytes`-th and next byte of a table as a signed number; 0 beyond its end.
+// The big-endian signed number at byte `offset` of a table; 0 beyond its end.
 int readInt16(hb_blob_t* table, unsigned offset) {
     unsigned length = 0;
     const char* data = hb_blob_get_data(table, &length);
@@ -56,8 +56,8 @@ TextMeasure::TextMeasure(const char* utf8, std::vector<uint16_t> units, const ch
     if (font != nullptr && !object.SetFont(font)) {
         throw std::runtime_error(std::string("the font ") + font + " could not be loaded");
     }
-    // The text in the form in which it is drawn: the library keeps characters beyond the second plane only in
-    // part. Where that has another length (a NUL ends it), offsets would no longer fit.
+    // Uses the text as the library draws it: the library keeps characters from U+20000 on only in part. If
+    // that has another length (a NUL ends it), offsets do not fit.
     int length = 0;
     const std::unique_ptr<uint16_t[]> drawn(text.GetUTF16(length));
     if (drawn != nullptr && static_cast<size_t>(length) == mText.size()) {
@@ -72,8 +72,8 @@ TextMeasure::TextMeasure(const char* utf8, std::vector<uint16_t> units, const ch
     }
 }
 
-// Around the line only as much of the text as shaping looks at: the whole of it would make a long paragraph's
-// many lines cost its length each.
+// Passes only as much text around the line as shaping looks at. Otherwise each of a long paragraph's lines
+// would cost the paragraph's length.
 minikin::Layout TextMeasure::layOut(int start, int end) const {
     constexpr int kContext = 64;
     const int begin = std::max(start - kContext, 0);

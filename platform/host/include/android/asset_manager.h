@@ -16,15 +16,15 @@ enum { AASSET_MODE_UNKNOWN = 0, AASSET_MODE_RANDOM = 1, AASSET_MODE_STREAMING = 
 
 extern "C" {
 
-// Opens the regular file of that name, relative to the folder, for reading. Null when there is none, and for
-// every name that leaves the folder: an absolute one, one with a ".." in it, one that leads out through a
-// link. The mode says what the caller is up to; it makes no difference here.
+// Opens the regular file of that name, relative to the folder, for reading. Null if there is none, or if the
+// name leaves the folder: an absolute one, one with a ".." in it, or one that leads out through a link. The
+// mode says how the caller will read; it has no effect here.
 AAsset* AAssetManager_open(AAssetManager* manager, const char* name, int mode);
 
 off_t AAsset_getLength(AAsset* asset);  // bytes in all
 
-// Reads on from where the last read ended: the number of bytes read, which may be fewer than asked for; 0 at
-// the end, negative on failure.
+// Reads on from where the last read ended. Returns the number of bytes read, which may be fewer than asked
+// for; 0 at the end, negative on failure.
 int AAsset_read(AAsset* asset, void* buffer, size_t count);
 
 void AAsset_close(AAsset* asset);  // null is ignored

@@ -7,9 +7,9 @@
 
 extern "C" {
 
-// The manager of that Java object, which names its folder in a field `String root`. Null, without an
-// exception, when it has none. What is returned stays valid for the life of the process; the same folder
-// gives the same.
+// The manager of that Java object, whose field `String root` names the folder. Null, without an exception, if
+// there is no such field. The result is valid for the life of the process; the same folder gives the same
+// one.
 AAssetManager* AAssetManager_fromJava(JNIEnv* env, jobject assetManager);
 }
 
