@@ -49,11 +49,8 @@ public:
             dup2(in[0], 0);
             dup2(out[1], 1);
             if (errors >= 0) dup2(errors, 2);
-            std::vector<char*> argv = {const_cast<char*>(ZVTEXT_BINARY), const_cast<char*>("batch")};
-            for (std::string& argument : arguments) argv.push_back(argument.data());
-            argv.push_back(nullptr);
-            execv(ZVTEXT_BINARY, argv.data());
-            _exit(127);
+            arguments.insert(arguments.begin(), "batch");
+            _exit(execute(arguments));
         }
         setpgid(process, process);
         close(in[0]);
@@ -190,17 +187,19 @@ TEST_F(BatchCommand, LinesAreThePicturesOfRenderInTheirOrder) {
     write("dash", "-");
     const struct {
         std::string json, path, options;  // of render; none: the line is wrong
-    } lines[] = {{R"({"text":"One","size":40})", "1.png", "One -s 40 --stroke 2:#0f0"},
-                 {"not json", "", ""},
-                 {R"({"text":"Two","output":"a/b/two.png","stroke":"4","color":"#00f","max-lines":null})",
-                  "a/b/two.png", "Two -s 24 --stroke 4 -c #00f"},
-                 {R"({"text":"-","style":{"color":"#00f","effects":[{"type":"stroke","width":3}]}})", "4.png",
-                  "--text-file $DIR/dash -s 24 -c #00f --stroke 3"},
-                 {R"({"text":"世界"})", "5.png", "世界 --fallback $CJK" + defaults},
-                 {R"({"text":"世界","fallback":[")" + kFont + R"("]})", "6.png", "世界" + defaults},
-                 {R"({"text":"m","output":")" + longName + R"(","metrics":"j/m.json"})", longName,
-                  "m --metrics $DIR/m.json" + defaults},
-                 {"{\"text\":\"end\"}\r", "8.png", "end" + defaults}};
+    } lines[] = {
+        {R"({"text":"One","size":40})", "1.png", "One -s 40 --stroke 2:#0f0"},
+        {"not json", "", ""},
+        {R"({"text":"Two","output":"a/b/two.png","stroke":"4","color":"#00f","max-lines":null})",
+         "a/b/two.png", "Two -s 24 --stroke 4 -c #00f"},
+        {R"({"text":"-","style":{"color":"#00f","effects":[{"type":"stroke","width":3}]}})", "4.png",
+         "--text-file $DIR/dash -s 24 -c #00f --stroke 3"},
+        {R"({"text":"世界"})", "5.png", "世界 --fallback $CJK" + defaults},
+        {R"({"text":"世界","fallback":[")" + kFont + R"("]})", "6.png", "世界" + defaults},
+        {R"({"text":"m","output":")" + longName + R"(","metrics":"j/m.json"})", longName,
+         "m --metrics $DIR/m.json" + defaults},
+        {R"({"text":"plain","text-rendering":"plain"})", "8.png", "plain --text-rendering plain" + defaults},
+        {"{\"text\":\"end\"}\r", "9.png", "end" + defaults}};
     std::string input = "\xEF\xBB\xBF";
     for (const auto& line : lines) input += line.json + "\n";
     input += "\n  \n{\"text\":\"after empty lines, without an end\"}";
@@ -367,15 +366,6 @@ TEST_F(BatchCommand, ADeadWorkerCostsItsLineAlone) {
     killed.wait();
     EXPECT_TRUE(Running::ends(worker));
     close(held);
-}
-
-TEST_F(BatchCommand, WarningsNameTheirLine) {
-    const Result result = zvtext("batch -f $FONT --no-fallback --output-dir $DIR/out",
-                                 "{\"text\":\"one\"}\n{\"text\":\"\\uE123\"}\n");
-    EXPECT_EQ(result.status, 0);
-    EXPECT_EQ(result.err,
-              "zvtext: line 2: warning: no font has U+E123; add one with --fallback, or leave "
-              "--no-fallback out\n");
 }
 
 TEST_F(BatchCommand, AnOutputOrAnInputThatFailsEndsItAfterTheLinesUnderWay) {

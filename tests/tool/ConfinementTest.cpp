@@ -64,39 +64,13 @@ protected:
 };
 
 TEST_F(Confinement, AStyleFileNamesFilesInItsFolderAndBelow) {
-    const std::string here = mFolder, style = "--style $DIR/in/style.json ";
-    const std::string outside =
-        "' lies outside '" + here + "/in', where a style may read; --allow-read DIR adds";
-    const struct {
-        std::string pattern, error;  // how it goes on behind the name; empty: a picture
-        bool lifted;                 // by --allow-read-anywhere
-    } cases[] = {{"tile.png", "", true},
-                 {"deep/../deep/tile.png", "", true},
-                 {"../in/tile.png", "", true},
-                 {here + "/in/deep/tile.png", "", true},
-                 {"/proc/self/root" + here + "/in/tile.png", "", true},
-                 {"inside.png", "", true},
-                 {"../secret/tile.png", outside, true},
-                 {here + "/secret/tile.png", outside, true},
-                 {"link.png", outside, true},
-                 {"folder/tile.png", outside, true},
-                 {"../inner/tile.png", outside, true},
-                 {"/proc/self/root" + here + "/secret/tile.png", outside, true},
-                 {"../secret/none.png", outside, false},
-                 {"folder/none.png", outside, false},
-                 {"folder/none/none.png", outside, false},
-                 {"folder/text/none.png", outside, false},
-                 {"gone.png", outside, false},
-                 {"deep/none/../none.png", "': No such file", false},
-                 {"/dev/zero", outside, false},
-                 {"none.png", "': No such file", false},
-                 {"loop.png", "': Too many levels", false},
-                 {"deep", "' is a folder", false},
-                 {"pipe.png", "' is no regular file; --allow-read-anywhere", false}};
-    for (const auto& [pattern, error, lifted] : cases) {
-        SCOPED_TRACE(pattern);
+    const std::string style = "--style $DIR/in/style.json ";
+    for (const Row& row : rows("answers", "patterns")) {
+        SCOPED_TRACE(row.input);
+        const bool lifted = row.input[0] == '+';
+        const std::string pattern = expanded(row.input.substr(lifted ? 1 : 0)), error = expanded(row.answer);
         write("in/style.json", styleOf(pattern));
-        const std::string path = pattern[0] == '/' ? pattern : here + "/in/" + pattern;
+        const std::string path = pattern[0] == '/' ? pattern : file("in").string() + "/" + pattern;
         for (const char* command :
              {"render x -f $FONT -o $DIR/x.png --style", "render --print-key --style", "inspect style"}) {
             const Result result = zvtext(command + std::string(" $DIR/in/style.json"));
@@ -121,45 +95,25 @@ TEST_F(Confinement, AStyleFileNamesFilesInItsFolderAndBelow) {
 }
 
 TEST_F(Confinement, ALineNamesFilesBesideTheLinesAndBelow) {
-    const std::string here = mFolder;
     write("in/good.json", styleOf("tile.png"));
     write("in/deep/up.json", styleOf("../tile.png"));
     write("in/start.json", styleOf("../secret/tile.png"));
     fs::create_symlink(file("in/good.json"), file("secret/link.json"));  // back in, from a folder that is not
-    const auto style = [](const std::string& name) { return Json::parse(styleOf(name)); };
-    const std::string in = here + "/in/", secret = here + "/secret/";
-    // Which may be read, and which not.
-    const Json inside[] = {
-        {{"font", in + "font.ttf"}},         {{"font", "DejaVu Sans:bold"}}, {{"font", kFont}},
-        {{"fallback", {in + "font.ttf"}}},   {{"text-file", in + "text"}},   {{"style", in + "good.json"}},
-        {{"style", style(in + "tile.png")}}, {{"pattern", in + "tile.png"}}};
-    const Json outside[] = {{{"font", secret + "font.ttf"}},  // loaded already, for the command line
-                            {{"font", secret + "none.ttf"}},
-                            {{"font", secret + "nonesuch#x"}},
-                            {{"fallback", {in + "font.ttf", secret + "font.ttf#0"}}},
-                            {{"text-file", in + "folder/text"}},
-                            {{"style", in + "../secret/none.json"}},
-                            {{"style", secret + "link.json"}},
-                            {{"style", in + "deep/up.json"}},
-                            {{"style", in + "start.json"}},
-                            {{"style", style(in + "link.png")}},
-                            {{"pattern", "file=" + secret + "tile.png,scale=2"}}};
-    std::vector<Json> lines(std::begin(inside), std::end(inside));
-    lines.insert(lines.end(), std::begin(outside), std::end(outside));
-    lines.push_back({{"allow-read", "/"}});
-    lines.push_back({{"allow-read-anywhere", true}});
-    for (Json& line : lines) {
-        if (!line.contains("text-file")) line["text"] = "x";
+    const std::vector<Row> cases = rows("answers", "lines");
+    std::vector<Json> lines;
+    for (const Row& row : cases) {
+        lines.push_back(Json::parse(expanded(row.input)));
+        if (!lines.back().contains("text-file")) lines.back()["text"] = "x";
     }
     const auto expect = [&](const std::string& options, bool allowed) {
         const std::vector<std::string> errors = batch(lines, options);
         for (size_t i = 0; i < lines.size(); ++i) {
-            const bool fails = i + 2 >= lines.size() || lines[i].dump().find("none") != std::string::npos ||
-                               (!allowed && i >= std::size(inside));
-            EXPECT_EQ(!errors[i].empty(), fails) << lines[i] << errors[i];
+            const bool outside = cases[i].answer.rfind("lifted", 0) == 0 && !allowed;
+            const bool drawn = cases[i].answer == "read" || (cases[i].answer == "lifted" && allowed);
+            EXPECT_EQ(errors[i].empty(), drawn) << lines[i] << errors[i];
             const bool told = errors[i].find("' lies outside ") != std::string::npos &&
                               errors[i].find(" may read; --allow-read DIR adds") != std::string::npos;
-            EXPECT_EQ(told, !allowed && i >= std::size(inside) && i + 2 < lines.size()) << errors[i];
+            EXPECT_EQ(told, outside) << lines[i] << errors[i];
         }
     };
     expect("", false);
@@ -178,30 +132,21 @@ TEST_F(Confinement, LinksDoNotLeadALinesFilesOutOfTheOutputFolder) {
     fs::create_symlink("/nowhere/at/all", file("out/dangling.png"));
     mkfifo(file("out/pipe.png").c_str(), 0600);
     write("secret/y.zvtext-AAAAAA", "cut short");
-    struct Line {
-        const char* output;
-        int kind;  // 0 is drawn, 1 leads out, 2 leads out and nowhere, 3 is a pipe
-        const char* metrics;
-    };
-    const Line cases[] = {{"link/x.png", 1, ""},      {"link/new/x.png", 1, ""},
-                          {"text.png", 1, ""},        {"pipe.png", 3, ""},
-                          {"good.png", 0, ""},        {"dangling.png", 2, ""},
-                          {"a/b/x.png", 0, ""},       {"link/../link/y.png", 1, ""},
-                          {"link/text/x.png", 2, ""}, {"link/none.png/x.png", 1, ""},
-                          {"link/gone.png", 2, ""},   {"m.png", 1, "link/m.json"}};
+    const std::vector<Row> cases = rows("answers", "outputs");
     std::vector<Json> lines;
-    for (const Line& line : cases) {
-        lines.push_back({{"text", "x"}, {"output", line.output}});
-        if (*line.metrics != '\0') lines.back()["metrics"] = line.metrics;
+    for (const Row& row : cases) {
+        const std::vector<std::string> names = words(row.input);
+        lines.push_back({{"text", "x"}, {"output", names[0]}});
+        if (names.size() > 1) lines.back()["metrics"] = names[1];
     }
     const std::string outside = "' lies outside '" + file("out").string() +
                                 "', where a line of a batch may write; --allow-outside lets it leave";
     const std::vector<std::string> errors = batch(lines, "--resume");
     for (size_t i = 0; i < lines.size(); ++i) {
-        EXPECT_EQ(errors[i].empty(), cases[i].kind == 0) << lines[i] << errors[i];
-        const std::string expected = cases[i].kind == 0   ? ""
-                                     : cases[i].kind == 3 ? "is no regular file"
-                                                          : outside;
+        EXPECT_EQ(errors[i].empty(), cases[i].answer == "drawn") << lines[i] << errors[i];
+        const std::string expected = cases[i].answer == "drawn"  ? ""
+                                     : cases[i].answer == "pipe" ? "is no regular file"
+                                                                 : outside;
         EXPECT_NE(errors[i].find(expected), std::string::npos) << lines[i] << errors[i];
     }
     EXPECT_GT(readPng(file("out/sub/old.png")).ink(), 0u) << "behind the link";
@@ -210,8 +155,9 @@ TEST_F(Confinement, LinksDoNotLeadALinesFilesOutOfTheOutputFolder) {
     EXPECT_EQ(std::distance(fs::directory_iterator(file("secret")), {}), 6) << "nothing came, nothing went";
     EXPECT_FALSE(fs::exists(file("out/m.png"))) << "without its metrics";
     for (size_t i = 0; i < lines.size(); ++i) {
-        if (cases[i].kind == 3) continue;  // it would wait for a reader
-        EXPECT_EQ(batch({lines[i]}, "--allow-outside")[0] != "", cases[i].kind == 2) << lines[i];
+        if (cases[i].answer == "pipe") continue;  // it would wait for a reader
+        const bool nowhere = cases[i].answer == "out, nowhere";
+        EXPECT_EQ(batch({lines[i]}, "--allow-outside")[0] != "", nowhere) << lines[i];
     }
     EXPECT_EQ(slurp(file("secret/text")).substr(1, 3), "PNG");
     // One file by two names is of one line alone.

@@ -107,11 +107,6 @@ TEST_F(FailingFiles, ABatchGivesAnErrorOrThePictureAndGoesOn) {
     failEach(resumed, {"out/b.png", "out/b.json", "out/d/c.webp"}, resumed);
 }
 
-TEST_F(FailingFiles, AnInspectionGivesAnErrorOrTheReport) {
-    failEach(words("inspect font $DIR/font.ttf"), {});
-    failEach(words("inspect style $DIR/style.json"), {});
-}
-
 // What a gallery writes is much, with the same few calls for each file: a stride that divides none of their
 // numbers meets each kind.
 TEST_F(FailingFiles, AGalleryLeavesNothingHalfDone) {

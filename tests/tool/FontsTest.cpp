@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <thread>
-#include <tuple>
 
 #include "tests/host/FreeTypeOracle.h"
 #include "tests/tool/Program.h"
@@ -24,24 +23,6 @@ protected:
     }
     ~Fonts() override { unsetenv("FONTCONFIG_FILE"); }
 };
-
-TEST_F(Fonts, AxesMoveOutlinesAndAdvances) {
-    const std::string plain = drawn("Axes", "$INTER");
-    EXPECT_EQ(drawn("Axes", "$INTER --axes wght=400"), plain) << "where the font stands";
-    const Image black = render("Axes -f $INTER --axes wght=900"),
-                thin = render("Axes -f $INTER --axes wght=100");
-    EXPECT_GT(black.width, thin.width);
-    EXPECT_GT(black.ink(), 2 * thin.ink());
-    const std::string slanted = drawn("Axes", "$INTER --axes slnt=-10,wght=100");
-    EXPECT_EQ(slanted, drawn("Axes", "$INTER --axes wght=100,slnt=-10"));
-    EXPECT_NE(slanted, drawn("Axes", "$INTER --axes wght=100"));
-    // Behind a bold font, one that is not is widened; two fonts that are files of their own are two fonts.
-    const std::string fallback = " -s 64 --fallback $CJK#2";
-    EXPECT_GT(render("骨 -f $INTER --axes wght=700" + fallback).ink(),
-              render("骨 -f $INTER --axes wght=500" + fallback).ink() * 11 / 10);
-    const std::string bold = "'Noto Sans CJK SC:bold' --trim";
-    EXPECT_EQ(drawn("骨", "$INTER --axes wght=700 --fallback " + bold), drawn("骨", bold));
-}
 
 // A worker renders many lines: each has its own fonts, as if it were rendered alone.
 TEST_F(Fonts, LinesOfABatchShareFontsAndKeepThemApart) {
@@ -94,30 +75,10 @@ TEST_F(Fonts, OutlinesAreFreeTypesAtThoseCoordinates) {
     }
 }
 
-TEST_F(Fonts, AFontOfACollection) {
-    EXPECT_EQ(drawn("骨直", "$CJK#0"), drawn("骨直", "$CJK"));
-    EXPECT_NE(drawn("骨直", "$CJK#2"), drawn("骨直", "$CJK")) << "drawn as in China";
-    fs::create_symlink(kFont, file("a-Bold#2"));
-    fs::create_symlink(kCjk, file("a-Bold"));
-    const std::string chinese = drawn("骨直", "$FONT --fallback $CJK#2");
-    EXPECT_EQ(drawn("A", "$DIR/a-Bold#2"), drawn("A", "$FONT")) << "the file wins";
-    EXPECT_EQ(drawn("A", "$DIR/a-Bold#2#0"), drawn("A", "$FONT"));
-    EXPECT_EQ(drawn("骨直", "$DIR/a-Bold#2 --fallback $DIR/a-Bold#02 --no-fallback"), chinese);
-    EXPECT_EQ(drawn("骨直", "$FONT --fallback $CJK#2 --fallback $CJK"), chinese) << "asked in their order";
-    expectRefused("inspect font $DIR/a-Bold#x", 2, "FONT: 'x' after '$DIR/a-Bold");
-}
-
-TEST_F(Fonts, OddFilesThatAreFonts) {
-    const std::string picture = drawn("A", "$FONT");
-    // The library leaves fonts of such paths to the phone's own families.
-    fs::create_directories(file("system/fonts"));
-    fs::create_symlink(kFont, file("system/fonts/Roboto-Bold.ttf"));
-    EXPECT_EQ(drawn("A", "$DIR/system/fonts/Roboto-Bold.ttf"), picture);
-    fs::create_symlink(kFont, file("\xFF-Bold.ttf"));
-    EXPECT_EQ(drawn("A", "$DIR/\xFF-Bold.ttf"), picture) << "no UTF-8";
+TEST_F(Fonts, ReportsOfThemAndOfTexts) {
     ASSERT_EQ(mkfifo(file("pipe").c_str(), 0600), 0);
     std::thread writer([&] { std::ofstream(file("pipe"), std::ios::binary) << slurp(kFont); });
-    EXPECT_EQ(drawn("A", "$DIR/pipe"), picture) << "read once";
+    EXPECT_EQ(drawn("A", "$DIR/pipe"), drawn("A", "$FONT")) << "read once";
     writer.join();
     std::string odd = slurp(kFont);
     const auto number = [&](size_t at, size_t bytes) {
@@ -136,30 +97,17 @@ TEST_F(Fonts, OddFilesThatAreFonts) {
     odd.replace(number(odd.find("hhea") + 8, 4) + 8, 2, std::string("\10\0", 2));  // a line gap of one em
     odd.replace(odd.find("OS/2"), 4, "OS/3");                                      // not there
     write("odd.ttf", odd);
-    const Json facts = report("inspect font $DIR/odd.ttf");
-    EXPECT_EQ(facts["metrics"]["lineHeight"], 2.164);
-    EXPECT_EQ(facts["characters"], 16);
-    EXPECT_EQ(facts["family"], "DejaVu Sans");
+    for (const Row& row : rows("answers", "reports")) {
+        const size_t at = row.input.rfind(" /");
+        const Json found = report("inspect " + row.input.substr(0, at));
+        EXPECT_EQ(found[Json::json_pointer(row.input.substr(at + 1))], Json::parse(expanded(row.answer)))
+            << row.input;
+    }
+    const Result printed = zvtext("inspect font $CJK#2");
+    EXPECT_NE(printed.out.find("index: 2\nfontsInFile: 10\n"), std::string::npos) << printed.out;
 }
 
-TEST_F(Fonts, ByName) {
-    const std::tuple<const char*, const char*, Json> cases[] = {
-        {"'DejaVu Sans:bold'", "file", kFont},
-        {"dejavuSANS:style=Bold", "file", kFont},
-        {"'No Such Family,DejaVu Sans:bold'", "file", kFont},
-        {"'Noto Sans CJK SC'", "file", kCjk},
-        {"'Noto Sans CJK SC'", "index", 2},
-        {"Inter:bold", "weight", 700},  // a named instance of a variable font
-        {"Inter:bold", "style", "Bold"},
-        {"Inter:bold --axes wght=400", "weight", 400},
-        {"Inter:variable=true:fontvariations=wght=333", "weight", 333},
-        {"'DejaVu Sans:medium'", "style", "Book"},  // near enough
-        {"'Noto Sans:italic'", "italic", true}};
-    for (const auto& [name, key, value] : cases) {
-        EXPECT_EQ(report(std::string("inspect font ") + name)[key], value) << name;
-    }
-    EXPECT_NE(report("inspect font Sans-Serif")["family"], "") << "any font serves a generic name";
-    EXPECT_EQ(drawn("Name", "'DejaVu Sans:bold'"), drawn("Name", "$FONT"));
+TEST_F(Fonts, NamesOfFilesWinAndTheSystemMayHaveNone) {
     fs::create_directory(file("DejaVu Sans:bold"));
     fs::create_symlink(kFont, file("-"));
     const fs::path here = fs::current_path();
@@ -167,6 +115,7 @@ TEST_F(Fonts, ByName) {
     EXPECT_EQ(report("inspect font 'DejaVu Sans:bold'")["file"], kFont) << "a folder of that name";
     EXPECT_EQ(report("inspect font -")["fullName"], "DejaVu Sans Bold") << "a font is no standard input";
     fs::current_path(here);
+    EXPECT_NE(report("inspect font Sans-Serif")["family"], "") << "any font serves a generic name";
     configure("");
     expectRefused("inspect font 'DejaVu Sans'", 1,
                   "FONT: 'DejaVu Sans' is no file, and fontconfig knows no font at all");
@@ -198,33 +147,15 @@ TEST_F(Fonts, TheSystemsFontsServeWhatTheGivenOnesLack) {
     EXPECT_EQ(drawn("骨", "$FONT --trim"), drawn("骨", "'Noto Sans CJK SC:bold' --trim"));
 
     // The fonts that serve a text beside --font; those that two share are taken once.
-    const std::string noto = "/usr/share/fonts/truetype/noto/Noto";
-    const std::string cases[][3] = {
-        {"骨", kFont, "Noto Sans CJK SC Bold"},
-        {"骨 か", kFont, "Noto Sans CJK JP Bold"},
-        {"骨 한", kFont, "Noto Sans CJK KR Bold"},
-        {"か", kFont, "Noto Sans CJK JP Bold"},
-        {"骨", "'DejaVu Serif'", "Noto Serif CJK SC Regular"},            // the configuration's knowledge
-        {"骨", noto + "Serif-Regular.ttf", "Noto Serif CJK SC Regular"},  // the font's
-        {"\uA7B4", "/usr/share/fonts/truetype/roboto/unhinted/RobotoTTF/Roboto-Italic.ttf",
-         "Noto Sans Italic"},
-        {"❤️", "'Noto Sans'", "Noto Color Emoji Regular"},  // what is meant as an emoji
-        {"😀", "'Noto Sans'", "Noto Color Emoji Regular"},
-        {"❤", "'Noto Sans'", "DejaVu Sans Book"},
-        {"สวัสดี नमस्ते 한 გ", "'Noto Sans'",
-         "Noto Sans Thai Regular, Noto Sans Devanagari Regular, Noto Sans CJK KR Regular, DejaVu Sans Book"},
-        {"a\u20E3", noto + "SansThai-Bold.ttf", "Inter Display Bold"},  // a letter and a mark that few have
-        {"e\u0301 \u00AD\u2060", kFont, ""},                            // what shows nothing needs no font
-        {"\u212A\u037E", kCjk, ""}};  // other spellings of what the font has
-    for (const auto& [text, font, expected] : cases) {
+    for (const Row& row : rows("answers", "fonts")) {
         std::string list;
-        const Json facts = report("inspect text '" + text + "' -f " + font);
+        const Json facts = report("inspect text -f " + row.input);
         for (const Json& one : facts["fonts"]) {
             if (one["from"] != "system") continue;
             list += (list.empty() ? "" : ", ") + std::string(one["family"]) + " " + std::string(one["style"]);
         }
-        EXPECT_EQ(list, expected) << text;
-        EXPECT_TRUE(facts["missing"].empty()) << text;
+        EXPECT_EQ(list, row.answer) << row.input;
+        EXPECT_TRUE(facts["missing"].empty()) << row.input;
     }
 
     // No font has this letter with this mark, but some have the letter.
@@ -244,29 +175,6 @@ TEST_F(Fonts, TheSystemsFontsServeWhatTheGivenOnesLack) {
               none + "U+FDD0" + add + ", or leave --no-fallback out\n");
     configure("");
     EXPECT_EQ(warningOf(""), none + "U+4E16, U+754C, U+FDD0" + add + "\n");
-}
-
-TEST_F(Fonts, InspectionSaysWhatAFontIs) {
-    const Json inter = report("inspect font $INTER --axes wght=650");
-    EXPECT_EQ(inter["family"], "Inter");
-    EXPECT_EQ(inter["weight"], 650);
-    EXPECT_EQ(inter["italic"], false);
-    EXPECT_EQ(inter["metrics"]["descent"], 0.241);
-    EXPECT_EQ(inter["fontsInFile"], 1);
-    ASSERT_EQ(inter["axes"].size(), 2u);
-    EXPECT_EQ(inter["axes"][0],
-              Json::parse(R"({"tag": "wght", "name": "Weight", "minimum": 100, "default": 400,
-        "maximum": 900, "value": 650, "hidden": false})"));
-    EXPECT_EQ(inter["instances"].size(), 18u);
-    EXPECT_EQ(inter["instances"][17],
-              Json::parse(R"({"name": "Black Italic", "axes": {"wght": 900, "slnt": -10}})"));
-    const Json cjk = report("inspect font $CJK#2");
-    EXPECT_EQ(cjk["family"], "Noto Sans CJK SC");
-    EXPECT_EQ(cjk["fontsInFile"], 10);
-    EXPECT_EQ(cjk["scripts"][0]["script"], "Hani");
-    EXPECT_GT(cjk["scripts"][0]["characters"], 20000);
-    const Result printed = zvtext("inspect font $CJK#2");
-    EXPECT_NE(printed.out.find("index: 2\nfontsInFile: 10\n"), std::string::npos) << printed.out;
 }
 
 }  // namespace

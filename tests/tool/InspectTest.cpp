@@ -50,34 +50,6 @@ TEST_F(InspectStyle, EstimatesTheMemoryThatARenderTakes) {
     }
 }
 
-TEST_F(InspectText, SaysScriptDirectionAndFontOfEachRun) {
-    const Json report = this->report(
-        "inspect text '\u0627\u0644 (1)\nGu\u0308\u4e16\ufe00\U0001f9ff\U00010000 x' -f $FONT --no-fallback "
-        "--fallback 'Noto Sans CJK SC:bold'");
-    const auto runs = [&](size_t line) {
-        std::string list;
-        for (const Json& run : report["lines"][line]["runs"]) {
-            list += run["text"].get<std::string>() + "|" + run["script"].get<std::string>() + "|" +
-                    run["direction"].get<std::string>() + "|" + run["font"].dump() + "|" +
-                    run["start"].dump() + "-" + run["end"].dump() + " ";
-        }
-        return list;
-    };
-    EXPECT_EQ(runs(0), "\u0627\u0644 (|Arab|rtl|0|0-6 1|Zyyy|ltr|0|6-7 )|Zyyy|rtl|0|7-8 ");
-    EXPECT_EQ(runs(1),
-              "Gu\u0308|Latn|ltr|0|9-13 \u4e16\ufe00|Hani|ltr|1|13-19 \U0001f9ff\U00010000 |Linb|ltr|0|19-28 "
-              "x|Latn|ltr|0|28-29 ");
-    EXPECT_EQ(report["missing"], Json::parse(R"(["U+1F9FF", "U+10000"])"));
-    EXPECT_EQ(report["characters"], 15);
-    EXPECT_EQ(report["scripts"][0], Json::parse(R"({"script": "Zyyy", "name": "Common", "characters": 6})"));
-    ASSERT_EQ(report["fonts"].size(), 2u);
-    EXPECT_EQ(report["fonts"][0]["from"], "--font");
-    EXPECT_EQ(report["fonts"][0]["characters"], 13);
-    EXPECT_EQ(report["fonts"][1]["from"], "--fallback");
-    EXPECT_EQ(report["fonts"][1]["family"], "Noto Sans CJK SC");
-    EXPECT_EQ(report["fonts"][1]["characters"], 2) << "a selector goes with its letter";
-}
-
 // The lines are those of the picture, and the system's fonts serve what is left, as they do there.
 TEST_F(InspectText, TakesACommandLineOfRender) {
     const std::string scene =

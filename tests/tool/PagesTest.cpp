@@ -21,29 +21,9 @@ protected:
 TEST_F(Pages, BashCompletes) {
     write("a font.ttf", "");
     fs::create_directory(file("folder"));
-    const std::pair<const char*, const char*> cases[] = {
-        {"rend", "render|"},
-        {"render --letter", "--letter-spacing|"},
-        {"render --print-", "--print-style|--print-key|"},
-        {"gallery --font-", "--font-dir|"},
-        {"--vers", "--version|"},
-        {"render --align ''", "left|center|right|"},
-        {"render --align = c", "center|"},
-        {"render --gravity =", "top|center|bottom|"},
-        {"render Text --preset sl", "slime|"},
-        {"gallery out --only str", "stroke|"},
-        {"render --font a", "a font.ttf|"},
-        {"render --fallback a", "a font.ttf|"},
-        {"render -f a", "a font.ttf|"},
-        {"gallery fol", "folder|"},
-        {"gallery a", "|"},
-        {"render --size 1", "|"},
-        {"render gallery --onl", "|"},
-        {"inspect fo", "font|"},
-        {"inspect font --js", "--json|"},
-        {"inspect style sli", "slime|"},
-    };
-    for (const auto& [words, expected] : cases) EXPECT_EQ(completed(words), expected) << words;
+    for (const Row& row : rows("answers", "completions")) {
+        EXPECT_EQ(completed(row.input), row.answer) << row.input;
+    }
 }
 
 // All that each command's help names stands in the help of all, of which the manual page is made.

@@ -37,6 +37,15 @@ constexpr bool kSanitized = true;
 constexpr bool kSanitized = false;
 #endif
 
+// In a child process: goes on as the program. Returns a status where that fails.
+inline int execute(const std::vector<std::string>& arguments) {
+    std::vector<char*> argv = {const_cast<char*>(ZVTEXT_BINARY)};
+    for (const std::string& argument : arguments) argv.push_back(const_cast<char*>(argument.c_str()));
+    argv.push_back(nullptr);
+    execv(ZVTEXT_BINARY, argv.data());
+    return 127;
+}
+
 struct Result {
     int status = -1;  // exit status; -1 when the program was killed
     std::string out, err;
@@ -77,6 +86,12 @@ inline Image readPng(const fs::path& path) {
     EXPECT_TRUE(png_image_finish_read(&png, nullptr, image.rgba.data(), 0, nullptr)) << png.message;
     return image;
 }
+
+// A line of a file of cases.
+struct Row {
+    std::string input, answer;
+    bool whole;  // the answer, not how it begins
+};
 
 class Program : public testing::Test {
 protected:
@@ -125,11 +140,7 @@ protected:
         dup2(open(file("stdin").c_str(), O_RDONLY), 0);
         dup2(open(file("stdout").c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600), 1);
         dup2(open(file("stderr").c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600), 2);
-        std::vector<char*> argv = {const_cast<char*>(ZVTEXT_BINARY)};
-        for (const std::string& argument : arguments) argv.push_back(const_cast<char*>(argument.c_str()));
-        argv.push_back(nullptr);
-        execv(ZVTEXT_BINARY, argv.data());
-        return 127;
+        return execute(arguments);
     }
 
     Result run(const std::vector<std::string>& arguments, const std::string& input = "") const {
@@ -190,6 +201,53 @@ protected:
             if (name.rfind("std", 0) != 0) names.insert(name);
         }
         return names;
+    }
+
+    // The lines of a section of refusals.txt or answers.txt, which say how they are written.
+    static std::vector<Row> rows(const std::string& name, const std::string& section) {
+        std::vector<Row> rows;
+        std::vector<std::pair<std::string, std::string>> names;
+        std::stringstream file(slurp(fs::path(ZVTEXT_SOURCE) / "tests/tool" / (name + ".txt")));
+        bool here = false;
+        for (std::string line; std::getline(file, line);) {
+            if (line.empty() || line[0] == '#') continue;
+            if (line[0] == '=') {
+                here = line.rfind("== " + section + ":", 0) == 0;
+                continue;
+            }
+            const size_t equals = line[0] == '$' ? line.find(" = ") : std::string::npos;
+            const size_t arrow = line.find(" =>");
+            if (equals != std::string::npos && arrow == std::string::npos) {
+                names.emplace_back(line.substr(0, equals), line.substr(equals + 3));
+            } else if (here && arrow != std::string::npos) {
+                for (auto replaced = names.rbegin(); replaced != names.rend(); ++replaced) {
+                    for (size_t at; (at = line.find(replaced->first)) != std::string::npos;)
+                        line.replace(at, replaced->first.size(), replaced->second);
+                }
+                const size_t end = line.find(" =>");
+                std::string message = unpacked(line.substr(std::min(end + 4, line.size())));
+                const bool whole = message.size() < 3 || message.compare(message.size() - 3, 3, "...") != 0;
+                if (!whole) message.resize(message.size() - 3);
+                rows.push_back({unpacked(line.substr(0, end)), message, whole});
+            }
+        }
+        EXPECT_FALSE(rows.empty()) << section;
+        return rows;
+    }
+
+    // With the repetitions and bytes written out.
+    static std::string unpacked(std::string text) {
+        for (size_t at; (at = text.find("<<")) != std::string::npos;) {
+            const size_t bar = text.find('|', at), end = text.find(">>", at);
+            const std::string part = text.substr(bar + 1, end - bar - 1);
+            std::string many;
+            for (int i = std::atoi(text.c_str() + at + 2); i > 0; --i) many += part;
+            text.replace(at, end + 2 - at, many);
+        }
+        for (size_t at = 0; (at = text.find("\\x", at)) != std::string::npos; ++at) {
+            text.replace(at, 4, 1, static_cast<char>(std::stoi(text.substr(at + 2, 2), nullptr, 16)));
+        }
+        return text;
     }
 
     // Standard error without the lines that begin so. Builds with every log line compiled in write the

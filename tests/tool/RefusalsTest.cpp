@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // What is refused, in refusals.txt: settings, styles (by the schema too), lines of a batch, command lines.
 #include <cmath>
-#include <map>
 #include <nlohmann/json.hpp>
 #include <regex>
 
@@ -89,72 +88,32 @@ private:
     const Json& mRoot;
 };
 
-struct Refused {
-    std::string input, message;
-    bool whole;  // the message, not how it begins
-};
-
 class Refusals : public Program {
 protected:
-    // The section's lines.
-    std::vector<Refused> section(const std::string& name) const {
-        std::vector<Refused> rows;
-        std::vector<std::pair<std::string, std::string>> names;
-        std::stringstream file(slurp(fs::path(ZVTEXT_SOURCE) / "tests/tool/refusals.txt"));
-        bool here = false;
-        for (std::string line; std::getline(file, line);) {
-            if (line.empty() || line[0] == '#') continue;
-            if (line[0] == '=') here = line.rfind("== " + name, 0) == 0;
-            const size_t equals = line[0] == '$' ? line.find(" = ") : std::string::npos;
-            const size_t arrow = line.find(" =>");
-            if (equals != std::string::npos && arrow == std::string::npos) {
-                names.emplace_back(line.substr(0, equals), line.substr(equals + 3));
-            } else if (here && arrow != std::string::npos) {
-                for (auto replaced = names.rbegin(); replaced != names.rend(); ++replaced) {
-                    for (size_t at; (at = line.find(replaced->first)) != std::string::npos;)
-                        line.replace(at, replaced->first.size(), replaced->second);
-                }
-                const size_t end = line.find(" =>");
-                std::string message = unpacked(line.substr(std::min(end + 4, line.size())));
-                const bool whole = message.size() < 3 || message.compare(message.size() - 3, 3, "...") != 0;
-                if (!whole) message.resize(message.size() - 3);
-                rows.push_back({unpacked(line.substr(0, end)), message, whole});
-            }
-        }
-        EXPECT_GT(rows.size(), 30u) << name;
-        return rows;
-    }
-
-    // With the repetitions and bytes written out.
-    static std::string unpacked(std::string text) {
-        for (size_t at; (at = text.find("<<")) != std::string::npos;) {
-            const size_t bar = text.find('|', at), end = text.find(">>", at);
-            const std::string part = text.substr(bar + 1, end - bar - 1);
-            std::string many;
-            for (int i = std::atoi(text.c_str() + at + 2); i > 0; --i) many += part;
-            text.replace(at, end + 2 - at, many);
-        }
-        for (size_t at = 0; (at = text.find("\\x", at)) != std::string::npos; ++at) {
-            text.replace(at, 4, 1, static_cast<char>(std::stoi(text.substr(at + 2, 2), nullptr, 16)));
-        }
-        return text;
-    }
-
-    void expectMessage(std::string found, const Refused& row, const std::string& before = "") const {
-        const std::string message = before + expanded(row.message);
+    void expectMessage(std::string found, const Row& row, const std::string& before = "") const {
+        const std::string message = before + expanded(row.answer);
         if (!row.whole) found.resize(std::min(found.size(), message.size()));
         EXPECT_EQ(found, message) << row.input.substr(0, 200);
     }
 };
 
-TEST_F(Refusals, OfSettings) {
-    for (const Refused& row : section("effects")) {
+TEST_F(Refusals, OfSettingsAndNoneOfGoodOnes) {
+    const auto spelled = [](const std::string& kind, const std::string& text) {
+        auto settings = Zvex::scene::parseEffect("--" + kind, *Zvex::scene::findEffectKind(kind), text);
+        std::string all;
+        for (const Zvex::scene::Field& field : fieldsOf(settings)) {
+            all += (all.empty() ? "" : ",") + std::string(field.name) + "=" + formatValue(field);
+        }
+        return all;
+    };
+    for (const Row& row : rows("answers", "settings")) {
         const std::string kind = row.input.substr(0, row.input.find(' '));
-        const std::string found = refusal([&] {
-            Zvex::scene::parseEffect("--" + kind, *Zvex::scene::findEffectKind(kind),
-                                     row.input.substr(kind.size() + 1));
-        });
-        expectMessage(found, row, "--" + kind);
+        EXPECT_EQ(spelled(kind, row.input.substr(kind.size() + 1)), row.answer) << row.input;
+        EXPECT_EQ(spelled(kind, row.answer), row.answer) << "what is spelled reads back";
+    }
+    for (const Row& row : rows("refusals", "effects")) {
+        const std::string kind = row.input.substr(0, row.input.find(' '));
+        expectMessage(refusal([&] { spelled(kind, row.input.substr(kind.size() + 1)); }), row, "--" + kind);
     }
 }
 
@@ -170,7 +129,7 @@ TEST_F(Refusals, OfStyles) {
             Zvex::scene::readStyleText("--style", json, style);
         });
     };
-    for (const Refused& row : section("styles")) {
+    for (const Row& row : rows("refusals", "styles")) {
         const bool unknown = row.input[0] == '~';
         const std::string json = row.input.substr(unknown ? 1 : 0);
         expectMessage(check(json), row, "--style: ");
@@ -200,8 +159,8 @@ TEST_F(Refusals, OfStyles) {
 
 TEST_F(Refusals, OfLinesWhichFailAlone) {
     std::string lines;
-    const std::vector<Refused> rows = section("lines");
-    for (const Refused& row : rows) lines += row.input + "\n";
+    const std::vector<Row> refused = rows("refusals", "lines");
+    for (const Row& row : refused) lines += row.input + "\n";
     const Result result = zvtext("batch -f $FONT --output-dir $DIR/out --jobs 2", lines);
     EXPECT_EQ(result.status, 1);
     std::stringstream results(result.out);
@@ -209,10 +168,11 @@ TEST_F(Refusals, OfLinesWhichFailAlone) {
     for (std::string line; std::getline(results, line); ++count) {
         const Json json = Json::parse(line);
         EXPECT_EQ(json.value("line", 0u), count + 1);
-        expectMessage(json.value("error", ""), rows.at(count));
-        EXPECT_EQ(fs::exists(file("out") / (std::to_string(count + 1) + ".png")), count + 1 == rows.size());
+        expectMessage(json.value("error", ""), refused.at(count));
+        EXPECT_EQ(fs::exists(file("out") / (std::to_string(count + 1) + ".png")),
+                  count + 1 == refused.size());
     }
-    EXPECT_EQ(count, rows.size());
+    EXPECT_EQ(count, refused.size());
 }
 
 TEST_F(Refusals, OfCommandLinesWhichLeaveFilesAlone) {
@@ -223,10 +183,11 @@ TEST_F(Refusals, OfCommandLinesWhichLeaveFilesAlone) {
     write("woff2", "wOF2....");
     write("nul", std::string("a\0b", 3));
     write("bad.json", R"({"size": 0})");
+    fs::create_symlink(kFont, file("a-Bold"));
     write("out.png", "an older picture");
     fs::create_hard_link(file("out.png"), file("same.png"));
-    for (const Refused& row : section("commands")) {
-        expectRefused(row.input.substr(2), row.input[0] - '0', row.message + (row.whole ? "\n" : ""));
+    for (const Row& row : rows("refusals", "commands")) {
+        expectRefused(row.input.substr(2), row.input[0] - '0', row.answer + (row.whole ? "\n" : ""));
         ASSERT_EQ(slurp(file("out.png")), "an older picture") << row.input;
     }
 }
