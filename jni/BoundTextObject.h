@@ -38,6 +38,20 @@ ZvTextObject* GetBoundTextObject(JNIEnv* env, jobject thiz);
 #define ZV_STILL_BOUND(handle, failure) \
     ZV_REPORT_UNLESS_BOUND(::Zvex::ZvTextObject::FindZvTextObject(handle) != nullptr, failure)
 
+// At the beginning of a native that takes a handle: `name` becomes the text object with it.
+#define ZV_TEXT_OBJECT_OF(handle, name, failure)                                       \
+    ::Zvex::ZvTextObject* const name = ::Zvex::ZvTextObject::FindZvTextObject(handle); \
+    ZV_REPORT_UNLESS_BOUND(name != nullptr, failure)
+
+// Arguments that a native does not take.
+#define ZV_REFUSE_UNLESS(condition, failure)                                  \
+    do {                                                                      \
+        if (!(condition)) {                                                   \
+            ZV_REPORT_ERROR("ZvText_JNI", ::Zvex::ZV_ERROR_INVALID_ARGUMENT); \
+            return failure;                                                   \
+        }                                                                     \
+    } while (false)
+
 #define ZV_REPORT_UNLESS_BOUND(condition, failure)                          \
     do {                                                                    \
         if (!(condition)) {                                                 \

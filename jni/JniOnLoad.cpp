@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 // The one symbol that the shared library exports: the Java runtime calls it once, on the loading thread. It
-// registers the natives of the three classes of the kit, one registration a class.
+// registers the natives of the classes of the kit, one registration a class.
 #include <jni.h>
 
 #include "foundation/ZvLog.h"
+#include "jni/EffectNatives.h"
 #include "jni/ErrorNatives.h"
 #include "jni/FontManagerNatives.h"
 #include "jni/JniSupport.h"
@@ -33,6 +34,7 @@ extern "C" JNIEXPORT jint JNICALL JNI_OnLoad(JavaVM* vm, void*) {
     if (!Zvex::Error_OnLoad(vm)) noteFailure(env, "ZvError Onload Fail!");
     if (!Zvex::ZvFontManager_OnLoad(vm, env)) noteFailure(env, "ZvFontManager OnLoad Fail!");
     if (!Zvex::ZvText_OnLoad(vm, env)) noteFailure(env, "ZvText OnLoad Fail!");
+    if (!Zvex::ZvTextEffects_OnLoad(env)) noteFailure(env, "ZvTextEffects OnLoad Fail!");
     ZV_DEBUG_LOG(kTag, "ZvText_JNI_OnLoad .... done");
     return JNI_VERSION_1_2;
 }

@@ -15,7 +15,6 @@
 
 #include "effect/ZvEffect.h"
 #include "foundation/OutOfMemory.h"
-#include "foundation/SafeConvert.h"
 #include "foundation/ZvLog.h"
 #include "foundation/ZvString.h"
 #include "jni/BoundTextObject.h"
@@ -23,6 +22,8 @@
 #include "jni/LayoutReader.h"
 #include "jni/LineRecords.h"
 #include "jni/PaintReader.h"
+#include "jni/PictureSize.h"
+#include "jni/StopsReader.h"
 #include "jni/ViewReader.h"
 #include "text/FontManager.h"
 #include "text/LinePlacement.h"
@@ -139,26 +140,16 @@ jintArray JNICALL ZvText_RenderTextEffect(JNIEnv* env, jobject thiz) {
     ZvView* const view = text->GetView();
     ZvEffect* const effect = text->GetEffect();
     if (view == nullptr || effect == nullptr) return nullptr;
-    const int width =
-        clampToInt(int64_t{effect->getLeftOffset()} + effect->getRightOffset() + view->GetWidth());
-    const int height =
-        clampToInt(int64_t{effect->getTopOffset()} + effect->getBottomOffset() + view->GetHeight());
-    const int64_t count = int64_t{width} * height;
-    if (count > std::numeric_limits<jsize>::max()) {
-        __android_log_print(ANDROID_LOG_ERROR, kTag, "ZvText_RenderTextEffect - %d x %d pixels fit no array",
-                            width, height);
-        return nullptr;
-    }
-    view->SetBitmapWidth(width);
-    view->SetBitmapHeight(height);
+    const jsize count = sizePicture(*text, kTag, "ZvText_RenderTextEffect");
+    if (count < 0) return nullptr;
     // Before rendering, which takes several times the array's memory: here the runtime checks its limit and
     // throws.
-    const jintArray array = env->NewIntArray(static_cast<jsize>(count));
+    const jintArray array = env->NewIntArray(count);
     if (array == nullptr) return nullptr;
-    const uint32_t* pixels = text->RenderTextEffect(width, height);
+    const uint32_t* pixels = text->RenderTextEffect(view->GetBitmapWidth(), view->GetBitmapHeight());
     // Without its drawing part the object returns the previous picture, of any size.
     if (pixels != nullptr && text->GetFont() != nullptr) {
-        env->SetIntArrayRegion(array, 0, static_cast<jsize>(count), reinterpret_cast<const jint*>(pixels));
+        env->SetIntArrayRegion(array, 0, count, reinterpret_cast<const jint*>(pixels));
     }
     return array;
 }
@@ -286,27 +277,10 @@ jint JNICALL ZvText_AddLinearGradientTextEffect(JNIEnv* env, jobject thiz, jfloa
     ZV_BOUND_TEXT_OBJECT(text, -1);
     ZvEffect* const effect = effectOf(text, "ZvText_AddLinearGradientTextEffect");
     if (effect == nullptr) return -1;
-    if (colors == nullptr || opacities == nullptr || positions == nullptr) return -1;
-    const jsize count = env->GetArrayLength(colors);
-    if (env->GetArrayLength(opacities) != count || env->GetArrayLength(positions) != count) return -1;
-
-    std::unique_ptr<ZvGradient[]> stops(new (std::nothrow) ZvGradient[static_cast<size_t>(count)]);
-    if (stops == nullptr) return -1;
-    {
-        const IntElements colorOf(env, colors);
-        if (colorOf.get() == nullptr) return -1;
-        const FloatElements opacityOf(env, opacities);
-        if (opacityOf.get() == nullptr) return -1;
-        const FloatElements positionOf(env, positions);
-        if (positionOf.get() == nullptr) return -1;
-        for (jsize i = 0; i < count; ++i) {
-            ZvGradient& stop = stops[static_cast<size_t>(i)];
-            stop.color = static_cast<uint32_t>(colorOf.get()[i]);
-            stop.opacity = opacityOf.get()[i];
-            stop.position = positionOf.get()[i];
-        }
-    }
-    return effect->addLinearGradientText(angle, scale, opacity, count, stops.get());
+    if (!StopsReader::fit(env, colors, opacities, positions)) return -1;
+    StopsReader stops;
+    if (!stops.read(env, colors, opacities, positions)) return -1;
+    return effect->addLinearGradientText(angle, scale, opacity, stops.count(), stops.stops());
 }
 
 // Does nothing for a Java object that never had a text object.

@@ -1,0 +1,211 @@
+// SPDX-License-Identifier: Apache-2.0
+// The text object lays the text out and rasterises it once, and draws nothing but the background; its
+// coverage goes through the stacks of the layers' text objects.
+#include "jni/LayerNatives.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <memory>
+#include <utility>
+#include <vector>
+
+#include "effect/Canvas.h"
+#include "effect/LayerJoin.h"
+#include "effect/Spread.h"
+#include "effect/TextLayers.h"
+#include "effect/ZvEffect.h"
+#include "foundation/OutOfMemory.h"
+#include "foundation/ZvLog.h"
+#include "jni/BoundTextObject.h"
+#include "jni/JniSupport.h"
+#include "jni/PictureSize.h"
+#include "raster/ZvBitmap.h"
+#include "text/ZvFontDrawing.h"
+#include "text/ZvTextObject.h"
+#include "text/ZvView.h"
+
+namespace Zvex {
+
+namespace {
+
+constexpr char kTag[] = "ZvTextEffects_JNI";
+constexpr int kMaxOffset = 32767;  // keeps sums of margins far from the end of int
+
+enum LayerNumber { kHandle, kColor, kSpread, kX, kY, kBlend, kFlags };
+constexpr int kClipped = 1, kKnockout = 2;
+
+class LayerList {
+public:
+    // False for arrays that do not fit and handles without a text object; an exception may be pending.
+    bool read(JNIEnv* env, jintArray numbers, jfloatArray opacities) {
+        if (numbers == nullptr || opacities == nullptr) return false;
+        const auto count = static_cast<size_t>(env->GetArrayLength(opacities));
+        if (count == 0 || count * kLayerNumbers != static_cast<size_t>(env->GetArrayLength(numbers)))
+            return false;
+        const IntElements numberOf(env, numbers);
+        if (numberOf.get() == nullptr) return false;
+        const FloatElements opacityOf(env, opacities);
+        if (opacityOf.get() == nullptr) return false;
+        for (size_t i = 0; i < count; ++i) {
+            if (!add(numberOf.get() + i * kLayerNumbers, opacityOf.get()[i])) return false;
+        }
+        return true;
+    }
+
+    // Before drawing, and after whatever else uses the same stacks.
+    void setColors() const {
+        for (size_t i = 0; i < mLayers.size(); ++i) mLayers[i].effect->addText(mColors[i]);
+    }
+
+    const TextLayer* layers() const { return mLayers.data(); }
+    size_t count() const { return mLayers.size(); }
+
+private:
+    bool add(const jint* numbers, float opacity) {
+        ZvTextObject* const object = ZvTextObject::FindZvTextObject(numbers[kHandle]);
+        if (object == nullptr || numbers[kBlend] < 0 || numbers[kBlend] >= kLayerBlends) return false;
+        TextLayer layer;
+        layer.effect = object->GetEffect();
+        for (const TextLayer& earlier : mLayers) {
+            if (earlier.effect == layer.effect) return false;
+        }
+        layer.spread = std::clamp<int>(numbers[kSpread], -kMaxSpread, kMaxSpread);
+        layer.x = std::clamp<int>(numbers[kX], -kMaxOffset, kMaxOffset);
+        layer.y = std::clamp<int>(numbers[kY], -kMaxOffset, kMaxOffset);
+        layer.blend = static_cast<LayerBlend>(numbers[kBlend]);
+        layer.opacity = opacity;
+        layer.clipped = (numbers[kFlags] & kClipped) != 0;
+        layer.knockout = (numbers[kFlags] & kKnockout) != 0;
+        mColors.push_back(static_cast<uint32_t>(numbers[kColor]));
+        mLayers.push_back(layer);
+        return true;
+    }
+
+    std::vector<TextLayer> mLayers;
+    std::vector<uint32_t> mColors;
+};
+
+// While it lives, the object's stack has no layer but the coverage, and its text no colour.
+class CoverageAlone {
+public:
+    CoverageAlone(ZvTextObject& object, TextCoverage* coverage)
+        : mObject(object),
+          mStack(*object.GetEffect()),
+          mCoverage(coverage),
+          mColor(object.GetTextColor()),
+          mNextId(mStack.nextEffectId) {
+        std::vector<ZvECore*> alone = {coverage};
+        mOwn.swap(mStack.effects);
+        mStack.effects.swap(alone);
+        object.SetTextColor(0);
+    }
+    ~CoverageAlone() {
+        std::vector<ZvECore*>& all = mStack.effects;
+        all.erase(std::remove(all.begin(), all.end(), mCoverage), all.end());
+        mStack.releaseEffect();  // the layer of the text's colour
+        mStack.effects.swap(mOwn);
+        mStack.nextEffectId = mNextId;
+        mObject.SetTextColor(mColor);
+    }
+    CoverageAlone(const CoverageAlone&) = delete;
+    CoverageAlone& operator=(const CoverageAlone&) = delete;
+
+private:
+    ZvTextObject& mObject;
+    ZvEffect& mStack;
+    TextCoverage* mCoverage;
+    std::vector<ZvECore*> mOwn;
+    uint32_t mColor;
+    int mNextId;
+};
+
+// Where text may show: everywhere but in the paddings, save the one on the side that the gravity pulls to.
+ZvRect clipOf(const ZvView& view) {
+    const int horizontal = view.gravity & ZvView::HORIZONTAL_MASK;
+    const int vertical = view.gravity & ZvView::VERTICAL_MASK;
+    return ZvRect(horizontal == ZvView::LEFT ? 0 : view.paddingLeft,
+                  vertical == ZvView::TOP ? 0 : view.paddingTop,
+                  view.bitmapWidth - (horizontal == ZvView::RIGHT ? 0 : view.paddingRight),
+                  view.bitmapHeight - (vertical == ZvView::BOTTOM ? 0 : view.paddingBottom));
+}
+
+struct Ground {
+    ZvEffect* canvas = nullptr;
+    uint32_t canvasColor = 0;
+    bool background = false;
+};
+
+void drawGround(const Ground& ground, const uint32_t* background, ZvBitmap* picture) {
+    if (ground.canvas != nullptr) {
+        fillCanvas(picture, ground.canvas);
+    } else if (ground.canvasColor != 0) {
+        fillCanvas(picture, ground.canvasColor);
+    }
+    if (!ground.background) return;
+    const ZvBitmap words(picture->width, picture->height, reinterpret_cast<const unsigned char*>(background),
+                         4);
+    JoinedLayer layer;
+    layer.picture = &words;
+    joinLayers(picture, &layer, 1);
+}
+
+// The picture as a Java array; null when memory is short, an exception may be pending then.
+jintArray renderLayers(JNIEnv* env, ZvTextObject& text, const LayerList& list, const Ground& ground,
+                       float opacity) {
+    TextCoverage coverage;
+    coverage.margins = marginsOf(list.layers(), list.count());
+    const uint32_t* words = nullptr;
+    jintArray array = nullptr;
+    jsize count = 0;
+    {
+        const CoverageAlone alone(text, &coverage);
+        count = sizePicture(text, kTag, "ZvTextEffects_RenderLayers");
+        array = count >= 0 ? env->NewIntArray(count) : nullptr;
+        if (array == nullptr) return nullptr;
+        words = text.RenderTextEffect(text.GetView()->GetBitmapWidth(), text.GetView()->GetBitmapHeight());
+    }
+    if (count == 0) return array;
+    const ZvView& view = *text.GetView();
+    ZvBitmap picture(static_cast<unsigned>(view.bitmapWidth), static_cast<unsigned>(view.bitmapHeight), 4);
+    if (words == nullptr || text.GetFont() == nullptr || picture.pixels == nullptr) return nullptr;
+    drawGround(ground, words, &picture);
+    list.setColors();
+    if (!drawTextLayers(&picture, coverage, list.layers(), list.count(), clipOf(view), opacity))
+        return nullptr;
+    env->SetIntArrayRegion(array, 0, count, reinterpret_cast<const jint*>(picture.pixels));
+    return array;
+}
+
+}  // namespace
+
+jintArray JNICALL ZvTextEffects_GetLayerMargins(JNIEnv* env, jclass, jintArray layers,
+                                                jfloatArray opacities) {
+    LayerList list;
+    const bool read = unlessOutOfMemory(false, [&] { return list.read(env, layers, opacities); });
+    ZV_REFUSE_UNLESS(read, nullptr);
+    const ZvRect margins = marginsOf(list.layers(), list.count());
+    const jint sides[4] = {margins.left, margins.top, margins.right, margins.bottom};
+    const jintArray array = env->NewIntArray(4);
+    if (array != nullptr) env->SetIntArrayRegion(array, 0, 4, sides);
+    return array;
+}
+
+jintArray JNICALL ZvTextEffects_RenderLayers(JNIEnv* env, jclass, jint handle, jintArray layers,
+                                             jfloatArray opacities, jint canvas, jint canvasColor,
+                                             jboolean background, jfloat opacity) {
+    ZV_TEXT_OBJECT_OF(handle, text, nullptr);
+    LayerList list;
+    const bool read = unlessOutOfMemory(false, [&] { return list.read(env, layers, opacities); });
+    ZV_REFUSE_UNLESS(read, nullptr);
+    Ground ground;
+    ground.canvasColor = static_cast<uint32_t>(canvasColor);
+    ground.background = background != JNI_FALSE;
+    if (canvas != 0) {
+        ZV_TEXT_OBJECT_OF(canvas, filled, nullptr);
+        ground.canvas = filled->GetEffect();
+    }
+    return unlessOutOfMemory<jintArray>(nullptr,
+                                        [&] { return renderLayers(env, *text, list, ground, opacity); });
+}
+
+}  // namespace Zvex
