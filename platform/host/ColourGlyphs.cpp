@@ -10,6 +10,7 @@
 #include "platform/host/PixelMath.h"
 #include "platform/host/ResampleAlpha.h"
 #include "platform/host/StrikeFilter.h"
+#include "platform/host/WordComposite.h"
 
 namespace host {
 
@@ -18,12 +19,14 @@ namespace {
 // Further layers are not drawn; real glyphs have a few dozen.
 constexpr int kMaxLayers = 1024;
 
-// Not limited to the largest image, which the union of many boxes may exceed.
-GlyphBox unionOf(const GlyphBox& a, const GlyphBox& b) {
-    if (a.empty()) return b;
-    if (b.empty()) return a;
-    return {std::min(a.left, b.left), std::min(a.top, b.top), std::max(a.right, b.right),
-            std::max(a.bottom, b.bottom)};
+// Of a strike's pixels, after blue, green and red.
+constexpr int kAlpha = 3;
+
+// Where a layer's row begins in the image that holds it.
+template <typename Image>
+size_t placeWithin(const Image& image, const GlyphImage& layer, int y) {
+    return static_cast<size_t>(layer.top + y - image.top) * static_cast<size_t>(image.width) +
+           static_cast<size_t>(layer.left - image.left);
 }
 
 }  // namespace
@@ -35,15 +38,19 @@ struct ColourGlyphs::Strike {
     StrikePlace place;            // for the phone: position of the bitmap from the pen
 };
 
-void ColourGlyphs::open(FreeTypeFace& font) {
+void ColourGlyphs::open(FreeTypeFace& font, hb_face_t* hbFace) {
     const FT_Face face = font.face();
     mHasStrikes = FT_HAS_COLOR(face) && face->num_fixed_sizes > 0;
     FT_Palette_Data palettes;
     FT_Color* palette = nullptr;
     if (FT_Palette_Data_Get(face, &palettes) == 0 && FT_Palette_Select(face, 0, &palette) == 0 &&
         palette != nullptr) {
-        for (int i = 0; i < palettes.num_palette_entries; ++i) mPaletteAlphas.push_back(palette[i].alpha);
+        for (int i = 0; i < palettes.num_palette_entries; ++i) {
+            mPalette.push_back(uint32_t{palette[i].alpha} << 24 | uint32_t{palette[i].red} << 16 |
+                               uint32_t{palette[i].green} << 8 | palette[i].blue);
+        }
     }
+    mGraph.open(hbFace);
 }
 
 // Loads the glyph's colour bitmap from the smallest strike that is not smaller than the style, else from the
@@ -113,13 +120,13 @@ GlyphBox ColourGlyphs::strikeBox(const Strike& strike, const GlyphStyle& style, 
                    whole(std::ceil(bottom)));
 }
 
-void ColourGlyphs::drawStrike(const Strike& strike, const GlyphStyle& style, int quarterX,
+void ColourGlyphs::drawStrike(const Strike& strike, const GlyphStyle& style, int quarterX, int channel,
                               GlyphImage& image) {
     if (style.rendering == Rendering::Phone) {
         StrikePlace place = strike.place;
         place.x0 += static_cast<float>(quarterX) * 0.25f - static_cast<float>(image.left);
         place.y0 -= static_cast<float>(image.top);
-        filterStrike(strike.bitmap->buffer + 3, static_cast<int>(strike.bitmap->width),
+        filterStrike(strike.bitmap->buffer + channel, static_cast<int>(strike.bitmap->width),
                      static_cast<int>(strike.bitmap->rows), strike.bitmap->pitch, 4, place,
                      image.coverage.data(), image.width, image.height);
         return;
@@ -130,8 +137,7 @@ void ColourGlyphs::drawStrike(const Strike& strike, const GlyphStyle& style, int
     const double y = image.top + 0.5;
     const double x = image.left + 0.5 - quarterX * 0.25 - static_cast<double>(style.skewX) * y;
     ResampleParam p;
-    // Alpha is the last of a pixel's four bytes.
-    p.source = strike.bitmap->buffer + 3;
+    p.source = strike.bitmap->buffer + channel;
     p.sourceWidth = static_cast<int>(strike.bitmap->width);
     p.sourceHeight = static_cast<int>(strike.bitmap->rows);
     p.sourceStride = strike.bitmap->pitch;
@@ -145,12 +151,45 @@ void ColourGlyphs::drawStrike(const Strike& strike, const GlyphStyle& style, int
     p.y = fixed(y * strike.perPixelY + strike.top);
     p.yStep = fixed(strike.perPixelY);
     resampleAlpha(p);
-    if (!style.antiAlias) {
-        for (uint8_t& level : image.coverage) level = level >= 128 ? 255 : 0;
-    }
 }
 
-// Calls visit(layer's glyph, layer's alpha) for each layer, the lowest first.
+namespace {
+
+// What the plain rendering makes of a strike's alpha without anti-alias.
+uint8_t wholeOrNothing(uint8_t alpha) {
+    return alpha >= 128 ? 255 : 0;
+}
+bool isCut(const GlyphStyle& style) {
+    return style.rendering == Rendering::Plain && !style.antiAlias;
+}
+
+}  // namespace
+
+ColourImage ColourGlyphs::paintStrike(const Strike& strike, const GlyphStyle& style, int quarterX) {
+    const GlyphBox box = strikeBox(strike, style, quarterX);
+    ColourImage image = blankPicture(box);
+    if (image.pixels.empty()) return image;
+    GlyphImage plane = blankImage(box);
+    std::vector<uint8_t> alphas = plane.coverage;
+    drawStrike(strike, style, quarterX, kAlpha, plane);
+    alphas.swap(plane.coverage);
+    for (int channel = 0; channel < kAlpha; ++channel) {
+        std::fill(plane.coverage.begin(), plane.coverage.end(), uint8_t{0});
+        drawStrike(strike, style, quarterX, channel, plane);
+        for (size_t i = 0; i < alphas.size(); ++i) {
+            if (alphas[i] == 0) continue;
+            const uint32_t colour = nearestQuotient(plane.coverage[i] * 255u, alphas[i]);
+            image.pixels[i] |= std::min(colour, 255u) << (8 * channel);
+        }
+    }
+    for (size_t i = 0; i < alphas.size(); ++i) {
+        const uint32_t alpha = isCut(style) ? wholeOrNothing(alphas[i]) : alphas[i];
+        image.pixels[i] = alpha == 0 ? 0 : image.pixels[i] | alpha << 24;
+    }
+    return image;
+}
+
+// Calls visit(layer's glyph, number of its colour) for each layer, the lowest first.
 template <typename Visit>
 bool ColourGlyphs::forEachLayer(FreeTypeFace& font, uint32_t glyph, Visit visit) const {
     FT_LayerIterator iterator;
@@ -160,8 +199,7 @@ bool ColourGlyphs::forEachLayer(FreeTypeFace& font, uint32_t glyph, Visit visit)
     while (count < kMaxLayers &&
            FT_Get_Color_Glyph_Layer(font.face(), glyph, &layerGlyph, &color, &iterator) != 0) {
         ++count;
-        // Numbers beyond the palette, usually 0xFFFF, mean the text's own colour.
-        visit(layerGlyph, color < mPaletteAlphas.size() ? mPaletteAlphas[color] : uint8_t{255});
+        visit(layerGlyph, color);
     }
     return count > 0;
 }
@@ -169,7 +207,7 @@ bool ColourGlyphs::forEachLayer(FreeTypeFace& font, uint32_t glyph, Visit visit)
 bool ColourGlyphs::layersBox(FreeTypeFace& font, uint32_t glyph, const GlyphStyle& style, int quarterX,
                              GlyphBox* box) const {
     GlyphBox all;
-    const bool layered = forEachLayer(font, glyph, [&](uint32_t layerGlyph, uint8_t) {
+    const bool layered = forEachLayer(font, glyph, [&](uint32_t layerGlyph, uint32_t) {
         if (loadOutline(font, layerGlyph, style, quarterX)) {
             all = unionOf(all, outlineBox(font));
         }
@@ -178,24 +216,55 @@ bool ColourGlyphs::layersBox(FreeTypeFace& font, uint32_t glyph, const GlyphStyl
     return layered;
 }
 
-// Draws one layer over another; the result has the alphas of a colour renderer's picture.
-void ColourGlyphs::drawLayers(FreeTypeFace& font, uint32_t glyph, const GlyphStyle& style, int quarterX,
-                              GlyphImage& image) const {
-    forEachLayer(font, glyph, [&](uint32_t layerGlyph, uint8_t alpha) {
+// Calls visit(the layer's coverage, number of its colour) for each layer, the lowest first.
+template <typename Visit>
+void ColourGlyphs::drawEachLayer(FreeTypeFace& font, uint32_t glyph, const GlyphStyle& style, int quarterX,
+                                 Visit visit) const {
+    forEachLayer(font, glyph, [&](uint32_t layerGlyph, uint32_t colour) {
         if (!loadOutline(font, layerGlyph, style, quarterX)) return;
         const GlyphBox box = outlineBox(font);
         GlyphImage layer = blankImage(box);
-        if (box.empty() || !rasterise(font, style, exactLevels(), layer)) return;
+        if (!box.empty() && rasterise(font, style, exactLevels(), layer)) visit(layer, colour);
+    });
+}
+
+// One layer over the other: the alphas of the picture that paintLayers makes.
+void ColourGlyphs::drawLayers(FreeTypeFace& font, uint32_t glyph, const GlyphStyle& style, int quarterX,
+                              GlyphImage& image) const {
+    drawEachLayer(font, glyph, style, quarterX, [&](const GlyphImage& layer, uint32_t colour) {
+        const uint32_t alpha = PaletteColours{&mPalette, 0xFF000000}.at(colour) >> 24;
         const uint8_t* source = layer.coverage.data();
-        for (int y = box.top; y < box.bottom; ++y) {
-            uint8_t* target = image.coverage.data() +
-                              static_cast<size_t>(y - image.top) * static_cast<size_t>(image.width) +
-                              static_cast<size_t>(box.left - image.left);
+        for (int y = 0; y < layer.height; ++y) {
+            uint8_t* target = image.coverage.data() + placeWithin(image, layer, y);
             for (int x = 0; x < layer.width; ++x, ++target) {
                 *target = coverageOver(static_cast<uint8_t>(multiplyBytes(*source++, alpha)), *target);
             }
         }
     });
+}
+
+ColourImage ColourGlyphs::paintLayers(FreeTypeFace& font, uint32_t glyph, const GlyphStyle& style,
+                                      int quarterX, uint32_t textColour) const {
+    GlyphBox box;
+    layersBox(font, glyph, style, quarterX, &box);
+    ColourImage image = blankPicture(box);
+    if (image.pixels.empty()) return image;
+    std::vector<uint32_t> row;
+    drawEachLayer(font, glyph, style, quarterX, [&](const GlyphImage& layer, uint32_t number) {
+        const uint32_t colour = PaletteColours{&mPalette, textColour}.at(number);
+        const uint8_t* source = layer.coverage.data();
+        row.resize(static_cast<size_t>(layer.width));
+        for (int y = 0; y < layer.height; ++y) {
+            for (uint32_t& word : row) word = withAlpha(colour, multiplyBytes(*source++, colour >> 24));
+            compositeWords(image.pixels.data() + placeWithin(image, layer, y), row.data(), row.size(),
+                           Composite::SourceOver);
+        }
+    });
+    return image;
+}
+
+bool ColourGlyphs::isGraphOnly(FreeTypeFace& font, uint32_t glyph, const GlyphStyle& style) const {
+    return mGraph.has(glyph) && !loadOutline(font, glyph, style, 0);
 }
 
 bool ColourGlyphs::box(FreeTypeFace& font, uint32_t glyph, const GlyphStyle& style, int quarterX,
@@ -205,7 +274,10 @@ bool ColourGlyphs::box(FreeTypeFace& font, uint32_t glyph, const GlyphStyle& sty
         *box = strikeBox(strike, style, quarterX);
         return true;
     }
-    return layersBox(font, glyph, style, quarterX, box);
+    if (layersBox(font, glyph, style, quarterX, box)) return true;
+    if (!isGraphOnly(font, glyph, style)) return false;
+    *box = mGraph.box(font, glyph, style, quarterX);
+    return true;
 }
 
 float ColourGlyphs::advance(FreeTypeFace& font, uint32_t glyph, const GlyphStyle& style) const {
@@ -223,14 +295,33 @@ bool ColourGlyphs::draw(FreeTypeFace& font, uint32_t glyph, const GlyphStyle& st
     Strike strike;
     if (loadStrike(font, glyph, style, false, &strike)) {
         *image = blankImage(strikeBox(strike, style, quarterX));
-        if (!image->coverage.empty()) drawStrike(strike, style, quarterX, *image);
+        if (!image->coverage.empty()) drawStrike(strike, style, quarterX, kAlpha, *image);
+        if (isCut(style)) {
+            for (uint8_t& level : image->coverage) level = wholeOrNothing(level);
+        }
         return true;
     }
     GlyphBox layers;
-    if (!layersBox(font, glyph, style, quarterX, &layers)) return false;
-    *image = blankImage(layers);
-    if (!image->coverage.empty()) drawLayers(font, glyph, style, quarterX, *image);
+    if (layersBox(font, glyph, style, quarterX, &layers)) {
+        *image = blankImage(layers);
+        if (!image->coverage.empty()) drawLayers(font, glyph, style, quarterX, *image);
+        return true;
+    }
+    if (!isGraphOnly(font, glyph, style)) return false;
+    const ColourImage painted = mGraph.draw(font, glyph, style, quarterX, {&mPalette, 0xFF000000});
+    *image =
+        blankImage({painted.left, painted.top, painted.left + painted.width, painted.top + painted.height});
+    std::transform(painted.pixels.begin(), painted.pixels.end(), image->coverage.begin(),
+                   [](uint32_t word) { return static_cast<uint8_t>(word >> 24); });
     return true;
+}
+
+ColourImage ColourGlyphs::paint(FreeTypeFace& font, uint32_t glyph, const GlyphStyle& style, int quarterX,
+                                uint32_t textColour) const {
+    Strike strike;
+    if (loadStrike(font, glyph, style, false, &strike)) return paintStrike(strike, style, quarterX);
+    if (mGraph.has(glyph)) return mGraph.draw(font, glyph, style, quarterX, {&mPalette, textColour});
+    return paintLayers(font, glyph, style, quarterX, textColour);
 }
 
 }  // namespace host

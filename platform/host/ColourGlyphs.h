@@ -7,18 +7,21 @@
 
 #include "platform/host/FontFace.h"
 #include "platform/host/FreeTypeFace.h"
+#include "platform/host/PaintGraph.h"
 
 namespace host {
 
-// The colour glyphs of a font, as alpha: bitmap strikes and layers. The calls return false for a glyph that
-// has no colour.
+// The colour glyphs of a font, as alpha and in colour: bitmap strikes, layers and painted graphs. The calls
+// return false, or no pixels, for a glyph that has no colour.
 class ColourGlyphs {
 public:
-    void open(FreeTypeFace& font);
+    void open(FreeTypeFace& font, hb_face_t* face);
 
     bool box(FreeTypeFace& font, uint32_t glyph, const GlyphStyle& style, int quarterX, GlyphBox* box) const;
     bool draw(FreeTypeFace& font, uint32_t glyph, const GlyphStyle& style, int quarterX,
               GlyphImage* image) const;
+    ColourImage paint(FreeTypeFace& font, uint32_t glyph, const GlyphStyle& style, int quarterX,
+                      uint32_t textColour) const;
     // The advance of a colour glyph, as the phone measures it.
     float advance(FreeTypeFace& font, uint32_t glyph, const GlyphStyle& style) const;
 
@@ -28,16 +31,27 @@ private:
     bool loadStrike(FreeTypeFace& font, uint32_t glyph, const GlyphStyle& style, bool metricsOnly,
                     Strike* strike) const;
     static GlyphBox strikeBox(const Strike& strike, const GlyphStyle& style, int quarterX);
-    static void drawStrike(const Strike& strike, const GlyphStyle& style, int quarterX, GlyphImage& image);
+    // One of the bitmap's channels: blue, green, red, alpha.
+    static void drawStrike(const Strike& strike, const GlyphStyle& style, int quarterX, int channel,
+                           GlyphImage& image);
+    static ColourImage paintStrike(const Strike& strike, const GlyphStyle& style, int quarterX);
     template <typename Visit>
     bool forEachLayer(FreeTypeFace& font, uint32_t glyph, Visit visit) const;
+    template <typename Visit>
+    void drawEachLayer(FreeTypeFace& font, uint32_t glyph, const GlyphStyle& style, int quarterX,
+                       Visit visit) const;
     bool layersBox(FreeTypeFace& font, uint32_t glyph, const GlyphStyle& style, int quarterX,
                    GlyphBox* box) const;
     void drawLayers(FreeTypeFace& font, uint32_t glyph, const GlyphStyle& style, int quarterX,
                     GlyphImage& image) const;
+    ColourImage paintLayers(FreeTypeFace& font, uint32_t glyph, const GlyphStyle& style, int quarterX,
+                            uint32_t textColour) const;
+    // Whether the graph is all there is of the glyph.
+    bool isGraphOnly(FreeTypeFace& font, uint32_t glyph, const GlyphStyle& style) const;
 
     bool mHasStrikes = false;
-    std::vector<uint8_t> mPaletteAlphas;  // of the first palette
+    std::vector<uint32_t> mPalette;  // the first one, straight 0xAARRGGBB
+    PaintGraph mGraph;
 };
 
 }  // namespace host

@@ -145,7 +145,7 @@ bool FontFace::Impl::open(const void* data, size_t size, int index) {
     const bool opened = freeType.open(data, size, index);
     freeType.throwIfExhausted();
     if (!opened || (!axes.empty() && !freeType.setAxes(hbFont.get()))) return false;
-    colours.open(freeType);
+    colours.open(freeType, hbFace.get());
     freeType.throwIfExhausted();
     return true;
 }
@@ -300,6 +300,15 @@ std::shared_ptr<const GlyphImage> FontFace::image(uint32_t glyph, const GlyphSty
         mImpl->freeType.throwIfExhausted();
     }
     return keepGlyph(key, std::move(image));
+}
+
+ColourImage FontFace::colourImage(uint32_t glyph, const GlyphStyle& style, int quarterX,
+                                  uint32_t textColour) const {
+    if (glyph >= mImpl->glyphCount || !drawable(style)) return {};
+    std::lock_guard<std::mutex> lock(mImpl->mutex);
+    ColourImage image = mImpl->colours.paint(mImpl->freeType, glyph, style, quarterX & 3, textColour);
+    mImpl->freeType.throwIfExhausted();
+    return image;
 }
 
 GlyphImage FontFace::pathImage(uint32_t glyph, const GlyphStyle& style, float x, float y,

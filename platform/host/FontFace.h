@@ -60,6 +60,12 @@ struct GlyphImage {
     std::vector<uint8_t> coverage;
 };
 
+// The same in colour: straight 0xAARRGGBB words, in rows of `width`.
+struct ColourImage {
+    int left = 0, top = 0, width = 0, height = 0;
+    std::vector<uint32_t> pixels;
+};
+
 // A table that a font in memory may contain: the axis positions of a variable font. It has pairs of an axis's
 // tag and a value in 16.16 fixed point, both big-endian. Axes that the font lacks are ignored, values are
 // clamped to the axis's range, and pairs after the first 64 are not read.
@@ -72,7 +78,8 @@ constexpr uint32_t kAxesTable = HB_TAG('Z', 'V', 'a', 'x');
 // linear text; without anti-alias they are hinted for its monochrome rasteriser. Levels pass through the
 // gamma table. Fake bold widens by a 34th of the em, to the right and upwards. Colour glyphs give their alpha
 // without hinting and gamma: a strike bitmap scaled as on the platform (StrikeFilter.h), or the layers of a
-// layered glyph, one over the other, with their palette alphas.
+// layered glyph, one over the other, with their palette alphas. A painted glyph (PaintGraph.h) gives its
+// alpha if it has neither layers nor an outline.
 //
 // The plain rendering does not hint. Fake bold widens the outline by size x (1/24 at size 9 and below,
 // falling linearly to 1/32 at size 36 and above) in total, evenly on both sides, after scale and skew. A
@@ -123,6 +130,13 @@ public:
     // Coverage for a pen at quarterX / 4 pixels, quarterX in 0..3 (taken modulo 4). Never null. Kept in the
     // process-wide glyph cache.
     std::shared_ptr<const GlyphImage> image(uint32_t glyph, const GlyphStyle& style, int quarterX) const;
+
+    // The picture of a colour glyph, for a pen at quarterX / 4 pixels; no pixels if the glyph has no colours.
+    // Palettes may refer to `textColour`; if it is opaque, the alpha of strikes and layers is that of
+    // image(). Strikes are filtered premultiplied. A glyph with a graph and layers is painted from the graph
+    // (PaintGraph.h). Large glyphs are not paths here. A picture of more than kMaxGlyphBytes is blank. The
+    // picture is not kept.
+    ColourImage colourImage(uint32_t glyph, const GlyphStyle& style, int quarterX, uint32_t textColour) const;
 
     // The part within `clip` of a glyph whose style is drawn as a path, for a pen at (x, y). Positions are
     // not rounded, and the image is not kept. Colour glyphs have no path.

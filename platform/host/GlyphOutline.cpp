@@ -130,6 +130,13 @@ GlyphBox limitedBox(const GlyphBox& box) {
     return box;
 }
 
+GlyphBox unionOf(const GlyphBox& a, const GlyphBox& b) {
+    if (a.empty()) return b;
+    if (b.empty()) return a;
+    return {std::min(a.left, b.left), std::min(a.top, b.top), std::max(a.right, b.right),
+            std::max(a.bottom, b.bottom)};
+}
+
 GlyphImage blankImage(const GlyphBox& wanted) {
     const GlyphBox box = limitedBox(wanted);
     GlyphImage image;
@@ -139,6 +146,20 @@ GlyphImage blankImage(const GlyphBox& wanted) {
     image.width = box.right - box.left;
     image.height = box.bottom - box.top;
     image.coverage.resize(static_cast<size_t>(image.width) * static_cast<size_t>(image.height));
+    return image;
+}
+
+ColourImage blankPicture(const GlyphBox& wanted) {
+    const GlyphBox box = limitedBox(wanted);
+    ColourImage image;
+    const auto width = static_cast<size_t>(box.right - box.left);
+    const auto height = static_cast<size_t>(box.bottom - box.top);
+    if (box.empty() || width * height > kMaxGlyphBytes / 4) return image;
+    image.left = box.left;
+    image.top = box.top;
+    image.width = box.right - box.left;
+    image.height = box.bottom - box.top;
+    image.pixels.resize(width * height);
     return image;
 }
 

@@ -13,8 +13,11 @@ namespace host {
 GlyphBox nearBox(int64_t left, int64_t top, int64_t right, int64_t bottom);
 // Empty if the box is larger than an image may be.
 GlyphBox limitedBox(const GlyphBox& box);
+// Not limited to the largest image, which the union of many boxes may exceed.
+GlyphBox unionOf(const GlyphBox& a, const GlyphBox& b);
 // An image of zeros; without pixels if the box is larger than an image may be.
 GlyphImage blankImage(const GlyphBox& box);
+ColourImage blankPicture(const GlyphBox& box);
 
 // How the phone sizes a style: FreeType's size, then a matrix (y downwards) for what FreeType cannot scale.
 struct PhoneScale {

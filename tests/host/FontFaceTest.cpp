@@ -17,6 +17,7 @@
 
 namespace {
 
+using fonts::glyphOf;
 using fonts::put;
 using fonts::Role;
 using host::FontFace;
@@ -80,14 +81,6 @@ testing::AssertionResult inside(const GlyphImage& image, const GlyphBox& box) {
         return coverageAt(image, x, y) == 0 ||
                (x >= box.left && x < box.right && y >= box.top && y < box.bottom);
     });
-}
-
-uint32_t glyphOf(const FontFace& face, uint32_t codePoint) {
-    hb_font_t* font = hb_font_create(face.hbFace());
-    hb_codepoint_t glyph = 0;
-    hb_font_get_nominal_glyph(font, codePoint, &glyph);
-    hb_font_destroy(font);
-    return glyph;
 }
 
 std::shared_ptr<FontFace> opened(const std::string& file) {

@@ -115,6 +115,14 @@ inline std::shared_ptr<host::FontFace> open(Role role, int index = 0) {
     return host::FontFace::open(bytes(role).data(), bytes(role).size(), index);
 }
 
+inline uint32_t glyphOf(const host::FontFace& face, uint32_t codePoint) {
+    hb_font_t* font = hb_font_create(face.hbFace());
+    hb_codepoint_t glyph = 0;
+    hb_font_get_nominal_glyph(font, codePoint, &glyph);
+    hb_font_destroy(font);
+    return glyph;
+}
+
 }  // namespace fonts
 
 #endif  // ZVEX_TESTS_HOST_FONTS_H_

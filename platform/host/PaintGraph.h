@@ -1,0 +1,68 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef ZVEX_PLATFORM_HOST_PAINTGRAPH_H_
+#define ZVEX_PLATFORM_HOST_PAINTGRAPH_H_
+
+#include <hb.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <utility>
+#include <vector>
+
+#include "platform/host/ColourLine.h"
+#include "platform/host/FontFace.h"
+#include "platform/host/FreeTypeFace.h"
+
+namespace host {
+
+// The first palette's colours, straight 0xAARRGGBB, and the text's for all numbers beyond them.
+struct PaletteColours {
+    const std::vector<uint32_t>* colours;
+    uint32_t text;
+
+    uint32_t at(uint32_t number) const { return number < colours->size() ? (*colours)[number] : text; }
+};
+
+// The glyphs of a font's COLR table, version 1: graphs of fills, shapes, transforms and composites. Read here
+// and not by FreeType, whose calls for them do not look where the table ends. Variable values stay at their
+// defaults.
+//
+// A picture is made of pieces of straight words, each rounded to bytes when it is joined. Shapes are filled
+// from unhinted outlines in 64ths of a pixel; fake bold leaves them as they are. Transforms and gradients are
+// in double precision, and a pixel has the colour of its centre.
+//
+// A graph deeper than 64 paints, more than 16384 paints in all or far more pixels than the picture has: what
+// was not painted until then is left out. A picture of more than kMaxGlyphBytes is blank.
+class PaintGraph {
+public:
+    void open(hb_face_t* face);
+    bool has(uint32_t glyph) const { return rootOf(glyph) != 0; }
+
+    // The box of the glyph's picture: its clip box, else that of its shapes, rounded outwards.
+    GlyphBox box(FreeTypeFace& font, uint32_t glyph, const GlyphStyle& style, int quarterX) const;
+    ColourImage draw(FreeTypeFace& font, uint32_t glyph, const GlyphStyle& style, int quarterX,
+                     const PaletteColours& palette) const;
+
+private:
+    class Painter;
+    // Big-endian; what lies beyond the table is 0.
+    uint32_t word(size_t at, int bytes) const;
+    int32_t number(size_t at, int bytes) const;
+    // Places in the table; 0 is none.
+    size_t rootOf(uint32_t glyph) const;
+    size_t clipOf(uint32_t glyph) const;
+    size_t layerAt(uint32_t index) const;
+    size_t placeOf(size_t base, size_t field, int bytes) const;
+
+    struct Release {
+        void operator()(hb_blob_t* blob) const { hb_blob_destroy(blob); }
+    };
+    std::unique_ptr<hb_blob_t, Release> mTable;
+    const uint8_t* mBytes = nullptr;
+    size_t mSize = 0;
+};
+
+}  // namespace host
+
+#endif  // ZVEX_PLATFORM_HOST_PAINTGRAPH_H_

@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef ZVEX_PLATFORM_HOST_WORDCOMPOSITE_H_
+#define ZVEX_PLATFORM_HOST_WORDCOMPOSITE_H_
+
+#include <cstddef>
+#include <cstdint>
+
+namespace host {
+
+// How the pictures of a painted glyph are joined, numbered as fonts do: Porter and Duff's ways (1984), their
+// sum, and the blends of the W3C's "Compositing and Blending Level 1".
+enum class Composite : uint8_t {
+    Clear,
+    Source,
+    Backdrop,
+    SourceOver,
+    BackdropOver,
+    SourceIn,
+    BackdropIn,
+    SourceOut,
+    BackdropOut,
+    SourceAtop,
+    BackdropAtop,
+    Xor,
+    Plus,
+    Screen,
+    Overlay,
+    Darken,
+    Lighten,
+    ColourDodge,
+    ColourBurn,
+    HardLight,
+    SoftLight,
+    Difference,
+    Exclusion,
+    Multiply,
+    Hue,
+    Saturation,
+    Colour,
+    Luminosity,
+};
+constexpr int kComposites = 28;
+
+constexpr uint32_t withAlpha(uint32_t colour, uint32_t alpha) {
+    return alpha == 0 ? 0 : (colour & 0xFFFFFF) | alpha << 24;
+}
+
+// Joins rows of straight 0xAARRGGBB words, which must not overlap. Colours and alphas are rounded to the
+// nearest once, halves up; where the alpha becomes 0 the word does.
+void compositeWords(uint32_t* backdrop, const uint32_t* source, size_t count, Composite mode);
+
+}  // namespace host
+
+#endif  // ZVEX_PLATFORM_HOST_WORDCOMPOSITE_H_
