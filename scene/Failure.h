@@ -8,18 +8,32 @@
 namespace Zvex::scene {
 
 // What the scene throws, besides std::bad_alloc. what() is one line: the place, ": " and the cause. The place
-// is the setting, as the command line and a batch call it ("--size", "--bevel soften"), or TEXT.
+// is the setting, as style files and batches call it: "size", "text", "font", "bevel soften",
+// "layers[0].spread".
 class Error : public std::runtime_error {
 public:
-    using std::runtime_error::runtime_error;
+    // The place may be given as the command line calls it, "--size" and "TEXT", to be shown so there.
+    explicit Error(const std::string& message)
+        : std::runtime_error(isText(message) ? "text" + message.substr(4)
+                                             : message.substr(isOption(message) ? 2 : 0)),
+          mOption(isOption(message)),
+          mText(isText(message)) {}
 
-    std::string place() const { return std::string(what()).substr(0, split()); }
+    std::string place() const { return message().substr(0, message().find(": ")); }
     std::string cause() const {
-        return std::string(what()).substr(split() == std::string::npos ? 0 : split() + 2);
+        const size_t split = message().find(": ");
+        return message().substr(split == std::string::npos ? 0 : split + 2);
+    }
+    std::string onCommandLine() const {
+        return mText ? "TEXT" + message().substr(4) : (mOption ? "--" : "") + message();
     }
 
 private:
-    size_t split() const { return std::string(what()).find(": "); }
+    static bool isOption(const std::string& message) { return message.compare(0, 2, "--") == 0; }
+    static bool isText(const std::string& message) { return message.compare(0, 6, "TEXT: ") == 0; }
+    std::string message() const { return what(); }
+
+    bool mOption, mText;
 };
 
 // The scene asks for something that cannot be.

@@ -38,6 +38,12 @@ ChoiceField blendField(int* blend) {
 
 }  // namespace
 
+Look& Look::add(EffectSettings settings) {
+    designedFor.erase(settings.index());
+    addOrReplace(effects, std::move(settings));
+    return *this;
+}
+
 Fields fieldsOf(LayerSettings& layer) {
     return {{"color", OptionalColorField{&layer.color}},
             {"opacity", ShareField{&layer.opacity}},

@@ -19,6 +19,9 @@ struct Look {
     std::vector<EffectSettings> effects;
     // The text size that the effects of a kind, by its index, are drawn for; none: they are used as they are.
     std::map<size_t, double> designedFor;
+
+    // Adds an effect, or replaces the one of its kind: look.add(StrokeSettings{6, 0xFF202020}).
+    Look& add(EffectSettings settings);
 };
 
 // One of several layers of a text, each drawn with effects of its own.

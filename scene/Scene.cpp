@@ -12,6 +12,7 @@
 #include "foundation/OutOfMemory.h"
 #include "scene/Failure.h"
 #include "scene/LayeredScene.h"
+#include "scene/SceneCheck.h"
 #include "scene/SceneFonts.h"
 #include "scene/SceneLayout.h"
 #include "text/LinePlacement.h"
@@ -137,13 +138,15 @@ using Sink = std::function<void(const unsigned* pixels, int width, int height)>;
 
 // Without a sink nothing is drawn. The picture of the result is empty but for its size.
 Rendering make(const Scene& scene, const Sink& sink) {
+    checkScene(scene);
     const host::RenderingOfThread drawnSo(scene.rendering);
     Zvex::takeOutOfMemoryMark();  // an earlier picture's
     const SceneFonts fonts = takeFonts(scene);
     ZvTextObject object;
     if (!object.Construct()) throw std::bad_alloc();
     setText(object, scene, fonts);
-    const Style& style = scene.style;
+    Style style = scene.style;
+    fitEffects(style);
     std::optional<LayeredScene> layered;
     if (LayeredScene::isFor(style)) {
         layered.emplace(style, object);
@@ -232,6 +235,7 @@ std::string keyInHex(const Look& look, uint32_t color) {
 }  // namespace
 
 std::string layerKeyInHex(const Style& style) {
+    checkStyle(style);
     if (style.layers.empty()) return keyInHex(style, withOpacity(style.color, style.opacity));
     std::string keys;
     for (const LayerSettings& layer : style.layers)

@@ -69,8 +69,7 @@ struct Scene {
 //     Scene scene;
 //     scene.text = "Gold";
 //     scene.font = "DejaVu Serif:bold";
-//     readPreset("style", "gold", scene.style);
-//     fitEffects(scene.style);  // to the text's size
+//     scene.style = styleFromPreset("gold");
 //     const Rendering gold = render(scene);  // gold.picture, gold.metrics, gold.warnings
 Rendering render(const Scene& scene);
 

@@ -10,6 +10,7 @@
 #include "scene/Failure.h"
 #include "scene/Json.h"
 #include "scene/Presets.h"
+#include "scene/SceneCheck.h"
 #include "scene/TextInput.h"
 
 namespace Zvex::scene {
@@ -186,12 +187,7 @@ private:
             readObject(place, fieldsOf(layer), {"effects"}, object);
             readEffects(place, object, designedFor, layer);
         }
-        size_t base = layers.size();  // behind it all layers are clipped
-        while (base > 0 && layers[base - 1].clip) --base;
-        if (base < layers.size()) {
-            refuse(element("layers", layers.size() - 1) + ".clip",
-                   "there is no layer behind it to clip it to");
-        }
+        checkClips(layers);
         return layers;
     }
 
@@ -463,12 +459,6 @@ void fitEffects(Style& style) {
     style.layersDesignedFor = 0;
 }
 
-void checkLayers(const Style& style) {
-    if (style.layers.empty() || style.effects.empty()) return;
-    throw UsageError(std::string("--") + kindOf(style.effects[0]).name +
-                     ": the style has layers, and effects belong into one of them");
-}
-
 std::vector<const EffectSettings*> allEffects(const Style& style) {
     std::vector<const EffectSettings*> all;
     const auto add = [&](const Look& look) {
@@ -481,12 +471,30 @@ std::vector<const EffectSettings*> allEffects(const Style& style) {
     return all;
 }
 
+Style styleFromFile(const std::string& path) {
+    Style style;
+    readStyle("style", path, style);
+    return style;
+}
+
+Style styleFromText(const std::string& json) {
+    Style style;
+    readStyleText("", json, style);
+    return style;
+}
+
+Style styleFromPreset(const std::string& name) {
+    Style style;
+    readPreset("preset", name, style);
+    return style;
+}
+
 void readStyleText(const std::string& option, const std::string& text, Style& style,
                    const FolderScope& scope) {
     try {
         StyleReader("", scope).read(parseJson(text), style);
     } catch (const UsageError& error) {
-        throw UsageError(option + ": " + error.what());
+        throw UsageError((option.empty() ? "" : option + ": ") + error.what());
     }
 }
 

@@ -67,14 +67,18 @@ StyleNotes readStyle(const std::string& option, const std::string& path, Style& 
 // The same with one of the presets; throws UsageError, which lists them, where there is none of that name.
 StyleNotes readPreset(const std::string& option, const std::string& name, Style& style);
 
-// Throws UsageError where a style with layers has effects beside them, which only options can bring about.
-void checkLayers(const Style& style);
-
 // All effects that the style draws, those of its layers and its canvas too.
 std::vector<const EffectSettings*> allEffects(const Style& style);
 
-// Once the size is known: brings the lengths of effects that are designed for another one to it, pixels in
-// whole ones, no further than an effect can be set. What was at least a pixel stays one.
+// New styles of a file, of a style's own text, and of a preset. What is wrong in a text has its place in it:
+// "layers[0].spread".
+Style styleFromFile(const std::string& path);
+Style styleFromText(const std::string& json);
+Style styleFromPreset(const std::string& name);
+
+// Once the size is known, which render() does itself: brings the lengths of effects that are designed for
+// another one to it, pixels in whole ones, no further than an effect can be set. What was at least a pixel
+// stays one.
 void fitEffects(Style& style);
 
 // The same from the text itself, which messages do not repeat; a pattern's file is relative to the working

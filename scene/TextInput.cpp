@@ -17,16 +17,6 @@ namespace Zvex::scene {
 
 namespace {
 
-// Why the text cannot be drawn, or empty.
-std::string fault(const std::string& text) {
-    if (text.empty()) return "the text is empty";
-    const size_t invalid = findInvalidUtf8(text);
-    if (invalid != std::string::npos) return "the text is not UTF-8 (byte " + std::to_string(invalid) + ")";
-    const size_t nul = text.find('\0');
-    if (nul != std::string::npos) return "the text holds a NUL character (byte " + std::to_string(nul) + ")";
-    return "";
-}
-
 // There are no tab stops, and no font has a glyph for a tab.
 std::string withoutTabs(std::string text) {
     std::replace(text.begin(), text.end(), '\t', ' ');
@@ -34,6 +24,16 @@ std::string withoutTabs(std::string text) {
 }
 
 }  // namespace
+
+std::string faultOf(const std::string& text) {
+    if (text.empty()) return "the text is empty";
+    if (text.size() > kMaxTextBytes) return "the text is longer than 4 MiB";
+    const size_t invalid = findInvalidUtf8(text);
+    if (invalid != std::string::npos) return "the text is not UTF-8 (byte " + std::to_string(invalid) + ")";
+    const size_t nul = text.find('\0');
+    if (nul != std::string::npos) return "the text holds a NUL character (byte " + std::to_string(nul) + ")";
+    return "";
+}
 
 size_t findInvalidUtf8(const std::string& text) {
     const char* bytes = text.data();
@@ -106,9 +106,8 @@ std::string readFile(const std::string& option, const std::string& path, size_t 
 std::string readText(const std::string& argument, const std::string& file, bool literal,
                      const FolderScope& scope) {
     if (file.empty() && (literal || argument != "-")) {
-        const std::string why = fault(argument);
+        const std::string why = faultOf(argument);
         if (!why.empty()) throw UsageError("TEXT: " + why);
-        if (argument.size() > kMaxTextBytes) throw UsageError("TEXT: the text is longer than 4 MiB");
         return withoutTabs(argument);
     }
     const std::string option = file.empty() ? "TEXT" : "--text-file";
@@ -120,7 +119,7 @@ std::string readText(const std::string& argument, const std::string& file, bool 
         text += raw[i];
     }
     if (!text.empty() && text.back() == '\n') text.pop_back();
-    const std::string why = fault(text);
+    const std::string why = faultOf(text);
     if (!why.empty()) throw Failure(option + ": " + why);
     return withoutTabs(text);
 }

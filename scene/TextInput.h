@@ -18,6 +18,9 @@ constexpr size_t kMaxTextBytes = size_t{4} << 20;
 std::string readText(const std::string& argument, const std::string& file, bool literal = false,
                      const FolderScope& scope = {});
 
+// Why the text cannot be drawn, or empty.
+std::string faultOf(const std::string& text);
+
 // The whole of a file in `scope`, or of standard input for "-". Throws Failure, its message starting with
 // `option`. No more than a little above maxBytes is read, whatever the file is.
 std::string readFile(const std::string& option, const std::string& path, size_t maxBytes,

@@ -9,12 +9,12 @@
 
 namespace Zvex::scene {
 
-// The message of the UsageError or Failure that `call` throws; empty when it throws nothing.
+// The message of the Error that `call` throws, as the command line says it; empty when it throws nothing.
 inline std::string refusal(const std::function<void()>& call) {
     try {
         call();
-    } catch (const std::runtime_error& error) {
-        return error.what();
+    } catch (const Error& error) {
+        return error.onCommandLine();
     }
     return "";
 }

@@ -5,6 +5,7 @@
 
 #include <cmath>
 #include <fstream>
+#include <functional>
 #include <sstream>
 
 #include "scene/Failure.h"
@@ -20,8 +21,7 @@ Scene sceneOf(const std::string& text, Font font = kFont) {
     Scene scene;
     scene.text = text;
     scene.font = std::move(font);
-    readPreset("style", "gold", scene.style);
-    fitEffects(scene.style);
+    scene.style = styleFromPreset("gold");
     return scene;
 }
 
@@ -112,7 +112,7 @@ TEST(Render, ErrorsSayPlaceAndCauseAndWarningsComeWithThePicture) {
         render(scene);
         FAIL();
     } catch (const Error& error) {
-        EXPECT_EQ(error.place(), "--size");
+        EXPECT_EQ(error.place(), "size");
         EXPECT_EQ(error.cause().rfind("the picture would be ", 0), 0u) << error.cause();
     }
     scene = sceneOf("\uE123");
@@ -122,6 +122,79 @@ TEST(Render, ErrorsSayPlaceAndCauseAndWarningsComeWithThePicture) {
     EXPECT_EQ(render(scene).warnings[0].rfind("no font has U+E123", 0), 0u);
     std::istringstream lines(testing::internal::GetCapturedStderr());
     for (std::string line; std::getline(lines, line);) EXPECT_EQ(line.rfind("D/", 0), 0u) << line;
+}
+
+// The places of what is set in code; no number reaches the library unseen.
+TEST(Render, RefusesWhatNoStyleFileCouldHold) {
+    const double nan = std::nan("");
+    const auto stops = [](std::vector<Stop> list) {
+        LinearGradientSettings gradient;
+        gradient.stops = std::move(list);
+        return gradient;
+    };
+    const std::vector<std::pair<std::string, std::function<void(Scene&)>>> cases = {
+        {"text", [](Scene& s) { s.text = "a\xFF"; }},
+        {"width", [](Scene& s) { s.width = -1; }},
+        {"padding", [](Scene& s) { s.padding.top = 40000; }},
+        {"max-lines", [](Scene& s) { s.maxLines = -1; }},
+        {"size", [&](Scene& s) { s.style.size = nan; }},
+        {"opacity", [](Scene& s) { s.style.opacity = 1.5; }},
+        {"features", [](Scene& s) { s.style.features.assign(5000, 'x'); }},
+        {"stroke width", [](Scene& s) { s.style.add(StrokeSettings{-3}); }},
+        {"stroke position",
+         [](Scene& s) {
+             s.style.add(StrokeSettings{3, 0, 77});
+         }},
+        {"stroke", [](Scene& s) { s.style.effects.assign(2, StrokeSettings()); }},
+        {"bevel soften",
+         [](Scene& s) {
+             s.style.add(BevelSettings{1, 0, 1, 8, 1, 0, 30, 99});
+         }},
+        {"bevel highlight opacity",
+         [&](Scene& s) {
+             BevelSettings bevel;
+             bevel.highlight.opacity = nan;
+             s.style.add(bevel);
+         }},
+        {"linear-gradient stops", [&](Scene& s) { s.style.add(stops({})); }},
+        {"linear-gradient stops", [&](Scene& s) { s.style.add(stops(std::vector<Stop>(257))); }},
+        {"linear-gradient stops[1].position",
+         [&](Scene& s) {
+             s.style.add(stops({{0, 50}, {0, 40}}));
+         }},
+        {"linear-gradient stops[0].position",
+         [&](Scene& s) {
+             s.style.add(stops({{0, nan}, {0, 40}}));
+         }},
+        {"pattern file", [](Scene& s) { s.style.add(PatternSettings()); }},
+        {"canvas", [](Scene& s) { s.style.canvas = Canvas{StrokeSettings()}; }},
+        {"canvas linear-gradient stops", [&](Scene& s) { s.style.canvas = Canvas{stops({})}; }},
+        {"layers[1].spread", [](Scene& s) { s.style.layers.resize(2), s.style.layers[1].spread = 0.5; }},
+        {"layers[0].offset x", [](Scene& s) { s.style.layers.resize(1), s.style.layers[0].offset.x = 1e9; }},
+        {"layers[0].blend", [](Scene& s) { s.style.layers.resize(1), s.style.layers[0].blend = 17; }},
+        {"layers[0].stroke width",
+         [](Scene& s) { s.style.layers.resize(1), s.style.layers[0].add(StrokeSettings{101}); }},
+        {"layers[0].clip", [](Scene& s) { s.style.layers.resize(1), s.style.layers[0].clip = true; }},
+        {"layers", [](Scene& s) { s.style.layers.resize(33); }},
+        {"stroke", [](Scene& s) { s.style.layers.resize(1), s.style.add(StrokeSettings()); }}};
+    for (const auto& [place, change] : cases) {
+        Scene scene;
+        scene.text = "x";
+        scene.font = kFont;
+        change(scene);
+        try {
+            measure(scene);
+            ADD_FAILURE() << place << " is taken";
+        } catch (const UsageError& error) {
+            EXPECT_EQ(error.place(), place) << error.what();
+        }
+    }
+    try {
+        styleFromText(R"({"layers": [{"spread": 200}]})");
+        FAIL();
+    } catch (const Error& error) {
+        EXPECT_EQ(error.place(), "layers[0].spread");
+    }
 }
 
 }  // namespace

@@ -106,7 +106,9 @@ int run(int argc, char** argv) {
     } catch (const CLI::ParseError& error) {
         return complain(std::string(error.what()) + " (see zvtext --help)", kExitUsage);
     } catch (const UsageError& error) {
-        return complain(error.what(), kExitUsage);
+        return complain(error.onCommandLine(), kExitUsage);
+    } catch (const Error& error) {
+        return complain(error.onCommandLine(), kExitFailure);
     } catch (const std::bad_alloc&) {
         return complain("not enough memory", kExitFailure);
     } catch (const std::exception& error) {

@@ -269,6 +269,9 @@ private:
         } catch (const std::bad_alloc&) {
             finish(place, failedResult(job.line, job.path, "not enough memory"));
             return true;
+        } catch (const Error& error) {
+            finish(place, failedResult(job.line, job.path, error.onCommandLine()));
+            return true;
         } catch (const std::exception& error) {
             finish(place, failedResult(job.line, job.path, error.what()));
             return true;
@@ -481,7 +484,7 @@ private:
         try {
             mInput.read();
         } catch (const Failure& failure) {
-            stop(failure.what());
+            stop(failure.onCommandLine());
         }
     }
 

@@ -127,9 +127,11 @@ private:
         } catch (const std::bad_alloc&) {
             return failedResult(job.line, job.path, "not enough memory");
         } catch (const DiskFull& error) {
-            BatchResult result = failedResult(job.line, job.path, error.what());
+            BatchResult result = failedResult(job.line, job.path, error.onCommandLine());
             result.diskFull = true;
             return result;
+        } catch (const Error& error) {
+            return failedResult(job.line, job.path, error.onCommandLine());
         } catch (const std::exception& error) {
             return failedResult(job.line, job.path, error.what());
         }

@@ -7,6 +7,7 @@
 #include "scene/Failure.h"
 #include "scene/FontChoice.h"
 #include "scene/Scale.h"
+#include "scene/SceneCheck.h"
 #include "scene/TextInput.h"
 #include "tools/zvtext/render/GivenValue.h"
 #include "tools/zvtext/render/OutputFile.h"
