@@ -1,18 +1,21 @@
 // SPDX-License-Identifier: Apache-2.0
 // How much memory a render takes beyond the picture it makes: a few bytes a pixel, whatever the sizes of the
-// effect. Each line that is printed has the bytes a pixel.
+// effect, and nothing that stays. Each line that is printed has the bytes a pixel.
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <climits>
 #include <cstdio>
+#include <cstdlib>
 #include <memory>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "effect/ZvEffect.h"
+#include "platform/host/GlyphCache.h"
 #include "raster/ZvBitmap.h"
-#include "tests/effect/LayerSettings.h"
+#include "tests/effect/RandomLayer.h"
 #include "tests/memory/PeakMemory.h"
 #include "tests/text/TextScene.h"
 
@@ -103,4 +106,44 @@ TEST(Memory, ARenderTakesAFewBytesForEachPixelOfItsPicture) {
         for (const auto& [size, soften] : {std::pair{3, 0}, {20, 7}, {100, 0}})
             for (const Case& c : casesOf(size, soften)) expectFewBytes(c, page);
     }
+}
+
+// Of new texts and changed ones, with failures among them. ZVEX_TEST_RENDERS says how many, 3000 if it does
+// not.
+TEST(Memory, ManyRendersHoldNoMoreThanSome) {
+    const char* const kFonts[] = {text_test::kSans, text_test::kBold, text_test::kCjk, text_test::kEmoji};
+    const wchar_t* const kTexts[] = {L"Hamburgefonst", L"Gr\u00FC\u00DFe, \u4E16\u754C", L"",
+                                     L"\u0645\u0631\u062D\u0628\u0627 \U0001F600", L"\u0e01\u0e33 fi\u0301n"};
+    const char* const asked = std::getenv("ZVEX_TEST_RENDERS");
+    const long renders = asked != nullptr ? std::max(1000L, std::atol(asked)) : 3000;
+    FontManager::GetInstance()->SetSystemFontFamilies(
+        text_test::makeFamilies({text_test::makeFamily("", {text_test::kEmoji}),
+                                 text_test::makeFamily("zh-Hans", {text_test::kCjk})}));
+    ASSERT_NE(std::freopen("/dev/null", "w", stderr), nullptr);  // what fails is in the log
+    host::setGlyphCacheLimit(1 << 18);                           // full before the memory is looked at
+    Random random(7);
+    std::unique_ptr<TextScene> scene;
+    std::unique_ptr<PeakMemory> sinceTheFirstQuarter;
+    long visible = 0;
+    for (long i = 0; i < renders; ++i) {
+        if (i % 4 == 0) {
+            const char* const font = kFonts[random.below(4)];
+            scene =
+                std::make_unique<TextScene>(font, L"", static_cast<float>(random.between(6, 40)), 200, 60);
+        }
+        scene->object.SetText(kTexts[random.below(5)]);
+        scene->effect().setTextOpacity(static_cast<float>(random.below(5)) * 0.25f);
+        addLayer(scene->effect(), random.below(kLayerKinds), random);
+        if (i % 6 == 0) {  // the object stays as it is
+            EXPECT_FALSE(scene->object.SetFont("/nowhere/missing.ttf"));
+            EXPECT_FALSE(scene->object.SetFont("none", text_test::newBuffer(std::string(500, 'x')), 500));
+            EXPECT_EQ(scene->object.RenderTextEffect(INT_MAX, INT_MAX), nullptr);
+        }
+        scene->setLines({TextScene::makeLine(-5, 30, 0, 30), TextScene::makeLine(40, 60, 1, 9, -1)});
+        visible += scene->render().countVisible() > 50;
+        if (i == renders / 4) sinceTheFirstQuarter = std::make_unique<PeakMemory>();
+    }
+    std::printf("%8ld bytes of growth\n", static_cast<long>(sinceTheFirstQuarter->growth()));
+    EXPECT_LE(sinceTheFirstQuarter->growth(), 1 << 19);
+    EXPECT_GT(visible, renders / 3);
 }

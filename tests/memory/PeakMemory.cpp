@@ -86,3 +86,7 @@ PeakMemory::PeakMemory() : mAtStart(held) {
 int64_t PeakMemory::bytes() const {
     return most - mAtStart;
 }
+
+int64_t PeakMemory::growth() const {
+    return held - mAtStart;
+}

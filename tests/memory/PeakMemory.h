@@ -8,8 +8,9 @@
 // block with the room it really takes. A program with PeakMemory.cpp has its allocator counted.
 class PeakMemory {
 public:
-    PeakMemory();           // starts at what is held now
-    int64_t bytes() const;  // the most that was held at once since then, beyond what was held at the start
+    PeakMemory();            // starts at what is held now
+    int64_t bytes() const;   // the most that was held at once since then, beyond what was held at the start
+    int64_t growth() const;  // what is held now beyond that
 
 private:
     int64_t mAtStart;
