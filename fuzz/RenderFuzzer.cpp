@@ -131,26 +131,13 @@ std::vector<ZvLineInfo> readLines(fuzz::Input& input, int length) {
     std::vector<ZvLineInfo> lines(static_cast<size_t>(input.between(0, 4)));
     for (ZvLineInfo& line : lines) {
         const bool odd = input.byte() < 20;
-        line.x = odd ? input.integer() : input.between(-10, 60);
-        line.y = odd ? input.integer() : input.between(-10, 90);
-        line.start = odd ? input.integer() : input.between(0, length);
-        line.end = odd ? input.integer() : input.between(0, length);
+        int32_t* const numbers[] = {&line.x,         &line.y,        &line.start,      &line.end,
+                                    &line.rect.left, &line.rect.top, &line.rect.right, &line.rect.bottom};
+        const int most[] = {60, 90, length, length, 60, 90, 120, 96};
+        for (int i = 0; i < 8; ++i) *numbers[i] = odd ? input.integer() : input.between(0, most[i]);
         line.direction = input.between(-1, 1);
-        line.rect.left = odd ? input.integer() : line.x;
-        line.rect.top = odd ? input.integer() : line.y - 20;
-        line.rect.right = odd ? input.integer() : line.x + 60;
-        line.rect.bottom = odd ? input.integer() : line.y + 6;
     }
     return lines;
-}
-
-void changeLine(fuzz::Input& input, int length, ZvLineInfo& line) {
-    const int change = input.between(0, 4);
-    if (change == 0) line.start = input.between(0, length);
-    if (change == 1) line.end = input.between(0, length);
-    if (change == 2) line.direction = input.between(-1, 1);
-    if (change == 3) line.x = input.between(-10, 60);
-    if (change == 4) line.y = input.between(-10, 90);
 }
 
 void tellLines(ZvTextObject& object, const std::vector<ZvLineInfo>& lines) {
@@ -246,11 +233,8 @@ public:
                 mObject->SetPaint(mTold.paint);
                 break;
             case 4:
-                mTold.lines = readLines(mInput, length);
-                break;
             case 5:
-                if (mTold.lines.empty()) break;
-                changeLine(mInput, length, mTold.lines[mInput.byte() % mTold.lines.size()]);
+                mTold.lines = readLines(mInput, length);
                 break;
             case 6:
             case 7:

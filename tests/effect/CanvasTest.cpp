@@ -55,21 +55,5 @@ TEST(Canvas, FillsWithAColorAndKnowsNoOtherDepth) {
     EXPECT_EQ(mask.pixels[0], 0);
 }
 
-TEST(Canvas, WithoutMemoryStaysOrBecomesTransparent) {
-    ZvGradient stops[] = {{0xFFFF0000, 1, 0}, {0xFF00FF00, 1, 1}};
-    ZvEffect fill;
-    fill.addLinearGradientText(0, 1, 1, 2, stops);
-    ZvBitmap whole(20, 10, 4), picture(whole);
-    fillCanvas(&whole, &fill);
-    forEachFailingAllocation([&](bool fails) {
-        fillCanvas(&picture, 0xFF123456);
-        fillCanvas(&picture, &fill);
-        const uint32_t word = canvasWord(picture, 0, 0);
-        const bool isWhole = std::memcmp(picture.pixels, whole.pixels, whole.byteCount()) == 0;
-        EXPECT_TRUE(isWhole || (fails && (word == 0 || word == 0xFF123456))) << std::hex << word;
-        EXPECT_EQ(fill.getSrcBitmap(), nullptr);
-    });
-}
-
 }  // namespace
 }  // namespace Zvex

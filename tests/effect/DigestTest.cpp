@@ -22,17 +22,6 @@ public:
         const auto* bytes = static_cast<const unsigned char*>(data);
         for (size_t i = 0; i < size; ++i) mValue = (mValue ^ bytes[i]) * 0x100000001B3u;
     }
-    void addPixels(const ZvBitmap& bitmap) {
-        const size_t count = size_t{bitmap.width} * bitmap.height;
-        for (size_t i = 0; i < count; ++i) {
-            uint32_t pixel;
-            std::memcpy(&pixel, bitmap.pixels + i * 4, 4);
-            const unsigned char bytes[] = {
-                static_cast<unsigned char>(pixel), static_cast<unsigned char>(pixel >> 8),
-                static_cast<unsigned char>(pixel >> 16), static_cast<unsigned char>(pixel >> 24)};
-            add(bytes, sizeof bytes);
-        }
-    }
     uint64_t value() const { return mValue; }
 
 private:
@@ -58,15 +47,12 @@ uint64_t picturesOf(int kind) {
         const int lineWidth = random.between(1, width), lineHeight = random.between(1, height);
         const int x = random.between(-5, 20), y = random.between(-5, 20);
         ZvBitmap line = makeMask(mask, lineWidth, lineHeight, random);
-        ZvGlyph glyph;
-        glyph.width = static_cast<uint16_t>(line.width);
-        glyph.height = static_cast<uint16_t>(line.height);
-        glyph.pixels = line.pixels;
+        ZvGlyph glyph = glyphOf(line);
         ZvBitmap picture(static_cast<unsigned>(width), static_cast<unsigned>(height), 4);
         stack.initPicture(&picture);
         stack.renderEffectLayer(x, y, &glyph);
         stack.drawPicture(PixelOrder::BlueFirst);
-        digest.addPixels(picture);
+        digest.add(picture.pixels, picture.byteCount());
     }
     return digest.value();
 }

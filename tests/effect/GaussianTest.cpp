@@ -90,58 +90,41 @@ TEST(Gaussian, BlurEqualsThePlainForm) {
     }
 }
 
-// One opaque run, at each place in and beside a target of several blocks. Inverted, a single weight shows.
-TEST(Gaussian, PassesTakeInTheLastPixelOfEachWindow) {
-    constexpr int kCount = 300, kRun = 64, kRadius = 5;
+// A line of pixels that begins at `at`, as a row and as a column, against the plain sums.
+void expectThePlainPass(int radius, const std::vector<uint8_t>& source, int at, int count, bool inverted) {
     Gaussian kernel;
-    ASSERT_TRUE(kernel.make(kRadius, 100, GaussianConstant::Single));
-    const std::vector<int> weights = reference::gaussianWeights(kRadius, 100, true);
-    const std::vector<uint8_t> source(kRun, 255);
+    ASSERT_TRUE(kernel.make(radius, 100, GaussianConstant::Single));
+    // Its own: the plain form squares distances as ints.
+    const std::vector<int> weights(kernel.weights.get(), kernel.weights.get() + radius + 1);
+    const int end = at + static_cast<int>(source.size());
+    const int64_t total = kernel.total;
     Blur blur;
-    ASSERT_TRUE(blur.prepare(kernel, kCount, kCount));
-    for (int at = -kRun - kRadius - 2; at < kCount + kRadius + 2; ++at) {
-        std::vector<uint8_t> expected, rows(kCount), columns(kCount);
-        for (int x = 0; x < kCount; ++x) {
-            const int64_t sum = reference::gaussianSum(
-                weights, [&](int i) { return x + i >= at && x + i < at + kRun ? 255 : 0; });
-            expected.push_back(static_cast<uint8_t>((int64_t{255} * kernel.total - sum) / kernel.total));
-        }
-        forEachCpuTarget([&] {
-            blur.rows({source.data(), 0, at, at + kRun, rows.data(), 0, kCount, 1, false, true});
-            blur.columns({source.data(), 1, at, at + kRun, columns.data(), 1, 1, kCount, false, true});
-            ASSERT_EQ(rows, expected) << at;
-            ASSERT_EQ(columns, expected) << at;
+    ASSERT_TRUE(blur.prepare(kernel, count, count));
+    std::vector<uint8_t> expected, rows(static_cast<size_t>(count)), columns(rows);
+    for (int x = 0; x < count; ++x) {
+        const int64_t sum = reference::gaussianSum(weights, [&](int i) {
+            return x + i >= at && x + i < end ? source[static_cast<size_t>(x + i - at)] : 0;
         });
+        expected.push_back(static_cast<uint8_t>((inverted ? 255 * total - sum : sum) / total));
     }
+    forEachCpuTarget([&] {
+        blur.rows({source.data(), 0, at, end, rows.data(), 0, count, 1, false, inverted});
+        blur.columns({source.data(), 1, at, end, columns.data(), 1, 1, count, false, inverted});
+        ASSERT_EQ(rows, expected) << at;
+        ASSERT_EQ(columns, expected) << at;
+    });
 }
 
-// Sums that no multiplier divides exactly; one pass, because a plane with room for its windows is too large.
-TEST(Gaussian, BlurOfAnEndlessRadiusEqualsThePlainForm) {
-    constexpr int kRadius = 110000;
-    Gaussian kernel;
-    ASSERT_TRUE(kernel.make(kRadius, 100, GaussianConstant::Single));
-    // Its own: the plain form squares distances as ints.
-    const std::vector<int> weights(kernel.weights.get(), kernel.weights.get() + kRadius + 1);
+// One opaque run, at each place in and beside a target of several blocks. Inverted, a single weight shows.
+TEST(Gaussian, PassesTakeInTheLastPixelOfEachWindow) {
+    for (int at = -71; at < 307; ++at) expectThePlainPass(5, std::vector<uint8_t>(64, 255), at, 300, true);
+}
+
+TEST(Gaussian, SumsThatNoMultiplierDividesEqualThePlainForm) {
     Random random(3);
     std::vector<uint8_t> source(100000);
     for (uint8_t& pixel : source) pixel = static_cast<uint8_t>(random.between(180, 255));
-    Blur blur;
-    ASSERT_TRUE(blur.prepare(kernel, 3, 3));
-    for (bool inverted : {false, true}) {
-        uint8_t rows[3], columns[3];
-        blur.rows({source.data(), 0, -50000, 50000, rows, 0, 3, 1, false, inverted});
-        blur.columns({source.data(), 1, -50000, 50000, columns, 1, 1, 3, false, inverted});
-        for (int x = 0; x < 3; ++x) {
-            const int64_t sum = reference::gaussianSum(weights, [&](int i) {
-                const int at = x + i + 50000;
-                return at < 0 || at >= 100000 ? 0 : source[static_cast<size_t>(at)];
-            });
-            const int64_t total = kernel.total;
-            const int expected = static_cast<int>((inverted ? 255 * total - sum : sum) / total);
-            EXPECT_EQ(rows[x], expected);
-            EXPECT_EQ(columns[x], expected);
-        }
-    }
+    for (bool inverted : {false, true}) expectThePlainPass(110000, source, -50000, 3, inverted);
 }
 
 }  // namespace

@@ -53,10 +53,7 @@ struct Rendering {
 
     void drawLines() {
         for (int i = 0; i < count; ++i) {
-            ZvGlyph glyph;
-            glyph.pixels = lines[i].pixels;
-            glyph.width = static_cast<uint16_t>(lines[i].width);
-            glyph.height = static_cast<uint16_t>(lines[i].height);
+            ZvGlyph glyph = glyphOf(lines[i]);
             stack.renderEffectLayer(x[i], y[i], &glyph);
         }
     }

@@ -26,49 +26,28 @@ void drawText(ZvBitmap* target, ZvBitmap* mask, int layerMode, bool overLayers =
     EXPECT_EQ(text.doPostProcessing(&param), 0);
 }
 
-// With two layers the full colour lies wherever there is coverage; the first layer of one picture is blended.
-TEST(TextLayer, EqualsABlendOfTheMask) {
-    Random random(4);
-    for (MaskKind maskKind : kAllMasks) {
-        ZvBitmap mask = makeMask(maskKind, 20, 15, random);
-        for (TargetKind kind : kAllTargets) {
-            for (const int layerMode : {0, 1}) {
-                ZvBitmap target = makeTarget(kind, 18, 17, random), expected(target);
-                reference::drawBitmapBlend8(0, 0, &expected, mask.pixels, 20, 15, 20, kColor,
-                                            layerMode == 1 ? 3 : 7);
-                drawText(&target, &mask, layerMode, layerMode == 1);
-                EXPECT_TRUE(samePixels(expected, target));
-            }
-        }
-    }
-}
-
-// An inside stroke, or a gradient, that is drawn first fills all around the glyphs; only what covers them may
-// stay.
-TEST(TextLayer, OneLayerIsCutDownToTheGlyphs) {
+// With two pictures the full colour lies wherever there is coverage; the first layer of one picture is
+// blended. Over other layers it cuts them down to the glyphs: an inside stroke or a gradient fills all around
+// them. Pixels of the target beyond the mask count as not covered.
+TEST(TextLayer, EqualsThePlainForm) {
     constexpr int W = 150;
     Random random(2);
-    for (MaskKind maskKind : kAllMasks) {
-        ZvBitmap mask = makeMask(maskKind, W, 15, random);
-        for (TargetKind kind : kAllTargets) {
-            for (int grow : {-3, 0, 4}) {  // pixels of the target beyond the mask count as not covered
-                ZvBitmap target = makeTarget(kind, W + grow, 15 + grow, random);
-                ZvBitmap expected(target);
-                reference::drawBitmapBlend8(0, 0, &expected, mask.pixels, W, 15, W, kColor, 7);
-                for (int y = 0; y < 15 + grow; ++y) {
-                    for (int x = 0; x < W + grow; ++x) {
-                        if (x < W && y < 15 && mask.pixels[y * W + x] != 0) continue;
-                        std::memset(expected.pixels + (y * (W + grow) + x) * 4, 0, 4);
-                    }
-                }
-                forEachCpuTarget([&] {
-                    ZvBitmap actual(target);
-                    drawText(&actual, &mask, 0, true);
-                    EXPECT_TRUE(samePixels(expected, actual))
-                        << "mask " << static_cast<int>(maskKind) << ", grow " << grow;
-                });
-            }
+    for (int i = 0; i < 6 * 3 * 3 * 4; ++i) {
+        ZvBitmap mask = makeMask(kAllMasks[i % 6], W, 15, random);
+        const int grow = i / 18 % 3 * 4 - 4, layerMode = i / 54 % 2;
+        const bool cut = i / 108 == 1;
+        ZvBitmap target = makeTarget(kAllTargets[i / 6 % 3], W + grow, 15 + grow, random), expected(target);
+        reference::drawBitmapBlend8(0, 0, &expected, mask.pixels, W, 15, W, kColor, layerMode == 1 ? 3 : 7);
+        for (int at = 0; at < (W + grow) * (15 + grow) && cut && layerMode == 0; ++at) {
+            const int x = at % (W + grow), y = at / (W + grow);
+            if (x < W && y < 15 && mask.pixels[y * W + x] != 0) continue;
+            std::memset(expected.pixels + at * 4, 0, 4);
         }
+        forEachCpuTarget([&] {
+            ZvBitmap actual(target);
+            drawText(&actual, &mask, layerMode, cut);
+            EXPECT_TRUE(samePixels(expected, actual)) << "case " << i;
+        });
     }
 }
 

@@ -33,7 +33,7 @@ using testing::ElementsAre;
 class Recorder : public ZvECoreBase {
 public:
     ZvProperty* settings;
-    std::vector<ParamRender> renders;
+    ParamInit init;
     std::vector<ParamPostProcessing> draws;
     ZvRect drawnBox;
     std::array<int, 5> margins = {};  // left, top, right, bottom, all around
@@ -46,8 +46,8 @@ public:
     ~Recorder() override {
         if (deleted != nullptr) ++*deleted;
     }
-    int render(ParamRender* param) override {
-        renders.push_back(*param);
+    int initEffect(ParamInit* param) override {
+        init = *param;
         return 1;
     }
     int doPostProcessing(ParamPostProcessing* param) override {
@@ -115,8 +115,6 @@ TEST(EffectStack, ACopyHasItsOwnLayersAndNoRendering) {
     ZvEffect stack;
     stack.addEffect(7, ZV_EFFECT_TEXT, nullptr);
     stack.addText(0x80FF8001, 0.5f);
-    const auto* text = static_cast<ZvTextProperty*>(stack.getEffect(12)->getProperty());
-    EXPECT_EQ(fieldsOf(*text), fields(0x80804001, 0.5f));
     stack.addStrokeText(3, 0xFF000000, 1, 9, 0);
     stack.setTextOpacity(0.25f);
     stack.textColor = 5;
@@ -281,6 +279,8 @@ TEST(EffectStack, OrderAndTargetsOfEveryType) {
             if (draw.otherLayer == &picture) inBoth.push_back(layer->getStyle());
             EXPECT_EQ(draw.mask, stack.mask);
             EXPECT_EQ(draw.layerMode, row.layerMode);
+            EXPECT_EQ((std::array{recorder.init.width, recorder.init.height, recorder.init.layerMode}),
+                      (std::array{4, 5, row.layerMode}));
             EXPECT_EQ(sidesOf(recorder.drawnBox), (Sides{1, 1, 3, 3}));
         }
         EXPECT_THAT(inBack, testing::UnorderedElementsAreArray(row.inBack));
@@ -504,19 +504,18 @@ TEST(EffectStack, AMaskNobodyDrewIsZeroedAndOnesOwnIsKept) {
 }
 
 // Draws a pixel on the glyph and one beside it at each occasion, on every picture it is given.
-template <typename Base>
-class Dotter : public Base {
+class Dotter : public Recorder {
 public:
-    explicit Dotter(int type) { this->style = type; }
-    int render(ZvECore::ParamRender* param) override {
+    using Recorder::Recorder;
+    int render(ParamRender* param) override {
         dot(param->target, 0);
         return 1;
     }
-    int doPostProcessing(ZvECore::ParamPostProcessing* param) override {
+    int doPostProcessing(ParamPostProcessing* param) override {
         EXPECT_EQ(param->rows, nullptr);
         dot(param->target, 2);
         if (param->otherLayer != nullptr) dot(param->otherLayer, 4);
-        return Base::doPostProcessing(param);
+        return 0;
     }
 
 private:
@@ -524,33 +523,22 @@ private:
         for (const int at : {x, 10 * 20 + 8 + x}) std::memset(picture->pixels + 4 * at, 255, 4);
     }
 };
-struct BareDotter : Dotter<ZvECoreBase> {
-    using Dotter::Dotter;
-    void setProperty(ZvProperty*) override {}
-    ZvProperty* getProperty() override { return nullptr; }
-};
 
 // They draw on the very pictures that the layers see one after another, in either way of rendering.
 TEST(EffectStack, LayersOfOtherClassesDrawAsTheyLike) {
+    ZvStrokeProperty centered(4, 0xFF00FF00, 1, 0, 0);
     for (const float opacity : {1.0f, 0.5f}) {
         Scene without(opacity);
         without.drawWhole();
         for (const int type : {1, 4, 6, 10, 13}) {
-            Scene scenes[] = {Scene(opacity), Scene(opacity)};
-            for (Scene& scene : scenes) {
-                if (type == 10) {
-                    scene.stack.effects.push_back(new Dotter<ZvStroke>(type));
-                    ZvStrokeProperty centered(4, 0xFF00FF00, 1, 0, 0);
-                    scene.stack.effects.back()->setProperty(&centered);
-                } else {
-                    scene.stack.effects.push_back(new BareDotter(type));
-                }
-            }
-            scenes[0].drawWhole();
-            EXPECT_EQ(sidesOf(scenes[1].drawAsPicture()), (Sides{0, 0, 20, 30}));
-            ZvBlender::convertBGRAToARGB(&scenes[1].picture);
-            EXPECT_TRUE(samePixels(scenes[0].picture, scenes[1].picture)) << type << " " << opacity;
-            EXPECT_FALSE(samePixels(without.picture, scenes[1].picture)) << type << " " << opacity;
+            Scene layered(opacity), strips(opacity);
+            for (Scene* scene : {&layered, &strips})
+                scene->stack.effects.push_back(new Dotter(type, type == 10 ? &centered : nullptr));
+            layered.drawWhole();
+            EXPECT_EQ(sidesOf(strips.drawAsPicture()), (Sides{0, 0, 20, 30}));
+            ZvBlender::convertBGRAToARGB(&strips.picture);
+            EXPECT_TRUE(samePixels(layered.picture, strips.picture)) << type << " " << opacity;
+            EXPECT_FALSE(samePixels(without.picture, strips.picture)) << type << " " << opacity;
         }
     }
 }

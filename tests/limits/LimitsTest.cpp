@@ -24,7 +24,6 @@ using namespace text_test;
 namespace {
 
 constexpr float kEndless = std::numeric_limits<float>::infinity();
-constexpr float kNotANumber = std::numeric_limits<float>::quiet_NaN();
 constexpr uint32_t kDark = 0xFF202020, kLight = 0xFFFFF0C0;
 
 // A line of that many of the text's characters from `start` on.
@@ -211,34 +210,5 @@ TEST(Limits, LargestEffectsOnAWidePicture) {
         const Picture picture = scene.render();
         EXPECT_GT(picture.countVisible(), 500'000) << type;
         EXPECT_NE(picture.count(kLight), picture.countVisible()) << type;
-    }
-}
-
-// Records may say what no adder lets through. What their effects reach is drawn on the picture there is, or
-// is refused; nothing is left of it.
-TEST(Limits, RecordsOfAnySize) {
-    for (const float size : {400.0f, 32768.0f, 65536.0f, 1e6f, 2147483520.0f, 2147483648.0f, FLT_MAX,
-                             kEndless, kNotANumber, -1.0f, -65536.0f, -kEndless}) {
-        for (const int type : kSizedTypes) {
-            for (const int look : {0, 1}) {
-                SCOPED_TRACE("type " + std::to_string(type) + ", size " + std::to_string(size));
-                LayerSettings settings(size);
-                settings.distance = 8;
-                if (look == 1) std::swap(settings.size, settings.distance);
-                settings.position = settings.technique = look;
-                settings.style = type == ZV_EFFECT_EMBOSS ? 3 : look;
-                TextScene scene(kBold, L"Ag", 30, 80, 50);
-                scene.setLines({lineAt(5, 40)});
-                const Picture plain = scene.render();
-                ZvEffect& effects = scene.effect();
-                const TimeLimit limit(5);
-                ASSERT_GE(effects.addEffect(type, settings.record(type).get()), 0);
-                scene.setLines({lineAt(5 - effects.getLeftOffset(), 40 - effects.getTopOffset())});
-                EXPECT_NE(scene.object.RenderTextEffect(80, 50), nullptr);
-                effects.cleanAllEffect();
-                scene.setLines({lineAt(5, 40)});
-                EXPECT_TRUE(scene.render() == plain);
-            }
-        }
     }
 }

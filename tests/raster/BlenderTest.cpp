@@ -152,45 +152,6 @@ TEST_P(BlenderAgainstPlain, SameBytes) {
 INSTANTIATE_TEST_SUITE_P(Blender, BlenderAgainstPlain, testing::ValuesIn(kOperations),
                          [](const auto& info) { return std::string(info.param.name); });
 
-// 65536 pixels in a row: every coverage, or source alpha, over every target alpha, with every colour channel
-// met on the way.
-TEST(Blender, EveryCoverageOrAlphaAgreesOverEveryTargetAlpha) {
-    std::mt19937 random(1);
-    std::vector<uint32_t> colors = {0xFFFFFFFFu, 0xFF000000u, 0x00FFFFFFu, 0,
-                                    0x01020304u, 0x80FF7F00u, 0xFE01FE80u};
-    for (int i = 0; i < 40; ++i) colors.push_back(random());
-    Bytes coverage(65536);
-    std::vector<uint32_t> words(65536);
-    ZvBitmap target(65536, 1, 4);
-    for (const uint32_t color : colors) {
-        for (size_t i = 0; i < words.size(); ++i) {
-            coverage[i] = static_cast<uint8_t>(i);
-            words[i] = static_cast<uint32_t>(i) << 24 | (random() & 0xFFFFFFu);
-            const uint32_t below = (random() & 0xFFFFFFu) | static_cast<uint32_t>(i >> 8) << 24;
-            for (int c = 0; c < 4; ++c) target.pixels[4 * i + c] = static_cast<uint8_t>(below >> 8 * c);
-        }
-        for (const int mode : {1, 2, 3, 7}) {
-            ZvBitmap expected(target);
-            reference::drawBitmapBlend8(0, 0, &expected, coverage.data(), 65536, 1, 65536, color, mode);
-            forEachCpuTarget([&] {
-                ZvBitmap actual(target);
-                ZvBlender::drawBitmapBlend8(0, 0, &actual, coverage.data(), 65536, 1, 65536, color, mode);
-                ASSERT_TRUE(samePixels(expected, actual)) << "mode " << mode << std::hex << " " << color;
-            });
-        }
-        for (const int mode : {1, 2}) {
-            ZvBitmap expected(target);
-            reference::drawBitmapBlend32(0, 0, &expected, words.data(), 65536, 1, 65536, mode);
-            forEachCpuTarget([&] {
-                ZvBitmap actual(target);
-                ZvBlender::drawBitmapBlend32(0, 0, &actual, words.data(), 65536, 1, 65536, mode);
-                ASSERT_TRUE(samePixels(expected, actual)) << "words, mode " << mode;
-            });
-        }
-        if (HasFatalFailure()) return;
-    }
-}
-
 TEST(Blender, ClipsAtTheEndsOfInt) {
     std::mt19937 random(3);
     GuardedBitmap target(5, 4, 4, &random);

@@ -1,15 +1,15 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "tests/reference/BlenderReference.h"
 
+#include <algorithm>
+#include <array>
 #include <functional>
 
 namespace reference {
 
 namespace {
 
-int sat(int v) {
-    return v > 255 ? 255 : v;
-}
+using Pixel = std::array<int, 4>;  // red, green, blue, alpha
 
 Pixel fromWord(uint32_t word) {
     return {static_cast<int>(word >> 16 & 255), static_cast<int>(word >> 8 & 255),
@@ -20,11 +20,54 @@ Pixel load(const uint8_t* bytes) {
     return {bytes[0], bytes[1], bytes[2], bytes[3]};
 }
 
-void store(uint8_t* bytes, Pixel p) {
-    bytes[0] = static_cast<uint8_t>(p.red);
-    bytes[1] = static_cast<uint8_t>(p.green);
-    bytes[2] = static_cast<uint8_t>(p.blue);
-    bytes[3] = static_cast<uint8_t>(p.alpha);
+void store(uint8_t* bytes, const Pixel& p) {
+    for (size_t i = 0; i < 4; ++i) bytes[i] = static_cast<uint8_t>(p[i]);
+}
+
+// factor of 255 times the byte; at most 255.
+int scaled(int byte, int factor) {
+    return std::min((byte + 1) * factor >> 8, 255);
+}
+
+// Each channel alike.
+template <typename Mix>
+Pixel mixed(const Pixel& d, const Pixel& c, Mix mix) {
+    Pixel result;
+    for (size_t i = 0; i < 4; ++i) result[i] = std::min(mix(d[i], c[i]), 255);
+    return result;
+}
+
+// One pixel d under the coverage s in a colour. Modes 1, 2, 3, 7; any other gives the pixel back.
+Pixel blend8(const Pixel& d, int s, uint32_t color, int mode) {
+    const Pixel c = fromWord(color);
+    const int a = scaled(c[3], s), j = 255 - d[3];
+    if (s == 0 || (mode == 1 && a == 0) || ((mode == 2 || mode == 3) && j == 0)) return d;
+    if (mode == 1 && a == 255) return c;
+    if (mode == 3 && j == 255) return c;
+    switch (mode) {
+        case 1:
+            return mixed(d, c, [=](int b, int f) { return scaled(b, 255 - a) + scaled(f, s); });
+        case 2:
+            return mixed(d, c,
+                         [=](int b, int f) { return j == 255 ? scaled(f, s) : b + scaled(scaled(f, s), j); });
+        case 3:
+            return mixed(d, c, [=](int b, int f) { return b + scaled(f, j); });
+        case 7:
+            if (j == 255) return mixed(d, c, [=](int, int f) { return scaled(f, s); });
+            if (s == 255) return mixed(d, c, [=](int b, int f) { return b + scaled(f, j); });
+            if (j == 0) return mixed(d, c, [=](int b, int) { return scaled(b, s); });
+            return mixed(d, c, [=](int b, int f) { return scaled(b + scaled(scaled(f, s), j), s); });
+        default:
+            return d;
+    }
+}
+
+// One pixel d under a premultiplied one. Modes 1 and 2; any other gives the pixel back.
+Pixel blend32(const Pixel& d, const Pixel& c, int mode) {
+    if (mode == 1)
+        return c[3] == 255 ? c : mixed(d, c, [=](int b, int f) { return scaled(b, 255 - c[3]) + f; });
+    if (mode != 2 || d[3] == 255 || c[3] == 0) return d;
+    return d[3] == 0 ? c : mixed(d, c, [=](int b, int f) { return b + scaled(f, 255 - d[3]); });
 }
 
 // Every pixel of dst that the source covers, top to bottom and left to right.
@@ -40,73 +83,6 @@ void forCovered(int x, int y, const Zvex::ZvBitmap* dst, int w, int h,
 }
 
 }  // namespace
-
-Pixel blend8(Pixel d, int s, uint32_t color, int mode) {
-    if (s == 0) return d;
-    const Pixel c = fromWord(color);
-    const int a = sat(((c.alpha + 1) * s) >> 8);
-    const auto k = [s](int channel) { return sat(((channel + 1) * s) >> 8); };
-    const Pixel scaledColor = {k(c.red), k(c.green), k(c.blue), a};
-
-    if (mode == 1) {
-        if (a == 0) return d;
-        if (a == 255) return {c.red, c.green, c.blue, 255};
-        const int i = 255 - a;
-        const auto mix = [=](int cd, int cc) { return sat((((cd + 1) * i) >> 8) + (((cc + 1) * s) >> 8)); };
-        return {mix(d.red, c.red), mix(d.green, c.green), mix(d.blue, c.blue),
-                sat(a + (((d.alpha + 1) * i) >> 8))};
-    }
-    if (mode == 2) {
-        if (d.alpha == 255) return d;
-        if (d.alpha == 0) return scaledColor;
-        const int j = 255 - d.alpha;
-        const auto mix = [=](int cd, int cc) { return sat(cd + ((j * (k(cc) + 1)) >> 8)); };
-        return {mix(d.red, c.red), mix(d.green, c.green), mix(d.blue, c.blue),
-                sat(d.alpha + (((a + 1) * j) >> 8))};
-    }
-    if (mode == 3) {
-        if (d.alpha == 255) return d;
-        if (d.alpha == 0) return c;
-        const int j = 255 - d.alpha;
-        const auto mix = [=](int cd, int cc) { return sat(cd + (((cc + 1) * j) >> 8)); };
-        return {mix(d.red, c.red), mix(d.green, c.green), mix(d.blue, c.blue),
-                sat(d.alpha + (((c.alpha + 1) * j) >> 8))};
-    }
-    if (mode == 7) {
-        if (d.alpha == 0) return scaledColor;
-        const int j = 255 - d.alpha;
-        if (s == 255) {
-            const auto mix = [=](int cd, int cc) { return sat(cd + (((cc + 1) * j) >> 8)); };
-            return {mix(d.red, c.red), mix(d.green, c.green), mix(d.blue, c.blue),
-                    sat(d.alpha + (((a + 1) * j) >> 8))};
-        }
-        if (d.alpha == 255) {
-            const auto cut = [=](int cd) { return sat(((cd + 1) * s) >> 8); };
-            return {cut(d.red), cut(d.green), cut(d.blue), s};
-        }
-        const auto mix = [=](int cd, int cc) { return sat((s * (cd + (((k(cc) + 1) * j) >> 8) + 1)) >> 8); };
-        return {mix(d.red, c.red), mix(d.green, c.green), mix(d.blue, c.blue),
-                sat(((d.alpha + (((a + 1) * j) >> 8) + 1) * s) >> 8)};
-    }
-    return d;
-}
-
-Pixel blend32(Pixel d, Pixel c, int mode) {
-    if (mode == 1) {
-        if (c.alpha == 255) return c;
-        const int i = 255 - c.alpha;
-        const auto mix = [=](int cd, int cs) { return sat((((cd + 1) * i) >> 8) + cs); };
-        return {mix(d.red, c.red), mix(d.green, c.green), mix(d.blue, c.blue), mix(d.alpha, c.alpha)};
-    }
-    if (mode == 2) {
-        if (d.alpha == 255 || c.alpha == 0) return d;
-        if (d.alpha == 0) return c;
-        const int j = 255 - d.alpha;
-        const auto mix = [=](int cd, int cs) { return sat(cd + (((cs + 1) * j) >> 8)); };
-        return {mix(d.red, c.red), mix(d.green, c.green), mix(d.blue, c.blue), mix(d.alpha, c.alpha)};
-    }
-    return d;
-}
 
 void drawBitmapBlend8(int x, int y, const Zvex::ZvBitmap* dst, const uint8_t* src, int w, int h,
                       int srcStride, uint32_t color, int mode) {
@@ -155,7 +131,7 @@ void drawBitmap(int x, int y, const Zvex::ZvBitmap* dst, const uint8_t* src, int
         if (dst->bytesPerPixel == 4) {
             const int64_t firstColumn = x < 0 ? 0 : x;
             uint8_t* at = dst->pixels + (row * dst->width + firstColumn) + 4 * (column - firstColumn);
-            store(at, {c.red, c.green, c.blue, sat(((c.alpha + 1) * s) >> 8)});
+            store(at, {c[0], c[1], c[2], scaled(c[3], s)});
         } else {
             uint8_t* at = dst->pixels + row * dst->width + column;
             if (s > *at) *at = static_cast<uint8_t>(s);

@@ -17,15 +17,6 @@ inline int coverageIn(const Zvex::ZvBitmap& mask, const Zvex::ZvRect& box, int p
     return mask.pixels[static_cast<size_t>(y) * mask.width + static_cast<size_t>(x)];
 }
 
-// One pixel under one blend: the target's pixel, the coverage and the colour in, the new pixel out. Modes 1,
-// 2, 3, 7; any other mode gives the pixel back.
-struct Pixel {
-    int red, green, blue, alpha;
-};
-Pixel blend8(Pixel target, int coverage, uint32_t color, int mode);
-// Modes 1 and 2.
-Pixel blend32(Pixel target, Pixel source, int mode);
-
 void drawBitmapBlend8(int x, int y, const Zvex::ZvBitmap* dst, const uint8_t* src, int w, int h,
                       int srcStride, uint32_t color, int mode);
 void drawBitmapBlend32(int x, int y, const Zvex::ZvBitmap* dst, const uint32_t* src, int w, int h,
