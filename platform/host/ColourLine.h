@@ -13,7 +13,7 @@ struct Affine {
 
     // `inner` first.
     Affine operator*(const Affine& inner) const;
-    // False where there is none, or it leaves the range of numbers.
+    // False if there is none, or if a number of it overflows.
     bool invert(Affine* inverse) const;
 };
 
@@ -26,12 +26,12 @@ public:
         uint32_t colour;
     };
 
-    // Stops in any order; those at one position keep theirs, and make a step. Where all of them are at one
-    // position, every extension pads.
+    // The stops are sorted by position; equal positions keep their order and make a step. If all have the
+    // same position, every extension pads.
     ColourLine(std::vector<Stop> stops, Extend extend);
 
-    // The straight channels between the stops' are linear in `position`, rounded to the nearest, halves up. 0
-    // where there are no stops, or the position is no number.
+    // Between two stops the straight channels are linear in `position`, rounded half up. 0 if there are no
+    // stops or the position is NaN.
     uint32_t at(double position) const;
 
 private:
@@ -39,10 +39,10 @@ private:
     Extend mExtend;
 };
 
-// Positions on a colour line for points of the plane, y upwards; no number where a point has none.
+// Positions on a colour line for points of the plane, y upwards; NaN for a point without one.
 struct LinearGradient {
-    // Position 0 on the line through (x0, y0) parallel to that from there to (x2, y2), 1 on the one through
-    // (x1, y1). Nowhere, where these are one line.
+    // Position 0 is the line through (x0, y0) and (x2, y2), position 1 its parallel through (x1, y1). If both
+    // are the same line, no point has a position.
     LinearGradient(double x0, double y0, double x1, double y1, double x2, double y2);
     double at(double x, double y) const { return (x - mX) * mAlongX + (y - mY) * mAlongY; }
 
@@ -50,15 +50,15 @@ private:
     double mX, mY, mAlongX, mAlongY;
 };
 
-// The greatest position whose circle, between one at 0 and one at 1, goes through the point: a cone seen from
-// its tip's side. Radii below 0 are no circles.
+// Position t has the circle between the circles of 0 and 1, or beyond them. A point has the greatest position
+// whose circle, of a radius of 0 or more, goes through it.
 struct RadialGradient {
     double x0, y0, radius0, x1, y1, radius1;
     double at(double x, double y) const;
 };
 
-// Angles around a centre, counterclockwise from the x axis, in degrees, from 0 to 360. Where `begin` is `end`
-// the positions are without end on both sides of it.
+// A point's angle around the centre, 0 to 360 degrees counterclockwise from the x axis; position 0 is at
+// `begin`, 1 at `end`. If both are equal, the positions are as far below 0 and above 1 as numbers go.
 struct SweepGradient {
     double x, y, begin, end;
     double at(double x, double y) const;

@@ -24,16 +24,16 @@ struct PaletteColours {
     uint32_t at(uint32_t number) const { return number < colours->size() ? (*colours)[number] : text; }
 };
 
-// The glyphs of a font's COLR table, version 1: graphs of fills, shapes, transforms and composites. Read here
-// and not by FreeType, whose calls for them do not look where the table ends. Variable values stay at their
-// defaults.
+// The painted glyphs of a font: the COLR table, version 1, has graphs of fills, shapes, transforms and
+// composites. This class reads the table itself, because FreeType's calls for it do not check where the table
+// ends. Variable values keep their defaults.
 //
-// A picture is made of pieces of straight words, each rounded to bytes when it is joined. Shapes are filled
-// from unhinted outlines in 64ths of a pixel; fake bold leaves them as they are. Transforms and gradients are
-// in double precision, and a pixel has the colour of its centre.
+// A picture is made of pieces of straight words; each is rounded to bytes when it is joined. Shapes are
+// filled from unhinted outlines in 64ths of a pixel; fake bold does not change them. Transforms and gradients
+// are computed in double precision; a pixel gets the colour of its centre.
 //
-// A graph deeper than 64 paints, more than 16384 paints in all or far more pixels than the picture has: what
-// was not painted until then is left out. A picture of more than kMaxGlyphBytes is blank.
+// Limits: graphs of depth 64 and 16384 paints, 128 times as many filled pixels as the picture has; paints
+// beyond them are left out. A picture of more than kMaxGlyphBytes is blank.
 class PaintGraph {
 public:
     void open(hb_face_t* face);
@@ -46,10 +46,10 @@ public:
 
 private:
     class Painter;
-    // Big-endian; what lies beyond the table is 0.
+    // Big-endian; 0 beyond the end of the table.
     uint32_t word(size_t at, int bytes) const;
     int32_t number(size_t at, int bytes) const;
-    // Places in the table; 0 is none.
+    // Offsets in the table; 0: none.
     size_t rootOf(uint32_t glyph) const;
     size_t clipOf(uint32_t glyph) const;
     size_t layerAt(uint32_t index) const;

@@ -7,8 +7,8 @@
 
 namespace host {
 
-// How the pictures of a painted glyph are joined, numbered as fonts do: Porter and Duff's ways (1984), their
-// sum, and the blends of the W3C's "Compositing and Blending Level 1".
+// How the pictures of a painted glyph are joined, with the numbers that fonts use: the operators of Porter
+// and Duff (1984), the sum, and the blend modes of the W3C's "Compositing and Blending Level 1".
 enum class Composite : uint8_t {
     Clear,
     Source,
@@ -46,7 +46,7 @@ constexpr uint32_t withAlpha(uint32_t colour, uint32_t alpha) {
 }
 
 // Joins rows of straight 0xAARRGGBB words, which must not overlap. Colours and alphas are rounded to the
-// nearest once, halves up; where the alpha becomes 0 the word does.
+// nearest once, half up. A word is 0 where its alpha is 0.
 void compositeWords(uint32_t* backdrop, const uint32_t* source, size_t count, Composite mode);
 
 }  // namespace host
