@@ -17,6 +17,9 @@ class ColourGlyphs {
 public:
     void open(FreeTypeFace& font, hb_face_t* face);
 
+    // Whether the font has strikes or a palette. Does not change after open.
+    bool hasAny() const { return mHasStrikes || !mPalette.empty(); }
+
     bool box(FreeTypeFace& font, uint32_t glyph, const GlyphStyle& style, int quarterX, GlyphBox* box) const;
     bool draw(FreeTypeFace& font, uint32_t glyph, const GlyphStyle& style, int quarterX,
               GlyphImage* image) const;

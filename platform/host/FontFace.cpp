@@ -302,6 +302,10 @@ std::shared_ptr<const GlyphImage> FontFace::image(uint32_t glyph, const GlyphSty
     return keepGlyph(key, std::move(image));
 }
 
+bool FontFace::hasColours() const {
+    return mImpl->colours.hasAny();
+}
+
 ColourImage FontFace::colourImage(uint32_t glyph, const GlyphStyle& style, int quarterX,
                                   uint32_t textColour) const {
     if (glyph >= mImpl->glyphCount || !drawable(style)) return {};

@@ -131,6 +131,9 @@ public:
     // process-wide glyph cache.
     std::shared_ptr<const GlyphImage> image(uint32_t glyph, const GlyphStyle& style, int quarterX) const;
 
+    // Whether the font may have colour glyphs. Lock-free.
+    bool hasColours() const;
+
     // The picture of a colour glyph, for a pen at quarterX / 4 pixels; no pixels if the glyph has no colours.
     // Palettes may refer to `textColour`; if it is opaque, the alpha of strikes and layers is that of
     // image(). Strikes are filtered premultiplied. A glyph with a graph and layers is painted from the graph

@@ -11,12 +11,13 @@
 #include <memory>
 
 #include "platform/host/FontFace.h"
+#include "platform/host/GlyphPen.h"
 #include "platform/host/LinearLight.h"
 #include "platform/host/PixelMath.h"
 
 namespace {
 
-// Glyphs and bitmaps further away than this touch no bitmap; sums of nearer positions fit an int.
+// Bitmaps further away than this touch no bitmap; sums of nearer positions fit an int.
 constexpr float kFarAway = 268435456;  // 2^28
 
 // The first pixel whose centre is at or right of the edge, between low and high. The edge must not be NaN.
@@ -149,29 +150,6 @@ void straightRowOver(uint8_t* target, const uint8_t* source, uint8_t alpha, int 
     }
 }
 
-// The position of a glyph's image: the pixel of the pen and the quarter of that pixel. The phone takes the
-// nearest quarter, Plain the one below.
-struct PenPixel {
-    int x, y, quarterX;
-};
-
-// False if the pen is too far away or not a number.
-bool penPixel(float x, float y, const host::GlyphStyle& style, PenPixel* pen) {
-    if (!(std::fabs(x) < kFarAway) || !(std::fabs(y) < kFarAway)) return false;
-    pen->y = static_cast<int>(std::floor(static_cast<double>(y) + 0.5));
-    if (style.subpixel) {
-        const double toNearest = style.rendering == host::Rendering::Phone ? 0.5 : 0;
-        const int quarters =
-            static_cast<int>(std::floor(static_cast<double>(x) * 4 + toNearest));  // below 2^31
-        pen->quarterX = ((quarters % 4) + 4) % 4;
-        pen->x = (quarters - pen->quarterX) / 4;
-    } else {
-        pen->quarterX = 0;
-        pen->x = static_cast<int>(std::floor(static_cast<double>(x) + 0.5));
-    }
-    return true;
-}
-
 }  // namespace
 
 SkCanvas::SkCanvas(const SkBitmap& bitmap) : mBitmap(bitmap) {
@@ -252,19 +230,12 @@ void SkCanvas::drawTextBlob(const sk_sp<SkTextBlob>& blob, SkScalar x, SkScalar 
         const SkPaint& font = run->font;
         if (font.getTypeface() == nullptr) continue;
         const host::FontFace& face = *font.getTypeface()->face();
-        host::GlyphStyle style;
-        style.size = font.getTextSize();
-        style.scaleX = font.getTextScaleX();
-        style.skewX = font.getTextSkewX();
-        style.fakeBold = font.isFakeBoldText();
-        style.antiAlias = font.isAntiAlias();
-        style.subpixel = font.isSubpixelText();
-        style.linear = font.isLinearText();
+        const host::GlyphStyle style = host::glyphStyleOf(font);
         const bool paths = host::drawnAsPath(style);
         for (size_t i = 0; i < run->glyphs.size(); ++i) {
             const float penX = x + run->positions[2 * i], penY = y + run->positions[2 * i + 1];
-            PenPixel pen;
-            if (!penPixel(penX, penY, style, &pen)) continue;
+            host::GlyphPen pen;
+            if (!host::placePen(penX, penY, style, &pen)) continue;
             if (paths) {
                 const host::GlyphBox clip = {mClip.left, mClip.top, mClip.right, mClip.bottom};
                 drawGlyph(face.pathImage(run->glyphs[i], style, penX, penY, clip), 0, 0, color);
