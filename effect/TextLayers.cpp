@@ -61,6 +61,69 @@ bool drawStack(ZvEffect& effect, const Spread& coverage, int x, int y, ZvBitmap*
     return true;
 }
 
+// The coverage at a pixel of the picture.
+int coverageAt(const Spread& coverage, const ZvRect& text, int64_t x, int64_t y) {
+    const ZvRect& box = coverage.box();
+    x -= int64_t{text.left} + box.left;
+    y -= int64_t{text.top} + box.top;
+    if (x < 0 || x >= widthOf(box) || y < 0 || y >= heightOf(box)) return 0;
+    return coverage.coverage()[y * widthOf(box) + x];
+}
+
+// `count` pixels of a row of colour glyphs onto the layer's picture, from (x, y) on; `around` is the picture
+// of the effects around them.
+void joinColours(const uint32_t* colours, size_t count, float opacity, const Spread& coverage,
+                 const ZvRect& text, int64_t x, int64_t y, uint32_t* target, const uint32_t* around) {
+    using JoinRows::kPiece;
+    for (size_t at = 0; at < count; at += kPiece) {
+        const size_t here = std::min(kPiece, count - at);
+        uint32_t source[kPiece] = {}, below[kPiece] = {};
+        std::copy_n(colours + at, here, source);
+        if (JoinRows::isTransparent(source)) continue;
+        for (size_t i = 0; i < here; ++i) {
+            const int alpha = static_cast<int>(source[i] >> 24);
+            const bool alone =
+                alpha > 0 && coverageAt(coverage, text, x + static_cast<int64_t>(at + i), y) <= alpha;
+            below[i] = !alone ? target[at + i] : around != nullptr ? around[at + i] : 0;
+        }
+        JoinRows::Piece piece;
+        float alphas[kPiece];
+        JoinRows::takeWords(&piece, below);
+        JoinRows::takeAlpha(alphas, source, opacity);
+        JoinRows::join(&piece, source, alphas, LayerBlend::Normal);
+        JoinRows::giveWords(below, piece, 1);
+        for (size_t i = 0; i < here; ++i) {
+            if (source[i] >> 24 != 0) target[at + i] = below[i];
+        }
+    }
+}
+
+// False if memory is short.
+bool drawColours(const TextLayer& layer, const Spread& coverage, const TextCoverage& text, ZvBitmap* drawn) {
+    const ColourGlyphs& glyphs = *layer.colours;
+    std::unique_ptr<ZvBitmap> around;
+    if (glyphs.around != nullptr) {
+        around = tryMake<ZvBitmap>(drawn->width, drawn->height, 4u, ZvBitmap::Unset::Pixels);
+        glyphs.around->textAlpha = layer.effect->textAlpha;
+        if (around == nullptr || around->pixels == nullptr ||
+            !drawStack(*glyphs.around, coverage, text.box.left, text.box.top, around.get())) {
+            return false;
+        }
+    }
+    const int64_t left = std::max(glyphs.x, 0), top = std::max(glyphs.y, 0);
+    const int64_t right = std::min<int64_t>(int64_t{glyphs.x} + glyphs.picture.width, drawn->width);
+    const int64_t bottom = std::min<int64_t>(int64_t{glyphs.y} + glyphs.picture.height, drawn->height);
+    const auto* words = reinterpret_cast<const uint32_t*>(glyphs.picture.pixels);
+    for (int64_t y = top; y < bottom && left < right; ++y) {
+        const auto at = static_cast<size_t>(y * drawn->width + left);
+        joinColours(words + (y - glyphs.y) * glyphs.picture.width + (left - glyphs.x),
+                    static_cast<size_t>(right - left), static_cast<float>(layer.effect->textAlpha) / 255,
+                    coverage, text.box, left, y, reinterpret_cast<uint32_t*>(drawn->pixels) + at,
+                    around != nullptr ? reinterpret_cast<const uint32_t*>(around->pixels) + at : nullptr);
+    }
+    return true;
+}
+
 // The coverage for layer i, its box counted from the text's. It is made for the first layer with that spread.
 // Null if memory is short.
 const Spread* coverageFor(size_t i, const TextCoverage& text, const TextLayer* layers, DrawnLayer* drawn) {
@@ -125,6 +188,7 @@ bool drawTextLayers(ZvBitmap* picture, const TextCoverage& text, const TextLayer
         own = tryMake<ZvBitmap>(picture->width, picture->height, 4u, ZvBitmap::Unset::Pixels);
         if (own == nullptr || own->pixels == nullptr) return false;
         if (!drawStack(*layer.effect, *coverage, text.box.left, text.box.top, own.get())) return false;
+        if (layer.colours != nullptr && !drawColours(layer, *coverage, text, own.get())) return false;
         clearOutside(
             *own,
             ZvRect(clampToInt(int64_t{clip.left} - layer.x), clampToInt(int64_t{clip.top} - layer.y),

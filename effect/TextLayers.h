@@ -20,6 +20,15 @@ class ZvEffect;
 //     marginsOf gives the room that the layers need; TextCoverage asks for it
 //     drawTextLayers makes the picture
 
+// The glyphs of a layer that have their own colours instead of the stack's fill.
+struct ColourGlyphs {
+    ZvBitmap picture;  // straight words 0xAARRGGBB
+    int x = 0, y = 0;  // its top-left in the picture, before the layer moves
+    // A stack without text colour: the effects that show around these glyphs. Its opacity is not used. Not
+    // owned; null if there are none.
+    ZvEffect* around = nullptr;
+};
+
 // One of the layers.
 struct TextLayer {
     ZvEffect* effect = nullptr;  // the stack, its text colour added; not owned, used only by drawTextLayers
@@ -29,6 +38,7 @@ struct TextLayer {
     float opacity = 1;
     bool clipped = false;   // to the nearest layer behind it that is not clipped (JoinedLayer)
     bool knockout = false;  // hides the layer within the glyphs, as they are before any spread and move
+    const ColourGlyphs* colours = nullptr;  // glyphs with colours of their own; not owned
 };
 
 // How far the layers reach beyond the text, in pixels: for each layer its stack's margins plus a positive
@@ -58,9 +68,12 @@ public:
 // words 0xAARRGGBB: on entry the background, afterwards the result, its alpha multiplied by `opacity`. Layers
 // show only within `clip`. Layers of the same spread share their coverage.
 //
-// False, with the picture unchanged, if memory is short (4 bytes a pixel for each layer, plus what a stack
-// needs), or if a side of the text's box, spread included, has 2^16 pixels or more. An effect that finds no
-// memory is left out and sets the flag of foundation/OutOfMemory.h.
+// Colour glyphs lie over the layer's own picture, at the opacity of its text colour. Where the coverage is no
+// more than their alpha, only the effects around them lie below, so that no edge of the fill shows.
+//
+// False, with the picture unchanged, if memory is short (4 bytes a pixel for each layer, one more with colour
+// glyphs, plus what a stack needs), or if a side of the text's box, spread included, has 2^16 pixels or more.
+// An effect that finds no memory is left out and sets the flag of foundation/OutOfMemory.h.
 bool drawTextLayers(ZvBitmap* picture, const TextCoverage& text, const TextLayer* layers, size_t count,
                     const ZvRect& clip, float opacity = 1);
 

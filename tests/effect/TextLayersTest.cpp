@@ -115,6 +115,69 @@ TEST(TextLayers, SpreadIsAStrokeAndKnockoutLeavesTheGlyphsOut) {
     EXPECT_GT(seen, 0);
 }
 
+// Glyphs with colours lie over the effects around them where they are alone, over the fill where other glyphs
+// or the spread reach.
+TEST(TextLayers, ColourGlyphsTakeThePlaceOfTheFill) {
+    LayeredText text;
+    const ZvRect& box = text.coverage->box;
+    ZvEffect around;
+    around.addOuterGlowText(6, 0xFF00FF00, 0.7f, 0, nullptr);
+    around.addOuterShadowText(135, 5, 4, 0xFF203040, 0.6f);
+    ColourGlyphs glyphs;
+    glyphs.x = box.left - 3;
+    glyphs.y = box.top + 2;
+    glyphs.picture = ZvBitmap(70, 15, 4);
+    glyphs.around = &around;
+    auto* words = reinterpret_cast<uint32_t*>(glyphs.picture.pixels);
+    const auto coverageAt = [&](int x, int y) -> uint32_t {
+        const bool inBox = x >= box.left && x < box.right && y >= box.top && y < box.bottom;
+        return inBox ? text.coverage->mask.pixels[(y - box.top) * (box.right - box.left) + x - box.left] : 0;
+    };
+    // On the left half of the first line, and with less than the coverage in every fifth column.
+    for (int i = 0; i < 70 * 15; ++i) {
+        const int x = i % 70 + glyphs.x, y = i / 70 + glyphs.y;
+        const uint32_t alpha = i % 70 < 25 ? coverageAt(x, y) / (i % 5 == 0 ? 2 : 1) : 0;
+        if (alpha != 0) words[i] = alpha << 24 | 0x3060C0;
+    }
+    for (const uint32_t color : {0xFFFF8040u, 0x80FF8040u}) {
+        text.plain.addText(color);
+        ZvBitmap filled(kLayeredWidth, kLayeredHeight, 4), beneath(filled), actual(filled);
+        TextLayer layer;
+        layer.effect = &text.plain;
+        const ZvRect clip(0, 0, kLayeredWidth, kLayeredHeight);
+        ASSERT_TRUE(drawTextLayers(&filled, *text.coverage, &layer, 1, clip));
+        around.textAlpha = static_cast<uint8_t>(color >> 24);
+        TextLayer under;
+        under.effect = &around;
+        ASSERT_TRUE(drawTextLayers(&beneath, *text.coverage, &under, 1, clip));
+        layer.colours = &glyphs;
+        ASSERT_TRUE(drawTextLayers(&actual, *text.coverage, &layer, 1, clip));
+        int alone = 0, mixed = 0;
+        for (int i = 0; i < static_cast<int>(kLayeredWidth * kLayeredHeight); ++i) {
+            const int x = i % 90 - glyphs.x, y = i / 90 - glyphs.y;
+            const uint32_t source = x >= 0 && x < 70 && y >= 0 && y < 15 ? words[y * 70 + x] : 0;
+            const auto pixelOf = [i](const ZvBitmap& bitmap) {
+                uint32_t word;
+                std::memcpy(&word, bitmap.pixels + i * 4, 4);
+                return word;
+            };
+            const bool isAlone = source != 0 && coverageAt(i % 90, i / 90) <= source >> 24;
+            const uint32_t below = pixelOf(isAlone ? beneath : filled), made = pixelOf(actual);
+            const double s = (source >> 24) / 255.0 * (color >> 24) / 255.0, b = (below >> 24) / 255.0;
+            const double alpha = s + b * (1 - s);
+            ASSERT_NEAR(made >> 24, alpha * 255, 0.51) << i;
+            for (int shift = 0; shift < 24 && alpha > 0; shift += 8) {
+                const double c = (source >> shift & 255) * s + (below >> shift & 255) * b * (1 - s);
+                ASSERT_NEAR(made >> shift & 255, c / alpha, 0.51) << i;
+            }
+            alone += isAlone;
+            mixed += source != 0 && !isAlone;
+        }
+        EXPECT_GT(alone, 100);
+        EXPECT_GT(mixed, 10);
+    }
+}
+
 TEST(TextLayers, MarginsGrowWithSpreadAndOffset) {
     ZvEffect glow, none;
     glow.addOuterGlowText(10, 0xFFFFFFFF, 1, 0, nullptr);
@@ -143,6 +206,10 @@ TEST(TextLayers, WithoutMemoryThePictureIsLeftOrLacksAnEffect) {
     layers[1].spread = -2;
     layers[2].spread = 3;
     layers[2].blend = LayerBlend::Screen;
+    ColourGlyphs glyphs;
+    glyphs.picture = ZvBitmap(20, 20, 4);
+    glyphs.around = &text.plain;
+    layers[0].colours = &glyphs;
     const ZvRect clip(0, 0, kLayeredWidth, kLayeredHeight);
     ZvBitmap picture(kLayeredWidth, kLayeredHeight, 4);
     const ZvBitmap before(picture);
