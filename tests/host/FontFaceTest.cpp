@@ -182,16 +182,6 @@ TEST(FontFace, OutlinesAreFreeTypesSmoothOnesUnhinted) {
     EXPECT_TRUE(boxOf(*face, face->glyphCount(), styled(40)).empty());
 }
 
-// How the plain rendering slants, scales, emboldens and drops anti-alias is in its pictures.
-TEST(FontFace, MirroredOutlinesAreMirrored) {
-    const auto face = fonts::open(Role::kLatin);
-    const uint32_t glyph = glyphOf(*face, 'F');
-    const auto plain = face->image(glyph, styled(64), 0), mirrored = face->image(glyph, styled(64, -1), 0);
-    EXPECT_TRUE(everywhere({plain.get()}, [&](int x, int y) {
-        return std::abs(coverageAt(*plain, x, y) - coverageAt(*mirrored, -1 - x, y)) <= 1;
-    }));
-}
-
 TEST(FontFace, ColourStrikesGiveTheirAlphaAtTheSize) {
     const auto face = fonts::open(Role::kEmoji);
     const uint32_t glyph = glyphOf(*face, 0x1F600);
@@ -331,29 +321,25 @@ TEST(FontFace, StylesBeyondTheLimitsAreBlank) {
     const auto face = fonts::open(Role::kLatin), emoji = fonts::open(Role::kEmoji);
     const float nan = std::nanf(""), infinity = std::numeric_limits<float>::infinity();
     std::vector<GlyphStyle> styles;
-    for (const float size : {0.0f, -5.0f, nan, infinity, 16385.0f, 1e30f, 1e-30f, 16000.0f}) {
+    for (const float size : {0.0f, -5.0f, nan, infinity, 16385.0f, 1e30f, 16000.0f})
         styles.push_back(styled(size));
-    }
     for (const float value : {nan, infinity, 0.0f, 1e30f}) styles.push_back(styled(20, value));
-    for (const float value : {nan, -infinity, 65.0f}) styles.push_back(styled(20, 1, value));
+    for (const float value : {nan, -infinity, 65.0f}) styles.push_back(styled(20, 1, value, true));
     for (const auto& font : {face, emoji}) {
         const uint32_t glyph = glyphOf(*font, font == face ? 'W' : 0x1F600);
-        for (GlyphStyle style : styles) {
+        for (const GlyphStyle& style : styles) {
             SCOPED_TRACE(testing::Message() << style.size << " " << style.scaleX << " " << style.skewX);
-            for (const bool bold : {false, true}) {
-                style.fakeBold = bold;
-                // A size that is only tiny leaves at most a pixel of an emoji.
-                const size_t most = style.size == 1e-30f && font == emoji ? 1 : 0;
-                EXPECT_LE(font->image(glyph, style, 3)->coverage.size(), most);
-                EXPECT_TRUE(boxOf(*font, glyph, style).empty() || most > 0);
-            }
+            EXPECT_TRUE(font->image(glyph, style, 3)->coverage.empty());
+            EXPECT_TRUE(boxOf(*font, glyph, style).empty());
             if (std::isnan(style.size + style.scaleX) || std::isinf(style.size)) {
                 EXPECT_EQ(font->advance(glyph, style), 0);
             }
         }
     }
-    // The smallest size leaves a pixel or two; a small glyph of a large size is no large image.
-    EXPECT_LE(emoji->image(glyphOf(*emoji, 0x1F600), styled(host::kMinGlyphSize), 3)->coverage.size(), 2u);
+    // Tiny sizes leave a pixel or two of an emoji; a small glyph of a large size is no large image.
+    for (const float size : {1e-30f, host::kMinGlyphSize}) {
+        EXPECT_LE(emoji->image(glyphOf(*emoji, 0x1F600), styled(size), 3)->coverage.size(), 2u);
+    }
     EXPECT_FALSE(face->image(glyphOf(*face, '.'), styled(16000), 0)->coverage.empty());
 }
 

@@ -3,7 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <thread>
 #include <tuple>
 
 #include "Fonts.h"
@@ -52,22 +51,6 @@ TEST(LocaleList, ScoresLanguageBeforeScriptBeforeNothing) {
         EXPECT_EQ(expected, score(wanted, offered)) << wanted << " and " << offered;
     }
     EXPECT_LT(score("en,ja,ja", "ja"), score("ja,en,en", "ja")) << "one wanted earlier outweighs the rest";
-}
-
-TEST(LocaleList, RegisteringFromManyThreads) {
-    std::vector<std::vector<uint32_t>> ids(4);
-    std::vector<std::thread> threads;
-    for (std::vector<uint32_t>& mine : ids) {
-        threads.emplace_back([&mine] {
-            for (char c = 'A'; c <= 'Z'; c++) {
-                mine.push_back(registerLocaleList(std::string("de-") + c + 'Q'));
-                mine.push_back(static_cast<uint32_t>(host::localeListOf(mine.back()).size()));
-            }
-        });
-    }
-    for (std::thread& thread : threads) thread.join();
-    for (const std::vector<uint32_t>& other : ids) EXPECT_EQ(ids[0], other);
-    EXPECT_EQ(1u, ids[0][1]);
 }
 
 TEST(FontStyle, IsTheFilesWhereItWasNotSet) {

@@ -1,11 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
-#include <SkPaint.h>
 #include <SkRefCnt.h>
 #include <SkStream.h>
 #include <SkTypeface.h>
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <memory>
 
 #include "Fonts.h"
@@ -58,21 +56,6 @@ TEST(SkTypeface, TakesTheStreamOverAndKeepsItAsLongAsTheFace) {
     EXPECT_EQ(borrowed.getMemoryBase(), text);
     EXPECT_EQ(*static_cast<const char*>(copied.getMemoryBase()), 'a');
     EXPECT_EQ(copied.getLength(), 3u);
-}
-
-TEST(SkPaint, FlagsAndSizes) {
-    SkPaint paint;
-    paint.setFlags(0x1 | 0x20 | 0x40 | 0x80 | 0x10000);
-    EXPECT_TRUE(paint.isAntiAlias() && paint.isFakeBoldText() && paint.isLinearText() &&
-                paint.isSubpixelText());
-    paint.setFakeBoldText(false);
-    paint.setAntiAlias(false);
-    EXPECT_EQ(paint.getFlags(), 0x40u | 0x80 | 0x10000);
-    EXPECT_EQ(paint.getTextSize(), 12);
-    for (const float size : {30.0f, -1.0f, std::nanf("")}) {  // a value that is no size leaves the old one
-        paint.setTextSize(size);
-        EXPECT_EQ(paint.getTextSize(), 30);
-    }
 }
 
 }  // namespace

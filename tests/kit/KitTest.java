@@ -110,12 +110,9 @@ final class KitTest {
     }
 
     @Test
-    void everyRenderOfATextGivesTheSamePicture() {
-        TextView view = viewOf("Background\nboxes");
-        try (ZvText text = textOf(view).stroke(9, 0xFF00FF00, Stroke.OUTSIDE).background(0xFF123456)) {
-            int[] first = text.render();
-            assertTrue(Arrays.stream(first).anyMatch(p -> p == 0xFF123456));
-            assertArrayEquals(first, text.render());
+    void theBackgroundComesAndGoes() {
+        try (ZvText text = textOf(viewOf("Background\nboxes")).background(0xFF123456)) {
+            assertTrue(Arrays.stream(text.render()).anyMatch(p -> p == 0xFF123456));
             assertTrue(Arrays.stream(text.noBackground().render()).noneMatch(p -> p == 0xFF123456));
         }
     }

@@ -1,9 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <thread>
 
-#include "tests/host/FreeTypeOracle.h"
 #include "tests/tool/Program.h"
-#include FT_MULTIPLE_MASTERS_H
 
 namespace {
 
@@ -54,24 +52,6 @@ TEST_F(Fonts, LinesOfABatchShareFontsAndKeepThemApart) {
         EXPECT_TRUE(slurp(file("batch") / (std::to_string(i + 1) + ".png")) ==
                     drawn(lines[i][0], "'" + lines[i][1] + "'" + more))
             << i;
-    }
-}
-
-TEST_F(Fonts, OutlinesAreFreeTypesAtThoseCoordinates) {
-    const std::string content = slurp(kInter);
-    const std::vector<uint8_t> bytes(content.begin(), content.end());
-    const FreeTypeOracle oracle(bytes, 0);
-    const auto places = {std::pair("slnt=-10,wght=100", std::array<FT_Fixed, 2>{100 << 16, -10 * 65536}),
-                         {"wght=633.25,slnt=-3.5", {41500672, -229376}}};
-    for (auto [axes, coordinates] : places) {
-        ASSERT_EQ(FT_Set_Var_Design_Coordinates(oracle.face(), 2, coordinates.data()), 0);
-        const host::GlyphImage glyph = oracle.outline(oracle.glyph('H'), 200, 0);
-        const Image picture =
-            render(std::string("H -f $INTER -s 200 --trim --text-rendering plain --axes ") + axes);
-        std::vector<uint8_t> alpha;
-        for (size_t i = 3; i < picture.rgba.size(); i += 4) alpha.push_back(picture.rgba[i]);
-        EXPECT_EQ(picture.width, static_cast<unsigned>(glyph.width));
-        EXPECT_TRUE(alpha == glyph.coverage) << axes;
     }
 }
 

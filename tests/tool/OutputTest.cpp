@@ -172,11 +172,13 @@ TEST_F(Output, TrimmingCutsTheTransparentBorderAndNothingElse) {
     const Json whole = write("whole.png", " 'Tí\nj' --stroke 5:#f00");
     const Json cut = write("cut.png", " 'Tí\nj' --stroke 5:#f00 --trim");
     const Image from = readPng(file("whole.png")), image = readPng(file("cut.png"));
-    const int left = whole["margins"]["left"].get<int>() - cut["margins"]["left"].get<int>();
-    const int top = whole["margins"]["top"].get<int>() - cut["margins"]["top"].get<int>();
+    const auto margin = [](const Json& metrics, const char* side) {
+        return metrics["margins"][side].get<int>();
+    };
+    const int left = margin(whole, "left") - margin(cut, "left"),
+              top = margin(whole, "top") - margin(cut, "top");
     EXPECT_EQ(from.ink(), image.ink());
-    EXPECT_GT(image.ink(0, 1), 0u);
-    EXPECT_GT(image.ink(image.width - 1, image.width), 0u);
+    EXPECT_TRUE(image.ink(0, 1) > 0 && image.ink(image.width - 1, image.width) > 0);
     EXPECT_EQ(cut["width"], image.width);
     EXPECT_EQ(cut["height"], image.height);
     for (const unsigned y : {0u, image.height / 2, image.height - 1}) {
@@ -187,21 +189,14 @@ TEST_F(Output, TrimmingCutsTheTransparentBorderAndNothingElse) {
         const bool empty = std::count(row, row + image.width * 4, 0) == image.width * 4;
         EXPECT_TRUE(y == image.height / 2 || !empty) << y;
     }
-    const auto view = [](const Json& metrics, const char* side, const char* low, const char* high) {
-        return metrics[side].get<int>() - metrics["margins"][low].get<int>() -
-               metrics["margins"][high].get<int>();
-    };
-    EXPECT_EQ(view(whole, "width", "left", "right"), view(cut, "width", "left", "right")) << "as before";
-    EXPECT_EQ(view(whole, "height", "top", "bottom"), view(cut, "height", "top", "bottom"));
-    EXPECT_EQ(whole["baseline"], cut["baseline"].get<int>() + top);
+    EXPECT_EQ(from.width - image.width, left + margin(whole, "right") - margin(cut, "right"));
+    EXPECT_EQ(from.height - image.height, top + margin(whole, "bottom") - margin(cut, "bottom"));
     const Json &before = whole["lines"][1], &after = cut["lines"][1];
     EXPECT_EQ(before["baseline"], after["baseline"].get<int>() + top);
     EXPECT_EQ(before["glyphs"][0]["box"]["right"], after["glyphs"][0]["box"]["right"].get<int>() + left);
-    EXPECT_EQ(before["box"]["bottom"], after["box"]["bottom"].get<int>() + top);
 
     const Json blank = write("blank.png", " ' ' --trim");
-    EXPECT_EQ(blank["width"], 1);
-    EXPECT_EQ(blank["height"], 1);
+    EXPECT_TRUE(blank["width"] == 1 && blank["height"] == 1);
     EXPECT_EQ(readPng(file("blank.png")).ink(), 0u);
 }
 
