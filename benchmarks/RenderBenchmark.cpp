@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
-// Whole renders through a text object: shaping, glyphs, effects and composition, the font loaded beforehand.
-// Row names are scene / size / kind: `fresh` makes a new text object for each render and clears the port's
-// glyph cache, as scripts/compare does; `warm` renders one object again, as after a change of its effects:
-// its lines are kept; `over` is that over a background, put together on the canvas. Every scene is checked
-// for ink before it is timed; a renderer that draws nothing is fast.
+//
+// Times whole renders through a text object: shaping, glyphs, effects and composition, with the font loaded
+// beforehand. Rows are named scene / size / kind. `fresh` makes a new text object for each render and clears
+// the port's glyph cache, as scripts/compare does. `warm` renders one object again, as after a change of its
+// effects, so its lines are kept. `over` is `warm` with a background, composed on the canvas. Every scene is
+// checked for ink before it is timed, because a renderer that draws nothing is fast.
 //
 //     bench_render [FONT] [--benchmark_filter=...]
 #include <benchmark/benchmark.h>

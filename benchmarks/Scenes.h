@@ -6,7 +6,7 @@
 
 #include "text/ZvTextObject.h"
 
-// The whole pictures that the library is timed on, alone and beside other renderers: one line of 13 glyphs in
+// The whole pictures for timing the library, alone and beside other renderers: one line of 13 glyphs in
 // orange, DejaVu Sans Bold, on a transparent canvas.
 //
 //     S1  fill
@@ -17,7 +17,7 @@
 //     S6  blue outer glow of size 20
 //     S7  soft inner bevel of size 10, lit from the upper left
 //
-// small is 1024x256 with glyphs of 120 pixels; in large every length is 4 times that. The line is a little
+// small is 1024x256 with glyphs of 120 pixels; in large every length is 4 times that. The line is slightly
 // wider than the canvas, which cuts its last glyph.
 namespace bench {
 
@@ -35,8 +35,8 @@ struct Canvas {
     int baseline() const { return 192 * scale; }
 };
 
-// Makes a text object, not yet constructed, ready for `RenderTextEffect(canvas.width(), canvas.height())`.
-// The effects' margins are part of the canvas: the glyphs stand in the same place in every scene. False for
+// Prepares a text object, not yet constructed, for `RenderTextEffect(canvas.width(), canvas.height())`. The
+// effects' margins are part of the canvas, so the glyphs are at the same position in every scene. False for
 // an unknown scene or a font that cannot be loaded.
 bool prepareScene(Zvex::ZvTextObject& object, const std::string& scene, Canvas canvas,
                   const char* font = kFont);

@@ -7,8 +7,8 @@
 namespace Zvex {
 
 // Asks the system to back memory from malloc with large pages, if it has them and the memory spans several;
-// shorter memory is left alone. Touching a 16 MB picture for the first time in small pages takes longer than
-// drawing it. Only a hint: contents and ownership do not change.
+// shorter memory does not change. Touching a 16 MB picture for the first time in small pages takes longer
+// than drawing it. Only a hint: content and ownership do not change.
 void preferLargePages(void* memory, size_t bytes);
 
 }  // namespace Zvex

@@ -25,7 +25,7 @@ Result unlessOutOfMemory(Result failure, Work work) {
     }
 }
 
-// A new T; null, with the flag set, where memory is short.
+// A new T; null, with the flag set, if memory is short.
 template <typename T, typename... Arguments>
 std::unique_ptr<T> tryMake(Arguments&&... arguments) {
     std::unique_ptr<T> made(new (std::nothrow) T(std::forward<Arguments>(arguments)...));

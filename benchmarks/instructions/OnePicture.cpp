@@ -1,13 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
-// Draws one picture of benchmarks/Scenes.h for scripts/instructions, which counts what countedPicture
-// executes.
+//
+// Draws one picture of benchmarks/Scenes.h for scripts/instructions, which counts the instructions of
+// countedPicture.
 //
 //     one_picture SCENE small|large baseline|avx2
 //     one_picture --compiler
 //
-// The picture is drawn twice, and counted the second time: what a process loads or makes once is there by
-// then. As in scripts/compare it is that of a new text object with a new glyph cache. 3 is the exit status
-// where the machine lacks the instruction set.
+// The picture is drawn twice, and the second time is counted: by then the process has loaded everything that
+// it loads once. As in scripts/compare, it is the picture of a new text object with a new glyph cache. The
+// exit status is 3 if the machine lacks the instruction set.
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
@@ -40,7 +41,7 @@ int fail(const char* what) {
 
 }  // namespace
 
-// A C name and a function of its own, for callgrind's --toggle-collect.
+// A separate function with a C name, for callgrind's --toggle-collect.
 extern "C" __attribute__((noinline, visibility("default"))) const uint32_t* countedPicture(
     Zvex::ZvTextObject* object, const char* scene, const bench::Canvas* canvas) {
     return draw(*object, scene, *canvas);
@@ -55,7 +56,7 @@ int main(int argc, char** argv) {
     Zvex::limitCpuTarget(target);
     if (Zvex::cpuTarget() != target) return 3;
 
-    Zvex::ZvTextObject first, second;  // the first holds the font
+    Zvex::ZvTextObject first, second;  // the first keeps the font loaded
     if (draw(first, argv[1], canvas) == nullptr) return fail("the scene cannot be drawn");
     host::clearGlyphCache();
     const uint32_t* argb = countedPicture(&second, argv[1], &canvas);

@@ -29,7 +29,7 @@ int sideOf(uint32_t size) {
     return static_cast<int>(size);
 }
 
-// The coverage as a premultiplied picture; words 0xAARRGGBB.
+// The coverage as a premultiplied picture of words 0xAARRGGBB.
 std::vector<uint32_t> wordsOf(const ZvBitmap& mask) {
     std::vector<uint32_t> words;
     for (size_t i = 0; i < mask.byteCount(); ++i)
@@ -65,7 +65,7 @@ void addBlends(const bench::TextScene& scene) {
     }
 }
 
-// A glyph run into the mask: the mask's bytes lie in the first quarter of the target.
+// Merges a glyph run into the mask; the mask's bytes are in the first quarter of the target.
 template <typename Merge>
 bench::Draw intoMask(Merge merge) {
     return [merge](Param& p) {

@@ -39,7 +39,8 @@ void addReliefRows() {
                 bevel(*scene, "bevel/inner", reference::drawBevel, 1, soft, size * scale, small);
                 bevel(*scene, "bevel/outer", reference::drawBevel, 0, soft, size * scale, small);
             }
-            // Over the radius: hardly more. The plain form, in proportion to its square, is left out there.
+            // The library's time hardly grows with the radius. The plain form's grows with its square, so it
+            // is left out.
             for (int size : {2, 5, 10, 20, 40, 70, 100}) {
                 if (soft || !small) break;
                 addRelief<ZvBevel, ZvBevelProperty>(*scene, "bevel-radii/inner", reference::drawBevel, 1,

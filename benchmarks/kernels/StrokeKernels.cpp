@@ -13,7 +13,7 @@ using namespace Zvex;
 
 constexpr uint32_t kColor = 0xFF202020;
 
-// `measure` is what the row's name calls the width.
+// `measure` is the name of the width in the row's name.
 void addStroke(const std::string& measure, const bench::TextScene& scene, int position, int width,
                bool withPlain) {
     const char* names[] = {"center", "outside", "inside"};

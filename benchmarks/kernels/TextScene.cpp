@@ -1,10 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
-// Each kernel on real text, in one process with its plain form.
+//
+// Times each kernel on real text, in one process with its plain form.
 //
 //     bench_kernels [--target=baseline|avx2|avx512] [--benchmark_filter=stroke/.*/1024x256]
 //
-// The target is the largest instruction set that the kernels use; without it, or where the machine has no
-// such thing, the machine's best.
+// The target is the largest instruction set that the kernels use. By default, and if the machine lacks it,
+// that is the machine's best.
 #include "benchmarks/kernels/TextScene.h"
 
 #include <benchmark/benchmark.h>
@@ -30,7 +31,7 @@ using namespace Zvex;
 constexpr char kFont[] = "/usr/share/fonts/truetype/dejavu/DejaVuSans-Bold.ttf";
 constexpr char kText[] = "Hamburgefonst";
 
-// Text drawn opaque and without effects has its coverage as alpha.
+// Text that is drawn opaque and without effects has its coverage as alpha.
 TextScene renderText(int width, int height, float size) {
     ZvTextObject object;
     object.Construct();
@@ -76,7 +77,7 @@ TextScene renderText(int width, int height, float size) {
     return scene;
 }
 
-// One draw onto the cleared target; the seconds that it took.
+// Draws once onto the cleared target and returns the seconds.
 double drawOnce(const TextScene& scene, const Draw& draw, ZvBitmap& target) {
     std::memset(target.pixels, 0, target.byteCount());
     ZvBitmap mask = scene.mask;
@@ -114,7 +115,7 @@ std::vector<void (*)()>& families() {
     return all;
 }
 
-// Takes --target=NAME out of the arguments. False for a NAME that there is none of.
+// Removes --target=NAME from the arguments. False for an unknown NAME.
 bool takeTarget(int* argc, char** argv) {
     constexpr char kOption[] = "--target=";
     constexpr size_t kLength = sizeof kOption - 1;

@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: Apache-2.0
-// The side of Cairo and Pango in scripts/compare: answers requests in lines on standard input (README.md).
 //
-// Timed: a new image surface and layout, shaping, drawing. The surface is memory, so there is nothing to read
-// back. Cairo has no blur; the one here is what programs that draw with it bring along, three running box
-// sums over 8-bit coverage. It has no lighting either: no bevel.
+// Cairo and Pango in scripts/compare: answers requests in lines on standard input (README.md).
 //
-// Cairo keeps glyphs in the fonts, as many as 256 of them after their last use, and dropping its static data
-// asks for every font to be gone, which Pango does not grant. So each render has a font size of its own, a
-// step of 1/1024 pixel apart. One glyph that is not in the text is drawn in it first, which loads the font
-// outside the time.
+// Timed: a new image surface and layout, shaping, drawing. The surface is in memory, so nothing has to be
+// read back. Cairo has no blur, so this uses the common substitute, three running box sums over 8-bit
+// coverage. It has no lighting either, so there is no bevel.
+//
+// Cairo's fonts keep up to 256 glyphs after their last use. Dropping its static data needs all fonts to be
+// gone, which Pango does not allow. So each render uses a font size of its own, 1/1024 pixel apart. First it
+// draws one glyph that is not in the text, so that loading the font is not timed.
 #include <pango/pangocairo.h>
 
 #include <algorithm>
@@ -46,7 +46,7 @@ using Layout = std::unique_ptr<PangoLayout, Destroy<g_object_unref>>;
 
 // --- Blur
 
-// Sums of `window` (odd) bytes around each byte of a row, divided, from source to target; outside is 0.
+// Writes the mean of `window` (odd) bytes around each byte of a row to the target; outside is 0.
 void boxRow(const uint8_t* source, uint8_t* target, int width, int window) {
     const uint32_t inverse = (1u << 24) / static_cast<uint32_t>(window);
     const int half = window / 2;
@@ -59,7 +59,7 @@ void boxRow(const uint8_t* source, uint8_t* target, int width, int window) {
     }
 }
 
-// The same down the columns, all of them side by side, row by row.
+// The same down the columns, all side by side, row by row.
 void boxColumns(const uint8_t* source, uint8_t* target, int width, int height, int stride, int window) {
     const uint32_t inverse = (1u << 24) / static_cast<uint32_t>(window);
     const int half = window / 2;
@@ -83,7 +83,7 @@ void boxColumns(const uint8_t* source, uint8_t* target, int width, int height, i
     }
 }
 
-// Three boxes in a row are close to a Gaussian of this deviation.
+// Three boxes in sequence are close to a Gaussian of this deviation.
 void blur(cairo_surface_t* coverage, double deviation) {
     cairo_surface_flush(coverage);
     const int width = cairo_image_surface_get_width(coverage),
@@ -146,7 +146,7 @@ struct Scene {
         cairo_stroke(context);
     }
 
-    // Only the rows that the blurred text can reach take part.
+    // Uses only the rows that the blurred text can reach.
     void shadow(uint32_t color, int offset, double deviation) const {
         PangoRectangle ink;
         pango_layout_line_get_pixel_extents(line, &ink, nullptr);
@@ -236,7 +236,7 @@ bool writePixels(cairo_surface_t* canvas, const std::string& path) {
     return std::fclose(file) == 0 && written;
 }
 
-// render: counts up.
+// render: a number that grows with each render.
 std::string answer(PangoFontMap* fonts, int render, const std::string& scene, const std::string& size,
                    const std::string& file) {
     const int scale = size == "large" ? 4 : 1;

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
-// The library's side of scripts/compare: answers requests in lines on standard input
-// (benchmarks/peers/README.md).
 //
-// What is timed is everything from a new text object to the picture: its settings, shaping, glyphs, effects
-// and composition. A new object for each render, so that nothing of the render before is left but the loaded
-// font.
+// The library in scripts/compare: answers requests in lines on standard input (benchmarks/peers/README.md).
+//
+// Timed: everything from a new text object to the picture, which is its settings, shaping, glyphs, effects
+// and composition. Each render uses a new object, so that nothing of the render before remains except the
+// loaded font.
 #include <chrono>
 #include <cstdio>
 #include <iostream>
@@ -51,7 +51,7 @@ std::string answer(const std::string& scene, const std::string& size, const std:
 }  // namespace
 
 int main() {
-    // Holds the font for the whole run.
+    // Keeps the font loaded for the whole run.
     Zvex::ZvTextObject font;
     if (!bench::prepareScene(font, "S1", bench::Canvas())) return 1;
     for (std::string line; std::getline(std::cin, line);) {
