@@ -100,9 +100,9 @@ public:
 
     // Builds the first family not yet loaded whose localeListId is `localeListId` and keeps the outcome in
     // its `loaded`. True when there was such a family, even if building it failed; false, with the family
-    // unchanged, where memory is short.
+    // unchanged, if memory is short.
     bool LoadMinikinFontFamily(unsigned int localeListId);
-    // The same, but true too if no family has that language; false only where memory is short.
+    // The same, but true too if no family has that language; false only if memory is short.
     bool EnsureMinikinFontFamily(unsigned int localeListId);
 
     // Takes ownership of the list of ZvFontFamily* and all in it. They may be changed later while nothing is

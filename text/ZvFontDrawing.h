@@ -30,7 +30,7 @@ public:
     ZvFontDrawing& operator=(const ZvFontDrawing&) = delete;
 
     // The path or name of the font, as the font manager knows it. Null changes nothing. False, with the path
-    // unchanged, where memory is short.
+    // unchanged, if memory is short.
     bool SetFontPath(const char* path);
     ZvString* GetFontPath() { return fontPath; }
 

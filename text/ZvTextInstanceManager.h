@@ -17,7 +17,7 @@ public:
     // null for none.
     static void SetCallBack(void (*callback)(ZvTextObject*));
 
-    // The object's handle, a new one if it has none; -1 where memory is short, and, with an error line and
+    // The object's handle, a new one if it has none; -1 if memory is short, and, with an error line and
     // code 3, once the handles up to the largest int are used up.
     static int Register(ZvTextObject* object);
     // Forgets the handle; references and deferred releases stay as they are. Always 0.
@@ -29,7 +29,7 @@ public:
     static void SkipHandles(int last);
 
     // Adds a reference; the first one also takes the object off the list of deferred releases. False, and no
-    // reference, where memory is short.
+    // reference, if memory is short.
     static bool Bind(ZvTextObject* object);
 
     // Drops a reference. If it was the last one and `destroy` is set, the object is passed to the callback,

@@ -241,7 +241,7 @@ void ZvTextObject::SetTextLocaleListId() {
     loadFamiliesOfText();
 }
 
-// False where memory is short.
+// False if memory is short.
 bool ZvTextObject::loadFamiliesOfText() {
     if (mImpl->fontDrawing != nullptr && mImpl->fontDrawing->HasTypeface()) return true;
     return unlessOutOfMemory(false, [this] { return tryLoadFamiliesOfText(); });

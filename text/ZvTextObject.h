@@ -48,7 +48,7 @@ public:
     ZvEffect* GetEffect();
 
     // Copies the text (null clears it) and has the font manager load the families that its scripts need.
-    // False where memory is short: the text, or its families, may be missing then.
+    // False if memory is short: the text, or its families, may be missing then.
     bool SetText(const ZvString* text);
     bool SetText(const wchar_t* text);
     ZvString* GetText();
