@@ -2,7 +2,6 @@
 #include "effect/LayerRows.h"
 
 #include <algorithm>
-#include <climits>
 #include <cstddef>
 #include <utility>
 

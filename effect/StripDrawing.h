@@ -2,7 +2,6 @@
 #ifndef ZVEX_EFFECT_STRIPDRAWING_H_
 #define ZVEX_EFFECT_STRIPDRAWING_H_
 
-#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <vector>

@@ -2,7 +2,6 @@
 #include "effect/TextLayers.h"
 
 #include <algorithm>
-#include <climits>
 #include <cstdint>
 #include <cstring>
 #include <memory>

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "effect/ZvProperty.h"
 
-#include <algorithm>
 #include <climits>
 
 #include "effect/Numbers.h"

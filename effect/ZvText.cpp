@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <cstring>
 #include <memory>
-#include <utility>
 
 #include "effect/Composite.h"
 #include "effect/LayerRows.h"

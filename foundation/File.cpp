@@ -42,7 +42,7 @@ int invalidPath() {
 
 }  // namespace
 
-struct File::State {
+struct File::Impl {
     FILE* stream = nullptr;
     bool write = false;
     bool keepOpen = false;
@@ -50,11 +50,11 @@ struct File::State {
 
 File::~File() {
     Close();
-    delete mState;
+    delete mImpl;
 }
 
-bool File::attachState(const void* path, const char* mode) {
-    if (mState != nullptr) {
+bool File::attachImpl(const void* path, const char* mode) {
+    if (mImpl != nullptr) {
         ZV_REPORT_ERROR(kTag, ZV_ERROR_ALREADY_CONSTRUCTED);
         return false;
     }
@@ -62,9 +62,9 @@ bool File::attachState(const void* path, const char* mode) {
         ::Zvex::Error::SetError(ZV_ERROR_INVALID_ARGUMENT);
         return false;
     }
-    mState = new (std::nothrow) State;
-    if (mState == nullptr) ZV_REPORT_ERROR(kTag, ZV_ERROR_PLATFORM);
-    return mState != nullptr;
+    mImpl = new (std::nothrow) Impl;
+    if (mImpl == nullptr) ZV_REPORT_ERROR(kTag, ZV_ERROR_PLATFORM);
+    return mImpl != nullptr;
 }
 
 bool File::open(const char* path, const char* mode, bool keepOpen) {
@@ -74,14 +74,14 @@ bool File::open(const char* path, const char* mode, bool keepOpen) {
         ZV_REPORT_ERROR(kTag, ZV_ERROR_OPEN_FILE);
         return false;
     }
-    mState->stream = stream;
-    mState->write = std::strpbrk(mode, "wa") != nullptr;
-    mState->keepOpen = keepOpen;
+    mImpl->stream = stream;
+    mImpl->write = std::strpbrk(mode, "wa") != nullptr;
+    mImpl->keepOpen = keepOpen;
     return true;
 }
 
 bool File::Construct(const ZvString* path, const char* mode, bool keepOpen) {
-    if (!attachState(path, mode)) return false;
+    if (!attachImpl(path, mode)) return false;
     const NarrowPath narrow(*path);
     if (narrow.size < 1) {
         __android_log_print(ANDROID_LOG_ERROR, kTag, "OpenFile() - pathSize < 0");
@@ -92,7 +92,7 @@ bool File::Construct(const ZvString* path, const char* mode, bool keepOpen) {
 }
 
 bool File::Construct(const char* path, const char* mode) {
-    return attachState(path, mode) && open(path, mode, false);
+    return attachImpl(path, mode) && open(path, mode, false);
 }
 
 FILE* File::openStream() {
@@ -147,15 +147,15 @@ int File::GetFileDescriptor() {
 }
 
 FILE* File::GetFilePointer() {
-    return mState != nullptr ? mState->stream : nullptr;
+    return mImpl != nullptr ? mImpl->stream : nullptr;
 }
 
 void File::Close() {
-    if (mState == nullptr || mState->stream == nullptr || mState->keepOpen) return;
-    std::fflush(mState->stream);
-    if (mState->write) ::fsync(::fileno(mState->stream));
-    std::fclose(mState->stream);
-    mState->stream = nullptr;
+    if (mImpl == nullptr || mImpl->stream == nullptr || mImpl->keepOpen) return;
+    std::fflush(mImpl->stream);
+    if (mImpl->write) ::fsync(::fileno(mImpl->stream));
+    std::fclose(mImpl->stream);
+    mImpl->stream = nullptr;
 }
 
 int File::IsAccessible(const ZvString* path, int mode) {

@@ -50,12 +50,12 @@ public:
     static int Rename(const char* oldPath, const char* newPath);
 
 private:
-    struct State;
-    bool attachState(const void* path, const char* mode);
+    struct Impl;
+    bool attachImpl(const void* path, const char* mode);
     bool open(const char* path, const char* mode, bool keepOpen);
     FILE* openStream();  // null, reported, without a stream
 
-    State* mState = nullptr;  // null: not constructed
+    Impl* mImpl = nullptr;  // null: not constructed
 };
 
 }  // namespace Zvex

@@ -16,7 +16,7 @@ namespace {
 constexpr char kTag[] = "ZV_Mutex";
 }
 
-struct Mutex::Record {
+struct Mutex::Impl {
     pthread_mutex_t mutex;
     bool usable = false;  // whether the system gave a mutex
     int32_t count = 0;
@@ -28,39 +28,39 @@ struct Mutex::Record {
 };
 
 Mutex::~Mutex() {
-    if (mRecord == nullptr) return;
-    if (mRecord->usable) pthread_mutex_destroy(&mRecord->mutex);
-    delete mRecord;
+    if (mImpl == nullptr) return;
+    if (mImpl->usable) pthread_mutex_destroy(&mImpl->mutex);
+    delete mImpl;
 }
 
 bool Mutex::Construct() {
-    if (mRecord != nullptr) {
+    if (mImpl != nullptr) {
         ZV_REPORT_ERROR(kTag, ZV_ERROR_ALREADY_CONSTRUCTED);
         return false;
     }
-    mRecord = new (std::nothrow) Record;
-    if (mRecord == nullptr || pthread_mutex_init(&mRecord->mutex, nullptr) != 0) {
+    mImpl = new (std::nothrow) Impl;
+    if (mImpl == nullptr || pthread_mutex_init(&mImpl->mutex, nullptr) != 0) {
         ZV_REPORT_ERROR(kTag, ZV_ERROR_PLATFORM);
         return false;
     }
-    mRecord->usable = true;
+    mImpl->usable = true;
     return true;
 }
 
 void Mutex::Lock() {
-    if (mRecord == nullptr || !mRecord->usable) return;
-    if (!mRecord->ownedByCaller()) {
-        pthread_mutex_lock(&mRecord->mutex);
-        mRecord->owner.store(std::this_thread::get_id(), std::memory_order_relaxed);
+    if (mImpl == nullptr || !mImpl->usable) return;
+    if (!mImpl->ownedByCaller()) {
+        pthread_mutex_lock(&mImpl->mutex);
+        mImpl->owner.store(std::this_thread::get_id(), std::memory_order_relaxed);
     }
-    ++mRecord->count;
+    ++mImpl->count;
 }
 
 void Mutex::Unlock() {
-    if (mRecord == nullptr || !mRecord->usable || !mRecord->ownedByCaller()) return;
-    if (--mRecord->count > 0) return;
-    mRecord->owner.store(std::thread::id(), std::memory_order_relaxed);
-    pthread_mutex_unlock(&mRecord->mutex);
+    if (mImpl == nullptr || !mImpl->usable || !mImpl->ownedByCaller()) return;
+    if (--mImpl->count > 0) return;
+    mImpl->owner.store(std::thread::id(), std::memory_order_relaxed);
+    pthread_mutex_unlock(&mImpl->mutex);
 }
 
 }  // namespace Zvex

@@ -25,8 +25,8 @@ public:
     void Unlock();
 
 private:
-    struct Record;
-    Record* mRecord = nullptr;
+    struct Impl;
+    Impl* mImpl = nullptr;  // null: not constructed
 };
 
 }  // namespace Zvex

@@ -221,22 +221,27 @@ bool ZvFontDrawing::drawLines(ZvTextObject* text, ZvBitmap* out, Drawing drawing
     const android::Typeface* typeface = typefaceOf(*text);
     if (typeface == nullptr) return false;
 
+    const DrawnLines::LineSource source = {utf16.get(), static_cast<size_t>(length), &paint};
+    mergeLines(*lines, source, *typeface, size_t{out->width} * out->height, effect);
+    return true;
+}
+
+void ZvFontDrawing::mergeLines(const List& lines, const DrawnLines::LineSource& source,
+                               const android::Typeface& typeface, size_t keptBytes, ZvEffect* effect) {
     const int leftOffset = effect->getLeftOffset();
     const int topOffset = effect->getTopOffset();
-    const int lineCount = lines->GetCount();
-    const DrawnLines::LineSource source = {utf16.get(), static_cast<size_t>(length), &paint};
+    const int lineCount = lines.GetCount();
     if (lineCount > 0) {
         ClearGlyphList();
         mDrawn.beginLines(source, static_cast<size_t>(lineCount));
     }
     for (int i = 0; i < lineCount; ++i) {
-        auto* line = static_cast<ZvLineInfo*>(lines->Get(i));
+        auto* line = static_cast<ZvLineInfo*>(lines.Get(i));
         if (line == nullptr) continue;
         float advance = 0;
-        if (lineImage(static_cast<size_t>(i), rangeOf(*line, length), source, *typeface,
-                      size_t{out->width} * out->height, &advance) == nullptr) {
+        const DrawnLines::Range range = rangeOf(*line, static_cast<int>(source.length));
+        if (lineImage(static_cast<size_t>(i), range, source, typeface, keptBytes, &advance) == nullptr)
             continue;
-        }
         const int32_t penX = toFixed(wrapAdd(line->x, leftOffset));
         const int32_t penY = toFixed(wrapAdd(line->y, topOffset));
         _DoRender(penX, penY, glyphList, effect, line->direction);
@@ -248,7 +253,6 @@ bool ZvFontDrawing::drawLines(ZvTextObject* text, ZvBitmap* out, Drawing drawing
         line->rect.right = wrapAdd(line->rect.left, truncateToInt(advance));
         line->rect.bottom = wrapAdd(line->rect.bottom, topOffset);
     }
-    return true;
 }
 
 void ZvFontDrawing::SetTypeface(std::shared_ptr<const android::Typeface> typeface) {

@@ -67,12 +67,14 @@ public:
 
 private:
     // Begins a rendering of the text's effect stack onto `out`, with initEffect or, for drawPicture, with
-    // initPicture, and merges every line into its mask. False where nothing is to be drawn.
+    // initPicture, and merges every line into its mask. False if there is nothing to draw.
     enum class Drawing { InLayers, AsPicture };
     bool drawLines(ZvTextObject* text, ZvBitmap* out, Drawing drawing);
-    // The text's typeface, kept or made; null, with its line in the log, without any family.
+    void mergeLines(const List& lines, const DrawnLines::LineSource& source,
+                    const android::Typeface& typeface, size_t keptBytes, ZvEffect* effect);
+    // The text's typeface, kept or made. Null, with a line in the log, if there is no family.
     const android::Typeface* typefaceOf(const ZvTextObject& text);
-    // The line's coverage image in glyphList, kept or made; null when there is no memory for it.
+    // The line's coverage image in glyphList, kept or made; null if memory is short.
     const ZvGlyph* lineImage(size_t index, const DrawnLines::Range& range,
                              const DrawnLines::LineSource& source, const android::Typeface& typeface,
                              size_t keptBytes, float* advance);

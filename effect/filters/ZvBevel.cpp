@@ -6,9 +6,7 @@
 
 #include "effect/filters/ZvBevel.h"
 
-#include <algorithm>
 #include <cmath>
-#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <utility>

@@ -24,7 +24,6 @@
 #include "effect/kernels/Dilation.h"
 
 #include <algorithm>
-#include <climits>
 #include <cstddef>
 #include <cstring>
 

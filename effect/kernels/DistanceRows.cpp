@@ -31,14 +31,39 @@ int exactColumns(int height) {
     return static_cast<int>(std::sqrt(static_cast<double>(kExact - tallest)));
 }
 
-// The transform: from the true minimum where that gives the same, else from the envelope.
+// The transform of a whole plane.
+class PlaneRows : public DistanceRows {
+public:
+    PlaneRows(int width, int height, int radius) : DistanceRows(width, height), mRadius(radius) {}
+
+    bool make(const uint8_t* levels) {
+        if (!mSquares.allocate(mHeight, mWidth)) return false;
+        const size_t count = static_cast<size_t>(mWidth) * static_cast<size_t>(mHeight);
+        for (size_t i = 0; i < count; ++i) mSquares[i] = levels[i] == 0 ? 0.0f : kEndlessSquare;
+        return squaredDistances(mSquares.get(), mWidth, mHeight) && allocate();
+    }
+
+private:
+    void measure(float* row) override {
+        const float* squares = mSquares.get() + ptrdiff_t{mY} * mWidth;
+        for (int x = 0; x < mWidth; ++x) row[x] = cappedRoot(squares[x], mRadius);
+    }
+
+    int mRadius;
+    Buffer<float> mSquares;
+};
+
+// The same from the true minimum, and from the envelope only where that could differ.
 class TransformRows : public DistanceRows {
 public:
+    static bool fits(int height, int radius) {
+        return exactColumns(height) > 0 && int64_t{radius} * radius <= kExact;
+    }
+
     TransformRows(int width, int height, int radius)
         : DistanceRows(width, height), mRadius(radius), mExact(exactColumns(height)) {}
 
     bool make(const uint8_t* levels) {
-        if (mExact < 1 || int64_t{mRadius} * mRadius > kExact) return makePlane(levels) && allocate();
         const bool wide = mWidth > mExact;
         if (wide && (!mEnvelope.allocate(mWidth) || !mEnd.allocate(mWidth, 2))) return false;
         const int reachX = std::min(mRadius, mWidth - 1), reachY = std::min(mRadius, mHeight - 1);
@@ -47,13 +72,6 @@ public:
     }
 
 private:
-    bool makePlane(const uint8_t* levels) {
-        if (!mPlane.allocate(mHeight, mWidth)) return false;
-        const size_t count = static_cast<size_t>(mWidth) * static_cast<size_t>(mHeight);
-        for (size_t i = 0; i < count; ++i) mPlane[i] = levels[i] == 0 ? 0.0f : kEndlessSquare;
-        return squaredDistances(mPlane.get(), mWidth, mHeight);
-    }
-
     // Finds the squares of a row that is too wide, from the returned pixel on. That pixel is one of the
     // nearest full kind, shortly before the sums get rounded. It stays in the envelope and hides all pixels
     // before it.
@@ -72,51 +90,62 @@ private:
     }
 
     void measure(float* row) override {
-        if (mPlane.get() != nullptr) {
-            const float* squares = mPlane.get() + ptrdiff_t{mY} * mWidth;
-            for (int x = 0; x < mWidth; ++x) row[x] = cappedRoot(squares[x], mRadius);
-        } else if (const float limit = static_cast<float>(mRadius); !mFull.next()) {
+        const float limit = static_cast<float>(mRadius);
+        if (!mFull.next()) {
             std::fill_n(row, mWidth, limit);
-        } else {
-            const int begin = mWidth > mExact ? transformEnd() : mWidth;
-            mFull.distances(row, nullptr, mRadius * mRadius, limit);
-            for (int x = begin; x < mWidth; ++x) row[x] = cappedRoot(mEnd[static_cast<size_t>(x)], mRadius);
+            return;
         }
+        const int begin = mWidth > mExact ? transformEnd() : mWidth;
+        mFull.distances(row, nullptr, mRadius * mRadius, limit);
+        for (int x = begin; x < mWidth; ++x) row[x] = cappedRoot(mEnd[static_cast<size_t>(x)], mRadius);
     }
 
     int mRadius, mExact;
     NearestFull mFull;
     LineTransform mEnvelope;
     Buffer<float> mEnd;
-    Buffer<float> mPlane;  // of squares, in place of all the others
+};
+
+// The values of a plane, unchanged.
+class RampRows : public DistanceRows {
+public:
+    RampRows(int width, int height, const LevelPlane& plane) : DistanceRows(width, height), mPlane(plane) {}
+
+    bool make() { return allocate(); }
+
+private:
+    void measure(float* row) override {
+        const uint8_t* levels = mPlane.pixels + ptrdiff_t{mY} * mWidth;
+        for (int x = 0; x < mWidth; ++x) row[x] = mPlane.ramp[levels[x]];
+    }
+
+    LevelPlane mPlane;
 };
 
 class SearchRows : public DistanceRows {
 public:
     SearchRows(int width, int height, const LevelPlane& plane, bool outward)
-        : DistanceRows(width, height), mPlane(plane), mOutward(outward) {}
+        : DistanceRows(width, height), mRamp(plane.ramp), mOutward(outward) {}
 
-    bool make(int radius) {
-        mSearches = radius > 0;
-        return (!mSearches || mNearest.make(mPlane, mWidth, mHeight, radius,
-                                            mOutward ? kInfinite : mPlane.ramp[255], 0, mHeight)) &&
-               allocate();
+    bool make(const LevelPlane& plane, int radius) {
+        const float limit = mOutward ? kInfinite : mRamp[255];
+        return mNearest.make(plane, mWidth, mHeight, radius, limit, 0, mHeight) && allocate();
     }
 
 private:
-    void measure(float* row) override {
-        if (mSearches) {
-            mNearest.next(row, mPlane.ramp, mOutward);
-        } else {
-            const uint8_t* levels = mPlane.pixels + ptrdiff_t{mY} * mWidth;
-            for (int x = 0; x < mWidth; ++x) row[x] = mPlane.ramp[levels[x]];
-        }
-    }
+    void measure(float* row) override { mNearest.next(row, mRamp, mOutward); }
 
-    LevelPlane mPlane;
-    bool mOutward, mSearches = false;
+    const float* mRamp;
+    bool mOutward;
     OutwardRows mNearest;
 };
+
+// The rows, made by `arguments`; null if memory is short.
+template <typename Rows, typename... Arguments>
+std::unique_ptr<DistanceRows> made(std::unique_ptr<Rows> rows, const Arguments&... arguments) {
+    if (rows == nullptr || !rows->make(arguments...)) return nullptr;
+    return rows;
+}
 
 }  // namespace
 
@@ -128,16 +157,17 @@ bool DistanceRows::allocate() {
 
 std::unique_ptr<DistanceRows> DistanceRows::transform(const uint8_t* levels, int width, int height,
                                                       int radius) {
-    auto rows = tryMake<TransformRows>(width, height, radius);
-    if (rows == nullptr || !rows->make(levels)) return nullptr;
-    return rows;
+    if (TransformRows::fits(height, radius)) {
+        return made(tryMake<TransformRows>(width, height, radius), levels);
+    }
+    return made(tryMake<PlaneRows>(width, height, radius), levels);
 }
 
 std::unique_ptr<DistanceRows> DistanceRows::search(const uint8_t* levels, int width, int height, int radius,
                                                    const float* ramp, bool outward) {
-    auto rows = tryMake<SearchRows>(width, height, LevelPlane{levels, ramp}, outward);
-    if (rows == nullptr || !rows->make(radius)) return nullptr;
-    return rows;
+    const LevelPlane plane = {levels, ramp};
+    if (radius < 1) return made(tryMake<RampRows>(width, height, plane));
+    return made(tryMake<SearchRows>(width, height, plane, outward), plane, radius);
 }
 
 }  // namespace Zvex

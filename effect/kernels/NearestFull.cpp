@@ -22,14 +22,14 @@ bool NearestFull::make(const Value* plane, int width, int first, int last, int r
     mWidth = width;
     mReachX = reachX;
     mNone = reachY + 1;
-    mIsNarrow = std::max(reachX, reachY) <= kNarrowest;
+    const bool narrows = std::max(reachX, reachY) <= kNarrowest;
     const int64_t line = int64_t{width} + 2 * int64_t{reachX} + 4 * kBlock;
-    if (!(mIsNarrow ? mNarrowLine.allocate(line) : mWideLine.allocate(line)) ||
+    if (!(narrows ? mNarrowLine.allocate(line) : mWideLine.allocate(line)) ||
         !mSteps.allocate(int64_t{last} - first + 1, width) || !mCurrent.allocate(width)) {
         return false;
     }
-    if (mIsNarrow) std::fill_n(mNarrowLine.get(), line, kNarrowFar);
-    if (!mIsNarrow) std::fill_n(mWideLine.get(), line, kFar);
+    if (narrows) std::fill_n(mNarrowLine.get(), line, kNarrowFar);
+    if (!narrows) std::fill_n(mWideLine.get(), line, kFar);
     std::fill_n(mCurrent.get(), width, static_cast<int16_t>(most));
     const int16_t* below = mCurrent.get();
     for (int y = last; y >= first; --y) {
@@ -48,12 +48,12 @@ bool NearestFull::next() {
     const int16_t* up = mNext;
     mNext += mWidth;
     int16_t* steps = mCurrent.get();
-    if (mIsNarrow) return ZVEX_ON_TARGET(stepDown(narrow(), steps, up, mWidth, mNone, kNarrowFar));
+    if (isNarrow()) return ZVEX_ON_TARGET(stepDown(narrow(), steps, up, mWidth, mNone, kNarrowFar));
     return ZVEX_ON_TARGET(stepDown(wide(), steps, up, mWidth, mNone, kFar));
 }
 
 void NearestFull::distances(float* row, const float* roots, int last, float far) const {
-    if (mIsNarrow) {
+    if (isNarrow()) {
         ZVEX_ON_TARGET(nearestInRow(row, narrow(), mWidth, mReachX, kNarrowFar, roots, last, far));
     } else {
         ZVEX_ON_TARGET(nearestInRow(row, wide(), mWidth, mReachX, kFar, roots, last, far));

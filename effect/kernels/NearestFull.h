@@ -40,15 +40,15 @@ private:
                       kNarrowFar + kNarrowest * kNarrowest <= INT16_MAX,
                   "a window's squares are below what stands for none, which fits with one of them added");
 
+    bool isNarrow() const { return mNarrowLine.get() != nullptr; }
     int16_t* narrow() const;
     int32_t* wide() const;
 
     Buffer<int16_t> mSteps, mCurrent;
-    Buffer<int16_t> mNarrowLine;  // the squares of a row are in one of these two
+    Buffer<int16_t> mNarrowLine;  // the squares of a row; null if they are in mWideLine
     Buffer<int32_t> mWideLine;
     const int16_t* mNext = nullptr;
     int mWidth = 0, mReachX = 0, mNone = 0;
-    bool mIsNarrow = false;
 };
 
 }  // namespace Zvex

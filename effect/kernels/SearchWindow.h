@@ -2,7 +2,6 @@
 #ifndef ZVEX_EFFECT_KERNELS_SEARCHWINDOW_H_
 #define ZVEX_EFFECT_KERNELS_SEARCHWINDOW_H_
 
-#include <cstddef>
 #include <cstdint>
 #include <limits>
 

@@ -2,7 +2,6 @@
 #ifndef ZVEX_PLATFORM_HOST_COVERAGERASTER_H_
 #define ZVEX_PLATFORM_HOST_COVERAGERASTER_H_
 
-#include <cstddef>
 #include <cstdint>
 #include <vector>
 

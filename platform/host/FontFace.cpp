@@ -8,7 +8,6 @@
 #include <hb-ot.h>
 
 #include <algorithm>
-#include <array>
 #include <atomic>
 #include <cmath>
 #include <cstring>

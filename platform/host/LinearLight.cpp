@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "platform/host/LinearLight.h"
 
-#include <array>
 #include <cmath>
 #include <cstring>
 #include <limits>

@@ -2,7 +2,6 @@
 #ifndef ZVEX_PLATFORM_HOST_INCLUDE_SKIMAGEINFO_H_
 #define ZVEX_PLATFORM_HOST_INCLUDE_SKIMAGEINFO_H_
 
-#include <cstddef>
 #include <utility>
 
 #include "SkColorSpace.h"
