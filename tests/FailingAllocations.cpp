@@ -16,7 +16,7 @@ struct Counters {
 };
 thread_local Counters counters;
 
-// Whether this allocation is the one to fail.
+// Whether this allocation must fail.
 bool failsNow() {
     return counters.armed && counters.pauses == 0 && counters.made++ == counters.failing;
 }

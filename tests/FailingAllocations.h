@@ -21,7 +21,7 @@ public:
     FailingAllocations(const FailingAllocations&) = delete;
     FailingAllocations& operator=(const FailingAllocations&) = delete;
 
-    // While one lives, allocations are neither counted nor fail: for what a test itself needs meanwhile.
+    // While one lives, allocations are not counted and do not fail: for what the test itself allocates.
     struct Pause {
         Pause();
         ~Pause();
@@ -37,7 +37,7 @@ public:
 template <typename Work>
 void forEachFailingAllocation(Work work,
                               FailingAllocations::Throwing throwing = FailingAllocations::Throwing::Works) {
-    work(false);  // what the process makes once, such as its log, is no leak of work's
+    work(false);  // allocates what the process makes only once, such as its log, which is no leak
     int allocations = 0;
     {
         FailingAllocations none(-1, throwing);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// The scenes that are timed show what they say: a benchmark of an empty picture is fast.
+// The scenes for timing show what they claim to: a benchmark of an empty picture would be fast.
 #include "benchmarks/Scenes.h"
 
 #include <gtest/gtest.h>

@@ -20,7 +20,7 @@ uint32_t canvasWord(const ZvBitmap& picture, unsigned x, unsigned y) {
     return word;
 }
 
-// A fill of the whole picture is the fill of one glyph of that size; any bytes before do not matter.
+// A fill of the whole picture equals the fill of one glyph of that size, whatever the picture held before.
 TEST(Canvas, FillsAsOneGlyphOfThePicturesSize) {
     Random random(1);
     const unsigned width = 600, height = 301;

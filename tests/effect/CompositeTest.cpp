@@ -34,7 +34,7 @@ void mergeAllBytes() {
     }
 }
 
-// Every front byte, back byte and coverage, in the four places of a pixel.
+// Every front byte, back byte and coverage, at each of the four bytes of a pixel.
 TEST(Composite, MergeEqualsTheDefinitionOnAllBytes) {
     forEachCpuTarget(mergeAllBytes);
 }
@@ -76,7 +76,7 @@ TEST(Composite, MergesPixelByPixelInMemory) {
         ZvBitmap back = makeTarget(TargetKind::Partly, sizes[(p + 1) % 3][0], sizes[(p + 1) % 3][1], random);
         ZvBitmap mask = makeMask(kinds[i / 3], sizes[(p + 2) % 3][0], sizes[(p + 2) % 3][1], random);
         ZvBitmap expected(picture);
-        for (int at = 0; at < 190 * 3 * 4; ++at) {  // the fewest pixels
+        for (int at = 0; at < 190 * 3 * 4; ++at) {  // bytes of the smallest of the three
             uint8_t& byte = expected.pixels[at];
             byte = static_cast<uint8_t>(reference::mergeByte(byte, back.pixels[at], mask.pixels[at / 4]));
         }

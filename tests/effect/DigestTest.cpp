@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// Pictures and layer keys as numbers, the same wherever the library is built: another compiler, another level
-// of optimisation, another processor or instruction set, another width of pointers.
+// Digests of pictures and layer keys, the same wherever the library is built: with another compiler, level of
+// optimisation, processor, instruction set or pointer width.
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -57,7 +57,7 @@ uint64_t picturesOf(int kind) {
     return digest.value();
 }
 
-// The keys of the same layers; a pattern's has its bitmap's address in it.
+// The keys of the same layers. The pattern's key contains its bitmap's address, so it is left out.
 uint64_t keysOf(int kind) {
     Digest digest;
     for (unsigned seed = 0; seed < 200; ++seed) {

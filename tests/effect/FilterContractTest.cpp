@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// What all filters promise alike: a copy of their settings, and all of a picture or nothing.
+// What all filters promise: they keep a copy of their settings, and draw all of a picture or nothing.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -20,7 +20,7 @@ std::string keyOf(ZvProperty* record) {
     std::vector<char> memory(static_cast<size_t>(record->getSequentialCharLength()) + 1);
     char* cursor = memory.data();
     record->toSequentialChar(&cursor);
-    // A pattern's has the address of its bitmap in it.
+    // A pattern's key contains the address of its bitmap.
     return memory[0] == 'P' ? std::string(memory.data() + 9, cursor) : std::string(memory.data(), cursor);
 }
 
@@ -42,7 +42,7 @@ protected:
             s.style = i < 3 ? 3 : 1;
             s.soften = i % 2 * 3;
             const bool relief = type == ZV_EFFECT_BEVEL || type == ZV_EFFECT_EMBOSS;
-            if (relief && i % 3 == 2) s.size = 28;  // the other method
+            if (relief && i % 3 == 2) s.size = 28;  // uses the other method
             if (i == 5) s.stops.resize(1);
         }
         return looks;
@@ -85,7 +85,7 @@ TEST_P(FilterContract, DrawsNothingWithoutItsPartsOrMemory) {
     }
 }
 
-// Sizes that do not fit, and what is none: each of the fields, one at a time, draws nothing.
+// Each field in turn gets sizes that do not fit and values that are no numbers: then nothing is drawn.
 TEST_P(FilterContract, DrawsNothingWithAbsurdSettings) {
     using Field = float LayerSettings::*;
     const struct {

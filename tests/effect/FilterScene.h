@@ -16,8 +16,8 @@
 #include "tests/FailingAllocations.h"
 #include "tests/effect/TestPictures.h"
 
-// What every filter is held to: one seeded scene, and the checks that all filters share. What a filter draws
-// is compared in its own test, with its plain form.
+// One seeded scene for every filter, and the checks that all filters share. Each filter's own test compares
+// its picture with the plain form.
 
 // All that a filter is given. Seeds run through the kinds of masks (period 6) and, with them, through the
 // targets, the layer modes, boxes within the mask, across its edges and beside it, and targets smaller and
@@ -27,7 +27,7 @@ struct FilterScene {
     Zvex::ZvBitmap mask, target, other;
     Zvex::ZvRect box;
     int layerMode;
-    bool both;  // hand over `other` too
+    bool both;  // passes `other` too
 
     explicit FilterScene(unsigned mSeed, int width = 30, int height = 22) : seed(mSeed) {
         Random random(seed);
@@ -99,8 +99,8 @@ void expectThePlainForm(Zvex::ZvECore& filter, unsigned first, unsigned count, D
     }
 }
 
-// A filter whose settings are made, and which draws something, draws nothing when a part of the record is
-// missing or without room, and survives boxes at the ends of the ints.
+// A filter with valid settings draws nothing if a part of the record is missing or empty, and survives boxes
+// at the ends of the ints.
 inline void expectNothingWithoutParts(Zvex::ZvECore& filter) {
     FilterScene scene(2);  // shapes
     scene.box = Zvex::ZvRect(0, 0, 30, 22);
@@ -129,7 +129,7 @@ inline void expectNothingWithoutParts(Zvex::ZvECore& filter) {
     EXPECT_TRUE(scene.sameAs(before));
 }
 
-// With each of its allocations failing in turn the filter leaves the pictures untouched.
+// If any of its allocations fails, the filter leaves the pictures unchanged.
 inline void expectUntouchedWithoutMemory(Zvex::ZvECore& filter) {
     FilterScene scene(2), before(2);
     scene.box = Zvex::ZvRect(0, 0, 30, 22);

@@ -14,7 +14,7 @@ namespace {
 
 TEST(Gaussian, WeightsAreTheDefinition) {
     for (GaussianConstant constant : {GaussianConstant::Single, GaussianConstant::Double}) {
-        // The precision of the constant shows from radius 963 on, that of the product from 2452.
+        // The precision of the constant matters from radius 963 on, that of the product from 2452.
         for (int radius : {-3, 0, 1, 2, 3, 5, 17, 50, 68, 100, 963, 2452, 30000}) {
             for (int scale : {100, 128}) {
                 Gaussian kernel;
@@ -33,7 +33,7 @@ TEST(Gaussian, WeightsAreTheDefinition) {
     EXPECT_FALSE(endless.make(300000, 128, GaussianConstant::Single));  // the sums would not fit
 }
 
-// A quotient never falls as the sum grows, so that the ends of each run of equal ones decide about all sums.
+// Quotients never fall as the sum grows, so testing the ends of each run of equal ones covers all sums.
 TEST(Gaussian, DividesEverySumExactly) {
     for (int scale : {100, 128}) {
         for (int radius : {0, 1, 2, 3, 4, 5, 999, 5000, 70000, 150000}) {
@@ -115,7 +115,8 @@ void expectThePlainPass(int radius, const std::vector<uint8_t>& source, int at, 
     });
 }
 
-// One opaque run, at each place in and beside a target of several blocks. Inverted, a single weight shows.
+// One opaque run at each place in and beside a target of several blocks. The inverted pass shows even a
+// single weight.
 TEST(Gaussian, PassesTakeInTheLastPixelOfEachWindow) {
     for (int at = -71; at < 307; ++at) expectThePlainPass(5, std::vector<uint8_t>(64, 255), at, 300, true);
 }

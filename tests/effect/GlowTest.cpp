@@ -63,7 +63,7 @@ TYPED_TEST(Glow, TableEqualsThePlainForm) {
     }
 }
 
-// Rectangles of all sizes, also large enough for blocks in and around which nothing changes.
+// Rectangles of all sizes. Some are so large that blocks inside and around them do not change.
 TYPED_TEST(Glow, BoxFilterEqualsThePlainForm) {
     Random random(1);
     this->filter.increaseByBoxFilter(nullptr, 1, 3, 3);

@@ -21,7 +21,7 @@ ZvBitmap pictureOf(const std::vector<uint32_t>& words, int width) {
                     reinterpret_cast<const unsigned char*>(words.data()), 4);
 }
 
-// Bytes at which the modes bend and leap, more often than others.
+// Bytes at which the modes bend and jump are more frequent.
 uint32_t someByte(Random& random) {
     const uint32_t bends[] = {0, 1, 63, 64, 127, 128, 254, 255};
     return random.below(2) == 0 ? bends[random.below(8)] : static_cast<uint32_t>(random.below(256));
@@ -41,7 +41,7 @@ std::vector<uint32_t> somePicture(Random& random, int width, int height) {
     return words;
 }
 
-// Layers of any settings; all pictures are of one size, which the caller joins without offsets.
+// Layers with random settings; all pictures have one size and are joined without offsets.
 std::vector<PlainLayer> someLayers(Random& random, int count, int width, int height) {
     std::vector<PlainLayer> layers;
     for (int i = 0; i < count; ++i) {
@@ -99,7 +99,7 @@ TEST(LayerJoin, EqualsThePlainForm) {
     }
 }
 
-// A picture and its knocked-out coverage moved apart, anywhere, are as pictures of the full size.
+// A picture and its knockout coverage, moved anywhere, equal pictures of the full size.
 TEST(LayerJoin, LayersLieAnywhere) {
     Random random(11);
     for (int round = 0; round < 60; ++round) {
@@ -142,7 +142,7 @@ TEST(LayerJoin, TakesWhatIsMissingAsTransparent) {
     layers[0].picture = &canvas;
     layers[0].opacity = kNotANumber;
     layers[1].picture = &canvas;
-    layers[1].clipped = true;  // to one that is not there
+    layers[1].clipped = true;  // without a base
     layers[2].picture = &coverage;
     layers[3].picture = &empty;
     layers[4].knockout = &canvas;

@@ -9,7 +9,7 @@
 #include "effect/ZvProperty.h"
 #include "raster/ZvBitmap.h"
 
-// The digests go by this order.
+// The digests depend on this order.
 constexpr int kLayerTypes[] = {Zvex::ZV_EFFECT_OUTER_SHADOW,
                                Zvex::ZV_EFFECT_INNER_SHADOW,
                                Zvex::ZV_EFFECT_OUTER_GLOW,
@@ -23,7 +23,7 @@ constexpr int kLayerTypes[] = {Zvex::ZV_EFFECT_OUTER_SHADOW,
                                Zvex::ZV_EFFECT_TEXT};
 constexpr int kLayerKinds = 11;
 
-// Settings for a layer of any type, which takes of them those that it has.
+// Settings for a layer of any type, which uses those that it has.
 struct LayerSettings {
     float angle = 135, distance = 0, size = 5, opacity = 1, scale = 1, depth = 2, altitude = 30;
     float shadowOpacity = 0.75f, highlightOpacity = 0.75f;
@@ -40,7 +40,7 @@ struct LayerSettings {
             pattern.pixels[i] = static_cast<uint8_t>(100 + 9 * i);
     }
 
-    // A record of these numbers, which no adder has limited, for a layer of any type but the text.
+    // A record of these numbers, not limited by an adder, for a layer of any type except the text.
     std::unique_ptr<Zvex::ZvProperty> record(int type) {
         using namespace Zvex;
         const int count = static_cast<int>(stops.size());
@@ -81,7 +81,7 @@ struct LayerSettings {
         return std::unique_ptr<ZvProperty>(made);
     }
 
-    // Its id, -1 where there was no memory.
+    // Returns the layer's id, or -1 if memory is short.
     int addTo(Zvex::ZvEffect& stack, int type) {
         const int count = static_cast<int>(stops.size());
         switch (type) {

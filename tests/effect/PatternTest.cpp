@@ -69,13 +69,14 @@ TEST(Pattern, BitmapsThatAreNoneDrawNothing) {
     unallocated.width = unallocated.height = unallocated.bytesPerPixel = 4;
     for (ZvBitmap* bitmap :
          {static_cast<ZvBitmap*>(nullptr), &empty, &coverage, &flat, &unallocated, &high, &wide}) {
-        setPattern(filter, bitmap, bitmap == &high || bitmap == &wide ? 0.2f : 1, 1);  // repeats of no pixel
+        // The scale of 0.2 makes repeats shorter than a pixel.
+        setPattern(filter, bitmap, bitmap == &high || bitmap == &wide ? 0.2f : 1, 1);
         EXPECT_EQ(scene.draw(filter), 0);
     }
     EXPECT_TRUE(scene.sameAs(before));
     setPattern(filter, &colors, 1, 1);
     EXPECT_NE(filter.property->bitmap, &colors);
-    for (float scale : {1e9f, 3e38f, kEndless}) {  // no faults; what is drawn is the first pixel
+    for (float scale : {1e9f, 3e38f, kEndless}) {  // must not fault; draws the first pixel
         filter.property->scale = scale;
         filter.property->opacity = kEndless;
         EXPECT_EQ(scene.draw(filter), 0);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// A picture drawn a few rows at a time, over whatever memory holds, against the same layers drawn one after
+// A picture drawn a few rows at a time, over memory with any content, equals the same layers drawn one after
 // the other.
 #include <gtest/gtest.h>
 #include <malloc.h>
@@ -19,14 +19,14 @@
 namespace Zvex {
 namespace {
 
-// Fresh memory is full of something, and never twice of the same.
+// Fresh memory holds something, never the same twice.
 class DirtyMemory {
 public:
     explicit DirtyMemory(int pattern) { mallopt(M_PERTURB, pattern); }
     ~DirtyMemory() { mallopt(M_PERTURB, 0); }
 };
 
-// Lines of glyphs anywhere on and beside the picture, and layers of every type that chance brings.
+// Lines of glyphs anywhere on and beside the picture, and a random choice of layers.
 struct Rendering {
     int width, height;
     ZvEffect stack;
@@ -109,7 +109,7 @@ TEST(Picture, IsWhatTheLayersMakeOneAfterTheOther) {
     }
 }
 
-// Nothing leaks, and nothing of what the picture held before is left.
+// Nothing leaks, and nothing of the picture's old content is left.
 TEST(Picture, AnyAllocationMayFail) {
     for (unsigned seed = 1; seed <= 14; ++seed) {
         SCOPED_TRACE("seed " + std::to_string(seed));

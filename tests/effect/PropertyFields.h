@@ -6,8 +6,8 @@
 
 #include "effect/ZvProperty.h"
 
-// A record as its numbers in the order of its constructor, so that one line compares all of them. Of the
-// stops only their count; a fill's color, which the constructor does not get, comes last.
+// A record's numbers in the order of its constructor, so that one line compares all of them. Of the stops
+// only the count is included. The color of a fill, which is no argument of its constructor, comes last.
 using Fields = std::vector<double>;
 
 template <typename... Number>

@@ -5,8 +5,8 @@
 #include "tests/effect/LayerSettings.h"
 #include "tests/effect/TestPictures.h"
 
-// Adds a layer of the kind, an index into kLayerTypes; nothing for the text, which the callers add. Random
-// numbers are drawn one after the other: a call's arguments are evaluated in any order.
+// Adds a layer of the kind, an index into kLayerTypes; nothing for the text, which the callers add. Draws
+// each random number in a statement of its own, because a call's arguments may be evaluated in any order.
 inline void addLayer(Zvex::ZvEffect& stack, int kind, Random& random) {
     const auto number = [&](int end, float unit) { return static_cast<float>(random.below(end)) * unit; };
     LayerSettings s;

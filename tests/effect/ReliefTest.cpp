@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Bevel and emboss: two filters with one kind of record, held to the same.
+// Bevel and emboss: two filters with the same record, tested alike.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -24,7 +24,8 @@ Property makeSettings(int style, float size, int technique, int soften) {
                     0xF0FFE0A0, 1.0f);
 }
 
-// Any settings but for the size, beyond the record's limits, too: a layer's own record is open to all.
+// Random settings except for the size, also beyond the record's limits, because callers can change a layer's
+// record.
 template <typename Filter, typename Property>
 void setAnySettings(Filter& filter, float size, int technique, unsigned seed) {
     Random random(seed);
@@ -46,7 +47,8 @@ void setAnySettings(Filter& filter, float size, int technique, unsigned seed) {
         static_cast<uint32_t>(choose(0, 128, 255)) << 24 | static_cast<uint32_t>(random.below(1 << 24));
 }
 
-// Compares the filter with its plain form over seeded scenes, each with settings of its own.
+// Compares the filter with its plain form over seeded scenes, each with its own settings. Every seventh mask
+// is so faint that only some of the methods react to it.
 template <typename Filter, typename Property, typename Draw>
 void expectThePlainRelief(Draw draw, float size, int technique, unsigned first, unsigned count,
                           int width = 30, int height = 22) {
@@ -164,8 +166,8 @@ void expectTheKernelsOfBoth() {
     EXPECT_EQ(std::vector<float>(squares, squares + 5), (std::vector<float>{1, 0, 1, 4, 3}));
 }
 
-// Two bands of rows, the lower one first, as blockOf(highlight, shadow, rectangle), against what draw makes
-// of the whole rectangle. What is not drawn keeps its bytes.
+// Draws two bands of rows, the lower one first, with blockOf(highlight, shadow, rectangle), and compares them
+// with draw's whole rectangle. Bytes outside do not change.
 template <typename BlockOf, typename Draw>
 void expectTheLight(int (*worker)(void*), BlockOf blockOf, Draw draw) {
     for (const auto& [highlightAlpha, shadowAlpha] : {std::array{200, 77}, {255, 1000}, {-1000, 255}}) {
@@ -259,7 +261,7 @@ void expectMargins(std::vector<int> margins) {
         offsets.push_back(filter.getOffset());
     }
     EXPECT_EQ(offsets, margins);
-    // What is no size counts as 0.
+    // Not-a-number sizes count as 0.
     FilterScene scene(2), before(2);
     for (int soften : {INT_MAX, 30000, INT_MIN}) {
         EXPECT_TRUE(scene.sameAs(before));

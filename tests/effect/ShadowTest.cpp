@@ -18,7 +18,7 @@
 namespace Zvex {
 namespace {
 
-constexpr float kBelowHalf = 0.49999997f;  // its sum with a half is below 1 in double precision only
+constexpr float kBelowHalf = 0.49999997f;  // its sum with 0.5 is below 1 only in double precision
 
 void setShadow(ZvOuterShadow& filter, float angle, float distance, float size, uint32_t color = kColor) {
     ZvOuterShadowProperty property(angle, distance, size, color, 1);

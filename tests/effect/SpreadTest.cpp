@@ -14,8 +14,8 @@
 namespace Zvex {
 namespace {
 
-// The coverage at a pixel as defined: the larger of it and of the stroke around it, over everything within
-// reach, no box kept to.
+// The coverage at a pixel as defined: the larger of itself and the stroke around it, over everything within
+// reach, without a box.
 int spreadAt(const ZvBitmap& mask, const ZvRect& box, const reference::Disc& disc, int pixels, int x, int y) {
     const int reach = disc.side / 2;
     int best = 0;

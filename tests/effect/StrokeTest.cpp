@@ -74,7 +74,7 @@ TEST(Stroke, MarginIsTheWidthOnTheOutside) {
     }
 }
 
-// The last widths on scenes of several blocks of the kernels side by side, empty and full ones among them.
+// The last widths use scenes of several blocks side by side, some empty and some full.
 TEST(Stroke, EqualsThePlainForm) {
     unsigned seed = 0;
     for (float width : {0.0f, 0.3f, 0.6f, 1.0f, 1.5f, 3.0f, 7.5f, 12.0f, 2.5f, 9.0f, 33.0f}) {
@@ -144,7 +144,7 @@ TEST(Stroke, JobsReadAndWriteAPart) {
     std::free(kernel);
 }
 
-// The definition: every pixel lays the kernel over the target.
+// The definition: each pixel places the kernel over the target.
 void dilatePlainly(const DilationParam& p) {
     for (int row = p.rowBegin; row < p.rowEnd; ++row) {
         for (int column = 0; column < p.columns; ++column) {
@@ -161,7 +161,7 @@ void dilatePlainly(const DilationParam& p) {
     }
 }
 
-// On a target of low noise between guards.
+// The target has low noise and lies between guard bytes.
 void expectTheDefinition(DilationParam p, Random& random, unsigned seed) {
     constexpr size_t kGuard = 64;
     std::vector<uint8_t> floor(2 * kGuard + static_cast<size_t>(p.targetWidth * p.targetHeight));
@@ -178,8 +178,8 @@ void expectTheDefinition(DilationParam p, Random& random, unsigned seed) {
     });
 }
 
-// Kernels that are no discs, or discs with a flaw; sources of few and of many columns, empty rows and blocks
-// among them; targets that are not empty and cut the kernel off anywhere.
+// Kernels that are not discs, or flawed discs; sources of few and of many columns, with empty rows and
+// blocks; targets with content that cut the kernel off anywhere.
 TEST(Dilation, HoldsForAnyKernel) {
     for (unsigned seed = 0; seed < 1000; ++seed) {
         Random random(seed);
@@ -215,8 +215,8 @@ TEST(Dilation, HoldsForAnyKernel) {
     }
 }
 
-// Kernels at which the patches of ink grow, and beyond the largest ones: single pixels far from one another
-// are seen as far as the disc reaches.
+// Kernel sizes at which the patches of ink grow, and larger ones. Single pixels far apart must be found as
+// far as the disc reaches.
 TEST(Dilation, SeesInkAtTheEndOfItsReach) {
     unsigned seed = 0;
     for (const int radius : {3, 12, 95, 96, 97, 208, 209, 432, 433, 896, 897}) {

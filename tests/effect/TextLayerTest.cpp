@@ -21,7 +21,7 @@ void drawText(ZvBitmap* target, ZvBitmap* mask, int layerMode, bool overLayers =
     ZvECore::ParamPostProcessing param;
     param.target = target;
     param.mask = mask;
-    param.layerMode = layerMode;  // no box: the whole mask is drawn
+    param.layerMode = layerMode;  // without a box the whole mask is drawn
     param.overLayers = overLayers;
     EXPECT_EQ(text.doPostProcessing(&param), 0);
 }

@@ -22,7 +22,7 @@ void addGlowAndShadow(ZvEffect& effect) {
     effect.addText(0xFFFF8040);
 }
 
-// Two lines, the second beyond the right edge, as a text object hands them over.
+// Two lines, the second one beyond the right edge, as a text object passes them.
 void drawLines(ZvEffect& effect, ZvBitmap* picture) {
     Random random(2);
     const ZvBitmap line = makeMask(MaskKind::Shapes, 50, 20, random);
@@ -48,7 +48,7 @@ struct LayeredText {
     }
 };
 
-// Within the clip, a layer of its own is the text with that stack; moved, it is that picture moved.
+// Within the clip, a single layer equals the text with that stack; a moved layer equals that picture moved.
 TEST(TextLayers, ALayerIsThePictureOfItsStack) {
     LayeredText text;
     const ZvRect clip(7, 5, 85, 52);
@@ -77,8 +77,8 @@ TEST(TextLayers, ALayerIsThePictureOfItsStack) {
     }
 }
 
-// A widened layer behind shows around the glyphs as their outside stroke does; knocked out, it has no pixel
-// within them, moved or not.
+// A widened layer at the back shows around the glyphs like their outside stroke. With knockout it has no
+// pixel within them, moved or not.
 TEST(TextLayers, SpreadIsAStrokeAndKnockoutLeavesTheGlyphsOut) {
     LayeredText text;
     ZvEffect black, stroked;

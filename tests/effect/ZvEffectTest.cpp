@@ -29,7 +29,7 @@ namespace {
 
 using testing::ElementsAre;
 
-// A layer of any type that writes down what happens to it. The settings are not its own.
+// A layer of any type that records what happens to it. It does not own its settings.
 class Recorder : public ZvECoreBase {
 public:
     ZvProperty* settings;
@@ -162,7 +162,7 @@ TEST(EffectStack, ARemovedLayerIsGoneFromTheRenderingUnderWay) {
     stack.releaseEffect(stack.effects[0]);
     EXPECT_THAT(typesOf(stack.effects), ElementsAre(12));
     stack.releaseEffect(nullptr);
-    stack.releaseEffect(new Recorder(5));  // never was in the stack
+    stack.releaseEffect(new Recorder(5));  // not in the stack
     stack.releaseEffect();
     EXPECT_TRUE(stack.effects.empty());
     EXPECT_TRUE(stack.layers.empty());
@@ -344,12 +344,12 @@ TEST(EffectStack, NoLayerRunsWithoutGlyphsInTheMask) {
     stack.renderEffectLayer(0, 0, &glyph);
     stack.doEffectPostProcessing();
     EXPECT_EQ(layer->draws.size(), 1u);
-    // The box of the rendering before must not be taken for this one's.
+    // The box of the rendering before must not apply to this one.
     stack.initEffect(4, 4);
     stack.doEffectPostProcessing();
     EXPECT_EQ(layer->draws.size(), 1u);
     EXPECT_EQ(sidesOf(stack.textRect), (Sides{0, 0, 0, 0}));
-    // One that a caller sets counts, as often as it likes.
+    // A box set by a caller applies to every rendering.
     *stack.getTextRect() = ZvRect(0, 0, 4, 9);
     for (int i = 0; i < 2; ++i) stack.doEffectPostProcessing();
     EXPECT_EQ(layer->draws.size(), 3u);
@@ -361,7 +361,7 @@ TEST(EffectStack, NoLayerRunsWithoutGlyphsInTheMask) {
     EXPECT_EQ(layer->draws.size(), 3u);
 }
 
-// The text cuts off what layers in front filled beside the glyphs, not what the caller's picture held.
+// The text cuts off what layers in front filled beside the glyphs, but not the caller's own content.
 TEST(EffectStack, TheTextAloneLeavesThePictureBesideIt) {
     ZvBitmap coverage(1, 1, 1);
     coverage.pixels[0] = 255;
@@ -417,7 +417,7 @@ struct Scene {
         stack.setTextOpacity(textOpacity);
         stack.addText(0xC0FF8001);
         stack.addOuterShadowText(40, 5, 3, 0xFF0000FF, 1);
-        // So that memory which nobody wrote holds something.
+        // Fills memory, so that pixels nobody wrote are not zero by chance.
         ZvBitmap old(20, 30, 1);
         std::memset(old.pixels, 0x77, old.byteCount());
     }
@@ -503,7 +503,7 @@ TEST(EffectStack, AMaskNobodyDrewIsZeroedAndOnesOwnIsKept) {
     }
 }
 
-// Draws a pixel on the glyph and one beside it at each occasion, on every picture it is given.
+// Draws a pixel on the glyph and one beside it in each callback, on every picture it is given.
 class Dotter : public Recorder {
 public:
     using Recorder::Recorder;
@@ -524,7 +524,7 @@ private:
     }
 };
 
-// They draw on the very pictures that the layers see one after another, in either way of rendering.
+// In both ways of rendering, they draw on the pictures that the layers see one after another.
 TEST(EffectStack, LayersOfOtherClassesDrawAsTheyLike) {
     ZvStrokeProperty centered(4, 0xFF00FF00, 1, 0, 0);
     for (const float opacity : {1.0f, 0.5f}) {
@@ -543,7 +543,7 @@ TEST(EffectStack, LayersOfOtherClassesDrawAsTheyLike) {
     }
 }
 
-// However the text comes into the picture.
+// Whichever way the text is drawn.
 TEST(EffectStack, TheTextsBlendIsInTheLogOnce) {
     for (const bool asPicture : {false, true}) {
         Scene scene(1);

@@ -15,9 +15,9 @@
 namespace Zvex {
 namespace {
 
-// A record's key as its letter and then, for each byte, two hexadecimal digits of the low seven bits: easier
-// to read, and it fails for a byte without its top bit. Also checks the announced length and what lies beyond
-// it.
+// A record's key as its letter followed by two hexadecimal digits for the low seven bits of each byte. That
+// is easier to read, and it fails for a byte without its top bit. Also checks the announced length and the
+// bytes after the key.
 std::string keyOf(ZvProperty& property, int announced = -1) {
     if (announced >= 0) {
         EXPECT_EQ(property.getSequentialCharLength(), announced);

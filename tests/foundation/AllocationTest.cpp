@@ -29,9 +29,9 @@ extern "C" int __wrap_pthread_mutex_init(pthread_mutex_t* mutex, const pthread_m
 namespace Zvex {
 namespace {
 
-// With each of its allocations failing the operation says so, with code 1, and leaks nothing.
+// If any of its allocations fails, the operation reports code 1 and leaks nothing.
 void expectReports(const std::function<bool()>& operation) {
-    { const host::LogCapture once; }  // for the log to be there
+    { const host::LogCapture once; }  // allocates the log
     forEachFailingAllocation([&](bool fails) {
         Error::SetError(0);
         EXPECT_EQ(operation(), !fails);

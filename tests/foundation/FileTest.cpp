@@ -15,7 +15,7 @@
 namespace Zvex {
 namespace {
 
-// Syncs seen since a test set it to 0: the program's own fsync stands before the C library's.
+// Syncs since a test set it to 0: the program's own fsync replaces the C library's.
 int syncs = 0;
 extern "C" int fsync(int) {
     ++syncs;

@@ -13,7 +13,7 @@ namespace {
 
 using Values = std::vector<uintptr_t>;
 
-// Elements are never followed, so small numbers do.
+// Elements are never dereferenced, so small numbers will do.
 void* item(uintptr_t value) {
     return reinterpret_cast<void*>(value);
 }
@@ -32,7 +32,7 @@ TEST(List, CopiesOtherListsAndItself) {
     List source, copy, fromArray;
     ASSERT_EQ(source.Construct(), 1);
     fill(&source, {1, 2, 3});
-    // With no position free the source is read all the same, and a success leaves no code.
+    // The source is read even if it has no free position, and a success leaves no code.
     for (int i = 0; i < 10; ++i) ASSERT_GT(source.BeginTraversal(), 0);
     Error::SetError(0);
     EXPECT_EQ(copy.Construct(&source), 1);

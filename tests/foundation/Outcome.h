@@ -15,7 +15,7 @@
 
 namespace Zvex {
 
-// What a call returned (of a pointer, whether there is one) and the code it left; the code is taken away.
+// A call's result (for a pointer, whether there is one) and the code it left; the code is reset.
 using Outcome = std::pair<long, unsigned long>;
 using Outcomes = std::vector<Outcome>;
 
@@ -28,7 +28,7 @@ inline Outcome of(const void* result) {
     return of(result != nullptr ? 1L : 0L);
 }
 
-// Every call gives that result and code, and one report line under the tag; without a tag no line at all.
+// Every call must give that result and code, and one report line under the tag; without a tag no line at all.
 #define EXPECT_OUTCOMES(code, result, tag, ...) \
     expectOutcomes(                             \
         code, result, tag, [&] { return Outcomes{__VA_ARGS__}; }, #__VA_ARGS__)

@@ -73,7 +73,7 @@ TEST(String, RefusesWhatCannotBeDone) {
     EXPECT_OUTCOMES(7, 0, kTag, of(bare.Construct(kNoChars)), of(bare.Construct(kNoWide)),
                     of(bare.Construct(kNoString)), of(bare.Construct(kNoWide, 3)),
                     of(bare.Construct(L"x", -1)));
-    // Every operation of a string that is still not constructed.
+    // Every operation of an unconstructed string.
     EXPECT_OUTCOMES(8, 0, kTag, of(bare.Set(L"x")), of(bare.Set("x")), of(bare.Set(&text)),
                     of(bare.Set(kNoString)), of(bare.Clear()), of(bare.Append(L"x")), of(bare.Append("x")),
                     of(bare.Append(&text)), of(bare.Insert(L"x", 0)), of(bare.Remove(0, 0)),
@@ -125,8 +125,8 @@ TEST(String, EditsTheText) {
     }
 }
 
-// Lengths first, then characters; with a count only characters. Of a char text the length is its bytes. What
-// stands only at the very end is found from there alone.
+// Lengths come first, then characters; with a count only characters. The length of a char text is its bytes.
+// A pattern at the very end is found only backwards.
 TEST(String, ComparesAndFindsChars) {
     ZvString ab, accented, empty;
     ASSERT_EQ(ab.Construct(L"abab") + accented.Construct("\xC3\xA9") + empty.Construct(), 3);

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// Sizes where a type ends, and work that is large: each ends in a bounded time, with the picture that smaller
-// numbers give or with none.
+// Sizes at the limits of a type, and large work: each ends in a bounded time, with the picture that smaller
+// numbers give, or with none.
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 
@@ -26,7 +26,7 @@ namespace {
 constexpr float kEndless = std::numeric_limits<float>::infinity();
 constexpr uint32_t kDark = 0xFF202020, kLight = 0xFFFFF0C0;
 
-// A line of that many of the text's characters from `start` on.
+// A line of `count` of the text's characters from `start` on.
 ZvLineInfo lineAt(int x, int y, int start = 0, int count = 2) {
     return TextScene::makeLine(x, y, start, start + count);
 }
@@ -64,16 +64,16 @@ void addFills(ZvEffect& effects) {
 
 }  // namespace
 
-// A picture that ends beyond 2^15 or 2^16 pixels has there what a small one has.
+// A picture that extends beyond 2^15 or 2^16 pixels looks there as a small one does.
 TEST(Limits, PicturesWiderAndHigherThanSixteenBits) {
     constexpr int kSmall = 150;
-    for (const bool atStart : {false, true}) {  // another line at the picture's start, and so a large box
+    for (const bool atStart : {false, true}) {  // another line at the picture's start makes the box large
         const auto draw = [&](int width, int height, const std::vector<ZvLineInfo>& lines) {
             TextScene scene(kBold, L"Ag", 50, width, height);
             scene.object.SetTextColor(0xFF40C080);
             addSizedLayers(scene.effect(), 5);
             if (atStart) {
-                // Its outermost pixels are other ones where the box ends.
+                // Its outermost pixels differ where the box ends.
                 scene.effect().removeEffect(scene.effect().getEffect(ZV_EFFECT_EMBOSS)->getId());
             } else {
                 addFills(scene.effect());
@@ -101,7 +101,7 @@ TEST(Limits, PicturesWiderAndHigherThanSixteenBits) {
     }
 }
 
-// What no machine can hold is refused, here for a process that may have little.
+// Sizes that no machine can hold are refused, here by a process with a low memory limit.
 TEST(Limits, PicturesBeyondTheMemoryAreRefused) {
     if (TimeLimit::kSlowness > 1) GTEST_SKIP() << "the sanitizers' own memory is beyond any limit";
     TextScene scene(kBold, L"Ag", 20, 60, 40);
@@ -124,8 +124,7 @@ TEST(Limits, PicturesBeyondTheMemoryAreRefused) {
     EXPECT_TRUE(after == before);
 }
 
-// A letter is drawn at sizes of many thousand pixels, and not at all where the image of its line is too
-// large.
+// A letter is drawn at sizes of many thousand pixels, and not at all if the image of its line is too large.
 TEST(Limits, TextSizes) {
     constexpr float kLargest = 20000;
     for (const float size : {16383.0f, 16385.0f, kLargest, 1e6f, 2147483520.0f, 2147483648.0f, 4294967296.0f,
@@ -135,7 +134,7 @@ TEST(Limits, TextSizes) {
         TextScene scene(kSans, L"I", size, 100, 40);
         scene.effect().addStrokeText(3, kDark, 1, 0, ZV_STROKE_OUTSIDE);
         const bool drawn = size > 0 && size <= kLargest;
-        // In the middle of the stem: the image begins up to a 64th of the size before the ink.
+        // The pixel is in the middle of the stem: the image begins up to a 64th of the size before the ink.
         const int left = drawn ? -static_cast<int>(0.03f * size) : 0;
         scene.setLines({lineAt(left, 9000, 0, 1)});
         EXPECT_NEAR(scene.render().count(0xFF000000), drawn ? 100 * 40 : 0, drawn ? 900 : 0);
@@ -145,7 +144,7 @@ TEST(Limits, TextSizes) {
     }
 }
 
-// The image of a line has 16 bits of width, so of a longer one the beginning shows.
+// The image of a line has 16 bits of width, so a longer line shows only its beginning.
 TEST(Limits, LinesWiderThanSixteenBits) {
     constexpr int kCount = 4000;
     TextScene scene(kSans, std::wstring(kCount, L'm').c_str(), 20, 20000, 40);
@@ -184,7 +183,7 @@ TEST(Limits, AMillionCharacters) {
         scene->render();
         EXPECT_GT(scene->line(0).rect.right, 9 * length);
     }
-    // All of them at the same place, so that each is drawn and none shows but one.
+    // All lines are at the same place, so that each is drawn but only one shows.
     const int lines = length / 120;
     std::vector<ZvLineInfo> cut;
     for (int i = 0; i < lines; ++i) cut.push_back(lineAt(0, 30, 120 * i, 120));

@@ -8,9 +8,8 @@
 #include <string>
 #include <utility>
 
-// Fails the test when its block takes more of the processor than `seconds`: ten times what it needs, so that
-// only work without bound is seen. The time of the processor, not of the clock, so other programs do not
-// count.
+// Fails the test if its block uses more than `seconds` of processor time. That is ten times what it needs, so
+// only unbounded work fails. Other programs do not count.
 class TimeLimit {
 public:
     explicit TimeLimit(double seconds, std::string name = "")
@@ -21,7 +20,7 @@ public:
         EXPECT_LT(static_cast<double>(std::clock() - mStart) / CLOCKS_PER_SEC, mSeconds) << mName;
     }
 
-    // How much more the sanitizers may take.
+    // Factor for the sanitizers.
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
     static constexpr double kSlowness = 20;
 #elif defined(__has_feature)

@@ -41,7 +41,7 @@ TEST(Bitmap, StartsEmptyOrZeroFilledWithTheFormatOfItsDepth) {
 }
 
 TEST(Bitmap, SizesThatCannotBeAllocatedLeaveNoPixels) {
-    // The products leave 32 bits (a wrapped one would be small enough to allocate) and 64 bits.
+    // The products exceed 32 bits (a wrapped one would be small enough to allocate) and 64 bits.
     for (const ZvBitmap& bitmap : {ZvBitmap(UINT_MAX, UINT_MAX, 4), ZvBitmap(1u << 31, 1u << 31, 4),
                                    ZvBitmap(UINT_MAX, UINT_MAX, UINT_MAX)}) {
         EXPECT_EQ(bitmap.pixels, nullptr);
@@ -71,8 +71,8 @@ TEST(Bitmap, CopiesAreDeepAndAssignmentReplaces) {
     EXPECT_EQ(target.pixels, nullptr);
 }
 
-// Rectangles inside, across and far outside the source, its buffer being exactly as long as it says. An
-// inverted one is sized and empty.
+// Rectangles inside, across and far outside the source, whose buffer has exactly its size. An inverted one
+// has a size and reads as 0.
 TEST(Bitmap, CutOutReadsZerosBeyondTheBuffer) {
     std::mt19937 random(20180806);
     const auto pick = [&random](int from, int to) {
@@ -101,7 +101,7 @@ TEST(Bitmap, CutOutReadsZerosBeyondTheBuffer) {
         }
         ASSERT_EQ(bytesOf(cut), expected);
     }
-    // The widest rectangle there is cannot be allocated; thin ones at the ends of the range can.
+    // The widest rectangle cannot be allocated; thin ones at the ends of the range can.
     const ZvBitmap mask(2, 2, 1);
     ZvRect all(INT_MIN, INT_MIN, INT_MAX, INT_MAX);
     EXPECT_EQ(ZvBitmap(mask, &all).width, UINT_MAX);

@@ -26,7 +26,7 @@ public:
         : GuardedBitmap(width, height, depth) {
         const size_t count = bitmap.byteCount();
         for (size_t i = 0; i < count; ++i) bitmap.pixels[i] = static_cast<uint8_t>((*random)());
-        // Empty and opaque pixels, and whole runs of them, take ways of their own, and are the usual ones.
+        // Empty and opaque pixels and whole runs of them are common and take code paths of their own.
         uint32_t run = 0, kind = 0;
         for (size_t i = 3; depth == 4 && i < count; i += 4) {
             if (run-- == 0) {
@@ -91,8 +91,8 @@ const Operation kOperations[] = {
     {"copy_depth_4", Source::kCopy, 4},
 };
 
-// Every side clipped and not, strides wider than the row, targets between canaries, and sources that end with
-// their last pixel so that the address sanitizer sees a read beyond it.
+// Every side clipped and not, strides wider than the row, targets between guard bytes, and sources that end
+// with their last pixel, so that the address sanitizer sees a read beyond it.
 void compareWithPlain(const Operation& operation) {
     std::mt19937 random(4711);
     const auto pick = [&random](int from, int to) {
@@ -200,7 +200,7 @@ TEST(Blender, NothingToDrawOnOrFromIsIgnored) {
     draw(nullptr, full.data(), words);
     draw(&unallocated, full.data(), words);
     draw(&mask, full.data(),
-         words);  // no target of a colour blend: four bytes a pixel would leave its buffer
+         words);  // not a target of a colour blend: writing four bytes a pixel would leave its buffer
     draw(&color, nullptr, nullptr);
     ZvBlender::drawBitmap(0, 0, &color, static_cast<const ZvBitmap*>(nullptr), ~0u);
     for (ZvBitmap* bitmap : {static_cast<ZvBitmap*>(nullptr), &unallocated, &mask}) {

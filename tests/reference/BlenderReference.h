@@ -7,7 +7,7 @@
 #include "raster/ZvBitmap.h"
 #include "raster/ZvRect.h"
 
-// The blender as its definition reads, one pixel and one channel at a time, without the library's kernels.
+// The blender as defined, one pixel and one channel at a time, without the library's kernels.
 namespace reference {
 
 // The mask at a pixel of the box; beyond the mask there is no coverage.

@@ -7,7 +7,7 @@
 #include <cstddef>
 #include <vector>
 
-// The distance planes of the reliefs as their definitions read.
+// The distance planes of the reliefs as defined.
 namespace reference {
 
 struct Distances {

@@ -7,7 +7,7 @@
 #include <cstdlib>
 #include <vector>
 
-// The integer Gaussian as its definition reads: the weights, and one weighted mean.
+// The integer Gaussian as defined: the weights, and one weighted mean.
 namespace reference {
 
 // Single: the constant is a float, and so is each weight before it is rounded; else a double.
@@ -29,7 +29,7 @@ inline int gaussianTotal(const std::vector<int>& weights) {
     return total;
 }
 
-// Sum of weight times value over the window; value(offset) for the offsets -radius..radius.
+// Sum of weight times value(offset) over the offsets -radius..radius.
 template <typename Value>
 int64_t gaussianSum(const std::vector<int>& weights, Value value) {
     const int radius = static_cast<int>(weights.size()) - 1;
@@ -40,10 +40,10 @@ int64_t gaussianSum(const std::vector<int>& weights, Value value) {
 }
 
 // A plane of the given width, blurred within the rectangle [xBegin, xEnd) x [yBegin, yEnd): columns first,
-// then rows. The means of the columns count as 0 outside the rectangle. Elsewhere `result` stays as it is.
+// then rows. The means of the columns count as 0 outside the rectangle. Elsewhere `result` does not change.
 struct Blur {
     int width, xBegin, xEnd, yBegin, yEnd;
-    bool inverted = false;  // either pass takes the mean of what 255 lacks, (255 * total - sum) / total
+    bool inverted = false;  // both passes take the mean of the inverse, (255 * total - sum) / total
 
     void draw(const std::vector<uint8_t>& source, std::vector<uint8_t>& result,
               const std::vector<int>& weights) const {

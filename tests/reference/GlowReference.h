@@ -12,7 +12,7 @@
 #include "tests/reference/GaussianReference.h"
 #include "tests/reference/GradientReference.h"
 
-// The glows as their definition reads: the table, the widening, and the whole picture.
+// The glows as defined: the table, the widening, and the whole picture.
 namespace reference {
 
 // Straight colours. Without stops all of them start as `color`.

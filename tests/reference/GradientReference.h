@@ -12,7 +12,7 @@
 #include "raster/ZvRect.h"
 #include "tests/reference/BlenderReference.h"
 
-// The colour table of the glows and the gradient fills, and the fills, as their definitions read.
+// The colour table of the glows and the gradient fills, and the fills, as defined.
 namespace reference {
 
 using Stops = std::vector<Zvex::ZvGradient>;
@@ -21,7 +21,7 @@ inline uint32_t channelOf(uint32_t color, int shift) {
     return color >> shift & 255;
 }
 
-// 257 entries. Stops that do not rise lie where the one before them lies.
+// 257 entries. A stop whose position does not rise takes the position of the stop before it.
 inline std::vector<uint32_t> colorTable(const Stops& stops, float firstStart, int curve) {
     std::vector<uint32_t> table(257, stops[0].color);
     if (stops.size() == 1) return table;

@@ -11,10 +11,11 @@
 #include "raster/ZvRect.h"
 #include "tests/reference/BlenderReference.h"
 
-// The pattern fill as its definition reads, one pixel at a time.
+// The pattern fill as defined, one pixel at a time.
 namespace reference {
 
-// The place in a pattern of `size` pixels, repeated every (int)(scale * size), of a pixel of the text box.
+// The position of a pixel of the text box in a pattern of `size` pixels that repeats every (int)(scale *
+// size).
 struct PatternPlace {
     int first, second;  // neighbours, wrapping at the end
     int weight;         // of the second, of 255
@@ -28,7 +29,7 @@ struct PatternPlace {
     }
 };
 
-// Scales and opacities that floats convert to ints without overflow; `pattern` is not empty.
+// For scales and opacities whose conversion to int does not overflow; `pattern` is not empty.
 inline void drawPattern(const Zvex::ZvBitmap* target, const Zvex::ZvBitmap& mask, const Zvex::ZvRect& box,
                         const Zvex::ZvBitmap& pattern, float scale, float opacity) {
     const int patternWidth = static_cast<int>(pattern.width),

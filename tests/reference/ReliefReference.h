@@ -17,12 +17,12 @@
 #include "tests/reference/DistanceReference.h"
 #include "tests/reference/GaussianReference.h"
 
-// Bevel and emboss as their definitions read.
+// Bevel and emboss as defined.
 namespace reference {
 
 using Bytes = std::vector<uint8_t>;
 
-// What both work on: the text box grown by `pad`.
+// The working area of both: the text box grown by `pad`.
 struct ReliefArea {
     const Zvex::ZvBitmap& mask;
     int pad, x, y, width, height;
@@ -65,14 +65,13 @@ struct ReliefArea {
     }
 };
 
-// A light in the direction (x, y, z) on slopes with the normal (-gx, -gy, normalZ). All in single precision,
+// A light in the direction (x, y, z) on slopes with the normal (-gx, -gy, normalZ). In single precision and
 // in this order; the pictures depend on it.
 struct Light {
     float x, y, z, normalZ;
 
     Light opposite() const { return {-x, -y, z, normalZ}; }
-    // 255 times the cosine between light and normal; of the slope that falls the other way, what 255 lacks of
-    // it.
+    // 255 times the cosine between light and normal; for the slope that falls the other way, 255 minus that.
     int shade(float gx, float gy) const {
         return toByte((normalZ * z - x * gx - y * gy) * 255 / length(gx, gy));
     }
@@ -83,7 +82,7 @@ struct Light {
 private:
     float length(float gx, float gy) const { return sqrtf(normalZ * normalZ + gx * gx + gy * gy); }
     static int toByte(float level) {
-        return level >= 255 ? 255 : level > 0 ? static_cast<int>(level) : 0;  // no number is 0
+        return level >= 255 ? 255 : level > 0 ? static_cast<int>(level) : 0;  // NaN is 0
     }
 };
 

@@ -12,7 +12,7 @@
 #include "tests/reference/BlenderReference.h"
 #include "tests/reference/GaussianReference.h"
 
-// The two shadows as their definitions read.
+// The two shadows as defined.
 namespace reference {
 
 struct Shadow {
@@ -29,8 +29,8 @@ struct Shadow {
     }
 };
 
-// A plane of `width` bytes a row with the mask's pixels of the box at (x, y); beyond the mask there is no
-// coverage.
+// Copies the mask's pixels of the box to (x, y) of a plane of `width` bytes a row; beyond the mask there is
+// no coverage.
 inline void putCoverage(std::vector<uint8_t>& plane, int width, int x, int y, const Zvex::ZvBitmap& mask,
                         const Zvex::ZvRect& box) {
     for (int row = 0; row < box.bottom - box.top; ++row) {
@@ -108,7 +108,7 @@ private:
             }
         }
 
-        // Where the moved text comes within the radius; the bands beside it are all shadow.
+        // Rows and columns within the radius of the moved text; the bands beside them are all shadow.
         const int top = dy > r ? dy - r : 0, bottom = dy < -r ? height + r + dy : height;
         const int left = dx > r ? dx - r : 0, right = dx < -r ? width + r + dx : width;
         for (int y = 0; y < height; ++y) {

@@ -11,8 +11,8 @@
 #include "raster/ZvRect.h"
 #include "tests/reference/BlenderReference.h"
 
-// The stroke as its definition reads: for every pixel of the picture, the largest value that any pixel of the
-// text brings there through the disc.
+// The stroke as defined: each pixel of the picture is the largest value that any pixel of the text gives it
+// through the disc.
 namespace reference {
 
 struct Disc {
@@ -54,7 +54,7 @@ inline Plane dilate(const Plane& source, const Disc& disc) {
             int best = 0;
             for (int i = 0; i < disc.side; ++i) {
                 for (int j = 0; j < disc.side; ++j) {
-                    // The source pixel whose disc puts its cell (i, j) on (x, y).
+                    // The source pixel whose disc has its cell (i, j) on (x, y).
                     const int sx = x - j, sy = y - i;
                     if (sx < 0 || sx >= source.width || sy < 0 || sy >= source.height) continue;
                     best = std::max(
