@@ -58,7 +58,7 @@ GlyphBox boxOf(const FontFace& face, uint32_t glyph, const GlyphStyle& style) {
             static_cast<int>(box.bottom)};
 }
 
-// Whether `holds(x, y)` is true of every pixel of the images.
+// Whether `holds(x, y)` is true for every pixel of the images.
 template <typename F>
 testing::AssertionResult everywhere(const std::vector<const GlyphImage*>& images, F holds) {
     for (const GlyphImage* image : images) {
@@ -71,7 +71,7 @@ testing::AssertionResult everywhere(const std::vector<const GlyphImage*>& images
     return testing::AssertionSuccess();
 }
 
-// Equal where either has a pixel; the images' edges may differ by blank rows and columns.
+// Equal wherever either image has a pixel; blank rows and columns at the edges may differ.
 testing::AssertionResult samePixels(const GlyphImage& a, const GlyphImage& b) {
     return everywhere({&a, &b}, [&](int x, int y) { return coverageAt(a, x, y) == coverageAt(b, x, y); });
 }
@@ -140,7 +140,7 @@ TEST(FontFace, AdvancesAreTheFontsOwnScaled) {
         fine.subpixel = true;
         for (uint32_t glyph = 0; glyph < std::min(face->glyphCount(), 500u); ++glyph) {
             FT_Load_Glyph(oracle.face(), glyph, FT_LOAD_NO_SCALE);
-            // Fonts of strikes only have no unscaled glyphs in FreeType; all their advances are alike.
+            // Fonts with only strikes have no unscaled glyphs in FreeType; all their advances are equal.
             const auto units = role == Role::kEmoji ? 2550 : oracle.face()->glyph->metrics.horiAdvance;
             const float fractional = face->advance(glyph, fine);
             const float expected =
@@ -166,7 +166,7 @@ TEST(FontFace, OutlinesAreFreeTypesSmoothOnesUnhinted) {
                 SCOPED_TRACE(testing::Message() << fonts::path(role) << glyph << " size " << size);
                 const int quarterX = static_cast<int>(glyph % 4);
                 const auto image = face->image(glyph, styled(size), quarterX);
-                // FreeType's own entry for sizes knows none below a pixel.
+                // FreeType's own call for sizes accepts none below a pixel.
                 ASSERT_TRUE(size < 1 || samePixels(*image, oracle.outline(glyph, size, quarterX)));
                 const GlyphBox box = boxOf(*face, glyph, styled(size));
                 ASSERT_TRUE(inside(*face->image(glyph, styled(size), 0), box));
@@ -190,7 +190,7 @@ TEST(FontFace, ColourStrikesGiveTheirAlphaAtTheSize) {
     ASSERT_EQ(FT_Load_Glyph(oracle.face(), glyph, FT_LOAD_COLOR), 0);
     const GlyphImage strike = oracle.coverage(4, 3);
     const float ppem = static_cast<float>(oracle.face()->size->metrics.y_ppem);
-    // Fake bold leaves strikes alone.
+    // Fake bold does not change strikes.
     EXPECT_TRUE(samePixels(*face->image(glyph, styled(ppem, 1, 0, true), 0), strike));
     // The box is the scaled strike, rounded outwards.
     const auto down = [](int v) { return static_cast<int>(std::floor(v / 4.0)); };
@@ -311,7 +311,7 @@ TEST(FontFace, AxesStandWhereTheFontsTableSaysHoweverOddItIs) {
         EXPECT_EQ(static_cast<float>(hb_font_get_glyph_h_advance(font, glyph)), units);
         hb_font_destroy(font);
     }
-    // A font without axes takes no notice.
+    // A font without axes ignores the table.
     const std::string file = fonts::withTables(Role::kLatinSmall, {{host::kAxesTable, bold}});
     EXPECT_TRUE(samePixels(*opened(file)->image(40, styled(90), 0),
                            *fonts::open(Role::kLatinSmall)->image(40, styled(90), 0)));

@@ -15,7 +15,7 @@
 
 #include "platform/host/FontFace.h"
 
-// The fonts that the tests of the port draw with, by what they stand for. scripts/setup installs them.
+// The fonts for the tests of the port, by role. scripts/setup installs them.
 namespace fonts {
 
 enum class Role {
@@ -53,7 +53,7 @@ constexpr const char* path(Role role) {
     return kPaths[static_cast<int>(role)];
 }
 
-// In one piece: byte by byte, the large ones take a second under the sanitizers.
+// Read at once: byte by byte, the large files take a second under the sanitizers.
 inline std::string readFile(const char* path) {
     std::error_code missing;
     const uintmax_t size = std::filesystem::file_size(path, missing);
@@ -63,8 +63,8 @@ inline std::string readFile(const char* path) {
     return file ? content : "";
 }
 
-// The file's bytes, read once and kept for the life of the process; empty, and a failed test, when it is
-// missing.
+// The file's bytes, read once and kept for the life of the process. If the file is missing, the test fails
+// and the result is empty.
 inline const std::vector<uint8_t>& bytes(Role role) {
     static std::map<Role, std::vector<uint8_t>> files;
     std::vector<uint8_t>& file = files[role];
@@ -83,7 +83,7 @@ inline void put(std::string& table, int bytes, const std::vector<uint32_t>& valu
     }
 }
 
-// The first font of the file, with these tables in place of its own or as well.
+// The first font of the file, with these tables replaced or added.
 inline std::string withTables(Role role, const std::map<hb_tag_t, std::string>& added) {
     const std::vector<uint8_t>& file = bytes(role);
     const auto blobOf = [](const void* data, size_t size) {

@@ -12,7 +12,7 @@
 
 #include "platform/host/FontFace.h"
 
-// FreeType used the short way (a face, a size, its own renderer), to compare the port's glyphs with.
+// FreeType used directly (a face, a size, its own renderer), to compare the port's glyphs with.
 class FreeTypeOracle {
 public:
     FreeTypeOracle(const std::vector<uint8_t>& file, int index) {
@@ -35,7 +35,8 @@ public:
         FT_Set_Char_Size(mFace, size26, size26, 72, 72);
         FT_Load_Glyph(mFace, glyph, FT_LOAD_NO_HINTING | FT_LOAD_NO_BITMAP);
         FT_Outline_Translate(&mFace->glyph->outline, quarterX * 16, 0);
-        // Outlines that state overlaps would be sampled several times; the port, like the platform, does not.
+        // FreeType would sample outlines that state overlaps several times; the port, like the platform, does
+        // not.
         mFace->glyph->outline.flags &= ~0x40;
         FT_Render_Glyph(mFace->glyph, FT_RENDER_MODE_NORMAL);
         return coverage(1, 0);

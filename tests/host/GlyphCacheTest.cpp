@@ -67,7 +67,7 @@ TEST_F(GlyphCacheTest, StaysWithinItsBoundAndDropsTheLeastRecentlyUsed) {
     EXPECT_NE(again, unused);
     EXPECT_EQ(again->coverage, unused->coverage);
 
-    // Images of more than a quarter of the bound pass through.
+    // Images of more than a quarter of the bound are not kept.
     host::clearGlyphCache();
     EXPECT_EQ(host::glyphCacheBytes(), 0u);
     EXPECT_FALSE(face->image(36, sized(400), 0)->coverage.empty());
@@ -86,7 +86,7 @@ TEST_F(GlyphCacheTest, AFaceThatGoesTakesItsGlyphsAlong) {
     EXPECT_EQ(host::glyphCacheBytes(), 2 * one);
     other.reset();
     EXPECT_EQ(host::glyphCacheBytes(), one);
-    EXPECT_FALSE(image->coverage.empty());  // still the holder's
+    EXPECT_FALSE(image->coverage.empty());  // still owned by its holder
 }
 
 }  // namespace

@@ -36,7 +36,7 @@ Layout laidOut(const std::u16string& text, const FontPtr& font, const android::P
 
 }  // namespace
 
-// Of a tag that comes again the last value holds; too many tags are refused, and said once.
+// The last value of a repeated tag wins; too many tags are refused and logged once.
 TEST(Layout, HundredsOfThousandsOfFeatureSettings) {
     android::Paint paint = paintOf(32);
     std::string same, different;
@@ -53,14 +53,15 @@ TEST(Layout, HundredsOfThousandsOfFeatureSettings) {
     EXPECT_EQ(1u, log.lines().size());
 }
 
-// HarfBuzz reads it once, so this can fail only in a process of its own.
+// In a process of its own, because HarfBuzz reads the variable only once.
 TEST(Layout, TheEnvironmentChoosesNoShaper) {
     setenv("HB_SHAPER_LIST", "fallback", 1);
     EXPECT_EQ(1u, laidOut(u"fi", roboto(), paintOf(32)).nGlyphs());
     unsetenv("HB_SHAPER_LIST");
 }
 
-// The paragraphs that a range touches are enough: the order of the whole text, cut to the range, is the same.
+// The paragraphs that a range touches are enough context: the order equals that of the whole text, cut to the
+// range.
 TEST(Layout, VisualRunsAgreeWithTheWholeText) {
     const char16_t alphabet[] = u"abאבش١12 .,(-)\n\r\u2029\u200F\u2067\u2068\u2069\u202B\u202C\U0001E900漢";
     std::mt19937 random(20240601);
@@ -198,7 +199,7 @@ TEST(Layout, OddSizesAreFinite) {
     }
 }
 
-// Long words are shaped in pieces; where they meet must not show.
+// Long words are shaped in pieces; the seams must not show.
 TEST(Layout, LongWordsHaveNoSeams) {
     const std::pair<FontPtr, const char16_t*> cases[] = {{roboto(), u"AVoffi"},
                                                          {fontNamed(kArabic), u"لب"},
@@ -216,8 +217,8 @@ TEST(Layout, LongWordsHaveNoSeams) {
     }
 }
 
-// Rows of marks longer than the shaper can chain, and a font that makes 17 of each: the shaper counts the
-// glyphs between a mark and its base in 16 bits, and gives the process up beyond.
+// Sequences of marks longer than the shaper can chain, with a font that makes 17 of each: the shaper counts
+// the glyphs between a mark and its base in 16 bits, and aborts the process beyond that.
 TEST(Layout, RowsOfMarks) {
     for (const char16_t* pair : {u"\u0301\u0323", u"\u20D0\u200D", u"\u05B8\u0301"}) {
         const std::u16string text = u"x" + repeated(pair, 35000);
@@ -225,7 +226,7 @@ TEST(Layout, RowsOfMarks) {
     }
 
     const unsigned count = 17, glyph = nominalGlyph(dejavu().get(), U'\u0301');
-    // Where scripts, features and lookups are; the script DFLT, the feature ccmp, the lookup.
+    // The offsets of scripts, features and lookups; the script DFLT, the feature ccmp, the lookup.
     std::string table;
     fonts::put(table, 2, {1, 0, 10, 30, 44, 1, 0x4446, 0x4C54, 8, 4, 0, 0, 0xFFFF, 1,  0, 1, 0x6363, 0x6D70,
                           8, 0, 1,  0,  1,  4, 2,      0,      1, 8, 1, 8, 1,      14, 1, 1, glyph,  count});
@@ -244,7 +245,7 @@ TEST(Layout, ThreadsGetTheSameLines) {
         "DejaVuSans.ttf";
     const std::string text = u8"Ham שלום سلام 12 देवनागरी 漢字 e\u0332 \U0001F468\u200D\U0001F469";
     for (const std::string& font : split(fonts, ','))
-        fontNamed(split(font, ':')[0]);  // the map is no threads'
+        fontNamed(split(font, ':')[0]);  // the map is not safe for threads
     const auto print = [&](const char* size, int region = 100) {
         // Threads register new lists of locales meanwhile.
         const Line line({{"fonts", fonts},

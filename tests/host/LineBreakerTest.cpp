@@ -12,7 +12,7 @@ const uint16_t* units(const std::u16string& text) {
     return reinterpret_cast<const uint16_t*>(text.data());
 }
 
-// Every unit ten pixels wide: the arithmetic of a line is countable by eye.
+// Every unit is ten pixels wide, so widths are easy to count.
 float tenEach(int start, int end) {
     return 10.0f * static_cast<float>(end - start);
 }
@@ -49,8 +49,7 @@ TEST(LineBreaker, WrapsAtWordsEndsAtLineEndingsAndCutsBetweenClusters) {
     }
 }
 
-// Where pieces shape narrower together than alone (ligatures, joining letters), the line takes what really
-// fits.
+// If pieces are narrower together than alone (ligatures, joining letters), the line takes what really fits.
 TEST(LineBreaker, SettlesLinesByTheirWholeShape) {
     const std::u16string text = u"aa bb cc dd";
     const auto tight = [](int start, int end) {

@@ -58,7 +58,7 @@ FontPtr fontOf(const Bytes& bytes, int index = 0) {
                                                       std::vector<minikin::FontVariation>());
 }
 
-// A font by file name and, after #, its index in a collection; one object for each. "-" is none.
+// A font by file name and, after #, its index in a collection; one object for each font. "-" means none.
 inline FontPtr fontNamed(const std::string& name) {
     static auto* const made = new std::map<std::string, FontPtr>;
     static auto* const files = new std::map<std::string, std::string>;
@@ -119,7 +119,7 @@ inline Layout layLine(const std::u16string& text, const TypefacePtr& typeface, c
     return layRange(text, 0, text.size(), typeface, paint);
 }
 
-// As the character map has it; no shaping.
+// From the character map, without shaping.
 inline unsigned nominalGlyph(const minikin::MinikinFont* font, char32_t character) {
     hb_font_t* hbFont = hb_font_create(faceOf(font).hbFace());
     hb_codepoint_t glyph = 0;
@@ -128,8 +128,8 @@ inline unsigned nominalGlyph(const minikin::MinikinFont* font, char32_t characte
     return glyph;
 }
 
-// A line by named fields. `fonts` has families, with commas between; a family's fonts, with + between, are
-// each file:locales:variant:style, the style a weight with i after it where it is italic.
+// A line by named fields. `fonts` has families, separated by commas. A family has fonts, separated by +, each
+// written as file:locales:variant:style, where style is a weight, with i after it for italic.
 struct Line {
     using Fields = std::map<std::string, std::string>;
 
@@ -191,7 +191,7 @@ struct Line {
     size_t start, end;
 };
 
-// The lines of a folder's cases.tsv, by the names in its head.
+// The lines of a folder's cases.tsv, by the names in its first row.
 inline std::vector<Line::Fields> casesOf(const std::string& folder) {
     const std::string path = ZVEX_HOST_DATA "/" + folder + "/cases.tsv";
     const std::vector<std::string> names = split(split(fonts::readFile(path.c_str()), '\n')[0], '\t');
@@ -199,7 +199,7 @@ inline std::vector<Line::Fields> casesOf(const std::string& folder) {
     for (const std::vector<std::string>& row : rowsOf(path)) {
         cases.emplace_back();
         for (size_t i = 0; i < names.size(); i++) cases.back()[names[i]] = row.at(i);
-        cases.back()["name"] = row[0];  // the head's first name has its mark before it
+        cases.back()["name"] = row[0];  // the first column's name begins with the comment mark
     }
     return cases;
 }

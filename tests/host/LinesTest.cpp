@@ -60,7 +60,7 @@ TEST(Lines, AreLaidOutAsOnThePhone) {
     }
 }
 
-// lines.tsv says what its columns are.
+// lines.tsv describes its columns.
 TEST(Lines, AreLaidOutAsTheirRowsSay) {
     for (const std::vector<std::string>& row : rowsOf(ZVEX_HOST_DATA "/lines.tsv")) {
         Line::Fields fields = {{"fonts", row.at(0)}, {"text", row.at(2)}};
@@ -99,7 +99,7 @@ TEST(Lines, AreLaidOutAsTheirRowsSay) {
     }
 }
 
-// Plain text has its exact size and advances of its own; words end where they do on the phone.
+// Plain text has its exact size and its own advances; words end where they do on the phone.
 TEST(Lines, PlainRenderingIsExact) {
     const TypefacePtr typeface = typefaceOf({familyOf(dejavu())});
     const android::Paint paint = paintOf(24.5f);

@@ -16,7 +16,7 @@ TEST(LocaleList, SameListSameId) {
     const uint32_t list = registerLocaleList("en-US,ja-JP");
     EXPECT_NE(0u, list);
     for (const char* same : {"en-US,ja-JP", " EN-us , !! , ja"}) EXPECT_EQ(list, registerLocaleList(same));
-    // The last: a script is no guess at a language.
+    // The last pair: a script alone does not imply a language.
     for (const auto& [a, b] : {std::pair("en-US,ja-JP", "ja-JP,en-US"),
                                {"en-US,ja-JP", "en-US"},
                                {"zh-Hans", "zh-Hant"},
@@ -41,8 +41,8 @@ TEST(LocaleList, ScoresLanguageBeforeScriptBeforeNothing) {
         {1, "fr", "en"},
         {1, "ar", "und-Arab"},
         {0, "zh-Hans", "zh-Hant"},
-        {3, "zh-Hani", "zh-Hant"},          // any Han will do
-        {3, "zh-Hanb", "zh-Hant,zh-Bopo"},  // the parts of a script one by one
+        {3, "zh-Hani", "zh-Hant"},          // any Han matches
+        {3, "zh-Hanb", "zh-Hant,zh-Bopo"},  // a list of the script's parts
         {4, "und-Zsye", "und-Zsye"},
         {2, "en-u-em-emoji", "und-Zsye"},
         {3 * 5 + 0, "ja,en", "ja"},

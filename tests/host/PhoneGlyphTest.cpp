@@ -58,7 +58,7 @@ std::vector<uint8_t> drawnLine(const hosttest::Line& line, const StoredPicture& 
     return pixels;
 }
 
-// Of the pixels that either picture has, those that are near and equal.
+// Counts, of the pixels that either picture has, those that are near and equal.
 struct Agreement {
     size_t ink = 0, near = 0, equal = 0;
     void add(const std::vector<uint8_t>& a, const std::vector<uint8_t>& b) {
@@ -74,8 +74,8 @@ struct Agreement {
     double equalShare() const { return static_cast<double>(equal) / static_cast<double>(ink); }
 };
 
-// Paths, above 256 pixels, are nearly the same. The lines of Arabic at 24.5 and
-// Devanagari at 12 pixels tell whether control values are scaled as exactly as the phone's FreeType does it.
+// Paths, above 256 pixels, are nearly the same. The lines of Arabic at 24.5 and Devanagari at 12 pixels show
+// whether control values are scaled exactly as in the phone's FreeType.
 TEST(PhoneGlyphs, CoverageIsThePhones) {
     int pictures = 0;
     Agreement all;
@@ -97,8 +97,8 @@ TEST(PhoneGlyphs, CoverageIsThePhones) {
     EXPECT_GE(all.equalShare(), 0.997);
 }
 
-// What the port made of these lines when its glyphs were FreeType's (FontFaceTest.cpp) and their skew,
-// boldness and strikes measured.
+// The stored pictures are from when the port's glyphs were FreeType's (FontFaceTest.cpp) and their skew,
+// boldness and strikes had been measured.
 TEST(PlainGlyphs, CoverageStays) {
     host::setRendering(host::Rendering::Plain);
     for (const hosttest::Line::Fields& fields : hosttest::casesOf("plain")) {
@@ -109,7 +109,7 @@ TEST(PlainGlyphs, CoverageStays) {
     host::setRendering(host::Rendering::Phone);
 }
 
-// Unhinted text differs from the plain rendering by the table alone.
+// Unhinted text differs from Plain only by the table.
 TEST(PhoneGlyphs, LevelsPassTheGammaTable) {
     const auto face = fonts::open(fonts::Role::kLatinSmall);
     host::GlyphStyle phone;
@@ -134,7 +134,7 @@ TEST(PhoneGlyphs, LevelsPassTheGammaTable) {
     EXPECT_EQ(table[192], 162);
 }
 
-// A straight picture of every alpha onto six backgrounds, sRGB: red is the column, green 255 less that.
+// A straight picture of every alpha on six backgrounds, sRGB: red is the column, green 255 minus that.
 TEST(PhoneGlyphs, CanvasesBlendInLinearLight) {
     std::vector<uint8_t> picture(256 * 256 * 4), target(picture.size());
     for (size_t i = 0; i < 65536; ++i) {

@@ -61,8 +61,8 @@ SkPaint colored(SkColor color) {
     return paint;
 }
 
-// Every pair of alphas with random channels, against the definition in doubles, which are exact to far below
-// a tie.
+// Every pair of alphas with random channels, compared with the definition in doubles, which are exact to far
+// below a tie.
 TEST(PixelMath, ProductsAndSourceOverAreRoundedToTheNearest) {
     std::mt19937 random(11);
     for (int sa = 0; sa < 256; ++sa) {
@@ -178,8 +178,8 @@ TEST(SkCanvas, ClipsOnlyShrink) {
     EXPECT_EQ(picture.pixels(), expected);
 }
 
-// Bitmaps of runs of one alpha, which are taken at once, in rows of all widths; in places around the clip and
-// beyond the ints.
+// Bitmaps with runs of one alpha, which are handled at once, in rows of all widths, at positions around the
+// clip and beyond the ints.
 TEST(SkCanvas, BitmapsAreCompositedInsideTheClip) {
     const struct {
         float x, y;
@@ -258,7 +258,7 @@ protected:
         }
         return builder.make();
     }
-    // A coverage picture with the face's image put at the given place by hand.
+    // A coverage picture with the face's image placed by hand.
     Bytes placed(SkGlyphID id, int x, int y, int quarterX) {
         host::GlyphStyle style;
         style.size = font.getTextSize();
@@ -298,7 +298,7 @@ TEST_F(TextTest, OriginsAreTakenToQuarterPixelsOrWholeOnes) {
     };
     for (const host::Rendering rendering : {host::Rendering::Plain, host::Rendering::Phone}) {
         host::setRendering(rendering);
-        // To the quarter below, on the phone to the nearest.
+        // Plain takes the quarter below, the phone the nearest one.
         const float nudge = rendering == host::Rendering::Phone ? -0.125f : 0;
         for (const auto& place : places) {
             font.setFlags(SkPaint::kAntiAlias_Flag | SkPaint::kSubpixelText_Flag);
@@ -313,8 +313,8 @@ TEST_F(TextTest, OriginsAreTakenToQuarterPixelsOrWholeOnes) {
     }
 }
 
-// Glyphs narrower than 8 pixels, than 32 and wider, from one side by side to the other. The run's paint sets
-// the font and the drawing paint the colour.
+// Glyphs narrower than 8 pixels, than 32 and wider, placed from one beyond the left side to one beyond the
+// right. The run's paint sets the font, the drawing paint the colour.
 TEST_F(TextTest, GlyphsLieOverEachOtherInOrder) {
     for (const float size : {9.0f, 20.0f, 40.0f}) {
         font.setTextSize(size);
@@ -346,7 +346,7 @@ TEST_F(TextTest, GlyphsLieOverEachOtherInOrder) {
         }
         EXPECT_GT(overlapped, 5);
     }
-    SkTextBlobBuilder builder;  // of several runs
+    SkTextBlobBuilder builder;  // with several runs
     *builder.allocRunPos(font, 1).glyphs = kA;
     const auto& second = builder.allocRunPos(font, 1);
     *second.glyphs = kO;

@@ -10,7 +10,7 @@
 
 namespace {
 
-// A stream over a font that tells when it is deleted.
+// A stream over a font that records its deletion.
 struct TracedStream : SkMemoryStream {
     TracedStream(size_t size, bool* living)
         : SkMemoryStream(fonts::bytes(fonts::Role::kLatinSmall).data(), size), living(living) {
@@ -28,7 +28,7 @@ TEST(SkTypeface, TakesTheStreamOverAndKeepsItAsLongAsTheFace) {
     ASSERT_TRUE(typeface && second);
     EXPECT_TRUE(typeface->uniqueID() != 0 && typeface->uniqueID() != second->uniqueID());
     std::shared_ptr<host::FontFace> face = typeface->face();
-    // The last of several pointers deletes.
+    // The last of several pointers deletes the object.
     sk_sp<SkRefCnt> a = typeface;
     const sk_sp<SkRefCnt>& itself = a;
     a = itself;

@@ -18,7 +18,7 @@ EffectSettings parse(const std::string& kind, const std::string& text) {
     return parseEffect("--" + kind, *findEffectKind(kind), text);
 }
 
-// The key of a stack to which `add` added one effect; the pattern's without its bitmap's address.
+// The layer key of a stack to which `add` added one effect; for the pattern, without its bitmap's address.
 std::string keyAfter(const std::function<void(Zvex::ZvEffect&)>& add) {
     Zvex::ZvEffect stack;
     add(stack);
@@ -28,7 +28,7 @@ std::string keyAfter(const std::function<void(Zvex::ZvEffect&)>& add) {
     return text;
 }
 
-// Each setting reaches its argument of the adder: the layer key holds all of them, opacities as alpha.
+// Each setting reaches its argument of the adder: the layer key contains all of them, opacities as alpha.
 TEST(Effects, ReachTheLibraryArgumentByArgument) {
     using Zvex::ZvEffect;
     const std::string png = testing::TempDir() + "effects-test.png";

@@ -14,7 +14,7 @@
 namespace Zvex::scene {
 namespace {
 
-// What libpng makes of the file: bytes of red, green, blue and alpha.
+// The file read by libpng: bytes of red, green, blue and alpha.
 std::vector<uint8_t> byLibpng(const std::string& bytes, size_t pixels) {
     std::vector<uint8_t> rgba(pixels * 4);
     std::string rest = bytes;

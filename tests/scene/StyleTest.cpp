@@ -77,7 +77,7 @@ TEST_F(StyleFile, TakesCommentsAndNotes) {
     EXPECT_EQ(style.size, 41);
 }
 
-// Twice the size: twice the pixels, whole ones, at least one where there was one, at most what an effect
+// At twice the size, lengths double: whole pixels, at least one if there was one, at most what an effect
 // takes.
 TEST_F(StyleFile, EffectsFitTheSizeTheyAreDesignedFor) {
     const std::string effects =

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// A whole picture, from the font's file to the pixels, with every one of its allocations failing in turn.
+// Makes a whole picture, from the font's file to the pixels, once for each of its allocations with that one
+// failing.
 #include <gtest/gtest.h>
 
 #include <memory>
@@ -23,7 +24,8 @@ using text_test::TextScene;
 using Style = void (*)(ZvEffect&);
 void plain(ZvEffect&) {}
 
-// What a caller does for a picture. With memory short, an operation says so and the object stays usable.
+// The steps of a caller who makes a picture. If memory is short, an operation says so and the object stays
+// usable.
 class Caller {
 public:
     explicit Caller(Style style) : mStyle(style) {}
@@ -100,7 +102,7 @@ void forget() {
     host::clearGlyphCache();
 }
 
-// Every filter with its costlier ways through it.
+// Adds every filter, with settings that take its costlier paths.
 void everything(ZvEffect& effect) {
     static LayerSettings* const settings = [] {
         const FailingAllocations::Pause pause;
@@ -119,7 +121,7 @@ void everything(ZvEffect& effect) {
 class Allocations : public testing::TestWithParam<Style> {};
 
 TEST_P(Allocations, APictureThatFindsNoMemoryCanBeRenderedAfterwards) {
-    { const host::LogCapture once; }  // for the log to be there
+    { const host::LogCapture once; }  // allocates the log
     Picture expected;
     ASSERT_TRUE(Caller(GetParam()).render(expected));
     ASSERT_GT(expected.countVisible(), 0);
@@ -157,7 +159,7 @@ TEST(LocaleLists, KeepTheirOwnIds) {
     }
     EXPECT_EQ(ids.size(), 3000u);
 
-    // Lists kept for ever end somewhere; those that there are keep their ids.
+    // The number of lists is limited; existing lists keep their ids.
     const uint32_t known = minikin::registerLocaleList("fr-100");
     uint32_t last = known;
     for (int i = 0; i < 8000 && last != 0; ++i) {

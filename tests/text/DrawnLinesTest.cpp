@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-// A text drawn again keeps the images of its lines. It must not show: whatever is set between two renders,
-// the picture is that of a new object. What is unchanged is neither laid out nor rasterised again: the port's
-// glyph cache, emptied before, stays empty.
+// A text drawn again keeps the images of its lines, but the pictures must not depend on that: whatever
+// changes between two renders, the picture equals that of a new object. What did not change is neither laid
+// out nor rasterised again: the port's glyph cache, cleared before, stays empty.
 #include <gtest/gtest.h>
 
 #include <cwchar>
@@ -20,9 +20,9 @@ using namespace text_test;
 
 namespace {
 
-// The first line has no letter, so that its direction is that of its record.
+// The first line has no letter, so its direction is that of its record.
 constexpr wchar_t kText[] = L"1 (2\nWave fi\x0301 \x0531";
-constexpr int kFirst = 4, kSecond = 5;  // where they end and begin
+constexpr int kFirst = 4, kSecond = 5;  // the end of the first line and the start of the second
 
 struct Change {
     const char* name;
@@ -45,7 +45,7 @@ std::unique_ptr<TextScene> makeScene() {
     return scene;
 }
 
-// The Armenian letter is in no font but the system's: one for Japanese, one compact and for Korean.
+// Only the system's fonts have the Armenian letter: one font for Japanese, one compact and for Korean.
 class KeptLines : public ::testing::Test {
 protected:
     void SetUp() override {
@@ -126,7 +126,7 @@ TEST_F(KeptLines, AFontThatIsReplacedShows) {
     EXPECT_FALSE(bold == sans);
     manager.ClearFontMaps();
     manager.ClearFontFamilies();
-    EXPECT_EQ(scene->render().countVisible(), 0);  // with no font at all
+    EXPECT_EQ(scene->render().countVisible(), 0);  // without any font
 }
 
 TEST_F(KeptLines, EffectsColoursAndPlacesDrawNoLineAnew) {
@@ -151,14 +151,14 @@ TEST_F(KeptLines, EffectsColoursAndPlacesDrawNoLineAnew) {
         change.apply(*kept);
         change.apply(*fresh);
         EXPECT_FALSE(drawsFromNothing(*kept));
-        fresh->object.SetTextStyle(false, true);  // forgets what it had
+        fresh->object.SetTextStyle(false, true);  // drops the kept lines
         fresh->render();
         fresh->object.SetTextStyle(false, false);
         EXPECT_TRUE(kept->render() == fresh->render());
     }
 }
 
-// Lines in front of one another may be more than a picture holds; what is not kept is drawn anew.
+// Overlapping lines may need more than the picture's size; lines that are not kept are drawn again.
 TEST_F(KeptLines, ImagesBeyondTheSizeOfThePictureAreNotKept) {
     const auto scene = makeScene();
     scene->view().SetSize(40, 30);
@@ -169,7 +169,7 @@ TEST_F(KeptLines, ImagesBeyondTheSizeOfThePictureAreNotKept) {
     const Picture larger = scene->render();
     EXPECT_FALSE(drawsFromNothing(*scene));
     EXPECT_TRUE(larger == makeScene()->render());
-    for (float size = 20; size < 40; ++size) {  // nor do they count for ever
+    for (float size = 20; size < 40; ++size) {  // they are not counted forever either
         scene->changePaint([size](android::Paint& p) { p.setTextSize(size); });
         scene->render();
     }

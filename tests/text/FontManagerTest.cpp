@@ -74,7 +74,7 @@ TEST(FontManager, OwnsHandedOverBuffersUnderTheirNameAndIndex) {
     for (const auto& [path, length, index] : bad) {
         EXPECT_FALSE(manager.AddMinikinFont(path, newBuffer(bytes), length, index, true)) << length << index;
     }
-    // The key holds the index as one character, and a NUL.
+    // The key has the index as one character, and a NUL.
     ASSERT_EQ(manager.mImpl->fontMap.size(), 1u);
     EXPECT_EQ(manager.mImpl->fontMap.begin()->first, std::string("name0\0", 6));
     EXPECT_EQ(ZvFontManagerImpl::fontKey("p", 10 + 256), std::string("p:\0", 3));
@@ -91,7 +91,7 @@ TEST(FontManager, ReadsWholeFilesOnlyAndKeepsNothingOfOthers) {
         std::ofstream(folder + name, std::ios::binary) << bytes;
         return folder + name;
     };
-    // A hole of 4 GiB is longer than the size can say.
+    // A sparse file of 4 GiB, too long for the size's type.
     const std::string hole = write("/hole", "");
     ASSERT_TRUE(mkfifo(fifo.c_str(), 0600) == 0 && truncate(hole.c_str(), off_t{1} << 32) == 0);
     const std::pair<std::string, std::string> cases[] = {
@@ -170,13 +170,13 @@ TEST(FontManager, LoadsOneFamilyOfALocaleAtATime) {
     EXPECT_TRUE(load("ja"));
     EXPECT_NE(first->loaded, 0);
     EXPECT_EQ(familyCount(manager, nullptr), 1);
-    // Found, but it cannot be built: true all the same, and again the next time.
+    // The family exists but cannot be built: true all the same, and again the next time.
     for (const char* locale : {"ja", "ja", "ko"}) EXPECT_TRUE(load(locale));
     EXPECT_EQ(broken->loaded, 0);
     EXPECT_EQ(empty->loaded, 0);
     EXPECT_FALSE(load("und-Cyrl"));
     EXPECT_EQ(familyCount(manager, nullptr), 1);
-    EXPECT_EQ(familyCount(manager, kBold), 2);  // its own first, held since the broken family's first font
+    EXPECT_EQ(familyCount(manager, kBold), 2);  // kBold came with the broken family
 
     // One family list is taken until it is cleared.
     List* second = makeFamilies({makeFamily("th", {kSans})});
@@ -188,7 +188,7 @@ TEST(FontManager, LoadsOneFamilyOfALocaleAtATime) {
     EXPECT_TRUE(load("th"));
 }
 
-// Whatever is changed in the families that were handed over, also where no number of them changes.
+// Any change to the families is seen, even if their number stays the same.
 TEST(FontManager, ChangesToTheFamiliesAreSeen) {
     FontManager manager;
     ZvFontFamily* families[] = {makeFamily("ja", {kSans}), makeFamily("ko", {kSans, kBold})};
@@ -230,7 +230,7 @@ TEST(FontManager, ASystemEntrysWeightAndSlantReachTheFamily) {
         int weight = 400;
         ASSERT_TRUE(manager.GetMinikinFontFamilies(families, nullptr, weight));
         ASSERT_EQ(families.size(), 1u);
-        // Of black italic the entry lacks what it is not.
+        // The entry lacks both parts of black italic.
         const minikin::FontFakery fakery =
             families[0]->getClosestMatch(minikin::FontStyle(900, minikin::FontStyle::Slant::ITALIC)).fakery;
         EXPECT_EQ(fakery.isFakeItalic(), !italic);

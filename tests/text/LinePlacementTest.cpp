@@ -77,7 +77,7 @@ TEST(LinePlacement, ChoosesAndPlacesLines) {
         }
         EXPECT_EQ(shown, c.shown);
 
-        // The same lines without those around them.
+        // The shown lines alone give the same records.
         const std::vector<LaidOutLine> all = evenLines(c.count);
         const ShownLines part = shownLines(c.view, c.count);
         ASSERT_EQ(part.count, static_cast<int>(c.shown.size()));
@@ -118,7 +118,7 @@ TEST(LinePlacement, AbsurdValuesAreClamped) {
         ASSERT_EQ(placed.size(), 2u);
         EXPECT_EQ(placed[0].x, kMax);  // not a number counts as 0
         EXPECT_EQ(placed[0].rect.right, kMax);
-        EXPECT_EQ(placed[1].x, -1);  // the least int, then the padding
+        EXPECT_EQ(placed[1].x, -1);  // the lowest int, plus the padding
         EXPECT_EQ(placed[1].y, gravity == 0x30 ? -1 : kMax);
         EXPECT_EQ(placed[1].rect.bottom, gravity == 0x30 ? kMax - 1 : kMax);
     }

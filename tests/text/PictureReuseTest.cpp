@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-// A text without background is drawn straight into its picture, which serves again; what lies under a
-// background takes the long way, through a picture of the effects and the canvas. An invisible background
-// must not show in the bytes, nor may what an object has rendered before.
+// A text without background is drawn straight into its picture, which is reused. With a background, the
+// effects' picture and the canvas come in between. An invisible background must not change the bytes, and
+// neither must earlier renders of the object.
 #include <gtest/gtest.h>
 
 #include <cstring>
@@ -48,7 +48,8 @@ std::vector<Look> looks() {
     };
 }
 
-// A view of some size and a text that it cuts on its right and, by the gravity, at its paddings.
+// A view of some size, and a text that it cuts at its right side and, depending on the gravity, at its
+// paddings.
 void setUp(TextScene& scene, int width, int height, int gravity, const Look& look) {
     scene.effect().cleanAllEffect();
     scene.effect().clearTextOpacity();
@@ -80,7 +81,7 @@ TEST(PictureReuse, StraightIntoThePictureIsTheSameAsOverAnInvisibleBackground) {
     }
 }
 
-// One object goes through all sizes and looks; a caller has scribbled over each picture.
+// One object renders all sizes and looks; its caller overwrites each picture afterwards.
 TEST(PictureReuse, APictureDoesNotDependOnTheOnesBefore) {
     TextScene old(kSans, kReused, 34.0f, 0, 0);
     const int sizes[][2] = {{130, 70}, {130, 70}, {90, 50}, {200, 90}, {130, 70}};

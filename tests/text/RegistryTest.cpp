@@ -16,7 +16,7 @@ using Registry = ZvTextInstanceManager;
 
 namespace {
 
-// A text object that writes its name down when it is deleted.
+// A text object that records its name when it is deleted.
 class Probe : public ZvTextObject {
 public:
     Probe(char name, std::string* deletedNames) : mName(name), mDeletedNames(deletedNames) { Construct(); }
@@ -41,7 +41,7 @@ TEST(Registry, HandlesGrowAndAreNeverUsedAgain) {
     EXPECT_EQ(Registry::FindZvTextObject(handle), nullptr);
     EXPECT_EQ(Registry::Unregister(handle), 0);
     EXPECT_EQ(Registry::Register(first), handle + 1);
-    // The object still believes in its first handle and does not take the second one back.
+    // The object still has its first handle and does not return to the second one.
     EXPECT_EQ(Registry::Unregister(handle + 1), 0);
     delete first;
 
@@ -89,7 +89,7 @@ TEST(Registry, LockDefersLastReleasesAndUnlockMakesThemUpBackwards) {
     Registry::Lock();
     for (Probe* object : objects) EXPECT_TRUE(Registry::Release(object, true));
     EXPECT_EQ(deleted, "");
-    EXPECT_FALSE(Registry::Release(objects[0], true));  // its count is gone already
+    EXPECT_FALSE(Registry::Release(objects[0], true));  // it is no longer counted
     Registry::Bind(objects[1]);
     Registry::Unlock();
     EXPECT_EQ(deleted, "dca");
@@ -97,8 +97,8 @@ TEST(Registry, LockDefersLastReleasesAndUnlockMakesThemUpBackwards) {
     EXPECT_EQ(deleted, "dcab");
 }
 
-// Another object at the address of one that was deleted directly begins with nothing, and nothing is deleted
-// twice.
+// Another object at the address of one that was deleted directly starts without its references, and nothing
+// is deleted twice.
 TEST(Registry, AnObjectDeletedDirectlyLeavesNothingBehind) {
     std::string deleted;
     alignas(Probe) char place[sizeof(Probe)];

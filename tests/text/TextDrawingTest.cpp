@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// From a text object to pixels: what lines become images, where they land, what the clip and the background
-// do, and what the drawer says when a part is missing.
+// From a text object to pixels: which lines become images, where they are placed, what the clip and the
+// background do, and what is logged if a part is missing.
 #include <gtest/gtest.h>
 
 #include <array>
@@ -28,13 +28,13 @@ using namespace text_test;
 
 namespace {
 
-// What the effect stack was handed.
+// A line image as the effect stack gets it.
 struct Handed {
     int x, y, width, height, baseline;
     std::vector<uint8_t> pixels;
 };
 
-// A layer that draws nothing and writes down every line image.
+// A layer that draws nothing and records every line image.
 class Recorder : public ZvECoreBase {
 public:
     explicit Recorder(std::vector<Handed>* handed) : mHanded(handed) {}
@@ -101,7 +101,7 @@ TEST(TextDrawing, FailuresSayWhatIsMissing) {
     }
 }
 
-// The steps by hand give the bytes of a picture, but for the order of red and blue.
+// The single steps give the bytes of a picture, with red and blue exchanged.
 TEST(TextDrawing, DrawTextEffectDrawsThePicture) {
     OneLine scene(L"Hp\u0416", 24, 90, 40, 5, 28);
     scene.object.SetTextColor(0xE02040C0);
@@ -126,7 +126,7 @@ TEST(TextDrawing, LayersOfOtherClassesAreSeen) {
     };
     OneLine scene(L"ab", 20, 60, 30, 5, 25);
     scene.object.SetTextColor(0xFF0000FF);
-    scene.effect().setTextOpacity(0.5f);  // two pictures: the text cuts nothing off
+    scene.effect().setTextOpacity(0.5f);  // two pictures, so the text cuts nothing off
     const int text = scene.render().count(0xFF0000FF);
     scene.effect().effects.push_back(new Marker);
     EXPECT_EQ(scene.render().count(0xFF0000FF), text);
@@ -148,7 +148,7 @@ TEST(TextDrawing, AnImageBeyondTwoGigabytesIsLeftOutWithALine) {
 TEST(TextDrawing, LineImagesAreAsWideAsTheAdvanceAndAsHighAsTheInk) {
     std::vector<Handed> handed;
     TextScene scene(kSans, L"Hpp  \u0416", 20, 200, 60);
-    // The stack owns it, outside the types it knows.
+    // The stack owns it, although it is of no known type.
     scene.effect().effects.push_back(new Recorder(&handed));
     scene.setLines({TextScene::makeLine(7, 30, 0, 1), TextScene::makeLine(7, 30, 1, 2),
                     TextScene::makeLine(7, 30, 1, 3), TextScene::makeLine(7, 30, 3, 5),
@@ -163,14 +163,14 @@ TEST(TextDrawing, LineImagesAreAsWideAsTheAdvanceAndAsHighAsTheInk) {
     EXPECT_EQ(capital.width, 15);  // 0.752 of 20, rounded to a whole pixel without the linear-text flag
     EXPECT_GE(*std::max_element(capital.pixels.begin(), capital.pixels.end()), 250);
 
-    EXPECT_GT(handed[1].height, handed[1].baseline);  // hangs below it
+    EXPECT_GT(handed[1].height, handed[1].baseline);  // extends below it
     EXPECT_EQ(handed[2].width, 2 * handed[1].width);
     EXPECT_EQ(handed[3].height, 0);  // blanks: an image without rows, as wide as their advances
     EXPECT_GT(handed[3].width, 0);
     EXPECT_EQ(handed[4].x, -3);
     EXPECT_GT(picture.countVisible(), 0);
 
-    // With linear metrics advances have fractions, which are cut off.
+    // With linear metrics advances have fractions. The image's width and the line's right edge drop them.
     scene.changePaint([](android::Paint& paint) {
         paint.setFlags(paint.getFlags() | 0x40);
         paint.setTextSize(31.9f);  // the letter is 1540 of the design's 2048 units wide: 23.99 pixels
@@ -181,7 +181,7 @@ TEST(TextDrawing, LineImagesAreAsWideAsTheAdvanceAndAsHighAsTheInk) {
     EXPECT_EQ(scene.line(0).rect.right, 7 + 23);
 }
 
-// The letters beside a line join its own although they are not drawn with it.
+// The letters beside a line join its own, although they are not drawn with it.
 TEST(TextDrawing, ALineIsLaidOutWithTheWholeTextAsContext) {
     std::vector<Handed> handed;
     for (const wchar_t* text : {L"\u0628", L"\u0628\u0628\u0628"}) {
@@ -238,7 +238,7 @@ TEST(TextDrawing, MarginsMoveTheText) {
 
 TEST(TextDrawing, BackgroundFillsTheLineRectangles) {
     OneLine scene(L"ab", 20, 100, 50, 10, 30);
-    scene.line(0).rect = ZvRect(0, 12, 0, 35);  // left and right are made anew
+    scene.line(0).rect = ZvRect(0, 12, 0, 35);  // left and right are computed again
     scene.object.SetBackgroundColor(0xFF00FF00, true);
     const Picture picture = scene.render();
     EXPECT_EQ(edgesOf(inkOf(picture)), (Edges{10, 12, scene.line(0).rect.right, 35}));
@@ -249,7 +249,7 @@ TEST(TextDrawing, BackgroundFillsTheLineRectangles) {
     EXPECT_EQ(scene.render().count(0xFF00FF00), 0);
 }
 
-// Whoever renders again without laying the text out again sees the background slide down by the top margin.
+// Rendering again without a new layout moves the background down by the top margin.
 TEST(TextDrawing, EveryRenderingMovesTheLineRectanglesDown) {
     OneLine scene(L"ab", 20, 100, 50, 10, 30);
     scene.effect().addStrokeText(5, 0xFFFFFFFF, 1.0f, 0, 1);
@@ -280,7 +280,7 @@ TEST(TextDrawing, ClipKeepsThePaddingOnlyAwayFromTheGravity) {
         scene.view().gravity = gravity;
         EXPECT_EQ(edgesOf(inkOf(scene.render())), visible) << gravity;
     }
-    scene.view().SetPadding(0, 0, 170, -2147483647);  // more than there is, and far less than nothing
+    scene.view().SetPadding(0, 0, 170, -2147483647);  // more than the width, and far below 0
     scene.view().gravity = 0x33;
     EXPECT_EQ(scene.render().countVisible(), 0);
 }
@@ -319,7 +319,7 @@ TEST(TextDrawing, AbsurdPositionsDrawNothingAndOverflowNothing) {
     EXPECT_GT(scene.render().countVisible(), 0);
 }
 
-// The bold style bit plays no part in drawing; a font named bold is drawn as it is.
+// The bold style bit does not affect drawing; a font named bold is drawn as it is.
 TEST(TextDrawing, ItalicStyleSlantsAFontThatIsNotItalicAndBoldChangesNothing) {
     OneLine scene(L"lll", 40, 100, 60, 10, 45);
     const Picture upright = scene.render();
@@ -329,7 +329,7 @@ TEST(TextDrawing, ItalicStyleSlantsAFontThatIsNotItalicAndBoldChangesNothing) {
     const Picture slanted = scene.render();
     EXPECT_FALSE(upright == slanted);
     EXPECT_GT(slanted.countVisible(), 0);
-    // A name that says italic is believed: no slant is added.
+    // A font whose name says italic gets no slant.
     const std::string bytes = readFile(kSans);
     const auto size = static_cast<unsigned>(bytes.size());
     ASSERT_TRUE(scene.object.SetFont("TextDrawing-Italic", newBuffer(bytes), size));

@@ -93,7 +93,7 @@ TEST(TextObject, AFontThatFailsLeavesTheOldOneChosen) {
 
     EXPECT_TRUE(object.SetFont("TextObject.bold", newBuffer(bytes), static_cast<unsigned>(bytes.size())));
     EXPECT_EQ(object.GetFont()->fontPath->CompareTo("TextObject.bold"), 0);
-    EXPECT_TRUE(object.SetFont("TextObject.bold"));  // a name, no file, held already
+    EXPECT_TRUE(object.SetFont("TextObject.bold"));  // a name, not a file; already held
 }
 
 TEST(TextObject, TakesLineRecordsOver) {
@@ -175,7 +175,7 @@ TEST(TextObject, SizesThatCannotBeGiveNoPicture) {
             scene.object.SetBackgroundColor(0xFF00FF00, background);
             EXPECT_EQ(scene.object.RenderTextEffect(size[0], size[1]), nullptr) << size[0] << "x" << size[1];
         }
-        // Drawn all the same: the text is a layer, the line has its place.
+        // The drawing steps run: the text is a layer, the line is placed.
         EXPECT_TRUE(scene.effect().hasEffect(ZV_EFFECT_TEXT));
         EXPECT_EQ(scene.line(0).rect.top, top + 2 * scene.effect().getTopOffset());
         EXPECT_EQ(scene.effect().getSrcBitmap(), nullptr);
@@ -192,6 +192,6 @@ TEST(TextObject, WithoutAFontDrawerTheLastPictureStays) {
     EXPECT_EQ(scene.object.RenderTextEffect(10, 10), last);
     EXPECT_EQ(Error::GetError(), 8u);
     EXPECT_EQ(std::vector<uint32_t>(last, last + 60 * 30), before);
-    EXPECT_TRUE(scene.object.SetFont(kSans));  // makes a new one
+    EXPECT_TRUE(scene.object.SetFont(kSans));  // makes a new object
     EXPECT_GT(scene.render().countVisible(), 0);
 }

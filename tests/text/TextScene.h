@@ -32,7 +32,7 @@ constexpr const char* kEmoji = fonts::path(fonts::Role::kEmoji);
 
 using fonts::readFile;
 
-// The bytes as a caller hands them to the font manager.
+// A new array with the bytes, as callers pass it to the font manager.
 inline char* newBuffer(const std::string& bytes) {
     char* buffer = new char[bytes.size()];
     std::copy(bytes.begin(), bytes.end(), buffer);
@@ -48,14 +48,14 @@ inline std::vector<std::string> errorLines(const host::LogCapture& capture) {
     return lines;
 }
 
-// As the log prints it.
+// The address as the log prints it.
 inline std::string addressOf(const void* object) {
     char text[32];
     std::snprintf(text, sizeof(text), "%p", object);
     return text;
 }
 
-// A system family of the fonts at index 0 of the files, not loaded; "" for no locale.
+// A system family, not loaded, with the fonts at index 0 of the files; "" for no locale.
 inline Zvex::ZvFontFamily* makeFamily(const char* locale, const std::vector<const char*>& paths) {
     auto* family = new Zvex::ZvFontFamily;
     if (*locale != '\0') family->localeListId = minikin::registerLocaleList(locale);
@@ -90,7 +90,7 @@ struct Picture {
     int countVisible() const { return static_cast<int>(pixels.size()) - count(0); }
 };
 
-// A text object and the calls a caller makes to get a picture of it.
+// A text object, and the calls that make a picture of it.
 struct TextScene {
     Zvex::ZvTextObject object;
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// Eight threads, each with a text object of its own, side by side. Built with the thread sanitizer this
-// program must stay silent. ZVEX_TEST_SECONDS says how long the threads go on, one second if it does not.
+// Eight threads side by side, each with its own text object. Built with the thread sanitizer, this program
+// must report nothing. ZVEX_TEST_SECONDS sets how long the threads run; the default is one second.
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -25,7 +25,7 @@ namespace {
 
 constexpr int kThreads = 8;
 
-// Whether the threads go on.
+// Tells the threads when to stop.
 class Duration {
 public:
     bool passes() const { return std::chrono::steady_clock::now() < mEnd; }
@@ -39,7 +39,7 @@ private:
         std::chrono::steady_clock::now() + std::chrono::seconds(seconds());
 };
 
-// A thread's text, and the pictures that one thread alone makes of it in one style after the other.
+// A thread's text, and the pictures of it that one thread alone makes, one for each style.
 struct Job {
     std::unique_ptr<TextScene> scene;
     std::vector<Picture> expected;
@@ -100,7 +100,7 @@ TEST(TextThreads, MixedEffectsGiveThePicturesOfOneThread) {
     host::setGlyphCacheLimit(host::kDefaultGlyphCacheLimit);
 }
 
-// Exit handlers run while other threads go on making texts and rendering. In a process of its own.
+// Exit handlers run while other threads make texts and render. In a process of its own.
 TEST(TextThreadsDeathTest, TheProcessMayEndMeanwhile) {
     ::testing::FLAGS_gtest_death_test_style = "threadsafe";
     const auto endMeanwhile = [] {
@@ -124,8 +124,8 @@ TEST(TextThreadsDeathTest, TheProcessMayEndMeanwhile) {
     EXPECT_EXIT(endMeanwhile(), ::testing::ExitedWithCode(0), "");
 }
 
-// A process whose other threads have ended may fork, before and after it has rendered: locks are free, caches
-// and fonts are the child's own.
+// After its other threads have ended, a process may fork, before and after it has rendered: the child finds
+// no lock held and has its own caches and fonts.
 TEST(TextThreads, AForkedChildRendersOn) {
     const auto render = [] {
         OneLine scene(L"Fork \u0416", 28, 180, 50, 5, 36);

@@ -20,7 +20,7 @@ namespace {
 
 using Json = nlohmann::json;
 
-// Waits, at most ten seconds, for what other processes do.
+// Waits up to ten seconds for other processes.
 template <typename Condition>
 bool comesTrue(Condition condition) {
     const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
@@ -31,7 +31,7 @@ bool comesTrue(Condition condition) {
     return true;
 }
 
-// A batch under way: lines go in and results come out through pipes.
+// A running batch: lines go in and results come out through pipes.
 class Running {
 public:
     explicit Running(std::vector<std::string> arguments, int errors = -1) {
@@ -45,7 +45,7 @@ public:
             setpgid(0, 0);
             std::signal(SIGPIPE, SIG_DFL);
             std::signal(SIGINT, SIG_DFL);   // ignored where a script runs the tests in the background
-            std::signal(SIGCHLD, SIG_IGN);  // as some that start programs leave it
+            std::signal(SIGCHLD, SIG_IGN);  // as some launchers leave it
             dup2(in[0], 0);
             dup2(out[1], 1);
             if (errors >= 0) dup2(errors, 2);
@@ -71,7 +71,7 @@ public:
     void endInput() { close(std::exchange(input, -1)); }
     void closeOutput() { close(std::exchange(output, -1)); }
 
-    // The next result; null where none comes within ten seconds, or none any more.
+    // The next result; null if none comes within ten seconds or there are no more.
     Json next() {
         while (mRead.find('\n') == std::string::npos) {
             pollfd event = {output, POLLIN, 0};
@@ -86,7 +86,7 @@ public:
         return json;
     }
 
-    // Whether the batch has handled this signal: its handler resets itself.
+    // Whether the batch has handled this signal: its handler then resets itself.
     bool hasTaken(int number) const {
         return comesTrue([&] {
             const std::string status = slurp("/proc/" + std::to_string(process) + "/status");
@@ -97,7 +97,7 @@ public:
         });
     }
 
-    // Bytes of results that nobody has read.
+    // The number of unread bytes of results.
     int waiting() const {
         int bytes = 0;
         ioctl(output, FIONREAD, &bytes);
@@ -120,8 +120,8 @@ public:
         return std::vector<pid_t>(std::istream_iterator<pid_t>(children), {});
     }
 
-    // The first worker, as soon as there is one. Throws where none comes: whoever gave a number below 0 to
-    // kill would hit strangers.
+    // The first worker, once there is one. Throws if there is none: killing a negative number would hit other
+    // processes.
     pid_t worker() const {
         if (!comesTrue([&] { return !workers().empty(); })) throw std::runtime_error("no worker");
         return workers().at(0);
@@ -162,12 +162,12 @@ protected:
         return results;
     }
 
-    // A pipe without a writer: a line that reads its text from it goes on until somebody opens it.
+    // A pipe without a writer: a line that reads its text from it is busy until somebody opens it.
     std::string slowLine() const {
         mkfifo(file("slow").c_str(), 0600);
         return "{\"text-file\":\"" + file("slow").string() + "\"}\n";
     }
-    // Until the descriptor returned is closed, a worker is in the midst of it.
+    // A worker is busy with it until the returned descriptor is closed.
     int holdSlowLine() const {
         int end = -1;
         const auto isRead = [&] {
@@ -186,7 +186,7 @@ TEST_F(BatchCommand, LinesAreThePicturesOfRenderInTheirOrder) {
     const std::string longName = std::string(251, 'l') + ".png", defaults = " -s 24 --stroke 2:#0f0";
     write("dash", "-");
     const struct {
-        std::string json, path, options;  // of render; none: the line is wrong
+        std::string json, path, options;  // of render; none: the line is invalid
     } lines[] = {
         {R"({"text":"One","size":40})", "1.png", "One -s 40 --stroke 2:#0f0"},
         {"not json", "", ""},
@@ -227,7 +227,7 @@ TEST_F(BatchCommand, LinesAreThePicturesOfRenderInTheirOrder) {
     EXPECT_GT(readPng(outside).ink(), 0u);
 }
 
-// After each number of results, so behind each kind of step.
+// Kills it after each number of results, and so after each kind of step.
 TEST_F(BatchCommand, KilledItLeavesWholePicturesAndResumesTheRest) {
     constexpr size_t kLines = 12;
     std::string lines;
@@ -268,7 +268,7 @@ TEST_F(BatchCommand, KilledItLeavesWholePicturesAndResumesTheRest) {
     EXPECT_TRUE(fs::exists(folder() / "7.png.backup"));
 }
 
-// What is not the line's own picture any more is made again, the rest is left.
+// Pictures that are no longer the line's own are made again; the others are kept.
 TEST_F(BatchCommand, ResumingMakesAgainWhatChanged) {
     const auto remade = [&](const std::string& lines, const std::string& more = "") {
         std::string numbers;
@@ -348,7 +348,7 @@ TEST_F(BatchCommand, ADeadWorkerCostsItsLineAlone) {
     kill(running.worker(), SIGKILL);
     EXPECT_EQ(error(running.next()), "the worker process died, killed: Killed");
     EXPECT_GT(running.next().value("width", 0), 0);
-    // One that dies between two lines costs nothing.
+    // A worker that dies between two lines costs nothing.
     const pid_t idle = running.worker();
     kill(idle, SIGKILL);
     EXPECT_TRUE(Running::ends(idle));
@@ -357,7 +357,7 @@ TEST_F(BatchCommand, ADeadWorkerCostsItsLineAlone) {
     running.endInput();
     EXPECT_EQ(running.next(), nullptr);
     EXPECT_EQ(running.wait(), 1 << 8);
-    // A worker in the midst of a line does not outlive its batch.
+    // A worker that is busy with a line does not outlive its batch.
     Running killed(arguments());
     killed.put(slowLine());
     const int held = holdSlowLine();
@@ -377,7 +377,7 @@ TEST_F(BatchCommand, AnOutputOrAnInputThatFailsEndsItAfterTheLinesUnderWay) {
         EXPECT_EQ(std::system((command + rest).c_str()), 1 << 8) << rest;
         EXPECT_NE(slurp(file("errors")).find("zvtext: " + message), std::string::npos) << rest;
     };
-    // The streams' numbers are not given to other files.
+    // Other files must not get the numbers of closed streams.
     for (const char* streams : {" >/dev/full", " >&-", " <&- >&-"}) {
         fails(lines + streams, "cannot write to standard output: ");
         EXPECT_GT(readPng(folder() / "1.png").ink(), 0u);
@@ -387,9 +387,8 @@ TEST_F(BatchCommand, AnOutputOrAnInputThatFailsEndsItAfterTheLinesUnderWay) {
     fails(" <&-", "FILE: cannot read: ");
     fails("/proc/self/mem", "FILE: cannot read: ");
 
-#ifndef ZVTEXT_SANITIZED  // whose debug lines fill the file of the errors
-    // Where the journal finds no room in its file, the pictures are there, and what follows on it is
-    // whole.
+#ifndef ZVTEXT_SANITIZED  // its debug lines fill the file of errors
+    // If the disk is full for the journal, the pictures exist and what follows the journal is complete.
     std::string many;
     for (int i = 0; i < 20; ++i) many += "{\"text\":\"i\",\"size\":8}\n";
     const std::string all = write("lines", many);
@@ -431,7 +430,7 @@ TEST_F(BatchCommand, ResultsComeWithTheirLinesAndSignalsLetThemFinish) {
 
 TEST_F(BatchCommand, AReaderThatStopsReadingDoesNotKeepItFromEnding) {
     Running running(arguments());
-    fcntl(running.output, F_SETPIPE_SZ, 4096);  // full with the first of the results
+    fcntl(running.output, F_SETPIPE_SZ, 4096);  // full with the first results
     std::string lines;
     for (int i = 0; i < 2000; ++i) lines += "{}\n";
     running.put(lines);
@@ -469,7 +468,7 @@ TEST_F(BatchCommand, AClosedOutputEndsItQuietly) {
 
 TEST_F(BatchCommand, TenThousandLinesBehindASlowOneTakeBoundedMemory) {
     constexpr size_t kLines = 10'000;
-    // Long results: the reader quotes what it cannot read.
+    // Long results, because the reader quotes what it cannot read.
     const std::string bad = "{\"text\":\"" + std::string(1500, 'x') + "\n";
     std::atomic<size_t> sent = 1;
     Running running(arguments("--jobs 2"));
@@ -478,7 +477,7 @@ TEST_F(BatchCommand, TenThousandLinesBehindASlowOneTakeBoundedMemory) {
         for (; sent < kLines; ++sent) running.put(sent % 32 == 0 ? "{\"text\":\"i\",\"size\":8}\n" : bad);
         running.endInput();
     });
-    // By now it waits, whatever still comes: the feeder's pipe is full.
+    // By now it waits, whatever comes next: the feeder's pipe is full.
     pollfd room = {running.input, POLLOUT, 0};
     EXPECT_TRUE(comesTrue([&] { return sent > 1000 && poll(&room, 1, 200) == 0; }));
     EXPECT_LT(sent, 2000u);

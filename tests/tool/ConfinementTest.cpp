@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// Files that styles and lines of a batch name, and the folders they may lie in.
+// The files that styles and batch lines name, and the folders that they may be in.
 #include <atomic>
 #include <thread>
 
@@ -46,7 +46,7 @@ protected:
         return zvtext("render x -f $FONT -s 8 -o $DIR/x.png " + options).status;
     }
 
-    // The error of each line's result; empty: a picture.
+    // The error of each line's result; empty for a picture.
     std::vector<std::string> batch(const std::vector<Json>& lines, const std::string& options) const {
         std::string text;
         for (const Json& line : lines) text += line.dump() + "\n";
@@ -89,7 +89,7 @@ TEST_F(Confinement, AStyleFileNamesFilesInItsFolderAndBelow) {
     write("in/style.json", styleOf("../secret/tile.png"));
     EXPECT_EQ(render(style + "--allow-read $DIR/secret/deep"), 2) << "no such folder";
     EXPECT_EQ(render(style + "--allow-read $DIR/inner"), 1);
-    // What the command line says itself is its own affair.
+    // Names on the command line itself are not confined.
     EXPECT_EQ(render("--style '" + styleOf(file("secret/tile.png")) + "'"), 0);
     EXPECT_EQ(render("--pattern $DIR/secret/tile.png"), 0);
 }
@@ -117,7 +117,7 @@ TEST_F(Confinement, ALineNamesFilesBesideTheLinesAndBelow) {
         }
     };
     expect("", false);
-    // Pictures made with leave are not left without it.
+    // Pictures made with permission are not kept without it.
     expect("--allow-read $DIR --resume", true);
     expect("--resume", false);
     expect("--allow-read-anywhere --resume", true);
@@ -160,7 +160,7 @@ TEST_F(Confinement, LinksDoNotLeadALinesFilesOutOfTheOutputFolder) {
         EXPECT_EQ(batch({lines[i]}, "--allow-outside")[0] != "", nowhere) << lines[i];
     }
     EXPECT_EQ(slurp(file("secret/text")).substr(1, 3), "PNG");
-    // One file by two names is of one line alone.
+    // A file with two names belongs to one line only.
     fs::create_directory_symlink("sub", file("out/again"));
     const std::vector<std::string> twice =
         batch({{{"text", "x"}, {"output", "sub/new.png"}},
@@ -171,7 +171,7 @@ TEST_F(Confinement, LinksDoNotLeadALinesFilesOutOfTheOutputFolder) {
     for (const size_t i : {1, 2}) {
         EXPECT_NE(twice[i].find("is the output of an earlier line"), std::string::npos) << twice[i];
     }
-    // The journal is the folder's own file.
+    // The journal must be a file in the folder.
     for (const char* target : {"/dev/zero", "../secret/journal"}) {
         fs::remove(file("out/.zvtext-batch"));
         fs::create_symlink(target, file("out/.zvtext-batch"));
@@ -182,7 +182,7 @@ TEST_F(Confinement, LinksDoNotLeadALinesFilesOutOfTheOutputFolder) {
     EXPECT_FALSE(fs::exists(file("secret/journal")));
 }
 
-// A folder that changes places with a link to another, as fast as it goes, while a file in it is read.
+// While a file is read, its folder and a link to another folder swap places again and again.
 TEST_F(Confinement, WhatIsReadIsWhatWasChecked) {
     write("in/deep/text", "open");
     write("secret/text", "secret");

@@ -20,7 +20,7 @@
 
 namespace {
 
-// Where a call says its file: a descriptor, a path, or a descriptor of a folder and a path in it.
+// How a call names its file: by a descriptor, a path, or a descriptor of a folder and a path in it.
 struct Call {
     int number;
     const char* name;
@@ -45,7 +45,7 @@ constexpr Call kCalls[] = {
 #endif
 };
 
-// In the child: from now on these calls wait for whoever listens on the descriptor returned.
+// Called in the child: from now on these calls wait for the listener at the returned descriptor.
 int listen() {
     std::vector<sock_filter> program = {BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr))};
     for (const Call& call : kCalls) {
@@ -96,7 +96,7 @@ public:
     Listener(std::string folder, int number, Fails how)
         : mFolder(std::move(folder)), mNumber(number), mHow(how) {}
 
-    // Answers until no process is left that could ask.
+    // Answers until no process is left that could call.
     void answer(int listener, FailedCall& result) const {
         for (;;) {
             pollfd event = {listener, POLLIN, 0};
@@ -139,7 +139,7 @@ FailedCall runWithFailingCall(const std::string& folder, int number, Fails how,
     if (pipe2(told, O_CLOEXEC) != 0) return result;
     const pid_t child = fork();
     if (child == 0) {
-        // The number that the listener will have: once it is there, nothing can be told any more.
+        // The number that the listener will get: once it exists, the child can report nothing.
         const int next = dup(told[1]);
         close(next);
         if (write(told[1], &next, sizeof next) != sizeof next) _exit(127);

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// Every call on a file fails in turn: a clear error or the right picture, and nothing half done.
+// Makes every call on a file fail in turn: there must be a clear error or the right picture, and nothing half
+// done.
 #include <csignal>
 #include <map>
 #include <memory>
@@ -36,14 +37,14 @@ protected:
         return words(line + " --font $DIR/font.ttf --no-fallback --style $DIR/style.json");
     }
 
-    // The program's files as they are now.
+    // The current content of the program's files.
     Files found(const std::vector<std::string>& names) const {
         Files files;
         for (const std::string& name : names) files[name] = slurp(file(name));
         return files;
     }
 
-    // No call fails at first, then each. `outputs` are there before, with another content.
+    // First no call fails, then each in turn. The `outputs` exist before, with other content.
     void failEach(const std::vector<std::string>& words, const std::vector<std::string>& outputs,
                   const std::vector<std::string>& toResume = {}, int stride = 1) const {
         const auto prepare = [&] {
@@ -61,7 +62,7 @@ protected:
                 const FailedCall failed =
                     runWithFailingCall(mFolder, number, how, [&] { return become(words); });
                 if (!failed.supported) GTEST_SKIP() << "no such filters here";
-                // A list that ends early is a shorter list.
+                // A list that ends early is just a shorter list.
                 if (how == Fails::AsEnd && failed.name == "read, " + file("lines").string()) continue;
                 SCOPED_TRACE(words[0] + ", call " + std::to_string(number) + ": " + failed.name);
                 EXPECT_TRUE(!failed.name.empty() || failed.status == 0);
@@ -107,8 +108,8 @@ TEST_F(FailingFiles, ABatchGivesAnErrorOrThePictureAndGoesOn) {
     failEach(resumed, {"out/b.png", "out/b.json", "out/d/c.webp"}, resumed);
 }
 
-// What a gallery writes is much, with the same few calls for each file: a stride that divides none of their
-// numbers meets each kind.
+// A gallery makes many calls, the same few for each file. A stride that divides none of their numbers hits
+// each kind.
 TEST_F(FailingFiles, AGalleryLeavesNothingHalfDone) {
     failEach(words("gallery $DIR/out --only stroke --font-dir /usr/share/fonts/truetype/dejavu"),
              {"out/index.html"}, {}, 17);
@@ -135,7 +136,7 @@ TEST_F(FailingFiles, TheLibraryReadsAWholeFontOrNone) {
     }
 }
 
-// As a disk that is full, in the midst of a file.
+// Like a disk that fills up in the middle of a file.
 TEST_F(FailingFiles, AFileThatMayNotGrowIsNotLeft) {
     if (kSanitized) GTEST_SKIP() << "whose debug lines fill the file of the errors";
     rlimit before;

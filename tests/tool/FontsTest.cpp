@@ -14,7 +14,7 @@ protected:
         return bytes("'" + text + "' -s 64 -f " + font);
     }
 
-    // fontconfig knows what this says, until the end.
+    // Sets fontconfig's configuration until the end.
     void configure(const std::string& content) const {
         write("fonts.conf", "<fontconfig>" + content + "</fontconfig>");
         setenv("FONTCONFIG_FILE", file("fonts.conf").c_str(), 1);
@@ -22,10 +22,10 @@ protected:
     ~Fonts() override { unsetenv("FONTCONFIG_FILE"); }
 };
 
-// A worker renders many lines: each has its own fonts, as if it were rendered alone.
+// A worker renders many lines; each has its own fonts, as if it were rendered alone.
 TEST_F(Fonts, LinesOfABatchShareFontsAndKeepThemApart) {
     fs::create_directories(file("system/fonts"));
-    const std::string roboto = file("system/fonts/Roboto-Bold.ttf");  // the library has another use for it
+    const std::string roboto = file("system/fonts/Roboto-Bold.ttf");  // treated differently by the library
     fs::create_symlink(kFont, roboto);
     const std::vector<std::vector<std::string>> lines = {
         {"H世", "Inter:bold"},
@@ -66,16 +66,16 @@ TEST_F(Fonts, ReportsOfThemAndOfTexts) {
         for (; bytes > 0; --bytes) value = value << 8 | static_cast<unsigned char>(odd[at++]);
         return value;
     };
-    // A character map that goes beyond Unicode: format 10, U+10FFF0 and 32 characters.
+    // A character map that extends beyond Unicode: format 10, U+10FFF0 and 32 characters.
     const std::string map("\0\0\0\1\0\3\0\12\0\0\0\14\0\12\0\0\0\0\0\124\0\0\0\0\0\20\xFF\xF0\0\0\0\40", 32);
     odd.replace(number(odd.find("cmap") + 8, 4), 96, map + std::string(64, '\5'));
-    // Names in Japanese alone: its numbers on the Macintosh and on Windows.
+    // Names only in Japanese: its numbers on the Macintosh and on Windows.
     const size_t names = number(odd.find("name") + 8, 4);
     for (size_t at = names + 6, last = at + 12 * number(names + 2, 2); at < last; at += 12) {
         odd.replace(at + 4, 2, number(at, 2) == 1 ? std::string("\0\13", 2) : "\4\21");
     }
     odd.replace(number(odd.find("hhea") + 8, 4) + 8, 2, std::string("\10\0", 2));  // a line gap of one em
-    odd.replace(odd.find("OS/2"), 4, "OS/3");                                      // not there
+    odd.replace(odd.find("OS/2"), 4, "OS/3");                                      // no such table
     write("odd.ttf", odd);
     for (const Row& row : rows("answers", "reports")) {
         const size_t at = row.input.rfind(" /");
@@ -102,7 +102,7 @@ TEST_F(Fonts, NamesOfFilesWinAndTheSystemMayHaveNone) {
 }
 
 TEST_F(Fonts, TheSystemsFontsServeWhatTheGivenOnesLack) {
-    // Whatever else is installed.
+    // Independent of the other installed fonts.
     std::string accepted;
     for (const char* name :
          {"truetype/dejavu/DejaVuSans.ttf", "truetype/dejavu/DejaVuSerif.ttf", "truetype/noto/NotoSans-*.ttf",
@@ -123,10 +123,10 @@ TEST_F(Fonts, TheSystemsFontsServeWhatTheGivenOnesLack) {
         EXPECT_EQ(slurp(file("x.png")), slurp(file("served.png"))) << "whatever the user's language is";
     }
     unsetenv("LANG");
-    // The bold font that stands behind a bold one is not widened.
+    // A bold fallback of a bold font is not widened.
     EXPECT_EQ(drawn("骨", "$FONT --trim"), drawn("骨", "'Noto Sans CJK SC:bold' --trim"));
 
-    // The fonts that serve a text beside --font; those that two share are taken once.
+    // The fonts chosen for a text besides --font; a font that two characters share is used once.
     for (const Row& row : rows("answers", "fonts")) {
         std::string list;
         const Json facts = report("inspect text -f " + row.input);

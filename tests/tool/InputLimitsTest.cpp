@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
-// Files that are too large are refused before they take memory or time.
+// Files that are too large are refused before they use memory or time.
 #include "tests/scene/PngBytes.h"
 #include "tests/tool/Program.h"
 
 namespace {
 
-// One with transparency of `rows` bytes, all zero, behind `extras`.
+// A PNG with transparency of `rows` bytes, all zero, after `extras`.
 std::string png(size_t width, size_t height, const std::string& extras, size_t rows,
                 bool interlaced = false) {
     return pngOf(width, height, 8, 6, interlaced, extras, std::string(rows, '\0'));
@@ -13,7 +13,7 @@ std::string png(size_t width, size_t height, const std::string& extras, size_t r
 
 class InputLimits : public Program {
 protected:
-    // The program's last words; all of it within some megabytes.
+    // The program's error, which must need only some megabytes.
     std::string refusal(const std::string& line) const {
         const Result result = zvtext("render -o $DIR/x.png " + line);
         EXPECT_TRUE(kSanitized || result.peakMegabytes < 60) << line;

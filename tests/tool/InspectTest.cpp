@@ -30,10 +30,10 @@ TEST_F(InspectStyle, SaysMarginsAndLayersFromTheTopmost) {
         << words;
 }
 
-// The estimate is for text that fills the picture, and rather too high than too low.
+// The estimate is for text that fills the picture; it may be too high rather than too low.
 TEST_F(InspectStyle, EstimatesTheMemoryThatARenderTakes) {
     if (kSanitized) GTEST_SKIP() << "the sanitizers' own memory is counted too";
-    malloc_trim(0);  // a child's peak begins with what this process holds
+    malloc_trim(0);  // a child's peak starts with what this process holds
     size_t pages = 0, resident = 0;
     std::ifstream("/proc/self/statm") >> pages >> resident;
     const double program = zvtext("render x -f $FONT -o $DIR/x.rgba").peakMegabytes;
@@ -50,7 +50,7 @@ TEST_F(InspectStyle, EstimatesTheMemoryThatARenderTakes) {
     }
 }
 
-// The lines are those of the picture, and the system's fonts serve what is left, as they do there.
+// The lines are the picture's lines, and the system's fonts draw the remaining characters, as in the picture.
 TEST_F(InspectText, TakesACommandLineOfRender) {
     const std::string scene =
         "'one two three four five six seven eight nine ten eleven twelve \u4e16 three' -f $FONT --width 220 "

@@ -24,7 +24,7 @@ uint32_t argbAt(const Image& image, size_t x, size_t y) {
     return uint32_t{p[3]} << 24 | p[0] << 16 | p[1] << 8 | p[2];
 }
 
-// The same bytes, wherever the view puts the text; and a canvas that shows nothing changes nothing.
+// The bytes do not depend on the view's position of the text, and an invisible canvas changes nothing.
 TEST_F(Layers, ALayerAloneIsTheStyleItself) {
     const std::vector<std::string> views[] = {
         {}, {"--width", "300", "--height", "120", "--padding", "9,5", "--align", "center"}};
@@ -43,8 +43,8 @@ TEST_F(Layers, ALayerAloneIsTheStyleItself) {
     }
 }
 
-// Three outlines on a canvas: the margins hold the widest, each shows where it should, and the moved one in
-// front of all is clipped to the next.
+// Three outlines on a canvas: the margins fit the widest, each shows where it should, and the moved one in
+// front is clipped to the next.
 TEST_F(Layers, StandInTheirOrderWithinTheirMargins) {
     const Image plain = render(R"({"color": "#fff"})");
     const Image image =

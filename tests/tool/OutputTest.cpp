@@ -12,7 +12,7 @@ namespace {
 
 using Json = nlohmann::json;
 
-using Output = Program;  // what render writes besides and instead of a plain PNG
+using Output = Program;  // what render writes in addition to a plain PNG or instead of it
 
 std::vector<uint8_t> bytesOf(const std::string& content) {
     return {content.begin(), content.end()};
@@ -33,13 +33,13 @@ Image readWebp(const std::string& content) {
     return image;
 }
 
-// The resolution that a PNG says it has, in pixels a metre both ways.
+// A PNG's resolution, in pixels a metre both ways.
 std::string physicalSize(const std::string& content) {
     const size_t at = content.find("pHYs");
     return at == std::string::npos ? "" : content.substr(at + 4, 9);
 }
 
-// Whether the box frames all that lies within the columns that it spans.
+// Whether the box frames everything within its columns.
 bool frames(const Image& image, const Json& box) {
     const unsigned left = box["left"], right = box["right"];
     unsigned top = image.height, bottom = 0;
@@ -131,7 +131,7 @@ TEST_F(Output, AFileThatIsReplacedKeepsItsMode) {
     }
 }
 
-// The metrics wait for a reader while the picture has its temporary name.
+// The metrics wait for a reader while the picture still has its temporary name.
 TEST_F(Output, ASignalLeavesNoTemporaryFile) {
     mkfifo(file("metrics").c_str(), 0600);
     const std::set<std::string> before = left();
@@ -200,12 +200,12 @@ TEST_F(Output, TrimmingCutsTheTransparentBorderAndNothingElse) {
     EXPECT_EQ(readPng(file("blank.png")).ink(), 0u);
 }
 
-// Every length of every effect, and nothing that is none, as the numbers given by hand.
+// Lengths of every effect scale, and nothing else does, as with the numbers scaled by hand.
 TEST_F(Output, ScaledIsWhatTheScaledNumbersMake) {
     bytes("Hi -f $FONT -s 10 --color #0a0");
     fs::rename(file("out.png"), file("tile.png"));
     const auto picture = [&](double factor, const std::string& scale) {
-        // Lengths stand in [].
+        // Lengths are written in [].
         std::string line =
             "'Scale it\ntwice' -f $FONT --letter-spacing 0.1 -s [40] --width [151] --height [131] "
             "--padding [3],[5],[7],[9] --outer-shadow angle=100,distance=[7],size=[5] "

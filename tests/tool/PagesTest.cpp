@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
-// What the program says of itself: help, shell completion.
+// The program's own pages: help, shell completion.
 #include "tests/tool/Program.h"
 
 namespace {
 
 class Pages : public Program {
 protected:
-    // What bash offers behind these words, the last of them unfinished.
+    // What bash offers after these words, the last of them unfinished.
     std::string completed(const std::string& words) const {
         write("zvtext.bash", zvtext("completion").out);
         write("complete.bash", "source ./zvtext.bash\nCOMP_WORDS=(zvtext " + words +
@@ -26,7 +26,7 @@ TEST_F(Pages, BashCompletes) {
     }
 }
 
-// All that each command's help names stands in the help of all, of which the manual page is made.
+// Everything in each command's help is also in the full help, from which the manual page is made.
 TEST_F(Pages, HelpHasExamplesAndTheHelpOfAllHasEverything) {
     const std::string all = zvtext("--help-all").out;
     std::stringstream commands(completed("''") + "inspect font|inspect style|inspect text");

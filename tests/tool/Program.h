@@ -30,14 +30,14 @@ inline const std::string kFont = "/usr/share/fonts/truetype/dejavu/DejaVuSans-Bo
 inline const std::string kCjk = "/usr/share/fonts/opentype/noto/NotoSansCJK-Regular.ttc";
 inline const std::string kInter = "/usr/share/fonts/truetype/inter-vf/Inter.var.ttf";
 
-// Of the sanitizers' own memory, lines and calls on files nothing can be said.
+// Memory, lines and calls of the sanitizers are unknown, so checks of these are left out.
 #ifdef ZVTEXT_SANITIZED
 constexpr bool kSanitized = true;
 #else
 constexpr bool kSanitized = false;
 #endif
 
-// In a child process: goes on as the program. Returns a status where that fails.
+// In a child process: becomes the program. Returns a status if that fails.
 inline int execute(const std::vector<std::string>& arguments) {
     std::vector<char*> argv = {const_cast<char*>(ZVTEXT_BINARY)};
     for (const std::string& argument : arguments) argv.push_back(const_cast<char*>(argument.c_str()));
@@ -49,7 +49,7 @@ inline int execute(const std::vector<std::string>& arguments) {
 struct Result {
     int status = -1;  // exit status; -1 when the program was killed
     std::string out, err;
-    double peakMegabytes = 0;  // of the memory it had at once
+    double peakMegabytes = 0;  // peak memory
     double seconds = 0;        // of the processor
 };
 
@@ -108,7 +108,7 @@ protected:
         return file(name);
     }
 
-    // With the names of the files that many tests use in place of $FONT and so on.
+    // Replaces $FONT and so on by the names of the files that many tests use.
     std::string expanded(std::string text) const {
         const std::pair<std::string, std::string> names[] = {{"$DIR", mFolder},
                                                              {"$FONT", kFont},
@@ -121,7 +121,7 @@ protected:
         return text;
     }
 
-    // A command line's words, parted by blanks; those in '' may hold some or be empty.
+    // A command line's words, separated by blanks; words in '' may contain blanks or be empty.
     std::vector<std::string> words(const std::string& line) const {
         std::vector<std::string> words;
         bool within = false, quoted = false;
@@ -135,7 +135,7 @@ protected:
         return words;
     }
 
-    // In a child process: goes on as the program, with its streams in the folder's files of their names.
+    // In a child process: becomes the program, with its streams in the folder's files of their names.
     int become(const std::vector<std::string>& arguments) const {
         dup2(open(file("stdin").c_str(), O_RDONLY), 0);
         dup2(open(file("stdout").c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600), 1);
@@ -170,7 +170,7 @@ protected:
         return nlohmann::json::parse(result.out, nullptr, false);
     }
 
-    // The bytes of the picture that render makes of the line.
+    // The bytes of the picture that render draws for the line.
     std::string bytes(const std::string& line, const std::string& input = "") const {
         const Result result = zvtext("render -o $DIR/out.png " + line, input);
         EXPECT_EQ(result.status, 0) << line << "\n" << result.err;
@@ -181,7 +181,8 @@ protected:
         return readPng(file("out.png"));
     }
 
-    // The run says one line that begins with `message`, prints nothing, and leaves the folder as it was.
+    // The run prints one error line that begins with `message` and nothing else, and leaves the folder
+    // unchanged.
     void expectRefused(const std::string& line, int status, const std::string& message) const {
         const auto before = left();
         const Result result = zvtext(line);
@@ -193,7 +194,7 @@ protected:
         EXPECT_EQ(left(), before) << line;
     }
 
-    // The folder's files besides those of the streams.
+    // The folder's files except those of the streams.
     std::set<std::string> left() const {
         std::set<std::string> names;
         for (const auto& entry : fs::directory_iterator(mFolder)) {
@@ -250,8 +251,8 @@ protected:
         return text;
     }
 
-    // Standard error without the lines that begin so. Builds with every log line compiled in write the
-    // library's debug lines there too; they go as well.
+    // Standard error without the lines that begin with `begin`. Builds with every log line compiled in also
+    // write the library's debug lines there; these are left out too.
     std::string errorsBut(const std::string& begin) const {
         std::stringstream errors(slurp(file("stderr")));
         std::string rest;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// What is refused, in refusals.txt: settings, styles (by the schema too), lines of a batch, command lines.
+// Tests refusals.txt: settings, styles (with the schema too), batch lines, command lines.
 #include <cmath>
 #include <nlohmann/json.hpp>
 #include <regex>
@@ -15,7 +15,7 @@ namespace {
 using Json = nlohmann::json;
 using Zvex::scene::refusal;
 
-// Validates against the keywords that the schema uses; another one is a failure of the test.
+// Validates with the keywords that the schema uses; any other keyword fails the test.
 class Validator {
 public:
     explicit Validator(const Json& schema) : mRoot(schema) {}
@@ -30,7 +30,7 @@ private:
         return true;
     }
 
-    // Of the schemas, or of the values.
+    // Counts accepted schemas, or values.
     size_t countAccepted(const Json& schemas, const Json& values) const {
         size_t count = 0;
         for (const Json& schema : schemas) {
@@ -117,7 +117,7 @@ TEST_F(Refusals, OfSettingsAndNoneOfGoodOnes) {
     }
 }
 
-// The schema takes what the program takes.
+// The schema accepts what the program accepts.
 TEST_F(Refusals, OfStyles) {
     const Json schema = Json::parse(slurp(fs::path(ZVTEXT_SOURCE) / "docs/style.schema.json"));
     EXPECT_EQ(Json::parse(Zvex::scene::styleSchema()), schema)

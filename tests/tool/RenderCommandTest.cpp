@@ -20,7 +20,8 @@ TEST_F(RenderCommand, DrawsTextInItsColourAndNamesTheFile) {
     for (size_t i = 0; i < image.rgba.size(); i += 4) {
         if (image.rgba[i + 3] == 0) continue;
         EXPECT_EQ(image.rgba[i], 0xFF);
-        // Straight colour whatever the coverage, as far as a byte of premultiplied colour could hold it.
+        // The straight colour, whatever the coverage, as exactly as a byte of premultiplied colour can hold
+        // it.
         EXPECT_NEAR(image.rgba[i + 1], 0x88, 1 + 256 / image.rgba[i + 3]);
         EXPECT_EQ(image.rgba[i + 2], 0);
         opaque += image.rgba[i + 3] == 255;
@@ -119,7 +120,7 @@ TEST_F(RenderCommand, APrintedStyleReadsBackToTheSamePicture) {
     write("style.json", printed);
     EXPECT_EQ(zvtext("render --print-style --style -", printed).out, printed);
     EXPECT_EQ(bytes(scene + style), bytes(scene + look));
-    // Other options win over the style wherever they stand; with --output, printing renders as well.
+    // Other options override the style, whatever their order; with --output, printing also renders.
     const std::string larger = bytes(scene + "-s 50 --print-style " + style);
     EXPECT_NE(slurp(file("stdout")).find("\"size\": 50,"), std::string::npos);
     EXPECT_EQ(bytes(scene + style + "-s 50"), larger);
@@ -147,7 +148,7 @@ TEST_F(RenderCommand, PresetsAreTheExampleStyles) {
         EXPECT_NE(large, effects("--preset " + name + " -s 48")) << name << " stays the same at every size";
     }
     EXPECT_EQ(count, std::distance(fs::directory_iterator(fs::path(ZVTEXT_SOURCE) / "examples/styles"), {}));
-    // In the order of the options: the stroke of sticker is replaced, and stays 40 pixels wide at any size.
+    // In the order of the options: the stroke of sticker is replaced and stays 40 pixels wide at any size.
     const std::string mixed = zvtext("render --preset sticker --stroke 40 --size 192 --print-style").out;
     EXPECT_NE(mixed.find("\"width\": 40"), std::string::npos) << mixed;
 }
