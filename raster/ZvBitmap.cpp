@@ -2,10 +2,9 @@
 #include "raster/ZvBitmap.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <cstring>
 
-#include "foundation/LargePages.h"
+#include "foundation/KeptMemory.h"
 #include "foundation/OutOfMemory.h"
 #include "raster/ZvRect.h"
 
@@ -23,9 +22,8 @@ size_t productOf(uint32_t width, uint32_t height, uint32_t bytesPerPixel) {
 
 uint8_t* unset(size_t count) {
     if (count == 0) return nullptr;
-    void* memory = std::malloc(count);
+    void* memory = takeMemory(count);
     if (memory == nullptr) markOutOfMemory();
-    preferLargePages(memory, count);
     return static_cast<uint8_t*>(memory);
 }
 
@@ -38,9 +36,8 @@ uint8_t* copyOf(const uint8_t* bytes, size_t count) {
 
 uint8_t* zeros(size_t count) {
     if (count == 0) return nullptr;
-    void* memory = std::calloc(count, 1);
+    void* memory = takeZeroedMemory(count);
     if (memory == nullptr) markOutOfMemory();
-    preferLargePages(memory, count);  // before the memory is touched
     return static_cast<uint8_t*>(memory);
 }
 
@@ -103,7 +100,7 @@ ZvBitmap::ZvBitmap(const ZvBitmap& source, const ZvRect* rect)
 
 ZvBitmap& ZvBitmap::operator=(const ZvBitmap& other) {
     if (this == &other) return *this;
-    std::free(pixels);
+    giveMemory(pixels);
     width = other.width;
     height = other.height;
     format = other.format;
@@ -113,7 +110,7 @@ ZvBitmap& ZvBitmap::operator=(const ZvBitmap& other) {
 }
 
 ZvBitmap::~ZvBitmap() {
-    std::free(pixels);
+    giveMemory(pixels);
 }
 
 }  // namespace Zvex

@@ -12,7 +12,6 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
 #include <memory>
 #include <utility>
@@ -22,6 +21,7 @@
 #include "effect/kernels/Buffer.h"
 #include "effect/kernels/Coverage.h"
 #include "effect/kernels/Dilation.h"
+#include "foundation/KeptMemory.h"
 #include "foundation/OutOfMemory.h"
 #include "raster/Rects.h"
 #include "raster/ZvBitmap.h"
@@ -177,7 +177,7 @@ int makeCircleKernel(unsigned char** kernel, float radius) {
     const int r = roundSize(radius);
     const int64_t size = 2 * int64_t{r} + 1;
     if (r < 0 || size > INT_MAX / size) return 0;
-    unsigned char* cells = static_cast<unsigned char*>(std::malloc(static_cast<size_t>(size * size)));
+    unsigned char* cells = static_cast<unsigned char*>(takeMemory(static_cast<size_t>(size * size)));
     if (cells == nullptr) {
         markOutOfMemory();
         return 0;

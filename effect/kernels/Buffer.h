@@ -4,12 +4,11 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <initializer_list>
 #include <memory>
 #include <type_traits>
 
-#include "foundation/LargePages.h"
+#include "foundation/KeptMemory.h"
 #include "foundation/OutOfMemory.h"
 
 namespace Zvex {
@@ -28,15 +27,13 @@ public:
     // false and holds nothing on failure.
     bool allocate(int64_t rows, int64_t columns = 1, int64_t planes = 1) {
         const size_t bytes = reserve(rows, columns, planes);
-        if (bytes != 0) mData.reset(static_cast<T*>(std::malloc(bytes)));
-        preferLargePages(mData.get(), bytes);
+        mData.reset(static_cast<T*>(takeMemory(bytes)));
         if (mData == nullptr) markOutOfMemory();
         return mData != nullptr;
     }
     bool allocateZeroed(int64_t rows, int64_t columns = 1, int64_t planes = 1) {
         const size_t bytes = reserve(rows, columns, planes);
-        if (bytes != 0) mData.reset(static_cast<T*>(std::calloc(bytes, 1)));
-        preferLargePages(mData.get(), bytes);
+        mData.reset(static_cast<T*>(takeZeroedMemory(bytes)));
         if (mData == nullptr) markOutOfMemory();
         return mData != nullptr;
     }
@@ -49,7 +46,7 @@ public:
 
 private:
     struct Free {
-        void operator()(T* data) const { std::free(data); }
+        void operator()(T* data) const { giveMemory(data); }
     };
 
     // The size in bytes, or 0 if it is refused. Sizes above half the address space are refused, so that
