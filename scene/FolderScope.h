@@ -44,6 +44,12 @@ public:
 
     bool isAnywhere() const { return mAnywhere; }
 
+    // Whether both hold the same.
+    bool operator==(const FolderScope& other) const {
+        return mAnywhere == other.mAnywhere && mFolders == other.mFolders &&
+               mQuietFolders == other.mQuietFolders;
+    }
+
     // Whether the path, without links and dots, is one of the folders or below one.
     bool holds(const std::string& resolved) const;
     // The same of what the descriptor is open on.

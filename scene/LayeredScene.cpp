@@ -6,7 +6,7 @@
 #include "scene/LayeredScene.h"
 
 #include <algorithm>
-#include <cstring>
+#include <cmath>
 
 #include "effect/Canvas.h"
 #include "effect/LayerJoin.h"
@@ -36,12 +36,6 @@ ZvRect clipOf(const ZvView& view) {
     throw Failure("TEXT: not enough memory for the picture");
 }
 
-ZvBitmap emptyPicture(int width, int height) {
-    ZvBitmap picture(static_cast<unsigned>(width), static_cast<unsigned>(height), 4);
-    if (picture.pixels == nullptr) refuseForMemory();
-    return picture;
-}
-
 void fillGround(const Canvas& canvas, ZvBitmap& picture) {
     if (const auto* color = std::get_if<uint32_t>(&canvas.fill)) {
         Zvex::fillCanvas(&picture, *color);
@@ -53,6 +47,11 @@ void fillGround(const Canvas& canvas, ZvBitmap& picture) {
 }
 
 }  // namespace
+
+uint32_t withOpacity(uint32_t color, double opacity) {
+    const auto alpha = static_cast<uint32_t>(std::lround((color >> 24) * opacity));
+    return alpha << 24 | (color & 0xFFFFFF);
+}
 
 LayerStacks::LayerStacks(const Style& style) {
     for (auto settings = style.layers.rbegin(); settings != style.layers.rend(); ++settings) {
@@ -87,10 +86,10 @@ LayeredScene::LayeredScene(const Style& style, Zvex::ZvTextObject& object)
     object.SetBackgroundColor(style.background.value_or(0), style.background.has_value());
 }
 
-Picture LayeredScene::render(int width, int height) {
-    const uint32_t* words = mObject.RenderTextEffect(width, height);
-    ZvBitmap picture = emptyPicture(width, height);
-    if (words == nullptr) refuseForMemory();
+void LayeredScene::render(ZvBitmap& picture) {
+    const uint32_t* words =
+        mObject.RenderTextEffect(static_cast<int>(picture.width), static_cast<int>(picture.height));
+    if (words == nullptr || picture.pixels == nullptr) refuseForMemory();
     if (mStyle.canvas) fillGround(*mStyle.canvas, picture);
     if (mStyle.background) {
         const ZvBitmap background(picture.width, picture.height,
@@ -103,12 +102,6 @@ Picture LayeredScene::render(int width, int height) {
                               clipOf(*mObject.GetView()), static_cast<float>(mStyle.opacity))) {
         refuseForMemory();
     }
-    Picture result;
-    result.width = width;
-    result.height = height;
-    result.pixels.resize(picture.byteCount() / 4);
-    std::memcpy(result.pixels.data(), picture.pixels, picture.byteCount());
-    return result;
 }
 
 }  // namespace Zvex::scene

@@ -2,12 +2,13 @@
 #ifndef ZVEX_SCENE_LAYEREDSCENE_H_
 #define ZVEX_SCENE_LAYEREDSCENE_H_
 
+#include <cstdint>
 #include <memory>
 #include <vector>
 
 #include "effect/TextLayers.h"
 #include "effect/ZvEffect.h"
-#include "scene/Picture.h"
+#include "raster/ZvBitmap.h"
 #include "scene/Style.h"
 #include "text/ZvTextObject.h"
 
@@ -24,6 +25,9 @@ private:
     void add(const Look& look, uint32_t color);
 };
 
+// The colour with its alpha times the opacity.
+uint32_t withOpacity(uint32_t color, double opacity);
+
 // What draws a style with layers, or with a canvas.
 class LayeredScene {
 public:
@@ -33,8 +37,9 @@ public:
     // style must stay. Throws Failure.
     LayeredScene(const Style& style, Zvex::ZvTextObject& object);
 
-    // The object's lines and view are made. Throws Failure when memory is short.
-    Picture render(int width, int height);
+    // The object's lines and view are made. `picture` is transparent, 4 bytes a pixel, and becomes straight
+    // words 0xAARRGGBB. Throws Failure when memory is short.
+    void render(Zvex::ZvBitmap& picture);
 
 private:
     const Style& mStyle;

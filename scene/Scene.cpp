@@ -1,224 +1,35 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "scene/Scene.h"
 
-#include <algorithm>
-#include <cmath>
 #include <cstdio>
-#include <functional>
-#include <optional>
+#include <memory>
+#include <new>
 
 #include "effect/ZvEffect.h"
-#include "foundation/List.h"
-#include "foundation/OutOfMemory.h"
-#include "scene/Failure.h"
+#include "scene/Effects.h"
 #include "scene/LayeredScene.h"
+#include "scene/Renderer.h"
 #include "scene/SceneCheck.h"
-#include "scene/SceneFonts.h"
-#include "scene/SceneLayout.h"
-#include "text/LinePlacement.h"
-#include "text/ZvFontDrawing.h"
-#include "text/ZvTextObject.h"
-#include "text/ZvView.h"
 
 namespace Zvex::scene {
 
-namespace {
-
-using Zvex::List;
-using Zvex::ZvEffect;
-using Zvex::ZvLineInfo;
-using Zvex::ZvTextObject;
-using Zvex::ZvView;
-
-int gravityBits(const Scene& scene) {
-    static constexpr int kHorizontal[] = {0x3, 0x1, 0x5};   // left, center, right
-    static constexpr int kVertical[] = {0x30, 0x10, 0x50};  // top, center, bottom
-    return kHorizontal[static_cast<int>(scene.align)] | kVertical[static_cast<int>(scene.gravity)];
-}
-
-uint32_t withOpacity(uint32_t color, double opacity) {
-    const auto alpha = static_cast<uint32_t>(std::lround((color >> 24) * opacity));
-    return alpha << 24 | (color & 0xFFFFFF);
-}
-
-void alignLines(std::vector<Zvex::LaidOutLine>& lines, Scene::Align align, int innerWidth) {
-    for (Zvex::LaidOutLine& line : lines) {
-        const float room = static_cast<float>(innerWidth) - line.width;
-        if (align == Scene::Align::Center) line.left = std::floor(room / 2);
-        if (align == Scene::Align::Right) line.left = room;
-    }
-}
-
-// A scene's lines in its view, and the size of the picture: the view's and the margins of the effects.
-struct PlacedScene {
-    int width = 0, height = 0;
-    Margins margins;
-    size_t first = 0;               // of the text's lines, that which shows first
-    std::vector<ZvLineInfo> lines;  // those that show
-};
-
-// Sets up the object's view, whose effects are added.
-PlacedScene placeScene(ZvTextObject& object, const Scene& scene, std::vector<Zvex::LaidOutLine> lines) {
-    PlacedScene placed;
-    const size_t shown = scene.maxLines > 0
-                             ? std::min<size_t>(lines.size(), static_cast<size_t>(scene.maxLines))
-                             : lines.size();
-    // Under a line limit, bottom gravity shows the last lines and any other the first.
-    placed.first = scene.gravity == Scene::Gravity::Bottom ? lines.size() - shown : 0;
-    const int linesHeight = lines[placed.first + shown - 1].bottom - lines[placed.first].top;
-    float widest = 1;
-    for (const Zvex::LaidOutLine& line : lines) widest = std::max(widest, line.width);
-    const int wrapWidth = wrapWidthOf(scene);
-    const int innerWidth = wrapWidth > 0 ? wrapWidth : static_cast<int>(std::ceil(widest));
-    alignLines(lines, scene.align, innerWidth);
-
-    ZvView& view = *object.GetView();
-    ZvEffect& effect = *object.GetEffect();
-    const Padding& pad = scene.padding;
-    const int64_t viewWidth = int64_t{innerWidth} + pad.left + pad.right;
-    const int64_t viewHeight =
-        scene.height > 0 ? scene.height : int64_t{std::max(linesHeight, 1)} + pad.top + pad.bottom;
-    placed.margins = {effect.getLeftOffset(), effect.getTopOffset(), effect.getRightOffset(),
-                      effect.getBottomOffset()};
-    const int64_t width = viewWidth + placed.margins.left + placed.margins.right;
-    const int64_t height = viewHeight + placed.margins.top + placed.margins.bottom;
-    // A picture for each layer, beside the one they are joined on.
-    const auto pictures = static_cast<int64_t>(std::max<size_t>(scene.style.layers.size(), 1));
-    const int64_t side = std::min(scene.limits.side, kMaxSide);
-    const int64_t most = std::min(scene.limits.pixels, 3 * kMaxPixels / pictures);
-    if (width > side || height > side || width * height > most) {
-        throw UsageError(std::string(scene.width > 0 ? "--width" : "--size") + ": the picture would be " +
-                         std::to_string(width) + " x " + std::to_string(height) + " pixels; at most " +
-                         std::to_string(side) + " a side and " + std::to_string(most) + " in all");
-    }
-    placed.width = static_cast<int>(width);
-    placed.height = static_cast<int>(height);
-    view.gravity = gravityBits(scene);
-    view.maxLines = static_cast<int>(shown);
-    view.SetSize(static_cast<int>(viewWidth), static_cast<int>(viewHeight));
-    view.SetPadding(pad.left, pad.top, pad.right, pad.bottom);
-    view.SetBitmapWidth(placed.width);
-    view.SetBitmapHeight(placed.height);
-    placed.lines = Zvex::placeLines(view, lines.data(), static_cast<int>(lines.size()));
-    return placed;
-}
-
-// `glyphs` are those of the first line placed.
-std::vector<LineMetrics> measureLines(const std::vector<ZvLineInfo>& placed,
-                                      const std::vector<LineGlyph>* glyphs, const Margins& margins,
-                                      const std::string& text) {
-    const std::vector<uint32_t> offsets = byteOffsets(text);
-    const auto offsetOf = [&](size_t unit) { return offsets[std::min(unit, offsets.size() - 1)]; };
-    std::vector<LineMetrics> lines;
-    for (const ZvLineInfo& info : placed) {
-        LineMetrics& line = lines.emplace_back();
-        line.start = offsetOf(static_cast<size_t>(info.start));
-        line.end = offsetOf(static_cast<size_t>(info.end));
-        line.baseline = info.y + margins.top;
-        const Box box = {static_cast<float>(info.rect.left), static_cast<float>(info.rect.top),
-                         static_cast<float>(info.rect.right), static_cast<float>(info.rect.bottom)};
-        line.box = moved(box, margins.left, margins.top);
-        for (const LineGlyph& glyph : *glyphs++) {
-            line.glyphs.push_back(
-                {offsetOf(glyph.cluster), moved(glyph.box, info.x + margins.left, line.baseline)});
-        }
-    }
-    return lines;
-}
-
-void setLines(ZvTextObject& object, const std::vector<ZvLineInfo>& placed) {
-    List records;
-    records.Construct();
-    for (const ZvLineInfo& info : placed) records.Add(new ZvLineInfo(info));
-    object.SetLineInfo(&records);  // the text object owns the records now
-}
-
-// Takes the picture of width x height straight 0xAARRGGBB words where the library holds it.
-using Sink = std::function<void(const unsigned* pixels, int width, int height)>;
-
-// Without a sink nothing is drawn. The picture of the result is empty but for its size.
-Rendering make(const Scene& scene, const Sink& sink) {
-    checkScene(scene);
-    const host::RenderingOfThread drawnSo(scene.rendering);
-    Zvex::takeOutOfMemoryMark();  // an earlier picture's
-    const SceneFonts fonts = takeFonts(scene);
-    ZvTextObject object;
-    if (!object.Construct()) throw std::bad_alloc();
-    setText(object, scene, fonts);
-    Style style = scene.style;
-    fitEffects(style);
-    std::optional<LayeredScene> layered;
-    if (LayeredScene::isFor(style)) {
-        layered.emplace(style, object);
-    } else {
-        object.SetTextColor(withOpacity(style.color, style.opacity));
-        object.SetBackgroundColor(withOpacity(style.background.value_or(0), style.opacity),
-                                  style.background.has_value());
-        addEffects(*object.GetEffect(), style.effects);
-    }
-
-    const LaidOutText laidOut = layOutText(object, scene, fonts);
-    const PlacedScene placed = placeScene(object, scene, laidOut.lines);
-    setLines(object, placed.lines);
-    Rendering rendering;
-    for (std::string warning : {missingWarning(fonts, scene.systemFallback), farWarning(scene.text)}) {
-        if (!warning.empty()) rendering.warnings.push_back(std::move(warning));
-    }
-    const Margins& margins = placed.margins;
-    rendering.picture.width = placed.width;
-    rendering.picture.height = placed.height;
-    const ZvLineInfo& first = placed.lines.front();
-    rendering.metrics = {placed.width,
-                         placed.height,
-                         margins,
-                         first.y + margins.top,
-                         {first.x + margins.left, first.y + margins.top},
-                         measureLines(placed.lines, &laidOut.glyphs[placed.first], margins, scene.text)};
-    addClusters(rendering.metrics, scene.text);
-    if (!sink) return rendering;
-    Picture joined;
-    if (layered) joined = layered->render(placed.width, placed.height);
-    const unsigned int* pixels =
-        layered ? joined.pixels.data() : object.RenderTextEffect(placed.width, placed.height);
-    if (pixels == nullptr || Zvex::takeOutOfMemoryMark())
-        throw Failure("TEXT: not enough memory for the picture");
-    sink(pixels, placed.width, placed.height);
-    return rendering;
-}
-
-}  // namespace
-
 Rendering render(const Scene& scene) {
-    std::vector<uint32_t> kept;
-    Rendering rendering = make(scene, [&](const unsigned* pixels, int width, int height) {
-        kept.assign(pixels, pixels + static_cast<size_t>(width) * static_cast<size_t>(height));
-    });
-    rendering.picture.pixels = std::move(kept);
-    if (scene.trim) trimRendering(rendering);
-    return rendering;
+    return Renderer(Renderer::Keeping::Nothing).render(scene);
 }
 
 Rendering measure(const Scene& scene) {
-    return make(scene, nullptr);
+    return Renderer(Renderer::Keeping::Nothing).measure(scene);
 }
 
 Rendering renderInto(const Scene& scene, uint32_t* target, int width, int height, size_t stride,
                      PixelFormat format) {
-    return make(scene, [&](const unsigned* pixels, int madeWidth, int madeHeight) {
-        if (madeWidth != width || madeHeight != height || stride < static_cast<size_t>(width)) {
-            throw UsageError("TEXT: the picture is " + std::to_string(madeWidth) + " x " +
-                             std::to_string(madeHeight) + " pixels, not " + std::to_string(width) + " x " +
-                             std::to_string(height));
-        }
-        for (int y = 0; y < height; ++y, target += stride, pixels += width)
-            convertPixels(pixels, static_cast<size_t>(width), format, target);
-    });
+    return Renderer(Renderer::Keeping::Nothing).renderInto(scene, target, width, height, stride, format);
 }
 
 namespace {
 
 std::string keyInHex(const Look& look, uint32_t color) {
-    ZvEffect stack;
+    Zvex::ZvEffect stack;
     addEffects(stack, look.effects);
     const std::unique_ptr<char[]> key(stack.getMapKey(color));
     if (key == nullptr) throw std::bad_alloc();

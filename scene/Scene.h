@@ -31,6 +31,10 @@ struct Font {
         font.bytes = std::make_shared<const std::string>(std::move(bytes));
         return font;
     }
+
+    bool operator==(const Font& other) const {
+        return name == other.name && axes == other.axes && scope == other.scope && bytes == other.bytes;
+    }
 };
 
 // The largest picture made, effect margins included: each side, and the pixels in all (about 1.5 GB of
@@ -63,8 +67,9 @@ struct Scene {
     bool trim = false;  // the picture without its transparent border
 };
 
-// Renders the scene. Any thread, any number of them at once: only the reading of fonts is one thread's at a
-// time. Nothing is written to standard error. Throws Error, and std::bad_alloc.
+// Renders the scene; a Renderer (Renderer.h) does it faster for one like the last. Any thread, any number of
+// them at once: only the reading of fonts is one thread's at a time. Nothing is written to standard error.
+// Throws Error, and std::bad_alloc.
 //
 //     Scene scene;
 //     scene.text = "Gold";

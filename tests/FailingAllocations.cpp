@@ -13,6 +13,7 @@ struct Counters {
     int failing = -1;
     int made = 0;
     int outstanding = 0;
+    size_t largest = 0;
 };
 thread_local Counters counters;
 
@@ -21,8 +22,10 @@ bool failsNow() {
     return counters.armed && counters.pauses == 0 && counters.made++ == counters.failing;
 }
 
-void* counted(void* block) {
-    if (counters.armed && block != nullptr) ++counters.outstanding;
+void* counted(void* block, size_t size) {
+    if (!counters.armed || block == nullptr) return block;
+    ++counters.outstanding;
+    if (counters.pauses == 0 && size > counters.largest) counters.largest = size;
     return block;
 }
 
@@ -46,17 +49,18 @@ void* __real_realloc(void* block, size_t size);
 void __real_free(void* block);
 
 void* __wrap_malloc(size_t size) {
-    return failsNow() ? nullptr : counted(__real_malloc(size));
+    return failsNow() ? nullptr : counted(__real_malloc(size), size);
 }
 
 void* __wrap_calloc(size_t count, size_t size) {
-    return failsNow() ? nullptr : counted(__real_calloc(count, size));
+    return failsNow() ? nullptr : counted(__real_calloc(count, size), count * size);
 }
 
 void* __wrap_realloc(void* block, size_t size) {
     if (failsNow()) return nullptr;
     void* moved = __real_realloc(block, size);
-    if (block == nullptr) counted(moved);
+    counted(moved, size);
+    if (moved != nullptr) uncount(block);
     return moved;
 }
 
@@ -70,13 +74,13 @@ namespace {
 
 void* throwing(size_t size) {
     if (counters.throwingToo && failsNow()) throw std::bad_alloc();
-    void* block = counted(__real_malloc(size == 0 ? 1 : size));
+    void* block = counted(__real_malloc(size == 0 ? 1 : size), size);
     if (block == nullptr) throw std::bad_alloc();
     return block;
 }
 
 void* nothrow(size_t size) {
-    return failsNow() ? nullptr : counted(__real_malloc(size == 0 ? 1 : size));
+    return failsNow() ? nullptr : counted(__real_malloc(size == 0 ? 1 : size), size);
 }
 
 void release(void* block) {
@@ -138,6 +142,10 @@ FailingAllocations::Pause::~Pause() {
 
 int FailingAllocations::made() const {
     return counters.made;
+}
+
+size_t FailingAllocations::largest() const {
+    return counters.largest;
 }
 
 int FailingAllocations::outstanding() const {

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
 #include <string>
 
 // Makes one allocation fail. While an object of this class lives, the calling thread's allocations with
@@ -27,6 +28,7 @@ public:
         ~Pause();
     };
 
+    size_t largest() const;   // bytes, of all blocks allocated in any way
     int made() const;         // allocations counted so far, the failed one included
     int outstanding() const;  // blocks allocated in any way less blocks freed, since the start
 };
