@@ -7,12 +7,12 @@
 
 namespace Zvex::scene {
 
-// What the scene throws, besides std::bad_alloc. what() is one line: the place, ": " and the cause. The place
-// is the setting, as style files and batches call it: "size", "text", "font", "bevel soften",
-// "layers[0].spread".
+// The errors that the scene throws, besides std::bad_alloc. what() is one line: the place, ": " and the
+// cause. The place is the setting, named as in style files and batches: "size", "text", "font", "bevel
+// soften", "layers[0].spread".
 class Error : public std::runtime_error {
 public:
-    // The place may be given as the command line calls it, "--size" and "TEXT", to be shown so there.
+    // The place may also be written as on the command line, "--size" and "TEXT".
     explicit Error(const std::string& message)
         : std::runtime_error(isText(message) ? "text" + message.substr(4)
                                              : message.substr(isOption(message) ? 2 : 0)),
@@ -36,12 +36,12 @@ private:
     bool mOption, mText;
 };
 
-// The scene asks for something that cannot be.
+// The scene asks for something impossible.
 struct UsageError : Error {
     using Error::Error;
 };
 
-// The scene is fine, but a file or the machine is not.
+// The scene is valid, but a file or the machine fails.
 struct Failure : Error {
     using Error::Error;
 };

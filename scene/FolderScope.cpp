@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-// What is opened is what was checked: a descriptor that opens nothing yet (O_PATH) is got first, the kernel
-// is asked where the file lies that it stands for, and that very file is then opened through it. A check of
-// the path alone could be undone by who swaps a folder for a link between the check and the opening.
+// Opens exactly the file that was checked. It first gets a descriptor that opens nothing yet (O_PATH), asks
+// the kernel for the path behind it, and then opens the file through that descriptor. If only the path were
+// checked, somebody could swap a folder for a link between the check and the opening.
 #include "scene/FolderScope.h"
 
 #include <fcntl.h>
@@ -22,7 +22,7 @@ namespace Zvex::scene {
 
 namespace {
 
-// Where the file lies that the descriptor stands for. Empty where that cannot be told, as without /proc.
+// The path of the descriptor's file. Empty if it is unknown, as without /proc.
 std::string placeOf(const Descriptor& descriptor) {
     std::string place(PATH_MAX, '\0');
     const ssize_t length = readlink(descriptor.name().c_str(), &place[0], place.size());
@@ -92,7 +92,7 @@ bool FolderScope::wouldHold(const std::string& path) const {
         }
         if (!holds(folder)) return false;
         if (rest.empty() || links == kMaxLinks) return true;
-        // A link that leads to nothing is judged by where it leads.
+        // For a link to a missing file, its target decides.
         const fs::path next = existing / *rest.begin();
         std::error_code error;
         const fs::path target = fs::read_symlink(next, error);
@@ -126,7 +126,7 @@ Descriptor FolderScope::makeFolder(const std::string& option, const std::string&
     constexpr int kFlags = O_PATH | O_DIRECTORY | O_CLOEXEC;
     Descriptor folder(open(plain.empty() ? "." : plain.c_str(), kFlags));
     if (!folder && errno == ENOENT && plain.has_filename()) {
-        // Made within the folder around it, which is opened and checked by then.
+        // The folder around it, opened and checked first.
         const Descriptor around = makeFolder(option, plain.parent_path());
         const std::string name = plain.filename();
         if (mkdirat(around.number(), name.c_str(), 0777) == 0 || errno == EEXIST) {

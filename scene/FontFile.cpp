@@ -79,7 +79,7 @@ void readAxes(const std::string& option, const std::string& text, const std::str
     }
 }
 
-// Where the font's axes stand; those at their defaults are left out.
+// The positions of the font's axes, without those at their defaults.
 std::vector<AxisValue> placesOf(const std::string& option, const FontChoice& choice, hb_face_t* face,
                                 const std::string& axesOption, const std::string& axesText) {
     const std::vector<hb_ot_var_axis_info_t> axes = axesOf(face);
@@ -92,7 +92,7 @@ std::vector<AxisValue> placesOf(const std::string& option, const FontChoice& cho
             setAxis(values, axes[i].tag, static_cast<double>(places[i]));
         }
     }
-    // fontconfig writes its own places before those of the pattern, so an axis may be there twice.
+    // fontconfig puts its own values before those of the pattern, so an axis may occur twice.
     if (!choice.variations.empty()) {
         for (const std::string& part : split(choice.variations, ',')) {
             readAxes(option, part, choice.name(), axes, values);
@@ -112,8 +112,8 @@ void appendBigEndian(std::string& bytes, uint32_t value) {
     for (int shift = 24; shift >= 0; shift -= 8) bytes += static_cast<char>(value >> shift & 0xFF);
 }
 
-// The font as a file of its own, with the table that tells the port where its axes stand. The library passes
-// bytes on as they are, so this needs no word of its own there.
+// The font as a file of its own, with the table that gives the port its axis values. The library passes bytes
+// on unchanged, so it needs no code for this.
 HbOwner<hb_blob_t> rebuilt(hb_face_t* face, const std::vector<AxisValue>& axes) {
     const HbOwner<hb_face_t> builder(hb_face_builder_create());
     hb_tag_t tags[64];
@@ -140,7 +140,7 @@ HbOwner<hb_blob_t> rebuilt(hb_face_t* face, const std::vector<AxisValue>& axes) 
     return HbOwner<hb_blob_t>(hb_face_reference_blob(builder.get()));
 }
 
-// The name of the named instance at the place where the font's axes stand; empty for none.
+// The name of the named instance with the font's axis values; empty if there is none.
 std::string instanceName(hb_face_t* face, hb_font_t* font) {
     unsigned count = 0;
     const float* here = hb_font_get_var_coords_design(font, &count);
@@ -157,7 +157,7 @@ std::string instanceName(hb_face_t* face, hb_font_t* font) {
     return "";
 }
 
-// What the font's PANOSE numbers say.
+// The family class that the font's PANOSE numbers give.
 std::string genericFamily(hb_face_t* face) {
     constexpr unsigned kPanose = 32, kLatinText = 2, kFirstSerif = 2, kFirstSans = 11, kLastSans = 15;
     constexpr unsigned kMonospaced = 9;
@@ -195,7 +195,7 @@ FontFacts factsOf(const host::FontFace& face) {
     return facts;
 }
 
-// A name that no file has (there is nothing below a device), saying the weight as file names do.
+// A name that no file can have (nothing lies below a device). It states the weight as file names do.
 std::string keyFor(const FontFacts& facts, size_t number) {
     const char* weight = facts.weight < 250   ? "-Thin"
                          : facts.weight < 350 ? "-Light"
@@ -206,7 +206,7 @@ std::string keyFor(const FontFacts& facts, size_t number) {
     return "/dev/null/" + std::to_string(number) + weight;
 }
 
-// Gives `loaded` a font of a copy of the bytes; false where they are none.
+// Gives `loaded` a font made from a copy of the bytes; false if they are no font.
 bool hold(LoadedFont& loaded, const char* content, size_t size) {
     auto bytes = std::make_unique<char[]>(size);
     std::memcpy(bytes.get(), content, size);
@@ -224,7 +224,7 @@ std::shared_ptr<const LoadedFont> readFont(const std::string& option, const Font
                                            size_t number) {
     const std::string& path = choice.path;
     if (path.empty()) throw UsageError(option + ": the path is empty");
-    // readFile takes "-" for standard input; a font is always a file.
+    // readFile would read standard input for "-", but a font is always a file.
     const std::string content =
         choice.bytes != nullptr ? *choice.bytes
                                 : readFile(option, path == "-" ? "./-" : path, kMaxFontBytes, choice.scope);
@@ -278,7 +278,7 @@ std::string fontString(hb_face_t* face, unsigned nameId) {
     unsigned size = sizeof text;
     hb_language_t language = hb_language_from_string("en", -1);
     if (hb_ot_name_get_utf8(face, nameId, language, nullptr, nullptr) == 0) {
-        // Some fonts state their names in another language alone.
+        // Some fonts state their names only in another language.
         unsigned count = 0;
         const hb_ot_name_entry_t* names = hb_ot_name_list_names(face, &count);
         const auto named =
@@ -306,13 +306,13 @@ std::string tagName(hb_tag_t tag) {
 
 std::shared_ptr<const LoadedFont> loadFont(const std::string& option, const FontChoice& choice,
                                            const std::string& axesOption, const std::string& axes) {
-    // Not by name(): a file may be called as a font of a collection is written.
-    // What was loaded holds its bytes, so their address is theirs alone.
+    // The key does not use name(), because a file's name may look like that of a font in a collection. The
+    // bytes of a loaded font stay in memory, so their address is unique.
     using Key = std::tuple<std::string, int, unsigned, std::string, std::string, const void*>;
     static std::map<Key, std::shared_ptr<const LoadedFont>> loaded;
     const Key key(choice.path, choice.index, choice.instance, choice.variations, axes, choice.bytes.get());
     const auto found = loaded.find(key);
-    // Loaded for who may read more, perhaps.
+    // It may have been loaded for a caller with a wider scope.
     if (found != loaded.end() && !choice.scope.isAnywhere() && choice.bytes == nullptr)
         choice.scope.openFile(option, choice.path);
     if (found != loaded.end()) return found->second;

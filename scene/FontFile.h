@@ -15,30 +15,30 @@
 
 namespace Zvex::scene {
 
-// One font: a file, the font's place in it, and where the axes of a variable one stand.
+// One font: a file, the font's index in it, and the axis values of a variable font.
 struct FontChoice {
     std::string path;
     int index = 0;           // in a collection
-    unsigned instance = 0;   // the named instance whose places its axes take, from 1; 0: their defaults
-    std::string variations;  // "wght=650,opsz=20", these win over the instance's places
-    FolderScope scope;       // where the file may lie
-    std::shared_ptr<const std::string> bytes;  // the font itself, in place of a file
+    unsigned instance = 0;   // the named instance that gives the axis values, from 1; 0: their defaults
+    std::string variations;  // "wght=650,opsz=20"; overrides the instance's values
+    FolderScope scope;       // folders that the file may be in
+    std::shared_ptr<const std::string> bytes;  // the font's bytes, instead of a file
 
     std::string name() const;  // "FILE", or "FILE#INDEX" where the index is not 0
 };
 
-// What a font says of itself, its axes considered.
+// A font's description of itself, at its axis values.
 struct FontFacts {
-    float ascent = 0, descent = 0;  // ems, positive: how far its lines reach; the line gap counts below
+    float ascent = 0, descent = 0;  // ems, never negative: line height; descent includes the line gap
     int weight = 400;               // 1 to 1000
     bool italic = false;
-    std::string family, style;  // UTF-8; empty where the font states none
-    std::string generic;        // "serif", "sans-serif" or "monospace" where it says so of itself
+    std::string family, style;  // UTF-8; empty if the font states none
+    std::string generic;        // "serif", "sans-serif" or "monospace" if the font states it
 };
 
-// A font of the process. Plain fonts go by their path as the key, from whose words their style is taken (see
-// FontManager::GetMinikinFontFamilies); a font with axes away from their defaults and one from the midst of a
-// collection by a name that says their weight.
+// A loaded font. For a plain font the key is its path, whose words give its style (see
+// FontManager::GetMinikinFontFamilies). A font with axis values other than the defaults, or from inside a
+// collection, has a key that states its weight.
 struct LoadedFont {
     FontChoice choice;
     std::string key;
@@ -48,19 +48,19 @@ struct LoadedFont {
     int fontsInFile = 1;
 };
 
-// Reads the font, or finds it among those read before: a file is read once a process. `axes` is the value of
-// `axesOption`, "wght=650,opsz=20", or empty; it wins over the axes of `choice`. Throws one line that starts
-// with the option: Failure where the file is missing, a folder, empty, unreadable or no font that the port
-// draws, UsageError for an index it lacks and for axes that it lacks or that do not go that far, listing
-// those it has. One thread at a time.
+// Reads the font, or returns it if it was read before: each file is read once. `axes` is the value of
+// `axesOption`, "wght=650,opsz=20", or empty; it overrides the axes of `choice`. Throws one line that starts
+// with the option: Failure if the file is missing, a folder, empty, unreadable or no font that the port can
+// draw; UsageError for an index that it lacks, and for axes that it lacks or values beyond their range,
+// listing the axes that it has. One thread at a time.
 std::shared_ptr<const LoadedFont> loadFont(const std::string& option, const FontChoice& choice,
                                            const std::string& axesOption = "", const std::string& axes = "");
 
-// A string of the font's name table (HB_OT_NAME_ID_...), the English one where there are several; UTF-8, at
-// most 511 bytes.
+// A string of the font's name table (HB_OT_NAME_ID_...), in English if there are several; UTF-8, at most 511
+// bytes.
 std::string fontString(hb_face_t* face, unsigned nameId);
 
-// The font's axes, at most 64, and a tag as it is written, without the spaces that fill it up.
+// The font's axes, at most 64; and a tag as text, without its trailing spaces.
 std::vector<hb_ot_var_axis_info_t> axesOf(hb_face_t* face);
 std::string tagName(hb_tag_t tag);
 

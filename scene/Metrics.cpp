@@ -15,7 +15,7 @@ std::string sides(const Sides& s) {
            ", \"right\": " + formatNumber(s.right) + ", \"bottom\": " + formatNumber(s.bottom) + "}";
 }
 
-// Counts the characters of a text before bytes that never come earlier than the byte asked before.
+// Counts the characters of a text before a byte. Bytes must be asked for in rising order.
 class CharacterCount {
 public:
     explicit CharacterCount(const std::string& text) : mText(text) {}

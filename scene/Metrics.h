@@ -8,7 +8,7 @@
 
 namespace Zvex::scene {
 
-// Where the parts of a picture lie. All lengths are pixels of the picture, y growing downwards; right and
+// The positions of the parts of a picture. Lengths are pixels of the picture, y growing downwards; right and
 // bottom are exclusive. Offsets into the text are bytes of its UTF-8, or characters (code points).
 
 struct Margins {
@@ -31,39 +31,39 @@ struct TextRange {
 };
 
 struct GlyphMetrics {
-    size_t cluster = 0;  // byte at which the characters begin that the glyph stands for
-    // Around the glyph's outline, effects left out; a fraction where a mark stands between pixels. A blank
-    // glyph's box has no width and no height and is on the baseline where the pen was. It may reach beyond
-    // what is drawn: lines are cut off at their advance and at the padding.
+    size_t cluster = 0;  // first byte of the characters that the glyph stands for
+    // The box of the glyph's outline, without effects; fractional if a mark is positioned between pixels. A
+    // blank glyph's box has no width and height and lies on the baseline, at the pen. The box may extend
+    // beyond what is drawn: lines are cut off at their advance and at the padding.
     Box box;
 };
 
-// Characters that are drawn as one: a letter and its marks, a ligature.
+// Characters that are drawn as one unit: a letter and its marks, a ligature.
 struct ClusterMetrics : TextRange {
-    Box box;  // around its glyphs' boxes; without width and height where it is blank
+    Box box;  // around its glyphs' boxes; empty if it is blank
 };
 
 // Its range ends before the blanks and the line ending that follow.
 struct LineMetrics : TextRange {
     int baseline = 0;
-    Box box;                               // as wide as the line's advance: what the background fills
+    Box box;                               // as wide as the line's advance; filled by the background
     std::vector<GlyphMetrics> glyphs;      // from left to right
     std::vector<ClusterMetrics> clusters;  // in the order of the text
 };
 
 struct Metrics {
     int width = 0, height = 0;
-    Margins margins;   // around the view; below 0 where a trimmed picture is smaller than the view
+    Margins margins;   // around the view; below 0 if a trimmed picture is smaller than the view
     int baseline = 0;  // of the first line
-    Point origin;      // left end of the first line, on its baseline; outside a picture trimmed that far
-    std::vector<LineMetrics> lines;  // those that show
+    Point origin;  // left end of the first line, on its baseline; outside the picture if that much is trimmed
+    std::vector<LineMetrics> lines;  // the visible lines
 };
 
-// Fills in what follows from the lines' bytes and glyphs: offsets in characters, clusters. `text` is UTF-8.
+// Computes the character offsets and the clusters from the lines' bytes and glyphs. `text` is UTF-8.
 void addClusters(Metrics& metrics, const std::string& text);
 
-// Moves everything to where it lies in the part of `width` x `height` pixels whose top left corner is at
-// (left, top) now.
+// Moves everything to its position in the part of `width` x `height` pixels whose top left corner is now at
+// (left, top).
 void cropMetrics(Metrics& metrics, int left, int top, int width, int height);
 
 // A JSON object with the names used here and a line ending:

@@ -24,12 +24,12 @@ Context makeContext(int flags) {
     return context;
 }
 
-// A file without the chunks that its pixels do not need: texts and profiles could unpack to gigabytes.
+// Feeds a file without the chunks that its pixels do not need: texts and profiles could unpack to gigabytes.
 struct PngStream {
     const std::string* bytes;
-    size_t next = 0, left = 8;  // of the part that is read: the signature, then chunks
+    size_t next = 0, left = 8;  // of the part that is read: first the signature, then chunks
 
-    // Passes over chunks that are not needed.
+    // Skips chunks that are not needed.
     void findChunk() {
         static const std::string kNeeded[] = {"IHDR", "PLTE", "tRNS", "IDAT", "IEND"};
         while (left == 0 && next + 8 <= bytes->size()) {
@@ -94,7 +94,7 @@ Picture decodePng(const std::string& name, const std::string& bytes) {
     check(spng_decode_image(png.get(), target, picture.pixels.size() * (deep ? 8 : 4),
                             deep ? SPNG_FMT_RGBA16 : SPNG_FMT_RGBA8, SPNG_DECODE_TRNS),
           " is damaged: ");
-    check(spng_decode_chunks(png.get()), " is damaged: ");  // to the file's end
+    check(spng_decode_chunks(png.get()), " is damaged: ");  // up to the end of the file
     const auto* rgba = reinterpret_cast<const uint8_t*>(picture.pixels.data());
     for (size_t i = 0; i < picture.pixels.size(); ++i) {
         const auto sample = [&](size_t c) { return deep ? rounded(samples[4 * i + c]) : rgba[4 * i + c]; };
@@ -106,7 +106,7 @@ Picture decodePng(const std::string& name, const std::string& bytes) {
 std::string encodePng(const Picture& picture, double dpi) {
     const Context png = makeContext(SPNG_CTX_ENCODER);
     const auto check = [](int error) {
-        if (error != 0) throw std::bad_alloc();  // all that can fail
+        if (error != 0) throw std::bad_alloc();  // the only possible error
     };
     check(spng_set_option(png.get(), SPNG_ENCODE_TO_BUFFER, 1));
     spng_ihdr header = {};

@@ -9,21 +9,21 @@
 
 namespace Zvex::scene {
 
-// The largest picture read: checked against the file's header, before memory is taken for the pixels.
+// The largest picture that is read. Checked in the file's header, before pixels are allocated.
 constexpr int kMaxPngSide = 16384;
 constexpr int64_t kMaxPngPixels = 64'000'000;
 
-// Reads a PNG of any colour type and depth, interlaced or not: grey becomes red, green and blue, 16 bits
-// become the nearest 8, a transparent colour or palette entry becomes alpha. Gamma and colour profiles are
-// not applied. Throws Failure with one line that starts with `name` where the bytes are no PNG, damaged, cut
-// short, or too large a picture.
+// Reads a PNG of any colour type and depth, interlaced or not. Grey becomes red, green and blue; 16 bits
+// become the nearest 8; a transparent colour or palette entry becomes alpha. Gamma and colour profiles are
+// not applied. Throws Failure with one line that starts with `name` if the bytes are no PNG, are damaged or
+// cut short, or if the picture is too large.
 Picture decodePng(const std::string& name, const std::string& bytes);
 
-// At which a pixel is a point of print.
+// At this resolution a pixel is a typographic point.
 constexpr double kPointsPerInch = 72;
 
-// The picture as an 8-bit RGBA PNG file's content, to be shown at `dpi` pixels an inch (1 to 10000). Throws
-// std::bad_alloc.
+// The picture as the content of an 8-bit RGBA PNG file with a resolution of `dpi` pixels an inch (1 to
+// 10000). Throws std::bad_alloc.
 std::string encodePng(const Picture& picture, double dpi = kPointsPerInch);
 
 }  // namespace Zvex::scene

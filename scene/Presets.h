@@ -7,15 +7,15 @@
 
 namespace Zvex::scene {
 
-// The style files of examples/styles, which are part of the program and go by their names without ".json".
+// The style files of examples/styles, which are part of the program. Their names omit ".json".
 struct Preset {
     const char* name;
     const char* json;
 };
 
-const std::vector<Preset>& presets();  // in the order of their names
+const std::vector<Preset>& presets();  // sorted by name
 
-// A line for each: its name and its description.
+// One line for each: its name and its description.
 std::string presetList();
 
 }  // namespace Zvex::scene

@@ -10,15 +10,15 @@
 
 namespace Zvex::scene {
 
-// A picture and where its parts lie.
+// A picture and the positions of its parts.
 struct Rendering {
     Picture picture;
     Metrics metrics;
     std::vector<std::string> warnings;  // each a line: characters without a glyph
 };
 
-// Cuts off the rows and columns around the picture in which every pixel is transparent. Of a picture that is
-// transparent throughout, the top left pixel stays.
+// Removes the rows and columns at the picture's edges in which every pixel is transparent. If all pixels are,
+// the top left one stays.
 void trimRendering(Rendering& rendering);
 
 }  // namespace Zvex::scene

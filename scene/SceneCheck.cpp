@@ -104,7 +104,7 @@ void checkClips(const std::vector<LayerSettings>& layers) {
 }
 
 void checkStyle(const Style& style) {
-    Style copy = style;  // fields point to what may be changed
+    Style copy = style;  // fields point to values that may change
     checkFields("", fieldsOf(copy));
     checkLook("", copy);
     checkLayers(copy);

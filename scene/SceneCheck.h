@@ -8,19 +8,19 @@
 
 namespace Zvex::scene {
 
-// Check what code may have set, which nothing has read. All throw UsageError with the first place that is
-// wrong.
+// Checks for scenes that are set up in code, where no reader has checked the values. All throw UsageError
+// with the first wrong place.
 
-// Every number, choice and list of the style, its layers and effects, with the limits that style files have.
+// Checks every number, choice and list of the style, its layers and effects, with the limits of style files.
 void checkStyle(const Style& style);
 
-// The text, the style and the numbers of the scene.
+// Checks the text, the style and the numbers of the scene.
 void checkScene(const Scene& scene);
 
-// A style with layers has no effects beside them.
+// A style with layers must have no other effects.
 void checkLayers(const Style& style);
 
-// Behind the last clipped layer is one that is not clipped.
+// There must be a layer that is not clipped behind the last clipped one.
 void checkClips(const std::vector<LayerSettings>& layers);
 
 }  // namespace Zvex::scene

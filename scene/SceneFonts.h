@@ -13,23 +13,23 @@
 
 namespace Zvex::scene {
 
-// The fonts that a scene is drawn with, in the order in which they are asked.
+// The fonts that a scene is drawn with, in the order of search.
 struct SceneFonts {
     std::vector<std::shared_ptr<const LoadedFont>> fonts;  // --font, each --fallback, then the system's
-    size_t given = 1;                                      // how many of them the scene names
-    std::shared_ptr<const android::Typeface> typeface;     // of all of them
-    std::vector<uint32_t> missing;  // characters that are drawn as missing, in the order of the text
+    size_t given = 1;                                      // the number of fonts that the scene names
+    std::shared_ptr<const android::Typeface> typeface;     // made from all of them
+    std::vector<uint32_t> missing;  // characters drawn as missing, in the order of the text
 
     const LoadedFont& first() const { return *fonts[0]; }
 };
 
-// Loads the scene's fonts and, where it allows that, a few of the system's for the characters which those
-// lack: the best font for the first such character serves all others it has, and so on. The same text and
-// fonts give the same choice whatever the user's language is. Any thread: one at a time reads fonts. Throws
-// UsageError or Failure, naming the option.
+// Loads the scene's fonts. If the scene allows it, also loads a few of the system's fonts for the characters
+// that those lack: the best font for the first such character also serves all others that it has, and so on.
+// The choice depends only on the text and the fonts, not on the user's language. Any thread; fonts are read
+// by one at a time. Throws UsageError or Failure, naming the option.
 SceneFonts takeFonts(const Scene& scene);
 
-// One line where characters are missing: their code points and the option that helps; else empty.
+// If characters are missing, one line with their code points and the option that helps; else empty.
 std::string missingWarning(const SceneFonts& fonts, bool systemFallback);
 
 // "U+1F600"

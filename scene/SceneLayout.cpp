@@ -28,7 +28,7 @@ using Zvex::ZvTextObject;
 
 constexpr int kAntiAlias = 1;                // SkPaint's flag bits
 constexpr float kMaxLineAdvance = 65535;     // a line's image stores its width in 16 bits
-constexpr int kMaxTextHeight = 100'000'000;  // of all lines, shown or not; keeps sums far from the end of int
+constexpr int kMaxTextHeight = 100'000'000;  // of all lines, shown or not; keeps sums within an int
 
 android::Paint paintOf(const Style& style) {
     android::Paint paint;
@@ -47,11 +47,11 @@ public:
     const uint16_t* units() const { return reinterpret_cast<const uint16_t*>(mText.data()); }
     int length() const { return static_cast<int>(mText.size()); }
 
-    // Where in the text the clusters of a line's layout count from.
+    // The place in the text from which the clusters of a line's layout are counted.
     int contextOf(int start) const { return std::max(start - kContext, 0); }
 
-    // Around the line only as much of the text as shaping looks at: the whole of it would make a long
-    // paragraph's many lines cost its length each. Widths and heights do not depend on the rest.
+    // Passes only as much text around the line as shaping looks at. Otherwise each of a long paragraph's
+    // lines would cost the paragraph's length. Widths and heights do not depend on the rest.
     minikin::Layout layOut(int start, int end) const {
         const int begin = contextOf(start);
         const int limit = std::min(end + kContext, length());
@@ -69,8 +69,8 @@ private:
     const std::u16string& mText;
 };
 
-// The glyphs where the text object will draw them: a line's ink begins where the line begins, and the top of
-// its image is a whole pixel.
+// The glyphs at the positions where the text object will draw them: a line's ink begins where the line
+// begins, and the top of its image is at a whole pixel.
 std::vector<LineGlyph> glyphsOf(const minikin::Layout& layout, const minikin::MinikinRect& ink, int context) {
     const float dx = -ink.mLeft, dy = -ink.mTop - std::trunc(-ink.mTop);
     std::vector<LineGlyph> glyphs(layout.nGlyphs());
@@ -87,7 +87,7 @@ std::vector<LineGlyph> glyphsOf(const minikin::Layout& layout, const minikin::Mi
 
 }  // namespace
 
-// The text's own UTF-16 form keeps characters beyond the second plane only in part; say so instead of drawing
+// The text object's UTF-16 keeps characters from U+20000 on only in part. A warning is better than drawing
 // another character silently.
 std::string farWarning(const std::string& text) {
     constexpr size_t kMost = 20;

@@ -17,35 +17,35 @@
 namespace Zvex::scene {
 
 struct LineGlyph {
-    size_t cluster = 0;  // unit of the text at which the characters begin that it stands for
-    const host::FontFace* face = nullptr;  // of one of the scene's fonts
-    Box box;                               // of its outline, from the line's left end and baseline
+    size_t cluster = 0;                    // first unit of the characters that it stands for
+    const host::FontFace* face = nullptr;  // one of the scene's fonts
+    Box box;                               // box of its outline, from the line's left end and baseline
 };
 
-// A text as lines one below the other from y = 0, each from x = 0.
+// The lines of a text, one below the other from y = 0, each from x = 0.
 struct LaidOutText {
-    std::u16string text;  // what the lines' offsets count
+    std::u16string text;  // the lines' offsets refer to this
     std::vector<Zvex::LaidOutLine> lines;
     std::vector<std::vector<LineGlyph>> glyphs;  // of each line, from left to right
 };
 
-// Hands the scene's text, its fonts and its paint to the object, which is constructed. Throws Failure.
+// Passes the scene's text, fonts and paint to the object, which must be constructed. Throws Failure.
 void setText(Zvex::ZvTextObject& object, const Scene& scene, const SceneFonts& fonts);
 
-// One line where the text has characters that the library cannot hold; else empty.
+// If the text has characters that the library cannot hold, one line that says so; else empty.
 std::string farWarning(const std::string& text);
 
-// The width in which the scene's lines wrap, without the padding; 0 where they do not. Throws UsageError
-// where the padding leaves nothing.
+// The width at which the scene's lines wrap, without the padding; 0 if they do not wrap. Throws UsageError if
+// the padding leaves no width.
 int wrapWidthOf(const Scene& scene);
 
-// Breaks the text of an object after setText into lines and lays them out the way the object will draw them:
-// same paint, same fonts, same UTF-16 text. A line is as high as the first font's metrics say, or as its ink
-// where a fallback font's glyphs reach further, so that no line cuts another's marks off. Throws UsageError
-// where a line is wider than the library's lines can be, and where all of them are too high.
+// Breaks the text of an object into lines, after setText, and lays them out as the object will draw them:
+// same paint, same fonts, same UTF-16 text. A line's height comes from the first font's metrics, or from its
+// ink if a fallback font's glyphs extend further, so that no line cuts off another's marks. Throws UsageError
+// if a line is wider than the library allows, or if all lines together are too high.
 LaidOutText layOutText(Zvex::ZvTextObject& object, const Scene& scene, const SceneFonts& fonts);
 
-// Offsets in UTF-8 of the units of the text's UTF-16 form, its end included; the text is well formed.
+// The UTF-8 offset of each unit of the text's UTF-16 form, its end included; the text must be well formed.
 std::vector<uint32_t> byteOffsets(const std::string& text);
 
 }  // namespace Zvex::scene

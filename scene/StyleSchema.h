@@ -6,9 +6,9 @@
 
 namespace Zvex::scene {
 
-// The JSON Schema (draft 2020-12) of style files, made from the same fields that read them, as a file's
-// content: docs/style.schema.json. It accepts what readStyle accepts, but for what it cannot say: that no
-// object has a key twice and that the positions of stops never fall.
+// The JSON Schema (draft 2020-12) of style files as a file's content, made from the fields that read them:
+// docs/style.schema.json. It accepts what readStyle accepts, except for two rules that it cannot express: no
+// object has a key twice, and the positions of stops never fall.
 std::string styleSchema();
 
 }  // namespace Zvex::scene

@@ -8,7 +8,7 @@
 
 namespace Zvex::scene {
 
-// The libraries below, with the versions that run: {"HarfBuzz", "6.0.0"}.
+// The libraries that this one uses, with their versions at run time: {"HarfBuzz", "6.0.0"}.
 std::vector<std::pair<std::string, std::string>> libraryVersions();
 
 }  // namespace Zvex::scene

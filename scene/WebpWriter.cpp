@@ -12,7 +12,7 @@ namespace Zvex::scene {
 
 namespace {
 
-// No exception crosses libwebp; 0 makes it give up.
+// Exceptions must not pass through libwebp; 0 makes it stop.
 int onWebpWrite(const uint8_t* data, size_t size, const WebPPicture* webp) {
     try {
         static_cast<std::string*>(webp->custom_ptr)->append(reinterpret_cast<const char*>(data), size);

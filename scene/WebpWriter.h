@@ -8,9 +8,9 @@
 
 namespace Zvex::scene {
 
-constexpr int kMaxWebpSide = 16383;  // of the format
+constexpr int kMaxWebpSide = 16383;  // limit of the format
 
-// The picture as a lossless WebP file's content: every pixel comes back as it is, the colours of transparent
+// The picture as the content of a lossless WebP file. Every pixel is kept exactly, the colours of transparent
 // ones too. Sides are at most kMaxWebpSide. Throws std::bad_alloc.
 std::string encodeWebp(const Picture& picture);
 

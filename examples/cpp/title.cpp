@@ -33,7 +33,7 @@ int main(int argc, char** argv) {
     effect->addStrokeText(6, 0xFF202020, 1, 0, Zvex::ZV_STROKE_OUTSIDE);
     effect->addOuterShadowText(135, 10, 8, 0xFF000000, 0.5f);  // light from the upper left
 
-    // One line at x = 20 with its baseline at y = 110 covers the whole text.
+    // One line with its left end at x = 20 and its baseline at y = 110 holds the whole text.
     auto* line = new Zvex::ZvLineInfo;  // the text object frees it
     line->x = 20;
     line->y = 110;

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// The words before the cursor say which command the line is in; then the word before the cursor may ask for a
-// value, or else options, commands and arguments are offered.
+// The words before the cursor give the command. If the word just before it expects a value, values are
+// offered, else options, commands and arguments.
 #include "tools/zvtext/Completion.h"
 
 #include <CLI/CLI.hpp>
@@ -21,7 +21,7 @@ std::string inQuotes(const std::string& text) {
     return "'" + text + "'";  // none of the program's names has a quote
 }
 
-// What can stand for a value: "words='left center right' paths=-f".
+// The words and paths offered for a value: "words='left center right' paths=-f".
 std::string hint(const std::string& value, std::string words = "") {
     std::string paths;
     for (const std::string& part : split(value, '|')) {
@@ -39,7 +39,7 @@ std::string hint(const std::string& value, std::string words = "") {
 }
 
 struct Cases {
-    std::string commands, values, others;  // of the script's case statements
+    std::string commands, values, others;  // for the script's case statements
 };
 
 void addCases(const CLI::App& app, const std::string& name, Cases& cases) {

@@ -7,9 +7,9 @@
 
 namespace zvtext {
 
-// The script that completes the program's command lines in bash, made from its options. The name of a value
-// tells what can stand for it: "left|center|right" are words; of the names in capitals FILE, FONT and DIR are
-// paths, PRESET and GROUP the program's presets and gallery groups.
+// The bash completion script for the program's options. The name of an option's value decides what is
+// offered: "left|center|right" gives these words; of the names in capitals, FILE, FONT and DIR give paths,
+// PRESET and GROUP the program's presets and gallery groups.
 std::string bashCompletion(const CLI::App& app);
 
 }  // namespace zvtext

@@ -32,7 +32,7 @@ namespace {
 
 constexpr int kExitFailure = 1, kExitUsage = 2;
 
-// One line on standard error: values and file contents that messages quote may hold anything.
+// Prints one line on standard error. Messages quote values and file contents, which may hold any bytes.
 int complain(std::string message, int status) {
     message = printable(message);
     std::replace(message.begin(), message.end(), '\n', '?');
@@ -40,7 +40,7 @@ int complain(std::string message, int status) {
     return status;
 }
 
-// What the program says of itself.
+// Commands that print what the program knows about itself.
 void addPrintingCommands(CLI::App& app) {
     CLI::App* list = app.add_subcommand("presets", "List the styles that --preset takes");
     list->footer("Example:\n  zvtext presets");
@@ -54,8 +54,8 @@ void addPrintingCommands(CLI::App& app) {
     completion->callback([&app] { print(bashCompletion(app)); });
 }
 
-// A file must not take the number of a standard stream that is closed: what is printed would go into it. What
-// opens in its place cannot be read or written, as it was.
+// If a standard stream is closed, a file must not get its number: output would go into that file. The
+// placeholder opened here can be neither read nor written, as before.
 void holdStandardStreams() {
     for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
         if (fcntl(stream, F_GETFD) < 0) open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY);
@@ -119,11 +119,11 @@ int run(int argc, char** argv) {
 }  // namespace
 
 int runProgram(int argc, char** argv) try {
-    std::signal(SIGXFSZ, SIG_IGN);  // a file that may not grow is an error of writing, as a disk that is full
+    std::signal(SIGXFSZ, SIG_IGN);  // a file that may not grow is a write error, like a full disk
     holdStandardStreams();
     removeTemporariesOnSignals();
     return run(argc, argv);
-} catch (...) {  // the help itself found no memory
+} catch (...) {  // no memory for the help
     return kExitFailure;
 }
 

@@ -4,8 +4,8 @@
 
 namespace zvtext {
 
-// The whole program: does what the command line says, complains on standard error, and returns the exit
-// status. Throws nothing.
+// Runs the whole program for a command line, reports errors on standard error and returns the exit status.
+// Throws nothing.
 int runProgram(int argc, char** argv);
 
 }  // namespace zvtext

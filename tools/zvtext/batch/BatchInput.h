@@ -8,11 +8,11 @@
 
 namespace zvtext {
 
-// Lines from a file or standard input ("-"), as they come: nothing waits but read(), and no more is kept than
-// one line and a block.
+// Reads lines from a file or standard input ("-") as they arrive. Only read() waits, and at most one line and
+// a block are kept.
 class BatchInput {
 public:
-    // Throws Failure where the file cannot be opened.
+    // Throws Failure if the file cannot be opened.
     BatchInput(const std::string& path, size_t maxLineBytes);
     ~BatchInput();
     BatchInput(const BatchInput&) = delete;
@@ -20,22 +20,23 @@ public:
 
     int descriptor() const { return mDescriptor; }
 
-    // Reads what there is, once; waits where there is nothing. Throws Failure.
+    // Reads once; waits if there is nothing yet. Throws Failure.
     void read();
 
     enum class Next { Line, TooLong, ReadMore, End };
 
-    // Takes the next line, without its end. A line above the limit is passed over and is TooLong.
+    // Takes the next line, without its line ending. A line above the limit is skipped and reported as
+    // TooLong.
     Next next(std::string& line);
 
-    // Share of the input that has been taken, 0 to 1; negative where its size is not known.
+    // The share of the input that has been taken, 0 to 1; negative if its size is not known.
     double share() const;
 
 private:
     int mDescriptor = -1;
     size_t mMaxLineBytes;
     std::string mBuffer;
-    size_t mBegin = 0, mScanned = 0;  // within the buffer: of the next line, and how far it was searched
+    size_t mBegin = 0, mScanned = 0;  // start of the next line in the buffer, and how far it was searched
     bool mPassingOver = false, mAtEnd = false;
     uint64_t mTaken = 0;
     int64_t mSize = -1;

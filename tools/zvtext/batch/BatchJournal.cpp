@@ -19,8 +19,8 @@ using namespace Zvex::scene;
 
 namespace {
 
-// A record's line: the job's digest, a space, the content's, a space, the result, a space, the digest of all
-// before it. Other lines (cut short by a kill or a full disk, or damaged) are passed over.
+// A record's line: the digest of the job, a space, that of the content, a space, the result, a space, the
+// digest of everything before it. Other lines (damaged, or cut short by a kill or a full disk) are skipped.
 constexpr size_t kDigits = 32, kHead = 2 * (kDigits + 1), kTail = kDigits + 1;
 constexpr size_t kMaxRecord = 8192;
 
@@ -44,7 +44,7 @@ BatchJournal::BatchJournal(const std::string& folder, bool reads) {
     const auto refuse = [&](const std::string& why) {
         throw Failure("--output-dir: cannot write '" + path + "': " + why);
     };
-    // Not through a link, which may lead anywhere; without blocking, as a pipe would.
+    // Does not follow a link, which may lead anywhere, and does not block, as a pipe would.
     constexpr int kFlags = O_RDWR | O_CREAT | O_APPEND | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK;
     mDescriptor = open(path.c_str(), kFlags, 0666);
     if (mDescriptor < 0) refuse(errno == ELOOP ? "it is a link" : std::strerror(errno));
@@ -77,7 +77,7 @@ void BatchJournal::findRecords() {
             const std::string line = rest.substr(begin, end - begin);
             if (isRecord(line)) mPlaces.emplace_back(placeKey(line), offset + begin);
         }
-        if (begin == 0 && rest.size() > kMaxRecord) begin = rest.size();  // no journal's line
+        if (begin == 0 && rest.size() > kMaxRecord) begin = rest.size();  // not a line of a journal
         offset += begin;
         rest.erase(0, begin);
     }
@@ -99,7 +99,7 @@ std::optional<BatchJournal::Record> BatchJournal::find(const std::string& job) c
 }
 
 bool BatchJournal::append(const Record& record) {
-    // A record starts a line even behind one that was cut short.
+    // A record starts a new line even after one that was cut short.
     const std::string line =
         (mCutShort ? "\n" : "") + sealed(record.job + " " + record.content + " " + record.result) + "\n";
     const ssize_t written = write(mDescriptor, line.data(), line.size());

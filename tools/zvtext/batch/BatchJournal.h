@@ -12,19 +12,19 @@ namespace zvtext {
 
 constexpr char kJournalName[] = ".zvtext-batch";
 
-// What a batch has written into a folder: one line for each picture, appended when the picture is whole and
-// in its place, so that a kill at any moment costs at most the line of a picture that is there. Batches may
-// share the folder.
+// Records what a batch has written into a folder: one line for each picture, appended when the picture is
+// complete and in place. So a kill costs at most the record of one existing picture. Batches may share the
+// folder.
 class BatchJournal {
 public:
     struct Record {
-        std::string job;      // digest of all that the picture was made from
+        std::string job;      // digest of everything that the picture was made from
         std::string content;  // digest of the file
-        std::string result;   // JSON, of one line
+        std::string result;   // JSON on one line
     };
 
-    // Opens the folder's journal, making it when missing; with `reads`, finds the records in it: 16 bytes of
-    // memory each. Throws Failure.
+    // Opens the folder's journal and creates it if it is missing. With `reads`, finds the records in it,
+    // which takes 16 bytes of memory each. Throws Failure.
     BatchJournal(const std::string& folder, bool reads);
     ~BatchJournal();
     BatchJournal(const BatchJournal&) = delete;
@@ -32,10 +32,10 @@ public:
 
     int descriptor() const { return mDescriptor; }
 
-    // The last record of the job among those there when the journal was opened.
+    // The job's last record among those that were there when the journal was opened.
     std::optional<Record> find(const std::string& job) const;
 
-    // False where the disk did not take it.
+    // False if the disk is full.
     bool append(const Record& record);
 
 private:

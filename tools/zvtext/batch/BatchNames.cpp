@@ -33,7 +33,7 @@ BatchNames::BatchNames(std::string folder, FolderScope scope, bool tidies)
 }
 
 std::string BatchNames::pathOf(const std::string& option, const std::string& name) const {
-    // Longer ones than any file system takes would be carried along by each result that waits.
+    // Names longer than any file system allows would take memory in each waiting result.
     if (name.size() >= PATH_MAX) throw UsageError(option + ": the name is too long");
     if (name.find('\0') != std::string::npos) throw UsageError(option + ": the name holds a NUL character");
     const fs::path path = fs::path(name).lexically_normal();
@@ -52,14 +52,14 @@ std::string BatchNames::pathOf(const std::string& option, const std::string& nam
 
 void BatchNames::claim(const std::string& option, const std::string& path) {
     const fs::path absolute = (mCurrent / path).lexically_normal();
-    // Links within the folder give one file several names.
+    // Links within the folder can give one file several names.
     std::error_code error;
     const fs::path real = fs::weakly_canonical(absolute, error);
     if (!mTaken.insert(Digest().add((error ? absolute : real).string()).word()).second) {
         throw UsageError(option + ": '" + path + "' is the output of an earlier line");
     }
     const std::string folder = absolute.parent_path().string() + "/";
-    // Before the first line of this folder runs: no temporary file there is one of this batch.
+    // Done before the first line of this folder runs, when it holds no temporary file of this batch yet.
     if (mTidies && mTaken.insert(Digest().add(folder).word()).second) removeTemporaries(folder, mScope);
 }
 

@@ -17,19 +17,19 @@ using namespace Zvex::scene;
 // The name with each "{index}" replaced by the line's number.
 std::string expandTemplate(const std::string& text, uint64_t line);
 
-// Where the files of a batch go. `option` opens the messages of the UsageErrors thrown.
+// The paths of a batch's files. `option` opens the messages of the UsageErrors thrown.
 class BatchNames {
 public:
-    // In a scope that is anywhere names may be absolute or leave the folder. With `tidies` the temporary
-    // files that killed processes left are removed from a folder before the first file of the batch goes
-    // there. Throws Failure where the current folder cannot be told.
+    // In a scope without limits, names may be absolute or leave the folder. With `tidies`, a folder is
+    // cleared of temporary files from killed processes before the first file of the batch goes there. Throws
+    // Failure if the current folder is unknown.
     BatchNames(std::string folder, FolderScope scope, bool tidies);
 
-    // The path for a name of a line. Throws for a name that is empty, too long, a folder's, the journal's,
-    // "-", or outside the folder.
+    // The path for a line's name. Throws if the name is empty, too long, a folder, the journal, "-", or
+    // outside the folder.
     std::string pathOf(const std::string& option, const std::string& name) const;
 
-    // Nobody else may write there from now on; throws where somebody may already. some 40 bytes of memory a
+    // Reserves the path for one line; throws if another line has it. Needs some 40 bytes of memory for each
     // path.
     void claim(const std::string& option, const std::string& path);
 

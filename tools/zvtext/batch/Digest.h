@@ -12,12 +12,12 @@
 
 namespace zvtext {
 
-// 128 bits that tell whether strings are those of before, against chance: XXH3.
+// A 128-bit digest to detect changed strings: XXH3. It guards against chance, not against attackers.
 class Digest {
 public:
     Digest() { XXH3_128bits_reset(mState.get()); }
 
-    // Lengths count, so that "ab", "c" is not "a", "bc".
+    // Lengths are included, so that "ab", "c" differs from "a", "bc".
     Digest& add(const std::string& text) {
         const uint64_t size = text.size();
         XXH3_128bits_update(mState.get(), &size, sizeof size);

@@ -15,12 +15,12 @@ struct GalleryArguments {
 
 void addGalleryOptions(CLI::App& command, GalleryArguments& arguments);
 
-// The names that --only takes, in the order of the page.
+// The names that --only accepts, in the order of the page.
 std::vector<std::string> galleryGroupNames();
 
-// Runs `zvtext gallery`: renders the scenes of scenes.json into the folder, as their command lines do from
-// there, and writes index.html beside them. A scene whose font is missing is left out with a warning. The
-// working folder of the process is the gallery's afterwards. Throws UsageError or Failure.
+// Runs `zvtext gallery`: renders the scenes of scenes.json into the folder, each with its command line run
+// there, and writes index.html beside them. A scene whose font is missing is left out with a warning.
+// Afterwards the gallery is the working folder of the process. Throws UsageError or Failure.
 void runGallery(const GalleryArguments& arguments);
 
 }  // namespace zvtext

@@ -28,11 +28,11 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// Behind the output's name; mkstemp replaces the Xs.
+// Appended to the output's name; mkstemp replaces the Xs.
 const std::string kTemporarySuffix = ".zvtext-XXXXXX";
 
-// Takes the stream and closes it. False, with errno saying why, unless every byte is on its way; with `sync`,
-// on the disk.
+// Writes to the stream and closes it. False, with errno set, unless every byte was written (with `sync`, to
+// the disk).
 bool writeAndClose(const std::string& content, std::FILE* stream, bool sync) {
     if (stream == nullptr) return false;
     bool whole = std::fwrite(content.data(), 1, content.size(), stream) == content.size();
@@ -65,7 +65,7 @@ private:
     sigset_t mBefore;
 };
 
-// Both with the signals held. The note's number, -1 where there is no room for one.
+// Call both with the signals held. Returns the note's number, or -1 if there is no room.
 int noteTemporary(const std::string& path) {
     for (int i = 0; i < kMaxNotes; ++i) {
         if (gNotes[i][0] != '\0' || path.size() >= PATH_MAX) continue;
@@ -80,7 +80,7 @@ void forgetTemporary(int note) {
     if (note >= 0) gNotes[note][0] = '\0';
 }
 
-// The signal comes again at the handler's end and then ends the process.
+// The signal is raised again at the handler's end and then ends the process.
 void onEndingSignal(int number) {
     for (const auto& path : gNotes) {
         if (path[0] != '\0') unlink(path);
@@ -88,16 +88,16 @@ void onEndingSignal(int number) {
     raise(number);
 }
 
-// A file beside the target, under its name as far as that leaves room for the suffix.
+// A file beside the target, named after it as far as the suffix leaves room.
 std::string temporaryName(const std::string& target) {
-    const size_t begin = target.rfind('/') + 1;  // 0 where there is none
+    const size_t begin = target.rfind('/') + 1;  // 0 if there is none
     return target.substr(0, begin) + target.substr(begin, NAME_MAX - kTemporarySuffix.size()) +
            kTemporarySuffix;
 }
 
-// The lock says that its process lives: a file is not removed by others from then on, but may have been
-// before. mkstemp makes the file private; an output keeps the mode of the file that it replaces (`kept`), or
-// gets that of any new file of this process.
+// The lock shows that its process lives: from then on others do not remove the file, but they may have done
+// so before. mkstemp makes the file private. An output keeps the mode of the file that it replaces (`kept`),
+// or gets that of any new file of this process.
 std::FILE* openTemporary(std::string& temporary, std::optional<mode_t> kept) {
     const std::string pattern = temporary;
     int descriptor = -1;
@@ -123,7 +123,7 @@ bool isDanglingLink(const std::string& path) {
     return lstat(path.c_str(), &status) == 0 && S_ISLNK(status.st_mode) && stat(path.c_str(), &status) != 0;
 }
 
-// One file on its way to its place.
+// One file that is being written and then moved into place.
 class StagedFile {
 public:
     // Writes a regular file's content to a temporary name beside it.
@@ -150,7 +150,7 @@ public:
         std::string temporary = temporaryName(mTarget);
         std::FILE* stream = nullptr;
         {
-            const SignalsHeld held;  // no signal between the file and the note of it
+            const SignalsHeld held;  // no signal may come between creating and noting the file
             stream = openTemporary(temporary, mMode);
             if (stream != nullptr) mTemporary = temporary;
             if (stream != nullptr) mNote = noteTemporary(temporary);
@@ -174,7 +174,7 @@ public:
         if (mLock >= 0) close(mLock);
     }
 
-    // Standard output, a device or a pipe: written to, not replaced.
+    // For standard output, a device or a pipe, which are written to and not replaced.
     bool isStream() const { return mStream; }
 
     void commit() {
@@ -210,8 +210,8 @@ private:
         throw Failure(mFile.option + ": '" + mFile.path + "' is a link that leads to no file");
     }
 
-    // Finds the target by its folder's descriptor: whatever becomes of the names on the way to it, the file
-    // goes into the folder that was checked.
+    // Finds the target through its folder's descriptor: even if names on the path to it change, the file goes
+    // into the folder that was checked.
     void findTarget() {
         const FolderScope& scope = mFile.scope;
         fs::path target = fs::path(mFile.path);
@@ -240,12 +240,12 @@ private:
     }
 
     const NewFile mFile;
-    Descriptor mFolder;      // the target's, in a scope that is not anywhere
-    std::string mTarget;     // behind a link, the file it leads to
-    std::string mTemporary;  // empty where there is none
+    Descriptor mFolder;      // the target's folder; unused in a scope without limits
+    std::string mTarget;     // for a link, the file that it leads to
+    std::string mTemporary;  // empty if there is none
     bool mStream;
     std::optional<mode_t> mMode;  // of the file that is replaced
-    int mLock = -1;               // the temporary file's, held until it has its name
+    int mLock = -1;               // the temporary file's lock, held until it is renamed
     int mNote = -1;
 };
 
@@ -295,7 +295,7 @@ void removeTemporaries(const std::string& path, const FolderScope& scope) {
     while (const dirent* entry = entries ? readdir(entries.get()) : nullptr) {
         if (!isTemporary(entry->d_name)) continue;
         const std::string path = folder + "/" + entry->d_name;
-        // For writing, without which some network file systems lock nothing.
+        // Opened for writing, because some network file systems lock nothing otherwise.
         const int descriptor = open(path.c_str(), O_RDWR | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
         if (descriptor < 0) continue;
         if (flock(descriptor, LOCK_EX | LOCK_NB) == 0) unlink(path.c_str());

@@ -11,16 +11,16 @@ namespace zvtext {
 
 using namespace Zvex::scene;
 
-// Writes `content` to `path`. The file appears there only when it is whole: it is written to a temporary name
-// in the same folder, synced, and renamed over whatever stood there. "-" writes to standard output; a device
-// or a pipe is written to, never replaced; behind a link, the file it leads to is replaced. On failure
-// nothing is left or replaced (a process that SIGKILL ends leaves its temporary file); throws Failure with a
-// message that starts with `option`, DiskFull where there is no room. A file that is replaced keeps its mode.
+// Writes `content` to `path`: to a temporary file in the same folder, which is synced and renamed when
+// complete, replacing any file there. "-" is standard output. Devices and pipes are written to, never
+// replaced; for a link, the file that it leads to is replaced. On failure nothing is left or replaced (but a
+// process killed by SIGKILL leaves its temporary file). Throws Failure with a message that starts with
+// `option`; DiskFull if there is no room. A replaced file keeps its mode.
 void writeFile(const std::string& content, const std::string& path, const std::string& option);
 
-// Several files in the same way, all of them or none: the first to be renamed is so when every other is whole
-// as well, and what goes to devices, pipes and standard output has been written. In a scope that is not
-// anywhere only regular files are replaced, and folders that are missing are made.
+// Writes several files in the same way, all of them or none: the first is renamed only when all others are
+// complete, and everything for devices, pipes and standard output has been written. In a limited scope only
+// regular files are replaced, and missing folders are created.
 struct NewFile {
     const std::string& content;
     const std::string& path;
@@ -29,15 +29,15 @@ struct NewFile {
 };
 void writeFiles(const std::vector<NewFile>& files);
 
-// From now on SIGINT, SIGTERM and SIGHUP remove the temporary files of this process before they end it.
-// Signals that are ignored stay so.
+// From now on SIGINT, SIGTERM and SIGHUP remove this process's temporary files before they end it. Ignored
+// signals stay ignored.
 void removeTemporariesOnSignals();
 
-// Prints `text` on standard output and sees that it arrives; throws Failure where it does not.
+// Prints `text` on standard output and checks that it was written; throws Failure if not.
 void print(const std::string& text);
 
-// Removes the temporary files that killed processes have left in the folder, if it is one of the scope's;
-// those of a process that lives stay. What cannot be removed is left.
+// Removes temporary files of killed processes from the folder, if the scope allows that folder. Files of
+// living processes stay, and so do files that cannot be removed.
 void removeTemporaries(const std::string& folder, const FolderScope& scope);
 
 }  // namespace zvtext
