@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// Damaged fonts, from the file's bytes through the font manager and the layout to a picture: refused or
-// drawn, twice the same.
+// Damaged fonts, from the file's bytes through the font manager and the layout to a picture: each is refused,
+// or drawn twice with the same result.
 #include <algorithm>
 #include <cstring>
 #include <string>
@@ -29,7 +29,7 @@ void writeBig(std::string& file, size_t at, size_t count, uint32_t value) {
         file[at + i] = static_cast<char>(value >> 8 * (count - 1 - i));
 }
 
-// Changes of the file, mostly where the tables have their counts and offsets: at their starts.
+// Changes the file, mostly where tables have their counts and offsets: at their starts.
 std::string damaged(const std::string& original, fuzz::Input& input) {
     std::string file = original;
     const size_t tables = readBig(file, 4, 2);
@@ -59,8 +59,8 @@ std::string damaged(const std::string& original, fuzz::Input& input) {
     return file;
 }
 
-// Damage to the units of an em makes glyphs of many million pixels, up to the limit. They take the time of
-// those, with the sanitizers ten times as much, and run through the same code.
+// A damaged units-per-em value makes glyphs of many million pixels, up to the limit. They are slow, ten times
+// slower with the sanitizers, and run the same code.
 constexpr uint64_t kLarge = 4'000'000;
 
 uint64_t pixelsOf(const host::InkBox& box) {
@@ -77,7 +77,7 @@ bool drawsLarge(const std::string& file, const host::GlyphStyle& style) {
 }
 
 void askFace(const std::string& file, const host::GlyphStyle& style, fuzz::Input& input) {
-    // In memory of exactly its size.
+    // The memory has exactly the file's size, so that a read beyond it is found.
     const std::vector<char> bytes(file.begin(), file.end());
     const auto face =
         host::FontFace::open(bytes.data(), bytes.size(), input.byte() < 250 ? 0 : input.integer());

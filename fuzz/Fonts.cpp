@@ -34,7 +34,7 @@ constexpr Source kSources[] = {
      U"\U0001F600\U0001F468\u200D\u2764\uFE0F\U0001F1E9\U0001F1EA"},
 };
 
-// Its own table says where the axes of the variable font stand.
+// The port's own table gives the axis values of the variable font.
 void setAxes(hb_face_t* face) {
     static constexpr char kValues[] = "wght\x02\x8A\x00\x00slnt\xFF\xFC\x00\x00";
     hb_blob_t* table =
@@ -43,7 +43,7 @@ void setAxes(hb_face_t* face) {
     hb_blob_destroy(table);
 }
 
-// Empty when the file is missing or is no font.
+// Empty if the file is missing or is no font.
 std::string subset(const Source& source) {
     std::string bytes;
     hb_blob_t* file = hb_blob_create_from_file(source.path);

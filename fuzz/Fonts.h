@@ -7,16 +7,17 @@
 
 namespace fuzz {
 
-// A font with a few characters of an installed one, made when the process starts: small, so that a changed
-// byte matters.
+// A font with a few characters of an installed one, made when the process starts. It is small, so that most
+// changed bytes matter.
 struct Font {
     std::string name;
     std::string bytes;
-    std::u32string characters;  // what it has, and some that join them
+    std::u32string characters;  // its characters, and some that join them
 };
 
-// TrueType outlines of several scripts, CFF outlines, colour strikes, a variable font off its defaults. Those
-// that scripts/setup installs; one that is missing is said on standard error and left out. Never empty.
+// TrueType outlines of several scripts, CFF outlines, colour strikes, and a variable font with other than the
+// default axis values. scripts/setup installs their sources; a missing one is reported on standard error and
+// left out. Never empty.
 const std::vector<Font>& fonts();
 
 }  // namespace fuzz

@@ -11,8 +11,8 @@
 #include <limits>
 #include <string>
 
-// What every fuzz target is made of: the values it reads from the bytes that the fuzzer makes, and the check
-// that ends the process when two ways to one result disagree.
+// The base of every fuzz target: reads values from the fuzzer's bytes, and ends the process if two ways to
+// one result differ.
 
 // The entry of a target. Returns 0.
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size);
@@ -27,7 +27,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size);
 
 namespace fuzz {
 
-// Reads from the front. Past the end everything reads as 0, so every input is a whole one and a short one
+// Reads from the front. Beyond the end everything reads as 0, so every input is complete, and a short one
 // does little.
 class Input {
 public:
@@ -36,7 +36,7 @@ public:
     size_t left() const { return static_cast<size_t>(mEnd - mAt); }
     uint8_t byte() { return mAt < mEnd ? *mAt++ : 0; }
     bool flag() { return (byte() & 1) != 0; }
-    // Two bytes, most significant first, as all that is read.
+    // Two bytes, most significant first; all values are read that way.
     uint16_t half() {
         const uint8_t high = byte();
         return static_cast<uint16_t>(high << 8 | byte());
@@ -47,7 +47,7 @@ public:
         return value;
     }
 
-    // Of one byte where the range allows: a changed byte is another value, and the values after it stay.
+    // Takes one byte if the range allows, so that a changed byte changes one value and keeps those after it.
     int between(int first, int last) {
         const uint32_t range = static_cast<uint32_t>(last) - static_cast<uint32_t>(first) + 1;
         const uint32_t value = range == 0 ? word() : (range <= 256 ? byte() : word()) % range;
@@ -58,7 +58,7 @@ public:
         return values[byte() % kCount];
     }
 
-    // Any int: small ones mostly, the ends of the range, any bits.
+    // Any int: mostly small ones, the ends of the range, any bits.
     int integer() {
         static constexpr int kEnds[] = {INT_MIN, INT_MIN + 1, -65536, -32769, 32768,       65535,
                                         65536,   1 << 24,     -1,     256,    INT_MAX - 1, INT_MAX};
@@ -69,7 +69,7 @@ public:
         return flag() ? -bits : bits;
     }
 
-    // Any float: usual ones mostly, those without a use, any bits.
+    // Any float: mostly usual ones, useless ones, any bits.
     float number() {
         static constexpr float kInfinite = std::numeric_limits<float>::infinity();
         static constexpr float kOdd[] = {std::numeric_limits<float>::quiet_NaN(),
@@ -92,19 +92,19 @@ public:
             std::memcpy(&value, &bits, sizeof(value));
             return value;
         }
-        // A step of 0.01 over 0 to 1, or quarters from -32.
+        // Steps of about 0.01 from 0 to 1, or quarters from -32.
         return kind < 128 ? static_cast<float>(kind - 32) * 0.0105f
                           : static_cast<float>(between(-128, 1919)) * 0.25f;
     }
 
-    // The next `most` bytes at most, as many as a length before them says.
+    // At most the next `most` bytes; a length before them gives the number.
     std::string text(size_t most) {
         const size_t length = most < 256 ? byte() : half();
         return take(length % (most + 1));
     }
     std::string rest() { return take(left()); }
 
-    // `count` bytes from few of the input: noise, runs of the usual values 0 and 255, or one value.
+    // Makes `count` bytes from a few of the input: noise, runs of the usual values 0 and 255, or one value.
     void fill(uint8_t* target, size_t count) {
         const uint8_t kind = byte();
         uint32_t noise = word() | 1;

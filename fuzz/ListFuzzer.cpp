@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-// The list's operations in any order against a vector, with the error code that each step leaves. A position
-// is the index it stands on, or kPastEnd. Of several positions on a removed element only the one in the
-// lowest of the ten slots moves on; RemoveAll takes the slots but leaves the positions past the end until
+// The list's operations in any order, compared with a vector, with the error code after each step. A position
+// is the index of its element, or kPastEnd. If several positions are on a removed element, only the one in
+// the lowest of the ten slots moves on. RemoveAll frees the slots, but the positions stay past the end until
 // they are ended.
 #include "foundation/List.h"
 
@@ -17,7 +17,7 @@ using Zvex::List;
 
 constexpr int kPastEnd = -1;
 
-// Elements are never followed, so small numbers do.
+// Elements are never dereferenced, so small numbers will do.
 void* item(uintptr_t value) {
     return reinterpret_cast<void*>(value);
 }
@@ -46,7 +46,7 @@ private:
     struct Position {
         long number;
         int index;
-        int slot;  // -1 once RemoveAll took it
+        int slot;  // -1 after RemoveAll freed it
     };
 
     int count() const { return static_cast<int>(mModel.size()); }
@@ -133,7 +133,7 @@ private:
                 mOpen.erase(mOpen.begin() + (mPosition - mOpen.data()));
                 break;
             case 13:
-            case 14:  // a step from past the end fails and goes on from the other end
+            case 14:  // a step from past the end fails and continues at the other end
                 expectResult(mList.NextData(p.number),
                              pastEnd ? Zvex::ZV_ERROR_NOT_FOUND : Zvex::ZV_ERROR_NONE);
                 p.index = pastEnd ? first() : p.index + 1 < count() ? p.index + 1 : kPastEnd;

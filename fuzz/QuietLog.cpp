@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// The log's sink for fuzz targets: lines are formatted, so that what they are made of is read, and go
-// nowhere.
+// The log for fuzz targets: formats the lines, so that their arguments are read, and drops them.
 #include <android/log.h>
 
 #include <cstdarg>

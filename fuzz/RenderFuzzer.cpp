@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-// Text objects as a caller uses them: text, font, paint, view, lines, colours and effects in any order and
-// with any values, several renderings of one object while the system's fonts change. Each picture is that of
-// a fresh object that was told the same and draws its glyphs anew.
+// Text objects as callers use them: text, font, paint, view, lines, colours and effects in any order and with
+// any values; several renderings of one object while the system's fonts change. Each picture must equal that
+// of a new object with the same settings, which draws its glyphs again.
 #include <algorithm>
 #include <cmath>
 #include <memory>
@@ -23,7 +23,7 @@ using namespace Zvex;
 
 constexpr int64_t kMostPixels = 220 * 220;
 
-// Each by its name.
+// Adds each font under its name.
 void addFonts() {
     for (const fuzz::Font& font : fuzz::fonts()) {
         char* buffer = new char[font.bytes.size()];
@@ -36,7 +36,7 @@ void addFonts() {
 
 constexpr unsigned kAllFamilies = 0xFF;
 
-// The fonts whose bits are set, each a family of the system's.
+// Makes the fonts whose bits are set families of the system.
 void setFamilies(unsigned wanted) {
     static unsigned present = 0;
     if (present == wanted) return;
@@ -59,7 +59,7 @@ void setFamilies(unsigned wanted) {
     FontManager::GetInstance()->SetSystemFontFamilies(families);
 }
 
-// What an object was told, so that another one can be told the same.
+// The settings of an object, for giving them to another one.
 struct Told {
     bool bold = false, italic = false, background = false;
     std::wstring text;
@@ -72,7 +72,7 @@ struct Told {
 
 std::wstring readText(fuzz::Input& input) {
     std::wstring text;
-    // Few mostly, so that short inputs have steps after them.
+    // Mostly few, so that short inputs have steps after them.
     const uint8_t length = input.byte();
     for (int i = length < 224 ? length % 8 : length - 216; i > 0; --i) {
         const uint8_t byte = input.byte();
@@ -87,15 +87,15 @@ std::wstring readText(fuzz::Input& input) {
     return text.substr(0, text.find(L'\0'));
 }
 
-// Text of any size has no end in pixels; what is drawn here stays small, and what cannot be drawn may be
-// anything.
+// Text of unlimited size has unlimited pixels. Sizes that are drawn stay small here; sizes that cannot be
+// drawn may be anything.
 float readSize(fuzz::Input& input, float most) {
     const float value =
         input.byte() < 200 ? static_cast<float>(input.between(0, 255)) * most / 255 : input.number();
     return std::isfinite(value) && std::fabs(value) > most ? most : value;
 }
 
-// One thing at a time, so that a picture kept for another paint is seen.
+// Changes one thing at a time, so that a picture kept for another paint is found.
 void changePaint(fuzz::Input& input, android::Paint& paint) {
     static const char* const kFeatures[] = {"", "liga, -kern", "smcp, c2sc=1",
                                             "\"aalt\" 2, x,,=", "-liga[2:4], frac"};
@@ -148,7 +148,7 @@ void tellLines(ZvTextObject& object, const std::vector<ZvLineInfo>& lines) {
 }
 
 void addEffect(ZvEffect& effect, fuzz::Input& input) {
-    // Small ones mostly: pictures with the margins of others are not drawn.
+    // Mostly small ones: pictures with large margins are not drawn.
     LayerSettings s(readSize(input, 12));
     s.depth = s.opacity = input.number();
     s.highlightOpacity = input.number();
@@ -169,7 +169,7 @@ void addEffect(ZvEffect& effect, fuzz::Input& input) {
     }
 }
 
-// Nothing where the picture would be larger than a small view.
+// Empty if the picture would be larger than a small view.
 struct Size {
     int width = 0, height = 0;
 };
@@ -184,7 +184,7 @@ Size sizeOf(const Told& told, ZvEffect& effect) {
     return {static_cast<int>(width), static_cast<int>(height)};
 }
 
-// The view is filled in before every rendering.
+// Fills in the view before every rendering.
 std::vector<uint32_t> render(ZvTextObject& object, const Told& told) {
     ZvView& view = *object.GetView();
     view.SetSize(told.width, told.height);
@@ -202,7 +202,7 @@ std::vector<uint32_t> render(ZvTextObject& object, const Told& told) {
 
 class ObjectAndModel {
 public:
-    // Draws a line of some text, so that each change that follows finds a picture made before it.
+    // Draws a line of text first, so that each change comes after a picture.
     explicit ObjectAndModel(fuzz::Input& input) : mInput(input), mObject(new ZvTextObject) {
         ZVEX_FUZZ_CHECK(mObject->Construct());
         setFont();
@@ -259,12 +259,12 @@ public:
             default:
                 setFamilies(mInput.byte());
         }
-        // Mostly at once: of two changes, either makes the object draw anew.
+        // Mostly compares at once: with two changes, either one makes the object draw again.
         if (mInput.byte() < 170 && mRendered++ < 4) compare();
     }
 
     void compare() {
-        // New lines each time: a rendering moves theirs.
+        // New lines each time, because a rendering moves them.
         tellLines(*mObject, mTold.lines);
         const std::vector<uint32_t> picture = render(*mObject, mTold);
         host::clearGlyphCache();

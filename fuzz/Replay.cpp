@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-// The main of a fuzz target without libFuzzer: runs the files of the folders given (one that is not there has
-// none), then seeded random inputs. Where a check fails, or an input takes too long, it is printed as
-// `printf` takes it.
+// The main function of a fuzz target without libFuzzer: runs the files of the given folders (a missing folder
+// has none), then seeded random inputs. If a check fails or an input takes too long, prints the input as
+// arguments for `printf`.
 #include <signal.h>
 #include <unistd.h>
 
@@ -30,7 +30,7 @@ extern "C" void showInput(int signal) {
     _exit(1);
 }
 
-// In memory of its own size, so that a read beyond it is one.
+// The memory has exactly the input's size, so that the sanitizer finds a read beyond it.
 void run(const std::vector<uint8_t>& bytes) {
     current.assign(bytes.begin(), bytes.end());
     current.shrink_to_fit();

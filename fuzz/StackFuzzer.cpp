@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
-// An effect stack through a program of operations: layers come, change and go, pictures are drawn in both
-// ways, renderings are given up halfway or put together of any operations in any order. Both ways give the
-// same picture, and so does a copy of the stack.
+// Runs a program of operations on an effect stack: layers are added, changed and removed, pictures are drawn
+// in both ways, renderings are abandoned or composed of any operations in any order. Both ways must give the
+// same picture, and so must a copy of the stack.
 #include <memory>
 #include <string>
 #include <vector>
@@ -23,8 +23,8 @@ struct Line {
     ZvBitmap coverage;
 };
 
-// Any numbers. The adders do not limit the size of reliefs. One of thousands of pixels takes as many seconds;
-// beyond those it does not fit, and nothing is drawn.
+// Any numbers. The adders do not limit the size of reliefs. A relief of thousands of pixels takes seconds; a
+// much larger one does not fit, and nothing is drawn.
 LayerSettings readSettings(fuzz::Input& input, int type, const ZvBitmap& pattern) {
     LayerSettings s;
     float* const numbers[] = {&s.size,     &s.distance,      &s.angle, &s.opacity,
@@ -84,9 +84,9 @@ public:
 
     void compare() {
         ZvEffect copy(mStack);
-        ZVEX_FUZZ_CHECK(mStack.hasEffect(ZV_EFFECT_PATTERN) ||  // whose bitmap's address is in the key
+        ZVEX_FUZZ_CHECK(mStack.hasEffect(ZV_EFFECT_PATTERN) ||  // its bitmap's address is in the key
                         keyOf(mStack) == keyOf(copy));
-        if (!mStack.textRectReset) {  // the box of a rendering that was given up is part of the next one's
+        if (!mStack.textRectReset) {  // the box of an abandoned rendering is part of the next one's
             copy.textRect = mStack.textRect;
             copy.textRectReset = false;
             checkSame(inLayers(copy), asPicture(mStack));
@@ -145,7 +145,7 @@ private:
             delete mStack.getSrcBitmap();
             mStack.setSrcBitmap(a < 0 ? nullptr : new ZvBitmap(readBitmap(60, a == 0 ? 4 : 1)));
         } else if (kind == 7) {
-            // All of a mask may be read and written.
+            // Callers may read and write the whole mask.
             ZvBitmap* mask = mStack.getSrcBitmap();
             if (mask != nullptr && mask->pixels != nullptr) {
                 for (size_t at = 0; at < mask->byteCount(); ++at) mask->pixels[at] ^= mask->pixels[at] > 7;
