@@ -24,7 +24,7 @@ void* fresh(size_t bytes, void* (*allocate)(size_t)) {
     if (bytes == 0) return nullptr;
     void* memory = isKept(bytes) ? allocate(2 * bytes) : nullptr;
     if (memory == nullptr) memory = allocate(bytes);
-    preferLargePages(memory, bytes);  // in time: fresh memory is not touched yet
+    preferLargePages(memory, bytes);  // before the memory is touched
     return memory;
 }
 

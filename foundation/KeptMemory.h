@@ -6,11 +6,11 @@
 
 namespace Zvex {
 
-// Blocks that the buffers of one picture leave for those of the next. Fresh memory costs more than drawing
-// into it.
+// Keeps the memory of one picture's buffers for the next picture, because fresh memory costs more than
+// drawing into it.
 //
-// It keeps blocks between 16 kB and 64 MB, each with room to grow: a picture that becomes larger step by step
-// needs a new one now and then. All of them are freed together with this object.
+// It keeps blocks between 16 kB and 64 MB, each with room to grow, so that a picture that grows step by step
+// needs a new block only now and then. All are freed together with this object.
 class KeptMemory {
 public:
     KeptMemory() = default;
@@ -22,7 +22,7 @@ public:
     // thread at a time.
     class Use {
     public:
-        explicit Use(KeptMemory* memory);  // null: as if there were none
+        explicit Use(KeptMemory* memory);  // null: keeps nothing
         ~Use();
         Use(const Use&) = delete;
         Use& operator=(const Use&) = delete;
@@ -31,9 +31,9 @@ public:
         KeptMemory* const mBefore;
     };
 
-    // What takeMemory and giveMemory do.
-    void* take(size_t bytes);  // a kept block, unset; null where none is large enough
-    bool keep(void* block);    // false: it is the caller's to free
+    // Used by takeMemory and giveMemory.
+    void* take(size_t bytes);  // a kept block with undefined content; null if none is large enough
+    bool keep(void* block);    // false: the caller must free it
 
 private:
     static constexpr size_t kMostBlocks = 128;
@@ -41,13 +41,13 @@ private:
         void* memory;
         size_t bytes;
     };
-    Block mBlocks[kMostBlocks];  // those that wait
+    Block mBlocks[kMostBlocks];  // blocks not in use
     size_t mCount = 0;
 };
 
-// malloc, calloc and free for the large buffers of a picture. Blocks come from malloc wherever they are kept:
-// std::free takes them too, and giveMemory takes any block of malloc. Null, without a mark, where memory is
-// short, and for 0 bytes.
+// malloc, calloc and free for a picture's large buffers. All blocks come from malloc: std::free may free
+// them, and giveMemory takes any block from malloc. Null, without setting the flag of OutOfMemory.h, if
+// memory is short, and for 0 bytes.
 void* takeMemory(size_t bytes);
 void* takeZeroedMemory(size_t bytes);
 void giveMemory(void* block);

@@ -22,24 +22,24 @@ public:
     int number() const { return mNumber; }
     explicit operator bool() const { return mNumber >= 0; }
 
-    // What it is open on, by this name: /proc/self/fd/N.
+    // The name of the open file: /proc/self/fd/N.
     std::string name() const { return "/proc/self/fd/" + std::to_string(mNumber); }
 
 private:
     int mNumber;
 };
 
-// Where the files may lie that a style or a line of a batch names: those who write the one and those who run
-// the program need not be the same. Anywhere, or in some folders and below them. Names with "..", absolute
-// ones and links are all good, as long as they end there.
+// The folders that files named in a style or a batch line may be in; the author of the style need not be the
+// user of the program. Either anywhere, or in some folders and below them. Names with "..", absolute names
+// and links are allowed if they lead there.
 class FolderScope {
 public:
     FolderScope() = default;  // anywhere
 
-    // Folders that are not there hold nothing. `user` opens the rest of a refusal: "a style may read; ...".
+    // Missing folders hold nothing. `user` opens the rest of a refusal: "a style may read; ...".
     FolderScope(const std::vector<std::string>& folders, std::string user);
 
-    // Adds folders that refusals do not name.
+    // Adds folders that refusals do not mention.
     void addQuietly(const std::vector<std::string>& folders);
 
     bool isAnywhere() const { return mAnywhere; }
@@ -52,23 +52,23 @@ public:
 
     // Whether the path, without links and dots, is one of the folders or below one.
     bool holds(const std::string& resolved) const;
-    // The same of what the descriptor is open on.
+    // The same for the descriptor's file.
     bool holds(const Descriptor& descriptor) const;
 
-    // Opens a regular file below the folders to read it; nothing else is opened on the way, so that neither a
-    // pipe waits for a writer nor a device stirs. Throws Failure, its message starting with `option`. Only
-    // where the scope is not anywhere.
+    // Opens a regular file below the folders for reading. It opens nothing else on the way, so that no pipe
+    // waits for a writer and no device is touched. Throws Failure, its message starting with `option`. Only
+    // for scopes that are not anywhere.
     Descriptor openFile(const std::string& option, const std::string& path) const;
 
-    // Opens the folder without reading it, and makes it, with those around it, where it is missing. Throws
-    // Failure as openFile does; only where the scope is not anywhere.
+    // Opens the folder without reading it, and creates it and its parents if missing. Throws Failure as
+    // openFile does. Only for scopes that are not anywhere.
     Descriptor makeFolder(const std::string& option, const std::string& path) const;
 
     // "--font: '/etc/x' lies outside '/home/me', where a style may read; ..."
     std::string refusal(const std::string& option, const std::string& path) const;
 
-    // Whether a path that cannot be opened would lie inside: judged by its deepest folder that exists.
-    // Messages about a path outside must not depend on what is there.
+    // Whether a path that cannot be opened would be inside, judged by its deepest existing folder. Messages
+    // about a path outside must not depend on what exists there.
     bool wouldHold(const std::string& path) const;
 
 private:
@@ -77,15 +77,15 @@ private:
     std::string mUser;
 };
 
-// The path without links and dots; empty when nothing lies there.
+// The path without links and dots; empty if nothing is there.
 std::string resolvedPath(const std::string& path);
 
-// What the command line lets files name beyond their own folders.
+// The folders that the command line lets files name, besides their own.
 struct ReadOptions {
     std::vector<std::string> folders;
     bool anywhere = false;
 
-    // These folders and `own`. `user` as above, without what it may do.
+    // These folders and `own`. `user` as above, without the verb.
     FolderScope scopeWith(std::vector<std::string> own, const std::string& user) const;
 };
 

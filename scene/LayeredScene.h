@@ -14,7 +14,8 @@
 
 namespace Zvex::scene {
 
-// The stacks of a style's layers, or of its effects as the only layer. Throws Failure as addEffects does.
+// The effect stacks of a style's layers, or of its effects as the only layer. Throws Failure as addEffects
+// does.
 struct LayerStacks {
     explicit LayerStacks(const Style& style);
 
@@ -25,20 +26,19 @@ private:
     void add(const Look& look, uint32_t color);
 };
 
-// The colour with its alpha times the opacity.
+// The colour, its alpha multiplied by the opacity.
 uint32_t withOpacity(uint32_t color, double opacity);
 
-// What draws a style with layers, or with a canvas.
+// Draws a style with layers or with a canvas.
 class LayeredScene {
 public:
     static bool isFor(const Style& style) { return !style.layers.empty() || style.canvas.has_value(); }
 
-    // Sets up the object's colours and its effects, which ask for the layers' margins. The object and the
-    // style must stay. Throws Failure.
+    // Sets up the object's colours and effects, which ask for the layers' margins. The object and the style
+    // must outlive this. Throws Failure.
     LayeredScene(const Style& style, Zvex::ZvTextObject& object);
 
-    // The object's lines and view are made. `picture` is transparent, 4 bytes a pixel, and becomes straight
-    // words 0xAARRGGBB. Throws Failure when memory is short.
+    // The object's lines and view must be set. Throws Failure if memory is short.
     void render(Zvex::ZvBitmap& picture);
 
 private:

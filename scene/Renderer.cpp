@@ -47,21 +47,21 @@ void alignLines(std::vector<Zvex::LaidOutLine>& lines, Scene::Align align, int i
     }
 }
 
-// A scene's lines in its view, and the size of the picture: the view's and the margins of the effects.
+// A scene's lines in its view, and the size of the picture: the view plus the effects' margins.
 struct PlacedScene {
     int width = 0, height = 0;
     Margins margins;
-    size_t first = 0;               // of the text's lines, that which shows first
-    std::vector<ZvLineInfo> lines;  // those that show
+    size_t first = 0;               // the first line of the text that shows
+    std::vector<ZvLineInfo> lines;  // the lines that show
 };
 
-// Sets up the object's view, whose effects are added.
+// Sets up the object's view; its effects must have been added.
 PlacedScene placeScene(ZvTextObject& object, const Scene& scene, std::vector<Zvex::LaidOutLine> lines) {
     PlacedScene placed;
     const size_t shown = scene.maxLines > 0
                              ? std::min<size_t>(lines.size(), static_cast<size_t>(scene.maxLines))
                              : lines.size();
-    // Under a line limit, bottom gravity shows the last lines and any other the first.
+    // With a line limit, bottom gravity shows the last lines, any other the first.
     placed.first = scene.gravity == Scene::Gravity::Bottom ? lines.size() - shown : 0;
     const int linesHeight = lines[placed.first + shown - 1].bottom - lines[placed.first].top;
     float widest = 1;
@@ -80,7 +80,7 @@ PlacedScene placeScene(ZvTextObject& object, const Scene& scene, std::vector<Zve
                       effect.getBottomOffset()};
     const int64_t width = viewWidth + placed.margins.left + placed.margins.right;
     const int64_t height = viewHeight + placed.margins.top + placed.margins.bottom;
-    // A picture for each layer, beside the one they are joined on.
+    // One picture for each layer, besides the one that they are joined on.
     const auto pictures = static_cast<int64_t>(std::max<size_t>(scene.style.layers.size(), 1));
     const int64_t side = std::min(scene.limits.side, kMaxSide);
     const int64_t most = std::min(scene.limits.pixels, 3 * kMaxPixels / pictures);
@@ -101,7 +101,7 @@ PlacedScene placeScene(ZvTextObject& object, const Scene& scene, std::vector<Zve
     return placed;
 }
 
-// `glyphs` are those of the first line placed.
+// `glyphs` are those of the first placed line.
 std::vector<LineMetrics> measureLines(const std::vector<ZvLineInfo>& placed,
                                       const std::vector<LineGlyph>* glyphs, const Margins& margins,
                                       const std::string& text) {
@@ -131,7 +131,7 @@ void setLines(ZvTextObject& object, const std::vector<ZvLineInfo>& placed) {
     object.SetLineInfo(&records);  // the text object owns the records now
 }
 
-// What a text's lines and glyphs depend on.
+// Everything that a text's lines and glyphs depend on.
 struct ShapedFrom {
     std::string text;
     Font font;
@@ -167,7 +167,7 @@ private:
 
 }  // namespace
 
-// A text laid out, without a look. Its object keeps the lines' images.
+// A laid-out text, without its style. Its object keeps the lines' images.
 struct Renderer::Text {
     explicit Text(const Scene& scene) : from(scene), fonts(takeFonts(scene)) {
         if (!object.Construct()) throw std::bad_alloc();
@@ -193,13 +193,13 @@ Renderer::~Renderer() = default;
 Renderer::Renderer(Renderer&&) noexcept = default;
 Renderer& Renderer::operator=(Renderer&&) noexcept = default;
 
-// Without a sink nothing is drawn. The picture of the result is empty but for its size.
+// Without a sink nothing is drawn. The result's picture has only its size.
 Rendering Renderer::make(const Scene& scene, const Sink& sink) {
     checkScene(scene);
     const host::RenderingOfThread drawnSo(scene.rendering);
     const Zvex::KeptMemory::Use memory(mKept->memory.get());
-    Zvex::takeOutOfMemoryMark();                          // an earlier picture's
-    std::unique_ptr<Text> text = std::move(mKept->text);  // gone where this picture fails
+    Zvex::takeOutOfMemoryMark();                          // left by an earlier picture
+    std::unique_ptr<Text> text = std::move(mKept->text);  // lost if this picture fails
     if (text == nullptr || !(text->from == ShapedFrom(scene))) {
         text.reset();
         text = std::make_unique<Text>(scene);

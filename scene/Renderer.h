@@ -11,10 +11,10 @@
 
 namespace Zvex::scene {
 
-// Renders scenes one after the other, such as those of an animation, and keeps what the next may need: as
-// long as text, fonts, size and wrapping stay, the shaped lines and their glyphs, so that another style costs
-// no more than its effects; and always its working memory, a few times the picture's bytes, up to 64 MB a
-// buffer. The pictures are those of the functions in Scene.h. For one thread at a time.
+// Renders scenes one after another, such as those of an animation, and keeps what the next may need. It keeps
+// the shaped lines and their glyphs while text, fonts, size and wrapping stay the same, so that another style
+// costs only its effects. It also keeps its working memory, a few times the picture's bytes, up to 64 MB a
+// buffer. The pictures equal those of the functions in Scene.h. For one thread at a time.
 //
 //     Renderer renderer;
 //     for (int i = 0; i < 30; ++i) {
@@ -30,7 +30,7 @@ public:
     Renderer(Renderer&& other) noexcept;
     Renderer& operator=(Renderer&& other) noexcept;
 
-    // As the functions of their names. After an exception the renderer goes on as if new.
+    // Like the functions with these names in Scene.h. After an exception the renderer works like a new one.
     Rendering render(const Scene& scene);
     Rendering measure(const Scene& scene);
     Rendering renderInto(const Scene& scene, uint32_t* pixels, int width, int height, size_t stride,
@@ -39,7 +39,7 @@ public:
 private:
     struct Text;
     struct Kept;
-    // Takes the picture of width x height straight 0xAARRGGBB words where the library holds it.
+    // Receives the picture, width x height straight 0xAARRGGBB words in the library's memory.
     using Sink = std::function<void(const unsigned* pixels, int width, int height)>;
 
     Rendering make(const Scene& scene, const Sink& sink);
