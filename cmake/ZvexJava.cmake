@@ -6,9 +6,15 @@ find_program(ZVEX_JAVAC javac HINTS $ENV{JAVA_HOME} ${ZVEX_JDKS} PATH_SUFFIXES b
 find_program(ZVEX_JAR jar HINTS $ENV{JAVA_HOME} ${ZVEX_JDKS} PATH_SUFFIXES bin)
 find_program(ZVEX_JAVA java HINTS $ENV{JAVA_HOME} ${ZVEX_JDKS} PATH_SUFFIXES bin)
 find_file(ZVEX_JUNIT_JAR junit-platform-console-standalone.jar HINTS /usr/share/java)
-mark_as_advanced(ZVEX_JAVAC ZVEX_JAR ZVEX_JAVA ZVEX_JUNIT_JAR)
+# org.json as Android has it, for the kit's styles; an application on a desktop puts it on its class path.
+find_file(ZVEX_JSON_JAR com.android.json.jar HINTS /usr/share/java)
+mark_as_advanced(ZVEX_JAVAC ZVEX_JAR ZVEX_JAVA ZVEX_JUNIT_JAR ZVEX_JSON_JAR)
 if(NOT ZVEX_JAVAC OR NOT ZVEX_JAR OR NOT ZVEX_JAVA)
   message(STATUS "No JDK found: the Java kit is not built (set JAVA_HOME)")
+  return()
+endif()
+if(NOT ZVEX_JSON_JAR)
+  message(STATUS "No org.json found: the Java kit is not built (libandroid-json-java has it)")
   return()
 endif()
 
@@ -16,22 +22,34 @@ set(ZVEX_JAVA_DIR ${PROJECT_BINARY_DIR}/java)
 set(ZVEX_KIT_JAR ${ZVEX_JAVA_DIR}/zvex-kit.jar)
 set(ZVEX_ANDROID_JAR ${ZVEX_JAVA_DIR}/zvex-android.jar)
 
-# zvex_add_jar(JAR SOURCE_FOLDER RELEASE [jars it is compiled against...])
-function(zvex_add_jar jar folder release)
-  file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${folder}/*.java)
-  cmake_path(GET jar STEM name)
+# zvex_add_jar(JAR jar SOURCES folders... RELEASE release [PATH jars...] [RESOURCES files of the tree...])
+function(zvex_add_jar)
+  cmake_parse_arguments(PARSE_ARGV 0 arg "" "JAR;RELEASE" "SOURCES;PATH;RESOURCES")
+  set(sources)
+  foreach(folder IN LISTS arg_SOURCES)
+    file(GLOB_RECURSE found CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/${folder}/*.java)
+    list(APPEND sources ${found})
+  endforeach()
+  set(resources)
+  foreach(file IN LISTS arg_RESOURCES)
+    list(APPEND resources -C ${PROJECT_SOURCE_DIR} ${file})
+  endforeach()
+  cmake_path(GET arg_JAR STEM name)
   set(classes ${ZVEX_JAVA_DIR}/${name})
-  add_custom_command(OUTPUT ${jar}
+  list(JOIN arg_PATH : path)
+  add_custom_command(OUTPUT ${arg_JAR}
       COMMAND ${CMAKE_COMMAND} -E rm -rf ${classes}
-      COMMAND ${ZVEX_JAVAC} --release ${release} -encoding UTF-8 -Xlint:all,-options,-classfile -Werror -d ${classes}
-              "$<$<BOOL:${ARGN}>:-cp;$<JOIN:${ARGN},:>>" ${sources}
-      COMMAND ${ZVEX_JAR} --create --file ${jar} -C ${classes} .
-      DEPENDS ${sources} ${ARGN} COMMENT "Java: ${name}.jar" VERBATIM COMMAND_EXPAND_LISTS)
+      COMMAND ${ZVEX_JAVAC} --release ${arg_RELEASE} -encoding UTF-8 -Xlint:all,-options,-classfile -Werror -d ${classes}
+              "$<$<BOOL:${path}>:-cp;${path}>" ${sources}
+      COMMAND ${ZVEX_JAR} --create --file ${arg_JAR} -C ${classes} . ${resources}
+      DEPENDS ${sources} ${arg_PATH} ${arg_RESOURCES} COMMENT "Java: ${name}.jar" VERBATIM COMMAND_EXPAND_LISTS)
 endfunction()
 
-zvex_add_jar(${ZVEX_ANDROID_JAR} ${PROJECT_SOURCE_DIR}/platform/host/java 17)
-# Java 8, which every supported Android version understands.
-zvex_add_jar(${ZVEX_KIT_JAR} ${PROJECT_SOURCE_DIR}/kit/java 8 ${ZVEX_ANDROID_JAR})
+zvex_add_jar(JAR ${ZVEX_ANDROID_JAR} SOURCES platform/host/java RELEASE 17)
+# Java 8, which every supported Android version understands. The example styles are the presets.
+file(GLOB ZVEX_PRESET_FILES RELATIVE ${PROJECT_SOURCE_DIR} CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/examples/styles/*.json)
+zvex_add_jar(JAR ${ZVEX_KIT_JAR} SOURCES kit/java kit/desktop RELEASE 8 PATH ${ZVEX_ANDROID_JAR} ${ZVEX_JSON_JAR}
+             RESOURCES ${ZVEX_PRESET_FILES})
 add_subdirectory(platform/host/jni)
 add_custom_target(zvex_java ALL DEPENDS ${ZVEX_ANDROID_JAR} ${ZVEX_KIT_JAR})
 
@@ -58,7 +76,7 @@ function(zvex_add_java_test)
   endif()
   list(TRANSFORM arg_SOURCES PREPEND ${CMAKE_CURRENT_SOURCE_DIR}/ REGEX "^[^/]")
   set(classes ${CMAKE_CURRENT_BINARY_DIR}/${arg_NAME}.classes)
-  set(path ${ZVEX_KIT_JAR}:${ZVEX_ANDROID_JAR}:${ZVEX_JUNIT_JAR})
+  set(path ${ZVEX_KIT_JAR}:${ZVEX_ANDROID_JAR}:${ZVEX_JSON_JAR}:${ZVEX_JUNIT_JAR})
   add_custom_command(OUTPUT ${classes}.stamp
       COMMAND ${CMAKE_COMMAND} -E rm -rf ${classes}
       COMMAND ${ZVEX_JAVAC} --release 17 -encoding UTF-8 -Xlint:all,-processing -Werror -cp ${path} -d ${classes} ${arg_SOURCES}

@@ -9,6 +9,7 @@ import static org.junit.jupiter.api.Assertions.assertTrue;
 
 import android.content.res.AssetManager;
 import android.graphics.FontListParser;
+import android.graphics.Paint;
 import android.graphics.Typeface;
 import android.text.FontConfig;
 import android.text.Layout;
@@ -193,7 +194,9 @@ final class KitTest {
         }
         TextView view = viewOf("a");
         try {
-            List<?> samples = List.of("a", view, view.getPaint(), view.getLayout(), Stroke.INSIDE, new AssetManager(FONTS));
+            List<?> samples = List.of("a", view, view.getPaint(), view.getLayout(), Stroke.INSIDE, new AssetManager(FONTS),
+                    Paint.Align.LEFT, ZvStyle.parse("{}"), Stops.of(0), new Relief(), Relief.Edge.INNER,
+                    new ZvPicture(new int[1], 1, 1));
             return samples.stream().filter(type::isInstance).findFirst().orElseThrow();
         } catch (IOException e) {
             throw new AssertionError(e);

@@ -23,12 +23,21 @@ import java.util.concurrent.locks.Lock;
  * }
  * }</pre>
  *
- * <p>A picture needs a font, a paint, a view and a layout, in any order. They are read when they are given (a layout once
- * there is a view too); later changes to them may have no effect. There is at most one effect of each kind; adding one again
- * replaces it.
+ * <p>A text without a view measures itself:
+ *
+ * <pre>{@code
+ * try (ZvText text = new ZvText()) {
+ *     text.font(path).size(120).text("Words").style(ZvStyle.preset("gold")).picture().writePng(out);
+ * }
+ * }</pre>
+ *
+ * <p>A picture needs a font, and words or a paint, a view and a layout, in any order. They are read when they are given (a
+ * layout once there is a view too); later changes to them may have no effect. There is at most one effect of each kind;
+ * adding one again replaces it.
  *
  * <p>Colours are {@code 0xAARRGGBB}. Where a method takes an opacity as well, 0 to 1, the colour's alpha scales it. Angles
- * are whole degrees; distances, sizes and stroke widths whole pixels from 0 to 100. Values outside a range are clamped.
+ * are whole degrees; distances, sizes and stroke widths whole pixels from 0 to 100. An argument outside its range, or none
+ * at all (NaN), throws an {@link IllegalArgumentException} that names it.
  *
  * <p>Null arguments throw a {@link NullPointerException}, and values that the library refuses a {@link ZvException}; the
  * text is then unchanged. An exception thrown by a given object propagates from the call that reads the object.
@@ -51,19 +60,33 @@ public final class ZvText implements AutoCloseable {
 
     private boolean hasFont;
     private boolean hasView;
-    private boolean hasBackground;
     private Layout layout;
     private boolean drawn; // with the lines as they are placed now
+
+    private final SelfLayout self;
+    private boolean measured; // the lines are those of the words, paint and column as they are now
+    private int shownLines; // 0: all
+
+    private final Look look;
+    private int viewColor = 0xFF000000;
+    private double paintSize; // of the text of a view
+
+    // Written after natives that take the handle alone: keeps this text reachable, and its native object, until then.
+    private volatile boolean used;
 
     /** @throws UnsatisfiedLinkError where the library is not found; see {@link ZvLibrary} */
     public ZvText() {
         ZvLibrary.load();
+        self = new SelfLayout();
+        look = new Look();
         release = Release.of(this, handle);
     }
 
     // Takes the place of an unreachable text to free its native object.
     private ZvText(int handle) {
         mHandle = handle;
+        self = null;
+        look = null;
         release = null;
     }
 
@@ -78,8 +101,12 @@ public final class ZvText implements AutoCloseable {
         }
     }
 
+    int handle() {
+        return mHandle;
+    }
+
     // Every call starts with this, under the lock.
-    private void begin() {
+    void begin() {
         if (closed) {
             throw new IllegalStateException("the text is closed");
         }
@@ -90,7 +117,7 @@ public final class ZvText implements AutoCloseable {
         }
     }
 
-    private static void check(boolean done, String otherwise) {
+    static void check(boolean done, String otherwise) {
         if (!done) {
             throw new ZvException(otherwise);
         }
@@ -103,7 +130,7 @@ public final class ZvText implements AutoCloseable {
             begin();
             Lock fonts = FontLock.addFont(path);
             try {
-                gotFont(path, ZvText_SetFont(path));
+                gotFont(null, path, ZvText_SetFont(path));
             } finally {
                 fonts.unlock();
             }
@@ -122,7 +149,7 @@ public final class ZvText implements AutoCloseable {
             begin();
             Lock fonts = FontLock.addFont(name);
             try {
-                gotFont(name, ZvText_SetFont2(name, data));
+                gotFont(null, name, ZvText_SetFont2(name, data));
             } finally {
                 fonts.unlock();
             }
@@ -138,7 +165,7 @@ public final class ZvText implements AutoCloseable {
             begin();
             Lock fonts = FontLock.addFont(name);
             try {
-                gotFont(name, ZvText_SetFont3(assets, name));
+                gotFont(assets, name, ZvText_SetFont3(assets, name));
             } finally {
                 fonts.unlock();
             }
@@ -146,10 +173,12 @@ public final class ZvText implements AutoCloseable {
         }
     }
 
-    private void gotFont(String name, boolean done) {
+    private void gotFont(AssetManager assets, String name, boolean done) {
         check(done, "the font \"" + name + "\" could not be loaded");
         FontLock.learned(name);
         hasFont = true;
+        self.setFont(assets, name);
+        measured = false;
     }
 
     /** Takes size, scale, skew, spacing, features, flags and languages of the text. The colour comes from the view. */
@@ -158,8 +187,95 @@ public final class ZvText implements AutoCloseable {
         synchronized (lock) {
             begin();
             check(ZvText_SetPaint(paint), "the paint could not be read");
+            self.setPaint(paint);
+            paintSize = paint.getTextSize();
+            resized();
             return this;
         }
+    }
+
+    // The style's effects may follow the text's size.
+    private void resized() {
+        measured = false;
+        look.fit(this, self.hasWords() || paintSize == 0 ? self.size() : paintSize);
+    }
+
+    /**
+     * Sets the words of a text without a view: it measures them, breaks them and sizes the picture by itself.
+     *
+     * @param words line endings begin lines
+     */
+    public ZvText text(String words) {
+        Objects.requireNonNull(words, "words");
+        synchronized (lock) {
+            begin();
+            self.setWords(words);
+            resized();
+            return this;
+        }
+    }
+
+    /**
+     * Sets the text's size where it has no view; 96 at first.
+     *
+     * @param pixels per em, above 0 and up to 10000
+     */
+    public ZvText size(float pixels) {
+        synchronized (lock) {
+            begin();
+            self.setSize(ZvStyle.SIZE.checked("size", pixels));
+            resized();
+            return this;
+        }
+    }
+
+    /**
+     * Breaks the lines of a text without a view.
+     *
+     * @param width of the column in pixels; 0 for none, then lines end where the words say so
+     */
+    public ZvText wrap(int width) {
+        synchronized (lock) {
+            begin();
+            self.setWrap((int) Setting.number("width", 0, 0, 32767, "px").checked("wrap width", width));
+            measured = false;
+            return this;
+        }
+    }
+
+    /** Says where the lines of a text without a view stand in their column; the left at first. */
+    public ZvText align(Paint.Align align) {
+        Objects.requireNonNull(align, "align");
+        synchronized (lock) {
+            begin();
+            self.setAlign(align);
+            measured = false;
+            return this;
+        }
+    }
+
+    private void leaveWords() {
+        if (self.hasWords()) {
+            self.setWords(null);
+            resized();
+        }
+    }
+
+    // Sets up a view of the size that the words take.
+    private void measure() {
+        if (!self.hasWords() || measured) {
+            return;
+        }
+        Layout lines = self.lines();
+        int shown = shownLines > 0 ? Math.min(shownLines, lines.getLineCount()) : lines.getLineCount();
+        int height = Math.max(lines.getLineBottom(shown - 1), 1);
+        check(ZvText_SetPaint(self.paint()), "the paint could not be read");
+        check(ZvTextEffects.ZvTextEffects_SetView(mHandle, self.width(lines), height, shown), "the view could not be set");
+        layout = lines;
+        hasView = true;
+        viewColor = 0xFF000000;
+        placeLines();
+        measured = true;
     }
 
     /** Takes size, paddings, gravity, line limit and text colour of the picture. */
@@ -169,6 +285,8 @@ public final class ZvText implements AutoCloseable {
             begin();
             check(ZvText_SetView(view), "the view could not be read");
             hasView = true;
+            viewColor = view.getCurrentTextColor();
+            leaveWords();
             placeLines();
             return this;
         }
@@ -179,6 +297,8 @@ public final class ZvText implements AutoCloseable {
         synchronized (lock) {
             begin();
             check(ZvText_SetLine(count), "the number of lines could not be set");
+            shownLines = count;
+            measured = false;
             placeLines();
             return this;
         }
@@ -194,6 +314,7 @@ public final class ZvText implements AutoCloseable {
             begin();
             Layout before = this.layout;
             this.layout = layout;
+            leaveWords();
             boolean done = false;
             try {
                 placeLines();
@@ -223,21 +344,56 @@ public final class ZvText implements AutoCloseable {
 
     /** Fills the box of each line behind its text. */
     public ZvText background(int color) {
-        return setBackground(color, true);
+        return setBackground(color);
     }
 
     public ZvText noBackground() {
-        return setBackground(0, false);
+        return setBackground(null);
     }
 
-    private ZvText setBackground(int color, boolean enabled) {
+    private ZvText setBackground(Integer color) {
         synchronized (lock) {
             begin();
-            check(ZvText_SetBackgroundColor(color, enabled), "the background could not be set");
-            hasBackground = enabled;
+            look.background = color;
             return this;
         }
     }
+
+    /** Sets the text's colour, in the place of the view's or style's. */
+    public ZvText color(int color) {
+        synchronized (lock) {
+            begin();
+            look.color = color;
+            return this;
+        }
+    }
+
+    /** Sets the opacity of the whole picture, 0 to 1. */
+    public ZvText opacity(float opacity) {
+        synchronized (lock) {
+            begin();
+            look.opacity = Setting.opacity(1).checked("opacity", opacity);
+            return this;
+        }
+    }
+
+    /**
+     * Takes what the style sets: effects, in the place of those of their kind, colours, layers, the ground, and of a text
+     * without a view its size, letter spacing and features. Effects that are designed for a size follow the text's, also
+     * when it is set later.
+     */
+    public ZvText style(ZvStyle style) {
+        Objects.requireNonNull(style, "style");
+        synchronized (lock) {
+            begin();
+            style.applyTo(self);
+            look.take(this, style);
+            resized();
+            return this;
+        }
+    }
+
+    // --- Effects
 
     /** Outlines the text. */
     public ZvText stroke(float width, int color, Stroke position) {
@@ -246,11 +402,7 @@ public final class ZvText implements AutoCloseable {
 
     public ZvText stroke(float width, int color, Stroke position, float opacity) {
         Objects.requireNonNull(position, "position");
-        synchronized (lock) {
-            begin();
-            return added("stroke",
-                    ZvText_AddStrokeTextEffect(width, color, scaled(opacity, color), 0, position.position));
-        }
+        return add(EffectKind.STROKE, width, color, position.position, opacity);
     }
 
     /**
@@ -261,37 +413,37 @@ public final class ZvText implements AutoCloseable {
      * @param size how far its edge is blurred
      */
     public ZvText outerShadow(float angle, float distance, float size, int color, float opacity) {
-        synchronized (lock) {
-            begin();
-            return added("outer shadow",
-                    ZvText_AddOuterShadowTextEffect(angle, distance, size, color, scaled(opacity, color)));
-        }
+        return add(EffectKind.OUTER_SHADOW, angle, distance, size, color, opacity);
     }
 
     /** Casts a shadow of the text's edge into the text; arguments as of {@link #outerShadow}. */
     public ZvText innerShadow(float angle, float distance, float size, int color, float opacity) {
-        synchronized (lock) {
-            begin();
-            return added("inner shadow",
-                    ZvText_AddInnerShadowTextEffect(angle, distance, size, color, scaled(opacity, color)));
-        }
+        return add(EffectKind.INNER_SHADOW, angle, distance, size, color, opacity);
     }
 
     /** Lets the text shine outwards, over that many pixels. */
     public ZvText outerGlow(float size, int color, float opacity) {
-        synchronized (lock) {
-            begin();
-            return added("outer glow", ZvText_AddOuterGlowTextEffect(size, color, scaled(opacity, color)));
-        }
+        return add(EffectKind.OUTER_GLOW, size, color, opacity, new Stops());
+    }
+
+    /** The same in several colours, from the text outwards. */
+    public ZvText outerGlow(float size, Stops stops, float opacity) {
+        return add(EffectKind.OUTER_GLOW, size, 0xFF000000, opacity, Objects.requireNonNull(stops, "stops"));
+    }
+
+    /** Lets the text's edge shine inwards, over that many pixels. */
+    public ZvText innerGlow(float size, int color, float opacity) {
+        return add(EffectKind.INNER_GLOW, size, color, opacity, new Stops());
+    }
+
+    /** The same in several colours, from the edge inwards. */
+    public ZvText innerGlow(float size, Stops stops, float opacity) {
+        return add(EffectKind.INNER_GLOW, size, 0xFF000000, opacity, Objects.requireNonNull(stops, "stops"));
     }
 
     /** Fills the text with colours that merge, spread evenly over its box; angles as below. */
     public ZvText linearGradient(float angle, int... colors) {
-        float[] positions = new float[colors.length];
-        for (int i = 1; i < positions.length; i++) {
-            positions[i] = (float) i / (positions.length - 1);
-        }
-        return linearGradient(angle, 1, colors, positions, 1);
+        return linearGradient(angle, 1, Stops.of(colors), 1);
     }
 
     /**
@@ -304,39 +456,102 @@ public final class ZvText implements AutoCloseable {
      * @throws IllegalArgumentException if there are not as many positions as colours
      */
     public ZvText linearGradient(float angle, float scale, int[] colors, float[] positions, float opacity) {
-        if (colors.length != positions.length) {
-            throw new IllegalArgumentException(colors.length + " colors, " + positions.length + " positions");
-        }
-        float[] opacities = new float[colors.length];
-        for (int i = 0; i < colors.length; i++) {
-            opacities[i] = scaled(1, colors[i]);
-        }
+        return linearGradient(angle, scale, Stops.at("linear-gradient", colors, positions), opacity);
+    }
+
+    /** Fills the text with a gradient; angle and scale as above. */
+    public ZvText linearGradient(float angle, float scale, Stops stops, float opacity) {
+        return add(EffectKind.LINEAR_GRADIENT, angle, scale, opacity, Objects.requireNonNull(stops, "stops"));
+    }
+
+    /**
+     * Fills the text with a gradient from the centre of its box outwards.
+     *
+     * @param scale the diameter in widths of the box, 0 to 2
+     */
+    public ZvText radialGradient(float scale, Stops stops, float opacity) {
+        return add(EffectKind.RADIAL_GRADIENT, scale, opacity, Objects.requireNonNull(stops, "stops"));
+    }
+
+    /**
+     * Fills the text with a picture in tiles.
+     *
+     * @param scale pixels for each of the picture's, 0 to 10
+     */
+    public ZvText pattern(ZvPicture picture, float scale, float opacity) {
+        return add(EffectKind.PATTERN, Objects.requireNonNull(picture, "picture"), scale, opacity);
+    }
+
+    /** Raises the text's edges. */
+    public ZvText bevel(Relief.Edge edge, Relief relief) {
+        return add(relief.bevel(edge));
+    }
+
+    /** Presses the text out of a sheet: a relief on both sides of its edge, perhaps lit from both sides. */
+    public ZvText emboss(boolean bothSides, Relief relief) {
+        return add(relief.emboss(bothSides));
+    }
+
+    private ZvText add(EffectKind kind, Object... arguments) {
         synchronized (lock) {
             begin();
-            return added("linear gradient",
-                    ZvText_AddLinearGradientTextEffect(angle, scale, colors, opacities, positions, opacity));
+            return add(Effect.of(kind, arguments));
         }
     }
 
-    // The library reads only the opacity and ignores the colour's alpha.
-    private static float scaled(float opacity, int color) {
-        return opacity * ((color >>> 24) / 255.0f);
-    }
-
-    private ZvText added(String effect, int id) {
-        check(id >= 0, "the " + effect + " could not be added");
-        return this;
-    }
-
-    /** Takes all effects away. */
-    public ZvText clearEffects() {
+    private ZvText add(Effect effect) {
         synchronized (lock) {
             begin();
-            ZvText_ClearAllTextEffect();
+            added(effect);
+            look.own(effect.kind);
             return this;
         }
     }
 
+    void added(Effect effect) {
+        check(effect.addTo(this) >= 0, "the " + effect.kind.key + " could not be added");
+    }
+
+    /** Takes all effects away, those of a style and its layers and ground too. */
+    public ZvText clearEffects() {
+        synchronized (lock) {
+            begin();
+            ZvText_ClearAllTextEffect();
+            look.clear();
+            return this;
+        }
+    }
+
+    /**
+     * Takes one effect away, if it is there.
+     *
+     * @param kind its name in styles, such as {@code "inner-glow"}
+     */
+    public ZvText clearEffect(String kind) {
+        Objects.requireNonNull(kind, "kind");
+        synchronized (lock) {
+            begin();
+            EffectKind found = EffectKind.find(kind);
+            if (found == null) {
+                throw new IllegalArgumentException("\"" + kind + "\" is not one of " + EffectKind.names());
+            }
+            look.forget(found);
+            ZvTextEffects.ZvTextEffects_ClearEffect(mHandle, found.number);
+            return this;
+        }
+    }
+
+    /** Bytes that are equal for texts with the same effects, added in the same order, and the same colour. */
+    public byte[] layerKey() {
+        synchronized (lock) {
+            begin();
+            applyColors();
+            byte[] key = ZvTextEffects.ZvTextEffects_GetLayerKey(mHandle);
+            used = true;
+            check(key != null, "the key could not be made");
+            return key;
+        }
+    }
     /**
      * Renders the picture: rows of {@link #width} pixels from the top, straight {@code 0xAARRGGBB}. Its size is the view
      * plus the margins that the effects need.
@@ -346,24 +561,52 @@ public final class ZvText implements AutoCloseable {
     public int[] render() {
         synchronized (lock) {
             begin();
+            measure();
             require(hasView, "view");
             require(layout != null, "layout");
             if (!hasFont && !FontManager.isConfigured()) {
                 throw new IllegalStateException("no font: call font, or FontManager.configure, before");
             }
-            if (hasBackground && drawn) {
+            look.check();
+            applyColors();
+            if (look.background != null && drawn) {
                 placeLines(); // a render moves the boxes of the lines
             }
             int[] argb;
             Lock fonts = FontLock.read();
             try {
-                argb = ZvText_RenderTextEffect();
+                argb = look.isLayered() ? look.render(this, textColor()) : ZvText_RenderTextEffect();
             } finally {
                 fonts.unlock();
             }
             drawn = true;
             check(argb != null, "the picture could not be made");
             return argb;
+        }
+    }
+
+    private int textColor() {
+        return look.color != null ? look.color : viewColor;
+    }
+
+    private void applyColors() {
+        double share = look.isLayered() ? 1 : look.opacity; // layers are joined before
+        int behind = look.background != null ? look.background : 0;
+        check(ZvText_SetBackgroundColor(Look.faded(behind, share), look.background != null)
+                        && ZvTextEffects.ZvTextEffects_SetTextColor(mHandle, Look.faded(textColor(), share)),
+                "the colours could not be set");
+    }
+
+    /** The same with its size and margins, and with where the text stands in it. */
+    public ZvPicture picture() {
+        synchronized (lock) {
+            int[] argb = render();
+            int[] size = size();
+            int[] margins = margins();
+            int[] line = ZvTextEffects.ZvTextEffects_GetOrigin(mHandle);
+            used = true;
+            int[] origin = line == null ? new int[2] : new int[] {line[0] + margins[0], line[1] + margins[1]};
+            return new ZvPicture(argb, size[0], size[1], margins, origin);
         }
     }
 
@@ -394,30 +637,33 @@ public final class ZvText implements AutoCloseable {
 
     /** The pixels that the effects need to the left of the view. */
     public int marginLeft() {
-        synchronized (lock) {
-            begin();
-            return ZvText_GetEffectLeftOffset();
-        }
+        return margins()[0];
     }
 
     public int marginTop() {
-        synchronized (lock) {
-            begin();
-            return ZvText_GetEffectTopOffset();
-        }
+        return margins()[1];
     }
 
     public int marginRight() {
-        synchronized (lock) {
-            begin();
-            return ZvText_GetEffectRightOffset();
-        }
+        return margins()[2];
     }
 
     public int marginBottom() {
+        return margins()[3];
+    }
+
+    private int[] margins() {
         synchronized (lock) {
             begin();
-            return ZvText_GetEffectBottomOffset();
+            if (look.isLayered()) {
+                int[] margins = look.margins(this, textColor());
+                used = true;
+                return margins;
+            }
+            return new int[] {
+                ZvText_GetEffectLeftOffset(), ZvText_GetEffectTopOffset(),
+                ZvText_GetEffectRightOffset(), ZvText_GetEffectBottomOffset()
+            };
         }
     }
 
@@ -427,6 +673,7 @@ public final class ZvText implements AutoCloseable {
         synchronized (lock) {
             closed = true;
             layout = null;
+            look.clear();
             release.run();
         }
     }
@@ -435,16 +682,16 @@ public final class ZvText implements AutoCloseable {
 
     private native void ZvText_finalize();
 
-    private native int ZvText_AddInnerShadowTextEffect(float angle, float distance, float size, int color, float opacity);
+    native int ZvText_AddInnerShadowTextEffect(float angle, float distance, float size, int color, float opacity);
 
-    private native int ZvText_AddLinearGradientTextEffect(
+    native int ZvText_AddLinearGradientTextEffect(
             float angle, float scale, int[] colors, float[] opacities, float[] positions, float opacity);
 
-    private native int ZvText_AddOuterGlowTextEffect(float size, int color, float opacity);
+    native int ZvText_AddOuterGlowTextEffect(float size, int color, float opacity);
 
-    private native int ZvText_AddOuterShadowTextEffect(float angle, float distance, float size, int color, float opacity);
+    native int ZvText_AddOuterShadowTextEffect(float angle, float distance, float size, int color, float opacity);
 
-    private native int ZvText_AddStrokeTextEffect(float width, int color, float opacity, int kind, int position);
+    native int ZvText_AddStrokeTextEffect(float width, int color, float opacity, int kind, int position);
 
     private native void ZvText_ClearAllTextEffect();
 

@@ -1,0 +1,185 @@
+// SPDX-License-Identifier: Apache-2.0
+package com.orvane.android.sdk.zve;
+
+import java.util.ArrayList;
+import java.util.EnumMap;
+import java.util.EnumSet;
+import java.util.List;
+import java.util.Map;
+import java.util.Set;
+
+/** A text's colours, and what a style gave it: effects that follow the size, layers, a ground. */
+final class Look {
+    private static final int NUMBERS = 7; // of a layer, see ZvTextEffects
+
+    Integer color; // null: the view's
+    Integer background;
+    double opacity = 1;
+
+    private final Map<EffectKind, Styled> styled = new EnumMap<>(EffectKind.class);
+    private final Set<EffectKind> own = EnumSet.noneOf(EffectKind.class); // those that no style gave
+    private final List<StyledLayer> layers = new ArrayList<>(); // from the front
+    private Object canvas; // null, an Integer for a colour, or an Effect
+    private ZvText canvasText; // lends its effect to the ground
+
+    /** An effect and the size of the text that it is designed for; 0 for any. */
+    private static final class Styled {
+        final Effect effect;
+        final double designedFor;
+
+        Styled(Effect effect, double designedFor) {
+            this.effect = effect;
+            this.designedFor = designedFor;
+        }
+
+        Effect fitted(double size) {
+            return designedFor == 0 ? effect : effect.fitted(size / designedFor);
+        }
+    }
+
+    /** A layer of a style, the text object that lends its effects, and its spread and offset at the text's size. */
+    private static final class StyledLayer {
+        final ZvStyle.Layer layer;
+        final double designedFor;
+        final ZvText stack = new ZvText();
+        int[] lengths;
+
+        StyledLayer(ZvStyle.Layer layer, double designedFor) {
+            this.layer = layer;
+            this.designedFor = designedFor;
+        }
+    }
+
+    static int faded(int color, double share) {
+        return (int) Math.round((color >>> 24) * share) << 24 | (color & 0xFFFFFF);
+    }
+
+    /** Takes what the style sets, its effects and layers at sizes that {@link #fit} brings to the text's. */
+    void take(ZvText text, ZvStyle style) {
+        color = style.color != null ? style.color : color;
+        background = style.background != null ? style.background : background;
+        opacity = style.opacity != null ? style.opacity : opacity;
+        for (Effect effect : style.effects) {
+            own.remove(effect.kind);
+            styled.put(effect.kind, new Styled(effect, style.designedFor));
+            text.added(effect); // in the style's order
+        }
+        if (style.canvas != null) {
+            setCanvas(style.canvas);
+        }
+        if (!style.layers.isEmpty()) {
+            closeLayers();
+            for (ZvStyle.Layer layer : style.layers) {
+                layers.add(new StyledLayer(layer, style.designedFor));
+            }
+        }
+    }
+
+    private void setCanvas(Object ground) {
+        if (canvasText != null) {
+            canvasText.close();
+            canvasText = null;
+        }
+        canvas = ground;
+        if (ground instanceof Effect) {
+            canvasText = new ZvText();
+            canvasText.begin();
+            canvasText.added((Effect) ground);
+        }
+    }
+
+    void fit(ZvText text, double size) {
+        for (Styled one : styled.values()) {
+            text.added(one.fitted(size));
+        }
+        for (StyledLayer one : layers) {
+            double factor = one.designedFor == 0 ? 1 : size / one.designedFor;
+            one.lengths = one.layer.lengths(factor);
+            one.stack.begin();
+            for (Effect effect : one.layer.effects) {
+                one.stack.added(one.designedFor == 0 ? effect : effect.fitted(factor));
+            }
+        }
+    }
+
+    /** The effect is the text's own from now on. */
+    void own(EffectKind kind) {
+        styled.remove(kind);
+        own.add(kind);
+    }
+
+    /** The text has no such effect any more. */
+    void forget(EffectKind kind) {
+        styled.remove(kind);
+        own.remove(kind);
+    }
+
+    void check() {
+        if (!layers.isEmpty() && !(own.isEmpty() && styled.isEmpty())) {
+            EffectKind kind = own.isEmpty() ? styled.keySet().iterator().next() : own.iterator().next();
+            throw new IllegalStateException(
+                    kind.key + ": the style has layers, and effects belong into one of them");
+        }
+    }
+
+    void clear() {
+        own.clear();
+        styled.clear();
+        closeLayers();
+        setCanvas(null);
+    }
+
+    private void closeLayers() {
+        for (StyledLayer one : layers) {
+            one.stack.close();
+        }
+        layers.clear();
+    }
+
+    /** Whether the picture is joined of layers; a ground alone lies behind one layer, the text with its own effects. */
+    boolean isLayered() {
+        return !layers.isEmpty() || canvas != null;
+    }
+
+    int[] margins(ZvText text, int textColor) {
+        int[] margins = ZvTextEffects.ZvTextEffects_GetLayerMargins(numbers(text, textColor), opacities());
+        ZvText.check(margins != null, "the margins could not be read");
+        return margins;
+    }
+
+    /** Null where the library refuses. */
+    int[] render(ZvText text, int textColor) {
+        boolean byEffect = canvas instanceof Effect;
+        int ground = canvas instanceof Integer ? (Integer) canvas : 0;
+        return ZvTextEffects.ZvTextEffects_RenderLayers(text.handle(), numbers(text, textColor), opacities(),
+                byEffect ? canvasText.handle() : 0, ground, background != null, (float) opacity);
+    }
+
+    private int[] numbers(ZvText text, int textColor) {
+        if (layers.isEmpty()) {
+            return new int[] {text.handle(), textColor, 0, 0, 0, 0, 0};
+        }
+        int[] numbers = new int[NUMBERS * layers.size()];
+        int at = 0;
+        for (int i = layers.size() - 1; i >= 0; i--) {
+            StyledLayer one = layers.get(i);
+            numbers[at++] = one.stack.handle();
+            numbers[at++] = one.layer.color != null ? one.layer.color : textColor;
+            for (int length : one.lengths) {
+                numbers[at++] = length;
+            }
+            numbers[at++] = one.layer.blend;
+            numbers[at++] = (one.layer.clip ? 1 : 0) + (one.layer.knockout ? 2 : 0);
+        }
+        return numbers;
+    }
+
+    private float[] opacities() {
+        float[] opacities = new float[Math.max(layers.size(), 1)];
+        opacities[0] = 1;
+        for (int i = 0; i < layers.size(); i++) {
+            opacities[i] = (float) layers.get(layers.size() - 1 - i).layer.opacity;
+        }
+        return opacities;
+    }
+}

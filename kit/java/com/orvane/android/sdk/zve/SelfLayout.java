@@ -1,0 +1,120 @@
+// SPDX-License-Identifier: Apache-2.0
+package com.orvane.android.sdk.zve;
+
+import android.content.res.AssetManager;
+import android.graphics.Paint;
+import android.graphics.Typeface;
+import android.text.Layout;
+import android.text.StaticLayout;
+import android.text.TextPaint;
+import java.util.Map;
+import java.util.concurrent.ConcurrentHashMap;
+
+/** The words, paint and column of a text without a view, and the lines and the size that come of them. */
+final class SelfLayout {
+    private static final int UNBROKEN = 1 << 24; // wider than any line may be
+    private static final Map<String, Typeface> FACES = new ConcurrentHashMap<>();
+
+    private final TextPaint paint = new TextPaint(Paint.ANTI_ALIAS_FLAG);
+    private Typeface ofPaint;
+    private AssetManager assets;
+    private String font;
+    private String words;
+    private int wrap;
+    private Layout.Alignment alignment = Layout.Alignment.ALIGN_LEFT;
+    private double size = 96; // as it was given; the paint's is rounded to a float
+
+    SelfLayout() {
+        paint.setFlags(Paint.ANTI_ALIAS_FLAG);
+        setSize(size);
+    }
+
+    void setPaint(Paint other) {
+        paint.set(other);
+        ofPaint = other.getTypeface();
+        size = other.getTextSize();
+    }
+
+    /** @param from null for a file */
+    void setFont(AssetManager from, String name) {
+        assets = from;
+        font = name;
+    }
+
+    void setWords(String text) {
+        words = text;
+    }
+
+    boolean hasWords() {
+        return words != null;
+    }
+
+    void setSize(double pixels) {
+        size = pixels;
+        paint.setTextSize((float) pixels);
+    }
+
+    double size() {
+        return size;
+    }
+
+    void setWrap(int pixels) {
+        wrap = pixels;
+    }
+
+    void setAlign(Paint.Align align) {
+        alignment = align == Paint.Align.LEFT ? Layout.Alignment.ALIGN_LEFT
+                : align == Paint.Align.CENTER ? Layout.Alignment.ALIGN_CENTER : Layout.Alignment.ALIGN_RIGHT;
+    }
+
+    void setSpacing(double ems) {
+        paint.setLetterSpacing((float) ems);
+    }
+
+    void setFeatures(String features) {
+        paint.setFontFeatureSettings(features);
+    }
+
+    Paint paint() {
+        return paint;
+    }
+
+    /** The lines; those in the middle or right lie in a column of {@link #width}. */
+    Layout lines() {
+        paint.setTypeface(ofPaint != null ? ofPaint : font != null ? face() : null);
+        Layout lines = build(wrap > 0 ? wrap : UNBROKEN, wrap > 0 ? alignment : Layout.Alignment.ALIGN_LEFT);
+        boolean done = wrap > 0 || alignment == Layout.Alignment.ALIGN_LEFT;
+        return done ? lines : build(width(lines), alignment);
+    }
+
+    /** The column's width: that set, or of the widest of the lines. */
+    int width(Layout lines) {
+        if (wrap > 0) {
+            return wrap;
+        }
+        float widest = 1;
+        for (int i = 0; i < lines.getLineCount(); i++) {
+            widest = Math.max(widest, lines.getLineMax(i));
+        }
+        return (int) Math.ceil(widest);
+    }
+
+    private Layout build(int width, Layout.Alignment align) {
+        return StaticLayout.Builder.obtain(words, 0, words.length(), paint, width)
+                .setAlignment(align)
+                .setIncludePad(false)
+                .build();
+    }
+
+    private Typeface face() {
+        AssetManager from = assets;
+        try {
+            return from != null
+                    ? Typeface.createFromAsset(from, font)
+                    : FACES.computeIfAbsent(font, Typeface::createFromFile);
+        } catch (RuntimeException e) {
+            throw new IllegalStateException("the font \"" + font
+                    + "\" has no file to measure the text with: give a paint with a typeface, or a layout", e);
+        }
+    }
+}

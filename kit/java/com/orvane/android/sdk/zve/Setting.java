@@ -1,0 +1,177 @@
+// SPDX-License-Identifier: Apache-2.0
+package com.orvane.android.sdk.zve;
+
+import java.nio.charset.StandardCharsets;
+
+/** One setting of an effect, a layer or a style: its name, what it takes, and its value where none is given. */
+final class Setting {
+    /** What a setting takes; in brackets the class that its values have. */
+    enum Type {
+        NUMBER, // Double
+        COLOR, // Integer, 0xAARRGGBB
+        CHOICE, // Integer, the library's number for one of the names
+        FLAG, // Boolean
+        OFFSET, // double[2]
+        TINT, // Tint
+        STOPS, // Stops, perhaps none
+        TEXT, // String
+        PICTURE, // ZvPicture
+        CANVAS // Integer for a colour, or an Effect
+    }
+
+    /** A colour with an opacity of its own. */
+    static final class Tint {
+        final int color;
+        final double opacity;
+
+        Tint(int color, double opacity) {
+            this.color = color;
+            this.opacity = opacity;
+        }
+    }
+
+    static final int MAX_TEXT_BYTES = 4096;
+
+    final String name;
+    final Type type;
+    Object start; // of the class that the type has; null: nothing
+    boolean required;
+    boolean length; // in the picture: it grows with the text
+    String unit = "";
+    String[] choices;
+    int[] numbers; // of the choices
+
+    private double low = Double.NEGATIVE_INFINITY;
+    private double high = Double.POSITIVE_INFINITY;
+    private boolean above; // the low end itself is refused
+    private boolean whole;
+
+    private Setting(String name, Type type, Object start) {
+        this.name = name;
+        this.type = type;
+        this.start = start;
+    }
+
+    static Setting of(String name, Type type, Object start) {
+        return new Setting(name, type, start);
+    }
+
+    static Setting number(String name, double start, double low, double high, String unit) {
+        Setting setting = new Setting(name, Type.NUMBER, start);
+        setting.low = low;
+        setting.high = high;
+        setting.unit = unit;
+        return setting;
+    }
+
+    static Setting pixels(String name, double start) {
+        return number(name, start, 0, 100, "px").length();
+    }
+
+    static Setting angle(double start) {
+        return number("angle", start, Double.NEGATIVE_INFINITY, Double.POSITIVE_INFINITY, "deg");
+    }
+
+    static Setting opacity(double start) {
+        return number("opacity", start, 0, 1, "");
+    }
+
+    static Setting color(int start) {
+        return new Setting("color", Type.COLOR, start);
+    }
+
+    /** The first name stands for the first number, and is the one at the start. */
+    static Setting choice(String name, String[] choices, int... numbers) {
+        Setting setting = new Setting(name, Type.CHOICE, numbers[0]);
+        setting.choices = choices;
+        setting.numbers = numbers;
+        return setting;
+    }
+
+    Setting length() {
+        length = true;
+        return this;
+    }
+
+    Setting whole() {
+        whole = true;
+        return this;
+    }
+
+    Setting above() {
+        above = true;
+        return this;
+    }
+
+    Setting required() {
+        required = true;
+        return this;
+    }
+
+    /** @throws IllegalArgumentException which begins with {@code where} and says what is taken */
+    double checked(String where, Number given) {
+        double value = given.doubleValue();
+        boolean inside = (above ? value > low : value >= low) && value <= high && !Double.isInfinite(value);
+        if (!inside || (whole && value != Math.rint(value))) {
+            throw new IllegalArgumentException(where + ": " + shown(given) + " is not " + wanted());
+        }
+        return value;
+    }
+
+    /** What a person would write. */
+    static String shown(Number number) {
+        double value = number.doubleValue();
+        return value == Math.rint(value) && Math.abs(value) < 1e15 ? Long.toString((long) value) : number.toString();
+    }
+
+    /** "a number from 0 to 100 (px)", for messages. */
+    String wanted() {
+        switch (type) {
+            case COLOR:
+                return "a colour; write #rgb, #rrggbb or #aarrggbb";
+            case CHOICE:
+                return "one of " + String.join(", ", choices);
+            case FLAG:
+                return "true or false";
+            case OFFSET:
+                return "an array [X, Y] of whole pixels";
+            case TINT:
+                return "an object with the keys color, opacity";
+            case STOPS:
+                return "an array of 1 to " + Stops.MAX + " stops, objects with the keys color, position, opacity";
+            case TEXT:
+                return "a text of up to " + MAX_TEXT_BYTES + " bytes";
+            case PICTURE:
+                return "the path of a file";
+            case CANVAS:
+                return "a colour, or an object with a type, one of " + EffectKind.canvasNames();
+            default:
+                break;
+        }
+        String text = whole ? "a whole number" : "a number";
+        if (low != Double.NEGATIVE_INFINITY) {
+            text += (above ? " above " : " from ") + shown(low) + (above ? " and up to " : " to ") + shown(high);
+        }
+        return unit.isEmpty() ? text : text + " (" + unit + ")";
+    }
+
+    /** For a text {@code factor} times as large: pixels are whole, and one where there was one; no further than the range. */
+    double fitted(double value, double factor) {
+        double size = Math.abs(value);
+        double fitted = size * factor;
+        if (unit.equals("px")) {
+            fitted = Math.max(Math.round(fitted), size >= 1 ? 1 : 0);
+        }
+        return Math.copySign(Math.min(fitted, high), value);
+    }
+
+    static String checkedText(String where, String text) {
+        if (text.indexOf('\0') >= 0) {
+            throw new IllegalArgumentException(where + ": it holds a NUL character");
+        }
+        if (text.getBytes(StandardCharsets.UTF_8).length > MAX_TEXT_BYTES) {
+            throw new IllegalArgumentException(where + ": it is longer than " + MAX_TEXT_BYTES + " bytes");
+        }
+        return text;
+    }
+}

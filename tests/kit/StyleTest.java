@@ -1,0 +1,164 @@
+// SPDX-License-Identifier: Apache-2.0
+package com.orvane.android.sdk.zve;
+
+import static org.junit.jupiter.api.Assertions.assertArrayEquals;
+import static org.junit.jupiter.api.Assertions.assertEquals;
+import static org.junit.jupiter.api.Assertions.assertFalse;
+import static org.junit.jupiter.api.Assertions.assertThrows;
+import static org.junit.jupiter.api.Assertions.assertTrue;
+
+import java.awt.image.BufferedImage;
+import java.io.IOException;
+import java.io.StringReader;
+import java.nio.file.Files;
+import java.nio.file.Path;
+import java.util.ArrayList;
+import java.util.List;
+import java.util.stream.Collectors;
+import java.util.stream.Stream;
+import javax.imageio.ImageIO;
+import org.json.JSONObject;
+import org.junit.jupiter.api.Test;
+import org.junit.jupiter.api.io.TempDir;
+
+/** Styles through the kit and through zvtext: the same pictures, the same refusals. */
+final class StyleTest {
+    private static final String FONT = Path.of(System.getProperty("zvex.fonts"), "DejaVuSans-Bold.ttf").toString();
+    private static final String ZVTEXT = System.getProperty("zvex.zvtext");
+    private static final String WORDS = "Way to go\nAgain";
+
+    // Every key, each with a value that is not the one at the start.
+    private static final List<String> STYLES = List.of(
+            "{}",
+            "{'size': 61.5, 'color': '#80ff8000', 'letter-spacing': 0.1, 'features': '-kern, smcp', 'opacity': 0.7}",
+            "{'background': '#abc', 'opacity': 0.5, 'effects': [{'type': 'stroke'}]}",
+            "{'effects': [{'type': 'outer-shadow', 'angle': -723.5, 'distance': 5.9, 'size': 4, 'color': '#8000ff00',"
+                    + "'opacity': 0.9}, {'type': 'inner-shadow', 'angle': 10, 'distance': 3, 'size': 2, 'color': '#f00'}]}",
+            "{'effects': [{'type': 'outer-glow', 'size': 9, 'stops': [{'color': '#f00', 'position': 0}, {'color':"
+                    + "'#80ff00', 'position': 53, 'opacity': 0.5}]}, {'type': 'inner-glow', 'color': '#12345678'}]}",
+            "{'effects': [{'type': 'linear-gradient', 'angle': 30, 'scale': 1.7, 'opacity': 0.8, 'stops': [{'color': '#000',"
+                    + "'position': 29}, {'color': '#fff', 'position': 57.9}, {'color': '#00f', 'position': 58}]}]}",
+            "{'effects': [{'type': 'radial-gradient', 'scale': 0.5, 'stops': [{'color': '#f00', 'position': 7}]}]}",
+            "{'effects': [{'type': 'bevel', 'style': 'outer', 'technique': 'hard', 'direction': 'down', 'size': 5, 'depth': 2,"
+                    + "'angle': 80, 'altitude': 50, 'soften': 3.9, 'highlight': {'color': '#ff0'}, 'shadow': {'color': '#408000ff',"
+                    + "'opacity': 0.9}, 'opacity': 0.8}]}",
+            "{'effects': [{'type': 'emboss', 'style': 'double'}, {'type': 'stroke', 'position': 'center', 'width': 3}]}",
+            "{'effects': [{'type': 'pattern', 'file': 'tile.png', 'scale': 2.5, 'opacity': 0.9}]}",
+            "{'canvas': '#80123456', 'background': '#abc', 'effects': [{'type': 'stroke'}], 'opacity': 0.8}",
+            "{'canvas': {'type': 'radial-gradient', 'stops': [{'color': '#fff', 'position': 0}, {'color': '#000', 'position':"
+                    + "100}]}, 'designed-for': 50, 'effects': [{'type': 'outer-shadow', 'distance': 0.4, 'size': 20}]}",
+            "{'canvas': {'type': 'pattern', 'file': 'tile.png'}, 'designed-for': 192, 'layers': [{'spread': -3, 'offset':"
+                    + "[-7, 4], 'color': '#fff', 'effects': [{'type': 'bevel', 'size': 90}]}, {'clip': true, 'offset': [9, 9], 'color':"
+                    + "'#f00', 'blend': 'color-dodge', 'opacity': 0.6}, {'spread': 14, 'knockout': true, 'color': '#123'}]}");
+
+    private static final List<String> REFUSED = List.of(
+            "{'colour': '#fff'}", "{'color': 'red'}", "{'color': '#12345'}", "{'color': 1}", "{'size': 0}", "{'size': 10001}",
+            "{'size': '96'}", "{'opacity': 1.5}", "{'opacity': true}", "{'letter-spacing': -2}", "{'designed-for': -1}",
+            "{'effects': {}}", "{'effects': [1]}", "{'effects': [{'type': 'glow'}]}", "{'effects': [{'type': 7}]}",
+            "{'effects': [{'type': 'stroke'}, {'type': 'stroke'}]}", "{'effects': [{'type': 'stroke', 'width': 101}]}",
+            "{'effects': [{'type': 'stroke', 'width': null}]}", "{'effects': [{'type': 'stroke', 'position': 'middle'}]}",
+            "{'effects': [{'type': 'bevel', 'altitude': 90}]}", "{'effects': [{'type': 'bevel', 'soften': 17}]}",
+            "{'effects': [{'type': 'bevel', 'highlight': '#fff'}]}", "{'effects': [{'type': 'bevel', 'shadow': {}}]}",
+            "{'effects': [{'type': 'linear-gradient'}]}", "{'effects': [{'type': 'linear-gradient', 'stops': []}]}",
+            "{'effects': [{'type': 'pattern', 'file': ''}]}", "{'effects': [{'type': 'pattern', 'scale': 2}]}",
+            "{'effects': [{'type': 'outer-glow', 'stops': [{'color': '#fff'}]}]}",
+            "{'effects': [{'type': 'outer-glow', 'stops': [{'color': '#fff', 'position': 101}]}]}",
+            "{'effects': [{'type': 'outer-glow', 'stops': [{'color': '#fff', 'position': 9}, {'color': '#fff', 'position': 8}]}]}",
+            "{'layers': []}", "{'layers': [{}], 'effects': []}", "{'layers': [{'clip': true}]}", "{'layers': [{'clip': 1}]}",
+            "{'layers': [{'spread': 1.5}]}", "{'layers': [{'offset': [1]}]}", "{'layers': [{'offset': [1, 1001]}]}",
+            "{'layers': [{'blend': 'add'}]}", "{'layers': [{'size': 9}]}", "{'canvas': {'type': 'stroke'}}", "{'canvas': 7}");
+
+    private static String json(String text) {
+        return text.replace('\'', '"');
+    }
+
+    private static List<String> zvtext(Path folder, List<String> lines, String... command) throws Exception {
+        Files.write(folder.resolve("lines"), lines);
+        List<String> all = new ArrayList<>(List.of(ZVTEXT));
+        all.addAll(List.of(command));
+        Path said = folder.resolve("said");
+        new ProcessBuilder(all).directory(folder.toFile()).redirectErrorStream(true).redirectOutput(said.toFile()).start().waitFor();
+        return Files.readAllLines(said);
+    }
+
+    @Test
+    void presetsAndStylesAreThoseOfZvtext(@TempDir Path folder) throws Exception {
+        BufferedImage tile = new BufferedImage(7, 5, BufferedImage.TYPE_INT_ARGB);
+        for (int i = 0; i < 35; i++) {
+            tile.setRGB(i % 7, i / 7, 0x9E3779B9 * (i + 1));
+        }
+        ImageIO.write(tile, "png", folder.resolve("tile.png").toFile());
+        List<String> texts = new ArrayList<>();
+        for (String name : ZvStyle.presets()) {
+            texts.add(Files.readString(Path.of(System.getProperty("zvex.styles"), name + ".json")));
+        }
+        int presets = texts.size();
+        STYLES.forEach(style -> texts.add(json(style)));
+        List<String> lines = new ArrayList<>();
+        for (float size : new float[] {0, 40}) {
+            for (int i = 0; i < texts.size(); i++) {
+                JSONObject line = new JSONObject().put("text", WORDS).put("font", FONT).put("style", new JSONObject(texts.get(i)))
+                        .put("output", lines.size() + ".png");
+                lines.add((size > 0 ? line.put("size", size) : line).toString());
+            }
+        }
+        List<String> said = zvtext(folder, lines, "batch", "lines");
+        for (int i = 0; i < lines.size(); i++) {
+            int number = i % texts.size();
+            float size = i < texts.size() ? 0 : 40;
+            String where = (number < presets ? ZvStyle.presets().get(number) : texts.get(number)) + " at " + size;
+            ZvStyle style = number < presets ? ZvStyle.preset(ZvStyle.presets().get(number))
+                    : ZvStyle.parse(texts.get(number), file -> ZvPicture.of(ImageIO.read(folder.resolve(file).toFile())));
+            Path made = folder.resolve(i + ".png");
+            assertTrue(Files.exists(made), () -> where + ": " + said);
+            BufferedImage expected = ImageIO.read(made.toFile());
+            try (ZvText text = new ZvText()) {
+                text.style(style).text(WORDS).font(FONT);
+                ZvPicture picture = (size > 0 ? text.size(size) : text).picture();
+                assertEquals(expected.getWidth(), picture.width(), where);
+                assertEquals(expected.getHeight(), picture.height(), where);
+                assertArrayEquals(ZvPicture.of(expected).argb(), picture.argb(), where);
+            }
+        }
+    }
+
+    @Test
+    void thePresetsAreTheExampleStyles() throws IOException {
+        try (Stream<Path> files = Files.list(Path.of(System.getProperty("zvex.styles")))) {
+            assertEquals(files.map(file -> file.getFileName().toString().replace(".json", "")).sorted()
+                    .collect(Collectors.toList()), ZvStyle.presets());
+        }
+        assertFalse(ZvStyle.preset("gold").description().isEmpty());
+        assertThrows(IllegalArgumentException.class, () -> ZvStyle.preset("../styles/gold"));
+    }
+
+    @Test
+    void refusalsAreThoseOfZvtext(@TempDir Path folder) throws Exception {
+        List<String> differing = new ArrayList<>();
+        for (String style : REFUSED) {
+            String said = assertThrows(IllegalArgumentException.class, () -> ZvStyle.parse(json(style)), style).getMessage();
+            List<String> tool = zvtext(folder, List.of(), "render", "--font", FONT, "--style", json(style), "-o", "o.png", "a");
+            if (!tool.toString().contains(said)) {
+                differing.add(style + "\n  " + said + "\n  " + tool);
+            }
+        }
+        assertEquals("", String.join("\n", differing));
+        for (String broken : List.of("", "[]", "{", "{'size': 9} x", "{'effects': " + "[".repeat(100_000), "{'size': 1e999}")) {
+            assertThrows(IllegalArgumentException.class, () -> ZvStyle.parse(json(broken)));
+        }
+        assertThrows(IllegalArgumentException.class, () -> ZvStyle.parse(json(STYLES.get(9))), "a pattern without pictures");
+        assertEquals("", ZvStyle.parse(new StringReader("{} // nothing")).description());
+    }
+
+    @Test
+    void effectsBelongIntoLayersWhereThereAreSome() {
+        try (ZvText text = new ZvText().font(FONT).text("a").style(ZvStyle.preset("triple"))) {
+            int[] picture = text.render();
+            text.stroke(3, 0xFF000000, Stroke.OUTSIDE);
+            assertTrue(assertThrows(IllegalStateException.class, text::render).getMessage().startsWith("stroke"));
+            assertArrayEquals(picture, text.clearEffect("stroke").render());
+            text.clearEffects().stroke(3, 0xFF000000, Stroke.OUTSIDE).render();
+            assertEquals(3, text.marginLeft());
+        }
+    }
+}
