@@ -12,8 +12,8 @@ import javax.xml.stream.XMLStreamException;
 import javax.xml.stream.XMLStreamReader;
 
 /**
- * Reads the format of the system's {@code fonts.xml}: a {@code familyset} of families, a family of fonts. What else stands
- * in it (aliases, axes, elements unknown) is passed over.
+ * Reads the format of the system's {@code fonts.xml}: a {@code familyset} of families, a family of fonts. All
+ * other content (aliases, axes, unknown elements) is skipped.
  */
 public class FontListParser {
     private static final String BLANKS_AROUND = "^[ \n\r\t]+|[ \n\r\t]+$";
@@ -27,8 +27,8 @@ public class FontListParser {
     /**
      * Reads the whole stream and closes it.
      *
-     * @throws IOException where it cannot be read, is no well-formed XML, is of another kind, brings a document type (which
-     *     might name files to be read), or a number is none; the message names the line
+     * @throws IOException if it cannot be read, is not well-formed XML, is of another kind, has a document type (which might
+     *     name files to read), or has an invalid number; the message names the line
      */
     public static FontConfig parse(InputStream in) throws IOException {
         XMLInputFactory factory = XMLInputFactory.newInstance();
@@ -140,7 +140,7 @@ public class FontListParser {
         }
     }
 
-    // Passes over the current element with all in it.
+    // Skips the current element with its content.
     private void skip() throws XMLStreamException {
         for (int depth = 1; depth > 0; ) {
             int event = xml.next();

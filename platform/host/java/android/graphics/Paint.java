@@ -5,7 +5,7 @@ import android.host.TextEngine;
 import android.os.LocaleList;
 import java.util.Locale;
 
-/** How text is drawn: what the layout engine and the renderer read of it. Not for several threads at once. */
+/** How text is drawn: the settings that the layout engine and the renderer read. One thread at a time. */
 public class Paint {
     public static final int ANTI_ALIAS_FLAG = 0x01;
     public static final int FILTER_BITMAP_FLAG = 0x02;
@@ -20,7 +20,7 @@ public class Paint {
     // Always set in a new paint: kerning by the device and embedded bitmaps.
     private static final int DEFAULT_FLAGS = 0x100 | EMBEDDED_BITMAP_TEXT_FLAG;
 
-    /** Where the origin of a text lies in it. */
+    /** The position of a text's origin within the text. */
     public enum Align {
         LEFT,
         CENTER,
@@ -43,7 +43,7 @@ public class Paint {
         this(0);
     }
 
-    /** @param flags of the {@code _FLAG} constants, set beside those that are always set at first */
+    /** @param flags {@code _FLAG} constants, in addition to those that a new paint always has */
     public Paint(int flags) {
         reset();
         setFlags(flags | DEFAULT_FLAGS);
@@ -68,7 +68,7 @@ public class Paint {
         textLocales = src.textLocales;
     }
 
-    /** Back to what a new paint has. */
+    /** Resets all settings to those of a new paint. */
     public void reset() {
         flags = DEFAULT_FLAGS;
         color = 0xFF000000;
@@ -161,7 +161,7 @@ public class Paint {
         return textSize;
     }
 
-    /** @param textSize pixels, above 0; a negative size leaves the paint as it is */
+    /** @param textSize pixels, above 0; a negative size is ignored */
     public void setTextSize(float textSize) {
         if (textSize >= 0) {
             this.textSize = textSize;
@@ -172,7 +172,7 @@ public class Paint {
         return textScaleX;
     }
 
-    /** @param scaleX 1 is as wide as the font has it */
+    /** @param scaleX 1 is the font's own width */
     public void setTextScaleX(float scaleX) {
         textScaleX = scaleX;
     }
@@ -199,7 +199,7 @@ public class Paint {
         return elegantTextHeight;
     }
 
-    /** @param elegant whether fallback fonts of the roomy design are taken where there are two */
+    /** @param elegant whether to use the taller of two designs of a fallback font */
     public void setElegantTextHeight(boolean elegant) {
         elegantTextHeight = elegant;
     }
@@ -225,7 +225,7 @@ public class Paint {
         return typeface;
     }
 
-    /** @return the typeface given; null stands for the system's own */
+    /** @return the typeface that was set; null means the system's own */
     public Typeface setTypeface(Typeface typeface) {
         this.typeface = typeface;
         return typeface;

@@ -7,14 +7,14 @@ import android.text.FontConfig;
 import java.io.File;
 import java.util.Objects;
 
-/** A font file with the style it stands for; immutable. */
+/** A font file and its style; immutable. */
 public class Typeface {
     public static final int NORMAL = 0;
     public static final int BOLD = 1;
     public static final int ITALIC = 2;
     public static final int BOLD_ITALIC = 3;
 
-    /** The system's own face: it has no file of its own. */
+    /** The system's own face, which has no file. */
     public static final Typeface DEFAULT = new Typeface(null, NORMAL);
     public static final Typeface DEFAULT_BOLD = new Typeface(null, BOLD);
 
@@ -29,7 +29,7 @@ public class Typeface {
     /**
      * The first font of the file, in the style that the font states.
      *
-     * @throws RuntimeException where the file cannot be read or is no font
+     * @throws RuntimeException if the file cannot be read or is no font
      */
     public static Typeface createFromFile(String path) {
         return createFromFile(new File(Objects.requireNonNull(path, "path")));
@@ -44,7 +44,7 @@ public class Typeface {
         return new Typeface(file.getPath(), style);
     }
 
-    /** @throws RuntimeException where there is no such asset, or it is no font */
+    /** @throws RuntimeException if there is no such asset, or if it is no font */
     public static Typeface createFromAsset(AssetManager mgr, String path) {
         File file = mgr.fileOf(path);
         if (file == null) {
@@ -54,10 +54,10 @@ public class Typeface {
     }
 
     /**
-     * Desktop only: the families that stand behind every typeface, and are the system's own face. Text is measured with them
-     * from then on; hand the same configuration to the renderer. The first call counts, later ones change nothing.
+     * Desktop only: sets the fallback families of every typeface, which are also the system's own face. Text is measured with
+     * them from then on; give the renderer the same configuration. Only the first call has an effect.
      *
-     * @throws IllegalArgumentException where the configuration cannot be read
+     * @throws IllegalArgumentException if the configuration cannot be read
      */
     public static void setSystemFonts(FontConfig config) {
         if (!TextEngine.setFonts(Objects.requireNonNull(config, "config"))) {
@@ -65,7 +65,7 @@ public class Typeface {
         }
     }
 
-    /** The family's face in the style; null stands for the system's own. */
+    /** The family's face in the style; null means the system's own. */
     public static Typeface create(Typeface family, int style) {
         Typeface from = family != null ? family : DEFAULT;
         return from.style == style ? from : new Typeface(from.path, style & BOLD_ITALIC);

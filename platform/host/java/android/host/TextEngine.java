@@ -8,7 +8,7 @@ import java.io.File;
 import java.util.Objects;
 
 /**
- * Desktop only: the layout engine behind the stand-ins, the one that the renderer draws with. It is a native library,
+ * Desktop only: the layout engine of the stand-ins, which is also the renderer's. It is a native library,
  * {@code libZvHostJava.so}, loaded on first use from the path in the system property {@code zvex.host.library}, else by its
  * name. Any thread.
  */
@@ -67,22 +67,22 @@ public final class TextEngine {
             return at(line, 0);
         }
 
-        /** Past the last character that shows. */
+        /** The offset after the last visible character. */
         public int visibleEnd(int line) {
             return at(line, 1);
         }
 
-        /** Past the line ending. */
+        /** The offset after the line ending. */
         public int end(int line) {
             return at(line, 2);
         }
 
-        /** From the baseline up, 0 or more: the font's own, or the line's ink where that reaches further. */
+        /** From the baseline up, 0 or more: the font's own, or the line's ink if that reaches further. */
         public int ascent(int line) {
             return at(line, 3);
         }
 
-        /** From the baseline down, 0 or more, as {@link #ascent}. */
+        /** From the baseline down, 0 or more, like {@link #ascent}. */
         public int descent(int line) {
             return at(line, 4);
         }
@@ -100,9 +100,9 @@ public final class TextEngine {
 
     /**
      * Cuts {@code text[start, end)} into lines no wider than {@code width} pixels: at line endings, at the last break that
-     * the Unicode rules allow, and inside a word, between clusters, where it alone is wider.
+     * the Unicode rules allow, and between clusters in a word that is wider than a line.
      *
-     * @throws IllegalStateException where the paint's font cannot be loaded or there is none
+     * @throws IllegalStateException if the paint's font cannot be loaded or there is none
      */
     public static Lines breakLines(String text, int start, int end, Paint paint, float width) {
         Objects.checkFromToIndex(start, end, text.length());
@@ -123,13 +123,13 @@ public final class TextEngine {
         return advance(text, start, end, paint, pathOf(paint));
     }
 
-    /** The {@link Typeface} style bits of the file's first font; -1 where the file is no font. */
+    /** The {@link Typeface} style bits of the file's first font; -1 if the file is no font. */
     public static int styleOf(String path) {
         load();
         return styleOfFontFile(path);
     }
 
-    /** Sets the families that stand behind every font; later calls change nothing. False where it cannot be read. */
+    /** Sets the fallback families of every font; later calls change nothing. False if it cannot be read. */
     public static boolean setFonts(FontConfig config) {
         load();
         return setSystemFonts(config);

@@ -3,6 +3,6 @@ package android.os;
 
 /** What the system was built for. */
 public class Build {
-    /** "user" unless the system property {@code zvex.build.type} says otherwise; "eng" lets the library log everything. */
+    /** "user" unless the system property {@code zvex.build.type} says otherwise; with "eng" the library logs everything. */
     public static final String TYPE = System.getProperty("zvex.build.type", "user");
 }

@@ -12,8 +12,8 @@ public final class LocaleList {
     private final Locale[] locales;
 
     /**
-     * @throws NullPointerException where a locale is null
-     * @throws IllegalArgumentException where one comes twice
+     * @throws NullPointerException if a locale is null
+     * @throws IllegalArgumentException if one occurs twice
      */
     public LocaleList(Locale... list) {
         locales = list.clone();
@@ -68,7 +68,7 @@ public final class LocaleList {
         return locales.length == 0;
     }
 
-    /** The place of the locale, or -1. */
+    /** The index of the locale, or -1. */
     public int indexOf(Locale locale) {
         return Arrays.asList(locales).indexOf(locale);
     }

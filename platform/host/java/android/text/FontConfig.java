@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 package android.text;
 
-/** The system's font families in the order in which a text asks them; immutable. */
+/** The system's font families in the order of search; immutable. */
 public final class FontConfig {
     private final Family[] families;
 
@@ -69,8 +69,8 @@ public final class FontConfig {
         private final int variant;
 
         /**
-         * @param name null for a family that only stands behind others
-         * @param languages BCP 47 tags it is made for; empty for none
+         * @param name null for a family that is only a fallback
+         * @param languages BCP 47 tags that it is made for; may be empty
          * @param variant one of the {@code VARIANT_} constants
          */
         public Family(String name, Font[] fonts, String[] languages, int variant) {

@@ -5,10 +5,10 @@ package android.text;
  * Lines of a text, one below the other. Vertical values are pixels from the top of the first line, growing downwards;
  * horizontal ones are pixels from the left of the column; offsets count UTF-16 units.
  *
- * <p>Methods that the platform makes final are open here, so that a line breaker of one's own can report the numbers it has.
+ * <p>Methods that the platform makes final are open here, so that other line breakers can report their own numbers.
  */
 public abstract class Layout {
-    /** Where lines lie in the column: NORMAL is where a paragraph of its direction begins. */
+    /** Alignment of lines in the column: NORMAL is the side where a paragraph of its direction begins. */
     public enum Alignment {
         ALIGN_NORMAL,
         ALIGN_OPPOSITE,
@@ -101,12 +101,12 @@ public abstract class Layout {
         return getLineTop(line) - getLineBaseline(line);
     }
 
-    /** The offset past the line's last character, blanks and line ending included. */
+    /** The offset after the line's last character, blanks and line ending included. */
     public int getLineEnd(int line) {
         return getLineStart(line + 1);
     }
 
-    /** The offset past the line's last character that shows. */
+    /** The offset after the line's last visible character. */
     public int getLineVisibleEnd(int line) {
         int end = getLineEnd(line);
         while (end > getLineStart(line) && isBlank(getText().charAt(end - 1))) {
@@ -128,7 +128,7 @@ public abstract class Layout {
         return getWidth();
     }
 
-    /** The left of the line's text; negative where a line is wider than the column and lies right or in the middle. */
+    /** The left of the line's text; negative if a line is wider than the column and is aligned right or centred. */
     public float getLineLeft(int line) {
         float room = getWidth() - getLineMax(line);
         boolean leftToRight = getParagraphDirection(line) == DIR_LEFT_TO_RIGHT;

@@ -6,8 +6,8 @@ import java.text.Bidi;
 import java.util.Objects;
 
 /**
- * A layout of a text that does not change, measured by the engine that draws it: a line is as high as its font says, or as
- * its ink where fallback fonts reach further, so that no line cuts another's marks off. Lines end where the Unicode rules
+ * A layout of a text that does not change, measured by the engine that draws it: a line's height comes from its font, or
+ * from its ink if fallback fonts reach further, so that no line cuts off another's marks. Lines end where the Unicode rules
  * allow, at every line ending, and between clusters of a word that is wider than the column. No hyphenation, justification
  * or ellipsis. The paint is read when the layout is built.
  */
@@ -161,7 +161,7 @@ public class StaticLayout extends Layout {
             return this;
         }
 
-        /** A line's height times the factor plus the pixels is how far the next one's top lies below its own. */
+        /** Line spacing: the distance between line tops is a line's height times the factor, plus the pixels. */
         public Builder setLineSpacing(float spacingAdd, float spacingMult) {
             this.spacingAdd = spacingAdd;
             this.spacingMultiplier = spacingMult;
@@ -169,7 +169,7 @@ public class StaticLayout extends Layout {
         }
 
         /**
-         * Whether the first line reaches as far up, and the last as far down, as any glyph of the font does; true at first.
+         * Whether the first line extends as far up, and the last as far down, as any glyph of the font; initially true.
          */
         public Builder setIncludePad(boolean includePad) {
             this.includePad = includePad;
@@ -182,7 +182,7 @@ public class StaticLayout extends Layout {
             return this;
         }
 
-        /** @throws IllegalStateException where the paint's font cannot be loaded, or there is no font at all */
+        /** @throws IllegalStateException if the paint's font cannot be loaded, or if there is no font at all */
         public StaticLayout build() {
             return new StaticLayout(this);
         }

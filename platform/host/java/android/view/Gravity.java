@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 package android.view;
 
-/** Where something lies within a larger box: a horizontal and a vertical part, or-ed together. */
+/** A position within a larger box: a horizontal and a vertical part, or-ed together. */
 public class Gravity {
     public static final int NO_GRAVITY = 0x00;
     public static final int TOP = 0x30;

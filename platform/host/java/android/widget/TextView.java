@@ -9,7 +9,7 @@ import android.text.TextPaint;
 import android.view.Gravity;
 
 /**
- * The geometry and look of a box of text. It is no view: nothing is attached, measured or shown, and sizes are what was set.
+ * The geometry and look of a box of text. It is not a real view: nothing is attached, measured or shown, and sizes must be set.
  * A scaled pixel is a pixel.
  */
 public class TextView {
@@ -38,7 +38,7 @@ public class TextView {
         paint.setTextSize(15);
     }
 
-    /** The paint the text is laid out with: its size and typeface are this box's. */
+    /** The paint for layout; it holds this box's text size and typeface. */
     public TextPaint getPaint() {
         return paint;
     }
@@ -152,7 +152,7 @@ public class TextView {
         return includeFontPadding;
     }
 
-    /** Whether the first and the last line reach as far as any glyph of the font does; true at first. */
+    /** Whether the first and the last line extend as far as any glyph of the font; initially true. */
     public void setIncludeFontPadding(boolean includepad) {
         includeFontPadding = includepad;
     }
@@ -166,8 +166,8 @@ public class TextView {
     }
 
     /**
-     * The text wrapped at the width within the paddings and aligned as the gravity says: all lines of it, whatever the limit
-     * of lines shown. Laid out anew by each call.
+     * The text, wrapped at the width within the paddings and aligned by the gravity. It has all lines, whatever the limit of
+     * lines shown. Each call lays it out again.
      */
     public Layout getLayout() {
         int inner = Math.max(width - paddingLeft - paddingRight, 0);

@@ -9,7 +9,7 @@ import java.nio.file.Files;
 import java.nio.file.InvalidPathException;
 import java.nio.file.Path;
 
-/** An application's files: here those of one folder. A name that leads out of it is not found. */
+/** An application's assets: here the files of one folder. Names that lead out of it are not found. */
 public final class AssetManager {
     // Absolute, links resolved. The native asset manager reads this field.
     private final String root;
@@ -17,7 +17,7 @@ public final class AssetManager {
     /**
      * Desktop only.
      *
-     * @throws IOException where there is no such folder
+     * @throws IOException if there is no such folder
      */
     public AssetManager(Path folder) throws IOException {
         root = folder.toRealPath().toString();
@@ -29,7 +29,7 @@ public final class AssetManager {
     /**
      * Opens an asset by its name relative to the folder.
      *
-     * @throws FileNotFoundException where there is none
+     * @throws FileNotFoundException if there is none
      */
     public InputStream open(String fileName) throws IOException {
         File file = fileOf(fileName);
@@ -39,7 +39,7 @@ public final class AssetManager {
         return Files.newInputStream(file.toPath());
     }
 
-    /** Desktop only: the file behind an asset; null where there is none. */
+    /** Desktop only: the file of an asset; null if there is none. */
     public File fileOf(String fileName) {
         try {
             Path name = Path.of(fileName);
