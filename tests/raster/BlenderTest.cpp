@@ -152,25 +152,27 @@ TEST_P(BlenderAgainstPlain, SameBytes) {
 INSTANTIATE_TEST_SUITE_P(Blender, BlenderAgainstPlain, testing::ValuesIn(kOperations),
                          [](const auto& info) { return std::string(info.param.name); });
 
+void drawInEveryWay(int x, int y, const ZvBitmap* target, const uint8_t* bytes, const uint32_t* words, int w,
+                    int h) {
+    for (const int mode : {1, 2, 3, 7}) {
+        ZvBlender::drawBitmapBlend8(x, y, target, bytes, w, h, w, ~0u, mode);
+        ZvBlender::drawBitmapBlend32(x, y, target, words, w, h, w, mode);
+    }
+    ZvBlender::drawBitmapBlend32(x, y, target, bytes, w, h, 4 * w, 0, 1);
+    ZvBlender::drawBitmap8To32(x, y, target, bytes, w, h, ~0u);
+    if (target == nullptr || target->bytesPerPixel == 4)
+        ZvBlender::drawBitmap(x, y, target, bytes, w, h, ~0u);
+}
+
 TEST(Blender, ClipsAtTheEndsOfInt) {
     std::mt19937 random(3);
     GuardedBitmap target(5, 4, 4, &random);
-    const Bytes before = target.store();
-    const Bytes coverage(1, 255);
-    const uint32_t word = 0xFFFFFFFFu;
+    const Bytes before = target.store(), one(4, 255);
+    const uint32_t word = ~0u;
     for (const int at : {INT_MIN, INT_MIN + 1, -INT_MAX / 2, INT_MAX - 1, INT_MAX}) {
         for (const int size : {INT_MIN, -1, 0, 1, 1000, INT_MAX / 4}) {
-            for (const bool across : {false, true}) {
-                const int x = across ? at : 0, y = across ? 0 : at;
-                const int w = across ? size : 1, h = across ? 1 : size;
-                for (const int mode : {1, 2, 3, 7}) {
-                    ZvBlender::drawBitmapBlend8(x, y, &target.bitmap, coverage.data(), w, h, w, 0xFFFFFFFFu,
-                                                mode);
-                    ZvBlender::drawBitmapBlend32(x, y, &target.bitmap, &word, w, h, w, mode);
-                }
-                ZvBlender::drawBitmapBlend32(x, y, &target.bitmap, coverage.data(), w, h, w, 0, 1);
-                ZvBlender::drawBitmap(x, y, &target.bitmap, coverage.data(), w, h, 0xFFFFFFFFu);
-            }
+            drawInEveryWay(at, 0, &target.bitmap, one.data(), &word, size, 1);
+            drawInEveryWay(0, at, &target.bitmap, one.data(), &word, 1, size);
         }
     }
     EXPECT_EQ(target.store(), before);
@@ -188,24 +190,13 @@ TEST(Blender, NothingToDrawOnOrFromIsIgnored) {
     ZvBitmap mask(2, 2, 1), color(2, 2, 4), unallocated;
     unallocated.width = unallocated.height = 2;
     unallocated.bytesPerPixel = 4;
-    const auto draw = [&](const ZvBitmap* target, const unsigned char* bytes, const unsigned int* from) {
-        for (const int mode : {1, 2, 3, 7}) {
-            ZvBlender::drawBitmapBlend8(0, 0, target, bytes, 2, 2, 2, ~0u, mode);
-            ZvBlender::drawBitmapBlend32(0, 0, target, from, 2, 2, 2, mode);
-        }
-        ZvBlender::drawBitmapBlend32(0, 0, target, bytes, 2, 2, 8, 0, 1);
-        ZvBlender::drawBitmap8To32(0, 0, target, bytes, 2, 2, ~0u);
-        if (target != &mask) ZvBlender::drawBitmap(0, 0, target, bytes, 2, 2, ~0u);
-    };
-    draw(nullptr, full.data(), words);
-    draw(&unallocated, full.data(), words);
-    draw(&mask, full.data(),
-         words);  // not a target of a colour blend: writing four bytes a pixel would leave its buffer
-    draw(&color, nullptr, nullptr);
-    ZvBlender::drawBitmap(0, 0, &color, static_cast<const ZvBitmap*>(nullptr), ~0u);
-    for (ZvBitmap* bitmap : {static_cast<ZvBitmap*>(nullptr), &unallocated, &mask}) {
-        ZvBlender::convertBGRAToARGB(bitmap);
+    // A mask is not a target of a colour blend: writing four bytes a pixel would leave its buffer.
+    for (ZvBitmap* target : {static_cast<ZvBitmap*>(nullptr), &unallocated, &mask}) {
+        drawInEveryWay(0, 0, target, full.data(), words, 2, 2);
+        ZvBlender::convertBGRAToARGB(target);
     }
+    drawInEveryWay(0, 0, &color, nullptr, nullptr, 2, 2);
+    ZvBlender::drawBitmap(0, 0, &color, static_cast<const ZvBitmap*>(nullptr), ~0u);
     EXPECT_EQ(Bytes(mask.pixels, mask.pixels + 4), Bytes(4, 0));
     EXPECT_EQ(Bytes(color.pixels, color.pixels + 16), Bytes(16, 0));
 }
