@@ -38,12 +38,12 @@ ZvTextObject* GetBoundTextObject(JNIEnv* env, jobject thiz);
 #define ZV_STILL_BOUND(handle, failure) \
     ZV_REPORT_UNLESS_BOUND(::Zvex::ZvTextObject::FindZvTextObject(handle) != nullptr, failure)
 
-// At the beginning of a native that takes a handle: `name` becomes the text object with it.
+// At the beginning of a native that takes a handle: `name` becomes the text object with that handle.
 #define ZV_TEXT_OBJECT_OF(handle, name, failure)                                       \
     ::Zvex::ZvTextObject* const name = ::Zvex::ZvTextObject::FindZvTextObject(handle); \
     ZV_REPORT_UNLESS_BOUND(name != nullptr, failure)
 
-// Arguments that a native does not take.
+// Refuses invalid arguments.
 #define ZV_REFUSE_UNLESS(condition, failure)                                  \
     do {                                                                      \
         if (!(condition)) {                                                   \

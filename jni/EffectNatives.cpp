@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 // The natives of ZvTextEffects. They are static and take a text object's handle first. A handle without a
-// text object: error 19. A null array, lengths that do not fit, a number without a meaning: error 7. Both
-// leave the text object as it was.
+// text object gives error 19. A null array, lengths that do not match, or a number without a meaning give
+// error 7. Both leave the text object unchanged.
 #include "jni/EffectNatives.h"
 
 #include <cstdint>
@@ -53,7 +53,7 @@ jint JNICALL addRadialGradient(JNIEnv* env, jclass, jint handle, jfloat scale, j
     return text->GetEffect()->addRadialGradientText(scale, opacity, stops.count(), stops.stops());
 }
 
-// From words 0xAARRGGBB to the bytes that a pattern has: alpha, red, green, blue.
+// Converts words 0xAARRGGBB to a pattern's bytes: alpha, red, green, blue.
 void writePattern(const jint* words, ZvBitmap* bitmap) {
     uint8_t* target = bitmap->pixels;
     for (size_t i = 0; i < bitmap->byteCount() / 4; ++i) {
@@ -90,13 +90,13 @@ jint JNICALL addRelief(JNIEnv* env, jclass, jint handle, jint style, jfloat size
                                        static_cast<uint32_t>(highlight), highlightOpacity);
 }
 
-// By the id that an adder gave; false where there is none.
+// Takes the id that an adder returned; false if there is none.
 jboolean JNICALL removeEffect(JNIEnv*, jclass, jint handle, jint id) {
     ZV_TEXT_OBJECT_OF(handle, text, JNI_FALSE);
     return text->GetEffect()->removeEffect(id);
 }
 
-// By its type, a ZvEffectType; false where there is none.
+// Takes a ZvEffectType; false if there is none.
 jboolean JNICALL clearEffect(JNIEnv*, jclass, jint handle, jint type) {
     ZV_TEXT_OBJECT_OF(handle, text, JNI_FALSE);
     ZvECore* const effect = text->GetEffect()->getEffect(type);
@@ -110,7 +110,7 @@ jboolean JNICALL setTextOpacity(JNIEnv*, jclass, jint handle, jfloat opacity) {
     return JNI_TRUE;
 }
 
-// Of the effects and the text's colour; null without a text object or memory.
+// The key of the effects and the text's colour; null without a text object or memory.
 jbyteArray JNICALL getLayerKey(JNIEnv* env, jclass, jint handle) {
     ZV_TEXT_OBJECT_OF(handle, text, nullptr);
     const std::unique_ptr<char[]> key(text->GetEffect()->getMapKey(text->GetTextColor()));
@@ -124,7 +124,7 @@ jbyteArray JNICALL getLayerKey(JNIEnv* env, jclass, jint handle) {
 
 // --- Texts without a view
 
-// A view without paddings, the text's lines from its top left.
+// Sets a view without paddings; the text's lines start at its top left.
 jboolean JNICALL setView(JNIEnv*, jclass, jint handle, jint width, jint height, jint maxLines) {
     ZV_TEXT_OBJECT_OF(handle, text, JNI_FALSE);
     ZV_REFUSE_UNLESS(width >= 0 && height >= 0, JNI_FALSE);
@@ -140,7 +140,7 @@ jboolean JNICALL setTextColor(JNIEnv*, jclass, jint handle, jint color) {
     return JNI_TRUE;
 }
 
-// Where the first line begins on its baseline, in the view; null without a line.
+// The start of the first line on its baseline, in the view; null without a line.
 jintArray JNICALL getOrigin(JNIEnv* env, jclass, jint handle) {
     ZV_TEXT_OBJECT_OF(handle, text, nullptr);
     const List* const lines = text->GetLineInfo();

@@ -7,8 +7,8 @@
 namespace Zvex {
 
 // Registers the natives of the kit's ZvTextEffects: the effects that ZvText has no natives for, texts without
-// a view, and texts in layers. A process may do without that class: true then, and nothing is pending. False,
-// with an exception pending, when the class lacks one of the methods.
+// a view, and texts in layers. If the process lacks that class, the result is true and nothing is pending.
+// False, with an exception pending, if the class lacks one of the methods.
 bool ZvTextEffects_OnLoad(JNIEnv* env);
 
 }  // namespace Zvex

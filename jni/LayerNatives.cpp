@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// The text object lays the text out and rasterises it once, and draws nothing but the background; its
-// coverage goes through the stacks of the layers' text objects.
+// The text object lays the text out and rasterises it once, and draws nothing but the background. The stacks
+// of the layers' text objects draw its coverage.
 #include "jni/LayerNatives.h"
 
 #include <algorithm>
@@ -36,7 +36,7 @@ constexpr int kClipped = 1, kKnockout = 2;
 
 class LayerList {
 public:
-    // False for arrays that do not fit and handles without a text object; an exception may be pending.
+    // False for arrays that do not match and for handles without a text object; an exception may be pending.
     bool read(JNIEnv* env, jintArray numbers, jfloatArray opacities) {
         if (numbers == nullptr || opacities == nullptr) return false;
         const auto count = static_cast<size_t>(env->GetArrayLength(opacities));
@@ -52,7 +52,7 @@ public:
         return true;
     }
 
-    // Before drawing, and after whatever else uses the same stacks.
+    // Call before drawing, and again after anything else has used the same stacks.
     void setColors() const {
         for (size_t i = 0; i < mLayers.size(); ++i) mLayers[i].effect->addText(mColors[i]);
     }
@@ -85,7 +85,7 @@ private:
     std::vector<uint32_t> mColors;
 };
 
-// While it lives, the object's stack has no layer but the coverage, and its text no colour.
+// While it lives, the object's stack has only the coverage as a layer, and its text has no colour.
 class CoverageAlone {
 public:
     CoverageAlone(ZvTextObject& object, TextCoverage* coverage)
@@ -119,7 +119,7 @@ private:
     int mNextId;
 };
 
-// Where text may show: everywhere but in the paddings, save the one on the side that the gravity pulls to.
+// Where text may show: everywhere except in the paddings; the padding on the side of the gravity counts too.
 ZvRect clipOf(const ZvView& view) {
     const int horizontal = view.gravity & ZvView::HORIZONTAL_MASK;
     const int vertical = view.gravity & ZvView::VERTICAL_MASK;
@@ -149,7 +149,7 @@ void drawGround(const Ground& ground, const uint32_t* background, ZvBitmap* pict
     joinLayers(picture, &layer, 1);
 }
 
-// The picture as a Java array; null when memory is short, an exception may be pending then.
+// The picture as a Java array; null if memory is short, possibly with an exception pending.
 jintArray renderLayers(JNIEnv* env, ZvTextObject& text, const LayerList& list, const Ground& ground,
                        float opacity) {
     TextCoverage coverage;

@@ -6,17 +6,18 @@
 
 namespace Zvex {
 
-// Natives of ZvTextEffects for a text in layers (effect/TextLayers.h). The layers come from the back; each is
-// an opacity and kLayerNumbers numbers: the handle of a text object that lends its effects, the text's
-// colour, spread, x, y, blend (LayerBlend), and 1 for clipped plus 2 for knocked out. No handle comes twice.
+// Natives of ZvTextEffects for a text in layers (effect/TextLayers.h). The layers come from the back. Each
+// has an opacity and kLayerNumbers numbers: the handle of a text object whose effects it uses, the text's
+// colour, spread, x, y, blend (LayerBlend), and 1 for clipped plus 2 for knocked out. No handle may occur
+// twice.
 constexpr int kLayerNumbers = 7;
 
-// Left, top, right, bottom: what the layers need beside the view. Null where they are refused.
+// Left, top, right, bottom: the room that the layers need beside the view. Null if they are refused.
 jintArray JNICALL ZvTextEffects_GetLayerMargins(JNIEnv* env, jclass, jintArray layers, jfloatArray opacities);
 
-// As ZvText_RenderTextEffect, with the layers in place of the text object's own effects, which may be those
-// of one of the layers. Behind them lie the background, if `background` says that the text has one, and the
-// canvas: the effects of the text object with that handle or, where it is 0, the colour.
+// Like ZvText_RenderTextEffect, with the layers instead of the text object's own effects, which may belong to
+// one of the layers. Behind them are the background, if `background` says that the text has one, and the
+// canvas: the effects of the text object with that handle or, if it is 0, the colour.
 jintArray JNICALL ZvTextEffects_RenderLayers(JNIEnv* env, jclass, jint handle, jintArray layers,
                                              jfloatArray opacities, jint canvas, jint canvasColor,
                                              jboolean background, jfloat opacity);

@@ -15,8 +15,8 @@
 
 namespace Zvex {
 
-// Makes the view's picture as large as the view and the margins of the effects, and returns its pixels. -1,
-// with nothing set, when they fit no Java array: said in a line that names the native.
+// Sets the size of the view's picture to the view plus the margins of the effects, and returns its number of
+// pixels. -1, with nothing set and a line that names the native, if they do not fit a Java array.
 inline jsize sizePicture(ZvTextObject& text, const char* tag, const char* native) {
     ZvView& view = *text.GetView();
     ZvEffect& effect = *text.GetEffect();

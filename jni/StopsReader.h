@@ -12,17 +12,17 @@
 
 namespace Zvex {
 
-// Colour stops from three Java arrays, one stop for each place of them.
+// Reads colour stops from three Java arrays, one stop for each index.
 class StopsReader {
 public:
-    // Whether there are three arrays of one length; read() takes no others.
+    // Whether there are three arrays of one length, as read() requires.
     static bool fit(JNIEnv* env, jintArray colors, jfloatArray opacities, jfloatArray positions) {
         if (colors == nullptr || opacities == nullptr || positions == nullptr) return false;
         const jsize count = env->GetArrayLength(colors);
         return env->GetArrayLength(opacities) == count && env->GetArrayLength(positions) == count;
     }
 
-    // False when memory is short; an exception may be pending then.
+    // False if memory is short; an exception may be pending then.
     bool read(JNIEnv* env, jintArray colors, jfloatArray opacities, jfloatArray positions) {
         const jsize count = env->GetArrayLength(colors);
         mStops.reset(new (std::nothrow) ZvGradient[static_cast<size_t>(count)]);

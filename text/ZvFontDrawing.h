@@ -34,8 +34,7 @@ public:
     bool SetFontPath(const char* path);
     ZvString* GetFontPath() { return fontPath; }
 
-    // Draws with that typeface from then on, whatever the path, and without the font manager. Null: as
-    // before.
+    // Draws with that typeface from then on, without using the path or the font manager. Null: as before.
     void SetTypeface(std::shared_ptr<const android::Typeface> typeface);
     bool HasTypeface() const { return mOwnTypeface != nullptr; }
 

@@ -60,8 +60,8 @@ public:
     // takes ownership whatever the result.
     bool SetFont(const char* path, char* buffer, unsigned int size);
     ZvFontDrawing* GetFont();
-    // The same with a typeface that is made already, which wins over the fonts above. Neither SetText nor
-    // RenderTextEffect touches the font manager then. Null: the fonts above again.
+    // The same with an existing typeface, which overrides the fonts above; then neither SetText nor
+    // RenderTextEffect uses the font manager. Null: the fonts above again.
     bool SetTypeface(std::shared_ptr<const android::Typeface> typeface);
 
     // Replaces the lines by those of `list` (of ZvLineInfo* made with new) and takes ownership of them; the
@@ -93,14 +93,13 @@ public:
     // Renders a picture of width x height pixels, straight 0xAARRGGBB words, and returns its first pixel.
     // `width` and `height` are the view's size plus the effects' margins; the view's bitmap size, which sets
     // the clip, must hold them by then. The picture belongs to the text object and lives until the next
-    // rendering, which may use its memory again. A size below 1, or one that cannot be allocated, gives null
-    // and no picture, as does memory that runs out while the text is laid out; an effect or a line that finds
-    // none is left out of the picture, with the mark of foundation/OutOfMemory.h on the thread. Without a
-    // font-drawing object: error 8 and the picture of the last rendering, or null.
+    // rendering, which may reuse its memory. Null, and no picture, if a size is below 1 or cannot be
+    // allocated, or if memory runs out while the text is laid out. An effect or a line that finds no memory
+    // is left out of the picture and sets the flag of foundation/OutOfMemory.h. Without a font-drawing
+    // object: error 8 and the picture of the last rendering, or null.
     //
-    // The clip leaves out the paddings, except on the side that the gravity pulls the text to: there the text
-    // may use it. Rendering again without new lines moves the background rectangles down once more by the top
-    // margin.
+    // The clip leaves out the paddings, except on the side of the gravity, where the text may use them.
+    // Rendering again without new lines moves the background rectangles down once more by the top margin.
     uint32_t* RenderTextEffect(int width, int height);
 
     // The text object with that handle, or null.

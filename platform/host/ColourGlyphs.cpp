@@ -19,10 +19,10 @@ namespace {
 // Further layers are not drawn; real glyphs have a few dozen.
 constexpr int kMaxLayers = 1024;
 
-// Of a strike's pixels, after blue, green and red.
+// Index of alpha in a strike's pixels, after blue, green and red.
 constexpr int kAlpha = 3;
 
-// Where a layer's row begins in the image that holds it.
+// The start of a layer's row in the image that holds it.
 template <typename Image>
 size_t placeWithin(const Image& image, const GlyphImage& layer, int y) {
     return static_cast<size_t>(layer.top + y - image.top) * static_cast<size_t>(image.width) +
@@ -155,7 +155,7 @@ void ColourGlyphs::drawStrike(const Strike& strike, const GlyphStyle& style, int
 
 namespace {
 
-// What the plain rendering makes of a strike's alpha without anti-alias.
+// A strike's alpha without anti-alias, in Plain.
 uint8_t wholeOrNothing(uint8_t alpha) {
     return alpha >= 128 ? 255 : 0;
 }

@@ -34,7 +34,7 @@ private:
     bool loadStrike(FreeTypeFace& font, uint32_t glyph, const GlyphStyle& style, bool metricsOnly,
                     Strike* strike) const;
     static GlyphBox strikeBox(const Strike& strike, const GlyphStyle& style, int quarterX);
-    // One of the bitmap's channels: blue, green, red, alpha.
+    // Draws one of the bitmap's channels: blue, green, red or alpha.
     static void drawStrike(const Strike& strike, const GlyphStyle& style, int quarterX, int channel,
                            GlyphImage& image);
     static ColourImage paintStrike(const Strike& strike, const GlyphStyle& style, int quarterX);
@@ -49,7 +49,7 @@ private:
                     GlyphImage& image) const;
     ColourImage paintLayers(FreeTypeFace& font, uint32_t glyph, const GlyphStyle& style, int quarterX,
                             uint32_t textColour) const;
-    // Whether the graph is all there is of the glyph.
+    // Whether the glyph consists only of the graph.
     bool isGraphOnly(FreeTypeFace& font, uint32_t glyph, const GlyphStyle& style) const;
 
     bool mHasStrikes = false;

@@ -1,7 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-//
-// Double precision, with no more than its four operations and its square root; angles are FreeType's, in
-// integers.
+// In double precision with only its four operations and square root; angles are FreeType's, in integers.
 #include "platform/host/ColourLine.h"
 
 #include <ft2build.h>
@@ -69,7 +67,7 @@ uint32_t ColourLine::at(double position) const {
 
 LinearGradient::LinearGradient(double x0, double y0, double x1, double y1, double x2, double y2)
     : mX(x0), mY(y0) {
-    // Across the lines of one colour; as long as takes the position from 0 to 1.
+    // Perpendicular to the lines of one colour, as long as the distance from position 0 to 1.
     const double acrossX = y2 - y0, acrossY = x0 - x2;
     const double reach = (x1 - x0) * acrossX + (y1 - y0) * acrossY;
     mAlongX = reach != 0 ? acrossX / reach : kNowhere;
@@ -88,7 +86,7 @@ double RadialGradient::at(double x, double y) const {
         const double only = c / (2 * b);
         return b != 0 && isCircle(only) ? only : kNowhere;
     }
-    const double root = std::sqrt(b * b - a * c);  // no number where no circle goes through the point
+    const double root = std::sqrt(b * b - a * c);  // NaN if no circle goes through the point
     const double high = (b + (a > 0 ? root : -root)) / a, low = (b - (a > 0 ? root : -root)) / a;
     return isCircle(high) ? high : isCircle(low) ? low : kNowhere;
 }

@@ -11,9 +11,9 @@ namespace host {
 struct Affine {
     double xx = 1, xy = 0, yx = 0, yy = 1, x0 = 0, y0 = 0;
 
-    // `inner` first.
+    // Applies `inner` first.
     Affine operator*(const Affine& inner) const;
-    // False if there is none, or if a number of it overflows.
+    // False if there is no inverse, or if one of its numbers overflows.
     bool invert(Affine* inverse) const;
 };
 
@@ -50,8 +50,8 @@ private:
     double mX, mY, mAlongX, mAlongY;
 };
 
-// Position t has the circle between the circles of 0 and 1, or beyond them. A point has the greatest position
-// whose circle, of a radius of 0 or more, goes through it.
+// Position t is the circle between the circles of 0 and 1, or beyond them. A point has the greatest position
+// whose circle, with a radius of 0 or more, goes through it.
 struct RadialGradient {
     double x0, y0, radius0, x1, y1, radius1;
     double at(double x, double y) const;

@@ -17,15 +17,15 @@ namespace {
 
 constexpr int kMaxDepth = 64;
 constexpr int kMaxPaints = 16384;
-// Pictures with as many pixels as the glyph's that a graph may fill, and what small ones may in any case.
+// How many pixels a graph may fill: kMaxFills times those of the glyph, and kFreePixels in any case.
 constexpr uint64_t kMaxFills = 128, kFreePixels = uint64_t{1} << 22;
 constexpr size_t kMaxPixels = kMaxGlyphBytes / 4;
-// Pixels of the pictures that a paint and those above it hold at once.
+// The pixels that a paint and those above it may hold at once.
 constexpr size_t kMaxHeld = 4 * kMaxPixels;
-// Pixels from the pen, on which 26.6 fits 32 bits.
+// Pixels from the pen; up to this distance 26.6 fits 32 bits.
 constexpr double kFarthest = 1 << 23;
 
-// 2.14 numbers.
+// One in 2.14 fixed point.
 constexpr double kUnit = 16384;
 
 GlyphBox meet(const GlyphBox& a, const GlyphBox& b) {
@@ -46,7 +46,7 @@ uint32_t* rowOf(ColourImage& image, int x, int y) {
            static_cast<size_t>(x - image.left);
 }
 
-// The picture in a box that holds it.
+// The picture, extended to a larger box.
 ColourImage grown(ColourImage image, const GlyphBox& box) {
     if (areaOf(box) == image.pixels.size()) return image;
     ColourImage result = blankPicture(box);
@@ -208,7 +208,7 @@ private:
 
     ColourImage paintKind(size_t place, const Affine& toPixels, const GlyphBox& clip) {
         const uint32_t format = mGraph.word(place, 1);
-        // Odd ones are those before them with deltas, but for two.
+        // An odd format is the even one before it with deltas, except for two.
         const uint32_t kind = format == 1 || format == 11 ? format : format & ~1u;
         switch (kind) {
             case 1:
@@ -277,7 +277,7 @@ private:
                 0};
     }
 
-    // Layers lie over those before them.
+    // Each layer lies over those before it.
     ColourImage layers(size_t place, const Affine& toPixels, const GlyphBox& clip) {
         ColourImage all;
         const uint32_t count = mGraph.word(place + 1, 1), first = mGraph.word(place + 2, 4);
@@ -288,7 +288,7 @@ private:
         return all;
     }
 
-    // A glyph that paints itself ends by the limits. A box that has come to lean does not clip.
+    // The limits end a glyph that paints itself. A box that is rotated or slanted does not clip.
     ColourImage glyph(uint32_t number, const Affine& toPixels, const GlyphBox& clip) {
         const size_t box = mMeasures ? 0 : mGraph.clipOf(number);
         const GlyphBox all = box == 0 || toPixels.yx != 0 ? clip : meet(clip, clipBox(box, toPixels));
@@ -319,7 +319,7 @@ private:
         return backdrop;
     }
 
-    // What lies within an outline of what is painted there.
+    // Fills an outline with what is painted there.
     ColourImage shape(size_t place, const Affine& toPixels, const GlyphBox& clip) {
         if (!loadShape(mGraph.word(place + 4, 2), toPixels)) return {};
         const GlyphBox all = outlineBox(mFont), box = meet(all, clip);
@@ -346,7 +346,7 @@ private:
         return picture;
     }
 
-    // Into the face's slot, in 64ths of a pixel, y upwards.
+    // Loads the shape into the face's slot, in 64ths of a pixel, y upwards.
     bool loadShape(uint32_t glyph, const Affine& toPixels) {
         const FT_Face face = mFont.face();
         const int flags =
@@ -368,7 +368,7 @@ private:
         return outline.n_points > 0;
     }
 
-    // The rasteriser's steps along an outline are no more than the pixels along its control points.
+    // An upper limit for the rasteriser's steps along an outline: the pixels along its control points.
     static uint64_t costOf(const FT_Outline& outline) {
         uint64_t length = 0;
         for (int i = 1; i < outline.n_points; ++i) {
@@ -427,7 +427,7 @@ private:
             each(RadialGradient{at(field), at(field + 2), radius(field + 4), at(field + 6), at(field + 8),
                                 radius(field + 10)});
         } else {
-            // 0 is half a turn, so that two bytes reach all around.
+            // 0 is half a turn, so that two bytes cover a full circle.
             const auto degrees = [&](size_t of) { return (share(of) + 1) * 180; };
             each(SweepGradient{at(field), at(field + 2), degrees(field + 4), degrees(field + 6)});
         }

@@ -16,7 +16,7 @@
 
 namespace host {
 
-// The first palette's colours, straight 0xAARRGGBB, and the text's for all numbers beyond them.
+// The first palette's colours, straight 0xAARRGGBB. Numbers beyond them mean the text's colour.
 struct PaletteColours {
     const std::vector<uint32_t>* colours;
     uint32_t text;
@@ -28,12 +28,12 @@ struct PaletteColours {
 // composites. This class reads the table itself, because FreeType's calls for it do not check where the table
 // ends. Variable values keep their defaults.
 //
-// A picture is made of pieces of straight words; each is rounded to bytes when it is joined. Shapes are
+// A picture is composed of pictures of straight words; each is rounded to bytes when it is joined. Shapes are
 // filled from unhinted outlines in 64ths of a pixel; fake bold does not change them. Transforms and gradients
 // are computed in double precision; a pixel gets the colour of its centre.
 //
-// Limits: graphs of depth 64 and 16384 paints, 128 times as many filled pixels as the picture has; paints
-// beyond them are left out. A picture of more than kMaxGlyphBytes is blank.
+// Limits: graphs have a depth of at most 64 and at most 16384 paints, and fill at most 128 times the
+// picture's pixels; paints beyond the limits are left out. A picture of more than kMaxGlyphBytes is blank.
 class PaintGraph {
 public:
     void open(hb_face_t* face);

@@ -11,10 +11,11 @@ enum class Rendering { Phone, Plain };
 // One setting for the process, Phone at the start; any thread. It applies to what is measured and drawn
 // afterwards; a line that is being laid out or drawn may get some of both.
 void setRendering(Rendering rendering);
-// The process's, or that of this thread.
+// The setting of this thread if it has one, else the process's.
 Rendering rendering();
 
-// While one lives, its thread measures and draws so, whatever the process does. They may be nested.
+// While one lives, it sets how its thread measures and draws, independent of the process's setting. May be
+// nested.
 class RenderingOfThread {
 public:
     explicit RenderingOfThread(Rendering rendering);

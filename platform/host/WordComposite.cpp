@@ -21,7 +21,7 @@ constexpr LayerBlend kBlends[] = {
     LayerBlend::Hue,         LayerBlend::Saturation, LayerBlend::Color,     LayerBlend::Luminosity,
 };
 
-// The shares of the source and of the backdrop that stay, of 255.
+// The weights of the source and of the backdrop, of 255.
 struct Shares {
     uint32_t source, backdrop;
 };

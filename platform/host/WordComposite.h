@@ -7,8 +7,8 @@
 
 namespace host {
 
-// How the pictures of a painted glyph are joined, with the numbers that fonts use: the operators of Porter
-// and Duff (1984), the sum, and the blend modes of the W3C's "Compositing and Blending Level 1".
+// How the pictures of a painted glyph are joined, with the fonts' numbers for the modes: the operators of
+// Porter and Duff (1984), the sum, and the blend modes of the W3C's "Compositing and Blending Level 1".
 enum class Composite : uint8_t {
     Clear,
     Source,
