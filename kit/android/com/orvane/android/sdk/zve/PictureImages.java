@@ -3,7 +3,7 @@ package com.orvane.android.sdk.zve;
 
 import android.graphics.Bitmap;
 
-/** What a picture has on Android alone. */
+/** The members of a picture that exist only on Android. */
 abstract class PictureImages {
     PictureImages() {}
 
@@ -17,7 +17,7 @@ abstract class PictureImages {
      * A copy as a bitmap, which may round translucent colours.
      *
      * @return of the configuration {@code ARGB_8888}
-     * @throws IllegalArgumentException where the picture has no pixels
+     * @throws IllegalArgumentException if the picture has no pixels
      */
     public Bitmap toBitmap() {
         return Bitmap.createBitmap(argb(), width(), height(), Bitmap.Config.ARGB_8888);

@@ -3,7 +3,7 @@ package com.orvane.android.sdk.zve;
 
 import java.awt.image.BufferedImage;
 
-/** What a picture has on a desktop JVM alone. */
+/** The members of a picture that exist only on a desktop JVM. */
 abstract class PictureImages {
     PictureImages() {}
 
@@ -17,7 +17,7 @@ abstract class PictureImages {
      * A copy as an image.
      *
      * @return of the type {@code TYPE_INT_ARGB}
-     * @throws IllegalArgumentException where the picture has no pixels
+     * @throws IllegalArgumentException if the picture has no pixels
      */
     public BufferedImage toBufferedImage() {
         BufferedImage image = new BufferedImage(width(), height(), BufferedImage.TYPE_INT_ARGB);

@@ -69,7 +69,7 @@ enum EffectKind {
         return this == LINEAR_GRADIENT || this == RADIAL_GRADIENT || this == PATTERN;
     }
 
-    /** Null where there is none of that name. */
+    /** Null if there is none of that name. */
     static EffectKind find(String key) {
         for (EffectKind kind : values()) {
             if (kind.key.equals(key)) {

@@ -8,7 +8,7 @@ import java.util.List;
 import java.util.Map;
 import java.util.Set;
 
-/** A text's colours, and what a style gave it: effects that follow the size, layers, a ground. */
+/** A text's colours, and what it got from a style: effects that scale with the size, layers, a canvas. */
 final class Look {
     private static final int NUMBERS = 7; // of a layer, see ZvTextEffects
 
@@ -54,7 +54,7 @@ final class Look {
         return (int) Math.round((color >>> 24) * share) << 24 | (color & 0xFFFFFF);
     }
 
-    /** Takes what the style sets, its effects and layers at sizes that {@link #fit} brings to the text's. */
+    /** Applies the style's settings. {@link #fit} scales its effects and layers to the text's size. */
     void take(ZvText text, ZvStyle style) {
         color = style.color != null ? style.color : color;
         background = style.background != null ? style.background : background;
@@ -136,7 +136,7 @@ final class Look {
         layers.clear();
     }
 
-    /** Whether the picture is joined of layers; a ground alone lies behind one layer, the text with its own effects. */
+    /** Whether the picture is joined from layers; with just a canvas, the one layer is the text with its own effects. */
     boolean isLayered() {
         return !layers.isEmpty() || canvas != null;
     }
@@ -147,7 +147,7 @@ final class Look {
         return margins;
     }
 
-    /** Null where the library refuses. */
+    /** Null if the library refuses. */
     int[] render(ZvText text, int textColor) {
         boolean byEffect = canvas instanceof Effect;
         int ground = canvas instanceof Integer ? (Integer) canvas : 0;

@@ -9,7 +9,7 @@ import java.util.Objects;
  * 8 pixels wide, up, soft, lit from the upper left. Not for several threads at once.
  */
 public final class Relief {
-    /** Where a bevel lies. */
+    /** The position of a bevel. */
     public enum Edge {
         /** Around the glyphs. */
         OUTER,
@@ -85,7 +85,7 @@ public final class Relief {
     }
 
     /**
-     * Sets where the light comes from.
+     * Sets the direction of the light.
      *
      * @param degrees counter-clockwise from the right
      * @param altitude above the page, 0 to 89 degrees

@@ -3,9 +3,9 @@ package com.orvane.android.sdk.zve;
 
 import java.nio.charset.StandardCharsets;
 
-/** One setting of an effect, a layer or a style: its name, what it takes, and its value where none is given. */
+/** One setting of an effect, a layer or a style: its name, the values it takes, and its default. */
 final class Setting {
-    /** What a setting takes; in brackets the class that its values have. */
+    /** The kind of values of a setting; in brackets their class. */
     enum Type {
         NUMBER, // Double
         COLOR, // Integer, 0xAARRGGBB
@@ -80,7 +80,7 @@ final class Setting {
         return new Setting("color", Type.COLOR, start);
     }
 
-    /** The first name stands for the first number, and is the one at the start. */
+    /** The first name means the first number and is the default. */
     static Setting choice(String name, String[] choices, int... numbers) {
         Setting setting = new Setting(name, Type.CHOICE, numbers[0]);
         setting.choices = choices;
@@ -108,7 +108,7 @@ final class Setting {
         return this;
     }
 
-    /** @throws IllegalArgumentException which begins with {@code where} and says what is taken */
+    /** @throws IllegalArgumentException with a message that begins with {@code where} and says what is accepted */
     double checked(String where, Number given) {
         double value = given.doubleValue();
         boolean inside = (above ? value > low : value >= low) && value <= high && !Double.isInfinite(value);
@@ -118,7 +118,7 @@ final class Setting {
         return value;
     }
 
-    /** What a person would write. */
+    /** The value as a person would write it. */
     static String shown(Number number) {
         double value = number.doubleValue();
         return value == Math.rint(value) && Math.abs(value) < 1e15 ? Long.toString((long) value) : number.toString();
@@ -155,7 +155,7 @@ final class Setting {
         return unit.isEmpty() ? text : text + " (" + unit + ")";
     }
 
-    /** For a text {@code factor} times as large: pixels are whole, and one where there was one; no further than the range. */
+    /** The value for a text {@code factor} times as large: whole pixels, at least one if there was one, within the range. */
     double fitted(double value, double factor) {
         double size = Math.abs(value);
         double fitted = size * factor;

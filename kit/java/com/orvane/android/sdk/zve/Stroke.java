@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 package com.orvane.android.sdk.zve;
 
-/** Where a stroke lies. */
+/** The position of a stroke. */
 public enum Stroke {
     /** Half of its width on either side of the glyphs' edge. */
     CENTER(0),

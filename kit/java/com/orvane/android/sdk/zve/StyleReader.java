@@ -14,7 +14,7 @@ import org.json.JSONException;
 import org.json.JSONObject;
 import org.json.JSONTokener;
 
-/** Reads a style from JSON by the tables of settings. What is wrong throws with its place in front. */
+/** Reads a style from JSON by the tables of settings. Errors are thrown with their place in front. */
 final class StyleReader {
     static final int MAX_CHARS = 4 << 20;
 

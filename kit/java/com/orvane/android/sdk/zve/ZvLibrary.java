@@ -19,7 +19,7 @@ public final class ZvLibrary {
      * Loads the library if it is not loaded yet. Every class of the kit calls this; an application may call it to see a
      * failure early.
      *
-     * @throws UnsatisfiedLinkError where it cannot be found or loaded; the next call tries again
+     * @throws UnsatisfiedLinkError if it cannot be found or loaded; the next call tries again
      */
     public static void load() {
         if (loaded) {

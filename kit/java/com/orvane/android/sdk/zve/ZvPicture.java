@@ -4,7 +4,7 @@ package com.orvane.android.sdk.zve;
 import java.io.IOException;
 import java.io.OutputStream;
 
-/** A picture, straight {@code 0xAARRGGBB} pixels, and where its text stands in it. Any thread; the pixels do not change. */
+/** A picture, straight {@code 0xAARRGGBB} pixels, and the position of its text. Any thread; the pixels do not change. */
 public final class ZvPicture extends PictureImages {
     final int[] pixels;
     private final int width;
@@ -18,7 +18,7 @@ public final class ZvPicture extends PictureImages {
      * @param argb rows of {@code width} pixels from the top, copied
      * @param width in pixels, at least 1
      * @param height in pixels, at least 1
-     * @throws IllegalArgumentException where there are not as many pixels as the sizes say
+     * @throws IllegalArgumentException if the number of pixels does not match the sizes
      */
     public ZvPicture(int[] argb, int width, int height) {
         this(argb.clone(), width, height, new int[4], new int[2]);
@@ -66,7 +66,7 @@ public final class ZvPicture extends PictureImages {
     }
 
     /**
-     * Where the first line begins.
+     * The start of the first line.
      *
      * @return pixels from the picture's left
      */
@@ -75,7 +75,7 @@ public final class ZvPicture extends PictureImages {
     }
 
     /**
-     * Where the first line's baseline lies.
+     * The baseline of the first line.
      *
      * @return pixels from the picture's top
      */
@@ -84,7 +84,7 @@ public final class ZvPicture extends PictureImages {
     }
 
     /**
-     * What the effects took at the left of the text's box.
+     * The room that effects take to the left of the text's box.
      *
      * @return pixels
      */
@@ -93,7 +93,7 @@ public final class ZvPicture extends PictureImages {
     }
 
     /**
-     * What the effects took above the text's box.
+     * The room that effects take above the text's box.
      *
      * @return pixels
      */
@@ -102,7 +102,7 @@ public final class ZvPicture extends PictureImages {
     }
 
     /**
-     * What the effects took at the right of the text's box.
+     * The room that effects take to the right of the text's box.
      *
      * @return pixels
      */
@@ -111,7 +111,7 @@ public final class ZvPicture extends PictureImages {
     }
 
     /**
-     * What the effects took below the text's box.
+     * The room that effects take below the text's box.
      *
      * @return pixels
      */
@@ -123,7 +123,7 @@ public final class ZvPicture extends PictureImages {
      * Writes it as a PNG with these very pixels; an image of the platform's may round translucent ones.
      *
      * @param out left open
-     * @throws IOException as {@code out} does, and where the picture has no pixels
+     * @throws IOException as {@code out} does, and if the picture has no pixels
      */
     public void writePng(OutputStream out) throws IOException {
         PngWriter.write(out, pixels, width, height);

@@ -34,7 +34,7 @@ public final class ZvStyle {
             "glitch", "gold", "ice", "inline", "letterpress", "longshadow", "neon", "paper", "retro", "royal", "slime",
             "spectrum", "sticker", "triple"));
 
-    // What the style leaves out is null, or empty.
+    // Settings that the style leaves out are null or empty.
     final Integer color;
     final Integer background;
     final Object canvas; // an Integer for a colour, or an Effect
@@ -54,7 +54,7 @@ public final class ZvStyle {
          *
          * @param file as the style names it; do not open it just anywhere if the style is not your own
          * @return the picture
-         * @throws IOException where there is none
+         * @throws IOException if there is none
          */
         ZvPicture find(String file) throws IOException;
     }
@@ -146,7 +146,7 @@ public final class ZvStyle {
      * @param json the file's content
      * @param pictures finds them, each once
      * @return the style
-     * @throws IllegalArgumentException as above, and where a picture cannot be found
+     * @throws IllegalArgumentException as above, and if a picture cannot be found
      */
     public static ZvStyle parse(String json, Pictures pictures) {
         return new StyleReader(pictures).read(json);
@@ -174,7 +174,7 @@ public final class ZvStyle {
      *
      * @param name one of {@link #presets}
      * @return the style
-     * @throws IllegalArgumentException where there is none of that name
+     * @throws IllegalArgumentException if there is none of that name
      */
     public static ZvStyle preset(String name) {
         if (!PRESETS.contains(name)) {
@@ -197,7 +197,7 @@ public final class ZvStyle {
     }
 
     /**
-     * What the style says of itself.
+     * The description in the style file.
      *
      * @return a line, or ""
      */

@@ -74,7 +74,7 @@ public final class ZvText implements AutoCloseable {
     // Written after natives that take the handle alone: keeps this text reachable, and its native object, until then.
     private volatile boolean used;
 
-    /** @throws UnsatisfiedLinkError where the library is not found; see {@link ZvLibrary} */
+    /** @throws UnsatisfiedLinkError if the library is not found; see {@link ZvLibrary} */
     public ZvText() {
         ZvLibrary.load();
         self = new SelfLayout();
@@ -216,7 +216,7 @@ public final class ZvText implements AutoCloseable {
     }
 
     /**
-     * Sets the text's size where it has no view; 96 at first.
+     * Sets the text's size if it has no view; initially 96.
      *
      * @param pixels per em, above 0 and up to 10000
      */
@@ -232,7 +232,7 @@ public final class ZvText implements AutoCloseable {
     /**
      * Breaks the lines of a text without a view.
      *
-     * @param width of the column in pixels; 0 for none, then lines end where the words say so
+     * @param width of the column in pixels; 0 for none: then only line endings in the text end lines
      */
     public ZvText wrap(int width) {
         synchronized (lock) {
@@ -243,7 +243,7 @@ public final class ZvText implements AutoCloseable {
         }
     }
 
-    /** Says where the lines of a text without a view stand in their column; the left at first. */
+    /** Sets the alignment of the lines of a text without a view in their column; initially left. */
     public ZvText align(Paint.Align align) {
         Objects.requireNonNull(align, "align");
         synchronized (lock) {
@@ -292,7 +292,7 @@ public final class ZvText implements AutoCloseable {
         }
     }
 
-    /** Shows that many lines in place of the view's own limit; 0 goes back to the view's. */
+    /** Shows that many lines instead of the view's own limit; 0 restores the view's. */
     public ZvText lines(int count) {
         synchronized (lock) {
             begin();
@@ -408,7 +408,7 @@ public final class ZvText implements AutoCloseable {
     /**
      * Casts a shadow behind the text.
      *
-     * @param angle where the light comes from: 0 is the right, 90 above; the shadow falls on the other side
+     * @param angle direction of the light: 0 is the right, 90 above; the shadow falls on the other side
      * @param distance how far it falls
      * @param size how far its edge is blurred
      */
@@ -556,7 +556,7 @@ public final class ZvText implements AutoCloseable {
      * Renders the picture: rows of {@link #width} pixels from the top, straight {@code 0xAARRGGBB}. Its size is the view
      * plus the margins that the effects need.
      *
-     * @throws IllegalStateException where the view, the layout or any font is missing
+     * @throws IllegalStateException if the view, the layout or any font is missing
      */
     public int[] render() {
         synchronized (lock) {
@@ -597,7 +597,7 @@ public final class ZvText implements AutoCloseable {
                 "the colours could not be set");
     }
 
-    /** The same with its size and margins, and with where the text stands in it. */
+    /** The same with its size, its margins and the position of the text. */
     public ZvPicture picture() {
         synchronized (lock) {
             int[] argb = render();
@@ -616,12 +616,12 @@ public final class ZvText implements AutoCloseable {
         }
     }
 
-    /** Of the picture made last, in pixels; 0 before. */
+    /** Of the last picture, in pixels; 0 before the first. */
     public int width() {
         return size()[0];
     }
 
-    /** Of the picture made last, in pixels; 0 before. */
+    /** Of the last picture, in pixels; 0 before the first. */
     public int height() {
         return size()[1];
     }

@@ -4,7 +4,7 @@ package com.orvane.android.sdk.zve;
 /**
  * The natives beside those of {@link ZvText}: the effects that it has none for, texts without a view, and texts in layers.
  * Each takes the handle of a text's native object, or of several. Adders give the effect's id, or -1; the others false or
- * null where they fail, with error 19 for a handle without an object and 7 for arrays that do not fit.
+ * null if they fail, with error 19 for a handle without an object and 7 for arrays that do not match.
  *
  * <p>Sizes are pixels, angles degrees, opacities 0 to 1; an opacity takes the place of its colour's alpha. A stop is one
  * place of three arrays, its position 0 to 1.
@@ -12,7 +12,7 @@ package com.orvane.android.sdk.zve;
 final class ZvTextEffects {
     private ZvTextEffects() {}
 
-    /** With stops, from the glyphs outwards, the colour does not count; the arrays are empty where there are none. */
+    /** With stops, from the glyphs outwards, the colour is ignored; without stops the arrays are empty. */
     static native int ZvTextEffects_AddOuterGlow(
             int handle, float size, int color, float opacity, int[] colors, float[] opacities, float[] positions);
 
@@ -36,7 +36,7 @@ final class ZvTextEffects {
             int handle, int style, float size, float depth, int direction, int technique, int soften, float opacity,
             float angle, float altitude, int shadow, float shadowOpacity, int highlight, float highlightOpacity);
 
-    /** False where the text has no effect with that id. */
+    /** False if the text has no effect with that id. */
     static native boolean ZvTextEffects_RemoveEffect(int handle, int id);
 
     /** The same by the library's number of the kind. */
@@ -44,7 +44,7 @@ final class ZvTextEffects {
 
     static native boolean ZvTextEffects_SetTextOpacity(int handle, float opacity);
 
-    /** Bytes that tell apart texts whose effects or colours differ; none of them is 0. */
+    /** Bytes that differ if the effects or colours of two texts do; none of them is 0. */
     static native byte[] ZvTextEffects_GetLayerKey(int handle);
 
     /** A view without paddings in the place of {@code ZvText_SetView}'s. */
@@ -52,7 +52,7 @@ final class ZvTextEffects {
 
     static native boolean ZvTextEffects_SetTextColor(int handle, int color);
 
-    /** Where the first line begins on its baseline, x and y in the view; null without lines. */
+    /** The start of the first line on its baseline, x and y in the view; null without lines. */
     static native int[] ZvTextEffects_GetOrigin(int handle);
 
     /**
@@ -66,7 +66,7 @@ final class ZvTextEffects {
     /**
      * The picture with these layers in the place of the text's own effects.
      *
-     * @param canvas the handle of a text whose effects fill the ground, or 0 for a ground of {@code canvasColor}
+     * @param canvas the handle of a text whose effects fill the canvas, or 0 for a canvas of {@code canvasColor}
      * @param background whether the text has one
      */
     static native int[] ZvTextEffects_RenderLayers(

@@ -16,7 +16,7 @@ public final class FontManager {
      * Adds a font from a font file's bytes, which are copied. A text selects it with {@code font(name)}. If the name is
      * known already, it keeps its font.
      *
-     * @throws ZvException where the bytes are no font
+     * @throws ZvException if the bytes are no font
      */
     public static void insert(String name, byte[] data) {
         Objects.requireNonNull(name, "name");
@@ -37,7 +37,7 @@ public final class FontManager {
      * Sets the system's families, the fallback for characters that a font lacks; language-specific ones are loaded when the
      * first text needs them. Only the first configuration counts; later calls change nothing.
      *
-     * @throws ZvException where the configuration cannot be read; the next call tries again
+     * @throws ZvException if the configuration cannot be read; the next call tries again
      */
     public static void configure(FontConfig config) {
         Objects.requireNonNull(config, "config");

@@ -49,7 +49,7 @@ public final class FontLock {
         KNOWN.add(name);
     }
 
-    /** The store has system families from now on. Called under {@link #change}. */
+    /** Notes that the store now has system families. Called under {@link #change}. */
     public static void setConfigured() {
         configured = true;
     }
@@ -68,7 +68,7 @@ public final class FontLock {
         return change();
     }
 
-    // Only if neither the layout nor the text can change does the library certainly read what is seen here.
+    // The library is sure to read what is seen here only if the layout and the text cannot change.
     private static boolean isPlain(Layout layout) {
         CharSequence text = layout instanceof StaticLayout ? layout.getText() : null;
         if (!(text instanceof String)) {
