@@ -47,7 +47,7 @@ public:
     void Init();
 
     bool append(void* item);
-    // All of them or, when memory is short, none.
+    // All of them or, if memory is short, none.
     bool appendAll(const ListImpl& other);
     bool insertBefore(Node* next, void* item);
     Node* nodeAt(int index);  // 0 <= index < count; leaves the cursor there
@@ -55,7 +55,7 @@ public:
     void remove(Node* node, int index);
     void removeAll();
 
-    Position* open();  // null when memory is short
+    Position* open();  // null if memory is short
     Position* find(long number) const;
     void close(Position* position);
 

@@ -14,7 +14,7 @@ public:
     Mutex(const Mutex&) = delete;
     Mutex& operator=(const Mutex&) = delete;
 
-    // False with code 1 when memory is short or the system refuses a mutex, with code 4 when called before.
+    // False with code 1 if memory is short or the system refuses a mutex, with code 4 when called before.
     // It may only be called again if memory was short. Lock and Unlock do nothing after a failure.
     bool Construct();
 

@@ -40,7 +40,7 @@ size_t lengthUpTo(const wchar_t* text, size_t n) {
     return length;
 }
 
-// The first `length` characters as a text of their own; null when memory is short.
+// The first `length` characters as a text of their own; null if memory is short.
 Wide copyOf(const wchar_t* text, size_t length) {
     Wide copy(new (std::nothrow) wchar_t[length + 1]);
     if (copy == nullptr) return copy;

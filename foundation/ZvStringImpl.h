@@ -27,7 +27,7 @@ public:
     static int Wcstombs(char* target, const wchar_t* text, int capacity);
 
     // Converts UTF-8 to a new wide text by the rules in ZvString.h; the caller frees it with delete[]. Null
-    // when memory is short. `utf8` must not be null.
+    // if memory is short. `utf8` must not be null.
     static wchar_t* WidenUTF8(const char* utf8);
 
     // UTF-16 units that Mbstowcs makes of `byteCount` bytes, the NUL not counted.

@@ -42,7 +42,7 @@ char* appendUtf8(char* target, uint32_t c) {
     return target;
 }
 
-// Null when memory is short.
+// Null if memory is short.
 std::unique_ptr<char[]> toUtf8(const jchar* units, jsize length) {
     // A unit by itself takes at most three bytes, a pair four.
     std::unique_ptr<char[]> chars(new (std::nothrow) char[size_t{3} * static_cast<size_t>(length) + 1]);

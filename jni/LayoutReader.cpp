@@ -49,7 +49,7 @@ bool noMemory() {
     return false;
 }
 
-// False when memory is short. The caller checks whether a call threw.
+// False if memory is short. The caller checks whether a call threw.
 bool readText(JavaCalls& calls, jobject text, Utf8Chars& out) {
     const jmethodID toString = calls.find(text, kToString);
     if (calls.threw()) return true;

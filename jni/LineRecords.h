@@ -20,7 +20,7 @@ public:
         for (int i = 0; i < count; ++i) delete static_cast<ZvLineInfo*>(mList.Get(i));
     }
 
-    // False when memory is short.
+    // False if memory is short.
     bool make(const std::vector<ZvLineInfo>& lines) {
         mMade = mList.Construct() != 0;
         if (!mMade) return false;
@@ -32,7 +32,7 @@ public:
         return true;
     }
 
-    // False, and the text object without lines, when memory is short.
+    // False, and the text object without lines, if memory is short.
     bool moveInto(ZvTextObject& text) {
         if (!text.SetLineInfo(&mList)) return false;
         mList.RemoveAll();

@@ -71,7 +71,7 @@ bool refuseImage(const ZvGlyph& glyph) {
 }
 
 // The line's coverage image, not yet drawn: as wide as the advance (not as the ink, so ink beyond the advance
-// is cut off), as high as the bounds. Null when memory is short, and, with an error line, when it is too
+// is cut off), as high as the bounds. Null if memory is short, and, with an error line, when it is too
 // large.
 LineImage makeLineImage(const minikin::MinikinRect& bounds, float advance) {
     LineImage glyph(tryMake<ZvGlyph>().release());

@@ -13,11 +13,11 @@
 // The target is raised in tiles of kBatch rows, which stay in registers while the kernel rows are applied. It
 // is fast because it skips most reads:
 // - A tile that no coverage reaches is skipped. Work on a tile stops when all its pixels are full. Most tiles
-// fill at once, from the row at their centre or from the row that filled the tile above.
+//   fill at once, from the row at their centre or from the row that filled the tile above.
 // - In other tiles, along the outline, few pixels are not full yet. A kernel row is read only if there is
-// coverage within its reach of these pixels. If all of that coverage lies on one side, only that side is
-// read. Coverage 0 gives nothing under any cell, so what is skipped could not have raised a pixel. One word
-// holds, for 64 patches of a few pixels around a block, whether they have coverage.
+//   coverage within its reach of these pixels. If all of that coverage lies on one side, only that side is
+//   read. Coverage 0 gives nothing under any cell, so what is skipped could not have raised a pixel. One word
+//   tells which of 64 patches of a few pixels around a block have coverage.
 //
 // The plain form is tests/reference/StrokeReference.h.
 
