@@ -14,8 +14,7 @@
 #include "fuzz/Input.h"
 #include "scene/Failure.h"
 #include "scene/Png.h"
-#include "scene/Scale.h"
-#include "scene/Scene.h"
+#include "scene/SceneOptions.h"
 #include "scene/Style.h"
 #include "scene/TextInput.h"
 #include "scene/WebpWriter.h"
@@ -150,19 +149,22 @@ void renderSmall(Scene scene) {
     ZVEX_FUZZ_CHECK(findInvalidUtf8(writeMetrics(rendering.metrics)) == std::string::npos);
 }
 
-void useArguments(RenderArguments arguments) {
+void useOptions(RenderOptions options) {
+    SceneOptions& asked = options.scene;
+    checkStyle(asked.scene.style);
     // Neither files nor standard input.
-    arguments.literalText = true;
-    arguments.textFile.clear();
-    for (const auto& option : arguments.style) {
-        if (option.first == "style" && option.second.rfind('{', 0) != 0) return;
-    }
-    checkStyle(readStyleParts(arguments));
-    Style style = readStyleOptions(arguments);
-    layerKeyInHex(namedPattern(style));
-    if (arguments.font.empty()) arguments.font = kFont;
-    if (arguments.text.empty()) arguments.text = "Ag";
-    renderSmall(readScene(arguments));
+    asked.textFile.clear();
+    if (asked.scene.font.name.empty()) asked.scene.font = kFont;
+    if (asked.scene.text.empty()) asked.scene.text = "Ag";
+    SceneOptions styled = asked;
+    fitScene(styled);
+    layerKeyInHex(namedPattern(styled.scene.style));
+    renderSmall(sceneOf(asked));
+}
+
+bool namesStyle(const std::pair<std::string, Json>& option) {
+    return option.first == "style" && option.second.is_string() &&
+           option.second.get<std::string>().rfind('{', 0) != 0;
 }
 
 // Words end with a line.
@@ -174,18 +176,17 @@ void readCommandLine(fuzz::Input& input) {
     CLI::App command;
     addRenderOptions(command, arguments);
     command.parse(words);
-    useArguments(arguments);
+    if (std::none_of(arguments.given.begin(), arguments.given.end(), namesStyle))
+        useOptions(readRenderOptions(arguments));
 }
 
 void readBatchLine(fuzz::Input& input) {
     const std::string line = input.rest();
-    RenderArguments defaults;
-    defaults.font = kFont;
+    RenderOptions defaults;
+    defaults.scene.scene.font = kFont;
     readLineNames(line);
-    LineReader reader(defaults);
-    const RenderArguments arguments = reader.read(line);
-    ZVEX_FUZZ_CHECK(reader.read(line).style == arguments.style);
-    useArguments(arguments);
+    const GivenOptions given = readGiven(line);
+    if (std::none_of(given.begin(), given.end(), namesStyle)) useOptions(readLine(line, defaults, {}));
 }
 
 void readStyleFile(fuzz::Input& input) {

@@ -24,36 +24,46 @@ constexpr NumberRange kPatternScale = {0, 10, "", false, true};  // pixels for e
 
 // --- The table: keys in the order in which help and style files list them
 
+constexpr char kLightAngle[] = "Where the light comes from: 0 is the right, 90 the top";
+constexpr char kEffectOpacity[] = "How opaque the effect is; the colour's alpha multiplies into it";
+
 template <typename Shadow>
 Fields shadowFields(Shadow& s) {
-    return {{"angle", NumberField{&s.angle, kAngle}},
-            {"distance", NumberField{&s.distance, kPixels}},
-            {"size", NumberField{&s.size, kPixels}},
-            {"color", ColorField{&s.color}},
-            {"opacity", ShareField{&s.opacity}}};
+    return {
+        {"angle", NumberField{&s.angle, kAngle}, kLightAngle},
+        {"distance", NumberField{&s.distance, kPixels}, "How far the shadow is moved, away from the light"},
+        {"size", NumberField{&s.size, kPixels}, "How far its edges are blurred"},
+        {"color", ColorField{&s.color}, "The shadow's colour"},
+        {"opacity", NumberField{&s.opacity, kShare}, kEffectOpacity}};
 }
 
 template <typename Glow>
 Fields glowFields(Glow& s) {
-    return {{"size", NumberField{&s.size, kPixels}},
-            {"color", ColorField{&s.color}},
-            {"opacity", ShareField{&s.opacity}},
-            {"stops", StopsField{&s.stops}}};
+    return {{"size", NumberField{&s.size, kPixels}, "How far the light reaches from the edge"},
+            {"color", ColorField{&s.color}, "Its colour, where there are no stops"},
+            {"opacity", NumberField{&s.opacity, kShare}, kEffectOpacity},
+            {"stops", StopsField{&s.stops}, "Colours from the edge on, in place of one"}};
+}
+
+Field stopsField(std::vector<Stop>& stops) {
+    return required({"stops", StopsField{&stops}, "The colours and where they stand on the way"});
 }
 
 template <typename Relief>
-Fields reliefFields(Relief& s, ChoiceField style) {
-    return {{"style", std::move(style)},
-            {"technique", ChoiceField{&s.technique, {{"soft", 0}, {"hard", 1}}}},
-            {"direction", ChoiceField{&s.direction, {{"up", 1}, {"down", 0}}}},
-            {"size", NumberField{&s.size, kPixels}},
-            {"depth", NumberField{&s.depth, kDepth}},
-            {"angle", NumberField{&s.angle, kAngle}},
-            {"altitude", NumberField{&s.altitude, kAltitude}},
-            {"soften", NumberField{&s.soften, kSoften}},
-            {"highlight", TintField{&s.highlight}},
-            {"shadow", TintField{&s.shadow}},
-            {"opacity", ShareField{&s.opacity}}};
+Fields reliefFields(Relief& s, ChoiceField style, const char* styleHelp) {
+    return {{"style", std::move(style), styleHelp},
+            {"technique", ChoiceField{&s.technique, {{"soft", 0}, {"hard", 1}}},
+             "Whether the slopes are rounded or cut sharply"},
+            {"direction", ChoiceField{&s.direction, {{"up", 1}, {"down", 0}}},
+             "Whether the text is raised or sunk"},
+            {"size", NumberField{&s.size, kPixels}, "How wide the slopes are"},
+            {"depth", NumberField{&s.depth, kDepth}, "How strongly light and shadow differ"},
+            {"angle", NumberField{&s.angle, kAngle}, kLightAngle},
+            {"altitude", NumberField{&s.altitude, kAltitude}, "How high the light stands above the picture"},
+            {"soften", NumberField{&s.soften, kSoften}, "How far the finished relief is blurred"},
+            {"highlight", TintField{&s.highlight}, "The colour of slopes that face the light"},
+            {"shadow", TintField{&s.shadow}, "The colour of slopes that face away from it"},
+            {"opacity", NumberField{&s.opacity, kShare}, "How opaque the effect is"}};
 }
 
 struct FieldsOf {
@@ -62,35 +72,43 @@ struct FieldsOf {
     Fields operator()(OuterGlowSettings& s) const { return glowFields(s); }
     Fields operator()(InnerGlowSettings& s) const { return glowFields(s); }
     Fields operator()(LinearGradientSettings& s) const {
-        return {{"angle", NumberField{&s.angle, kAngle}},
-                {"scale", NumberField{&s.scale, kGradientScale}},
-                {"opacity", ShareField{&s.opacity}},
-                {"stops", StopsField{&s.stops}, true}};
+        return {
+            {"angle", NumberField{&s.angle, kAngle}, "The way of the colours: 0 to the right, 90 to the top"},
+            {"scale", NumberField{&s.scale, kGradientScale}, "The way's length; 1 is that of the text"},
+            {"opacity", NumberField{&s.opacity, kShare}, "How opaque the effect is"},
+            stopsField(s.stops)};
     }
     Fields operator()(RadialGradientSettings& s) const {
-        return {{"scale", NumberField{&s.scale, kGradientScale}},
-                {"opacity", ShareField{&s.opacity}},
-                {"stops", StopsField{&s.stops}, true}};
+        return {
+            {"scale", NumberField{&s.scale, kGradientScale}, "The circle's diameter; 1 is the text's width"},
+            {"opacity", NumberField{&s.opacity, kShare}, "How opaque the effect is"},
+            stopsField(s.stops)};
     }
     Fields operator()(StrokeSettings& s) const {
-        return {{"width", NumberField{&s.width, kPixels}},
-                {"color", ColorField{&s.color}},
-                {"position", ChoiceField{&s.position,
-                                         {{"outside", Zvex::ZV_STROKE_OUTSIDE},
-                                          {"inside", Zvex::ZV_STROKE_INSIDE},
-                                          {"center", Zvex::ZV_STROKE_CENTER}}}},
-                {"opacity", ShareField{&s.opacity}}};
+        return {{"width", NumberField{&s.width, kPixels}, "How wide the line is"},
+                {"color", ColorField{&s.color}, "The line's colour"},
+                {"position",
+                 ChoiceField{&s.position,
+                             {{"outside", Zvex::ZV_STROKE_OUTSIDE},
+                              {"inside", Zvex::ZV_STROKE_INSIDE},
+                              {"center", Zvex::ZV_STROKE_CENTER}}},
+                 "On which side of the edge it runs"},
+                {"opacity", NumberField{&s.opacity, kShare}, kEffectOpacity}};
     }
     Fields operator()(PatternSettings& s) const {
-        return {{"file", FileField{&s.file, &s.scope}, true},
-                {"scale", NumberField{&s.scale, kPatternScale}},
-                {"opacity", ShareField{&s.opacity}}};
+        return {required({"file", FileField{&s.file, &s.scope},
+                          "The PNG whose copies fill the text; of a style file, in its folder or below"}),
+                {"scale", NumberField{&s.scale, kPatternScale},
+                 "The picture's pixels for each pixel of the file"},
+                {"opacity", NumberField{&s.opacity, kShare}, "How opaque the effect is"}};
     }
     Fields operator()(BevelSettings& s) const {
-        return reliefFields(s, {&s.style, {{"inner", 1}, {"outer", 0}}});
+        return reliefFields(s, {&s.style, {{"inner", 1}, {"outer", 0}}},
+                            "Whether the slopes lie inside or outside the edge");
     }
     Fields operator()(EmbossSettings& s) const {
-        return reliefFields(s, {&s.style, {{"single", 1}, {"double", 3}}});
+        return reliefFields(s, {&s.style, {{"single", 1}, {"double", 3}}},
+                            "Whether the light comes from one side or from both");
     }
 };
 
@@ -205,17 +223,17 @@ Fields fieldsOf(EffectSettings& settings) {
 
 const std::vector<EffectKind>& effectKinds() {
     static const std::vector<EffectKind> kinds = {
-        {"outer-shadow", "a blurred shadow behind the text, away from the light", OuterShadowSettings()},
-        {"inner-shadow", "a shadow within the glyphs, as if they were cut out", InnerShadowSettings()},
-        {"outer-glow", "a halo around the glyphs; stops run outwards", OuterGlowSettings()},
-        {"inner-glow", "light along the edges within the glyphs; stops run inwards", InnerGlowSettings()},
-        {"linear-gradient", "colours along a line; 0deg is left to right, 90deg bottom to top",
+        {"outer-shadow", "A blurred shadow behind the text, away from the light", OuterShadowSettings()},
+        {"inner-shadow", "A shadow within the glyphs, as if they were cut out", InnerShadowSettings()},
+        {"outer-glow", "A halo around the glyphs; stops run outwards", OuterGlowSettings()},
+        {"inner-glow", "Light along the edges within the glyphs; stops run inwards", InnerGlowSettings()},
+        {"linear-gradient", "Colours along a line; 0deg is left to right, 90deg bottom to top",
          LinearGradientSettings()},
-        {"radial-gradient", "colours from the centre outwards", RadialGradientSettings()},
-        {"stroke", "an outline; in short WIDTH[:COLOR[:POSITION]]", StrokeSettings()},
-        {"pattern", "a PNG in tiles; FILE may stand first without file=", PatternSettings()},
-        {"bevel", "raised edges, lit from the angle", BevelSettings()},
-        {"emboss", "a relief pressed from a sheet, on both sides of the edge", EmbossSettings()}};
+        {"radial-gradient", "Colours from the centre outwards", RadialGradientSettings()},
+        {"stroke", "An outline; in short WIDTH[:COLOR[:POSITION]]", StrokeSettings(), "STROKE"},
+        {"pattern", "A PNG in tiles; FILE may stand first without file=", PatternSettings(), "FILE,..."},
+        {"bevel", "Raised edges, lit from the angle", BevelSettings()},
+        {"emboss", "A relief pressed from a sheet, on both sides of the edge", EmbossSettings()}};
     return kinds;
 }
 
@@ -230,13 +248,14 @@ const EffectKind* findEffectKind(const std::string& name) {
     return nullptr;
 }
 
-EffectSettings parseEffect(const std::string& option, const EffectKind& kind, const std::string& text) {
+EffectSettings parseEffect(const std::string& option, const EffectKind& kind, const std::string& text,
+                           const FilePlaces& places) {
     EffectSettings settings = kind.defaults;
     const Fields fields = fieldsOf(settings);
     const bool shortStroke =
         std::holds_alternative<StrokeSettings>(settings) && text.find('=') == std::string::npos;
     if (!shortStroke) {
-        readKeyValues(option, fields, text);
+        readKeyValues(option, fields, text, places);
         return settings;
     }
     const std::vector<std::string> parts = split(text, ':');
@@ -275,7 +294,8 @@ std::string effectsHelp() {
         for (const Field& field : fieldsOf(settings)) {
             std::string key = std::string("      ") + field.name + "=" + formatValue(field);
             if (key.size() < 28) key.resize(28, ' ');
-            help += key + " " + wantedBy(field) + (field.required ? "; required" : "") + "\n";
+            help += key + " " + field.help + ". Takes " + wantedBy(field) +
+                    (field.required ? "; required" : "") + "\n";
         }
     }
     return help;

@@ -106,6 +106,7 @@ struct EffectKind {
     const char* name;     // "outer-shadow"
     const char* summary;  // half a line of help
     EffectSettings defaults;
+    const char* placeholder = "KEY=VALUE,...";  // for its settings in help
 };
 
 // All of them; the place of a kind is the index of its alternative in EffectSettings.
@@ -115,7 +116,8 @@ const EffectKind* findEffectKind(const std::string& name);  // null when there i
 
 // Settings from the value of an option: "angle=135,distance=8" for any, "WIDTH[:COLOR[:POSITION]]" for
 // strokes and "FILE,scale=2" for patterns as well. `option` opens the message of the UsageError thrown.
-EffectSettings parseEffect(const std::string& option, const EffectKind& kind, const std::string& text);
+EffectSettings parseEffect(const std::string& option, const EffectKind& kind, const std::string& text,
+                           const FilePlaces& places = {});
 
 // Puts the settings where an effect of their kind stands, or behind the others: what ZvEffect::addEffect
 // does.

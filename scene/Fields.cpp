@@ -1,18 +1,21 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "scene/Fields.h"
 
+#include <cctype>
+#include <filesystem>
 #include <set>
 
 #include "scene/Failure.h"
-#include "scene/Layers.h"
+#include "scene/Scene.h"
 
 namespace Zvex::scene {
 
 namespace {
 
-std::string choiceNames(const ChoiceField& field) {
+std::string choiceNames(const ChoiceField& field, const char* between) {
     std::string names;
-    for (const auto& choice : field.choices) names += (names.empty() ? "" : ", ") + std::string(choice.first);
+    for (const auto& choice : field.choices)
+        names += (names.empty() ? "" : between) + std::string(choice.first);
     return names;
 }
 
@@ -31,24 +34,22 @@ struct ReadText {
     const std::string& where;
     const std::string& text;
     const std::string& wanted;
+    const FilePlaces& places;
 
     [[noreturn]] void refuse() const { throw UsageError(where + ": '" + text + "' is not " + wanted); }
 
-    void operator()(const NumberField& field) const { *field.value = parseNumber(where, text, field.range); }
-    void operator()(const ShareField& field) const { *field.value = parseOpacity(where, text); }
+    void operator()(const NumberField& field) const { field.set(parseNumber(where, text, field.range)); }
     void operator()(const ColorField& field) const { *field.value = parseColor(where, text); }
     void operator()(const OptionalColorField& field) const { *field.value = parseColor(where, text); }
     void operator()(const ChoiceField& field) const {
         for (const auto& [name, number] : field.choices) {
-            if (text != name) continue;
-            *field.value = number;
-            return;
+            if (text == name) return field.set(number);
         }
         refuse();
     }
     void operator()(const FlagField& field) const {
         if (text != "true" && text != "false") refuse();
-        *field.value = text == "true";
+        *field.value = (text == "true") == field.given;
     }
     void operator()(const OffsetField& field) const {
         const std::vector<std::string> parts = split(text, ':');
@@ -56,7 +57,8 @@ struct ReadText {
         if (parts.size() != sides.size()) refuse();
         for (size_t i = 0; i < sides.size(); ++i) readValue(where + " " + sides[i].name, sides[i], parts[i]);
     }
-    void operator()(const CanvasField& field) const { *field.value = parseCanvas(where, text); }
+    void operator()(const PaddingField& field) const { *field.value = parsePadding(where, text); }
+    void operator()(const CanvasField& field) const { *field.value = parseCanvas(where, text, places); }
     void operator()(const TintField& field) const { readParts(where, fieldsOf(*field.value), text, wanted); }
     void operator()(const StopsField& field) const {
         std::vector<Stop> stops;
@@ -76,25 +78,51 @@ struct ReadText {
         *field.value = std::move(stops);
     }
     void operator()(const TextField& field) const {
-        if (text.size() > kMaxFieldBytes) {
-            throw UsageError(where + ": it is longer than " + std::to_string(kMaxFieldBytes) + " bytes");
+        if (text.empty() && *field.wanted != '\0') refuse();
+        if (text.size() > field.mostBytes) {
+            throw UsageError(where + ": it is longer than " + std::to_string(field.mostBytes) + " bytes");
         }
         *field.value = text;
     }
     void operator()(const FileField& field) const {
         if (text.empty()) refuse();
-        *field.value = text;
+        const bool relative = !places.folder.empty() && std::filesystem::path(text).is_relative();
+        *field.value = relative ? (places.folder / std::filesystem::path(text)).string() : text;
+        *field.scope = places.scope;
     }
+    void operator()(const FontField& field) const {
+        field.value->name = text;
+        field.value->bytes = nullptr;
+        field.value->scope = places.fonts;
+    }
+    void operator()(const FontsField& field) const {
+        Font font(text);
+        font.scope = places.fonts;
+        *field.value = {font};
+    }
+    void operator()(const EffectField& field) const {
+        field.look->add(parseEffect(where, *field.kind, text, places));
+    }
+    void operator()(const StyleField& field) const {
+        if (text.rfind('{', 0) == 0) {
+            readStyleText(where, text, *field.style, places.scope);
+        } else {
+            readStyle(where, text, *field.style, places.reads, places.scope);
+        }
+    }
+    void operator()(const PresetField& field) const { readPreset(where, text, *field.style); }
 };
 
 struct Wanted {
-    std::string operator()(const NumberField& field) const { return field.range.wanted(); }
-    std::string operator()(const ShareField&) const { return kWantedShare; }
+    std::string operator()(const NumberField& field) const {
+        return field.range.share ? "an opacity; write 0 to 1 or 0% to 100%" : field.range.wanted();
+    }
     std::string operator()(const ColorField&) const { return kWantedColor; }
     std::string operator()(const OptionalColorField&) const { return kWantedColor; }
-    std::string operator()(const ChoiceField& field) const { return "one of " + choiceNames(field); }
+    std::string operator()(const ChoiceField& field) const { return "one of " + choiceNames(field, ", "); }
     std::string operator()(const FlagField&) const { return "true or false"; }
     std::string operator()(const OffsetField&) const { return "an offset; write X:Y in whole pixels"; }
+    std::string operator()(const PaddingField&) const { return kWantedPadding; }
     std::string operator()(const CanvasField&) const { return kWantedCanvas + canvasKinds(); }
     std::string operator()(const TintField&) const {
         return "a colour with an opacity; write COLOR[@OPACITY]";
@@ -102,28 +130,69 @@ struct Wanted {
     std::string operator()(const StopsField&) const {
         return "a list of stops; write COLOR@POSITION[@OPACITY]:COLOR@POSITION..., positions from 0 to 100";
     }
-    std::string operator()(const TextField&) const { return "a text"; }
+    std::string operator()(const TextField& field) const {
+        return *field.wanted != '\0' ? field.wanted : "a text";
+    }
     std::string operator()(const FileField&) const { return "the path of a file"; }
+    std::string operator()(const FontField&) const { return "a font file or a name"; }
+    std::string operator()(const FontsField&) const { return "a list of font files or names"; }
+    std::string operator()(const EffectField& field) const {
+        return std::string("its settings, as a text or as an object, for ") + field.kind->name;
+    }
+    std::string operator()(const StyleField&) const { return "a style or the path of its file"; }
+    std::string operator()(const PresetField&) const { return "the name of a preset"; }
+};
+
+struct Placeholder {
+    std::string operator()(const NumberField& field) const {
+        if (field.range.share) return "SHARE";
+        std::string unit = *field.range.unit != '\0' ? field.range.unit : "N";
+        for (char& c : unit) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+        return unit;
+    }
+    std::string operator()(const ColorField&) const { return "COLOR"; }
+    std::string operator()(const OptionalColorField&) const { return "COLOR"; }
+    std::string operator()(const ChoiceField& field) const { return choiceNames(field, "|"); }
+    std::string operator()(const PaddingField&) const { return "PX"; }
+    std::string operator()(const CanvasField&) const { return "CANVAS"; }
+    std::string operator()(const FileField&) const { return "FILE"; }
+    std::string operator()(const FontField&) const { return "FONT"; }
+    std::string operator()(const FontsField&) const { return "FONT"; }
+    std::string operator()(const EffectField& field) const { return field.kind->placeholder; }
+    std::string operator()(const StyleField&) const { return "FILE"; }
+    std::string operator()(const PresetField&) const { return "PRESET"; }
+    template <typename Other>
+    std::string operator()(const Other&) const {
+        return "TEXT";
+    }
 };
 
 struct Format {
     std::string operator()(const NumberField& field) const {
-        return formatNumber(*field.value) + field.range.unit;
+        return field.range.contains(field.get()) ? formatNumber(field.get()) + field.range.unit : "";
     }
-    std::string operator()(const ShareField& field) const { return formatNumber(*field.value); }
     std::string operator()(const ColorField& field) const { return formatColor(*field.value); }
     std::string operator()(const OptionalColorField& field) const {
         return field.value->has_value() ? formatColor(**field.value) : "";
     }
     std::string operator()(const ChoiceField& field) const {
         for (const auto& [name, number] : field.choices) {
-            if (number == *field.value) return name;
+            if (number == field.get()) return name;
         }
         return "";
     }
-    std::string operator()(const FlagField& field) const { return *field.value ? "true" : "false"; }
+    std::string operator()(const FlagField& field) const {
+        return *field.value == field.given ? "true" : "false";
+    }
     std::string operator()(const OffsetField& field) const {
         return formatNumber(field.value->x) + ":" + formatNumber(field.value->y);
+    }
+    std::string operator()(const PaddingField& field) const {
+        const Padding& sides = *field.value;
+        std::string text = std::to_string(sides.left);
+        if (sides.top == sides.left && sides.right == sides.left && sides.bottom == sides.left) return text;
+        for (const int side : {sides.top, sides.right, sides.bottom}) text += "," + std::to_string(side);
+        return text;
     }
     std::string operator()(const CanvasField& field) const {
         return field.value->has_value() ? formatCanvas(**field.value) : "";
@@ -141,18 +210,22 @@ struct Format {
     }
     std::string operator()(const TextField& field) const { return *field.value; }
     std::string operator()(const FileField& field) const { return *field.value; }
+    template <typename Other>
+    std::string operator()(const Other&) const {
+        return "";
+    }
 };
 
 }  // namespace
 
 Fields fieldsOf(Tint& tint) {
-    return {{"color", ColorField{&tint.color}, true}, {"opacity", ShareField{&tint.opacity}}};
+    return {required({"color", ColorField{&tint.color}}), {"opacity", NumberField{&tint.opacity, kShare}}};
 }
 
 Fields fieldsOf(Stop& stop) {
-    return {{"color", ColorField{&stop.color}, true},
-            {"position", NumberField{&stop.position, {0, 100, "%"}}, true},
-            {"opacity", ShareField{&stop.opacity}}};
+    return {required({"color", ColorField{&stop.color}}),
+            required({"position", NumberField{&stop.position, {0, 100, "%"}}}),
+            {"opacity", NumberField{&stop.opacity, kShare}}};
 }
 
 Fields fieldsOf(Offset& offset) {
@@ -160,23 +233,52 @@ Fields fieldsOf(Offset& offset) {
     return {{"x", NumberField{&offset.x, kOffset}}, {"y", NumberField{&offset.y, kOffset}}};
 }
 
-Fields lengthsOf(const Fields& fields) {
-    Fields lengths;
+Field required(Field field) {
+    field.required = true;
+    return field;
+}
+
+void addFields(Fields& fields, Fields more, const char* group) {
+    for (Field& field : more) {
+        if (*group != '\0') field.group = group;
+        fields.push_back(std::move(field));
+    }
+}
+
+const Field* findField(const Fields& fields, const std::string& name) {
     for (const Field& field : fields) {
-        const auto* number = std::get_if<NumberField>(&field.value);
-        if (number != nullptr && number->range.length) lengths.push_back(field);
+        if (name == field.name) return &field;
+    }
+    return nullptr;
+}
+
+std::vector<std::pair<std::string, NumberField>> lengthsOf(const Fields& fields) {
+    std::vector<std::pair<std::string, NumberField>> lengths;
+    const auto add = [&](const char* name, const NumberField& number) {
+        if (number.range.length && number.range.contains(number.get())) lengths.emplace_back(name, number);
+    };
+    for (const Field& field : fields) {
+        if (const auto* number = std::get_if<NumberField>(&field.value)) add(field.name, *number);
         if (const auto* offset = std::get_if<OffsetField>(&field.value)) {
-            for (const Field& side : fieldsOf(*offset->value)) lengths.push_back(side);
+            for (const Field& side : fieldsOf(*offset->value))
+                add(side.name, std::get<NumberField>(side.value));
+        }
+        if (const auto* padding = std::get_if<PaddingField>(&field.value)) {
+            Padding& sides = *padding->value;
+            for (int* side : {&sides.left, &sides.top, &sides.right, &sides.bottom})
+                add(field.name, NumberField{side, kPaddingSide});
         }
     }
     return lengths;
 }
 
-void readValue(const std::string& where, const Field& field, const std::string& text) {
-    std::visit(ReadText{where, text, wantedBy(field)}, field.value);
+void readValue(const std::string& where, const Field& field, const std::string& text,
+               const FilePlaces& places) {
+    std::visit(ReadText{where, text, wantedBy(field), places}, field.value);
 }
 
-void readKeyValues(const std::string& where, const Fields& fields, const std::string& text) {
+void readKeyValues(const std::string& where, const Fields& fields, const std::string& text,
+                   const FilePlaces& places) {
     std::set<std::string> seen;
     bool first = true;
     for (const std::string& part : split(text, ',')) {
@@ -188,10 +290,7 @@ void readKeyValues(const std::string& where, const Fields& fields, const std::st
             equals = 0;
         }
         first = false;
-        const Field* field = nullptr;
-        for (const Field& candidate : fields) {
-            if (name == candidate.name) field = &candidate;
-        }
+        const Field* field = findField(fields, name);
         if (field == nullptr) {
             throw UsageError(where + ": '" + name + "' is not one of its keys: " + namesOf(fields));
         }
@@ -200,7 +299,7 @@ void readKeyValues(const std::string& where, const Fields& fields, const std::st
                              wantedBy(*field));
         }
         if (!seen.insert(name).second) throw UsageError(where + " " + name + ": is given twice");
-        readValue(where + " " + name, *field, value);
+        readValue(where + " " + name, *field, value, places);
     }
     for (const Field& field : fields) {
         if (field.required && seen.count(field.name) == 0) {
@@ -217,6 +316,10 @@ std::string namesOf(const Fields& fields) {
 
 std::string wantedBy(const Field& field) {
     return std::visit(Wanted{}, field.value);
+}
+
+std::string placeholderOf(const Field& field) {
+    return *field.placeholder != '\0' ? field.placeholder : std::visit(Placeholder{}, field.value);
 }
 
 std::string formatValue(const Field& field) {

@@ -3,6 +3,7 @@
 #define ZVEX_SCENE_FIELDS_H_
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <utility>
@@ -15,9 +16,10 @@
 namespace Zvex::scene {
 
 // Settings described once. A settings struct has an overload fieldsOf(Settings&) that lists its fields: the
-// key each goes by, what it takes, and where its value lies. Reading KEY=VALUE text, reading and writing
-// JSON, and the help are written against this list, so a setting is spelled and limited in one place. Fields
-// point into the settings they were made from and are short-lived.
+// key each goes by, what it takes, where its value lies, and what it does. The command line, lines of a
+// batch, style files, their schema, the help and the completions are all made from these lists, so that a new
+// setting is one more line in one of them. Fields point into the settings they were made from and are
+// short-lived.
 
 // A colour with an opacity of its own; the colour's alpha multiplies into it.
 struct Tint {
@@ -38,16 +40,32 @@ struct Offset {
 };
 
 struct Canvas;
+struct EffectKind;
+struct Font;
+struct Look;
+struct Style;
 
 constexpr size_t kMaxStops = 256;
+constexpr size_t kMaxFonts = 256;        // of a list; each is held in the memory
 constexpr size_t kMaxFieldBytes = 4096;  // of a text; every line is shaped with every feature of a list
 
-struct NumberField {
-    double* value;
+// A number outside the range stands for none.
+class NumberField {
+public:
+    NumberField(double* value, NumberRange range) : range(range), mValue(value) {}
+    NumberField(int* value, NumberRange range) : range(range), mWhole(value) { this->range.whole = true; }
+
+    double get() const { return mValue != nullptr ? *mValue : *mWhole; }
+    void set(double value) const {
+        if (mValue != nullptr) *mValue = value;
+        if (mWhole != nullptr) *mWhole = static_cast<int>(value);
+    }
+
     NumberRange range;
-};
-struct ShareField {
-    double* value;
+
+private:
+    double* mValue = nullptr;
+    int* mWhole = nullptr;
 };
 struct ColorField {
     uint32_t* value;
@@ -55,16 +73,27 @@ struct ColorField {
 struct OptionalColorField {
     std::optional<uint32_t>* value;
 };
+// One of several, by its name; the value is a number or an enumerator.
 struct ChoiceField {
-    int* value;
-    std::vector<std::pair<const char*, int>>
-        choices;  // their names, and the numbers the library has for them
+    template <typename Choice>
+    ChoiceField(Choice* value, const std::vector<std::pair<const char*, Choice>>& named)
+        : get([value] { return static_cast<int>(*value); }),
+          set([value](int number) { *value = static_cast<Choice>(number); }) {
+        for (const auto& [name, choice] : named) choices.emplace_back(name, static_cast<int>(choice));
+    }
+    std::function<int()> get;
+    std::function<void(int)> set;
+    std::vector<std::pair<const char*, int>> choices;
 };
 struct FlagField {  // true or false
     bool* value;
+    bool given = true;  // what the value is where the flag is true
 };
 struct OffsetField {  // X:Y, whole pixels; in JSON [X, Y]
     Offset* value;
+};
+struct PaddingField {
+    Padding* value;
 };
 struct CanvasField {  // as parseCanvas reads it; in JSON an effect's object, too
     std::optional<Canvas>* value;
@@ -77,18 +106,42 @@ struct StopsField {  // COLOR@POSITION[@OPACITY]:COLOR@POSITION...; positions ne
 };
 struct TextField {
     std::string* value;
+    size_t mostBytes = kMaxFieldBytes;
+    const char* wanted = "";  // what it takes, where that is more than any text; it must not be empty then
 };
 struct FileField {  // a path; from a style file, relative to the style's folder
     std::string* value;
     FolderScope* scope;  // where the file may lie
 };
+struct FontField {  // a file or a name, as chooseFont reads it
+    Font* value;
+};
+struct FontsField {
+    std::vector<Font>* value;
+};
+struct EffectField {  // as parseEffect reads it; in JSON its object, too. Added, or replaces the one of its
+                      // kind.
+    Look* look;
+    const EffectKind* kind;
+};
+struct StyleField {  // a style file, or a style itself
+    Style* style;
+};
+struct PresetField {
+    Style* style;
+};
 
 struct Field {
+    using Value = std::variant<NumberField, ColorField, OptionalColorField, ChoiceField, FlagField,
+                               OffsetField, PaddingField, CanvasField, TintField, StopsField, TextField,
+                               FileField, FontField, FontsField, EffectField, StyleField, PresetField>;
     const char* name;
-    std::variant<NumberField, ShareField, ColorField, OptionalColorField, ChoiceField, FlagField, OffsetField,
-                 CanvasField, TintField, StopsField, TextField, FileField>
-        value;
+    Value value;
+    const char* help = "";         // what it does, in plain words
+    const char* placeholder = "";  // for its value in help; empty: the kind's own
+    const char* flag = "";         // the letter of a short option
     bool required = false;
+    const char* group = "";  // the heading of its help
 };
 using Fields = std::vector<Field>;
 
@@ -96,17 +149,36 @@ Fields fieldsOf(Tint& tint);
 Fields fieldsOf(Stop& stop);
 Fields fieldsOf(Offset& offset);
 
-// The numbers of these fields that are lengths, and of the fields within them.
-Fields lengthsOf(const Fields& fields);
+Field required(Field field);
+
+// Puts `more` behind `fields`, under a heading.
+void addFields(Fields& fields, Fields more, const char* group = "");
+
+// The field of that name; null when there is none.
+const Field* findField(const Fields& fields, const std::string& name);
+
+// The numbers that are set and are lengths, those within other fields too. Padding and offset must stay where
+// they are as long as these are used.
+std::vector<std::pair<std::string, NumberField>> lengthsOf(const Fields& fields);
+
+// Where files lie that values name.
+struct FilePlaces {
+    std::string folder;  // what relative names are relative to; empty: the working folder
+    FolderScope scope;   // where the files may lie
+    FolderScope fonts;   // and those of fonts
+    ReadOptions reads;   // what style files may name beyond that
+};
 
 // Puts the value written in `text` into the field. `where` opens the message of the UsageError thrown where
-// the text is not exactly one value the field takes.
-void readValue(const std::string& where, const Field& field, const std::string& text);
+// the text is not exactly one value the field takes; style files that are wrong are a Failure.
+void readValue(const std::string& where, const Field& field, const std::string& text,
+               const FilePlaces& places = {});
 
 // Reads "KEY=VALUE,KEY=VALUE" into the fields; what is not named keeps its value. Where the first field is a
 // file, the list may begin with its value alone. Throws UsageError for an unknown key (listing the known
 // ones), a key given twice or without a value, and a required one that is missing.
-void readKeyValues(const std::string& where, const Fields& fields, const std::string& text);
+void readKeyValues(const std::string& where, const Fields& fields, const std::string& text,
+                   const FilePlaces& places = {});
 
 // "angle, distance, size"
 std::string namesOf(const Fields& fields);
@@ -114,7 +186,10 @@ std::string namesOf(const Fields& fields);
 // What the field takes, in words: "a number from 0 to 100 (px)".
 std::string wantedBy(const Field& field);
 
-// The field's value as readValue takes it; empty for no stops and no text.
+// What stands for its value in help: "PX", "left|center|right".
+std::string placeholderOf(const Field& field);
+
+// The field's value as readValue takes it; empty for what is not set, and for fonts, effects and styles.
 std::string formatValue(const Field& field);
 
 // Positions rise or stay; the index of the first stop that falls behind the one before it, or npos.

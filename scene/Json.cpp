@@ -3,8 +3,91 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <set>
+#include <vector>
+
+#include "scene/Failure.h"
 
 namespace Zvex::scene {
+
+namespace {
+
+constexpr size_t kMaxDepth = 16;  // a style within a line needs six
+// Of the parser, which walks over earlier values time and again. Four effects full of stops make about 8000.
+constexpr size_t kMaxEvents = 20'000;
+
+// The parser would keep the last of two equal keys; this callback finds them instead.
+class KeyWatch {
+public:
+    explicit KeyWatch(const std::string& name) : mName(name) {}
+
+    bool operator()(int, Json::parse_event_t event, Json& parsed) {
+        using Event = Json::parse_event_t;
+        if (++mEvents > kMaxEvents) throw UsageError(mName + " has too many keys and values");
+        if (event == Event::object_end || event == Event::array_end) {
+            mLevels.pop_back();
+        } else if (event == Event::key) {
+            mLevels.back().key = parsed.get<std::string>();
+            if (!mLevels.back().keys.insert(mLevels.back().key).second)
+                throw UsageError(place() + ": is given twice");
+        } else {
+            if (!mLevels.empty()) ++mLevels.back().count;
+            if (event == Event::value) return true;
+            mLevels.push_back({event == Event::array_start, "", 0, {}});
+            if (mLevels.size() > kMaxDepth) throw UsageError(mName + " is nested too deeply");
+        }
+        return true;
+    }
+
+private:
+    struct Level {
+        bool array;
+        std::string key;
+        size_t count;  // elements begun
+        std::set<std::string> keys;
+    };
+
+    std::string place() const {
+        std::string text;
+        for (const Level& level : mLevels) {
+            text = level.array ? element(text, level.count - 1) : member(text, level.key);
+        }
+        return text;
+    }
+
+    const std::string& mName;
+    std::vector<Level> mLevels;
+    size_t mEvents = 0;
+};
+
+}  // namespace
+
+std::string member(const std::string& place, const std::string& key) {
+    return place.empty() ? key : place + "." + key;
+}
+
+std::string element(const std::string& place, size_t index) {
+    return place + "[" + std::to_string(index) + "]";
+}
+
+Json parseJson(const std::string& text, const std::string& name) {
+    try {
+        KeyWatch watch(name);
+        return Json::parse(
+            text,
+            [&](int depth, Json::parse_event_t event, Json& parsed) { return watch(depth, event, parsed); },
+            true, true);
+    } catch (const Json::exception& error) {
+        // "[json.exception.parse_error.101] parse error at line 3, column 5: ..."; the only line is not
+        // named.
+        std::string what = error.what();
+        what.erase(0, what.find("] ") + 2);
+        const std::string line = "line 1, ";
+        const size_t at = what.find(line);
+        if (at != std::string::npos && text.find('\n') == std::string::npos) what.erase(at, line.size());
+        throw UsageError(name + " is no JSON: " + what);
+    }
+}
 
 Json numberJson(double value) {
     const auto whole = static_cast<int64_t>(std::clamp(value, -1e15, 1e15));

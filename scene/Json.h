@@ -10,6 +10,15 @@ namespace Zvex::scene {
 // Objects keep their keys in the order in which they were given.
 using Json = nlohmann::ordered_json;
 
+// The text's value; comments are allowed. Throws UsageError where it is no JSON, where an object has a key
+// twice, and where it is nested more deeply or holds more than styles and lines of a batch need; the message
+// begins with the place in it ("effects[2].size"), or calls the text by its `name`.
+Json parseJson(const std::string& text, const std::string& name = "it");
+
+// "effects[2].size": the names of a member and an element of what stands at `place`.
+std::string member(const std::string& place, const std::string& key);
+std::string element(const std::string& place, size_t index);
+
 // A number that is written without a fraction where it has none.
 Json numberJson(double value);
 

@@ -60,7 +60,7 @@ LayerStacks::LayerStacks(const Style& style) {
         layer.spread = static_cast<int>(settings->spread);
         layer.x = static_cast<int>(settings->offset.x);
         layer.y = static_cast<int>(settings->offset.y);
-        layer.blend = static_cast<Zvex::LayerBlend>(settings->blend);
+        layer.blend = settings->blend;
         layer.opacity = static_cast<float>(settings->opacity);
         layer.clipped = settings->clip;
         layer.knockout = settings->knockout;

@@ -13,27 +13,26 @@ using Zvex::LayerBlend;
 
 constexpr NumberRange kSpread = {-Zvex::kMaxSpread, Zvex::kMaxSpread, "px", false, true, true};
 
-ChoiceField blendField(int* blend) {
-    static const std::pair<const char*, LayerBlend> kNames[] = {{"normal", LayerBlend::Normal},
-                                                                {"multiply", LayerBlend::Multiply},
-                                                                {"screen", LayerBlend::Screen},
-                                                                {"overlay", LayerBlend::Overlay},
-                                                                {"darken", LayerBlend::Darken},
-                                                                {"lighten", LayerBlend::Lighten},
-                                                                {"color-dodge", LayerBlend::ColorDodge},
-                                                                {"color-burn", LayerBlend::ColorBurn},
-                                                                {"hard-light", LayerBlend::HardLight},
-                                                                {"soft-light", LayerBlend::SoftLight},
-                                                                {"difference", LayerBlend::Difference},
-                                                                {"exclusion", LayerBlend::Exclusion},
-                                                                {"hue", LayerBlend::Hue},
-                                                                {"saturation", LayerBlend::Saturation},
-                                                                {"color", LayerBlend::Color},
-                                                                {"luminosity", LayerBlend::Luminosity},
-                                                                {"plus-lighter", LayerBlend::PlusLighter}};
-    ChoiceField field = {blend, {}};
-    for (const auto& [name, mode] : kNames) field.choices.emplace_back(name, static_cast<int>(mode));
-    return field;
+const std::vector<std::pair<const char*, LayerBlend>>& blendNames() {
+    static const std::vector<std::pair<const char*, LayerBlend>> names = {
+        {"normal", LayerBlend::Normal},
+        {"multiply", LayerBlend::Multiply},
+        {"screen", LayerBlend::Screen},
+        {"overlay", LayerBlend::Overlay},
+        {"darken", LayerBlend::Darken},
+        {"lighten", LayerBlend::Lighten},
+        {"color-dodge", LayerBlend::ColorDodge},
+        {"color-burn", LayerBlend::ColorBurn},
+        {"hard-light", LayerBlend::HardLight},
+        {"soft-light", LayerBlend::SoftLight},
+        {"difference", LayerBlend::Difference},
+        {"exclusion", LayerBlend::Exclusion},
+        {"hue", LayerBlend::Hue},
+        {"saturation", LayerBlend::Saturation},
+        {"color", LayerBlend::Color},
+        {"luminosity", LayerBlend::Luminosity},
+        {"plus-lighter", LayerBlend::PlusLighter}};
+    return names;
 }
 
 }  // namespace
@@ -45,13 +44,16 @@ Look& Look::add(EffectSettings settings) {
 }
 
 Fields fieldsOf(LayerSettings& layer) {
-    return {{"color", OptionalColorField{&layer.color}},
-            {"opacity", ShareField{&layer.opacity}},
-            {"spread", NumberField{&layer.spread, kSpread}},
-            {"offset", OffsetField{&layer.offset}},
-            {"blend", blendField(&layer.blend)},
-            {"clip", FlagField{&layer.clip}},
-            {"knockout", FlagField{&layer.knockout}}};
+    return {{"color", OptionalColorField{&layer.color}, "The text's colour in this layer; else the style's"},
+            {"opacity", NumberField{&layer.opacity, kShare}, "How opaque the layer is"},
+            {"spread", NumberField{&layer.spread, kSpread},
+             "How far the letters grow, or shrink below 0, before the effects see them"},
+            {"offset", OffsetField{&layer.offset}, "How far the layer is moved, to the right and down"},
+            {"blend", ChoiceField{&layer.blend, blendNames()}, "How its colours meet those behind it"},
+            {"clip", FlagField{&layer.clip},
+             "It shows only where the nearest layer behind it does that is not clipped"},
+            {"knockout", FlagField{&layer.knockout},
+             "It does not show within the letters, spread and offset left aside"}};
 }
 
 std::string canvasKinds() {
@@ -71,14 +73,14 @@ const EffectKind* findCanvasKind(const std::string& name) {
     return fills ? kind : nullptr;
 }
 
-Canvas parseCanvas(const std::string& where, const std::string& text) {
+Canvas parseCanvas(const std::string& where, const std::string& text, const FilePlaces& places) {
     if (!text.empty() && text[0] == '#') return {parseColor(where, text)};
     const size_t colon = text.find(':');
     const EffectKind* kind = findCanvasKind(text.substr(0, colon));
     if (kind == nullptr || colon == std::string::npos) {
         throw UsageError(where + ": '" + text + "' is not " + kWantedCanvas + canvasKinds());
     }
-    return {parseEffect(where + " " + kind->name, *kind, text.substr(colon + 1))};
+    return {parseEffect(where + " " + kind->name, *kind, text.substr(colon + 1), places)};
 }
 
 std::string formatCanvas(const Canvas& canvas) {

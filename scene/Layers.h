@@ -9,6 +9,7 @@
 #include <variant>
 #include <vector>
 
+#include "raster/LayerBlend.h"
 #include "scene/Effects.h"
 #include "scene/Fields.h"
 
@@ -28,9 +29,9 @@ struct Look {
 struct LayerSettings : Look {
     std::optional<uint32_t> color;  // of the text; else the style's
     double opacity = 1;
-    double spread = 0;      // pixels by which the glyphs are widened first; negative: narrowed
-    Offset offset;          // of the layer, in pixels
-    int blend = 0;          // with what is behind it, a Zvex::LayerBlend
+    double spread = 0;  // pixels by which the glyphs are widened first; negative: narrowed
+    Offset offset;      // of the layer, in pixels
+    LayerBlend blend = LayerBlend::Normal;  // with what is behind it
     bool clip = false;      // shows only where the nearest layer behind it does that is not clipped itself
     bool knockout = false;  // does not show within the glyphs, spread and offset left aside
 };
@@ -50,7 +51,7 @@ const EffectKind* findCanvasKind(const std::string& name);
 constexpr char kWantedCanvas[] = "a canvas; write a colour, or KIND:KEY=VALUE,... with one of the kinds ";
 
 // COLOR or KIND:KEY=VALUE,KEY=VALUE. Throws UsageError, its message opening with `where`.
-Canvas parseCanvas(const std::string& where, const std::string& text);
+Canvas parseCanvas(const std::string& where, const std::string& text, const FilePlaces& places = {});
 std::string formatCanvas(const Canvas& canvas);
 
 }  // namespace Zvex::scene

@@ -41,6 +41,7 @@ struct Font {
 // working memory).
 constexpr int kMaxSide = 32767;
 constexpr int64_t kMaxPixels = 100'000'000;
+constexpr NumberRange kViewSide = {1, kMaxSide, "px", false, true};
 struct Limits {
     int side = kMaxSide;  // no more than kMaxSide
     int64_t pixels = kMaxPixels;

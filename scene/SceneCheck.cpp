@@ -24,25 +24,20 @@ struct CheckValue {
     const std::string& place;
     const Field& field;
 
-    void checkNumber(double value, const NumberRange& range) const {
-        if (!range.contains(value)) refuse(place, formatNumber(value) + " is not " + range.wanted());
-    }
     void checkLength(const std::string& text) const {
         if (text.size() > kMaxFieldBytes)
             refuse(place, "it is longer than " + std::to_string(kMaxFieldBytes) + " bytes");
         if (text.find('\0') != std::string::npos) refuse(place, "it holds a NUL character");
     }
 
-    void operator()(const NumberField& f) const { checkNumber(*f.value, f.range); }
-    void operator()(const ShareField& f) const { checkNumber(*f.value, kShare); }
-    void operator()(const ColorField&) const {}
-    void operator()(const OptionalColorField&) const {}
-    void operator()(const ChoiceField& f) const {
-        const auto isValue = [&](const auto& choice) { return choice.second == *f.value; };
-        if (std::none_of(f.choices.begin(), f.choices.end(), isValue))
-            refuse(place, std::to_string(*f.value) + " is not " + wantedBy(field));
+    void operator()(const NumberField& f) const {
+        if (!f.range.contains(f.get())) refuse(place, formatNumber(f.get()) + " is not " + f.range.wanted());
     }
-    void operator()(const FlagField&) const {}
+    void operator()(const ChoiceField& f) const {
+        const auto isValue = [&](const auto& choice) { return choice.second == f.get(); };
+        if (std::none_of(f.choices.begin(), f.choices.end(), isValue))
+            refuse(place, std::to_string(f.get()) + " is not " + wantedBy(field));
+    }
     void operator()(const OffsetField& f) const { checkFields(place + " ", fieldsOf(*f.value)); }
     void operator()(const CanvasField& f) const {
         const auto* fill = *f.value ? std::get_if<EffectSettings>(&(*f.value)->fill) : nullptr;
@@ -68,6 +63,8 @@ struct CheckValue {
         if (f.value->empty()) refuse(place, "is missing; it takes " + wantedBy(field));
         checkLength(*f.value);
     }
+    template <typename Other>
+    void operator()(const Other&) const {}  // every value is good
 };
 
 void checkFields(const std::string& where, const Fields& fields) {

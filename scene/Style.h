@@ -14,6 +14,8 @@
 
 namespace Zvex::scene {
 
+constexpr NumberRange kTextSize = {0, 10000, "px", true, true};
+
 // How a text looks, apart from its font, its words and where it stands: what a style file holds.
 struct Style : Look {
     double size = 96;  // pixels per em

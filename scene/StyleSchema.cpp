@@ -19,15 +19,8 @@ Json ofNumber(const NumberRange& range) {
     return schema;
 }
 
-Json ofObject(const Fields& fields);
-
 struct OfValue {
-    Json operator()(const NumberField& field) const {
-        Json schema = ofNumber(field.range);
-        if (*field.range.unit != '\0') schema["description"] = std::string("in ") + field.range.unit;
-        return schema;
-    }
-    Json operator()(const ShareField&) const { return ofNumber(kShare); }
+    Json operator()(const NumberField& field) const { return ofNumber(field.range); }
     Json operator()(const ColorField&) const { return {{"$ref", "#/$defs/color"}}; }
     Json operator()(const OptionalColorField&) const { return {{"$ref", "#/$defs/color"}}; }
     Json operator()(const ChoiceField& field) const {
@@ -38,8 +31,7 @@ struct OfValue {
     Json operator()(const FlagField&) const { return {{"type", "boolean"}}; }
     Json operator()(const OffsetField& field) const {
         const Fields sides = fieldsOf(*field.value);
-        return {{"description", "pixels to the right and down"},
-                {"type", "array"},
+        return {{"type", "array"},
                 {"items", std::visit(*this, sides[0].value)},
                 {"minItems", sides.size()},
                 {"maxItems", sides.size()}};
@@ -50,37 +42,39 @@ struct OfValue {
             if (findCanvasKind(kind.name) != nullptr)
                 fills.push_back({{"$ref", std::string("#/$defs/") + kind.name}});
         }
-        return {{"description", "behind everything, over the whole picture"}, {"oneOf", fills}};
+        return {{"oneOf", fills}};
     }
     Json operator()(const TintField&) const { return {{"$ref", "#/$defs/tint"}}; }
     Json operator()(const StopsField&) const { return {{"$ref", "#/$defs/stops"}}; }
-    Json operator()(const TextField&) const { return {{"type", "string"}, {"maxLength", kMaxFieldBytes}}; }
-    Json operator()(const FileField&) const {
-        return {{"type", "string"},
-                {"minLength", 1},
-                {"description", "a PNG in the style's folder or below, relative to it"}};
+    Json operator()(const TextField& field) const {
+        return {{"type", "string"}, {"maxLength", field.mostBytes}};
+    }
+    template <typename FileOrOther>
+    Json operator()(const FileOrOther&) const {
+        return {{"type", "string"}, {"minLength", 1}};
     }
 };
 
 // The value that is used where there is none, where it can be written as it stands.
-struct DefaultOf {
-    Json operator()(const NumberField& field) const { return numberJson(*field.value); }
-    Json operator()(const ShareField& field) const { return numberJson(*field.value); }
-    Json operator()(const ColorField& field) const { return formatColor(*field.value); }
-    Json operator()(const ChoiceField& field) const { return formatValue({"", field}); }
-    Json operator()(const FlagField& field) const { return *field.value; }
-    template <typename Other>
-    Json operator()(const Other&) const {
-        return nullptr;
-    }
-};
+Json defaultOf(const Field& field) {
+    if (const auto* number = std::get_if<NumberField>(&field.value)) return numberJson(number->get());
+    if (const auto* flag = std::get_if<FlagField>(&field.value)) return *flag->value;
+    const bool plain =
+        std::holds_alternative<ColorField>(field.value) || std::holds_alternative<ChoiceField>(field.value);
+    return plain ? Json(formatValue(field)) : Json();
+}
 
 void addProperties(Json& properties, const Fields& fields) {
     for (const Field& field : fields) {
-        Json schema = std::visit(OfValue{}, field.value);
-        Json start = field.required ? Json() : std::visit(DefaultOf{}, field.value);
+        Json& schema = properties[field.name] = Json::object();
+        const auto* number = std::get_if<NumberField>(&field.value);
+        const bool unit = number != nullptr && *number->range.unit != '\0';
+        std::string help = field.help;
+        if (unit) help += (help.empty() ? "in " : ", in ") + std::string(number->range.unit);
+        if (!help.empty()) schema["description"] = help;
+        schema.update(std::visit(OfValue{}, field.value));
+        Json start = field.required ? Json() : defaultOf(field);
         if (!start.is_null()) schema["default"] = std::move(start);
-        properties[field.name] = std::move(schema);
     }
 }
 
@@ -143,8 +137,7 @@ std::string styleSchema() {
     Tint tint;
     Stop stop;
     Fields fields = fieldsOf(notes);
-    const Fields settings = fieldsOf(style);
-    fields.insert(fields.end(), settings.begin(), settings.end());
+    addFields(fields, fieldsOf(style));
     Json schema = {{"$schema", "https://json-schema.org/draft/2020-12/schema"},
                    {"title", "A style of zvtext"},
                    {"description", "How a text looks. Comments are allowed; stops never fall in position."}};

@@ -103,15 +103,15 @@ std::string readFile(const std::string& option, const std::string& path, size_t 
     return content;
 }
 
-std::string readText(const std::string& argument, const std::string& file, bool literal,
-                     const FolderScope& scope) {
-    if (file.empty() && (literal || argument != "-")) {
-        const std::string why = faultOf(argument);
-        if (!why.empty()) throw UsageError("TEXT: " + why);
-        return withoutTabs(argument);
-    }
-    const std::string option = file.empty() ? "TEXT" : "--text-file";
-    const std::string raw = readFile(option, file.empty() ? "-" : file, kMaxTextBytes, scope);
+std::string checkedText(const std::string& text) {
+    const std::string why = faultOf(text);
+    if (!why.empty()) throw UsageError("TEXT: " + why);
+    return withoutTabs(text);
+}
+
+std::string readText(const std::string& file, const FolderScope& scope) {
+    const std::string option = "--text-file";
+    const std::string raw = readFile(option, file, kMaxTextBytes, scope);
     std::string text;
     text.reserve(raw.size());
     for (size_t i = 0; i < raw.size(); ++i) {

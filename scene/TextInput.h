@@ -9,14 +9,15 @@
 
 namespace Zvex::scene {
 
-// Where the text comes from: `argument` unless it is empty and `file` is given. The argument "-", unless
-// `literal`, and the file "-" mean standard input. From a file or standard input one line ending at the very
-// end is dropped, and CR LF becomes LF. Throws UsageError for text on the command line and Failure for a
-// file, where the text is empty, not UTF-8, or holds a NUL, and where the file cannot be read, lies outside
-// `scope` or is larger than kMaxTextBytes.
 constexpr size_t kMaxTextBytes = size_t{4} << 20;
-std::string readText(const std::string& argument, const std::string& file, bool literal = false,
-                     const FolderScope& scope = {});
+
+// The text as it is drawn: tabs become spaces. Throws UsageError where it is empty, not UTF-8, holds a NUL or
+// is larger than kMaxTextBytes.
+std::string checkedText(const std::string& text);
+
+// The same from a file in `scope`, or from standard input for "-": one line ending at the very end is
+// dropped, and CR LF becomes LF. Throws Failure.
+std::string readText(const std::string& file, const FolderScope& scope = {});
 
 // Why the text cannot be drawn, or empty.
 std::string faultOf(const std::string& text);

@@ -58,39 +58,26 @@ double NumberRange::scaled(double value, double factor) const {
 }
 
 double parseNumber(const std::string& option, const std::string& text, const NumberRange& range) {
-    const size_t unitLength = std::char_traits<char>::length(range.unit);
-    const bool hasUnit =
-        text.size() > unitLength && text.compare(text.size() - unitLength, unitLength, range.unit) == 0;
-    const char* end = text.data() + text.size() - (hasUnit ? unitLength : 0);
+    const std::string unit = range.share ? "%" : range.unit;
+    const bool hasUnit = text.size() > unit.size() &&
+                         text.compare(text.size() - unit.size(), unit.size(), unit) == 0 && !unit.empty();
+    const char* end = text.data() + text.size() - (hasUnit ? unit.size() : 0);
     double value = 0;
     const auto [stop, error] = std::from_chars(text.data(), end, value);
-    if (error != std::errc() || stop != end || !range.contains(value)) refuse(option, text, range.wanted());
-    return value;
+    if (range.share && hasUnit) value /= 100;
+    if (error == std::errc() && stop == end && range.contains(value)) return value;
+    refuse(option, text, range.share ? "an opacity; write 0 to 1 or 0% to 100%" : range.wanted());
 }
 
-int parseInteger(const std::string& option, const std::string& text, int64_t low, int64_t high) {
-    int64_t value = 0;
-    const char* end = text.data() + text.size();
-    const auto [stop, error] = std::from_chars(text.data(), end, value);
-    if (error != std::errc() || stop != end || value < low || value > high) {
-        refuse(option, text, "a whole number from " + std::to_string(low) + " to " + std::to_string(high));
-    }
-    return static_cast<int>(value);
-}
-
-double parseOpacity(const std::string& option, const std::string& text) {
-    const bool percent = !text.empty() && text.back() == '%';
-    const char* end = text.data() + text.size() - (percent ? 1 : 0);
-    double value = 0;
-    const auto [stop, error] = std::from_chars(text.data(), end, value);
-    if (percent) value /= 100;
-    if (error != std::errc() || stop != end || !kShare.contains(value)) refuse(option, text, kWantedShare);
-    return value;
+int parseInteger(const std::string& option, const std::string& text, int low, int high) {
+    return static_cast<int>(parseNumber(
+        option, text, {static_cast<double>(low), static_cast<double>(high), "", false, false, true}));
 }
 
 Padding parsePadding(const std::string& option, const std::string& text) {
     std::vector<int> sides;
-    for (const std::string& part : split(text, ',')) sides.push_back(parseInteger(option, part, 0, 32767));
+    for (const std::string& part : split(text, ','))
+        sides.push_back(static_cast<int>(parseNumber(option, part, kPaddingSide)));
     switch (sides.size()) {
         case 1:
             return {sides[0], sides[0], sides[0], sides[0]};
@@ -99,7 +86,7 @@ Padding parsePadding(const std::string& option, const std::string& text) {
         case 4:
             return {sides[0], sides[1], sides[2], sides[3]};
         default:
-            refuse(option, text, "a padding; write ALL, SIDES,ENDS or LEFT,TOP,RIGHT,BOTTOM");
+            refuse(option, text, kWantedPadding);
     }
 }
 
@@ -113,7 +100,9 @@ std::string formatColor(uint32_t color) {
 
 std::string formatNumber(double value) {
     char text[32];
-    return std::string(text, std::to_chars(text, text + sizeof text, value).ptr);
+    const bool plain = std::fabs(value) < 1e15 && value == std::trunc(value);
+    return std::string(text, plain ? std::to_chars(text, text + sizeof text, std::llround(value)).ptr
+                                   : std::to_chars(text, text + sizeof text, value).ptr);
 }
 
 std::vector<std::string> split(const std::string& text, char separator) {

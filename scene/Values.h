@@ -22,35 +22,34 @@ struct NumberRange {
     bool exclusiveLow = false;
     bool length = false;  // in the picture: --scale multiplies it
     bool whole = false;   // without a fraction
+    bool share = false;   // of one; in text "60%" is 0.6
 
     bool contains(double value) const;
     std::string wanted() const;  // "a number from 0 to 100 (px)", for messages and help
     // The value times `factor`, a whole one where that is asked for; it may lie outside.
     double scaled(double value, double factor) const;
 };
+constexpr NumberRange kShare = {0, 1, "", false, false, false, true};
 
 // A decimal number in the range, with its unit or without.
 double parseNumber(const std::string& option, const std::string& text, const NumberRange& range);
 
 // A whole number in [low, high].
-int parseInteger(const std::string& option, const std::string& text, int64_t low, int64_t high);
-
-// A share of one: "0.6" or "60%".
-constexpr NumberRange kShare = {0, 1};
-constexpr char kWantedShare[] = "an opacity; write 0 to 1 or 0% to 100%";
-double parseOpacity(const std::string& option, const std::string& text);
+int parseInteger(const std::string& option, const std::string& text, int low, int high);
 
 // Pixels on each side: "10" (all), "10,20" (left and right, top and bottom) or "1,2,3,4" (left, top, right,
 // bottom).
 struct Padding {
     int left = 0, top = 0, right = 0, bottom = 0;
 };
+constexpr char kWantedPadding[] = "a padding; write ALL, SIDES,ENDS or LEFT,TOP,RIGHT,BOTTOM";
+constexpr NumberRange kPaddingSide = {0, 32767, "px", false, true, true};
 Padding parsePadding(const std::string& option, const std::string& text);
 
 // "#rrggbb", or "#aarrggbb" where the colour is not opaque.
 std::string formatColor(uint32_t color);
 
-// The shortest decimal that reads back as the same number: 12.5 as "12.5", 100 as "100".
+// The shortest decimal that reads back as the same number: 12.5 as "12.5", 100000 as "100000".
 std::string formatNumber(double value);
 
 std::vector<std::string> split(const std::string& text, char separator);

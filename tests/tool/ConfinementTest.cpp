@@ -89,6 +89,8 @@ TEST_F(Confinement, AStyleFileNamesFilesInItsFolderAndBelow) {
     write("in/style.json", styleOf("../secret/tile.png"));
     EXPECT_EQ(render(style + "--allow-read $DIR/secret/deep"), 2) << "no such folder";
     EXPECT_EQ(render(style + "--allow-read $DIR/inner"), 1);
+    write("in/style.json", R"({"canvas": "pattern:../secret/tile.png"})");
+    EXPECT_EQ(render(style), 1) << "in short as well";
     // Names on the command line itself are not confined.
     EXPECT_EQ(render("--style '" + styleOf(file("secret/tile.png")) + "'"), 0);
     EXPECT_EQ(render("--pattern $DIR/secret/tile.png"), 0);

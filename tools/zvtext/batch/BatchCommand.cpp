@@ -27,13 +27,13 @@
 #include "scene/Failure.h"
 #include "scene/TextInput.h"
 #include "scene/Values.h"
+#include "tools/zvtext/Options.h"
 #include "tools/zvtext/batch/BatchInput.h"
 #include "tools/zvtext/batch/BatchJournal.h"
 #include "tools/zvtext/batch/BatchLine.h"
 #include "tools/zvtext/batch/BatchNames.h"
 #include "tools/zvtext/batch/BatchWorker.h"
 #include "tools/zvtext/batch/Digest.h"
-#include "tools/zvtext/render/GivenValue.h"
 
 namespace zvtext {
 
@@ -176,8 +176,7 @@ private:
     };
 
     static int workerCount(const BatchArguments& arguments) {
-        const int jobs = parseInteger("--jobs", arguments.jobs, 0, kMaxJobs);
-        return jobs == 0 ? std::min(usableCores(), kMaxJobs) : jobs;
+        return arguments.jobs == 0 ? std::min(usableCores(), kMaxJobs) : arguments.jobs;
     }
 
     // Reads the defaults' values, so that what is wrong with them is said once and not for each line.
@@ -186,16 +185,17 @@ private:
         settings.resumes = arguments.resume;
         std::vector<std::string> own = {"."};
         if (arguments.input != "-") own.push_back(fs::path(arguments.input).parent_path());
-        settings.reads = arguments.defaults.reads.scopeWith(own, "a line of a batch");
-        settings.digest = arguments.defaultsDigest;
-        settings.defaults = arguments.defaults;
-        settings.defaults.start = readStyleParts(arguments.defaults);
-        settings.defaults.style.clear();
-        RenderArguments trial = settings.defaults;
-        trial.text = "text";
+        const FolderScope scope = arguments.reads.scopeWith(own, "a line of a batch");
+        settings.reads = {"", scope, scope, arguments.reads};
+        Digest digest;
+        for (const auto& [name, value] : arguments.given) digest.add(name).add(plainText(value));
+        settings.digest = digest.hex();
+        readOptions(fieldsOf(settings.defaults), arguments.given, {"", {}, {}, arguments.reads});
+        SceneOptions trial = settings.defaults.scene;
+        trial.scene.text = "text";
         trial.textFile.clear();
-        if (trial.font.empty()) trial.font = "font";
-        readScene(trial);
+        if (trial.scene.font.name.empty()) trial.scene.font.name = "font";
+        sceneOf(trial);
         const BatchNames names(arguments.outputFolder,
                                arguments.allowOutside ? FolderScope() : FolderScope({}, ""), false);
         names.pathOf("--output", expandTemplate(arguments.output, 1));
@@ -541,50 +541,29 @@ private:
 }  // namespace
 
 void addBatchOptions(CLI::App& command, BatchArguments& a) {
-    addRenderOptions(command, a.defaults);
-    // A line's own.
-    for (const char* name : {"text", "--output", "--print-style", "--print-key", "--metrics"}) {
-        command.remove_option(command.get_option(name));
-    }
-    command.get_option("--allow-read")
-        ->description(
-            "Let lines and style files name files in this folder and below it; give it again for more");
-    command.get_option("--allow-read-anywhere")
-        ->description("Let lines and style files name any file, pipes and devices too");
-    const std::vector<CLI::Option*> ofRender = command.get_options([](const CLI::Option*) { return true; });
+    RenderOptions defaults;
+    Fields fields = fieldsOf(defaults);
+    fields.erase(fields.begin());  // the text
+    addOptions(command, fields, a.given);
+    addReadOptions(command, a.reads, "lines and style files");
     command.add_option("file", a.input, "The lines, one JSON object each; - is standard input")
         ->type_name("FILE")
         ->capture_default_str();
-    command
-        .add_option("-o,--output", a.output,
-                    "Name of a picture whose line has no output; {index} is the line's number")
-        ->type_name("NAME")
-        ->capture_default_str();
-    command
-        .add_option("--metrics", a.metrics,
-                    "Name of the metrics in JSON of a picture whose line has none, with {index}; else none")
-        ->type_name("NAME")
-        ->check(givenValue());
-    command.add_option("--output-dir", a.outputFolder, "Where the pictures go; made when missing")
-        ->type_name("DIR")
-        ->capture_default_str();
-    command.add_flag("--allow-outside", a.allowOutside, "Let outputs be absolute or leave the output folder");
-    command.add_option("-j,--jobs", a.jobs, "Worker processes; 0 is one for each core")
-        ->type_name("N")
-        ->capture_default_str();
-    command.add_flag("--resume", a.resume,
-                     "Leave pictures that are there, whole and made from the same line, options and files");
-    command.add_flag("--quiet", a.quiet, "No progress on the terminal");
-    command.parse_complete_callback([&a, ofRender] {
-        Digest digest;
-        for (const CLI::Option* option : ofRender) {
-            // What may be read makes no other picture.
-            if (option->get_name().rfind("--allow-", 0) == 0) continue;
-            digest.add(option->get_name());
-            for (const std::string& value : option->results()) digest.add(value);
-        }
-        a.defaultsDigest = digest.hex();
-    });
+    Fields own;
+    addFields(
+        own,
+        {{"output", TextField{&a.output},
+          "Name of a picture whose line has no output; {index} is the line's number", "NAME", "o"},
+         {"metrics", TextField{&a.metrics, kMaxFieldBytes, kWantedPath},
+          "Name of the metrics in JSON of a picture whose line has none, with {index}; else none", "NAME"},
+         {"output-dir", TextField{&a.outputFolder}, "Where the pictures go; made when missing", "DIR"},
+         {"allow-outside", FlagField{&a.allowOutside}, "Let outputs be absolute or leave the output folder"},
+         {"jobs", NumberField{&a.jobs, {0, kMaxJobs}}, "Worker processes; 0 is one for each core", "N", "j"},
+         {"resume", FlagField{&a.resume},
+          "Leave pictures that are there, whole and made from the same line, options and files"},
+         {"quiet", FlagField{&a.quiet}, "No progress on the terminal"}},
+        "Batch");
+    addSettings(command, own);
     command.footer(
         "A line is a JSON object: \"text\", \"output\", and any option of render without its dashes. What it "
         "leaves\n"

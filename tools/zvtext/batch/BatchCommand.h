@@ -10,14 +10,14 @@
 namespace zvtext {
 
 struct BatchArguments {
-    RenderArguments defaults;  // what a line leaves out
-    std::string defaultsDigest;
+    GivenOptions given;  // what a line leaves out, as render's command line has it
+    ReadOptions reads;
     std::string input = "-";
     std::string output = "{index}.png";  // the name where a line has none; {index} is the line's number
     std::string metrics;                 // the same of the metrics; empty: none
     std::string outputFolder = ".";
     bool allowOutside = false;  // outputs may be absolute or leave the folder
-    std::string jobs = "1";     // 0: one for each core
+    int jobs = 1;               // 0: one for each core
     bool resume = false, quiet = false;
 };
 

@@ -111,7 +111,7 @@ std::string contentDigest(const BatchJob& job, const FolderScope& scope) {
 class Worker {
 public:
     Worker(const BatchSettings& settings, const BatchJournal& journal)
-        : mSettings(settings), mJournal(journal), mReader(settings.defaults, settings.reads) {}
+        : mSettings(settings), mJournal(journal) {}
 
     BatchResult run(const BatchJob& job) {
         BatchResult result = renderOrFail(job);
@@ -139,17 +139,17 @@ private:
 
     BatchResult render(const BatchJob& job) {
         const auto begin = std::chrono::steady_clock::now();
-        RenderArguments arguments = mReader.read(job.json);
-        arguments.outputOptions.metrics = job.metrics;
-        arguments.outputOptions.scope = mSettings.writes;
-        checkOutput(job.path, arguments.outputOptions, "--output");
-        const Scene scene = readScene(arguments);
+        RenderOptions options = readLine(job.json, mSettings.defaults, mSettings.reads);
+        options.output.metrics = job.metrics;
+        options.output.scope = mSettings.writes;
+        checkOutput(job.path, options.output, "--output");
+        const Scene scene = sceneOf(std::move(options.scene));
         BatchResult result;
         result.record.job = digestOf(job, scene);
         Json json = {{"line", job.line}, {"path", job.path}};
         if (!job.metrics.empty()) json["metrics"] = job.metrics;
         const bool skipped = mSettings.resumes && findPicture(job, result.record);
-        if (!skipped) makePicture(job, scene, arguments.outputOptions, result.record);
+        if (!skipped) makePicture(job, scene, options.output, result.record);
         const Json made = Json::parse(result.record.result, nullptr, false);
         for (const char* key : {"width", "height", "margins", "baseline"}) {
             if (made.contains(key)) json[key] = made[key];
@@ -223,7 +223,6 @@ private:
 
     const BatchSettings& mSettings;
     const BatchJournal& mJournal;
-    LineReader mReader;
     std::map<std::string, std::string> mFontMarks;  // of the fonts that are loaded
 };
 

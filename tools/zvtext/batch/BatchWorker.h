@@ -36,8 +36,8 @@ BatchResult failedResult(uint64_t line, const std::string& path, const std::stri
 
 // What all lines have in common.
 struct BatchSettings {
-    RenderArguments defaults;
-    FolderScope reads;     // where the files may lie that lines name
+    RenderOptions defaults;
+    FilePlaces reads;      // where the files may lie that lines name
     FolderScope writes;    // and their pictures and metrics
     std::string digest;    // of the defaults as given
     bool resumes = false;  // leaves the pictures that are there, whole and the line's own

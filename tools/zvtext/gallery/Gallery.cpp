@@ -12,7 +12,7 @@
 #include "scene/Png.h"
 #include "scene/Presets.h"
 #include "scene/TextInput.h"
-#include "tools/zvtext/render/GivenValue.h"
+#include "tools/zvtext/Options.h"
 #include "tools/zvtext/render/Output.h"
 #include "tools/zvtext/render/OutputFile.h"
 #include "tools/zvtext/render/RenderCommand.h"
@@ -142,9 +142,10 @@ std::string renderFigure(const Json& scene, const std::string& font) {
     RenderArguments arguments;
     addRenderOptions(*app.add_subcommand("render"), arguments);
     app.parse(std::vector<std::string>(words.rbegin(), words.rend()));  // taken from the back
-    const Rendering rendering = render(readScene(arguments));
+    RenderOptions options = readRenderOptions(arguments);
+    const Rendering rendering = render(sceneOf(std::move(options.scene)));
     warn(rendering.warnings);
-    writeRendering(rendering, arguments.output.value(), arguments.outputOptions, "DIR");
+    writeRendering(rendering, arguments.output, options.output, "DIR");
     std::string command = "zvtext";
     for (const std::string& word : words) command += " " + shellWord(word);
     return "<figure>\n<div class=\"ground " + scene.value("ground", "light") + "\"><img src=\"" +
@@ -181,10 +182,8 @@ void addGalleryOptions(CLI::App& command, GalleryArguments& a) {
     command.add_option("dir", a.folder, "The folder to write into; made when missing")
         ->type_name("DIR")
         ->required();
-    command.add_option("--font-dir", a.fontFolder, "Where fonts are looked for, by file name")
-        ->type_name("DIR")
-        ->check(givenValue())
-        ->capture_default_str();
+    addSettings(command, {{"font-dir", TextField{&a.fontFolder, kMaxFieldBytes, "a folder"},
+                           "Where fonts are looked for, by file name", "DIR"}});
     command
         .add_option("--only", a.groups,
                     "Only this group; give it again for more: " + joined(galleryGroupNames()))

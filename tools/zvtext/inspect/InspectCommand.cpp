@@ -12,6 +12,7 @@
 #include "scene/Failure.h"
 #include "scene/TextInput.h"
 #include "scene/Versions.h"
+#include "tools/zvtext/Options.h"
 #include "tools/zvtext/render/OutputFile.h"
 
 namespace zvtext {
@@ -122,7 +123,7 @@ const char* instructionSet() {
 }  // namespace
 
 void addVersionOptions(CLI::App& version, bool& json) {
-    version.add_flag("--json", json, "Print one JSON object");
+    addJsonFlag(version, json);
     version.footer("Example:\n  zvtext version --json");
     version.callback([&json] {
         Json libraries = Json::object();

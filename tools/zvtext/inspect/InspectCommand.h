@@ -13,18 +13,21 @@
 namespace zvtext {
 
 struct InspectFontArguments {
-    std::string font, axes;
+    Scene scene;  // of which the font and its axes count
     bool json = false;
 };
 
 struct InspectStyleArguments {
-    std::string style, size, width = "1920", height = "1080";
+    std::string style;
+    double size = 0;  // 0: the style's
+    int width = 1920, height = 1080;
     ReadOptions reads;
     bool json = false;
 };
 
 struct InspectTextArguments {
-    RenderArguments scene;
+    GivenOptions given;
+    ReadOptions reads;
     bool json = false;
 };
 

@@ -12,7 +12,7 @@
 #include "scene/FontChoice.h"
 #include "scene/FontFile.h"
 #include "scene/Json.h"
-#include "scene/Values.h"
+#include "tools/zvtext/Options.h"
 #include "tools/zvtext/inspect/InspectCommand.h"
 
 namespace zvtext {
@@ -124,8 +124,9 @@ Json describe(const LoadedFont& loaded) {
 }
 
 void runInspectFont(const InspectFontArguments& arguments) {
-    const auto font = loadFont("FONT", chooseFont("FONT", arguments.font), "--axes", arguments.axes);
-    printReport(describe(*font), arguments.json);
+    const Font& font = arguments.scene.font;
+    printReport(describe(*loadFont("FONT", chooseFont("FONT", font.name), "--axes", font.axes)),
+                arguments.json);
 }
 
 }  // namespace
@@ -133,9 +134,12 @@ void runInspectFont(const InspectFontArguments& arguments) {
 void addInspectFont(CLI::App& inspect, InspectFontArguments& a) {
     CLI::App* command =
         inspect.add_subcommand("font", "What a font is: names, style, metrics, axes, scripts");
-    command->add_option("font", a.font, kFontHelp)->type_name("FONT")->required();
-    command->add_option("--axes", a.axes, kAxesHelp)->type_name("AXIS=VALUE,...");
-    command->add_flag("--json", a.json, "Print one JSON object");
+    const Fields fields = fieldsOf(a.scene);
+    command->add_option("font", a.scene.font.name, findField(fields, "font")->help)
+        ->type_name("FONT")
+        ->required();
+    addSettings(*command, {*findField(fields, "axes")});
+    addJsonFlag(*command, a.json);
     command->footer(
         "Examples:\n"
         "  zvtext inspect font DejaVuSans-Bold.ttf\n"

@@ -7,8 +7,9 @@
 #include "scene/Json.h"
 #include "scene/LayeredScene.h"
 #include "scene/Presets.h"
-#include "scene/Scene.h"
+#include "scene/SceneOptions.h"
 #include "scene/Style.h"
+#include "tools/zvtext/Options.h"
 #include "tools/zvtext/inspect/InspectCommand.h"
 
 namespace zvtext {
@@ -90,22 +91,20 @@ void runInspectStyle(const InspectStyleArguments& a) {
                                     [&](const Preset& candidate) { return a.style == candidate.name; });
     const StyleNotes notes =
         preset ? readPreset("STYLE", a.style, style) : readStyle("STYLE", a.style, style, a.reads);
-    if (!a.size.empty()) readValue("--size", fieldsOf(style)[0], a.size);
+    if (a.size > 0) style.size = a.size;
     fitEffects(style);
-    const int width = parseInteger("--width", a.width, 1, kMaxSide);
-    const int height = parseInteger("--height", a.height, 1, kMaxSide);
 
     const LayerStacks stacks(style);
     const auto [left, top, right, bottom] = Zvex::marginsOf(stacks.layers.data(), stacks.layers.size());
     const double bytes = bytesPerPixel(style);
-    const double pixels = double(width + left + right) * double(height + top + bottom);
+    const double pixels = double(a.width + left + right) * double(a.height + top + bottom);
     Json report = {{"style", a.style}};
     if (!notes.description.empty()) report["description"] = notes.description;
     report["size"] = numberJson(style.size);
     report["margins"] = {{"left", left}, {"top", top}, {"right", right}, {"bottom", bottom}};
     if (style.canvas) report["canvas"] = formatCanvas(*style.canvas);
     report["layers"] = layersOf(style);
-    report["picture"] = {{"width", width + left + right}, {"height", height + top + bottom}};
+    report["picture"] = {{"width", a.width + left + right}, {"height", a.height + top + bottom}};
     report["memory"] = {{"bytes-per-pixel", bytes},
                         {"megabytes", numberJson(std::ceil(pixels * bytes / 1e5) / 10)}};
     printReport(report, a.json);
@@ -119,14 +118,13 @@ void addInspectStyle(CLI::App& inspect, InspectStyleArguments& a) {
     command->add_option("style", a.style, "A preset's name, or a style file; ./NAME is always a file")
         ->type_name("FILE|PRESET")
         ->required();
-    command->add_option("--size", a.size, "The text size it is used at; else the style's own")
-        ->type_name("PX");
-    command->add_option("--width", a.width, "Width of the picture that the memory is for, without margins")
-        ->type_name("PX")
-        ->capture_default_str();
-    command->add_option("--height", a.height, "Its height")->type_name("PX")->capture_default_str();
+    addSettings(*command, {{"size", NumberField{&a.size, kTextSize},
+                            "The text size it is used at; else the style's own"},
+                           {"width", NumberField{&a.width, kViewSide},
+                            "Width of the picture the memory is for, without margins"},
+                           {"height", NumberField{&a.height, kViewSide}, "Its height"}});
     addReadOptions(*command, a.reads, "the style file");
-    command->add_flag("--json", a.json, "Print one JSON object");
+    addJsonFlag(*command, a.json);
     command->footer(
         "Examples:\n"
         "  zvtext inspect style gold --size 200\n"

@@ -11,6 +11,7 @@
 #include "scene/Json.h"
 #include "scene/SceneFonts.h"
 #include "scene/SceneLayout.h"
+#include "tools/zvtext/Options.h"
 #include "tools/zvtext/inspect/InspectCommand.h"
 
 namespace zvtext {
@@ -142,7 +143,9 @@ private:
 };
 
 void runInspectText(const InspectTextArguments& arguments) {
-    const Scene scene = readScene(arguments.scene);
+    SceneOptions options;
+    readOptions(fieldsOf(options), arguments.given, {"", {}, {}, arguments.reads});
+    const Scene scene = sceneOf(std::move(options));
     const SceneFonts fonts = takeFonts(scene);
     Zvex::ZvTextObject object;
     if (!object.Construct()) throw std::bad_alloc();
@@ -158,8 +161,10 @@ void runInspectText(const InspectTextArguments& arguments) {
 void addInspectText(CLI::App& inspect, InspectTextArguments& a) {
     CLI::App* command = inspect.add_subcommand(
         "text", "What a text needs: scripts, the font of each part, what no font has, where lines break");
-    addSceneOptions(*command, a.scene);
-    command->add_flag("--json", a.json, "Print one JSON object; offsets are bytes of the UTF-8 text");
+    SceneOptions options;
+    addOptions(*command, fieldsOf(options), a.given);
+    addReadOptions(*command, a.reads, "a style file");
+    addJsonFlag(*command, a.json);
     command->footer(
         "Examples:\n"
         "  zvtext inspect text 'Grüße, 世界' --font DejaVuSans-Bold.ttf\n"

@@ -28,34 +28,23 @@ bool isSamePlace(const std::string& path, const std::string& other) {
     return place(path) == place(other);
 }
 
-struct Format {
-    OutputFormat format;
-    const char* name;
-    const char* ending;
-};
-constexpr Format kFormats[] = {{OutputFormat::Png, "png", ".png"},
-                               {OutputFormat::Webp, "webp", ".webp"},
-                               {OutputFormat::Rgba, "raw", ".rgba"}};
-
-std::string listed(const char* Format::*part) {
-    std::string list;
-    for (const Format& format : kFormats) list += (list.empty() ? "" : ", ") + std::string(format.*part);
-    return list;
-}
+constexpr std::pair<const char*, OutputFormat> kEndings[] = {
+    {".png", OutputFormat::Png}, {".webp", OutputFormat::Webp}, {".rgba", OutputFormat::Rgba}};
 
 OutputFormat formatOf(const std::string& path, const OutputOptions& options, const std::string& option) {
-    if (options.format) return *options.format;
+    if (options.format != OutputFormat::ByEnding) return options.format;
     const std::string ending = fs::path(path).extension();
     if (ending.empty()) return OutputFormat::Png;
-    std::string lower = ending;
+    std::string lower = ending, known;
     for (char& c : lower) {
         if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
     }
-    for (const Format& format : kFormats) {
-        if (lower == format.ending) return format.format;
+    for (const auto& [name, format] : kEndings) {
+        if (lower == name) return format;
+        known += (known.empty() ? "" : ", ") + std::string(name);
     }
-    throw UsageError(option + ": '" + path + "' ends in '" + ending + "', which is not one of " +
-                     listed(&Format::ending) + "; --format says what to write under any name");
+    throw UsageError(option + ": '" + path + "' ends in '" + ending + "', which is not one of " + known +
+                     "; --format says what to write under any name");
 }
 
 std::string encode(const Picture& picture, OutputFormat format, double dpi, const std::string& option) {
@@ -75,15 +64,19 @@ std::string encode(const Picture& picture, OutputFormat format, double dpi, cons
 
 }  // namespace
 
-OutputFormat parseFormat(const std::string& option, const std::string& text) {
-    for (const Format& format : kFormats) {
-        if (text == format.name) return format.format;
-    }
-    throw UsageError(option + ": '" + text + "' is not one of " + listed(&Format::name));
+Fields fieldsOf(OutputOptions& options) {
+    return {
+        {"format",
+         ChoiceField{&options.format,
+                     {{"png", OutputFormat::Png}, {"webp", OutputFormat::Webp}, {"raw", OutputFormat::Rgba}}},
+         "PNG, lossless WebP or raw RGBA bytes; else by the output's ending: .png, .webp, .rgba"},
+        {"dpi", NumberField{&options.dpi, {1, 10000}},
+         "Pixels an inch that a PNG says it has; at 72 a pixel is a point"},
+        {"premultiplied", FlagField{&options.premultiplied},
+         "Colours multiplied by their alpha; otherwise straight"}};
 }
 
 void checkOutput(const std::string& path, const OutputOptions& options, const std::string& option) {
-    if (path.empty()) throw UsageError(option + ": the path is empty");
     formatOf(path, options, option);
     if (!options.metrics.empty() && isSamePlace(path, options.metrics)) {
         throw UsageError("--metrics: " + (path == "-" ? "standard output" : "'" + path + "'") +

@@ -2,38 +2,34 @@
 #ifndef ZVEX_TOOLS_ZVTEXT_RENDER_OUTPUT_H_
 #define ZVEX_TOOLS_ZVTEXT_RENDER_OUTPUT_H_
 
-#include <optional>
 #include <string>
 
-#include "scene/FolderScope.h"
+#include "scene/Fields.h"
 #include "scene/Png.h"
 #include "scene/Rendering.h"
-#include "scene/Values.h"
 
 namespace zvtext {
 
 using namespace Zvex::scene;
 
 // Straight colours, 8 bits each. RGBA has no header: four bytes a pixel, rows from the top, without padding.
-enum class OutputFormat { Png, Webp, Rgba };
-
-// "png", "webp" or "raw". `option` opens the message of the UsageError thrown for anything else.
-OutputFormat parseFormat(const std::string& option, const std::string& text);
-
-constexpr NumberRange kDpi = {1, 10000};
+enum class OutputFormat { ByEnding, Png, Webp, Rgba };
 
 // How a rendering is written.
 struct OutputOptions {
-    // Without one, the ending of the path says it: .png, .webp or .rgba; no ending is PNG.
-    std::optional<OutputFormat> format;
+    // By the path's ending: .png, .webp or .rgba; no ending is PNG.
+    OutputFormat format = OutputFormat::ByEnding;
     double dpi = kPointsPerInch;  // pixels an inch; only PNG files say it
     bool premultiplied = false;   // colours multiplied by alpha, to the nearest; the formats do not say it
     std::string metrics;  // path of a JSON file beside the picture, "-" for standard output; empty: none
     FolderScope scope;    // where the files may go
 };
+Fields fieldsOf(OutputOptions& options);
+
+constexpr char kWantedPath[] = "the path of a file";
 
 // Throws UsageError where no rendering could be written to `path` with these options, so that one need not
-// be made first: an empty path, an ending that is no format's, and a picture and metrics that would go to the
+// be made first: an ending that is no format's, and a picture and metrics that would go to the
 // same place. `option` opens the message.
 void checkOutput(const std::string& path, const OutputOptions& options, const std::string& option);
 

@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: Apache-2.0
+#ifndef ZVEX_SCENE_FIELDJSON_H_
+#define ZVEX_SCENE_FIELDJSON_H_
+
+#include <set>
+#include <string>
+
+#include "scene/Fields.h"
+#include "scene/Json.h"
+#include "scene/Style.h"
+
+namespace Zvex::scene {
+
+// Fields in JSON: numbers and opacities are numbers, choices and colours strings as in text, stops and tints
+// objects. `place` opens the messages of the UsageErrors thrown: "effects[2].size".
+void readJson(const std::string& place, const Field& field, const Json& json, const FilePlaces& places);
+
+// An object's members into the fields. The other keys belong to the object as well and are read elsewhere.
+void readObject(const std::string& place, const Fields& fields, const std::set<std::string>& otherKeys,
+                const Json& json, const FilePlaces& places);
+
+// An object with the effect's "type", one of the `names` that `find` knows, and its keys.
+EffectSettings readEffect(const std::string& place, const Json& json, const std::string& names,
+                          const EffectKind* (*find)(const std::string&), const FilePlaces& places);
+
+// A style, as readStyleText reads it.
+void readStyleJson(const std::string& option, const Json& json, Style& style, const FolderScope& scope);
+
+// Leaves out what is empty: no background, no features, no stops.
+Json writeObject(const Fields& fields);
+Json writeEffect(EffectSettings settings);
+
+// "[3]", or "this array" where it is long: for messages.
+std::string shown(const Json& json);
+
+}  // namespace Zvex::scene
+
+#endif  // ZVEX_SCENE_FIELDJSON_H_

@@ -1,0 +1,162 @@
+// SPDX-License-Identifier: Apache-2.0
+#include "scene/SceneOptions.h"
+
+#include <cmath>
+#include <limits>
+
+#include "scene/Failure.h"
+#include "scene/FieldJson.h"
+#include "scene/Scale.h"
+#include "scene/SceneCheck.h"
+#include "scene/TextInput.h"
+
+namespace Zvex::scene {
+
+namespace {
+
+constexpr NumberRange kScale = {0, 16, "", true};
+constexpr NumberRange kLines = {1, 1'000'000};
+
+Fields textFields(Scene& scene) {
+    return {{"font", FontField{&scene.font},
+             "A font: a file, FILE#2 for the third font of a collection, or a name such as 'Noto Serif:bold'",
+             "", "f"},
+            {"axes", TextField{&scene.font.axes, kMaxFieldBytes, "places of axes; write AXIS=VALUE,..."},
+             "Where the axes of a variable font stand, such as wght=650,opsz=20", "AXIS=VALUE,..."},
+            {"fallback", FontsField{&scene.fallbacks},
+             "A font for what --font lacks; give it again for more, in order"},
+            {"no-fallback", FlagField{&scene.systemFallback, false},
+             "Draw what --font and --fallback lack as missing; else the system's fonts serve it"}};
+}
+
+Fields viewFields(Scene& scene) {
+    using Align = Scene::Align;
+    using Gravity = Scene::Gravity;
+    using host::Rendering;
+    return {{"width", NumberField{&scene.width, kViewSide},
+             "Width in which lines wrap, padding included; else lines are as long as they are"},
+            {"height", NumberField{&scene.height, kViewSide},
+             "Height, padding included; else as high as the lines"},
+            {"align",
+             ChoiceField{&scene.align,
+                         {{"left", Align::Left}, {"center", Align::Center}, {"right", Align::Right}}},
+             "Where lines stand between the sides"},
+            {"gravity",
+             ChoiceField{&scene.gravity,
+                         {{"top", Gravity::Top}, {"center", Gravity::Center}, {"bottom", Gravity::Bottom}}},
+             "Where the lines stand, if --height leaves room"},
+            {"max-lines", NumberField{&scene.maxLines, kLines},
+             "Lines shown: the first ones, or the last ones with --gravity bottom"},
+            {"padding", PaddingField{&scene.padding}, "ALL, SIDES,ENDS or LEFT,TOP,RIGHT,BOTTOM"},
+            {"text-rendering",
+             ChoiceField{&scene.rendering, {{"phone", Rendering::Phone}, {"plain", Rendering::Plain}}},
+             "Glyphs as the phone draws them, or at exact sizes without hinting and gamma"},
+            {"trim", FlagField{&scene.trim}, "Cut off the picture's transparent border"}};
+}
+
+// What a style file holds, and what takes or adds to one.
+Fields looksOf(Style& style) {
+    Fields fields = {
+        {"style", StyleField{&style},
+         "Take effects and any of the seven options above from a JSON file, or from {...} itself"},
+        {"preset", PresetField{&style},
+         "The same from a style of the program's own; zvtext presets lists them"}};
+    for (const EffectKind& kind : effectKinds())
+        fields.push_back({kind.name, EffectField{&style, &kind}, kind.summary});
+    return fields;
+}
+
+bool isLook(const Field& field) {
+    return std::holds_alternative<EffectField>(field.value) ||
+           std::holds_alternative<StyleField>(field.value) ||
+           std::holds_alternative<PresetField>(field.value);
+}
+
+// A number where text has one too: engines that know only one kind of number write 100 as 100.0.
+bool isWrittenNumber(const Field& field, const Json& value) {
+    return value.is_number() && (std::holds_alternative<NumberField>(field.value) ||
+                                 std::holds_alternative<PaddingField>(field.value) ||
+                                 std::holds_alternative<EffectField>(field.value));
+}
+
+void readOption(const Field& field, const Json& value, const FilePlaces& places) {
+    const std::string where = std::string("--") + field.name;
+    const bool written = isWrittenNumber(field, value);
+    if (!written && !value.is_string()) return readJson(where, field, value, places);
+    const std::string text = written ? dumpJson(numberJson(value.get<double>())) : value.get<std::string>();
+    if (text.find('\0') != std::string::npos && !std::holds_alternative<TextField>(field.value))
+        throw UsageError(where + ": it holds a NUL character");
+    readValue(where, field, text, places);
+}
+
+}  // namespace
+
+Fields fieldsOf(Scene& scene) {
+    Fields fields;
+    addFields(fields, textFields(scene), "Text");
+    addFields(fields, viewFields(scene), "View");
+    addFields(fields, fieldsOf(scene.style), "Style");
+    return fields;
+}
+
+Fields fieldsOf(SceneOptions& options) {
+    Fields fields;
+    addFields(fields,
+              {{"text", TextField{&options.scene.text, std::string::npos},
+                "The text, UTF-8; - reads standard input"},
+               {"text-file", FileField{&options.textFile, &options.textScope},
+                "Read the text from a file; - is standard input"}},
+              "Text");
+    addFields(fields, fieldsOf(options.scene));
+    addFields(fields, looksOf(options.scene.style), "Style");
+    addFields(fields,
+              {{"scale", NumberField{&options.scale, kScale}, "Multiply every length, those of effects too",
+                "FACTOR"}},
+              "View");
+    return fields;
+}
+
+void readOptions(const Fields& fields, const GivenOptions& given, const FilePlaces& places) {
+    for (const bool looks : {true, false}) {
+        for (const auto& [name, value] : given) {
+            const Field* field = findField(fields, name);
+            if (field == nullptr) throw UsageError(name + ": is not one of the options: " + namesOf(fields));
+            if (isLook(*field) == looks && !value.is_null()) readOption(*field, value, places);
+        }
+    }
+}
+
+void fitScene(SceneOptions& options) {
+    checkLayers(options.scene.style);
+    fitEffects(options.scene.style);
+    scaleScene(options.scene, options.scale);
+    options.scale = 1;
+}
+
+Scene sceneOf(SceneOptions options) {
+    Scene& scene = options.scene;
+    if (scene.font.name.empty() && scene.font.bytes == nullptr)
+        throw UsageError("--font: is required, a font file or a name");
+    fitScene(options);
+    if (!scene.text.empty() && !options.textFile.empty())
+        throw UsageError("--text-file: the text is given as an argument already");
+    scene.text =
+        options.textFile.empty() ? checkedText(scene.text) : readText(options.textFile, options.textScope);
+    return scene;
+}
+
+GivenOptions readGiven(const std::string& json, const std::string& name) {
+    Json object = parseJson(json, name);
+    if (!object.is_object()) throw UsageError(name + " is no JSON object");
+    GivenOptions given;
+    for (auto& [key, value] : object.items()) given.emplace_back(key, std::move(value));
+    return given;
+}
+
+Scene readScene(const std::string& json, const FilePlaces& places) {
+    SceneOptions options;
+    readOptions(fieldsOf(options), readGiven(json), places);
+    return sceneOf(std::move(options));
+}
+
+}  // namespace Zvex::scene
