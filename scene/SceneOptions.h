@@ -45,7 +45,7 @@ Scene sceneOf(SceneOptions options);
 //
 // A key is what `zvtext render --help` lists as an option, without the dashes. Values are numbers, strings as
 // on the command line, true or false for a flag, an array for "fallback"; "style" may be the style itself, an
-// effect its object: {"stroke": {"width": 8, "color": "#202020"}}. Throws Error with the place, "--size", and
+// effect its object: {"stroke": {"width": 8, "color": "#202020"}}. Throws Error with the place, "size", and
 // the cause.
 Scene readScene(const std::string& json, const FilePlaces& places = {});
 

@@ -216,17 +216,32 @@ Style styleFromPreset(const std::string& name) {
     return style;
 }
 
+namespace {
+
+// The error, with the option in front of its place.
+UsageError within(const std::string& option, const UsageError& error) {
+    return UsageError((option.empty() ? "" : option + ": ") + error.what());
+}
+
+}  // namespace
+
 void readStyleJson(const std::string& option, const Json& json, Style& style, const FolderScope& scope) {
     try {
         read(json, {"", scope, {}, {}}, style);
     } catch (const UsageError& error) {
-        throw UsageError((option.empty() ? "" : option + ": ") + error.what());
+        throw within(option, error);
     }
 }
 
 void readStyleText(const std::string& option, const std::string& text, Style& style,
                    const FolderScope& scope) {
-    readStyleJson(option, parseJson(text, option.empty() ? "it" : option + ": it"), style, scope);
+    Json json;
+    try {
+        json = parseJson(text);
+    } catch (const UsageError& error) {
+        throw within(option, error);
+    }
+    readStyleJson(option, json, style, scope);
 }
 
 std::string writeStyle(const Style& style) {

@@ -61,6 +61,12 @@ TEST(SceneOptions, AreRefusedWithPlaceAndCause) {
     for (const auto& [options, message] : cases)
         EXPECT_EQ(refusal([&] { readScene(kStart + options); }), message);
     EXPECT_EQ(refusal([] { readScene("[]"); }), "it is no JSON object");
+    try {
+        readScene(kStart + R"("size": "9%"})");
+        FAIL();
+    } catch (const Error& error) {
+        EXPECT_EQ(error.place(), "size");
+    }
 }
 
 // What help, completions and other languages show is there for each option and each key of an effect.
