@@ -6,11 +6,18 @@ include(CMakePackageConfigHelpers)
 install(TARGETS zvex EXPORT ZvexTargets
         ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
 install(EXPORT ZvexTargets NAMESPACE Zvex:: DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Zvex)
+if(TARGET zvex_scene)
+  install(TARGETS zvex_scene EXPORT ZvexSceneTargets ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
+  install(EXPORT ZvexSceneTargets NAMESPACE Zvex:: DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/Zvex)
+endif()
 
 # Public headers are installed, and documented by scripts/docs.
 set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS cmake/public-headers.txt)
 file(STRINGS cmake/public-headers.txt headers)
 foreach(header IN LISTS headers)
+  if(header MATCHES "^scene/" AND NOT TARGET zvex_scene)
+    continue()
+  endif()
   cmake_path(GET header PARENT_PATH folder)
   install(FILES ${header} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/zvex/${folder})
 endforeach()

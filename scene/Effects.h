@@ -34,27 +34,27 @@ struct OuterGlowSettings {
     double size = 12;
     uint32_t color = 0xFFFFD860;  // used where there are no stops
     double opacity = 0.8;
-    std::vector<Stop> stops;  // from the glyphs outwards
+    std::vector<Stop> stops = {};  // from the glyphs outwards
 };
 
 struct InnerGlowSettings {
     double size = 8;
     uint32_t color = 0xFFFFFFFF;
     double opacity = 0.8;
-    std::vector<Stop> stops;  // from the edge inwards
+    std::vector<Stop> stops = {};  // from the edge inwards
 };
 
 struct LinearGradientSettings {
     double angle = 90;  // 0: from left to right, 90: from bottom to top
     double scale = 1;   // length relative to the text
     double opacity = 1;
-    std::vector<Stop> stops;
+    std::vector<Stop> stops = {};
 };
 
 struct RadialGradientSettings {
     double scale = 1;  // diameter relative to the text's width
     double opacity = 1;
-    std::vector<Stop> stops;  // from the centre outwards
+    std::vector<Stop> stops = {};  // from the centre outwards
 };
 
 struct StrokeSettings {

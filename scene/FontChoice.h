@@ -2,9 +2,7 @@
 #ifndef ZVEX_SCENE_FONTCHOICE_H_
 #define ZVEX_SCENE_FONTCHOICE_H_
 
-#include <cstdint>
 #include <string>
-#include <vector>
 
 #include "scene/FontFile.h"
 
@@ -19,15 +17,6 @@ namespace Zvex::scene {
 // process. A file lies in `scope`, which loadFont sees to; what a name leads to may lie anywhere. One thread
 // at a time.
 FontChoice chooseFont(const std::string& option, const std::string& text, const FolderScope& scope = {});
-
-// The folders in which fontconfig looks for fonts, with what is below them.
-std::vector<std::string> systemFontFolders();
-
-// The system's fonts that have all the characters, best first, at most eight: in fontconfig's order for a
-// text in `language` (never the user's own, so that a text looks the same for everybody) beside a font like
-// this one. Empty without fontconfig's configuration.
-std::vector<FontChoice> systemFontsFor(const std::vector<uint32_t>& characters, const std::string& language,
-                                       const FontFacts& like);
 
 }  // namespace Zvex::scene
 

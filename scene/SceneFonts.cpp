@@ -22,6 +22,7 @@
 #include "platform/host/Clusters.h"
 #include "scene/Failure.h"
 #include "scene/FontChoice.h"
+#include "scene/SystemFonts.h"
 #include "text/FontPath.h"
 
 namespace Zvex::scene {

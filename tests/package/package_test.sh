@@ -37,18 +37,26 @@ quietly cmake --build "$work/example"
 "$work/example/title" "$font" "Hello" "$work/title.pam"
 head -c 2 "$work/title.pam" | grep -q P7
 [ "$(tr -d '\0' <"$work/title.pam" | wc -c)" -gt 20000 ] || fail "hardly any ink"
-# README's C++ as printed: it draws something.
+# README's C++ as printed: letters in gold.
 {
     sed -n '/^```cpp$/,/^```$/{/^```/d;/#include/p}' "$source/README.md"
     echo 'int main() {'
     sed -n '/^```cpp$/,/^```$/{/^```/d;/#include/!p}' "$source/README.md"
-    echo 'return argb != nullptr && std::count(argb, argb + width * height, 0u) < width * height ? 0 : 3; }'
+    cat <<'END'
+    const auto isGold = [](uint32_t pixel) {
+        return pixel >> 24 == 255 && (pixel >> 16 & 255) > 150 && (pixel >> 8 & 255) > 90 && (pixel & 255) < 100;
+    };
+    const auto gold = std::count_if(picture.pixels.begin(), picture.pixels.end(), isGold);
+    return picture.width > 250 && picture.width < 500 && gold > 2000 && gold < picture.width * picture.height / 2 ? 0 : 3;
+}
+END
 } | sed '1i #include <algorithm>' >"$work/readme.cpp"
 mkdir "$work/readme"
-sed "s|title|readme|g; s|readme.cpp|$work/readme.cpp|" "$source/examples/cpp/CMakeLists.txt" >"$work/readme/CMakeLists.txt"
+sed "s|title|readme|g; s|readme.cpp|$work/readme.cpp|; s|find_package(Zvex REQUIRED)|find_package(Zvex REQUIRED COMPONENTS scene)|
+     s|Zvex::zvex|Zvex::scene|" "$source/examples/cpp/CMakeLists.txt" >"$work/readme/CMakeLists.txt"
 configure -S "$work/readme" -B "$work/readme/build" -DCMAKE_PREFIX_PATH="$prefix"
 quietly cmake --build "$work/readme/build"
-"$work/readme/build/readme" || fail "README's program draws nothing"
+"$work/readme/build/readme" || fail "README's program does not draw in gold"
 mkdir "$work/versions"
 cat >"$work/versions/CMakeLists.txt" <<'END'
 cmake_minimum_required(VERSION 3.22)

@@ -4,7 +4,7 @@
 #include <algorithm>
 
 #include "scene/Failure.h"
-#include "scene/FontChoice.h"
+#include "scene/SystemFonts.h"
 
 namespace zvtext {
 
