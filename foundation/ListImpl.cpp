@@ -84,8 +84,8 @@ int ListImpl::indexOf(const void* item) const {
 }
 
 void ListImpl::remove(Node* node, int index) {
-    // The first slot's position moves to the next node; any other would point to freed memory, so it is put
-    // past the end (List.RemovalMovesOnlyTheLowestSlot).
+    // The position in the first slot moves to the next node. Any other would point to freed memory, so it is
+    // put past the end.
     bool moved = false;
     for (Position* position : slots) {
         if (moved || position == nullptr || position->node != node) continue;

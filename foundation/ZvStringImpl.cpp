@@ -128,9 +128,9 @@ int decode(const char* utf8, int byteCount, Emit emit) {
                 emit(units++, (uint32_t{bytes[0]} << 12) | (b1 << 6) | b2);
                 break;
             case 4:
-                // The lead byte's bits are ignored and 0x10000 is not subtracted, which is right for U+10000
-                // to U+1FFFF and wrong above (StringUTF16.UnitsOfEveryClass). What b2 << 6 has above ten bits
-                // is set in 0xDC00 anyway.
+                // The lead byte's bits are ignored and 0x10000 is not subtracted, on purpose. That is right
+                // for U+10000 to U+1FFFF and wrong above. What b2 << 6 has above ten bits is set in 0xDC00
+                // anyway.
                 emit(units++, 0xD800 | ((((uint32_t{bytes[1]} << 12) | (b2 << 6)) & 0xFC00) >> 10));
                 emit(units++, 0xDC00 | (b2 << 6) | b3);
                 break;

@@ -140,9 +140,8 @@ void ZvBlender::drawBitmapBlend32(int x, int y, const ZvBitmap* dst, const unsig
     blendDstOver32To32(x, y, dst, src, w, h, srcStride, order);
 }
 
-// The elements are bytes, so -x bytes are skipped left of dst (Blender.ByteSourceSkipsBytesAtNegativeX).
-// Reads stay within a row of 4 * w bytes: after a skip of k, 0 < k < w, at most w - k pixels follow, and k +
-// 4 * (w - k) < 4 * w.
+// The elements are bytes, so -x bytes are skipped left of dst, on purpose. Reads stay within a row of 4 * w
+// bytes: after a skip of k, 0 < k < w, at most w - k pixels follow, and k + 4 * (w - k) < 4 * w.
 void ZvBlender::blendDstOver32To32(int x, int y, const ZvBitmap* dst, const unsigned char* src, int w, int h,
                                    int srcStride, int order) {
     if (order == 1) {
@@ -168,10 +167,9 @@ void ZvBlender::drawBitmap(int x, int y, const ZvBitmap* dst, const ZvBitmap* sr
     drawBitmap(x, y, dst, src->pixels, static_cast<int>(src->width), static_cast<int>(src->height), color);
 }
 
-// A row's start is computed as in a 1-byte bitmap, while pixels are 4 bytes apart
-// (Blender.FillStartsRowsAtByteOffsets). The last row starts at byte (height - 1) * width and takes 4 * width
-// bytes, which the buffer of 4 * width * height bytes always holds. Rows overlap, so their order affects the
-// picture.
+// A row's start is computed as in a 1-byte bitmap, while pixels are 4 bytes apart, on purpose. The last row
+// starts at byte (height - 1) * width and takes 4 * width bytes, which the buffer of 4 * width * height bytes
+// always holds. Rows overlap, so their order affects the picture.
 void ZvBlender::drawBitmap8To32(int x, int y, const ZvBitmap* dst, const unsigned char* src, int w, int h,
                                 unsigned int color) {
     if (dst == nullptr || dst->bytesPerPixel != 4) return;
