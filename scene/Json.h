@@ -7,7 +7,7 @@
 
 namespace Zvex::scene {
 
-// Objects keep their keys in the order in which they were given.
+// Objects keep the order of their keys.
 using Json = nlohmann::ordered_json;
 
 // The text's value; comments are allowed. Throws UsageError where it is no JSON, where an object has a key
@@ -19,14 +19,14 @@ Json parseJson(const std::string& text, const std::string& name = "it");
 std::string member(const std::string& place, const std::string& key);
 std::string element(const std::string& place, size_t index);
 
-// A number that is written without a fraction where it has none.
+// A number; written without a fraction if it has none.
 Json numberJson(double value);
 
-// As JSON, in lines with an `indent` or, below 0, in one line. Strings may hold anything; what is no UTF-8 in
-// them is replaced, and control characters are escaped, U+007F to U+009F too.
+// As JSON, in several lines with an `indent`, or in one line if it is below 0. Strings may hold anything:
+// invalid UTF-8 is replaced, and control characters are escaped, also U+007F to U+009F.
 std::string dumpJson(const Json& json, int indent = -1);
 
-// For people: a string as it stands, anything else as JSON.
+// For people: a string as it is, anything else as JSON.
 std::string plainText(const Json& json);
 
 }  // namespace Zvex::scene

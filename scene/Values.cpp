@@ -52,7 +52,7 @@ std::string NumberRange::wanted() const {
 }
 
 double NumberRange::scaled(double value, double factor) const {
-    // 2.9 * 10 as a person means it: the library drops fractions, so a product must not fall just short.
+    // 2.9 * 10 must give 29: the library drops fractions, so a product must not fall just short.
     const double product = std::round(value * factor * 1e9) / 1e9;
     return whole ? std::round(product) : product;
 }

@@ -8,25 +8,25 @@
 
 namespace Zvex::scene {
 
-// Readers of the values that options take. Each takes the option's name for its message and throws UsageError
-// where the text is not exactly one value in range; nothing depends on the process's locale.
+// Read the values of options. Each function takes the option's name for its message and throws UsageError if
+// the text is not exactly one value in range. Nothing depends on the process's locale.
 
 // "#rgb", "#rrggbb" or "#aarrggbb", alpha first as on Android; gives 0xAARRGGBB.
 constexpr char kWantedColor[] = "a colour; write #rgb, #rrggbb or #aarrggbb";
 uint32_t parseColor(const std::string& option, const std::string& text);
 
-// The numbers that a setting takes.
+// The range of numbers for a setting.
 struct NumberRange {
     double low = 0, high = 0;  // both infinite: any finite number
     const char* unit = "";     // may follow the number: "px", "deg", "%"
     bool exclusiveLow = false;
-    bool length = false;  // in the picture: --scale multiplies it
+    bool length = false;  // a length in the picture, which --scale multiplies
     bool whole = false;   // without a fraction
     bool share = false;   // of one; in text "60%" is 0.6
 
     bool contains(double value) const;
     std::string wanted() const;  // "a number from 0 to 100 (px)", for messages and help
-    // The value times `factor`, a whole one where that is asked for; it may lie outside.
+    // The value times `factor`, rounded if whole numbers are required; it may be out of range.
     double scaled(double value, double factor) const;
 };
 constexpr NumberRange kShare = {0, 1, "", false, false, false, true};
@@ -46,7 +46,7 @@ constexpr char kWantedPadding[] = "a padding; write ALL, SIDES,ENDS or LEFT,TOP,
 constexpr NumberRange kPaddingSide = {0, 32767, "px", false, true, true};
 Padding parsePadding(const std::string& option, const std::string& text);
 
-// "#rrggbb", or "#aarrggbb" where the colour is not opaque.
+// "#rrggbb", or "#aarrggbb" if the colour is not opaque.
 std::string formatColor(uint32_t color);
 
 // The shortest decimal that reads back as the same number: 12.5 as "12.5", 100000 as "100000".

@@ -40,7 +40,7 @@ std::string joined(const std::vector<std::string>& words) {
     return text;
 }
 
-// A word as a shell reads it back.
+// Quotes a word for a shell.
 std::string shellWord(const std::string& text) {
     const char* plain = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789_./:=,@%+-";
     if (!text.empty() && text.find_first_not_of(plain) == std::string::npos) return text;
@@ -60,7 +60,7 @@ std::string escaped(const std::string& text) {
     return result;
 }
 
-// Where the fonts with these file names lie; the first in the order of the paths where there are several.
+// The paths of the fonts with these file names; if there are several, the first in the order of paths.
 std::map<std::string, std::string> findFonts(const std::string& folder) {
     std::map<std::string, std::string> fonts;
     std::error_code error;
@@ -109,9 +109,10 @@ uint32_t stripes(int x, int y) {
     return across < 12 ? 0xFFE04050 + (shade << 8) : 0xFFFFF0F0 - shade;
 }
 
-// Round, on a clear ground; their edges fade over a pixel.
+// Round dots on a transparent ground; their edges fade over a pixel.
 uint32_t dots(int x, int y) {
-    const int squared = (2 * x - 19) * (2 * x - 19) + (2 * y - 19) * (2 * y - 19);  // of twice the distance
+    const int squared =
+        (2 * x - 19) * (2 * x - 19) + (2 * y - 19) * (2 * y - 19);  // square of twice the distance
     return (squared < 100 ? 0xFFu : squared < 144 ? 0x80u : 0) << 24 | 0xC2255C;
 }
 
@@ -133,7 +134,7 @@ void writeParts() {
 
 // --- The page
 
-// Does what the program does with this command line, and returns the page's entry for it.
+// Runs this command line as the program would, and returns the page's entry for it.
 std::string renderFigure(const Json& scene, const std::string& font) {
     std::vector<std::string> words = {"render", textOf(scene, "text"), "--font", font};
     for (const Json& option : scene["options"]) words.push_back(option);
@@ -141,7 +142,7 @@ std::string renderFigure(const Json& scene, const std::string& font) {
     CLI::App app("", "zvtext");
     RenderArguments arguments;
     addRenderOptions(*app.add_subcommand("render"), arguments);
-    app.parse(std::vector<std::string>(words.rbegin(), words.rend()));  // taken from the back
+    app.parse(std::vector<std::string>(words.rbegin(), words.rend()));  // the parser takes them from the back
     RenderOptions options = readRenderOptions(arguments);
     const Rendering rendering = render(sceneOf(std::move(options.scene)));
     warn(rendering.warnings);

@@ -108,7 +108,7 @@ std::string compiler() {
 #endif
 }
 
-// That of the kernels; the pictures are the same with each.
+// The kernels' instruction set; the pictures do not depend on it.
 const char* instructionSet() {
 #if defined(__aarch64__)
     return "arm64";

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// zvtext inspect font: what a font file is.
+// zvtext inspect font: describes a font file.
 #include <hb-ot.h>
 #include <unicode/uchar.h>
 
@@ -23,7 +23,7 @@ namespace {
 
 using HbFont = std::unique_ptr<hb_font_t, void (*)(hb_font_t*)>;
 
-// As a font means it: 0.1 is a float there, not the double next to it; and 0 has no sign.
+// The number that the font means: 0.1 is a float there, not the nearest double; and 0 has no sign.
 double plain(float value) {
     return std::round(static_cast<double>(value) * 1000) / 1000 + 0.0;
 }
@@ -67,14 +67,14 @@ ScriptCounts scriptsOf(hb_face_t* face) {
     const std::unique_ptr<hb_set_t, void (*)(hb_set_t*)> set(hb_set_create(), hb_set_destroy);
     hb_face_collect_unicodes(face, set.get());
     ScriptCounts scripts;
-    // Damaged fonts map numbers beyond Unicode, which have no script.
+    // Damaged fonts map numbers beyond Unicode. These have no script.
     for (hb_codepoint_t c = HB_SET_VALUE_INVALID; hb_set_next(set.get(), &c) != 0 && c <= UCHAR_MAX_VALUE;) {
         ++scripts[scriptOf(c)];
     }
     return scripts;
 }
 
-// In ems, y upwards; what the font does not state is left out.
+// In ems, y upwards; leaves out what the font does not state.
 Json metricsOf(hb_font_t* font, const FontFacts& facts, unsigned unitsPerEm) {
     hb_font_extents_t lines = {};
     hb_font_get_h_extents(font, &lines);

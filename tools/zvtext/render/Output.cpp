@@ -19,7 +19,7 @@ bool isSamePlace(const std::string& path, const std::string& other) {
     if (path == "-" || other == "-") return path == other;
     std::error_code error;
     if (fs::is_regular_file(path, error) && fs::equivalent(path, other, error)) return true;
-    // Neither is there yet; links may lead to the same folder.
+    // Neither file exists yet, and links may lead to the same folder.
     const auto place = [&](const std::string& name) {
         const fs::path absolute = fs::absolute(name, error).lexically_normal(),
                        real = fs::weakly_canonical(absolute, error);
@@ -104,7 +104,7 @@ void writeRendering(const Rendering& rendering, const std::string& path, const O
         metrics = writeMetrics(rendering.metrics);
         files.push_back({metrics, options.metrics, metricsOption, options.scope});
     }
-    // Before any file has its name: where it does not arrive, no picture is left.
+    // Printed before any file gets its name, so that no picture is left if printing fails.
     const std::string standardOutput = "-", noOption;
     if (!printed.empty()) files.push_back({printed, standardOutput, noOption});
     writeFiles(files);
