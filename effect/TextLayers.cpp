@@ -133,6 +133,15 @@ const Spread* coverageFor(size_t i, const TextCoverage& text, const TextLayer* l
     return drawn[i].coverage.make(text.mask, box, layers[i].spread) ? &drawn[i].coverage : nullptr;
 }
 
+// The first layer that has the same picture as layer i before it is moved and cut.
+size_t firstLike(size_t i, const TextLayer* layers) {
+    const auto isLike = [&](const TextLayer& layer) {
+        return layer.effect == layers[i].effect && layer.spread == layers[i].spread &&
+               layer.colours == layers[i].colours;
+    };
+    return static_cast<size_t>(std::find_if(layers, layers + i, isLike) - layers);
+}
+
 JoinedLayer joinedLayer(const TextLayer& layer, const ZvBitmap* picture, const TextCoverage& text) {
     JoinedLayer joined;
     joined.picture = picture;
@@ -178,7 +187,13 @@ bool drawTextLayers(ZvBitmap* picture, const TextCoverage& text, const TextLayer
     const std::unique_ptr<DrawnLayer[]> drawn(new (std::nothrow) DrawnLayer[count]);
     const std::unique_ptr<JoinedLayer[]> joined(new (std::nothrow) JoinedLayer[count]);
     if (drawn == nullptr || joined == nullptr) return false;
+    const bool isCut = clip.left > 0 || clip.top > 0 || clip.right < static_cast<int64_t>(picture->width) ||
+                       clip.bottom < static_cast<int64_t>(picture->height);
+    const auto pictureOf = [&](size_t i) -> auto& {
+        return drawn[isCut ? i : firstLike(i, layers)].picture;
+    };
     for (size_t i = 0; i < count && text.mask.pixels != nullptr; ++i) {
+        if (pictureOf(i) != nullptr) continue;
         const TextLayer& layer = layers[i];
         const Spread* coverage = coverageFor(i, text, layers, drawn.get());
         if (coverage == nullptr) return false;
@@ -188,12 +203,13 @@ bool drawTextLayers(ZvBitmap* picture, const TextCoverage& text, const TextLayer
         if (own == nullptr || own->pixels == nullptr) return false;
         if (!drawStack(*layer.effect, *coverage, text.box.left, text.box.top, own.get())) return false;
         if (layer.colours != nullptr && !drawColours(layer, *coverage, text, own.get())) return false;
+        if (!isCut) continue;
         clearOutside(
             *own,
             ZvRect(clampToInt(int64_t{clip.left} - layer.x), clampToInt(int64_t{clip.top} - layer.y),
                    clampToInt(int64_t{clip.right} - layer.x), clampToInt(int64_t{clip.bottom} - layer.y)));
     }
-    for (size_t i = 0; i < count; ++i) joined[i] = joinedLayer(layers[i], drawn[i].picture.get(), text);
+    for (size_t i = 0; i < count; ++i) joined[i] = joinedLayer(layers[i], pictureOf(i).get(), text);
     joinLayers(picture, joined.get(), count, opacity);
     return true;
 }

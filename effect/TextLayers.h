@@ -31,9 +31,10 @@ struct ColourGlyphs {
 
 // One of the layers.
 struct TextLayer {
-    ZvEffect* effect = nullptr;  // the stack, its text colour added; not owned, used only by drawTextLayers
-    int spread = 0;              // pixels by which the coverage is widened for the stack (Spread)
-    int x = 0, y = 0;            // pixels by which the layer's picture moves right and down
+    // The stack, its text colour added; not owned, used only by drawTextLayers. Layers may share one.
+    ZvEffect* effect = nullptr;
+    int spread = 0;    // pixels by which the coverage is widened for the stack (Spread)
+    int x = 0, y = 0;  // pixels by which the layer's picture moves right and down
     LayerBlend blend = LayerBlend::Normal;
     float opacity = 1;
     bool clipped = false;   // to the nearest layer behind it that is not clipped (JoinedLayer)
@@ -66,7 +67,8 @@ public:
 
 // Draws `count` layers of the text, the backmost first, and joins them onto `picture`, which holds straight
 // words 0xAARRGGBB: on entry the background, afterwards the result, its alpha multiplied by `opacity`. Layers
-// show only within `clip`. Layers of the same spread share their coverage.
+// show only within `clip`. Layers of the same spread share their coverage; with the same stack and colour
+// glyphs too they share their picture, unless the clip cuts it.
 //
 // Colour glyphs lie over the layer's own picture, at the opacity of its text colour. Where the coverage is no
 // more than their alpha, only the effects around them lie below, so that no edge of the fill shows.

@@ -36,6 +36,17 @@ ZvRect clipOf(const ZvView& view) {
     throw Failure("TEXT: not enough memory for the picture");
 }
 
+// What a stack of these effects draws depends on nothing else; empty where it reads a file.
+std::string settingsOf(const Look& look, uint32_t color) {
+    std::string settings = std::to_string(color);
+    for (EffectSettings effect : look.effects) {
+        if (std::holds_alternative<PatternSettings>(effect)) return "";
+        settings += kindOf(effect).name;
+        for (const Field& field : fieldsOf(effect)) settings += ' ' + formatValue(field);
+    }
+    return settings;
+}
+
 void fillGround(const Canvas& canvas, ZvBitmap& picture) {
     if (const auto* color = std::get_if<uint32_t>(&canvas.fill)) {
         Zvex::fillCanvas(&picture, *color);
@@ -69,10 +80,17 @@ LayerStacks::LayerStacks(const Style& style) {
 }
 
 void LayerStacks::add(const Look& look, uint32_t color) {
-    stacks.push_back(std::make_unique<Zvex::ZvEffect>());
-    addEffects(*stacks.back(), look.effects);
-    stacks.back()->addText(color);
-    layers.emplace_back().effect = stacks.back().get();
+    std::string settings = settingsOf(look, color);
+    const auto known = std::find(mSettings.begin(), mSettings.end(), settings);
+    auto at = static_cast<size_t>(known - mSettings.begin());
+    if (settings.empty() || at == stacks.size()) {
+        at = stacks.size();
+        stacks.push_back(std::make_unique<Zvex::ZvEffect>());
+        addEffects(*stacks[at], look.effects);
+        stacks[at]->addText(color);
+        mSettings.push_back(std::move(settings));
+    }
+    layers.emplace_back().effect = stacks[at].get();
 }
 
 LayeredScene::LayeredScene(const Style& style, Zvex::ZvTextObject& object)

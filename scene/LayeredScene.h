@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <string>
 #include <vector>
 
 #include "effect/TextLayers.h"
@@ -19,11 +20,13 @@ namespace Zvex::scene {
 struct LayerStacks {
     explicit LayerStacks(const Style& style);
 
-    std::vector<std::unique_ptr<Zvex::ZvEffect>> stacks;
-    std::vector<Zvex::TextLayer> layers;  // from the back, with these stacks
+    std::vector<std::unique_ptr<Zvex::ZvEffect>> stacks;  // equal layers share one
+    std::vector<Zvex::TextLayer> layers;                  // from the back, with these stacks
 
 private:
     void add(const Look& look, uint32_t color);
+
+    std::vector<std::string> mSettings;  // of each stack
 };
 
 // The colour, its alpha multiplied by the opacity.

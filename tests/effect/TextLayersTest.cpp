@@ -178,6 +178,39 @@ TEST(TextLayers, ColourGlyphsTakeThePlaceOfTheFill) {
     }
 }
 
+// Layers that share a stack look as with equal stacks of their own; without a cut it draws once a spread.
+TEST(TextLayers, LayersOfOneStackAreDrawnOnce) {
+    struct Counting : TextCoverage {
+        int drawn = 0;
+        int doPostProcessing(ParamPostProcessing*) override { return ++drawn; }
+    };
+    LayeredText text;
+    for (const int inset : {0, 8}) {
+        const ZvRect clip(inset, 0, kLayeredWidth, kLayeredHeight - inset);
+        ZvEffect own[4];
+        auto* counting = new Counting;
+        own[0].effects.push_back(counting);
+        TextLayer shared[4], apart[4];
+        for (int i = 0; i < 4; ++i) {
+            addGlowAndShadow(own[i]);
+            shared[i].x = 5 * i - 7;
+            shared[i].y = 3 - 2 * i;
+            shared[i].spread = i == 3 ? 2 : 0;
+            shared[i].knockout = i == 1;
+            shared[i].opacity = 0.5f;
+            apart[i] = shared[i];
+            apart[i].effect = &own[i];
+            shared[i].effect = &own[0];
+        }
+        ZvBitmap expected(kLayeredWidth, kLayeredHeight, 4), actual(expected);
+        ASSERT_TRUE(drawTextLayers(&expected, *text.coverage, apart, 4, clip));
+        counting->drawn = 0;
+        ASSERT_TRUE(drawTextLayers(&actual, *text.coverage, shared, 4, clip));
+        EXPECT_TRUE(samePixels(expected, actual)) << inset;
+        EXPECT_EQ(counting->drawn, inset == 0 ? 2 : 4);
+    }
+}
+
 TEST(TextLayers, MarginsGrowWithSpreadAndOffset) {
     ZvEffect glow, none;
     glow.addOuterGlowText(10, 0xFFFFFFFF, 1, 0, nullptr);

@@ -6,6 +6,7 @@
 #include "platform/host/GlyphCache.h"
 #include "platform/host/WordCache.h"
 #include "scene/Failure.h"
+#include "scene/LayeredScene.h"
 #include "tests/FailingAllocations.h"
 #include "tests/host/Fonts.h"
 
@@ -116,6 +117,15 @@ TEST(Renderer, AnotherStyleNeitherShapesNorRasterises) {
     render(scene);
     EXPECT_GT(shaped, 0) << "the flood did nothing";
     EXPECT_GT(rasterised, 0);
+}
+
+TEST(LayerStacks, EqualLayersShareOne) {
+    Style style = sceneOf("", "longshadow").style;
+    EXPECT_EQ(LayerStacks(style).stacks.size(), 2u) << "the face and its shadow's steps";
+    std::get<OuterGlowSettings>(style.layers[5].effects[0]).opacity += 0.001;
+    style.layers[6].color = 0xFF000001;
+    style.layers[7].effects.emplace_back(StrokeSettings());
+    EXPECT_EQ(LayerStacks(style).stacks.size(), 5u);
 }
 
 class Animation : public testing::TestWithParam<const char*> {};
