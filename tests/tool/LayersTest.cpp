@@ -70,32 +70,4 @@ TEST_F(Layers, StandInTheirOrderWithinTheirMargins) {
     EXPECT_GT(std::min({fill, clipped, red, black}), 50u);
 }
 
-TEST_F(Layers, FollowTheSizeAndScaleAndReadBack) {
-    const std::string style = R"({"designed-for": 60, "layers": [{"spread": -3, "offset": [5, -7]},
-        {"spread": 1, "effects": [{"type": "stroke", "width": 2}]}],
-        "canvas": {"type": "linear-gradient", "stops": [{"color": "#fff", "position": 0}]}})";
-    const auto printed = [&](const std::vector<std::string>& more, const std::string& input) {
-        std::vector<std::string> words = {"render", "--print-style", "--style", "-"};
-        words.insert(words.end(), more.begin(), more.end());
-        const Result result = run(words, input);
-        EXPECT_EQ(result.status, 0) << result.err;
-        return result.out;
-    };
-    const std::string once = printed({"--size", "90"}, style);
-    const Json json = Json::parse(once);
-    EXPECT_EQ(json["layers"][0]["spread"], -5);  // -4.5, away from 0
-    EXPECT_EQ(json["layers"][0]["offset"], Json({8, -11}));
-    EXPECT_EQ(json["layers"][1]["effects"][0]["width"], 3);
-    EXPECT_EQ(json["canvas"]["type"], "linear-gradient");
-    EXPECT_EQ(printed({}, once), once);
-    EXPECT_EQ(Json::parse(printed({"--scale", "2"}, once))["layers"][0]["offset"], Json({16, -22}));
-    EXPECT_EQ(
-        run({"render", "--print-style", "--style", "-", "--scale", "16"}, R"({"layers": [{"spread": 9}]})")
-            .err,
-        "zvtext: layers[0] spread: 9 at --scale 16 is 144, not a whole number from -100 to 100 (px)\n");
-    EXPECT_EQ(run({"render", "--print-style", "--style", style, "--stroke", "3"}).err,
-              "zvtext: --stroke: the style has layers, and effects belong into one of them\n");
-    EXPECT_EQ(Json::parse(printed({"--canvas", "pattern:a.png,scale=2"}, "{}"))["canvas"]["scale"], 2);
-}
-
 }  // namespace

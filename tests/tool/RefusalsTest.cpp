@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // Tests refusals.txt: settings, styles (with the schema too), batch lines, command lines.
-#include <cmath>
 #include <nlohmann/json.hpp>
-#include <regex>
 
 #include "scene/Effects.h"
 #include "scene/Style.h"
@@ -14,79 +12,6 @@ namespace {
 
 using Json = nlohmann::json;
 using Zvex::scene::refusal;
-
-// Validates with the keywords that the schema uses; any other keyword fails the test.
-class Validator {
-public:
-    explicit Validator(const Json& schema) : mRoot(schema) {}
-
-    bool accepts(const Json& value) const { return accepts(mRoot, value); }
-
-private:
-    bool accepts(const Json& schema, const Json& value) const {
-        for (const auto& [keyword, operand] : schema.items()) {
-            if (!holds(schema, keyword, operand, value)) return false;
-        }
-        return true;
-    }
-
-    // Counts accepted schemas, or values.
-    size_t countAccepted(const Json& schemas, const Json& values) const {
-        size_t count = 0;
-        for (const Json& schema : schemas) {
-            for (const Json& value : values) count += accepts(schema, value);
-        }
-        return count;
-    }
-
-    // Keywords for one type hold for values of any other.
-    bool holds(const Json& schema, const std::string& keyword, const Json& operand, const Json& value) const {
-        static const std::set<std::string> kNotes = {"$schema", "$defs",       "title",      "description",
-                                                     "default", "minContains", "maxContains"};
-        const auto list = [](const Json& only) { return Json::array({only}); };
-        const bool number = value.is_number(), text = value.is_string(), array = value.is_array();
-        const size_t size = text ? value.get_ref<const std::string&>().size() : value.size();
-        if (kNotes.count(keyword) > 0) return true;
-        if (keyword == "$ref")
-            return accepts(mRoot.at(Json::json_pointer(std::string(operand).substr(1))), value);
-        if (keyword == "const") return value == operand;
-        if (keyword == "enum") return std::count(operand.begin(), operand.end(), value) > 0;
-        if (keyword == "not") return !accepts(operand, value);
-        if (operand == "integer") return number && value == std::floor(value.get<double>());
-        if (keyword == "type") return operand == (number ? "number" : value.type_name());
-        if (keyword == "minimum") return !number || value >= operand;
-        if (keyword == "maximum") return !number || value <= operand;
-        if (keyword == "exclusiveMinimum") return !number || value > operand;
-        if (keyword == "minLength") return !text || size >= operand;
-        if (keyword == "maxLength") return !text || size <= operand;
-        if (keyword == "minItems") return !array || size >= operand;
-        if (keyword == "maxItems") return !array || size <= operand;
-        if (keyword == "pattern")
-            return !text || std::regex_search(std::string(value), std::regex(std::string(operand)));
-        if (keyword == "items") return !array || countAccepted(list(operand), value) == size;
-        if (keyword == "contains")
-            return !array || countAccepted(list(operand), value) <= schema.at("maxContains");
-        if (keyword == "oneOf") return countAccepted(operand, list(value)) == 1;
-        if (keyword == "allOf") return countAccepted(operand, list(value)) == operand.size();
-        static const Json kNone = Json::object();
-        const Json& members = value.is_object() ? value : kNone;
-        if (keyword == "required") {
-            return !value.is_object() || std::all_of(operand.begin(), operand.end(), [&](const Json& key) {
-                return members.contains(std::string(key));
-            });
-        }
-        for (const auto& [key, member] : members.items()) {
-            const Json& known = schema.at("properties");
-            if (keyword == "additionalProperties" && !known.contains(key)) return false;
-            if (keyword == "properties" && known.contains(key) && !accepts(known.at(key), member))
-                return false;
-        }
-        EXPECT_TRUE(keyword == "properties" || keyword == "additionalProperties") << keyword;
-        return true;
-    }
-
-    const Json& mRoot;
-};
 
 class Refusals : public Program {
 protected:
@@ -122,7 +47,11 @@ TEST_F(Refusals, OfStyles) {
     const Json schema = Json::parse(slurp(fs::path(ZVTEXT_SOURCE) / "docs/style.schema.json"));
     EXPECT_EQ(Json::parse(Zvex::scene::styleSchema()), schema)
         << "make it anew: zvtext schema > docs/style.schema.json";
-    const Validator validator(schema);
+    write("check.py",
+          "import json, jsonschema, sys\n"
+          "valid = jsonschema.Draft202012Validator(json.load(open(sys.argv[1]))).is_valid\n"
+          "for line in open(sys.argv[2], encoding='utf-8'): print(int(valid(json.loads(line))))\n");
+    std::string values, accepted;  // a line and a digit each
     const auto check = [&](const std::string& json) {
         return refusal([&] {
             Zvex::scene::Style style;
@@ -134,7 +63,9 @@ TEST_F(Refusals, OfStyles) {
         const std::string json = row.input.substr(unknown ? 1 : 0);
         expectMessage(check(json), row, "--style: ");
         const Json value = Json::parse(json, nullptr, false, true);
-        EXPECT_EQ(!value.is_discarded() && validator.accepts(value), unknown) << json.substr(0, 200);
+        if (value.is_discarded()) continue;
+        values += value.dump() + "\n";
+        accepted += unknown ? "1\n" : "0\n";
     }
     std::vector<std::string> right = {
         "{}",
@@ -153,8 +84,14 @@ TEST_F(Refusals, OfStyles) {
     }
     for (const std::string& json : right) {
         EXPECT_EQ(check(json), "") << json;
-        EXPECT_TRUE(validator.accepts(Json::parse(json, nullptr, true, true))) << json;
+        values += Json::parse(json, nullptr, true, true).dump() + "\n";
+        accepted += "1\n";
     }
+    write("values", values);
+    const std::string judge =
+        "/usr/bin/python3 $DIR/check.py $SOURCE/docs/style.schema.json $DIR/values >$DIR/judged";
+    ASSERT_EQ(std::system(expanded(judge).c_str()), 0) << "scripts/setup installs python3-jsonschema";
+    EXPECT_EQ(slurp(file("judged")), accepted) << values;
 }
 
 TEST_F(Refusals, OfLinesWhichFailAlone) {
