@@ -1,19 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
-import static org.junit.jupiter.api.Assertions.assertArrayEquals;
-import static org.junit.jupiter.api.Assertions.assertEquals;
-import static org.junit.jupiter.api.Assertions.assertNull;
-import static org.junit.jupiter.api.Assertions.assertThrows;
-import static org.junit.jupiter.api.Assertions.assertTrue;
+import static org.junit.jupiter.api.Assertions.*;
 
 import android.graphics.FontListParser;
 import android.text.FontConfig;
 import java.io.ByteArrayInputStream;
 import java.io.IOException;
 import java.nio.charset.StandardCharsets;
-import java.nio.file.Files;
-import java.nio.file.Path;
 import org.junit.jupiter.api.Test;
-import org.junit.jupiter.api.io.TempDir;
 
 final class FontListParserTest {
     private static FontConfig parse(String xml) throws IOException {
@@ -75,20 +68,14 @@ final class FontListParserTest {
             {"<familyset><family>\n<font weight='bold'>a.ttf</font></family></familyset>", "line 2: weight=\"bold\""},
             {"<familyset><family><font index=''>a.ttf</font></family></familyset>", "index=\"\""},
             {"<familyset><family><font>&unknown;</font></family></familyset>", ""},
+            // No entity of a document type is ever read.
+            {"<!DOCTYPE familyset [<!ENTITY e 'in'>]><familyset><family><font>&e;</font></family></familyset>", ""},
+            {"<!DOCTYPE familyset [<!ENTITY e SYSTEM 'file:///etc/passwd'>]>"
+                + "<familyset><family><font>&e;</font></family></familyset>", ""},
         };
         for (String[] one : cases) {
             IOException thrown = assertThrows(IOException.class, () -> parse(one[0]), one[0]);
             assertTrue(thrown.getMessage().contains(one[1]), thrown.getMessage());
-        }
-    }
-
-    @Test
-    void noEntityOfADocumentTypeIsEverRead(@TempDir Path folder) throws IOException {
-        Path secret = Files.writeString(folder.resolve("secret"), "content");
-        for (String entity : new String[] {"SYSTEM '" + secret.toUri() + "'", "'inline'"}) {
-            String xml = "<!DOCTYPE familyset [<!ENTITY e " + entity + ">]>\n"
-                    + "<familyset><family><font>&e;</font></family></familyset>";
-            assertThrows(IOException.class, () -> parse(xml), entity);
         }
     }
 }

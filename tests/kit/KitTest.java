@@ -1,11 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 package com.orvane.android.sdk.zve;
 
-import static org.junit.jupiter.api.Assertions.assertArrayEquals;
-import static org.junit.jupiter.api.Assertions.assertEquals;
-import static org.junit.jupiter.api.Assertions.assertFalse;
-import static org.junit.jupiter.api.Assertions.assertThrows;
-import static org.junit.jupiter.api.Assertions.assertTrue;
+import static org.junit.jupiter.api.Assertions.*;
 
 import android.content.res.AssetManager;
 import android.graphics.FontListParser;
