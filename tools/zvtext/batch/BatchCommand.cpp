@@ -13,7 +13,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <chrono>
-#include <cinttypes>
 #include <climits>
 #include <csignal>
 #include <cstdio>
@@ -71,35 +70,6 @@ void catchSignal(int number) {
     sigaction(number, &action, nullptr);
 }
 
-// --- One line on a terminal's standard error that says how far the batch is
-
-class Progress {
-public:
-    explicit Progress(bool quiet) : shown(!quiet && isatty(STDERR_FILENO) == 1) {}
-
-    void update(uint64_t done, uint64_t errors, double share) {
-        const auto now = std::chrono::steady_clock::now();
-        if (!shown || (mDrawn && now - mLast < std::chrono::milliseconds(100))) return;
-        mLast = now;
-        std::fprintf(stderr, "\r%" PRIu64 " done, %" PRIu64 " %s", done, errors,
-                     errors == 1 ? "error" : "errors");
-        if (share >= 0) std::fprintf(stderr, ", %d %%", static_cast<int>(share * 100));
-        std::fputs("\x1b[K", stderr);
-        mDrawn = true;
-    }
-
-    // Before anything else is written to the terminal.
-    void clear() {
-        if (std::exchange(mDrawn, false)) std::fputs("\r\x1b[K", stderr);
-    }
-
-    const bool shown;
-
-private:
-    bool mDrawn = false;
-    std::chrono::steady_clock::time_point mLast;
-};
-
 // --- The loop
 
 int usableCores() {
@@ -116,7 +86,7 @@ public:
           mInput(arguments.input, kMaxLineBytes),
           mNames(madeFolder(arguments.outputFolder), writeScope(arguments), arguments.resume),
           mJournal(arguments.outputFolder, arguments.resume),
-          mProgress(arguments.quiet) {
+          mShowsProgress(!arguments.quiet && isatty(STDERR_FILENO) == 1) {
         mSettings.writes = writeScope(arguments);
     }
 
@@ -146,7 +116,7 @@ public:
             if (mEnded && !anyBusy() && !mHeld) break;
             if (!moreThere || !canTake()) wait(!mEnded && !moreThere);
         }
-        mProgress.clear();
+        showProgress(false);
         if (mOutputClosed && gSignal == 0) {
             std::signal(SIGPIPE, SIG_DFL);
             std::raise(SIGPIPE);
@@ -410,7 +380,7 @@ private:
         }
         worker.said.erase(0, begin);
         if (text.empty()) return;
-        mProgress.clear();
+        showProgress(false);
         std::fputs(printable(text).c_str(), stderr);
     }
 
@@ -452,9 +422,21 @@ private:
             mWaiting.pop_front();
             ++mPrinted;
         }
-        if (!text.empty() && mOutputIsTerminal) mProgress.clear();
+        if (!text.empty() && mOutputIsTerminal) showProgress(false);
         writeOut(text);
-        mProgress.update(mDone, mErrors, mInput.share());
+        showProgress(true);
+    }
+
+    // A line on a terminal's standard error that says how far the batch is; it goes before others come.
+    void showProgress(bool shows) {
+        const auto now = std::chrono::steady_clock::now();
+        if (!mShowsProgress || (shows && now - mProgressShown < std::chrono::milliseconds(100))) return;
+        mProgressShown = shows ? now : std::chrono::steady_clock::time_point();
+        const std::string percent = std::to_string(static_cast<int>(mInput.share() * 100));
+        std::string line = std::to_string(mDone) + " done, " + std::to_string(mErrors) +
+                           (mErrors == 1 ? " error" : " errors") +
+                           (mInput.share() < 0 ? "" : ", " + percent + " %");
+        std::fputs(("\r" + (shows ? line : "") + "\x1b[K").c_str(), stderr);
     }
 
     void writeOut(const std::string& text) {
@@ -502,7 +484,7 @@ private:
             events.push_back({worker.socket, POLLIN, 0});
             events.push_back({worker.errors, POLLIN, 0});
         }
-        const int count = poll(events.data(), events.size(), mProgress.shown ? 200 : -1);
+        const int count = poll(events.data(), events.size(), mShowsProgress ? 200 : -1);
         if (count < 0 && errno != EINTR && errno != EAGAIN) {
             throw Failure(std::string("cannot wait for the workers: ") + std::strerror(errno));
         }
@@ -524,7 +506,8 @@ private:
     BatchInput mInput;
     BatchNames mNames;
     BatchJournal mJournal;
-    Progress mProgress;
+    const bool mShowsProgress;
+    std::chrono::steady_clock::time_point mProgressShown;
     int mWake[2] = {-1, -1};
     uint64_t mLine = 0, mDone = 0, mErrors = 0, mUnwritten = 0;
     bool mNoMore = false;           // workers, for want of descriptors, processes or memory
