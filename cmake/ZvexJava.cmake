@@ -51,7 +51,29 @@ file(GLOB ZVEX_PRESET_FILES RELATIVE ${PROJECT_SOURCE_DIR} CONFIGURE_DEPENDS ${P
 zvex_add_jar(JAR ${ZVEX_KIT_JAR} SOURCES kit/java kit/desktop RELEASE 8 PATH ${ZVEX_ANDROID_JAR} ${ZVEX_JSON_JAR}
              RESOURCES ${ZVEX_PRESET_FILES})
 add_subdirectory(platform/host/jni)
+# Maven's description, and the two libraries as a jar, which a class path can hold (android.host.NativeJar).
+string(TOLOWER ${CMAKE_SYSTEM_NAME}-${CMAKE_SYSTEM_PROCESSOR} ZVEX_PLATFORM)
+set(ZVEX_NATIVES_CLASSIFIER natives-${ZVEX_PLATFORM})
+set(ZVEX_NATIVES_NAME zvex-${ZVEX_NATIVES_CLASSIFIER}.jar)
+set(ZVEX_NATIVES_JAR ${ZVEX_JAVA_DIR}/${ZVEX_NATIVES_NAME})
+set(ZVEX_POM ${ZVEX_JAVA_DIR}/pom.xml)
+configure_file(cmake/pom.xml.in ${ZVEX_POM} @ONLY)
+set(folder ${ZVEX_JAVA_DIR}/natives/zvex/${ZVEX_PLATFORM})
+add_custom_command(OUTPUT ${ZVEX_NATIVES_JAR}
+    COMMAND ${CMAKE_COMMAND} -E make_directory ${folder}
+    COMMAND ${CMAKE_COMMAND} -E copy $<TARGET_FILE:ZvEffect> $<TARGET_FILE:ZvHostJava> ${folder}
+    COMMAND ${ZVEX_JAR} --create --file ${ZVEX_NATIVES_JAR} -C ${ZVEX_JAVA_DIR}/natives .
+    DEPENDS ZvEffect ZvHostJava COMMENT "Java: ${ZVEX_NATIVES_NAME}" VERBATIM)
 add_custom_target(zvex_java ALL DEPENDS ${ZVEX_ANDROID_JAR} ${ZVEX_KIT_JAR})
+add_custom_target(zvex_java_natives ALL DEPENDS ${ZVEX_NATIVES_JAR})
+
+# Pages of the kit; a public name without a comment is an error.
+find_program(ZVEX_JAVADOC javadoc HINTS $ENV{JAVA_HOME} ${ZVEX_JDKS} PATH_SUFFIXES bin)
+mark_as_advanced(ZVEX_JAVADOC)
+set(ZVEX_JAVADOC_COMMAND ${ZVEX_JAVADOC} -quiet -Werror -d ${ZVEX_JAVA_DIR}/javadoc -encoding UTF-8
+    --source-path ${PROJECT_SOURCE_DIR}/kit/java:${PROJECT_SOURCE_DIR}/kit/desktop -cp ${ZVEX_ANDROID_JAR}:${ZVEX_JSON_JAR}
+    -subpackages com.orvane)
+add_custom_target(zvex_javadoc COMMAND ${ZVEX_JAVADOC_COMMAND} DEPENDS ${ZVEX_ANDROID_JAR} VERBATIM)
 
 # zvex_add_java_test(NAME name SOURCES sources... [LIBRARY target] [ARGS JVM arguments...]): runs JUnit 5 classes as one test
 # of ctest, in a JVM that checks every JNI call; any complaint fails the test. System properties: zvex.library is the path of

@@ -31,6 +31,31 @@ for page in bash-completion/completions/zvtext:completion zvex/style.schema.json
 done
 grep -q 'outer' "$prefix/share/man/man1/zvtext.1"
 
+if [ "$kind" = static ] && [ -e "$prefix/share/java/zvex-kit.jar" ]; then
+    echo "java"
+    cat >"$work/Title.java" <<'END'
+import com.orvane.android.sdk.zve.*;
+import java.io.*;
+import javax.xml.parsers.DocumentBuilderFactory;
+
+class Title {
+    public static void main(String[] args) throws Exception {
+        DocumentBuilderFactory.newInstance().newDocumentBuilder().parse(new File(args[2]));
+        try (ZvText text = new ZvText(); OutputStream out = new FileOutputStream(args[1])) {
+            text.font(args[0]).text("Hello").stroke(6, 0xFFFF0000, Stroke.OUTSIDE).picture().writePng(out);
+        }
+    }
+}
+END
+    jars=("$prefix"/share/java/*.jar)
+    java=$(sed -n 's/^ZVEX_JAVA:[A-Z]*=//p' "$build/CMakeCache.txt")
+    (IFS=:; "$java" -cp "${jars[*]}" "$work/Title.java" "$font" "$work/title.png" "$prefix/share/java/pom.xml")
+    "$prefix/bin/zvtext" render Hello --font "$font" --stroke 6:#ff0000 --output "$work/same.png"
+    [ "$(wc -c <"$work/title.png")" -gt 2000 ] || fail "hardly any ink from Java"
+    # Up to the picture's sizes, which depend on every step of the text's layout.
+    cmp <(head -c 24 "$work/title.png") <(head -c 24 "$work/same.png") || fail "another size from Java"
+fi
+
 echo "find_package"
 configure -S "$source/examples/cpp" -B "$work/example" -DCMAKE_PREFIX_PATH="$prefix"
 quietly cmake --build "$work/example"

@@ -9,8 +9,8 @@ import java.util.Objects;
 
 /**
  * Desktop only: the layout engine of the stand-ins, which is also the renderer's. It is a native library,
- * {@code libZvHostJava.so}, loaded on first use from the path in the system property {@code zvex.host.library}, else by its
- * name. Any thread.
+ * {@code libZvHostJava.so}, loaded on first use from the path in the system property {@code zvex.host.library}, else from the
+ * class path ({@link NativeJar}), else by its name. Any thread.
  */
 public final class TextEngine {
     private static volatile boolean loaded;
@@ -24,6 +24,7 @@ public final class TextEngine {
         synchronized (TextEngine.class) {
             if (!loaded) {
                 String path = System.getProperty("zvex.host.library");
+                path = path != null ? path : NativeJar.find("ZvHostJava");
                 if (path != null) {
                     System.load(new File(path).getAbsolutePath());
                 } else {

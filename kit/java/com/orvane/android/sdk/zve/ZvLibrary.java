@@ -4,8 +4,8 @@ package com.orvane.android.sdk.zve;
 import java.io.File;
 
 /**
- * Loads {@code libZvEffect.so} on first use: from the path in the system property {@code zvex.library}, else by its name,
- * as {@link System#loadLibrary} finds it.
+ * Loads {@code libZvEffect.so} on first use: from the path in the system property {@code zvex.library}, else on a desktop
+ * from the class path, else by its name, as {@link System#loadLibrary} finds it.
  *
  * <p>It is not loaded in the static initialisers of the classes with natives, because loading initialises those classes: two
  * threads that start with different classes would deadlock.
@@ -30,6 +30,7 @@ public final class ZvLibrary {
                 return;
             }
             String path = System.getProperty("zvex.library");
+            path = path != null ? path : LibraryFile.find();
             if (path != null) {
                 System.load(new File(path).getAbsolutePath());
             } else {

@@ -74,7 +74,11 @@ public final class ZvText implements AutoCloseable {
     // Written after natives that take the handle alone: keeps this text reachable, and its native object, until then.
     private volatile boolean used;
 
-    /** @throws UnsatisfiedLinkError if the library is not found; see {@link ZvLibrary} */
+    /**
+     * A text with nothing set; makes no native object yet.
+     *
+     * @throws UnsatisfiedLinkError if the library is not found; see {@link ZvLibrary}
+     */
     public ZvText() {
         ZvLibrary.load();
         self = new SelfLayout();
@@ -123,7 +127,12 @@ public final class ZvText implements AutoCloseable {
         }
     }
 
-    /** Takes the font from a file; it is read once per process. */
+    /**
+     * Takes the font from a file; it is read once per process.
+     *
+     * @param path the file, or a name that is known
+     * @return this text
+     */
     public ZvText font(String path) {
         Objects.requireNonNull(path, "path");
         synchronized (lock) {
@@ -141,6 +150,10 @@ public final class ZvText implements AutoCloseable {
     /**
      * Sets the font from a font file's bytes, which are copied and known by the name from then on, also in {@link
      * #font(String)}. If the name is known already, the bytes are ignored.
+     *
+     * @param name the name by which it is known from then on
+     * @param data a font file's bytes
+     * @return this text
      */
     public ZvText font(String name, byte[] data) {
         Objects.requireNonNull(name, "name");
@@ -157,7 +170,13 @@ public final class ZvText implements AutoCloseable {
         }
     }
 
-    /** Takes the font from an asset, unless its name is known already. */
+    /**
+     * Takes the font from an asset, unless its name is known already.
+     *
+     * @param assets the application's
+     * @param name the name by which it is known from then on
+     * @return this text
+     */
     public ZvText font(AssetManager assets, String name) {
         Objects.requireNonNull(assets, "assets");
         Objects.requireNonNull(name, "name");
@@ -181,7 +200,12 @@ public final class ZvText implements AutoCloseable {
         measured = false;
     }
 
-    /** Takes size, scale, skew, spacing, features, flags and languages of the text. The colour comes from the view. */
+    /**
+     * Takes size, scale, skew, spacing, features, flags and languages of the text. The colour comes from the view.
+     *
+     * @param paint copied
+     * @return this text
+     */
     public ZvText paint(Paint paint) {
         Objects.requireNonNull(paint, "paint");
         synchronized (lock) {
@@ -204,6 +228,7 @@ public final class ZvText implements AutoCloseable {
      * Sets the words of a text without a view: it measures them, breaks them and sizes the picture by itself.
      *
      * @param words line endings begin lines
+     * @return this text
      */
     public ZvText text(String words) {
         Objects.requireNonNull(words, "words");
@@ -219,6 +244,7 @@ public final class ZvText implements AutoCloseable {
      * Sets the text's size if it has no view; initially 96.
      *
      * @param pixels per em, above 0 and up to 10000
+     * @return this text
      */
     public ZvText size(float pixels) {
         synchronized (lock) {
@@ -233,6 +259,7 @@ public final class ZvText implements AutoCloseable {
      * Breaks the lines of a text without a view.
      *
      * @param width of the column in pixels; 0 for none: then only line endings in the text end lines
+     * @return this text
      */
     public ZvText wrap(int width) {
         synchronized (lock) {
@@ -243,7 +270,12 @@ public final class ZvText implements AutoCloseable {
         }
     }
 
-    /** Sets the alignment of the lines of a text without a view in their column; initially left. */
+    /**
+     * Sets the alignment of the lines of a text without a view in their column; initially left.
+     *
+     * @param align for all lines
+     * @return this text
+     */
     public ZvText align(Paint.Align align) {
         Objects.requireNonNull(align, "align");
         synchronized (lock) {
@@ -278,7 +310,12 @@ public final class ZvText implements AutoCloseable {
         measured = true;
     }
 
-    /** Takes size, paddings, gravity, line limit and text colour of the picture. */
+    /**
+     * Takes size, paddings, gravity, line limit and text colour of the picture.
+     *
+     * @param view read now
+     * @return this text
+     */
     public ZvText view(TextView view) {
         Objects.requireNonNull(view, "view");
         synchronized (lock) {
@@ -292,7 +329,12 @@ public final class ZvText implements AutoCloseable {
         }
     }
 
-    /** Shows that many lines instead of the view's own limit; 0 restores the view's. */
+    /**
+     * Shows that many lines instead of the view's own limit; 0 restores the view's.
+     *
+     * @param count 0 or the number of lines
+     * @return this text
+     */
     public ZvText lines(int count) {
         synchronized (lock) {
             begin();
@@ -307,6 +349,9 @@ public final class ZvText implements AutoCloseable {
     /**
      * Sets the text and its lines, which are placed in the view. The layout is read again when the view or the number of
      * lines changes later.
+     *
+     * @param layout kept until another is given
+     * @return this text
      */
     public ZvText layout(Layout layout) {
         Objects.requireNonNull(layout, "layout");
@@ -342,11 +387,21 @@ public final class ZvText implements AutoCloseable {
         drawn = false;
     }
 
-    /** Fills the box of each line behind its text. */
+    /**
+     * Fills the box of each line behind its text.
+     *
+     * @param color 0xAARRGGBB
+     * @return this text
+     */
     public ZvText background(int color) {
         return setBackground(color);
     }
 
+    /**
+     * Fills nothing behind the lines.
+     *
+     * @return this text
+     */
     public ZvText noBackground() {
         return setBackground(null);
     }
@@ -359,7 +414,12 @@ public final class ZvText implements AutoCloseable {
         }
     }
 
-    /** Sets the text's colour, in the place of the view's or style's. */
+    /**
+     * Sets the text's colour, in the place of the view's or style's.
+     *
+     * @param color 0xAARRGGBB
+     * @return this text
+     */
     public ZvText color(int color) {
         synchronized (lock) {
             begin();
@@ -368,7 +428,12 @@ public final class ZvText implements AutoCloseable {
         }
     }
 
-    /** Sets the opacity of the whole picture, 0 to 1. */
+    /**
+     * Sets the opacity of the whole picture, 0 to 1.
+     *
+     * @param opacity 0 to 1
+     * @return this text
+     */
     public ZvText opacity(float opacity) {
         synchronized (lock) {
             begin();
@@ -381,6 +446,9 @@ public final class ZvText implements AutoCloseable {
      * Takes what the style sets: effects, in the place of those of their kind, colours, layers, the ground, and of a text
      * without a view its size, letter spacing and features. Effects that are designed for a size follow the text's, also
      * when it is set later.
+     *
+     * @param style any, also several one after the other
+     * @return this text
      */
     public ZvText style(ZvStyle style) {
         Objects.requireNonNull(style, "style");
@@ -395,11 +463,27 @@ public final class ZvText implements AutoCloseable {
 
     // --- Effects
 
-    /** Outlines the text. */
+    /**
+     * Outlines the text.
+     *
+     * @param width in pixels, 0 to 100
+     * @param color 0xAARRGGBB
+     * @param position on the edge or beside it
+     * @return this text
+     */
     public ZvText stroke(float width, int color, Stroke position) {
         return stroke(width, color, position, 1);
     }
 
+    /**
+     * The same, translucent.
+     *
+     * @param width in pixels, 0 to 100
+     * @param color 0xAARRGGBB
+     * @param position on the edge or beside it
+     * @param opacity 0 to 1
+     * @return this text
+     */
     public ZvText stroke(float width, int color, Stroke position, float opacity) {
         Objects.requireNonNull(position, "position");
         return add(EffectKind.STROKE, width, color, position.position, opacity);
@@ -411,37 +495,83 @@ public final class ZvText implements AutoCloseable {
      * @param angle direction of the light: 0 is the right, 90 above; the shadow falls on the other side
      * @param distance how far it falls
      * @param size how far its edge is blurred
+     * @param color 0xAARRGGBB
+     * @param opacity 0 to 1
+     * @return this text
      */
     public ZvText outerShadow(float angle, float distance, float size, int color, float opacity) {
         return add(EffectKind.OUTER_SHADOW, angle, distance, size, color, opacity);
     }
 
-    /** Casts a shadow of the text's edge into the text; arguments as of {@link #outerShadow}. */
+    /**
+     * Casts a shadow of the text's edge into the text; arguments as of {@link #outerShadow}.
+     *
+     * @param angle where the light comes from, in degrees
+     * @param distance in pixels, 0 to 100
+     * @param size in pixels, 0 to 100
+     * @param color 0xAARRGGBB
+     * @param opacity 0 to 1
+     * @return this text
+     */
     public ZvText innerShadow(float angle, float distance, float size, int color, float opacity) {
         return add(EffectKind.INNER_SHADOW, angle, distance, size, color, opacity);
     }
 
-    /** Lets the text shine outwards, over that many pixels. */
+    /**
+     * Lets the text shine outwards, over that many pixels.
+     *
+     * @param size in pixels, 0 to 100
+     * @param color 0xAARRGGBB
+     * @param opacity 0 to 1
+     * @return this text
+     */
     public ZvText outerGlow(float size, int color, float opacity) {
         return add(EffectKind.OUTER_GLOW, size, color, opacity, new Stops());
     }
 
-    /** The same in several colours, from the text outwards. */
+    /**
+     * The same in several colours, from the text outwards.
+     *
+     * @param size in pixels, 0 to 100
+     * @param stops copied
+     * @param opacity 0 to 1
+     * @return this text
+     */
     public ZvText outerGlow(float size, Stops stops, float opacity) {
         return add(EffectKind.OUTER_GLOW, size, 0xFF000000, opacity, Objects.requireNonNull(stops, "stops"));
     }
 
-    /** Lets the text's edge shine inwards, over that many pixels. */
+    /**
+     * Lets the text's edge shine inwards, over that many pixels.
+     *
+     * @param size in pixels, 0 to 100
+     * @param color 0xAARRGGBB
+     * @param opacity 0 to 1
+     * @return this text
+     */
     public ZvText innerGlow(float size, int color, float opacity) {
         return add(EffectKind.INNER_GLOW, size, color, opacity, new Stops());
     }
 
-    /** The same in several colours, from the edge inwards. */
+    /**
+     * The same in several colours, from the edge inwards.
+     *
+     * @param size in pixels, 0 to 100
+     * @param stops copied
+     * @param opacity 0 to 1
+     * @return this text
+     */
     public ZvText innerGlow(float size, Stops stops, float opacity) {
         return add(EffectKind.INNER_GLOW, size, 0xFF000000, opacity, Objects.requireNonNull(stops, "stops"));
     }
 
-    /** Fills the text with colours that merge, spread evenly over its box; angles as below. */
+    /**
+     * Fills the text with colours that merge, spread evenly over its box; angles as below.
+     *
+     * @param angle in degrees
+     * @param colors 0xAARRGGBB
+     * @return this text
+     */
     public ZvText linearGradient(float angle, int... colors) {
         return linearGradient(angle, 1, Stops.of(colors), 1);
     }
@@ -452,14 +582,25 @@ public final class ZvText implements AutoCloseable {
      * @param angle 0 runs from left to right, 90 from bottom to top
      * @param scale how far the colours are spread: 1 over the text's box, 2, the most, over twice that, which shows the
      *     middle ones; below 0.1 there is no fill at all
+     * @param colors 0xAARRGGBB
      * @param positions of the colours, 0 to 1, used in hundredths
+     * @param opacity 0 to 1
+     * @return this text
      * @throws IllegalArgumentException if there are not as many positions as colours
      */
     public ZvText linearGradient(float angle, float scale, int[] colors, float[] positions, float opacity) {
         return linearGradient(angle, scale, Stops.at("linear-gradient", colors, positions), opacity);
     }
 
-    /** Fills the text with a gradient; angle and scale as above. */
+    /**
+     * Fills the text with a gradient; angle and scale as above.
+     *
+     * @param angle in degrees
+     * @param scale 0 to 2
+     * @param stops copied
+     * @param opacity 0 to 1
+     * @return this text
+     */
     public ZvText linearGradient(float angle, float scale, Stops stops, float opacity) {
         return add(EffectKind.LINEAR_GRADIENT, angle, scale, opacity, Objects.requireNonNull(stops, "stops"));
     }
@@ -468,6 +609,9 @@ public final class ZvText implements AutoCloseable {
      * Fills the text with a gradient from the centre of its box outwards.
      *
      * @param scale the diameter in widths of the box, 0 to 2
+     * @param stops copied
+     * @param opacity 0 to 1
+     * @return this text
      */
     public ZvText radialGradient(float scale, Stops stops, float opacity) {
         return add(EffectKind.RADIAL_GRADIENT, scale, opacity, Objects.requireNonNull(stops, "stops"));
@@ -476,18 +620,33 @@ public final class ZvText implements AutoCloseable {
     /**
      * Fills the text with a picture in tiles.
      *
+     * @param picture copied
      * @param scale pixels for each of the picture's, 0 to 10
+     * @param opacity 0 to 1
+     * @return this text
      */
     public ZvText pattern(ZvPicture picture, float scale, float opacity) {
         return add(EffectKind.PATTERN, Objects.requireNonNull(picture, "picture"), scale, opacity);
     }
 
-    /** Raises the text's edges. */
+    /**
+     * Raises the text's edges.
+     *
+     * @param edge where it lies
+     * @param relief copied
+     * @return this text
+     */
     public ZvText bevel(Relief.Edge edge, Relief relief) {
         return add(relief.bevel(edge));
     }
 
-    /** Presses the text out of a sheet: a relief on both sides of its edge, perhaps lit from both sides. */
+    /**
+     * Presses the text out of a sheet: a relief on both sides of its edge, perhaps lit from both sides.
+     *
+     * @param bothSides whether it is lit from both sides
+     * @param relief copied
+     * @return this text
+     */
     public ZvText emboss(boolean bothSides, Relief relief) {
         return add(relief.emboss(bothSides));
     }
@@ -512,7 +671,11 @@ public final class ZvText implements AutoCloseable {
         check(effect.addTo(this) >= 0, "the " + effect.kind.key + " could not be added");
     }
 
-    /** Takes all effects away, those of a style and its layers and ground too. */
+    /**
+     * Takes all effects away, those of a style and its layers and ground too.
+     *
+     * @return this text
+     */
     public ZvText clearEffects() {
         synchronized (lock) {
             begin();
@@ -526,6 +689,7 @@ public final class ZvText implements AutoCloseable {
      * Takes one effect away, if it is there.
      *
      * @param kind its name in styles, such as {@code "inner-glow"}
+     * @return this text
      */
     public ZvText clearEffect(String kind) {
         Objects.requireNonNull(kind, "kind");
@@ -541,7 +705,11 @@ public final class ZvText implements AutoCloseable {
         }
     }
 
-    /** Bytes that are equal for texts with the same effects, added in the same order, and the same colour. */
+    /**
+     * Bytes that are equal for texts with the same effects, added in the same order, and the same colour.
+     *
+     * @return the bytes
+     */
     public byte[] layerKey() {
         synchronized (lock) {
             begin();
@@ -556,6 +724,7 @@ public final class ZvText implements AutoCloseable {
      * Renders the picture: rows of {@link #width} pixels from the top, straight {@code 0xAARRGGBB}. Its size is the view
      * plus the margins that the effects need.
      *
+     * @return the pixels, rows from the top
      * @throws IllegalStateException if the view, the layout or any font is missing
      */
     public int[] render() {
@@ -597,7 +766,11 @@ public final class ZvText implements AutoCloseable {
                 "the colours could not be set");
     }
 
-    /** The same with its size, its margins and the position of the text. */
+    /**
+     * The same with its size, its margins and the position of the text.
+     *
+     * @return the picture
+     */
     public ZvPicture picture() {
         synchronized (lock) {
             int[] argb = render();
@@ -616,12 +789,20 @@ public final class ZvText implements AutoCloseable {
         }
     }
 
-    /** Of the last picture, in pixels; 0 before the first. */
+    /**
+     * Of the last picture, in pixels; 0 before the first.
+     *
+     * @return pixels
+     */
     public int width() {
         return size()[0];
     }
 
-    /** Of the last picture, in pixels; 0 before the first. */
+    /**
+     * Of the last picture, in pixels; 0 before the first.
+     *
+     * @return pixels
+     */
     public int height() {
         return size()[1];
     }
@@ -635,19 +816,38 @@ public final class ZvText implements AutoCloseable {
         }
     }
 
-    /** The pixels that the effects need to the left of the view. */
+    /**
+     * The pixels that the effects need to the left of the view.
+     *
+     * @return pixels
+     */
     public int marginLeft() {
         return margins()[0];
     }
 
+    /**
+     * The pixels that the effects need above the view.
+     *
+     * @return pixels
+     */
     public int marginTop() {
         return margins()[1];
     }
 
+    /**
+     * The pixels that the effects need to the right of the view.
+     *
+     * @return pixels
+     */
     public int marginRight() {
         return margins()[2];
     }
 
+    /**
+     * The pixels that the effects need below the view.
+     *
+     * @return pixels
+     */
     public int marginBottom() {
         return margins()[3];
     }

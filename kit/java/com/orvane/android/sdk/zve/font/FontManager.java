@@ -16,6 +16,8 @@ public final class FontManager {
      * Adds a font from a font file's bytes, which are copied. A text selects it with {@code font(name)}. If the name is
      * known already, it keeps its font.
      *
+     * @param name by which the font is known
+     * @param data a font file's bytes
      * @throws ZvException if the bytes are no font
      */
     public static void insert(String name, byte[] data) {
@@ -37,6 +39,7 @@ public final class FontManager {
      * Sets the system's families, the fallback for characters that a font lacks; language-specific ones are loaded when the
      * first text needs them. Only the first configuration counts; later calls change nothing.
      *
+     * @param config read now
      * @throws ZvException if the configuration cannot be read; the next call tries again
      */
     public static void configure(FontConfig config) {
@@ -53,7 +56,11 @@ public final class FontManager {
         }
     }
 
-    /** Whether {@link #configure} has succeeded. */
+    /**
+     * Whether {@link #configure} has succeeded.
+     *
+     * @return whether it has
+     */
     public static boolean isConfigured() {
         return FontLock.isConfigured();
     }

@@ -25,11 +25,20 @@ public final class FontLock {
 
     private FontLock() {}
 
-    /** For calls that only read the store. Every method here returns the lock held; the caller gives it back. */
+    /**
+     * For calls that only read the store. Every method here returns the lock held; the caller gives it back.
+     *
+     * @return the lock, held
+     */
     public static Lock read() {
         return held(LOCK.readLock());
     }
 
+    /**
+     * For calls that may change the store.
+     *
+     * @return the lock, held
+     */
     public static Lock change() {
         return held(LOCK.writeLock());
     }
@@ -39,12 +48,21 @@ public final class FontLock {
         return lock;
     }
 
-    /** For handing a font of that name to the store. */
+    /**
+     * For handing a font of that name to the store.
+     *
+     * @param name the font's
+     * @return the lock, held
+     */
     public static Lock addFont(String name) {
         return KNOWN.contains(name) ? read() : change();
     }
 
-    /** The store has the font of that name now. */
+    /**
+     * The store has the font of that name now.
+     *
+     * @param name the font's
+     */
     public static void learned(String name) {
         KNOWN.add(name);
     }
@@ -54,11 +72,21 @@ public final class FontLock {
         configured = true;
     }
 
+    /**
+     * Whether the store has system families.
+     *
+     * @return whether it has
+     */
     public static boolean isConfigured() {
         return configured;
     }
 
-    /** For setting a layout's text: it loads the system family of each script but Latin's and the common signs'. */
+    /**
+     * For setting a layout's text: it loads the system family of each script but Latin's and the common signs'.
+     *
+     * @param layout the one that is set
+     * @return the lock, held
+     */
     public static Lock setText(Layout layout) {
         Lock reading = read();
         if (!configured || isPlain(layout)) {

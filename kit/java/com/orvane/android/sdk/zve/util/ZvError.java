@@ -9,7 +9,11 @@ import android.os.Build;
 public final class ZvError {
     private ZvError() {}
 
-    /** The code that was reported last on the calling thread. The library must be loaded. */
+    /**
+     * The code that was reported last on the calling thread. The library must be loaded.
+     *
+     * @return the code
+     */
     public static int lastCode() {
         return Error_GetError();
     }
