@@ -48,6 +48,7 @@ struct ReadJson {
         if (!json.is_boolean()) refuse();
         *field.value = json.get<bool>() == field.given;
     }
+    void operator()(const OptionalFlagField& field) const { (*this)(FlagField{&field.value->emplace()}); }
     void operator()(const OffsetField& field) const {
         const Fields sides = fieldsOf(*field.value);
         if (!json.is_array() || json.size() != sides.size()) refuse();
@@ -112,6 +113,9 @@ private:
 
 struct WriteValue {
     Json operator()(const FlagField& field) const { return *field.value == field.given; }
+    Json operator()(const OptionalFlagField& field) const {
+        return field.value->has_value() ? Json(**field.value) : Json("");
+    }
     Json operator()(const OffsetField& field) const {
         return Json::array({numberJson(field.value->x), numberJson(field.value->y)});
     }

@@ -51,6 +51,7 @@ struct ReadText {
         if (text != "true" && text != "false") refuse();
         *field.value = (text == "true") == field.given;
     }
+    void operator()(const OptionalFlagField& field) const { (*this)(FlagField{&field.value->emplace()}); }
     void operator()(const OffsetField& field) const {
         const std::vector<std::string> parts = split(text, ':');
         const Fields sides = fieldsOf(*field.value);
@@ -121,6 +122,7 @@ struct Wanted {
     std::string operator()(const OptionalColorField&) const { return kWantedColor; }
     std::string operator()(const ChoiceField& field) const { return "one of " + choiceNames(field, ", "); }
     std::string operator()(const FlagField&) const { return "true or false"; }
+    std::string operator()(const OptionalFlagField&) const { return "true or false"; }
     std::string operator()(const OffsetField&) const { return "an offset; write X:Y in whole pixels"; }
     std::string operator()(const PaddingField&) const { return kWantedPadding; }
     std::string operator()(const CanvasField&) const { return kWantedCanvas + canvasKinds(); }
@@ -153,6 +155,7 @@ struct Placeholder {
     std::string operator()(const ColorField&) const { return "COLOR"; }
     std::string operator()(const OptionalColorField&) const { return "COLOR"; }
     std::string operator()(const ChoiceField& field) const { return choiceNames(field, "|"); }
+    std::string operator()(const OptionalFlagField&) const { return "true|false"; }
     std::string operator()(const PaddingField&) const { return "PX"; }
     std::string operator()(const CanvasField&) const { return "CANVAS"; }
     std::string operator()(const FileField&) const { return "FILE"; }
@@ -183,6 +186,9 @@ struct Format {
     }
     std::string operator()(const FlagField& field) const {
         return *field.value == field.given ? "true" : "false";
+    }
+    std::string operator()(const OptionalFlagField& field) const {
+        return !field.value->has_value() ? "" : **field.value ? "true" : "false";
     }
     std::string operator()(const OffsetField& field) const {
         return formatNumber(field.value->x) + ":" + formatNumber(field.value->y);

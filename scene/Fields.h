@@ -89,6 +89,9 @@ struct FlagField {  // true or false
     bool* value;
     bool given = true;  // what the value is where the flag is true
 };
+struct OptionalFlagField {  // true or false, with a value on the command line, too
+    std::optional<bool>* value;
+};
 struct OffsetField {  // X:Y, whole pixels; in JSON [X, Y]
     Offset* value;
 };
@@ -132,9 +135,10 @@ struct PresetField {
 };
 
 struct Field {
-    using Value = std::variant<NumberField, ColorField, OptionalColorField, ChoiceField, FlagField,
-                               OffsetField, PaddingField, CanvasField, TintField, StopsField, TextField,
-                               FileField, FontField, FontsField, EffectField, StyleField, PresetField>;
+    using Value =
+        std::variant<NumberField, ColorField, OptionalColorField, ChoiceField, FlagField, OptionalFlagField,
+                     OffsetField, PaddingField, CanvasField, TintField, StopsField, TextField, FileField,
+                     FontField, FontsField, EffectField, StyleField, PresetField>;
     const char* name;
     Value value;
     const char* help = "";         // what it does, in plain words

@@ -5,8 +5,13 @@
 
 #include "scene/LayeredScene.h"
 
+#include <SkBitmap.h>
+#include <SkCanvas.h>
+#include <SkImageInfo.h>
+
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 
 #include "effect/Canvas.h"
 #include "effect/LayerJoin.h"
@@ -57,6 +62,20 @@ void fillGround(const Canvas& canvas, ZvBitmap& picture) {
     Zvex::fillCanvas(&picture, &fill);
 }
 
+// Lays the picture over the background as the text object does, whose canvas blends in linear light.
+void layOver(const ZvBitmap& background, ZvBitmap& picture) {
+    const ZvBitmap text(picture);
+    if (background.pixels == nullptr || text.pixels == nullptr) refuseForMemory();
+    std::memcpy(picture.pixels, background.pixels, picture.byteCount());
+    const SkImageInfo info =
+        SkImageInfo::Make(static_cast<int>(picture.width), static_cast<int>(picture.height),
+                          kRGBA_8888_SkColorType, kUnpremul_SkAlphaType, SkColorSpace::MakeSRGB());
+    SkBitmap below, above;
+    below.installPixels(info, picture.pixels, size_t{4} * picture.width);
+    above.installPixels(info, text.pixels, size_t{4} * text.width);
+    SkCanvas(below).drawBitmap(above, 0, 0);
+}
+
 }  // namespace
 
 uint32_t withOpacity(uint32_t color, double opacity) {
@@ -104,22 +123,59 @@ LayeredScene::LayeredScene(const Style& style, Zvex::ZvTextObject& object)
     object.SetBackgroundColor(style.background.value_or(0), style.background.has_value());
 }
 
-void LayeredScene::render(ZvBitmap& picture) {
+std::unique_ptr<LayeredScene::Colours> LayeredScene::coloursOf(const Look& look, uint32_t color,
+                                                               const ZvBitmap& picture,
+                                                               const std::vector<PlacedRun>& runs) const {
+    auto colours = std::make_unique<Colours>();
+    colours->glyphs = drawColours(runs, color | 0xFF000000, static_cast<int>(picture.width),
+                                  static_cast<int>(picture.height));
+    const std::vector<EffectSettings> around = effectsAround(look.effects);
+    addEffects(colours->around, around);
+    if (!around.empty()) colours->glyphs.around = &colours->around;
+    return colours;
+}
+
+// Gives the layers, from the back, their colours, and the coverage the shape of these glyphs.
+void LayeredScene::setColours(std::vector<Zvex::TextLayer>& layers,
+                              std::vector<std::unique_ptr<Colours>>& colours, const ZvBitmap& picture,
+                              const std::vector<PlacedRun>& runs) {
+    const bool any = std::any_of(runs.begin(), runs.end(),
+                                 [](const PlacedRun& placed) { return !placed.run->glyphs.empty(); });
+    if (!any) return;
+    const std::vector<bool> colored = coloredLayers(mStyle);
+    for (size_t i = 0; i < colored.size(); ++i) {
+        if (!colored[i]) continue;
+        const bool single = mStyle.layers.empty();
+        const Look& look = single ? static_cast<const Look&>(mStyle) : mStyle.layers[i];
+        const uint32_t color = single ? mStyle.color : mStyle.layers[i].color.value_or(mStyle.color);
+        colours.push_back(coloursOf(look, color, picture, runs));
+        layers[layers.size() - 1 - i].colours = &colours.back()->glyphs;
+    }
+    if (colours.empty()) colours.push_back(coloursOf({}, 0, picture, runs));
+    raiseCoverage(*mCoverage, colours.front()->glyphs);
+}
+
+void LayeredScene::render(ZvBitmap& picture, const std::vector<PlacedRun>& runs) {
     const uint32_t* words =
         mObject.RenderTextEffect(static_cast<int>(picture.width), static_cast<int>(picture.height));
     if (words == nullptr || picture.pixels == nullptr) refuseForMemory();
     if (mStyle.canvas) fillGround(*mStyle.canvas, picture);
-    if (mStyle.background) {
-        const ZvBitmap background(picture.width, picture.height,
-                                  reinterpret_cast<const unsigned char*>(words), 4);
+    const bool inLayers = isFor(mStyle);
+    const ZvBitmap background(picture.width, mStyle.background ? picture.height : 0,
+                              reinterpret_cast<const unsigned char*>(words), 4);
+    if (mStyle.background && inLayers) {
         Zvex::JoinedLayer layer;
         layer.picture = &background;
         Zvex::joinLayers(&picture, &layer, 1);
     }
-    if (!Zvex::drawTextLayers(&picture, *mCoverage, mStacks.layers.data(), mStacks.layers.size(),
-                              clipOf(*mObject.GetView()), static_cast<float>(mStyle.opacity))) {
+    std::vector<Zvex::TextLayer> layers = mStacks.layers;
+    std::vector<std::unique_ptr<Colours>> colours;
+    setColours(layers, colours, picture, runs);
+    if (!Zvex::drawTextLayers(&picture, *mCoverage, layers.data(), layers.size(), clipOf(*mObject.GetView()),
+                              static_cast<float>(mStyle.opacity))) {
         refuseForMemory();
     }
+    if (mStyle.background && !inLayers) layOver(background, picture);
 }
 
 }  // namespace Zvex::scene

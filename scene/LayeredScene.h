@@ -10,6 +10,7 @@
 #include "effect/TextLayers.h"
 #include "effect/ZvEffect.h"
 #include "raster/ZvBitmap.h"
+#include "scene/ColourGlyphs.h"
 #include "scene/Style.h"
 #include "text/ZvTextObject.h"
 
@@ -32,7 +33,7 @@ private:
 // The colour, its alpha multiplied by the opacity.
 uint32_t withOpacity(uint32_t color, double opacity);
 
-// Draws a style with layers or with a canvas.
+// Draws a style with layers or with a canvas, and glyphs in their own colours.
 class LayeredScene {
 public:
     static bool isFor(const Style& style) { return !style.layers.empty() || style.canvas.has_value(); }
@@ -41,10 +42,21 @@ public:
     // must outlive this. Throws Failure.
     LayeredScene(const Style& style, Zvex::ZvTextObject& object);
 
-    // The object's lines and view must be set. Throws Failure if memory is short.
-    void render(Zvex::ZvBitmap& picture);
+    // The object's lines and view must be set; `runs` belong to these lines. `picture` is transparent, 4
+    // bytes a pixel, and becomes straight words 0xAARRGGBB. Throws Failure if memory is short.
+    void render(Zvex::ZvBitmap& picture, const std::vector<PlacedRun>& runs);
 
 private:
+    // One layer's glyphs in their colours, and the effects around them.
+    struct Colours {
+        Zvex::ColourGlyphs glyphs;
+        Zvex::ZvEffect around;
+    };
+    std::unique_ptr<Colours> coloursOf(const Look& look, uint32_t color, const Zvex::ZvBitmap& picture,
+                                       const std::vector<PlacedRun>& runs) const;
+    void setColours(std::vector<Zvex::TextLayer>& layers, std::vector<std::unique_ptr<Colours>>& colours,
+                    const Zvex::ZvBitmap& picture, const std::vector<PlacedRun>& runs);
+
     const Style& mStyle;
     Zvex::ZvTextObject& mObject;
     const LayerStacks mStacks;

@@ -53,7 +53,9 @@ Fields fieldsOf(LayerSettings& layer) {
             {"clip", FlagField{&layer.clip},
              "It shows only where the nearest layer behind it does that is not clipped"},
             {"knockout", FlagField{&layer.knockout},
-             "It does not show within the letters, spread and offset left aside"}};
+             "It does not show within the letters, spread and offset left aside"},
+            {"color-glyphs", OptionalFlagField{&layer.colorGlyphs},
+             "Emoji in their own colours; unset: in the front layer, unless another has them"}};
 }
 
 std::string canvasKinds() {

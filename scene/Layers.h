@@ -32,7 +32,9 @@ struct LayerSettings : Look {
     double spread = 0;  // pixels by which the glyphs are widened first; negative: narrowed
     Offset offset;      // of the layer, in pixels
     LayerBlend blend = LayerBlend::Normal;  // with what is behind it
-    bool clip = false;      // shows only where the nearest layer behind it does that is not clipped itself
+    bool clip = false;  // shows only where the nearest layer behind it does that is not clipped itself
+    // Emoji in their own colours; unset: the front layer's, unless another layer has them.
+    std::optional<bool> colorGlyphs;
     bool knockout = false;  // does not show within the glyphs, spread and offset left aside
 };
 Fields fieldsOf(LayerSettings& layer);

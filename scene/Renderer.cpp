@@ -124,6 +124,14 @@ std::vector<LineMetrics> measureLines(const std::vector<ZvLineInfo>& placed,
     return lines;
 }
 
+// `runs` begin with that of the first line placed.
+std::vector<PlacedRun> placeRuns(const ColourRun* runs, const PlacedScene& placed) {
+    std::vector<PlacedRun> result;
+    for (const ZvLineInfo& info : placed.lines)
+        result.push_back({runs++, info.x + placed.margins.left, info.y + placed.margins.top});
+    return result;
+}
+
 void setLines(ZvTextObject& object, const std::vector<ZvLineInfo>& placed) {
     List records;
     records.Construct();
@@ -209,7 +217,12 @@ Rendering Renderer::make(const Scene& scene, const Sink& sink) {
     Style style = scene.style;
     fitEffects(style);
     std::optional<LayeredScene> layered;
-    if (LayeredScene::isFor(style)) {
+    if (!LayeredScene::isFor(style) && hasColours(text->laidOut.colours, style)) {
+        style.color = withOpacity(style.color, style.opacity);
+        if (style.background) style.background = withOpacity(*style.background, style.opacity);
+        style.opacity = 1;
+        layered.emplace(style, object);
+    } else if (LayeredScene::isFor(style)) {
         layered.emplace(style, object);
     } else {
         object.SetTextColor(withOpacity(style.color, style.opacity));
@@ -221,7 +234,8 @@ Rendering Renderer::make(const Scene& scene, const Sink& sink) {
     const PlacedScene placed = placeScene(object, scene, text->laidOut.lines);
     setLines(object, placed.lines);
     Rendering rendering;
-    for (std::string warning : {missingWarning(text->fonts, scene.systemFallback), farWarning(scene.text)}) {
+    for (std::string warning : {missingWarning(text->fonts, scene.systemFallback),
+                                silhouetteWarning(text->laidOut.colours, style)}) {
         if (!warning.empty()) rendering.warnings.push_back(std::move(warning));
     }
     const Margins& margins = placed.margins;
@@ -238,7 +252,10 @@ Rendering Renderer::make(const Scene& scene, const Sink& sink) {
     addClusters(rendering.metrics, scene.text);
     if (sink) {
         std::optional<Zvex::ZvBitmap> joined;
-        if (layered) layered->render(joined.emplace(placed.width, placed.height, 4u));
+        if (layered) {
+            layered->render(joined.emplace(placed.width, placed.height, 4u),
+                            placeRuns(&text->laidOut.colours[placed.first], placed));
+        }
         const unsigned* pixels = layered ? reinterpret_cast<const unsigned*>(joined->pixels)
                                          : object.RenderTextEffect(placed.width, placed.height);
         if (pixels == nullptr || Zvex::takeOutOfMemoryMark())

@@ -79,7 +79,7 @@ std::u16string toUtf16(const std::string& text) {
     for (int64_t i = 0; i < length;) {
         UChar32 c;
         U8_NEXT(text.data(), i, length, c);
-        if (c < 0 || c > 0x1FFFF) c = ' ';  // has a warning of its own
+        if (c < 0) c = ' ';
         if (c > 0xFFFF) units += static_cast<char16_t>(U16_LEAD(c));
         units += static_cast<char16_t>(c > 0xFFFF ? U16_TRAIL(c) : c);
     }

@@ -5,13 +5,12 @@
 #include <hwui/MinikinUtils.h>
 #include <hwui/Typeface.h>
 #include <minikin/Layout.h>
+#include <unicode/utf16.h>
 #include <unicode/utf8.h>
 
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
 #include <memory>
-#include <set>
 
 #include "foundation/ZvString.h"
 #include "platform/host/LayoutGlyphs.h"
@@ -85,30 +84,24 @@ std::vector<LineGlyph> glyphsOf(const minikin::Layout& layout, const minikin::Mi
     return glyphs;
 }
 
-}  // namespace
-
-// The text object's UTF-16 keeps characters from U+20000 on only in part. A warning is better than drawing
-// another character silently.
-std::string farWarning(const std::string& text) {
-    constexpr size_t kMost = 20;
-    std::set<UChar32> far;
-    const auto length = static_cast<int32_t>(text.size());
-    for (int32_t i = 0; i < length && far.size() <= kMost;) {
+// The text object's own UTF-16 form of UTF-8 is right up to U+1FFFF alone; it keeps surrogates as they are.
+std::wstring wideOf(const std::string& text) {
+    std::wstring wide;
+    const auto length = static_cast<int64_t>(text.size());
+    for (int64_t i = 0; i < length;) {
         UChar32 c;
         U8_NEXT(text.data(), i, length, c);
-        if (c > 0x1FFFF) far.insert(c);
+        if (c > 0x1FFFF) wide += static_cast<wchar_t>(U16_LEAD(c));
+        wide += static_cast<wchar_t>(c > 0x1FFFF ? U16_TRAIL(c) : c < 0 ? 0xFFFD : c);
     }
-    if (far.empty()) return "";
-    std::string names;
-    for (const UChar32 c : far)
-        names += (names.empty() ? "" : ", ") + codePointName(static_cast<uint32_t>(c));
-    return "characters above U+1FFFF are not supported and come out wrong: " + names +
-           (far.size() > kMost ? " and more" : "");
+    return wide;
 }
+
+}  // namespace
 
 void setText(ZvTextObject& object, const Scene& scene, const SceneFonts& fonts) {
     ZvString text;
-    if (!object.SetTypeface(fonts.typeface) || text.Construct(scene.text.c_str()) == 0 ||
+    if (!object.SetTypeface(fonts.typeface) || text.Construct(wideOf(scene.text).c_str()) == 0 ||
         !object.SetText(&text)) {
         throw Failure("TEXT: the text could not be taken over");
     }
@@ -142,11 +135,13 @@ LaidOutText layOutText(ZvTextObject& object, const Scene& scene, const SceneFont
         minikin::MinikinRect ink;
         float advance = 0;
         std::vector<LineGlyph>& glyphs = laidOut.glyphs.emplace_back();
+        ColourRun& colours = laidOut.colours.emplace_back();
         if (range.start < range.visibleEnd) {
             const minikin::Layout layout = shaper.layOut(range.start, range.visibleEnd);
             layout.getBounds(&ink);
             advance = layout.getAdvance();
             glyphs = glyphsOf(layout, ink, shaper.contextOf(range.start));
+            colours = colourRunOf(layout, ink, object.GetPaint());
         }
         if (!(advance <= kMaxLineAdvance)) {
             throw UsageError(

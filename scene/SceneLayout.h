@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "scene/ColourGlyphs.h"
 #include "scene/Metrics.h"
 #include "scene/Scene.h"
 #include "scene/SceneFonts.h"
@@ -27,13 +28,11 @@ struct LaidOutText {
     std::u16string text;  // the lines' offsets refer to this
     std::vector<Zvex::LaidOutLine> lines;
     std::vector<std::vector<LineGlyph>> glyphs;  // of each line, from left to right
+    std::vector<ColourRun> colours;              // of each line
 };
 
 // Passes the scene's text, fonts and paint to the object, which must be constructed. Throws Failure.
 void setText(Zvex::ZvTextObject& object, const Scene& scene, const SceneFonts& fonts);
-
-// If the text has characters that the library cannot hold, one line that says so; else empty.
-std::string farWarning(const std::string& text);
 
 // The width at which the scene's lines wrap, without the padding; 0 if they do not wrap. Throws UsageError if
 // the padding leaves no width.

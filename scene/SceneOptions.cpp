@@ -58,7 +58,7 @@ Fields viewFields(Scene& scene) {
 Fields looksOf(Style& style) {
     Fields fields = {
         {"style", StyleField{&style},
-         "Take effects and any of the seven options above from a JSON file, or from {...} itself"},
+         "Take effects and any of the eight options above from a JSON file, or from {...} itself"},
         {"preset", PresetField{&style},
          "The same from a style of the program's own; zvtext presets lists them"}};
     for (const EffectKind& kind : effectKinds())

@@ -132,7 +132,10 @@ Fields fieldsOf(Style& style) {
          "that effect takes"},
         {"letter-spacing", NumberField{&style.letterSpacing, {-1, 10, "em"}}, "Extra space between letters"},
         {"features", TextField{&style.features}, "OpenType features, such as 'smcp, -liga, ss01=1'", "LIST"},
-        {"opacity", NumberField{&style.opacity, kShare}, "Opacity of the whole picture: 0.6 or 60%"}};
+        {"opacity", NumberField{&style.opacity, kShare}, "Opacity of the whole picture: 0.6 or 60%"},
+        {"color-glyphs", OptionalFlagField{&style.colorGlyphs},
+         "Emoji in their own colours, in the front layer if there are several; false: silhouettes in the "
+         "text's"}};
 }
 
 Fields fieldsOf(StyleNotes& notes) {

@@ -25,6 +25,7 @@ struct Style : Look {
     double letterSpacing = 0;            // ems
     std::string features;                // OpenType features, "smcp, -liga"
     double opacity = 1;                  // of the whole picture
+    std::optional<bool> colorGlyphs;     // emoji in their own colours; unset: yes, in the front layer
     // From the front to the back; the effects are theirs then, and the style has none.
     std::vector<LayerSettings> layers;
     double layersDesignedFor = 0;  // the text size that their spreads and offsets are meant for; 0: any

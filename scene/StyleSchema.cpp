@@ -29,6 +29,7 @@ struct OfValue {
         return {{"enum", names}};
     }
     Json operator()(const FlagField&) const { return {{"type", "boolean"}}; }
+    Json operator()(const OptionalFlagField&) const { return {{"type", "boolean"}}; }
     Json operator()(const OffsetField& field) const {
         const Fields sides = fieldsOf(*field.value);
         return {{"type", "array"},

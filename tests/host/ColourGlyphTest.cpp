@@ -211,7 +211,7 @@ TEST(PaintGraphs, GradientsHaveTheColoursOfTheirFormulas) {
         for (int y = -64; y < 0; ++y) {
             for (int x = 0; x < 64; ++x) {
                 const double t = one.position(x + 0.5, -y - 0.5);
-                const auto blue = static_cast<uint32_t>(std::floor(255 * t + 0.5));
+                const auto blue = static_cast<uint32_t>(std::floor(255 * std::max(t, 0.0) + 0.5));
                 const uint32_t expected = t < 0 ? 0 : 0xFF000000 | (255 - blue) << 16 | blue;
                 ASSERT_LE(apart(at(image, x, y), expected), 1.001) << one.what << ": " << x << ", " << y;
             }
@@ -351,7 +351,7 @@ TEST(PaintGraphs, HostileTablesEnd) {
     table.clip = {-500, -500, 2000, 2000};
     const std::string whole = table.bytes();
     std::mt19937 random(7);
-    for (int round = 0; round < 24; ++round) {
+    for (int round = 0; round < 12; ++round) {
         std::string damaged = whole;
         for (int i = 0; i < round % 8; ++i) damaged[random() % damaged.size()] = static_cast<char>(random());
         if (round % 5 == 4) damaged.resize(random() % damaged.size());
