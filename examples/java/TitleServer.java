@@ -24,7 +24,8 @@ final class TitleServer implements AutoCloseable {
     static final int MAX_CHARACTERS = 200;
     static final int MIN_SIZE = 8;
     static final int MAX_SIZE = 256;
-    private static final int COLUMN = 1600; // pixels: with the two limits above, no picture is larger than 1800 x 60,000
+    private static final int COLUMN = 1600; // pixels
+    private static final int MAX_LINES = 8; // shown: so no picture is larger than about 1800 x 2700 pixels
 
     private static final Map<String, ZvStyle> STYLES = new ConcurrentHashMap<>();
 
@@ -113,7 +114,7 @@ final class TitleServer implements AutoCloseable {
         ZvStyle style = STYLES.computeIfAbsent(query.getOrDefault("preset", "gold"), ZvStyle::preset);
         try (ZvText text = new ZvText()) {
             ByteArrayOutputStream png = new ByteArrayOutputStream();
-            text.font(font).text(words).wrap(COLUMN).align(android.graphics.Paint.Align.CENTER).style(style).size(size);
+            text.font(font).text(words).wrap(COLUMN).lines(MAX_LINES).align(android.graphics.Paint.Align.CENTER).style(style).size(size);
             text.picture().writePng(png);
             return png.toByteArray();
         } catch (IOException e) {

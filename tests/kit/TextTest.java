@@ -60,6 +60,10 @@ final class TextTest {
             assertEquals(three, text.lines(0).picture().height());
             assertTrue(text.size(80).picture().height() > 1.9 * three);
             assertEquals(1, text.text("").picture().width());
+            for (String large : new String[] {"W".repeat(1000), "W\n".repeat(1000)}) {
+                String said = assertThrows(IllegalStateException.class, () -> text.text(large).render()).getMessage();
+                assertTrue(said.contains("32767 a side"), said);
+            }
         }
     }
 

@@ -5,6 +5,7 @@ import com.orvane.android.sdk.zve.Setting.Tint;
 import com.orvane.android.sdk.zve.Setting.Type;
 import java.io.IOException;
 import java.util.ArrayList;
+import java.util.Arrays;
 import java.util.HashMap;
 import java.util.Iterator;
 import java.util.List;
@@ -141,10 +142,11 @@ final class StyleReader {
      * are read elsewhere.
      */
     private Map<String, Object> readObject(String place, Object value, Setting[] settings, String... others) {
-        StringBuilder names = new StringBuilder(String.join(", ", others));
+        List<String> known = new ArrayList<>(Arrays.asList(others));
         for (Setting setting : settings) {
-            names.append(names.length() > 0 ? ", " : "").append(setting.name);
+            known.add(setting.name);
         }
+        String names = String.join(", ", known);
         if (!(value instanceof JSONObject)) {
             throw refusal(place, shown(value) + " is not an object with the keys " + names);
         }
@@ -162,7 +164,7 @@ final class StyleReader {
         }
         for (Iterator<?> keys = object.keys(); keys.hasNext();) {
             String key = (String) keys.next();
-            if (!(", " + names + ",").contains(", " + key + ",")) {
+            if (!known.contains(key)) {
                 throw refusal(member(place, key), "is not one of the keys here: " + names);
             }
         }

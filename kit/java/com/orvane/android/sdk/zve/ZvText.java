@@ -49,6 +49,10 @@ import java.util.concurrent.locks.Lock;
  * it became unreachable.
  */
 public final class ZvText implements AutoCloseable {
+    // Of a text without a view, the effects' margins left aside. A line's picture keeps its width in 16 bits.
+    private static final int MAX_SIDE = 32767;
+    private static final int MAX_PIXELS = 100_000_000;
+
     // The native object's handle; negative while there is none. Natives read and write it.
     private int mHandle = -1;
 
@@ -225,7 +229,8 @@ public final class ZvText implements AutoCloseable {
     }
 
     /**
-     * Sets the words of a text without a view: it measures them, breaks them and sizes the picture by itself.
+     * Sets the words of a text without a view: it measures them, breaks them and sizes the picture by itself. A render
+     * throws an {@link IllegalStateException} if they take more than 32767 pixels a side.
      *
      * @param words line endings begin lines
      * @return this text
@@ -300,9 +305,14 @@ public final class ZvText implements AutoCloseable {
         }
         Layout lines = self.lines();
         int shown = shownLines > 0 ? Math.min(shownLines, lines.getLineCount()) : lines.getLineCount();
+        int width = self.width(lines);
         int height = Math.max(lines.getLineBottom(shown - 1), 1);
+        if (Math.max(width, height) > MAX_SIDE || (long) width * height > MAX_PIXELS) {
+            throw new IllegalStateException("the text would be " + width + " x " + height + " pixels; at most " + MAX_SIDE
+                    + " a side and " + MAX_PIXELS + " in all");
+        }
         check(ZvText_SetPaint(self.paint()), "the paint could not be read");
-        check(ZvTextEffects.ZvTextEffects_SetView(mHandle, self.width(lines), height, shown), "the view could not be set");
+        check(ZvTextEffects.ZvTextEffects_SetView(mHandle, width, height, shown), "the view could not be set");
         layout = lines;
         hasView = true;
         viewColor = 0xFF000000;
