@@ -4,8 +4,6 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <sched.h>
-#include <sys/prctl.h>
-#include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -33,6 +31,7 @@
 #include "tools/zvtext/batch/BatchNames.h"
 #include "tools/zvtext/batch/BatchWorker.h"
 #include "tools/zvtext/batch/Digest.h"
+#include "tools/zvtext/batch/WorkerProcess.h"
 
 namespace zvtext {
 
@@ -45,7 +44,6 @@ namespace fs = std::filesystem;
 constexpr int kMaxJobs = 256;
 constexpr int kLastWait = 2000;       // milliseconds for who reads the results, once a signal has come
 constexpr size_t kMaxWaiting = 1024;  // results kept behind a line that takes long
-constexpr size_t kMaxSaid = 65536;    // of a message without an end
 
 // --- Signals: the handler leaves the number and wakes the loop through a pipe
 
@@ -135,11 +133,7 @@ public:
     }
 
 private:
-    struct Worker {
-        pid_t process = 0;  // 0: none
-        int socket = -1;
-        int errors = -1;   // where its standard error is read
-        std::string said;  // there, without the line's end yet
+    struct Worker : WorkerProcess {
         bool busy = false;
         BatchJob job;      // without the JSON; the last one, if not busy
         size_t place = 0;  // of its result
@@ -194,14 +188,14 @@ private:
 
     bool anyAlive() const {
         return std::any_of(mWorkers.begin(), mWorkers.end(),
-                           [](const Worker& worker) { return worker.process != 0; });
+                           [](const Worker& worker) { return worker.isAlive(); });
     }
 
     // Where no more can be started, one of those that live.
     Worker* idleWorker() {
         const bool starts = !mNoMore || !anyAlive();
         for (Worker& worker : mWorkers) {
-            if (!worker.busy && (starts || worker.process != 0)) return &worker;
+            if (!worker.busy && (starts || worker.isAlive())) return &worker;
         }
         return nullptr;
     }
@@ -265,7 +259,7 @@ private:
 
     // A worker that has died since its last line makes way for a new one.
     void give(Worker& worker, BatchJob job, size_t place) {
-        bool sent = worker.process != 0 && sendJob(worker.socket, job);
+        bool sent = worker.isAlive() && sendJob(worker.socket(), job);
         if (!sent) {
             end(worker);
             const std::string fault = start(worker);
@@ -279,7 +273,7 @@ private:
                 stop("--jobs: cannot start a worker: " + fault);
                 return finish(place, failedResult(job.line, job.path, mFailure));
             }
-            sent = sendJob(worker.socket, job);
+            sent = sendJob(worker.socket(), job);
         }
         worker.busy = true;
         worker.place = place;
@@ -290,95 +284,30 @@ private:
 
     // Says why it could not, or nothing.
     std::string start(Worker& worker) {
-        int ends[2] = {-1, -1}, errors[2] = {-1, -1};
-        const pid_t batch = getpid();
-        pid_t process = -1;
-        if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends) == 0 && pipe2(errors, O_CLOEXEC) == 0) {
-            process = fork();
-        }
-        const int error = errno;
-        if (process == 0) {
-            dup2(errors[1], STDERR_FILENO);
-            for (const int unused : {ends[0], errors[0], errors[1]}) close(unused);
-            beWorker(ends[1], batch);
-        }
-        close(ends[1]);
-        close(errors[1]);
-        worker.socket = ends[0];
-        worker.errors = errors[0];
-        if (process < 0) {
-            end(worker);
-            return std::strerror(error);
-        }
-        fcntl(worker.errors, F_SETFL, O_NONBLOCK);
-        worker.process = process;
-        return "";
-    }
-
-    // In the new process. It ends with the batch, however that ends, and holds nothing of the input and the
-    // output. The signals of the terminal are the batch's to answer.
-    [[noreturn]] void beWorker(int socket, pid_t batch) {
-        try {
-            std::signal(SIGINT, SIG_IGN);
-            std::signal(SIGTERM, SIG_IGN);
-            std::signal(SIGHUP, SIG_IGN);
-            prctl(PR_SET_PDEATHSIG, SIGKILL);
-            if (getppid() != batch) _exit(0);
-            for (const Worker& other : mWorkers) {
-                if (other.socket >= 0) close(other.socket);
-                if (other.errors >= 0) close(other.errors);
-            }
+        return worker.start([this](int socket) {
+            for (const Worker& other : mWorkers) other.closeEnds();
             if (mInput.descriptor() != STDIN_FILENO) close(mInput.descriptor());
-            const int nothing = open("/dev/null", O_RDWR);
-            dup2(nothing, STDIN_FILENO);
-            dup2(nothing, STDOUT_FILENO);
             runBatchWorker(socket, mSettings, mJournal);
-        } catch (...) {  // no memory for a message; the batch sees the socket close
-        }
-        std::fflush(stderr);
-        _exit(0);
+        });
     }
 
     // Ends the worker, if there is one, and returns its wait status.
     int end(Worker& worker) {
-        int status = 0;
-        if (worker.socket >= 0) close(std::exchange(worker.socket, -1));
-        // It may have more to say than the pipe holds.
-        while (worker.process != 0 && waitpid(worker.process, &status, WNOHANG) == 0) {
-            pollfd event = {worker.errors, POLLIN, 0};
-            poll(&event, 1, 10);
-            passOn(worker);
-        }
-        if (worker.process != 0) mNoMore = false;  // it leaves room for another
-        worker.process = 0;
-        passOn(worker, true);
-        if (worker.errors >= 0) close(std::exchange(worker.errors, -1));
-        return status;
+        if (worker.isAlive()) mNoMore = false;  // it leaves room for another
+        return worker.end([&](bool atEnd) { passOn(worker, atEnd); });
     }
 
-    // Prints what the worker has written to standard error: whole lines; at its end all there is. Messages of
-    // this program get the number of the line.
+    // Prints what the worker has written to standard error. Messages of this program get the number of the
+    // line.
     void passOn(Worker& worker, bool atEnd = false) {
         static const std::string kName = "zvtext: ";
-        char block[4096];
-        ssize_t got;
-        for (int blocks = 0; blocks < 16 && (got = ::read(worker.errors, block, sizeof block)) > 0;
-             ++blocks) {
-            worker.said.append(block, static_cast<size_t>(got));
-        }
-        if (worker.said.size() > kMaxSaid || (atEnd && !worker.said.empty() && worker.said.back() != '\n')) {
-            worker.said += '\n';
-        }
         std::string text;
-        size_t begin = 0;
-        for (size_t end; (end = worker.said.find('\n', begin)) != std::string::npos; begin = end + 1) {
-            const std::string message = worker.said.substr(begin, end + 1 - begin);
+        for (const std::string& message : worker.takeErrors(atEnd)) {
             const bool own = message.compare(0, kName.size(), kName) == 0;
             text +=
                 own ? kName + "line " + std::to_string(worker.job.line) + ": " + message.substr(kName.size())
                     : message;
         }
-        worker.said.erase(0, begin);
         if (text.empty()) return;
         showProgress(false);
         std::fputs(printable(text).c_str(), stderr);
@@ -386,8 +315,7 @@ private:
 
     // The worker is gone, with the line it had.
     void buryWorker(Worker& worker) {
-        // If it should still be there, without its socket.
-        if (worker.process > 0) kill(worker.process, SIGKILL);
+        worker.kill();  // if it should still be there, without its socket
         const int status = end(worker);
         if (!worker.busy) return;
         worker.busy = false;
@@ -399,7 +327,7 @@ private:
 
     void answered(Worker& worker) {
         BatchResult result;
-        if (!worker.busy || !receiveResult(worker.socket, result)) return buryWorker(worker);
+        if (!worker.busy || !receiveResult(worker.socket(), result)) return buryWorker(worker);
         worker.busy = false;
         passOn(worker);
         if (result.last) end(worker);
@@ -479,10 +407,10 @@ private:
         const size_t fixed = events.size();
         std::vector<Worker*> polled;  // of those alone that live: poll takes no more entries than descriptors
         for (Worker& worker : mWorkers) {
-            if (worker.socket < 0 && worker.errors < 0) continue;
+            if (worker.socket() < 0 && worker.errors() < 0) continue;
             polled.push_back(&worker);
-            events.push_back({worker.socket, POLLIN, 0});
-            events.push_back({worker.errors, POLLIN, 0});
+            events.push_back({worker.socket(), POLLIN, 0});
+            events.push_back({worker.errors(), POLLIN, 0});
         }
         const int count = poll(events.data(), events.size(), mShowsProgress ? 200 : -1);
         if (count < 0 && errno != EINTR && errno != EAGAIN) {
