@@ -52,7 +52,7 @@ final class StyleTest {
                     + "'#f00', 'blend': 'color-dodge', 'opacity': 0.6}, {'spread': 14, 'knockout': true, 'color': '#123'}]}");
 
     private static final List<String> REFUSED = List.of(
-            "{'colour': '#fff'}", "{'size, color': 1}", "{'color': 'red'}", "{'color': '#12345'}", "{'color': 1}", "{'size': 0}", "{'size': 10001}",
+            "{'colour': '#fff'}", "{'size, color': 1}", "{'color-glyphs': 1}", "{'color': 'red'}", "{'color': '#12345'}", "{'color': 1}", "{'size': 0}", "{'size': 10001}",
             "{'size': '96'}", "{'opacity': 1.5}", "{'opacity': true}", "{'letter-spacing': -2}", "{'designed-for': -1}",
             "{'effects': {}}", "{'effects': [1]}", "{'effects': [{'type': 'glow'}]}", "{'effects': [{'type': 7}]}",
             "{'effects': [{'type': 'stroke'}, {'type': 'stroke'}]}", "{'effects': [{'type': 'stroke', 'width': 101}]}",

@@ -16,7 +16,8 @@ import java.util.Map;
  * How a text looks: a style file as {@code zvtext --style} reads it, or one of the presets. Immutable.
  *
  * <p>It is read with the platform's {@code org.json}, which is less strict about the form than {@code zvtext} (it takes the
- * last of two equal keys), and says no different about the values. A canvas is a colour or an object.
+ * last of two equal keys), and says no different about the values. A canvas is a colour or an object. Emoji are silhouettes in the text's colour
+ * whatever {@code color-glyphs} says.
  */
 public final class ZvStyle {
     static final Setting SIZE = Setting.number("size", 96, 0, 10000, "px").above();
@@ -24,7 +25,8 @@ public final class ZvStyle {
     static final Setting[] SETTINGS = {
         SIZE, Setting.color(0xFF000000), Setting.of("background", Type.COLOR, null), Setting.of("canvas", Type.CANVAS, null),
         Setting.number("letter-spacing", 0, -1, 10, "em"), Setting.of("features", Type.TEXT, null), Setting.opacity(1),
-        Setting.of("$schema", Type.TEXT, null), Setting.of("description", Type.TEXT, null), DESIGNED_FOR
+        Setting.of("color-glyphs", Type.FLAG, null), Setting.of("$schema", Type.TEXT, null),
+        Setting.of("description", Type.TEXT, null), DESIGNED_FOR
     };
     static final int MAX_LAYERS = 32;
 
@@ -66,7 +68,7 @@ public final class ZvStyle {
         static final Setting[] SETTINGS = {
             Setting.of("color", Type.COLOR, null), Setting.opacity(1), SPREAD,
             Setting.of("offset", Type.OFFSET, new double[2]), blend(), Setting.of("clip", Type.FLAG, false),
-            Setting.of("knockout", Type.FLAG, false)
+            Setting.of("knockout", Type.FLAG, false), Setting.of("color-glyphs", Type.FLAG, null)
         };
 
         final Integer color; // null: the text's
