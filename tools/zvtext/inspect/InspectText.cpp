@@ -150,8 +150,6 @@ void runInspectText(const InspectTextArguments& arguments) {
     Zvex::ZvTextObject object;
     if (!object.Construct()) throw std::bad_alloc();
     setText(object, scene, fonts);
-    const std::string far = farWarning(scene.text);
-    if (!far.empty()) warn({far});
     const LaidOutText laidOut = layOutText(object, scene, fonts);
     printReport(TextReport(scene, fonts, laidOut).make(), arguments.json);
 }
