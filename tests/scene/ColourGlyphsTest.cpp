@@ -4,11 +4,10 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <fstream>
-#include <sstream>
 
 #include "platform/host/FontFace.h"
 #include "scene/Scene.h"
+#include "tests/host/Fonts.h"
 
 namespace Zvex::scene {
 namespace {
@@ -35,14 +34,8 @@ uint32_t pixelAt(const Picture& picture, int x, int y) {
 
 // The picture in the emoji font.
 host::ColourImage imageOf(uint32_t codePoint, float size, host::Rendering rendering) {
-    std::stringstream bytes;
-    bytes << std::ifstream(kEmojiFont, std::ios::binary).rdbuf();
-    const std::string file = bytes.str();
-    const auto face = host::FontFace::open(file.data(), file.size(), 0);
-    hb_font_t* font = hb_font_create(face->hbFace());
-    hb_codepoint_t glyph = 0;
-    hb_font_get_nominal_glyph(font, codePoint, &glyph);
-    hb_font_destroy(font);
+    const auto face = fonts::open(fonts::Role::kEmoji);
+    const uint32_t glyph = fonts::glyphOf(*face, codePoint);
     host::GlyphStyle style;
     style.size = size;
     style.rendering = rendering;
@@ -84,31 +77,36 @@ TEST(ColourGlyphs, EmojiAreTheFontsPicturesAtEverySize) {
     }
 }
 
-// Outside the emoji's shape the effects are those of its silhouette, and the text keeps its bytes.
+// Outside the emoji's shape the picture is that with its silhouette: the text and the effects keep their
+// bytes. Along its edge the stroke goes on beneath.
 TEST(ColourGlyphs, EffectsGoAroundTheShape) {
-    for (const double opacity : {1.0, 0.6}) {
-        Scene scene = emojiScene("A\U0001F9D0\U0001F1E9\U0001F1EA\U0001F44D\U0001F3FDx", 60);
+    Scene plain = emojiScene("A\U0001F9D0\U0001F1E9\U0001F1EA\U0001F44D\U0001F3FDx", 60);
+    const Picture shape = render(plain).picture;
+    for (const bool ground : {false, true}) {
+        Scene scene = emojiScene(plain.text, 60);
         scene.style.effects = {StrokeSettings(), OuterShadowSettings(), InnerGlowSettings()};
-        scene.style.background = 0xFFE0F0FF;
-        scene.style.opacity = opacity;
-        const Picture colored = render(scene).picture;
+        if (ground) scene.style.background = 0xFFE0F0FF;
+        if (ground) scene.style.opacity = 0.6;
+        const Rendering colored = render(scene);
         scene.style.colorGlyphs = false;
         const Picture silhouettes = render(scene).picture;
-        ASSERT_EQ(silhouettes.pixels.size(), colored.pixels.size());
-        const Metrics metrics = measure(scene).metrics;
-        const std::vector<ClusterMetrics>& clusters = metrics.lines.at(0).clusters;
-        ASSERT_EQ(clusters.size(), 5u);
-        const auto leftOfEmoji = static_cast<int>(clusters[1].box.left),
-                   rightOfEmoji = static_cast<int>(clusters[4].box.left);
-        int changed = 0;
-        for (int y = 0; y < colored.height; ++y) {
-            for (int x = 0; x < colored.width; ++x) {
-                const bool differs = pixelAt(colored, x, y) != pixelAt(silhouettes, x, y);
-                ASSERT_FALSE(differs && (x < leftOfEmoji || x >= rightOfEmoji)) << x << ", " << y;
-                changed += differs;
+        const ClusterMetrics *clusters = colored.metrics.lines.at(0).clusters.data(), &last = clusters[4];
+        const Margins& margins = colored.metrics.margins;
+        int inside = 0, edge = 0;
+        for (int y = 0; y < silhouettes.height; ++y) {
+            for (int x = 0; x < silhouettes.width; ++x) {
+                const uint32_t made = pixelAt(colored.picture, x, y), flat = pixelAt(silhouettes, x, y);
+                const uint32_t alpha = pixelAt(shape, x - margins.left, y - margins.top) >> 24;
+                const bool letter =
+                    static_cast<float>(x) < clusters[1].box.left || static_cast<float>(x) >= last.box.left;
+                ASSERT_TRUE(made == flat || (alpha > 0 && !letter)) << x << ", " << y;
+                ASSERT_NEAR(made >> 24, flat >> 24, ground ? 32 : 8) << x << ", " << y;
+                inside += alpha == 255 && made != flat;
+                edge += alpha < 255 && made != flat;
             }
         }
-        EXPECT_GT(changed, 3000);
+        EXPECT_GT(inside, 3000);
+        EXPECT_GT(edge, 300);
     }
 }
 
@@ -142,6 +140,20 @@ TEST(ColourGlyphs, TheFrontLayerHasThemUnlessOthersAskForThem) {
     EXPECT_EQ(behind.pixels[middle] & 0xFFFFFF, 0x2040C0u);
     scene.style.layers[1].colorGlyphs.reset();
     EXPECT_NE(render(scene).picture.pixels[middle] & 0xFFFFFF, 0x2040C0u);
+}
+
+TEST(ColourGlyphs, AWarningTellsOfSilhouettesThatAreNotWanted) {
+    std::string table;
+    fonts::put(table, 2, {0, 0, 10, 0, 0, 1, 0, 0xFFFF});  // one document, for all glyphs
+    fonts::put(table, 4, {14, 6});
+    Scene scene = emojiScene("A", 40);
+    scene.font = Font::fromBytes(
+        fonts::withTables(fonts::Role::kLatinSmall, {{HB_TAG('S', 'V', 'G', ' '), table + "<svg/>"}}));
+    EXPECT_NE(render(scene).warnings.at(0).find("SVG"), std::string::npos);
+    scene.style.colorGlyphs = false;
+    EXPECT_TRUE(render(scene).warnings.empty());
+    Scene large = emojiScene("\U0001F44D", 4000);
+    EXPECT_NE(measure(large).warnings.at(0).find("large"), std::string::npos);
 }
 
 TEST(Render, CharactersOfEveryPlaneAreThemselves) {
