@@ -96,7 +96,7 @@ Style& namedPattern(Style& style) {
             picture.width = 2, picture.height = 1;
             picture.pixels = {0xFFFF8000, 0x40102030};
             pattern->file = file.write(encodePng(picture));
-            pattern->scope = FolderScope();
+            pattern->source = nullptr;
         }
     }
     return style;

@@ -96,7 +96,7 @@ struct FieldsOf {
                 {"opacity", NumberField{&s.opacity, kShare}, kEffectOpacity}};
     }
     Fields operator()(PatternSettings& s) const {
-        return {required({"file", FileField{&s.file, &s.scope},
+        return {required({"file", FileField{&s.file, &s.source},
                           "The PNG whose copies fill the text; of a style file, in its folder or below"}),
                 {"scale", NumberField{&s.scale, kPatternScale},
                  "The picture's pixels for each pixel of the file"},
@@ -145,7 +145,7 @@ constexpr size_t kMaxPngBytes = size_t{512} << 20;
 
 Picture readPicture(const PatternSettings& s) {
     const std::string option = "--pattern", path = s.file == "-" ? "./-" : s.file;
-    return decodePng(option + ": '" + s.file + "'", readFile(option, path, kMaxPngBytes, s.scope));
+    return decodePng(option + ": '" + s.file + "'", *orDefault(s.source).read(option, path, kMaxPngBytes));
 }
 
 // In the layout that the effect reads: 4 bytes a pixel, alpha, red, green, blue, straight.

@@ -65,8 +65,8 @@ struct StrokeSettings {
 };
 
 struct PatternSettings {
-    std::string file;  // a PNG; as the program finds it from its working folder
-    FolderScope scope;
+    std::string file;                                // a PNG; as the program finds it from its working folder
+    std::shared_ptr<const Source> source = nullptr;  // of the file; null: see orDefault
     double scale = 1;
     double opacity = 1;
 };

@@ -93,7 +93,7 @@ struct ReadJson {
     }
     void operator()(const StyleField& field) const {
         if (!json.is_object()) return readText(field);
-        readStyleJson(place, json, *field.style, places.scope);
+        readStyleJson(place, json, *field.style, places.source);
     }
     // Colours, choices and texts are written as on the command line.
     template <typename AsText>
@@ -137,9 +137,7 @@ struct WriteValue {
         }
         return stops;
     }
-    Json operator()(const FileField& field) const {
-        return fs::absolute(*field.value).lexically_normal().string();
-    }
+    Json operator()(const FileField& field) const { return orDefault(*field.source).fullName(*field.value); }
     template <typename AsText>
     Json operator()(const AsText& field) const {
         return formatValue({"", field});

@@ -24,7 +24,8 @@ EffectSettings readEffect(const std::string& place, const Json& json, const std:
                           const EffectKind* (*find)(const std::string&), const FilePlaces& places);
 
 // A style, as readStyleText reads it.
-void readStyleJson(const std::string& option, const Json& json, Style& style, const FolderScope& scope);
+void readStyleJson(const std::string& option, const Json& json, Style& style,
+                   const std::shared_ptr<const Source>& source);
 
 // Leaves out what is empty: no background, no features, no stops.
 Json writeObject(const Fields& fields);

@@ -89,16 +89,16 @@ struct ReadText {
         if (text.empty()) refuse();
         const bool relative = !places.folder.empty() && std::filesystem::path(text).is_relative();
         *field.value = relative ? (places.folder / std::filesystem::path(text)).string() : text;
-        *field.scope = places.scope;
+        *field.source = places.source;
     }
     void operator()(const FontField& field) const {
         field.value->name = text;
         field.value->bytes = nullptr;
-        field.value->scope = places.fonts;
+        field.value->source = places.fonts;
     }
     void operator()(const FontsField& field) const {
         Font font(text);
-        font.scope = places.fonts;
+        font.source = places.fonts;
         *field.value = {font};
     }
     void operator()(const EffectField& field) const {
@@ -106,9 +106,9 @@ struct ReadText {
     }
     void operator()(const StyleField& field) const {
         if (text.rfind('{', 0) == 0) {
-            readStyleText(where, text, *field.style, places.scope);
+            readStyleText(where, text, *field.style, places.source);
         } else {
-            readStyle(where, text, *field.style, places.reads, places.scope);
+            readStyle(where, text, *field.style, places.source);
         }
     }
     void operator()(const PresetField& field) const { readPreset(where, text, *field.style); }

@@ -10,7 +10,7 @@
 #include <variant>
 #include <vector>
 
-#include "scene/FolderScope.h"
+#include "scene/Source.h"
 #include "scene/Values.h"
 
 namespace Zvex::scene {
@@ -114,7 +114,7 @@ struct TextField {
 };
 struct FileField {  // a path; from a style file, relative to the style's folder
     std::string* value;
-    FolderScope* scope;  // where the file may lie
+    std::shared_ptr<const Source>* source;  // of the file
 };
 struct FontField {  // a file or a name, as chooseFont reads it
     Font* value;
@@ -167,10 +167,9 @@ std::vector<std::pair<std::string, NumberField>> lengthsOf(const Fields& fields)
 
 // Where files lie that values name.
 struct FilePlaces {
-    std::string folder;  // what relative names are relative to; empty: the working folder
-    FolderScope scope;   // where the files may lie
-    FolderScope fonts;   // and those of fonts
-    ReadOptions reads;   // what style files may name beyond that
+    std::string folder;                    // what relative names are relative to; empty: the working folder
+    std::shared_ptr<const Source> source;  // of files and styles; null: see orDefault
+    std::shared_ptr<const Source> fonts;
 };
 
 // Puts the value written in `text` into the field. `where` opens the message of the UsageError thrown where

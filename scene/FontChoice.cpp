@@ -1,9 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "scene/FontChoice.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
-
 #include <algorithm>
 #include <map>
 
@@ -14,15 +11,6 @@
 namespace Zvex::scene {
 
 namespace {
-
-// A folder is none: one that is called as a font is must not hide it.
-// Outside the scope nothing is one, so that no message tells what is there.
-bool isFile(const std::string& path, const FolderScope& scope) {
-    const Descriptor found(open(path.c_str(), O_PATH | O_CLOEXEC));
-    struct stat status;
-    return found && (scope.isAnywhere() || scope.holds(found)) && fstat(found.number(), &status) == 0 &&
-           !S_ISDIR(status.st_mode);
-}
 
 bool endsAsFontFile(const std::string& text) {
     const size_t dot = text.rfind('.');
@@ -44,7 +32,7 @@ bool readIndex(const std::string& option, const std::string& text, FontChoice& c
     const std::string path = text.substr(0, hash), number = text.substr(hash + 1);
     const bool isNumber = !number.empty() && std::all_of(number.begin(), number.end(),
                                                          [](char c) { return c >= '0' && c <= '9'; });
-    const bool isFont = isFile(path, choice.scope) || endsAsFontFile(path);
+    const bool isFont = orDefault(choice.source).has(path) || endsAsFontFile(path);
     if (isFont && !isNumber) {
         throw UsageError(option + ": '" + number + "' after '" + path +
                          "' is no number of a font in a collection; write FILE#0 for the first");
@@ -57,11 +45,12 @@ bool readIndex(const std::string& option, const std::string& text, FontChoice& c
 
 }  // namespace
 
-FontChoice chooseFont(const std::string& option, const std::string& text, const FolderScope& scope) {
+FontChoice chooseFont(const std::string& option, const std::string& text,
+                      const std::shared_ptr<const Source>& source) {
     FontChoice choice;
     choice.path = text;
-    choice.scope = scope;
-    if (text.empty() || isFile(text, scope) || readIndex(option, text, choice) || looksLikeFile(text))
+    choice.source = source;
+    if (text.empty() || orDefault(source).has(text) || readIndex(option, text, choice) || looksLikeFile(text))
         return choice;
     // A batch asks for the same few names line by line, and a match costs as much as a small picture.
     static std::map<std::string, FontChoice> answers;

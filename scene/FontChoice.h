@@ -14,9 +14,10 @@ namespace Zvex::scene {
 // slant, width, style or language asked for, is a Failure that says which font it would have been. Generic
 // names (sans-serif, monospace, ...) and patterns without a family take what is answered. What is no pattern
 // or no number of a font is a UsageError. Every message starts with `option`. A pattern is answered once a
-// process. A file lies in `scope`, which loadFont sees to; what a name leads to may lie anywhere. One thread
-// at a time.
-FontChoice chooseFont(const std::string& option, const std::string& text, const FolderScope& scope = {});
+// process. A file is one of the source, which loadFont reads; what a name leads to may lie anywhere. One
+// thread at a time.
+FontChoice chooseFont(const std::string& option, const std::string& text,
+                      const std::shared_ptr<const Source>& source = nullptr);
 
 }  // namespace Zvex::scene
 

@@ -225,9 +225,11 @@ std::shared_ptr<const LoadedFont> readFont(const std::string& option, const Font
     const std::string& path = choice.path;
     if (path.empty()) throw UsageError(option + ": the path is empty");
     // readFile would read standard input for "-", but a font is always a file.
-    const std::string content =
-        choice.bytes != nullptr ? *choice.bytes
-                                : readFile(option, path == "-" ? "./-" : path, kMaxFontBytes, choice.scope);
+    const Bytes bytes =
+        choice.bytes != nullptr
+            ? choice.bytes
+            : orDefault(choice.source).read(option, path == "-" ? "./-" : path, kMaxFontBytes);
+    const std::string& content = *bytes;
     if (content.empty()) throw Failure(option + ": '" + path + "' is empty");
     if (content.compare(0, 4, "wOFF") == 0 || content.compare(0, 4, "wOF2") == 0) {
         throw Failure(option + ": '" + path + "' is a compressed font (WOFF); unpack it to .ttf or .otf");
@@ -306,15 +308,16 @@ std::string tagName(hb_tag_t tag) {
 
 std::shared_ptr<const LoadedFont> loadFont(const std::string& option, const FontChoice& choice,
                                            const std::string& axesOption, const std::string& axes) {
-    // The key does not use name(), because a file's name may look like that of a font in a collection. The
-    // bytes of a loaded font stay in memory, so their address is unique.
-    using Key = std::tuple<std::string, int, unsigned, std::string, std::string, const void*>;
+    // The key is not name(), because a file's name may look like the name of a font in a collection. A font
+    // holds its bytes and its source, so their addresses are theirs alone.
+    using Key = std::tuple<std::string, int, unsigned, std::string, std::string, const void*, const void*>;
     static std::map<Key, std::shared_ptr<const LoadedFont>> loaded;
-    const Key key(choice.path, choice.index, choice.instance, choice.variations, axes, choice.bytes.get());
+    const Source& source = orDefault(choice.source);
+    const Key key(choice.path, choice.index, choice.instance, choice.variations, axes, choice.bytes.get(),
+                  source.realm());
     const auto found = loaded.find(key);
-    // It may have been loaded for a caller with a wider scope.
-    if (found != loaded.end() && !choice.scope.isAnywhere() && choice.bytes == nullptr)
-        choice.scope.openFile(option, choice.path);
+    // It may have been loaded for a caller that may read more.
+    if (found != loaded.end() && choice.bytes == nullptr) source.check(option, choice.path);
     if (found != loaded.end()) return found->second;
     return loaded[key] = readFont(option, choice, axesOption, axes, loaded.size());
 }

@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "platform/host/FontFace.h"
-#include "scene/FolderScope.h"
+#include "scene/Source.h"
 
 namespace Zvex::scene {
 
@@ -21,8 +21,8 @@ struct FontChoice {
     int index = 0;           // in a collection
     unsigned instance = 0;   // the named instance that gives the axis values, from 1; 0: their defaults
     std::string variations;  // "wght=650,opsz=20"; overrides the instance's values
-    FolderScope scope;       // folders that the file may be in
-    std::shared_ptr<const std::string> bytes;  // the font's bytes, instead of a file
+    std::shared_ptr<const Source> source;  // of the file; null: see orDefault
+    Bytes bytes;                           // the font's bytes, instead of a file
 
     std::string name() const;  // "FILE", or "FILE#INDEX" where the index is not 0
 };

@@ -20,7 +20,7 @@ namespace Zvex::scene {
 struct Font {
     std::string name;
     std::string axes;                          // "wght=650,opsz=20"; empty: as it stands
-    FolderScope scope;                         // where the file may lie
+    std::shared_ptr<const Source> source;      // of the file; null: see orDefault
     std::shared_ptr<const std::string> bytes;  // in place of a file; fonts stay loaded as long as the process
 
     Font() = default;
@@ -33,7 +33,7 @@ struct Font {
     }
 
     bool operator==(const Font& other) const {
-        return name == other.name && axes == other.axes && scope == other.scope && bytes == other.bytes;
+        return name == other.name && axes == other.axes && source == other.source && bytes == other.bytes;
     }
 };
 

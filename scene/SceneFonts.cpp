@@ -241,7 +241,7 @@ SceneFonts takeFonts(const Scene& scene) {
         FontChoice choice;
         choice.path = "bytes";
         choice.bytes = font.bytes;
-        if (font.bytes == nullptr) choice = chooseFont(option, font.name, font.scope);
+        if (font.bytes == nullptr) choice = chooseFont(option, font.name, font.source);
         taken.fonts.push_back(loadFont(option, choice, "--axes", font.axes));
     };
     {

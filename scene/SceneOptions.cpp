@@ -104,7 +104,7 @@ Fields fieldsOf(SceneOptions& options) {
     addFields(fields,
               {{"text", TextField{&options.scene.text, std::string::npos},
                 "The text, UTF-8; - reads standard input"},
-               {"text-file", FileField{&options.textFile, &options.textScope},
+               {"text-file", FileField{&options.textFile, &options.textSource},
                 "Read the text from a file; - is standard input"}},
               "Text");
     addFields(fields, fieldsOf(options.scene));
@@ -141,7 +141,7 @@ Scene sceneOf(SceneOptions options) {
     if (!scene.text.empty() && !options.textFile.empty())
         throw UsageError("--text-file: the text is given as an argument already");
     scene.text =
-        options.textFile.empty() ? checkedText(scene.text) : readText(options.textFile, options.textScope);
+        options.textFile.empty() ? checkedText(scene.text) : readText(options.textFile, options.textSource);
     return scene;
 }
 

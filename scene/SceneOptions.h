@@ -17,7 +17,7 @@ namespace Zvex::scene {
 struct SceneOptions {
     Scene scene;
     std::string textFile;  // in place of the text; "-" is standard input
-    FolderScope textScope;
+    std::shared_ptr<const Source> textSource;
     double scale = 1;
 };
 Fields fieldsOf(SceneOptions& options);

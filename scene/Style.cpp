@@ -146,16 +146,13 @@ Fields fieldsOf(StyleNotes& notes) {
          "The text size that the effects' pixels are meant for; they grow and shrink with the text's own"}};
 }
 
-StyleNotes readStyle(const std::string& option, const std::string& path, Style& style,
-                     const ReadOptions& reads, const FolderScope& scope) {
-    const std::string text = readFile(option, path, kMaxStyleBytes, scope);
-    const std::string where = option + ": " + (path == "-" ? "standard input" : "'" + path + "'");
-    const fs::path folder = fs::path(path).parent_path();
-    // A name that leads back into the scope may begin outside, and its folder is not the style's then.
-    std::vector<std::string> own;
-    const std::string resolved = resolvedPath(folder.empty() ? "." : folder.string());
-    if (!resolved.empty() && scope.holds(resolved)) own.push_back(resolved);
-    return readContent(where, text, {folder, reads.scopeWith(own, "a style"), {}, {}}, style);
+StyleNotes readStyle(const std::string& option, const std::string& name, Style& style,
+                     const std::shared_ptr<const Source>& source) {
+    const Bytes text = orDefault(source).read(option, name, kMaxStyleBytes);
+    const std::string where = option + ": " + (name == "-" ? "standard input" : "'" + name + "'");
+    std::shared_ptr<const Source> files = orDefault(source).ofStyle(name);
+    if (files == nullptr) files = source;
+    return readContent(where, *text, {fs::path(name).parent_path(), files, {}}, style);
 }
 
 StyleNotes readPreset(const std::string& option, const std::string& name, Style& style) {
@@ -228,23 +225,24 @@ UsageError within(const std::string& option, const UsageError& error) {
 
 }  // namespace
 
-void readStyleJson(const std::string& option, const Json& json, Style& style, const FolderScope& scope) {
+void readStyleJson(const std::string& option, const Json& json, Style& style,
+                   const std::shared_ptr<const Source>& source) {
     try {
-        read(json, {"", scope, {}, {}}, style);
+        read(json, {"", source, {}}, style);
     } catch (const UsageError& error) {
         throw within(option, error);
     }
 }
 
 void readStyleText(const std::string& option, const std::string& text, Style& style,
-                   const FolderScope& scope) {
+                   const std::shared_ptr<const Source>& source) {
     Json json;
     try {
         json = parseJson(text);
     } catch (const UsageError& error) {
         throw within(option, error);
     }
-    readStyleJson(option, json, style, scope);
+    readStyleJson(option, json, style, source);
 }
 
 std::string writeStyle(const Style& style) {

@@ -9,7 +9,6 @@
 
 #include "scene/Effects.h"
 #include "scene/Fields.h"
-#include "scene/FolderScope.h"
 #include "scene/Layers.h"
 
 namespace Zvex::scene {
@@ -62,10 +61,10 @@ Fields fieldsOf(StyleNotes& notes);
 // Reads a style file into `style`, "-" being standard input: what the file sets is replaced, its effects are
 // added or replace those of their kind, its layers replace those before. Throws Failure with one line that
 // starts with `option` and names the file, the place in it ("effects[2].stops[0].position") and what is
-// accepted there. The file itself lies in `scope`; patterns are looked for where `reads` allows it as well,
-// once they are drawn.
-StyleNotes readStyle(const std::string& option, const std::string& path, Style& style,
-                     const ReadOptions& reads = {}, const FolderScope& scope = {});
+// accepted there. Patterns are read from the source of the style (see Source::ofStyle) once they are
+// drawn.
+StyleNotes readStyle(const std::string& option, const std::string& name, Style& style,
+                     const std::shared_ptr<const Source>& source = nullptr);
 
 // The same with one of the presets; throws UsageError, which lists them, where there is none of that name.
 StyleNotes readPreset(const std::string& option, const std::string& name, Style& style);
@@ -85,9 +84,9 @@ Style styleFromPreset(const std::string& name);
 void fitEffects(Style& style);
 
 // The same from the text itself, which messages do not repeat; a pattern's file is relative to the working
-// folder and lies in `scope`. Throws UsageError.
+// folder, or a name of the source. Throws UsageError.
 void readStyleText(const std::string& option, const std::string& text, Style& style,
-                   const FolderScope& scope = {});
+                   const std::shared_ptr<const Source>& source = nullptr);
 
 // The style as a file's content. Reading it gives the same style; the paths of patterns become absolute.
 // Throws Failure where a text is not UTF-8.

@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <string>
 
-#include "scene/FolderScope.h"
+#include "scene/Source.h"
 
 namespace Zvex::scene {
 
@@ -15,17 +15,12 @@ constexpr size_t kMaxTextBytes = size_t{4} << 20;
 // is larger than kMaxTextBytes.
 std::string checkedText(const std::string& text);
 
-// The same from a file in `scope`, or from standard input for "-": one line ending at the very end is
+// The same from a file of the source, or from standard input for "-": one line ending at the very end is
 // dropped, and CR LF becomes LF. Throws Failure.
-std::string readText(const std::string& file, const FolderScope& scope = {});
+std::string readText(const std::string& file, const std::shared_ptr<const Source>& source = nullptr);
 
 // Why the text cannot be drawn, or empty.
 std::string faultOf(const std::string& text);
-
-// The whole of a file in `scope`, or of standard input for "-". Throws Failure, its message starting with
-// `option`. No more than a little above maxBytes is read, whatever the file is.
-std::string readFile(const std::string& option, const std::string& path, size_t maxBytes,
-                     const FolderScope& scope = {});
 
 // The text as a terminal may have it: '?' for control characters (but line ends), U+0080 to U+009F among
 // them, and for what is no UTF-8.

@@ -25,8 +25,11 @@ TEST(Bare, DrawsWithTheBytesOfAFontAndTheTextOfAStyle) {
     EXPECT_GT(std::count(pixels.begin(), pixels.end(), 0xFF000000u), 300);
     EXPECT_EQ(made.warnings.size(), 1u);
     EXPECT_THROW(encodePng(made.picture), Failure);
-    scene.font = "DejaVu Sans";
-    EXPECT_THROW(render(scene), Failure);
+    for (const char* name : {"DejaVu Sans", "/usr/share/fonts/truetype/dejavu/DejaVuSans-Bold.ttf"}) {
+        scene.font = name;
+        EXPECT_THROW(render(scene), Failure);
+    }
+    EXPECT_THROW(styleFromFile("/dev/null"), Failure);
 }
 
 }  // namespace

@@ -3,12 +3,14 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <fstream>
 #include <functional>
 #include <sstream>
 
 #include "scene/Failure.h"
+#include "scene/Png.h"
 #include "tests/scene/Refusal.h"
 
 namespace Zvex::scene {
@@ -122,6 +124,42 @@ TEST(Render, ErrorsSayPlaceAndCauseAndWarningsComeWithThePicture) {
     EXPECT_EQ(render(scene).warnings[0].rfind("no font has U+E123", 0), 0u);
     std::istringstream lines(testing::internal::GetCapturedStderr());
     for (std::string line; std::getline(lines, line);) EXPECT_EQ(line.rfind("D/", 0), 0u) << line;
+}
+
+TEST(Render, ReadsStylesPatternsAndFontsByNameFromBytes) {
+    const auto bytesOf = [](const std::string& path) {
+        std::stringstream bytes;
+        bytes << std::ifstream(path, std::ios::binary).rdbuf();
+        return std::make_shared<const std::string>(bytes.str());
+    };
+    const Picture dots = {4, 4, std::vector<uint32_t>(16, 0xFFFF0000)};
+    const Bytes style = std::make_shared<const std::string>(
+        R"({"effects": [{"type": "pattern", "file": "dots.png"}], "canvas": "pattern:sub/dots.png"})");
+    const Bytes png = std::make_shared<const std::string>(encodePng(dots));
+    const auto source = namedBytes({{"looks/a.json", style},
+                                    {"looks/dots.png", png},
+                                    {"looks/sub/dots.png", png},
+                                    {"a.ttf", bytesOf(kFont)}});
+    Scene scene = sceneOf("Named");
+    scene.style = Style();
+    readStyle("style", "looks/a.json", scene.style, source);
+    scene.font = "a.ttf";
+    scene.font.source = source;
+    const Picture made = render(scene).picture;
+    EXPECT_TRUE(std::all_of(made.pixels.begin(), made.pixels.end(), [](uint32_t pixel) {
+        return (pixel & 0xFFFFFF) > 0xF00000 && (pixel & 0xFFFF) == 0;
+    }));
+    EXPECT_NE(writeStyle(scene.style).find("\"looks/sub/dots.png\""), std::string::npos);
+    // Another source has another font of that name, although one is loaded.
+    Scene other = scene;
+    other.style = Style();
+    other.font.source = namedBytes({{"a.ttf", bytesOf(kCjk)}});
+    EXPECT_NE(measure(other).picture.width, measure(scene).picture.width);
+    other.font.source = namedBytes({});
+    EXPECT_EQ(refusal([&] { measure(other); }), "--font: there is no 'a.ttf'");
+    other.style.add(PatternSettings{"none.png", source});
+    other.font.source = source;
+    EXPECT_EQ(refusal([&] { measure(other); }), "--pattern: there is no 'none.png'");
 }
 
 // The places of what is set in code; no number reaches the library unseen.

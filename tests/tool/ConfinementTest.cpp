@@ -3,6 +3,7 @@
 #include <atomic>
 #include <thread>
 
+#include "scene/FileSource.h"
 #include "scene/FolderScope.h"
 #include "scene/Png.h"
 #include "scene/TextInput.h"

@@ -5,6 +5,7 @@
 #include <CLI/App.hpp>
 #include <string>
 
+#include "scene/FolderScope.h"
 #include "scene/SceneOptions.h"
 
 namespace zvtext {

@@ -22,6 +22,7 @@
 #include <vector>
 
 #include "scene/Failure.h"
+#include "scene/FileSource.h"
 #include "scene/TextInput.h"
 #include "scene/Values.h"
 #include "tools/zvtext/Options.h"
@@ -149,12 +150,13 @@ private:
         settings.resumes = arguments.resume;
         std::vector<std::string> own = {"."};
         if (arguments.input != "-") own.push_back(fs::path(arguments.input).parent_path());
-        const FolderScope scope = arguments.reads.scopeWith(own, "a line of a batch");
-        settings.reads = {"", scope, scope, arguments.reads};
+        settings.readable = arguments.reads.scopeWith(own, "a line of a batch");
+        const auto files = fileSource(settings.readable, arguments.reads);
+        settings.reads = {"", files, files};
         Digest digest;
         for (const auto& [name, value] : arguments.given) digest.add(name).add(plainText(value));
         settings.digest = digest.hex();
-        readOptions(fieldsOf(settings.defaults), arguments.given, {"", {}, {}, arguments.reads});
+        readOptions(fieldsOf(settings.defaults), arguments.given, {"", fileSource({}, arguments.reads), {}});
         SceneOptions trial = settings.defaults.scene;
         trial.scene.text = "text";
         trial.textFile.clear();

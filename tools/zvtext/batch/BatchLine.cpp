@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "scene/Failure.h"
+#include "scene/FileSource.h"
 #include "scene/SystemFonts.h"
 
 namespace zvtext {
@@ -31,7 +32,8 @@ LineNames readLineNames(const std::string& line) {
     return names;
 }
 
-RenderOptions readLine(const std::string& line, const RenderOptions& defaults, FilePlaces places) {
+RenderOptions readLine(const std::string& line, const RenderOptions& defaults, FilePlaces places,
+                       const FolderScope& readable) {
     GivenOptions given = readGiven(line, kName);
     given.erase(std::remove_if(given.begin(), given.end(), namesFile), given.end());
     const auto gives = [&](const char* name) {
@@ -41,9 +43,13 @@ RenderOptions readLine(const std::string& line, const RenderOptions& defaults, F
     RenderOptions options = defaults;
     if (gives("text")) options.scene.textFile.clear();
     // Names lead to the system's fonts anyway.
-    if (!places.fonts.isAnywhere() && (gives("font") || gives("fallback"))) {
-        static const std::vector<std::string> folders = systemFontFolders();
-        places.fonts.addQuietly(folders);
+    if (!readable.isAnywhere() && (gives("font") || gives("fallback"))) {
+        static const auto fonts = [&] {  // the same for all lines of a process
+            FolderScope scope = readable;
+            scope.addQuietly(systemFontFolders());
+            return fileSource(std::move(scope));
+        }();
+        places.fonts = fonts;
     }
     readOptions(fieldsOf(options), given, places);
     return options;

@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 
+#include "scene/FolderScope.h"
 #include "tools/zvtext/render/RenderCommand.h"
 
 namespace zvtext {
@@ -25,7 +26,8 @@ LineNames readLineNames(const std::string& line);
 // What the line asks for, its files left aside; the defaults hold for what it leaves out. Its effects come
 // behind those of the defaults or replace them. Files that lines name lie in the places, fonts in the
 // system's folders as well. Throws UsageError or Failure.
-RenderOptions readLine(const std::string& line, const RenderOptions& defaults, FilePlaces places);
+RenderOptions readLine(const std::string& line, const RenderOptions& defaults, FilePlaces places,
+                       const FolderScope& readable = {});
 
 }  // namespace zvtext
 

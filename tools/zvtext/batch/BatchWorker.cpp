@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "scene/Failure.h"
+#include "scene/FileSource.h"
 #include "scene/Json.h"
 #include "scene/Scene.h"
 #include "scene/SceneFonts.h"
@@ -139,7 +140,7 @@ private:
 
     BatchResult render(const BatchJob& job) {
         const auto begin = std::chrono::steady_clock::now();
-        RenderOptions options = readLine(job.json, mSettings.defaults, mSettings.reads);
+        RenderOptions options = readLine(job.json, mSettings.defaults, mSettings.reads, mSettings.readable);
         options.output.metrics = job.metrics;
         options.output.scope = mSettings.writes;
         checkOutput(job.path, options.output, "--output");
@@ -215,7 +216,7 @@ private:
         for (const EffectSettings* effect : allEffects(scene.style)) {
             const auto* pattern = std::get_if<PatternSettings>(effect);
             if (pattern == nullptr) continue;
-            if (!pattern->scope.isAnywhere()) pattern->scope.openFile("--pattern", pattern->file);
+            orDefault(pattern->source).check("--pattern", pattern->file);
             digest.add(fileMark(pattern->file));
         }
         return digest.hex();

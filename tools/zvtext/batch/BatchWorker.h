@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <string>
 
+#include "scene/FolderScope.h"
 #include "tools/zvtext/batch/BatchJournal.h"
 #include "tools/zvtext/render/RenderCommand.h"
 
@@ -37,7 +38,8 @@ BatchResult failedResult(uint64_t line, const std::string& path, const std::stri
 // What all lines have in common.
 struct BatchSettings {
     RenderOptions defaults;
-    FilePlaces reads;      // where the files may lie that lines name
+    FolderScope readable;  // where the files may lie that lines name
+    FilePlaces reads;      // these files
     FolderScope writes;    // and their pictures and metrics
     std::string digest;    // of the defaults as given
     bool resumes = false;  // leaves the pictures that are there, whole and the line's own

@@ -7,6 +7,7 @@
 #include <map>
 #include <string>
 
+#include "scene/FolderScope.h"
 #include "scene/Json.h"
 #include "tools/zvtext/render/RenderCommand.h"
 

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "scene/FileSource.h"
 #include "scene/Json.h"
 #include "scene/LayeredScene.h"
 #include "scene/Presets.h"
@@ -89,8 +90,8 @@ void runInspectStyle(const InspectStyleArguments& a) {
     Style style;
     const bool preset = std::any_of(presets().begin(), presets().end(),
                                     [&](const Preset& candidate) { return a.style == candidate.name; });
-    const StyleNotes notes =
-        preset ? readPreset("STYLE", a.style, style) : readStyle("STYLE", a.style, style, a.reads);
+    const StyleNotes notes = preset ? readPreset("STYLE", a.style, style)
+                                    : readStyle("STYLE", a.style, style, fileSource({}, a.reads));
     if (a.size > 0) style.size = a.size;
     fitEffects(style);
 

@@ -8,6 +8,7 @@
 
 #include "platform/host/BidiRuns.h"
 #include "platform/host/Clusters.h"
+#include "scene/FileSource.h"
 #include "scene/Json.h"
 #include "scene/SceneFonts.h"
 #include "scene/SceneLayout.h"
@@ -144,7 +145,7 @@ private:
 
 void runInspectText(const InspectTextArguments& arguments) {
     SceneOptions options;
-    readOptions(fieldsOf(options), arguments.given, {"", {}, {}, arguments.reads});
+    readOptions(fieldsOf(options), arguments.given, {"", fileSource({}, arguments.reads), {}});
     const Scene scene = sceneOf(std::move(options));
     const SceneFonts fonts = takeFonts(scene);
     Zvex::ZvTextObject object;

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "scene/Fields.h"
+#include "scene/FolderScope.h"
 #include "scene/Png.h"
 #include "scene/Rendering.h"
 

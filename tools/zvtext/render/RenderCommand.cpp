@@ -4,6 +4,7 @@
 #include <CLI/CLI.hpp>
 
 #include "scene/Failure.h"
+#include "scene/FileSource.h"
 #include "scene/TextInput.h"
 #include "tools/zvtext/Options.h"
 #include "tools/zvtext/render/OutputFile.h"
@@ -57,7 +58,7 @@ void addRenderOptions(CLI::App& command, RenderArguments& a) {
 
 RenderOptions readRenderOptions(const RenderArguments& arguments) {
     RenderOptions options;
-    readOptions(fieldsOf(options), arguments.given, {"", {}, {}, arguments.reads});
+    readOptions(fieldsOf(options), arguments.given, {"", fileSource({}, arguments.reads), {}});
     options.output.metrics = arguments.metrics;
     return options;
 }

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "scene/FolderScope.h"
 #include "scene/SceneOptions.h"
 #include "tools/zvtext/render/Output.h"
 
