@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: Apache-2.0
+#include <SkPaint.h>
 #include <SkRefCnt.h>
 #include <SkStream.h>
 #include <SkTypeface.h>
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <memory>
 
 #include "Fonts.h"
@@ -56,6 +58,14 @@ TEST(SkTypeface, TakesTheStreamOverAndKeepsItAsLongAsTheFace) {
     EXPECT_EQ(borrowed.getMemoryBase(), text);
     EXPECT_EQ(*static_cast<const char*>(copied.getMemoryBase()), 'a');
     EXPECT_EQ(copied.getLength(), 3u);
+}
+
+TEST(SkPaint, WhatIsNoSizeLeavesTheOldOne) {
+    SkPaint paint;
+    for (const float size : {30.0f, -1.0f, std::nanf("")}) {
+        paint.setTextSize(size);
+        EXPECT_EQ(paint.getTextSize(), 30);
+    }
 }
 
 }  // namespace
