@@ -281,6 +281,21 @@ SceneFonts takeFonts(const Scene& scene) {
     return taken;
 }
 
+std::vector<std::string> systemFontNames(const std::string& text) {
+    const std::u16string units = toUtf16(text);
+    std::set<uint32_t> characters;
+    for (size_t at = 0; at < units.size();) {
+        const uint32_t c =
+            host::nextCodePoint(reinterpret_cast<const uint16_t*>(units.data()), &at, units.size());
+        if (!endsLine(c) && !host::isDefaultIgnorable(c)) characters.insert(c);
+    }
+    std::vector<std::string> names;
+    const std::lock_guard<std::mutex> lock(reading());
+    for (const FontChoice& choice : systemFontsFor({characters.begin(), characters.end()}, "und", {}))
+        names.push_back(choice.name());
+    return names;
+}
+
 std::string codePointName(uint32_t character) {
     char name[16];
     std::snprintf(name, sizeof name, "U+%04X", static_cast<unsigned>(character));

@@ -29,6 +29,10 @@ struct SceneFonts {
 // by one at a time. Throws UsageError or Failure, naming the option.
 SceneFonts takeFonts(const Scene& scene);
 
+// The system's fonts that have all characters of the text, which is UTF-8: names for Font, the best first, at
+// most eight. Any thread.
+std::vector<std::string> systemFontNames(const std::string& text);
+
 // If characters are missing, one line with their code points and the option that helps; else empty.
 std::string missingWarning(const SceneFonts& fonts, bool systemFallback);
 

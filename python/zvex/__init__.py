@@ -1,0 +1,192 @@
+# SPDX-License-Identifier: Apache-2.0
+"""Text with layer effects: strokes, shadows, glows, gradients, patterns, bevels.
+
+    >>> import numpy, zvex
+    >>> picture = zvex.render("Gold", font="DejaVu Sans:bold", size=96, preset="gold")
+    >>> picture.save("gold.png")
+    >>> numpy.asarray(picture).shape  # rows, columns; red, green, blue, alpha
+    (119, 283, 4)
+
+Keywords are the options of ``zvtext render`` with ``_`` for ``-``; ``zvex.options()`` lists them. Lengths are
+pixels, y grows downwards. Offsets into a text count code points, as Python's own do.
+"""
+from __future__ import annotations
+
+import json
+import os
+import tempfile
+from collections import deque
+from concurrent.futures import Future, ThreadPoolExecutor
+from typing import TYPE_CHECKING, Any, Deque, Dict, Iterable, Iterator, List, Mapping, Optional, Tuple, Union
+
+from . import _zvex
+from ._zvex import Pixels, Span, __version__, fonts, options, presets
+
+if TYPE_CHECKING:
+    from PIL.Image import Image  # type: ignore[import]
+
+__all__ = ["Error", "Picture", "Pixels", "Span", "Text", "fonts", "map", "options", "presets", "render", "schema"]
+
+Font = Union[str, bytes, "os.PathLike[str]"]
+Path = Union[str, "os.PathLike[str]"]
+
+
+class Error(ValueError):
+    """What is wrong: `option` is the keyword, and what lies in it ("stroke width"); `reason` a sentence."""
+
+    def __init__(self, option: str, reason: str) -> None:
+        super().__init__(option, reason)
+        self.option = option
+        self.reason = reason
+
+    def __str__(self) -> str:
+        return f"{self.option}: {self.reason}"
+
+
+class Picture(_zvex.Picture):
+    """A rendered text.
+
+    `numpy.asarray(picture)` is (height, width, 4) uint8: red, green, blue and alpha, not premultiplied, in the
+    picture's own memory, which must not be written. `width`, `height`, `origin` (where the first line begins, on
+    its baseline), `baseline` and `margins` (left, top, right, bottom: what the effects take around the text) are
+    pixels. `lines` and `clusters` are Spans: `start` and `end` in the text, `box`, `baseline`. `premultiplied()`
+    has the same pixels with colours multiplied by alpha, `coverage()` the glyphs alone, (height, width) uint8.
+    `warnings` names characters that no font has.
+    """
+
+    def save(self, path: Path, *, format: Optional[str] = None, dpi: float = 72) -> None:
+        """Writes "png" or "webp" (lossless), by the path's ending if `format` is not given. The file appears when
+        it is complete."""
+        name = os.fspath(path)
+        kind = (format or os.path.splitext(name)[1][1:] or "png").lower()
+        if kind not in ("png", "webp"):
+            raise Error("format", f"{kind!r} is not png or webp")
+        data = self.encode(kind, dpi)
+        try:
+            handle, part = tempfile.mkstemp(dir=os.path.dirname(name) or ".")
+            try:
+                with open(handle, "wb") as file:
+                    file.write(data)
+                umask = os.umask(0)
+                os.umask(umask)
+                os.chmod(part, 0o666 & ~umask)
+                os.replace(part, name)
+            except BaseException:
+                os.unlink(part)
+                raise
+        except OSError as error:
+            raise Error("path", f"cannot write {name!r}: {error.strerror}") from None
+
+    def to_pil(self) -> "Image":
+        """A Pillow image, mode RGBA, with pixels of its own."""
+        from PIL import Image  # type: ignore[import]
+
+        return Image.frombuffer("RGBA", (self.width, self.height), bytes(self), "raw", "RGBA", 0, 1)
+
+    def _repr_png_(self) -> bytes:
+        return self.encode("png", 72)
+
+
+def _plain(value: Any) -> Any:
+    """What json cannot write by itself: paths, and numbers of array libraries."""
+    if isinstance(value, os.PathLike):
+        return os.fspath(value)
+    if getattr(value, "ndim", None) == 0:
+        return value.item()
+    raise TypeError(f"{type(value).__name__} is not a string, a number, a list or a dict")
+
+
+def _read(given: Mapping[str, Any]) -> Tuple[str, Dict[str, bytes]]:
+    """The options as a JSON object, and the fonts that were given as bytes under the names they have there."""
+    data: Dict[str, bytes] = {}
+
+    def named(value: Any) -> Any:
+        if not isinstance(value, (bytes, bytearray, memoryview)):
+            return value
+        name = f"bytes {len(data)}"
+        data[name] = bytes(value)
+        return name
+
+    values: Dict[str, Any] = {}
+    for option, value in given.items():
+        if option == "font":
+            value = named(value)
+        if option == "fallback":
+            value = [named(one) for one in value] if isinstance(value, (list, tuple)) else [named(value)]
+        try:
+            text = json.dumps(value, allow_nan=False, default=_plain)
+            text.encode("utf-8")
+            values[option.replace("_", "-")] = json.loads(text)
+        except (TypeError, ValueError, RecursionError) as error:
+            raise Error(option, str(error)) from None
+    return json.dumps(values), data
+
+
+class Text:
+    """Options for many texts. What the pictures share is kept between them: fonts, buffers.
+
+    >>> title = zvex.Text(font="DejaVu Sans:bold", size=64, stroke="4:#202020")
+    >>> pictures = [title.render(word) for word in ("one", "two")]
+
+    Threads that share one wait for each other; give each its own.
+    """
+
+    def __init__(self, *, font: Font, **given: Any) -> None:
+        self._text = _zvex.Text(*_read({"font": font, **given}))
+
+    def _make(self, text: str, draws: bool) -> Picture:
+        if not isinstance(text, str):
+            raise Error("text", f"{type(text).__name__} is not a str")
+        try:
+            return Picture(self._text, text.encode("utf-8"), draws)
+        except UnicodeEncodeError as error:
+            raise Error("text", f"lone surrogate at {error.start}") from None
+
+    def render(self, text: str) -> Picture:
+        """The picture of the text. Other threads run meanwhile."""
+        return self._make(text, True)
+
+    def measure(self, text: str) -> Picture:
+        """The same without pixels: size, margins, lines and clusters."""
+        return self._make(text, False)
+
+
+def render(text: str, *, font: Font, **given: Any) -> Picture:
+    """The picture of `text`, which may have several lines.
+
+    `font` is a file's path, a name such as "Noto Serif:bold", or a font file's bytes; `fallback` one or a list
+    of them. `style` is a dict, a JSON string or a file's path. The other keywords are those of `options()`.
+    Raises Error, which names the option, and MemoryError.
+    """
+    return Text(font=font, **given).render(text)
+
+
+def schema() -> Dict[str, Any]:
+    """The JSON Schema of styles."""
+    result: Dict[str, Any] = json.loads(_zvex.schema())
+    return result
+
+
+def map(jobs: Iterable[Mapping[str, Any]], *, workers: Optional[int] = None) -> Iterator[Picture]:
+    """The pictures of `jobs`, dicts of render's arguments, in their order, drawn by several threads.
+
+    `workers` is as many as the cores that the process may use. Four jobs for each are under way at the most, so
+    that the memory does not grow with their number. The first error is raised in its place and ends it.
+    """
+    count = workers or len(os.sched_getaffinity(0))
+    pending: Deque[Future[Picture]] = deque()
+    with ThreadPoolExecutor(count) as pool:
+        try:
+            for job in jobs:
+                if len(pending) == 4 * count:
+                    yield pending.popleft().result()
+                pending.append(pool.submit(_render_job, job))
+            while pending:
+                yield pending.popleft().result()
+        finally:
+            for future in pending:
+                future.cancel()
+
+
+def _render_job(job: Mapping[str, Any]) -> Picture:
+    return render(**job)

@@ -1,0 +1,42 @@
+# SPDX-License-Identifier: Apache-2.0
+from typing import Dict, List, Tuple
+
+__version__: str
+
+class Pixels:
+    """(height, width, 4) or (height, width) bytes that buffers and arrays may refer to."""
+
+class Span:
+    start: int
+    end: int
+    box: Tuple[float, float, float, float]
+    baseline: int
+
+class Text:
+    def __init__(self, json: str, fonts: Dict[str, bytes]) -> None: ...
+
+class Picture(Pixels):
+    width: int
+    height: int
+    baseline: int
+    origin: Tuple[int, int]
+    margins: Tuple[int, int, int, int]
+    lines: List[Span]
+    clusters: List[Span]
+    warnings: List[str]
+    def __init__(self, text: Text, utf8: bytes, draws: bool) -> None: ...
+    def premultiplied(self) -> Pixels: ...
+    def coverage(self) -> Pixels: ...
+    def encode(self, format: str, dpi: float) -> bytes: ...
+    def __bytes__(self) -> bytes: ...
+
+def fonts(text: str) -> List[str]:
+    """The system's fonts that have all characters of the text, best first, eight at most."""
+
+def options() -> List[str]:
+    """The keywords of render."""
+
+def presets() -> List[str]:
+    """The styles that `preset` takes."""
+
+def schema() -> str: ...
