@@ -59,7 +59,7 @@ TEST(SceneOptions, AreRefusedWithPlaceAndCause) {
          "belong into one of them"},
         {R"("font": ""})", "font: is given twice"}};
     for (const auto& [options, message] : cases)
-        EXPECT_EQ(refusal([&] { readScene(kStart + options); }), message);
+        EXPECT_EQ(refusal([&line = options] { readScene(kStart + line); }), message);
     EXPECT_EQ(refusal([] { readScene("[]"); }), "it is no JSON object");
     try {
         readScene(kStart + R"("size": "9%"})");
