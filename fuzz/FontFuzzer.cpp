@@ -41,21 +41,17 @@ std::string damaged(const std::string& original, fuzz::Input& input) {
         const size_t within = (kind & 64) != 0 ? input.byte() : input.half();
         const size_t at = offset + within;
         if (at >= file.size()) continue;
-        if (kind % 8 < 2) {
-            writeBig(file, at, 1, input.byte());
-        } else if (kind % 8 < 4) {
-            writeBig(file, at, 2, input.word() >> 16);
-        } else if (kind % 8 == 4) {
+        if (kind % 8 < 2) writeBig(file, at, 1, input.byte());
+        if (kind % 8 == 2 || kind % 8 == 3) writeBig(file, at, 2, input.word() >> 16);
+        if (kind % 8 == 4)
             writeBig(file, at, 2, readBig(file, at, 2) + static_cast<uint32_t>(input.between(-8, 8)));
-        } else if (kind % 8 == 5) {
-            writeBig(file, at, 4, static_cast<uint32_t>(input.integer()));
-        } else if (kind % 8 == 6) {
+        if (kind % 8 == 5) writeBig(file, at, 4, static_cast<uint32_t>(input.integer()));
+        if (kind % 8 == 6) {
             const size_t from = offset + input.byte(), count = input.byte();
             for (size_t i = 0; i < count && std::max(at, from) + i < file.size(); ++i)
                 file[at + i] = file[from + i];
-        } else if (kind >= 192) {
-            file.resize(at);
         }
+        if (kind % 8 == 7 && kind >= 192) file.resize(at);
     }
     return file;
 }

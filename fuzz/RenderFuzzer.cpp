@@ -90,31 +90,15 @@ void changePaint(fuzz::Input& input, android::Paint& paint) {
     static const char* const kFeatures[] = {"", "liga, -kern", "smcp, c2sc=1",
                                             "\"aalt\" 2, x,,=", "-liga[2:4], frac"};
     static const char* const kLocales[] = {"", "ja", "und-Arab,de-CH"};
-    switch (input.between(0, 7)) {
-        case 0:
-            paint.setTextSize(readSize(input, 90));
-            break;
-        case 1:
-            paint.setFlags(input.flag() ? 1 : input.word());
-            break;
-        case 2:
-            paint.setColor(input.word());
-            break;
-        case 3:
-            paint.setTextScaleX(readSize(input, 3));
-            break;
-        case 4:
-            paint.setTextSkewX(readSize(input, 1));
-            break;
-        case 5:
-            paint.setLetterSpacing(readSize(input, 4));
-            break;
-        case 6:
-            paint.setFontFeatureSettings(input.pick(kFeatures));
-            break;
-        default:
-            paint.setMinikinLocaleListId(minikin::registerLocaleList(input.pick(kLocales)));
-    }
+    const int kind = input.between(0, 7);
+    if (kind == 0) paint.setTextSize(readSize(input, 90));
+    if (kind == 1) paint.setFlags(input.flag() ? 1 : input.word());
+    if (kind == 2) paint.setColor(input.word());
+    if (kind == 3) paint.setTextScaleX(readSize(input, 3));
+    if (kind == 4) paint.setTextSkewX(readSize(input, 1));
+    if (kind == 5) paint.setLetterSpacing(readSize(input, 4));
+    if (kind == 6) paint.setFontFeatureSettings(input.pick(kFeatures));
+    if (kind == 7) paint.setMinikinLocaleListId(minikin::registerLocaleList(input.pick(kLocales)));
 }
 
 std::vector<ZvLineInfo> readLines(fuzz::Input& input, int length) {
@@ -209,45 +193,25 @@ public:
     }
 
     void step() {
-        const int length = static_cast<int>(mTold.text.size());
-        switch (mInput.between(0, 12)) {
-            case 0:
-            case 1:
-                setText();
-                break;
-            case 2:
-                setFont();
-                break;
-            case 3:
-                changePaint(mInput, mTold.paint);
-                mObject->SetPaint(mTold.paint);
-                break;
-            case 4:
-            case 5:
-                mTold.lines = readLines(mInput, length);
-                break;
-            case 6:
-            case 7:
-            case 8:
-                addEffect(*mObject->GetEffect(), mInput);
-                break;
-            case 9:
-                readView();
-                break;
-            case 10:
-                mTold.color = mInput.word();
-                mTold.background = mInput.flag();
-                mTold.backgroundColor = mInput.word();
-                mObject->SetTextColor(mTold.color);
-                mObject->SetBackgroundColor(mTold.backgroundColor, mTold.background);
-                break;
-            case 11:
-                mTold.bold = mInput.flag();
-                mTold.italic = mInput.flag();
-                mObject->SetTextStyle(mTold.bold, mTold.italic);
-                break;
-            default:
-                setFamilies(mInput.byte());
+        const int kind = mInput.between(0, 12);
+        if (kind <= 1) setText();
+        if (kind == 2) setFont();
+        if (kind == 3) changePaint(mInput, mTold.paint), mObject->SetPaint(mTold.paint);
+        if (kind == 4 || kind == 5) mTold.lines = readLines(mInput, static_cast<int>(mTold.text.size()));
+        if (kind >= 6 && kind <= 8) addEffect(*mObject->GetEffect(), mInput);
+        if (kind == 9) readView();
+        if (kind == 10) {
+            mTold.color = mInput.word();
+            mTold.background = mInput.flag();
+            mTold.backgroundColor = mInput.word();
+            mObject->SetTextColor(mTold.color);
+            mObject->SetBackgroundColor(mTold.backgroundColor, mTold.background);
+        } else if (kind == 11) {
+            mTold.bold = mInput.flag();
+            mTold.italic = mInput.flag();
+            mObject->SetTextStyle(mTold.bold, mTold.italic);
+        } else if (kind == 12) {
+            setFamilies(mInput.byte());
         }
         // Mostly compares at once: with two changes, either one makes the object draw again.
         if (mInput.byte() < 170 && mRendered++ < 4) compare();

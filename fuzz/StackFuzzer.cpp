@@ -7,21 +7,16 @@
 #include <vector>
 
 #include "effect/ZvEffect.h"
-#include "effect/ZvGlyph.h"
 #include "fuzz/Input.h"
 #include "raster/CpuTarget.h"
 #include "raster/ZvBitmap.h"
 #include "raster/ZvBlender.h"
 #include "tests/effect/LayerSettings.h"
+#include "tests/effect/StackPictures.h"
 
 namespace {
 
 using namespace Zvex;
-
-struct Line {
-    int x, y;
-    ZvBitmap coverage;
-};
 
 // Any numbers. The adders do not limit the size of reliefs. A relief of thousands of pixels takes seconds; a
 // much larger one does not fit, and nothing is drawn.
@@ -61,25 +56,15 @@ public:
 
     void step() {
         const int kind = mInput.between(0, 31);
-        if (kind <= 15) {
-            addLayer();
-        } else if (kind == 16) {
-            mStack.removeEffect(mInput.between(-1, 12));
-        } else if (kind == 17) {
-            mStack.setTextOpacity(mInput.number());
-        } else if (kind == 18) {
-            mStack.clearTextOpacity();
-        } else if (kind == 19) {
-            mStack.cleanAllEffect();
-        } else if (kind <= 24) {
-            addLine();
-        } else if (kind == 25) {
-            mLines.clear();
-        } else if (kind <= 28) {
-            callAnything();
-        } else if (mDrawn++ < 2) {
-            compare();
-        }
+        if (kind <= 15) addLayer();
+        if (kind == 16) mStack.removeEffect(mInput.between(-1, 12));
+        if (kind == 17) mStack.setTextOpacity(mInput.number());
+        if (kind == 18) mStack.clearTextOpacity();
+        if (kind == 19) mStack.cleanAllEffect();
+        if (kind >= 20 && kind <= 24) addLine();
+        if (kind == 25) mLines.clear();
+        if (kind >= 26 && kind <= 28) callAnything();
+        if (kind >= 29 && mDrawn++ < 2) compare();
     }
 
     void compare() {
@@ -89,13 +74,13 @@ public:
         if (!mStack.textRectReset) {  // the box of an abandoned rendering is part of the next one's
             copy.textRect = mStack.textRect;
             copy.textRectReset = false;
-            checkSame(inLayers(copy), asPicture(mStack));
+            checkSame(layered(copy), pictured(mStack));
         }
-        const ZvBitmap expected = inLayers(copy);
-        if (mInput.flag()) checkSame(expected, inLayers(mStack));
-        checkSame(expected, asPicture(mStack));
+        const ZvBitmap expected = layered(copy);
+        if (mInput.flag()) checkSame(expected, layered(mStack));
+        checkSame(expected, pictured(mStack));
         Zvex::limitCpuTarget(static_cast<CpuTarget>(mInput.between(0, 2)));
-        checkSame(expected, asPicture(copy));
+        checkSame(expected, pictured(copy));
         Zvex::limitCpuTarget(CpuTarget::Avx512);
     }
 
@@ -135,13 +120,10 @@ private:
         const int kind = mInput.between(0, 15);
         ZvBitmap* picture = &pictures[mInput.between(0, 2)];
         const int a = mInput.between(-1, 60), b = mInput.between(-1, 60);
-        if (kind <= 1) {
-            mStack.initPicture(picture);
-        } else if (kind == 2) {
-            mStack.initEffect(a, b);
-        } else if (kind <= 4) {
-            mStack.setDstBitmap(a < 0 ? nullptr : picture);
-        } else if (kind <= 6) {
+        if (kind <= 1) mStack.initPicture(picture);
+        if (kind == 2) mStack.initEffect(a, b);
+        if (kind == 3 || kind == 4) mStack.setDstBitmap(a < 0 ? nullptr : picture);
+        if (kind == 5 || kind == 6) {
             delete mStack.getSrcBitmap();
             mStack.setSrcBitmap(a < 0 ? nullptr : new ZvBitmap(readBitmap(60, a == 0 ? 4 : 1)));
         } else if (kind == 7) {
@@ -150,51 +132,22 @@ private:
             if (mask != nullptr && mask->pixels != nullptr) {
                 for (size_t at = 0; at < mask->byteCount(); ++at) mask->pixels[at] ^= mask->pixels[at] > 7;
             }
-        } else if (kind <= 9) {
-            drawLines(mStack);
-        } else if (kind == 10) {
-            mStack.renderEffectLayer(a, b, nullptr);
-        } else if (kind == 11) {
-            mStack.doEffectPostProcessing();
-        } else if (kind == 12) {
-            mStack.compositeLayers(a < 0 ? nullptr : picture);
-        } else if (kind == 13) {
-            mStack.drawPicture(a < 30 ? PixelOrder::RedFirst : PixelOrder::BlueFirst);
-        } else if (kind == 14) {
-            *mStack.getTextRect() = ZvRect(a, b, a + mInput.between(-2, 90), mInput.integer());
-        } else {
-            mInput.flag() ? mStack.releaseBitmap() : addLayer();
         }
+        if (kind == 8 || kind == 9) drawLines(mStack, mLines);
+        if (kind == 10) mStack.renderEffectLayer(a, b, nullptr);
+        if (kind == 11) mStack.doEffectPostProcessing();
+        if (kind == 12) mStack.compositeLayers(a < 0 ? nullptr : picture);
+        if (kind == 13) mStack.drawPicture(a < 30 ? PixelOrder::RedFirst : PixelOrder::BlueFirst);
+        if (kind == 14) *mStack.getTextRect() = ZvRect(a, b, a + mInput.between(-2, 90), mInput.integer());
+        if (kind == 15) mInput.flag() ? mStack.releaseBitmap() : addLayer();
     }
 
-    void drawLines(ZvEffect& stack) {
-        for (Line& line : mLines) {
-            ZvGlyph glyph;
-            glyph.pixels = line.coverage.pixels;
-            glyph.width = static_cast<uint16_t>(line.coverage.width);
-            glyph.height = static_cast<uint16_t>(line.coverage.height);
-            stack.renderEffectLayer(line.x, line.y, &glyph);
-        }
-    }
+    ZvBitmap layered(ZvEffect& stack) { return inLayers(stack, mWidth, mHeight, mLines); }
 
-    ZvBitmap inLayers(ZvEffect& stack) {
-        ZvBitmap picture(static_cast<unsigned>(mWidth), static_cast<unsigned>(mHeight), 4);
-        stack.initEffect(mWidth, mHeight);
-        stack.setDstBitmap(&picture);
-        drawLines(stack);
-        stack.doEffectPostProcessing();
-        stack.compositeLayers(&picture);
-        return picture;
-    }
-
-    ZvBitmap asPicture(ZvEffect& stack) {
-        ZvBitmap picture(static_cast<unsigned>(mWidth), static_cast<unsigned>(mHeight), 4);
-        if (picture.pixels != nullptr) std::memset(picture.pixels, 0xA7, picture.byteCount());
-        stack.initPicture(&picture);
-        drawLines(stack);
-        const bool blueFirst = mInput.flag();
-        stack.drawPicture(blueFirst ? PixelOrder::BlueFirst : PixelOrder::RedFirst);
-        if (blueFirst) ZvBlender::convertBGRAToARGB(&picture);
+    ZvBitmap pictured(ZvEffect& stack) {
+        const PixelOrder order = mInput.flag() ? PixelOrder::BlueFirst : PixelOrder::RedFirst;
+        ZvBitmap picture = asPicture(stack, mWidth, mHeight, mLines, order);
+        if (order == PixelOrder::BlueFirst) ZvBlender::convertBGRAToARGB(&picture);
         return picture;
     }
 

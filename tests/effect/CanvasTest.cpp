@@ -7,8 +7,7 @@
 #include <vector>
 
 #include "effect/ZvEffect.h"
-#include "effect/ZvGlyph.h"
-#include "tests/FailingAllocations.h"
+#include "tests/effect/StackPictures.h"
 #include "tests/effect/TestPictures.h"
 
 namespace Zvex {
@@ -24,11 +23,7 @@ uint32_t canvasWord(const ZvBitmap& picture, unsigned x, unsigned y) {
 TEST(Canvas, FillsAsOneGlyphOfThePicturesSize) {
     Random random(1);
     const unsigned width = 600, height = 301;
-    std::vector<uint8_t> full(width * height, 255);
-    ZvGlyph glyph;
-    glyph.pixels = full.data();
-    glyph.width = static_cast<uint16_t>(width);
-    glyph.height = static_cast<uint16_t>(height);
+    const std::vector<Line> full = {{0, 0, makeMask(MaskKind::Full, width, height, random)}};
     ZvGradient stops[] = {{0xFFFF0000, 1, 0}, {0xFF0000FF, 0.5f, 1}};
     ZvBitmap tile = makeTarget(TargetKind::Opaque, 7, 5, random);
     for (int kind = 0; kind < 3; ++kind) {
@@ -36,10 +31,8 @@ TEST(Canvas, FillsAsOneGlyphOfThePicturesSize) {
         if (kind == 0) fill.addLinearGradientText(37, 1, 1, 2, stops);
         if (kind == 1) fill.addRadialGradientText(0.8f, 1, 2, stops);
         if (kind == 2) fill.addPatternText(&tile, 3, 1);
-        ZvBitmap expected(width, height, 4), actual = makeTarget(TargetKind::Partly, width, height, random);
-        fill.initPicture(&expected);
-        fill.renderEffectLayer(0, 0, &glyph);
-        fill.drawPicture(PixelOrder::BlueFirst);
+        ZvBitmap actual = makeTarget(TargetKind::Partly, width, height, random);
+        const ZvBitmap expected = asPicture(fill, width, height, full, PixelOrder::BlueFirst);
         fillCanvas(&actual, &fill);
         EXPECT_TRUE(samePixels(expected, actual)) << "kind " << kind;
         EXPECT_NE(canvasWord(actual, 0, 0), canvasWord(actual, width / 2, height - 1)) << "kind " << kind;

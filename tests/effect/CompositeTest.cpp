@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
+
 #include "raster/ZvBitmap.h"
 #include "tests/CpuTargets.h"
 #include "tests/effect/TestPictures.h"
@@ -11,73 +13,56 @@
 namespace Zvex {
 namespace {
 
-void mergeAllBytes() {
-    ZvBitmap picture(256, 256, 4), back(256, 256, 4), mask(256, 256, 1);
-    for (int coverage = 0; coverage < 256; ++coverage) {
-        for (int y = 0; y < 256; ++y) {
-            for (int x = 0; x < 256; ++x) {
-                for (int c = 0; c < 4; ++c) {
-                    picture.pixels[(y * 256 + x) * 4 + c] = static_cast<uint8_t>(c % 2 == 0 ? x : 255 - x);
-                    back.pixels[(y * 256 + x) * 4 + c] = static_cast<uint8_t>(y);
-                }
-                mask.pixels[y * 256 + x] = static_cast<uint8_t>(coverage);
-            }
-        }
-        mergeBackLayer(&picture, &back, &mask);
-        int differences = 0;
-        for (int i = 0; i < 256 * 256 * 4; ++i) {
-            const int x = i / 4 % 256, y = i / 1024;
-            const int front = i % 2 == 0 ? x : 255 - x;
-            differences += picture.pixels[i] != reference::mergeByte(front, y, coverage);
-        }
-        ASSERT_EQ(differences, 0) << "coverage " << coverage;
-    }
-}
-
 // Every front byte, back byte and coverage, at each of the four bytes of a pixel.
 TEST(Composite, MergeEqualsTheDefinitionOnAllBytes) {
-    forEachCpuTarget(mergeAllBytes);
-}
-
-void finishAllBytes() {
-    ZvBitmap picture(256, 256, 4);
-    for (int textAlpha = 0; textAlpha < 256; ++textAlpha) {
-        for (int i = 0; i < 256 * 256; ++i) {
-            for (int c = 0; c < 3; ++c) picture.pixels[i * 4 + c] = static_cast<uint8_t>(i + c);
-            picture.pixels[i * 4 + 3] = static_cast<uint8_t>(i >> 8);
+    ZvBitmap front(256, 256, 4), back(front), mask(256, 256, 1), expected(front);
+    for (int coverage = 0; coverage < 256; ++coverage) {
+        std::memset(mask.pixels, coverage, mask.byteCount());
+        for (int i = 0; i < 256 * 256 * 4; ++i) {
+            const int x = i / 4 % 256, y = i / 1024;
+            front.pixels[i] = static_cast<uint8_t>(i % 2 == 0 ? x : 255 - x);
+            back.pixels[i] = static_cast<uint8_t>(y);
+            expected.pixels[i] = static_cast<uint8_t>(reference::mergeByte(front.pixels[i], y, coverage));
         }
-        finishPicture(&picture, static_cast<uint8_t>(textAlpha));
-        int differences = 0;
-        for (int i = 0; i < 256 * 256; ++i) {
-            const int alpha = i >> 8;
-            for (int c = 0; c < 3; ++c) {
-                differences +=
-                    picture.pixels[i * 4 + c] != reference::finishedColor((i + c) & 0xFF, alpha, textAlpha);
-            }
-            differences += picture.pixels[i * 4 + 3] != reference::finishedAlpha(alpha, textAlpha);
-        }
-        ASSERT_EQ(differences, 0) << "text alpha " << textAlpha;
+        forEachCpuTarget([&] {
+            ZvBitmap actual(front);
+            mergeBackLayer(&actual, &back, &mask);
+            ASSERT_TRUE(samePixels(expected, actual)) << "coverage " << coverage;
+        });
     }
 }
 
 // Every colour byte, alpha and text alpha, also colours above their alpha.
 TEST(Composite, FinishEqualsTheDefinitionOnAllBytes) {
-    forEachCpuTarget(finishAllBytes);
+    ZvBitmap picture(256, 256, 4), expected(picture);
+    for (int textAlpha = 0; textAlpha < 256; ++textAlpha) {
+        for (int i = 0; i < 256 * 256 * 4; ++i) {
+            const int color = (i / 4 + i % 4) & 255, alpha = i >> 10;
+            picture.pixels[i] = static_cast<uint8_t>(i % 4 == 3 ? alpha : color);
+            expected.pixels[i] =
+                static_cast<uint8_t>(i % 4 == 3 ? reference::finishedAlpha(alpha, textAlpha)
+                                                : reference::finishedColor(color, alpha, textAlpha));
+        }
+        forEachCpuTarget([&] {
+            ZvBitmap actual(picture);
+            finishPicture(&actual, static_cast<uint8_t>(textAlpha));
+            ASSERT_TRUE(samePixels(expected, actual)) << "text alpha " << textAlpha;
+        });
+    }
 }
 
 // Whatever the widths; in the mask, whole runs.
 TEST(Composite, MergesPixelByPixelInMemory) {
     Random random(1);
-    for (const MaskKind kind : {MaskKind::Noise, MaskKind::Shapes, MaskKind::Full}) {
-        ZvBitmap picture = makeTarget(TargetKind::Partly, 160, 5, random), expected(picture);
-        ZvBitmap back = makeTarget(TargetKind::Partly, 190, 3, random), mask = makeMask(kind, 150, 8, random);
-        for (size_t at = 0; at < back.byteCount(); ++at) {  // bytes of the smallest of the three
-            const int merged = reference::mergeByte(picture.pixels[at], back.pixels[at], mask.pixels[at / 4]);
-            expected.pixels[at] = static_cast<uint8_t>(merged);
-        }
-        mergeBackLayer(&picture, &back, &mask);
-        EXPECT_TRUE(samePixels(expected, picture));
+    ZvBitmap picture = makeTarget(TargetKind::Partly, 160, 5, random), expected(picture);
+    ZvBitmap back = makeTarget(TargetKind::Partly, 190, 3, random),
+             mask = makeMask(MaskKind::Shapes, 150, 8, random);
+    for (size_t at = 0; at < back.byteCount(); ++at) {  // bytes of the smallest of the three
+        const int merged = reference::mergeByte(picture.pixels[at], back.pixels[at], mask.pixels[at / 4]);
+        expected.pixels[at] = static_cast<uint8_t>(merged);
     }
+    mergeBackLayer(&picture, &back, &mask);
+    EXPECT_TRUE(samePixels(expected, picture));
 }
 
 TEST(Composite, IgnoresWhatIsNoPicture) {

@@ -5,11 +5,12 @@
 
 #include <cstring>
 #include <memory>
+#include <vector>
 
 #include "effect/ZvEffect.h"
-#include "effect/ZvGlyph.h"
 #include "tests/CpuTargets.h"
 #include "tests/effect/RandomLayer.h"
+#include "tests/effect/StackPictures.h"
 #include "tests/effect/TestPictures.h"
 
 namespace Zvex {
@@ -46,12 +47,8 @@ uint64_t picturesOf(int kind) {
         const MaskKind mask = kAllMasks[static_cast<size_t>(random.below(3))];
         const int lineWidth = random.between(1, width), lineHeight = random.between(1, height);
         const int x = random.between(-5, 20), y = random.between(-5, 20);
-        ZvBitmap line = makeMask(mask, lineWidth, lineHeight, random);
-        ZvGlyph glyph = glyphOf(line);
-        ZvBitmap picture(static_cast<unsigned>(width), static_cast<unsigned>(height), 4);
-        stack.initPicture(&picture);
-        stack.renderEffectLayer(x, y, &glyph);
-        stack.drawPicture(PixelOrder::BlueFirst);
+        const std::vector<Line> lines = {{x, y, makeMask(mask, lineWidth, lineHeight, random)}};
+        const ZvBitmap picture = asPicture(stack, width, height, lines, PixelOrder::BlueFirst);
         digest.add(picture.pixels, picture.byteCount());
     }
     return digest.value();

@@ -89,58 +89,40 @@ TEST(EffectArguments, StopCountsAreLimited) {
     }
 }
 
-// The two records of a pair are made alike: arguments outside their ranges, and no numbers at all.
-TEST(EffectArguments, ShadowsGlowsAndGradients) {
-    const Fields shadow = fields(330, 100, 7, 0x80804001, 0.5f), noShadow = fields(0, 0, 0, 0, 0);
-    EXPECT_EQ(fieldsOf(shadowArguments<ZvOuterShadowProperty>(-30.5f, 120, 7.9f, 0x10FF8001, 0.5f)), shadow);
-    EXPECT_EQ(fieldsOf(shadowArguments<ZvInnerShadowProperty>(-30.5f, 120, 7.9f, 0x10FF8001, 0.5f)), shadow);
-    EXPECT_EQ(fieldsOf(shadowArguments<ZvInnerShadowProperty>(kNotANumber, kNotANumber, -kEndless, ~0u,
-                                                              kNotANumber)),
-              noShadow);
+// Arguments outside their ranges; the two records of a pair are made alike. A relief's size is not limited.
+TEST(EffectArguments, RecordsHoldLimitedNumbers) {
     const ZvGradient given[] = {{1, 1.0f, 0.0f}, {2, 1.0f, 1.0f}};
     GradientStops stops;
     ASSERT_TRUE(stopArguments(2, given, 0.5f, &stops));
-    const auto outer = glowArguments<ZvOuterGlowProperty>(12.7f, 0x10FF8001, 0.5f, stops);
-    EXPECT_EQ(fieldsOf(outer), fields(12, 0x80FF8001, 0.5f, 2));  // not premultiplied
-    EXPECT_EQ(outer.stops, stops.data());
-    EXPECT_EQ(fieldsOf(glowArguments<ZvInnerGlowProperty>(kEndless, 0x10FF8001, 9.0f, GradientStops())),
-              fields(100, 0xFFFF8001, 1, 0));
+    const auto glow = glowArguments<ZvOuterGlowProperty>(12.7f, 0x10FF8001, 0.5f, stops);
     const auto linear = gradientArguments<ZvLinearGradientProperty>(-45.5f, 2.5f, 1.5f, stops);
-    EXPECT_EQ(fieldsOf(linear), fields(315, 2, 1, 2, 0));
-    EXPECT_EQ(linear.stops, stops.data());
-    EXPECT_EQ(
-        fieldsOf(gradientArguments<ZvRadialGradientProperty>(kNotANumber, kNotANumber, kNotANumber, stops)),
-        fields(0, 0, 0, 2, 0));
-}
-
-// The size is not limited; the colours' alphas are the layer's opacity times their own.
-template <typename Relief>
-void checkRelief() {
-    EXPECT_EQ(fieldsOf(reliefArguments<Relief>(1, 200.5f, 11, 2, 3, 20, 0.5f, -90.5f, 100, 0x10FF8001, 0.5f,
-                                               0x20FFFFFF, 2)),
-              fields(1, 200.5f, 10, 2, 3, 16, 0.5f, 270, 10, 0x40FF8001, 0.5f, 0x80FFFFFF, 1, 0));
-    EXPECT_EQ(
-        fieldsOf(reliefArguments<Relief>(INT_MIN, 0, kNotANumber, INT_MAX, INT_MIN, INT_MIN, kNotANumber,
-                                         kEndless, kNotANumber, ~0u, kEndless, ~0u, -kEndless)),
-        fields(INT_MIN, 0, 0, INT_MAX, INT_MIN, 0, 0, 127, 0, 0xFFFFFF, 1, 0xFFFFFF, 0, 0));
-}
-
-TEST(EffectArguments, BevelAndEmboss) {
-    checkRelief<ZvBevelProperty>();
-    checkRelief<ZvEmbossProperty>();
-}
-
-TEST(EffectArguments, StrokePatternAndText) {
-    EXPECT_EQ(fieldsOf(strokeArguments(3.9f, 0x10FF8001, 0.5f, INT_MIN, INT_MAX)),
-              fields(3, 0x80804001, 0.5f, INT_MIN, INT_MAX));
-    EXPECT_EQ(fieldsOf(strokeArguments(kNotANumber, ~0u, kNotANumber, 0, 0)), fields(0, 0, 0, 0, 0));
-    EXPECT_EQ(strokeArguments(kEndless, 0, 0, 0, 0).width, 100.0f);
+    EXPECT_TRUE(glow.stops == stops.data() && linear.stops == stops.data());
     EXPECT_EQ(patternArguments(nullptr, 12, -1).bitmap, nullptr);
-    EXPECT_EQ(fieldsOf(patternArguments(nullptr, 12, -1)), fields(10, 0, 0));
-    EXPECT_EQ(fieldsOf(patternArguments(nullptr, kNotANumber, kNotANumber)), fields(0, 0, 0));
-    EXPECT_EQ(fieldsOf(textArguments(0x10FF8001, 0.5f)), fields(0x80804001, 0.5f));
-    EXPECT_EQ(fieldsOf(textArguments(~0u, kNotANumber)), fields(0, 0));
-    EXPECT_EQ(fieldsOf(opaqueTextArguments(0x10FF8001)), fields(0xFFFF8001, 1));
+    const Fields shadow = fields(330, 100, 7, 0x80804001, 0.5f);
+    const Fields relief = fields(1, 200.5f, 10, 2, 3, 16, 0.5f, 270, 10, 0x40FF8001, 0.5f, 0x80FFFFFF, 1, 0);
+    const Fields pairs[][2] = {
+        {fieldsOf(shadowArguments<ZvOuterShadowProperty>(-30.5f, 120, 7.9f, 0x10FF8001, 0.5f)), shadow},
+        {fieldsOf(shadowArguments<ZvInnerShadowProperty>(-30.5f, 120, 7.9f, 0x10FF8001, 0.5f)), shadow},
+        {fieldsOf(glow), fields(12, 0x80FF8001, 0.5f, 2)},  // not premultiplied
+        {fieldsOf(glowArguments<ZvInnerGlowProperty>(kEndless, 0x10FF8001, 9.0f, GradientStops())),
+         fields(100, 0xFFFF8001, 1, 0)},
+        {fieldsOf(linear), fields(315, 2, 1, 2, 0)},
+        {fieldsOf(gradientArguments<ZvRadialGradientProperty>(kNotANumber, kNotANumber, kNotANumber, stops)),
+         fields(0, 0, 0, 2, 0)},
+        {fieldsOf(reliefArguments<ZvBevelProperty>(1, 200.5f, 11, 2, 3, 20, 0.5f, -90.5f, 100, 0x10FF8001,
+                                                   0.5f, 0x20FFFFFF, 2)),
+         relief},
+        {fieldsOf(reliefArguments<ZvEmbossProperty>(1, 200.5f, 11, 2, 3, 20, 0.5f, -90.5f, 100, 0x10FF8001,
+                                                    0.5f, 0x20FFFFFF, 2)),
+         relief},
+        {fieldsOf(strokeArguments(3.9f, 0x10FF8001, 0.5f, INT_MIN, INT_MAX)),
+         fields(3, 0x80804001, 0.5f, INT_MIN, INT_MAX)},
+        {fieldsOf(strokeArguments(kEndless, ~0u, kNotANumber, 0, 0)), fields(100, 0, 0, 0, 0)},
+        {fieldsOf(patternArguments(nullptr, 12, -1)), fields(10, 0, 0)},
+        {fieldsOf(textArguments(0x10FF8001, 0.5f)), fields(0x80804001, 0.5f)},
+        {fieldsOf(opaqueTextArguments(0x10FF8001)), fields(0xFFFF8001, 1)},
+    };
+    for (const auto& pair : pairs) EXPECT_EQ(pair[0], pair[1]) << &pair - pairs;
 }
 
 }  // namespace

@@ -51,7 +51,7 @@ std::vector<PlainLayer> someLayers(Random& random, int count, int width, int hei
         if (random.below(3) == 0) {
             for (uint8_t& byte : layer.coverage) byte = static_cast<uint8_t>(someByte(random));
         }
-        layer.mode = random.below(kLayerBlends);
+        layer.mode = static_cast<LayerBlend>(random.below(kLayerBlends));
         const float opacities[] = {1, 1, 0.5f, 0.123f, 0};
         layer.opacity = opacities[random.below(5)];
         layer.clipped = random.below(3) == 0;
@@ -72,7 +72,7 @@ ZvBitmap joined(const std::vector<uint32_t>& canvas, const std::vector<PlainLaye
     for (size_t i = 0; i < plain.size(); ++i) {
         layers[i].picture = &pictures[i];
         layers[i].knockout = &masks[i];
-        layers[i].blend = static_cast<LayerBlend>(plain[i].mode);
+        layers[i].blend = plain[i].mode;
         layers[i].opacity = plain[i].opacity;
         layers[i].clipped = plain[i].clipped;
     }
@@ -119,7 +119,7 @@ TEST(LayerJoin, LayersLieAnywhere) {
         layer.knockoutX = place(width);
         layer.knockoutY = place(height);
         PlainLayer plain = {std::vector<uint32_t>(canvas.size(), 0), std::vector<uint8_t>(canvas.size(), 0),
-                            reference::NORMAL, 1, false};
+                            LayerBlend::Normal, 1, false};
         for (int64_t y = 0; y < height; ++y) {
             for (int64_t x = 0; x < width; ++x) {
                 const size_t at = static_cast<size_t>(y * width + x);

@@ -44,41 +44,32 @@ struct LayerSettings {
     std::unique_ptr<Zvex::ZvProperty> record(int type) {
         using namespace Zvex;
         const int count = static_cast<int>(stops.size());
-        ZvProperty* made = nullptr;
         switch (type) {
             case ZV_EFFECT_OUTER_SHADOW:
-                made = new ZvOuterShadowProperty(angle, distance, size, color, opacity);
-                break;
+                return std::make_unique<ZvOuterShadowProperty>(angle, distance, size, color, opacity);
             case ZV_EFFECT_INNER_SHADOW:
-                made = new ZvInnerShadowProperty(angle, distance, size, color, opacity);
-                break;
+                return std::make_unique<ZvInnerShadowProperty>(angle, distance, size, color, opacity);
             case ZV_EFFECT_OUTER_GLOW:
-                made = new ZvOuterGlowProperty(size, color, opacity, count, stops.data());
-                break;
+                return std::make_unique<ZvOuterGlowProperty>(size, color, opacity, count, stops.data());
             case ZV_EFFECT_INNER_GLOW:
-                made = new ZvInnerGlowProperty(size, color, opacity, count, stops.data());
-                break;
+                return std::make_unique<ZvInnerGlowProperty>(size, color, opacity, count, stops.data());
             case ZV_EFFECT_LINEAR_GRADIENT:
-                made = new ZvLinearGradientProperty(angle, scale, opacity, count, stops.data());
-                break;
+                return std::make_unique<ZvLinearGradientProperty>(angle, scale, opacity, count, stops.data());
             case ZV_EFFECT_RADIAL_GRADIENT:
-                made = new ZvRadialGradientProperty(angle, scale, opacity, count, stops.data());
-                break;
+                return std::make_unique<ZvRadialGradientProperty>(angle, scale, opacity, count, stops.data());
             case ZV_EFFECT_STROKE:
-                made = new ZvStrokeProperty(size, color, opacity, strokeKind, position);
-                break;
+                return std::make_unique<ZvStrokeProperty>(size, color, opacity, strokeKind, position);
             case ZV_EFFECT_PATTERN:
-                made = new ZvPatternProperty(&pattern, scale, opacity);
-                break;
+                return std::make_unique<ZvPatternProperty>(&pattern, scale, opacity);
             case ZV_EFFECT_BEVEL:
-                made = new ZvBevelProperty(style, size, depth, direction, technique, soften, opacity, angle,
-                                           altitude, color, shadowOpacity, highlight, highlightOpacity);
-                break;
+                return std::make_unique<ZvBevelProperty>(style, size, depth, direction, technique, soften,
+                                                         opacity, angle, altitude, color, shadowOpacity,
+                                                         highlight, highlightOpacity);
             default:
-                made = new ZvEmbossProperty(style, size, depth, direction, technique, soften, opacity, angle,
-                                            altitude, color, shadowOpacity, highlight, highlightOpacity);
+                return std::make_unique<ZvEmbossProperty>(style, size, depth, direction, technique, soften,
+                                                          opacity, angle, altitude, color, shadowOpacity,
+                                                          highlight, highlightOpacity);
         }
-        return std::unique_ptr<ZvProperty>(made);
     }
 
     // Returns the layer's id, or -1 if memory is short.

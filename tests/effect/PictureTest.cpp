@@ -5,15 +5,15 @@
 #include <malloc.h>
 
 #include <cstring>
-#include <memory>
+#include <string>
+#include <vector>
 
-#include "effect/Composite.h"
 #include "effect/ZvEffect.h"
-#include "effect/ZvGlyph.h"
 #include "raster/ZvBlender.h"
 #include "tests/CpuTargets.h"
 #include "tests/FailingAllocations.h"
 #include "tests/effect/RandomLayer.h"
+#include "tests/effect/StackPictures.h"
 #include "tests/effect/TestPictures.h"
 
 namespace Zvex {
@@ -30,51 +30,22 @@ public:
 struct Rendering {
     int width, height;
     ZvEffect stack;
-    ZvBitmap lines[3];
-    int count, x[3], y[3];
+    std::vector<Line> lines;
 
     explicit Rendering(unsigned seed) {
         Random random(seed);
         width = random.between(1, 70);
         height = random.between(1, 170);
-        count = seed % 17 == 0 ? 0 : random.between(1, 3);
-        for (int i = 0; i < count; ++i) {
+        for (int count = seed % 17 == 0 ? 0 : random.between(1, 3); count > 0; --count) {
             const MaskKind kind = kAllMasks[static_cast<size_t>(random.below(6))];
             const int lineWidth = random.between(1, 50), lineHeight = random.between(1, 40);
-            lines[i] = makeMask(kind, lineWidth, lineHeight, random);
-            x[i] = random.between(-20, width);
-            y[i] = random.between(-20, height);
+            lines.push_back({random.between(-20, width), random.between(-20, height), ZvBitmap()});
+            lines.back().coverage = makeMask(kind, lineWidth, lineHeight, random);
         }
         for (int layers = random.below(5); layers > 0; --layers)
             addLayer(stack, random.below(kLayerKinds - 1), random);
         if (random.below(4) == 0) stack.setTextOpacity(0.4f);
         stack.addText(random.color() | (random.below(2) != 0 ? 0xFF000000u : 0));
-    }
-
-    void drawLines() {
-        for (int i = 0; i < count; ++i) {
-            ZvGlyph glyph = glyphOf(lines[i]);
-            stack.renderEffectLayer(x[i], y[i], &glyph);
-        }
-    }
-
-    ZvBitmap inLayers() {
-        ZvBitmap picture(static_cast<unsigned>(width), static_cast<unsigned>(height), 4);
-        stack.initEffect(width, height);
-        stack.setDstBitmap(&picture);
-        drawLines();
-        stack.doEffectPostProcessing();
-        stack.compositeLayers(&picture);
-        return picture;
-    }
-
-    ZvBitmap asPicture(PixelOrder order, ZvRect* drawn) {
-        ZvBitmap picture(static_cast<unsigned>(width), static_cast<unsigned>(height), 4);
-        std::memset(picture.pixels, 0xA7, picture.byteCount());
-        stack.initPicture(&picture);
-        drawLines();
-        *drawn = stack.drawPicture(order);
-        return picture;
     }
 };
 
@@ -93,19 +64,15 @@ TEST(Picture, IsWhatTheLayersMakeOneAfterTheOther) {
     for (unsigned seed = 0; seed < 400; ++seed) {
         SCOPED_TRACE("seed " + std::to_string(seed));
         Rendering rendering(seed);
-        ZvBitmap expected = rendering.inLayers();
+        auto& [width, height, stack, lines] = rendering;
+        ZvBitmap expected = inLayers(stack, width, height, lines);
         ZvRect drawn;
         const DirtyMemory memory(1 + static_cast<int>(seed % 250));
-        if (seed % 4 == 0) {
-            ASSERT_TRUE(samePixels(expected, rendering.asPicture(PixelOrder::RedFirst, &drawn)));
-        } else {
-            ZvBlender::convertBGRAToARGB(&expected);
-            ASSERT_TRUE(samePixels(expected, rendering.asPicture(PixelOrder::BlueFirst, &drawn)));
-        }
+        const auto order = seed % 4 == 0 ? PixelOrder::RedFirst : PixelOrder::BlueFirst;
+        if (order == PixelOrder::BlueFirst) ZvBlender::convertBGRAToARGB(&expected);
+        ASSERT_TRUE(samePixels(expected, asPicture(stack, width, height, lines, order, &drawn)));
         expectNothingOutside(expected, drawn);
-        EXPECT_EQ(rendering.stack.mask, nullptr);
-        EXPECT_EQ(rendering.stack.dst, nullptr);
-        EXPECT_EQ(rendering.stack.layerMode, 0);
+        EXPECT_TRUE(stack.mask == nullptr && stack.dst == nullptr && stack.layerMode == 0);
     }
 }
 
@@ -118,7 +85,7 @@ TEST(Picture, AnyAllocationMayFail) {
         forEachFailingAllocation([&](bool) {
             std::memset(picture.pixels, 0xA7, picture.byteCount());
             rendering.stack.initPicture(&picture);
-            rendering.drawLines();
+            drawLines(rendering.stack, rendering.lines);
             expectNothingOutside(picture, rendering.stack.drawPicture(PixelOrder::BlueFirst));
         });
     }

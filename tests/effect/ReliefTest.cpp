@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <array>
 #include <climits>
 #include <cstdint>
 #include <vector>
@@ -85,56 +84,15 @@ TEST(Emboss, EqualsThePlainForm) {
     check(101.0f, 2, 6, 2, 7, 6);
 }
 
-// Other programs fill the workers' blocks by this layout.
-struct Rectangle {
-    int xBegin, xEnd, yBegin, yEnd;
-};
-struct Lighting {
-    float normalZ, lightX, lightY, lightZ;
-    int highlightAlpha, shadowAlpha;
-};
-struct BlurBlock {
-    unsigned char *source, *destination;
-    int stride, radius;
-    Rectangle rectangle;
-};
-struct BevelDistanceBlock {
-    float* plane;
-    int height, width, radius, rowBegin, rowEnd;
-};
-struct BevelLightBlock {
-    unsigned char *highlight, *shadow;
-    int width, radius;
-    Lighting lighting;
-    unsigned char inner;
-    float* distance;
-    Rectangle rectangle;
-};
-struct EmbossDistanceBlock {
-    float* plane;
-    int height, width, outerRadius, innerRadius, rowBegin, rowEnd;
-};
-struct EmbossLightBlock {
-    unsigned char *highlight, *shadow;
-    float *first, *second;
-    int width, outerRadius, innerRadius;
-    Lighting lighting;
-    Rectangle rectangle;
-};
-
 constexpr int kWidth = 23, kHeight = 17;
-constexpr Lighting kLighting = {1.3f, 0.6f, -0.35f, 0.7f, 200, 77};
 constexpr reference::Light kLight = {0.6f, -0.35f, 0.7f, 1.3f};
 
 reference::Distances randomPlane(Random& random, float low) {
     reference::Distances plane(kWidth, kHeight, 0);
     for (float& value : plane.values) {
-        const float fraction = static_cast<float>(random.below(5000)) / 1000.0f;
-        const float half = 4.5f;  // of a byte, at the limit of 5
-        value = random.below(3) == 0   ? 5.0f
-                : random.below(2) == 0 ? low
-                : random.below(4) == 0 ? half
-                                       : fraction;
+        // 4.5: half of a byte, at the limit of 5.
+        const float some[] = {5, 5, low, low, 4.5f, static_cast<float>(random.below(5000)) / 1000.0f};
+        value = some[random.below(6)];
     }
     return plane;
 }
@@ -147,9 +105,9 @@ void expectTheKernelsOfBoth() {
     reference::Bytes source(noise.pixels, noise.pixels + kWidth * kHeight), actual(source.size(), 9),
         expected(actual);
     for (int yBegin : {6, 3}) {
-        BlurBlock block = {
-            source.data(), actual.data(), kWidth, 3, {4, kWidth - 3, yBegin, yBegin == 6 ? kHeight - 5 : 6}};
-        EXPECT_EQ(Filter::partialBlur(&block) + Filter::partialBlur(nullptr), 0);
+        const int yEnd = yBegin == 6 ? kHeight - 5 : 6;
+        typename Filter::BlurJob job = {source.data(), actual.data(), kWidth, 3, 4, kWidth - 3, yBegin, yEnd};
+        EXPECT_EQ(Filter::partialBlur(&job) + Filter::partialBlur(nullptr), 0);
     }
     reference::Blur{kWidth, 4, kWidth - 3, 3, kHeight - 5}.draw(source, expected, weights);
     EXPECT_EQ(actual, expected);
@@ -166,55 +124,45 @@ void expectTheKernelsOfBoth() {
     EXPECT_EQ(std::vector<float>(squares, squares + 5), (std::vector<float>{1, 0, 1, 4, 3}));
 }
 
-// Draws two bands of rows, the lower one first, with blockOf(highlight, shadow, rectangle), and compares them
-// with draw's whole rectangle. Bytes outside do not change.
-template <typename BlockOf, typename Draw>
-void expectTheLight(int (*worker)(void*), BlockOf blockOf, Draw draw) {
-    for (const auto& [highlightAlpha, shadowAlpha] : {std::array{200, 77}, {255, 1000}, {-1000, 255}}) {
-        Lighting lighting = kLighting;
-        lighting.highlightAlpha = highlightAlpha;
-        lighting.shadowAlpha = shadowAlpha;
-        reference::LightPlanes light(kWidth, kHeight, static_cast<uint32_t>(highlightAlpha),
-                                     static_cast<uint32_t>(shadowAlpha));
-        std::fill(light.highlight.begin(), light.highlight.end(), uint8_t{99});
-        const reference::Bytes before = light.highlight, zeros = light.shadow;
-        draw(light, 2, kWidth - 1, 1, kHeight - 2);
-        forEachCpuTarget([&] {
-            reference::Bytes highlight = before, shadow = zeros;
-            for (int yBegin : {6, 1}) {
-                const Rectangle rectangle = {2, kWidth - 1, yBegin, yBegin == 6 ? kHeight - 2 : 6};
-                auto block = blockOf(highlight.data(), shadow.data(), lighting, rectangle);
-                auto without = blockOf(highlight.data(), nullptr, lighting, rectangle);
-                EXPECT_EQ(worker(&block) + worker(&without) + worker(nullptr), 0);
-            }
-            EXPECT_EQ(highlight, light.highlight);
-            EXPECT_EQ(shadow, light.shadow);
-        });
+// Draws two bands of rows, the lower one first, and compares them with draw's whole rectangle. Bytes outside
+// do not change.
+template <typename Job, typename Draw>
+void expectTheLight(int (*worker)(void*), Job job, Draw draw) {
+    reference::LightPlanes light(kWidth, kHeight, 200, 77);
+    std::fill(light.highlight.begin(), light.highlight.end(), uint8_t{99});
+    reference::Bytes highlight = light.highlight, shadow = light.shadow;
+    draw(light, 2, kWidth - 1, 1, kHeight - 2);
+    for (int yBegin : {6, 1}) {
+        job.highlight = highlight.data(), job.shadow = nullptr;
+        job.yBegin = yBegin, job.yEnd = yBegin == 6 ? kHeight - 2 : 6;
+        EXPECT_EQ(worker(&job) + worker(nullptr), 0);
+        job.shadow = shadow.data();
+        EXPECT_EQ(worker(&job), 0);
     }
+    EXPECT_EQ(highlight, light.highlight);
+    EXPECT_EQ(shadow, light.shadow);
 }
 
+// Other programs fill the workers' blocks in this order.
 TEST(Bevel, WorkersTakeBlocksAndAnyPartOfTheRows) {
     expectTheKernelsOfBoth<ZvBevel>();
     Random random(3);
     reference::Distances plane = randomPlane(random, 0), expected(plane);
     for (int rowBegin : {12, 0, 6}) {
-        BevelDistanceBlock block = {plane.values.data(), kHeight, kWidth, 4, rowBegin, rowBegin + 6};
-        EXPECT_EQ(ZvBevel::partialDT(&block) + ZvBevel::partialDT(nullptr), 0);
+        ZvBevel::DistanceJob job = {plane.values.data(), kHeight, kWidth, 4, rowBegin, rowBegin + 6};
+        EXPECT_EQ(ZvBevel::partialDT(&job) + ZvBevel::partialDT(nullptr), 0);
     }
     reference::searchNearest(expected, 4, 0, kHeight);
     EXPECT_EQ(plane.values, expected.values);
 
     plane = randomPlane(random, 6);  // beyond the radius
     for (bool inner : {false, true}) {
-        const auto blockOf = [&](unsigned char* highlight, unsigned char* shadow, Lighting lighting,
-                                 Rectangle rectangle) {
-            return BevelLightBlock{highlight,           shadow,   kWidth, 5, lighting, inner,
-                                   plane.values.data(), rectangle};
-        };
-        expectTheLight(&ZvBevel::partialLightProcess, blockOf,
-                       [&](reference::LightPlanes& planes, auto... sides) {
-                           reference::lightBevel(planes, plane, 5, inner, kLight, sides...);
-                       });
+        const ZvBevel::LightJob job = {nullptr, nullptr,   kWidth, 5,  1.3f,  0.6f,
+                                       -0.35f,  0.7f,      200,    77, inner, plane.values.data(),
+                                       2,       kWidth - 1};
+        expectTheLight(&ZvBevel::partialLightProcess, job, [&](auto& planes, auto... sides) {
+            reference::lightBevel(planes, plane, 5, inner, kLight, sides...);
+        });
     }
 }
 
@@ -224,8 +172,8 @@ TEST(Emboss, WorkersTakeBlocksAndAnyPartOfTheRows) {
     reference::Distances plane = randomPlane(random, -2), expected(plane), inside = randomPlane(random, 0);
     const auto search = [&](int (*worker)(void*)) {
         for (int rowBegin : {12, 0, 6}) {
-            EmbossDistanceBlock block = {plane.values.data(), kHeight, kWidth, 3, 1, rowBegin, rowBegin + 6};
-            EXPECT_EQ(worker(&block) + worker(nullptr), 0);
+            ZvEmboss::DistanceJob job = {plane.values.data(), kHeight, kWidth, 3, 1, rowBegin, rowBegin + 6};
+            EXPECT_EQ(worker(&job) + worker(nullptr), 0);
         }
         EXPECT_EQ(plane.values, expected.values);
     };
@@ -234,21 +182,31 @@ TEST(Emboss, WorkersTakeBlocksAndAnyPartOfTheRows) {
     reference::searchInward(expected, 1, 0, kHeight);
     search(&ZvEmboss::partialInDT);
 
-    plane = randomPlane(random, -2);
-    const auto blockOf = [&](unsigned char* highlight, unsigned char* shadow, Lighting lighting,
-                             Rectangle rectangle) {
-        return EmbossLightBlock{highlight, shadow,   plane.values.data(), inside.values.data(), kWidth, 5, 3,
-                                lighting,  rectangle};
+    const auto job = [&] {
+        return ZvEmboss::LightJob{nullptr,
+                                  nullptr,
+                                  plane.values.data(),
+                                  inside.values.data(),
+                                  kWidth,
+                                  5,
+                                  3,
+                                  1.3f,
+                                  0.6f,
+                                  -0.35f,
+                                  0.7f,
+                                  200,
+                                  77,
+                                  2,
+                                  kWidth - 1};
     };
-    expectTheLight(&ZvEmboss::partialLightHardProcess, blockOf,
-                   [&](reference::LightPlanes& planes, auto... sides) {
-                       reference::lightEmboss(planes, plane, 5, 3, kLight, sides...);
-                   });
+    plane = randomPlane(random, -2);
+    expectTheLight(&ZvEmboss::partialLightHardProcess, job(), [&](auto& planes, auto... sides) {
+        reference::lightEmboss(planes, plane, 5, 3, kLight, sides...);
+    });
     plane = randomPlane(random, 0);
-    expectTheLight(&ZvEmboss::partialLightSoftProcess, blockOf,
-                   [&](reference::LightPlanes& planes, auto... sides) {
-                       reference::lightEmboss(planes, plane, inside, 5, 3, kLight, sides...);
-                   });
+    expectTheLight(&ZvEmboss::partialLightSoftProcess, job(), [&](auto& planes, auto... sides) {
+        reference::lightEmboss(planes, plane, inside, 5, 3, kLight, sides...);
+    });
 }
 
 template <typename Filter, typename Property>

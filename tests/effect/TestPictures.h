@@ -11,7 +11,6 @@
 #include <random>
 #include <string>
 
-#include "effect/ZvGlyph.h"
 #include "raster/ZvBitmap.h"
 
 // Masks and targets for the filter tests, the same on every machine for one seed.
@@ -67,15 +66,6 @@ inline Zvex::ZvBitmap makeMask(MaskKind kind, int width, int height, Random& ran
         }
     }
     return mask;
-}
-
-// The coverage as a line of glyphs, its pixels still the bitmap's.
-inline Zvex::ZvGlyph glyphOf(Zvex::ZvBitmap& coverage) {
-    Zvex::ZvGlyph glyph;
-    glyph.pixels = coverage.pixels;
-    glyph.width = static_cast<uint16_t>(coverage.width);
-    glyph.height = static_cast<uint16_t>(coverage.height);
-    return glyph;
 }
 
 // Premultiplied pixels: transparent, opaque, or of any alpha.

@@ -7,14 +7,14 @@
 
 #include "effect/LayerJoin.h"
 #include "effect/ZvEffect.h"
-#include "effect/ZvGlyph.h"
 #include "tests/FailingAllocations.h"
+#include "tests/effect/StackPictures.h"
 #include "tests/effect/TestPictures.h"
 
 namespace Zvex {
 namespace {
 
-constexpr unsigned kLayeredWidth = 90, kLayeredHeight = 60;
+constexpr int kLayeredWidth = 90, kLayeredHeight = 60;
 
 void addGlowAndShadow(ZvEffect& effect) {
     effect.addOuterGlowText(6, 0xFF00FF00, 0.7f, 0, nullptr);
@@ -23,17 +23,11 @@ void addGlowAndShadow(ZvEffect& effect) {
 }
 
 // Two lines, the second one beyond the right edge, as a text object passes them.
-void drawLines(ZvEffect& effect, ZvBitmap* picture) {
+ZvBitmap drawnText(ZvEffect& effect) {
     Random random(2);
     const ZvBitmap line = makeMask(MaskKind::Shapes, 50, 20, random);
-    ZvGlyph glyph;
-    glyph.pixels = line.pixels;
-    glyph.width = 50;
-    glyph.height = 20;
-    effect.initPicture(picture);
-    effect.renderEffectLayer(12, 9, &glyph);
-    effect.renderEffectLayer(55, 31, &glyph);
-    effect.drawPicture(PixelOrder::BlueFirst);
+    return asPicture(effect, kLayeredWidth, kLayeredHeight, {{12, 9, line}, {55, 31, line}},
+                     PixelOrder::BlueFirst);
 }
 
 struct LayeredText {
@@ -43,8 +37,18 @@ struct LayeredText {
     LayeredText() {
         addGlowAndShadow(plain);
         owner.effects.push_back(coverage);
-        ZvBitmap none(kLayeredWidth, kLayeredHeight, 4);
-        drawLines(owner, &none);
+        drawnText(owner);
+    }
+    ZvBitmap draw(const TextLayer* layers, size_t count = 1,
+                  const ZvRect& clip = ZvRect(0, 0, kLayeredWidth, kLayeredHeight)) {
+        ZvBitmap picture(kLayeredWidth, kLayeredHeight, 4);
+        EXPECT_TRUE(drawTextLayers(&picture, *coverage, layers, count, clip));
+        return picture;
+    }
+    uint32_t at(int x, int y) const {
+        const ZvRect& box = coverage->box;
+        const bool inBox = x >= box.left && x < box.right && y >= box.top && y < box.bottom;
+        return inBox ? coverage->mask.pixels[(y - box.top) * (box.right - box.left) + x - box.left] : 0;
     }
 };
 
@@ -57,23 +61,22 @@ TEST(TextLayers, ALayerIsThePictureOfItsStack) {
         layer.effect = &text.plain;
         layer.x = x;
         layer.y = x / 2;
-        ZvBitmap stack(kLayeredWidth, kLayeredHeight, 4), expected(stack), actual(stack);
-        ASSERT_TRUE(drawTextLayers(&actual, *text.coverage, &layer, 1, clip));
         ZvEffect effect;
         addGlowAndShadow(effect);
-        drawLines(effect, &stack);
+        const ZvBitmap stack = drawnText(effect);
+        ZvBitmap expected(kLayeredWidth, kLayeredHeight, 4);
         JoinedLayer joined;
         joined.picture = &stack;
         joined.x = layer.x;
         joined.y = layer.y;
         joinLayers(&expected, &joined, 1);
-        for (int i = 0; i < static_cast<int>(kLayeredWidth * kLayeredHeight); ++i) {
+        for (int i = 0; i < kLayeredWidth * kLayeredHeight; ++i) {
             const int column = i % 90, row = i / 90;
             const bool shows =
                 column >= clip.left && column < clip.right && row >= clip.top && row < clip.bottom;
             if (!shows) std::memset(expected.pixels + i * 4, 0, 4);
         }
-        EXPECT_TRUE(samePixels(expected, actual)) << "moved by " << x;
+        EXPECT_TRUE(samePixels(expected, text.draw(&layer, 1, clip))) << "moved by " << x;
     }
 }
 
@@ -88,29 +91,17 @@ TEST(TextLayers, SpreadIsAStrokeAndKnockoutLeavesTheGlyphsOut) {
     TextLayer layer;
     layer.effect = &black;
     layer.spread = 4;
-    ZvBitmap widened(kLayeredWidth, kLayeredHeight, 4), outlined(widened), ring(widened);
-    const ZvRect clip(0, 0, kLayeredWidth, kLayeredHeight);
-    ASSERT_TRUE(drawTextLayers(&widened, *text.coverage, &layer, 1, clip));
-    drawLines(stroked, &outlined);
+    const ZvBitmap widened = text.draw(&layer), outlined = drawnText(stroked);
     layer.knockout = true;
     layer.x = 3;
-    ASSERT_TRUE(drawTextLayers(&ring, *text.coverage, &layer, 1, clip));
-    const ZvRect& box = text.coverage->box;
+    const ZvBitmap ring = text.draw(&layer);
     int seen = 0;
-    for (int y = 0; y < static_cast<int>(kLayeredHeight); ++y) {
-        for (int x = 0; x < static_cast<int>(kLayeredWidth); ++x) {
-            const bool inBox = x >= box.left && x < box.right && y >= box.top && y < box.bottom;
-            const int glyphs =
-                inBox ? text.coverage->mask.pixels[(y - box.top) * (box.right - box.left) + x - box.left] : 0;
-            const int at = (y * static_cast<int>(kLayeredWidth) + x) * 4 + 3;
-            if (glyphs == 0 || glyphs == 255) {
-                ASSERT_EQ(widened.pixels[at], outlined.pixels[at]) << x << ", " << y;
-            }
-            if (glyphs == 255) {
-                ASSERT_EQ(ring.pixels[at], 0) << x << ", " << y;
-            }
-            seen += ring.pixels[at];
-        }
+    for (int i = 0; i < kLayeredWidth * kLayeredHeight; ++i) {
+        const uint32_t glyphs = text.at(i % 90, i / 90);
+        const int at = i * 4 + 3;
+        ASSERT_TRUE(widened.pixels[at] == outlined.pixels[at] || (glyphs > 0 && glyphs < 255)) << i;
+        ASSERT_TRUE(ring.pixels[at] == 0 || glyphs < 255) << i;
+        seen += ring.pixels[at];
     }
     EXPECT_GT(seen, 0);
 }
@@ -119,56 +110,43 @@ TEST(TextLayers, SpreadIsAStrokeAndKnockoutLeavesTheGlyphsOut) {
 // or the spread reach.
 TEST(TextLayers, ColourGlyphsTakeThePlaceOfTheFill) {
     LayeredText text;
-    const ZvRect& box = text.coverage->box;
     ZvEffect around;
     around.addOuterGlowText(6, 0xFF00FF00, 0.7f, 0, nullptr);
     around.addOuterShadowText(135, 5, 4, 0xFF203040, 0.6f);
     ColourGlyphs glyphs;
-    glyphs.x = box.left - 3;
-    glyphs.y = box.top + 2;
+    glyphs.x = text.coverage->box.left - 3;
+    glyphs.y = text.coverage->box.top + 2;
     glyphs.picture = ZvBitmap(70, 15, 4);
     glyphs.around = &around;
     auto* words = reinterpret_cast<uint32_t*>(glyphs.picture.pixels);
-    const auto coverageAt = [&](int x, int y) -> uint32_t {
-        const bool inBox = x >= box.left && x < box.right && y >= box.top && y < box.bottom;
-        return inBox ? text.coverage->mask.pixels[(y - box.top) * (box.right - box.left) + x - box.left] : 0;
-    };
     // On the left half of the first line, and with less than the coverage in every fifth column.
     for (int i = 0; i < 70 * 15; ++i) {
-        const int x = i % 70 + glyphs.x, y = i / 70 + glyphs.y;
-        const uint32_t alpha = i % 70 < 25 ? coverageAt(x, y) / (i % 5 == 0 ? 2 : 1) : 0;
+        const uint32_t coverage = text.at(i % 70 + glyphs.x, i / 70 + glyphs.y);
+        const uint32_t alpha = i % 70 < 25 ? coverage / (i % 5 == 0 ? 2 : 1) : 0;
         if (alpha != 0) words[i] = alpha << 24 | 0x3060C0;
     }
     for (const uint32_t color : {0xFFFF8040u, 0x80FF8040u}) {
         text.plain.addText(color);
-        ZvBitmap filled(kLayeredWidth, kLayeredHeight, 4), beneath(filled), actual(filled);
-        TextLayer layer;
-        layer.effect = &text.plain;
-        const ZvRect clip(0, 0, kLayeredWidth, kLayeredHeight);
-        ASSERT_TRUE(drawTextLayers(&filled, *text.coverage, &layer, 1, clip));
         around.textAlpha = static_cast<uint8_t>(color >> 24);
-        TextLayer under;
+        TextLayer layer, under;
+        layer.effect = &text.plain;
         under.effect = &around;
-        ASSERT_TRUE(drawTextLayers(&beneath, *text.coverage, &under, 1, clip));
+        const ZvBitmap filled = text.draw(&layer), beneath = text.draw(&under);
         layer.colours = &glyphs;
-        ASSERT_TRUE(drawTextLayers(&actual, *text.coverage, &layer, 1, clip));
+        const ZvBitmap actual = text.draw(&layer);
         int alone = 0, mixed = 0;
-        for (int i = 0; i < static_cast<int>(kLayeredWidth * kLayeredHeight); ++i) {
+        for (int i = 0; i < kLayeredWidth * kLayeredHeight; ++i) {
             const int x = i % 90 - glyphs.x, y = i / 90 - glyphs.y;
             const uint32_t source = x >= 0 && x < 70 && y >= 0 && y < 15 ? words[y * 70 + x] : 0;
-            const auto pixelOf = [i](const ZvBitmap& bitmap) {
-                uint32_t word;
-                std::memcpy(&word, bitmap.pixels + i * 4, 4);
-                return word;
-            };
-            const bool isAlone = source != 0 && coverageAt(i % 90, i / 90) <= source >> 24;
-            const uint32_t below = pixelOf(isAlone ? beneath : filled), made = pixelOf(actual);
-            const double s = (source >> 24) / 255.0 * (color >> 24) / 255.0, b = (below >> 24) / 255.0;
+            const bool isAlone = source != 0 && text.at(i % 90, i / 90) <= source >> 24;
+            const uint8_t* const below = (isAlone ? beneath : filled).pixels + i * 4;
+            const uint8_t* const made = actual.pixels + i * 4;
+            const double s = (source >> 24) / 255.0 * (color >> 24) / 255.0, b = below[3] / 255.0;
             const double alpha = s + b * (1 - s);
-            ASSERT_NEAR(made >> 24, alpha * 255, 0.51) << i;
-            for (int shift = 0; shift < 24 && alpha > 0; shift += 8) {
-                const double c = (source >> shift & 255) * s + (below >> shift & 255) * b * (1 - s);
-                ASSERT_NEAR(made >> shift & 255, c / alpha, 0.51) << i;
+            ASSERT_NEAR(made[3], alpha * 255, 0.51) << i;
+            for (int k = 0; k < 3 && alpha > 0; ++k) {
+                const double c = (source >> 8 * k & 255) * s + below[k] * b * (1 - s);
+                ASSERT_NEAR(made[k], c / alpha, 0.51) << i;
             }
             alone += isAlone;
             mixed += source != 0 && !isAlone;
@@ -202,11 +180,9 @@ TEST(TextLayers, LayersOfOneStackAreDrawnOnce) {
             apart[i].effect = &own[i];
             shared[i].effect = &own[0];
         }
-        ZvBitmap expected(kLayeredWidth, kLayeredHeight, 4), actual(expected);
-        ASSERT_TRUE(drawTextLayers(&expected, *text.coverage, apart, 4, clip));
+        const ZvBitmap expected = text.draw(apart, 4, clip);
         counting->drawn = 0;
-        ASSERT_TRUE(drawTextLayers(&actual, *text.coverage, shared, 4, clip));
-        EXPECT_TRUE(samePixels(expected, actual)) << inset;
+        EXPECT_TRUE(samePixels(expected, text.draw(shared, 4, clip))) << inset;
         EXPECT_EQ(counting->drawn, inset == 0 ? 2 : 4);
     }
 }

@@ -11,16 +11,13 @@
 #include <limits>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "effect/ZvECoreBase.h"
-#include "effect/ZvText.h"
-#include "effect/filters/ZvStroke.h"
-#include "foundation/ZvLog.h"
-#include "platform/host/LogCapture.h"
 #include "raster/ZvBitmap.h"
-#include "raster/ZvBlender.h"
 #include "tests/effect/PropertyFields.h"
+#include "tests/effect/StackPictures.h"
 #include "tests/effect/TestPictures.h"
 #include "tests/reference/BlenderReference.h"
 
@@ -252,23 +249,19 @@ TEST(EffectStack, OrderAndTargetsOfEveryType) {
         ZvBevelProperty bevel(row.bevelStyle, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1);
         ZvEffect stack;
         for (int type = 1; type <= 13; ++type) {
-            ZvProperty* const settings[] = {&bevel, &oldStroke, &stroke};
-            if (type != ZV_EFFECT_EMBOSS || row.emboss)
-                addRecorder(stack, type,
-                            type == 5    ? settings[0]
-                            : type == 9  ? settings[1]
-                            : type == 10 ? settings[2]
-                                         : nullptr);
+            ZvProperty* settings = type == 5 ? &bevel : nullptr;
+            if (type == 9) settings = &oldStroke;
+            if (type == 10) settings = &stroke;
+            if (type != ZV_EFFECT_EMBOSS || row.emboss) addRecorder(stack, type, settings);
         }
         stack.setTextOpacity(row.opacity);
-        ZvBitmap picture(4, 5, 4), coverage(2, 2, 1);
-        ZvGlyph glyph = glyphOf(coverage);
+        ZvBitmap picture(4, 5, 4);
         stack.initEffect(4, 5);
         EXPECT_EQ(stack.layerMode, row.layerMode);
         EXPECT_EQ(stack.back != nullptr, row.layerMode == 1);
         EXPECT_EQ(typesOf(stack.layers), row.order);
         stack.setDstBitmap(&picture);
-        stack.renderEffectLayer(1, 1, &glyph);
+        drawLines(stack, {{1, 1, ZvBitmap(2, 2, 1)}});
         stack.doEffectPostProcessing();
         Types inBack, inBoth;
         for (ZvECore* layer : stack.effects) {
@@ -295,23 +288,22 @@ TEST(EffectStack, GlyphsMergeIntoTheMaskAndItsBox) {
     stack.addText(0xFF000000);
     stack.initEffect(6, 6);
     Random random(1);
-    ZvBitmap first = makeMask(MaskKind::Noise, 3, 3, random),
-             second = makeMask(MaskKind::Noise, 4, 2, random);
-    ZvGlyph one = glyphOf(first), two = glyphOf(second);
-    stack.renderEffectLayer(1, 2, &one);
-    EXPECT_EQ(sidesOf(stack.textRect), (Sides{1, 2, 4, 5}));
-    stack.renderEffectLayer(2, 3, &two);
-    stack.renderEffectLayer(-1, -1, &two);
+    std::vector<Line> lines = {{1, 2, makeMask(MaskKind::Noise, 3, 3, random)},
+                               {2, 3, makeMask(MaskKind::Noise, 4, 2, random)}};
+    lines.push_back({-1, -1, lines[1].coverage});
+    drawLines(stack, lines);
     EXPECT_EQ(sidesOf(*stack.getTextRect()), (Sides{-1, -1, 6, 5}));
     ZvBitmap expected(6, 6, 1);
-    reference::drawBitmap(1, 2, &expected, first.pixels, 3, 3, 0);
-    reference::drawBitmap(2, 3, &expected, second.pixels, 4, 2, 0);
-    reference::drawBitmap(-1, -1, &expected, second.pixels, 4, 2, 0);
+    for (const Line& line : lines) {
+        const ZvBitmap& from = line.coverage;
+        reference::drawBitmap(line.x, line.y, &expected, from.pixels, static_cast<int>(from.width),
+                              static_cast<int>(from.height), 0);
+    }
     EXPECT_TRUE(samePixels(expected, *stack.mask));
     stack.doEffectPostProcessing();
     EXPECT_EQ(sidesOf(stack.textRect), (Sides{0, 0, 6, 5}));
     EXPECT_TRUE(stack.textRectReset);
-    stack.renderEffectLayer(4, 4, &one);
+    drawLines(stack, {{4, 4, lines[0].coverage}});
     EXPECT_EQ(sidesOf(stack.textRect), (Sides{4, 4, 7, 7}));
 }
 
@@ -319,11 +311,10 @@ TEST(EffectStack, ABoxAtTheEndOfTheIntsDoesNotWrap) {
     ZvEffect stack;
     Recorder* layer = addRecorder(stack, 1);
     stack.initEffect(4, 4);
-    ZvBitmap coverage(5, 5, 1);
-    ZvGlyph glyph = glyphOf(coverage);
-    stack.renderEffectLayer(INT_MAX - 2, INT_MAX, &glyph);
+    const ZvBitmap coverage(5, 5, 1);
+    drawLines(stack, {{INT_MAX - 2, INT_MAX, coverage}});
     EXPECT_EQ(sidesOf(stack.textRect), (Sides{INT_MAX - 2, INT_MAX, INT_MAX, INT_MAX}));
-    stack.renderEffectLayer(INT_MIN, INT_MIN, &glyph);
+    drawLines(stack, {{INT_MIN, INT_MIN, coverage}});
     stack.doEffectPostProcessing();
     EXPECT_EQ(sidesOf(stack.textRect), (Sides{0, 0, 4, 4}));
     EXPECT_EQ(layer->draws.size(), 1u);
@@ -332,17 +323,12 @@ TEST(EffectStack, ABoxAtTheEndOfTheIntsDoesNotWrap) {
 TEST(EffectStack, NoLayerRunsWithoutGlyphsInTheMask) {
     ZvEffect stack;
     Recorder* layer = addRecorder(stack, 1);
-    ZvBitmap coverage(3, 3, 1);
-    ZvGlyph glyph = glyphOf(coverage);
-    const int places[][2] = {{4, 0}, {0, 4}, {-3, 0}, {0, -3}, {100, 100}};
-    for (const auto& place : places) {
+    const ZvBitmap coverage(3, 3, 1);
+    for (const auto& [x, y] : {std::pair(4, 0), {0, 4}, {-3, 0}, {0, -3}, {100, 100}, {0, 0}}) {
         stack.initEffect(4, 4);
-        stack.renderEffectLayer(place[0], place[1], &glyph);
+        drawLines(stack, {{x, y, coverage}});
         stack.doEffectPostProcessing();
     }
-    stack.initEffect(4, 4);
-    stack.renderEffectLayer(0, 0, &glyph);
-    stack.doEffectPostProcessing();
     stack.initEffect(4, 4);
     stack.doEffectPostProcessing();  // the box of the rendering before does not apply
     EXPECT_EQ(layer->draws.size(), 1u);
@@ -352,7 +338,7 @@ TEST(EffectStack, NoLayerRunsWithoutGlyphsInTheMask) {
     EXPECT_EQ(layer->draws.size(), 3u);
     EXPECT_EQ(sidesOf(stack.textRect), (Sides{0, 0, 4, 4}));
     stack.compositeLayers(nullptr);  // there is no mask any more
-    stack.renderEffectLayer(0, 0, &glyph);
+    drawLines(stack, {{0, 0, coverage}});
     stack.doEffectPostProcessing();
     EXPECT_EQ(layer->draws.size(), 3u);
 }
@@ -361,7 +347,6 @@ TEST(EffectStack, NoLayerRunsWithoutGlyphsInTheMask) {
 TEST(EffectStack, TheTextAloneLeavesThePictureBesideIt) {
     ZvBitmap coverage(1, 1, 1);
     coverage.pixels[0] = 255;
-    ZvGlyph glyph = glyphOf(coverage);
     for (const bool stroked : {false, true}) {
         ZvEffect stack;
         stack.addText(0xFF102030);
@@ -370,7 +355,7 @@ TEST(EffectStack, TheTextAloneLeavesThePictureBesideIt) {
         ZvBitmap picture(2, 1, 4);
         std::memset(picture.pixels, 0x80, picture.byteCount());
         stack.setDstBitmap(&picture);
-        stack.renderEffectLayer(0, 0, &glyph);
+        drawLines(stack, {{0, 0, coverage}});
         stack.doEffectPostProcessing();
         EXPECT_EQ(picture.pixels[3], 255);
         EXPECT_EQ(picture.pixels[7], stroked ? 0 : 0x80);
@@ -378,20 +363,16 @@ TEST(EffectStack, TheTextAloneLeavesThePictureBesideIt) {
 }
 
 TEST(EffectStack, SizesThatMakeNoBitmapDrawNothing) {
-    ZvBitmap coverage(2, 2, 1), picture(4, 4, 4), empty;
-    ZvGlyph glyph = glyphOf(coverage);
-    ZvGlyph noPixels;
-    noPixels.width = noPixels.height = 3;
-    const int sizes[][2] = {{0, 0}, {-1, 5}, {INT_MIN, INT_MIN}, {INT_MAX, INT_MAX}, {3, 0}};
-    for (const auto& size : sizes) {
-        for (ZvBitmap* out : {&picture, &empty, static_cast<ZvBitmap*>(nullptr)}) {
+    ZvBitmap picture(4, 4, 4);
+    for (const auto& [width, height] :
+         {std::pair(0, 0), {-1, 5}, {INT_MIN, INT_MIN}, {INT_MAX, INT_MAX}, {3, 0}}) {
+        for (const float opacity : {0.5f, 1.0f}) {
             ZvEffect stack;
-            if (out == &picture) stack.setTextOpacity(0.5f);
+            stack.setTextOpacity(opacity);
             stack.addText(0xFFFFFFFF);
-            stack.initEffect(size[0], size[1]);
-            stack.setDstBitmap(out);
-            stack.renderEffectLayer(0, 0, &glyph);
-            stack.renderEffectLayer(0, 0, &noPixels);
+            stack.initEffect(width, height);
+            stack.setDstBitmap(opacity < 1 ? &picture : nullptr);
+            drawLines(stack, {{0, 0, ZvBitmap(2, 2, 1)}});
             stack.doEffectPostProcessing();
             stack.compositeLayers(&picture);
         }
@@ -402,14 +383,13 @@ TEST(EffectStack, SizesThatMakeNoBitmapDrawNothing) {
 // --- Renderings as a picture that something gets in the way of
 
 struct Scene {
-    ZvBitmap coverage{6, 6, 1}, picture{20, 30, 4};
-    ZvGlyph glyph;
+    std::vector<Line> lines{{7, 9, ZvBitmap(6, 6, 1)}};
+    ZvBitmap picture{20, 30, 4};
     ZvEffect stack;
 
     explicit Scene(float textOpacity) {
-        std::memset(coverage.pixels, 200, coverage.byteCount());
+        std::memset(lines[0].coverage.pixels, 200, 36);
         std::memset(picture.pixels, 0xA7, picture.byteCount());
-        glyph = glyphOf(coverage);
         stack.setTextOpacity(textOpacity);
         stack.addText(0xC0FF8001);
         stack.addOuterShadowText(40, 5, 3, 0xFF0000FF, 1);
@@ -417,25 +397,12 @@ struct Scene {
         ZvBitmap old(20, 30, 1);
         std::memset(old.pixels, 0x77, old.byteCount());
     }
-    void drawWhole() {
-        std::memset(picture.pixels, 0, picture.byteCount());
-        stack.initEffect(20, 30);
-        stack.setDstBitmap(&picture);
-        stack.renderEffectLayer(7, 9, &glyph);
-        stack.doEffectPostProcessing();
-        stack.compositeLayers(&picture);
-    }
-    ZvRect drawAsPicture() {
-        stack.initPicture(&picture);
-        stack.renderEffectLayer(7, 9, &glyph);
-        return stack.drawPicture(PixelOrder::BlueFirst);
-    }
+    ZvBitmap whole() { return inLayers(stack, 20, 30, lines); }
 };
 
 TEST(EffectStack, APictureBecomesWholeWhateverComesInBetween) {
     using Step = void (*)(Scene&);
     const Step steps[] = {
-        [](Scene&) {},
         [](Scene& s) { EXPECT_EQ(s.stack.getSrcBitmap(), s.stack.mask); },
         [](Scene& s) { s.stack.setSrcBitmap(s.stack.getSrcBitmap()); },
         [](Scene& s) {
@@ -445,22 +412,16 @@ TEST(EffectStack, APictureBecomesWholeWhateverComesInBetween) {
         [](Scene& s) {
             ZvBitmap* copy = new ZvBitmap(*s.stack.getSrcBitmap());
             delete s.stack.mask;
-            s.stack.setSrcBitmap(copy);
-        },
-        [](Scene& s) {
-            ZvBitmap* copy = new ZvBitmap(*s.stack.getSrcBitmap());
-            delete s.stack.mask;
             s.stack.mask = copy;
         },
     };
     for (const float opacity : {1.0f, 0.5f}) {
-        Scene whole(opacity);
-        whole.drawWhole();
+        const ZvBitmap expected = Scene(opacity).whole();
         for (size_t step = 0; step < std::size(steps); ++step) {
             for (const bool finishAsPicture : {true, false}) {
                 Scene scene(opacity);
                 scene.stack.initPicture(&scene.picture);
-                scene.stack.renderEffectLayer(7, 9, &scene.glyph);
+                drawLines(scene.stack, scene.lines);
                 steps[step](scene);
                 if (finishAsPicture) {
                     scene.stack.drawPicture(PixelOrder::RedFirst);
@@ -468,7 +429,7 @@ TEST(EffectStack, APictureBecomesWholeWhateverComesInBetween) {
                     scene.stack.doEffectPostProcessing();
                     scene.stack.compositeLayers(&scene.picture);
                 }
-                EXPECT_TRUE(samePixels(whole.picture, scene.picture)) << step << finishAsPicture << opacity;
+                EXPECT_TRUE(samePixels(expected, scene.picture)) << step << finishAsPicture << opacity;
             }
         }
     }
@@ -483,17 +444,13 @@ TEST(EffectStack, AMaskNobodyDrewIsZeroedAndOnesOwnIsKept) {
         EXPECT_TRUE(samePixels(ZvBitmap(20, 30, 4), scene.picture));
 
         scene.stack.initPicture(&scene.picture);
-        scene.stack.renderEffectLayer(0, 25, &scene.glyph);
-        ZvBitmap expected(20, 30, 1);
-        for (size_t i = 25 * 20; i < 30 * 20; ++i) expected.pixels[i] = i % 20 < 6 ? 200 : 0;
-        EXPECT_TRUE(samePixels(expected, *scene.stack.getSrcBitmap()));
         delete scene.stack.getSrcBitmap();
         ZvBitmap* own = new ZvBitmap(width, height, 1);
         std::memset(own->pixels, 77, own->byteCount());
         ZvBitmap kept(*own);
         scene.stack.setSrcBitmap(own);
-        scene.stack.renderEffectLayer(1, 1, &scene.glyph);
-        reference::drawBitmap(1, 1, &kept, scene.coverage.pixels, 6, 6, 0);
+        drawLines(scene.stack, scene.lines);
+        reference::drawBitmap(7, 9, &kept, scene.lines[0].coverage.pixels, 6, 6, 0);
         EXPECT_TRUE(samePixels(kept, *own));
         scene.stack.drawPicture(PixelOrder::RedFirst);  // the mask's size is another than the picture's
     }
@@ -503,10 +460,7 @@ TEST(EffectStack, AMaskNobodyDrewIsZeroedAndOnesOwnIsKept) {
 class Dotter : public Recorder {
 public:
     using Recorder::Recorder;
-    int render(ParamRender* param) override {
-        dot(param->target, 0);
-        return 1;
-    }
+    int render(ParamRender* param) override { return dot(param->target, 0); }
     int doPostProcessing(ParamPostProcessing* param) override {
         EXPECT_EQ(param->rows, nullptr);
         dot(param->target, 2);
@@ -515,8 +469,9 @@ public:
     }
 
 private:
-    static void dot(ZvBitmap* picture, int x) {
+    static int dot(ZvBitmap* picture, int x) {
         for (const int at : {x, 10 * 20 + 8 + x}) std::memset(picture->pixels + 4 * at, 255, 4);
+        return 1;
     }
 };
 
@@ -524,31 +479,18 @@ private:
 TEST(EffectStack, LayersOfOtherClassesDrawAsTheyLike) {
     ZvStrokeProperty centered(4, 0xFF00FF00, 1, 0, 0);
     for (const float opacity : {1.0f, 0.5f}) {
-        Scene without(opacity);
-        without.drawWhole();
+        const ZvBitmap without = Scene(opacity).whole();
         for (const int type : {1, 4, 6, 10, 13}) {
-            Scene layered(opacity), strips(opacity);
-            for (Scene* scene : {&layered, &strips})
-                scene->stack.effects.push_back(new Dotter(type, type == 10 ? &centered : nullptr));
-            layered.drawWhole();
-            EXPECT_EQ(sidesOf(strips.drawAsPicture()), (Sides{0, 0, 20, 30}));
-            ZvBlender::convertBGRAToARGB(&strips.picture);
-            EXPECT_TRUE(samePixels(layered.picture, strips.picture)) << type << " " << opacity;
-            EXPECT_FALSE(samePixels(without.picture, strips.picture)) << type << " " << opacity;
+            Scene scene(opacity);
+            scene.stack.effects.push_back(new Dotter(type, type == 10 ? &centered : nullptr));
+            const ZvBitmap expected = scene.whole();
+            ZvRect drawn;
+            const ZvBitmap picture =
+                asPicture(scene.stack, 20, 30, scene.lines, PixelOrder::RedFirst, &drawn);
+            EXPECT_EQ(sidesOf(drawn), (Sides{0, 0, 20, 30}));
+            EXPECT_TRUE(samePixels(expected, picture)) << type << " " << opacity;
+            EXPECT_FALSE(samePixels(without, picture)) << type << " " << opacity;
         }
-    }
-}
-
-// Whichever way the text is drawn.
-TEST(EffectStack, TheTextsBlendIsInTheLogOnce) {
-    for (const bool asPicture : {false, true}) {
-        Scene scene(1);
-        host::LogCapture log;
-        asPicture ? static_cast<void>(scene.drawAsPicture()) : scene.drawWhole();
-        int lines = 0;
-        for (const host::LogLine& line : log.lines())
-            lines += line.tag == "Blender" && line.text == "Blender - ZVE_BLEND_OTHER";
-        EXPECT_EQ(lines, ZvLog::IsAllLogEnable() ? 1 : 0);
     }
 }
 

@@ -72,12 +72,9 @@ TEST(LayerKey, StopCountsNobodyMeantAreHarmless) {
         ZvLinearGradientProperty gradient(0, 1, 1, count, &stop);
         EXPECT_EQ(keyOf(gradient, 5).size(), 1u + 2 * 4);
     }
-    ZvInnerGlowProperty glow(1, kKeyed, 1, 7, nullptr);
+    ZvInnerGlowProperty glow(1, kKeyed, 1, 7, nullptr), huge(1, kKeyed, 1, INT_MAX, nullptr);
     EXPECT_EQ(keyOf(glow).size(), 1u + 2 * 9);
-    ZvInnerGlowProperty huge(1, kKeyed, 1, INT_MAX, nullptr);
     EXPECT_GT(huge.getSequentialCharLength(), 2000000000);
-    ZvRadialGradientProperty hugeGradient(1, 1, 1, INT_MAX, nullptr);
-    EXPECT_GT(hugeGradient.getSequentialCharLength(), 2000000000);
 }
 
 TEST(LayerKey, PatternsAreToldApartByTheirBitmap) {
@@ -86,10 +83,7 @@ TEST(LayerKey, PatternsAreToldApartByTheirBitmap) {
     EXPECT_EQ(first.getSequentialCharLength(), 17);
     const uint32_t address = static_cast<uint32_t>(reinterpret_cast<uintptr_t>(&one));
     std::string digits;
-    for (int shift = 28; shift >= 0; shift -= 4) {
-        digits += '0';
-        digits += "0123456789abcdef"[(address >> shift) & 15];
-    }
+    for (int shift = 28; shift >= 0; shift -= 4) digits += {'0', "0123456789abcdef"[address >> shift & 15]};
     EXPECT_EQ(keyOf(first), "P" + digits + "00030e08" + "0000010c");  // 1000 and 28
     EXPECT_NE(keyOf(first), keyOf(second));
 }

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <climits>
 #include <cstdlib>
 #include <random>
@@ -24,10 +25,8 @@ std::vector<uint8_t> ramp(size_t count) {
 }
 
 void expectShape(const ZvBitmap& bitmap, uint32_t width, uint32_t height, uint32_t depth, uint32_t format) {
-    EXPECT_EQ(bitmap.width, width);
-    EXPECT_EQ(bitmap.height, height);
-    EXPECT_EQ(bitmap.bytesPerPixel, depth);
-    EXPECT_EQ(bitmap.format, format);
+    EXPECT_EQ((std::array{bitmap.width, bitmap.height, bitmap.bytesPerPixel, bitmap.format}),
+              (std::array{width, height, depth, format}));
 }
 
 TEST(Bitmap, StartsEmptyOrZeroFilledWithTheFormatOfItsDepth) {
@@ -84,10 +83,6 @@ TEST(Bitmap, CutOutReadsZerosBeyondTheBuffer) {
         const ZvBitmap source(width, height, data.data(), depth);
         const int left = pick(-9, 9), top = pick(-9, 9);
         ZvRect rect(left, top, left + pick(-3, 9), top + pick(-3, 9));
-        SCOPED_TRACE(testing::Message()
-                     << "round " << round << " source " << width << "x" << height << "x" << depth << " rect "
-                     << rect.left << "," << rect.top << "," << rect.right << "," << rect.bottom);
-
         const ZvBitmap cut(source, &rect);
         expectShape(cut, std::abs(rect.right - rect.left), std::abs(rect.bottom - rect.top), depth,
                     depth == 4 ? 1 : 2);
@@ -99,7 +94,7 @@ TEST(Bitmap, CutOutReadsZerosBeyondTheBuffer) {
                 expected[static_cast<size_t>(y - rect.top) * cut.width + (x - rect.left)] = data[from];
             }
         }
-        ASSERT_EQ(bytesOf(cut), expected);
+        ASSERT_EQ(bytesOf(cut), expected) << "round " << round;
     }
     // The widest rectangle cannot be allocated; thin ones at the ends of the range can.
     const ZvBitmap mask(2, 2, 1);

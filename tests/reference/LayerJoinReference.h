@@ -7,62 +7,45 @@
 #include <cstdint>
 #include <vector>
 
+#include "raster/LayerBlend.h"
+
 // Layers joined pixel by pixel, by the formulas of the W3C's "Compositing and Blending Level 1". In float,
 // with the operations in the order given here, it equals the library byte for byte; in double it is the exact
 // result.
 namespace reference {
 
-// The modes in the library's order.
-enum JoinMode {
-    NORMAL,
-    MULTIPLY,
-    SCREEN,
-    OVERLAY,
-    DARKEN,
-    LIGHTEN,
-    COLOR_DODGE,
-    COLOR_BURN,
-    HARD_LIGHT,
-    SOFT_LIGHT,
-    DIFFERENCE,
-    EXCLUSION,
-    HUE,
-    SATURATION,
-    kColor,
-    LUMINOSITY,
-    PLUS_LIGHTER,
-};
+using Mode = Zvex::LayerBlend;
 
 struct Rgb {
     float r, g, b;
 };
 
-inline float mixChannel(int mode, float b, float s) {
+inline float mixChannel(Mode mode, float b, float s) {
     switch (mode) {
-        case MULTIPLY:
+        case Mode::Multiply:
             return b * s;
-        case SCREEN:
+        case Mode::Screen:
             return b + s * (1 - b);
-        case OVERLAY:
-            return mixChannel(HARD_LIGHT, s, b);
-        case DARKEN:
+        case Mode::Overlay:
+            return mixChannel(Mode::HardLight, s, b);
+        case Mode::Darken:
             return std::min(b, s);
-        case LIGHTEN:
+        case Mode::Lighten:
             return std::max(b, s);
-        case COLOR_DODGE:
+        case Mode::ColorDodge:
             return b == 0 ? 0 : s == 1 ? 1 : std::min<float>(1, b / (1 - s));
-        case COLOR_BURN:
+        case Mode::ColorBurn:
             return b == 1 ? 1 : s == 0 ? 0 : 1 - std::min<float>(1, (1 - b) / s);
-        case HARD_LIGHT:
-            return 2 * s <= 1 ? b * (2 * s) : mixChannel(SCREEN, b, 2 * s - 1);
-        case SOFT_LIGHT: {
+        case Mode::HardLight:
+            return 2 * s <= 1 ? b * (2 * s) : mixChannel(Mode::Screen, b, 2 * s - 1);
+        case Mode::SoftLight: {
             if (2 * s <= 1) return b - (1 - 2 * s) * b * (1 - b);
             const float d = 4 * b <= 1 ? ((16 * b - 12) * b + 4) * b : std::sqrt(b);
             return b + (2 * s - 1) * (d - b);
         }
-        case DIFFERENCE:
+        case Mode::Difference:
             return std::abs(b - s);
-        case EXCLUSION:
+        case Mode::Exclusion:
             return b * (1 - s) + s * (1 - b);
         default:
             return s;
@@ -96,15 +79,15 @@ inline Rgb setLum(Rgb c, float target) {
     return c;
 }
 
-inline Rgb mixColor(int mode, Rgb b, Rgb s) {
+inline Rgb mixColor(Mode mode, Rgb b, Rgb s) {
     switch (mode) {
-        case HUE:
+        case Mode::Hue:
             return setLum(setSat(s, sat(b)), lum(b));
-        case SATURATION:
+        case Mode::Saturation:
             return setLum(setSat(b, sat(s)), lum(b));
-        case kColor:
+        case Mode::Color:
             return setLum(s, lum(b));
-        case LUMINOSITY:
+        case Mode::Luminosity:
             return setLum(b, lum(s));
         default:
             return {mixChannel(mode, b.r, s.r), mixChannel(mode, b.g, s.g), mixChannel(mode, b.b, s.b)};
@@ -132,9 +115,9 @@ inline JoinedPixel pixelOf(uint32_t word) {
 }
 
 // Joins a source of that straight colour and alpha onto the pixel.
-inline JoinedPixel joinPixel(JoinedPixel back, Rgb source, float alpha, int mode) {
+inline JoinedPixel joinPixel(JoinedPixel back, Rgb source, float alpha, Mode mode) {
     const float backAlpha = back.alpha;
-    if (mode == PLUS_LIGHTER) {
+    if (mode == Mode::PlusLighter) {
         const auto sum = [](float a, float b) { return std::min<float>(1, a + b); };
         return {{sum(back.color.r, alpha * source.r), sum(back.color.g, alpha * source.g),
                  sum(back.color.b, alpha * source.b)},
@@ -144,7 +127,7 @@ inline JoinedPixel joinPixel(JoinedPixel back, Rgb source, float alpha, int mode
     const Rgb behind = {straight(back.color.r), straight(back.color.g), straight(back.color.b)};
     const Rgb mixed = mixColor(mode, behind, source);
     const auto over = [=](float p, float s, float m) {
-        const float color = mode == NORMAL ? s : (1 - backAlpha) * s + backAlpha * m;
+        const float color = mode == Mode::Normal ? s : (1 - backAlpha) * s + backAlpha * m;
         return (1 - alpha) * p + alpha * color;
     };
     return {{over(back.color.r, source.r, mixed.r), over(back.color.g, source.g, mixed.g),
@@ -172,7 +155,7 @@ inline uint32_t wordOf(JoinedBytes bytes) {
 struct PlainLayer {
     std::vector<uint32_t> words;    // of the picture, straight
     std::vector<uint8_t> coverage;  // that is knocked out; as many
-    int mode;
+    Mode mode;
     float opacity;
     bool clipped;
 };

@@ -76,18 +76,8 @@ struct InnerShadow {
     }
 
 private:
-    std::vector<int> weights() const {
-        std::vector<int> result{100};
-        const float radius = static_cast<float>(r);
-        for (int i = 1; i <= r; ++i) {
-            const float e = expf(static_cast<float>(-i * i) / (radius * radius / 4.60517f));
-            result.push_back(static_cast<int>(e * 100 + 0.5f));
-        }
-        return result;
-    }
-
     void blur() {
-        const std::vector<int> w = weights();
+        const std::vector<int> w = gaussianWeights(r, 100, true);
         const int total = gaussianTotal(w), paddedWidth = width + 2 * r;
         const auto at = [](auto& plane, int stride, int x, int y) -> auto& {
             return plane[static_cast<size_t>(y * stride + x)];

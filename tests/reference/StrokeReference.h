@@ -42,26 +42,25 @@ struct Plane {
     int width = 0, height = 0;
     std::vector<int> values;
 
-    int at(int x, int y) const { return values[static_cast<size_t>(y) * width + x]; }
+    // 0 outside.
+    int at(int x, int y) const {
+        return x < 0 || x >= width || y < 0 || y >= height ? 0 : values[static_cast<size_t>(y) * width + x];
+    }
 };
 
-// The plane grown by r on every side and dilated by the disc.
+// The plane grown by half a side on every side; each of its pixels lays the disc over the result.
 inline Plane dilate(const Plane& source, const Disc& disc) {
-    const int r = disc.side / 2;
-    Plane result{source.width + 2 * r, source.height + 2 * r, {}};
-    for (int y = 0; y < result.height; ++y) {
-        for (int x = 0; x < result.width; ++x) {
-            int best = 0;
-            for (int i = 0; i < disc.side; ++i) {
-                for (int j = 0; j < disc.side; ++j) {
-                    // The source pixel whose disc has its cell (i, j) on (x, y).
-                    const int sx = x - j, sy = y - i;
-                    if (sx < 0 || sx >= source.width || sy < 0 || sy >= source.height) continue;
-                    best = std::max(
-                        best, source.at(sx, sy) + disc.cells[static_cast<size_t>(i) * disc.side + j] - 255);
-                }
+    const int side = disc.side, width = source.width + side / 2 * 2;
+    Plane result{width, source.height + side / 2 * 2, {}};
+    result.values.resize(static_cast<size_t>(width) * result.height);
+    for (int y = 0; y < source.height; ++y) {
+        for (int x = 0; x < source.width; ++x) {
+            const int value = source.at(x, y);
+            if (value == 0) continue;  // raises nothing
+            for (int i = 0; i < side * side; ++i) {
+                int& raised = result.values[static_cast<size_t>(y + i / side) * width + x + i % side];
+                raised = std::max(raised, value + disc.cells[static_cast<size_t>(i)] - 255);
             }
-            result.values.push_back(best);
         }
     }
     return result;
