@@ -127,41 +127,31 @@ private:
         if (kind <= 11 || mPosition == nullptr) return mOpen.size() < 40 ? begin() : void();
         Position& p = *mPosition;
         const bool pastEnd = p.index == kPastEnd;
-        switch (kind) {
-            case 12:
-                expectResult(mList.EndTraversal(p.number), 0);
-                mOpen.erase(mOpen.begin() + (mPosition - mOpen.data()));
-                break;
-            case 13:
-            case 14:  // a step from past the end fails and continues at the other end
-                expectResult(mList.NextData(p.number),
-                             pastEnd ? Zvex::ZV_ERROR_NOT_FOUND : Zvex::ZV_ERROR_NONE);
-                p.index = pastEnd ? first() : p.index + 1 < count() ? p.index + 1 : kPastEnd;
-                break;
-            case 15:
-                expectResult(mList.PrevData(p.number),
-                             pastEnd ? Zvex::ZV_ERROR_NOT_FOUND : Zvex::ZV_ERROR_NONE);
-                p.index = (pastEnd ? count() : p.index) - 1;
-                break;
-            case 16:
-                expectResult(mList.MoveFirst(p.number), 0);
-                p.index = first();
-                break;
-            case 17:
-                expectResult(mList.MoveLast(p.number), 0);
-                p.index = count() - 1;
-                break;
-            case 18:
-                expectResult(mList.Move(p.number, index),
-                             within(index) ? Zvex::ZV_ERROR_NONE : Zvex::ZV_ERROR_OUT_OF_RANGE);
-                if (within(index)) p.index = index;
-                break;
-            default: {  // a number that is not open
-                const long number = index;
-                const auto open = [number](const Position& other) { return other.number == number; };
-                if (std::any_of(mOpen.begin(), mOpen.end(), open)) return;
-                expectResult(mList.NextData(number), Zvex::ZV_ERROR_INVALID_ARGUMENT);
-            }
+        // A step from past the end fails and continues at the other end.
+        const unsigned long stepped = pastEnd ? Zvex::ZV_ERROR_NOT_FOUND : Zvex::ZV_ERROR_NONE;
+        if (kind == 12) {
+            expectResult(mList.EndTraversal(p.number), 0);
+            mOpen.erase(mOpen.begin() + (mPosition - mOpen.data()));
+        } else if (kind <= 14) {
+            expectResult(mList.NextData(p.number), stepped);
+            p.index = pastEnd ? first() : p.index + 1 < count() ? p.index + 1 : kPastEnd;
+        } else if (kind == 15) {
+            expectResult(mList.PrevData(p.number), stepped);
+            p.index = (pastEnd ? count() : p.index) - 1;
+        } else if (kind == 16) {
+            expectResult(mList.MoveFirst(p.number), 0);
+            p.index = first();
+        } else if (kind == 17) {
+            expectResult(mList.MoveLast(p.number), 0);
+            p.index = count() - 1;
+        } else if (kind == 18) {
+            expectResult(mList.Move(p.number, index),
+                         within(index) ? Zvex::ZV_ERROR_NONE : Zvex::ZV_ERROR_OUT_OF_RANGE);
+            if (within(index)) p.index = index;
+        } else {  // a number that is not open
+            const auto open = [index](const Position& other) { return other.number == index; };
+            if (std::any_of(mOpen.begin(), mOpen.end(), open)) return;
+            expectResult(mList.NextData(index), Zvex::ZV_ERROR_INVALID_ARGUMENT);
         }
     }
 

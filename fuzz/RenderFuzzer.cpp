@@ -4,7 +4,6 @@
 // of a new object with the same settings, which draws its glyphs again.
 #include <algorithm>
 #include <cmath>
-#include <memory>
 #include <string>
 #include <vector>
 
@@ -19,6 +18,7 @@
 namespace {
 
 using namespace Zvex;
+using text_test::TextScene;
 
 constexpr int64_t kMostPixels = 220 * 220;
 
@@ -114,13 +114,6 @@ std::vector<ZvLineInfo> readLines(fuzz::Input& input, int length) {
     return lines;
 }
 
-void tellLines(ZvTextObject& object, const std::vector<ZvLineInfo>& lines) {
-    List list;
-    list.Construct();
-    for (const ZvLineInfo& line : lines) list.Add(new ZvLineInfo(line));
-    ZVEX_FUZZ_CHECK(object.SetLineInfo(&list));
-}
-
 void addEffect(ZvEffect& effect, fuzz::Input& input) {
     // Mostly small ones: pictures with large margins are not drawn.
     LayerSettings s(readSize(input, 12));
@@ -159,15 +152,15 @@ Size sizeOf(const Told& told, ZvEffect& effect) {
 }
 
 // Fills in the view before every rendering.
-std::vector<uint32_t> render(ZvTextObject& object, const Told& told) {
-    ZvView& view = *object.GetView();
+std::vector<uint32_t> render(TextScene& scene, const Told& told) {
+    ZvView& view = scene.view();
     view.SetSize(told.width, told.height);
     view.SetPadding(told.padding[0], told.padding[1], told.padding[2], told.padding[3]);
     view.gravity = told.gravity;
-    const Size size = sizeOf(told, *object.GetEffect());
+    const Size size = sizeOf(told, scene.effect());
     view.SetBitmapWidth(std::max(size.width, 0));
     view.SetBitmapHeight(std::max(size.height, 0));
-    const uint32_t* pixels = object.RenderTextEffect(size.width, size.height);
+    const uint32_t* pixels = scene.object.RenderTextEffect(size.width, size.height);
     ZVEX_FUZZ_CHECK((pixels != nullptr) == (size.width > 0 && size.height > 0));
     if (pixels == nullptr) return {};
     return std::vector<uint32_t>(pixels,
@@ -177,39 +170,38 @@ std::vector<uint32_t> render(ZvTextObject& object, const Told& told) {
 class ObjectAndModel {
 public:
     // Draws a line of text first, so that each change comes after a picture.
-    explicit ObjectAndModel(fuzz::Input& input) : mInput(input), mObject(new ZvTextObject) {
-        ZVEX_FUZZ_CHECK(mObject->Construct());
+    explicit ObjectAndModel(fuzz::Input& input) : mInput(input) {
         setFont();
         mTold.paint.setTextSize(readSize(input, 90));
         mTold.paint.setAntiAlias(true);
-        mObject->SetPaint(mTold.paint);
+        mScene.object.SetPaint(mTold.paint);
         setText();
         ZvLineInfo line;
         line.y = mTold.height;
         line.end = static_cast<int>(mTold.text.size());
         mTold.lines.push_back(line);
-        tellLines(*mObject, mTold.lines);
-        render(*mObject, mTold);
+        mScene.setLines(mTold.lines);
+        render(mScene, mTold);
     }
 
     void step() {
         const int kind = mInput.between(0, 12);
         if (kind <= 1) setText();
         if (kind == 2) setFont();
-        if (kind == 3) changePaint(mInput, mTold.paint), mObject->SetPaint(mTold.paint);
+        if (kind == 3) changePaint(mInput, mTold.paint), mScene.object.SetPaint(mTold.paint);
         if (kind == 4 || kind == 5) mTold.lines = readLines(mInput, static_cast<int>(mTold.text.size()));
-        if (kind >= 6 && kind <= 8) addEffect(*mObject->GetEffect(), mInput);
+        if (kind >= 6 && kind <= 8) addEffect(mScene.effect(), mInput);
         if (kind == 9) readView();
         if (kind == 10) {
             mTold.color = mInput.word();
             mTold.background = mInput.flag();
             mTold.backgroundColor = mInput.word();
-            mObject->SetTextColor(mTold.color);
-            mObject->SetBackgroundColor(mTold.backgroundColor, mTold.background);
+            mScene.object.SetTextColor(mTold.color);
+            mScene.object.SetBackgroundColor(mTold.backgroundColor, mTold.background);
         } else if (kind == 11) {
             mTold.bold = mInput.flag();
             mTold.italic = mInput.flag();
-            mObject->SetTextStyle(mTold.bold, mTold.italic);
+            mScene.object.SetTextStyle(mTold.bold, mTold.italic);
         } else if (kind == 12) {
             setFamilies(mInput.byte());
         }
@@ -219,34 +211,31 @@ public:
 
     void compare() {
         // New lines each time, because a rendering moves them.
-        tellLines(*mObject, mTold.lines);
-        const std::vector<uint32_t> picture = render(*mObject, mTold);
+        mScene.setLines(mTold.lines);
+        const std::vector<uint32_t> picture = render(mScene, mTold);
         host::clearGlyphCache();
-        ZvTextObject fresh;
-        ZVEX_FUZZ_CHECK(fresh.Construct());
-        fresh.SetText(mTold.text.c_str());
-        fresh.SetFont(mTold.font.c_str());
-        fresh.SetPaint(mTold.paint);
-        fresh.SetTextStyle(mTold.bold, mTold.italic);
-        fresh.SetTextColor(mTold.color);
-        fresh.SetBackgroundColor(mTold.backgroundColor, mTold.background);
-        ZvEffect& effect = *mObject->GetEffect();
-        fresh.GetEffect()->setTextOpacity(effect.getTextOpacity());
+        TextScene fresh(mTold.font.c_str(), mTold.text.c_str(), 0, 0, 0);
+        fresh.object.SetPaint(mTold.paint);
+        fresh.object.SetTextStyle(mTold.bold, mTold.italic);
+        fresh.object.SetTextColor(mTold.color);
+        fresh.object.SetBackgroundColor(mTold.backgroundColor, mTold.background);
+        ZvEffect& effect = mScene.effect();
+        fresh.effect().setTextOpacity(effect.getTextOpacity());
         for (ZvECore* layer : effect.effects)
-            fresh.GetEffect()->addEffect(layer->getStyle(), layer->getProperty());
-        tellLines(fresh, mTold.lines);
+            fresh.effect().addEffect(layer->getStyle(), layer->getProperty());
+        fresh.setLines(mTold.lines);
         ZVEX_FUZZ_CHECK(render(fresh, mTold) == picture);
     }
 
 private:
     void setText() {
         mTold.text = readText(mInput);
-        ZVEX_FUZZ_CHECK(mObject->SetText(mTold.text.c_str()));
+        ZVEX_FUZZ_CHECK(mScene.object.SetText(mTold.text.c_str()));
     }
 
     void setFont() {
         mTold.font = fuzz::fonts()[mInput.byte() % fuzz::fonts().size()].name;
-        ZVEX_FUZZ_CHECK(mObject->SetFont(mTold.font.c_str()));
+        ZVEX_FUZZ_CHECK(mScene.object.SetFont(mTold.font.c_str()));
     }
 
     void readView() {
@@ -261,7 +250,7 @@ private:
     }
 
     fuzz::Input& mInput;
-    std::unique_ptr<ZvTextObject> mObject;
+    TextScene mScene{nullptr, L"", 0, 0, 0};
     Told mTold;
     int mRendered = 0;
 };

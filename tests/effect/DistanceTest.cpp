@@ -115,27 +115,22 @@ constexpr Search kSearches[] = {{"nearest", searchNearest, reference::searchNear
                                 {"outward", searchOutward, reference::searchOutward},
                                 {"inward", searchInward, reference::searchInward}};
 
-// A disc and half a plane with smooth edges, straight edges with corners and thin ground between them, single
-// pixels; some noise, and none at all.
+// A disc and half a plane with smooth edges, straight edges with corners and thin ground between them, or a
+// mask of another kind.
 std::vector<uint8_t> makeLevels(Random& random, int width, int height, int i) {
-    std::vector<uint8_t> levels;
+    const ZvBitmap mask = makeMask(kAllMasks[static_cast<size_t>(i) % 6], width, height, random);
+    std::vector<uint8_t> levels(mask.pixels, mask.pixels + width * height);
     const double x0 = random.below(width), y0 = random.below(height), radius = random.between(3, 30),
                  angle = random.below(628) / 100.0, offset = random.below(40), blur = random.between(1, 5);
-    for (int y = 0; y < height; ++y) {
-        for (int x = 0; x < width; ++x) {
-            const double disc = std::hypot(x - x0, y - y0) - radius,
-                         edge = x * std::cos(angle) + y * std::sin(angle) - offset,
-                         distance = i % 4 == 0   ? disc
-                                    : i % 4 == 1 ? edge
-                                                 : std::min(disc, edge);
-            const double level = std::clamp((0.5 + distance / blur) * 255, 0.0, 255.0);
-            const int square = x / 23 % 2 == 0 && y / 29 % 2 == 0 ? 0 : x == 23 ? 100 : 255;
-            levels.push_back(static_cast<uint8_t>(i % 11 == 10   ? 255
-                                                  : i % 5 == 4   ? square
-                                                  : i % 13 == 12 ? random.below(60) / 59 * 255
-                                                  : i % 3 == 2 && random.below(16) == 0 ? random.below(256)
-                                                                                        : level));
-        }
+    for (int at = 0; at < width * height && i % 7 != 6; ++at) {
+        const int x = at % width, y = at / width;
+        const double disc = std::hypot(x - x0, y - y0) - radius,
+                     edge = x * std::cos(angle) + y * std::sin(angle) - offset;
+        const double distance = i % 4 == 0 ? disc : i % 4 == 1 ? edge : std::min(disc, edge);
+        const double level = std::clamp((0.5 + distance / blur) * 255, 0.0, 255.0);
+        const int square = x / 23 % 2 == 0 && y / 29 % 2 == 0 ? 0 : x == 23 ? 100 : 255;
+        if (i % 3 != 2 || random.below(16) != 0)
+            levels[static_cast<size_t>(at)] = static_cast<uint8_t>(i % 5 == 4 ? square : level);
     }
     return levels;
 }

@@ -20,8 +20,8 @@ namespace {
 
 constexpr float kBelowHalf = 0.49999997f;  // its sum with 0.5 is below 1 only in double precision
 
-void setShadow(ZvOuterShadow& filter, float angle, float distance, float size, uint32_t color = kColor) {
-    ZvOuterShadowProperty property(angle, distance, size, color, 1);
+void setShadow(ZvOuterShadow& filter, float angle, float distance, float size) {
+    ZvOuterShadowProperty property(angle, distance, size, kColor, 1);
     filter.setProperty(&property);
 }
 
@@ -31,17 +31,14 @@ TEST(OuterShadow, FallsAwayFromTheLight) {
     const struct {
         float angle, distance;
         int dx, dy;
-    } cases[] = {{0, 5, -5, 0},          {90, 5, 0, 5},
-                 {180, 5, 5, 0},         {270, 5, 0, -5},
-                 {45, 1, -1, 1},         {-135, 1, 1, -1},
+    } cases[] = {{45, 1, -1, 1},         {-135, 1, 1, -1},
                  {30, 1, -1, 0},  // its sine is below a half with this degree
                  {405.7f, 10, -7, 7},    {0, -5, 5, 0},
                  {0, 0.5f, -1, 0},       {180, 0.5f, 1, 0},
-                 {0, kBelowHalf, 0, 0},  {90, 0.5f, 0, 1},
-                 {270, 0.5f, 0, -1},     {90, kBelowHalf, 0, 0},
+                 {0, kBelowHalf, 0, 0},  {270, 0.5f, 0, -1},
                  {0, 3e9f, INT_MIN, 0},  {180, kEndless, INT_MAX, INT_MAX},
                  {kNotANumber, 5, 0, 0}, {kEndless, 5, 0, 0},
-                 {0, kNotANumber, 0, 0}, {45, kEndless, INT_MIN, INT_MAX}};
+                 {0, kNotANumber, 0, 0}};
     for (const auto& c : cases) {
         ZvOuterShadow filter;
         setShadow(filter, c.angle, c.distance, 0);
@@ -62,19 +59,14 @@ TEST(OuterShadow, MarginsFollowTheShift) {
     const struct {
         float angle, distance, size;
         Sides margins;
-    } cases[] = {{0, 0, 0, {0, 0, 0, 0}},
-                 {0, 5, 0, {5, 0, 0, 0}},
-                 {0, 5, 2.4f, {7, 2, 0, 2}},
-                 {0, 5, 7.5f, {13, 8, 3, 8}},
+    } cases[] = {{0, 5, 2.4f, {7, 2, 0, 2}},
                  {90, 5, 7, {7, 2, 7, 12}},
                  {270, 5, 7, {7, 12, 7, 2}},
                  {180, 5, 7, {2, 7, 12, 7}},
                  {0, 0, kBelowHalf, {1, 1, 1, 1}},
-                 {0, 0, -3, {0, 0, -2, -2}},
                  {0, 1, -3, {-1, 0, 0, -2}},
                  {0, 0, kNotANumber, {0, 0, 0, 0}},
                  {45, kEndless, 5, {INT_MAX, 0, 0, INT_MAX}},
-                 {0, 0, kEndless, {INT_MAX, INT_MAX, INT_MAX, INT_MAX}},
                  {0, 9, 1e30f, {INT_MAX, INT_MAX, INT_MAX - 9, INT_MAX}}};
     for (const auto& c : cases) {
         setShadow(filter, c.angle, c.distance, c.size);

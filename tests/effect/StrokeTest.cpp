@@ -56,18 +56,9 @@ TEST(CircleKernel, RefusesSizesItCannotMake) {
 TEST(Stroke, MarginIsTheWidthOnTheOutside) {
     ZvStroke stroke;
     EXPECT_EQ(stroke.getOffset(), 0);  // no settings yet
-    const std::tuple<float, int, int> cases[] = {{0, 1, 0},
-                                                 {3, 1, 3},
-                                                 {2.5f, 1, 3},
-                                                 {2.4f, 1, 2},
-                                                 {3, 0, 2},
-                                                 {0.6f, 0, 0},
-                                                 {1, 0, 1},
-                                                 {100, 0, 50},
-                                                 {100, 2, 0},
-                                                 {-1, 1, 0},
-                                                 {kEndless, 1, INT_MAX},
-                                                 {kNotANumber, 1, 0}};
+    const std::tuple<float, int, int> cases[] = {
+        {0, 1, 0},   {2.5f, 1, 3}, {2.4f, 1, 2},           {3, 0, 2},          {0.6f, 0, 0}, {100, 0, 50},
+        {100, 2, 0}, {-1, 1, 0},   {kEndless, 1, INT_MAX}, {kNotANumber, 1, 0}};
     for (const auto& [width, position, margin] : cases) {
         setStroke(stroke, width, position);
         EXPECT_EQ(stroke.getOffset(), margin) << "width " << width << ", position " << position;
@@ -186,17 +177,15 @@ TEST(Dilation, HoldsForAnyKernel) {
         p.rowBegin = random.below(rows);
         p.rowEnd = random.between(p.rowBegin, rows);
         p.kernelSize = random.between(0, random.below(4) == 0 ? 40 : 12);
-        std::vector<uint8_t> kernel;
-        const int flaws = random.below(3);
+        // A disc, one with a flaw, or anything.
+        std::vector<uint8_t> kernel(static_cast<size_t>(p.kernelSize * p.kernelSize));
         const std::vector<int> disc = circle(static_cast<float>(p.kernelSize / 2) - 0.25f);
-        const int cells = p.kernelSize * p.kernelSize;
-        for (int i = 0; i < cells; ++i) {
+        const int flaws = p.kernelSize % 2 == 1 ? random.below(3) : 2;
+        for (size_t i = 0; i < kernel.size(); ++i) {
             const int kinds[] = {0, 255, 255, 255, random.below(256)};
-            const bool fromDisc = p.kernelSize % 2 == 1 && flaws != 0;
-            kernel.push_back(
-                static_cast<uint8_t>(fromDisc ? disc[static_cast<size_t>(i)] : kinds[random.below(5)]));
+            kernel[i] = static_cast<uint8_t>(flaws < 2 ? disc[i] : kinds[random.below(5)]);
         }
-        if (flaws == 1 && cells > 0) kernel[static_cast<size_t>(random.below(cells))] ^= 255;
+        if (flaws == 1) kernel[static_cast<size_t>(random.below(static_cast<int>(kernel.size())))] ^= 255;
         p.kernel = kernel.data();
         p.targetWidth = random.between(1, 160);
         p.targetHeight = random.between(1, 40);

@@ -58,11 +58,11 @@ TEST(TextLayer, DrawsNothingWithoutItsParts) {
     const ZvBitmap before(target);
     ZvBitmap empty;
     for (int layerMode : {0, 1}) {
-        drawText(nullptr, &mask, layerMode);
-        drawText(&empty, &mask, layerMode);
+        for (ZvBitmap* bad : {static_cast<ZvBitmap*>(nullptr), &empty}) {
+            drawText(bad, &mask, layerMode);
+            drawText(&target, bad, layerMode);
+        }
         drawText(&mask, &mask, layerMode);  // not a colour picture
-        drawText(&target, nullptr, layerMode);
-        drawText(&target, &empty, layerMode);
     }
     ZvText text;
     ZvECore::ParamPostProcessing param;

@@ -183,19 +183,16 @@ TEST(Blender, NothingToDrawOnOrFromIsIgnored) {
     EXPECT_EQ(Bytes(color.pixels, color.pixels + 16), Bytes(16, 0));
 }
 
-TEST(Blender, ExchangesRedAndBlueAndBack) {
+TEST(Blender, ExchangesRedAndBlue) {
     forEachCpuTarget([] {
         for (uint32_t width = 1; width < 70; ++width) {
-            Bytes bytes(size_t{width} * 4), exchanged(bytes.size());
-            for (size_t i = 0; i < bytes.size(); ++i) {
-                bytes[i] = static_cast<uint8_t>(i);
-                exchanged[i % 4 == 0 ? i + 2 : i % 4 == 2 ? i - 2 : i] = bytes[i];
+            ZvBitmap bitmap(width, 1, 4), exchanged(bitmap);
+            for (size_t i = 0; i < bitmap.byteCount(); ++i) {
+                bitmap.pixels[i] = static_cast<uint8_t>(i);
+                exchanged.pixels[i % 4 == 0 ? i + 2 : i % 4 == 2 ? i - 2 : i] = static_cast<uint8_t>(i);
             }
-            ZvBitmap bitmap(width, 1, bytes.data(), 4);
             ZvBlender::convertBGRAToARGB(&bitmap);
-            EXPECT_EQ(Bytes(bitmap.pixels, bitmap.pixels + bytes.size()), exchanged);
-            ZvBlender::convertBGRAToARGB(&bitmap);
-            EXPECT_EQ(Bytes(bitmap.pixels, bitmap.pixels + bytes.size()), bytes);
+            EXPECT_TRUE(samePixels(exchanged, bitmap));
         }
     });
 }

@@ -50,51 +50,49 @@ inline void squaredDistances(Distances& plane) {
     }
 }
 
-// Calls visit(value, distance) for every pixel of the window around (x, y).
+// For each pixel of the rows, one after the other, calls visit(value, others): others calls another function
+// with the value and the squared distance of every pixel of the window.
 template <typename Visit>
-void forWindow(Distances& plane, int x, int y, int radius, Visit visit) {
-    for (int yy = std::max(y - radius, 0); yy < std::min(y + radius + 1, plane.height); ++yy) {
-        for (int xx = std::max(x - radius, 0); xx < std::min(x + radius + 1, plane.width); ++xx)
-            visit(plane.at(xx, yy), (yy - y) * (yy - y) + (xx - x) * (xx - x));
+void forWindows(Distances& plane, int radius, int rowBegin, int rowEnd, Visit visit) {
+    for (int at = rowBegin * plane.width; at < rowEnd * plane.width; ++at) {
+        const int x = at % plane.width, y = at / plane.width;
+        visit(plane.at(x, y), [&](auto other) {
+            for (int yy = std::max(y - radius, 0); yy < std::min(y + radius + 1, plane.height); ++yy) {
+                for (int xx = std::max(x - radius, 0); xx < std::min(x + radius + 1, plane.width); ++xx)
+                    other(plane.at(xx, yy), (yy - y) * (yy - y) + (xx - x) * (xx - x));
+            }
+        });
     }
 }
 
-// The three searches, in place, pixel after pixel.
+// The three searches, in place.
 inline void searchNearest(Distances& plane, int radius, int rowBegin, int rowEnd) {
-    for (int y = rowBegin; y < rowEnd; ++y) {
-        for (int x = 0; x < plane.width; ++x) {
-            float& value = plane.at(x, y);
-            if (value == 0) continue;
-            forWindow(plane, x, y, radius, [&](float other, int square) {
-                if (other < 1) value = std::min(value, other + root(square));
-            });
-        }
-    }
+    forWindows(plane, radius, rowBegin, rowEnd, [](float& value, auto others) {
+        if (value == 0) return;
+        others([&](float other, int square) {
+            if (other < 1) value = std::min(value, other + root(square));
+        });
+    });
 }
 
 inline void searchOutward(Distances& plane, int radius, int rowBegin, int rowEnd) {
-    for (int y = rowBegin; y < rowEnd; ++y) {
-        for (int x = 0; x < plane.width; ++x) {
-            std::vector<float> offers;
-            forWindow(plane, x, y, radius, [&](float other, int square) {
-                if (other < 1) offers.push_back(other > 0 ? other + root(square) : root(square));
-            });
-            if (plane.at(x, y) > 0 && !offers.empty())
-                plane.at(x, y) = *std::min_element(offers.begin(), offers.end());
-        }
-    }
+    forWindows(plane, radius, rowBegin, rowEnd, [](float& value, auto others) {
+        std::vector<float> offers;
+        if (!(value > 0)) return;
+        others([&](float other, int square) {
+            if (other < 1) offers.push_back(std::max(other, 0.0f) + root(square));
+        });
+        if (!offers.empty()) value = *std::min_element(offers.begin(), offers.end());
+    });
 }
 
 inline void searchInward(Distances& plane, int radius, int rowBegin, int rowEnd) {
-    for (int y = rowBegin; y < rowEnd; ++y) {
-        for (int x = 0; x < plane.width; ++x) {
-            float& value = plane.at(x, y);
-            if (!(value < 0)) continue;
-            forWindow(plane, x, y, radius, [&](float other, int square) {
-                if (other > 1) value = std::max(value, -(root(square) - other));
-            });
-        }
-    }
+    forWindows(plane, radius, rowBegin, rowEnd, [](float& value, auto others) {
+        if (!(value < 0)) return;
+        others([&](float other, int square) {
+            if (other > 1) value = std::max(value, -(root(square) - other));
+        });
+    });
 }
 
 }  // namespace reference

@@ -99,23 +99,16 @@ struct LightPlanes {
     Bytes highlight, shadow, scratch;
 
     LightPlanes(int w, int h, uint32_t highlightByte, uint32_t shadowByte)
-        : width(w),
-          height(h),
-          highlightAlpha(static_cast<int>(highlightByte)),
-          shadowAlpha(static_cast<int>(shadowByte)),
-          highlight(static_cast<size_t>(w * h)),
-          shadow(highlight),
-          scratch(highlight) {}
-
-    static uint8_t product(int coverage, int factor) {
-        const int v = coverage * factor;
-        return static_cast<uint8_t>(v >= 65536 ? 255 : v < 0 ? 0 : v >> 8);
+        : width(w), height(h), highlight(static_cast<size_t>(w * h)), shadow(highlight), scratch(highlight) {
+        highlightAlpha = static_cast<int>(highlightByte);
+        shadowAlpha = static_cast<int>(shadowByte);
     }
+
     void set(int x, int y, float coverage, int highlightLevel, int shadowLevel) {
         const int v = static_cast<int>(std::min(std::max(coverage, 0.0f), 1.0f) * 255 + 0.5);
         const size_t at = static_cast<size_t>(y * width + x);
-        highlight[at] = product(v, (highlightLevel * highlightAlpha >> 8) + 1);
-        shadow[at] = product(v, (shadowLevel * shadowAlpha >> 8) + 1);
+        highlight[at] = static_cast<uint8_t>(v * ((highlightLevel * highlightAlpha >> 8) + 1) >> 8);
+        shadow[at] = static_cast<uint8_t>(v * ((shadowLevel * shadowAlpha >> 8) + 1) >> 8);
     }
 
     // The planes rotate: highlight into scratch, shadow into what was the highlight.

@@ -54,75 +54,40 @@ inline void drawOuterShadow(const Zvex::ZvBitmap* target, const Zvex::ZvBitmap& 
 }
 
 // The inverse of the mask, blurred along the rows, then, moved by (dx, dy), down the columns.
-struct InnerShadow {
-    int width, height, dx, dy, r;
-    std::vector<uint8_t> coverage, result;  // of the box
-
-    InnerShadow(const Zvex::ZvBitmap& mask, const Zvex::ZvRect& box, const Shadow& shadow)
-        : width(box.right - box.left),
-          height(box.bottom - box.top),
-          dx(shadow.dx()),
-          dy(shadow.dy()),
-          r(std::max(static_cast<int>(shadow.size + 0.5f), 0)),
-          coverage(static_cast<size_t>(width * height), 0),
-          result(coverage) {
-        putCoverage(coverage, width, 0, 0, mask, box);
-        const bool near = width + r + dx >= 0 && dx - r < width && dy < height + r && height + dy >= -r;
-        if (near) {
-            blur();
-        } else {
-            result = coverage;
-        }
-    }
-
-private:
-    void blur() {
-        const std::vector<int> w = gaussianWeights(r, 100, true);
-        const int total = gaussianTotal(w), paddedWidth = width + 2 * r;
-        const auto at = [](auto& plane, int stride, int x, int y) -> auto& {
-            return plane[static_cast<size_t>(y * stride + x)];
-        };
-        std::vector<uint8_t> padded(static_cast<size_t>(paddedWidth * height), 0), inverse(padded);
-        for (int y = 0; y < height; ++y) {
-            for (int x = 0; x < width; ++x) at(padded, paddedWidth, x + r, y) = at(coverage, width, x, y);
-        }
-
-        const int y0 = std::max(0, -(r + dy)), y1 = dy > r ? height + r - dy : height;
-        const int x0 = std::max(0, -(r + dx)), x1 = dx > r ? paddedWidth + r - dx : paddedWidth;
-        for (int y = y0; y < y1; ++y) {
-            for (int x = x0; x < x1; ++x) {
-                const int64_t sum = gaussianSum(w, [&](int i) {
-                    return x + i >= 0 && x + i < paddedWidth ? at(padded, paddedWidth, x + i, y) : 0;
-                });
-                at(inverse, paddedWidth, x, y) = static_cast<uint8_t>((int64_t{255} * total - sum) / total);
-            }
-        }
-
-        // Rows and columns within the radius of the moved text; the bands beside them are all shadow.
-        const int top = dy > r ? dy - r : 0, bottom = dy < -r ? height + r + dy : height;
-        const int left = dx > r ? dx - r : 0, right = dx < -r ? width + r + dx : width;
-        for (int y = 0; y < height; ++y) {
-            for (int x = 0; x < width; ++x) {
-                uint8_t& pixel = at(result, width, x, y);
-                if (y < top || y >= bottom || x < left || x >= right) {
-                    pixel = 255;
-                } else if (at(coverage, width, x, y) != 0) {
-                    const int64_t sum = gaussianSum(w, [&](int i) {
-                        const int row = y - dy + i;
-                        return row >= 0 && row < height ? at(inverse, paddedWidth, r + x - dx, row) : 255;
-                    });
-                    pixel = static_cast<uint8_t>(sum / total);
-                }
-            }
-        }
-    }
-};
-
 inline void drawInnerShadow(const Zvex::ZvBitmap* target, const Zvex::ZvBitmap& mask, const Zvex::ZvRect& box,
                             const Shadow& shadow) {
-    const InnerShadow inner(mask, box, shadow);
-    drawBitmapBlend8(box.left, box.top, target, inner.result.data(), inner.width, inner.height, inner.width,
-                     shadow.color, 2);
+    const int width = box.right - box.left, height = box.bottom - box.top;
+    const int dx = shadow.dx(), dy = shadow.dy(), r = std::max(static_cast<int>(shadow.size + 0.5f), 0);
+    std::vector<uint8_t> coverage(static_cast<size_t>(width * height)), inverse;
+    putCoverage(coverage, width, 0, 0, mask, box);
+    std::vector<uint8_t> result = coverage;
+    if (width + r + dx >= 0 && dx - r < width && dy < height + r && height + dy >= -r) {
+        const std::vector<int> w = gaussianWeights(r, 100, true);
+        const int total = gaussianTotal(w), reach = width + 2 * r;
+        for (int y = 0; y < height; ++y) {
+            for (int x = -r; x < width + r; ++x) {
+                const int64_t sum = gaussianSum(w, [&](int i) {
+                    const bool inside = x + i >= 0 && x + i < width;
+                    return inside ? coverage[static_cast<size_t>(y * width + x + i)] : 0;
+                });
+                inverse.push_back(static_cast<uint8_t>((int64_t{255} * total - sum) / total));
+            }
+        }
+        for (int at = 0; at < width * height; ++at) {
+            const int x = at % width - dx, y = at / width - dy;  // where the shadow comes from
+            uint8_t& pixel = result[static_cast<size_t>(at)];
+            if (x < -r || x >= width + r || y < -r || y >= height + r) {
+                pixel = 255;  // too far from the text
+            } else if (pixel != 0) {
+                const int64_t sum = gaussianSum(w, [&](int i) {
+                    const bool inside = y + i >= 0 && y + i < height;
+                    return inside ? inverse[static_cast<size_t>((y + i) * reach + r + x)] : 255;
+                });
+                pixel = static_cast<uint8_t>(sum / total);
+            }
+        }
+    }
+    drawBitmapBlend8(box.left, box.top, target, result.data(), width, height, width, shadow.color, 2);
 }
 
 }  // namespace reference

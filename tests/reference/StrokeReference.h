@@ -88,16 +88,11 @@ inline void drawStroke(const Zvex::ZvBitmap* target, const Zvex::ZvBitmap* other
                        const Zvex::ZvRect& box, int layerMode, float width, uint32_t color, int position) {
     const Disc disc = makeDisc(position == 0 ? width * 0.5f : width);
     const Plane source = strokeSource(mask, box);
-    Plane band;
-    if (position == 1) {
-        band = dilate(source, disc);
-    } else if (position == 0) {
+    Plane band = dilate(position == 0 || position == 1 ? source : complement(source), disc);
+    if (position == 0) {
         const Plane inside = dilate(complement(source), disc);
-        band = dilate(source, disc);
         for (size_t i = 0; i < band.values.size(); ++i)
             band.values[i] = std::min(band.values[i], inside.values[i]);
-    } else {
-        band = dilate(complement(source), disc);
     }
     const std::vector<uint8_t> coverage(band.values.begin(), band.values.end());
     const int mode = position == 0 && layerMode != 1 ? 1 : 2;
