@@ -114,7 +114,7 @@ struct FieldsOf {
 
 // --- Into the library's adders
 
-// The library counts whole degrees; whole turns go first, so that no angle is too large for a float.
+// The library uses whole degrees. Whole turns are removed first, so that no angle is too large for a float.
 float degrees(double angle) {
     return static_cast<float>(std::fmod(angle, 360));
 }
@@ -123,8 +123,8 @@ float opacityOf(uint32_t color, double opacity) {
     return static_cast<float>(opacity * (color >> 24) / 255);
 }
 
-// The library's positions are hundredths, cut off after a multiplication in single precision: 53 / 100 would
-// arrive as 52. The next float above arrives as 53.
+// The library cuts positions to hundredths after a multiplication in single precision: 53 / 100 would become
+// 52. The next float above becomes 53.
 float stopPosition(double percent) {
     auto position = static_cast<float>(percent / 100);
     if (std::floor(position * 100.0f) < std::floor(percent)) position = std::nextafter(position, 2.0f);
@@ -148,7 +148,7 @@ Picture readPicture(const PatternSettings& s) {
     return decodePng(option + ": '" + s.file + "'", *orDefault(s.source).read(option, path, kMaxPngBytes));
 }
 
-// In the layout that the effect reads: 4 bytes a pixel, alpha, red, green, blue, straight.
+// The pixels as the effect reads them: 4 bytes each, alpha, red, green, blue, straight.
 Zvex::ZvBitmap patternBitmap(const Picture& picture) {
     Zvex::ZvBitmap bitmap(static_cast<unsigned>(picture.width), static_cast<unsigned>(picture.height), 4);
     if (bitmap.pixels == nullptr) throw std::bad_alloc();

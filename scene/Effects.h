@@ -12,12 +12,12 @@
 
 namespace Zvex::scene {
 
-// The settings of each effect, as a person writes them. Distances, sizes, widths and soften are pixels; the
-// library drops their fractions, and those of angles (degrees) and stop positions. The alpha of a colour
-// multiplies into the opacity beside it. The start values are those that a command line or style leaves out.
+// The settings of each effect, in a user's terms. Distances, sizes, widths and soften are pixels; the library
+// drops their fractions, and those of angles (degrees) and stop positions. The alpha of a colour multiplies
+// the opacity beside it. The initial values are used for settings that a command line or style leaves out.
 
 struct OuterShadowSettings {
-    double angle = 135;  // where the light comes from, counter-clockwise from the right
+    double angle = 135;  // direction of the light, counter-clockwise from the right
     double distance = 6, size = 8;
     uint32_t color = 0xFF000000;
     double opacity = 0.6;
@@ -32,7 +32,7 @@ struct InnerShadowSettings {
 
 struct OuterGlowSettings {
     double size = 12;
-    uint32_t color = 0xFFFFD860;  // used where there are no stops
+    uint32_t color = 0xFFFFD860;  // used if there are no stops
     double opacity = 0.8;
     std::vector<Stop> stops = {};  // from the glyphs outwards
 };
@@ -65,7 +65,7 @@ struct StrokeSettings {
 };
 
 struct PatternSettings {
-    std::string file;                                // a PNG; as the program finds it from its working folder
+    std::string file;                                // a PNG; relative to the program's working folder
     std::shared_ptr<const Source> source = nullptr;  // of the file; null: see orDefault
     double scale = 1;
     double opacity = 1;
@@ -101,7 +101,7 @@ using EffectSettings = std::variant<OuterShadowSettings, InnerShadowSettings, Ou
 
 Fields fieldsOf(EffectSettings& settings);
 
-// One effect as the command line and style files name it.
+// One effect, as named on the command line and in style files.
 struct EffectKind {
     const char* name;     // "outer-shadow"
     const char* summary;  // half a line of help
@@ -109,25 +109,25 @@ struct EffectKind {
     const char* placeholder = "KEY=VALUE,...";  // for its settings in help
 };
 
-// All of them; the place of a kind is the index of its alternative in EffectSettings.
+// All of them. The position of a kind is the index of its alternative in EffectSettings.
 const std::vector<EffectKind>& effectKinds();
 const EffectKind& kindOf(const EffectSettings& settings);
 const EffectKind* findEffectKind(const std::string& name);  // null when there is none
 
-// Settings from the value of an option: "angle=135,distance=8" for any, "WIDTH[:COLOR[:POSITION]]" for
-// strokes and "FILE,scale=2" for patterns as well. `option` opens the message of the UsageError thrown.
+// Reads settings from the value of an option: "angle=135,distance=8" for any effect, also
+// "WIDTH[:COLOR[:POSITION]]" for strokes and "FILE,scale=2" for patterns. `option` opens the message of the
+// UsageError thrown.
 EffectSettings parseEffect(const std::string& option, const EffectKind& kind, const std::string& text,
                            const FilePlaces& places = {});
 
-// Puts the settings where an effect of their kind stands, or behind the others: what ZvEffect::addEffect
-// does.
+// Replaces the settings of the same kind, or appends them: as ZvEffect::addEffect does.
 void addOrReplace(std::vector<EffectSettings>& effects, EffectSettings settings);
 
-// Adds the effects in their order. Throws Failure, naming the effect, where a pattern's picture cannot be
-// read and where the library does not take an effect.
+// Adds the effects in order. Throws Failure, naming the effect, if a pattern's picture cannot be read or if
+// the library does not take an effect.
 void addEffects(Zvex::ZvEffect& stack, const std::vector<EffectSettings>& effects);
 
-// What each effect takes, several lines for --help.
+// The settings of each effect, as several lines for --help.
 std::string effectsHelp();
 
 }  // namespace Zvex::scene

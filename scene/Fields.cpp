@@ -19,7 +19,7 @@ std::string choiceNames(const ChoiceField& field, const char* between) {
     return names;
 }
 
-// "A@B@C" into the fields in their order; fields at the end may be left out when they are not required.
+// Reads "A@B@C" into the fields in order; fields at the end may be left out if they are not required.
 void readParts(const std::string& where, const Fields& fields, const std::string& text,
                const std::string& form) {
     const std::vector<std::string> parts = split(text, '@');

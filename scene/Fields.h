@@ -16,12 +16,12 @@
 namespace Zvex::scene {
 
 // Settings described once. A settings struct has an overload fieldsOf(Settings&) that lists its fields: the
-// key each goes by, what it takes, where its value lies, and what it does. The command line, lines of a
-// batch, style files, their schema, the help and the completions are all made from these lists, so that a new
-// setting is one more line in one of them. Fields point into the settings they were made from and are
+// key of each, the values it takes, where its value is stored, and what it does. The command line, the lines
+// of a batch, style files, their schema, the help and the completions are all made from these lists, so a new
+// setting is one more line in one of them. Fields point into the settings that they were made from and are
 // short-lived.
 
-// A colour with an opacity of its own; the colour's alpha multiplies into it.
+// A colour with its own opacity, which the colour's alpha multiplies.
 struct Tint {
     uint32_t color = 0xFF000000;
     double opacity = 1;
@@ -30,11 +30,11 @@ struct Tint {
 // One stop of a gradient.
 struct Stop {
     uint32_t color = 0xFF000000;
-    double position = 0;  // percent of the way
+    double position = 0;  // percent along the gradient
     double opacity = 1;
 };
 
-// A way in the picture: pixels to the right and down.
+// A displacement in the picture: pixels to the right and down.
 struct Offset {
     double x = 0, y = 0;
 };
@@ -47,7 +47,7 @@ struct Style;
 
 constexpr size_t kMaxStops = 256;
 constexpr size_t kMaxFonts = 256;        // of a list; each is held in the memory
-constexpr size_t kMaxFieldBytes = 4096;  // of a text; every line is shaped with every feature of a list
+constexpr size_t kMaxFieldBytes = 4096;  // for a text; every line is shaped with every feature of a list
 
 // A number outside the range stands for none.
 class NumberField {
@@ -98,7 +98,7 @@ struct OffsetField {  // X:Y, whole pixels; in JSON [X, Y]
 struct PaddingField {
     Padding* value;
 };
-struct CanvasField {  // as parseCanvas reads it; in JSON an effect's object, too
+struct CanvasField {  // as parseCanvas reads it; in JSON also an effect's object
     std::optional<Canvas>* value;
 };
 struct TintField {  // COLOR[@OPACITY]
@@ -172,30 +172,30 @@ struct FilePlaces {
     std::shared_ptr<const Source> fonts;
 };
 
-// Puts the value written in `text` into the field. `where` opens the message of the UsageError thrown where
-// the text is not exactly one value the field takes; style files that are wrong are a Failure.
+// Reads `text` into the field. `where` opens the message of the UsageError thrown if the text is not exactly
+// one valid value; an invalid style file is a Failure.
 void readValue(const std::string& where, const Field& field, const std::string& text,
                const FilePlaces& places = {});
 
-// Reads "KEY=VALUE,KEY=VALUE" into the fields; what is not named keeps its value. Where the first field is a
-// file, the list may begin with its value alone. Throws UsageError for an unknown key (listing the known
-// ones), a key given twice or without a value, and a required one that is missing.
+// Reads "KEY=VALUE,KEY=VALUE" into the fields; fields that are not named keep their values. If the first
+// field is a file, the list may begin with just its value. Throws UsageError for an unknown key (listing the
+// known ones), for a key given twice or without a value, and for a missing required one.
 void readKeyValues(const std::string& where, const Fields& fields, const std::string& text,
                    const FilePlaces& places = {});
 
 // "angle, distance, size"
 std::string namesOf(const Fields& fields);
 
-// What the field takes, in words: "a number from 0 to 100 (px)".
+// The values that the field takes, in words: "a number from 0 to 100 (px)".
 std::string wantedBy(const Field& field);
 
 // What stands for its value in help: "PX", "left|center|right".
 std::string placeholderOf(const Field& field);
 
-// The field's value as readValue takes it; empty for what is not set, and for fonts, effects and styles.
+// The field's value as text for readValue; empty if it is not set, and for fonts, effects and styles.
 std::string formatValue(const Field& field);
 
-// Positions rise or stay; the index of the first stop that falls behind the one before it, or npos.
+// Positions must not fall. Returns the index of the first stop that is before the previous one, or npos.
 size_t findFallingStop(const std::vector<Stop>& stops);
 
 }  // namespace Zvex::scene

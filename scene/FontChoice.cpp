@@ -52,7 +52,7 @@ FontChoice chooseFont(const std::string& option, const std::string& text,
     choice.source = source;
     if (text.empty() || orDefault(source).has(text) || readIndex(option, text, choice) || looksLikeFile(text))
         return choice;
-    // A batch asks for the same few names line by line, and a match costs as much as a small picture.
+    // A batch asks for the same few names in every line, and a match costs as much as a small picture.
     static std::map<std::string, FontChoice> answers;
     const auto known = answers.find(text);
     return known != answers.end() ? known->second : answers[text] = matchSystemFont(option, text);

@@ -27,7 +27,7 @@ using Zvex::ZvBitmap;
 using Zvex::ZvRect;
 using Zvex::ZvView;
 
-// Where text may show: everywhere but in the paddings, save the one on the side that the gravity pulls to.
+// Where text may show: everywhere except in the paddings; the padding on the side of the gravity counts too.
 ZvRect clipOf(const ZvView& view) {
     const int horizontal = view.gravity & ZvView::HORIZONTAL_MASK;
     const int vertical = view.gravity & ZvView::VERTICAL_MASK;

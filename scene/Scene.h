@@ -15,8 +15,8 @@
 
 namespace Zvex::scene {
 
-// A font: what chooseFont of FontChoice.h reads (a file, FILE#N, a name of the system's), or a font's own
-// bytes.
+// A font: a name for chooseFont of FontChoice.h (a file, FILE#N, a name of the system's), or the bytes of a
+// font.
 struct Font {
     std::string name;
     std::string axes;                          // "wght=650,opsz=20"; empty: as it stands
@@ -37,7 +37,7 @@ struct Font {
     }
 };
 
-// The largest picture made, effect margins included: each side, and the pixels in all (about 1.5 GB of
+// The largest picture, effect margins included: the limit of each side, and of all pixels (about 1.5 GB of
 // working memory).
 constexpr int kMaxSide = 32767;
 constexpr int64_t kMaxPixels = 100'000'000;
@@ -47,15 +47,15 @@ struct Limits {
     int64_t pixels = kMaxPixels;
 };
 
-// One picture to make: everything the command line can say of it. Sizes are pixels, colours 0xAARRGGBB.
+// One picture to make, with everything that the command line can set. Sizes are pixels, colours 0xAARRGGBB.
 struct Scene {
     enum class Align { Left, Center, Right };
     enum class Gravity { Top, Center, Bottom };
 
     std::string text;  // UTF-8, not empty
     Font font;
-    std::vector<Font> fallbacks;  // the fonts asked next, in this order
-    bool systemFallback = true;   // the system's fonts behind these
+    std::vector<Font> fallbacks;  // the fonts searched next, in order
+    bool systemFallback = true;   // then the system's fonts
     Style style;
     int width = 0;   // of the view, padding included; 0: as wide as the widest line
     int height = 0;  // of the view, padding included; 0: as high as the lines shown
@@ -65,7 +65,7 @@ struct Scene {
     Padding padding;
     host::Rendering rendering = host::Rendering::Phone;
     Limits limits;
-    bool trim = false;  // the picture without its transparent border
+    bool trim = false;  // removes the picture's transparent border
 };
 
 // Renders the scene; a Renderer (Renderer.h) does it faster for one like the last. Any thread, any number of
@@ -79,11 +79,11 @@ struct Scene {
 //     const Rendering gold = render(scene);  // gold.picture, gold.metrics, gold.warnings
 Rendering render(const Scene& scene);
 
-// The same without the pixels: nothing is drawn, and the scene's trim does not count.
+// The same without pixels: nothing is drawn, and the scene's trim has no effect.
 Rendering measure(const Scene& scene);
 
-// Renders into the caller's memory: rows of four bytes a pixel, `stride` pixels from one to the next, for a
-// picture of `width` x `height`, which are what measure() said. The result has no pixels.
+// Renders into the caller's memory: rows of four bytes a pixel, `stride` pixels apart. `width` and `height`
+// must be those of measure(). The result has no pixels.
 Rendering renderInto(const Scene& scene, uint32_t* pixels, int width, int height, size_t stride,
                      PixelFormat format = PixelFormat::Argb);
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-// Whether a character is missing is asked of the layout itself, cluster by cluster: shaping composes letters
-// and draws some spaces without a glyph of their own, which character maps do not tell.
+// Asks the layout itself, cluster by cluster, whether characters are missing. Character maps do not tell,
+// because shaping composes letters and draws some spaces without a glyph of their own.
 #include "scene/SceneFonts.h"
 
 #include <hwui/MinikinUtils.h>
@@ -31,14 +31,14 @@ namespace {
 
 using Fonts = std::vector<std::shared_ptr<const LoadedFont>>;
 
-// A text of every script takes about a hundred fonts; a text of nothing but odd clusters is not worth more
-// questions than these.
+// A text in every script needs about a hundred fonts. A text of only odd clusters is not worth more questions
+// than this.
 constexpr size_t kMaxSystemFonts = 128, kMaxQuestions = 2000;
 constexpr size_t kMaxAsked = 64;  // characters of one cluster
 
 struct Cluster {
     std::u16string text;
-    std::vector<uint32_t> characters;  // those that show something
+    std::vector<uint32_t> characters;  // the visible ones
 };
 
 std::shared_ptr<minikin::FontFamily> familyOf(const LoadedFont& font, int weight, bool italic) {
@@ -51,8 +51,8 @@ std::shared_ptr<minikin::FontFamily> familyOf(const LoadedFont& font, int weight
     return std::make_shared<minikin::FontFamily>(std::move(fonts));
 }
 
-// One family of one font each, asked in their order. Their own weights keep a bold fallback behind a bold
-// font from being widened once more.
+// One family for each font, in order. Each keeps its own weight, so that a bold fallback after a bold font is
+// not widened again.
 std::shared_ptr<const android::Typeface> typefaceOf(const Fonts& fonts) {
     int weight = 400;
     bool italic = false;
@@ -86,7 +86,7 @@ std::u16string toUtf16(const std::string& text) {
     return units;
 }
 
-// The text's clusters that no single font has as they are written, each once.
+// The clusters of the text that no single font has as written, each once.
 std::vector<Cluster> doubtfulClusters(const std::u16string& text, const Fonts& fonts) {
     std::vector<Cluster> doubtful;
     std::unordered_set<std::u16string> seen;
@@ -123,7 +123,7 @@ public:
         const size_t length = cluster.text.size();
         const minikin::Layout layout = android::MinikinUtils::doLayout(
             &mPaint, minikin::Bidi::DEFAULT_LTR, &mTypeface, units, 0, length, length, nullptr);
-        // A letter may be drawn where its mark is not: each goes to a font of its own.
+        // A letter may be drawn without its mark: then each has a font of its own.
         std::set<const host::FontFace*> faces;
         bool lacks = false;
         for (int i = 0; i < static_cast<int>(layout.nGlyphs()); ++i) {
@@ -144,8 +144,7 @@ private:
     const android::Typeface& mTypeface;
 };
 
-// The language that fontconfig is asked for: what the script tells. Han characters go by the other scripts
-// of the text.
+// The language for fontconfig, from the script. For Han characters the other scripts of the text decide.
 class Languages {
 public:
     explicit Languages(const std::u16string& text) {
@@ -185,17 +184,18 @@ private:
     std::string mHan;
 };
 
-// What the process has read of fonts and of fontconfig is for one thread at a time.
+// Guards what the process has read of fonts and fontconfig.
 std::mutex& reading() {
     static std::mutex* const lock =
         new std::mutex;  // never destroyed: threads may render as the process ends
     return *lock;
 }
 
-// The first of fontconfig's fonts that the port can draw and that has all of the characters; null for none.
+// The first of fontconfig's fonts that the port can draw and that has all the characters; null if there is
+// none.
 std::shared_ptr<const LoadedFont> systemFontFor(const std::vector<uint32_t>& characters,
                                                 const std::string& language, const FontFacts& like) {
-    // Fonts that fontconfig knows and the port cannot draw: read once, not for every cluster.
+    // Fonts that the port cannot draw: tried only once, not for every cluster.
     static std::set<std::string> refused;
     for (const FontChoice& choice : systemFontsFor(characters, language, like)) {
         if (refused.count(choice.name()) != 0) continue;
@@ -217,7 +217,7 @@ void addSystemFonts(SceneFonts& scene, const std::vector<Cluster>& clusters, con
             continue;
         const std::string language = languages.of(cluster);
         std::vector<std::vector<uint32_t>> wanted = {cluster.characters};
-        // Where no font has a letter together with its marks, the letter alone is better than nothing.
+        // If no font has a letter with its marks, the letter alone is better than nothing.
         if (cluster.characters.size() > 1) wanted.push_back({cluster.characters[0]});
         for (const std::vector<uint32_t>& characters : wanted) {
             if (std::any_of(scene.fonts.begin(), scene.fonts.end(),

@@ -21,8 +21,8 @@ namespace fs = std::filesystem;
 
 constexpr size_t kMaxStyleBytes = size_t{4} << 20;
 
-// Within a style, everything that is wrong is a UsageError whose message starts with the place; readStyle
-// puts the file in front.
+// Within a style, every error is a UsageError whose message starts with the place; readStyle puts the file in
+// front.
 
 std::string effectNames() {
     std::string names;
@@ -99,7 +99,7 @@ Json writeEffects(const Look& look) {
     return effects;
 }
 
-// To `factor` times the pixels: whole ones, at least one where there was one.
+// Multiplies lengths by `factor`, rounded to whole pixels; a length of at least one pixel stays at least one.
 void fitFields(const Fields& fields, double factor) {
     for (const auto& [name, number] : lengthsOf(fields)) {
         const double size = std::abs(number.get());

@@ -15,7 +15,7 @@ namespace Zvex::scene {
 
 constexpr NumberRange kTextSize = {0, 10000, "px", true, true};
 
-// How a text looks, apart from its font, its words and where it stands: what a style file holds.
+// The look of a text without its font, words and position: the content of a style file.
 struct Style : Look {
     double size = 96;  // pixels per em
     uint32_t color = 0xFF000000;
@@ -25,19 +25,19 @@ struct Style : Look {
     std::string features;                // OpenType features, "smcp, -liga"
     double opacity = 1;                  // of the whole picture
     std::optional<bool> colorGlyphs;     // emoji in their own colours; unset: yes, in the front layer
-    // From the front to the back; the effects are theirs then, and the style has none.
+    // From the front to the back. Effects are then the layers' own, and the style has none.
     std::vector<LayerSettings> layers;
-    double layersDesignedFor = 0;  // the text size that their spreads and offsets are meant for; 0: any
+    double layersDesignedFor = 0;  // the text size that their spreads and offsets are designed for; 0: any
 };
 
-// What a style file says of itself.
+// A style file's notes about itself.
 struct StyleNotes {
-    std::string schema;       // where an editor finds the JSON Schema; not followed
+    std::string schema;       // address of the JSON Schema for editors; not followed
     std::string description;  // a line for people
-    double designedFor = 0;   // the text size that its effects' pixels are meant for; 0: any
+    double designedFor = 0;   // the text size that its effects are designed for; 0: any
 };
 
-// All but the effects and the layers.
+// All fields except the effects and the layers.
 Fields fieldsOf(Style& style);
 Fields fieldsOf(StyleNotes& notes);
 
@@ -58,38 +58,38 @@ Fields fieldsOf(StyleNotes& notes);
 // Comments, // and /* */, may stand wherever a space may. With "designed-for" the effects grow and shrink
 // with the text: what is 8 pixels for a text of 100 is 24 for one of 300.
 
-// Reads a style file into `style`, "-" being standard input: what the file sets is replaced, its effects are
-// added or replace those of their kind, its layers replace those before. Throws Failure with one line that
-// starts with `option` and names the file, the place in it ("effects[2].stops[0].position") and what is
-// accepted there. Patterns are read from the source of the style (see Source::ofStyle) once they are
-// drawn.
+// Reads a style file into `style`; "-" is standard input. Settings of the file replace those of `style`, its
+// effects are added or replace those of the same kind, and its layers replace all earlier ones. Throws
+// Failure with one line that starts with `option` and names the file, the place in it
+// ("effects[2].stops[0].position") and what is accepted there. Patterns are read from
+// the source of the style (see Source::ofStyle) when they are drawn.
 StyleNotes readStyle(const std::string& option, const std::string& name, Style& style,
                      const std::shared_ptr<const Source>& source = nullptr);
 
-// The same with one of the presets; throws UsageError, which lists them, where there is none of that name.
+// The same with a preset. Throws UsageError, which lists the presets, if there is none of that name.
 StyleNotes readPreset(const std::string& option, const std::string& name, Style& style);
 
-// All effects that the style draws, those of its layers and its canvas too.
+// All effects that the style draws, including those of its layers and its canvas.
 std::vector<const EffectSettings*> allEffects(const Style& style);
 
-// New styles of a file, of a style's own text, and of a preset. What is wrong in a text has its place in it:
+// Make new styles from a file, from a style's text, and from a preset. Errors in a text name the place in it:
 // "layers[0].spread".
 Style styleFromFile(const std::string& path);
 Style styleFromText(const std::string& json);
 Style styleFromPreset(const std::string& name);
 
-// Once the size is known, which render() does itself: brings the lengths of effects that are designed for
-// another one to it, pixels in whole ones, no further than an effect can be set. What was at least a pixel
-// stays one.
+// Scales the lengths of effects that are designed for another text size, in whole pixels and within their
+// limits; a length of at least one pixel stays at least one. Call it when the size is known; render() calls
+// it itself.
 void fitEffects(Style& style);
 
-// The same from the text itself, which messages do not repeat; a pattern's file is relative to the working
-// folder, or a name of the source. Throws UsageError.
+// The same from a text, which messages do not repeat; a pattern's file is relative to the working folder, or
+// a name of the source. Throws UsageError.
 void readStyleText(const std::string& option, const std::string& text, Style& style,
                    const std::shared_ptr<const Source>& source = nullptr);
 
-// The style as a file's content. Reading it gives the same style; the paths of patterns become absolute.
-// Throws Failure where a text is not UTF-8.
+// The style as the content of a file. Reading it gives the same style; the paths of patterns become absolute.
+// Throws Failure if a text is not UTF-8.
 std::string writeStyle(const Style& style);
 
 }  // namespace Zvex::scene

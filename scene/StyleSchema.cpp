@@ -56,7 +56,7 @@ struct OfValue {
     }
 };
 
-// The value that is used where there is none, where it can be written as it stands.
+// The default value, if it can be written as JSON.
 Json defaultOf(const Field& field) {
     if (const auto* number = std::get_if<NumberField>(&field.value)) return numberJson(number->get());
     if (const auto* flag = std::get_if<FlagField>(&field.value)) return *flag->value;
@@ -105,7 +105,7 @@ Json ofEffect(const EffectKind& kind) {
     return object;
 }
 
-// An array of the effects, with at most one of each kind.
+// An array of effects, with at most one of each kind.
 Json ofEffects() {
     Json kinds = Json::array(), once = Json::array();
     for (const EffectKind& kind : effectKinds()) {

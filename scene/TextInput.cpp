@@ -12,7 +12,7 @@ namespace Zvex::scene {
 
 namespace {
 
-// There are no tab stops, and no font has a glyph for a tab.
+// Tabs become spaces: there are no tab stops, and no font has a glyph for a tab.
 std::string withoutTabs(std::string text) {
     std::replace(text.begin(), text.end(), '\t', ' ');
     return text;

@@ -19,14 +19,14 @@ std::string checkedText(const std::string& text);
 // dropped, and CR LF becomes LF. Throws Failure.
 std::string readText(const std::string& file, const std::shared_ptr<const Source>& source = nullptr);
 
-// Why the text cannot be drawn, or empty.
+// The reason why the text cannot be drawn, or empty.
 std::string faultOf(const std::string& text);
 
-// The text as a terminal may have it: '?' for control characters (but line ends), U+0080 to U+009F among
-// them, and for what is no UTF-8.
+// The text in a form safe for a terminal: '?' replaces control characters except line ends, also U+0080 to
+// U+009F, and invalid UTF-8.
 std::string printable(const std::string& text);
 
-// Offset of the first byte that is no part of well-formed UTF-8 (Unicode 15, table 3-7); npos when all of it
+// Offset of the first byte that is not part of well-formed UTF-8 (Unicode 15, table 3-7); npos if all of it
 // is.
 size_t findInvalidUtf8(const std::string& text);
 

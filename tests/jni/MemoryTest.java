@@ -16,7 +16,8 @@ final class MemoryTest {
         List<String> result = Child.run(MemoryTest.class, "-Xms64m", "-Xmx64m", "-XX:+AlwaysPreTouch",
                 "-XX:+UseSerialGC", "-Dzvex.cycles=" + cycles);
         int grown = Integer.parseInt(result.get(result.size() - 1));
-        assertTrue(grown < 4000, "grown by " + grown + " kB in " + cycles + " cycles");
+        // A kilobyte left behind in each cycle would be 15 MB; the rest is the runtime itself.
+        assertTrue(grown < 8000, "grown by " + grown + " kB in " + cycles + " cycles");
     }
 
     /** Nothing in the kit or the library holds on to the loader: not the natives, not the cleaner's thread. */

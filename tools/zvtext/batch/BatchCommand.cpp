@@ -43,8 +43,8 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr int kMaxJobs = 256;
-constexpr int kLastWait = 2000;       // milliseconds for who reads the results, once a signal has come
-constexpr size_t kMaxWaiting = 1024;  // results kept behind a line that takes long
+constexpr int kLastWait = 2000;       // milliseconds to wait for the reader of results after a signal
+constexpr size_t kMaxWaiting = 1024;  // results kept while an earlier line is slow
 
 // --- Signals: the handler leaves the number and wakes the loop through a pipe
 
@@ -55,17 +55,17 @@ void onSignal(int number) {
     const int error = errno;
     gSignal = number;
     const char byte = 0;
-    if (write(gWakeEnd, &byte, 1) < 0) errno = error;  // full: awake already
+    if (write(gWakeEnd, &byte, 1) < 0) errno = error;  // full: the loop is awake anyway
     errno = error;
 }
 
 void catchSignal(int number) {
     struct sigaction action = {};
     if (sigaction(number, nullptr, &action) == 0 && action.sa_handler == SIG_IGN)
-        return;  // as nohup and & want
+        return;  // as for nohup and &
     action = {};
     action.sa_handler = onSignal;
-    action.sa_flags = SA_RESETHAND;  // the second one ends the process
+    action.sa_flags = SA_RESETHAND;  // the second signal ends the process
     sigaction(number, &action, nullptr);
 }
 
@@ -102,8 +102,8 @@ public:
         if (pipe2(mWake, O_CLOEXEC | O_NONBLOCK) != 0) throw Failure("cannot make a pipe");
         gWakeEnd = mWake[1];
         std::signal(SIGPIPE, SIG_IGN);
-        std::signal(SIGXFSZ, SIG_IGN);  // as any disk that is full
-        std::signal(SIGCHLD, SIG_DFL);  // nobody else is to take the workers' last words
+        std::signal(SIGXFSZ, SIG_IGN);  // so that it is an error like a full disk
+        std::signal(SIGCHLD, SIG_DFL);  // the workers' exit statuses must not be lost
         catchSignal(SIGINT);
         catchSignal(SIGTERM);
         catchSignal(SIGHUP);
@@ -136,7 +136,7 @@ public:
 private:
     struct Worker : WorkerProcess {
         bool busy = false;
-        BatchJob job;      // without the JSON; the last one, if not busy
+        BatchJob job;      // without the JSON; if it is not busy, the last one
         size_t place = 0;  // of its result
     };
 
@@ -144,7 +144,7 @@ private:
         return arguments.jobs == 0 ? std::min(usableCores(), kMaxJobs) : arguments.jobs;
     }
 
-    // Reads the defaults' values, so that what is wrong with them is said once and not for each line.
+    // Reads the defaults' values, so that their errors are reported once and not for each line.
     static BatchSettings settingsOf(const BatchArguments& arguments) {
         BatchSettings settings;
         settings.resumes = arguments.resume;
@@ -182,7 +182,7 @@ private:
                            "a line of a batch may write; --allow-outside lets it leave");
     }
 
-    // The lines under way are the last.
+    // Takes no more lines.
     void stop(const std::string& why) {
         mEnded = true;
         mFailure = why;
@@ -193,7 +193,7 @@ private:
                            [](const Worker& worker) { return worker.isAlive(); });
     }
 
-    // Where no more can be started, one of those that live.
+    // If no more workers can be started, one of the living ones.
     Worker* idleWorker() {
         const bool starts = !mNoMore || !anyAlive();
         for (Worker& worker : mWorkers) {
@@ -211,7 +211,7 @@ private:
                            [](const Worker& worker) { return worker.busy; });
     }
 
-    // Gives the next line to an idle worker. False where there is no whole line yet, or none any more.
+    // Gives the next line to an idle worker. False if there is no whole line yet, or none left.
     bool takeLine() {
         if (mHeld) {
             const size_t place = mHeldPlace;
@@ -259,7 +259,7 @@ private:
         if (!job.metrics.empty()) mNames.claim("--metrics", job.metrics);
     }
 
-    // A worker that has died since its last line makes way for a new one.
+    // If the worker died since its last line, starts a new one.
     void give(Worker& worker, BatchJob job, size_t place) {
         bool sent = worker.isAlive() && sendJob(worker.socket(), job);
         if (!sent) {
@@ -284,7 +284,7 @@ private:
         if (!sent) buryWorker(worker);
     }
 
-    // Says why it could not, or nothing.
+    // Returns why it failed, or nothing.
     std::string start(Worker& worker) {
         return worker.start([this](int socket) {
             for (const Worker& other : mWorkers) other.closeEnds();
@@ -295,12 +295,11 @@ private:
 
     // Ends the worker, if there is one, and returns its wait status.
     int end(Worker& worker) {
-        if (worker.isAlive()) mNoMore = false;  // it leaves room for another
+        if (worker.isAlive()) mNoMore = false;  // there is room for another one
         return worker.end([&](bool atEnd) { passOn(worker, atEnd); });
     }
 
-    // Prints what the worker has written to standard error. Messages of this program get the number of the
-    // line.
+    // Prints what the worker wrote to standard error. Messages of this program get the number of the line.
     void passOn(Worker& worker, bool atEnd = false) {
         static const std::string kName = "zvtext: ";
         std::string text;
@@ -315,7 +314,7 @@ private:
         std::fputs(printable(text).c_str(), stderr);
     }
 
-    // The worker is gone, with the line it had.
+    // The worker died with its line.
     void buryWorker(Worker& worker) {
         worker.kill();  // if it should still be there, without its socket
         const int status = end(worker);
@@ -344,7 +343,7 @@ private:
         mWaiting[place - mPrinted] = std::move(result.json);
     }
 
-    // Those at the front that are done.
+    // Prints the finished results at the front.
     void printResults() {
         std::string text;
         while (!mWaiting.empty() && mWaiting.front()) {
@@ -372,13 +371,13 @@ private:
     void writeOut(const std::string& text) {
         size_t written = 0;
         while (written < text.size() && !mOutputClosed && !mOutputFailed) {
-            // A reader who has stopped reading does not keep the batch from ending.
+            // A reader that has stopped must not keep the batch from ending.
             const bool ending = gSignal != 0;
             pollfd ready[] = {{STDOUT_FILENO, POLLOUT, 0}, {ending ? -1 : mWake[0], POLLIN, 0}};
             const int count = poll(ready, 2, ending ? kLastWait : -1);
             if (count == 0) mOutputClosed = true;
             if (count == 0 || (count > 0 && ready[0].revents == 0)) continue;
-            // As much as a pipe that has room takes at once.
+            // Writes at most as much as a pipe with room accepts at once.
             const size_t length = std::min<size_t>(text.size() - written, PIPE_BUF);
             const ssize_t now = count < 0 ? -1 : write(STDOUT_FILENO, text.data() + written, length);
             if (now >= 0) {
@@ -400,14 +399,14 @@ private:
         }
     }
 
-    // Until a worker answers, the input has more (asked for by `reads`), the reader of the results is gone,
-    // or a signal comes.
+    // Waits until a worker answers, the input has more (if `reads`), the reader of the results is gone, or a
+    // signal arrives.
     void wait(bool reads) {
         std::vector<pollfd> events = {{mWake[0], POLLIN, 0},
                                       {mOutputClosed ? -1 : STDOUT_FILENO, 0, 0},
                                       {reads ? mInput.descriptor() : -1, POLLIN, 0}};
         const size_t fixed = events.size();
-        std::vector<Worker*> polled;  // of those alone that live: poll takes no more entries than descriptors
+        std::vector<Worker*> polled;  // only living ones, because poll takes no more entries than descriptors
         for (Worker& worker : mWorkers) {
             if (worker.socket() < 0 && worker.errors() < 0) continue;
             polled.push_back(&worker);
@@ -440,15 +439,15 @@ private:
     std::chrono::steady_clock::time_point mProgressShown;
     int mWake[2] = {-1, -1};
     uint64_t mLine = 0, mDone = 0, mErrors = 0, mUnwritten = 0;
-    bool mNoMore = false;           // workers, for want of descriptors, processes or memory
-    std::optional<BatchJob> mHeld;  // a line for which no worker could be started, until another is idle
+    bool mNoMore = false;  // no more workers can be started, for lack of descriptors, processes or memory
+    std::optional<BatchJob> mHeld;  // a line that waits for an idle worker because none could be started
     size_t mHeldPlace = 0;
     std::deque<std::optional<std::string>> mWaiting;  // results in the order of the lines
-    size_t mPrinted = 0;                              // the place of the first of them
+    size_t mPrinted = 0;                              // the position of the first of them
     bool mEnded = false;                              // no more lines are taken
     bool mOutputClosed = false, mOutputFailed = false, mJournalWhole = true;
     const bool mOutputIsTerminal = isatty(STDOUT_FILENO) == 1;
-    std::string mFailure;  // what keeps the batch from going on
+    std::string mFailure;  // why the batch cannot continue
 };
 
 }  // namespace

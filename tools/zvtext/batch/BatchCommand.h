@@ -11,33 +11,32 @@
 namespace zvtext {
 
 struct BatchArguments {
-    GivenOptions given;  // what a line leaves out, as render's command line has it
+    GivenOptions given;  // used for what a line leaves out
     ReadOptions reads;
     std::string input = "-";
-    std::string output = "{index}.png";  // the name where a line has none; {index} is the line's number
-    std::string metrics;                 // the same of the metrics; empty: none
+    std::string output = "{index}.png";  // the name if a line has none; {index} is the line's number
+    std::string metrics;                 // the same for the metrics; empty: none
     std::string outputFolder = ".";
-    bool allowOutside = false;  // outputs may be absolute or leave the folder
+    bool allowOutside = false;  // allows outputs to be absolute or to leave the folder
     int jobs = 1;               // 0: one for each core
     bool resume = false, quiet = false;
 };
 
 void addBatchOptions(CLI::App& command, BatchArguments& arguments);
 
-// Runs `zvtext batch`: renders the lines of the input (BatchLine.h says what a line is) in worker processes
-// and prints one JSON object for each to standard output, in the order of the lines, as soon as it and those
-// before it are done. A line that is wrong, or whose worker dies, fails alone. What workers write to standard
-// error is passed on, with the line's number where it is a message of this program.
+// Runs `zvtext batch`: renders the lines of the input (see BatchLine.h) in worker processes. Prints one JSON
+// object for each line to standard output, in the order of the lines, as soon as it and those before it are
+// done. If a line is invalid or its worker dies, only that line fails. What workers write to standard error
+// is passed on; this program's messages get the line's number.
 //
-// Memory: one line for each worker, kMaxWaiting results, and some 40 bytes for each output's name (a name
-// that comes again is an error of the later line).
+// Memory: one line for each worker, kMaxWaiting results, and some 40 bytes for each output's name (if a name
+// is used again, the later line fails).
 //
-// SIGINT, SIGTERM and SIGHUP let the lines under way be finished and printed; a second one ends it at once.
-// Killed at any moment it leaves whole pictures, and temporary files, which a run with --resume takes away;
-// its workers end with it. An input or an output that fails ends it likewise, after the lines under way.
-// Returns the exit status: 0, 1 where a line failed, 128 + the signal. Closed standard output ends the
-// process as SIGPIPE does. Throws UsageError or Failure. The process must have one thread: workers are forks
-// of it.
+// On SIGINT, SIGTERM or SIGHUP the running lines are finished and printed; a second signal ends it at once.
+// If killed, it never leaves partial pictures. It may leave temporary files, which a run with --resume
+// removes; its workers end with it. If the input or the output fails, it ends after the running lines.
+// Returns the exit status: 0, 1 if a line failed, 128 + the signal. Closed standard output ends the process
+// as SIGPIPE does. Throws UsageError or Failure. The process must have one thread: workers are forks of it.
 int runBatch(const BatchArguments& arguments);
 
 }  // namespace zvtext

@@ -42,7 +42,7 @@ RenderOptions readLine(const std::string& line, const RenderOptions& defaults, F
     };
     RenderOptions options = defaults;
     if (gives("text")) options.scene.textFile.clear();
-    // Names lead to the system's fonts anyway.
+    // Names of fonts lead to the system's folders anyway.
     if (!readable.isAnywhere() && (gives("font") || gives("fallback"))) {
         static const auto fonts = [&] {  // the same for all lines of a process
             FolderScope scope = readable;

@@ -15,12 +15,12 @@ namespace zvtext {
 // "text"; "output" and "metrics" are names in the output folder. What values are, scene/SceneOptions.h says.
 constexpr size_t kMaxLineBytes = size_t{16} << 20;
 
-// What the line calls its files; none where it has no such key.
+// The line's names for its files; none if it lacks the key.
 struct LineNames {
     std::optional<std::string> output, metrics;
 };
 
-// Throws UsageError for what is no line, for a key that is there twice, and for a name that is no string.
+// Throws UsageError if the line is invalid, if a key occurs twice, or if a name is not a string.
 LineNames readLineNames(const std::string& line);
 
 // What the line asks for, its files left aside; the defaults hold for what it leaves out. Its effects come

@@ -31,10 +31,10 @@ namespace fs = std::filesystem;
 using Parts = std::vector<std::string>;
 
 constexpr size_t kMaxMessage = 2000;
-constexpr size_t kMaxFontsHeld = 64;  // beyond, a worker makes way for a new one
+constexpr size_t kMaxFontsHeld = 64;  // with more, a worker asks to be replaced
 constexpr size_t kMaxPictureBytes = size_t{2} << 30;
 
-// --- Strings over the socket: how many, then the length of each and its bytes
+// --- Strings over the socket: their number, then the length and bytes of each
 
 bool sendBytes(int socket, const void* bytes, size_t size) {
     const char* next = static_cast<const char*>(bytes);
@@ -82,7 +82,7 @@ bool receiveParts(int socket, Parts& parts) {
 
 // --- One line
 
-// What shows that a file is another than before, or nothing where there is none.
+// A mark that changes when the file does; empty if there is no file.
 std::string fileMark(const std::string& path) {
     struct stat status;
     if (path.empty() || stat(path.c_str(), &status) != 0) return "";
@@ -90,7 +90,7 @@ std::string fileMark(const std::string& path) {
            std::to_string(status.st_mtim.tv_nsec);
 }
 
-// Of what lies there; empty where it cannot be read or is no file of its own.
+// Digest of the file; empty if it cannot be read or is not allowed.
 std::string contentDigest(const std::string& path, const FolderScope& scope) {
     std::error_code error;
     if (!fs::is_regular_file(path, error)) return "";
@@ -101,7 +101,7 @@ std::string contentDigest(const std::string& path, const FolderScope& scope) {
     }
 }
 
-// The same of the picture and its metrics.
+// The same for the picture and its metrics.
 std::string contentDigest(const BatchJob& job, const FolderScope& scope) {
     const std::string picture = contentDigest(job.path, scope);
     if (job.metrics.empty() || picture.empty()) return picture;
@@ -116,7 +116,7 @@ public:
 
     BatchResult run(const BatchJob& job) {
         BatchResult result = renderOrFail(job);
-        // Fonts stay loaded; lines with fonts of their own must not fill the memory.
+        // Fonts stay loaded, and lines with their own fonts must not fill the memory.
         result.last = mFontMarks.size() > kMaxFontsHeld;
         return result;
     }
@@ -163,8 +163,7 @@ private:
         return result;
     }
 
-    // Whether the files are there as the journal has them for the record's job; the record is the journal's
-    // then.
+    // Whether the files exist as the journal's record for the job has them; then `record` is that record.
     bool findPicture(const BatchJob& job, BatchJournal::Record& record) const {
         const std::optional<BatchJournal::Record> found = mJournal.find(record.job);
         if (!found || found->content != contentDigest(job, mSettings.writes)) return false;
@@ -199,8 +198,8 @@ private:
         if (error) throw Failure(option + ": cannot make '" + folder.string() + "': " + error.message());
     }
 
-    // All that the picture is made from: the line, the defaults, the files they name, and the system's fonts
-    // that serve the text. Loads the fonts.
+    // Digest of everything that the picture is made from: the line, the defaults, the files that they name,
+    // and the system's fonts for the text. Loads the fonts.
     std::string digestOf(const BatchJob& job, const Scene& scene) {
         Digest digest;
         digest.add(ZVEX_VERSION).add(mSettings.digest).add(job.path).add(job.metrics).add(job.json);
@@ -208,7 +207,7 @@ private:
         for (const std::shared_ptr<const LoadedFont>& font : takeFonts(scene).fonts) {
             const FontChoice& choice = font->choice;
             digest.add(choice.name()).add(std::to_string(choice.instance)).add(choice.variations);
-            // A font stays as it was read, whatever happens to its file.
+            // A loaded font stays as it was read, even if its file changes.
             const auto [mark, isNew] = mFontMarks.try_emplace(font->key);
             if (isNew) mark->second = fileMark(choice.path);
             digest.add(mark->second);
@@ -224,7 +223,7 @@ private:
 
     const BatchSettings& mSettings;
     const BatchJournal& mJournal;
-    std::map<std::string, std::string> mFontMarks;  // of the fonts that are loaded
+    std::map<std::string, std::string> mFontMarks;  // of the loaded fonts
 };
 
 }  // namespace

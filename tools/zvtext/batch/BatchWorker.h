@@ -11,38 +11,38 @@
 
 namespace zvtext {
 
-// What a worker of a batch is asked for, and its answer.
+// A job for a worker of a batch, and its answer.
 struct BatchJob {
     uint64_t line = 0;    // its number, from 1
-    std::string path;     // where the picture goes
-    std::string metrics;  // where its metrics go; empty: nowhere
+    std::string path;     // path of the picture
+    std::string metrics;  // path of its metrics; empty: none
     std::string json;     // the line
 };
 struct BatchResult {
     bool failed = false;
-    bool last = false;            // the worker wants no more jobs
-    bool diskFull = false;        // why it failed
-    std::string json;             // the result, of one line
+    bool last = false;            // the worker takes no more jobs
+    bool diskFull = false;        // whether that made it fail
+    std::string json;             // the result, on one line
     BatchJournal::Record record;  // an empty job: nothing to record
 };
 
-// Over a stream socket between two processes of one program. False where the other end is gone.
+// Use a stream socket between two processes of one program. False if the other end is closed.
 bool sendJob(int socket, const BatchJob& job);
 bool receiveJob(int socket, BatchJob& job);
 bool sendResult(int socket, const BatchResult& result);
 bool receiveResult(int socket, BatchResult& result);
 
-// The result of a line that failed; no path where it is empty. A long message is cut.
+// The result of a failed line, without the path if that is empty. A long message is cut.
 BatchResult failedResult(uint64_t line, const std::string& path, const std::string& message);
 
-// What all lines have in common.
+// The settings that all lines share.
 struct BatchSettings {
     RenderOptions defaults;
-    FolderScope readable;  // where the files may lie that lines name
+    FolderScope readable;  // folders for the files that lines name
     FilePlaces reads;      // these files
-    FolderScope writes;    // and their pictures and metrics
+    FolderScope writes;    // folders for their pictures and metrics
     std::string digest;    // of the defaults as given
-    bool resumes = false;  // leaves the pictures that are there, whole and the line's own
+    bool resumes = false;  // keeps existing pictures if they are complete and the line's own
 };
 
 // Answers jobs until the other end closes. Warnings go to standard error, as render's do. Fonts stay loaded

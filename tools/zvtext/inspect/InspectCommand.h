@@ -32,7 +32,7 @@ struct InspectTextArguments {
     bool json = false;
 };
 
-// The values of the options of every kind of inspection; they outlive the commands made of them.
+// The options of all kinds of inspection; they must outlive the commands made from them.
 struct InspectArguments {
     InspectFontArguments font;
     InspectStyleArguments style;
@@ -40,29 +40,29 @@ struct InspectArguments {
     bool versionAsJson = false;
 };
 
-// Declares `inspect` with a command of its own for each kind; each runs when the command line is parsed and
-// prints to standard output, for a person or, with --json, one JSON object.
+// Declares `inspect` with one command for each kind. Each runs when the command line is parsed and prints to
+// standard output: for people or, with --json, one JSON object.
 void addInspectCommands(CLI::App& inspect, InspectArguments& arguments);
 
-// Declares what `version` takes; the flag outlives the command.
+// Declares the options of `version`; the flag must outlive the command.
 void addVersionOptions(CLI::App& version, bool& json);
 
-// One for each kind, in a file of its own. Throw UsageError or Failure.
+// One function for each kind, each in its own file. They throw UsageError or Failure.
 void addInspectFont(CLI::App& inspect, InspectFontArguments& arguments);
 void addInspectStyle(CLI::App& inspect, InspectStyleArguments& arguments);
 void addInspectText(CLI::App& inspect, InspectTextArguments& arguments);
 
-// What the reports have in common.
+// Shared by the reports.
 
-using ScriptCounts = std::map<int, size_t>;  // characters by ICU's number of their script
+using ScriptCounts = std::map<int, size_t>;  // number of characters by ICU's script number
 
 // [{"script": "Latn", "name": "Latin", "characters": 12}, ...], the most used first.
 Json scriptList(const ScriptCounts& counts);
 size_t charactersOf(const ScriptCounts& counts);
 int scriptOf(uint32_t character);
 
-// Prints the report, an object, as it stands or in lines for people: a value behind its name, the elements of
-// a list below theirs. Names in files may hold anything: no control character is printed.
+// Prints the report, an object, as JSON or in lines for people: a value after its name, the elements of a
+// list below its name. Names in files may hold anything, but no control character is printed.
 void printReport(const Json& report, bool json);
 
 }  // namespace zvtext

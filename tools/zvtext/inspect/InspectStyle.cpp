@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// zvtext inspect style: what a style draws, and what that costs.
+// zvtext inspect style: what a style draws, and what it costs.
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cmath>
@@ -19,11 +19,10 @@ using namespace Zvex::scene;
 
 namespace {
 
-// Bytes that the program takes for each pixel of a picture, at its peak: the library's picture, its copy and
-// the mask; then what each effect holds beyond that. Measured on text that fills a picture of 8 million
-// pixels.
+// Peak memory in bytes for each pixel of a picture: for the library's picture, its copy and the mask; the
+// table adds what each effect needs. Measured on text that fills a picture of 8 million pixels.
 constexpr double kPictureBytes = 9;
-// With layers, the picture that these are joined on and the text's coverage; and for each its own picture and
+// With layers: the picture that they are joined on and the text's coverage; for each layer its picture and
 // its spread coverage.
 constexpr double kJoinedBytes = 5, kLayerBytes = 5;
 
@@ -60,7 +59,7 @@ void addEntries(Json& layers, Look& look, uint32_t color) {
     }
 }
 
-// A style's own layers each open with an entry of their settings.
+// Each layer of a style begins with an entry for its settings.
 Json layersOf(Style& style) {
     Json layers = Json::array();
     if (style.layers.empty()) addEntries(layers, style, style.color);
@@ -76,7 +75,7 @@ double bytesPerPixel(const Style& style) {
     if (LayeredScene::isFor(style))
         bytes += kJoinedBytes + kLayerBytes * std::max<size_t>(style.layers.size(), 1);
     for (const EffectSettings& settings : style.effects) bytes += layerBytes(settings);
-    // One layer is drawn at a time.
+    // Layers are drawn one at a time.
     double largest = 0;
     for (const LayerSettings& layer : style.layers) {
         double own = 0;

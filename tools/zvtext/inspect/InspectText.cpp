@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-// zvtext inspect text: what a text needs to be drawn.
+// zvtext inspect text: what a text needs for drawing.
 #include <unicode/uscript.h>
 
 #include <CLI/CLI.hpp>
@@ -21,12 +21,12 @@ using namespace Zvex::scene;
 
 namespace {
 
-// A part of a line that is shaped as one: units [start, end) of the text.
+// A part of a line that is shaped at once: units [start, end) of the text.
 struct TextRun {
     size_t start = 0, end = 0;
     int script = USCRIPT_COMMON;
     bool rightToLeft = false;
-    size_t font = 0;  // of SceneFonts::fonts
+    size_t font = 0;  // index into SceneFonts::fonts
 };
 
 class TextReport {
@@ -56,8 +56,8 @@ private:
     const uint16_t* units() const { return reinterpret_cast<const uint16_t*>(mLaidOut.text.data()); }
     uint32_t offsetOf(size_t unit) const { return mOffsets[std::min(unit, mOffsets.size() - 1)]; }
 
-    // The font of each unit of the line: that of the glyph which stands for it. Characters without a glyph of
-    // their own go with those before them.
+    // The font of each unit of the line, from its glyph. Characters without a glyph take the font of those
+    // before them.
     std::vector<size_t> fontsOf(const Zvex::LaidOutLine& line, const std::vector<LineGlyph>& glyphs) const {
         const auto start = static_cast<size_t>(line.start);
         constexpr size_t kNone = SIZE_MAX;
@@ -74,8 +74,8 @@ private:
         return fonts;
     }
 
-    // In the order of the text. Common and inherited characters join the script before them, at the start the
-    // one after them: as they are shaped.
+    // In the order of the text. As in shaping, common and inherited characters join the script before them;
+    // at the start, the one after them.
     std::vector<TextRun> runsOf(const Zvex::LaidOutLine& line, const std::vector<LineGlyph>& glyphs) {
         const auto start = static_cast<size_t>(line.start), end = static_cast<size_t>(line.visibleEnd);
         const std::vector<size_t> fonts = fontsOf(line, glyphs);
@@ -140,7 +140,7 @@ private:
     const LaidOutText& mLaidOut;
     const std::vector<uint32_t> mOffsets;
     ScriptCounts mScripts;
-    std::vector<size_t> mCharactersOf;  // drawn with each font
+    std::vector<size_t> mCharactersOf;  // characters drawn with each font
 };
 
 void runInspectText(const InspectTextArguments& arguments) {

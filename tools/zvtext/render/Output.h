@@ -16,22 +16,21 @@ using namespace Zvex::scene;
 // Straight colours, 8 bits each. RGBA has no header: four bytes a pixel, rows from the top, without padding.
 enum class OutputFormat { ByEnding, Png, Webp, Rgba };
 
-// How a rendering is written.
+// How to write a rendering.
 struct OutputOptions {
     // By the path's ending: .png, .webp or .rgba; no ending is PNG.
     OutputFormat format = OutputFormat::ByEnding;
-    double dpi = kPointsPerInch;  // pixels an inch; only PNG files say it
-    bool premultiplied = false;   // colours multiplied by alpha, to the nearest; the formats do not say it
-    std::string metrics;  // path of a JSON file beside the picture, "-" for standard output; empty: none
-    FolderScope scope;    // where the files may go
+    double dpi = kPointsPerInch;  // pixels an inch; stored only in PNG files
+    bool premultiplied = false;   // colours multiplied by alpha, rounded; the formats do not state it
+    std::string metrics;          // path of a JSON file for the metrics, "-" for standard output; empty: none
+    FolderScope scope;            // folders for the files
 };
 Fields fieldsOf(OutputOptions& options);
 
 constexpr char kWantedPath[] = "the path of a file";
 
-// Throws UsageError where no rendering could be written to `path` with these options, so that one need not
-// be made first: an ending that is no format's, and a picture and metrics that would go to the
-// same place. `option` opens the message.
+// Throws UsageError if no rendering could be written to `path` with these options, before one is made: an
+// empty path, an ending of no format, or the same path for picture and metrics. `option` opens the message.
 void checkOutput(const std::string& path, const OutputOptions& options, const std::string& option);
 
 // Writes the picture to `path`, or to standard output for "-", and the metrics where they are asked for. Each

@@ -29,7 +29,7 @@ struct RenderArguments {
     bool printStyle = false, printKey = false;
 };
 
-// Declares the options of render on `command`; parsing fills `arguments`, which outlives it.
+// Declares the options of render on `command`; parsing fills `arguments`, which must outlive it.
 void addRenderOptions(CLI::App& command, RenderArguments& arguments);
 
 // What the options ask for. Effects, those of a style file included, come in the order of their options, a
@@ -40,7 +40,7 @@ RenderOptions readRenderOptions(const RenderArguments& arguments);
 // Prints them on standard error.
 void warn(const std::vector<std::string>& warnings);
 
-// Runs `zvtext render`: prints the style and the key where asked; renders unless only asked to print.
+// Runs `zvtext render`: prints the style and the key if asked, and renders unless only asked to print.
 void runRender(const RenderArguments& arguments);
 
 }  // namespace zvtext
