@@ -21,6 +21,13 @@ def run(*words):
     subprocess.run([sys.executable, *words], check=True, stdout=subprocess.DEVNULL, timeout=300)
 
 
+def test_the_readme(tmp_path, monkeypatch):
+    monkeypatch.chdir(tmp_path)
+    names = {}
+    exec((EXAMPLES.parents[1] / "README.md").read_text("utf-8").split("```python")[1].split("```")[0], names)
+    assert names["pixels"][..., 3].max() == 255 and Image.open("gold.png").size == names["pixels"].shape[1::-1]
+
+
 def test_labels_lie_on_their_words(tmp_path):
     for folder in ("a", "b"):
         run(EXAMPLES / "ocr_data.py", "--count", "40", "--seed", "3", "--output", tmp_path / folder)
