@@ -2,7 +2,6 @@
 // Damaged fonts, from the file's bytes through the font manager and the layout to a picture: each is refused,
 // or drawn twice with the same result.
 #include <algorithm>
-#include <cstring>
 #include <string>
 #include <vector>
 

@@ -4,7 +4,6 @@
 #include <hb-subset.h>
 #include <hb.h>
 
-#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 

@@ -80,17 +80,12 @@ TEST(Distance, WithinARadiusEqualsTheTransform) {
         const int across = wide ? random.between(3500, 9000) : random.between(1, 60);
         const int along = random.between(1, wide ? 12 : 40);
         reference::Distances expected(tall ? along : across, tall ? across : along, 1e20f);
-        const int sparse = i % 4 == 0   ? 1
-                           : i % 4 == 1 ? 5
-                           : i % 4 == 2 ? 200
-                                        : 100000,
-                  radius = random.between(1, 100);
-        for (float& value : expected.values) {
-            if (random.below(sparse) == 0) value = sparse == 1 && random.below(3) == 0 ? value : 0.0f;
-        }
+        const int sparse[] = {1, 5, 200, 100000}, radius = random.between(1, 100);
         std::vector<uint8_t> levels;
-        for (float value : expected.values)
+        for (float& value : expected.values) {
+            if (random.below(sparse[i % 4]) == 0 && (i % 4 != 0 || random.below(3) != 0)) value = 0;
             levels.push_back(static_cast<uint8_t>(value == 0 ? 0 : random.between(1, 255)));
+        }
         if (wide) {
             EXPECT_TRUE(squaredDistances(expected.values.data(), expected.width, expected.height));
         } else {

@@ -1,10 +1,8 @@
 // SPDX-License-Identifier: Apache-2.0
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <array>
 #include <climits>
-#include <vector>
 
 #include "effect/ZvProperty.h"
 #include "effect/filters/ZvInnerShadow.h"

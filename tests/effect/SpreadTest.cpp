@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <climits>
 #include <cstdlib>
-#include <vector>
 
 #include "tests/CpuTargets.h"
 #include "tests/effect/TestPictures.h"

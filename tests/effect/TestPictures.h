@@ -7,9 +7,7 @@
 #include <array>
 #include <cmath>
 #include <cstdint>
-#include <cstring>
 #include <random>
-#include <string>
 
 #include "raster/ZvBitmap.h"
 
@@ -38,29 +36,15 @@ inline Zvex::ZvBitmap makeMask(MaskKind kind, int width, int height, Random& ran
     for (int y = 0; y < height; ++y) {
         for (int x = 0; x < width; ++x) {
             int value = 0;
-            switch (kind) {
-                case MaskKind::Noise:
-                    value = random.below(256);
-                    break;
-                case MaskKind::Sparse:
-                    value = random.below(12) == 0 ? random.between(1, 255) : 0;
-                    break;
-                case MaskKind::Shapes: {  // a smooth ring and an opaque bar
-                    const float dx = static_cast<float>(x) - centerX, dy = static_cast<float>(y) - centerY;
-                    const float edge =
-                        std::abs(std::sqrt(dx * dx + dy * dy) - static_cast<float>(height) * 0.3f);
-                    value = edge < 1.5f ? 255 : edge < 2.5f ? static_cast<int>((2.5f - edge) * 255.0f) : 0;
-                    if (x >= width / 8 && x < width / 4) value = 255;
-                    break;
-                }
-                case MaskKind::Empty:
-                    break;
-                case MaskKind::Full:
-                    value = 255;
-                    break;
-                case MaskKind::OnePixel:
-                    value = y * width + x == one ? 200 : 0;
-                    break;
+            if (kind == MaskKind::Noise) value = random.below(256);
+            if (kind == MaskKind::Sparse) value = random.below(12) == 0 ? random.between(1, 255) : 0;
+            if (kind == MaskKind::Full) value = 255;
+            if (kind == MaskKind::OnePixel) value = y * width + x == one ? 200 : 0;
+            if (kind == MaskKind::Shapes) {  // a smooth ring and an opaque bar
+                const float dx = static_cast<float>(x) - centerX, dy = static_cast<float>(y) - centerY;
+                const float edge = std::abs(std::sqrt(dx * dx + dy * dy) - static_cast<float>(height) * 0.3f);
+                value = edge < 1.5f ? 255 : edge < 2.5f ? static_cast<int>((2.5f - edge) * 255.0f) : 0;
+                if (x >= width / 8 && x < width / 4) value = 255;
             }
             mask.pixels[y * width + x] = static_cast<uint8_t>(value);
         }

@@ -6,7 +6,6 @@
 
 #include <cfloat>
 #include <climits>
-#include <cmath>
 #include <limits>
 #include <string>
 #include <vector>

@@ -6,7 +6,6 @@
 
 #include <malloc.h>
 
-#include <algorithm>
 #include <atomic>
 #include <cerrno>
 #include <cstddef>

@@ -44,22 +44,16 @@ Pixel blend8(const Pixel& d, int s, uint32_t color, int mode) {
     if (s == 0 || (mode == 1 && a == 0) || ((mode == 2 || mode == 3) && j == 0)) return d;
     if (mode == 1 && a == 255) return c;
     if (mode == 3 && j == 255) return c;
-    switch (mode) {
-        case 1:
-            return mixed(d, c, [=](int b, int f) { return scaled(b, 255 - a) + scaled(f, s); });
-        case 2:
-            return mixed(d, c,
-                         [=](int b, int f) { return j == 255 ? scaled(f, s) : b + scaled(scaled(f, s), j); });
-        case 3:
-            return mixed(d, c, [=](int b, int f) { return b + scaled(f, j); });
-        case 7:
-            if (j == 255) return mixed(d, c, [=](int, int f) { return scaled(f, s); });
-            if (s == 255) return mixed(d, c, [=](int b, int f) { return b + scaled(f, j); });
-            if (j == 0) return mixed(d, c, [=](int b, int) { return scaled(b, s); });
-            return mixed(d, c, [=](int b, int f) { return scaled(b + scaled(scaled(f, s), j), s); });
-        default:
-            return d;
-    }
+    if (mode == 1) return mixed(d, c, [=](int b, int f) { return scaled(b, 255 - a) + scaled(f, s); });
+    if (mode == 2)
+        return mixed(d, c,
+                     [=](int b, int f) { return j == 255 ? scaled(f, s) : b + scaled(scaled(f, s), j); });
+    if (mode == 3 || (mode == 7 && s == 255 && j != 255))
+        return mixed(d, c, [=](int b, int f) { return b + scaled(f, j); });
+    if (mode != 7) return d;
+    if (j == 255) return mixed(d, c, [=](int, int f) { return scaled(f, s); });
+    if (j == 0) return mixed(d, c, [=](int b, int) { return scaled(b, s); });
+    return mixed(d, c, [=](int b, int f) { return scaled(b + scaled(scaled(f, s), j), s); });
 }
 
 // One pixel d under a premultiplied one. Modes 1 and 2; any other gives the pixel back.

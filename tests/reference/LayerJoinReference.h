@@ -21,35 +21,22 @@ struct Rgb {
 };
 
 inline float mixChannel(Mode mode, float b, float s) {
-    switch (mode) {
-        case Mode::Multiply:
-            return b * s;
-        case Mode::Screen:
-            return b + s * (1 - b);
-        case Mode::Overlay:
-            return mixChannel(Mode::HardLight, s, b);
-        case Mode::Darken:
-            return std::min(b, s);
-        case Mode::Lighten:
-            return std::max(b, s);
-        case Mode::ColorDodge:
-            return b == 0 ? 0 : s == 1 ? 1 : std::min<float>(1, b / (1 - s));
-        case Mode::ColorBurn:
-            return b == 1 ? 1 : s == 0 ? 0 : 1 - std::min<float>(1, (1 - b) / s);
-        case Mode::HardLight:
-            return 2 * s <= 1 ? b * (2 * s) : mixChannel(Mode::Screen, b, 2 * s - 1);
-        case Mode::SoftLight: {
-            if (2 * s <= 1) return b - (1 - 2 * s) * b * (1 - b);
-            const float d = 4 * b <= 1 ? ((16 * b - 12) * b + 4) * b : std::sqrt(b);
-            return b + (2 * s - 1) * (d - b);
-        }
-        case Mode::Difference:
-            return std::abs(b - s);
-        case Mode::Exclusion:
-            return b * (1 - s) + s * (1 - b);
-        default:
-            return s;
+    if (mode == Mode::Multiply) return b * s;
+    if (mode == Mode::Screen) return b + s * (1 - b);
+    if (mode == Mode::Overlay) return mixChannel(Mode::HardLight, s, b);
+    if (mode == Mode::Darken) return std::min(b, s);
+    if (mode == Mode::Lighten) return std::max(b, s);
+    if (mode == Mode::ColorDodge) return b == 0 ? 0 : s == 1 ? 1 : std::min<float>(1, b / (1 - s));
+    if (mode == Mode::ColorBurn) return b == 1 ? 1 : s == 0 ? 0 : 1 - std::min<float>(1, (1 - b) / s);
+    if (mode == Mode::HardLight) return 2 * s <= 1 ? b * (2 * s) : mixChannel(Mode::Screen, b, 2 * s - 1);
+    if (mode == Mode::SoftLight) {
+        if (2 * s <= 1) return b - (1 - 2 * s) * b * (1 - b);
+        const float d = 4 * b <= 1 ? ((16 * b - 12) * b + 4) * b : std::sqrt(b);
+        return b + (2 * s - 1) * (d - b);
     }
+    if (mode == Mode::Difference) return std::abs(b - s);
+    if (mode == Mode::Exclusion) return b * (1 - s) + s * (1 - b);
+    return s;
 }
 
 inline float lum(Rgb c) {
@@ -80,18 +67,11 @@ inline Rgb setLum(Rgb c, float target) {
 }
 
 inline Rgb mixColor(Mode mode, Rgb b, Rgb s) {
-    switch (mode) {
-        case Mode::Hue:
-            return setLum(setSat(s, sat(b)), lum(b));
-        case Mode::Saturation:
-            return setLum(setSat(b, sat(s)), lum(b));
-        case Mode::Color:
-            return setLum(s, lum(b));
-        case Mode::Luminosity:
-            return setLum(b, lum(s));
-        default:
-            return {mixChannel(mode, b.r, s.r), mixChannel(mode, b.g, s.g), mixChannel(mode, b.b, s.b)};
-    }
+    if (mode == Mode::Hue) return setLum(setSat(s, sat(b)), lum(b));
+    if (mode == Mode::Saturation) return setLum(setSat(b, sat(s)), lum(b));
+    if (mode == Mode::Color) return setLum(s, lum(b));
+    if (mode == Mode::Luminosity) return setLum(b, lum(s));
+    return {mixChannel(mode, b.r, s.r), mixChannel(mode, b.g, s.g), mixChannel(mode, b.b, s.b)};
 }
 
 // Premultiplied, 0 to 1.
