@@ -227,11 +227,11 @@ TEST(PaintGraphs, GradientsHaveTheColoursOfTheirFormulas) {
 
 TEST(PaintGraphs, CompositesFollowTheirFormulas) {
     // The library's blends in the fonts' order, from 13 on.
-    const int blends[] = {reference::SCREEN,     reference::OVERLAY,     reference::DARKEN,
-                          reference::LIGHTEN,    reference::COLOR_DODGE, reference::COLOR_BURN,
-                          reference::HARD_LIGHT, reference::SOFT_LIGHT,  reference::DIFFERENCE,
-                          reference::EXCLUSION,  reference::MULTIPLY,    reference::HUE,
-                          reference::SATURATION, reference::kColor,      reference::LUMINOSITY};
+    using reference::Mode;
+    const Mode blends[] = {Mode::Screen,     Mode::Overlay,   Mode::Darken,    Mode::Lighten,
+                           Mode::ColorDodge, Mode::ColorBurn, Mode::HardLight, Mode::SoftLight,
+                           Mode::Difference, Mode::Exclusion, Mode::Multiply,  Mode::Hue,
+                           Mode::Saturation, Mode::Color,     Mode::Luminosity};
     for (uint32_t mode = 0; mode < 28; ++mode) {
         for (const auto& [s, b] : {std::pair<float, float>{1, 1}, {0.5f, 0.75f}, {0.25f, 0}, {0, 0.75f}}) {
             const ColourFont font(paints::composite(paints::solid(1, s), mode, paints::solid(0xFFFF, b)),
@@ -258,7 +258,7 @@ TEST(PaintGraphs, CompositesFollowTheirFormulas) {
                             above * fs + below * fb};
             } else {
                 expected = reference::joinPixel(back, {0, 1, 0}, above,
-                                                mode == 12 ? reference::PLUS_LIGHTER : blends[mode - 13]);
+                                                mode == 12 ? Mode::PlusLighter : blends[mode - 13]);
             }
             const auto shown = reference::pixelOf(at(font.image(kUnitSize), 1, -2));
             EXPECT_NEAR(shown.alpha, expected.alpha, 0.51 / 255) << mode << ": " << s << " on " << b;
