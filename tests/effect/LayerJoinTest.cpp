@@ -4,6 +4,8 @@
 #include <gtest/gtest.h>
 
 #include <climits>
+#include <cmath>
+#include <cstring>
 #include <vector>
 
 #include "tests/CpuTargets.h"
@@ -96,6 +98,62 @@ TEST(LayerJoin, EqualsThePlainForm) {
             ASSERT_TRUE(samePixels(pictureOf(expected, width), joined(canvas, layers, width, opacity)))
                 << "seed " << seed;
         });
+    }
+}
+
+uint32_t wordAt(const ZvBitmap& picture, size_t at) {
+    uint32_t word;
+    std::memcpy(&word, picture.pixels + 4 * at, 4);
+    return word;
+}
+
+bool isWithinALevel(uint32_t word, const reference::exact::JoinedBytes& exact) {
+    if (word >> 24 == 0) return exact.values[0] < 1;
+    for (int i = 0; i < 4; ++i) {
+        if (std::abs((word >> (24 - 8 * i) & 255) - exact.values[i]) > 1) return false;
+    }
+    return true;
+}
+
+// Each pair of bytes as colours, at alphas of all kinds.
+TEST(LayerJoin, IsWithinALevelOfTheExactResult) {
+    Random random(7);
+    for (int mode = 0; mode <= static_cast<int>(LayerBlend::PlusLighter); ++mode) {
+        std::vector<PlainLayer> layers = {
+            {{}, std::vector<uint8_t>(256 * 256, 0), static_cast<LayerBlend>(mode), 1.0f, false}};
+        std::vector<uint32_t> canvas;
+        const auto word = [&](uint32_t byte) {
+            return someByte(random) << 24 | byte << 16 | (255 - byte) << 8 | someByte(random);
+        };
+        for (uint32_t i = 0; i < 256 * 256; ++i) {
+            canvas.push_back(word(i / 256));
+            layers[0].words.push_back(word(i % 256));
+        }
+        const ZvBitmap picture = joined(canvas, layers, 256, 1);
+        for (size_t i = 0; i < canvas.size(); ++i) {
+            ASSERT_TRUE(
+                isWithinALevel(wordAt(picture, i), reference::exact::joinLayersAt(i, canvas[i], layers, 1)))
+                << std::hex << wordAt(picture, i) << " of " << layers[0].words[i] << " on " << canvas[i]
+                << std::dec << " in mode " << mode;
+        }
+    }
+}
+
+// White keeps white through translucent layers, though color-burn leaps there.
+TEST(LayerJoin, WhiteStaysWhiteUnderBurn) {
+    std::vector<PlainLayer> layers;
+    for (int mode = 0; mode < static_cast<int>(LayerBlend::Difference); ++mode) {
+        layers.push_back({{}, std::vector<uint8_t>(256, 0), static_cast<LayerBlend>(mode), 0.37f, false});
+        for (uint32_t alpha = 0; alpha < 256; ++alpha) layers.back().words.push_back(alpha << 24 | 0xFFFFFF);
+    }
+    layers.push_back({std::vector<uint32_t>(256, 0xFF000000), std::vector<uint8_t>(256, 0),
+                      LayerBlend::ColorBurn, 1, false});
+    const std::vector<uint32_t> canvas(256, 0xB3FFFFFF);
+    const ZvBitmap picture = joined(canvas, layers, 256, 1);
+    for (size_t i = 0; i < 256; ++i) {
+        EXPECT_TRUE(
+            isWithinALevel(wordAt(picture, i), reference::exact::joinLayersAt(i, canvas[i], layers, 1)))
+            << "alpha " << i << ": " << std::hex << wordAt(picture, i);
     }
 }
 

@@ -151,7 +151,7 @@ TEST(Blender, ClipsAtTheEndsOfInt) {
     const Bytes before = target.store(), one(4, 255);
     const uint32_t word = ~0u;
     for (const int at : {INT_MIN, INT_MIN + 1, -INT_MAX / 2, INT_MAX - 1, INT_MAX}) {
-        for (const int size : {INT_MIN, -1, 0, 1, 1000, INT_MAX / 4}) {
+        for (const int size : {INT_MIN / 4, -1, 0, 1, 1000, INT_MAX / 4}) {
             drawInEveryWay(at, 0, &target.bitmap, one.data(), &word, size, 1);
             drawInEveryWay(0, at, &target.bitmap, one.data(), &word, 1, size);
         }
