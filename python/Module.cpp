@@ -10,6 +10,7 @@
 #include <mutex>
 #include <string>
 #include <tuple>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -126,6 +127,17 @@ py::bytes encoded(const PythonPicture& picture, const std::string& format, doubl
     return bytes;
 }
 
+// A font stays loaded as long as the process, and the scene tells fonts of bytes apart by their address:
+// equal bytes must be one font.
+Font fontOf(const std::string& bytes) {
+    static std::mutex oneAtATime;
+    static std::unordered_map<std::string, Font> fonts;
+    const std::lock_guard<std::mutex> lock(oneAtATime);
+    Font& font = fonts[bytes];
+    if (font.bytes == nullptr) font = Font::fromBytes(bytes);
+    return font;
+}
+
 // Options read once, for many texts.
 class Text {
 public:
@@ -135,7 +147,7 @@ public:
             const auto bytes = fontBytes.find(font.name);
             if (bytes == fontBytes.end()) return;
             const std::string axes = font.axes;
-            font = Font::fromBytes(bytes->second);
+            font = fontOf(bytes->second);
             font.axes = axes;
         };
         find(mOptions.scene.font);

@@ -225,10 +225,13 @@ def resident():
 def test_many_pictures_leave_no_memory_behind():
     renders = int(os.environ.get("ZVEX_TEST_RENDERS", "3000"))
     text = zvex.Text(font=FONT, size=24, stroke=2)
+    data = open(SANS, "rb").read()
 
     def draw_some(count):
         for i in range(count):
             text.render(str(i % 7))
+            if i % 50 == 0:
+                zvex.render("x", font=bytearray(data), size=20)
             if i % 10 == 0:
                 zvex.render("x", font=FONT, size=10 + i % 5)
                 with pytest.raises(zvex.Error):
