@@ -28,6 +28,7 @@ enum class LayerBlend : int {
     Luminosity,
     PlusLighter,
 };
+// The number of modes.
 constexpr int kLayerBlends = 17;
 
 // Joins layers, kPiece pixels of a row at a time. With backdrop b, source s and their alphas a:
@@ -42,12 +43,13 @@ constexpr int kLayerBlends = 17;
 // given as words are straight 0xAARRGGBB.
 namespace JoinRows {
 
+// Pixels of a piece.
 constexpr size_t kPiece = 64;
 
 // Premultiplied, 0 to 1; no colour exceeds its alpha.
 struct Piece {
     float channels[3][kPiece];  // blue, green, red
-    float alpha[kPiece];
+    float alpha[kPiece];        // 0 to 1
 };
 
 // Joins the source if that needs no arithmetic: if each of its translucent pixels lies over a transparent
@@ -55,6 +57,7 @@ struct Piece {
 // (the normal mode).
 bool joinWords(uint32_t* backdrop, const uint32_t* source, bool replaces);
 
+// Whether the alpha of all pixels is 0.
 bool isTransparent(const uint32_t* words);
 
 // alpha[i] = the pixel's alpha times `opacity`.
@@ -64,6 +67,7 @@ void knockOut(float* alpha, const uint8_t* coverage);
 // alpha[i] *= base[i].
 void clip(float* alpha, const float* base);
 
+// Multiplies the colours by their alphas.
 void takeWords(Piece* piece, const uint32_t* words);
 // Joins the colours of `source` with these alphas. The alphas in the words are ignored.
 void join(Piece* backdrop, const uint32_t* source, const float* alpha, LayerBlend blend);
