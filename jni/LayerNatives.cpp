@@ -20,6 +20,7 @@
 #include "jni/JniSupport.h"
 #include "jni/PictureSize.h"
 #include "raster/ZvBitmap.h"
+#include "text/LinePlacement.h"
 #include "text/ZvFontDrawing.h"
 #include "text/ZvTextObject.h"
 #include "text/ZvView.h"
@@ -119,16 +120,6 @@ private:
     int mNextId;
 };
 
-// Where text may show: everywhere except in the paddings; the padding on the side of the gravity counts too.
-ZvRect clipOf(const ZvView& view) {
-    const int horizontal = view.gravity & ZvView::HORIZONTAL_MASK;
-    const int vertical = view.gravity & ZvView::VERTICAL_MASK;
-    return ZvRect(horizontal == ZvView::LEFT ? 0 : view.paddingLeft,
-                  vertical == ZvView::TOP ? 0 : view.paddingTop,
-                  view.bitmapWidth - (horizontal == ZvView::RIGHT ? 0 : view.paddingRight),
-                  view.bitmapHeight - (vertical == ZvView::BOTTOM ? 0 : view.paddingBottom));
-}
-
 struct Ground {
     ZvEffect* canvas = nullptr;
     uint32_t canvasColor = 0;
@@ -170,7 +161,7 @@ jintArray renderLayers(JNIEnv* env, ZvTextObject& text, const LayerList& list, c
     if (words == nullptr || text.GetFont() == nullptr || picture.pixels == nullptr) return nullptr;
     drawGround(ground, words, &picture);
     list.setColors();
-    if (!drawTextLayers(&picture, coverage, list.layers(), list.count(), clipOf(view), opacity))
+    if (!drawTextLayers(&picture, coverage, list.layers(), list.count(), textClip(view), opacity))
         return nullptr;
     env->SetIntArrayRegion(array, 0, count, reinterpret_cast<const jint*>(picture.pixels));
     return array;

@@ -17,6 +17,7 @@
 #include "effect/LayerJoin.h"
 #include "raster/ZvBitmap.h"
 #include "scene/Failure.h"
+#include "text/LinePlacement.h"
 #include "text/ZvView.h"
 
 namespace Zvex::scene {
@@ -24,18 +25,6 @@ namespace Zvex::scene {
 namespace {
 
 using Zvex::ZvBitmap;
-using Zvex::ZvRect;
-using Zvex::ZvView;
-
-// Where text may show: everywhere except in the paddings; the padding on the side of the gravity counts too.
-ZvRect clipOf(const ZvView& view) {
-    const int horizontal = view.gravity & ZvView::HORIZONTAL_MASK;
-    const int vertical = view.gravity & ZvView::VERTICAL_MASK;
-    return ZvRect(horizontal == ZvView::LEFT ? 0 : view.paddingLeft,
-                  vertical == ZvView::TOP ? 0 : view.paddingTop,
-                  view.bitmapWidth - (horizontal == ZvView::RIGHT ? 0 : view.paddingRight),
-                  view.bitmapHeight - (vertical == ZvView::BOTTOM ? 0 : view.paddingBottom));
-}
 
 [[noreturn]] void refuseForMemory() {
     throw Failure("TEXT: not enough memory for the picture");
@@ -171,8 +160,8 @@ void LayeredScene::render(ZvBitmap& picture, const std::vector<PlacedRun>& runs)
     std::vector<Zvex::TextLayer> layers = mStacks.layers;
     std::vector<std::unique_ptr<Colours>> colours;
     setColours(layers, colours, picture, runs);
-    if (!Zvex::drawTextLayers(&picture, *mCoverage, layers.data(), layers.size(), clipOf(*mObject.GetView()),
-                              static_cast<float>(mStyle.opacity))) {
+    if (!Zvex::drawTextLayers(&picture, *mCoverage, layers.data(), layers.size(),
+                              Zvex::textClip(*mObject.GetView()), static_cast<float>(mStyle.opacity))) {
         refuseForMemory();
     }
     if (mStyle.background && !inLayers) layOver(background, picture);

@@ -33,6 +33,19 @@ int64_t shiftOf(const ZvView& view, const LaidOutLine& last) {
 
 }  // namespace
 
+ZvRect textClip(const ZvView& view) {
+    const int horizontal = view.gravity & ZvView::HORIZONTAL_MASK;
+    const int vertical = view.gravity & ZvView::VERTICAL_MASK;
+    const int left = horizontal == ZvView::LEFT ? 0 : view.paddingLeft;
+    const int top = vertical == ZvView::TOP ? 0 : view.paddingTop;
+    const int64_t right = int64_t{view.bitmapWidth} - (horizontal == ZvView::RIGHT ? 0 : view.paddingRight);
+    const int64_t bottom = int64_t{view.bitmapHeight} - (vertical == ZvView::BOTTOM ? 0 : view.paddingBottom);
+    const auto end = [](int64_t begin, int64_t wanted) {
+        return static_cast<int>(std::min<int64_t>(std::max(begin, wanted), INT32_MAX));
+    };
+    return ZvRect(left, top, end(left, right), end(top, bottom));
+}
+
 ShownLines shownLines(const ZvView& view, int count) {
     const int limit = view.lines >= 1 ? view.lines : view.maxLines;
     ShownLines shown;

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "raster/ZvRect.h"
 #include "text/ZvLineInfo.h"
 #include "text/ZvView.h"
 
@@ -25,6 +26,10 @@ struct LaidOutLine {
     int32_t start = 0;       // UTF-16 offset of the first character
     int32_t visibleEnd = 0;  // UTF-16 offset past the last character that shows, without trailing blanks
 };
+
+// Where text may show in the view's picture: everywhere except in the paddings; the padding on the side of
+// the gravity counts too. Paddings larger than the picture leave an empty rectangle, not an inverted one.
+ZvRect textClip(const ZvView& view);
 
 // The lines that a view shows, numbered from 0.
 struct ShownLines {

@@ -29,6 +29,7 @@
 #include "raster/ZvRect.h"
 #include "text/Constructed.h"
 #include "text/FontManager.h"
+#include "text/LinePlacement.h"
 #include "text/ZvFontDrawing.h"
 #include "text/ZvLineInfo.h"
 #include "text/ZvTextInstanceManager.h"
@@ -114,19 +115,10 @@ bool canvasTakes(const ZvBitmap& picture) {
     return picture.byteCount() <= INT32_MAX;
 }
 
-// The part of the picture that may be drawn to: all of it without the paddings, except that text may extend
-// into the padding on the side of its gravity.
 SkRect clipOf(const ZvView& view) {
-    const int horizontal = view.gravity & ZvView::HORIZONTAL_MASK;
-    const int vertical = view.gravity & ZvView::VERTICAL_MASK;
-    const int64_t left = horizontal == ZvView::LEFT ? 0 : view.paddingLeft;
-    const int64_t top = vertical == ZvView::TOP ? 0 : view.paddingTop;
-    const int64_t right = int64_t{view.bitmapWidth} - (horizontal == ZvView::RIGHT ? 0 : view.paddingRight);
-    const int64_t bottom = int64_t{view.bitmapHeight} - (vertical == ZvView::BOTTOM ? 0 : view.paddingBottom);
-    // Paddings larger than the picture leave an empty rectangle, not an inverted one.
-    return SkRect::MakeLTRB(static_cast<float>(left), static_cast<float>(top),
-                            static_cast<float>(std::max(left, right)),
-                            static_cast<float>(std::max(top, bottom)));
+    const ZvRect clip = textClip(view);
+    return SkRect::MakeLTRB(static_cast<float>(clip.left), static_cast<float>(clip.top),
+                            static_cast<float>(clip.right), static_cast<float>(clip.bottom));
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <climits>
 #include <cmath>
 #include <limits>
 #include <string>
@@ -126,6 +127,24 @@ TEST(LinePlacement, AbsurdValuesAreClamped) {
     EXPECT_TRUE(placeLines(view, lines.data(), -1).empty());
     EXPECT_TRUE(placeLines(view, lines.data(), kMin).empty());
     EXPECT_TRUE(placeLines(view, nullptr, 3).empty());
+}
+
+TEST(LinePlacement, TextShowsOutsideThePaddings) {
+    ZvView view;
+    view.SetBitmapWidth(100);
+    view.SetBitmapHeight(50);
+    view.SetPadding(10, 20, 30, 5);
+    const auto clip = [&](int gravity) {
+        view.gravity = gravity;
+        const ZvRect r = textClip(view);
+        return std::vector<int>{r.left, r.top, r.right, r.bottom};
+    };
+    EXPECT_EQ(clip(0x11), (std::vector<int>{10, 20, 70, 45}));
+    EXPECT_EQ(clip(ZvView::LEFT | ZvView::TOP), (std::vector<int>{0, 0, 70, 45}));
+    EXPECT_EQ(clip(ZvView::RIGHT | ZvView::BOTTOM), (std::vector<int>{10, 20, 100, 50}));
+    view.paddingLeft = view.paddingTop = INT_MAX;
+    view.paddingRight = view.paddingBottom = INT_MIN;
+    EXPECT_EQ(clip(0x11), (std::vector<int>{INT_MAX, INT_MAX, INT_MAX, INT_MAX}));
 }
 
 }  // namespace
