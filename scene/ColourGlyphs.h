@@ -2,50 +2,13 @@
 #ifndef ZVEX_SCENE_COLOURGLYPHS_H_
 #define ZVEX_SCENE_COLOURGLYPHS_H_
 
-#include <hwui/Paint.h>
-#include <minikin/Layout.h>
-
-#include <cstdint>
 #include <string>
 #include <vector>
 
-#include "effect/TextLayers.h"
-#include "platform/host/GlyphPen.h"
+#include "scene/ColourRun.h"
 #include "scene/Style.h"
 
 namespace Zvex::scene {
-
-// The glyphs of a line that may have colours of their own, where the text object draws them: counted from the
-// top left of the line's image, outside which nothing of the line shows.
-struct ColourRun {
-    struct Glyph {
-        const host::FontFace* face;  // of one of the scene's fonts
-        uint32_t id;
-        host::GlyphStyle style;
-        host::GlyphPen pen;
-    };
-    std::vector<Glyph> glyphs;
-    // Glyphs whose colours are not read, since the font has them as SVG, and those too large to be painted.
-    bool hasSvg = false, hasLarge = false;
-    int width = 0, height = 0;  // of the image
-    int baseline = 0;           // below its top
-};
-// `ink` is the layout's.
-ColourRun colourRunOf(const minikin::Layout& layout, const minikin::MinikinRect& ink,
-                      const android::Paint& paint);
-
-// A run in the picture: its left end and baseline.
-struct PlacedRun {
-    const ColourRun* run;
-    int x, y;
-};
-
-// The runs' glyphs within a picture of that size; palettes' references to the text colour get `textColor`.
-// Without pixels if none has colours. Throws std::bad_alloc.
-Zvex::ColourGlyphs drawColours(const std::vector<PlacedRun>& runs, uint32_t textColor, int width, int height);
-
-// Gives the coverage the glyphs' alpha where it has less: the platform draws no coverage for large ones.
-void raiseCoverage(Zvex::TextCoverage& coverage, const Zvex::ColourGlyphs& glyphs);
 
 // The effects that show around a glyph.
 std::vector<EffectSettings> effectsAround(const std::vector<EffectSettings>& effects);
