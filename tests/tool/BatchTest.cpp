@@ -6,6 +6,7 @@
 #include <atomic>
 #include <chrono>
 #include <climits>
+#include <cmath>
 #include <csignal>
 #include <functional>
 #include <iterator>
@@ -15,6 +16,7 @@
 
 #include "tests/tool/Program.h"
 #include "tools/zvtext/batch/Digest.h"
+#include "tools/zvtext/batch/UsableCores.h"
 
 namespace {
 
@@ -225,6 +227,65 @@ TEST_F(BatchCommand, LinesAreThePicturesOfRenderInTheirOrder) {
     const std::string line = Json({{"text", "x"}, {"output", outside}}).dump();
     EXPECT_EQ(batch(line, "--allow-outside", 0)[0].value("path", ""), outside);
     EXPECT_GT(readPng(outside).ink(), 0u);
+}
+
+// Beside the line's number in the whole list, which names the picture too.
+TEST_F(BatchCommand, ResultsRepeatTheIdsOfTheirLines) {
+    const std::string lines = R"({"id":"a\u0007é","text":"x"}
+{"id":-7,"text":"x","size":-1}
+{"id":1.5,"text":"x","output":5}
+{"text":"x"}
+)" + slowLine();
+    Running running(arguments("--first-line 4000000001"));
+    running.put("\n" + lines.substr(0, lines.size() - 2) + ",\"id\":\"slow\"}\n");
+    for (const Json& id : {Json("a\aé"), Json(-7), Json(1.5), Json()}) {
+        const Json result = running.next();
+        EXPECT_EQ(result.value("id", Json()), id);
+        if (id.is_null()) {
+            EXPECT_EQ(result.value("path", ""), folder() / "4000000005.png");
+        }
+    }
+    kill(running.worker(), SIGKILL);
+    const Json died = running.next();
+    EXPECT_EQ(died.value("id", ""), "slow");
+    EXPECT_EQ(died.value("line", uint64_t{0}), 4'000'000'006u);
+}
+
+TEST_F(BatchCommand, TheCoresThatMayBeUsed) {
+    const std::string v1 = "3:memory:/a\n2:cpuacct,cpu:/job/task\n0::/\n", folder = "cpuacct,cpu/";
+    unsetenv("SLURM_CPUS_PER_TASK");
+    const int all = zvtext::usableCores(file("empty"));
+    const struct {
+        const char* what;
+        std::string groups, quota, text, period;
+        double cores;  // infinite: those of the machine
+    } cases[] = {{"a container", "0::/\n", "cpu.max", "50000 100000\n", "", 0.5},
+                 {"a share more", "0::/\n", "cpu.max", "100001 100000\n", "", 2},
+                 {"no quota", "0::/job\n", "job/cpu.max", "max 100000\n", "", INFINITY},
+                 {"of a group around it", "0::/slurm/job/step\n", "slurm/cpu.max", "20000 20000\n", "", 1},
+                 {"of another group", "0::/job/2\n", "job/3/cpu.max", "10000 20000\n", "", INFINITY},
+                 {"beside the first version", v1, "unified/cpu.max", "1000 2000\n", "", 1},
+                 {"first version", v1, folder + "job/task/cpu.cfs_quota_us", "100000\n",
+                  folder + "job/task/cpu.cfs_period_us", 1},
+                 {"as a container sees it", v1, "cpu/cpu.cfs_quota_us", "1\n", "cpu/cpu.cfs_period_us", 1},
+                 {"no quota there", v1, folder + "job/cpu.cfs_quota_us", "-1\n",
+                  folder + "job/cpu.cfs_period_us", INFINITY}};
+    for (const auto& each : cases) {
+        fs::remove_all(file("root"));
+        const std::string mount = "root/sys/fs/cgroup/";
+        fs::create_directories(file("root/proc/self"));
+        fs::create_directories(file(mount + each.quota).parent_path());
+        write("root/proc/self/cgroup", each.groups);
+        write(mount + each.quota, each.text);
+        if (!each.period.empty()) write(mount + each.period, "100000\n");
+        const double cores = std::min<double>(all, std::ceil(each.cores));
+        EXPECT_EQ(zvtext::usableCores(file("root")), cores) << each.what;
+    }
+    for (const auto& [text, cores] : {std::pair("1", 1), {"4096", all}, {"0", all}, {"", all}}) {
+        setenv("SLURM_CPUS_PER_TASK", text, 1);
+        EXPECT_EQ(zvtext::usableCores(file("empty")), cores) << text;
+    }
+    unsetenv("SLURM_CPUS_PER_TASK");
 }
 
 // Kills it after each number of results, and so after each kind of step.

@@ -3,7 +3,6 @@
 
 #include <fcntl.h>
 #include <poll.h>
-#include <sched.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -32,6 +31,7 @@
 #include "tools/zvtext/batch/BatchNames.h"
 #include "tools/zvtext/batch/BatchWorker.h"
 #include "tools/zvtext/batch/Digest.h"
+#include "tools/zvtext/batch/UsableCores.h"
 #include "tools/zvtext/batch/WorkerProcess.h"
 
 namespace zvtext {
@@ -43,6 +43,7 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr int kMaxJobs = 256;
+constexpr NumberRange kLineNumbers = {1, 1e15, "", false, false, true};
 constexpr int kLastWait = 2000;       // milliseconds to wait for the reader of results after a signal
 constexpr size_t kMaxWaiting = 1024;  // results kept while an earlier line is slow
 
@@ -71,11 +72,6 @@ void catchSignal(int number) {
 
 // --- The loop
 
-int usableCores() {
-    cpu_set_t cores;
-    return sched_getaffinity(0, sizeof cores, &cores) == 0 ? std::max(CPU_COUNT(&cores), 1) : 1;
-}
-
 class Batch {
 public:
     explicit Batch(const BatchArguments& arguments)
@@ -83,6 +79,7 @@ public:
           mWorkers(static_cast<size_t>(workerCount(arguments))),
           mSettings(settingsOf(arguments)),
           mInput(arguments.input, kMaxLineBytes),
+          mLine(static_cast<uint64_t>(arguments.firstLine)),
           mNames(madeFolder(arguments.outputFolder), writeScope(arguments), arguments.resume),
           mJournal(arguments.outputFolder, arguments.resume),
           mShowsProgress(!arguments.quiet && isatty(STDERR_FILENO) == 1) {
@@ -222,7 +219,7 @@ private:
         const BatchInput::Next next = mInput.next(job.json);
         if (next == BatchInput::Next::End) mEnded = true;
         if (next == BatchInput::Next::End || next == BatchInput::Next::ReadMore) return false;
-        job.line = ++mLine;
+        job.line = mLine++;
         if (next == BatchInput::Next::Line && job.json.find_first_not_of(" \t\r") == std::string::npos)
             return true;
         const size_t place = mPrinted + mWaiting.size();
@@ -233,13 +230,13 @@ private:
             }
             nameFiles(job);
         } catch (const std::bad_alloc&) {
-            finish(place, failedResult(job.line, job.path, "not enough memory"));
+            finish(place, failedResult(job, "not enough memory"));
             return true;
         } catch (const Error& error) {
-            finish(place, failedResult(job.line, job.path, error.onCommandLine()));
+            finish(place, failedResult(job, error.onCommandLine()));
             return true;
         } catch (const std::exception& error) {
-            finish(place, failedResult(job.line, job.path, error.what()));
+            finish(place, failedResult(job, error.what()));
             return true;
         }
         give(*idleWorker(), std::move(job), place);
@@ -247,7 +244,14 @@ private:
     }
 
     void nameFiles(BatchJob& job) {
-        const LineNames names = readLineNames(job.json);
+        LineNames names;
+        try {
+            readLineNames(job.json, names);
+        } catch (...) {
+            job.id = names.id;
+            throw;
+        }
+        job.id = names.id;
         const std::string output = names.output.value_or(expandTemplate(mArguments.output, job.line));
         const std::string metrics = names.metrics.value_or(expandTemplate(mArguments.metrics, job.line));
         job.path = mNames.pathOf("--output", output);
@@ -273,7 +277,7 @@ private:
             }
             if (!fault.empty()) {
                 stop("--jobs: cannot start a worker: " + fault);
-                return finish(place, failedResult(job.line, job.path, mFailure));
+                return finish(place, failedResult(job, mFailure));
             }
             sent = sendJob(worker.socket(), job);
         }
@@ -322,8 +326,7 @@ private:
         worker.busy = false;
         const std::string how = WIFSIGNALED(status) ? std::string("killed: ") + strsignal(WTERMSIG(status))
                                                     : "exit status " + std::to_string(WEXITSTATUS(status));
-        finish(worker.place,
-               failedResult(worker.job.line, worker.job.path, "the worker process died, " + how));
+        finish(worker.place, failedResult(worker.job, "the worker process died, " + how));
     }
 
     void answered(Worker& worker) {
@@ -433,12 +436,13 @@ private:
     std::vector<Worker> mWorkers;
     BatchSettings mSettings;
     BatchInput mInput;
+    uint64_t mLine;  // the number of the next
     BatchNames mNames;
     BatchJournal mJournal;
     const bool mShowsProgress;
     std::chrono::steady_clock::time_point mProgressShown;
     int mWake[2] = {-1, -1};
-    uint64_t mLine = 0, mDone = 0, mErrors = 0, mUnwritten = 0;
+    uint64_t mDone = 0, mErrors = 0, mUnwritten = 0;
     bool mNoMore = false;  // no more workers can be started, for lack of descriptors, processes or memory
     std::optional<BatchJob> mHeld;  // a line that waits for an idle worker because none could be started
     size_t mHeldPlace = 0;
@@ -470,38 +474,33 @@ void addBatchOptions(CLI::App& command, BatchArguments& a) {
           "Name of the metrics in JSON of a picture whose line has none, with {index}; else none", "NAME"},
          {"output-dir", TextField{&a.outputFolder}, "Where the pictures go; made when missing", "DIR"},
          {"allow-outside", FlagField{&a.allowOutside}, "Let outputs be absolute or leave the output folder"},
-         {"jobs", NumberField{&a.jobs, {0, kMaxJobs}}, "Worker processes; 0 is one for each core", "N", "j"},
+         {"first-line", NumberField{&a.firstLine, kLineNumbers},
+          "The number of the first line, where they are part of a longer list", "N"},
+         {"jobs", NumberField{&a.jobs, {0, kMaxJobs}},
+          "Worker processes; 0 is one for each core that the process may use", "N", "j"},
          {"resume", FlagField{&a.resume},
           "Leave pictures that are there, whole and made from the same line, options and files"},
          {"quiet", FlagField{&a.quiet}, "No progress on the terminal"}},
         "Batch");
     addSettings(command, own);
     command.footer(
-        "A line is a JSON object: \"text\", \"output\", and any option of render without its dashes. What it "
-        "leaves\n"
-        "out is as the options here say. \"style\" may be the style itself:\n"
-        "  {\"text\": \"Grüße\", \"size\": 120, \"stroke\": \"8:#202020\", \"output\": \"hello.png\"}\n"
-        "  {\"text\": \"世界\", \"fallback\": [\"NotoSansCJK-Regular.ttc\"], \"style\": {\"color\": "
-        "\"#ff8800\"}}\n"
-        "\"output\" and \"metrics\" are names in the output folder, each of one line alone. Files to be "
-        "read\n"
-        "lie below the working folder or that of the lines, fonts also among the system's; --allow-read\n"
-        "adds folders.\n"
-        "Each line gives one JSON object on standard output, in their order: line, path, width, height, "
-        "margins,\n"
-        "baseline and milliseconds, or line and error; metrics where there are some, skipped where --resume "
-        "left\n"
-        "them. Empty lines are passed over; a line has at most 16 MiB. Warnings on standard error name the "
-        "line.\n"
-        "--resume renders anew where the line, an option, the program's version, the style, the text's file, "
-        "a font\n"
-        "(given or the system's; by place, size and time), a pattern or a file of the line's is not what it "
-        "was.\n\n"
-        "Examples:\n"
-        "  zvtext batch titles.jsonl --font DejaVuSans-Bold.ttf --output-dir out --jobs 0 > results.jsonl\n"
-        "  zvtext batch titles.jsonl --font DejaVuSans-Bold.ttf --output-dir out --resume > results.jsonl\n"
-        "The exit status is 0, 1 where a line failed, 2 where the command line was wrong, or 128 and the "
-        "signal.");
+        R"(A line is a JSON object: "text", "output", and any option of render without its dashes. What it leaves
+out is as the options here say. "style" may be the style itself:
+  {"text": "Grüße", "size": 120, "stroke": "8:#202020", "output": "hello.png"}
+  {"text": "世界", "fallback": ["NotoSansCJK-Regular.ttc"], "style": {"color": "#ff8800"}, "id": "w-7"}
+"output" and "metrics" are names in the output folder, each of one line alone. Files to be read lie below
+the working folder or that of the lines, fonts also among the system's; --allow-read adds folders.
+Each line gives one JSON object on standard output, in their order: line, path, width, height, margins,
+baseline and milliseconds, or line and error; the line's own id, a string or a number, where it has one;
+metrics where there are some, skipped where --resume left them. Empty lines are passed over; a line has at
+most 16 MiB. Warnings on standard error name the line.
+--resume renders anew where the line, an option, the program's version, the style, the text's file, a font
+(given or the system's; by place, size and time), a pattern or a file of the line's is not what it was.
+
+Examples:
+  zvtext batch titles.jsonl --font DejaVuSans-Bold.ttf --output-dir out --jobs 0 > results.jsonl
+  zvtext batch titles.jsonl --font DejaVuSans-Bold.ttf --output-dir out --resume > results.jsonl
+The exit status is 0, 1 where a line failed, 2 where the command line was wrong, or 128 and the signal.)");
 }
 
 int runBatch(const BatchArguments& arguments) {

@@ -18,7 +18,8 @@ struct BatchArguments {
     std::string metrics;                 // the same for the metrics; empty: none
     std::string outputFolder = ".";
     bool allowOutside = false;  // allows outputs to be absolute or to leave the folder
-    int jobs = 1;               // 0: one for each core
+    double firstLine = 1;       // the number of the first line
+    int jobs = 1;               // 0: as many as usableCores()
     bool resume = false, quiet = false;
 };
 

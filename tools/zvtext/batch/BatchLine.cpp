@@ -15,27 +15,41 @@ namespace {
 
 constexpr char kName[] = "the line";  // in messages
 
-bool namesFile(const std::pair<std::string, Json>& option) {
-    return option.first == "output" || option.first == "metrics";
+bool isName(const std::pair<std::string, Json>& option) {
+    return option.first == "id" || option.first == "output" || option.first == "metrics";
+}
+
+std::string idOf(const Json& value) {
+    if (value.is_null()) return "";
+    if (!value.is_string() && !value.is_number()) {
+        throw UsageError(std::string("id: ") + value.type_name() + " is neither a string nor a number");
+    }
+    std::string id = dumpJson(value);
+    if (id.size() > kMaxFieldBytes) {
+        throw UsageError("id: it is longer than " + std::to_string(kMaxFieldBytes) + " bytes");
+    }
+    return id;
 }
 
 }  // namespace
 
-LineNames readLineNames(const std::string& line) {
-    LineNames names;
-    for (const auto& option : readGiven(line, kName)) {
+void readLineNames(const std::string& line, LineNames& names) {
+    const GivenOptions given = readGiven(line, kName);
+    for (const auto& [key, value] : given) {
+        if (key == "id") names.id = idOf(value);
+    }
+    for (const auto& option : given) {
         const auto& [key, value] = option;
-        if (!namesFile(option) || value.is_null()) continue;
+        if (!isName(option) || key == "id" || value.is_null()) continue;
         if (!value.is_string()) throw UsageError("--" + key + ": " + value.type_name() + " is not a string");
         (key == "output" ? names.output : names.metrics) = value.get<std::string>();
     }
-    return names;
 }
 
 RenderOptions readLine(const std::string& line, const RenderOptions& defaults, FilePlaces places,
                        const FolderScope& readable) {
     GivenOptions given = readGiven(line, kName);
-    given.erase(std::remove_if(given.begin(), given.end(), namesFile), given.end());
+    given.erase(std::remove_if(given.begin(), given.end(), isName), given.end());
     const auto gives = [&](const char* name) {
         return std::any_of(given.begin(), given.end(),
                            [&](const auto& option) { return option.first == name; });

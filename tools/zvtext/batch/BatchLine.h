@@ -12,18 +12,21 @@
 namespace zvtext {
 
 // One line of `zvtext batch`: a JSON object whose keys are the options of render, without the dashes, and
-// "text"; "output" and "metrics" are names in the output folder. What values are, scene/SceneOptions.h says.
+// "text"; "output" and "metrics" are names in the output folder, and the results repeat "id". What values
+// are, scene/SceneOptions.h says.
 constexpr size_t kMaxLineBytes = size_t{16} << 20;
 
-// The line's names for its files; none if it lacks the key.
+// What the line says of itself; none if it lacks the key.
 struct LineNames {
+    std::string id;  // JSON of a number or a string, of at most kMaxFieldBytes bytes; empty: none
     std::optional<std::string> output, metrics;
 };
 
-// Throws UsageError if the line is invalid, if a key occurs twice, or if a name is not a string.
-LineNames readLineNames(const std::string& line);
+// Throws UsageError if the line is invalid, if a key occurs twice, or if a name is not a string; the id is in
+// `names` by then if it is a good one.
+void readLineNames(const std::string& line, LineNames& names);
 
-// What the line asks for, its files left aside; the defaults hold for what it leaves out. Its effects come
+// What the line asks for, its names left aside; the defaults hold for what it leaves out. Its effects come
 // behind those of the defaults or replace them. Files that lines name lie in the places, fonts in the
 // system's folders as well. Throws UsageError or Failure.
 RenderOptions readLine(const std::string& line, const RenderOptions& defaults, FilePlaces places,

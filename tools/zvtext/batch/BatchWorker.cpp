@@ -109,6 +109,14 @@ std::string contentDigest(const BatchJob& job, const FolderScope& scope) {
     return metrics.empty() ? "" : Digest().add(picture).add(metrics).hex();
 }
 
+// How every result begins.
+Json resultOf(const BatchJob& job) {
+    Json json = {{"line", job.line}};
+    if (!job.id.empty()) json["id"] = Json::parse(job.id, nullptr, false);
+    if (!job.path.empty()) json["path"] = job.path;
+    return json;
+}
+
 class Worker {
 public:
     Worker(const BatchSettings& settings, const BatchJournal& journal)
@@ -126,15 +134,15 @@ private:
         try {
             return render(job);
         } catch (const std::bad_alloc&) {
-            return failedResult(job.line, job.path, "not enough memory");
+            return failedResult(job, "not enough memory");
         } catch (const DiskFull& error) {
-            BatchResult result = failedResult(job.line, job.path, error.onCommandLine());
+            BatchResult result = failedResult(job, error.onCommandLine());
             result.diskFull = true;
             return result;
         } catch (const Error& error) {
-            return failedResult(job.line, job.path, error.onCommandLine());
+            return failedResult(job, error.onCommandLine());
         } catch (const std::exception& error) {
-            return failedResult(job.line, job.path, error.what());
+            return failedResult(job, error.what());
         }
     }
 
@@ -147,7 +155,7 @@ private:
         const Scene scene = sceneOf(std::move(options.scene));
         BatchResult result;
         result.record.job = digestOf(job, scene);
-        Json json = {{"line", job.line}, {"path", job.path}};
+        Json json = resultOf(job);
         if (!job.metrics.empty()) json["metrics"] = job.metrics;
         const bool skipped = mSettings.resumes && findPicture(job, result.record);
         if (!skipped) makePicture(job, scene, options.output, result.record);
@@ -229,13 +237,14 @@ private:
 }  // namespace
 
 bool sendJob(int socket, const BatchJob& job) {
-    return sendParts(socket, {std::to_string(job.line), job.path, job.metrics, job.json});
+    return sendParts(socket, {std::to_string(job.line), job.id, job.path, job.metrics, job.json});
 }
 
 bool receiveJob(int socket, BatchJob& job) {
-    Parts parts(4);
+    Parts parts(5);
     if (!receiveParts(socket, parts)) return false;
-    job = {std::stoull(parts[0]), std::move(parts[1]), std::move(parts[2]), std::move(parts[3])};
+    job = {std::stoull(parts[0]), std::move(parts[1]), std::move(parts[2]), std::move(parts[3]),
+           std::move(parts[4])};
     return true;
 }
 
@@ -257,9 +266,8 @@ bool receiveResult(int socket, BatchResult& result) {
     return true;
 }
 
-BatchResult failedResult(uint64_t line, const std::string& path, const std::string& message) {
-    Json json = {{"line", line}};
-    if (!path.empty()) json["path"] = path;
+BatchResult failedResult(const BatchJob& job, const std::string& message) {
+    Json json = resultOf(job);
     json["error"] = message.size() > kMaxMessage ? message.substr(0, kMaxMessage) + "..." : message;
     BatchResult result;
     result.failed = true;

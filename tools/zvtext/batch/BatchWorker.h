@@ -13,7 +13,8 @@ namespace zvtext {
 
 // A job for a worker of a batch, and its answer.
 struct BatchJob {
-    uint64_t line = 0;    // its number, from 1
+    uint64_t line = 0;    // its number
+    std::string id;       // JSON, for the result; empty: none
     std::string path;     // path of the picture
     std::string metrics;  // path of its metrics; empty: none
     std::string json;     // the line
@@ -32,8 +33,8 @@ bool receiveJob(int socket, BatchJob& job);
 bool sendResult(int socket, const BatchResult& result);
 bool receiveResult(int socket, BatchResult& result);
 
-// The result of a failed line, without the path if that is empty. A long message is cut.
-BatchResult failedResult(uint64_t line, const std::string& path, const std::string& message);
+// The result of a failed line, without the path if there is none yet. A long message is cut.
+BatchResult failedResult(const BatchJob& job, const std::string& message);
 
 // The settings that all lines share.
 struct BatchSettings {
