@@ -62,7 +62,7 @@ final class Look {
         for (Effect effect : style.effects) {
             own.remove(effect.kind);
             styled.put(effect.kind, new Styled(effect, style.designedFor));
-            text.added(effect); // in the style's order
+            text.give(effect); // in the style's order
         }
         if (style.canvas != null) {
             setCanvas(style.canvas);
@@ -84,20 +84,20 @@ final class Look {
         if (ground instanceof Effect) {
             canvasText = new ZvText();
             canvasText.begin();
-            canvasText.added((Effect) ground);
+            canvasText.give((Effect) ground);
         }
     }
 
     void fit(ZvText text, double size) {
         for (Styled one : styled.values()) {
-            text.added(one.fitted(size));
+            text.give(one.fitted(size));
         }
         for (StyledLayer one : layers) {
             double factor = one.designedFor == 0 ? 1 : size / one.designedFor;
             one.lengths = one.layer.lengths(factor);
             one.stack.begin();
             for (Effect effect : one.layer.effects) {
-                one.stack.added(one.designedFor == 0 ? effect : effect.fitted(factor));
+                one.stack.give(one.designedFor == 0 ? effect : effect.fitted(factor));
             }
         }
     }
@@ -149,6 +149,9 @@ final class Look {
 
     /** Null if the library refuses. */
     int[] render(ZvText text, int textColor) {
+        if (!isLayered()) {
+            return text.ZvText_RenderTextEffect();
+        }
         boolean byEffect = canvas instanceof Effect;
         int ground = canvas instanceof Integer ? (Integer) canvas : 0;
         return ZvTextEffects.ZvTextEffects_RenderLayers(text.handle(), numbers(text, textColor), opacities(),

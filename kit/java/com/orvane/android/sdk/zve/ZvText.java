@@ -48,34 +48,17 @@ import java.util.concurrent.locks.Lock;
  * <p>{@link #close} frees the native memory, including the picture's. If a text is not closed, this happens some time after
  * it became unreachable.
  */
-public final class ZvText implements AutoCloseable {
-    // Of a text without a view, the effects' margins left aside. A line's picture keeps its width in 16 bits.
-    private static final int MAX_SIDE = 32767;
-    private static final int MAX_PIXELS = 100_000_000;
-
+public final class ZvText extends TextLook implements AutoCloseable {
     // The native object's handle; negative while there is none. Natives read and write it.
     private int mHandle = -1;
 
-    // Held during every call, and taken before the fonts' lock.
-    private final Object lock = new Object();
     private final Handle handle = new Handle();
     private final Release release;
+    private final TextLines lines;
     private boolean closed;
-
     private boolean hasFont;
-    private boolean hasView;
-    private Layout layout;
-    private boolean drawn; // with the lines as they are placed now
 
-    private final SelfLayout self;
-    private boolean measured; // the lines are those of the words, paint and column as they are now
-    private int shownLines; // 0: all
-
-    private final Look look;
-    private int viewColor = 0xFF000000;
-    private double paintSize; // of the text of a view
-
-    // Written after natives that take the handle alone: keeps this text reachable, and its native object, until then.
+    // Written after natives that take the handle alone: this text, and so its native object, stays reachable until then.
     private volatile boolean used;
 
     /**
@@ -85,16 +68,14 @@ public final class ZvText implements AutoCloseable {
      */
     public ZvText() {
         ZvLibrary.load();
-        self = new SelfLayout();
-        look = new Look();
+        lines = new TextLines(this);
         release = Release.of(this, handle);
     }
 
-    // Takes the place of an unreachable text to free its native object.
+    // Stands in for an unreachable text to free its native object.
     private ZvText(int handle) {
         mHandle = handle;
-        self = null;
-        look = null;
+        lines = null;
         release = null;
     }
 
@@ -113,7 +94,7 @@ public final class ZvText implements AutoCloseable {
         return mHandle;
     }
 
-    // Every call starts with this, under the lock.
+    @Override
     void begin() {
         if (closed) {
             throw new IllegalStateException("the text is closed");
@@ -123,6 +104,32 @@ public final class ZvText implements AutoCloseable {
             handle.value = mHandle;
             check(mHandle >= 0, "the text could not be made");
         }
+    }
+
+    @Override
+    void give(Effect effect) {
+        check(effect.addTo(this) >= 0, "the " + effect.kind.key + " could not be added");
+    }
+
+    @Override
+    void takeAway(EffectKind kind) {
+        ZvTextEffects.ZvTextEffects_ClearEffect(mHandle, kind.number);
+        used = true;
+    }
+
+    @Override
+    void takeAllAway() {
+        ZvText_ClearAllTextEffect();
+    }
+
+    // For words that are measured here: a view without paddings.
+    void setView(Paint paint, int width, int height, int maxLines) {
+        check(ZvText_SetPaint(paint), "the paint could not be read");
+        check(ZvTextEffects.ZvTextEffects_SetView(mHandle, width, height, maxLines), "the view could not be set");
+    }
+
+    void setLines(Layout layout) {
+        check(ZvText_SetLayout(layout), "the layout could not be read");
     }
 
     static void check(boolean done, String otherwise) {
@@ -200,8 +207,8 @@ public final class ZvText implements AutoCloseable {
         check(done, "the font \"" + name + "\" could not be loaded");
         FontLock.learned(name);
         hasFont = true;
-        self.setFont(assets, name);
-        measured = false;
+        lines.self.setFont(assets, name);
+        lines.changed();
     }
 
     /**
@@ -215,17 +222,16 @@ public final class ZvText implements AutoCloseable {
         synchronized (lock) {
             begin();
             check(ZvText_SetPaint(paint), "the paint could not be read");
-            self.setPaint(paint);
-            paintSize = paint.getTextSize();
+            lines.setPaint(paint);
             resized();
             return this;
         }
     }
 
-    // The style's effects may follow the text's size.
+    // A style's effects may follow the text's size.
     private void resized() {
-        measured = false;
-        look.fit(this, self.hasWords() || paintSize == 0 ? self.size() : paintSize);
+        lines.changed();
+        look.fit(this, lines.size());
     }
 
     /**
@@ -239,7 +245,7 @@ public final class ZvText implements AutoCloseable {
         Objects.requireNonNull(words, "words");
         synchronized (lock) {
             begin();
-            self.setWords(words);
+            lines.self.setWords(words);
             resized();
             return this;
         }
@@ -254,7 +260,7 @@ public final class ZvText implements AutoCloseable {
     public ZvText size(float pixels) {
         synchronized (lock) {
             begin();
-            self.setSize(ZvStyle.SIZE.checked("size", pixels));
+            lines.self.setSize(ZvStyle.SIZE.checked("size", pixels));
             resized();
             return this;
         }
@@ -269,8 +275,8 @@ public final class ZvText implements AutoCloseable {
     public ZvText wrap(int width) {
         synchronized (lock) {
             begin();
-            self.setWrap((int) Setting.number("width", 0, 0, 32767, "px").checked("wrap width", width));
-            measured = false;
+            lines.self.setWrap((int) Setting.number("width", 0, 0, 32767, "px").checked("wrap width", width));
+            lines.changed();
             return this;
         }
     }
@@ -285,39 +291,10 @@ public final class ZvText implements AutoCloseable {
         Objects.requireNonNull(align, "align");
         synchronized (lock) {
             begin();
-            self.setAlign(align);
-            measured = false;
+            lines.self.setAlign(align);
+            lines.changed();
             return this;
         }
-    }
-
-    private void leaveWords() {
-        if (self.hasWords()) {
-            self.setWords(null);
-            resized();
-        }
-    }
-
-    // Sets up a view of the size that the words take.
-    private void measure() {
-        if (!self.hasWords() || measured) {
-            return;
-        }
-        Layout lines = self.lines();
-        int shown = shownLines > 0 ? Math.min(shownLines, lines.getLineCount()) : lines.getLineCount();
-        int width = self.width(lines);
-        int height = Math.max(lines.getLineBottom(shown - 1), 1);
-        if (Math.max(width, height) > MAX_SIDE || (long) width * height > MAX_PIXELS) {
-            throw new IllegalStateException("the text would be " + width + " x " + height + " pixels; at most " + MAX_SIDE
-                    + " a side and " + MAX_PIXELS + " in all");
-        }
-        check(ZvText_SetPaint(self.paint()), "the paint could not be read");
-        check(ZvTextEffects.ZvTextEffects_SetView(mHandle, width, height, shown), "the view could not be set");
-        layout = lines;
-        hasView = true;
-        viewColor = 0xFF000000;
-        placeLines();
-        measured = true;
     }
 
     /**
@@ -331,10 +308,9 @@ public final class ZvText implements AutoCloseable {
         synchronized (lock) {
             begin();
             check(ZvText_SetView(view), "the view could not be read");
-            hasView = true;
-            viewColor = view.getCurrentTextColor();
-            leaveWords();
-            placeLines();
+            if (lines.setView(view.getCurrentTextColor())) {
+                resized();
+            }
             return this;
         }
     }
@@ -349,9 +325,7 @@ public final class ZvText implements AutoCloseable {
         synchronized (lock) {
             begin();
             check(ZvText_SetLine(count), "the number of lines could not be set");
-            shownLines = count;
-            measured = false;
-            placeLines();
+            lines.setCount(count);
             return this;
         }
     }
@@ -367,87 +341,9 @@ public final class ZvText implements AutoCloseable {
         Objects.requireNonNull(layout, "layout");
         synchronized (lock) {
             begin();
-            Layout before = this.layout;
-            this.layout = layout;
-            leaveWords();
-            boolean done = false;
-            try {
-                placeLines();
-                done = true;
-            } finally {
-                if (!done) {
-                    this.layout = before;
-                }
+            if (lines.setLayout(layout)) {
+                resized();
             }
-            return this;
-        }
-    }
-
-    // Lines are placed by the view as it is at that moment: without one there is nothing to place them in.
-    private void placeLines() {
-        if (layout == null || !hasView) {
-            return;
-        }
-        Lock fonts = FontLock.setText(layout);
-        try {
-            check(ZvText_SetLayout(layout), "the layout could not be read");
-        } finally {
-            fonts.unlock();
-        }
-        drawn = false;
-    }
-
-    /**
-     * Fills the box of each line behind its text.
-     *
-     * @param color 0xAARRGGBB
-     * @return this text
-     */
-    public ZvText background(int color) {
-        return setBackground(color);
-    }
-
-    /**
-     * Fills nothing behind the lines.
-     *
-     * @return this text
-     */
-    public ZvText noBackground() {
-        return setBackground(null);
-    }
-
-    private ZvText setBackground(Integer color) {
-        synchronized (lock) {
-            begin();
-            look.background = color;
-            return this;
-        }
-    }
-
-    /**
-     * Sets the text's colour, in the place of the view's or style's.
-     *
-     * @param color 0xAARRGGBB
-     * @return this text
-     */
-    public ZvText color(int color) {
-        synchronized (lock) {
-            begin();
-            look.color = color;
-            return this;
-        }
-    }
-
-    /**
-     * Sets the opacity of the whole picture, 0 to 1.
-     *
-     * @param opacity 0 to 1
-     * @return this text
-     */
-    public ZvText opacity(float opacity) {
-        synchronized (lock) {
-            begin();
-            look.opacity = Setting.opacity(1).checked("opacity", opacity);
             return this;
         }
     }
@@ -464,253 +360,9 @@ public final class ZvText implements AutoCloseable {
         Objects.requireNonNull(style, "style");
         synchronized (lock) {
             begin();
-            style.applyTo(self);
+            style.applyTo(lines.self);
             look.take(this, style);
             resized();
-            return this;
-        }
-    }
-
-    // --- Effects
-
-    /**
-     * Outlines the text.
-     *
-     * @param width in pixels, 0 to 100
-     * @param color 0xAARRGGBB
-     * @param position on the edge or beside it
-     * @return this text
-     */
-    public ZvText stroke(float width, int color, Stroke position) {
-        return stroke(width, color, position, 1);
-    }
-
-    /**
-     * The same, translucent.
-     *
-     * @param width in pixels, 0 to 100
-     * @param color 0xAARRGGBB
-     * @param position on the edge or beside it
-     * @param opacity 0 to 1
-     * @return this text
-     */
-    public ZvText stroke(float width, int color, Stroke position, float opacity) {
-        Objects.requireNonNull(position, "position");
-        return add(EffectKind.STROKE, width, color, position.position, opacity);
-    }
-
-    /**
-     * Casts a shadow behind the text.
-     *
-     * @param angle direction of the light: 0 is the right, 90 above; the shadow falls on the other side
-     * @param distance how far it falls
-     * @param size how far its edge is blurred
-     * @param color 0xAARRGGBB
-     * @param opacity 0 to 1
-     * @return this text
-     */
-    public ZvText outerShadow(float angle, float distance, float size, int color, float opacity) {
-        return add(EffectKind.OUTER_SHADOW, angle, distance, size, color, opacity);
-    }
-
-    /**
-     * Casts a shadow of the text's edge into the text; arguments as of {@link #outerShadow}.
-     *
-     * @param angle where the light comes from, in degrees
-     * @param distance in pixels, 0 to 100
-     * @param size in pixels, 0 to 100
-     * @param color 0xAARRGGBB
-     * @param opacity 0 to 1
-     * @return this text
-     */
-    public ZvText innerShadow(float angle, float distance, float size, int color, float opacity) {
-        return add(EffectKind.INNER_SHADOW, angle, distance, size, color, opacity);
-    }
-
-    /**
-     * Lets the text shine outwards, over that many pixels.
-     *
-     * @param size in pixels, 0 to 100
-     * @param color 0xAARRGGBB
-     * @param opacity 0 to 1
-     * @return this text
-     */
-    public ZvText outerGlow(float size, int color, float opacity) {
-        return add(EffectKind.OUTER_GLOW, size, color, opacity, new Stops());
-    }
-
-    /**
-     * The same in several colours, from the text outwards.
-     *
-     * @param size in pixels, 0 to 100
-     * @param stops copied
-     * @param opacity 0 to 1
-     * @return this text
-     */
-    public ZvText outerGlow(float size, Stops stops, float opacity) {
-        return add(EffectKind.OUTER_GLOW, size, 0xFF000000, opacity, Objects.requireNonNull(stops, "stops"));
-    }
-
-    /**
-     * Lets the text's edge shine inwards, over that many pixels.
-     *
-     * @param size in pixels, 0 to 100
-     * @param color 0xAARRGGBB
-     * @param opacity 0 to 1
-     * @return this text
-     */
-    public ZvText innerGlow(float size, int color, float opacity) {
-        return add(EffectKind.INNER_GLOW, size, color, opacity, new Stops());
-    }
-
-    /**
-     * The same in several colours, from the edge inwards.
-     *
-     * @param size in pixels, 0 to 100
-     * @param stops copied
-     * @param opacity 0 to 1
-     * @return this text
-     */
-    public ZvText innerGlow(float size, Stops stops, float opacity) {
-        return add(EffectKind.INNER_GLOW, size, 0xFF000000, opacity, Objects.requireNonNull(stops, "stops"));
-    }
-
-    /**
-     * Fills the text with colours that merge, spread evenly over its box; angles as below.
-     *
-     * @param angle in degrees
-     * @param colors 0xAARRGGBB
-     * @return this text
-     */
-    public ZvText linearGradient(float angle, int... colors) {
-        return linearGradient(angle, 1, Stops.of(colors), 1);
-    }
-
-    /**
-     * Fills the text with a gradient.
-     *
-     * @param angle 0 runs from left to right, 90 from bottom to top
-     * @param scale how far the colours are spread: 1 over the text's box, 2, the most, over twice that, which shows the
-     *     middle ones; below 0.1 there is no fill at all
-     * @param colors 0xAARRGGBB
-     * @param positions of the colours, 0 to 1, used in hundredths
-     * @param opacity 0 to 1
-     * @return this text
-     * @throws IllegalArgumentException if there are not as many positions as colours
-     */
-    public ZvText linearGradient(float angle, float scale, int[] colors, float[] positions, float opacity) {
-        return linearGradient(angle, scale, Stops.at("linear-gradient", colors, positions), opacity);
-    }
-
-    /**
-     * Fills the text with a gradient; angle and scale as above.
-     *
-     * @param angle in degrees
-     * @param scale 0 to 2
-     * @param stops copied
-     * @param opacity 0 to 1
-     * @return this text
-     */
-    public ZvText linearGradient(float angle, float scale, Stops stops, float opacity) {
-        return add(EffectKind.LINEAR_GRADIENT, angle, scale, opacity, Objects.requireNonNull(stops, "stops"));
-    }
-
-    /**
-     * Fills the text with a gradient from the centre of its box outwards.
-     *
-     * @param scale the diameter in widths of the box, 0 to 2
-     * @param stops copied
-     * @param opacity 0 to 1
-     * @return this text
-     */
-    public ZvText radialGradient(float scale, Stops stops, float opacity) {
-        return add(EffectKind.RADIAL_GRADIENT, scale, opacity, Objects.requireNonNull(stops, "stops"));
-    }
-
-    /**
-     * Fills the text with a picture in tiles.
-     *
-     * @param picture copied
-     * @param scale pixels for each of the picture's, 0 to 10
-     * @param opacity 0 to 1
-     * @return this text
-     */
-    public ZvText pattern(ZvPicture picture, float scale, float opacity) {
-        return add(EffectKind.PATTERN, Objects.requireNonNull(picture, "picture"), scale, opacity);
-    }
-
-    /**
-     * Raises the text's edges.
-     *
-     * @param edge where it lies
-     * @param relief copied
-     * @return this text
-     */
-    public ZvText bevel(Relief.Edge edge, Relief relief) {
-        return add(relief.bevel(edge));
-    }
-
-    /**
-     * Presses the text out of a sheet: a relief on both sides of its edge, perhaps lit from both sides.
-     *
-     * @param bothSides whether it is lit from both sides
-     * @param relief copied
-     * @return this text
-     */
-    public ZvText emboss(boolean bothSides, Relief relief) {
-        return add(relief.emboss(bothSides));
-    }
-
-    private ZvText add(EffectKind kind, Object... arguments) {
-        synchronized (lock) {
-            begin();
-            return add(Effect.of(kind, arguments));
-        }
-    }
-
-    private ZvText add(Effect effect) {
-        synchronized (lock) {
-            begin();
-            added(effect);
-            look.own(effect.kind);
-            return this;
-        }
-    }
-
-    void added(Effect effect) {
-        check(effect.addTo(this) >= 0, "the " + effect.kind.key + " could not be added");
-    }
-
-    /**
-     * Takes all effects away, those of a style and its layers and ground too.
-     *
-     * @return this text
-     */
-    public ZvText clearEffects() {
-        synchronized (lock) {
-            begin();
-            ZvText_ClearAllTextEffect();
-            look.clear();
-            return this;
-        }
-    }
-
-    /**
-     * Takes one effect away, if it is there.
-     *
-     * @param kind its name in styles, such as {@code "inner-glow"}
-     * @return this text
-     */
-    public ZvText clearEffect(String kind) {
-        Objects.requireNonNull(kind, "kind");
-        synchronized (lock) {
-            begin();
-            EffectKind found = EffectKind.find(kind);
-            if (found == null) {
-                throw new IllegalArgumentException("\"" + kind + "\" is not one of " + EffectKind.names());
-            }
-            look.forget(found);
-            ZvTextEffects.ZvTextEffects_ClearEffect(mHandle, found.number);
             return this;
         }
     }
@@ -740,32 +392,28 @@ public final class ZvText implements AutoCloseable {
     public int[] render() {
         synchronized (lock) {
             begin();
-            measure();
-            require(hasView, "view");
-            require(layout != null, "layout");
+            lines.ready(look.background != null);
             if (!hasFont && !FontManager.isConfigured()) {
                 throw new IllegalStateException("no font: call font, or FontManager.configure, before");
             }
             look.check();
             applyColors();
-            if (look.background != null && drawn) {
-                placeLines(); // a render moves the boxes of the lines
-            }
             int[] argb;
             Lock fonts = FontLock.read();
             try {
-                argb = look.isLayered() ? look.render(this, textColor()) : ZvText_RenderTextEffect();
+                argb = look.render(this, textColor());
             } finally {
                 fonts.unlock();
             }
-            drawn = true;
+            lines.drawn();
+            used = true;
             check(argb != null, "the picture could not be made");
             return argb;
         }
     }
 
     private int textColor() {
-        return look.color != null ? look.color : viewColor;
+        return look.color != null ? look.color : lines.viewColor;
     }
 
     private void applyColors() {
@@ -790,12 +438,6 @@ public final class ZvText implements AutoCloseable {
             used = true;
             int[] origin = line == null ? new int[2] : new int[] {line[0] + margins[0], line[1] + margins[1]};
             return new ZvPicture(argb, size[0], size[1], margins, origin);
-        }
-    }
-
-    private static void require(boolean there, String method) {
-        if (!there) {
-            throw new IllegalStateException("call " + method + " before");
         }
     }
 
@@ -882,7 +524,7 @@ public final class ZvText implements AutoCloseable {
     public void close() {
         synchronized (lock) {
             closed = true;
-            layout = null;
+            lines.forget();
             look.clear();
             release.run();
         }
@@ -905,7 +547,7 @@ public final class ZvText implements AutoCloseable {
 
     private native void ZvText_ClearAllTextEffect();
 
-    private native int[] ZvText_RenderTextEffect();
+    native int[] ZvText_RenderTextEffect();
 
     private native boolean ZvText_SetFont(String path);
 
