@@ -7,9 +7,12 @@
 #include <cstdint>
 #include <cstring>
 #include <memory>
+#include <string>
+#include <vector>
 
 #include "effect/ZvEffect.h"
 #include "foundation/List.h"
+#include "foundation/OutOfMemory.h"
 #include "foundation/ZvLog.h"
 #include "jni/BoundTextObject.h"
 #include "jni/JniSupport.h"
@@ -134,6 +137,19 @@ jboolean JNICALL setView(JNIEnv*, jclass, jint handle, jint width, jint height, 
     return view->SetSize(width, height);
 }
 
+// Gives the text once more what its lines count in. SetLayout passes it as UTF-8, of which the text object
+// keeps characters above U+1FFFF only in part.
+jboolean JNICALL setWords(JNIEnv* env, jclass, jint handle, jstring words) {
+    ZV_TEXT_OBJECT_OF(handle, text, JNI_FALSE);
+    ZV_REFUSE_UNLESS(words != nullptr, JNI_FALSE);
+    return unlessOutOfMemory(JNI_FALSE, [&]() -> jboolean {
+        std::vector<jchar> units(static_cast<size_t>(env->GetStringLength(words)));
+        env->GetStringRegion(words, 0, static_cast<jsize>(units.size()), units.data());
+        const std::wstring wide(units.begin(), units.end());
+        return text->SetText(wide.c_str());
+    });
+}
+
 jboolean JNICALL setTextColor(JNIEnv*, jclass, jint handle, jint color) {
     ZV_TEXT_OBJECT_OF(handle, text, JNI_FALSE);
     text->SetTextColor(static_cast<uint32_t>(color));
@@ -179,6 +195,8 @@ bool ZvTextEffects_OnLoad(JNIEnv* env) {
         nativeMethod("ZvTextEffects_GetOrigin", "(I)[I", getOrigin),
         nativeMethod("ZvTextEffects_GetLayerMargins", "([I[F)[I", ZvTextEffects_GetLayerMargins),
         nativeMethod("ZvTextEffects_RenderLayers", "(I[I[FIIZF)[I", ZvTextEffects_RenderLayers),
+        nativeMethod("ZvTextEffects_Render", "(IZZ)[I", ZvTextEffects_Render),
+        nativeMethod("ZvTextEffects_SetWords", "(ILjava/lang/String;)Z", setWords),
     };
     return env->RegisterNatives(effectsClass.get(), natives, sizeof(natives) / sizeof(natives[0])) >= 0;
 }

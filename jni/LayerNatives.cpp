@@ -14,12 +14,15 @@
 #include "effect/Spread.h"
 #include "effect/TextLayers.h"
 #include "effect/ZvEffect.h"
+#include "effect/ZvProperty.h"
 #include "foundation/OutOfMemory.h"
 #include "foundation/ZvLog.h"
 #include "jni/BoundTextObject.h"
+#include "jni/GlyphColours.h"
 #include "jni/JniSupport.h"
-#include "jni/PictureSize.h"
+#include "jni/RenderPicture.h"
 #include "raster/ZvBitmap.h"
+#include "text/LayOver.h"
 #include "text/LinePlacement.h"
 #include "text/ZvFontDrawing.h"
 #include "text/ZvTextObject.h"
@@ -33,7 +36,7 @@ constexpr char kTag[] = "ZvTextEffects_JNI";
 constexpr int kMaxOffset = 32767;  // keeps sums of margins far from the end of int
 
 enum LayerNumber { kHandle, kColor, kSpread, kX, kY, kBlend, kFlags };
-constexpr int kClipped = 1, kKnockout = 2;
+constexpr int kClipped = 1, kKnockout = 2, kColored = 4;
 
 class LayerList {
 public:
@@ -53,6 +56,13 @@ public:
         return true;
     }
 
+    // The text with its own effects as the only layer.
+    void addText(ZvTextObject& text, bool colored) {
+        TextLayer layer;
+        layer.effect = text.GetEffect();
+        add(layer, text.GetTextColor(), colored);
+    }
+
     // Call before drawing, and again after anything else has used the same stacks.
     void setColors() const {
         for (size_t i = 0; i < mLayers.size(); ++i) mLayers[i].effect->addText(mColors[i]);
@@ -61,7 +71,43 @@ public:
     const TextLayer* layers() const { return mLayers.data(); }
     size_t count() const { return mLayers.size(); }
 
+    // Gives the layers that show the glyphs' colours these, and the coverage the glyphs' shape.
+    void takeColours(const GlyphColours& glyphs, TextCoverage& coverage, const ZvBitmap& picture) {
+        const auto draw = [&](uint32_t textColor) {
+            return glyphs.draw(coverage.margins, static_cast<int>(picture.width),
+                               static_cast<int>(picture.height), textColor | 0xFF000000);
+        };
+        for (size_t i = 0; i < mLayers.size(); ++i) {
+            if (!mColored[i]) continue;
+            mColours.push_back(std::make_unique<LayerColours>(draw(mColors[i]), *mLayers[i].effect));
+            mLayers[i].colours = &mColours.back()->glyphs;
+        }
+        glyphs.complete(coverage, mColours.empty() ? draw(0) : mColours.front()->glyphs);
+    }
+
 private:
+    // One layer's glyphs in their colours, and those of its effects that show around them.
+    struct LayerColours {
+        LayerColours(ColourGlyphs drawn, const ZvEffect& stack) : glyphs(std::move(drawn)), around(stack) {
+            for (int type = ZV_EFFECT_OUTER_SHADOW; type <= ZV_EFFECT_TEXT; ++type) {
+                if (!showsAround(around.getEffect(type))) around.releaseEffect(around.getEffect(type));
+            }
+            if (!around.effects.empty()) glyphs.around = &around;
+        }
+        static bool showsAround(ZvECore* effect) {
+            if (effect == nullptr) return false;
+            const int type = effect->getStyle();
+            const auto* stroke = type == ZV_EFFECT_STROKE
+                                     ? static_cast<const ZvStrokeProperty*>(effect->getProperty())
+                                     : nullptr;
+            return stroke != nullptr ? stroke->position != ZV_STROKE_INSIDE
+                                     : type == ZV_EFFECT_OUTER_SHADOW || type == ZV_EFFECT_OUTER_GLOW;
+        }
+
+        ColourGlyphs glyphs;
+        ZvEffect around;
+    };
+
     bool add(const jint* numbers, float opacity) {
         ZvTextObject* const object = ZvTextObject::FindZvTextObject(numbers[kHandle]);
         if (object == nullptr || numbers[kBlend] < 0 || numbers[kBlend] >= kLayerBlends) return false;
@@ -77,13 +123,20 @@ private:
         layer.opacity = opacity;
         layer.clipped = (numbers[kFlags] & kClipped) != 0;
         layer.knockout = (numbers[kFlags] & kKnockout) != 0;
-        mColors.push_back(static_cast<uint32_t>(numbers[kColor]));
-        mLayers.push_back(layer);
+        add(layer, static_cast<uint32_t>(numbers[kColor]), (numbers[kFlags] & kColored) != 0);
         return true;
+    }
+
+    void add(const TextLayer& layer, uint32_t color, bool colored) {
+        mLayers.push_back(layer);
+        mColors.push_back(color);
+        mColored.push_back(colored);
     }
 
     std::vector<TextLayer> mLayers;
     std::vector<uint32_t> mColors;
+    std::vector<bool> mColored;
+    std::vector<std::unique_ptr<LayerColours>> mColours;
 };
 
 // While it lives, the object's stack has only the coverage as a layer, and its text has no colour.
@@ -124,25 +177,25 @@ struct Ground {
     ZvEffect* canvas = nullptr;
     uint32_t canvasColor = 0;
     bool background = false;
+    bool linear = false;  // the background is blended as without layers, after them
 };
 
-void drawGround(const Ground& ground, const uint32_t* background, ZvBitmap* picture) {
+void drawGround(const Ground& ground, const ZvBitmap& background, ZvBitmap* picture) {
     if (ground.canvas != nullptr) {
         fillCanvas(picture, ground.canvas);
     } else if (ground.canvasColor != 0) {
         fillCanvas(picture, ground.canvasColor);
     }
-    if (!ground.background) return;
-    const ZvBitmap words(picture->width, picture->height, reinterpret_cast<const unsigned char*>(background),
-                         4);
+    if (!ground.background || ground.linear) return;
     JoinedLayer layer;
-    layer.picture = &words;
+    layer.picture = &background;
     joinLayers(picture, &layer, 1);
 }
 
-// The picture as a Java array; null if memory is short, possibly with an exception pending.
-jintArray renderLayers(JNIEnv* env, ZvTextObject& text, const LayerList& list, const Ground& ground,
-                       float opacity) {
+// The picture as a Java array; null if memory is short, possibly with an exception pending. `glyphs` are the
+// text's; null if none has colours.
+jintArray renderLayers(JNIEnv* env, ZvTextObject& text, LayerList& list, const Ground& ground, float opacity,
+                       const GlyphColours* glyphs) {
     TextCoverage coverage;
     coverage.margins = marginsOf(list.layers(), list.count());
     const uint32_t* words = nullptr;
@@ -159,10 +212,15 @@ jintArray renderLayers(JNIEnv* env, ZvTextObject& text, const LayerList& list, c
     const ZvView& view = *text.GetView();
     ZvBitmap picture(static_cast<unsigned>(view.bitmapWidth), static_cast<unsigned>(view.bitmapHeight), 4);
     if (words == nullptr || text.GetFont() == nullptr || picture.pixels == nullptr) return nullptr;
-    drawGround(ground, words, &picture);
+    const ZvBitmap background(picture.width, ground.background ? picture.height : 0,
+                              reinterpret_cast<const unsigned char*>(words), 4);
+    drawGround(ground, background, &picture);
     list.setColors();
-    if (!drawTextLayers(&picture, coverage, list.layers(), list.count(), textClip(view), opacity))
+    if (glyphs != nullptr) list.takeColours(*glyphs, coverage, picture);
+    if (!drawTextLayers(&picture, coverage, list.layers(), list.count(), textClip(view), opacity) ||
+        (ground.background && ground.linear && !layOver(background, picture))) {
         return nullptr;
+    }
     env->SetIntArrayRegion(array, 0, count, reinterpret_cast<const jint*>(picture.pixels));
     return array;
 }
@@ -195,8 +253,26 @@ jintArray JNICALL ZvTextEffects_RenderLayers(JNIEnv* env, jclass, jint handle, j
         ZV_TEXT_OBJECT_OF(canvas, filled, nullptr);
         ground.canvas = filled->GetEffect();
     }
-    return unlessOutOfMemory<jintArray>(nullptr,
-                                        [&] { return renderLayers(env, *text, list, ground, opacity); });
+    return unlessOutOfMemory<jintArray>(nullptr, [&] {
+        const std::unique_ptr<GlyphColours> glyphs = GlyphColours::of(*text);
+        return renderLayers(env, *text, list, ground, opacity, glyphs.get());
+    });
+}
+
+jintArray JNICALL ZvTextEffects_Render(JNIEnv* env, jclass, jint handle, jboolean colored,
+                                       jboolean background) {
+    ZV_TEXT_OBJECT_OF(handle, text, nullptr);
+    return unlessOutOfMemory<jintArray>(nullptr, [&] {
+        const std::unique_ptr<GlyphColours> glyphs = GlyphColours::of(*text);
+        if (glyphs == nullptr || (colored == JNI_FALSE && !glyphs->lackCoverage()))
+            return renderPicture(env, *text, kTag, "ZvTextEffects_Render");
+        LayerList list;
+        list.addText(*text, colored != JNI_FALSE);
+        Ground ground;
+        ground.background = background != JNI_FALSE;
+        ground.linear = true;
+        return renderLayers(env, *text, list, ground, 1, glyphs.get());
+    });
 }
 
 }  // namespace Zvex

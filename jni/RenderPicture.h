@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-#ifndef ZVEX_JNI_PICTURESIZE_H_
-#define ZVEX_JNI_PICTURESIZE_H_
+#ifndef ZVEX_JNI_RENDERPICTURE_H_
+#define ZVEX_JNI_RENDERPICTURE_H_
 
 #include <android/log.h>
 #include <jni.h>
@@ -10,6 +10,7 @@
 
 #include "effect/ZvEffect.h"
 #include "foundation/SafeConvert.h"
+#include "text/ZvFontDrawing.h"
 #include "text/ZvTextObject.h"
 #include "text/ZvView.h"
 
@@ -34,6 +35,25 @@ inline jsize sizePicture(ZvTextObject& text, const char* tag, const char* native
     return static_cast<jsize>(count);
 }
 
+// The picture of a text with its own effects, as a Java array of its pixels; null if it cannot be made,
+// possibly with an exception pending.
+inline jintArray renderPicture(JNIEnv* env, ZvTextObject& text, const char* tag, const char* native) {
+    if (text.GetView() == nullptr || text.GetEffect() == nullptr) return nullptr;
+    const ZvView& view = *text.GetView();
+    const jsize count = sizePicture(text, tag, native);
+    if (count < 0) return nullptr;
+    // Before rendering, which takes several times the array's memory: here the runtime checks its limit and
+    // throws.
+    const jintArray array = env->NewIntArray(count);
+    if (array == nullptr) return nullptr;
+    const uint32_t* pixels = text.RenderTextEffect(view.bitmapWidth, view.bitmapHeight);
+    // Without its drawing part the object returns the previous picture, of any size.
+    if (pixels != nullptr && text.GetFont() != nullptr) {
+        env->SetIntArrayRegion(array, 0, count, reinterpret_cast<const jint*>(pixels));
+    }
+    return array;
+}
+
 }  // namespace Zvex
 
-#endif  // ZVEX_JNI_PICTURESIZE_H_
+#endif  // ZVEX_JNI_RENDERPICTURE_H_

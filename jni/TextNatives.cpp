@@ -22,7 +22,7 @@
 #include "jni/LayoutReader.h"
 #include "jni/LineRecords.h"
 #include "jni/PaintReader.h"
-#include "jni/PictureSize.h"
+#include "jni/RenderPicture.h"
 #include "jni/StopsReader.h"
 #include "jni/ViewReader.h"
 #include "text/FontManager.h"
@@ -137,21 +137,7 @@ jintArray JNICALL ZvText_GetDrawingBitmapSize(JNIEnv* env, jobject thiz) {
 // could be drawn. Null without a text object or memory, and when it has more pixels than an array can hold.
 jintArray JNICALL ZvText_RenderTextEffect(JNIEnv* env, jobject thiz) {
     ZV_BOUND_TEXT_OBJECT(text, nullptr);
-    ZvView* const view = text->GetView();
-    ZvEffect* const effect = text->GetEffect();
-    if (view == nullptr || effect == nullptr) return nullptr;
-    const jsize count = sizePicture(*text, kTag, "ZvText_RenderTextEffect");
-    if (count < 0) return nullptr;
-    // Before rendering, which takes several times the array's memory: here the runtime checks its limit and
-    // throws.
-    const jintArray array = env->NewIntArray(count);
-    if (array == nullptr) return nullptr;
-    const uint32_t* pixels = text->RenderTextEffect(view->GetBitmapWidth(), view->GetBitmapHeight());
-    // Without its drawing part the object returns the previous picture, of any size.
-    if (pixels != nullptr && text->GetFont() != nullptr) {
-        env->SetIntArrayRegion(array, 0, count, reinterpret_cast<const jint*>(pixels));
-    }
-    return array;
+    return renderPicture(env, *text, kTag, "ZvText_RenderTextEffect");
 }
 
 // --- Fonts. They change the process's font manager: callers must not run them in parallel with each other or

@@ -5,18 +5,14 @@
 
 #include "scene/LayeredScene.h"
 
-#include <SkBitmap.h>
-#include <SkCanvas.h>
-#include <SkImageInfo.h>
-
 #include <algorithm>
 #include <cmath>
-#include <cstring>
 
 #include "effect/Canvas.h"
 #include "effect/LayerJoin.h"
 #include "raster/ZvBitmap.h"
 #include "scene/Failure.h"
+#include "text/LayOver.h"
 #include "text/LinePlacement.h"
 #include "text/ZvView.h"
 
@@ -49,20 +45,6 @@ void fillGround(const Canvas& canvas, ZvBitmap& picture) {
     Zvex::ZvEffect fill;
     addEffects(fill, {std::get<EffectSettings>(canvas.fill)});
     Zvex::fillCanvas(&picture, &fill);
-}
-
-// Lays the picture over the background as the text object does, whose canvas blends in linear light.
-void layOver(const ZvBitmap& background, ZvBitmap& picture) {
-    const ZvBitmap text(picture);
-    if (background.pixels == nullptr || text.pixels == nullptr) refuseForMemory();
-    std::memcpy(picture.pixels, background.pixels, picture.byteCount());
-    const SkImageInfo info =
-        SkImageInfo::Make(static_cast<int>(picture.width), static_cast<int>(picture.height),
-                          kRGBA_8888_SkColorType, kUnpremul_SkAlphaType, SkColorSpace::MakeSRGB());
-    SkBitmap below, above;
-    below.installPixels(info, picture.pixels, size_t{4} * picture.width);
-    above.installPixels(info, text.pixels, size_t{4} * text.width);
-    SkCanvas(below).drawBitmap(above, 0, 0);
 }
 
 }  // namespace
@@ -164,7 +146,7 @@ void LayeredScene::render(ZvBitmap& picture, const std::vector<PlacedRun>& runs)
                               Zvex::textClip(*mObject.GetView()), static_cast<float>(mStyle.opacity))) {
         refuseForMemory();
     }
-    if (mStyle.background && !inLayers) layOver(background, picture);
+    if (mStyle.background && !inLayers && !Zvex::layOver(background, picture)) refuseForMemory();
 }
 
 }  // namespace Zvex::scene

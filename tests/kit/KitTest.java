@@ -45,7 +45,8 @@ final class KitTest {
     private static final String FONT = FONTS.resolve("DejaVuSans-Bold.ttf").toString();
     private static final String FONT_XML = "<familyset>"
             + "<family name='sans-serif'><font weight='400'>Roboto-Regular.ttf</font></family>"
-            + "<family lang='ja'><font weight='400' index='0'>NotoSansCJK-Regular.ttc</font></family></familyset>";
+            + "<family lang='ja'><font weight='400' index='0'>NotoSansCJK-Regular.ttc</font></family>"
+            + "<family lang='und-Zsye'><font weight='400'>NotoColorEmoji.ttf</font></family></familyset>";
 
     @BeforeAll
     static void configureFonts() throws IOException {

@@ -17,21 +17,28 @@ import java.util.List;
 import java.util.stream.Collectors;
 import java.util.stream.Stream;
 import javax.imageio.ImageIO;
+import org.json.JSONArray;
 import org.json.JSONObject;
+import org.junit.jupiter.api.BeforeAll;
 import org.junit.jupiter.api.Test;
 import org.junit.jupiter.api.io.TempDir;
 
 /** Styles through the kit and through zvtext: the same pictures, the same refusals. */
 final class StyleTest {
-    private static final String FONT = Path.of(System.getProperty("zvex.fonts"), "DejaVuSans-Bold.ttf").toString();
+    private static final Path FONTS = Path.of(System.getProperty("zvex.fonts"));
+    private static final String FONT = FONTS.resolve("DejaVuSans-Bold.ttf").toString();
     private static final String ZVTEXT = System.getProperty("zvex.zvtext");
     private static final String WORDS = "Way to go\nAgain";
+    private static final String EMOJI = "Go \uD83D\uDC4D\uD83C\uDFFD!\n\u2764\uFE0F \uD83D\uDC68\u200D\uD83D\uDC69\u200D\uD83D\uDC67";
 
     // Every key, each with a value that is not the one at the start.
     private static final List<String> STYLES = List.of(
             "{}",
             "{'size': 61.5, 'color': '#80ff8000', 'letter-spacing': 0.1, 'features': '-kern, smcp', 'opacity': 0.7}",
-            "{'background': '#abc', 'opacity': 0.5, 'effects': [{'type': 'stroke'}]}",
+            "{'background': '#abc', 'opacity': 0.5, 'effects': [{'type': 'stroke'}, {'type': 'outer-glow'}, {'type': 'bevel'}]}",
+            "{'color-glyphs': false, 'effects': [{'type': 'stroke', 'position': 'inside'}]}",
+            "{'layers': [{'effects': [{'type': 'stroke'}]}, {'color-glyphs': true, 'color': '#80f00000', 'offset': [9, 9]}]}",
+            "{'color-glyphs': false, 'layers': [{}, {'color-glyphs': false, 'spread': 4, 'color': '#fff'}]}",
             "{'effects': [{'type': 'inner-glow'}, {'type': 'outer-glow'}, {'type': 'outer-shadow'}, {'type': 'inner-shadow'}]}",
             "{'effects': [{'type': 'outer-shadow', 'angle': -723.5, 'distance': 5.9, 'size': 4, 'color': '#8000ff00',"
                     + "'opacity': 0.9}, {'type': 'inner-shadow', 'angle': 1000000127.5, 'distance': 3, 'size': 2, 'color': '#f00'}]}",
@@ -69,6 +76,11 @@ final class StyleTest {
             "{'layers': [{'spread': 1.5}]}", "{'layers': [{'offset': [1]}]}", "{'layers': [{'offset': [1, 1001]}]}",
             "{'layers': [{'blend': 'add'}]}", "{'layers': [{'size': 9}]}", "{'canvas': {'type': 'stroke'}}", "{'canvas': 7}");
 
+    @BeforeAll
+    static void configureFonts() throws IOException {
+        KitTest.configureFonts();
+    }
+
     private static String json(String text) {
         return text.replace('\'', '"');
     }
@@ -98,7 +110,9 @@ final class StyleTest {
         List<String> lines = new ArrayList<>();
         for (float size : new float[] {0, 40}) {
             for (int i = 0; i < texts.size(); i++) {
-                JSONObject line = new JSONObject().put("text", WORDS).put("font", FONT).put("style", new JSONObject(texts.get(i)))
+                JSONObject line = new JSONObject().put("text", size > 0 ? EMOJI : WORDS).put("font", FONT)
+                        .put("fallback", new JSONArray(List.of(FONTS + "/Roboto-Regular.ttf", FONTS + "/NotoColorEmoji.ttf")))
+                        .put("style", new JSONObject(texts.get(i)))
                         .put("output", lines.size() + ".png");
                 lines.add((size > 0 ? line.put("size", size) : line).toString());
             }
@@ -114,7 +128,7 @@ final class StyleTest {
             assertTrue(Files.exists(made), () -> where + ": " + said);
             BufferedImage expected = ImageIO.read(made.toFile());
             try (ZvText text = new ZvText()) {
-                text.style(style).text(WORDS).font(FONT);
+                text.style(style).text(size > 0 ? EMOJI : WORDS).font(FONT);
                 ZvPicture picture = (size > 0 ? text.size(size) : text).picture();
                 assertEquals(expected.getWidth(), picture.width(), where);
                 assertEquals(expected.getHeight(), picture.height(), where);

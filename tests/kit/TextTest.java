@@ -68,6 +68,29 @@ final class TextTest {
     }
 
     @Test
+    void emojiAndRareIdeographsAreThoseOfZvtext(@TempDir Path folder) throws Exception {
+        Path fonts = Path.of(FONT).getParent();
+        for (String[] words : new String[][] {{"NotoColorEmoji.ttf", "\uD83D\uDC4D"}, {"NotoSansCJK-Regular.ttc", "\uD840\uDC0B\u6F22\uD840\uDC89 \uD840\uDC0B"}}) {
+            for (boolean colors : new boolean[] {true, false}) {
+                for (int size : new int[] {30, 300}) {
+                    String font = fonts.resolve(words[0]).toString();
+                    new ProcessBuilder(System.getProperty("zvex.zvtext"), "render", "--no-fallback", "--font", font, "--size", "" + size,
+                            "--style", "{\"color-glyphs\": " + colors + "}", "--width", "700", "--background", "#fff", "--output",
+                            folder + "/o.png", words[1]).redirectOutput(ProcessBuilder.Redirect.DISCARD).start().waitFor();
+                    BufferedImage expected = ImageIO.read(folder.resolve("o.png").toFile());
+                    try (ZvText text = new ZvText().font(font).size(size).text(words[1]).wrap(700).colorGlyphs(colors)) {
+                        int[] argb = text.background(0xFFFFFFFF).render();
+                        assertArrayEquals(ZvPicture.of(expected).argb(), argb, words[0] + size + colors);
+                        assertArrayEquals(argb, text.render(), "again");
+                        boolean yellow = Arrays.stream(argb).anyMatch(pixel -> (pixel >> 16 & 255) > (pixel & 255) + 99);
+                        assertEquals(colors && words[0].contains("Emoji"), yellow);
+                    }
+                }
+            }
+        }
+    }
+
+    @Test
     void coloursAndOpacity() {
         try (ZvText text = text("I").color(0xFF204060).background(0xFF808080)) {
             int[] full = text.render();

@@ -56,13 +56,6 @@ TextMeasure::TextMeasure(const char* utf8, std::vector<uint16_t> units, const ch
     if (font != nullptr && !object.SetFont(font)) {
         throw std::runtime_error(std::string("the font ") + font + " could not be loaded");
     }
-    // Uses the text as the library draws it: the library keeps characters from U+20000 on only in part. If
-    // that has another length (a NUL ends it), offsets do not fit.
-    int length = 0;
-    const std::unique_ptr<uint16_t[]> drawn(text.GetUTF16(length));
-    if (drawn != nullptr && static_cast<size_t>(length) == mText.size()) {
-        std::copy_n(drawn.get(), length, mText.begin());
-    }
     std::vector<std::shared_ptr<minikin::FontFamily>> families;
     int weight = 400;
     FontManager::GetInstance()->GetMinikinFontFamilies(families, object.GetFont()->GetFontPath(), weight);

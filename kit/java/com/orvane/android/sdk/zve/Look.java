@@ -10,11 +10,16 @@ import java.util.Set;
 
 /** A text's colours, and what it got from a style: effects that scale with the size, layers, a canvas. */
 final class Look {
-    private static final int NUMBERS = 7; // of a layer, see ZvTextEffects
+    // Of a layer, see ZvTextEffects.
+    private static final int NUMBERS = 7;
+    private static final int CLIPPED = 1;
+    private static final int KNOCKOUT = 2;
+    private static final int COLORED = 4;
 
     Integer color; // null: the view's
     Integer background;
     double opacity = 1;
+    boolean colorGlyphs = true;
 
     private final Map<EffectKind, Styled> styled = new EnumMap<>(EffectKind.class);
     private final Set<EffectKind> own = EnumSet.noneOf(EffectKind.class); // those that no style gave
@@ -59,6 +64,7 @@ final class Look {
         color = style.color != null ? style.color : color;
         background = style.background != null ? style.background : background;
         opacity = style.opacity != null ? style.opacity : opacity;
+        colorGlyphs = style.colorGlyphs != null ? style.colorGlyphs : colorGlyphs;
         for (Effect effect : style.effects) {
             own.remove(effect.kind);
             styled.put(effect.kind, new Styled(effect, style.designedFor));
@@ -150,7 +156,7 @@ final class Look {
     /** Null if the library refuses. */
     int[] render(ZvText text, int textColor) {
         if (!isLayered()) {
-            return text.ZvText_RenderTextEffect();
+            return ZvTextEffects.ZvTextEffects_Render(text.handle(), colorGlyphs, background != null);
         }
         boolean byEffect = canvas instanceof Effect;
         int ground = canvas instanceof Integer ? (Integer) canvas : 0;
@@ -160,7 +166,7 @@ final class Look {
 
     private int[] numbers(ZvText text, int textColor) {
         if (layers.isEmpty()) {
-            return new int[] {text.handle(), textColor, 0, 0, 0, 0, 0};
+            return new int[] {text.handle(), textColor, 0, 0, 0, 0, colorGlyphs ? COLORED : 0};
         }
         int[] numbers = new int[NUMBERS * layers.size()];
         int at = 0;
@@ -172,9 +178,20 @@ final class Look {
                 numbers[at++] = length;
             }
             numbers[at++] = one.layer.blend;
-            numbers[at++] = (one.layer.clip ? 1 : 0) + (one.layer.knockout ? 2 : 0);
+            numbers[at++] = (one.layer.clip ? CLIPPED : 0) + (one.layer.knockout ? KNOCKOUT : 0)
+                    + (isColored(i) ? COLORED : 0);
         }
         return numbers;
+    }
+
+    // Glyphs have their own colours in the layers that say so; in the front one if no layer does.
+    private boolean isColored(int index) {
+        for (StyledLayer one : layers) {
+            if (Boolean.TRUE.equals(one.layer.colorGlyphs)) {
+                return Boolean.TRUE.equals(layers.get(index).layer.colorGlyphs);
+            }
+        }
+        return index == 0 && colorGlyphs && layers.get(0).layer.colorGlyphs == null;
     }
 
     private float[] opacities() {

@@ -64,6 +64,21 @@ abstract class TextLook {
     }
 
     /**
+     * Sets whether emoji and other glyphs with colours of their own are drawn in these, over the effects; initially, and if
+     * no style says otherwise, they are. Else they are silhouettes in the text's colour. Android draws silhouettes always.
+     *
+     * @param own whether in their own colours
+     * @return this text
+     */
+    public ZvText colorGlyphs(boolean own) {
+        synchronized (lock) {
+            begin();
+            look.colorGlyphs = own;
+            return (ZvText) this;
+        }
+    }
+
+    /**
      * Sets the opacity of the whole picture.
      *
      * @param opacity 0 to 1

@@ -16,8 +16,7 @@ import java.util.Map;
  * How a text looks: a style file as {@code zvtext --style} reads it, or one of the presets. Immutable.
  *
  * <p>It is read with the platform's {@code org.json}, which is less strict about the form than {@code zvtext} (it takes the
- * last of two equal keys), and says no different about the values. A canvas is a colour or an object. Emoji are silhouettes in the text's colour
- * whatever {@code color-glyphs} says.
+ * last of two equal keys), and says no different about the values.
  */
 public final class ZvStyle {
     static final Setting SIZE = Setting.number("size", 96, 0, 10000, "px").above();
@@ -41,6 +40,7 @@ public final class ZvStyle {
     final Integer background;
     final Object canvas; // an Integer for a colour, or an Effect
     final Double opacity;
+    final Boolean colorGlyphs;
     final List<Effect> effects;
     final List<Layer> layers; // from the front
     final double designedFor; // the text's size; 0 for any
@@ -76,6 +76,7 @@ public final class ZvStyle {
         final int blend;
         final boolean clip;
         final boolean knockout;
+        final Boolean colorGlyphs;
         final List<Effect> effects;
         private final double spread;
         private final double[] offset;
@@ -88,6 +89,7 @@ public final class ZvStyle {
             blend = (Integer) values.get("blend");
             clip = (Boolean) values.get("clip");
             knockout = (Boolean) values.get("knockout");
+            colorGlyphs = (Boolean) values.get("color-glyphs");
             this.effects = effects;
         }
 
@@ -117,6 +119,7 @@ public final class ZvStyle {
         background = (Integer) values.get("background");
         canvas = values.get("canvas");
         opacity = (Double) values.get("opacity");
+        colorGlyphs = (Boolean) values.get("color-glyphs");
         size = (Double) values.get("size");
         letterSpacing = (Double) values.get("letter-spacing");
         features = (String) values.get("features");

@@ -49,6 +49,9 @@ import java.util.concurrent.locks.Lock;
  * it became unreachable.
  */
 public final class ZvText extends TextLook implements AutoCloseable {
+    // The first half of U+20000. SetLayout loses a part of such characters.
+    private static final char FIRST_ABOVE_1FFFF = '\uD840';
+
     // The native object's handle; negative while there is none. Natives read and write it.
     private int mHandle = -1;
 
@@ -130,6 +133,10 @@ public final class ZvText extends TextLook implements AutoCloseable {
 
     void setLines(Layout layout) {
         check(ZvText_SetLayout(layout), "the layout could not be read");
+        CharSequence words = layout.getText();
+        if (words != null && words.chars().anyMatch(c -> c >= FIRST_ABOVE_1FFFF && c <= Character.MAX_HIGH_SURROGATE)) {
+            check(ZvTextEffects.ZvTextEffects_SetWords(mHandle, words.toString()), "the text could not be set");
+        }
     }
 
     static void check(boolean done, String otherwise) {

@@ -58,7 +58,8 @@ final class ZvTextEffects {
     /**
      * Left, top, right, bottom: the pixels that layers need beside the view.
      *
-     * @param layers from the back, for each its handle, colour, spread, x, y, blend, and 1 (clipped) + 2 (knocked out)
+     * @param layers from the back, for each its handle, colour, spread, x, y, blend, and the sum of 1 if it is clipped, 2 if
+     *     knocked out, 4 if glyphs have their own colours
      * @param opacities one a layer
      */
     static native int[] ZvTextEffects_GetLayerMargins(int[] layers, float[] opacities);
@@ -71,4 +72,10 @@ final class ZvTextEffects {
      */
     static native int[] ZvTextEffects_RenderLayers(
             int handle, int[] layers, float[] opacities, int canvas, int canvasColor, boolean background, float opacity);
+
+    /** The picture with the text's own effects. @param colored whether glyphs have their own colours */
+    static native int[] ZvTextEffects_Render(int handle, boolean colored, boolean background);
+
+    /** Sets the layout's text once more, after {@code ZvText_SetLayout}, which loses part of characters above U+1FFFF. */
+    static native boolean ZvTextEffects_SetWords(int handle, String words);
 }
