@@ -6,6 +6,7 @@
 #include <pybind11/stl.h>
 
 #include <algorithm>
+#include <cstring>
 #include <map>
 #include <mutex>
 #include <string>
@@ -30,8 +31,10 @@ namespace {
 
 // Rows of bytes that Python's buffers refer to: `channels` for each pixel.
 struct Pixels {
-    std::vector<uint8_t> bytes;
+    std::vector<uint32_t> words;
     py::ssize_t width = 0, height = 0, channels = 4;
+
+    uint8_t* bytes() { return reinterpret_cast<uint8_t*>(words.data()); }
 };
 
 py::buffer_info bufferOf(Pixels& pixels) {
@@ -42,7 +45,7 @@ py::buffer_info bufferOf(Pixels& pixels) {
         strides.push_back(1);
     }
     const auto dimensions = static_cast<py::ssize_t>(shape.size());
-    return {pixels.bytes.data(), 1, "B", dimensions, std::move(shape), std::move(strides), true};
+    return {pixels.bytes(), 1, "B", dimensions, std::move(shape), std::move(strides), true};
 }
 
 // Part of a text and where it lies. Offsets count code points, as Python's strings do.
@@ -56,13 +59,24 @@ Span spanOf(const TextRange& range, const Box& box, int baseline) {
     return {range.startCharacter, range.endCharacter, {box.left, box.top, box.right, box.bottom}, baseline};
 }
 
-// Its buffer is the straight RGBA.
+// Its buffer is the straight RGBA, which the rendering's picture has no more. Only measured, it has no rows.
 struct PythonPicture : Pixels {
     explicit PythonPicture(Scene drawn, Rendering made)
         : scene(std::move(drawn)), rendering(std::move(made)) {
-        bytes = pixelBytes(rendering.picture);
+        words = std::move(rendering.picture.pixels);
+        convertPixels(words.data(), words.size(), PixelFormat::Rgba, words.data());
         width = rendering.metrics.width;
-        height = bytes.empty() ? 0 : rendering.metrics.height;
+        height = words.empty() ? 0 : rendering.metrics.height;
+    }
+
+    Picture picture() const {
+        Picture argb = {static_cast<int>(width), static_cast<int>(height), words};
+        for (uint32_t& word : argb.pixels) {
+            uint8_t rgba[4];
+            std::memcpy(rgba, &word, 4);
+            word = uint32_t{rgba[3]} << 24 | uint32_t{rgba[0]} << 16 | uint32_t{rgba[1]} << 8 | rgba[2];
+        }
+        return argb;
     }
 
     Scene scene;
@@ -100,12 +114,12 @@ Pixels coverageOf(const PythonPicture& picture) {
     mask.channels = 1;
     mask.width = picture.rendering.metrics.width;
     mask.height = picture.rendering.metrics.height;
-    mask.bytes.resize(static_cast<size_t>(mask.width * mask.height));
+    mask.words.resize(static_cast<size_t>(mask.width * mask.height + 3) / 4);
     for (int y = std::max(0, -dy); y < bare.picture.height && y + dy < mask.height; ++y) {
         for (int x = std::max(0, -dx); x < bare.picture.width && x + dx < mask.width; ++x) {
             const size_t source =
                 static_cast<size_t>(y) * static_cast<size_t>(bare.picture.width) + static_cast<size_t>(x);
-            mask.bytes[static_cast<size_t>((y + dy) * mask.width + x + dx)] =
+            mask.bytes()[static_cast<size_t>((y + dy) * mask.width + x + dx)] =
                 static_cast<uint8_t>(bare.picture.pixels[source] >> 24);
         }
     }
@@ -113,16 +127,26 @@ Pixels coverageOf(const PythonPicture& picture) {
 }
 
 Pixels premultiplied(const PythonPicture& picture) {
-    return {pixelBytes(picture.rendering.picture, PixelFormat::RgbaPremultiplied), picture.width,
-            picture.height};
+    Picture argb = picture.picture();
+    convertPixels(argb.pixels.data(), argb.pixels.size(), PixelFormat::RgbaPremultiplied, argb.pixels.data());
+    return {std::move(argb.pixels), picture.width, picture.height};
+}
+
+std::string encode(const PythonPicture& picture, const std::string& format, double dpi) {
+    if (picture.words.empty()) throw UsageError("picture: it was measured, not drawn");
+    if (format == "png") return encodePng(picture.picture(), dpi);
+    if (std::max(picture.width, picture.height) > kMaxWebpSide) {
+        throw UsageError("format: webp takes at most " + std::to_string(kMaxWebpSide) +
+                         " pixels a side; take png");
+    }
+    return encodeWebp(picture.picture());
 }
 
 py::bytes encoded(const PythonPicture& picture, const std::string& format, double dpi) {
     std::string bytes;
     {
         const py::gil_scoped_release others;
-        const Picture& pixels = picture.rendering.picture;
-        bytes = format == "webp" ? encodeWebp(pixels) : encodePng(pixels, dpi);
+        bytes = encode(picture, format, dpi);
     }
     return bytes;
 }
@@ -221,7 +245,7 @@ void bindPicture(py::module_& module) {
                                [](const PythonPicture& picture) { return picture.rendering.warnings; })
         .def("premultiplied", premultiplied, others)
         .def("coverage", coverageOf, others)
-        .def("encode", encoded);
+        .def("_encode", encoded);
 }
 
 }  // namespace

@@ -23,10 +23,7 @@ def render_block(first: int, titles: list, folder: str) -> int:
 
     style = zvex.Text(font="DejaVu Sans:bold", size=48, stroke="4:#202020", outer_shadow="size=8", no_fallback=True)
     for number, title in enumerate(titles, first):
-        target = pathlib.Path(folder, f"{number:06}.png")
-        part = target.with_suffix(f".{os.getpid()}.part")
-        style.render(title).save(part, format="png")
-        os.replace(part, target)
+        style.render(title).save(pathlib.Path(folder, f"{number:06}.png"))
     return len(titles)
 
 

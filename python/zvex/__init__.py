@@ -12,15 +12,16 @@ pixels, y grows downwards. Offsets into a text count code points, as Python's ow
 """
 from __future__ import annotations
 
+import contextlib
 import json
 import os
-import tempfile
+import secrets
 from collections import deque
 from concurrent.futures import Future, ThreadPoolExecutor
 from typing import TYPE_CHECKING, Any, Deque, Dict, Iterable, Iterator, List, Mapping, Optional, Tuple, Union
 
 from . import _zvex
-from ._zvex import Pixels, Span, __version__, fonts, options, presets
+from ._zvex import Pixels, Span, __version__, options, presets
 
 if TYPE_CHECKING:
     from PIL.Image import Image  # type: ignore[import]
@@ -32,7 +33,7 @@ Path = Union[str, "os.PathLike[str]"]
 
 
 class Error(ValueError):
-    """What is wrong: `option` is the keyword, and what lies in it ("stroke width"); `reason` a sentence."""
+    """What is wrong: `option` is the keyword, and what lies in it ("stroke width"); `reason` says why."""
 
     def __init__(self, option: str, reason: str) -> None:
         super().__init__(option, reason)
@@ -51,40 +52,45 @@ class Picture(_zvex.Picture):
     its baseline), `baseline` and `margins` (left, top, right, bottom: what the effects take around the text) are
     pixels. `lines` and `clusters` are Spans: `start` and `end` in the text, `box`, `baseline`. `premultiplied()`
     has the same pixels with colours multiplied by alpha, `coverage()` the glyphs alone, (height, width) uint8.
-    `warnings` names characters that no font has.
+    `warnings` names characters that no font has. A measured one has no rows of pixels.
     """
 
-    def save(self, path: Path, *, format: Optional[str] = None, dpi: float = 72) -> None:
-        """Writes "png" or "webp" (lossless), by the path's ending if `format` is not given. The file appears when
-        it is complete."""
-        name = os.fspath(path)
-        kind = (format or os.path.splitext(name)[1][1:] or "png").lower()
+    def encode(self, format: str = "png", *, dpi: float = 72) -> bytes:
+        """The content of a file: "png" or "webp" (lossless). `dpi`, 1 to 10000, is noted in a PNG."""
+        kind = str(format).lower()
         if kind not in ("png", "webp"):
-            raise Error("format", f"{kind!r} is not png or webp")
-        data = self.encode(kind, dpi)
+            raise Error("format", f"{format!r} is not png or webp")
+        if not isinstance(dpi, (int, float)) or not 1 <= dpi <= 10000:
+            raise Error("dpi", f"{dpi!r} is not a number from 1 to 10000")
+        return self._encode(kind, float(dpi))
+
+    def save(self, path: Path, *, format: Optional[str] = None, dpi: float = 72) -> None:
+        """Writes what `encode` makes, in the format of the path's ending if none is given. The file appears when
+        it is complete."""
+        name = os.fsdecode(path)
+        data = self.encode(format or os.path.splitext(name)[1][1:] or "png", dpi=dpi)
+        part = os.path.join(os.path.dirname(name), f".zvex-{secrets.token_hex(8)}.part")
         try:
-            handle, part = tempfile.mkstemp(dir=os.path.dirname(name) or ".")
-            try:
-                with open(handle, "wb") as file:
-                    file.write(data)
-                umask = os.umask(0)
-                os.umask(umask)
-                os.chmod(part, 0o666 & ~umask)
-                os.replace(part, name)
-            except BaseException:
+            with open(part, "xb") as file:
+                file.write(data)
+            os.replace(part, name)
+        except (OSError, ValueError) as error:
+            raise Error("path", f"cannot write {name!r}: {getattr(error, 'strerror', error)}") from None
+        finally:
+            with contextlib.suppress(OSError, ValueError):
                 os.unlink(part)
-                raise
-        except OSError as error:
-            raise Error("path", f"cannot write {name!r}: {error.strerror}") from None
 
     def to_pil(self) -> "Image":
         """A Pillow image, mode RGBA, with pixels of its own."""
         from PIL import Image  # type: ignore[import]
 
-        return Image.frombuffer("RGBA", (self.width, self.height), bytes(self), "raw", "RGBA", 0, 1)
+        pixels = bytes(self)
+        if not pixels:
+            raise Error("picture", "it was measured, not drawn")
+        return Image.frombuffer("RGBA", (self.width, self.height), pixels, "raw", "RGBA", 0, 1)
 
     def _repr_png_(self) -> bytes:
-        return self.encode("png", 72)
+        return self.encode()
 
 
 def _plain(value: Any) -> Any:
@@ -101,25 +107,40 @@ def _read(given: Mapping[str, Any]) -> Tuple[str, Dict[str, bytes]]:
     data: Dict[str, bytes] = {}
 
     def named(value: Any) -> Any:
-        if not isinstance(value, (bytes, bytearray, memoryview)):
+        if isinstance(value, str):
+            return value
+        try:
+            copied = bytes(memoryview(value))
+        except TypeError:
             return value
         name = f"bytes {len(data)}"
-        data[name] = bytes(value)
+        data[name] = copied
         return name
 
     values: Dict[str, Any] = {}
     for option, value in given.items():
-        if option == "font":
-            value = named(value)
-        if option == "fallback":
-            value = [named(one) for one in value] if isinstance(value, (list, tuple)) else [named(value)]
         try:
-            text = json.dumps(value, allow_nan=False, default=_plain)
-            text.encode("utf-8")
+            if option == "font":
+                value = named(value)
+            if option == "fallback":
+                value = [named(one) for one in value] if isinstance(value, (list, tuple)) else [named(value)]
+            text = json.dumps(value, allow_nan=False, default=_plain, ensure_ascii=False)
+            (option + text).encode("utf-8")
             values[option.replace("_", "-")] = json.loads(text)
+        except UnicodeEncodeError:
+            raise Error(option, "it has a lone surrogate") from None
         except (TypeError, ValueError, RecursionError) as error:
             raise Error(option, str(error)) from None
-    return json.dumps(values), data
+    return json.dumps(values, ensure_ascii=False), data
+
+
+def _utf8(text: str) -> bytes:
+    if not isinstance(text, str):
+        raise Error("text", f"{type(text).__name__} is not a str")
+    try:
+        return text.encode("utf-8")
+    except UnicodeEncodeError as error:
+        raise Error("text", f"it has a lone surrogate at {error.start}") from None
 
 
 class Text:
@@ -134,21 +155,13 @@ class Text:
     def __init__(self, *, font: Font, **given: Any) -> None:
         self._text = _zvex.Text(*_read({"font": font, **given}))
 
-    def _make(self, text: str, draws: bool) -> Picture:
-        if not isinstance(text, str):
-            raise Error("text", f"{type(text).__name__} is not a str")
-        try:
-            return Picture(self._text, text.encode("utf-8"), draws)
-        except UnicodeEncodeError as error:
-            raise Error("text", f"lone surrogate at {error.start}") from None
-
     def render(self, text: str) -> Picture:
         """The picture of the text. Other threads run meanwhile."""
-        return self._make(text, True)
+        return Picture(self._text, _utf8(text), True)
 
     def measure(self, text: str) -> Picture:
         """The same without pixels: size, margins, lines and clusters."""
-        return self._make(text, False)
+        return Picture(self._text, _utf8(text), False)
 
 
 def render(text: str, *, font: Font, **given: Any) -> Picture:
@@ -161,6 +174,11 @@ def render(text: str, *, font: Font, **given: Any) -> Picture:
     return Text(font=font, **given).render(text)
 
 
+def fonts(text: str) -> List[str]:
+    """The system's fonts that have all characters of the text, best first, eight at most."""
+    return _zvex.fonts(_utf8(text))
+
+
 def schema() -> Dict[str, Any]:
     """The JSON Schema of styles."""
     result: Dict[str, Any] = json.loads(_zvex.schema())
@@ -170,9 +188,11 @@ def schema() -> Dict[str, Any]:
 def map(jobs: Iterable[Mapping[str, Any]], *, workers: Optional[int] = None) -> Iterator[Picture]:
     """The pictures of `jobs`, dicts of render's arguments, in their order, drawn by several threads.
 
-    `workers` is as many as the cores that the process may use. Four jobs for each are under way at the most, so
+    `workers` is as many as the cores that the process may use; 0 means that, too. Four jobs for each are under way at the most, so
     that the memory does not grow with their number. The first error is raised in its place and ends it.
     """
+    if workers is not None and (not isinstance(workers, int) or workers < 0):
+        raise Error("workers", f"{workers!r} is not a number of threads")
     count = workers or len(os.sched_getaffinity(0))
     pending: Deque[Future[Picture]] = deque()
     with ThreadPoolExecutor(count) as pool:

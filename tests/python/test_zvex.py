@@ -1,11 +1,14 @@
 # SPDX-License-Identifier: Apache-2.0
 # The module against zvtext, against wrong arguments of every kind, and under threads and processes.
-# ZVTEXT is the program; ZVEX_TEST_RENDERS how long the search for leaks is (3,000).
+# ZVTEXT is the program; ZVEX_TEST_RENDERS how long the searches for leaks and crashes are (3,000).
 import gc
 import json
 import math
 import multiprocessing
 import os
+import pathlib
+import random
+import re
 import resource
 import subprocess
 import threading
@@ -17,6 +20,7 @@ import zvex
 
 FONT = "DejaVu Sans:bold"
 ZVTEXT = os.environ["ZVTEXT"]
+RENDERS = int(os.environ.get("ZVEX_TEST_RENDERS", "3000"))
 SANS = "/usr/share/fonts/truetype/dejavu/DejaVuSans-Bold.ttf"
 
 
@@ -62,7 +66,7 @@ def test_options_are_those_of_the_program(tmp_path, given):
 def test_a_font_is_a_path_a_name_or_bytes(tmp_path):
     data = open(SANS, "rb").read()
     by_name = numpy.asarray(zvex.render("Aß", font=FONT))
-    for font in (SANS, os.fspath(SANS), data, bytearray(data), memoryview(data)):
+    for font in (SANS, pathlib.Path(SANS), data, bytearray(data), memoryview(data), numpy.frombuffer(data, numpy.uint8)):
         assert numpy.array_equal(zvex.render("Aß", font=font), by_name)
     alone = zvex.render("Aß", font=data, fallback=[open(SANS, "rb").read()], no_fallback=True)
     assert numpy.array_equal(alone, by_name)
@@ -120,11 +124,25 @@ def test_files_and_notebooks(tmp_path):
         assert numpy.array_equal(Image.open(tmp_path / name).convert("RGBA"), picture)
     assert numpy.array_equal(picture.to_pil(), picture)
     assert numpy.array_equal(Image.open(io.BytesIO(picture._repr_png_())), picture)
+    for name, given in [("p.gif", {}), ("missing/p.png", {}), ("a\0", {}), ("a\ud800", {}), ("p", {"format": 7}),
+                        *[("p.png", {"dpi": dpi}) for dpi in (0, -1, math.nan, 1e300, 10**400, None, "x")]]:
+        with pytest.raises(zvex.Error):
+            picture.save(tmp_path / name, **given)
+    wide = zvex.render("x", font=FONT, width=20000, size=8)
+    wide.save(tmp_path / "wide.png")
     with pytest.raises(zvex.Error):
-        picture.save(tmp_path / "p.gif")
-    with pytest.raises(zvex.Error):
-        picture.save(tmp_path / "missing" / "p.png")
-    assert sorted(p.name for p in tmp_path.iterdir()) == ["p.png", "p.webp"]
+        wide.save(tmp_path / "wide.webp")
+    assert sorted(p.name for p in tmp_path.iterdir()) == ["p.png", "p.webp", "wide.png"]
+
+
+def test_a_measured_picture_has_no_pixels():
+    measured, drawn = (getattr(zvex.Text(font=FONT, outer_shadow="size=9"), way)("Size") for way in ("measure", "render"))
+    assert (measured.width, measured.height, measured.margins) == (drawn.width, drawn.height, drawn.margins)
+    assert numpy.asarray(measured).shape == (0, drawn.width, 4) and not bytes(measured.premultiplied())
+    assert bytes(measured.coverage()) == bytes(drawn.coverage())
+    for use in (measured.encode, measured.to_pil, measured._repr_png_, lambda: measured.encode("webp")):
+        with pytest.raises(zvex.Error):
+            use()
 
 
 ERRORS = [
@@ -141,6 +159,9 @@ ERRORS = [
     (dict(wide=3), "wide"),
     (dict(style={"effects": [{"type": "stroke", "width": 1000}]}), "style"),
     (dict(style=lambda: 0), "style"),
+    (dict(style={"color": "\ud800"}), "style"),
+    ({"a\ud800": 1}, "a\ud800"),
+    (dict(fallback=["DejaVu Serif", b"no font"]), "fallback"),
     (dict(width=10**6), "width"),
     (dict(preset="no such preset"), "preset"),
 ]
@@ -156,18 +177,25 @@ def test_errors_name_the_option(given, option):
 
 ODD = [None, True, 0, -1, 10**30, math.inf, 1e300, "", "\0", "\ud800", b"\xff", [], [[]], {}, {"a": {}}, (), object(),
        numpy.float32(3), numpy.zeros(3), lambda: 0]
+SOUND = [2, 40, "50%", "#f80", "center", "4:#202020", "size=9,opacity=0.5", "gold", {"size": 4}, "1,2,3,4"]
 
 
 def test_nothing_odd_ends_the_process():
     deep = []
     for _ in range(100_000):
         deep = [deep]
-    for option in ["text", "font", "nothing", *zvex.options()]:
-        for value in [*ODD, deep]:
-            try:
-                zvex.render(**{"text": "x", "font": FONT, "size": 12, option: value})
-            except (zvex.Error, TypeError, MemoryError):
-                pass
+    chance = random.Random(1)
+    options = ["text", "font", "nothing", *zvex.options()]
+    cases = [{option: value} for option in options for value in [*ODD, deep]]
+    cases += [{chance.choice(options): chance.choice(ODD + 2 * SOUND) for _ in range(3)} for _ in range(RENDERS // 3)]
+    drawn = 0
+    for case in cases:
+        given = {"text": "x", "font": FONT, "size": 12, **case}
+        try:
+            drawn += len(bytes(zvex.render(**given).coverage())) > 0
+        except zvex.Error as error:
+            assert re.split("[ .[]", error.option)[0] in given, case
+    assert drawn > 50, (drawn, len(cases))
 
 
 def test_threads_draw_what_one_draws():
@@ -202,8 +230,9 @@ def test_map_keeps_the_order_and_a_bound():
     rest = list(pictures)
     expected = [zvex.render(str(i), font=FONT, size=16) for i in range(100)]
     assert [bytes(p) for p in [first, *rest]] == [bytes(p) for p in expected]
-    with pytest.raises(zvex.Error):
-        list(zvex.map([{"text": "x", "font": FONT, "size": "big"}] * 9))
+    for size, workers in ("big", 2), (9, -1), (9, math.nan), (9, "2"):
+        with pytest.raises(zvex.Error):
+            list(zvex.map([{"text": "x", "font": FONT, "size": size}] * 9, workers=workers))
 
 
 def draw(word):
@@ -223,7 +252,6 @@ def resident():
 
 
 def test_many_pictures_leave_no_memory_behind():
-    renders = int(os.environ.get("ZVEX_TEST_RENDERS", "3000"))
     text = zvex.Text(font=FONT, size=24, stroke=2)
     data = open(SANS, "rb").read()
 
@@ -240,6 +268,6 @@ def test_many_pictures_leave_no_memory_behind():
     draw_some(500)
     gc.collect()
     before = resident()
-    draw_some(renders)
+    draw_some(RENDERS)
     gc.collect()
     assert resident() - before < 4 << 20
