@@ -11,7 +11,7 @@ import java.util.zip.DeflaterOutputStream;
 
 /** PNG files of 8 bits a channel, red, green, blue, alpha. Android and servers have no writer in common. */
 final class PngWriter {
-    private static final int SUB = 1; // each byte less that of the pixel to its left
+    private static final int SUB = 1; // the filter: each byte minus that of the pixel to the left
 
     private PngWriter() {}
 

@@ -5,8 +5,8 @@ import com.orvane.android.sdk.zve.Setting.Tint;
 import java.util.Objects;
 
 /**
- * Raised or sunken edges under a light, for {@link ZvText#bevel} and {@link ZvText#emboss}, which copy it. What is not set is
- * 8 pixels wide, up, soft, lit from the upper left. Not for several threads at once.
+ * Raised or sunken edges in the light, for {@link ZvText#bevel} and {@link ZvText#emboss}, which copy it. At the start they are
+ * 8 pixels wide, raised, soft, and lit from the upper left. For one thread at a time.
  */
 public final class Relief {
     /** The position of a bevel. */
@@ -28,11 +28,11 @@ public final class Relief {
     private Tint shadow = new Tint(0xFF000000, 0.5);
     private float opacity = 1;
 
-    /** With the values above. */
+    /** A relief as described above. */
     public Relief() {}
 
     /**
-     * Sinks it.
+     * Makes the edges sink.
      *
      * @return this relief
      */
@@ -42,7 +42,7 @@ public final class Relief {
     }
 
     /**
-     * Gives it sharp edges.
+     * Makes the edges sharp.
      *
      * @return this relief
      */
@@ -65,7 +65,7 @@ public final class Relief {
     /**
      * Sets how steep the edges are.
      *
-     * @param factor 0 to 10, 1 at first
+     * @param factor 0 to 10; 1 at the start
      * @return this relief
      */
     public Relief depth(float factor) {
@@ -98,7 +98,7 @@ public final class Relief {
     }
 
     /**
-     * Sets the colour of lit edges.
+     * Sets the colour of edges that face the light.
      *
      * @param color 0xAARRGGBB
      * @param opacity 0 to 1, times the colour's alpha
@@ -110,7 +110,7 @@ public final class Relief {
     }
 
     /**
-     * Sets the colour of the other edges.
+     * Sets the colour of edges that face away from the light.
      *
      * @param color 0xAARRGGBB
      * @param opacity 0 to 1, times the colour's alpha

@@ -10,7 +10,7 @@ import android.text.TextPaint;
 import java.util.Map;
 import java.util.concurrent.ConcurrentHashMap;
 
-/** The words, paint and column of a text without a view, and the lines and the size that come of them. */
+/** The words, paint and wrapping of a text without a view, and the lines made of them. */
 final class SelfLayout {
     private static final int UNBROKEN = 1 << 24; // wider than any line may be
     private static final Map<String, Typeface> FACES = new ConcurrentHashMap<>();
@@ -79,7 +79,7 @@ final class SelfLayout {
         return paint;
     }
 
-    /** The lines; those in the middle or right lie in a column of {@link #width}. */
+    /** The lines, aligned in a column as wide as {@link #width}. */
     Layout lines() {
         paint.setTypeface(ofPaint != null ? ofPaint : font != null ? face() : null);
         Layout lines = build(wrap > 0 ? wrap : UNBROKEN, wrap > 0 ? alignment : Layout.Alignment.ALIGN_LEFT);
@@ -87,7 +87,7 @@ final class SelfLayout {
         return done ? lines : build(width(lines), alignment);
     }
 
-    /** The column's width: that set, or of the widest of the lines. */
+    /** The width at which lines wrap, or that of the widest line if they do not. */
     int width(Layout lines) {
         if (wrap > 0) {
             return wrap;

@@ -4,8 +4,8 @@ package com.orvane.android.sdk.zve;
 import java.util.Arrays;
 
 /**
- * The colours of a gradient or glow and where they stand, from its beginning: at most 256, each no further back than the one
- * before. A gradient or glow copies them. Not for several threads at once.
+ * The colours of a gradient or glow and their positions: at most 256, none before the one added earlier. For one thread at a
+ * time.
  */
 public final class Stops {
     static final int MAX = 256;
@@ -33,7 +33,7 @@ public final class Stops {
         return stops;
     }
 
-    /** With positions as the library takes them, 0 to 1. */
+    /** Stops at positions from 0 to 1. */
     static Stops at(String where, int[] colors, float[] positions) {
         if (colors.length != positions.length) {
             throw new IllegalArgumentException(colors.length + " colors, " + positions.length + " positions");
@@ -51,7 +51,7 @@ public final class Stops {
      * Adds a stop.
      *
      * @param color 0xAARRGGBB
-     * @param percent of the way, whole ones count
+     * @param percent of the gradient's length; fractions are cut off
      * @return these stops
      */
     public Stops add(int color, double percent) {
@@ -62,7 +62,7 @@ public final class Stops {
      * Adds a translucent stop.
      *
      * @param color 0xAARRGGBB
-     * @param percent of the way, whole ones count
+     * @param percent of the gradient's length; fractions are cut off
      * @param opacity 0 to 1, times the colour's alpha
      * @return these stops
      */
@@ -73,8 +73,8 @@ public final class Stops {
         return this;
     }
 
-    // The library's positions are hundredths, cut off after a multiplication in single precision: 53 / 100 would arrive
-    // as 52. The next float above arrives as 53.
+    // The library multiplies by 100 in single precision and cuts the fraction off, which makes 52 of 53 / 100f. The next
+    // larger float gives 53.
     private static float hundredths(double percent) {
         float position = (float) (percent / 100);
         return Math.floor(position * 100.0f) < Math.floor(percent) ? Math.nextUp(position) : position;
@@ -91,7 +91,7 @@ public final class Stops {
         positions[count++] = position;
     }
 
-    /** A copy. */
+    /** A copy; throws if there are too few or too many, or if positions fall. */
     Stops checked(String where, boolean required) {
         if (count > MAX || (required && count == 0)) {
             throw new IllegalArgumentException(

@@ -13,7 +13,7 @@ public final class ZvPicture extends PictureImages {
     private final int[] origin; // x, y
 
     /**
-     * A picture of one's own, for a pattern.
+     * A picture of given pixels, for a pattern.
      *
      * @param argb rows of {@code width} pixels from the top, copied
      * @param width in pixels, at least 1
@@ -120,7 +120,7 @@ public final class ZvPicture extends PictureImages {
     }
 
     /**
-     * Writes it as a PNG with these very pixels; an image of the platform's may round translucent ones.
+     * Writes a PNG of exactly these pixels. Going by way of the platform's image may round translucent ones.
      *
      * @param out left open
      * @throws IOException as {@code out} does, and if the picture has no pixels

@@ -31,22 +31,22 @@ import java.util.concurrent.locks.Lock;
  * }
  * }</pre>
  *
- * <p>A picture needs a font, and words or a paint, a view and a layout, in any order. They are read when they are given (a
- * layout once there is a view too); later changes to them may have no effect. There is at most one effect of each kind;
- * adding one again replaces it.
+ * <p>A picture needs a font, and either words or a paint, a view and a layout, set in any order. Paint and view are read when
+ * they are set, a layout when both it and a view are set; later changes to these objects may have no effect. A text has at most
+ * one effect of each kind: another one of the kind replaces it.
  *
- * <p>Colours are {@code 0xAARRGGBB}. Where a method takes an opacity as well, 0 to 1, the colour's alpha scales it. Angles
- * are whole degrees; distances, sizes and stroke widths whole pixels from 0 to 100. An argument outside its range, or none
- * at all (NaN), throws an {@link IllegalArgumentException} that names it.
+ * <p>Colours are {@code 0xAARRGGBB}. Where a method takes an opacity too, the colour's alpha multiplies it. Angles are used as
+ * whole degrees; distances, sizes and stroke widths as whole pixels. A number that is outside its range or NaN throws an {@link
+ * IllegalArgumentException} that names the argument.
  *
  * <p>Null arguments throw a {@link NullPointerException}, and values that the library refuses a {@link ZvException}; the
- * text is then unchanged. An exception thrown by a given object propagates from the call that reads the object.
+ * text is then unchanged. If a paint, view or layout throws an exception, the call that reads it throws that exception.
  *
  * <p>Threads: a text may be used from any thread; calls on one text wait for each other, and renders of several texts run in
- * parallel. The objects handed in must not call back into the kit while they are read.
+ * parallel. Paints, views and layouts must not call the kit while they are read.
  *
- * <p>{@link #close} frees the native memory, including the picture's. If a text is not closed, this happens some time after
- * it became unreachable.
+ * <p>{@link #close} frees the native memory. If it is not called, the memory is freed some time after the text became
+ * unreachable.
  */
 public final class ZvText extends TextLook implements AutoCloseable {
     // The first half of U+20000. SetLayout loses a part of such characters.
@@ -65,7 +65,7 @@ public final class ZvText extends TextLook implements AutoCloseable {
     private volatile boolean used;
 
     /**
-     * A text with nothing set; makes no native object yet.
+     * A text with nothing set.
      *
      * @throws UnsatisfiedLinkError if the library is not found; see {@link ZvLibrary}
      */
@@ -146,9 +146,9 @@ public final class ZvText extends TextLook implements AutoCloseable {
     }
 
     /**
-     * Takes the font from a file; it is read once per process.
+     * Sets the font from a file, which is read once per process.
      *
-     * @param path the file, or a name that is known
+     * @param path the file, or the name under which a font was added earlier
      * @return this text
      */
     public ZvText font(String path) {
@@ -166,11 +166,11 @@ public final class ZvText extends TextLook implements AutoCloseable {
     }
 
     /**
-     * Sets the font from a font file's bytes, which are copied and known by the name from then on, also in {@link
-     * #font(String)}. If the name is known already, the bytes are ignored.
+     * Sets the font from a font file's bytes. Later calls, also {@link #font(String)}, need its name only. If a font has that
+     * name already, that one is set.
      *
-     * @param name the name by which it is known from then on
-     * @param data a font file's bytes
+     * @param name any
+     * @param data the bytes of a font file; copied
      * @return this text
      */
     public ZvText font(String name, byte[] data) {
@@ -189,10 +189,10 @@ public final class ZvText extends TextLook implements AutoCloseable {
     }
 
     /**
-     * Takes the font from an asset, unless its name is known already.
+     * Sets the font from an asset of the application. If a font has that name already, that one is set.
      *
      * @param assets the application's
-     * @param name the name by which it is known from then on
+     * @param name of the asset, and from then on of the font
      * @return this text
      */
     public ZvText font(AssetManager assets, String name) {
@@ -219,7 +219,8 @@ public final class ZvText extends TextLook implements AutoCloseable {
     }
 
     /**
-     * Takes size, scale, skew, spacing, features, flags and languages of the text. The colour comes from the view.
+     * Sets size, scale, skew, spacing, features, flags and languages of the text as the paint has them. The colour comes from
+     * the view.
      *
      * @param paint copied
      * @return this text
@@ -242,8 +243,8 @@ public final class ZvText extends TextLook implements AutoCloseable {
     }
 
     /**
-     * Sets the words of a text without a view: it measures them, breaks them and sizes the picture by itself. A render
-     * throws an {@link IllegalStateException} if they take more than 32767 pixels a side.
+     * Sets the words of a text without a view. It measures them, breaks them into lines and makes the picture as large as they
+     * are. A render throws an {@link IllegalStateException} if that is more than 32767 pixels a side.
      *
      * @param words line endings begin lines
      * @return this text
@@ -259,7 +260,7 @@ public final class ZvText extends TextLook implements AutoCloseable {
     }
 
     /**
-     * Sets the text's size if it has no view; initially 96.
+     * Sets the size of a text without a view; 96 at the start.
      *
      * @param pixels per em, above 0 and up to 10000
      * @return this text
@@ -276,7 +277,7 @@ public final class ZvText extends TextLook implements AutoCloseable {
     /**
      * Breaks the lines of a text without a view.
      *
-     * @param width of the column in pixels; 0 for none: then only line endings in the text end lines
+     * @param width in pixels above which a line is broken; 0 breaks only at line endings in the text
      * @return this text
      */
     public ZvText wrap(int width) {
@@ -289,7 +290,7 @@ public final class ZvText extends TextLook implements AutoCloseable {
     }
 
     /**
-     * Sets the alignment of the lines of a text without a view in their column; initially left.
+     * Sets the alignment of the lines of a text without a view; left at the start.
      *
      * @param align for all lines
      * @return this text
@@ -305,7 +306,7 @@ public final class ZvText extends TextLook implements AutoCloseable {
     }
 
     /**
-     * Takes size, paddings, gravity, line limit and text colour of the picture.
+     * Sets the picture's size, paddings, gravity, line limit and text colour as the view has them.
      *
      * @param view read now
      * @return this text
@@ -323,9 +324,9 @@ public final class ZvText extends TextLook implements AutoCloseable {
     }
 
     /**
-     * Shows that many lines instead of the view's own limit; 0 restores the view's.
+     * Sets how many lines show at most.
      *
-     * @param count 0 or the number of lines
+     * @param count the number of lines; 0 for as many as the view, or a text without a view, has
      * @return this text
      */
     public ZvText lines(int count) {
@@ -356,11 +357,11 @@ public final class ZvText extends TextLook implements AutoCloseable {
     }
 
     /**
-     * Takes what the style sets: effects, in the place of those of their kind, colours, layers, the ground, and of a text
-     * without a view its size, letter spacing and features. Effects that are designed for a size follow the text's, also
-     * when it is set later.
+     * Sets what the style says: effects, which replace those of their kind, colours, layers and canvas; for a text without a view
+     * also size, letter spacing and features. Effects that are designed for a size grow and shrink with the text, also when its
+     * size is set later.
      *
-     * @param style any, also several one after the other
+     * @param style on top of those set before
      * @return this text
      */
     public ZvText style(ZvStyle style) {
@@ -375,9 +376,9 @@ public final class ZvText extends TextLook implements AutoCloseable {
     }
 
     /**
-     * Bytes that are equal for texts with the same effects, added in the same order, and the same colour.
+     * A key for caches: equal for texts with the same effects, added in the same order, and the same colour.
      *
-     * @return the bytes
+     * @return a copy
      */
     public byte[] layerKey() {
         synchronized (lock) {
@@ -424,7 +425,7 @@ public final class ZvText extends TextLook implements AutoCloseable {
     }
 
     private void applyColors() {
-        double share = look.isLayered() ? 1 : look.opacity; // layers are joined before
+        double share = look.isLayered() ? 1 : look.opacity; // joined layers become translucent as a whole
         int behind = look.background != null ? look.background : 0;
         check(ZvText_SetBackgroundColor(Look.faded(behind, share), look.background != null)
                         && ZvTextEffects.ZvTextEffects_SetTextColor(mHandle, Look.faded(textColor(), share)),
@@ -432,7 +433,7 @@ public final class ZvText extends TextLook implements AutoCloseable {
     }
 
     /**
-     * The same with its size, its margins and the position of the text.
+     * Renders the picture, together with its size, its margins and the position of the text.
      *
      * @return the picture
      */
@@ -449,18 +450,18 @@ public final class ZvText extends TextLook implements AutoCloseable {
     }
 
     /**
-     * Of the last picture, in pixels; 0 before the first.
+     * The width of the last picture.
      *
-     * @return pixels
+     * @return pixels; 0 before the first picture
      */
     public int width() {
         return size()[0];
     }
 
     /**
-     * Of the last picture, in pixels; 0 before the first.
+     * The height of the last picture.
      *
-     * @return pixels
+     * @return pixels; 0 before the first picture
      */
     public int height() {
         return size()[1];
@@ -526,7 +527,7 @@ public final class ZvText extends TextLook implements AutoCloseable {
         }
     }
 
-    /** Frees the native memory. Every later call but this one gives an {@link IllegalStateException}. */
+    /** Frees the native memory. Every later call except this one throws an {@link IllegalStateException}. */
     @Override
     public void close() {
         synchronized (lock) {
@@ -537,7 +538,7 @@ public final class ZvText extends TextLook implements AutoCloseable {
         }
     }
 
-    // In the order of their registration. Angles, sizes and opacities as above; kind is not used; position as in Stroke.
+    // In the order of their registration. A stroke's kind is not used; its position is that of Stroke.
 
     private native void ZvText_finalize();
 

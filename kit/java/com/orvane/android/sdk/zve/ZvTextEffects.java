@@ -3,8 +3,8 @@ package com.orvane.android.sdk.zve;
 
 /**
  * The natives beside those of {@link ZvText}: the effects that it has none for, texts without a view, and texts in layers.
- * Each takes the handle of a text's native object, or of several. Adders give the effect's id, or -1; the others false or
- * null if they fail, with error 19 for a handle without an object and 7 for arrays that do not match.
+ * Each takes the handle of a text's native object, or several. Adders return the effect's id, or -1; the others false or null
+ * if they fail. The error is 19 for a handle without an object and 7 for arrays that do not match.
  *
  * <p>Sizes are pixels, angles degrees, opacities 0 to 1; an opacity takes the place of its colour's alpha. A stop is one
  * place of three arrays, its position 0 to 1.

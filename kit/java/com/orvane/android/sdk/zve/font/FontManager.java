@@ -36,8 +36,8 @@ public final class FontManager {
     }
 
     /**
-     * Sets the system's families, the fallback for characters that a font lacks; language-specific ones are loaded when the
-     * first text needs them. Only the first configuration counts; later calls change nothing.
+     * Sets the system's families, which have the characters that a text's font lacks. Families of a language are loaded when a
+     * text first needs them. Later calls change nothing.
      *
      * @param config read now
      * @throws ZvException if the configuration cannot be read; the next call tries again

@@ -26,7 +26,7 @@ public final class FontLock {
     private FontLock() {}
 
     /**
-     * For calls that only read the store. Every method here returns the lock held; the caller gives it back.
+     * For calls that only read the store. Like every method here, it returns a lock that is held; the caller unlocks it.
      *
      * @return the lock, held
      */
@@ -59,7 +59,7 @@ public final class FontLock {
     }
 
     /**
-     * The store has the font of that name now.
+     * Notes that the store has the font of that name.
      *
      * @param name the font's
      */
@@ -82,7 +82,7 @@ public final class FontLock {
     }
 
     /**
-     * For setting a layout's text: it loads the system family of each script but Latin's and the common signs'.
+     * For setting a layout's text, which loads the system families of its scripts, except Latin and common signs.
      *
      * @param layout the one that is set
      * @return the lock, held
@@ -96,7 +96,7 @@ public final class FontLock {
         return change();
     }
 
-    // The library is sure to read what is seen here only if the layout and the text cannot change.
+    // Only of a layout and a text that cannot change: the library reads them again later.
     private static boolean isPlain(Layout layout) {
         CharSequence text = layout instanceof StaticLayout ? layout.getText() : null;
         if (!(text instanceof String)) {
