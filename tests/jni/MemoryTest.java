@@ -60,12 +60,29 @@ final class MemoryTest {
             text.<Boolean>call("SetLayout", layout);
             layout.asked.clear();
             text.<Integer>call("AddLinearGradientTextEffect", 0f, 1f, new int[256], new float[256], new float[256], 1f);
+            useEffects(text.handle());
             if (i % 20 == 0) {
                 text.render();
+                EffectNativesTest.effects("Render", text.handle(), true, false);
+                EffectNativesTest.effects("RenderLayers", text.handle(), new int[] {text.handle(), 0, 1, 0, 0, 0, 4}, new float[1],
+                        0, 0, false, 1f);
             }
             text.call("finalize");
         }
         System.err.println(residentKilobytes() - before);
+    }
+
+    private static void useEffects(int handle) {
+        int[] colors = new int[256];
+        float[] ones = new float[256];
+        EffectNativesTest.effects("AddOuterGlow", handle, 1f, 0, 1f, colors, ones, ones);
+        EffectNativesTest.effects("AddInnerGlow", handle, 1f, 0, 1f, colors, ones, ones);
+        EffectNativesTest.effects("AddRadialGradient", handle, 1f, 1f, colors, ones, ones);
+        EffectNativesTest.effects("AddPattern", handle, colors, 16, 16, 1f, 1f);
+        EffectNativesTest.effects("SetWords", handle, "Text" + " ".repeat(1000));
+        EffectNativesTest.effects("GetLayerKey", handle);
+        EffectNativesTest.effects("GetOrigin", handle);
+        EffectNativesTest.effects("GetLayerMargins", new int[] {handle, 0, 0, 0, 0, 0, 0}, new float[1]);
     }
 
     private static int residentKilobytes() throws IOException {
