@@ -132,8 +132,11 @@ public:
     // Whether the process has ended and closed its files, waited for or not.
     static bool ends(pid_t ending) {
         return comesTrue([&] {
-            const std::string status = slurp("/proc/" + std::to_string(ending) + "/stat");
-            return status.empty() || status.find(") Z ") != std::string::npos;
+            const fs::path process = "/proc/" + std::to_string(ending);
+            const std::string status = slurp(process / "stat");
+            std::error_code gone;
+            const auto threads = std::distance(fs::directory_iterator(process / "task", gone), {});
+            return status.empty() || (threads <= 1 && status.find(") Z ") != std::string::npos);
         });
     }
 
@@ -427,6 +430,35 @@ TEST_F(BatchCommand, ADeadWorkerCostsItsLineAlone) {
     killed.wait();
     EXPECT_TRUE(Running::ends(worker));
     close(held);
+}
+
+// Files that are on their way to the disk when their worker dies are made again.
+TEST_F(BatchCommand, DyingWorkersLoseNoLine) {
+    constexpr int kLines = 60;
+    Running running(arguments("--jobs 2"));
+    std::string lines;
+    for (int i = 1; i <= kLines; ++i)
+        lines +=
+            "{\"text\":\"x\",\"output\":\"d" + std::to_string(i % 7) + "/" + std::to_string(i) + ".png\"}\n";
+    running.put(lines);
+    running.endInput();
+    int errors = 0, kills = 0;
+    for (int i = 1; i <= kLines; ++i) {
+        const Json result = running.next();
+        ASSERT_EQ(result.value("line", 0), i);
+        if (!error(result).empty()) {
+            EXPECT_EQ(error(result), "the worker process died, killed: Killed");
+            ++errors;
+        } else {
+            EXPECT_GT(readPng(result.value("path", "")).ink(), 0u);
+        }
+        const std::vector<pid_t> workers = running.workers();
+        if (i % 5 != 0 || i > kLines - 20) continue;
+        for (const pid_t worker : workers) kills += kill(worker, SIGKILL) == 0 ? 1 : 0;
+    }
+    EXPECT_EQ(running.next(), nullptr);
+    EXPECT_EQ(running.wait(), (errors > 0 ? 1 : 0) << 8);
+    EXPECT_LE(errors, kills);
 }
 
 TEST_F(BatchCommand, AnOutputOrAnInputThatFailsEndsItAfterTheLinesUnderWay) {

@@ -3,42 +3,13 @@
 #define ZVEX_TOOLS_ZVTEXT_BATCH_BATCHCOMMAND_H_
 
 #include <CLI/App.hpp>
-#include <string>
 
-#include "scene/FolderScope.h"
-#include "tools/zvtext/render/RenderCommand.h"
+#include "tools/zvtext/batch/BatchRun.h"
 
 namespace zvtext {
 
-struct BatchArguments {
-    GivenOptions given;  // used for what a line leaves out
-    ReadOptions reads;
-    std::string input = "-";
-    std::string output = "{index}.png";  // the name if a line has none; {index} is the line's number
-    std::string metrics;                 // the same for the metrics; empty: none
-    std::string outputFolder = ".";
-    bool allowOutside = false;  // allows outputs to be absolute or to leave the folder
-    double firstLine = 1;       // the number of the first line
-    int jobs = 1;               // 0: as many as usableCores()
-    bool resume = false, quiet = false;
-};
-
+// Declares the options of batch on `command`; parsing fills `arguments`, which must outlive it.
 void addBatchOptions(CLI::App& command, BatchArguments& arguments);
-
-// Runs `zvtext batch`: renders the lines of the input (see BatchLine.h) in worker processes. Prints one JSON
-// object for each line to standard output, in the order of the lines, as soon as it and those before it are
-// done. If a line is invalid or its worker dies, only that line fails. What workers write to standard error
-// is passed on; this program's messages get the line's number.
-//
-// Memory: one line for each worker, kMaxWaiting results, and some 40 bytes for each output's name (if a name
-// is used again, the later line fails).
-//
-// On SIGINT, SIGTERM or SIGHUP the running lines are finished and printed; a second signal ends it at once.
-// If killed, it never leaves partial pictures. It may leave temporary files, which a run with --resume
-// removes; its workers end with it. If the input or the output fails, it ends after the running lines.
-// Returns the exit status: 0, 1 if a line failed, 128 + the signal. Closed standard output ends the process
-// as SIGPIPE does. Throws UsageError or Failure. The process must have one thread: workers are forks of it.
-int runBatch(const BatchArguments& arguments);
 
 }  // namespace zvtext
 

@@ -5,7 +5,6 @@
 
 #include "scene/Failure.h"
 #include "scene/WebpWriter.h"
-#include "tools/zvtext/render/OutputFile.h"
 
 namespace zvtext {
 
@@ -84,29 +83,36 @@ void checkOutput(const std::string& path, const OutputOptions& options, const st
     }
 }
 
-void writeRendering(const Rendering& rendering, const std::string& path, const OutputOptions& options,
-                    const std::string& option, const std::string& printed) {
+EncodedRendering encodeRendering(const Rendering& rendering, const std::string& path,
+                                 const OutputOptions& options, const std::string& option) {
     checkOutput(path, options, option);
     const OutputFormat format = formatOf(path, options, option);
-    std::string picture;
+    EncodedRendering encoded;
     if (options.premultiplied) {
         Picture copy = rendering.picture;
         uint32_t* pixels = copy.pixels.data();
         convertPixels(pixels, copy.pixels.size(), PixelFormat::ArgbPremultiplied, pixels);
-        picture = encode(copy, format, options.dpi, option);
+        encoded.picture = encode(copy, format, options.dpi, option);
     } else {
-        picture = encode(rendering.picture, format, options.dpi, option);
+        encoded.picture = encode(rendering.picture, format, options.dpi, option);
     }
+    if (!options.metrics.empty()) encoded.metrics = writeMetrics(rendering.metrics);
+    return encoded;
+}
+
+std::vector<NewFile> EncodedRendering::files(const std::string& path, const OutputOptions& options,
+                                             const std::string& option) const {
     std::vector<NewFile> files = {{picture, path, option, options.scope}};
-    const std::string metricsOption = "--metrics";
-    std::string metrics;
-    if (!options.metrics.empty()) {
-        metrics = writeMetrics(rendering.metrics);
-        files.push_back({metrics, options.metrics, metricsOption, options.scope});
-    }
+    if (!options.metrics.empty()) files.push_back({metrics, options.metrics, "--metrics", options.scope});
+    return files;
+}
+
+void writeRendering(const Rendering& rendering, const std::string& path, const OutputOptions& options,
+                    const std::string& option, const std::string& printed) {
+    const EncodedRendering encoded = encodeRendering(rendering, path, options, option);
+    std::vector<NewFile> files = encoded.files(path, options, option);
     // Printed before any file gets its name, so that no picture is left if printing fails.
-    const std::string standardOutput = "-", noOption;
-    if (!printed.empty()) files.push_back({printed, standardOutput, noOption});
+    if (!printed.empty()) files.push_back({printed, "-", ""});
     writeFiles(files);
 }
 

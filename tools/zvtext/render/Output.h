@@ -8,6 +8,7 @@
 #include "scene/FolderScope.h"
 #include "scene/Png.h"
 #include "scene/Rendering.h"
+#include "tools/zvtext/render/OutputFile.h"
 
 namespace zvtext {
 
@@ -33,10 +34,23 @@ constexpr char kWantedPath[] = "the path of a file";
 // empty path, an ending of no format, or the same path for picture and metrics. `option` opens the message.
 void checkOutput(const std::string& path, const OutputOptions& options, const std::string& option);
 
+// The bytes of the files of a rendering.
+struct EncodedRendering {
+    std::string picture, metrics;
+
+    // How they are written to `path` and options.metrics; they refer to the bytes.
+    std::vector<NewFile> files(const std::string& path, const OutputOptions& options,
+                               const std::string& option) const;
+};
+// Throws UsageError as checkOutput does and for a picture that is too large for its format, and
+// std::bad_alloc.
+EncodedRendering encodeRendering(const Rendering& rendering, const std::string& path,
+                                 const OutputOptions& options, const std::string& option);
+
 // Writes the picture to `path`, or to standard output for "-", and the metrics where they are asked for. Each
 // file appears when all of them are whole, and what is `printed` on standard output beside them has arrived,
-// as OutputFile.h has it; on failure neither is left or replaced. Throws UsageError as checkOutput does and
-// for a picture that is too large for its format, Failure, and std::bad_alloc.
+// as OutputFile.h has it; on failure neither is left or replaced. Throws what encodeRendering does, and
+// Failure.
 void writeRendering(const Rendering& rendering, const std::string& path, const OutputOptions& options,
                     const std::string& option, const std::string& printed = "");
 

@@ -2,10 +2,12 @@
 #ifndef ZVEX_TOOLS_ZVTEXT_RENDER_OUTPUTFILE_H_
 #define ZVEX_TOOLS_ZVTEXT_RENDER_OUTPUTFILE_H_
 
+#include <exception>
 #include <string>
 #include <vector>
 
 #include "scene/FolderScope.h"
+#include "tools/zvtext/render/TemporaryFile.h"
 
 namespace zvtext {
 
@@ -23,22 +25,42 @@ void writeFile(const std::string& content, const std::string& path, const std::s
 // regular files are replaced, and missing folders are created.
 struct NewFile {
     const std::string& content;
-    const std::string& path;
-    const std::string& option;
+    std::string path;
+    std::string option;
     FolderScope scope = {};
 };
 void writeFiles(const std::vector<NewFile>& files);
 
-// From now on SIGINT, SIGTERM and SIGHUP remove this process's temporary files before they end it. Ignored
-// signals stay ignored.
-void removeTemporariesOnSignals();
+// The same in steps. Nothing is left without the last one.
+class StagedFile;
+class StagedFiles {
+public:
+    // Writes all but streams (devices, pipes and standard output) to temporary files.
+    explicit StagedFiles(const std::vector<NewFile>& files);
+    StagedFiles(StagedFiles&&) noexcept;
+    StagedFiles& operator=(StagedFiles&&) noexcept;
+    ~StagedFiles();
+
+    bool hasStreams() const;
+
+    // Brings the content to the disk.
+    void sync() const;
+
+    // Writes the streams, from the content, and gives the files their names.
+    void take();
+
+private:
+    friend std::vector<std::exception_ptr> commitTogether(std::vector<StagedFiles>& group);
+    std::vector<StagedFile> mFiles;
+};
+
+// Syncs and names them all, for little more than one of them takes: the disk gets their content at once. The
+// names are on the disk afterwards, too. One that fails leaves the others alone; returns what each one has
+// thrown, null for success. For one thread of a process.
+std::vector<std::exception_ptr> commitTogether(std::vector<StagedFiles>& group);
 
 // Prints `text` on standard output and checks that it was written; throws Failure if not.
 void print(const std::string& text);
-
-// Removes temporary files of killed processes from the folder, if the scope allows that folder. Files of
-// living processes stay, and so do files that cannot be removed.
-void removeTemporaries(const std::string& folder, const FolderScope& scope);
 
 }  // namespace zvtext
 
