@@ -58,6 +58,24 @@ void drawGlyph(const ColourRun::Glyph& glyph, const PlacedRun& placed, const ZvR
 
 }  // namespace
 
+void addGlyphs(ColourRun& run, const SkPaint& font, size_t count,
+               const std::function<ColourRun::Candidate(size_t)>& glyphAt) {
+    const host::FontFace* face = font.getTypeface()->face().get();
+    const bool svg = hb_ot_color_has_svg(face->hbFace()) != 0;
+    if (!face->hasColours() && !svg) return;
+    const host::GlyphStyle style = host::glyphStyleOf(font);
+    for (size_t i = 0; i < count; ++i) {
+        const ColourRun::Candidate glyph = glyphAt(i);
+        const float width = glyph.ink.mRight - glyph.ink.mLeft, height = glyph.ink.mBottom - glyph.ink.mTop;
+        host::GlyphPen pen;
+        if (!(width > 0) || !host::placePen(glyph.x, glyph.y, style, &pen)) continue;
+        if (svg) run.hasSvg = run.hasSvg || hasSvgPicture(*face, glyph.id);
+        if (!face->hasColours()) continue;
+        run.hasLarge = run.hasLarge || width * height > kMostPixels;
+        run.glyphs.push_back({face, glyph.id, style, pen});
+    }
+}
+
 ColourRun colourRunOf(const minikin::Layout& layout, const minikin::MinikinRect& ink,
                       const android::Paint& paint) {
     ColourRun run;
@@ -65,28 +83,15 @@ ColourRun colourRunOf(const minikin::Layout& layout, const minikin::MinikinRect&
     run.height = static_cast<int>(truncateToUnsigned(ink.mBottom - ink.mTop));
     run.baseline = truncateToInt(-ink.mTop);
     android::Paint font(paint);
-    const auto addGlyphs = [&](size_t start, size_t end) {
-        const host::FontFace* face = font.getTypeface()->face().get();
-        const bool svg = hb_ot_color_has_svg(face->hbFace()) != 0;
-        if (!face->hasColours() && !svg) return;
-        const host::GlyphStyle style = host::glyphStyleOf(font);
-        for (size_t i = start; i < end; ++i) {
-            const int index = static_cast<int>(i);
-            const uint32_t id = layout.getGlyphId(index);
-            const minikin::MinikinRect& box = host::LayoutGlyphs::inkOf(layout, index);
-            const float width = box.mRight - box.mLeft, height = box.mBottom - box.mTop;
-            host::GlyphPen pen;
-            if (!(width > 0) ||
-                !host::placePen(layout.getX(index) - ink.mLeft, layout.getY(index) - ink.mTop, style, &pen)) {
-                continue;
-            }
-            if (svg) run.hasSvg = run.hasSvg || hasSvgPicture(*face, id);
-            if (!face->hasColours()) continue;
-            run.hasLarge = run.hasLarge || width * height > kMostPixels;
-            run.glyphs.push_back({face, id, style, pen});
-        }
+    const auto addRun = [&](size_t start, size_t end) {
+        addGlyphs(run, font, end - start, [&](size_t i) {
+            const int index = static_cast<int>(start + i);
+            return ColourRun::Candidate{layout.getGlyphId(index), layout.getX(index) - ink.mLeft,
+                                        layout.getY(index) - ink.mTop,
+                                        host::LayoutGlyphs::inkOf(layout, index)};
+        });
     };
-    android::MinikinUtils::forFontRun(layout, &font, addGlyphs);
+    android::MinikinUtils::forFontRun(layout, &font, addRun);
     return run;
 }
 

@@ -5,7 +5,9 @@
 #include <hwui/Paint.h>
 #include <minikin/Layout.h>
 
+#include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <vector>
 
 #include "effect/TextLayers.h"
@@ -23,17 +25,27 @@ struct ColourRun {
         host::GlyphStyle style;
         host::GlyphPen pen;
     };
+    // Any glyph of the line: its pen, counted like those above, and its ink.
+    struct Candidate {
+        uint32_t id;
+        float x, y;
+        minikin::MinikinRect ink;
+    };
     std::vector<Glyph> glyphs;
     // Glyphs whose colours are not read, since the font has them as SVG, and those too large to be painted.
     bool hasSvg = false, hasLarge = false;
+    int left = 0;               // of the image, from the line's left end
     int width = 0, height = 0;  // of the image
     int baseline = 0;           // below its top
 };
-// `ink` is the layout's.
+// Adds those of `count` glyphs that may have colours. `font` is set up to draw them.
+void addGlyphs(ColourRun& run, const SkPaint& font, size_t count,
+               const std::function<ColourRun::Candidate(size_t)>& glyphAt);
+// All of a layout; `ink` is the layout's.
 ColourRun colourRunOf(const minikin::Layout& layout, const minikin::MinikinRect& ink,
                       const android::Paint& paint);
 
-// A run in the picture: its left end and baseline.
+// A run in the picture: the left end of its image, and its baseline.
 struct PlacedRun {
     const ColourRun* run;
     int x, y;

@@ -33,8 +33,7 @@ struct TextRange {
 struct GlyphMetrics {
     size_t cluster = 0;  // first byte of the characters that the glyph stands for
     // The box of the glyph's outline, without effects; fractional if a mark is positioned between pixels. A
-    // blank glyph's box has no width and height and lies on the baseline, at the pen. The box may extend
-    // beyond what is drawn: lines are cut off at their advance and at the padding.
+    // blank glyph's box has no width and height and lies on the baseline, at the pen.
     Box box;
 };
 
@@ -53,9 +52,12 @@ struct LineMetrics : TextRange {
 
 struct Metrics {
     int width = 0, height = 0;
-    Margins margins;   // around the view; below 0 if a trimmed picture is smaller than the view
+    // Around the view: what the effects take, and ink that leans out of the view, such as the end of an
+    // italic f. Below 0 if a trimmed picture is smaller than the view.
+    Margins margins;
     int baseline = 0;  // of the first line
-    Point origin;  // left end of the first line, on its baseline; outside the picture if that much is trimmed
+    Point origin;  // left end of the first line, on its baseline: the first letter's pen; outside the picture
+                   // if that much is trimmed
     std::vector<LineMetrics> lines;  // the visible lines
 };
 

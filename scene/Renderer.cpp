@@ -42,22 +42,90 @@ int gravityBits(const Scene& scene) {
 void alignLines(std::vector<Zvex::LaidOutLine>& lines, Scene::Align align, int innerWidth) {
     for (Zvex::LaidOutLine& line : lines) {
         const float room = static_cast<float>(innerWidth) - line.width;
-        if (align == Scene::Align::Center) line.left = std::floor(room / 2);
-        if (align == Scene::Align::Right) line.left = room;
+        if (align == Scene::Align::Center) line.left = std::round(room / 2);
+        if (align == Scene::Align::Right) line.left = std::floor(room);
     }
 }
 
-// A scene's lines in its view, and the size of the picture: the view plus the effects' margins.
+int64_t floorOf(float value) {
+    return static_cast<int64_t>(std::floor(value));
+}
+int64_t ceilingOf(float value) {
+    return static_cast<int64_t>(std::ceil(value));
+}
+
+// A scene's lines in its view, and the size of the picture: the view plus margins.
 struct PlacedScene {
     int width = 0, height = 0;
-    Margins margins;
+    Margins margins;                // those of the effects, and room for ink beyond the view
+    Point origin;                   // of the lines' coordinates in the picture
     size_t first = 0;               // the first line of the text that shows
     std::vector<ZvLineInfo> lines;  // the lines that show
 };
 
+// The picture's size, from the view's and the margins. Throws UsageError if it is too large.
+void setSize(PlacedScene& placed, const Scene& scene, int64_t viewWidth, int64_t viewHeight) {
+    const int64_t width = viewWidth + placed.margins.left + placed.margins.right;
+    const int64_t height = viewHeight + placed.margins.top + placed.margins.bottom;
+    // One picture for each layer, besides the one that they are joined on.
+    const auto pictures = static_cast<int64_t>(std::max<size_t>(scene.style.layers.size(), 1));
+    const int64_t side = std::min(scene.limits.side, kMaxSide);
+    const int64_t most = std::min(scene.limits.pixels, 3 * kMaxPixels / pictures);
+    if (width > side || height > side || width * height > most) {
+        throw UsageError(std::string(scene.width > 0 ? "--width" : "--size") + ": the picture would be " +
+                         std::to_string(width) + " x " + std::to_string(height) + " pixels; at most " +
+                         std::to_string(side) + " a side and " + std::to_string(most) + " in all");
+    }
+    placed.width = static_cast<int>(width);
+    placed.height = static_cast<int>(height);
+}
+
+// How far the ink of the lines leans out of `inner`, the view without its padding. Lines that themselves
+// stand out of it, being too long or too many, are cut off as before.
+Margins leaningOf(const PlacedScene& placed, const LaidOutText& text, const ZvRect& inner) {
+    Margins lean;
+    for (size_t i = 0; i < placed.lines.size(); ++i) {
+        const ZvLineInfo& line = placed.lines[i];
+        const Box& ink = text.inks[placed.first + i];
+        if (ink.left >= ink.right) continue;
+        const auto add = [](int& side, bool within, int64_t beyond) {
+            if (within) side = static_cast<int>(std::max<int64_t>(side, beyond));
+        };
+        add(lean.left, line.rect.left >= inner.left, inner.left - (line.x + floorOf(ink.left)));
+        add(lean.top, line.rect.top >= inner.top, inner.top - (line.y + floorOf(ink.top)));
+        add(lean.right, line.rect.right <= inner.right, line.x + ceilingOf(ink.right) - inner.right);
+        add(lean.bottom, line.rect.bottom <= inner.bottom, line.y + ceilingOf(ink.bottom) - inner.bottom);
+    }
+    return lean;
+}
+
+// Makes room for ink that leans out of the view. The padding takes it first, and the clip then leaves as much
+// of the padding to it.
+void makeRoom(PlacedScene& placed, const Margins& lean, const Padding& pad, ZvView& view) {
+    const auto room = [](int leaning, int padding) { return std::max(leaning - padding, 0); };
+    const Margins more = {room(lean.left, pad.left), room(lean.top, pad.top), room(lean.right, pad.right),
+                          room(lean.bottom, pad.bottom)};
+    for (ZvLineInfo& line : placed.lines) {
+        line.x += more.left;
+        line.y += more.top;
+        line.rect.left += more.left;
+        line.rect.right += more.left;
+        line.rect.top += more.top;
+        line.rect.bottom += more.top;
+    }
+    placed.margins.left += more.left;
+    placed.margins.top += more.top;
+    placed.margins.right += more.right;
+    placed.margins.bottom += more.bottom;
+    const auto rest = [](int padding, int leaning) { return std::max(padding - leaning, 0); };
+    view.SetPadding(rest(pad.left, lean.left), rest(pad.top, lean.top), rest(pad.right, lean.right),
+                    rest(pad.bottom, lean.bottom));
+}
+
 // Sets up the object's view; its effects must have been added.
-PlacedScene placeScene(ZvTextObject& object, const Scene& scene, std::vector<Zvex::LaidOutLine> lines) {
+PlacedScene placeScene(ZvTextObject& object, const Scene& scene, const LaidOutText& text) {
     PlacedScene placed;
+    std::vector<Zvex::LaidOutLine> lines = text.lines;
     const size_t shown = scene.maxLines > 0
                              ? std::min<size_t>(lines.size(), static_cast<size_t>(scene.maxLines))
                              : lines.size();
@@ -76,59 +144,51 @@ PlacedScene placeScene(ZvTextObject& object, const Scene& scene, std::vector<Zve
     const int64_t viewWidth = int64_t{innerWidth} + pad.left + pad.right;
     const int64_t viewHeight =
         scene.height > 0 ? scene.height : int64_t{std::max(linesHeight, 1)} + pad.top + pad.bottom;
-    placed.margins = {effect.getLeftOffset(), effect.getTopOffset(), effect.getRightOffset(),
-                      effect.getBottomOffset()};
-    const int64_t width = viewWidth + placed.margins.left + placed.margins.right;
-    const int64_t height = viewHeight + placed.margins.top + placed.margins.bottom;
-    // One picture for each layer, besides the one that they are joined on.
-    const auto pictures = static_cast<int64_t>(std::max<size_t>(scene.style.layers.size(), 1));
-    const int64_t side = std::min(scene.limits.side, kMaxSide);
-    const int64_t most = std::min(scene.limits.pixels, 3 * kMaxPixels / pictures);
-    if (width > side || height > side || width * height > most) {
-        throw UsageError(std::string(scene.width > 0 ? "--width" : "--size") + ": the picture would be " +
-                         std::to_string(width) + " x " + std::to_string(height) + " pixels; at most " +
-                         std::to_string(side) + " a side and " + std::to_string(most) + " in all");
-    }
-    placed.width = static_cast<int>(width);
-    placed.height = static_cast<int>(height);
+    placed.origin = {effect.getLeftOffset(), effect.getTopOffset()};
+    placed.margins = {placed.origin.x, placed.origin.y, effect.getRightOffset(), effect.getBottomOffset()};
+    setSize(placed, scene, viewWidth, viewHeight);
     view.gravity = gravityBits(scene);
     view.maxLines = static_cast<int>(shown);
     view.SetSize(static_cast<int>(viewWidth), static_cast<int>(viewHeight));
     view.SetPadding(pad.left, pad.top, pad.right, pad.bottom);
+    placed.lines = Zvex::placeLines(view, lines.data(), static_cast<int>(lines.size()));
+
+    const ZvRect inner(pad.left, pad.top, static_cast<int>(viewWidth) - pad.right,
+                       static_cast<int>(viewHeight) - pad.bottom);
+    makeRoom(placed, leaningOf(placed, text, inner), pad, view);
+    setSize(placed, scene, viewWidth, viewHeight);
     view.SetBitmapWidth(placed.width);
     view.SetBitmapHeight(placed.height);
-    placed.lines = Zvex::placeLines(view, lines.data(), static_cast<int>(lines.size()));
     return placed;
 }
 
-// `glyphs` are those of the first placed line.
-std::vector<LineMetrics> measureLines(const std::vector<ZvLineInfo>& placed,
-                                      const std::vector<LineGlyph>* glyphs, const Margins& margins,
-                                      const std::string& text) {
-    const std::vector<uint32_t> offsets = byteOffsets(text);
-    const auto offsetOf = [&](size_t unit) { return offsets[std::min(unit, offsets.size() - 1)]; };
+std::vector<LineMetrics> measureLines(const PlacedScene& placed, const LaidOutText& laidOut,
+                                      const SceneText& text) {
     std::vector<LineMetrics> lines;
-    for (const ZvLineInfo& info : placed) {
+    for (size_t i = 0; i < placed.lines.size(); ++i) {
+        const ZvLineInfo& info = placed.lines[i];
         LineMetrics& line = lines.emplace_back();
-        line.start = offsetOf(static_cast<size_t>(info.start));
-        line.end = offsetOf(static_cast<size_t>(info.end));
-        line.baseline = info.y + margins.top;
+        line.start = text.offsetOf(static_cast<size_t>(info.start));
+        line.end = text.offsetOf(static_cast<size_t>(info.end));
+        line.baseline = info.y + placed.origin.y;
         const Box box = {static_cast<float>(info.rect.left), static_cast<float>(info.rect.top),
                          static_cast<float>(info.rect.right), static_cast<float>(info.rect.bottom)};
-        line.box = moved(box, margins.left, margins.top);
-        for (const LineGlyph& glyph : *glyphs++) {
+        line.box = moved(box, placed.origin.x, placed.origin.y);
+        for (const LineGlyph& glyph : laidOut.glyphs[placed.first + i]) {
             line.glyphs.push_back(
-                {offsetOf(glyph.cluster), moved(glyph.box, info.x + margins.left, line.baseline)});
+                {text.offsetOf(glyph.cluster), moved(glyph.box, info.x + placed.origin.x, line.baseline)});
         }
     }
     return lines;
 }
 
-// `runs` begin with that of the first line placed.
-std::vector<PlacedRun> placeRuns(const ColourRun* runs, const PlacedScene& placed) {
+std::vector<PlacedRun> placeRuns(const LaidOutText& laidOut, const PlacedScene& placed) {
     std::vector<PlacedRun> result;
-    for (const ZvLineInfo& info : placed.lines)
-        result.push_back({runs++, info.x + placed.margins.left, info.y + placed.margins.top});
+    for (size_t i = 0; i < placed.lines.size(); ++i) {
+        const ColourRun& run = laidOut.colours[placed.first + i];
+        result.push_back(
+            {&run, placed.lines[i].x + placed.origin.x + run.left, placed.lines[i].y + placed.origin.y});
+    }
     return result;
 }
 
@@ -177,16 +237,22 @@ private:
 
 // A laid-out text, without its style. Its object keeps the lines' images.
 struct Renderer::Text {
-    explicit Text(const Scene& scene) : from(scene), fonts(takeFonts(scene)) {
+    explicit Text(const Scene& scene)
+        : from(scene),
+          fonts(takeFonts(scene)),
+          text(scene),
+          shaper(shaperOf(scene, fonts, text)),
+          laidOut(layOutText(shaper, scene, fonts, text)) {
         if (!object.Construct()) throw std::bad_alloc();
-        setText(object, scene, fonts);
-        laidOut = layOutText(object, scene, fonts);
+        setText(object, fonts, text, shaper);
     }
 
     const ShapedFrom from;
     const SceneFonts fonts;
+    const SceneText text;
+    const LineShaper shaper;
+    const LaidOutText laidOut;
     ZvTextObject object;
-    LaidOutText laidOut;
 };
 
 struct Renderer::Kept {
@@ -231,30 +297,28 @@ Rendering Renderer::make(const Scene& scene, const Sink& sink) {
         addEffects(*object.GetEffect(), style.effects);
     }
 
-    const PlacedScene placed = placeScene(object, scene, text->laidOut.lines);
+    const PlacedScene placed = placeScene(object, scene, text->laidOut);
     setLines(object, placed.lines);
     Rendering rendering;
     for (std::string warning : {missingWarning(text->fonts, scene.systemFallback),
                                 silhouetteWarning(text->laidOut.colours, style)}) {
         if (!warning.empty()) rendering.warnings.push_back(std::move(warning));
     }
-    const Margins& margins = placed.margins;
     rendering.picture.width = placed.width;
     rendering.picture.height = placed.height;
     const ZvLineInfo& first = placed.lines.front();
-    rendering.metrics = {
-        placed.width,
-        placed.height,
-        margins,
-        first.y + margins.top,
-        {first.x + margins.left, first.y + margins.top},
-        measureLines(placed.lines, &text->laidOut.glyphs[placed.first], margins, scene.text)};
+    rendering.metrics = {placed.width,
+                         placed.height,
+                         placed.margins,
+                         first.y + placed.origin.y,
+                         {first.x + placed.origin.x, first.y + placed.origin.y},
+                         measureLines(placed, text->laidOut, text->text)};
     addClusters(rendering.metrics, scene.text);
     if (sink) {
         std::optional<Zvex::ZvBitmap> joined;
         if (layered) {
             layered->render(joined.emplace(placed.width, placed.height, 4u),
-                            placeRuns(&text->laidOut.colours[placed.first], placed));
+                            placeRuns(text->laidOut, placed));
         }
         const unsigned* pixels = layered ? reinterpret_cast<const unsigned*>(joined->pixels)
                                          : object.RenderTextEffect(placed.width, placed.height);

@@ -2,18 +2,14 @@
 #include "scene/SceneLayout.h"
 
 #include <hwui/MinikinSkia.h>
-#include <hwui/MinikinUtils.h>
 #include <hwui/Typeface.h>
-#include <minikin/Layout.h>
 #include <unicode/utf16.h>
 #include <unicode/utf8.h>
 
 #include <algorithm>
 #include <cmath>
-#include <memory>
 
 #include "foundation/ZvString.h"
-#include "platform/host/LayoutGlyphs.h"
 #include "platform/host/LineBreaker.h"
 #include "scene/Failure.h"
 #include "scene/SceneFonts.h"
@@ -38,75 +34,92 @@ android::Paint paintOf(const Style& style) {
     return paint;
 }
 
-class LineShaper {
-public:
-    LineShaper(ZvTextObject& object, const android::Typeface& typeface, const std::u16string& text)
-        : mPaint(object.GetPaint()), mTypeface(typeface), mText(text) {}
-
-    const uint16_t* units() const { return reinterpret_cast<const uint16_t*>(mText.data()); }
-    int length() const { return static_cast<int>(mText.size()); }
-
-    // The place in the text from which the clusters of a line's layout are counted.
-    int contextOf(int start) const { return std::max(start - kContext, 0); }
-
-    // Passes only as much text around the line as shaping looks at. Otherwise each of a long paragraph's
-    // lines would cost the paragraph's length. Widths and heights do not depend on the rest.
-    minikin::Layout layOut(int start, int end) const {
-        const int begin = contextOf(start);
-        const int limit = std::min(end + kContext, length());
-        return android::MinikinUtils::doLayout(&mPaint, minikin::Bidi::DEFAULT_LTR, &mTypeface,
-                                               units() + begin, static_cast<size_t>(start - begin),
-                                               static_cast<size_t>(end - start),
-                                               static_cast<size_t>(limit - begin), nullptr);
+void checkSize(const ShapedLine& line) {
+    const InkBox box(line.ink);
+    if (!(line.advance <= kMaxLineAdvance)) {
+        throw UsageError(
+            "--size: a line of the text is wider than 65535 pixels; lower --size or set --width");
     }
+    if (int64_t{box.width} * box.height > INT32_MAX)
+        throw UsageError("--size: a line of the text has more than 2^31 pixels; lower --size or set --width");
+}
 
-private:
-    static constexpr int kContext = 64;
+// The line's glyphs that may have colours.
+ColourRun colourRunOf(const ShapedLine& line, const android::Paint& paint) {
+    ColourRun run;
+    const InkBox box(line.ink);
+    run.left = box.left;
+    run.width = box.width;
+    run.height = box.height;
+    run.baseline = -box.top;
+    android::Paint font(paint);
+    forEachFont(line, font, [&](size_t begin, size_t end) {
+        addGlyphs(run, font, end - begin, [&](size_t i) {
+            const ShapedLine::Glyph& glyph = line.glyphs[begin + i];
+            return ColourRun::Candidate{glyph.id, glyph.x - static_cast<float>(box.left),
+                                        glyph.y - static_cast<float>(box.top), glyph.ink};
+        });
+    });
+    return run;
+}
 
-    const android::Paint mPaint;
-    const android::Typeface& mTypeface;
-    const std::u16string& mText;
-};
-
-// The glyphs at the positions where the text object will draw them: a line's ink begins where the line
-// begins, and the top of its image is at a whole pixel.
-std::vector<LineGlyph> glyphsOf(const minikin::Layout& layout, const minikin::MinikinRect& ink, int context) {
-    const float dx = -ink.mLeft, dy = -ink.mTop - std::trunc(-ink.mTop);
-    std::vector<LineGlyph> glyphs(layout.nGlyphs());
-    for (size_t i = 0; i < glyphs.size(); ++i) {
-        const int index = static_cast<int>(i);
-        const auto* font = static_cast<const android::MinikinFontSkia*>(layout.getFont(index));
-        glyphs[i].cluster = host::LayoutGlyphs::clusterOf(layout, index) + static_cast<size_t>(context);
-        glyphs[i].face = font->GetSkTypeface()->face().get();
-        const minikin::MinikinRect& box = host::LayoutGlyphs::inkOf(layout, index);
-        glyphs[i].box = {box.mLeft + dx, box.mTop + dy, box.mRight + dx, box.mBottom + dy};
+std::vector<LineGlyph> glyphsOf(const ShapedLine& line) {
+    std::vector<LineGlyph> glyphs;
+    glyphs.reserve(line.glyphs.size());
+    for (const ShapedLine::Glyph& glyph : line.glyphs) {
+        glyphs.push_back({glyph.cluster,
+                          glyph.font->GetSkTypeface()->face().get(),
+                          {glyph.ink.mLeft, glyph.ink.mTop, glyph.ink.mRight, glyph.ink.mBottom}});
     }
     return glyphs;
 }
 
-// The text object's own UTF-16 form of UTF-8 is right up to U+1FFFF alone; it keeps surrogates as they are.
-std::wstring wideOf(const std::string& text) {
+// The text object's own UTF-16 form of a wide text is right up to U+1FFFF alone; it keeps surrogates as they
+// are.
+std::wstring wideOf(const std::u16string& units) {
     std::wstring wide;
-    const auto length = static_cast<int64_t>(text.size());
-    for (int64_t i = 0; i < length;) {
+    for (size_t i = 0; i < units.size();) {
         UChar32 c;
-        U8_NEXT(text.data(), i, length, c);
+        U16_NEXT(units.data(), i, units.size(), c);
         if (c > 0x1FFFF) wide += static_cast<wchar_t>(U16_LEAD(c));
-        wide += static_cast<wchar_t>(c > 0x1FFFF ? U16_TRAIL(c) : c < 0 ? 0xFFFD : c);
+        wide += static_cast<wchar_t>(c > 0x1FFFF ? U16_TRAIL(c) : c);
     }
     return wide;
 }
 
+std::u16string unitsOf(const std::string& text, std::vector<uint32_t>* offsets) {
+    std::u16string units;
+    const auto length = static_cast<int64_t>(text.size());
+    offsets->reserve(text.size() + 1);
+    for (int64_t i = 0; i < length;) {
+        const auto offset = static_cast<uint32_t>(i);
+        UChar32 c;
+        U8_NEXT(text.data(), i, length, c);
+        if (c > 0xFFFF) units += static_cast<char16_t>(U16_LEAD(c));
+        units += static_cast<char16_t>(c > 0xFFFF ? U16_TRAIL(c) : c < 0 ? 0xFFFD : c);
+        offsets->resize(units.size(), offset);
+    }
+    offsets->push_back(static_cast<uint32_t>(length));
+    return units;
+}
+
 }  // namespace
 
-void setText(ZvTextObject& object, const Scene& scene, const SceneFonts& fonts) {
-    ZvString text;
-    if (!object.SetTypeface(fonts.typeface) || text.Construct(wideOf(scene.text).c_str()) == 0 ||
-        !object.SetText(&text)) {
+SceneText::SceneText(const Scene& scene) : units(unitsOf(scene.text, &offsets)), directions(units) {}
+
+LineShaper shaperOf(const Scene& scene, const SceneFonts& fonts, const SceneText& text) {
+    return LineShaper(text.units, text.directions, paintOf(scene.style), fonts.typeface);
+}
+
+void setText(ZvTextObject& object, const SceneFonts& fonts, const SceneText& text, const LineShaper& shaper) {
+    ZvString string;
+    if (!object.SetTypeface(fonts.typeface) || string.Construct(wideOf(text.units).c_str()) == 0 ||
+        !object.SetText(&string)) {
         throw Failure("TEXT: the text could not be taken over");
     }
-    android::Paint paint = paintOf(scene.style);
+    android::Paint paint = shaper.paintOfText();
     object.SetPaint(paint);
+    object.GetFont()->SetLinePainter(&shaper);
 }
 
 int wrapWidthOf(const Scene& scene) {
@@ -116,37 +129,23 @@ int wrapWidthOf(const Scene& scene) {
     return width;
 }
 
-LaidOutText layOutText(ZvTextObject& object, const Scene& scene, const SceneFonts& fonts) {
+LaidOutText layOutText(const LineShaper& shaper, const Scene& scene, const SceneFonts& fonts,
+                       const SceneText& text) {
     LaidOutText laidOut;
-    int length = 0;
-    const std::unique_ptr<uint16_t[]> units(object.GetText()->GetUTF16(length));
-    if (units) laidOut.text.assign(units.get(), units.get() + length);
-
-    const LineShaper shaper(object, *fonts.typeface, laidOut.text);
-    const auto measure = [&](int start, int end) {
-        return start < end ? shaper.layOut(start, end).getAdvance() : 0.0f;
-    };
+    const auto measure = [&](int start, int end) { return shaper.shape(start, end).advance; };
     const auto wrapWidth = static_cast<float>(wrapWidthOf(scene));
     const auto size = static_cast<float>(scene.style.size);
     const FontFacts& font = fonts.first().facts;
     int top = 0;
     for (const host::LineRange& range :
-         host::breakLines(shaper.units(), shaper.length(), wrapWidth, measure)) {
-        minikin::MinikinRect ink;
-        float advance = 0;
-        std::vector<LineGlyph>& glyphs = laidOut.glyphs.emplace_back();
-        ColourRun& colours = laidOut.colours.emplace_back();
-        if (range.start < range.visibleEnd) {
-            const minikin::Layout layout = shaper.layOut(range.start, range.visibleEnd);
-            layout.getBounds(&ink);
-            advance = layout.getAdvance();
-            glyphs = glyphsOf(layout, ink, shaper.contextOf(range.start));
-            colours = colourRunOf(layout, ink, object.GetPaint());
-        }
-        if (!(advance <= kMaxLineAdvance)) {
-            throw UsageError(
-                "--size: a line of the text is wider than 65535 pixels; lower --size or set --width");
-        }
+         host::breakLines(reinterpret_cast<const uint16_t*>(text.units.data()),
+                          static_cast<int>(text.units.size()), wrapWidth, measure)) {
+        const ShapedLine shaped = shaper.shape(range.start, range.visibleEnd);
+        const minikin::MinikinRect& ink = shaped.ink;
+        laidOut.glyphs.push_back(glyphsOf(shaped));
+        laidOut.colours.push_back(colourRunOf(shaped, shaper.paintOfText()));
+        laidOut.inks.push_back({ink.mLeft, ink.mTop, ink.mRight, ink.mBottom});
+        checkSize(shaped);
         Zvex::LaidOutLine line;
         const int ascent = static_cast<int>(std::ceil(std::max(font.ascent * size, -ink.mTop)));
         const int descent = static_cast<int>(std::ceil(std::max(font.descent * size, ink.mBottom)));
@@ -155,7 +154,7 @@ LaidOutText layOutText(ZvTextObject& object, const Scene& scene, const SceneFont
         line.bottom = line.baseline + descent;
         line.ascent = -ascent;
         line.descent = descent;
-        line.width = advance;
+        line.width = shaped.advance;
         line.start = range.start;
         line.visibleEnd = range.visibleEnd;
         laidOut.lines.push_back(line);
@@ -166,18 +165,6 @@ LaidOutText layOutText(ZvTextObject& object, const Scene& scene, const SceneFont
         top = line.bottom;
     }
     return laidOut;
-}
-
-std::vector<uint32_t> byteOffsets(const std::string& text) {
-    std::vector<uint32_t> offsets;
-    offsets.reserve(text.size() + 1);
-    for (size_t i = 0; i <= text.size(); ++i) {
-        const unsigned char byte = i < text.size() ? static_cast<unsigned char>(text[i]) : 0;
-        if ((byte & 0xC0) == 0x80) continue;
-        offsets.push_back(static_cast<uint32_t>(i));
-        if (byte >= 0xF0) offsets.push_back(static_cast<uint32_t>(i));  // a pair
-    }
-    return offsets;
 }
 
 }  // namespace Zvex::scene

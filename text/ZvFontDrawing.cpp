@@ -31,6 +31,7 @@
 #include "raster/ZvBitmap.h"
 #include "text/DrawTextFunctor.h"
 #include "text/FontManager.h"
+#include "text/LinePainter.h"
 #include "text/ZvLineInfo.h"
 #include "text/ZvTextObject.h"
 
@@ -103,6 +104,22 @@ bool drawLineImage(const ZvGlyph& glyph, const minikin::Layout& layout, const mi
     DrawTextFunctor functor(layout, &canvas, &paint, bounds);
     android::MinikinUtils::forFontRun(layout, &paint, functor);
     return true;
+}
+
+// Lays the line out and draws it. Null if there is no image.
+LineImage paintLine(const DrawnLines::Range& range, const DrawnLines::LineSource& source,
+                    const android::Typeface& typeface, float* advance) {
+    android::Paint paint(*source.paint);  // drawing sets it up for each font in turn
+    const minikin::Layout layout = android::MinikinUtils::doLayout(
+        &paint, range.rightToLeft ? minikin::Bidi::DEFAULT_RTL : minikin::Bidi::DEFAULT_LTR, &typeface,
+        source.text, static_cast<size_t>(range.start), static_cast<size_t>(range.end - range.start),
+        source.length, nullptr);
+    minikin::MinikinRect bounds;
+    layout.getBounds(&bounds);
+    *advance = layout.getAdvance();
+    LineImage glyph = makeLineImage(bounds, *advance);
+    if (glyph == nullptr || !drawLineImage(*glyph, layout, bounds, paint)) return nullptr;
+    return glyph;
 }
 
 }  // namespace
@@ -261,6 +278,12 @@ void ZvFontDrawing::SetTypeface(std::shared_ptr<const android::Typeface> typefac
     mOwnTypeface = std::move(typeface);
 }
 
+void ZvFontDrawing::SetLinePainter(const LinePainter* painter) {
+    if (painter == mPainter) return;
+    mDrawn.forgetTypeface();
+    mPainter = painter;
+}
+
 const android::Typeface* ZvFontDrawing::typefaceOf(const ZvTextObject& text) {
     if (mOwnTypeface != nullptr) return mOwnTypeface.get();
     FontManager& manager = *FontManager::GetInstance();
@@ -291,18 +314,9 @@ const ZvGlyph* ZvFontDrawing::lineImage(size_t index, const DrawnLines::Range& r
     if (ZvGlyph* kept = mDrawn.findLine(index, range, advance)) {
         return glyphList->Add(kept) != 0 ? kept : nullptr;
     }
-    android::Paint paint(*source.paint);  // drawing sets it up for each font in turn
-    const minikin::Layout layout = android::MinikinUtils::doLayout(
-        &paint, range.rightToLeft ? minikin::Bidi::DEFAULT_RTL : minikin::Bidi::DEFAULT_LTR, &typeface,
-        source.text, static_cast<size_t>(range.start), static_cast<size_t>(range.end - range.start),
-        source.length, nullptr);
-    minikin::MinikinRect bounds;
-    layout.getBounds(&bounds);
-    *advance = layout.getAdvance();
-
-    LineImage glyph = makeLineImage(bounds, *advance);
+    LineImage glyph =
+        mPainter != nullptr ? mPainter->paint(range, advance) : paintLine(range, source, typeface, advance);
     if (glyph == nullptr) return nullptr;
-    if (!drawLineImage(*glyph, layout, bounds, paint)) return nullptr;
     if (glyphList->Add(glyph.get()) == 0) {
         markOutOfMemory();
         return nullptr;

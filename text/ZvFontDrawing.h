@@ -11,6 +11,7 @@
 
 namespace Zvex {
 
+class LinePainter;
 class List;
 class ZvBitmap;
 class ZvEffect;
@@ -37,6 +38,9 @@ public:
     // Draws with that typeface from then on, without using the path or the font manager. Null: as before.
     void SetTypeface(std::shared_ptr<const android::Typeface> typeface);
     bool HasTypeface() const { return mOwnTypeface != nullptr; }
+
+    // Has `painter` draw the lines from then on. Not owned. Null: as before.
+    void SetLinePainter(const LinePainter* painter);
 
     // Empties glyphList and frees what belongs to it.
     void ClearGlyphList();
@@ -79,6 +83,7 @@ private:
                              size_t keptBytes, float* advance);
 
     DrawnLines mDrawn;
+    const LinePainter* mPainter = nullptr;                  // not owned; null: lines are laid out here
     std::shared_ptr<const android::Typeface> mOwnTypeface;  // null: from the font manager
 };
 

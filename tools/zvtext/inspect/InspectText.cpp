@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <vector>
 
-#include "platform/host/BidiRuns.h"
 #include "platform/host/Clusters.h"
 #include "scene/FileSource.h"
 #include "scene/Json.h"
@@ -31,12 +30,8 @@ struct TextRun {
 
 class TextReport {
 public:
-    TextReport(const Scene& scene, const SceneFonts& fonts, const LaidOutText& laidOut)
-        : mScene(scene),
-          mFonts(fonts),
-          mLaidOut(laidOut),
-          mOffsets(byteOffsets(scene.text)),
-          mCharactersOf(fonts.fonts.size()) {}
+    TextReport(const Scene& scene, const SceneFonts& fonts, const SceneText& text, const LaidOutText& laidOut)
+        : mScene(scene), mFonts(fonts), mText(text), mLaidOut(laidOut), mCharactersOf(fonts.fonts.size()) {}
 
     Json make() {
         Json lines = Json::array();
@@ -53,8 +48,7 @@ public:
     }
 
 private:
-    const uint16_t* units() const { return reinterpret_cast<const uint16_t*>(mLaidOut.text.data()); }
-    uint32_t offsetOf(size_t unit) const { return mOffsets[std::min(unit, mOffsets.size() - 1)]; }
+    const uint16_t* units() const { return reinterpret_cast<const uint16_t*>(mText.units.data()); }
 
     // The font of each unit of the line, from its glyph. Characters without a glyph take the font of those
     // before them.
@@ -77,18 +71,18 @@ private:
     // In the order of the text. As in shaping, common and inherited characters join the script before them;
     // at the start, the one after them.
     std::vector<TextRun> runsOf(const Zvex::LaidOutLine& line, const std::vector<LineGlyph>& glyphs) {
-        const auto start = static_cast<size_t>(line.start), end = static_cast<size_t>(line.visibleEnd);
+        const auto start = static_cast<size_t>(line.start);
         const std::vector<size_t> fonts = fontsOf(line, glyphs);
-        std::vector<host::BidiRun> directions =
-            host::visualRuns(units(), start, end, mLaidOut.text.size(), minikin::Bidi::DEFAULT_LTR);
+        std::vector<BidiLevelRun> directions = mText.directions.runsOf(line.start, line.visibleEnd);
         std::sort(directions.begin(), directions.end(),
                   [](const auto& a, const auto& b) { return a.start < b.start; });
         std::vector<TextRun> runs;
-        for (const host::BidiRun& direction : directions) {
+        for (const BidiLevelRun& direction : directions) {
             bool begins = true;
-            for (size_t at = direction.start; at < direction.end; begins = false) {
+            const auto until = static_cast<size_t>(direction.end);
+            for (auto at = static_cast<size_t>(direction.start); at < until; begins = false) {
                 const size_t here = at;
-                const uint32_t c = host::nextCodePoint(units(), &at, direction.end);
+                const uint32_t c = host::nextCodePoint(units(), &at, until);
                 ++mScripts[scriptOf(c)];
                 int script = scriptOf(c);
                 if (script == USCRIPT_INHERITED) script = USCRIPT_COMMON;
@@ -108,11 +102,11 @@ private:
     Json lineJson(size_t index) {
         const Zvex::LaidOutLine& line = mLaidOut.lines[index];
         Json list = Json::array();
-        const uint32_t start = offsetOf(static_cast<size_t>(line.start));
-        const uint32_t end = offsetOf(static_cast<size_t>(line.visibleEnd));
+        const uint32_t start = mText.offsetOf(static_cast<size_t>(line.start));
+        const uint32_t end = mText.offsetOf(static_cast<size_t>(line.visibleEnd));
         if (start < end) {
             for (const TextRun& run : runsOf(line, mLaidOut.glyphs[index])) {
-                const uint32_t from = offsetOf(run.start), to = offsetOf(run.end);
+                const uint32_t from = mText.offsetOf(run.start), to = mText.offsetOf(run.end);
                 list.push_back({{"start", from},
                                 {"end", to},
                                 {"text", mScene.text.substr(from, to - from)},
@@ -137,8 +131,8 @@ private:
 
     const Scene& mScene;
     const SceneFonts& mFonts;
+    const SceneText& mText;
     const LaidOutText& mLaidOut;
-    const std::vector<uint32_t> mOffsets;
     ScriptCounts mScripts;
     std::vector<size_t> mCharactersOf;  // characters drawn with each font
 };
@@ -148,11 +142,9 @@ void runInspectText(const InspectTextArguments& arguments) {
     readOptions(fieldsOf(options), arguments.given, {"", fileSource({}, arguments.reads), {}});
     const Scene scene = sceneOf(std::move(options));
     const SceneFonts fonts = takeFonts(scene);
-    Zvex::ZvTextObject object;
-    if (!object.Construct()) throw std::bad_alloc();
-    setText(object, scene, fonts);
-    const LaidOutText laidOut = layOutText(object, scene, fonts);
-    printReport(TextReport(scene, fonts, laidOut).make(), arguments.json);
+    const SceneText text(scene);
+    const LaidOutText laidOut = layOutText(shaperOf(scene, fonts, text), scene, fonts, text);
+    printReport(TextReport(scene, fonts, text, laidOut).make(), arguments.json);
 }
 
 }  // namespace
