@@ -184,7 +184,8 @@ void readBatchLine(fuzz::Input& input) {
     const std::string line = input.rest();
     RenderOptions defaults;
     defaults.scene.scene.font = kFont;
-    readLineNames(line);
+    LineNames names;
+    readLineNames(line, names);
     const GivenOptions given = readGiven(line);
     if (std::none_of(given.begin(), given.end(), namesStyle)) useOptions(readLine(line, defaults, {}));
 }
