@@ -49,6 +49,7 @@ if(ZVEX_BUILD_TOOLS)
   endif()
   install(TARGETS zvtext RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
   install(FILES docs/style.schema.json DESTINATION ${CMAKE_INSTALL_DATADIR}/zvex)
+  install(DIRECTORY examples/styles DESTINATION ${CMAKE_INSTALL_DATADIR}/zvex)  # the presets, to start from
   if(TARGET zvtext_pages)
     set(made ${CMAKE_CURRENT_BINARY_DIR}/tools/zvtext)
     set(data ${CMAKE_INSTALL_DATADIR})

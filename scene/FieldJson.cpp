@@ -37,6 +37,7 @@ struct ReadJson {
     const Json& json;
     const std::string wanted;
     const FilePlaces& places;
+    const Field* start;
 
     [[noreturn]] void refuse() const { throw UsageError(place + ": " + shown(json) + " is not " + wanted); }
 
@@ -56,10 +57,14 @@ struct ReadJson {
     }
     void operator()(const CanvasField& field) const {
         if (!json.is_object()) return readText(field);
-        *field.value = Canvas{readEffect(place, json, canvasKinds(), findCanvasKind, places)};
+        const EffectSettings* base =
+            start != nullptr && *field.value ? std::get_if<EffectSettings>(&(*field.value)->fill) : nullptr;
+        *field.value = Canvas{readEffect(place, json, canvasKinds(), findCanvasKind, places, {"type"}, base)};
     }
     void operator()(const TintField& field) const {
-        readObject(place, fieldsOf(*field.value), {}, json, places);
+        if (start == nullptr) return readObject(place, fieldsOf(*field.value), {}, json, places);
+        const Fields starts = fieldsOf(*std::get<TintField>(start->value).value);
+        readObject(place, fieldsOf(*field.value), {}, json, places, &starts);
     }
     void operator()(const StopsField& field) const {
         if (!json.is_array() || json.empty() || json.size() > kMaxStops) refuse();
@@ -151,12 +156,13 @@ std::string shown(const Json& json) {
     return text.size() > 40 ? std::string("this ") + json.type_name() : text;
 }
 
-void readJson(const std::string& place, const Field& field, const Json& json, const FilePlaces& places) {
-    std::visit(ReadJson{place, json, wantedInJson(field), places}, field.value);
+void readJson(const std::string& place, const Field& field, const Json& json, const FilePlaces& places,
+              const Field* start) {
+    std::visit(ReadJson{place, json, wantedInJson(field), places, start}, field.value);
 }
 
 void readObject(const std::string& place, const Fields& fields, const std::set<std::string>& otherKeys,
-                const Json& json, const FilePlaces& places) {
+                const Json& json, const FilePlaces& places, const Fields* starts) {
     std::string keys;
     for (const std::string& key : otherKeys) keys += key + ", ";
     keys += namesOf(fields);
@@ -166,31 +172,43 @@ void readObject(const std::string& place, const Fields& fields, const std::set<s
         if (otherKeys.count(key) != 0) continue;
         const Field* field = findField(fields, key);
         if (field == nullptr) throw UsageError(member(place, key) + ": is not one of the keys here: " + keys);
-        readJson(member(place, key), *field, value, places);
+        const Field* start = starts != nullptr ? findField(*starts, key) : nullptr;
+        if (!value.is_null()) {
+            readJson(member(place, key), *field, value, places, start);
+        } else if (start != nullptr) {
+            copyValue(*field, *start);
+        }
     }
     for (const Field& field : fields) {
-        if (field.required && !json.contains(field.name)) {
+        const bool there = json.contains(field.name) ? !json[field.name].is_null() : starts != nullptr;
+        if (field.required && !there) {
             throw UsageError(member(place, field.name) + ": is missing; it takes " + wantedInJson(field));
         }
     }
 }
 
 EffectSettings readEffect(const std::string& place, const Json& json, const std::string& names,
-                          const EffectKind* (*find)(const std::string&), const FilePlaces& places) {
+                          const EffectKind* (*find)(const std::string&), const FilePlaces& places,
+                          const std::set<std::string>& otherKeys, const EffectSettings* base) {
     const auto type = json.is_object() ? json.find("type") : json.end();
     if (type == json.end()) throw UsageError(place + ": it is not an object with a type, one of " + names);
     const EffectKind* kind = type->is_string() ? find(type->get<std::string>()) : nullptr;
     if (kind == nullptr) throw UsageError(place + ".type: " + shown(*type) + " is not one of " + names);
-    EffectSettings settings = kind->defaults;
-    readObject(place, fieldsOf(settings), {"type"}, json, places);
+    EffectSettings start = kind->defaults;
+    const bool changes = base != nullptr && base->index() == start.index();
+    EffectSettings settings = changes ? *base : start;
+    const Fields starts = fieldsOf(start);
+    readObject(place, fieldsOf(settings), otherKeys, json, places, changes ? &starts : nullptr);
     return settings;
 }
 
-Json writeObject(const Fields& fields) {
+Json writeObject(const Fields& fields, const Fields* starts) {
     Json object = Json::object();
-    for (const Field& field : fields) {
-        Json value = std::visit(WriteValue{}, field.value);
-        if (value != "" && value != Json::array()) object[field.name] = std::move(value);
+    for (size_t i = 0; i < fields.size(); ++i) {
+        Json value = std::visit(WriteValue{}, fields[i].value);
+        const bool left = value == "" || value == Json::array() ||
+                          (starts != nullptr && value == std::visit(WriteValue{}, (*starts)[i].value));
+        if (!left) object[fields[i].name] = std::move(value);
     }
     return object;
 }

@@ -170,6 +170,25 @@ struct Placeholder {
     }
 };
 
+struct Copy {
+    const Field& from;
+
+    void operator()(const NumberField& to) const { to.set(std::get<NumberField>(from.value).get()); }
+    void operator()(const ChoiceField& to) const { to.set(std::get<ChoiceField>(from.value).get()); }
+    void operator()(const FileField& to) const {
+        const auto& file = std::get<FileField>(from.value);
+        *to.value = *file.value;
+        *to.source = *file.source;
+    }
+    void operator()(const EffectField&) const {}
+    void operator()(const StyleField&) const {}
+    void operator()(const PresetField&) const {}
+    template <typename Other>
+    void operator()(const Other& to) const {
+        *to.value = *std::get<Other>(from.value).value;
+    }
+};
+
 struct Format {
     std::string operator()(const NumberField& field) const {
         return field.range.contains(field.get()) ? formatNumber(field.get()) + field.range.unit : "";
@@ -326,6 +345,10 @@ std::string wantedBy(const Field& field) {
 
 std::string placeholderOf(const Field& field) {
     return *field.placeholder != '\0' ? field.placeholder : std::visit(Placeholder{}, field.value);
+}
+
+void copyValue(const Field& to, const Field& from) {
+    std::visit(Copy{from}, to.value);
 }
 
 std::string formatValue(const Field& field) {

@@ -165,11 +165,12 @@ const Field* findField(const Fields& fields, const std::string& name);
 // they are as long as these are used.
 std::vector<std::pair<std::string, NumberField>> lengthsOf(const Fields& fields);
 
-// Where files lie that values name.
+// Where files lie that values name, and where warnings about values go.
 struct FilePlaces {
     std::string folder;                    // what relative names are relative to; empty: the working folder
     std::shared_ptr<const Source> source;  // of files and styles; null: see orDefault
     std::shared_ptr<const Source> fonts;
+    std::vector<std::string>* warnings = nullptr;  // each begins with its place; null: nobody wants them
 };
 
 // Reads `text` into the field. `where` opens the message of the UsageError thrown if the text is not exactly
@@ -191,6 +192,10 @@ std::string wantedBy(const Field& field);
 
 // What stands for its value in help: "PX", "left|center|right".
 std::string placeholderOf(const Field& field);
+
+// Gives the field the value of another one of the same settings, which must not be a font, an effect or a
+// style.
+void copyValue(const Field& to, const Field& from);
 
 // The field's value as text for readValue; empty if it is not set, and for fonts, effects and styles.
 std::string formatValue(const Field& field);

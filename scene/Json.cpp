@@ -12,6 +12,7 @@ namespace Zvex::scene {
 
 namespace {
 
+constexpr size_t kLineWidth = 110;
 constexpr size_t kMaxDepth = 16;  // a style within a line needs six
 // Of the parser, which walks over earlier values time and again. Four effects full of stops make about 8000.
 constexpr size_t kMaxEvents = 20'000;
@@ -111,6 +112,34 @@ std::string dumpJson(const Json& json, int indent) {
         i += pair;
     }
     return safe;
+}
+
+namespace {
+
+std::string layOut(const Json& json, size_t indent, size_t before, bool oneLine) {
+    if (json.empty() || !json.is_structured()) return dumpJson(json);
+    if (!oneLine) {
+        std::string text = layOut(json, 0, 0, true);
+        if (before + text.size() < kLineWidth && indent > 0) return text;
+    }
+    const bool array = json.is_array();
+    const std::string space = oneLine ? "" : "\n" + std::string(indent + 2, ' ');
+    std::string text;
+    for (const auto& [key, value] : json.items()) {
+        const std::string name = array ? "" : dumpJson(key) + ": ";
+        text += (text.empty() ? space
+                 : oneLine    ? ", "
+                              : "," + space) +
+                name + layOut(value, indent + 2, indent + 2 + name.size(), oneLine);
+    }
+    if (!oneLine) text += "\n" + std::string(indent, ' ');
+    return array ? "[" + text + "]" : "{" + text + "}";
+}
+
+}  // namespace
+
+std::string layOutJson(const Json& json) {
+    return layOut(json, 0, 0, false) + "\n";
 }
 
 std::string plainText(const Json& json) {

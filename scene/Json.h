@@ -26,6 +26,9 @@ Json numberJson(double value);
 // invalid UTF-8 is replaced, and control characters are escaped, also U+007F to U+009F.
 std::string dumpJson(const Json& json, int indent = -1);
 
+// In several lines; what fits into a line of 110 characters stands in one.
+std::string layOutJson(const Json& json);
+
 // For people: a string as it is, anything else as JSON.
 std::string plainText(const Json& json);
 

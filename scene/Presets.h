@@ -13,7 +13,9 @@ struct Preset {
     const char* json;
 };
 
-const std::vector<Preset>& presets();  // sorted by name
+const std::vector<Preset>& presets();               // sorted by name
+const Preset* findPreset(const std::string& name);  // null where there is none
+std::string presetNames();                          // "aurora, blocks, ..."
 
 // One line for each: its name and its description.
 std::string presetList();

@@ -14,6 +14,15 @@
 namespace Zvex::scene {
 
 constexpr NumberRange kTextSize = {0, 10000, "px", true, true};
+constexpr NumberRange kEffectDesignedFor = {0, 10000, "px"};  // 0: its pixels stay as they are
+
+// What a style file says about itself. The sizes that the effects are designed for are those of their Look.
+struct StyleNotes {
+    std::string schema;       // address of the JSON Schema for editors; not followed
+    std::string description;  // a line for people
+    std::string extends;      // the style that it changes
+    double designedFor = 0;   // the text size that its effects are designed for; 0: any
+};
 
 // The look of a text without its font, words and position: the content of a style file.
 struct Style : Look {
@@ -28,13 +37,8 @@ struct Style : Look {
     // From the front to the back. Effects are then the layers' own, and the style has none.
     std::vector<LayerSettings> layers;
     double layersDesignedFor = 0;  // the text size that their spreads and offsets are designed for; 0: any
-};
-
-// A style file's notes about itself.
-struct StyleNotes {
-    std::string schema;       // address of the JSON Schema for editors; not followed
-    std::string description;  // a line for people
-    double designedFor = 0;   // the text size that its effects are designed for; 0: any
+    StyleNotes notes;              // of the last file that was read
+    std::vector<std::string> warnings;  // of reading, each with its place in front; render() repeats them
 };
 
 // All fields except the effects and the layers.
@@ -56,18 +60,24 @@ Fields fieldsOf(StyleNotes& notes);
 // there; what an effect leaves out has its start value. A pattern's file is relative to the style's folder
 // and lies there or below.
 // Comments, // and /* */, may stand wherever a space may. With "designed-for" the effects grow and shrink
-// with the text: what is 8 pixels for a text of 100 is 24 for one of 300.
+// with the text: what is 8 pixels for a text of 100 is 24 for one of 300. An effect may have its own.
+//
+// "extends" names a preset, or a style file as a pattern is named; the style then changes that one. What it
+// says replaces what the other says: of effects and layers, the keys that they have. Effects are told apart
+// by their type, layers by their position; new ones are added, on top and at the back. null takes away: a
+// key, "effects" or "layers" as a whole, {"stroke": null} among the effects the stroke, and null among the
+// layers the one in its place. The result is as one style.
 
 // Reads a style file into `style`; "-" is standard input. Settings of the file replace those of `style`, its
 // effects are added or replace those of the same kind, and its layers replace all earlier ones. Throws
 // Failure with one line that starts with `option` and names the file, the place in it
 // ("effects[2].stops[0].position") and what is accepted there. Patterns are read from
 // the source of the style (see Source::ofStyle) when they are drawn.
-StyleNotes readStyle(const std::string& option, const std::string& name, Style& style,
-                     const std::shared_ptr<const Source>& source = nullptr);
+void readStyle(const std::string& option, const std::string& name, Style& style,
+               const std::shared_ptr<const Source>& source = nullptr);
 
 // The same with a preset. Throws UsageError, which lists the presets, if there is none of that name.
-StyleNotes readPreset(const std::string& option, const std::string& name, Style& style);
+void readPreset(const std::string& option, const std::string& name, Style& style);
 
 // All effects that the style draws, including those of its layers and its canvas.
 std::vector<const EffectSettings*> allEffects(const Style& style);
@@ -88,7 +98,9 @@ void fitEffects(Style& style);
 void readStyleText(const std::string& option, const std::string& text, Style& style,
                    const std::shared_ptr<const Source>& source = nullptr);
 
-// The style as the content of a file. Reading it gives the same style; the paths of patterns become absolute.
+// The style as the content of a file. Reading it gives the same style, alone and for texts of any size; the
+// paths of patterns become absolute. Settings of the style and its layers that are at their start are left
+// out.
 // Throws Failure if a text is not UTF-8.
 std::string writeStyle(const Style& style);
 

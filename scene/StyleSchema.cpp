@@ -48,7 +48,9 @@ struct OfValue {
     Json operator()(const TintField&) const { return {{"$ref", "#/$defs/tint"}}; }
     Json operator()(const StopsField&) const { return {{"$ref", "#/$defs/stops"}}; }
     Json operator()(const TextField& field) const {
-        return {{"type", "string"}, {"maxLength", field.mostBytes}};
+        Json schema = {{"type", "string"}, {"maxLength", field.mostBytes}};
+        if (*field.wanted != '\0') schema["minLength"] = 1;
+        return schema;
     }
     template <typename FileOrOther>
     Json operator()(const FileOrOther&) const {
@@ -65,6 +67,22 @@ Json defaultOf(const Field& field) {
     return plain ? Json(formatValue(field)) : Json();
 }
 
+// Null, too, which takes away what a style extends.
+Json orNull(Json schema) {
+    const Json null = {{"type", "null"}};
+    if (schema.contains("$ref")) {
+        schema["anyOf"] = {{{"$ref", schema["$ref"]}}, null};
+        schema.erase("$ref");
+    } else if (schema.contains("oneOf")) {
+        schema["oneOf"].push_back(null);
+    } else if (schema.contains("enum")) {
+        schema["enum"].push_back(nullptr);
+    } else {
+        schema["type"] = {schema["type"], "null"};
+    }
+    return schema;
+}
+
 void addProperties(Json& properties, const Fields& fields) {
     for (const Field& field : fields) {
         Json& schema = properties[field.name] = Json::object();
@@ -73,23 +91,24 @@ void addProperties(Json& properties, const Fields& fields) {
         std::string help = field.help;
         if (unit) help += (help.empty() ? "in " : ", in ") + std::string(number->range.unit);
         if (!help.empty()) schema["description"] = help;
-        schema.update(std::visit(OfValue{}, field.value));
+        schema.update(orNull(std::visit(OfValue{}, field.value)));
         Json start = field.required ? Json() : defaultOf(field);
         if (!start.is_null()) schema["default"] = std::move(start);
     }
 }
 
-void finishObject(Json& object, const Fields& fields) {
-    for (const Field& field : fields) {
-        if (field.required) object["required"].push_back(field.name);
-    }
-    object["additionalProperties"] = false;
-}
-
 Json ofObject(const Fields& fields) {
     Json object = {{"type", "object"}, {"properties", Json::object()}};
     addProperties(object["properties"], fields);
-    finishObject(object, fields);
+    object["additionalProperties"] = false;
+    return object;
+}
+
+Json ofStop(const Fields& fields) {
+    Json object = ofObject(fields);
+    for (const Field& field : fields) {
+        if (field.required) object["required"].push_back(field.name);
+    }
     return object;
 }
 
@@ -101,20 +120,62 @@ Json ofEffect(const EffectKind& kind) {
                    {"properties", {{"type", {{"const", kind.name}}}}},
                    {"required", {"type"}}};
     addProperties(object["properties"], fields);
-    finishObject(object, fields);
+    object["properties"]["designed-for"] = {
+        {"description", "The text size that its pixels are meant for, if not the style's; 0: any, in px"},
+        {"type", {"number", "null"}},
+        {"minimum", numberJson(kEffectDesignedFor.low)},
+        {"maximum", numberJson(kEffectDesignedFor.high)}};
+    object["additionalProperties"] = false;
     return object;
+}
+
+Json isKind(const EffectKind& kind) {
+    return {{"type", "object"}, {"properties", {{"type", {{"const", kind.name}}}}}, {"required", {"type"}}};
+}
+
+// What an effect must have, unless a style that is extended may have it.
+Json ofCompleteEffect() {
+    Json rules = Json::array();
+    for (const EffectKind& kind : effectKinds()) {
+        EffectSettings settings = kind.defaults;
+        Json rule = {{"type", "object"}};
+        for (const Field& field : fieldsOf(settings)) {
+            if (field.required) {
+                rule["required"].push_back(field.name);
+                rule["properties"][field.name] = {{"not", {{"type", "null"}}}};
+            } else if (std::holds_alternative<TintField>(field.value)) {
+                rule["properties"][field.name] = {{"type", {"object", "null"}}, {"required", {"color"}}};
+            }
+        }
+        if (rule.size() > 1) rules.push_back({{"if", isKind(kind)}, {"then", std::move(rule)}});
+    }
+    return {{"allOf", std::move(rules)}};
+}
+
+Json ofArray(Json items) {
+    return {{"type", {"array", "null"}}, {"items", std::move(items)}};
+}
+
+Json ofCompleteStyle() {
+    const Json effect = {{"$ref", "#/$defs/complete-effect"}};
+    const Json layer = {{"type", {"object", "null"}}, {"properties", {{"effects", ofArray(effect)}}}};
+    return {{"properties", {{"canvas", effect}, {"effects", ofArray(effect)}, {"layers", ofArray(layer)}}}};
 }
 
 // An array of effects, with at most one of each kind.
 Json ofEffects() {
     Json kinds = Json::array(), once = Json::array();
+    Json away = {{"description", "takes away the effect of that name"}, {"type", "object"}};
     for (const EffectKind& kind : effectKinds()) {
         kinds.push_back({{"$ref", std::string("#/$defs/") + kind.name}});
-        const Json ofKind = {{"properties", {{"type", {{"const", kind.name}}}}}, {"required", {"type"}}};
-        once.push_back({{"contains", ofKind}, {"minContains", 0}, {"maxContains", 1}});
+        away["properties"][kind.name] = {{"type", "null"}};
+        once.push_back({{"contains", isKind(kind)}, {"minContains", 0}, {"maxContains", 1}});
     }
+    away["minProperties"] = away["maxProperties"] = 1;
+    away["additionalProperties"] = false;
+    kinds.push_back(std::move(away));
     return {{"description", "from the lowest to the topmost"},
-            {"type", "array"},
+            {"type", {"array", "null"}},
             {"items", {{"oneOf", std::move(kinds)}}},
             {"allOf", std::move(once)}};
 }
@@ -123,8 +184,9 @@ Json ofLayers() {
     LayerSettings layer;
     Json object = ofObject(fieldsOf(layer));
     object["properties"]["effects"] = {{"$ref", "#/$defs/effects"}};
+    object["type"] = {"object", "null"};
     return {{"description", "from the front to the back, in the place of effects"},
-            {"type", "array"},
+            {"type", {"array", "null"}},
             {"items", std::move(object)},
             {"minItems", 1},
             {"maxItems", kMaxLayers}};
@@ -146,15 +208,20 @@ std::string styleSchema() {
     schema["properties"]["designed-for"].erase("default");
     schema["properties"]["effects"] = {{"$ref", "#/$defs/effects"}};
     schema["properties"]["layers"] = ofLayers();
-    schema["not"] = {{"required", {"effects", "layers"}}};
+    const Json array = {{"type", "array"}};
+    schema["not"] = {{"properties", {{"effects", array}, {"layers", array}}},
+                     {"required", {"effects", "layers"}}};
+    schema["if"] = {{"required", {"extends"}}};
+    schema["else"] = ofCompleteStyle();
     Json& parts = schema["$defs"];
     parts["color"] = {{"description", "#rgb, #rrggbb or #aarrggbb"},
                       {"type", "string"},
                       {"pattern", "^#([0-9A-Fa-f]{3}|[0-9A-Fa-f]{6}|[0-9A-Fa-f]{8})$"}};
     parts["tint"] = ofObject(fieldsOf(tint));
     parts["stops"] = {
-        {"type", "array"}, {"items", ofObject(fieldsOf(stop))}, {"minItems", 1}, {"maxItems", kMaxStops}};
+        {"type", "array"}, {"items", ofStop(fieldsOf(stop))}, {"minItems", 1}, {"maxItems", kMaxStops}};
     parts["effects"] = ofEffects();
+    parts["complete-effect"] = ofCompleteEffect();
     for (const EffectKind& kind : effectKinds()) parts[kind.name] = ofEffect(kind);
     return schema.dump(2) + "\n";
 }

@@ -30,6 +30,7 @@ for page in bash-completion/completions/zvtext:completion zvex/style.schema.json
     "$prefix/bin/zvtext" "${page#*:}" | cmp - "$prefix/share/${page%%:*}"
 done
 grep -q 'outer' "$prefix/share/man/man1/zvtext.1"
+(cd "$prefix/share/zvex/styles" && ls) | diff - <("$prefix/bin/zvtext" presets | sed 's/ .*/.json/')
 
 if [ "$kind" = static ] && [ -e "$prefix/share/java/zvex-kit.jar" ]; then
     echo "java"

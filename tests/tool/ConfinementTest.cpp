@@ -92,6 +92,20 @@ TEST_F(Confinement, AStyleFileNamesFilesInItsFolderAndBelow) {
     EXPECT_EQ(render(style + "--allow-read $DIR/inner"), 1);
     write("in/style.json", R"({"canvas": "pattern:../secret/tile.png"})");
     EXPECT_EQ(render(style), 1) << "in short as well";
+    // So is a style that it extends, whose own folder counts for its own files.
+    write("secret/style.json", "{}");
+    write("in/deep/base.json", styleOf("tile.png"));
+    write("in/deep/up.json", styleOf("../tile.png"));
+    for (const auto& [base, status] : {std::pair{"../secret/style.json", 1},
+                                       {"folder/style.json", 1},
+                                       {"deep/base.json", 0},
+                                       {"deep/up.json", 1},
+                                       {"pipe.png", 1}}) {
+        write("in/style.json", Json({{"extends", base}}).dump());
+        EXPECT_EQ(render(style), status) << base;
+    }
+    write("in/style.json", R"({"extends": "../secret/style.json"})");
+    EXPECT_EQ(render(style + "--allow-read $DIR/secret"), 0);
     // Names on the command line itself are not confined.
     EXPECT_EQ(render("--style '" + styleOf(file("secret/tile.png")) + "'"), 0);
     EXPECT_EQ(render("--pattern $DIR/secret/tile.png"), 0);

@@ -78,7 +78,11 @@ TEST_F(Refusals, OfStyles) {
             "scale": 10}, {"type": "outer-glow", "stops": [{"color": "#fff", "position": 100}]}]})",
         R"({"canvas": "#fff", "layers": [{"spread": -100, "offset": [-1000, 1000], "blend": "color-dodge",
             "clip": true, "knockout": true, "opacity": 0, "effects": []}, {"color": "#80ffffff"}]})",
-        R"({"canvas": {"type": "radial-gradient", "stops": [{"color": "#fff", "position": 0}]}})"};
+        R"({"canvas": {"type": "radial-gradient", "stops": [{"color": "#fff", "position": 0}]}})",
+        R"({"extends": "gold", "size": null, "layers": null, "effects": [{"stroke": null}, {"type":
+            "linear-gradient", "designed-for": 0}, {"type": "bevel", "style": null, "shadow": {"opacity": 1},
+            "highlight": null}]})",
+        R"({"extends": "triple", "layers": [null, {"color": null, "effects": null}]})"};
     for (const auto& file : fs::directory_iterator(fs::path(ZVTEXT_SOURCE) / "examples/styles")) {
         right.push_back(slurp(file.path()));
     }

@@ -12,6 +12,7 @@
 #include "scene/Style.h"
 #include "tools/zvtext/Options.h"
 #include "tools/zvtext/inspect/InspectCommand.h"
+#include "tools/zvtext/render/RenderCommand.h"
 
 namespace zvtext {
 
@@ -87,10 +88,12 @@ double bytesPerPixel(const Style& style) {
 
 void runInspectStyle(const InspectStyleArguments& a) {
     Style style;
-    const bool preset = std::any_of(presets().begin(), presets().end(),
-                                    [&](const Preset& candidate) { return a.style == candidate.name; });
-    const StyleNotes notes = preset ? readPreset("STYLE", a.style, style)
-                                    : readStyle("STYLE", a.style, style, fileSource({}, a.reads));
+    if (findPreset(a.style) != nullptr) {
+        readPreset("STYLE", a.style, style);
+    } else {
+        readStyle("STYLE", a.style, style, fileSource({}, a.reads));
+    }
+    warn(style.warnings);
     if (a.size > 0) style.size = a.size;
     fitEffects(style);
 
@@ -99,7 +102,8 @@ void runInspectStyle(const InspectStyleArguments& a) {
     const double bytes = bytesPerPixel(style);
     const double pixels = double(a.width + left + right) * double(a.height + top + bottom);
     Json report = {{"style", a.style}};
-    if (!notes.description.empty()) report["description"] = notes.description;
+    const std::string& description = style.notes.description;
+    if (!description.empty()) report["description"] = description;
     report["size"] = numberJson(style.size);
     report["margins"] = {{"left", left}, {"top", top}, {"right", right}, {"bottom", bottom}};
     if (style.canvas) report["canvas"] = formatCanvas(*style.canvas);

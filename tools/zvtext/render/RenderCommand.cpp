@@ -79,10 +79,12 @@ void runRender(const RenderArguments& arguments) {
     RenderOptions options = readRenderOptions(arguments);
     std::string printed;
     if (prints) {
-        SceneOptions styled = options.scene;
-        fitScene(styled);
-        if (arguments.printStyle) printed += writeStyle(styled.scene.style);
-        if (arguments.printKey) printed += layerKeyInHex(styled.scene.style) + "\n";
+        SceneOptions fitted = options.scene;
+        fitScene(fitted);
+        // A scaled style has the scaled lengths, of the one size that they are for.
+        const bool scaled = options.scene.scale != 1;
+        if (arguments.printStyle) printed += writeStyle((scaled ? fitted : options.scene).scene.style);
+        if (arguments.printKey) printed += layerKeyInHex(fitted.scene.style) + "\n";
         if (arguments.output.empty()) return print(printed);
     }
     const std::string output = arguments.output.empty() ? "zvtext.png" : arguments.output;
