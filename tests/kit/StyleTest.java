@@ -52,6 +52,12 @@ final class StyleTest {
                     + "'opacity': 0.9}, 'opacity': 0.8}]}",
             "{'effects': [{'type': 'emboss', 'style': 'double'}, {'type': 'stroke', 'position': 'center', 'width': 3}]}",
             "{'effects': [{'type': 'pattern', 'file': 'tile.png', 'scale': 2.5, 'opacity': 0.9}]}",
+            "{'extends': 'gold', 'color': null, 'effects': [{'type': 'stroke', 'width': 9, 'designed-for': 0}, {'type':"
+                    + "'bevel', 'depth': null, 'highlight': {'opacity': 1}}, {'outer-shadow': null}, {'type': 'inner-glow'}]}",
+            "{'extends': 'glitch', 'designed-for': 60, 'canvas': {'type': 'linear-gradient', 'stops': [{'color': '#fff',"
+                    + "'position': 5}]}, 'layers': [{}, null, {'blend': null, 'effects': [{'type': 'outer-glow', 'size': 3,"
+                    + "'designed-for': 20}]}, {'color': '#123', 'spread': 3}]}",
+            "{'extends': 'sticker', 'layers': null, 'effects': [{'type': 'stroke', 'color': null}]}",
             "{'canvas': '#80123456', 'background': '#abc', 'effects': [{'type': 'stroke'}], 'opacity': 0.8}",
             "{'canvas': {'type': 'radial-gradient', 'stops': [{'color': '#fff', 'position': 0}, {'color': '#000', 'position':"
                     + "100}]}, 'designed-for': 50, 'effects': [{'type': 'outer-shadow', 'distance': 0.4, 'size': 20}]}",
@@ -64,7 +70,9 @@ final class StyleTest {
             "{'size': '96'}", "{'opacity': 1.5}", "{'opacity': true}", "{'letter-spacing': -2}", "{'designed-for': -1}",
             "{'effects': {}}", "{'effects': [1]}", "{'effects': [{'type': 'glow'}]}", "{'effects': [{'type': 7}]}",
             "{'effects': [{'type': 'stroke'}, {'type': 'stroke'}]}", "{'effects': [{'type': 'stroke', 'width': 101}]}",
-            "{'effects': [{'type': 'stroke', 'width': null}]}", "{'effects': [{'type': 'stroke', 'position': 'middle'}]}",
+            "{'effects': [{'type': 'stroke', 'designed-for': -1}]}", "{'extends': ''}", "{'extends': 7}",
+            "{'extends': 'gold', 'layers': [{}]}", "{'extends': 'triple', 'effects': []}",
+            "{'extends': 'gold', 'effects': [{'type': 'linear-gradient', 'stops': null}]}", "{'effects': [{'type': 'stroke', 'position': 'middle'}]}",
             "{'effects': [{'type': 'bevel', 'altitude': 90}]}", "{'effects': [{'type': 'bevel', 'soften': 17}]}",
             "{'effects': [{'type': 'bevel', 'highlight': '#fff'}]}", "{'effects': [{'type': 'bevel', 'shadow': {}}]}",
             "{'effects': [{'type': 'linear-gradient'}]}", "{'effects': [{'type': 'linear-gradient', 'stops': []}]}",

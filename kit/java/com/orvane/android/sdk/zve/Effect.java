@@ -2,16 +2,29 @@
 package com.orvane.android.sdk.zve;
 
 import com.orvane.android.sdk.zve.Setting.Tint;
+import java.util.HashMap;
+import java.util.Map;
 
 /** An effect with its settings; immutable. */
 final class Effect {
     final EffectKind kind;
+    final Double designedFor; // the text's size, 0 for any; null: as the style
     private final Object[] values; // in the order of the kind's settings
 
     /** Values of the classes that the settings' types have, and in their ranges. */
-    Effect(EffectKind kind, Object[] values) {
+    Effect(EffectKind kind, Object[] values, Double designedFor) {
         this.kind = kind;
         this.values = values;
+        this.designedFor = designedFor;
+    }
+
+    /** By the names of the settings. */
+    Map<String, Object> values() {
+        Map<String, Object> named = new HashMap<>();
+        for (int i = 0; i < values.length; i++) {
+            named.put(kind.settings[i].name, values[i]);
+        }
+        return named;
     }
 
     /**
@@ -32,18 +45,23 @@ final class Effect {
                 Setting.opacity(1).checked(where + " opacity", ((Tint) values[i]).opacity);
             }
         }
-        return new Effect(kind, values);
+        return new Effect(kind, values, null);
     }
 
-    /** For a text {@code factor} times as large. */
-    Effect fitted(double factor) {
+    /** For a text of the size, in a style that is designed for another; 0 for any. */
+    Effect fitted(double size, double styleDesignedFor) {
+        double designed = designedFor != null ? designedFor : styleDesignedFor;
+        if (designed == 0) {
+            return this;
+        }
+        double factor = size / designed;
         Object[] fitted = values.clone();
         for (int i = 0; i < fitted.length; i++) {
             if (kind.settings[i].length) {
                 fitted[i] = kind.settings[i].fitted((Double) fitted[i], factor);
             }
         }
-        return new Effect(kind, fitted);
+        return new Effect(kind, fitted, 0.0);
     }
 
     private Object get(String name) {

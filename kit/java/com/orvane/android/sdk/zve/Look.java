@@ -38,7 +38,7 @@ final class Look {
         }
 
         Effect fitted(double size) {
-            return designedFor == 0 ? effect : effect.fitted(size / designedFor);
+            return effect.fitted(size, designedFor);
         }
     }
 
@@ -103,7 +103,7 @@ final class Look {
             one.lengths = one.layer.lengths(factor);
             one.stack.begin();
             for (Effect effect : one.layer.effects) {
-                one.stack.give(one.designedFor == 0 ? effect : effect.fitted(factor));
+                one.stack.give(effect.fitted(size, one.designedFor));
             }
         }
     }

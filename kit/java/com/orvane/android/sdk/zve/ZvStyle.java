@@ -25,7 +25,7 @@ public final class ZvStyle {
         SIZE, Setting.color(0xFF000000), Setting.of("background", Type.COLOR, null), Setting.of("canvas", Type.CANVAS, null),
         Setting.number("letter-spacing", 0, -1, 10, "em"), Setting.of("features", Type.TEXT, null), Setting.opacity(1),
         Setting.of("color-glyphs", Type.FLAG, null), Setting.of("$schema", Type.TEXT, null),
-        Setting.of("description", Type.TEXT, null), DESIGNED_FOR
+        Setting.of("description", Type.TEXT, null), Setting.of("extends", Type.TEXT, null), DESIGNED_FOR
     };
     static final int MAX_LAYERS = 32;
 
@@ -59,6 +59,17 @@ public final class ZvStyle {
          * @throws IOException if there is none
          */
         ZvPicture find(String file) throws IOException;
+
+        /**
+         * Gives the style that another one extends, if it is no preset.
+         *
+         * @param file as the style names it; do not open it just anywhere if the style is not your own
+         * @return the file's content; what it names is asked for as it names it
+         * @throws IOException if there is none
+         */
+        default String findStyle(String file) throws IOException {
+            throw new IOException("give parse a way to find styles");
+        }
     }
 
     /** One of several layers of a text. */
@@ -166,12 +177,7 @@ public final class ZvStyle {
      * @throws IOException as the reader does
      */
     public static ZvStyle parse(Reader json) throws IOException {
-        StringBuilder text = new StringBuilder();
-        char[] buffer = new char[8192];
-        for (int got = json.read(buffer); got >= 0 && text.length() <= StyleReader.MAX_CHARS; got = json.read(buffer)) {
-            text.append(buffer, 0, got);
-        }
-        return parse(text.toString());
+        return parse(textOf(json));
     }
 
     /**
@@ -185,11 +191,24 @@ public final class ZvStyle {
         if (!PRESETS.contains(name)) {
             throw new IllegalArgumentException("\"" + name + "\" is not one of " + String.join(", ", PRESETS));
         }
+        return parse(presetJson(name));
+    }
+
+    static String presetJson(String name) {
         try (InputStream in = ZvStyle.class.getResourceAsStream(FOLDER + name + ".json")) {
-            return parse(new InputStreamReader(in, StandardCharsets.UTF_8));
+            return textOf(new InputStreamReader(in, StandardCharsets.UTF_8));
         } catch (IOException e) {
             throw new IllegalStateException(e);
         }
+    }
+
+    private static String textOf(Reader json) throws IOException {
+        StringBuilder text = new StringBuilder();
+        char[] buffer = new char[8192];
+        for (int got = json.read(buffer); got >= 0 && text.length() <= StyleReader.MAX_CHARS; got = json.read(buffer)) {
+            text.append(buffer, 0, got);
+        }
+        return text.toString();
     }
 
     /**
