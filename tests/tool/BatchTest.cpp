@@ -76,16 +76,22 @@ public:
     // The next result; null if none comes within ten seconds or there are no more.
     Json next() {
         while (mRead.find('\n') == std::string::npos) {
-            pollfd event = {output, POLLIN, 0};
-            char block[4096];
-            const ssize_t got = poll(&event, 1, 10'000) == 1 ? read(output, block, sizeof block) : 0;
-            if (got <= 0) return nullptr;
-            mRead.append(block, static_cast<size_t>(got));
+            if (!readMore()) return nullptr;
         }
         const size_t end = mRead.find('\n');
         const Json json = Json::parse(mRead.substr(0, end), nullptr, false);
         mRead.erase(0, end + 1);
         return json;
+    }
+
+    // The picture behind the last result.
+    std::string picture(const Json& result) {
+        const size_t size = result.value("bytes", size_t{0});
+        while (mRead.size() < size && readMore()) {
+        }
+        const std::string bytes = mRead.substr(0, size);
+        mRead.erase(0, size);
+        return bytes;
     }
 
     // Whether the batch has handled this signal: its handler then resets itself.
@@ -145,6 +151,14 @@ public:
     rusage usage = {};
 
 private:
+    bool readMore() {
+        pollfd event = {output, POLLIN, 0};
+        char block[65536];
+        const ssize_t got = poll(&event, 1, 10'000) == 1 ? read(output, block, sizeof block) : 0;
+        mRead.append(block, static_cast<size_t>(std::max<ssize_t>(got, 0)));
+        return got > 0;
+    }
+
     std::string mRead;
 };
 
@@ -530,6 +544,58 @@ TEST_F(BatchCommand, AReaderThatStopsReadingDoesNotKeepItFromEnding) {
     EXPECT_TRUE(comesTrue([&] { return running.waiting() > 0; }));
     running.signalAll(SIGINT);
     EXPECT_EQ(running.wait(), (128 + SIGINT) << 8);
+}
+
+TEST_F(BatchCommand, StreamedPicturesComeBehindTheirResults) {
+    Running running(arguments("--jobs 2 --output - --resume"));
+    const struct {
+        std::string line, options;  // options of render; none: nothing is streamed
+    } lines[] = {{R"({"text":"Png","metrics":"m.json"})", "Png --metrics $DIR/m.json"},
+                 {R"({"text":"File","output":"file.png"})", ""},
+                 {R"({"text":"Bad","size":0})", ""},
+                 {R"({"text":"Raw","format":"raw","size":300})", "Raw -s 300 --format raw"},
+                 {R"({"text":"Same","format":"webp"})", "Same --format webp"},
+                 {R"({"text":"Same","format":"webp"})", "Same --format webp"}};
+    for (const auto& each : lines) running.put(each.line + "\n");
+    for (const auto& each : lines) {
+        const Json result = running.next();
+        EXPECT_EQ(running.picture(result),
+                  each.options.empty() ? "" : bytes("-f $FONT -s 24 " + each.options))
+            << each.line;
+        EXPECT_EQ(result.value("path", "-"), each.line == lines[1].line ? folder() / "file.png" : "-");
+    }
+    EXPECT_EQ(slurp(folder() / "m.json"), slurp(file("m.json")));
+    running.put("{\"text\":\"after\"}\n");
+    EXPECT_EQ(running.next().value("format", ""), "png");
+    running.closeOutput();
+    EXPECT_EQ(running.wait(), 1 << 8);
+}
+
+// 40 pictures of 8 MB and a reader that takes none for a while.
+TEST_F(BatchCommand, ASlowReaderOfPicturesStopsNothingElseAndFillsNoMemory) {
+    constexpr int kPictures = 40;
+    constexpr size_t kBytes = size_t{2000} * 1000 * 4;
+    const int errors = open(file("errors").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
+    Running running(arguments("--width 2000 --height 1000 --format raw"), errors);
+    std::string lines;
+    for (int i = 0; i < kPictures; ++i) lines += "{\"text\":\"x\",\"output\":\"-\"}\n";
+    running.put(lines + "{\"text\":\"x\",\"width\":9,\"height\":9,\"output\":\"last.rgba\"}\n");
+    EXPECT_TRUE(comesTrue([&] { return fs::exists(folder() / "last.rgba"); }));
+    for (int i = 1; i < kPictures; ++i) {
+        const Json result = running.next();
+        ASSERT_EQ(result.value("line", 0), i);
+        ASSERT_EQ(running.picture(result).size(), kBytes);
+    }
+    EXPECT_EQ(running.next().value("line", 0), kPictures);
+    running.closeOutput();
+    EXPECT_EQ(running.wait(), 1 << 8);
+    EXPECT_TRUE(kSanitized || running.usage.ru_maxrss < 120 << 10) << running.usage.ru_maxrss << " kB";
+    EXPECT_NE(
+        slurp(file("errors"))
+            .find("zvtext: cannot write to standard output: the reader has closed it after 39 pictures\n"),
+        std::string::npos)
+        << slurp(file("errors"));
+    close(errors);
 }
 
 TEST_F(BatchCommand, AFullDiskIsSaidOnce) {

@@ -28,7 +28,8 @@ void addBatchOptions(CLI::App& command, BatchArguments& a) {
     addFields(
         own,
         {{"output", TextField{&a.output},
-          "Name of a picture whose line has no output; {index} is the line's number", "NAME", "o"},
+          "Name of a picture whose line has no output; {index} is the line's number; - is standard output",
+          "NAME", "o"},
          {"metrics", TextField{&a.metrics, kMaxFieldBytes, kWantedPath},
           "Name of the metrics in JSON of a picture whose line has none, with {index}; else none", "NAME"},
          {"output-dir", TextField{&a.outputFolder}, "Where the pictures go; made when missing", "DIR"},
@@ -47,7 +48,8 @@ void addBatchOptions(CLI::App& command, BatchArguments& a) {
 out is as the options here say. "style" may be the style itself:
   {"text": "Grüße", "size": 120, "stroke": "8:#202020", "output": "hello.png"}
   {"text": "世界", "fallback": ["NotoSansCJK-Regular.ttc"], "style": {"color": "#ff8800"}, "id": "w-7"}
-"output" and "metrics" are names in the output folder, each of one line alone. Files to be read lie below
+"output" and "metrics" are names in the output folder, each of one line alone; the output - sends the picture
+to standard output, behind its result, which has its format and bytes. Files to be read lie below
 the working folder or that of the lines, fonts also among the system's; --allow-read adds folders.
 Each line gives one JSON object on standard output, in their order: line, path, width, height, margins,
 baseline and milliseconds, or line and error; the line's own id, a string or a number, where it has one;

@@ -14,6 +14,7 @@ namespace {
 
 constexpr size_t kMaxSyncing = 32;                        // lines of a worker on their way to the disk
 constexpr size_t kMaxSyncingBytes = size_t{1} << 20;      // of these lines
+constexpr size_t kMaxHeldBytes = size_t{1} << 20;         // of lines that may not start yet
 constexpr rlim_t kOtherFiles = 40, kFilesOfLine = 2 * 2;  // picture and metrics, each with its folder
 
 size_t mostSyncing() {
@@ -64,6 +65,27 @@ BatchCrew::Worker* BatchCrew::freeWorker(const Job& job) {
     return nullptr;
 }
 
+bool BatchCrew::hasRoom() {
+    size_t bytes = 0;
+    for (const Job& job : mHeld) {
+        if (mOwner.mayStart(job)) return false;
+        bytes += job.json.size();
+    }
+    return bytes < kMaxHeldBytes && freeWorker({}) != nullptr;
+}
+
+void BatchCrew::dropHeld() {
+    std::deque<Job> kept;
+    for (Job& job : mHeld) {
+        if (job.again) {
+            kept.push_back(std::move(job));
+        } else {
+            mOwner.finished(job, {});
+        }
+    }
+    mHeld = std::move(kept);
+}
+
 void BatchCrew::give(BatchJob job) {
     mHeld.push_back({std::move(job)});
     giveHeld();
@@ -71,7 +93,7 @@ void BatchCrew::give(BatchJob job) {
 
 void BatchCrew::giveHeld() {
     for (auto job = mHeld.begin(); job != mHeld.end();) {
-        Worker* worker = freeWorker(*job);
+        Worker* worker = mOwner.mayStart(*job) ? freeWorker(*job) : nullptr;
         if (worker == nullptr) {
             ++job;
             continue;

@@ -22,7 +22,8 @@ namespace zvtext {
 class BatchCrew {
 public:
     struct Owner {
-        std::function<void(int socket)> work;  // what a new process does
+        std::function<void(int socket)> work;               // what a new process does
+        std::function<bool(const BatchJob& job)> mayStart;  // else it waits
         std::function<void(const BatchJob& job, BatchResult result)> finished;
         std::function<void(const std::string& text)> said;  // on standard error
         std::function<void(const std::string& why)> lost;   // no worker can be started
@@ -33,8 +34,8 @@ public:
     BatchCrew(const BatchCrew&) = delete;
     BatchCrew& operator=(const BatchCrew&) = delete;
 
-    // Whether there is a worker for another line.
-    bool hasRoom() { return mHeld.empty() && freeWorker({}) != nullptr; }
+    // Whether there is a worker for another line. Lines that may not start yet do not keep others back.
+    bool hasRoom();
     bool isBusy() const;
 
     // Gives the job to a free worker, and starts one if need be. If no more workers can be started, the job
@@ -42,6 +43,8 @@ public:
     void give(BatchJob job);
     // Gives jobs that wait to workers that have become free.
     void giveHeld();
+    // Finishes those that no worker had, without a result.
+    void dropHeld();
 
     // Adds what to poll for; reacts to it, given the same events.
     void addEvents(std::vector<pollfd>& events);

@@ -83,21 +83,21 @@ bool sendResult(int socket, const BatchResult& result) {
     const std::string flags = {result.made ? 'm' : '-', result.last ? 'l' : '-', result.failed ? 'f' : '-',
                                result.diskFull ? 'd' : '-'};
     const BatchJournal::Record& record = result.record;
-    return sendParts(
-        socket, {std::to_string(result.line), flags, result.json, record.job, record.content, record.result});
+    return sendParts(socket, {std::to_string(result.line), flags, result.json, record.job, record.content,
+                              record.result, std::to_string(result.picture.size())}) &&
+           sendBytes(socket, result.picture.data(), result.picture.size());
 }
 
 bool receiveResult(int socket, BatchResult& result) {
-    Parts parts(6);
+    Parts parts(7);
     if (!receiveParts(socket, parts)) return false;
+    std::string picture(std::stoull(parts[6]), '\0');
+    if (!receiveBytes(socket, &picture[0], picture.size())) return false;
     const std::string& flags = parts[1];
-    result = {std::stoull(parts[0]),
-              flags[0] == 'm',
-              flags[1] == 'l',
-              flags[2] == 'f',
-              flags[3] == 'd',
-              std::move(parts[2]),
-              {std::move(parts[3]), std::move(parts[4]), std::move(parts[5])}};
+    result = {std::stoull(parts[0]), flags[0] == 'm',
+              flags[1] == 'l',       flags[2] == 'f',
+              flags[3] == 'd',       std::move(parts[2]),
+              std::move(picture),    {std::move(parts[3]), std::move(parts[4]), std::move(parts[5])}};
     return true;
 }
 

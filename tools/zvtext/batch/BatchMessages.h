@@ -13,9 +13,12 @@ namespace zvtext {
 
 // A job for a worker of a batch.
 struct BatchJob {
+    // Whether the picture goes to standard output, behind its result.
+    bool isStreamed() const { return path == "-"; }
+
     uint64_t line = 0;    // its number
     std::string id;       // JSON, for the result; empty: none
-    std::string path;     // path of the picture; "-" is the stream of results
+    std::string path;     // path of the picture; "-" is standard output
     std::string metrics;  // path of its metrics; empty: none
     std::string json;     // the line
     size_t place = 0;     // of its result; workers do not get it
@@ -30,6 +33,7 @@ struct BatchResult {
     bool failed = false;
     bool diskFull = false;        // whether that made it fail
     std::string json;             // the result, on one line
+    std::string picture;          // the bytes behind it, if it is streamed
     BatchJournal::Record record;  // an empty job: nothing to record
 };
 

@@ -36,6 +36,7 @@ std::string BatchNames::pathOf(const std::string& option, const std::string& nam
     // Names longer than any file system allows would take memory in each waiting result.
     if (name.size() >= PATH_MAX) throw UsageError(option + ": the name is too long");
     if (name.find('\0') != std::string::npos) throw UsageError(option + ": the name holds a NUL character");
+    if (name == "-" && option == "--output") return name;
     const fs::path path = fs::path(name).lexically_normal();
     if (path.empty() || !path.has_filename() || path == "." || path.filename() == "..") {
         throw UsageError(option + ": '" + name + "' is no name of a file");

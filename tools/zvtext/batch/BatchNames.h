@@ -25,8 +25,8 @@ public:
     // Failure if the current folder is unknown.
     BatchNames(std::string folder, FolderScope scope, bool tidies);
 
-    // The path for a line's name. Throws if the name is empty, too long, a folder, the journal, "-", or
-    // outside the folder.
+    // The path for a line's name; "-" for "-". Throws if the name is empty, too long, a folder, the journal
+    // or outside the folder, or if the metrics were to go to standard output.
     std::string pathOf(const std::string& option, const std::string& name) const;
 
     // Reserves the path for one line; throws if another line has it. Needs some 40 bytes of memory for each

@@ -39,6 +39,7 @@ namespace fs = std::filesystem;
 
 constexpr int kLastWait = 2000;       // milliseconds to wait for the reader of results after a signal
 constexpr size_t kMaxWaiting = 1024;  // results kept while an earlier line or the reader is slow
+constexpr size_t kMaxStreamedBytes = size_t{64} << 20;  // of pictures kept for the reader; then no more start
 
 // A line on a terminal's standard error that says how far the batch is; it goes before others come.
 class Progress {
@@ -81,7 +82,7 @@ public:
           mJournal(arguments.outputFolder, arguments.resume),
           mProgress(!arguments.quiet && isatty(STDERR_FILENO) == 1),
           mCrew(static_cast<size_t>(arguments.jobs == 0 ? std::min(usableCores(), kMaxJobs) : arguments.jobs),
-                {[this](int socket) { work(socket); },
+                {[this](int socket) { work(socket); }, [this](const BatchJob& job) { return mayStart(job); },
                  [this](const BatchJob& job, BatchResult result) { finish(job, std::move(result)); },
                  [this](const std::string& text) { say(text); },
                  [this](const std::string& why) { stop(why); }}) {
@@ -93,16 +94,24 @@ public:
 
     int run() {
         for (;;) {
-            if (mSignals.number() != 0 || !mResults.isOpen()) mEnded = true;
+            writeResults();
+            if (mSignals.number() != 0 || !mResults.isOpen()) {
+                mEnded = true;
+                mCrew.dropHeld();
+            }
             mCrew.giveHeld();
             bool moreThere = true;
             while (moreThere && canTake()) moreThere = takeLine();
-            writeResults();
             if (mEnded && !mCrew.isBusy() && (!mResults.isReady() || !mResults.isOpen())) break;
             if (!moreThere || !canTake()) wait(!mEnded && !moreThere);
         }
         mProgress.hide();
         if (mResults.isClosed() && mSignals.number() == 0) {
+            if (mStreams) {
+                throw Failure("cannot write to standard output: the reader has closed it after " +
+                              std::to_string(mResults.pictures()) +
+                              (mResults.pictures() == 1 ? " picture" : " pictures"));
+            }
             std::signal(SIGPIPE, SIG_DFL);
             std::raise(SIGPIPE);
         }
@@ -198,20 +207,29 @@ private:
         const std::string output = names.output.value_or(expandTemplate(mArguments.output, job.line));
         const std::string metrics = names.metrics.value_or(expandTemplate(mArguments.metrics, job.line));
         job.path = mNames.pathOf("--output", output);
+        if (job.isStreamed()) mStreams = true;
         if (names.metrics || !metrics.empty()) job.metrics = mNames.pathOf("--metrics", metrics);
         if (job.metrics == job.path) {
             throw UsageError("--metrics: '" + job.path + "' is where the picture goes");
         }
-        mNames.claim("--output", job.path);
+        if (!job.isStreamed()) mNames.claim("--output", job.path);
         if (!job.metrics.empty()) mNames.claim("--metrics", job.metrics);
     }
 
+    // Pictures that wait for a slow reader must not fill the memory. The next one for the reader is let
+    // through, since it may be the one that all others wait for.
+    bool mayStart(const BatchJob& job) const {
+        return !job.isStreamed() || mResults.pictureBytes() < kMaxStreamedBytes ||
+               job.place == mResults.first();
+    }
+
+    // A job that was not begun has no result.
     void finish(const BatchJob& job, BatchResult result) {
-        ++mDone;
+        if (!result.json.empty()) ++mDone;
         mErrors += result.failed;
         mUnwritten += result.diskFull;
         if (!result.record.job.empty() && !mJournal.append(result.record)) mJournalWhole = false;
-        mResults.finish(job.place, std::move(result.json));
+        mResults.finish(job.place, std::move(result.json), std::move(result.picture));
     }
 
     void say(const std::string& text) {
@@ -286,6 +304,7 @@ private:
     uint64_t mDone = 0, mErrors = 0, mUnwritten = 0;
     bool mEnded = false;  // no more lines are taken
     bool mJournalWhole = true;
+    bool mStreams = false;  // some pictures go to standard output
     const bool mOutputIsTerminal = isatty(STDOUT_FILENO) == 1;
     std::string mFailure;  // why the batch cannot continue
 };

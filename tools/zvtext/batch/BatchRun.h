@@ -33,13 +33,15 @@ struct BatchArguments {
 //
 // Memory: for each worker a line and some lines of 1 MiB in all, 1024 results, and some 40 bytes for each
 // output's name (if a name is used again, the later line fails). If the reader of the results stops, the
-// batch goes on until 1024 of them wait.
+// batch goes on until 1024 of them wait. While 64 MiB of streamed pictures wait for the reader, no more of
+// them are started, but other lines are; so at most 64 MiB and a picture for each worker are kept.
 //
 // On SIGINT, SIGTERM or SIGHUP the running lines are finished and printed; a second signal ends it at once.
 // If killed, it never leaves partial pictures. It may leave temporary files, which a run with --resume
 // removes; its workers end with it. If the input or the output fails, it ends after the running lines.
 // Returns the exit status: 0, 1 if a line failed, 128 + the signal. Closed standard output ends the process
-// as SIGPIPE does. Throws UsageError or Failure. The process must have one thread: workers are forks of it.
+// as SIGPIPE does, or is a Failure if pictures go there. Throws UsageError or Failure. The process must have
+// one thread: workers are forks of it.
 int runBatch(const BatchArguments& arguments);
 
 }  // namespace zvtext

@@ -12,6 +12,7 @@
 #include <mutex>
 #include <optional>
 #include <utility>
+#include <vector>
 
 #include "scene/Failure.h"
 #include "scene/FileSource.h"
@@ -125,9 +126,9 @@ private:
         checkOutput(job.path, options.output, "--output");
         const Scene scene = sceneOf(std::move(options.scene));
         result.record.job = jobDigest(job, scene);
-        const bool skipped = mSettings.resumes && findPicture(job, result.record);
+        const bool skipped = mSettings.resumes && !job.isStreamed() && findPicture(job, result.record);
         std::optional<StagedFiles> files;
-        if (!skipped) files = makePicture(job, scene, options.output, result.record);
+        if (!skipped) files = makePicture(job, scene, options.output, result);
         Json json = resultOf(job);
         if (!job.metrics.empty()) json["metrics"] = job.metrics;
         const Json made = Json::parse(result.record.result, nullptr, false);
@@ -135,6 +136,8 @@ private:
             if (made.contains(key)) json[key] = made[key];
         }
         if (skipped) json["skipped"] = true;
+        if (job.isStreamed()) json["format"] = formatName(job.path, options.output, "--output");
+        if (job.isStreamed()) json["bytes"] = result.picture.size();
         if (!files) result.record.job.clear();
         const std::chrono::duration<double, std::milli> took = std::chrono::steady_clock::now() - begin;
         json["milliseconds"] = std::round(took.count() * 10) / 10;
@@ -150,14 +153,15 @@ private:
         return true;
     }
 
-    // Files as make() returns them. Streams are written at once, and no record is kept of them.
+    // Files as make() returns them. No record is kept of streams; those other than standard output are
+    // written at once, and so are files beside any of them.
     static std::optional<StagedFiles> makePicture(const BatchJob& job, const Scene& scene,
-                                                  const OutputOptions& options,
-                                                  BatchJournal::Record& record) {
+                                                  const OutputOptions& options, BatchResult& result) {
         const Rendering rendering = Zvex::scene::render(scene);
         warn(rendering.warnings);
         const Metrics& metrics = rendering.metrics;
         const Margins& margins = metrics.margins;
+        BatchJournal::Record& record = result.record;
         record.result = dumpJson({{"width", metrics.width},
                                   {"height", metrics.height},
                                   {"margins",
@@ -166,15 +170,17 @@ private:
                                     {"right", margins.right},
                                     {"bottom", margins.bottom}}},
                                   {"baseline", metrics.baseline}});
-        const EncodedRendering encoded = encodeRendering(rendering, job.path, options, "--output");
+        EncodedRendering encoded = encodeRendering(rendering, job.path, options, "--output");
         record.content = digestOf(encoded.picture);
         if (!job.metrics.empty()) record.content = digestOf(record.content, digestOf(encoded.metrics));
-        if (options.scope.isAnywhere()) makeFolder(job.path, "--output");
+        if (options.scope.isAnywhere() && !job.isStreamed()) makeFolder(job.path, "--output");
         if (options.scope.isAnywhere()) makeFolder(job.metrics, "--metrics");
-        StagedFiles files(encoded.files(job.path, options, "--output"));
-        if (!files.hasStreams()) return files;
+        const std::vector<NewFile> all = encoded.files(job.path, options, "--output");
+        StagedFiles files({all.begin() + (job.isStreamed() ? 1 : 0), all.end()});
+        if (!job.isStreamed() && !files.hasStreams()) return files;
         files.sync();
         files.take();
+        if (job.isStreamed()) result.picture = std::move(encoded.picture);
         return std::nullopt;
     }
 

@@ -2,6 +2,7 @@
 #include "tools/zvtext/batch/ResultStream.h"
 
 #include <poll.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -12,27 +13,51 @@
 
 namespace zvtext {
 
+namespace {
+
+// A pipe that has room takes so much at once. A file takes anything.
+size_t mostAtOnce() {
+    struct stat status = {};
+    const bool file = fstat(STDOUT_FILENO, &status) == 0 && S_ISREG(status.st_mode);
+    return file ? size_t{1} << 20 : PIPE_BUF;
+}
+
+}  // namespace
+
+ResultStream::ResultStream() : mMostAtOnce(mostAtOnce()) {}
+
 size_t ResultStream::addPlace() {
     mResults.emplace_back();
     return mFirst + mResults.size() - 1;
 }
 
-void ResultStream::finish(size_t place, std::string json) {
-    mResults[place - mFirst] = std::move(json) + "\n";
+void ResultStream::finish(size_t place, std::string json, std::string picture) {
+    mPictureBytes += picture.size();
+    if (!json.empty()) json += "\n";
+    mResults[place - mFirst] = {std::move(json), std::move(picture)};
 }
 
 void ResultStream::write() {
     while (isOpen() && isReady()) {
-        if (mText.empty()) {
-            mText = *std::move(mResults.front());
-            mResults.pop_front();
-            ++mFirst;
-        }
-        if (!writeSome()) return;
+        if (mText.empty()) next();
+        if (!mText.empty() && !writeSome()) return;
         if (mWritten < mText.size()) continue;
-        mText.clear();
+        if (mInPicture) {
+            mPictureBytes -= mText.size();
+            ++mPictures;
+        }
+        mText = std::exchange(mPicture, "");
+        mInPicture = !mText.empty();
         mWritten = 0;
     }
+}
+
+void ResultStream::next() {
+    Result result = *std::move(mResults.front());
+    mResults.pop_front();
+    ++mFirst;
+    mText = std::move(result.text);
+    mPicture = std::move(result.picture);
 }
 
 // False if the reader takes nothing now.
@@ -40,8 +65,7 @@ bool ResultStream::writeSome() {
     pollfd ready = {STDOUT_FILENO, POLLOUT, 0};
     const int count = poll(&ready, 1, 0);
     if (count == 0) return false;
-    // At most as much as a pipe with room accepts at once.
-    const size_t length = std::min<size_t>(mText.size() - mWritten, PIPE_BUF);
+    const size_t length = std::min<size_t>(mText.size() - mWritten, mMostAtOnce);
     const ssize_t now = count < 0 ? -1 : ::write(STDOUT_FILENO, mText.data() + mWritten, length);
     if (now >= 0) {
         mWritten += static_cast<size_t>(now);

@@ -83,6 +83,11 @@ void checkOutput(const std::string& path, const OutputOptions& options, const st
     }
 }
 
+std::string formatName(const std::string& path, const OutputOptions& options, const std::string& option) {
+    const OutputFormat format = formatOf(path, options, option);
+    return format == OutputFormat::Png ? "png" : format == OutputFormat::Webp ? "webp" : "raw";
+}
+
 EncodedRendering encodeRendering(const Rendering& rendering, const std::string& path,
                                  const OutputOptions& options, const std::string& option) {
     checkOutput(path, options, option);

@@ -34,6 +34,9 @@ constexpr char kWantedPath[] = "the path of a file";
 // empty path, an ending of no format, or the same path for picture and metrics. `option` opens the message.
 void checkOutput(const std::string& path, const OutputOptions& options, const std::string& option);
 
+// The format of the picture at `path`, as --format has it: png, webp or raw. Throws as checkOutput does.
+std::string formatName(const std::string& path, const OutputOptions& options, const std::string& option);
+
 // The bytes of the files of a rendering.
 struct EncodedRendering {
     std::string picture, metrics;
