@@ -4,6 +4,8 @@
 #include <CLI/CLI.hpp>
 #include <functional>
 
+#include "scene/Presets.h"
+
 namespace zvtext {
 
 using namespace Zvex::scene;
@@ -57,6 +59,15 @@ void addSettings(CLI::App& command, const Fields& fields) {
         addOption(command, field, [field](const std::string& name, const Json& value) {
             readOptions({field}, {{name, value}});
         });
+    }
+}
+
+void readStyleArgument(const std::string& argument, Style& style,
+                       const std::shared_ptr<const Source>& source) {
+    if (findPreset(argument) != nullptr) {
+        readPreset("STYLE", argument, style);
+    } else {
+        readStyle("STYLE", argument, style, source);
     }
 }
 

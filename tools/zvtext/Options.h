@@ -3,6 +3,7 @@
 #define ZVEX_TOOLS_ZVTEXT_OPTIONS_H_
 
 #include <CLI/App.hpp>
+#include <memory>
 #include <string>
 
 #include "scene/FolderScope.h"
@@ -19,6 +20,11 @@ using namespace Zvex::scene;
 void addOptions(CLI::App& command, const Fields& fields, GivenOptions& given);
 // What is given is put into the fields, whose settings outlive the command.
 void addSettings(CLI::App& command, const Fields& fields);
+
+// Reads an argument that is a preset's name or a style file; ./NAME is always a file. Throws Failure, its
+// message opening with STYLE.
+void readStyleArgument(const std::string& argument, Style& style,
+                       const std::shared_ptr<const Source>& source);
 
 // Declares --json.
 void addJsonFlag(CLI::App& command, bool& json);

@@ -21,6 +21,7 @@
 #include "tools/zvtext/batch/BatchCommand.h"
 #include "tools/zvtext/gallery/Gallery.h"
 #include "tools/zvtext/inspect/InspectCommand.h"
+#include "tools/zvtext/preview/PreviewCommand.h"
 #include "tools/zvtext/render/OutputFile.h"
 #include "tools/zvtext/render/RenderCommand.h"
 
@@ -75,6 +76,11 @@ int run(int argc, char** argv) {
     CLI::App* gallery = app.add_subcommand("gallery", "Render a page that shows every effect");
     addGalleryOptions(*gallery, galleryArguments);
     gallery->callback([&] { runGallery(galleryArguments); });
+    int status = 0;
+    PreviewArguments previewArguments;
+    CLI::App* preview = app.add_subcommand("preview", "Show styles at several sizes on several grounds");
+    addPreviewOptions(*preview, previewArguments);
+    preview->callback([&] { status = runPreview(previewArguments); });
     InspectArguments inspectArguments;
     addInspectCommands(*app.add_subcommand("inspect", "Say what a font or a style is, or what a text needs"),
                        inspectArguments);
@@ -84,7 +90,6 @@ int run(int argc, char** argv) {
         "  zvtext render 'Grüße' --font DejaVuSans-Bold.ttf --preset gold -o gold.png\n"
         "  zvtext render --help\n"
         "The exit status is 0, 1 where a file or the machine failed, or 2 where the command line was wrong.");
-    int status = 0;
     BatchArguments batchArguments;
     CLI::App* batch = app.add_subcommand("batch", "Render lines of JSON, one picture each");
     addBatchOptions(*batch, batchArguments);

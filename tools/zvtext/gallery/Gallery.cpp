@@ -13,13 +13,14 @@
 #include "scene/Presets.h"
 #include "scene/TextInput.h"
 #include "tools/zvtext/Options.h"
+#include "tools/zvtext/page/Page.h"
 #include "tools/zvtext/render/Output.h"
 #include "tools/zvtext/render/OutputFile.h"
 #include "tools/zvtext/render/RenderCommand.h"
 
 namespace zvtext {
 
-extern const char kGalleryScenes[], kGalleryPage[];  // scenes.json and page.html
+extern const char kGalleryScenes[];  // scenes.json
 
 namespace {
 
@@ -47,17 +48,6 @@ std::string shellWord(const std::string& text) {
     std::string quoted = "'";
     for (const char c : text) quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
     return quoted + "'";
-}
-
-std::string escaped(const std::string& text) {
-    static const std::map<char, std::string> kEntities = {
-        {'&', "&amp;"}, {'<', "&lt;"}, {'>', "&gt;"}, {'"', "&quot;"}};
-    std::string result;
-    for (const char c : text) {
-        const auto entity = kEntities.find(c);
-        result += entity != kEntities.end() ? entity->second : std::string(1, c);
-    }
-    return result;
 }
 
 // The paths of the fonts with these file names; if there are several, the first in the order of paths.
@@ -157,19 +147,12 @@ std::string renderFigure(const Json& scene, const std::string& font) {
            "</code></pre></figcaption>\n</figure>\n";
 }
 
-std::string sectionHead(const Json& group) {
-    return "<section id=\"" + textOf(group, "name") + "\">\n<header>\n<h2>" +
-           escaped(textOf(group, "title")) + "</h2>\n<p>" + escaped(textOf(group, "introduction")) +
-           "</p>\n</header>\n";
-}
-
-std::string page(const std::string& links, const std::string& sections) {
-    std::string html = kGalleryPage;
-    for (const auto& [mark, content] : {std::pair("$SECTIONS$", &sections), {"$LINKS$", &links}}) {
-        html.replace(html.find(mark), std::string(mark).size(), *content);
-    }
-    return html;
-}
+constexpr char kIntroduction[] =
+    "Each picture with the command that made it; run from this page's folder, it makes the picture again.";
+constexpr char kGroundButtons[] =
+    "<input type=\"radio\" name=\"ground\" id=\"own\" checked><label for=\"own\">Each on its ground</label>\n"
+    "<input type=\"radio\" name=\"ground\" id=\"light\"><label for=\"light\">All on light</label>\n"
+    "<input type=\"radio\" name=\"ground\" id=\"dark\"><label for=\"dark\">All on dark</label>\n";
 
 }  // namespace
 
@@ -204,7 +187,7 @@ void runGallery(const GalleryArguments& arguments) {
     for (const Json& group : groups) count += group["scenes"].size();
     enterFolder(arguments.folder);
     writeParts();
-    std::string links, sections;
+    Page page = {"Text effects", kIntroduction, "", kGroundButtons, "", ""};
     for (const Json& group : groups) {
         std::string figures;
         for (const Json& scene : group["scenes"]) {
@@ -219,11 +202,12 @@ void runGallery(const GalleryArguments& arguments) {
             ++drawn;
         }
         if (figures.empty()) continue;
-        links += "<a href=\"#" + textOf(group, "name") + "\">" + escaped(textOf(group, "title")) + "</a>\n";
-        sections += sectionHead(group) + figures + "</section>\n";
+        page.beginSection(textOf(group, "name"), textOf(group, "title"), textOf(group, "introduction"));
+        page.sections += figures;
+        page.endSection();
     }
     if (drawn == 0) throw Failure("--font-dir: none of the fonts is below " + arguments.fontFolder);
-    writeFile(page(links, sections), "index.html", "DIR");
+    writeFile(page.html(), "index.html", "DIR");
     print(printable((fs::path(arguments.folder) / "index.html").string()) + ": " + std::to_string(drawn) +
           " pictures\n");
 }

@@ -7,7 +7,6 @@
 #include "scene/FileSource.h"
 #include "scene/Json.h"
 #include "scene/LayeredScene.h"
-#include "scene/Presets.h"
 #include "scene/SceneOptions.h"
 #include "scene/Style.h"
 #include "tools/zvtext/Options.h"
@@ -88,11 +87,7 @@ double bytesPerPixel(const Style& style) {
 
 void runInspectStyle(const InspectStyleArguments& a) {
     Style style;
-    if (findPreset(a.style) != nullptr) {
-        readPreset("STYLE", a.style, style);
-    } else {
-        readStyle("STYLE", a.style, style, fileSource({}, a.reads));
-    }
+    readStyleArgument(a.style, style, fileSource({}, a.reads));
     warn(style.warnings);
     if (a.size > 0) style.size = a.size;
     fitEffects(style);
