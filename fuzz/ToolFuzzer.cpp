@@ -82,7 +82,8 @@ void readPicture(fuzz::Input& input) {
     const Picture picture = decodePng("--pattern", input.flag() ? makePng(input) : input.rest());
     ZVEX_FUZZ_CHECK(picture.pixels.size() ==
                     static_cast<size_t>(picture.width) * static_cast<size_t>(picture.height));
-    const Picture again = decodePng("", encodePng(picture));
+    const auto compression = static_cast<Compression>(picture.width % 3);
+    const Picture again = decodePng("", encodePng(picture, kPointsPerInch, compression));
     ZVEX_FUZZ_CHECK(again.width == picture.width && again.height == picture.height &&
                     again.pixels == picture.pixels);
 }

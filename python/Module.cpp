@@ -132,21 +132,25 @@ Pixels premultiplied(const PythonPicture& picture) {
     return {std::move(argb.pixels), picture.width, picture.height};
 }
 
-std::string encode(const PythonPicture& picture, const std::string& format, double dpi) {
+std::string encode(const PythonPicture& picture, const std::string& format, double dpi,
+                   Compression compression) {
     if (picture.words.empty()) throw UsageError("picture: it was measured, not drawn");
-    if (format == "png") return encodePng(picture.picture(), dpi);
+    if (format == "png") return encodePng(picture.picture(), dpi, compression);
     if (std::max(picture.width, picture.height) > kMaxWebpSide) {
         throw UsageError("format: webp takes at most " + std::to_string(kMaxWebpSide) +
                          " pixels a side; take png");
     }
-    return encodeWebp(picture.picture());
+    return encodeWebp(picture.picture(), compression);
 }
 
-py::bytes encoded(const PythonPicture& picture, const std::string& format, double dpi) {
+py::bytes encoded(const PythonPicture& picture, const std::string& format, double dpi,
+                  const std::string& how) {
+    Compression compression = Compression::Default;
+    readValue("compression", compressionField(compression), how);
     std::string bytes;
     {
         const py::gil_scoped_release others;
-        bytes = encode(picture, format, dpi);
+        bytes = encode(picture, format, dpi, compression);
     }
     return bytes;
 }

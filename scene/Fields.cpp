@@ -258,6 +258,15 @@ Fields fieldsOf(Offset& offset) {
     return {{"x", NumberField{&offset.x, kOffset}}, {"y", NumberField{&offset.y, kOffset}}};
 }
 
+Field compressionField(Compression& value) {
+    return {
+        "compression",
+        ChoiceField{
+            &value,
+            {{"fast", Compression::Fast}, {"default", Compression::Default}, {"small", Compression::Small}}},
+        "The least time, most of the saving, or the smallest file, of PNG and WebP"};
+}
+
 Field required(Field field) {
     field.required = true;
     return field;

@@ -10,6 +10,7 @@
 #include <variant>
 #include <vector>
 
+#include "scene/Picture.h"
 #include "scene/Source.h"
 #include "scene/Values.h"
 
@@ -152,6 +153,9 @@ using Fields = std::vector<Field>;
 Fields fieldsOf(Tint& tint);
 Fields fieldsOf(Stop& stop);
 Fields fieldsOf(Offset& offset);
+
+// "compression": how a picture's file is compressed, an option wherever one is written.
+Field compressionField(Compression& value);
 
 Field required(Field field);
 

@@ -9,7 +9,7 @@ Picture decodePng(const std::string& name, const std::string&) {
     throw Failure(name + " cannot be read: this library has no PNG");
 }
 
-std::string encodePng(const Picture&, double) {
+std::string encodePng(const Picture&, double, Compression) {
     throw Failure("format: this library has no PNG");
 }
 

@@ -14,6 +14,13 @@ struct Picture {
     std::vector<uint32_t> pixels;
 };
 
+// What an encoder spends its time on. All are lossless.
+enum class Compression {
+    Fast,     // the least time
+    Default,  // most of what can be saved, in little more time
+    Small,    // the smallest file, in several times the time
+};
+
 // The four bytes of a pixel. Premultiplied: red, green and blue times alpha / 255, to the nearest.
 enum class PixelFormat {
     Argb,  // a straight 0xAARRGGBB word, its bytes in the machine's order

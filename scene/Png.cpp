@@ -4,8 +4,6 @@
 #include <spng.h>
 
 #include <algorithm>
-#include <cmath>
-#include <cstdlib>
 #include <memory>
 #include <new>
 #include <vector>
@@ -15,14 +13,6 @@
 namespace Zvex::scene {
 
 namespace {
-
-using Context = std::unique_ptr<spng_ctx, void (*)(spng_ctx*)>;
-
-Context makeContext(int flags) {
-    Context context(spng_ctx_new(flags), spng_ctx_free);
-    if (context == nullptr) throw std::bad_alloc();
-    return context;
-}
 
 // Feeds a file without the chunks that its pixels do not need: texts and profiles could unpack to gigabytes.
 struct PngStream {
@@ -69,7 +59,8 @@ uint32_t rounded(uint16_t sample) {
 }  // namespace
 
 Picture decodePng(const std::string& name, const std::string& bytes) {
-    const Context png = makeContext(0);
+    const std::unique_ptr<spng_ctx, void (*)(spng_ctx*)> png(spng_ctx_new(0), spng_ctx_free);
+    if (png == nullptr) throw std::bad_alloc();
     const auto check = [&](int error, const char* what) {
         if (error == SPNG_EMEM) throw std::bad_alloc();
         if (error != 0) throw Failure(name + what + spng_strerror(error));
@@ -101,38 +92,6 @@ Picture decodePng(const std::string& name, const std::string& bytes) {
         picture.pixels[i] = sample(3) << 24 | sample(0) << 16 | sample(1) << 8 | sample(2);
     }
     return picture;
-}
-
-std::string encodePng(const Picture& picture, double dpi) {
-    const Context png = makeContext(SPNG_CTX_ENCODER);
-    const auto check = [](int error) {
-        if (error != 0) throw std::bad_alloc();  // the only possible error
-    };
-    check(spng_set_option(png.get(), SPNG_ENCODE_TO_BUFFER, 1));
-    spng_ihdr header = {};
-    header.width = static_cast<uint32_t>(picture.width);
-    header.height = static_cast<uint32_t>(picture.height);
-    header.bit_depth = 8;
-    header.color_type = SPNG_COLOR_TYPE_TRUECOLOR_ALPHA;
-    check(spng_set_ihdr(png.get(), &header));
-    check(spng_set_srgb(png.get(), 0));  // perceptual
-    const auto perMetre = static_cast<uint32_t>(std::lround(dpi / 0.0254));
-    spng_phys phys = {perMetre, perMetre, 1};
-    check(spng_set_phys(png.get(), &phys));
-    check(spng_encode_image(png.get(), nullptr, 0, SPNG_FMT_PNG,
-                            SPNG_ENCODE_PROGRESSIVE | SPNG_ENCODE_FINALIZE));
-    std::vector<uint8_t> row(header.width * size_t{4});
-    for (size_t y = 0; y < header.height; ++y) {
-        convertPixels(picture.pixels.data() + y * header.width, header.width, PixelFormat::Rgba, row.data());
-        const int done = spng_encode_row(png.get(), row.data(), row.size());
-        if (done != SPNG_EOI) check(done);
-    }
-    int error = 0;
-    size_t size = 0;
-    const std::unique_ptr<void, void (*)(void*)> bytes(spng_get_png_buffer(png.get(), &size, &error),
-                                                       std::free);
-    check(error);
-    return std::string(static_cast<const char*>(bytes.get()), size);
 }
 
 }  // namespace Zvex::scene

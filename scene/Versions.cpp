@@ -5,6 +5,7 @@
 #include FT_FREETYPE_H
 #include <fontconfig/fontconfig.h>
 #include <hb.h>
+#include <libdeflate.h>
 #include <spng.h>
 #include <unicode/uversion.h>
 #include <webp/encode.h>
@@ -44,6 +45,7 @@ std::vector<std::pair<std::string, std::string>> libraryVersions() {
             {"HarfBuzz", hb_version_string()},
             {"ICU", icuVersion()},
             {"fontconfig", dotted(fontconfig / 10000, fontconfig / 100 % 100, fontconfig % 100)},
+            {"libdeflate", LIBDEFLATE_VERSION_STRING},
             {"libspng", spng_version_string()},
             {"libwebp", dotted(webp >> 16, webp >> 8 & 0xFF, webp & 0xFF)},
             {"nlohmann-json",

@@ -12,7 +12,7 @@ constexpr int kMaxWebpSide = 16383;  // limit of the format
 
 // The picture as the content of a lossless WebP file. Every pixel is kept exactly, the colours of transparent
 // ones too. Sides are at most kMaxWebpSide. Throws std::bad_alloc.
-std::string encodeWebp(const Picture& picture);
+std::string encodeWebp(const Picture& picture, Compression compression = Compression::Default);
 
 }  // namespace Zvex::scene
 

@@ -55,20 +55,23 @@ class Picture(_zvex.Picture):
     `warnings` names characters that no font has. A measured one has no rows of pixels.
     """
 
-    def encode(self, format: str = "png", *, dpi: float = 72) -> bytes:
-        """The content of a file: "png" or "webp" (lossless). `dpi`, 1 to 10000, is noted in a PNG."""
+    def encode(self, format: str = "png", *, dpi: float = 72, compression: str = "default") -> bytes:
+        """The content of a file: "png" or "webp" (lossless). `dpi`, 1 to 10000, is noted in a PNG. `compression` is
+        "fast", "default" or "small"."""
         kind = str(format).lower()
         if kind not in ("png", "webp"):
             raise Error("format", f"{format!r} is not png or webp")
         if not isinstance(dpi, (int, float)) or not 1 <= dpi <= 10000:
             raise Error("dpi", f"{dpi!r} is not a number from 1 to 10000")
-        return self._encode(kind, float(dpi))
+        return self._encode(kind, float(dpi), str(compression).encode("utf-8", "replace"))
 
-    def save(self, path: Path, *, format: Optional[str] = None, dpi: float = 72) -> None:
+    def save(
+        self, path: Path, *, format: Optional[str] = None, dpi: float = 72, compression: str = "default"
+    ) -> None:
         """Writes what `encode` makes, in the format of the path's ending if none is given. The file appears when
         it is complete."""
         name = os.fsdecode(path)
-        data = self.encode(format or os.path.splitext(name)[1][1:] or "png", dpi=dpi)
+        data = self.encode(format or os.path.splitext(name)[1][1:] or "png", dpi=dpi, compression=compression)
         part = os.path.join(os.path.dirname(name), f".zvex-{secrets.token_hex(8)}.part")
         try:
             with open(part, "xb") as file:

@@ -120,7 +120,10 @@ def test_files_and_notebooks(tmp_path):
     import io
     picture = zvex.render("Saved", font=FONT, preset="gold")
     for name in ("p.png", "p.webp"):
+        picture.save(tmp_path / name, compression="small")
+        small = (tmp_path / name).stat().st_size
         picture.save(tmp_path / name)
+        assert small < (tmp_path / name).stat().st_size
         assert numpy.array_equal(Image.open(tmp_path / name).convert("RGBA"), picture)
     assert numpy.array_equal(picture.to_pil(), picture)
     assert numpy.array_equal(Image.open(io.BytesIO(picture._repr_png_())), picture)
@@ -132,6 +135,8 @@ def test_files_and_notebooks(tmp_path):
     wide.save(tmp_path / "wide.png")
     with pytest.raises(zvex.Error):
         wide.save(tmp_path / "wide.webp")
+    with pytest.raises(zvex.Error, match="compression: 'tiny' is not one of"):
+        wide.save(tmp_path / "wide.png", compression="tiny")
     assert sorted(p.name for p in tmp_path.iterdir()) == ["p.png", "p.webp", "wide.png"]
 
 

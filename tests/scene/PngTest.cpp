@@ -6,6 +6,7 @@
 
 #include <array>
 #include <cstring>
+#include <functional>
 #include <random>
 
 #include "tests/scene/PngBytes.h"
@@ -92,6 +93,50 @@ TEST(Png, ReadsEveryKindAsLibpngDoes) {
             }
         }
     }
+}
+
+// Sizes of the files of a picture, which libpng reads back to its pixels, by compression.
+std::array<size_t, 3> writtenSizes(const char* name, int width, int height,
+                                   const std::function<uint32_t(int x, int y)>& pixelAt) {
+    Picture picture{width, height, {}};
+    for (int y = 0; y < height; ++y) {
+        for (int x = 0; x < width; ++x) picture.pixels.push_back(pixelAt(x, y));
+    }
+    std::array<size_t, 3> sizes = {};
+    for (const auto compression : {Compression::Fast, Compression::Default, Compression::Small}) {
+        const std::string file = encodePng(picture, 72, compression);
+        EXPECT_EQ(byLibpng(file, picture.pixels.size()), pixelBytes(picture)) << name;
+        sizes[static_cast<size_t>(compression)] = file.size();
+    }
+    EXPECT_LE(sizes[2], sizes[1]) << name;
+    return sizes;
+}
+
+TEST(Png, FiltersPayWhereThePictureIsSmooth) {
+    std::mt19937 random(19);
+    const auto noise = [&](int, int) { return static_cast<uint32_t>(random()); };
+    for (const auto& [width, height] : {std::pair{1, 1}, {1, 70}, {70, 1}, {33, 9}, {300, 250}})
+        writtenSizes("noise", width, height, noise);
+    const auto pixel = [](int alpha, int red, int green) {
+        return static_cast<uint32_t>(alpha << 24 | (red & 255) << 16 | (green & 255) << 8);
+    };
+    // No pixel comes twice within reach, but neighbours tell what it is: without a filter a byte in two is
+    // left.
+    const auto slope = [&](int x, int y) {
+        return pixel(255 - y / 8, x + x * x / 700 + y, 2 * y + x * y / 90);
+    };
+    const auto smooth = writtenSizes("slope", 300, 300, slope);
+    EXPECT_LT(smooth[1] * 3, smooth[0] * 2) << "the trial found the filter";
+    // The same pixels over and over, none like the next: differences would only hide that.
+    std::vector<uint32_t> letters(64);
+    for (uint32_t& letter : letters) letter = static_cast<uint32_t>(random());
+    const auto repeated = [&](int x, int y) { return letters[static_cast<size_t>((x * 5 + y * 3) % 64)]; };
+    const auto text = writtenSizes("letters", 300, 300, repeated);
+    EXPECT_LT(text[1], 300u * 300u * 4 / 50);
+    // Only differences to the left repeat.
+    const auto left =
+        writtenSizes("left", 251, 90, [&](int x, int y) { return pixel(255, x, x + y * y * 37); });
+    EXPECT_LT(left[2], 2000u);
 }
 
 TEST(Png, RefusesWhatIsCutShortDamagedOrTooLarge) {

@@ -46,19 +46,20 @@ OutputFormat formatOf(const std::string& path, const OutputOptions& options, con
                      "; --format says what to write under any name");
 }
 
-std::string encode(const Picture& picture, OutputFormat format, double dpi, const std::string& option) {
+std::string encode(const Picture& picture, OutputFormat format, const OutputOptions& options,
+                   const std::string& option) {
     if (format == OutputFormat::Rgba) {
         std::string bytes(picture.pixels.size() * 4, '\0');
         convertPixels(picture.pixels.data(), picture.pixels.size(), PixelFormat::Rgba, &bytes[0]);
         return bytes;
     }
-    if (format == OutputFormat::Png) return encodePng(picture, dpi);
+    if (format == OutputFormat::Png) return encodePng(picture, options.dpi, options.compression);
     if (picture.width > kMaxWebpSide || picture.height > kMaxWebpSide) {
         throw UsageError(option + ": the picture is " + std::to_string(picture.width) + " x " +
                          std::to_string(picture.height) + " pixels; WebP holds at most " +
                          std::to_string(kMaxWebpSide) + " a side");
     }
-    return encodeWebp(picture);
+    return encodeWebp(picture, options.compression);
 }
 
 }  // namespace
@@ -71,6 +72,7 @@ Fields fieldsOf(OutputOptions& options) {
          "PNG, lossless WebP or raw RGBA bytes; else by the output's ending: .png, .webp, .rgba"},
         {"dpi", NumberField{&options.dpi, {1, 10000}},
          "Pixels an inch that a PNG says it has; at 72 a pixel is a point"},
+        compressionField(options.compression),
         {"premultiplied", FlagField{&options.premultiplied},
          "Colours multiplied by their alpha; otherwise straight"}};
 }
@@ -97,9 +99,9 @@ EncodedRendering encodeRendering(const Rendering& rendering, const std::string& 
         Picture copy = rendering.picture;
         uint32_t* pixels = copy.pixels.data();
         convertPixels(pixels, copy.pixels.size(), PixelFormat::ArgbPremultiplied, pixels);
-        encoded.picture = encode(copy, format, options.dpi, option);
+        encoded.picture = encode(copy, format, options, option);
     } else {
-        encoded.picture = encode(rendering.picture, format, options.dpi, option);
+        encoded.picture = encode(rendering.picture, format, options, option);
     }
     if (!options.metrics.empty()) encoded.metrics = writeMetrics(rendering.metrics);
     return encoded;

@@ -22,9 +22,10 @@ struct OutputOptions {
     // By the path's ending: .png, .webp or .rgba; no ending is PNG.
     OutputFormat format = OutputFormat::ByEnding;
     double dpi = kPointsPerInch;  // pixels an inch; stored only in PNG files
-    bool premultiplied = false;   // colours multiplied by alpha, rounded; the formats do not state it
-    std::string metrics;          // path of a JSON file for the metrics, "-" for standard output; empty: none
-    FolderScope scope;            // folders for the files
+    Compression compression = Compression::Default;
+    bool premultiplied = false;  // colours multiplied by alpha, rounded; the formats do not state it
+    std::string metrics;         // path of a JSON file for the metrics, "-" for standard output; empty: none
+    FolderScope scope;           // folders for the files
 };
 Fields fieldsOf(OutputOptions& options);
 
