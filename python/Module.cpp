@@ -207,7 +207,7 @@ std::vector<std::string> optionNames() {
     return names;
 }
 
-std::vector<std::string> presetNames() {
+std::vector<std::string> namesOfPresets() {
     std::vector<std::string> names;
     for (const Preset& preset : presets()) names.emplace_back(preset.name);
     return names;
@@ -271,6 +271,6 @@ PYBIND11_MODULE(_zvex, module) {
     module.def("schema", styleSchema);
     module.def("fonts", systemFontNames, py::call_guard<py::gil_scoped_release>());
     module.def("options", optionNames);
-    module.def("presets", presetNames);
+    module.def("presets", namesOfPresets);
     module.attr("__version__") = ZVEX_VERSION;
 }
