@@ -142,6 +142,7 @@ bool watch(const std::function<void(const NoteFile& note)>& make, int& status) {
     status = 0;
     Stamps stamps;
     for (bool first = true; gEnded == 0; first = false) {
+        Stamps before = now(stamps);  // of files that change meanwhile, too
         int ends[2];
         const pid_t child = pipe2(ends, O_CLOEXEC) == 0 ? fork() : -1;
         if (child < 0) throw Failure("--watch: cannot start a process");
@@ -162,7 +163,7 @@ bool watch(const std::function<void(const NoteFile& note)>& make, int& status) {
             status = kUsageStatus;
             return false;
         }
-        if (ended != 0) noted.merge(now(std::move(stamps)));  // a style that is wrong hides what it names
+        if (ended != 0) noted.merge(before);  // a style that is wrong hides what it names
         stamps = std::move(noted);
         waitForChange(stamps);
     }
