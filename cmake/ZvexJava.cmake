@@ -66,6 +66,15 @@ add_custom_command(OUTPUT ${ZVEX_NATIVES_JAR}
     DEPENDS ZvEffect ZvHostJava COMMENT "Java: ${ZVEX_NATIVES_NAME}" VERBATIM)
 add_custom_target(zvex_java ALL DEPENDS ${ZVEX_ANDROID_JAR} ${ZVEX_KIT_JAR})
 add_custom_target(zvex_java_natives ALL DEPENDS ${ZVEX_NATIVES_JAR})
+# The two libraries for Debian's fonts, in java/desktop, for scripts/java-example.
+add_library(ZvEffectDesktop SHARED EXCLUDE_FROM_ALL)
+zvex_binding(ZvEffectDesktop /usr/share/fonts)
+target_link_libraries(ZvEffectDesktop PRIVATE "$<LINK_LIBRARY:WHOLE_ARCHIVE,zvex>")
+zvex_host_java(ZvHostJavaDesktop /usr/share/fonts)
+set_target_properties(ZvEffectDesktop PROPERTIES OUTPUT_NAME ZvEffect)
+set_target_properties(ZvHostJavaDesktop PROPERTIES OUTPUT_NAME ZvHostJava EXCLUDE_FROM_ALL ON)
+set_target_properties(ZvEffectDesktop ZvHostJavaDesktop PROPERTIES LIBRARY_OUTPUT_DIRECTORY ${ZVEX_JAVA_DIR}/desktop)
+add_custom_target(zvex_java_desktop DEPENDS zvex_java ZvEffectDesktop ZvHostJavaDesktop)
 
 # Pages of the kit; a public name without a comment is an error.
 find_program(ZVEX_JAVADOC javadoc HINTS $ENV{JAVA_HOME} ${ZVEX_JDKS} PATH_SUFFIXES bin)
