@@ -119,7 +119,7 @@ void setText(ZvTextObject& object, const SceneFonts& fonts, const SceneText& tex
     }
     android::Paint paint = shaper.paintOfText();
     object.SetPaint(paint);
-    object.GetFont()->SetLinePainter(&shaper);
+    object.GetFont()->SetLinePainter({std::shared_ptr<void>(), &shaper});  // not owned
 }
 
 int wrapWidthOf(const Scene& scene) {

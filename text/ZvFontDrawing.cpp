@@ -278,10 +278,10 @@ void ZvFontDrawing::SetTypeface(std::shared_ptr<const android::Typeface> typefac
     mOwnTypeface = std::move(typeface);
 }
 
-void ZvFontDrawing::SetLinePainter(const LinePainter* painter) {
+void ZvFontDrawing::SetLinePainter(std::shared_ptr<const LinePainter> painter) {
     if (painter == mPainter) return;
     mDrawn.forgetTypeface();
-    mPainter = painter;
+    mPainter = std::move(painter);
 }
 
 const android::Typeface* ZvFontDrawing::typefaceOf(const ZvTextObject& text) {

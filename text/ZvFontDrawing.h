@@ -39,8 +39,9 @@ public:
     void SetTypeface(std::shared_ptr<const android::Typeface> typeface);
     bool HasTypeface() const { return mOwnTypeface != nullptr; }
 
-    // Has `painter` draw the lines from then on. Not owned. Null: as before.
-    void SetLinePainter(const LinePainter* painter);
+    // Has `painter` draw the lines from then on. Null: as before.
+    void SetLinePainter(std::shared_ptr<const LinePainter> painter);
+    const LinePainter* GetLinePainter() const { return mPainter.get(); }
 
     // Empties glyphList and frees what belongs to it.
     void ClearGlyphList();
@@ -83,7 +84,7 @@ private:
                              size_t keptBytes, float* advance);
 
     DrawnLines mDrawn;
-    const LinePainter* mPainter = nullptr;                  // not owned; null: lines are laid out here
+    std::shared_ptr<const LinePainter> mPainter;            // null: lines are laid out here
     std::shared_ptr<const android::Typeface> mOwnTypeface;  // null: from the font manager
 };
 
