@@ -6,7 +6,9 @@
 
 #include <cstdint>
 #include <cstring>
+#include <exception>
 #include <memory>
+#include <new>
 #include <string>
 #include <vector>
 
@@ -18,7 +20,9 @@
 #include "jni/JniSupport.h"
 #include "jni/LayerNatives.h"
 #include "jni/StopsReader.h"
+#include "jni/WordLayout.h"
 #include "raster/ZvBitmap.h"
+#include "text/ZvFontDrawing.h"
 #include "text/ZvLineInfo.h"
 #include "text/ZvTextObject.h"
 #include "text/ZvView.h"
@@ -127,6 +131,56 @@ jbyteArray JNICALL getLayerKey(JNIEnv* env, jclass, jint handle) {
 
 // --- Texts without a view
 
+// With all its characters: the text object's form of UTF-8 loses a part of those above U+1FFFF.
+bool setWordsOf(JNIEnv* env, ZvTextObject& text, jstring words) {
+    std::vector<jchar> units(static_cast<size_t>(env->GetStringLength(words)));
+    env->GetStringRegion(words, 0, static_cast<jsize>(units.size()), units.data());
+    const std::wstring wide(units.begin(), units.end());
+    return text.SetText(wide.c_str());
+}
+
+// Gives the text once more what its lines count in, after SetLayout, which passes it as UTF-8.
+jboolean JNICALL setWords(JNIEnv* env, jclass, jint handle, jstring words) {
+    ZV_TEXT_OBJECT_OF(handle, text, JNI_FALSE);
+    ZV_REFUSE_UNLESS(words != nullptr, JNI_FALSE);
+    return unlessOutOfMemory(JNI_FALSE, [&]() -> jboolean { return setWordsOf(env, *text, words); });
+}
+
+// Lays the words out and gives the text a view of their size; align is 0 left, 1 center, 2 right. Returns the
+// room that the view has for ink beyond the lines: left, top, right, bottom. Empty where the platform's
+// classes do all this. An IllegalStateException says why words make no picture.
+jintArray JNICALL layOut(JNIEnv* env, jclass, jint handle, jstring words, jint wrap, jint align, jint lines) {
+    ZV_TEXT_OBJECT_OF(handle, text, nullptr);
+    const Utf8Chars chars(env, words);
+    ZV_REFUSE_UNLESS(chars.get() != nullptr && wrap >= 0 && align >= 0 && align <= 2 && lines >= 0, nullptr);
+    WordSettings settings;
+    settings.wrap = wrap;
+    settings.align = static_cast<WordSettings::Align>(align);
+    settings.lines = lines;
+    ZvRect lean;
+    try {
+        if (!setWordsOf(env, *text, words)) return nullptr;
+        if (!layOutWords(*text, chars.get(), settings, &lean)) return env->NewIntArray(0);
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    } catch (const std::exception& e) {
+        const LocalRef<jclass> found = findClass(env, "java/lang/IllegalStateException");
+        if (found) env->ThrowNew(found.get(), e.what());
+        return nullptr;
+    }
+    const jint sides[4] = {lean.left, lean.top, lean.right, lean.bottom};
+    const jintArray array = env->NewIntArray(4);
+    if (array != nullptr) env->SetIntArrayRegion(array, 0, 4, sides);
+    return array;
+}
+
+// The lines are the platform's layout's again.
+jboolean JNICALL leaveWords(JNIEnv*, jclass, jint handle) {
+    ZV_TEXT_OBJECT_OF(handle, text, JNI_FALSE);
+    text->GetFont()->SetLinePainter(nullptr);
+    return JNI_TRUE;
+}
+
 // Sets a view without paddings; the text's lines start at its top left.
 jboolean JNICALL setView(JNIEnv*, jclass, jint handle, jint width, jint height, jint maxLines) {
     ZV_TEXT_OBJECT_OF(handle, text, JNI_FALSE);
@@ -135,19 +189,6 @@ jboolean JNICALL setView(JNIEnv*, jclass, jint handle, jint width, jint height, 
     *view = ZvView();
     view->maxLines = maxLines;
     return view->SetSize(width, height);
-}
-
-// Gives the text once more what its lines count in. SetLayout passes it as UTF-8, of which the text object
-// keeps characters above U+1FFFF only in part.
-jboolean JNICALL setWords(JNIEnv* env, jclass, jint handle, jstring words) {
-    ZV_TEXT_OBJECT_OF(handle, text, JNI_FALSE);
-    ZV_REFUSE_UNLESS(words != nullptr, JNI_FALSE);
-    return unlessOutOfMemory(JNI_FALSE, [&]() -> jboolean {
-        std::vector<jchar> units(static_cast<size_t>(env->GetStringLength(words)));
-        env->GetStringRegion(words, 0, static_cast<jsize>(units.size()), units.data());
-        const std::wstring wide(units.begin(), units.end());
-        return text->SetText(wide.c_str());
-    });
 }
 
 jboolean JNICALL setTextColor(JNIEnv*, jclass, jint handle, jint color) {
@@ -196,6 +237,8 @@ bool ZvTextEffects_OnLoad(JNIEnv* env) {
         nativeMethod("ZvTextEffects_GetLayerMargins", "([I[F)[I", ZvTextEffects_GetLayerMargins),
         nativeMethod("ZvTextEffects_RenderLayers", "(I[I[FIIZF)[I", ZvTextEffects_RenderLayers),
         nativeMethod("ZvTextEffects_Render", "(IZZ)[I", ZvTextEffects_Render),
+        nativeMethod("ZvTextEffects_LayOut", "(ILjava/lang/String;III)[I", layOut),
+        nativeMethod("ZvTextEffects_LeaveWords", "(I)Z", leaveWords),
         nativeMethod("ZvTextEffects_SetWords", "(ILjava/lang/String;)Z", setWords),
     };
     return env->RegisterNatives(effectsClass.get(), natives, sizeof(natives) / sizeof(natives[0])) >= 0;

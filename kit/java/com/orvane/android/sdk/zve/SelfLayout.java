@@ -49,6 +49,19 @@ final class SelfLayout {
         return words != null;
     }
 
+    String words() {
+        return words;
+    }
+
+    int wrap() {
+        return wrap;
+    }
+
+    /** 0 left, 1 center, 2 right. */
+    int align() {
+        return alignment == Layout.Alignment.ALIGN_LEFT ? 0 : alignment == Layout.Alignment.ALIGN_CENTER ? 1 : 2;
+    }
+
     void setSize(double pixels) {
         size = pixels;
         paint.setTextSize((float) pixels);

@@ -23,6 +23,7 @@ final class TextLines {
     private boolean hasView;
     private int count; // of the lines shown; 0: the view's own limit
     private boolean drawn; // since the lines were placed
+    int[] lean = new int[4]; // room in the view for ink beyond the lines: left, top, right, bottom
 
     int viewColor = 0xFF000000;
     private double paintSize; // for a text with a view
@@ -48,9 +49,11 @@ final class TextLines {
     }
 
     void setCount(int lines) {
-        count = lines;
+        count = Math.max(lines, 0);
         changed();
-        place();
+        if (!self.hasWords()) {
+            place();
+        }
     }
 
     /** The native object has the view already. True if the text had words of its own until now. */
@@ -79,7 +82,11 @@ final class TextLines {
 
     private boolean leaveWords() {
         boolean had = self.hasWords();
-        self.setWords(null);
+        if (had) {
+            self.setWords(null);
+            lean = new int[4];
+            text.leaveWords();
+        }
         changed();
         return had;
     }
@@ -95,8 +102,11 @@ final class TextLines {
      * @throws IllegalStateException if the view or the layout is missing, or the words are too large
      */
     void ready(boolean movesBoxes) {
-        if (self.hasWords() && !measured) {
-            measure();
+        if (self.hasWords()) {
+            if (!measured || (movesBoxes && drawn)) {
+                measure();
+            }
+            return;
         }
         if (!hasView || layout == null) {
             throw new IllegalStateException("call " + (hasView ? "layout" : "view") + " before");
@@ -112,20 +122,39 @@ final class TextLines {
 
     // Sets up a view of the size that the words take.
     private void measure() {
+        lean = layOut();
+        if (lean == null) {
+            lean = new int[4];
+            layOutByPlatform();
+        }
+        hasView = true;
+        viewColor = 0xFF000000;
+        drawn = false;
+        measured = true;
+    }
+
+    private int[] layOut() {
+        Lock fonts = FontLock.setText(self.words());
+        try {
+            return text.layOut(self.words(), self.paint(), self.wrap(), self.align(), count);
+        } finally {
+            fonts.unlock();
+        }
+    }
+
+    private void layOutByPlatform() {
         Layout lines = self.lines();
         int shown = count > 0 ? Math.min(count, lines.getLineCount()) : lines.getLineCount();
         int width = self.width(lines);
         int height = Math.max(lines.getLineBottom(shown - 1), 1);
         if (Math.max(width, height) > MAX_SIDE || (long) width * height > MAX_PIXELS) {
             throw new IllegalStateException("the text would be " + width + " x " + height + " pixels; at most " + MAX_SIDE
-                    + " a side and " + MAX_PIXELS + " in all");
+                    + " pixels a side and " + MAX_PIXELS + " in all");
         }
-        text.setView(self.paint(), width, height, shown);
+        text.setView(width, height, shown);
         layout = lines;
         hasView = true;
-        viewColor = 0xFF000000;
         place();
-        measured = true;
     }
 
     // Places the lines by the view as it is at that moment; without a view there is nothing to place them in.

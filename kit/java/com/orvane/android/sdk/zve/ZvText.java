@@ -125,9 +125,20 @@ public final class ZvText extends TextLook implements AutoCloseable {
         ZvText_ClearAllTextEffect();
     }
 
-    // For words that are measured here: a view without paddings.
-    void setView(Paint paint, int width, int height, int maxLines) {
+    /** Null where words need a layout of the platform's. Else the room in the view for ink beyond the lines. */
+    int[] layOut(String words, Paint paint, int wrap, int align, int count) {
         check(ZvText_SetPaint(paint), "the paint could not be read");
+        int[] lean = ZvTextEffects.ZvTextEffects_LayOut(mHandle, words, wrap, align, count);
+        check(lean != null, "the words could not be laid out");
+        return lean.length == 0 ? null : lean;
+    }
+
+    void leaveWords() {
+        check(ZvTextEffects.ZvTextEffects_LeaveWords(mHandle), "the words could not be taken away");
+    }
+
+    // Without paddings.
+    void setView(int width, int height, int maxLines) {
         check(ZvTextEffects.ZvTextEffects_SetView(mHandle, width, height, maxLines), "the view could not be set");
     }
 
@@ -441,11 +452,11 @@ public final class ZvText extends TextLook implements AutoCloseable {
         synchronized (lock) {
             int[] argb = render();
             int[] size = size();
-            int[] margins = margins();
+            int[] effects = effectMargins();
             int[] line = ZvTextEffects.ZvTextEffects_GetOrigin(mHandle);
             used = true;
-            int[] origin = line == null ? new int[2] : new int[] {line[0] + margins[0], line[1] + margins[1]};
-            return new ZvPicture(argb, size[0], size[1], margins, origin);
+            int[] origin = line == null ? new int[2] : new int[] {line[0] + effects[0], line[1] + effects[1]};
+            return new ZvPicture(argb, size[0], size[1], margins(), origin);
         }
     }
 
@@ -477,7 +488,7 @@ public final class ZvText extends TextLook implements AutoCloseable {
     }
 
     /**
-     * The pixels that the effects need to the left of the view.
+     * The pixels to the left of the view: for effects, and without a view also for ink that leans out of the lines.
      *
      * @return pixels
      */
@@ -486,7 +497,7 @@ public final class ZvText extends TextLook implements AutoCloseable {
     }
 
     /**
-     * The pixels that the effects need above the view.
+     * The pixels above the view, for the same.
      *
      * @return pixels
      */
@@ -495,7 +506,7 @@ public final class ZvText extends TextLook implements AutoCloseable {
     }
 
     /**
-     * The pixels that the effects need to the right of the view.
+     * The pixels to the right of the view, for the same.
      *
      * @return pixels
      */
@@ -504,7 +515,7 @@ public final class ZvText extends TextLook implements AutoCloseable {
     }
 
     /**
-     * The pixels that the effects need below the view.
+     * The pixels below the view, for the same.
      *
      * @return pixels
      */
@@ -513,6 +524,16 @@ public final class ZvText extends TextLook implements AutoCloseable {
     }
 
     private int[] margins() {
+        synchronized (lock) {
+            int[] margins = effectMargins();
+            for (int i = 0; i < margins.length; i++) {
+                margins[i] += lines.lean[i];
+            }
+            return margins;
+        }
+    }
+
+    private int[] effectMargins() {
         synchronized (lock) {
             begin();
             if (look.isLayered()) {

@@ -76,6 +76,20 @@ final class ZvTextEffects {
     /** The picture with the text's own effects. @param colored whether glyphs have their own colours */
     static native int[] ZvTextEffects_Render(int handle, boolean colored, boolean background);
 
+    /**
+     * Lays words out and gives the text a view of their size, on a desktop.
+     *
+     * @param align 0 left, 1 center, 2 right
+     * @param lines shown at most; 0 for all
+     * @return the room that the view has for ink beyond the lines: left, top, right, bottom. Empty, with nothing done, on
+     *     Android, where {@code StaticLayout} does this. Null if memory is short
+     * @throws IllegalStateException which says why the words make no picture
+     */
+    static native int[] ZvTextEffects_LayOut(int handle, String words, int wrap, int align, int lines);
+
+    /** The next lines are those of a layout. */
+    static native boolean ZvTextEffects_LeaveWords(int handle);
+
     /** Sets the layout's text once more, after {@code ZvText_SetLayout}, which loses part of characters above U+1FFFF. */
     static native boolean ZvTextEffects_SetWords(int handle, String words);
 }

@@ -88,17 +88,26 @@ public final class FontLock {
      * @return the lock, held
      */
     public static Lock setText(Layout layout) {
+        return setText(layout instanceof StaticLayout ? layout.getText() : null);
+    }
+
+    /**
+     * For setting a text, as with a layout.
+     *
+     * @param text the one that is set; null if it is not known
+     * @return the lock, held
+     */
+    public static Lock setText(CharSequence text) {
         Lock reading = read();
-        if (!configured || isPlain(layout)) {
+        if (!configured || isPlain(text)) {
             return reading;
         }
         reading.unlock();
         return change();
     }
 
-    // Only of a layout and a text that cannot change: the library reads them again later.
-    private static boolean isPlain(Layout layout) {
-        CharSequence text = layout instanceof StaticLayout ? layout.getText() : null;
+    // Only of a text that cannot change: the library reads it again later.
+    private static boolean isPlain(CharSequence text) {
         if (!(text instanceof String)) {
             return false;
         }
