@@ -8,69 +8,61 @@ import java.util.Map;
 /** An effect with its settings; immutable. */
 final class Effect {
     final EffectKind kind;
-    final Double designedFor; // the text's size, 0 for any; null: as the style
-    private final Object[] values; // in the order of the kind's settings
+    private final Map<String, Object> values; // of all the kind's settings, each of the class that its type has
+    private final double designedFor; // the text's size for which its lengths are; 0 for any
 
-    /** Values of the classes that the settings' types have, and in their ranges. */
-    Effect(EffectKind kind, Object[] values, Double designedFor) {
+    /** @param values within their ranges; not copied */
+    Effect(EffectKind kind, Map<String, Object> values, double designedFor) {
         this.kind = kind;
         this.values = values;
         this.designedFor = designedFor;
     }
 
-    /** By the names of the settings. */
-    Map<String, Object> values() {
-        Map<String, Object> named = new HashMap<>();
-        for (int i = 0; i < values.length; i++) {
-            named.put(kind.settings[i].name, values[i]);
-        }
-        return named;
-    }
-
     /**
-     * The same from arguments, numbers of any class among them.
+     * An effect for texts of any size.
      *
+     * @param arguments in the order of the kind's settings; numbers of any class
      * @throws IllegalArgumentException which names the argument and its range
      */
     static Effect of(EffectKind kind, Object... arguments) {
-        Object[] values = arguments.clone();
-        for (int i = 0; i < values.length; i++) {
+        Map<String, Object> values = new HashMap<>();
+        for (int i = 0; i < arguments.length; i++) {
             Setting setting = kind.settings[i];
             String where = kind.key + " " + setting.name;
+            Object value = arguments[i];
             if (setting.type == Setting.Type.NUMBER) {
-                values[i] = setting.checked(where, (Number) values[i]);
+                value = setting.checked(where, (Number) value);
             } else if (setting.type == Setting.Type.STOPS) {
-                values[i] = ((Stops) values[i]).checked(where, setting.required);
+                value = ((Stops) value).checked(where, setting.required);
             } else if (setting.type == Setting.Type.TINT) {
-                Setting.opacity(1).checked(where + " opacity", ((Tint) values[i]).opacity);
+                Setting.opacity(1).checked(where + " opacity", ((Tint) value).opacity);
             }
+            values.put(setting.name, value);
         }
-        return new Effect(kind, values, null);
+        return new Effect(kind, values, 0);
     }
 
-    /** For a text of the size, in a style that is designed for another; 0 for any. */
-    Effect fitted(double size, double styleDesignedFor) {
-        double designed = designedFor != null ? designedFor : styleDesignedFor;
-        if (designed == 0) {
+    /** The effect for a text of that size. */
+    Effect fitted(double size) {
+        if (designedFor == 0) {
             return this;
         }
-        double factor = size / designed;
-        Object[] fitted = values.clone();
-        for (int i = 0; i < fitted.length; i++) {
-            if (kind.settings[i].length) {
-                fitted[i] = kind.settings[i].fitted((Double) fitted[i], factor);
+        Map<String, Object> fitted = new HashMap<>(values);
+        for (Setting setting : kind.settings) {
+            if (setting.length) {
+                fitted.put(setting.name, setting.fitted((Double) values.get(setting.name), size / designedFor));
             }
         }
-        return new Effect(kind, fitted, 0.0);
+        return new Effect(kind, fitted, 0);
+    }
+
+    /** A copy. */
+    Map<String, Object> values() {
+        return new HashMap<>(values);
     }
 
     private Object get(String name) {
-        for (int i = 0; i < values.length; i++) {
-            if (kind.settings[i].name.equals(name)) {
-                return values[i];
-            }
-        }
-        throw new AssertionError(kind + " " + name);
+        return values.get(name);
     }
 
     private float number(String name) {

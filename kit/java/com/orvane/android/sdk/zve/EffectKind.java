@@ -3,6 +3,8 @@ package com.orvane.android.sdk.zve;
 
 import com.orvane.android.sdk.zve.Setting.Tint;
 import com.orvane.android.sdk.zve.Setting.Type;
+import java.util.HashMap;
+import java.util.Map;
 
 /** The effects: the names they have in styles, the library's numbers for them, and their settings. */
 enum EffectKind {
@@ -64,9 +66,18 @@ enum EffectKind {
         };
     }
 
-    /** Whether it can fill the ground of a whole picture. */
+    /** Whether it can fill a whole picture, as its canvas. */
     boolean fillsCanvas() {
         return this == LINEAR_GRADIENT || this == RADIAL_GRADIENT || this == PATTERN;
+    }
+
+    /** All settings as they are at the start. */
+    Map<String, Object> starts() {
+        Map<String, Object> starts = new HashMap<>();
+        for (Setting setting : settings) {
+            starts.put(setting.name, setting.start);
+        }
+        return starts;
     }
 
     /** Null if there is none of that name. */

@@ -8,7 +8,7 @@ import java.util.List;
 import java.util.Map;
 import java.util.Set;
 
-/** A text's colours, and what it got from a style: effects that scale with the size, layers, a canvas. */
+/** A text's colours, and what styles gave it: effects that scale with the text's size, layers, a canvas. */
 final class Look {
     // Of a layer, see ZvTextEffects.
     private static final int NUMBERS = 7;
@@ -21,28 +21,13 @@ final class Look {
     double opacity = 1;
     boolean colorGlyphs = true;
 
-    private final Map<EffectKind, Styled> styled = new EnumMap<>(EffectKind.class);
+    private final Map<EffectKind, Effect> styled = new EnumMap<>(EffectKind.class);
     private final Set<EffectKind> own = EnumSet.noneOf(EffectKind.class); // those that no style gave
     private final List<StyledLayer> layers = new ArrayList<>(); // from the front
     private Object canvas; // null, an Integer for a colour, or an Effect
-    private ZvText canvasText; // lends its effect to the ground
+    private ZvText canvasText; // has the canvas's effect; null if there is none
 
-    /** An effect and the size of the text that it is designed for; 0 for any. */
-    private static final class Styled {
-        final Effect effect;
-        final double designedFor;
-
-        Styled(Effect effect, double designedFor) {
-            this.effect = effect;
-            this.designedFor = designedFor;
-        }
-
-        Effect fitted(double size) {
-            return effect.fitted(size, designedFor);
-        }
-    }
-
-    /** A layer of a style, the text object that lends its effects, and its spread and offset at the text's size. */
+    /** A layer of a style, the text object that has its effects, and its spread and offset for the text's size. */
     private static final class StyledLayer {
         final ZvStyle.Layer layer;
         final double designedFor;
@@ -67,7 +52,7 @@ final class Look {
         colorGlyphs = style.colorGlyphs != null ? style.colorGlyphs : colorGlyphs;
         for (Effect effect : style.effects) {
             own.remove(effect.kind);
-            styled.put(effect.kind, new Styled(effect, style.designedFor));
+            styled.put(effect.kind, effect);
             text.give(effect); // in the style's order
         }
         if (style.canvas != null) {
@@ -94,16 +79,16 @@ final class Look {
         }
     }
 
+    /** Scales what is designed for a certain size to this one. */
     void fit(ZvText text, double size) {
-        for (Styled one : styled.values()) {
-            text.give(one.fitted(size));
+        for (Effect effect : styled.values()) {
+            text.give(effect.fitted(size));
         }
         for (StyledLayer one : layers) {
-            double factor = one.designedFor == 0 ? 1 : size / one.designedFor;
-            one.lengths = one.layer.lengths(factor);
+            one.lengths = one.layer.lengths(one.designedFor == 0 ? 1 : size / one.designedFor);
             one.stack.begin();
             for (Effect effect : one.layer.effects) {
-                one.stack.give(effect.fitted(size, one.designedFor));
+                one.stack.give(effect.fitted(size));
             }
         }
     }

@@ -108,11 +108,38 @@ final class Setting {
         return this;
     }
 
+    /** Null if none has that name. */
+    static Setting find(Setting[] settings, String name) {
+        for (Setting setting : settings) {
+            if (setting.name.equals(name)) {
+                return setting;
+            }
+        }
+        return null;
+    }
+
+    static String names(Setting[] settings) {
+        StringBuilder names = new StringBuilder();
+        for (Setting setting : settings) {
+            names.append(names.length() > 0 ? ", " : "").append(setting.name);
+        }
+        return names.toString();
+    }
+
+    /** Whether it is a share of a whole, which text may give in percent. */
+    boolean isShare() {
+        return type == Type.NUMBER && name.equals("opacity");
+    }
+
+    boolean contains(double value) {
+        boolean inside = (above ? value > low : value >= low) && value <= high && !Double.isInfinite(value);
+        return inside && (!whole || value == Math.rint(value));
+    }
+
     /** @throws IllegalArgumentException with a message that begins with {@code where} and says what is accepted */
     double checked(String where, Number given) {
         double value = given.doubleValue();
-        boolean inside = (above ? value > low : value >= low) && value <= high && !Double.isInfinite(value);
-        if (!inside || (whole && value != Math.rint(value))) {
+        if (!contains(value)) {
             throw new IllegalArgumentException(where + ": " + shown(given) + " is not " + wanted());
         }
         return value;

@@ -1,13 +1,10 @@
 // SPDX-License-Identifier: Apache-2.0
 package com.orvane.android.sdk.zve;
 
-import com.orvane.android.sdk.zve.Setting.Tint;
-import com.orvane.android.sdk.zve.Setting.Type;
 import java.io.IOException;
 import java.util.ArrayList;
-import java.util.Arrays;
 import java.util.HashMap;
-import java.util.Iterator;
+import java.util.LinkedHashMap;
 import java.util.List;
 import java.util.Map;
 import org.json.JSONArray;
@@ -15,398 +12,250 @@ import org.json.JSONException;
 import org.json.JSONObject;
 import org.json.JSONTokener;
 
-/** Reads a style from JSON by the tables of settings. Errors are thrown with their place in front. */
+/** Reads style files: what they say, alone or on top of the style that they extend. */
 final class StyleReader {
     static final int MAX_CHARS = 4 << 20;
-
     private static final int MAX_BASES = 8;
-    private static final Setting EFFECT_DESIGNED_FOR = Setting.number("designed-for", 0, 0, 10000, "px");
-    private static final Setting[] STOP = {Setting.color(0).required(), Stops.POSITION, Setting.opacity(1)};
+    private static final String DESIGNED_FOR = "designed-for";
+    private static final Setting EFFECT_DESIGNED_FOR = Setting.number(DESIGNED_FOR, 0, 0, 10000, "px");
 
-    private final ZvStyle.Pictures pictures;
+    private final ZvStyle.Pictures files;
+    private final List<String> above; // the names of the files that extend this one
+    private final String folder;
+    private final ValueReader values;
 
-    StyleReader(ZvStyle.Pictures pictures) {
-        this.pictures = pictures;
+    private StyleReader(ZvStyle.Pictures files, List<String> above) {
+        this.files = files;
+        this.above = above;
+        String name = above.isEmpty() ? "" : above.get(above.size() - 1);
+        folder = name.substring(0, name.lastIndexOf('/') + 1);
+        values = new ValueReader(files, folder);
     }
 
-    /** What a style says, together with those that it extends. */
+    /** @throws IllegalArgumentException whose message begins with the place of what is wrong */
+    static ZvStyle read(String json, ZvStyle.Pictures files) {
+        return new StyleReader(files, new ArrayList<>()).read(json).finished();
+    }
+
+    // --- What a style says, together with those that it extends
+
     private static final class Content {
-        Map<String, Object> values = new HashMap<>();
-        List<Effect> effects = new ArrayList<>();
-        List<Content> layers = new ArrayList<>(); // these have none
+        final Map<String, Object> settings = new HashMap<>(); // those that are given
+        final Effects effects = new Effects();
+        final List<Layer> layers = new ArrayList<>(); // from the front
+
+        ZvStyle finished() {
+            if (!layers.isEmpty() && !effects.values.isEmpty()) {
+                throw ValueReader.refusal("effects", "belong into the layers where there are some");
+            }
+            Object designed = settings.get(DESIGNED_FOR);
+            double size = designed != null ? (Double) designed : 0;
+            List<ZvStyle.Layer> finished = new ArrayList<>();
+            for (Layer layer : layers) {
+                finished.add(new ZvStyle.Layer(layer.settings, layer.effects.finished(size)));
+            }
+            return new ZvStyle(settings, effects.finished(size), finished);
+        }
     }
 
-    ZvStyle read(String json) {
-        Content content = readContent(json, new ArrayList<>());
-        List<ZvStyle.Layer> layers = new ArrayList<>();
-        for (Content layer : content.layers) {
-            layers.add(new ZvStyle.Layer(layer.values, layer.effects));
+    private static final class Layer {
+        final Map<String, Object> settings = new HashMap<>();
+        final Effects effects = new Effects();
+
+        Layer() {
+            for (Setting setting : ZvStyle.Layer.SETTINGS) {
+                settings.put(setting.name, setting.start);
+            }
         }
-        return new ZvStyle(content.values, content.effects, layers);
     }
 
-    /** {@code above} are the styles that led here. */
-    private Content readContent(String json, List<String> above) {
-        JSONObject object = object(json);
-        Content content = object.isNull("extends") ? new Content() : readBase(object.opt("extends"), above);
-        content.values = readObject("", object, ZvStyle.SETTINGS, content.values, "effects", "layers");
-        readLayers(object, content);
-        readEffects("", object, content.effects);
-        if (!object.isNull("effects") && !content.layers.isEmpty()) {
-            throw refusal("effects", "belong into the layers where there are some");
+    // The effects from the lowest on, and the sizes that they themselves are designed for.
+    private static final class Effects {
+        final Map<EffectKind, Effect> values = new LinkedHashMap<>();
+        final Map<EffectKind, Double> designedFor = new HashMap<>();
+
+        List<Effect> finished(double ofStyle) {
+            List<Effect> list = new ArrayList<>();
+            for (Effect effect : values.values()) {
+                Double own = designedFor.get(effect.kind);
+                list.add(new Effect(effect.kind, effect.values(), own != null ? own : ofStyle));
+            }
+            return list;
         }
+    }
+
+    // --- Reading
+
+    private Content read(String text) {
+        JSONObject json = parse(text);
+        Content content = json.isNull("extends") ? new Content() : readBase(json.opt("extends"));
+        readSettings(json, content);
+        readLayers(json, content);
+        readEffects("", json, content.effects);
         return content;
     }
 
-    private Content readBase(Object extended, List<String> above) {
-        if (!(extended instanceof String) || ((String) extended).isEmpty()) {
-            String given = extended instanceof String ? "''" : shown(extended);
-            throw refusal("extends", given + " is not the name of a preset or the path of a style file");
-        }
-        String name = (String) extended;
-        String where = "extends: '" + name + "'";
-        boolean preset = ZvStyle.presets().contains(name);
-        List<String> chain = new ArrayList<>(above);
-        chain.add(name);
-        if (!preset && chain.size() > MAX_BASES) {
-            throw refusal("extends", "more than " + MAX_BASES + " style files extend one another");
-        }
-        if (above.contains(name)) {
-            throw refusal(where + " extends this style itself", "");
-        }
-        String json;
-        try {
-            json = preset ? ZvStyle.presetJson(name) : pictures.findStyle(name);
-        } catch (IOException e) {
-            throw new IllegalArgumentException(where + " cannot be read: " + e.getMessage(), e);
+    private JSONObject parse(String text) {
+        if (text.length() > MAX_CHARS) {
+            throw new IllegalArgumentException("it is longer than " + MAX_CHARS + " characters");
         }
         try {
-            return readContent(json, chain);
-        } catch (IllegalArgumentException e) {
-            throw refusal(where, e.getMessage());
-        }
-    }
-
-    private static JSONObject object(String json) {
-        if (json.length() > MAX_CHARS) {
-            throw refusal("", "it is longer than " + MAX_CHARS + " characters");
-        }
-        try {
-            JSONTokener tokens = new JSONTokener(json);
-            Object value = tokens.nextValue();
-            if (tokens.nextClean() != 0) {
-                throw refusal("", "it is no JSON: something follows it");
+            Object value = new JSONTokener(JsonText.checked(text)).nextValue();
+            if (!(value instanceof JSONObject)) {
+                values.readObject("", value, ZvStyle.SETTINGS, new HashMap<>(), true, "effects", "layers"); // throws
             }
-            if (value instanceof JSONObject) {
-                return (JSONObject) value;
-            }
-            throw refusal("", shown(value) + " is not an object");
+            return (JSONObject) value;
         } catch (JSONException e) {
-            throw refusal("", "it is no JSON: " + e.getMessage());
-        } catch (StackOverflowError e) {
-            throw refusal("", "it is nested too deeply");
+            throw new IllegalArgumentException("it is no JSON: " + e.getMessage(), e);
         }
     }
 
-    private static IllegalArgumentException refusal(String place, String why) {
-        return new IllegalArgumentException(place.isEmpty() ? why : why.isEmpty() ? place : place + ": " + why);
+    private Content readBase(Object json) {
+        if (!(json instanceof String) || ((String) json).isEmpty()) {
+            String given = json instanceof String ? "''" : ValueReader.shown(json);
+            throw ValueReader.refusal("extends", given + " is not the name of a preset or the path of a style file");
+        }
+        String name = Setting.checkedText("extends", (String) json);
+        if (ZvStyle.presets().contains(name)) {
+            return within("extends: '" + name + "'", ZvStyle.presetText(name), new ArrayList<>());
+        }
+        if (above.size() > MAX_BASES) {
+            throw ValueReader.refusal("extends", "more than " + MAX_BASES + " styles stand below");
+        }
+        String file = name.startsWith("/") ? name : folder + name;
+        if (above.contains(file)) {
+            throw ValueReader.refusal("extends", "'" + file + "' extends this style itself");
+        }
+        List<String> below = new ArrayList<>(above);
+        below.add(file);
+        try {
+            return within("extends: '" + file + "'", files.findStyle(file), below);
+        } catch (IOException e) {
+            String why = name.matches("[^./]*") ? "is no file, and not one of " + String.join(", ", ZvStyle.presets())
+                    : "cannot be read: " + e.getMessage();
+            throw new IllegalArgumentException("extends: '" + file + "' " + why, e);
+        }
     }
 
-    private static String member(String place, String key) {
-        return place.isEmpty() ? key : place + "." + key;
+    private Content within(String where, String text, List<String> names) {
+        try {
+            return new StyleReader(files, names).read(text);
+        } catch (IllegalArgumentException e) {
+            throw new IllegalArgumentException(where + ": " + e.getMessage(), e);
+        }
     }
 
-    private static String shown(Object value) {
-        String text = value instanceof String ? JSONObject.quote((String) value)
-                : value instanceof Number ? Setting.shown((Number) value) : String.valueOf(value);
-        return text.length() <= 40 ? text : value instanceof JSONObject ? "this object"
-                : value instanceof JSONArray ? "this array" : "this string";
-    }
-
-    // --- Effects and layers
-
-    // They change those of their kind; new ones go on top.
-    private void readEffects(String place, JSONObject object, List<Effect> effects) {
-        Object list = object.opt("effects");
-        String where = member(place, "effects");
-        if (list == null) {
-            return;
-        }
-        if (list == JSONObject.NULL) {
-            effects.clear();
-            return;
-        }
-        if (!(list instanceof JSONArray)) {
-            throw refusal(where, shown(list) + " is not an array of effects");
-        }
-        JSONArray array = (JSONArray) list;
-        Map<EffectKind, Integer> seen = new HashMap<>();
-        for (int i = 0; i < array.length(); i++) {
-            String at = where + "[" + i + "]";
-            EffectKind kind = takenAway(array.opt(i));
-            if (kind != null) {
-                EffectKind gone = kind;
-                effects.removeIf(effect -> effect.kind == gone);
-            } else {
-                kind = readEffectInto(at, array.opt(i), effects);
-            }
-            Integer earlier = seen.putIfAbsent(kind, i);
-            if (earlier != null) {
-                throw refusal(at + ".type", kind.key + " is there already, as " + where + "[" + earlier + "]");
+    private void readSettings(JSONObject json, Content content) {
+        values.readObject("", json, ZvStyle.SETTINGS, content.settings, true, "effects", "layers");
+        for (Setting setting : ZvStyle.SETTINGS) {
+            if (json.isNull(setting.name) && json.has(setting.name)) {
+                content.settings.remove(setting.name); // it is not given any more
             }
         }
     }
 
-    private EffectKind readEffectInto(String place, Object value, List<Effect> effects) {
-        Object type = value instanceof JSONObject ? ((JSONObject) value).opt("type") : null;
-        EffectKind named = type instanceof String ? EffectKind.find((String) type) : null;
-        int index = 0;
-        while (index < effects.size() && effects.get(index).kind != named) {
-            index++;
-        }
-        Effect base = index < effects.size() ? effects.get(index) : null;
-        Effect effect = readEffect(place, value, false, base);
-        if (base == null) {
-            effects.add(effect);
-        } else {
-            effects.set(index, effect);
-        }
-        return effect.kind;
-    }
-
-    /** Of {"stroke": null}. */
-    private static EffectKind takenAway(Object value) {
-        JSONObject object = value instanceof JSONObject ? (JSONObject) value : new JSONObject();
-        if (object.length() != 1) {
-            return null;
-        }
-        String key = object.keys().next();
-        return object.isNull(key) ? EffectKind.find(key) : null;
-    }
-
-    private Effect readEffect(String place, Object value, boolean canvas, Effect base) {
-        String names = canvas ? EffectKind.canvasNames() : EffectKind.names();
-        Object type = value instanceof JSONObject ? ((JSONObject) value).opt("type") : null;
-        if (type == null) {
-            throw refusal(place, "it is not an object with a type, one of " + names);
-        }
-        EffectKind kind = type instanceof String ? EffectKind.find((String) type) : null;
-        if (kind == null || (canvas && !kind.fillsCanvas())) {
-            throw refusal(place + ".type", shown(type) + " is not one of " + names);
-        }
-        boolean changes = base != null && base.kind == kind;
-        String[] others = canvas ? new String[] {"type"} : new String[] {"designed-for", "type"};
-        Map<String, Object> given = readObject(place, value, kind.settings, changes ? base.values() : null, others);
-        Object[] values = new Object[kind.settings.length];
-        for (int i = 0; i < values.length; i++) {
-            values[i] = given.get(kind.settings[i].name);
-        }
-        return new Effect(kind, values, designedFor(place, (JSONObject) value, changes ? base.designedFor : null));
-    }
-
-    private static Double designedFor(String place, JSONObject effect, Double base) {
-        Object given = effect.opt("designed-for");
-        if (given == null || given == JSONObject.NULL) {
-            return given == null ? base : null;
-        }
-        String where = place + ".designed-for";
-        if (!(given instanceof Number)) {
-            throw refusal(where, shown(given) + " is not " + EFFECT_DESIGNED_FOR.wanted());
-        }
-        return EFFECT_DESIGNED_FOR.checked(where, (Number) given);
-    }
-
-    // The first layer changes the first, and so on; more go behind them.
-    private void readLayers(JSONObject object, Content content) {
-        if (object.isNull("layers")) {
-            if (object.has("layers")) {
-                content.layers.clear();
-            }
+    // The first layer changes the first of the style below, and so on. More go behind them; null takes one away.
+    private void readLayers(JSONObject json, Content content) {
+        if (!json.has("layers")) {
             return;
         }
-        Object value = object.opt("layers");
-        JSONArray array = value instanceof JSONArray ? (JSONArray) value : new JSONArray();
+        if (json.isNull("layers")) {
+            content.layers.clear();
+            return;
+        }
+        Object list = json.opt("layers");
+        JSONArray array = list instanceof JSONArray ? (JSONArray) list : new JSONArray();
         if (array.length() < 1 || array.length() > ZvStyle.MAX_LAYERS) {
-            throw refusal("layers", shown(value) + " is not an array of 1 to " + ZvStyle.MAX_LAYERS + " layers");
+            throw ValueReader.refusal("layers",
+                    ValueReader.shown(list) + " is not an array of 1 to " + ZvStyle.MAX_LAYERS + " layers");
         }
-        if (!content.effects.isEmpty() && !object.has("effects")) {
-            throw refusal("layers", "the style that this one extends has effects; \"effects\": null takes them away");
+        if (!json.isNull("effects")) {
+            throw ValueReader.refusal("effects", "belong into the layers where there are some");
         }
-        List<Content> layers = new ArrayList<>();
-        for (int i = 0; i < Math.max(array.length(), content.layers.size()); i++) {
-            if (i < array.length() && array.isNull(i)) {
-                continue;
-            }
-            boolean changes = i < content.layers.size();
-            Content layer = changes ? content.layers.get(i) : new Content();
-            if (i < array.length()) {
+        if (!content.effects.values.isEmpty() && !json.has("effects")) {
+            throw ValueReader.refusal("layers",
+                    "the style that this one extends has effects; \"effects\": null takes them away");
+        }
+        List<Layer> below = new ArrayList<>(content.layers);
+        content.layers.clear();
+        for (int i = 0; i < Math.max(array.length(), below.size()); i++) {
+            if (i >= array.length()) {
+                content.layers.add(below.get(i));
+            } else if (!array.isNull(i)) {
+                Layer layer = i < below.size() ? below.get(i) : new Layer();
                 String place = "layers[" + i + "]";
-                layer.values = readObject(
-                        place, array.opt(i), ZvStyle.Layer.SETTINGS, changes ? layer.values : null, "effects");
+                values.readObject(place, array.opt(i), ZvStyle.Layer.SETTINGS, layer.settings, true, "effects");
                 readEffects(place, (JSONObject) array.opt(i), layer.effects);
+                content.layers.add(layer);
             }
-            layers.add(layer);
         }
+        checkLayers(content.layers);
+    }
+
+    private static void checkLayers(List<Layer> layers) {
         if (layers.size() > ZvStyle.MAX_LAYERS) {
-            throw refusal("layers", layers.size() + " are more than " + ZvStyle.MAX_LAYERS);
+            throw ValueReader.refusal("layers", layers.size() + " are more than " + ZvStyle.MAX_LAYERS);
         }
         int last = layers.size() - 1;
-        if (last >= 0 && (Boolean) layers.get(last).values.get("clip")) {
-            throw refusal("layers[" + last + "].clip", "there is no layer behind it to clip it to");
-        }
-        content.layers = layers;
-    }
-
-    // --- Values
-
-    /**
-     * What the object has for the settings; null takes a value away. What it lacks has the value of {@code base}, or without
-     * one the value at the start, but in a style itself. The other keys are read elsewhere.
-     */
-    private Map<String, Object> readObject(
-            String place, Object value, Setting[] settings, Map<String, Object> base, String... others) {
-        List<String> known = new ArrayList<>(Arrays.asList(others));
-        for (Setting setting : settings) {
-            known.add(setting.name);
-        }
-        String names = String.join(", ", known);
-        if (!(value instanceof JSONObject)) {
-            throw refusal(place, shown(value) + " is not an object with the keys " + names);
-        }
-        JSONObject object = (JSONObject) value;
-        Map<String, Object> values = base != null ? new HashMap<>(base) : new HashMap<>();
-        for (Setting setting : settings) {
-            String where = member(place, setting.name);
-            if (!object.isNull(setting.name)) {
-                Object below = base != null ? base.get(setting.name) : null;
-                values.put(setting.name, readValue(where, object.opt(setting.name), setting, below));
-            } else if (setting.required && (base == null || object.has(setting.name))) {
-                throw refusal(where, "is missing; it takes " + setting.wanted());
-            } else if (base == null || object.has(setting.name)) {
-                values.remove(setting.name);
-                if (settings != ZvStyle.SETTINGS) {
-                    values.put(setting.name, setting.start);
-                }
-            }
-        }
-        for (Iterator<?> keys = object.keys(); keys.hasNext();) {
-            String key = (String) keys.next();
-            if (!known.contains(key)) {
-                throw refusal(member(place, key), "is not one of the keys here: " + names);
-            }
-        }
-        return values;
-    }
-
-    private Object readValue(String place, Object value, Setting setting, Object below) {
-        IllegalArgumentException refusal = refusal(place, shown(value) + " is not " + setting.wanted());
-        Type type = setting.type;
-        if (type == Type.NUMBER && value instanceof Number) {
-            return setting.checked(place, (Number) value);
-        }
-        if (type == Type.FLAG && value instanceof Boolean) {
-            return value;
-        }
-        if (type == Type.CANVAS && value instanceof JSONObject) {
-            return readEffect(place, value, true, below instanceof Effect ? (Effect) below : null);
-        }
-        if (type == Type.TINT) {
-            Setting[] settings = {Setting.color(0).required(), Setting.opacity(((Tint) setting.start).opacity)};
-            Map<String, Object> base = null;
-            if (below != null) {
-                base = new HashMap<>();
-                base.put("color", ((Tint) below).color);
-                base.put("opacity", ((Tint) below).opacity);
-            }
-            Map<String, Object> tint = readObject(place, value, settings, base);
-            return new Tint((Integer) tint.get("color"), (Double) tint.get("opacity"));
-        }
-        if (value instanceof JSONArray && type == Type.STOPS) {
-            return readStops(place, (JSONArray) value, refusal);
-        }
-        if (value instanceof JSONArray && type == Type.OFFSET) {
-            return readOffset(place, (JSONArray) value, refusal);
-        }
-        if (!(value instanceof String)) {
-            throw refusal;
-        }
-        return readText(place, (String) value, setting);
-    }
-
-    private Object readText(String place, String text, Setting setting) {
-        boolean quoted = setting.type == Type.COLOR || setting.type == Type.CANVAS || setting.type == Type.CHOICE;
-        String given = quoted ? "'" + text + "'" : shown(text);
-        IllegalArgumentException refusal = refusal(place, given + " is not " + setting.wanted());
-        switch (setting.type) {
-            case COLOR:
-            case CANVAS:
-                return readColor(text, refusal);
-            case TEXT:
-                return Setting.checkedText(place, text);
-            case PICTURE:
-                return readPicture(place, text, refusal);
-            case CHOICE:
-                for (int i = 0; i < setting.choices.length; i++) {
-                    if (setting.choices[i].equals(text)) {
-                        return setting.numbers[i];
-                    }
-                }
-                throw refusal;
-            default:
-                throw refusal;
+        if (last >= 0 && (Boolean) layers.get(last).settings.get("clip")) {
+            throw ValueReader.refusal("layers[" + last + "].clip", "there is no layer behind it to clip it to");
         }
     }
 
-    private static int readColor(String text, IllegalArgumentException refusal) {
-        if (!text.matches("#([0-9a-fA-F]{3}|[0-9a-fA-F]{6}|[0-9a-fA-F]{8})")) {
-            throw refusal;
+    // They change those of their kind; new ones go on top.
+    private void readEffects(String place, JSONObject json, Effects effects) {
+        String list = ValueReader.member(place, "effects");
+        if (!json.has("effects")) {
+            return;
         }
-        int value = (int) Long.parseLong(text.substring(1), 16);
-        switch (text.length()) {
-            case 4:
-                return 0xFF000000 | (value >> 8) * 0x110000 | (value >> 4 & 0xF) * 0x1100 | (value & 0xF) * 0x11;
-            case 7:
-                return 0xFF000000 | value;
-            default:
-                return value;
+        if (json.isNull("effects")) {
+            effects.values.clear();
+            effects.designedFor.clear();
+            return;
         }
-    }
-
-    private ZvPicture readPicture(String place, String file, IllegalArgumentException refusal) {
-        if (file.isEmpty()) {
-            throw refusal;
+        if (!(json.opt("effects") instanceof JSONArray)) {
+            throw ValueReader.refusal(list, ValueReader.shown(json.opt("effects")) + " is not an array of effects");
         }
-        try {
-            return pictures.find(file);
-        } catch (IOException e) {
-            throw new IllegalArgumentException(place + ": " + shown(file) + " cannot be read: " + e.getMessage(), e);
-        }
-    }
-
-    private static double[] readOffset(String place, JSONArray array, IllegalArgumentException refusal) {
-        if (array.length() != 2) {
-            throw refusal;
-        }
-        double[] offset = new double[2];
-        for (int i = 0; i < 2; i++) {
-            String where = place + "[" + i + "]";
-            if (!(array.opt(i) instanceof Number)) {
-                throw refusal(where, shown(array.opt(i)) + " is not " + ZvStyle.Layer.OFFSET_SIDE.wanted());
-            }
-            offset[i] = ZvStyle.Layer.OFFSET_SIDE.checked(where, (Number) array.opt(i));
-        }
-        return offset;
-    }
-
-    private Stops readStops(String place, JSONArray array, IllegalArgumentException refusal) {
-        if (array.length() < 1 || array.length() > Stops.MAX) {
-            throw refusal;
-        }
-        Stops stops = new Stops();
+        JSONArray array = (JSONArray) json.opt("effects");
+        Map<EffectKind, String> seen = new HashMap<>();
         for (int i = 0; i < array.length(); i++) {
-            Map<String, Object> stop = readObject(place + "[" + i + "]", array.opt(i), STOP, null);
-            stops.add((Integer) stop.get("color"), (Double) stop.get("position"), (Double) stop.get("opacity"));
+            String where = list + "[" + i + "]";
+            EffectKind kind = readEffect(where, array.opt(i), effects);
+            String earlier = seen.put(kind, where);
+            if (earlier != null) {
+                throw ValueReader.refusal(where + ".type", kind.key + " is there already, as " + earlier);
+            }
         }
-        return stops.checked(place, true);
+    }
+
+    private EffectKind readEffect(String place, Object json, Effects effects) {
+        EffectKind away = takenAway(json);
+        if (away != null) {
+            effects.values.remove(away);
+            effects.designedFor.remove(away);
+            return away;
+        }
+        EffectKind kind = ValueReader.kindOf(place, json, false);
+        Map<String, Object> read = values.readEffect(place, json, kind, effects.values.get(kind), DESIGNED_FOR);
+        JSONObject object = (JSONObject) json;
+        if (object.has(DESIGNED_FOR)) {
+            effects.designedFor.remove(kind);
+        }
+        if (!object.isNull(DESIGNED_FOR)) {
+            String where = ValueReader.member(place, DESIGNED_FOR);
+            effects.designedFor.put(
+                    kind, (Double) values.read(where, object.opt(DESIGNED_FOR), EFFECT_DESIGNED_FOR, null));
+        }
+        effects.values.put(kind, new Effect(kind, read, 0));
+        return kind;
+    }
+
+    /** The kind that {@code {"stroke": null}} takes away; null for any other object. */
+    private static EffectKind takenAway(Object json) {
+        if (!(json instanceof JSONObject) || ((JSONObject) json).length() != 1) {
+            return null;
+        }
+        String key = ((JSONObject) json).keys().next();
+        return ((JSONObject) json).isNull(key) ? EffectKind.find(key) : null;
     }
 }

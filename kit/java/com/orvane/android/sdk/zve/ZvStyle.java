@@ -14,9 +14,6 @@ import java.util.Map;
 
 /**
  * How a text looks: a style file as {@code zvtext --style} reads it, or one of the presets. Immutable.
- *
- * <p>It is read with the platform's {@code org.json}, which is less strict about the form than {@code zvtext} (it takes the
- * last of two equal keys), and says no different about the values.
  */
 public final class ZvStyle {
     static final Setting SIZE = Setting.number("size", 96, 0, 10000, "px").above();
@@ -49,7 +46,7 @@ public final class ZvStyle {
     private final String features;
     private final String description;
 
-    /** Finds the pictures that a style names. */
+    /** Finds the pictures, and the other styles, that a style names. */
     public interface Pictures {
         /**
          * Gives the picture for a pattern.
@@ -61,14 +58,14 @@ public final class ZvStyle {
         ZvPicture find(String file) throws IOException;
 
         /**
-         * Gives the style that another one extends, if it is no preset.
+         * Gives the content of the style file that a style extends. Presets are not asked for.
          *
-         * @param file as the style names it; do not open it just anywhere if the style is not your own
-         * @return the file's content; what it names is asked for as it names it
-         * @throws IOException if there is none
+         * @param file as the style names it; in a file that was found so, from that file's folder on
+         * @return JSON
+         * @throws IOException if there is none, which is the case unless a class of yours says otherwise
          */
         default String findStyle(String file) throws IOException {
-            throw new IOException("give parse a way to find styles");
+            throw new IOException("only presets are known");
         }
     }
 
@@ -165,7 +162,11 @@ public final class ZvStyle {
      * @throws IllegalArgumentException as above, and if a picture cannot be found
      */
     public static ZvStyle parse(String json, Pictures pictures) {
-        return new StyleReader(pictures).read(json);
+        try {
+            return StyleReader.read(json, pictures);
+        } catch (NoClassDefFoundError e) {
+            throw new IllegalStateException("styles need org.json on the class path, such as Debian's com.android.json.jar", e);
+        }
     }
 
     /**
@@ -177,7 +178,17 @@ public final class ZvStyle {
      * @throws IOException as the reader does
      */
     public static ZvStyle parse(Reader json) throws IOException {
-        return parse(textOf(json));
+        return parse(readAll(json));
+    }
+
+    // Up to a little more than a style may have.
+    private static String readAll(Reader json) throws IOException {
+        StringBuilder text = new StringBuilder();
+        char[] buffer = new char[8192];
+        for (int got = json.read(buffer); got >= 0 && text.length() <= StyleReader.MAX_CHARS; got = json.read(buffer)) {
+            text.append(buffer, 0, got);
+        }
+        return text.toString();
     }
 
     /**
@@ -191,24 +202,15 @@ public final class ZvStyle {
         if (!PRESETS.contains(name)) {
             throw new IllegalArgumentException("\"" + name + "\" is not one of " + String.join(", ", PRESETS));
         }
-        return parse(presetJson(name));
+        return parse(presetText(name));
     }
 
-    static String presetJson(String name) {
+    static String presetText(String name) {
         try (InputStream in = ZvStyle.class.getResourceAsStream(FOLDER + name + ".json")) {
-            return textOf(new InputStreamReader(in, StandardCharsets.UTF_8));
+            return readAll(new InputStreamReader(in, StandardCharsets.UTF_8));
         } catch (IOException e) {
             throw new IllegalStateException(e);
         }
-    }
-
-    private static String textOf(Reader json) throws IOException {
-        StringBuilder text = new StringBuilder();
-        char[] buffer = new char[8192];
-        for (int got = json.read(buffer); got >= 0 && text.length() <= StyleReader.MAX_CHARS; got = json.read(buffer)) {
-            text.append(buffer, 0, got);
-        }
-        return text.toString();
     }
 
     /**
