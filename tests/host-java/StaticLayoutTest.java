@@ -2,14 +2,13 @@
 import static org.junit.jupiter.api.Assertions.*;
 
 import android.graphics.FontListParser;
+import android.graphics.Paint;
 import android.graphics.Typeface;
 import android.text.FontConfig;
 import android.text.Layout;
 import android.text.Layout.Alignment;
 import android.text.StaticLayout;
 import android.text.TextPaint;
-import android.view.Gravity;
-import android.widget.TextView;
 import com.orvane.android.sdk.zve.Stroke;
 import com.orvane.android.sdk.zve.ZvText;
 import com.orvane.android.sdk.zve.font.FontManager;
@@ -21,6 +20,7 @@ import java.nio.file.Files;
 import java.nio.file.Path;
 import java.util.ArrayList;
 import java.util.List;
+import java.util.Locale;
 import java.util.function.Function;
 import javax.imageio.ImageIO;
 import org.junit.jupiter.api.BeforeAll;
@@ -149,24 +149,24 @@ final class StaticLayoutTest {
     void picturesAreThoseOfTheCommandLine(@TempDir Path folder) throws Exception {
         String text = "Wrapped words, 日本語の文字 between them and averyveryverylongword\n\n"
                 + "أهلا  وسهلا ڸ\u2028end 10\u00A0km 𝔸 more.";
-        record Scene(int width, int height, String align, String gravity, int mostLines, float spacing, List<String> options,
+        record Scene(int width, Paint.Align align, int mostLines, float spacing, List<String> options,
                 Function<ZvText, ZvText> effects) {}
         int[] colors = {0xFFFF0000, 0xFF00FF00, 0xFF0000FF};
         // No two arguments of an effect are alike, so that none can stand in another's place.
         List<Scene> scenes = List.of(
-                new Scene(260, 420, "left", "top", 0, 0, List.of("--stroke", "4:#202020:outside", "--outer-glow",
+                new Scene(260, Paint.Align.LEFT, 0, 0, List.of("--stroke", "4:#202020:outside", "--outer-glow",
                         "size=11,color=#1100aa,opacity=60%"),
                         t -> t.stroke(4, 0xFF202020, Stroke.OUTSIDE).outerGlow(11, 0xFF1100AA, .6f)),
-                new Scene(260, 420, "right", "bottom", 0, 0, List.of("--stroke", "5:#ff8800:inside", "--outer-shadow",
+                new Scene(260, Paint.Align.RIGHT, 0, 0, List.of("--stroke", "5:#ff8800:inside", "--outer-shadow",
                         "angle=30,distance=9,size=6,color=#aa0011,opacity=70%"),
                         t -> t.stroke(5, 0xFFFF8800, Stroke.INSIDE).outerShadow(30, 9, 6, 0xFFAA0011, .7f)),
-                new Scene(177, 300, "center", "center", 3, 0, List.of("--inner-shadow",
+                new Scene(177, Paint.Align.CENTER, 3, 0, List.of("--inner-shadow",
                         "angle=60,distance=7,size=4,color=#00aa11,opacity=80%", "--background", "#40ff0000"),
                         t -> t.innerShadow(60, 7, 4, 0xFF00AA11, .8f).background(0x40FF0000)),
-                new Scene(333, 200, "right", "bottom", 2, .1f, List.of("--linear-gradient",
+                new Scene(333, Paint.Align.RIGHT, 2, .1f, List.of("--linear-gradient",
                         "angle=40,scale=1.2,opacity=90%,stops=#ff0000@0:#00ff00@30:#0000ff@100"),
                         t -> t.linearGradient(40, 1.2f, colors, new float[] {0, .3f, 1}, .9f)),
-                new Scene(80, 900, "left", "top", 0, 0, List.of("--stroke", "6:#0000ff:center", "--linear-gradient",
+                new Scene(80, Paint.Align.LEFT, 0, 0, List.of("--stroke", "6:#0000ff:center", "--linear-gradient",
                         "angle=70,stops=#ff0000@0:#0000ff@100"),
                         t -> t.stroke(6, 0xFF0000FF, Stroke.CENTER).linearGradient(70, 0xFFFF0000, 0xFF0000FF)));
         File png = folder.resolve("tool.png").toFile();
@@ -175,8 +175,8 @@ final class StaticLayoutTest {
         for (Scene scene : scenes) {
             List<String> command = new ArrayList<>(List.of(System.getProperty("zvex.zvtext"), "render", "--text-file",
                     words.toString(), "--font", FONT, "--fallback", FONTS.resolve(FALLBACK).toString(), "--size", "25", "--color", "#ff8800",
-                    "--padding", "9", "--width", "" + scene.width, "--height", "" + scene.height, "--align", scene.align,
-                    "--gravity", scene.gravity, "--letter-spacing", "" + scene.spacing, "--features", "-kern",
+                    "--width", "" + scene.width, "--align", scene.align.name().toLowerCase(Locale.ROOT), "--letter-spacing",
+                    "" + scene.spacing, "--features", "-kern",
                     "--output", png.getPath()));
             command.addAll(scene.options);
             if (scene.mostLines > 0) {
@@ -185,42 +185,20 @@ final class StaticLayoutTest {
             assertEquals(0, new ProcessBuilder(command).inheritIO().start().waitFor());
             BufferedImage expected = ImageIO.read(png);
 
-            TextView view = new TextView();
-            view.setText(text);
-            view.setTypeface(Typeface.createFromFile(FONT));
-            view.setTextSize(25);
-            view.setTextColor(0xFFFF8800);
-            view.getPaint().setLetterSpacing(scene.spacing);
-            view.getPaint().setFontFeatureSettings("-kern");
-            view.setIncludeFontPadding(false);
-            view.setPadding(9, 9, 9, 9);
-            view.setWidth(scene.width);
-            view.setHeight(scene.height);
-            view.setGravity(gravity(scene.align) & Gravity.HORIZONTAL_GRAVITY_MASK
-                    | gravity(scene.gravity) & Gravity.VERTICAL_GRAVITY_MASK);
-            if (scene.mostLines > 0) {
-                view.setMaxLines(scene.mostLines);
-            }
-            try (ZvText drawn = new ZvText().font(FONT).paint(view.getPaint()).view(view).layout(view.getLayout())) {
+            Paint paint = new Paint(Paint.ANTI_ALIAS_FLAG);
+            paint.setTypeface(Typeface.createFromFile(FONT));
+            paint.setColor(0xFFFF8800);
+            paint.setTextSize(25);
+            paint.setLetterSpacing(scene.spacing);
+            paint.setFontFeatureSettings("-kern");
+            try (ZvText drawn = new ZvText().font(FONT).paint(paint).text(text).wrap(scene.width).align(scene.align)
+                    .lines(scene.mostLines).color(0xFFFF8800)) {
                 int[] argb = scene.effects.apply(drawn).render();
                 assertEquals(expected.getWidth(), drawn.width());
                 assertEquals(expected.getHeight(), drawn.height());
                 int[] wanted = expected.getRGB(0, 0, drawn.width(), drawn.height(), null, 0, drawn.width());
                 assertArrayEquals(wanted, argb, String.join(" ", command));
             }
-        }
-    }
-
-    private static int gravity(String name) {
-        switch (name) {
-            case "right":
-                return Gravity.RIGHT;
-            case "bottom":
-                return Gravity.BOTTOM;
-            case "center":
-                return Gravity.CENTER;
-            default:
-                return Gravity.LEFT | Gravity.TOP;
         }
     }
 }

@@ -105,7 +105,8 @@ TEST_F(Output, EveryFormatHoldsTheSamePixels) {
         EXPECT_EQ(bytesOf(write(how + " --format raw", "-")), image.rgba);
     }
     for (const char* name : {"a.png", "a.webp"}) {
-        EXPECT_LT(write("--compression small", name).size(), write("--compression fast", name).size()) << name;
+        EXPECT_LT(write("--compression small", name).size(), write("--compression fast", name).size())
+            << name;
     }
     const Image premultiplied = readPng(file("a.PNG"));
     EXPECT_EQ(physicalSize(write("--format png --dpi 300", "straight.bin")),
