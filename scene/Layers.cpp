@@ -45,11 +45,15 @@ Look& Look::add(EffectSettings settings) {
 
 Fields fieldsOf(LayerSettings& layer) {
     return {{"color", OptionalColorField{&layer.color}, "The text's colour in this layer; else the style's"},
-            {"opacity", NumberField{&layer.opacity, kShare}, "How opaque the layer is"},
+            {"opacity", NumberField{&layer.opacity, kShare},
+             "How opaque the layer is, effects and all. At 0 it does not show"},
             {"spread", NumberField{&layer.spread, kSpread},
-             "How far the letters grow, or shrink below 0, before the effects see them"},
+             "How far the letters grow, or shrink below 0, before the effects see them. Shrunk by more than "
+             "half a stem they "
+             "are gone"},
             {"offset", OffsetField{&layer.offset}, "How far the layer is moved, to the right and down"},
-            {"blend", ChoiceField{&layer.blend, blendNames()}, "How its colours meet those behind it"},
+            {"blend", ChoiceField{&layer.blend, blendNames()},
+             "How its colours meet those behind it. Where nothing is behind it they stay as they are"},
             {"clip", FlagField{&layer.clip},
              "It shows only where the nearest layer behind it does that is not clipped"},
             {"knockout", FlagField{&layer.knockout},

@@ -36,13 +36,17 @@ void fitLook(Look& look, double size) {
 
 Fields fieldsOf(Style& style) {
     return {
-        {"size", NumberField{&style.size, kTextSize}, "Size of the text, the height of its em", "", "s"},
+        {"size", NumberField{&style.size, kTextSize},
+         "Size of the text, the height of its em. Effects keep their pixels, unless the style is designed "
+         "for a size",
+         "", "s"},
         {"color", ColorField{&style.color}, "The text's colour: #rgb, #rrggbb or #aarrggbb", "", "c"},
         {"background", OptionalColorField{&style.background}, "Fill behind each line; none without it"},
         {"canvas", CanvasField{&style.canvas},
          "Ground of the whole picture: a colour, or linear-gradient:, radial-gradient: or pattern: and what "
          "that effect takes"},
-        {"letter-spacing", NumberField{&style.letterSpacing, {-1, 10, "em"}}, "Extra space between letters"},
+        {"letter-spacing", NumberField{&style.letterSpacing, {-1, 10, "em"}},
+         "Extra space between letters; below 0 they move together until they overlap"},
         {"features", TextField{&style.features}, "OpenType features, such as 'smcp, -liga, ss01=1'", "LIST"},
         {"opacity", NumberField{&style.opacity, kShare}, "Opacity of the whole picture: 0.6 or 60%"},
         {"color-glyphs", OptionalFlagField{&style.colorGlyphs},
@@ -51,14 +55,15 @@ Fields fieldsOf(Style& style) {
 }
 
 Fields fieldsOf(StyleNotes& notes) {
-    return {
-        {"$schema", TextField{&notes.schema}, "Where an editor finds this schema"},
-        {"description", TextField{&notes.description}, "A line for people"},
-        {"extends",
-         TextField{&notes.extends, kMaxFieldBytes, "the name of a preset or the path of a style file"},
-         "The style that this one changes: a preset, or a file in this one's folder or below"},
-        {"designed-for", NumberField{&notes.designedFor, kTextSize},
-         "The text size that the effects' pixels are meant for; they grow and shrink with the text's own"}};
+    return {{"$schema", TextField{&notes.schema}, "Where an editor finds this schema"},
+            {"description", TextField{&notes.description}, "A line for people"},
+            {"extends",
+             TextField{&notes.extends, kMaxFieldBytes, "the name of a preset or the path of a style file"},
+             "The style that this one changes: a preset, or a file in this one's folder or below"},
+            {"designed-for", NumberField{&notes.designedFor, kTextSize},
+             "The text size that the effects' pixels are meant for; they grow and shrink with the text's "
+             "own, up to "
+             "their limits"}};
 }
 
 const Preset* findPreset(const std::string& name) {

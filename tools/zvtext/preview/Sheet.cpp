@@ -22,7 +22,7 @@ int64_t wide(int length) {
 Picture labelPicture(const std::string& text) {
     Scene scene;
     scene.text = text.empty() ? " " : text;
-    scene.font = "sans-serif";
+    scene.font = "DejaVu Sans,sans-serif";
     scene.style.size = 14;
     scene.style.color = kInk;
     scene.padding = {0, 2, 0, 4};
