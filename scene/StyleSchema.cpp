@@ -89,7 +89,7 @@ void addProperties(Json& properties, const Fields& fields) {
         const auto* number = std::get_if<NumberField>(&field.value);
         const bool unit = number != nullptr && *number->range.unit != '\0';
         std::string help = field.help;
-        if (unit) help += (help.empty() ? "in " : ", in ") + std::string(number->range.unit);
+        if (unit) help += (help.empty() ? "in " : ". In ") + std::string(number->range.unit);
         if (!help.empty()) schema["description"] = help;
         schema.update(orNull(std::visit(OfValue{}, field.value)));
         Json start = field.required ? Json() : defaultOf(field);

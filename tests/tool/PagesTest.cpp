@@ -50,4 +50,27 @@ TEST_F(Pages, HelpHasExamplesAndTheHelpOfAllHasEverything) {
     }
 }
 
+// The page of a style's keys is the one that this program makes.
+TEST_F(Pages, KeysOfAStyleHaveTheirSentencesAndPictures) {
+    if (kSanitized) GTEST_SKIP() << "a hundred runs";
+    const fs::path docs = fs::path(ZVTEXT_SOURCE) / "docs";
+    const std::string line = expanded("$SOURCE/scripts/styles-page " ZVTEXT_BINARY " $DIR > $DIR/shown 2>&1");
+    ASSERT_EQ(std::system(line.c_str()), 0) << slurp(file("shown"));
+    EXPECT_TRUE(slurp(file("styles.md")) == slurp(docs / "styles.md")) << "make it anew: scripts/docs";
+    std::set<std::string> made, kept;
+    for (const auto& entry : fs::directory_iterator(file("images/keys")))
+        made.insert(entry.path().filename());
+    for (const auto& entry : fs::directory_iterator(docs / "images/keys"))
+        kept.insert(entry.path().filename());
+    EXPECT_EQ(made, kept);
+    EXPECT_GT(made.size(), 60u);
+    uintmax_t bytes = 0;
+    for (const std::string& name : kept) {
+        EXPECT_TRUE(readPng(file("images/keys") / name).rgba == readPng(docs / "images/keys" / name).rgba)
+            << name;
+        bytes += fs::file_size(docs / "images/keys" / name);
+    }
+    EXPECT_LT(bytes, 1'000'000u);
+}
+
 }  // namespace
