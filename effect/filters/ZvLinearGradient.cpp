@@ -10,6 +10,7 @@
 
 #include "effect/kernels/Gradient.h"
 #include "foundation/OutOfMemory.h"
+#include "foundation/Trigonometry.h"
 
 namespace Zvex {
 
@@ -36,9 +37,9 @@ int ZvLinearGradient::doPostProcessing(ParamPostProcessing* param) {
     if (fill == nullptr || !fill->make(*param, *property)) return 0;
 
     const float angle = property->angle * kRadiansOfDegree;
-    const float sine = std::sin(angle), cosine = std::cos(angle);
+    const float sine = Zvex::sine(angle), cosine = Zvex::cosine(angle);
     // The line ends at the sides of the box that it reaches first: left and right, or top and bottom.
-    const bool spansWidth = std::abs(std::tan(angle)) < fill->height() / fill->width();
+    const bool spansWidth = std::abs(tangent(angle)) < fill->height() / fill->width();
     const float length = spansWidth ? fill->width() / std::abs(cosine) : fill->height() / std::abs(sine);
     const float entriesOfPixel = kEntries / property->scale / length;
     const float down = sine * entriesOfPixel, right = cosine * entriesOfPixel;

@@ -2,12 +2,12 @@
 #include "effect/kernels/Relief.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstring>
 #include <utility>
 
 #include "effect/kernels/DistanceRows.h"
 #include "effect/kernels/Gaussian.h"
+#include "foundation/Trigonometry.h"
 #include "raster/CpuTarget.h"
 #include "raster/ZvBlender.h"
 
@@ -96,9 +96,9 @@ ReliefLight ReliefLight::make(const ZvReliefProperty& property, double depthFloo
     const float sign = property.direction == 0 ? -1.0f : 1.0f;
     const double depth = property.depth > depthFloor ? property.depth : depthFloor;
     ReliefLight light;
-    light.x = sign * (std::cos(azimuth) * std::cos(elevation));
-    light.y = sign * (std::sin(azimuth) * std::cos(elevation));
-    light.z = std::sin(elevation);
+    light.x = sign * (cosine(azimuth) * cosine(elevation));
+    light.y = sign * (sine(azimuth) * cosine(elevation));
+    light.z = sine(elevation);
     light.normalZ = static_cast<float>(2.4 / depth);
     light.highlightAlpha = static_cast<int>(property.highlightColor >> 24);
     light.shadowAlpha = static_cast<int>(property.shadowColor >> 24);

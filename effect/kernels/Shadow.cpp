@@ -1,17 +1,16 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "effect/kernels/Shadow.h"
 
-#include <cmath>
-
 #include "foundation/SafeConvert.h"
+#include "foundation/Trigonometry.h"
 
 namespace Zvex {
 
 // Single precision up to the rounding, whose half is a double.
 ShadowShift shadowShift(const ZvShadowProperty& shadow) {
     const float radians = shadow.angle * 3.14159f / 180.0f;
-    const float right = std::cos(radians) * shadow.distance;
-    const float down = std::sin(radians) * shadow.distance;
+    const float right = cosine(radians) * shadow.distance;
+    const float down = sine(radians) * shadow.distance;
     ShadowShift shift;
     shift.x = truncateToInt((right < 0 ? 0.5 : -0.5) - right);
     shift.y = truncateToInt(down + (down > 0 ? 0.5 : -0.5));
