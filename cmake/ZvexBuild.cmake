@@ -6,11 +6,14 @@ find_package(Threads REQUIRED)
 # The code does not read errno or the floating-point flags; without those the compiler can vectorise square roots and choices,
 # with the same results.
 set(ZVEX_EXACT_MATH -ffp-contract=off -fno-fast-math -fno-math-errno -fno-trapping-math)
+if(EMSCRIPTEN)  # whose clang 14 makes wrong WebAssembly of single numbers that it joins to vectors
+  list(APPEND ZVEX_EXACT_MATH -fno-slp-vectorize)
+endif()
 
 # Release builds are hardened: stack protector, checked calls of the C library, and addresses resolved at start and
 # read-only afterwards. tests/tree/Hardening.cmake checks the binaries.
 set(ZVEX_HARDENED OFF)
-if(CMAKE_BUILD_TYPE STREQUAL Release AND CMAKE_CXX_FLAGS_RELEASE MATCHES "-O[1-3s]" AND NOT ZVEX_SANITIZE)
+if(CMAKE_BUILD_TYPE STREQUAL Release AND CMAKE_CXX_FLAGS_RELEASE MATCHES "-O[1-3s]" AND NOT ZVEX_SANITIZE AND NOT EMSCRIPTEN)
   set(ZVEX_HARDENED ON)
 endif()
 

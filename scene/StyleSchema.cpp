@@ -4,6 +4,8 @@
 #include <cmath>
 
 #include "scene/Json.h"
+#include "scene/Presets.h"
+#include "scene/SceneOptions.h"
 #include "scene/Style.h"
 
 namespace Zvex::scene {
@@ -52,6 +54,22 @@ struct OfValue {
         if (*field.wanted != '\0') schema["minLength"] = 1;
         return schema;
     }
+    Json operator()(const PaddingField&) const { return {{"type", {"number", "string"}}}; }
+    Json operator()(const FontsField&) const {
+        return {{"type", "array"}, {"items", {{"type", "string"}}}, {"maxItems", kMaxFonts}};
+    }
+    Json operator()(const EffectField& field) const {
+        const Json reference = {{"$ref", std::string("#/$defs/") + field.kind->name}};
+        return {{"oneOf", {{{"type", "string"}}, reference}}};
+    }
+    Json operator()(const StyleField&) const {
+        return {{"oneOf", {{{"type", "string"}}, {{"$ref", "style.schema.json"}}}}};
+    }
+    Json operator()(const PresetField&) const {
+        Json names = Json::array();
+        for (const Preset& preset : presets()) names.push_back(preset.name);
+        return {{"enum", names}};
+    }
     template <typename FileOrOther>
     Json operator()(const FileOrOther&) const {
         return {{"type", "string"}, {"minLength", 1}};
@@ -61,7 +79,7 @@ struct OfValue {
 // The default value, if it can be written as JSON.
 Json defaultOf(const Field& field) {
     if (const auto* number = std::get_if<NumberField>(&field.value)) return numberJson(number->get());
-    if (const auto* flag = std::get_if<FlagField>(&field.value)) return *flag->value;
+    if (const auto* flag = std::get_if<FlagField>(&field.value)) return *flag->value == flag->given;
     const bool plain =
         std::holds_alternative<ColorField>(field.value) || std::holds_alternative<ChoiceField>(field.value);
     return plain ? Json(formatValue(field)) : Json();
@@ -78,7 +96,8 @@ Json orNull(Json schema) {
     } else if (schema.contains("enum")) {
         schema["enum"].push_back(nullptr);
     } else {
-        schema["type"] = {schema["type"], "null"};
+        if (!schema["type"].is_array()) schema["type"] = Json::array({schema["type"]});
+        schema["type"].push_back("null");
     }
     return schema;
 }
@@ -192,13 +211,25 @@ Json ofLayers() {
             {"maxItems", kMaxLayers}};
 }
 
+// What effects and styles refer to.
+Json sharedParts() {
+    Tint tint;
+    Stop stop;
+    Json parts;
+    parts["color"] = {{"description", "#rgb, #rrggbb or #aarrggbb"},
+                      {"type", "string"},
+                      {"pattern", "^#([0-9A-Fa-f]{3}|[0-9A-Fa-f]{6}|[0-9A-Fa-f]{8})$"}};
+    parts["tint"] = ofObject(fieldsOf(tint));
+    parts["stops"] = {
+        {"type", "array"}, {"items", ofStop(fieldsOf(stop))}, {"minItems", 1}, {"maxItems", kMaxStops}};
+    return parts;
+}
+
 }  // namespace
 
 std::string styleSchema() {
     Style style;
     StyleNotes notes;
-    Tint tint;
-    Stop stop;
     Fields fields = fieldsOf(notes);
     addFields(fields, fieldsOf(style));
     Json schema = {{"$schema", "https://json-schema.org/draft/2020-12/schema"},
@@ -213,16 +244,24 @@ std::string styleSchema() {
                      {"required", {"effects", "layers"}}};
     schema["if"] = {{"required", {"extends"}}};
     schema["else"] = ofCompleteStyle();
-    Json& parts = schema["$defs"];
-    parts["color"] = {{"description", "#rgb, #rrggbb or #aarrggbb"},
-                      {"type", "string"},
-                      {"pattern", "^#([0-9A-Fa-f]{3}|[0-9A-Fa-f]{6}|[0-9A-Fa-f]{8})$"}};
-    parts["tint"] = ofObject(fieldsOf(tint));
-    parts["stops"] = {
-        {"type", "array"}, {"items", ofStop(fieldsOf(stop))}, {"minItems", 1}, {"maxItems", kMaxStops}};
+    Json& parts = schema["$defs"] = sharedParts();
     parts["effects"] = ofEffects();
     parts["complete-effect"] = ofCompleteEffect();
     for (const EffectKind& kind : effectKinds()) parts[kind.name] = ofEffect(kind);
+    return schema.dump(2) + "\n";
+}
+
+std::string optionsSchema() {
+    SceneOptions options;
+    Json schema = {{"$schema", "https://json-schema.org/draft/2020-12/schema"},
+                   {"title", "The options of a picture"}};
+    schema.update(ofObject(fieldsOf(options)));
+    Json& parts = schema["$defs"] = sharedParts();
+    for (const EffectKind& kind : effectKinds()) {
+        EffectSettings settings = kind.defaults;
+        parts[kind.name] = ofObject(fieldsOf(settings));
+        parts[kind.name]["description"] = kind.summary;
+    }
     return schema.dump(2) + "\n";
 }
 

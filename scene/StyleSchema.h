@@ -11,6 +11,10 @@ namespace Zvex::scene {
 // object has a key twice, and the positions of stops never fall.
 std::string styleSchema();
 
+// The schema of the objects of readScene, the options of a picture. A style within them has the schema of
+// style files.
+std::string optionsSchema();
+
 }  // namespace Zvex::scene
 
 #endif  // ZVEX_SCENE_STYLESCHEMA_H_

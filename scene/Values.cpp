@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstdio>
 
+#include "scene/Decimal.h"
 #include "scene/Failure.h"
 
 namespace Zvex::scene {
@@ -63,9 +64,9 @@ double parseNumber(const std::string& option, const std::string& text, const Num
                          text.compare(text.size() - unit.size(), unit.size(), unit) == 0 && !unit.empty();
     const char* end = text.data() + text.size() - (hasUnit ? unit.size() : 0);
     double value = 0;
-    const auto [stop, error] = std::from_chars(text.data(), end, value);
+    const bool read = readDecimal(text.data(), end, &value) == end;
     if (range.share && hasUnit) value /= 100;
-    if (error == std::errc() && stop == end && range.contains(value)) return value;
+    if (read && range.contains(value)) return value;
     refuse(option, text, range.share ? "an opacity; write 0 to 1 or 0% to 100%" : range.wanted());
 }
 
@@ -99,10 +100,8 @@ std::string formatColor(uint32_t color) {
 }
 
 std::string formatNumber(double value) {
-    char text[32];
     const bool plain = std::fabs(value) < 1e15 && value == std::trunc(value);
-    return std::string(text, plain ? std::to_chars(text, text + sizeof text, std::llround(value)).ptr
-                                   : std::to_chars(text, text + sizeof text, value).ptr);
+    return plain ? std::to_string(std::llround(value)) : writeDecimal(value);
 }
 
 std::vector<std::string> split(const std::string& text, char separator) {
