@@ -197,14 +197,15 @@ private:
     Renderer mRenderer;
 };
 
-std::vector<std::string> optionNames() {
+py::dict optionHelp() {
     SceneOptions options;
-    std::vector<std::string> names;
+    py::dict help;
     for (const Field& field : fieldsOf(options)) {
-        names.emplace_back(field.name);
-        std::replace(names.back().begin(), names.back().end(), '-', '_');
+        std::string name = field.name;
+        std::replace(name.begin(), name.end(), '-', '_');
+        help[py::str(name)] = std::string(field.help) + ". Takes " + wantedBy(field);
     }
-    return names;
+    return help;
 }
 
 std::vector<std::string> namesOfPresets() {
@@ -270,7 +271,7 @@ PYBIND11_MODULE(_zvex, module) {
     bindPicture(module);
     module.def("schema", styleSchema);
     module.def("fonts", systemFontNames, py::call_guard<py::gil_scoped_release>());
-    module.def("options", optionNames);
+    module.def("options", optionHelp);
     module.def("presets", namesOfPresets);
     module.attr("__version__") = ZVEX_VERSION;
 }

@@ -7,12 +7,13 @@
     >>> numpy.asarray(picture).shape  # rows, columns; red, green, blue, alpha
     (119, 283, 4)
 
-Keywords are the options of ``zvtext render`` with ``_`` for ``-``; ``zvex.options()`` lists them. Lengths are
+Keywords are the options of ``zvtext render`` with ``_`` for ``-``; ``help(zvex.render)`` lists them. Lengths are
 pixels, y grows downwards. Offsets into a text count code points, as Python's own do.
 """
 from __future__ import annotations
 
 import contextlib
+import inspect
 import json
 import os
 import secrets
@@ -171,10 +172,14 @@ def render(text: str, *, font: Font, **given: Any) -> Picture:
     """The picture of `text`, which may have several lines.
 
     `font` is a file's path, a name such as "Noto Serif:bold", or a font file's bytes; `fallback` one or a list
-    of them. `style` is a dict, a JSON string or a file's path. The other keywords are those of `options()`.
-    Raises Error, which names the option, and MemoryError.
+    of them. `style` is a dict, a JSON string or a file's path, an effect a string or a dict. Raises Error, which
+    names the option, and MemoryError. The keywords:
     """
     return Text(font=font, **given).render(text)
+
+
+render.__doc__ = inspect.cleandoc(render.__doc__ or "") + "\n\n" + "\n".join(
+    f"{name}: {what}" for name, what in options().items())
 
 
 def fonts(text: str) -> List[str]:

@@ -32,8 +32,8 @@ class Picture(Pixels):
 
 def fonts(utf8: bytes) -> List[str]: ...
 
-def options() -> List[str]:
-    """The keywords of render."""
+def options() -> Dict[str, str]:
+    """The keywords of render, and what each does and takes."""
 
 def presets() -> List[str]:
     """The styles that `preset` takes."""
