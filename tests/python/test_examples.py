@@ -3,10 +3,12 @@
 import json
 import os
 import pathlib
+import shlex
 import signal
 import subprocess
 import sys
 import time
+from types import SimpleNamespace
 
 import numpy
 import pytest
@@ -14,18 +16,63 @@ from PIL import Image
 
 import zvex
 
-EXAMPLES = pathlib.Path(__file__).parents[2] / "examples" / "python"
+ROOT = pathlib.Path(__file__).parents[2]
+EXAMPLES = ROOT / "examples" / "python"
 
 
 def run(*words):
     subprocess.run([sys.executable, *words], check=True, stdout=subprocess.DEVNULL, timeout=300)
 
 
-def test_the_readme(tmp_path, monkeypatch):
+def python_of(page):
+    """The page's Python, and a cluster's shared folder is the working folder."""
+    blocks = (ROOT / page).read_text("utf-8").split("```python")[1:]
+    return "\n".join(block.split("```")[0] for block in blocks).replace("/shared/", "")
+
+
+def test_the_pages(tmp_path, monkeypatch):
     monkeypatch.chdir(tmp_path)
     names = {}
-    exec((EXAMPLES.parents[1] / "README.md").read_text("utf-8").split("```python")[1].split("```")[0], names)
+    exec(python_of("README.md"), names)
     assert names["pixels"][..., 3].max() == 255 and Image.open("gold.png").size == names["pixels"].shape[1::-1]
+    exec(python_of("docs/python.md"), names)
+    assert names["mask"].any() and Image.open("greeting.webp").size == names["pixels"].shape[1::-1]
+    assert Image.open("two.png").height == Image.open("one.png").height and Image.open("last.png").width > 0
+
+
+def test_the_page_on_spark(tmp_path, monkeypatch):
+    class Lines(list):
+        def pipe(self, command):
+            environment = {name: value for name, value in os.environ.items() if name != "LD_PRELOAD"}
+            done = subprocess.run([os.environ["ZVTEXT"], *shlex.split(command)[1:]], input="\n".join(self), text=True,
+                                  stdout=subprocess.PIPE, env=environment)
+            return Lines(done.stdout.splitlines())
+
+        def filter(self, keep):
+            return [line for line in self if keep(line)]
+
+    class Frame(dict):
+        def assign(self, **more):
+            return Frame(self, **more)
+
+    monkeypatch.chdir(tmp_path)
+    (tmp_path / "pictures").mkdir()
+    words = ["One", "Two", "Three"]
+    lines = Lines([json.dumps({"text": word, "output": f"{word}.png"}) for word in words] + ["{"])
+    spark = SimpleNamespace(sparkContext=SimpleNamespace(textFile=lambda path: lines))
+    titles = SimpleNamespace(mapInPandas=lambda render, schema: list(render([Frame(text=words[:2]), Frame(text=words[2:])])))
+    names = {"spark": spark, "titles": titles}
+    exec(python_of("docs/clusters.md"), names)
+    assert len(names["results"]) == 4 and len(names["failed"]) == 1
+    pngs = [png for frame in names["pictures"] for png in frame["png"]]
+    assert pngs == [(tmp_path / "pictures" / f"{word}.png").read_bytes() for word in words]
+
+
+def test_the_benchmark_beside_pillow():
+    done = subprocess.run([sys.executable, ROOT / "benchmarks" / "beside_pillow.py", "--words", "60", "--rounds", "3"],
+                          check=True, stdout=subprocess.PIPE, text=True, timeout=300).stdout
+    ratios = [float(line.split("|")[-2]) for line in done.splitlines() if line.startswith("| 64 px")]
+    assert ratios[0] > 2.5 and ratios[1] > 4, done
 
 
 def test_labels_lie_on_their_words(tmp_path):
