@@ -66,7 +66,7 @@ add_custom_command(OUTPUT ${ZVEX_NATIVES_JAR}
     DEPENDS ZvEffect ZvHostJava COMMENT "Java: ${ZVEX_NATIVES_NAME}" VERBATIM)
 add_custom_target(zvex_java ALL DEPENDS ${ZVEX_ANDROID_JAR} ${ZVEX_KIT_JAR})
 add_custom_target(zvex_java_natives ALL DEPENDS ${ZVEX_NATIVES_JAR})
-# The two libraries for Debian's fonts, in java/desktop, for scripts/java-example.
+# The two libraries for Debian's fonts, in java/desktop, for scripts/java-example and scripts/package.
 add_library(ZvEffectDesktop SHARED EXCLUDE_FROM_ALL)
 zvex_binding(ZvEffectDesktop /usr/share/fonts)
 target_link_libraries(ZvEffectDesktop PRIVATE "$<LINK_LIBRARY:WHOLE_ARCHIVE,zvex>")
