@@ -323,7 +323,8 @@ EffectSettings parseEffect(const std::string& option, const EffectKind& kind, co
                          "' is not a stroke; write WIDTH[:COLOR[:outside|inside|center]] or " +
                          namesOf(fields) + " as KEY=VALUE,KEY=VALUE");
     }
-    for (size_t i = 0; i < parts.size(); ++i) readValue(option + " " + fields[i].name, fields[i], parts[i]);
+    for (size_t i = 0; i < parts.size(); ++i)
+        readValue(option + " " + fields[i].name, fields[i], parts[i], places);
     return settings;
 }
 

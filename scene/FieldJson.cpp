@@ -71,8 +71,10 @@ struct ReadJson {
         std::vector<Stop> stops;
         for (const Json& stop : json) {
             const std::string at = element(place, stops.size());
-            readObject(at, fieldsOf(stops.emplace_back()), {}, stop, places);
+            stops.push_back({0xFF000000, kNoPosition});
+            readObject(at, fieldsOf(stops.back()), {}, stop, places);
         }
+        spreadStops(stops);
         const size_t falling = findFallingStop(stops);
         if (falling < stops.size()) {
             throw UsageError(element(place, falling) + ".position: positions must not fall");

@@ -2,6 +2,7 @@
 #include "scene/Fields.h"
 
 #include <cctype>
+#include <cmath>
 #include <filesystem>
 #include <set>
 
@@ -19,15 +20,18 @@ std::string choiceNames(const ChoiceField& field, const char* between) {
     return names;
 }
 
-// Reads "A@B@C" into the fields in order; fields at the end may be left out if they are not required.
+// Reads "A@B@C" into the fields in order; those that are not required may be left out: "A@@C".
 void readParts(const std::string& where, const Fields& fields, const std::string& text,
-               const std::string& form) {
+               const std::string& form, const FilePlaces& places) {
     const std::vector<std::string> parts = split(text, '@');
     const bool complete = parts.size() >= fields.size() || !fields[parts.size()].required;
     if (parts.size() > fields.size() || !complete) {
         throw UsageError(where + ": '" + text + "' is not " + form);
     }
-    for (size_t i = 0; i < parts.size(); ++i) readValue(where, fields[i], parts[i]);
+    for (size_t i = 0; i < parts.size(); ++i) {
+        const bool leftOut = parts[i].empty() && !fields[i].required && i + 1 < parts.size();
+        if (!leftOut) readValue(where, fields[i], parts[i], places);
+    }
 }
 
 struct ReadText {
@@ -39,8 +43,12 @@ struct ReadText {
     [[noreturn]] void refuse() const { throw UsageError(where + ": '" + text + "' is not " + wanted); }
 
     void operator()(const NumberField& field) const { field.set(parseNumber(where, text, field.range)); }
-    void operator()(const ColorField& field) const { *field.value = parseColor(where, text); }
-    void operator()(const OptionalColorField& field) const { *field.value = parseColor(where, text); }
+    void operator()(const ColorField& field) const {
+        *field.value = parseColor(where, text, places.warnings);
+    }
+    void operator()(const OptionalColorField& field) const {
+        *field.value = parseColor(where, text, places.warnings);
+    }
     void operator()(const ChoiceField& field) const {
         for (const auto& [name, number] : field.choices) {
             if (text == name) return field.set(number);
@@ -60,16 +68,20 @@ struct ReadText {
     }
     void operator()(const PaddingField& field) const { *field.value = parsePadding(where, text); }
     void operator()(const CanvasField& field) const { *field.value = parseCanvas(where, text, places); }
-    void operator()(const TintField& field) const { readParts(where, fieldsOf(*field.value), text, wanted); }
+    void operator()(const TintField& field) const {
+        readParts(where, fieldsOf(*field.value), text, wanted, places);
+    }
     void operator()(const StopsField& field) const {
         std::vector<Stop> stops;
         for (const std::string& part : split(text, ':')) {
-            readParts(where, fieldsOf(stops.emplace_back()), part, wanted);
+            stops.push_back({0xFF000000, kNoPosition});
+            readParts(where, fieldsOf(stops.back()), part, wanted, places);
         }
         if (stops.size() > kMaxStops) {
             throw UsageError(where + ": " + std::to_string(stops.size()) + " stops are more than " +
                              std::to_string(kMaxStops));
         }
+        spreadStops(stops);
         const size_t falling = findFallingStop(stops);
         if (falling < stops.size()) {
             throw UsageError(where + ": positions must not fall, but " +
@@ -130,7 +142,9 @@ struct Wanted {
         return "a colour with an opacity; write COLOR[@OPACITY]";
     }
     std::string operator()(const StopsField&) const {
-        return "a list of stops; write COLOR@POSITION[@OPACITY]:COLOR@POSITION..., positions from 0 to 100";
+        return "a list of stops; write COLOR[@POSITION[@OPACITY]]:COLOR..., positions from 0 to 100; those "
+               "left out are "
+               "spread evenly";
     }
     std::string operator()(const TextField& field) const {
         return *field.wanted != '\0' ? field.wanted : "a text";
@@ -249,7 +263,7 @@ Fields fieldsOf(Tint& tint) {
 
 Fields fieldsOf(Stop& stop) {
     return {required({"color", ColorField{&stop.color}}),
-            required({"position", NumberField{&stop.position, {0, 100, "%"}}}),
+            {"position", NumberField{&stop.position, {0, 100, "%"}}},
             {"opacity", NumberField{&stop.opacity, kShare}}};
 }
 
@@ -362,6 +376,22 @@ void copyValue(const Field& to, const Field& from) {
 
 std::string formatValue(const Field& field) {
     return std::visit(Format{}, field.value);
+}
+
+void spreadStops(std::vector<Stop>& stops) {
+    if (stops.empty()) return;
+    if (std::isnan(stops.front().position)) stops.front().position = 0;
+    if (std::isnan(stops.back().position)) stops.back().position = 100;
+    size_t from = 0;
+    for (size_t to = 1; to < stops.size(); ++to) {
+        if (std::isnan(stops[to].position)) continue;
+        const double start = stops[from].position, way = stops[to].position - start;
+        for (size_t i = from + 1; i < to; ++i) {
+            const double exact = start + way * static_cast<double>(i - from) / static_cast<double>(to - from);
+            stops[i].position = std::floor(exact * 100 + 1e-6) / 100;
+        }
+        from = to;
+    }
 }
 
 size_t findFallingStop(const std::vector<Stop>& stops) {

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <limits>
 #include <optional>
 #include <string>
 #include <utility>
@@ -203,6 +204,11 @@ void copyValue(const Field& to, const Field& from);
 
 // The field's value as text for readValue; empty if it is not set, and for fonts, effects and styles.
 std::string formatValue(const Field& field);
+
+// Spreads the stops without a position evenly, in hundredths of a percent: the first is at 0, the last at
+// 100, the others between those that have one.
+constexpr double kNoPosition = std::numeric_limits<double>::quiet_NaN();
+void spreadStops(std::vector<Stop>& stops);
 
 // Positions must not fall. Returns the index of the first stop that is before the previous one, or npos.
 size_t findFallingStop(const std::vector<Stop>& stops);

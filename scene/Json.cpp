@@ -61,6 +61,37 @@ private:
     size_t mEvents = 0;
 };
 
+// Where the space or the comments that begin there end.
+size_t skipBlank(const std::string& text, size_t at) {
+    for (; at < text.size(); ++at) {
+        if (text.compare(at, 2, "//") == 0) {
+            at = std::min(text.find('\n', at), text.size() - 1);
+        } else if (text.compare(at, 2, "/*") == 0) {
+            at = std::min(text.find("*/", at + 2), text.size() - 2) + 1;
+        } else if (text[at] != ' ' && text[at] != '\t' && text[at] != '\n' && text[at] != '\r') {
+            return at;
+        }
+    }
+    return at;
+}
+
+// Blanks in the place of commas before a closing bracket, so that the parser's places stay right.
+std::string withoutTrailingCommas(std::string text) {
+    char before = '[';
+    for (size_t at = skipBlank(text, 0); at < text.size(); at = skipBlank(text, at + 1)) {
+        const char c = text[at];
+        if (c == ',') {
+            const size_t next = skipBlank(text, at + 1);
+            const bool last = next < text.size() && (text[next] == ']' || text[next] == '}');
+            if (last && before != '[' && before != '{' && before != ',' && before != ':') text[at] = ' ';
+        } else if (c == '"') {
+            for (++at; at < text.size() && text[at] != '"'; ++at) at += text[at] == '\\';
+        }
+        before = c;
+    }
+    return text;
+}
+
 }  // namespace
 
 std::string member(const std::string& place, const std::string& key) {
@@ -75,7 +106,7 @@ Json parseJson(const std::string& text, const std::string& name) {
     try {
         KeyWatch watch(name);
         return Json::parse(
-            text,
+            withoutTrailingCommas(text),
             [&](int depth, Json::parse_event_t event, Json& parsed) { return watch(depth, event, parsed); },
             true, true);
     } catch (const Json::exception& error) {

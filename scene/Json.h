@@ -10,9 +10,10 @@ namespace Zvex::scene {
 // Objects keep the order of their keys.
 using Json = nlohmann::ordered_json;
 
-// The text's value; comments are allowed. Throws UsageError where it is no JSON, where an object has a key
-// twice, and where it is nested more deeply or holds more than styles and lines of a batch need; the message
-// begins with the place in it ("effects[2].size"), or calls the text by its `name`.
+// The text's value; comments, and commas behind the last of several, are allowed. Throws UsageError where it
+// is no JSON, where an object has a key twice, and where it is nested more deeply or holds more than styles
+// and lines of a batch need; the message begins with the place in it ("effects[2].size"), or calls the text
+// by its `name`.
 Json parseJson(const std::string& text, const std::string& name = "it");
 
 // "effects[2].size": the names of a member and an element of what stands at `place`.

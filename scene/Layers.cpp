@@ -80,7 +80,7 @@ const EffectKind* findCanvasKind(const std::string& name) {
 }
 
 Canvas parseCanvas(const std::string& where, const std::string& text, const FilePlaces& places) {
-    if (!text.empty() && text[0] == '#') return {parseColor(where, text)};
+    if (readColor(text)) return {parseColor(where, text, places.warnings)};
     const size_t colon = text.find(':');
     const EffectKind* kind = findCanvasKind(text.substr(0, colon));
     if (kind == nullptr || colon == std::string::npos) {

@@ -148,6 +148,7 @@ Rendering Renderer::make(const Scene& scene, const Sink& sink) {
     const PlacedScene placed = placeScene(object, scene, text->laidOut);
     setLines(object, placed.lines);
     Rendering rendering;
+    rendering.warnings = style.warnings;
     for (std::string warning : {missingWarning(text->fonts, scene.systemFallback),
                                 silhouetteWarning(text->laidOut.colours, style)}) {
         if (!warning.empty()) rendering.warnings.push_back(std::move(warning));

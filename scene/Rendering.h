@@ -14,7 +14,7 @@ namespace Zvex::scene {
 struct Rendering {
     Picture picture;
     Metrics metrics;
-    std::vector<std::string> warnings;  // each a line: characters without a glyph
+    std::vector<std::string> warnings;  // each a line: of the style's, characters without a glyph
 };
 
 // Removes the rows and columns at the picture's edges in which every pixel is transparent. If all pixels are,

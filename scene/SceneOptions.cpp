@@ -117,11 +117,16 @@ Fields fieldsOf(SceneOptions& options) {
 }
 
 void readOptions(const Fields& fields, const GivenOptions& given, const FilePlaces& places) {
+    FilePlaces with = places;
+    for (const Field& field : fields) {
+        const auto* style = std::get_if<StyleField>(&field.value);
+        if (style != nullptr) with.warnings = &style->style->warnings;
+    }
     for (const bool looks : {true, false}) {
         for (const auto& [name, value] : given) {
             const Field* field = findField(fields, name);
             if (field == nullptr) throw UsageError(name + ": is not one of the options: " + namesOf(fields));
-            if (isLook(*field) == looks && !value.is_null()) readOption(*field, value, places);
+            if (isLook(*field) == looks && !value.is_null()) readOption(*field, value, with);
         }
     }
 }

@@ -30,7 +30,8 @@ using GivenOptions = std::vector<std::pair<std::string, Json>>;
 
 // Puts them into the fields. A value is a string as the command line has it, or what its field takes in JSON;
 // null is as if the option were not there. Styles, presets and effects come first, in their order; the rest
-// wins over them. Throws UsageError, its message opening with "--" and the option's name.
+// wins over them. Warnings go to the style among the fields. Throws UsageError, its message opening with "--"
+// and the option's name.
 void readOptions(const Fields& fields, const GivenOptions& given, const FilePlaces& places = {});
 
 // Fits the style's effects to the text's size and scales the scene.

@@ -40,7 +40,8 @@ Fields fieldsOf(Style& style) {
          "Size of the text, the height of its em. Effects keep their pixels, unless the style is designed "
          "for a size",
          "", "s"},
-        {"color", ColorField{&style.color}, "The text's colour: #rgb, #rrggbb or #aarrggbb", "", "c"},
+        {"color", ColorField{&style.color}, "The text's colour: #rgb, #rrggbb, #aarrggbb, or as in CSS", "",
+         "c"},
         {"background", OptionalColorField{&style.background}, "Fill behind each line; none without it"},
         {"canvas", CanvasField{&style.canvas},
          "Ground of the whole picture: a colour, or linear-gradient:, radial-gradient: or pattern: and what "

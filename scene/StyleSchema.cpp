@@ -215,10 +215,13 @@ Json ofLayers() {
 Json sharedParts() {
     Tint tint;
     Stop stop;
-    Json parts;
-    parts["color"] = {{"description", "#rgb, #rrggbb or #aarrggbb"},
+    Json parts, names = Json::array();
+    for (const auto& [name, color] : colorNames()) names.push_back(name);
+    const Json hex = {{"pattern", "^#([0-9A-Fa-f]{3}|[0-9A-Fa-f]{6}|[0-9A-Fa-f]{8})$"}};
+    const Json function = {{"pattern", "^([Rr][Gg][Bb]|[Hh][Ss][Ll])[Aa]?\\([-+.%0-9A-Za-z, /]+\\)$"}};
+    parts["color"] = {{"description", "#rgb, #rrggbb, #aarrggbb, or a name, rgb() or hsl() as in CSS"},
                       {"type", "string"},
-                      {"pattern", "^#([0-9A-Fa-f]{3}|[0-9A-Fa-f]{6}|[0-9A-Fa-f]{8})$"}};
+                      {"anyOf", {hex, function, {{"enum", std::move(names)}}}}};
     parts["tint"] = ofObject(fieldsOf(tint));
     parts["stops"] = {
         {"type", "array"}, {"items", ofStop(fieldsOf(stop))}, {"minItems", 1}, {"maxItems", kMaxStops}};

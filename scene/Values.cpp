@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "scene/Values.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
-#include <cstdio>
 
 #include "scene/Decimal.h"
 #include "scene/Failure.h"
@@ -17,26 +17,6 @@ namespace {
 }
 
 }  // namespace
-
-uint32_t parseColor(const std::string& option, const std::string& text) {
-    if (text.empty() || text[0] != '#') refuse(option, text, kWantedColor);
-    uint32_t value = 0;
-    const char* end = text.data() + text.size();
-    const auto [stop, error] = std::from_chars(text.data() + 1, end, value, 16);
-    if (error != std::errc() || stop != end) refuse(option, text, kWantedColor);
-    switch (text.size() - 1) {
-        case 3: {
-            const uint32_t r = value >> 8 & 0xF, g = value >> 4 & 0xF, b = value & 0xF;
-            return 0xFF000000u | (r * 0x11) << 16 | (g * 0x11) << 8 | b * 0x11;
-        }
-        case 6:
-            return 0xFF000000u | value;
-        case 8:
-            return value;
-        default:
-            refuse(option, text, kWantedColor);
-    }
-}
 
 bool NumberRange::contains(double value) const {
     if (whole && value != std::trunc(value)) return false;
@@ -91,28 +71,30 @@ Padding parsePadding(const std::string& option, const std::string& text) {
     }
 }
 
-std::string formatColor(uint32_t color) {
-    char text[16];
-    const bool opaque = color >> 24 == 0xFF;
-    std::snprintf(text, sizeof text, opaque ? "#%06x" : "#%08x",
-                  static_cast<unsigned>(opaque ? color & 0xFFFFFF : color));
-    return text;
-}
-
 std::string formatNumber(double value) {
     const bool plain = std::fabs(value) < 1e15 && value == std::trunc(value);
     return plain ? std::to_string(std::llround(value)) : writeDecimal(value);
 }
 
 std::vector<std::string> split(const std::string& text, char separator) {
-    std::vector<std::string> parts;
-    size_t begin = 0;
-    for (;;) {
-        const size_t end = text.find(separator, begin);
-        parts.push_back(text.substr(begin, end - begin));
-        if (end == std::string::npos) return parts;
-        begin = end + 1;
+    std::vector<size_t> open, closing(text.size());  // of a parenthesis, its partner
+    for (size_t i = 0; i < text.size(); ++i) {
+        if (text[i] == '(') open.push_back(i);
+        if (text[i] != ')' || open.empty()) continue;
+        closing[open.back()] = i;
+        open.pop_back();
     }
+    std::vector<std::string> parts(1);
+    for (size_t i = 0; i < text.size(); ++i) {
+        const size_t end = std::max(i, closing[i]);
+        if (text[i] == separator) {
+            parts.emplace_back();
+        } else {
+            parts.back().append(text, i, end + 1 - i);
+            i = end;
+        }
+    }
+    return parts;
 }
 
 }  // namespace Zvex::scene

@@ -3,7 +3,9 @@
 #define ZVEX_SCENE_VALUES_H_
 
 #include <cstdint>
+#include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace Zvex::scene {
@@ -11,9 +13,17 @@ namespace Zvex::scene {
 // Read the values of options. Each function takes the option's name for its message and throws UsageError if
 // the text is not exactly one value in range. Nothing depends on the process's locale.
 
-// "#rgb", "#rrggbb" or "#aarrggbb", alpha first as on Android; gives 0xAARRGGBB.
-constexpr char kWantedColor[] = "a colour; write #rgb, #rrggbb or #aarrggbb";
-uint32_t parseColor(const std::string& option, const std::string& text);
+// "#rgb", "#rrggbb" or "#aarrggbb", alpha first as on Android; or as CSS writes it: a name, "rgb(255 136 0 /
+// 50%)" or "hsl(32, 100%, 50%)", also with commas, percentages and an "a" behind the name. Gives 0xAARRGGBB.
+// Where #rrggbbaa may be meant by eight digits, that is appended to the warnings.
+constexpr char kWantedColor[] =
+    "a colour; write #rgb, #rrggbb, #aarrggbb, or a name, rgb() or hsl() as in CSS";
+uint32_t parseColor(const std::string& option, const std::string& text,
+                    std::vector<std::string>* warnings = nullptr);
+std::optional<uint32_t> readColor(const std::string& text);  // without messages
+
+// Of CSS, in small letters: {"navy", 0xFF000080}.
+const std::vector<std::pair<const char*, uint32_t>>& colorNames();
 
 // The range of numbers for a setting.
 struct NumberRange {
@@ -52,6 +62,7 @@ std::string formatColor(uint32_t color);
 // The shortest decimal that reads back as the same number: 12.5 as "12.5", 100000 as "100000".
 std::string formatNumber(double value);
 
+// What stands in parentheses is not split.
 std::vector<std::string> split(const std::string& text, char separator);
 
 }  // namespace Zvex::scene

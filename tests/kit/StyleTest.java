@@ -53,6 +53,7 @@ final class StyleTest {
             "{'effects': [{'type': 'emboss', 'style': 'double'}, {'type': 'stroke', 'position': 'center', 'width': 3}]}",
             "{'effects': [{'type': 'pattern', 'file': 'tile.png', 'scale': 2.5, 'opacity': 0.9}]}",
             "{'canvas': 'linear-gradient:angle=30deg,opacity=80%,stops=#f00@7:#8000f000@53@0.5:#00f@58.5%', 'color-glyphs': false}",
+            "{'canvas': 'linear-gradient:stops=rgb(1, 2, 3):tan@@50%:blue@40:HSL(9 50% 50%)'}",
             "{'canvas': 'pattern:tile.png,scale=2.5', 'effects': [{'type': 'inner-glow'}]}",
             "{'canvas': '#80123456', 'background': '#abc', 'effects': [{'type': 'stroke'}], 'opacity': 0.8}",
             "{'canvas': {'type': 'radial-gradient', 'stops': [{'color': '#fff', 'position': 0}, {'color': '#000', 'position':"
@@ -62,6 +63,9 @@ final class StyleTest {
             "{'extends': 'glitch', 'designed-for': 60, 'canvas': {'type': 'linear-gradient', 'stops': [{'color': '#fff',"
                     + "'position': 5}]}, 'layers': [{}, null, {'blend': null, 'effects': [{'type': 'outer-glow', 'size': 3,"
                     + "'designed-for': 20}]}, {'color': '#123', 'spread': 3}]}",
+            "{'color': 'Rgb(12 34.5% 56 / 70%)', 'background': 'hsl(200.7, 33%, 44%)', 'canvas': 'RebeccaPurple', 'effects':"
+                    + "[{'type': 'outer-glow', 'stops': [{'color': 'hsla(-0.3turn, 90%, 60%, .4)'}, {'color': 'tan'}, {'color': 'red',"
+                    + "'position': 71.3}, {'color': 'blue'}]}]}",
             "{'extends': 'sticker', 'layers': null, 'effects': [{'type': 'stroke', 'color': null}]}",
             "{'extends': 'styles/base.json', 'opacity': null, 'effects': [{'type': 'emboss', 'highlight': {'opacity': null}},"
                     + "{'type': 'pattern', 'scale': 3}], 'canvas': {'type': 'linear-gradient', 'angle': 0}}",
@@ -70,7 +74,7 @@ final class StyleTest {
                     + "'#f00', 'blend': 'color-dodge', 'opacity': 0.6}, {'spread': 14, 'knockout': true, 'color': '#123'}]}");
 
     private static final List<String> REFUSED = List.of(
-            "{'colour': '#fff'}", "{'size, color': 1}", "{'color-glyphs': 1}", "{'color': 'red'}", "{'color': '#12345'}", "{'color': 1}", "{'size': 0}", "{'size': 10001}",
+            "{'colour': '#fff'}", "{'size, color': 1}", "{'color-glyphs': 1}", "{'color': 'reed'}", "{'color': '#12345'}", "{'color': 1}", "{'size': 0}", "{'size': 10001}",
             "{'size': '96'}", "{'opacity': 1.5}", "{'opacity': true}", "{'letter-spacing': -2}", "{'designed-for': -1}",
             "{'effects': {}}", "{'effects': [1]}", "{'effects': [{'type': 'glow'}]}", "{'effects': [{'type': 7}]}",
             "{'effects': [{'type': 'stroke'}, {'type': 'stroke'}]}", "{'effects': [{'type': 'stroke', 'width': 101}]}",
@@ -79,16 +83,16 @@ final class StyleTest {
             "{'effects': [{'type': 'bevel', 'highlight': '#fff'}]}", "{'effects': [{'type': 'bevel', 'shadow': {}}]}",
             "{'effects': [{'type': 'linear-gradient'}]}", "{'effects': [{'type': 'linear-gradient', 'stops': []}]}",
             "{'effects': [{'type': 'pattern', 'file': ''}]}", "{'effects': [{'type': 'pattern', 'scale': 2}]}",
-            "{'effects': [{'type': 'outer-glow', 'stops': [{'color': '#fff'}]}]}",
+            "{'effects': [{'type': 'outer-glow', 'stops': [{'color': 'rgb(1,2)'}]}]}",
             "{'effects': [{'type': 'outer-glow', 'stops': [{'color': '#fff', 'position': 101}]}]}",
             "{'effects': [{'type': 'outer-glow', 'stops': [{'color': '#fff', 'position': 9}, {'color': '#fff', 'position': 8}]}]}",
             "{'layers': []}", "{'layers': [{}], 'effects': []}", "{'layers': [{'clip': true}]}", "{'layers': [{'clip': 1}]}",
             "{'layers': [{'spread': 1.5}]}", "{'layers': [{'offset': [1]}]}", "{'layers': [{'offset': [1, 1001]}]}",
             "{'layers': [{'blend': 'add'}]}", "{'layers': [{'size': 9}]}", "{'canvas': {'type': 'stroke'}}", "{'canvas': 7}",
-            "{'canvas': 'white'}", "{'canvas': 'stroke:width=4'}", "{'canvas': 'pattern:scale=2'}", "{'canvas': 'pattern:'}",
+            "{'canvas': 'whit'}", "{'canvas': 'stroke:width=4'}", "{'canvas': 'pattern:scale=2'}", "{'canvas': 'pattern:'}",
             "{'canvas': 'linear-gradient:angle'}", "{'canvas': 'linear-gradient:size=4'}", "{'canvas': 'radial-gradient:scale=1'}",
             "{'canvas': 'radial-gradient:scale=1,scale=1'}", "{'canvas': 'radial-gradient:opacity=101%'}",
-            "{'canvas': 'radial-gradient:stops=#f00'}", "{'canvas': 'radial-gradient:stops=#f00@9:#f00@8'}",
+            "{'canvas': 'radial-gradient:stops=#f0'}", "{'canvas': 'radial-gradient:stops=#f00@9:#f00@8'}",
             "{'canvas': 'radial-gradient:stops=#f00@9@2'}", "{'canvas': 'linear-gradient:angle=1e'}",
             "{'extends': ''}", "{'extends': 'nothing'}", "{'extends': 7}", "{'extends': 'gold', 'layers': [{}]}",
             "{'extends': 'gold', 'effects': [{'type': 'stroke', 'width': 101}]}", "{'effects': [{'type': 'stroke', 'designed-for': -1}]}",

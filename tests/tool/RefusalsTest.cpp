@@ -82,6 +82,8 @@ TEST_F(Refusals, OfStyles) {
         R"({"extends": "gold", "size": null, "layers": null, "effects": [{"stroke": null}, {"type":
             "linear-gradient", "designed-for": 0}, {"type": "bevel", "style": null, "shadow": {"opacity": 1},
             "highlight": null}]})",
+        R"~({"color": "navy", "background": "rgb(0 0 0 / 50%)"})~",
+        R"~({"canvas": "HSLA(1, 2%, 3%, 0.5)"})~",
         R"({"extends": "triple", "layers": [null, {"color": null, "effects": null}]})"};
     for (const auto& file : fs::directory_iterator(fs::path(ZVTEXT_SOURCE) / "examples/styles")) {
         right.push_back(slurp(file.path()));

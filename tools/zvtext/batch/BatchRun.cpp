@@ -132,6 +132,8 @@ private:
         for (const auto& [name, value] : arguments.given) digest.add(name).add(plainText(value));
         settings.digest = digest.hex();
         readOptions(fieldsOf(settings.defaults), arguments.given, {"", fileSource({}, arguments.reads), {}});
+        // Once, not for each line.
+        warn(std::exchange(settings.defaults.scene.scene.style.warnings, {}));
         SceneOptions trial = settings.defaults.scene;
         trial.scene.text = "text";
         trial.textFile.clear();

@@ -85,7 +85,10 @@ void runRender(const RenderArguments& arguments) {
         const bool scaled = options.scene.scale != 1;
         if (arguments.printStyle) printed += writeStyle((scaled ? fitted : options.scene).scene.style);
         if (arguments.printKey) printed += layerKeyInHex(fitted.scene.style) + "\n";
-        if (arguments.output.empty()) return print(printed);
+        if (arguments.output.empty()) {
+            warn(options.scene.scene.style.warnings);
+            return print(printed);
+        }
     }
     const std::string output = arguments.output.empty() ? "zvtext.png" : arguments.output;
     checkOutput(output, options.output, "--output");

@@ -155,7 +155,7 @@ final class Setting {
     String wanted() {
         switch (type) {
             case COLOR:
-                return "a colour; write #rgb, #rrggbb or #aarrggbb";
+                return ColorText.WANTED;
             case CHOICE:
                 return "one of " + String.join(", ", choices);
             case FLAG:

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 package com.orvane.android.sdk.zve;
 
+import java.util.ArrayList;
 import java.util.HashSet;
+import java.util.List;
 import java.util.Map;
 import java.util.Set;
 
@@ -17,8 +19,9 @@ final class SettingText {
 
     /** A colour, or an effect's name and its settings: {@code pattern:tile.png,scale=2}. */
     static Object readCanvas(String where, String text, ValueReader files) {
-        if (text.startsWith("#")) {
-            return readColor(where, text, Setting.color(0).wanted());
+        Integer color = ColorText.read(text);
+        if (color != null) {
+            return color;
         }
         int colon = text.indexOf(':');
         EffectKind kind = colon < 0 ? null : EffectKind.find(text.substring(0, colon));
@@ -30,24 +33,40 @@ final class SettingText {
     }
 
     static int readColor(String where, String text, String wanted) {
-        if (!text.matches("#([0-9a-fA-F]{3}|[0-9a-fA-F]{6}|[0-9a-fA-F]{8})")) {
+        Integer color = ColorText.read(text);
+        if (color == null) {
             throw refusal(where, text, wanted);
         }
-        int value = (int) Long.parseLong(text.substring(1), 16);
-        switch (text.length()) {
-            case 4:
-                return 0xFF000000 | (value >> 8) * 0x110000 | (value >> 4 & 0xF) * 0x1100 | (value & 0xF) * 0x11;
-            case 7:
-                return 0xFF000000 | value;
-            default:
-                return value;
+        return color;
+    }
+
+    /** What stands in parentheses is not split. */
+    private static List<String> split(String text, char separator) {
+        int[] closing = new int[text.length()]; // of a parenthesis, its partner
+        List<Integer> open = new ArrayList<>();
+        for (int i = 0; i < text.length(); i++) {
+            if (text.charAt(i) == '(') {
+                open.add(i);
+            } else if (text.charAt(i) == ')' && !open.isEmpty()) {
+                closing[open.remove(open.size() - 1)] = i;
+            }
         }
+        List<String> parts = new ArrayList<>();
+        int begin = 0;
+        for (int i = 0; i < text.length(); i = Math.max(i, closing[i]) + 1) {
+            if (text.charAt(i) == separator) {
+                parts.add(text.substring(begin, i));
+                begin = i + 1;
+            }
+        }
+        parts.add(text.substring(begin));
+        return parts;
     }
 
     private static Map<String, Object> readSettings(String where, EffectKind kind, String text, ValueReader files) {
         Map<String, Object> values = kind.starts();
         Set<String> seen = new HashSet<>();
-        for (String part : text.split(",", -1)) {
+        for (String part : split(text, ',')) {
             int equals = part.indexOf('=');
             boolean bareFile = seen.isEmpty() && equals < 0 && kind == EffectKind.PATTERN;
             String name = bareFile ? "file" : equals < 0 ? part : part.substring(0, equals);
@@ -76,7 +95,8 @@ final class SettingText {
     private static String wanted(Setting setting) {
         switch (setting.type) {
             case STOPS:
-                return "a list of stops; write COLOR@POSITION[@OPACITY]:COLOR@POSITION..., positions from 0 to 100";
+                return "a list of stops; write COLOR[@POSITION[@OPACITY]]:COLOR..., positions from 0 to 100; those left out are"
+                        + " spread evenly";
             case NUMBER:
                 return setting.isShare() ? "an opacity; write 0 to 1 or 0% to 100%" : setting.wanted();
             default:
@@ -112,29 +132,31 @@ final class SettingText {
     }
 
     private static Stops readStops(String where, String text, String wanted) {
-        Stops stops = new Stops();
-        double last = 0;
-        String[] parts = text.split(":", -1);
-        for (String part : parts) {
-            String[] fields = part.split("@", -1);
-            if (fields.length < 2 || fields.length > 3) {
-                throw refusal(where, part, wanted);
+        List<String> parts = split(text, ':');
+        int[] colors = new int[parts.size()];
+        double[] positions = new double[parts.size()];
+        double[] opacities = new double[parts.size()];
+        for (int i = 0; i < parts.size(); i++) {
+            List<String> fields = split(parts.get(i), '@');
+            if (fields.size() > 3) {
+                throw refusal(where, parts.get(i), wanted);
             }
-            int color = readColor(where, fields[0], Setting.color(0).wanted());
-            double position = readNumber(where, Stops.POSITION, fields[1]);
-            double opacity = fields.length == 3 ? readNumber(where, Setting.opacity(1), fields[2]) : 1;
-            if (parts.length > Stops.MAX) {
-                continue;
-            }
-            if (position < last) {
-                throw new IllegalArgumentException(where + ": positions must not fall, but " + Setting.shown(position)
-                        + " comes after " + Setting.shown(last));
-            }
-            last = position;
-            stops.add(color, position, opacity);
+            colors[i] = readColor(where, fields.get(0), Setting.color(0).wanted());
+            boolean placed = fields.size() == 2 || (fields.size() == 3 && !fields.get(1).isEmpty());
+            positions[i] = placed ? readNumber(where, Stops.POSITION, fields.get(1)) : Double.NaN;
+            opacities[i] = fields.size() == 3 ? readNumber(where, Setting.opacity(1), fields.get(2)) : 1;
         }
-        if (parts.length > Stops.MAX) {
-            throw new IllegalArgumentException(where + ": " + parts.length + " stops are more than " + Stops.MAX);
+        if (parts.size() > Stops.MAX) {
+            throw new IllegalArgumentException(where + ": " + parts.size() + " stops are more than " + Stops.MAX);
+        }
+        Stops.spread(positions);
+        Stops stops = new Stops();
+        for (int i = 0; i < colors.length; i++) {
+            if (i > 0 && positions[i] < positions[i - 1]) {
+                throw new IllegalArgumentException(where + ": positions must not fall, but " + Setting.shown(positions[i])
+                        + " comes after " + Setting.shown(positions[i - 1]));
+            }
+            stops.add(colors[i], positions[i], opacities[i]);
         }
         return stops;
     }

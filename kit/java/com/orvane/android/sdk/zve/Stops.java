@@ -9,7 +9,7 @@ import java.util.Arrays;
  */
 public final class Stops {
     static final int MAX = 256;
-    static final Setting POSITION = Setting.number("position", 0, 0, 100, "%").required();
+    static final Setting POSITION = Setting.number("position", 0, 0, 100, "%");
 
     private int count;
     private int[] colors = new int[4];
@@ -71,6 +71,27 @@ public final class Stops {
         Setting.opacity(1).checked("stop opacity", opacity);
         put(color, hundredths(position), opacity);
         return this;
+    }
+
+    /**
+     * Puts positions evenly in the place of those that are NaN, in hundredths of a percent: the first is at 0, the last at 100,
+     * the others between those that are known.
+     */
+    static void spread(double[] positions) {
+        int last = positions.length - 1;
+        positions[0] = Double.isNaN(positions[0]) ? 0 : positions[0];
+        positions[last] = Double.isNaN(positions[last]) ? 100 : positions[last];
+        int from = 0;
+        for (int to = 1; to <= last; to++) {
+            if (Double.isNaN(positions[to])) {
+                continue;
+            }
+            for (int i = from + 1; i < to; i++) {
+                double exact = positions[from] + (positions[to] - positions[from]) * (i - from) / (to - from);
+                positions[i] = Math.floor(exact * 100 + 1e-6) / 100;
+            }
+            from = to;
+        }
     }
 
     // The library multiplies by 100 in single precision and cuts the fraction off, which makes 52 of 53 / 100f. The next

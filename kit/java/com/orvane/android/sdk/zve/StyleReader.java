@@ -119,8 +119,8 @@ final class StyleReader {
         if (ZvStyle.presets().contains(name)) {
             return within("extends: '" + name + "'", ZvStyle.presetText(name), new ArrayList<>());
         }
-        if (above.size() > MAX_BASES) {
-            throw ValueReader.refusal("extends", "more than " + MAX_BASES + " styles stand below");
+        if (above.size() >= MAX_BASES) {
+            throw ValueReader.refusal("extends", "more than " + MAX_BASES + " style files extend one another");
         }
         String file = name.startsWith("/") ? name : folder + name;
         if (above.contains(file)) {

@@ -15,7 +15,9 @@ import org.json.JSONObject;
 
 /** Reads the values of settings from JSON. Messages begin with the value's place, such as "effects[2].size". */
 final class ValueReader {
-    private static final Setting[] STOP = {Setting.color(0).required(), Stops.POSITION, Setting.opacity(1)};
+    private static final Setting[] STOP = {
+        Setting.color(0).required(), Setting.number("position", Double.NaN, 0, 100, "%"), Setting.opacity(1)
+    };
     private static final Setting OFFSET_SIDE = ZvStyle.Layer.OFFSET_SIDE;
 
     private final ZvStyle.Pictures pictures;
@@ -172,12 +174,20 @@ final class ValueReader {
         if (array.length() < 1 || array.length() > Stops.MAX) {
             throw refusal;
         }
-        Stops stops = new Stops();
+        List<Map<String, Object>> read = new ArrayList<>();
+        double[] positions = new double[array.length()];
         for (int i = 0; i < array.length(); i++) {
             Map<String, Object> stop = new HashMap<>();
+            stop.put("position", Double.NaN);
             stop.put("opacity", 1.0);
             readObject(place + "[" + i + "]", array.opt(i), STOP, stop, false);
-            stops.add((Integer) stop.get("color"), (Double) stop.get("position"), (Double) stop.get("opacity"));
+            positions[i] = (Double) stop.get("position");
+            read.add(stop);
+        }
+        Stops.spread(positions);
+        Stops stops = new Stops();
+        for (int i = 0; i < positions.length; i++) {
+            stops.add((Integer) read.get(i).get("color"), positions[i], (Double) read.get(i).get("opacity"));
         }
         return stops.checked(place, true);
     }
