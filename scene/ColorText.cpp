@@ -101,7 +101,9 @@ std::optional<uint32_t> ofFunction(const std::string& name, const std::string& i
     std::optional<double> parts[3];
     for (size_t i = 0; i < 3; ++i) {
         if (rgb) {
-            parts[i] = number(words[i], {{"%", 2.55}}, 0, 255);
+            const double most = words[i].find('%') != std::string::npos ? 100 : 255;
+            parts[i] = number(words[i], {{"%", 1}}, 0, most);
+            if (parts[i]) *parts[i] /= most;
         } else if (i == 0) {
             parts[i] =
                 number(words[i], {{"deg", 1}, {"grad", 0.9}, {"rad", 180 / kPi}, {"turn", 360}}, -1e9, 1e9);
@@ -111,9 +113,8 @@ std::optional<uint32_t> ofFunction(const std::string& name, const std::string& i
         if (!parts[i]) return std::nullopt;
     }
     if (!alpha) return std::nullopt;
-    uint32_t color = 0;
-    for (const auto& part : parts) color = color << 8 | channel(*part / 255);
-    if (!rgb) color = ofHsl(*parts[0], *parts[1] / 100, *parts[2] / 100);
+    const uint32_t color = rgb ? channel(*parts[0]) << 16 | channel(*parts[1]) << 8 | channel(*parts[2])
+                               : ofHsl(*parts[0], *parts[1] / 100, *parts[2] / 100);
     return channel(*alpha) << 24 | color;
 }
 

@@ -9,6 +9,7 @@
 #include <tuple>
 
 #include "scene/Failure.h"
+#include "scene/SystemFonts.h"
 #include "scene/TextInput.h"
 #include "scene/Values.h"
 #include "text/FontData.h"
@@ -219,16 +220,25 @@ bool hold(LoadedFont& loaded, const char* content, size_t size) {
     return true;
 }
 
+Bytes bytesOf(const std::string& option, const FontChoice& choice) {
+    try {
+        // readFile would read standard input for "-", but a font is always a file.
+        return orDefault(choice.source).read(option, choice.path == "-" ? "./-" : choice.path, kMaxFontBytes);
+    } catch (const Failure& failure) {
+        const bool missing =
+            orDefault(choice.source).realm() == nullptr && !orDefault(choice.source).has(choice.path);
+        const std::string named = missing ? systemFontLike(choice.path) : "";
+        if (named.empty()) throw;
+        throw Failure(option + ": " + failure.cause() + "; the system has '" + named + "'");
+    }
+}
+
 std::shared_ptr<const LoadedFont> readFont(const std::string& option, const FontChoice& choice,
                                            const std::string& axesOption, const std::string& axes,
                                            size_t number) {
     const std::string& path = choice.path;
     if (path.empty()) throw UsageError(option + ": the path is empty");
-    // readFile would read standard input for "-", but a font is always a file.
-    const Bytes bytes =
-        choice.bytes != nullptr
-            ? choice.bytes
-            : orDefault(choice.source).read(option, path == "-" ? "./-" : path, kMaxFontBytes);
+    const Bytes bytes = choice.bytes != nullptr ? choice.bytes : bytesOf(option, choice);
     const std::string& content = *bytes;
     if (content.empty()) throw Failure(option + ": '" + path + "' is empty");
     if (content.compare(0, 4, "wOFF") == 0 || content.compare(0, 4, "wOF2") == 0) {

@@ -9,6 +9,10 @@ FontChoice matchSystemFont(const std::string& option, const std::string& pattern
     throw Failure(option + ": there is no '" + pattern + "', and no system fonts in this library");
 }
 
+std::string systemFontLike(const std::string&) {
+    return "";
+}
+
 std::vector<std::string> systemFontFolders() {
     return {};
 }

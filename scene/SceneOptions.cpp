@@ -56,11 +56,14 @@ Fields viewFields(Scene& scene) {
 
 // What a style file holds, and what takes or adds to one.
 Fields looksOf(Style& style) {
-    Fields fields = {
-        {"style", StyleField{&style},
-         "Take effects and any of the eight options above from a JSON file, or from {...} itself"},
-        {"preset", PresetField{&style},
-         "The same from a style of the program's own; zvtext presets lists them"}};
+    static const std::string styleHelp = [] {
+        Style any;
+        return "Take effects, layers and any of these from a JSON file, or from {...} itself: " +
+               namesOf(fieldsOf(any));
+    }();
+    Fields fields = {{"style", StyleField{&style}, styleHelp.c_str()},
+                     {"preset", PresetField{&style},
+                      "The same from a style of the program's own; zvtext presets lists them"}};
     for (const EffectKind& kind : effectKinds())
         fields.push_back({kind.name, EffectField{&style, &kind}, kind.summary});
     return fields;

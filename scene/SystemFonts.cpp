@@ -11,6 +11,7 @@
 
 #include "scene/Failure.h"
 #include "scene/TextInput.h"
+#include "scene/Values.h"
 
 // fontconfig links its patterns by offsets, which the leak sanitizer does not follow: what its configuration
 // holds to the end of the process looks lost.
@@ -153,6 +154,17 @@ std::string objectOf(const std::string& part) {
     return type->type != FcTypeInteger || isNumber || constantOf(value) != nullptr ? name : "";
 }
 
+// "; write :bold:italic" for "bold italic".
+std::string apartHint(const std::string& part) {
+    std::string hint;
+    const std::vector<std::string> styles = split(part, ' ');
+    for (const std::string& style : styles) {
+        if (objectOf(style).empty()) return "";
+        hint += ":" + style;
+    }
+    return "; write " + hint;
+}
+
 // A pattern as fontconfig reads it, which passes silently over what it does not know (":blod", and the part
 // of a family after a dash, where it expects a size) and over the second of two weights.
 FcOwner<FcPattern> readPattern(const std::string& option, const std::string& text) {
@@ -175,7 +187,8 @@ FcOwner<FcPattern> readPattern(const std::string& option, const std::string& tex
     for (size_t i = 1; i < parts.size(); ++i) {
         const std::string object = objectOf(parts[i]);
         if (object.empty()) {
-            throw UsageError(option + ": '" + parts[i] + "' in '" + text + "' is no style of fontconfig's");
+            throw UsageError(option + ": '" + parts[i] + "' in '" + text + "' is no style of fontconfig's" +
+                             apartHint(parts[i]));
         }
         if (!objects.insert(object).second) {
             throw UsageError(option + ": '" + text + "' says the " + object + " twice");
@@ -245,6 +258,34 @@ FontChoice matchSystemFont(const std::string& option, const std::string& text) {
         throw Failure(option + ": '" + text + "' is a language that the font lacks letters of; " + instead);
     }
     return choiceOf(answer.get());
+}
+
+std::string systemFontLike(const std::string& file) {
+    const auto plain = [](const std::string& text) {
+        std::string letters;
+        for (const char c : folded(text)) {
+            if (c != '-' && c != '_') letters += c;
+        }
+        return letters;
+    };
+    const std::string name = file.substr(file.rfind('/') + 1), stem = plain(name.substr(0, name.rfind('.')));
+    const FcFontSet* fonts = fontconfig() != nullptr ? FcConfigGetFonts(fontconfig(), FcSetSystem) : nullptr;
+    for (int i = 0; fonts != nullptr && i < fonts->nfont; ++i) {
+        const std::string path = firstOf(fonts->fonts[i], FC_FILE),
+                          family = firstOf(fonts->fonts[i], FC_FAMILY),
+                          style = firstOf(fonts->fonts[i], FC_STYLE);
+        const bool same = plain(path.substr(path.rfind('/') + 1)) == plain(name);
+        if (!same && stem != plain(family + style) && stem != plain(family)) continue;
+        std::string words;
+        for (const std::string& word : split(style, ' ')) words += ":" + folded(word);
+        for (const std::string& pattern : {family, family + words, family + ":style=" + style}) {
+            try {
+                if (matchSystemFont("", pattern).path == path) return pattern;
+            } catch (const Error&) {  // no name of that font
+            }
+        }
+    }
+    return "";
 }
 
 std::vector<std::string> systemFontFolders() {

@@ -17,6 +17,10 @@ namespace Zvex::scene {
 // message starting with `option`.
 FontChoice matchSystemFont(const std::string& option, const std::string& pattern);
 
+// "DejaVu Sans:bold" for "DejaVuSans-Bold.ttf": the name of a font whose file is called so, or that would be
+// called so. Empty if there is none.
+std::string systemFontLike(const std::string& file);
+
 // The folders in which fontconfig looks for fonts, with what is below them.
 std::vector<std::string> systemFontFolders();
 

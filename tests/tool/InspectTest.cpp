@@ -11,13 +11,14 @@ using Json = nlohmann::json;
 
 TEST_F(InspectStyle, SaysMarginsAndLayersFromTheTopmost) {
     write("s.json", R"({"size": 100, "designed-for": 50, "effects": [
-        {"type": "bevel", "size": 4}, {"type": "outer-shadow", "angle": 0, "distance": 20, "size": 0},
+        {"type": "bevel", "size": 4}, {"type": "outer-shadow", "angle": 0.7, "distance": 20, "size": 0},
         {"type": "stroke", "width": 3, "color": "#123456"}, {"type": "inner-glow"}]})");
     const Json report = this->report("inspect style $DIR/s.json --width 100 --height 50");
     std::string types;
     for (const Json& layer : report["layers"]) types += layer["type"].get<std::string>() + " ";
     EXPECT_EQ(types, "inner-glow bevel text stroke outer-shadow ");
     EXPECT_EQ(report["layers"][3]["width"], "6px") << "3 pixels at half the size";
+    EXPECT_EQ(report["layers"][4]["angle"], "0deg") << "as it is drawn, without fractions";
     // The picture of a text of that size has the same margins.
     const Image without = render("x -f $FONT -s 100");
     const Image with = render("x -f $FONT -s 100 --style $DIR/s.json");

@@ -7,6 +7,7 @@
 #include <cctype>
 #include <vector>
 
+#include "scene/Effects.h"
 #include "scene/Presets.h"
 #include "scene/Values.h"
 #include "tools/zvtext/gallery/Gallery.h"
@@ -38,6 +39,16 @@ std::string hint(const std::string& value, std::string words = "") {
     return "words=" + inQuotes(words) + paths;
 }
 
+// " keys='width= color= '" for the option of an effect.
+std::string keysOf(const std::string& option) {
+    const EffectKind* kind = findEffectKind(option);
+    if (kind == nullptr) return "";
+    EffectSettings settings = kind->defaults;
+    std::string keys;
+    for (const Field& field : fieldsOf(settings)) keys += std::string(field.name) + "= ";
+    return " keys=" + inQuotes(keys);
+}
+
 struct Cases {
     std::string commands, values, others;  // for the script's case statements
 };
@@ -57,7 +68,9 @@ void addCases(const CLI::App& app, const std::string& name, Cases& cases) {
         };
         for (const std::string& flag : option->get_snames()) add("-" + flag);
         for (const std::string& flag : option->get_lnames()) add("--" + flag);
-        if (!value.empty()) cases.values += "        " + patterns + ") " + hint(value) + " ;;\n";
+        std::string keys;
+        for (const std::string& name : option->get_lnames()) keys = keysOf(name);
+        if (!value.empty()) cases.values += "        " + patterns + ") " + hint(value) + keys + " ;;\n";
     }
     const std::vector<const CLI::App*> commands = app.get_subcommands([](const CLI::App*) { return true; });
     for (const CLI::App* command : commands) below += " " + command->get_name();
@@ -78,14 +91,25 @@ std::string bashCompletion(const CLI::App& app) {
     addCases(app, "", cases);
     return R"(# bash completion for zvtext, as `zvtext completion` prints it.
 _zvtext() {
-    local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
-    local command='' words='' paths='' word dash=''
-    # Where = parts words, --option=value comes as three.
-    if [[ $current == = ]]; then
-        current=''
-    elif [[ $previous == = && $COMP_CWORD -gt 2 ]]; then
-        previous=${COMP_WORDS[COMP_CWORD - 2]}
+    local current=${COMP_WORDS[COMP_CWORD]} previous at=$COMP_CWORD first list item
+    local command='' words='' keys='' paths='' word dash=''
+    # Where = parts words, --option=value comes as three, and key=value,key=value in many.
+    while ((at > 1)); do
+        if [[ ${COMP_WORDS[at]} == = ]]; then
+            ((at -= 1))
+        elif [[ ${COMP_WORDS[at - 1]} == = && at -gt 2 ]]; then
+            ((at -= 2))
+        else
+            break
+        fi
+    done
+    if [[ ${COMP_WORDS[at]} == -* && at -lt COMP_CWORD ]]; then
+        previous=${COMP_WORDS[at]} first=$((at + 2))
+    else
+        previous=${COMP_WORDS[at - 1]} first=$at
     fi
+    printf -v list %s "${COMP_WORDS[@]:first:COMP_CWORD - first + 1}"
+    [[ $current == = ]] && current=''
     for word in "${COMP_WORDS[@]:1:COMP_CWORD-1}"; do
         case $command/$word in
 )" + cases.commands +
@@ -98,6 +122,11 @@ _zvtext() {
 )" + cases.others +
            R"(        esac ;;
     esac
+    item=${list##*,}
+    if [[ $keys && $item != *=* ]]; then
+        for word in $keys; do words+=" ${current%"$item"}$word"; done
+        compopt -o nospace 2> /dev/null
+    fi
     mapfile -t COMPREPLY < <(
         [[ $words ]] && compgen -W "$words" -- "$current"
         [[ $paths ]] && compgen $paths -- "$current"

@@ -87,7 +87,7 @@ int run(int argc, char** argv) {
     addPrintingCommands(app);
     app.footer(
         "Examples:\n"
-        "  zvtext render 'Grüße' --font DejaVuSans-Bold.ttf --preset gold -o gold.png\n"
+        "  zvtext render 'Grüße' --font 'DejaVu Sans:bold' --preset gold -o gold.png\n"
         "  zvtext render --help\n"
         "The exit status is 0, 1 where a file or the machine failed, or 2 where the command line was wrong.");
     BatchArguments batchArguments;

@@ -25,7 +25,7 @@ void addInspectCommands(CLI::App& inspect, InspectArguments& arguments) {
         "Examples:\n"
         "  zvtext inspect font 'Noto Serif:bold'\n"
         "  zvtext inspect style gold\n"
-        "  zvtext inspect text 'Grüße, 世界' --font DejaVuSans-Bold.ttf");
+        "  zvtext inspect text 'Grüße, 世界' --font 'DejaVu Sans:bold'");
     addInspectFont(inspect, arguments.font);
     addInspectStyle(inspect, arguments.style);
     addInspectText(inspect, arguments.text);

@@ -32,6 +32,19 @@ double layerBytes(const EffectSettings& settings) {
     return 0.25;
 }
 
+// The library drops fractions of pixels, degrees and stop positions.
+EffectSettings asDrawn(EffectSettings settings) {
+    for (const Field& field : fieldsOf(settings)) {
+        if (const auto* number = std::get_if<NumberField>(&field.value)) {
+            const std::string unit = number->range.unit;
+            if (unit == "px" || unit == "deg") number->set(std::trunc(number->get()));
+        } else if (const auto* stops = std::get_if<StopsField>(&field.value)) {
+            for (Stop& stop : *stops->value) stop.position = std::trunc(stop.position);
+        }
+    }
+    return settings;
+}
+
 Json entryOf(const std::string& type, const Fields& fields) {
     Json entry = {{"type", type}};
     for (const Field& field : fields) {
@@ -54,7 +67,8 @@ void addEntries(Json& layers, Look& look, uint32_t color) {
         if (place >= look.effects.size()) {
             layers.push_back({{"type", "text"}, {"color", formatColor(color)}});
         } else {
-            layers.push_back(entryOf(kindOf(look.effects[place]).name, fieldsOf(look.effects[place])));
+            EffectSettings drawn = asDrawn(look.effects[place]);
+            layers.push_back(entryOf(kindOf(drawn).name, fieldsOf(drawn)));
         }
     }
 }

@@ -44,15 +44,15 @@ void addRenderOptions(CLI::App& command, RenderArguments& a) {
         "multiplies\n"
         "into the opacity beside it. Every effect widens the picture by the margin it needs.\n\n"
         "Examples:\n"
-        "  zvtext render 'Grüße' --font DejaVuSans-Bold.ttf --size 120 --color '#ff8800' --stroke 8:#202020\n"
-        "  zvtext render 'Raised' --font DejaVuSans-Bold.ttf --color '#3060c0' --bevel size=6,angle=120 \\\n"
+        "  zvtext render 'Grüße' --font 'DejaVu Sans:bold' --size 120 --color '#ff8800' --stroke 8:#202020\n"
+        "  zvtext render 'Raised' --font 'DejaVu Sans:bold' --color '#3060c0' --bevel size=6,angle=120 \\\n"
         "      --outer-shadow angle=120,distance=8,size=12,opacity=50%\n"
-        "  zvtext render 'Sunset' --font DejaVuSans-Bold.ttf --linear-gradient "
-        "stops=#fd5@0:#e31@60:#406@100\n"
+        "  zvtext render 'Sunset' --font 'DejaVu Sans:bold' --linear-gradient "
+        "stops=#fd5:#e31@60:#406\n"
         "  zvtext render --stroke 8:#fff --outer-shadow size=20 --print-style > sticker.json\n"
-        "  zvtext render 'Neon' --font 'Inter' --axes wght=850 --preset neon --scale 2 -o neon.webp\n"
-        "  fortune | zvtext render - --font 'Noto Serif:bold' --size 32 --width 600 --align center -o "
-        "quote.png\n"
+        "  zvtext render 'Neon' --font 'DejaVu Sans:bold' --preset neon --scale 2 -o neon.webp\n"
+        "  date | zvtext render - --font 'DejaVu Serif:bold' --size 32 --width 600 --align center -o "
+        "date.png\n"
         "The exit status is 0, 1 where a file or the machine failed, or 2 where the command line was wrong.");
 }
 

@@ -87,7 +87,9 @@ final class ColorText {
         Double[] parts = new Double[3];
         for (int i = 0; i < 3; i++) {
             if (rgb) {
-                parts[i] = number(words.get(i), 255, "%", 2.55);
+                double most = words.get(i).endsWith("%") ? 100 : 255;
+                Double part = number(words.get(i), most, "%", 1);
+                parts[i] = part != null ? (Double) (part / most) : null;
             } else if (i == 0) {
                 parts[i] = number(words.get(i), 1e9, "deg", 1, "grad", 0.9, "rad", 180 / Math.PI, "turn", 360);
             } else {
@@ -100,7 +102,7 @@ final class ColorText {
         if (alpha == null) {
             return null;
         }
-        int color = rgb ? channel(parts[0] / 255) << 16 | channel(parts[1] / 255) << 8 | channel(parts[2] / 255)
+        int color = rgb ? channel(parts[0]) << 16 | channel(parts[1]) << 8 | channel(parts[2])
                 : ofHsl(parts[0], parts[1] / 100, parts[2] / 100);
         return channel(alpha) << 24 | color;
     }
