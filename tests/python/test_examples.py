@@ -111,8 +111,8 @@ def test_a_dask_worker_may_die(tmp_path):
         worker = [sys.executable, "-m", "distributed.cli.dask_worker", "--scheduler-file", str(tmp_path / "scheduler"),
                   "--nthreads", "1", "--no-dashboard", "--no-nanny", "--local-directory", str(tmp_path / "local")]
         processes += [subprocess.Popen(worker, env=environment, stderr=subprocess.DEVNULL) for _ in range(2)]
-        client = Client(scheduler_file=str(tmp_path / "scheduler"), timeout=60)
-        client.wait_for_workers(2, timeout=60)
+        client = Client(scheduler_file=str(tmp_path / "scheduler"), timeout=300)
+        client.wait_for_workers(2, timeout=300)
         folder = tmp_path / "pictures"
 
         def kill_in_the_middle():

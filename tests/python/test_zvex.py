@@ -249,7 +249,7 @@ def test_child_processes(way):
     words = ["one", "two", "three"]
     expected = [draw(word) for word in words]  # before the fork
     with multiprocessing.get_context(way).Pool(2) as pool:
-        assert pool.map_async(draw, words).get(60) == expected
+        assert pool.map_async(draw, words).get(300) == expected
 
 
 def resident():
