@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "scene/Decimal.h"
 #include "scene/Failure.h"
 #include "scene/Values.h"
 
@@ -41,15 +42,14 @@ std::optional<double> number(const std::string& text,
                              double high) {
     double value = 0;
     const char* end = text.data() + text.size();
-    const auto [stop, error] = std::from_chars(text.data(), end, value);
-    if (error != std::errc()) return std::nullopt;
+    const char* stop = readDecimal(text.data(), end, &value);
+    if (stop == nullptr) return std::nullopt;
     for (const auto& [unit, factor] : units) {
         if (std::strcmp(stop, unit) == 0) value *= factor;
     }
-    const bool known =
-        stop == end || std::any_of(units.begin(), units.end(), [stop = stop](const auto& unit) {
-            return std::strcmp(stop, unit.first) == 0;
-        });
+    const bool known = stop == end || std::any_of(units.begin(), units.end(), [stop](const auto& unit) {
+                           return std::strcmp(stop, unit.first) == 0;
+                       });
     if (!known || !std::isfinite(value) || value < low || value > high) return std::nullopt;
     return value;
 }
