@@ -102,10 +102,14 @@ std::vector<Span> clustersOf(const PythonPicture& picture) {
 // The glyphs alone, in black without effects, where they lie in the picture.
 Pixels coverageOf(const PythonPicture& picture) {
     Scene scene = picture.scene;
+    const Style& style = picture.scene.style;
     scene.style = Style();
-    scene.style.size = picture.scene.style.size;
-    scene.style.letterSpacing = picture.scene.style.letterSpacing;
-    scene.style.features = picture.scene.style.features;
+    scene.style.size = style.size;
+    scene.style.letterSpacing = style.letterSpacing;
+    scene.style.wordSpacing = style.wordSpacing;
+    scene.style.lineHeight = style.lineHeight;
+    scene.style.upperCase = style.upperCase;
+    scene.style.features = style.features;
     scene.trim = false;
     const Rendering bare = render(scene);
     const Margins &within = picture.rendering.metrics.margins, &own = bare.metrics.margins;

@@ -55,6 +55,16 @@ struct ReadJson {
         if (!json.is_array() || json.size() != sides.size()) refuse();
         for (size_t i = 0; i < sides.size(); ++i) readJson(element(place, i), sides[i], json[i], places);
     }
+    void operator()(const NumbersField& field) const {
+        if (!json.is_array()) return readText(field);
+        if (json.empty() || json.size() > kMaxNumbers) refuse();
+        std::vector<double> numbers(json.size());
+        for (size_t i = 0; i < numbers.size(); ++i)
+            readJson(element(place, i), {"", NumberField{&numbers[i], field.each}}, json[i], places);
+        const size_t unrisen = findUnrisen(numbers);
+        if (unrisen < numbers.size()) throw UsageError(element(place, unrisen) + ": the numbers must rise");
+        *field.value = std::move(numbers);
+    }
     void operator()(const CanvasField& field) const {
         if (!json.is_object()) return readText(field);
         const EffectSettings* base =
@@ -131,7 +141,9 @@ struct WriteValue {
         const auto* settings = std::get_if<EffectSettings>(&(*field.value)->fill);
         return settings != nullptr ? writeEffect(*settings) : Json(formatCanvas(**field.value));
     }
-    Json operator()(const NumberField& field) const { return numberJson(field.get()); }
+    Json operator()(const NumberField& field) const {
+        return field.isNone() ? Json("") : numberJson(field.get());
+    }
     Json operator()(const TintField& field) const {
         Tint tint = *field.value;
         return writeObject(fieldsOf(tint));

@@ -66,6 +66,13 @@ struct ReadText {
         if (parts.size() != sides.size()) refuse();
         for (size_t i = 0; i < sides.size(); ++i) readValue(where + " " + sides[i].name, sides[i], parts[i]);
     }
+    void operator()(const NumbersField& field) const {
+        std::vector<double> numbers;
+        for (const std::string& part : split(text, ','))
+            numbers.push_back(parseNumber(where, part, field.each));
+        if (numbers.size() > kMaxNumbers || findUnrisen(numbers) < numbers.size()) refuse();
+        *field.value = std::move(numbers);
+    }
     void operator()(const PaddingField& field) const { *field.value = parsePadding(where, text); }
     void operator()(const CanvasField& field) const { *field.value = parseCanvas(where, text, places); }
     void operator()(const TintField& field) const {
@@ -136,6 +143,9 @@ struct Wanted {
     std::string operator()(const FlagField&) const { return "true or false"; }
     std::string operator()(const OptionalFlagField&) const { return "true or false"; }
     std::string operator()(const OffsetField&) const { return "an offset; write X:Y in whole pixels"; }
+    std::string operator()(const NumbersField& field) const {
+        return "a list of rising numbers, each " + field.each.wanted();
+    }
     std::string operator()(const PaddingField&) const { return kWantedPadding; }
     std::string operator()(const CanvasField&) const { return kWantedCanvas + canvasKinds(); }
     std::string operator()(const TintField&) const {
@@ -170,6 +180,7 @@ struct Placeholder {
     std::string operator()(const OptionalColorField&) const { return "COLOR"; }
     std::string operator()(const ChoiceField& field) const { return choiceNames(field, "|"); }
     std::string operator()(const OptionalFlagField&) const { return "true|false"; }
+    std::string operator()(const NumbersField&) const { return "PX,..."; }
     std::string operator()(const PaddingField&) const { return "PX"; }
     std::string operator()(const CanvasField&) const { return "CANVAS"; }
     std::string operator()(const FileField&) const { return "FILE"; }
@@ -225,6 +236,11 @@ struct Format {
     }
     std::string operator()(const OffsetField& field) const {
         return formatNumber(field.value->x) + ":" + formatNumber(field.value->y);
+    }
+    std::string operator()(const NumbersField& field) const {
+        std::string text;
+        for (const double number : *field.value) text += (text.empty() ? "" : ",") + formatNumber(number);
+        return text;
     }
     std::string operator()(const PaddingField& field) const {
         const Padding& sides = *field.value;
@@ -311,6 +327,9 @@ std::vector<std::pair<std::string, NumberField>> lengthsOf(const Fields& fields)
             for (const Field& side : fieldsOf(*offset->value))
                 add(side.name, std::get<NumberField>(side.value));
         }
+        if (const auto* numbers = std::get_if<NumbersField>(&field.value)) {
+            for (double& number : *numbers->value) add(field.name, NumberField{&number, numbers->each});
+        }
         if (const auto* padding = std::get_if<PaddingField>(&field.value)) {
             Padding& sides = *padding->value;
             for (int* side : {&sides.left, &sides.top, &sides.right, &sides.bottom})
@@ -392,6 +411,13 @@ void spreadStops(std::vector<Stop>& stops) {
         }
         from = to;
     }
+}
+
+size_t findUnrisen(const std::vector<double>& numbers) {
+    for (size_t i = 1; i < numbers.size(); ++i) {
+        if (!(numbers[i] > numbers[i - 1])) return i;
+    }
+    return std::string::npos;
 }
 
 size_t findFallingStop(const std::vector<Stop>& stops) {

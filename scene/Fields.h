@@ -48,6 +48,7 @@ struct Look;
 struct Style;
 
 constexpr size_t kMaxStops = 256;
+constexpr size_t kMaxNumbers = 256;      // of a list
 constexpr size_t kMaxFonts = 256;        // of a list; each is held in the memory
 constexpr size_t kMaxFieldBytes = 4096;  // for a text; every line is shaped with every feature of a list
 
@@ -63,9 +64,18 @@ public:
         if (mWhole != nullptr) *mWhole = static_cast<int>(value);
     }
 
+    // 0 stands for none, though the range does not hold it.
+    NumberField orNone() const {
+        NumberField field = *this;
+        field.mOptional = true;
+        return field;
+    }
+    bool isNone() const { return mOptional && get() == 0; }
+
     NumberRange range;
 
 private:
+    bool mOptional = false;
     double* mValue = nullptr;
     int* mWhole = nullptr;
 };
@@ -96,6 +106,10 @@ struct OptionalFlagField {  // true or false, with a value on the command line, 
 };
 struct OffsetField {  // X:Y, whole pixels; in JSON [X, Y]
     Offset* value;
+};
+struct NumbersField {  // N,N,..., rising; in JSON [N, N]
+    std::vector<double>* value;
+    NumberRange each;
 };
 struct PaddingField {
     Padding* value;
@@ -139,8 +153,8 @@ struct PresetField {
 struct Field {
     using Value =
         std::variant<NumberField, ColorField, OptionalColorField, ChoiceField, FlagField, OptionalFlagField,
-                     OffsetField, PaddingField, CanvasField, TintField, StopsField, TextField, FileField,
-                     FontField, FontsField, EffectField, StyleField, PresetField>;
+                     OffsetField, NumbersField, PaddingField, CanvasField, TintField, StopsField, TextField,
+                     FileField, FontField, FontsField, EffectField, StyleField, PresetField>;
     const char* name;
     Value value;
     const char* help = "";         // what it does, in plain words
@@ -209,6 +223,9 @@ std::string formatValue(const Field& field);
 // 100, the others between those that have one.
 constexpr double kNoPosition = std::numeric_limits<double>::quiet_NaN();
 void spreadStops(std::vector<Stop>& stops);
+
+// Index of the first number that is not above the one before it, or npos.
+size_t findUnrisen(const std::vector<double>& numbers);
 
 // Positions must not fall. Returns the index of the first stop that is before the previous one, or npos.
 size_t findFallingStop(const std::vector<Stop>& stops);

@@ -10,11 +10,12 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
-#include <string>
 #include <vector>
 
 #include "scene/ParagraphDirections.h"
-#include "text/LinePainter.h"
+#include "scene/Scene.h"
+#include "scene/SceneText.h"
+#include "text/DrawnLines.h"
 
 namespace Zvex::scene {
 
@@ -41,26 +42,50 @@ struct InkBox {
     int width, height;  // at most 65535
 };
 
-// Shapes and draws the lines of one text. What is handed over must outlive it, but for the paint.
-class LineShaper : public Zvex::LinePainter {
+// What a line shows.
+struct LineForm {
+    int start = 0, end = 0;    // units of the text
+    float fill = 0;            // the width to which its spaces grow; 0: they do not
+    bool ellipsis = false;     // follows the units
+    bool beginsRight = false;  // its paragraph does
+};
+
+// How the text is spaced.
+struct Spacing {
+    Spacing(const Scene& scene, double size);
+
+    float word = 0;               // pixels for each space
+    std::vector<float> tabStops;  // as the scene has them
+};
+
+// Shapes the lines of one text at one size. The text must outlive it.
+class LineShaper {
 public:
-    LineShaper(const std::u16string& text, const ParagraphDirections& directions, const android::Paint& paint,
+    LineShaper(const SceneText& text, const android::Paint& paint, const Spacing& spacing,
                std::shared_ptr<const android::Typeface> typeface);
 
-    // The text's units [start, end) as one line. Only as much text around them is passed on as shaping looks
-    // at: otherwise each of a long paragraph's lines would cost the paragraph's length.
-    ShapedLine shape(int start, int end) const;
+    ShapedLine shape(const LineForm& form) const;
+    // The line's coverage, with its advance.
+    Zvex::DrawnLines::Image draw(const LineForm& form, float* advance) const;
 
-    Zvex::DrawnLines::Image paint(const Zvex::DrawnLines::Range& range, float* advance) const override;
-
-    const android::Paint& paintOfText() const { return mPaint; }
+    const SceneText& text() const { return mText; }
+    const android::Paint& paint() const { return mPaint; }
 
 private:
-    void append(const BidiLevelRun& run, ShapedLine* line) const;
+    // Units of a text of their own, the first of which is unit `base` of the scene's.
+    struct Units {
+        const char16_t* data;
+        int base, count;
+    };
+    void append(const Units& units, const BidiLevelRun& run, ShapedLine* line) const;
+    // A part without tabs.
+    ShapedLine shapePart(const Units& units, const LineForm& part) const;
+    void addTab(int unit, float x, ShapedLine* line) const;
+    float stopAfter(float x) const;
 
-    const std::u16string& mText;
-    const ParagraphDirections& mDirections;
+    const SceneText& mText;
     const android::Paint mPaint;
+    const Spacing mSpacing;
     const std::shared_ptr<const android::Typeface> mTypeface;
 };
 

@@ -99,6 +99,7 @@ void cropMetrics(Metrics& metrics, int left, int top, int width, int height) {
 std::string writeMetrics(const Metrics& metrics) {
     std::string json = "{\n  \"width\": " + std::to_string(metrics.width) +
                        ",\n  \"height\": " + std::to_string(metrics.height) +
+                       ",\n  \"size\": " + formatNumber(metrics.size) +
                        ",\n  \"margins\": " + sides(metrics.margins) +
                        ",\n  \"baseline\": " + std::to_string(metrics.baseline) + ",\n  \"lines\": [";
     const char* lineSeparator = "";

@@ -52,6 +52,7 @@ struct LineMetrics : TextRange {
 
 struct Metrics {
     int width = 0, height = 0;
+    double size = 0;  // of the text, pixels per em; smaller than the style's where it was made to fit
     // Around the view: what the effects take, and ink that leans out of the view, such as the end of an
     // italic f. Below 0 if a trimmed picture is smaller than the view.
     Margins margins;

@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "scene/Scene.h"
+
 namespace Zvex::scene {
 
 // Units of a text that read in one direction.
@@ -18,14 +20,23 @@ struct BidiLevelRun {
 // paragraph is analysed once, so lines cost only their own length.
 class ParagraphDirections {
 public:
-    // A paragraph takes the direction of its first letter that has one, else it reads from left to right.
-    // Throws std::bad_alloc.
-    explicit ParagraphDirections(const std::u16string& text);
+    // Auto: a paragraph takes the direction of its first letter that has one, else it reads from left to
+    // right. Throws std::bad_alloc.
+    ParagraphDirections(const std::u16string& text, Scene::Direction direction);
 
-    // The runs of [start, end), a part of one line, from left to right.
-    std::vector<BidiLevelRun> runsOf(int start, int end) const;
+    // The runs of [start, end), a part of one line, from left to right. With `more`, one unit behind them
+    // counts too, in the direction of the paragraph.
+    std::vector<BidiLevelRun> runsOf(int start, int end, bool more = false) const;
+
+    // Whether the paragraph that holds the unit begins at the right.
+    bool beginsRight(int unit) const;
 
 private:
+    struct Paragraph {
+        int start;
+        uint8_t level;
+    };
+    std::vector<Paragraph> mParagraphs;
     std::vector<uint8_t> mLevels;  // of each unit; empty if all read from left to right
 };
 

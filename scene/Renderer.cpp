@@ -47,37 +47,58 @@ std::vector<LineMetrics> measureLines(const PlacedScene& placed, const LaidOutTe
     return lines;
 }
 
+// One line where even the least size of --fit is too large; else empty.
+std::string fitWarning(const Scene& scene, const LaidOutText& laidOut) {
+    if (laidOut.fits) return "";
+    return "the text does not fit even at " + formatNumber(laidOut.size) + " px, the least of --fit" +
+           (scene.ellipsis ? "" : "; what has no room is cut off");
+}
+
 // Everything that a text's lines and glyphs depend on.
 struct ShapedFrom {
-    std::string text;
-    Font font;
-    std::vector<Font> fallbacks;
-    bool systemFallback;
-    std::string features;
-    double size, letterSpacing;
-    int width, left, right;
-    host::Rendering rendering;
+    Scene scene;  // without what they do not depend on
 
-    explicit ShapedFrom(const Scene& scene)
-        : text(scene.text),
-          font(scene.font),
-          fallbacks(scene.fallbacks),
-          systemFallback(scene.systemFallback),
-          features(scene.style.features),
-          size(scene.style.size),
-          letterSpacing(scene.style.letterSpacing),
-          width(scene.width),
-          left(scene.padding.left),
-          right(scene.padding.right),
-          rendering(scene.rendering) {}
+    explicit ShapedFrom(const Scene& from) {
+        scene.text = from.text;
+        scene.language = from.language;
+        scene.direction = from.direction;
+        scene.font = from.font;
+        scene.fallbacks = from.fallbacks;
+        scene.systemFallback = from.systemFallback;
+        scene.width = from.width;
+        scene.padding = from.padding;
+        scene.tabStops = from.tabStops;
+        scene.rendering = from.rendering;
+        scene.align = from.align == Scene::Align::Justify ? from.align : Scene::Align::Left;
+        scene.ellipsis = from.ellipsis;
+        scene.fit = from.fit;
+        if (from.ellipsis || from.fit > 0) {
+            scene.height = from.height;
+            scene.maxLines = from.maxLines;
+        } else {
+            scene.padding.top = scene.padding.bottom = 0;
+        }
+        Style& style = scene.style;
+        style.size = from.style.size;
+        style.letterSpacing = from.style.letterSpacing;
+        style.wordSpacing = from.style.wordSpacing;
+        style.lineHeight = from.style.lineHeight;
+        style.upperCase = from.style.upperCase;
+        style.features = from.style.features;
+    }
 
-    bool operator==(const ShapedFrom& other) const { return tied() == other.tied(); }
+    static auto tied(const Scene& s) {
+        return std::tie(s.text, s.language, s.direction, s.font, s.fallbacks, s.systemFallback, s.width,
+                        s.height, s.tabStops, s.rendering, s.align, s.ellipsis, s.fit, s.maxLines);
+    }
+    static auto tied(const Style& s) {
+        return std::tie(s.size, s.letterSpacing, s.wordSpacing, s.lineHeight, s.upperCase, s.features);
+    }
+    static auto tied(const Padding& p) { return std::tie(p.left, p.top, p.right, p.bottom); }
 
-private:
-    auto tied() const -> std::tuple<const std::string&, const Font&, const std::vector<Font>&, bool,
-                                    const std::string&, double, double, int, int, int, host::Rendering> {
-        return {text,          font,  fallbacks, systemFallback, features, size,
-                letterSpacing, width, left,      right,          rendering};
+    bool operator==(const ShapedFrom& other) const {
+        return tied(scene) == tied(other.scene) && tied(scene.style) == tied(other.scene.style) &&
+               tied(scene.padding) == tied(other.scene.padding);
     }
 };
 
@@ -87,19 +108,19 @@ private:
 struct Renderer::Text {
     explicit Text(const Scene& scene)
         : from(scene),
-          fonts(takeFonts(scene)),
           text(scene),
-          shaper(shaperOf(scene, fonts, text)),
-          laidOut(layOutText(shaper, scene, fonts, text)) {
+          fonts(takeFonts(scene, text)),
+          layout(scene, fonts, text, paintOf(scene)),
+          laidOut(layout.lines()) {
         if (!object.Construct()) throw std::bad_alloc();
-        setText(object, fonts, text, shaper);
+        layout.setUp(object, fonts);
     }
 
     const ShapedFrom from;
-    const SceneFonts fonts;
     const SceneText text;
-    const LineShaper shaper;
-    const LaidOutText laidOut;
+    const SceneFonts fonts;
+    const SceneLayout layout;
+    const LaidOutText& laidOut;
     ZvTextObject object;
 };
 
@@ -129,6 +150,7 @@ Rendering Renderer::make(const Scene& scene, const Sink& sink) {
     ZvTextObject& object = text->object;
     object.GetEffect()->releaseEffect();
     Style style = scene.style;
+    style.size = text->laidOut.size;
     fitEffects(style);
     std::optional<LayeredScene> layered;
     if (!LayeredScene::isFor(style) && hasColours(text->laidOut.colours, style)) {
@@ -149,8 +171,9 @@ Rendering Renderer::make(const Scene& scene, const Sink& sink) {
     setLines(object, placed.lines);
     Rendering rendering;
     rendering.warnings = style.warnings;
-    for (std::string warning : {missingWarning(text->fonts, scene.systemFallback),
-                                silhouetteWarning(text->laidOut.colours, style)}) {
+    for (std::string warning :
+         {missingWarning(text->fonts, scene.systemFallback), silhouetteWarning(text->laidOut.colours, style),
+          fitWarning(scene, text->laidOut)}) {
         if (!warning.empty()) rendering.warnings.push_back(std::move(warning));
     }
     rendering.picture.width = placed.width;
@@ -158,6 +181,7 @@ Rendering Renderer::make(const Scene& scene, const Sink& sink) {
     const ZvLineInfo& first = placed.lines.front();
     rendering.metrics = {placed.width,
                          placed.height,
+                         text->laidOut.size,
                          placed.margins,
                          first.y + placed.origin.y,
                          {first.x + placed.origin.x, first.y + placed.origin.y},

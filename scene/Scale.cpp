@@ -25,9 +25,10 @@ void scaleFields(const std::string& where, const Fields& fields, double factor) 
     }
 }
 
-void scaleEffects(const std::string& where, std::vector<EffectSettings>& effects, double factor) {
-    for (EffectSettings& settings : effects)
+void scaleEffects(const std::string& where, Look& look, double factor) {
+    for (EffectSettings& settings : look.effects)
         scaleFields(where + kindOf(settings).name + " ", fieldsOf(settings), factor);
+    for (auto& [kind, size] : look.designedFor) size *= factor;  // of effects that are fitted later
 }
 
 }  // namespace
@@ -36,11 +37,12 @@ void scaleScene(Scene& scene, double factor) {
     if (factor == 1) return;
     Style& style = scene.style;
     scaleFields("--", fieldsOf(scene), factor);
-    scaleEffects("--", style.effects, factor);
+    scaleEffects("--", style, factor);
+    style.layersDesignedFor *= factor;
     for (size_t i = 0; i < style.layers.size(); ++i) {
         const std::string where = "layers[" + std::to_string(i) + "] ";
         scaleFields(where, fieldsOf(style.layers[i]), factor);
-        scaleEffects(where, style.layers[i].effects, factor);
+        scaleEffects(where, style.layers[i], factor);
     }
     EffectSettings* fill = style.canvas ? std::get_if<EffectSettings>(&style.canvas->fill) : nullptr;
     if (fill != nullptr) scaleFields("--canvas ", fieldsOf(*fill), factor);

@@ -49,10 +49,18 @@ struct Limits {
 
 // One picture to make, with everything that the command line can set. Sizes are pixels, colours 0xAARRGGBB.
 struct Scene {
-    enum class Align { Left, Center, Right };
+    // Start and End are the sides where a line's paragraph begins and ends. Justify fills `width` with the
+    // lines that wrap, and the others stand at their start.
+    enum class Align { Left, Center, Right, Start, End, Justify };
     enum class Gravity { Top, Center, Bottom };
+    // Of each paragraph. Auto: that of its first letter which has one.
+    enum class Direction { Auto, LeftToRight, RightToLeft };
 
     std::string text;  // UTF-8, not empty
+    // "tr", "zh-Hant": a BCP-47 tag, for line breaks, upper case, letter forms and the choice of fonts.
+    // Empty: by the rules that hold for most languages.
+    std::string language;
+    Direction direction = Direction::Auto;
     Font font;
     std::vector<Font> fallbacks;  // the fonts searched next, in order
     bool systemFallback = true;   // then the system's fonts
@@ -61,7 +69,14 @@ struct Scene {
     int height = 0;  // of the view, padding included; 0: as high as the lines shown
     Align align = Align::Left;
     Gravity gravity = Gravity::Top;
-    int maxLines = 0;  // 0: all
+    int maxLines = 0;       // 0: all
+    bool ellipsis = false;  // at the end of the last line, if maxLines or height leave text out
+    // The least size, in pixels, to which the text shrinks until it fits width, height and maxLines with all
+    // its words whole; 0: it does not shrink.
+    double fit = 0;
+    // Pixels from a line's start, rising. The distance of the last two, or the only one, goes on behind them.
+    // Empty: a tab is a space.
+    std::vector<double> tabStops;
     Padding padding;
     host::Rendering rendering = host::Rendering::Phone;
     Limits limits;

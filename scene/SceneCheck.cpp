@@ -4,6 +4,8 @@
 #include <algorithm>
 
 #include "scene/Failure.h"
+#include "scene/Language.h"
+#include "scene/SceneOptions.h"
 #include "scene/TextInput.h"
 
 namespace Zvex::scene {
@@ -31,12 +33,20 @@ struct CheckValue {
     }
 
     void operator()(const NumberField& f) const {
-        if (!f.range.contains(f.get())) refuse(place, formatNumber(f.get()) + " is not " + f.range.wanted());
+        if (!f.isNone() && !f.range.contains(f.get()))
+            refuse(place, formatNumber(f.get()) + " is not " + f.range.wanted());
     }
     void operator()(const ChoiceField& f) const {
         const auto isValue = [&](const auto& choice) { return choice.second == f.get(); };
         if (std::none_of(f.choices.begin(), f.choices.end(), isValue))
             refuse(place, std::to_string(f.get()) + " is not " + wantedBy(field));
+    }
+    void operator()(const NumbersField& f) const {
+        for (size_t i = 0; i < f.value->size(); ++i)
+            checkFields(place, {{"", NumberField{&(*f.value)[i], f.each}}});
+        if (f.value->size() > kMaxNumbers)
+            refuse(place, std::to_string(f.value->size()) + " are more than " + std::to_string(kMaxNumbers));
+        if (findUnrisen(*f.value) < f.value->size()) refuse(place, "the numbers must rise");
     }
     void operator()(const OffsetField& f) const { checkFields(place + " ", fieldsOf(*f.value)); }
     void operator()(const CanvasField& f) const {
@@ -86,6 +96,33 @@ void checkPixels(const std::string& place, int value) {
     if (!range.contains(value)) refuse(place, std::to_string(value) + " is not " + range.wanted());
 }
 
+// What the fields of the layout hold, and what they need beside them.
+void checkLayout(const Scene& scene) {
+    Scene layout;  // fields point to values that may change
+    layout.align = scene.align;
+    layout.direction = scene.direction;
+    layout.language = scene.language;
+    layout.tabStops = scene.tabStops;
+    layout.fit = scene.fit;
+    for (const Field& field : fieldsOf(layout)) {
+        for (const char* name : {"align", "direction", "language", "tab-stops", "fit"}) {
+            if (std::string(name) == field.name) std::visit(CheckValue{name, field}, field.value);
+        }
+    }
+    const bool boxed = scene.width > 0 || scene.height > 0;
+    if (!scene.language.empty() && localeOf(scene.language).empty())
+        refuse("--language", "'" + scene.language + "' is not " + kWantedLanguage);
+    if (scene.align == Scene::Align::Justify && scene.width == 0)
+        refuse("--align", "justify needs --width, which the lines are to fill");
+    if (scene.ellipsis && scene.maxLines == 0 && scene.height == 0)
+        refuse("--ellipsis", "it needs --max-lines or --height; without them all of the text shows");
+    if (scene.fit > 0 && !boxed) refuse("--fit", "it needs --width or --height, which the text is to fit");
+    if (scene.fit > scene.style.size) {
+        refuse("--fit", formatNumber(scene.fit) + " px is above --size, " + formatNumber(scene.style.size) +
+                            " px, from which the text shrinks");
+    }
+}
+
 }  // namespace
 
 void checkLayers(const Style& style) {
@@ -124,6 +161,7 @@ void checkScene(const Scene& scene) {
     for (const int side : {scene.padding.left, scene.padding.top, scene.padding.right, scene.padding.bottom})
         checkPixels("padding", side);
     if (scene.maxLines < 0) refuse("max-lines", std::to_string(scene.maxLines) + " is below 0");
+    checkLayout(scene);
 }
 
 }  // namespace Zvex::scene

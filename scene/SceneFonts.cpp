@@ -22,6 +22,7 @@
 #include "platform/host/Clusters.h"
 #include "scene/Failure.h"
 #include "scene/FontChoice.h"
+#include "scene/Language.h"
 #include "scene/SystemFonts.h"
 #include "text/FontPath.h"
 
@@ -69,8 +70,8 @@ bool hasAll(const LoadedFont& font, const std::vector<uint32_t>& characters) {
                        [&](uint32_t c) { return font.face->covers(c); });
 }
 
-bool endsLine(uint32_t c) {
-    return (c >= 0x0A && c <= 0x0D) || c == 0x85 || c == 0x2028 || c == 0x2029;
+bool hasNoGlyph(uint32_t c) {
+    return (c >= 0x09 && c <= 0x0D) || c == 0x85 || c == 0x2028 || c == 0x2029;
 }
 
 std::u16string toUtf16(const std::string& text) {
@@ -96,7 +97,7 @@ std::vector<Cluster> doubtfulClusters(const std::u16string& text, const Fonts& f
         Cluster cluster;
         for (size_t next = at; next < end;) {
             const uint32_t c = host::nextCodePoint(units, &next, end);
-            if (!endsLine(c) && !host::isDefaultIgnorable(c)) cluster.characters.push_back(c);
+            if (!hasNoGlyph(c) && !host::isDefaultIgnorable(c)) cluster.characters.push_back(c);
         }
         const bool served = std::any_of(fonts.begin(), fonts.end(),
                                         [&](const auto& font) { return hasAll(*font, cluster.characters); });
@@ -144,10 +145,11 @@ private:
     const android::Typeface& mTypeface;
 };
 
-// The language for fontconfig, from the script. For Han characters the other scripts of the text decide.
+// The language for fontconfig, from the script. For Han characters the given language or the other scripts of
+// the text decide.
 class Languages {
 public:
-    explicit Languages(const std::u16string& text) {
+    Languages(const std::u16string& text, const std::string& given) : mHan(hanLanguageOf(given)) {
         for (size_t i = 0; i < text.size() && mHan.empty(); ++i) {
             const std::string language = byScript(static_cast<uint32_t>(text[i]));
             if (language != "und" && language != "han") mHan = language;
@@ -235,7 +237,7 @@ void addSystemFonts(SceneFonts& scene, const std::vector<Cluster>& clusters, con
 
 }  // namespace
 
-SceneFonts takeFonts(const Scene& scene) {
+SceneFonts takeFonts(const Scene& scene, const SceneText& sceneText) {
     SceneFonts taken;
     const auto take = [&](const std::string& option, const Font& font) {
         FontChoice choice;
@@ -252,7 +254,7 @@ SceneFonts takeFonts(const Scene& scene) {
     taken.given = taken.fonts.size();
     taken.typeface = typefaceOf(taken.fonts);
 
-    const std::u16string text = toUtf16(scene.text);
+    const std::u16string text = sceneText.units + (scene.ellipsis ? u"\u2026" : u"");
     std::vector<Cluster> lacking = doubtfulClusters(text, taken.fonts);
     const auto keepMissing = [&](std::set<uint32_t>* characters) {
         const ClusterLayout layout(*taken.typeface, scene.style.features);
@@ -272,7 +274,7 @@ SceneFonts takeFonts(const Scene& scene) {
         keepMissing(nullptr);
         {
             const std::lock_guard<std::mutex> lock(reading());
-            addSystemFonts(taken, lacking, Languages(text));
+            addSystemFonts(taken, lacking, Languages(text, scene.language));
         }
         if (taken.fonts.size() > taken.given) taken.typeface = typefaceOf(taken.fonts);
     }
@@ -287,7 +289,7 @@ std::vector<std::string> systemFontNames(const std::string& text) {
     for (size_t at = 0; at < units.size();) {
         const uint32_t c =
             host::nextCodePoint(reinterpret_cast<const uint16_t*>(units.data()), &at, units.size());
-        if (!endsLine(c) && !host::isDefaultIgnorable(c)) characters.insert(c);
+        if (!hasNoGlyph(c) && !host::isDefaultIgnorable(c)) characters.insert(c);
     }
     std::vector<std::string> names;
     const std::lock_guard<std::mutex> lock(reading());

@@ -10,6 +10,7 @@
 
 #include "scene/FontFile.h"
 #include "scene/Scene.h"
+#include "scene/SceneText.h"
 
 namespace Zvex::scene {
 
@@ -25,9 +26,9 @@ struct SceneFonts {
 
 // Loads the scene's fonts. If the scene allows it, also loads a few of the system's fonts for the characters
 // that those lack: the best font for the first such character also serves all others that it has, and so on.
-// The choice depends only on the text and the fonts, not on the user's language. Any thread; fonts are read
-// by one at a time. Throws UsageError or Failure, naming the option.
-SceneFonts takeFonts(const Scene& scene);
+// The choice depends only on the text, its language and the fonts, not on the user's. Any thread; fonts are
+// read by one at a time. Throws UsageError or Failure, naming the option.
+SceneFonts takeFonts(const Scene& scene, const SceneText& text);
 
 // The system's fonts that have all characters of the text, which is UTF-8: names for Font, the best first, at
 // most eight. Any thread.

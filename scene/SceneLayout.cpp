@@ -3,13 +3,19 @@
 
 #include <hwui/MinikinSkia.h>
 #include <hwui/Typeface.h>
+#include <minikin/LocaleList.h>
+#include <unicode/ubrk.h>
+#include <unicode/uchar.h>
 #include <unicode/utf16.h>
-#include <unicode/utf8.h>
 
 #include <algorithm>
 #include <cmath>
+#include <memory>
+#include <new>
+#include <utility>
 
 #include "foundation/ZvString.h"
+#include "platform/host/Clusters.h"
 #include "platform/host/LineBreaker.h"
 #include "scene/Failure.h"
 #include "scene/SceneFonts.h"
@@ -25,12 +31,8 @@ constexpr int kAntiAlias = 1;                // SkPaint's flag bits
 constexpr float kMaxLineAdvance = 65535;     // a line's image stores its width in 16 bits
 constexpr int kMaxTextHeight = 100'000'000;  // of all lines, shown or not; keeps sums within an int
 
-android::Paint paintOf(const Style& style) {
-    android::Paint paint;
-    paint.setFlags(kAntiAlias);
-    paint.setTextSize(static_cast<float>(style.size));
-    paint.setLetterSpacing(static_cast<float>(style.letterSpacing));
-    paint.setFontFeatureSettings(style.features);
+android::Paint sized(android::Paint paint, double size) {
+    paint.setTextSize(static_cast<float>(size));
     return paint;
 }
 
@@ -87,39 +89,204 @@ std::wstring wideOf(const std::u16string& units) {
     return wide;
 }
 
-std::u16string unitsOf(const std::string& text, std::vector<uint32_t>* offsets) {
-    std::u16string units;
-    const auto length = static_cast<int64_t>(text.size());
-    offsets->reserve(text.size() + 1);
-    for (int64_t i = 0; i < length;) {
-        const auto offset = static_cast<uint32_t>(i);
-        UChar32 c;
-        U8_NEXT(text.data(), i, length, c);
-        if (c > 0xFFFF) units += static_cast<char16_t>(U16_LEAD(c));
-        units += static_cast<char16_t>(c > 0xFFFF ? U16_TRAIL(c) : c < 0 ? 0xFFFD : c);
-        offsets->resize(units.size(), offset);
+// The height for lines; 0: any.
+int roomHeightOf(const Scene& scene) {
+    if (scene.height == 0) return 0;
+    return std::max(scene.height - scene.padding.top - scene.padding.bottom, 1);
+}
+
+int trimmedEnd(const std::u16string& units, int start, int end) {
+    while (end > start && u_isUWhiteSpace(units[static_cast<size_t>(end - 1)])) --end;
+    return end;
+}
+
+// A text at one size.
+class SizedText {
+public:
+    SizedText(const Scene& scene, const SceneFonts& fonts, const SceneText& text, const android::Paint& paint,
+              double size)
+        : mScene(scene),
+          mText(text),
+          mFont(fonts.first().facts),
+          mSize(size),
+          mShaper(text, sized(paint, size), Spacing(scene, size), fonts.typeface),
+          mWidth(static_cast<float>(wrapWidthOf(scene))) {}
+
+    const LineShaper& shaper() const { return mShaper; }
+
+    std::vector<host::LineRange> breakLines() const {
+        const auto measure = [&](int start, int end) { return mShaper.shape({start, end}).advance; };
+        return host::breakLines(reinterpret_cast<const uint16_t*>(mText.units.data()),
+                                static_cast<int>(mText.units.size()), mWidth, measure, mText.locale.c_str());
     }
-    offsets->push_back(static_cast<uint32_t>(length));
-    return units;
+
+    LaidOutText layOut() const {
+        LaidOutText laidOut;
+        laidOut.size = mSize;
+        const std::vector<host::LineRange> ranges = breakLines();
+        for (const host::LineRange& range : ranges) {
+            const bool wraps = range.end < static_cast<int>(mText.units.size()) && !endsParagraph(range);
+            const bool fills = wraps && mScene.align == Scene::Align::Justify;
+            add({range.start, range.visibleEnd, fills ? mWidth : 0}, laidOut);
+        }
+        if (mScene.ellipsis) shorten(ranges, laidOut);
+        return laidOut;
+    }
+
+    // Whether all of the text is in the box, its words whole.
+    bool fits() const {
+        const std::vector<host::LineRange> ranges = breakLines();
+        if (mScene.maxLines > 0 && ranges.size() > static_cast<size_t>(mScene.maxLines)) return false;
+        if (mWidth > 0 && !wordsAreWhole(ranges)) return false;
+        LaidOutText laidOut;
+        for (const host::LineRange& range : ranges) {
+            try {
+                add({range.start, range.visibleEnd}, laidOut);
+            } catch (const UsageError&) {
+                return false;  // too large for any picture
+            }
+            if (mWidth > 0 && laidOut.lines.back().width > mWidth) return false;
+            if (roomHeightOf(mScene) > 0 && laidOut.lines.back().bottom > roomHeightOf(mScene)) return false;
+        }
+        return true;
+    }
+
+private:
+    bool endsParagraph(const host::LineRange& range) const {
+        const char16_t unit =
+            range.end > range.start ? mText.units[static_cast<size_t>(range.end - 1)] : u'x';
+        return unit == u'\n' || unit == u'\r' || unit == 0x2028 || unit == 0x2029;
+    }
+
+    bool wordsAreWhole(const std::vector<host::LineRange>& ranges) const {
+        UErrorCode status = U_ZERO_ERROR;
+        const std::unique_ptr<UBreakIterator, void (*)(UBreakIterator*)> breaks(
+            ubrk_open(UBRK_LINE, mText.locale.c_str(), mText.units.data(),
+                      static_cast<int32_t>(mText.units.size()), &status),
+            ubrk_close);
+        if (U_FAILURE(status)) throw std::bad_alloc();
+        return std::all_of(ranges.begin(), ranges.end(),
+                           [&](const auto& range) { return ubrk_isBoundary(breaks.get(), range.end) != 0; });
+    }
+
+    void add(const LineForm& form, LaidOutText& laidOut) const {
+        const ShapedLine shaped = mShaper.shape(form);
+        const minikin::MinikinRect& ink = shaped.ink;
+        checkSize(shaped);
+        laidOut.forms.push_back(form);
+        laidOut.forms.back().beginsRight = mText.directions.beginsRight(form.start);
+        laidOut.glyphs.push_back(glyphsOf(shaped));
+        laidOut.colours.push_back(colourRunOf(shaped, mShaper.paint()));
+        laidOut.inks.push_back({ink.mLeft, ink.mTop, ink.mRight, ink.mBottom});
+        Zvex::LaidOutLine line;
+        place(laidOut.lines.size(), laidOut.lines.empty() ? 0 : laidOut.lines.back().bottom, ink, line);
+        line.ascent = line.top - line.baseline;
+        line.descent = line.bottom - line.baseline;
+        line.width = shaped.advance;
+        line.start = form.start;
+        line.visibleEnd = form.end;
+        laidOut.lines.push_back(line);
+        if (line.bottom > kMaxTextHeight) {
+            throw UsageError("--size: the lines of the text are higher than " +
+                             std::to_string(kMaxTextHeight) + " pixels in all");
+        }
+    }
+
+    // A line's vertical values. The style's line height has half of what it adds above the letters.
+    void place(size_t index, int top, const minikin::MinikinRect& ink, Zvex::LaidOutLine& line) const {
+        const double ascent = mFont.ascent * mSize, descent = mFont.descent * mSize;
+        const double height = mScene.style.lineHeight * mSize;
+        if (height > 0) {
+            const auto y = [](double value) { return static_cast<int>(std::round(std::min(value, 2e9))); };
+            const double begin = static_cast<double>(index) * height;
+            line.top = y(begin);
+            line.baseline = y(begin + (height - ascent - descent) / 2 + ascent);
+            line.bottom = y(begin + height);
+            return;
+        }
+        const auto size = static_cast<float>(mSize);
+        line.top = top;
+        line.baseline = top + static_cast<int>(std::ceil(std::max(mFont.ascent * size, -ink.mTop)));
+        line.bottom =
+            line.baseline + static_cast<int>(std::ceil(std::max(mFont.descent * size, ink.mBottom)));
+    }
+
+    // Leaves out the lines that the scene has no room for, and ends the last one with an ellipsis.
+    void shorten(const std::vector<host::LineRange>& ranges, LaidOutText& laidOut) const {
+        size_t shown = laidOut.lines.size();
+        if (mScene.maxLines > 0) shown = std::min(shown, static_cast<size_t>(mScene.maxLines));
+        const int room = roomHeightOf(mScene);
+        while (room > 0 && shown > 1 && laidOut.lines[shown - 1].bottom > room) --shown;
+        if (shown == laidOut.lines.size()) return;
+        laidOut.lines.resize(shown - 1);
+        laidOut.forms.resize(shown - 1);
+        laidOut.glyphs.resize(shown - 1);
+        laidOut.colours.resize(shown - 1);
+        laidOut.inks.resize(shown - 1);
+        add(shortened(ranges[shown - 1]), laidOut);
+    }
+
+    // As much of the line's paragraph as fits before an ellipsis.
+    LineForm shortened(const host::LineRange& range) const {
+        LineForm form = {range.start, range.visibleEnd, 0, true};
+        if (!(mWidth > 0)) return form;
+        const auto limit = static_cast<size_t>(range.end) + kContinued;
+        size_t end = mText.units.find_first_of(u"\n\r\u2028\u2029", static_cast<size_t>(range.visibleEnd));
+        end = std::min({end, limit, mText.units.size()});
+        std::vector<int> ends = {range.start};
+        for (auto at = static_cast<size_t>(range.start); at < end;) {
+            at = host::clusterEnd(reinterpret_cast<const uint16_t*>(mText.units.data()), at, end);
+            ends.push_back(static_cast<int>(at));
+        }
+        const auto tooLong = [&](int, int at) {
+            form.end = trimmedEnd(mText.units, range.start, at);
+            return mShaper.shape(form).advance > mWidth;
+        };
+        // The first that is too long; the one before it fits, or nothing but the ellipsis does.
+        const auto after = std::upper_bound(ends.begin() + 1, ends.end(), 0, tooLong);
+        form.end = trimmedEnd(mText.units, range.start, *(after - 1));
+        return form;
+    }
+
+    // Units behind a line's end of which some may have room in the place of a word that wrapped.
+    static constexpr size_t kContinued = 256;
+
+    const Scene& mScene;
+    const SceneText& mText;
+    const FontFacts& mFont;
+    const double mSize;
+    const LineShaper mShaper;
+    const float mWidth;
+};
+
+// Shrinks the text, in whole pixels below the scene's size, until it fits.
+LaidOutText fittedLines(const Scene& scene, const SceneFonts& fonts, const SceneText& text,
+                        const android::Paint& paint) {
+    const auto fitsAt = [&](double size) { return SizedText(scene, fonts, text, paint, size).fits(); };
+    double size = scene.style.size;
+    bool fits = true;
+    if (scene.fit > 0 && !fitsAt(size)) {
+        double tooLarge = std::exchange(size, scene.fit);
+        fits = fitsAt(size);
+        while (fits && std::ceil(tooLarge) - std::floor(size) > 1) {
+            const double middle = std::floor((std::floor(size) + std::ceil(tooLarge)) / 2);
+            (fitsAt(middle) ? size : tooLarge) = middle;
+        }
+    }
+    LaidOutText laidOut = SizedText(scene, fonts, text, paint, size).layOut();
+    laidOut.fits = fits;
+    return laidOut;
 }
 
 }  // namespace
 
-SceneText::SceneText(const Scene& scene) : units(unitsOf(scene.text, &offsets)), directions(units) {}
-
-LineShaper shaperOf(const Scene& scene, const SceneFonts& fonts, const SceneText& text) {
-    return LineShaper(text.units, text.directions, paintOf(scene.style), fonts.typeface);
-}
-
-void setText(ZvTextObject& object, const SceneFonts& fonts, const SceneText& text, const LineShaper& shaper) {
-    ZvString string;
-    if (!object.SetTypeface(fonts.typeface) || string.Construct(wideOf(text.units).c_str()) == 0 ||
-        !object.SetText(&string)) {
-        throw Failure("TEXT: the text could not be taken over");
-    }
-    android::Paint paint = shaper.paintOfText();
-    object.SetPaint(paint);
-    object.GetFont()->SetLinePainter({std::shared_ptr<void>(), &shaper});  // not owned
+android::Paint paintOf(const Scene& scene) {
+    android::Paint paint;
+    paint.setFlags(kAntiAlias);
+    paint.setLetterSpacing(static_cast<float>(scene.style.letterSpacing));
+    paint.setFontFeatureSettings(scene.style.features);
+    paint.setMinikinLocaleListId(minikin::registerLocaleList(scene.language));
+    return paint;
 }
 
 int wrapWidthOf(const Scene& scene) {
@@ -129,42 +296,27 @@ int wrapWidthOf(const Scene& scene) {
     return width;
 }
 
-LaidOutText layOutText(const LineShaper& shaper, const Scene& scene, const SceneFonts& fonts,
-                       const SceneText& text) {
-    LaidOutText laidOut;
-    const auto measure = [&](int start, int end) { return shaper.shape(start, end).advance; };
-    const auto wrapWidth = static_cast<float>(wrapWidthOf(scene));
-    const auto size = static_cast<float>(scene.style.size);
-    const FontFacts& font = fonts.first().facts;
-    int top = 0;
-    for (const host::LineRange& range :
-         host::breakLines(reinterpret_cast<const uint16_t*>(text.units.data()),
-                          static_cast<int>(text.units.size()), wrapWidth, measure)) {
-        const ShapedLine shaped = shaper.shape(range.start, range.visibleEnd);
-        const minikin::MinikinRect& ink = shaped.ink;
-        laidOut.glyphs.push_back(glyphsOf(shaped));
-        laidOut.colours.push_back(colourRunOf(shaped, shaper.paintOfText()));
-        laidOut.inks.push_back({ink.mLeft, ink.mTop, ink.mRight, ink.mBottom});
-        checkSize(shaped);
-        Zvex::LaidOutLine line;
-        const int ascent = static_cast<int>(std::ceil(std::max(font.ascent * size, -ink.mTop)));
-        const int descent = static_cast<int>(std::ceil(std::max(font.descent * size, ink.mBottom)));
-        line.top = top;
-        line.baseline = top + ascent;
-        line.bottom = line.baseline + descent;
-        line.ascent = -ascent;
-        line.descent = descent;
-        line.width = shaped.advance;
-        line.start = range.start;
-        line.visibleEnd = range.visibleEnd;
-        laidOut.lines.push_back(line);
-        if (line.bottom > kMaxTextHeight) {
-            throw UsageError("--size: the lines of the text are higher than " +
-                             std::to_string(kMaxTextHeight) + " pixels in all");
-        }
-        top = line.bottom;
+SceneLayout::SceneLayout(const Scene& scene, const SceneFonts& fonts, const SceneText& text,
+                         const android::Paint& paint)
+    : mText(text),
+      mLines(fittedLines(scene, fonts, text, paint)),
+      mShaper(text, sized(paint, mLines.size), Spacing(scene, mLines.size), fonts.typeface) {}
+
+void SceneLayout::setUp(ZvTextObject& object, const SceneFonts& fonts) const {
+    ZvString string;
+    if (!object.SetTypeface(fonts.typeface) || string.Construct(wideOf(mText.units).c_str()) == 0 ||
+        !object.SetText(&string)) {
+        throw Failure("TEXT: the text could not be taken over");
     }
-    return laidOut;
+    android::Paint paint = mShaper.paint();
+    object.SetPaint(paint);
+    object.GetFont()->SetLinePainter({std::shared_ptr<void>(), this});
+}
+
+Zvex::DrawnLines::Image SceneLayout::paint(const Zvex::DrawnLines::Range& range, float* advance) const {
+    const auto after = std::upper_bound(mLines.forms.begin(), mLines.forms.end(), range.start,
+                                        [](int start, const LineForm& form) { return start < form.start; });
+    return after == mLines.forms.begin() ? nullptr : mShaper.draw(*(after - 1), advance);
 }
 
 }  // namespace Zvex::scene

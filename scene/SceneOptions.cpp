@@ -6,6 +6,7 @@
 
 #include "scene/Failure.h"
 #include "scene/FieldJson.h"
+#include "scene/Language.h"
 #include "scene/Scale.h"
 #include "scene/SceneCheck.h"
 #include "scene/TextInput.h"
@@ -16,42 +17,64 @@ namespace {
 
 constexpr NumberRange kScale = {0, 16, "", true};
 constexpr NumberRange kLines = {1, 1'000'000};
+constexpr NumberRange kTabStop = {0, kMaxSide, "px", true, true};
 
 Fields textFields(Scene& scene) {
-    return {{"font", FontField{&scene.font},
-             "A font: a file, FILE#2 for the third font of a collection, or a name such as 'Noto Serif:bold'",
-             "", "f"},
-            {"axes", TextField{&scene.font.axes, kMaxFieldBytes, "places of axes; write AXIS=VALUE,..."},
-             "Where the axes of a variable font stand, such as wght=650,opsz=20", "AXIS=VALUE,..."},
-            {"fallback", FontsField{&scene.fallbacks},
-             "A font for what --font lacks; give it again for more, in order"},
-            {"no-fallback", FlagField{&scene.systemFallback, false},
-             "Draw what --font and --fallback lack as missing; else the system's fonts serve it"}};
+    using Direction = Scene::Direction;
+    return {
+        {"font", FontField{&scene.font},
+         "A font: a file, FILE#2 for the third font of a collection, or a name such as 'Noto Serif:bold'", "",
+         "f"},
+        {"axes", TextField{&scene.font.axes, kMaxFieldBytes, "places of axes; write AXIS=VALUE,..."},
+         "Where the axes of a variable font stand, such as wght=650,opsz=20", "AXIS=VALUE,..."},
+        {"fallback", FontsField{&scene.fallbacks},
+         "A font for what --font lacks; give it again for more, in order"},
+        {"no-fallback", FlagField{&scene.systemFallback, false},
+         "Draw what --font and --fallback lack as missing; else the system's fonts serve it"},
+        {"language", TextField{&scene.language, kMaxLanguage, kWantedLanguage},
+         "Language of the text, for line breaks, upper case, letter forms and the choice of fonts", "TAG"},
+        {"direction",
+         ChoiceField{
+             &scene.direction,
+             {{"auto", Direction::Auto}, {"ltr", Direction::LeftToRight}, {"rtl", Direction::RightToLeft}}},
+         "Where paragraphs begin; auto takes it from the first letter of each"}};
 }
 
 Fields viewFields(Scene& scene) {
     using Align = Scene::Align;
     using Gravity = Scene::Gravity;
     using host::Rendering;
-    return {{"width", NumberField{&scene.width, kViewSide},
-             "Width in which lines wrap, padding included; else lines are as long as they are"},
-            {"height", NumberField{&scene.height, kViewSide},
-             "Height, padding included; else as high as the lines"},
-            {"align",
-             ChoiceField{&scene.align,
-                         {{"left", Align::Left}, {"center", Align::Center}, {"right", Align::Right}}},
-             "Where lines stand between the sides"},
-            {"gravity",
-             ChoiceField{&scene.gravity,
-                         {{"top", Gravity::Top}, {"center", Gravity::Center}, {"bottom", Gravity::Bottom}}},
-             "Where the lines stand, if --height leaves room"},
-            {"max-lines", NumberField{&scene.maxLines, kLines},
-             "Lines shown: the first ones, or the last ones with --gravity bottom"},
-            {"padding", PaddingField{&scene.padding}, "ALL, SIDES,ENDS or LEFT,TOP,RIGHT,BOTTOM"},
-            {"text-rendering",
-             ChoiceField{&scene.rendering, {{"phone", Rendering::Phone}, {"plain", Rendering::Plain}}},
-             "Glyphs as the phone draws them, or at exact sizes without hinting and gamma"},
-            {"trim", FlagField{&scene.trim}, "Cut off the picture's transparent border"}};
+    return {
+        {"width", NumberField{&scene.width, kViewSide},
+         "Width in which lines wrap, padding included; else lines are as long as they are"},
+        {"height", NumberField{&scene.height, kViewSide},
+         "Height, padding included; else as high as the lines"},
+        {"align",
+         ChoiceField{&scene.align,
+                     {{"left", Align::Left},
+                      {"center", Align::Center},
+                      {"right", Align::Right},
+                      {"start", Align::Start},
+                      {"end", Align::End},
+                      {"justify", Align::Justify}}},
+         "Where lines stand between the sides; start and end follow --direction, and justify fills --width"},
+        {"gravity",
+         ChoiceField{&scene.gravity,
+                     {{"top", Gravity::Top}, {"center", Gravity::Center}, {"bottom", Gravity::Bottom}}},
+         "Where the lines stand, if --height leaves room"},
+        {"max-lines", NumberField{&scene.maxLines, kLines},
+         "Lines shown: the first ones, or the last ones with --gravity bottom"},
+        {"ellipsis", FlagField{&scene.ellipsis},
+         "End the last line with … where --max-lines or --height leave text out; the first lines show"},
+        {"fit", NumberField{&scene.fit, kTextSize}.orNone(),
+         "Shrink the text, to this size at the least, until it fits --width, --height and --max-lines"},
+        {"tab-stops", NumbersField{&scene.tabStops, kTabStop},
+         "Positions of tabs from a line's start; the last distance goes on. Else a tab is a space"},
+        {"padding", PaddingField{&scene.padding}, "ALL, SIDES,ENDS or LEFT,TOP,RIGHT,BOTTOM"},
+        {"text-rendering",
+         ChoiceField{&scene.rendering, {{"phone", Rendering::Phone}, {"plain", Rendering::Plain}}},
+         "Glyphs as the phone draws them, or at exact sizes without hinting and gamma"},
+        {"trim", FlagField{&scene.trim}, "Cut off the picture's transparent border"}};
 }
 
 // What a style file holds, and what takes or adds to one.
@@ -78,6 +101,7 @@ bool isLook(const Field& field) {
 // A number where text has one too: engines that know only one kind of number write 100 as 100.0.
 bool isWrittenNumber(const Field& field, const Json& value) {
     return value.is_number() && (std::holds_alternative<NumberField>(field.value) ||
+                                 std::holds_alternative<NumbersField>(field.value) ||
                                  std::holds_alternative<PaddingField>(field.value) ||
                                  std::holds_alternative<EffectField>(field.value));
 }
@@ -136,7 +160,7 @@ void readOptions(const Fields& fields, const GivenOptions& given, const FilePlac
 
 void fitScene(SceneOptions& options) {
     checkLayers(options.scene.style);
-    fitEffects(options.scene.style);
+    if (options.scene.fit == 0) fitEffects(options.scene.style);  // else when the size is known
     scaleScene(options.scene, options.scale);
     options.scale = 1;
 }

@@ -23,16 +23,22 @@ using Zvex::ZvTextObject;
 using Zvex::ZvView;
 
 int gravityBits(const Scene& scene) {
-    static constexpr int kHorizontal[] = {0x3, 0x1, 0x5};   // left, center, right
-    static constexpr int kVertical[] = {0x30, 0x10, 0x50};  // top, center, bottom
+    static constexpr int kHorizontal[] = {0x3, 0x1, 0x5, 0x1, 0x1, 0x1};  // in the order of Align
+    static constexpr int kVertical[] = {0x30, 0x10, 0x50};                // top, center, bottom
     return kHorizontal[static_cast<int>(scene.align)] | kVertical[static_cast<int>(scene.gravity)];
 }
 
-void alignLines(std::vector<Zvex::LaidOutLine>& lines, Scene::Align align, int innerWidth) {
+// `forms` are those of the lines.
+void alignLines(std::vector<Zvex::LaidOutLine>& lines, const LineForm* forms, Scene::Align align,
+                int innerWidth) {
+    using Align = Scene::Align;
     for (Zvex::LaidOutLine& line : lines) {
         const float room = static_cast<float>(innerWidth) - line.width;
-        if (align == Scene::Align::Center) line.left = std::round(room / 2);
-        if (align == Scene::Align::Right) line.left = std::floor(room);
+        const bool beginsRight = forms++->beginsRight;
+        const bool right = align == Align::Right || (align == Align::End && !beginsRight) ||
+                           ((align == Align::Start || align == Align::Justify) && beginsRight);
+        if (align == Align::Center) line.left = std::round(room / 2);
+        if (right) line.left = std::floor(room);
     }
 }
 
@@ -117,7 +123,7 @@ PlacedScene placeScene(ZvTextObject& object, const Scene& scene, const LaidOutTe
     for (const Zvex::LaidOutLine& line : lines) widest = std::max(widest, line.width);
     const int wrapWidth = wrapWidthOf(scene);
     const int innerWidth = wrapWidth > 0 ? wrapWidth : static_cast<int>(std::ceil(widest));
-    alignLines(lines, scene.align, innerWidth);
+    alignLines(lines, text.forms.data(), scene.align, innerWidth);
 
     ZvView& view = *object.GetView();
     ZvEffect& effect = *object.GetEffect();

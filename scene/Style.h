@@ -31,6 +31,9 @@ struct Style : Look {
     std::optional<uint32_t> background;  // behind each line
     std::optional<Canvas> canvas;        // behind everything, over the whole picture
     double letterSpacing = 0;            // ems
+    double wordSpacing = 0;              // ems, for each space; none becomes narrower than nothing
+    double lineHeight = 0;               // between baselines, times the size; 0: as the fonts have it
+    bool upperCase = false;              // by the rules of the scene's language
     std::string features;                // OpenType features, "smcp, -liga"
     double opacity = 1;                  // of the whole picture
     std::optional<bool> colorGlyphs;     // emoji in their own colours; unset: yes, in the front layer

@@ -78,7 +78,8 @@ struct OfValue {
 
 // The default value, if it can be written as JSON.
 Json defaultOf(const Field& field) {
-    if (const auto* number = std::get_if<NumberField>(&field.value)) return numberJson(number->get());
+    if (const auto* number = std::get_if<NumberField>(&field.value))
+        return number->isNone() ? Json() : numberJson(number->get());
     if (const auto* flag = std::get_if<FlagField>(&field.value)) return *flag->value == flag->given;
     const bool plain =
         std::holds_alternative<ColorField>(field.value) || std::holds_alternative<ChoiceField>(field.value);

@@ -3,22 +3,11 @@
 
 #include <unicode/utf8.h>
 
-#include <algorithm>
 #include <cstdint>
 
 #include "scene/Failure.h"
 
 namespace Zvex::scene {
-
-namespace {
-
-// Tabs become spaces: there are no tab stops, and no font has a glyph for a tab.
-std::string withoutTabs(std::string text) {
-    std::replace(text.begin(), text.end(), '\t', ' ');
-    return text;
-}
-
-}  // namespace
 
 std::string faultOf(const std::string& text) {
     if (text.empty()) return "the text is empty";
@@ -62,7 +51,7 @@ std::string printable(const std::string& text) {
 std::string checkedText(const std::string& text) {
     const std::string why = faultOf(text);
     if (!why.empty()) throw UsageError("TEXT: " + why);
-    return withoutTabs(text);
+    return text;
 }
 
 std::string readText(const std::string& file, const std::shared_ptr<const Source>& source) {
@@ -78,7 +67,7 @@ std::string readText(const std::string& file, const std::shared_ptr<const Source
     if (!text.empty() && text.back() == '\n') text.pop_back();
     const std::string why = faultOf(text);
     if (!why.empty()) throw Failure(option + ": " + why);
-    return withoutTabs(text);
+    return text;
 }
 
 }  // namespace Zvex::scene

@@ -11,7 +11,7 @@ namespace Zvex::scene {
 
 constexpr size_t kMaxTextBytes = size_t{4} << 20;
 
-// The text as it is drawn: tabs become spaces. Throws UsageError where it is empty, not UTF-8, holds a NUL or
+// The text. Throws UsageError where it is empty, not UTF-8, holds a NUL or
 // is larger than kMaxTextBytes.
 std::string checkedText(const std::string& text);
 

@@ -15,9 +15,9 @@ namespace {
 
 using Breaks = std::unique_ptr<UBreakIterator, void (*)(UBreakIterator*)>;
 
-Breaks openBreaks(UBreakIteratorType type, const uint16_t* text, int length) {
+Breaks openBreaks(UBreakIteratorType type, const char* locale, const uint16_t* text, int length) {
     UErrorCode status = U_ZERO_ERROR;
-    Breaks breaks(ubrk_open(type, "", reinterpret_cast<const UChar*>(text), length, &status), ubrk_close);
+    Breaks breaks(ubrk_open(type, locale, reinterpret_cast<const UChar*>(text), length, &status), ubrk_close);
     if (U_FAILURE(status))
         throw std::runtime_error(std::string("line breaking failed: ") + u_errorName(status));
     return breaks;
@@ -41,12 +41,12 @@ int trimBlanks(const uint16_t* text, int start, int end) {
 // Fills lines from one paragraph (text without line endings).
 class Wrapper {
 public:
-    Wrapper(const uint16_t* text, int length, float width, const MeasureText& measure)
+    Wrapper(const uint16_t* text, int length, float width, const MeasureText& measure, const char* locale)
         : mText(text),
           mWidth(width),
           mMeasure(measure),
-          mWords(openBreaks(UBRK_LINE, text, length)),
-          mClusters(openBreaks(UBRK_CHARACTER, text, length)) {}
+          mWords(openBreaks(UBRK_LINE, locale, text, length)),
+          mClusters(openBreaks(UBRK_CHARACTER, locale, text, length)) {}
 
     void wrap(int begin, int end, std::vector<LineRange>& lines) {
         int start = begin;
@@ -118,10 +118,11 @@ private:
 
 }  // namespace
 
-std::vector<LineRange> breakLines(const uint16_t* text, int length, float width, const MeasureText& measure) {
+std::vector<LineRange> breakLines(const uint16_t* text, int length, float width, const MeasureText& measure,
+                                  const char* locale) {
     std::vector<LineRange> lines;
     std::unique_ptr<Wrapper> wrapper;
-    if (width > 0) wrapper = std::make_unique<Wrapper>(text, length, width, measure);
+    if (width > 0) wrapper = std::make_unique<Wrapper>(text, length, width, measure, locale);
     int start = 0;
     for (;;) {
         int end = start;

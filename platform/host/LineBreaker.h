@@ -23,8 +23,10 @@ using MeasureText = std::function<float(int start, int end)>;
 // Cuts the text at its line endings. A line wider than `width` pixels is cut at the last place that the
 // Unicode line breaking rules (UAX #14, through ICU) allow; a word wider than the line is cut between
 // grapheme clusters. A line holds at least one cluster, however narrow the width. width <= 0 does not wrap.
-// Empty lines are kept: a text with n line endings has at least n + 1 lines.
-std::vector<LineRange> breakLines(const uint16_t* text, int length, float width, const MeasureText& measure);
+// Some languages have rules of their own: `locale` is ICU's name of one, or empty. Empty lines are kept: a
+// text with n line endings has at least n + 1 lines.
+std::vector<LineRange> breakLines(const uint16_t* text, int length, float width, const MeasureText& measure,
+                                  const char* locale = "");
 
 }  // namespace host
 

@@ -67,6 +67,18 @@ TEST(Renderer, DrawsWhateverTheLastSceneWasAsIfItWereTheFirst) {
     next().style.letterSpacing = 0.2;
     next().style.features = "smcp";
     next().style.size = 40;
+    next().style.lineHeight = 2;
+    next().style.wordSpacing = 1;
+    next().style.upperCase = true;
+    next().language = "tr";
+    next().direction = Scene::Direction::RightToLeft;
+    next().align = Scene::Align::Justify;
+    next().ellipsis = true;
+    next().maxLines = 2;
+    next().height = 90;
+    next().fit = 9;
+    next().text = "Ano\ther \u4E16 istanbul";
+    next().tabStops = {70};
     next().font.axes = "wght=1";  // refused
     next().font = fonts::path(fonts::Role::kVariable);
     next().font.axes = "wght=800";

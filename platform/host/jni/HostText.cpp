@@ -24,7 +24,6 @@
 #include "platform/host/ShapingFont.h"
 #include "scene/ColourRun.h"
 #include "scene/Failure.h"
-#include "scene/LineShaper.h"
 #include "scene/SceneLayout.h"
 #include "scene/ScenePlacement.h"
 #include "text/FontManager.h"
@@ -75,16 +74,15 @@ public:
         : mScene(sceneOf(object, utf8, settings)),
           mFonts(fontsOf(object)),
           mText(mScene),
-          mShaper(mText.units, mText.directions, object.GetPaint(), mFonts.typeface),
-          mLaidOut(scene::layOutText(mShaper, mScene, mFonts, mText)) {}
+          mLayout(mScene, mFonts, mText, object.GetPaint()) {}
 
     DrawnLines::Image paint(const DrawnLines::Range& range, float* advance) const override {
-        return mShaper.paint(range, advance);
+        return mLayout.paint(range, advance);
     }
 
     // Gives the object its view and lines. Returns the room for ink beyond the lines.
     ZvRect place(ZvTextObject& object) {
-        const scene::PlacedScene placed = scene::placeScene(object, mScene, mLaidOut);
+        const scene::PlacedScene placed = scene::placeScene(object, mScene, mLayout.lines());
         ZvEffect& effect = *object.GetEffect();
         const ZvRect lean(
             placed.margins.left - effect.getLeftOffset(), placed.margins.top - effect.getTopOffset(),
@@ -96,7 +94,7 @@ public:
         return lean;
     }
 
-    const ColourRun& coloursOf(size_t shownLine) const { return mLaidOut.colours[mFirst + shownLine]; }
+    const ColourRun& coloursOf(size_t shownLine) const { return mLayout.lines().colours[mFirst + shownLine]; }
 
 private:
     static scene::Scene sceneOf(ZvTextObject& object, const char* utf8, const WordSettings& settings) {
@@ -133,8 +131,7 @@ private:
     const scene::Scene mScene;
     const scene::SceneFonts mFonts;
     const scene::SceneText mText;
-    const scene::LineShaper mShaper;
-    const scene::LaidOutText mLaidOut;
+    const scene::SceneLayout mLayout;
     size_t mFirst = 0;
 };
 

@@ -197,7 +197,7 @@ private:
         Digest digest;
         digest.add(ZVEX_VERSION).add(mSettings.digest).add(job.path).add(job.metrics).add(job.json);
         digest.add(writeStyle(scene.style)).add(scene.text);
-        for (const std::shared_ptr<const LoadedFont>& font : takeFonts(scene).fonts) {
+        for (const std::shared_ptr<const LoadedFont>& font : takeFonts(scene, SceneText(scene)).fonts) {
             const FontChoice& choice = font->choice;
             digest.add(choice.name()).add(std::to_string(choice.instance)).add(choice.variations);
             // A loaded font stays as it was read, even if its file changes.

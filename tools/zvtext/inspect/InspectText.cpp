@@ -9,6 +9,7 @@
 #include "platform/host/Clusters.h"
 #include "scene/FileSource.h"
 #include "scene/Json.h"
+#include "scene/SceneCheck.h"
 #include "scene/SceneFonts.h"
 #include "scene/SceneLayout.h"
 #include "tools/zvtext/Options.h"
@@ -141,10 +142,11 @@ void runInspectText(const InspectTextArguments& arguments) {
     SceneOptions options;
     readOptions(fieldsOf(options), arguments.given, {"", fileSource({}, arguments.reads), {}});
     const Scene scene = sceneOf(std::move(options));
-    const SceneFonts fonts = takeFonts(scene);
+    checkScene(scene);
     const SceneText text(scene);
-    const LaidOutText laidOut = layOutText(shaperOf(scene, fonts, text), scene, fonts, text);
-    printReport(TextReport(scene, fonts, text, laidOut).make(), arguments.json);
+    const SceneFonts fonts = takeFonts(scene, text);
+    const SceneLayout layout(scene, fonts, text, paintOf(scene));
+    printReport(TextReport(scene, fonts, text, layout.lines()).make(), arguments.json);
 }
 
 }  // namespace
