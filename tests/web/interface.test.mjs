@@ -33,8 +33,8 @@ function refused(action) {
 test('wrong options, hostile bytes and absurd sizes are refused by name, and the instance works on', async () => {
   const zvex = await loaded();
   const expected = digest(zvex.render(scene).data);
-  const detached = font.buffer.slice(0, 100);
-  structuredClone(detached, {transfer: [detached]});
+  const detached = new Uint8Array(100);
+  structuredClone(detached.buffer, {transfer: [detached.buffer]});
   const circle = {};
   circle.circle = circle;
   const png = zvex.encodePng(zvex.render(scene));
@@ -44,7 +44,7 @@ test('wrong options, hostile bytes and absurd sizes are refused by name, and the
     text: [draw({text: ''}), draw({text: undefined}), draw({text: 7}), draw({text: 'a\0b'})],
     size: [draw({size: -1}), draw({size: NaN}), draw({size: 1e9}), draw({size: {}})],
     font: [draw({font: 'sanz'}), draw({font: undefined}), draw({font: 'sans#1'}), () => zvex.addFont('empty', new Uint8Array()),
-           () => zvex.addFont('none', 'a string'), () => zvex.addFont('detached', new Uint8Array(detached)),
+           () => zvex.addFont('none', 'a string'), () => zvex.addFont('detached', detached),
            () => zvex.addFont('cut', font.subarray(0, 2000)), () => zvex.addFont('text', new TextEncoder().encode('no font'))],
     'stroke width': [draw({stroke: {width: 1e9}})],
     colour: [draw({colour: 'red'})],
@@ -118,7 +118,6 @@ test('metrics count in indexes of the string, measure() has render()\'s, numbers
   assert.equal(data.length, 4 * picture.width * picture.height);
   assert.deepEqual(picture.lines.map(({start, end}) => text.slice(start, end)), ['\u{1F600}a', '\u{1F600}\ud800b']);
   assert.deepEqual(picture.lines[1].clusters.map(({start, end}) => text.slice(start, end)), ['\u{1F600}', '\ud800', 'b']);
-  assert.match(picture.warnings[0], /U\+1F600, U\+FFFD|U\+1F600/);
   assert.ok(picture.origin.x >= 5 && picture.origin.y === picture.baseline, JSON.stringify(metrics));
   const reason = (size) => {
     try {
@@ -174,7 +173,7 @@ test('the package can be installed and has types for every option', () => {
   const names = listed[0].files.map(({path}) => path);
   for (const name of ['zvex.wasm', 'zvex.d.ts', 'worker.d.ts', 'options.d.ts', 'icu.dat', 'LICENSE']) assert.ok(names.includes(name), name);
   const types = readFileSync(new URL('../../out/npm/options.d.ts', import.meta.url), 'utf8');
-  assert.match(types, /"max-lines"\?: number;/);
-  assert.match(types, /"stroke"\?: string \| OptionStroke;/);
+  assert.match(types, /"max-lines"\?: number \| null;/);
+  assert.match(types, /"stroke"\?: string \| OptionStroke \| null;/);
   assert.match(types, /export type PresetName = .*"gold"/);
 });
