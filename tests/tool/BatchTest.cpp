@@ -22,10 +22,10 @@ namespace {
 
 using Json = nlohmann::json;
 
-// Waits up to ten seconds for other processes.
+// Waits for other processes.
 template <typename Condition>
-bool comesTrue(Condition condition) {
-    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+bool comesTrue(Condition condition, int seconds = 10) {
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(seconds);
     while (!condition()) {
         if (std::chrono::steady_clock::now() > end) return false;
         std::this_thread::yield();
@@ -571,16 +571,16 @@ TEST_F(BatchCommand, StreamedPicturesComeBehindTheirResults) {
     EXPECT_EQ(running.wait(), 1 << 8);
 }
 
-// 40 pictures of 8 MB and a reader that takes none for a while.
+// 40 pictures of 4 MB and a reader that takes none for a while.
 TEST_F(BatchCommand, ASlowReaderOfPicturesStopsNothingElseAndFillsNoMemory) {
     constexpr int kPictures = 40;
-    constexpr size_t kBytes = size_t{2000} * 1000 * 4;
+    constexpr size_t kBytes = size_t{1000} * 1000 * 4;
     const int errors = open(file("errors").c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
-    Running running(arguments("--width 2000 --height 1000 --format raw"), errors);
+    Running running(arguments("--width 1000 --height 1000 --format raw"), errors);
     std::string lines;
     for (int i = 0; i < kPictures; ++i) lines += "{\"text\":\"x\",\"output\":\"-\"}\n";
     running.put(lines + "{\"text\":\"x\",\"width\":9,\"height\":9,\"output\":\"last.rgba\"}\n");
-    EXPECT_TRUE(comesTrue([&] { return fs::exists(folder() / "last.rgba"); }));
+    EXPECT_TRUE(comesTrue([&] { return fs::exists(folder() / "last.rgba"); }, 60));
     for (int i = 1; i < kPictures; ++i) {
         const Json result = running.next();
         ASSERT_EQ(result.value("line", 0), i);
@@ -589,7 +589,7 @@ TEST_F(BatchCommand, ASlowReaderOfPicturesStopsNothingElseAndFillsNoMemory) {
     EXPECT_EQ(running.next().value("line", 0), kPictures);
     running.closeOutput();
     EXPECT_EQ(running.wait(), 1 << 8);
-    EXPECT_TRUE(kSanitized || running.usage.ru_maxrss < 120 << 10) << running.usage.ru_maxrss << " kB";
+    EXPECT_TRUE(kSanitized || running.usage.ru_maxrss < 110 << 10) << running.usage.ru_maxrss << " kB";
     EXPECT_NE(
         slurp(file("errors"))
             .find("zvtext: cannot write to standard output: the reader has closed it after 39 pictures\n"),

@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
@@ -13,6 +14,8 @@
 #include <map>
 #include <optional>
 #include <set>
+#include <system_error>
+#include <thread>
 #include <utility>
 
 #include "scene/Failure.h"
@@ -24,6 +27,8 @@ using namespace Zvex::scene;
 namespace fs = std::filesystem;
 
 namespace {
+
+constexpr size_t kSyncsAtOnce = 8;
 
 // Writes to the stream and closes it. False, with errno set, unless every byte was written.
 bool writeAndClose(const std::string& content, std::FILE* stream) {
@@ -218,8 +223,8 @@ private:
 
 std::vector<std::exception_ptr> commitTogether(std::vector<StagedFiles>& group) {
     std::vector<std::exception_ptr> errors(group.size());
-    const auto each = [&](auto&& step) {
-        for (size_t i = 0; i < group.size(); ++i) {
+    const auto each = [&](auto&& step, size_t first = 0, size_t stride = 1) {
+        for (size_t i = first; i < group.size(); i += stride) {
             try {
                 if (errors[i] == nullptr) step(group[i]);
             } catch (...) {
@@ -227,11 +232,24 @@ std::vector<std::exception_ptr> commitTogether(std::vector<StagedFiles>& group) 
             }
         }
     };
-    // With several files under way the disk writes them at once, and the first sync waits for all.
     each([](StagedFiles& files) {
         for (const StagedFile& file : files.mFiles) file.startSync();
     });
-    each([](StagedFiles& files) { files.sync(); });
+    // The disk serves several syncs in little more time than one, but a thread waits for each.
+    const auto sync = [&](size_t first, size_t stride) {
+        each([](StagedFiles& files) { files.sync(); }, first, stride);
+    };
+    const size_t atOnce = std::min(kSyncsAtOnce, group.size());
+    std::vector<std::thread> threads;
+    for (size_t i = 1; i < atOnce; ++i) {
+        try {
+            threads.emplace_back(sync, i, atOnce);
+        } catch (const std::system_error&) {  // no more threads
+            sync(i, atOnce);
+        }
+    }
+    sync(0, atOnce);
+    for (std::thread& thread : threads) thread.join();
     each([](StagedFiles& files) { files.take(); });
     FolderSync folders;
     each([&](StagedFiles& files) {

@@ -54,7 +54,7 @@ private:
     std::vector<StagedFile> mFiles;
 };
 
-// Syncs and names them all, for little more than one of them takes: the disk gets their content at once. The
+// Syncs and names them all, for little more than one of them takes: the disk gets many syncs at once. The
 // names are on the disk afterwards, too. One that fails leaves the others alone; returns what each one has
 // thrown, null for success. For one thread of a process.
 std::vector<std::exception_ptr> commitTogether(std::vector<StagedFiles>& group);
