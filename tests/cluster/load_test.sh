@@ -35,6 +35,7 @@ ids() {
 touch made
 peaks=() begin=$(date +%s)
 for run in 1 2 3 4; do
+    : > "results-$run"  # the loop may look before the batch begins
     "$zvtext" batch titles.jsonl --font 'DejaVu Sans:bold' --size 24 --stroke 2:#202020 --no-fallback \
         --output-dir pictures --jobs 2 --resume > "results-$run" &
     process=$! peak=0
@@ -45,7 +46,7 @@ for run in 1 2 3 4; do
             now=$(memory "$process")
             [ "$now" -le "$peak" ] || peak=$now
         fi
-        [ "$run" = 4 ] || [ "$results" -lt $((titles * run / 4)) ] || kill -KILL "$process"
+        [ "$run" = 4 ] || [ "$results" -lt $((titles * run / 4)) ] || kill -KILL "$process" 2>/dev/null || true  # it may just have ended
         sleep 0.05
     done
     wait "$process" 2>/dev/null || [ "$run" != 4 ] || fail "the last run failed: $(grep -m 3 error results-4)"
