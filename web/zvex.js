@@ -19,7 +19,11 @@ const isBytes = (value) => value instanceof ArrayBuffer || ArrayBuffer.isView(va
 
 function bytesOf(option, value) {
   if (!isBytes(value)) throw new ZvexError(option, 'is neither an ArrayBuffer nor a typed array');
-  return value instanceof ArrayBuffer ? new Uint8Array(value) : new Uint8Array(value.buffer, value.byteOffset, value.byteLength);
+  try {
+    return value instanceof ArrayBuffer ? new Uint8Array(value) : new Uint8Array(value.buffer, value.byteOffset, value.byteLength);
+  } catch {
+    throw new ZvexError(option, 'was moved away: its bytes are gone');
+  }
 }
 
 // The bytes of a URL, a Response, a buffer, or a promise of one.
