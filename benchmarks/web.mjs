@@ -18,7 +18,7 @@ const scenes = {
   'plain, 1024x256': {size: 120, width: 1024, height: 256},
   'shadow, stroke, bevel, 1024x256': {size: 120, width: 1024, height: 256, 'outer-shadow': {distance: 6, size: 8}, stroke: {width: 4},
                                       bevel: {size: 5}},
-  'glow of 50, 1024x256': {size: 120, width: 1024, height: 256, 'outer-glow': {size: 50, stops: [{color: '#fff'}, {color: '#f00'}]}},
+  'glow of 50, 1024x256': {size: 120, width: 1024, height: 256, 'outer-glow': {size: 50, stops: [{color: '#fff', position: 0}, {color: '#f00', position: 100}]}},
 };
 
 const median = (values) => values.sort((a, b) => a - b)[values.length >> 1];
