@@ -17,7 +17,7 @@ function typeOf(schema, prefix) {
   if (reference) return prefix + typeName(reference.split('/').pop());
   if (fixed !== undefined) return JSON.stringify(fixed);
   if (choices) return choices.map((choice) => JSON.stringify(choice)).join(' | ');
-  if (kinds) return kinds.map((kind) => typeOf(kind, prefix)).join(' | ');
+  if (kinds && type === undefined) return kinds.map((kind) => typeOf(kind, prefix)).join(' | ');
   if (Array.isArray(type)) return type.map((one) => typeOf({...schema, type: one}, prefix)).join(' | ');
   if (type === 'array' && schema.minItems === schema.maxItems && schema.minItems)
     return `[${Array(schema.minItems).fill(typeOf(schema.items, prefix)).join(', ')}]`;
