@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: Apache-2.0
+// What the page works with: the renderer, its presets and schema, and the files that it was given.
+
+import type { Item } from './document';
+import { isItem } from './document';
+import type { RenderOptions } from './engine';
+import { startEngine } from './engine';
+import { Schema } from './schema';
+
+export const DEFAULT_FONT = 'DejaVuSans-Bold.ttf';
+
+export class Studio {
+    fonts: string[] = [];
+    private constructor(
+        readonly engine: Awaited<ReturnType<typeof startEngine>>,
+        readonly schema: Schema,
+        readonly presets: ReadonlyMap<string, Item>,
+    ) {}
+
+    static async start(): Promise<Studio> {
+        const font = fetch(`fonts/${DEFAULT_FONT}`).then((answer) => answer.arrayBuffer());
+        const engine = await startEngine();
+        const presets = new Map(Object.entries(await engine.presets()).filter((entry): entry is [string, Item] => isItem(entry[1])));
+        const studio = new Studio(engine, new Schema(await engine.schema() as Item), presets);
+        await studio.addFont(DEFAULT_FONT, new Uint8Array(await font));
+        return studio;
+    }
+
+    async addFont(name: string, bytes: Uint8Array<ArrayBuffer>): Promise<void> {
+        await this.engine.addFont(name, bytes);
+        this.fonts = [...this.fonts.filter((font) => font !== name), name];
+    }
+    addFile(name: string, bytes: Uint8Array<ArrayBuffer>): Promise<void> {
+        return this.engine.addFile(name, bytes);
+    }
+    /** The bytes are the renderer's own: a canvas would lose colours where the picture is translucent. */
+    async png(request: RenderOptions, times: number): Promise<Uint8Array<ArrayBuffer>> {
+        return this.engine.encodePng(await this.engine.render({ ...request, scale: times }));
+    }
+}
