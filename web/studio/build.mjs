@@ -20,8 +20,7 @@ await build({
     entryPoints: [join(here, 'src/main.tsx')],
     outfile: join(output, 'studio.js'),
     bundle: true, minify: true, format: 'esm', target: 'es2022', jsx: 'automatic', jsxImportSource: 'preact',
-    alias: { 'zvex/worker': join(packageFolder, 'worker.js') },
-    external: [], logLevel: 'warning',
+    alias: { 'zvex/worker': './zvex/worker.js' }, external: ['./zvex/worker.js'], logLevel: 'warning',
 });
 await cp(packageFolder, join(output, 'zvex'), { recursive: true, filter: (path) => !/\.d\.ts$|package\.json$|README/.test(path) });
 await cp(font, join(output, 'fonts', basename(font)));

@@ -5,7 +5,7 @@ import { useCallback, useEffect, useMemo, useRef, useState } from 'preact/hooks'
 import type { Edit } from './controls';
 import type { Item, Path, Session } from './document';
 import { History, marked, markedPath, plain, valueAt, withValue } from './document';
-import type { RenderOptions } from './engine';
+import type { Options } from './engine';
 import { NewestFirst, ZvexError } from './engine';
 import { Export } from './Export';
 import type { LayersProps } from './Layers';
@@ -108,7 +108,7 @@ export function App({ studio, start, note }: { studio: Studio; start: Session; n
     );
 }
 
-function requestOf(session: Session, size: number): RenderOptions {
+function requestOf(session: Session, size: number): Options {
     return { text: session.text, font: session.font, size, style: plain(session.style) };
 }
 

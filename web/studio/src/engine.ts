@@ -1,19 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 // The renderer, in a worker of its own, so that the page never waits for a picture.
 
-import { ZvexError, loadInWorker } from 'zvex/worker';
-import type { Picture, RenderOptions, ZvexWorker } from 'zvex/worker';
-
-export { ZvexError };
-export type { Picture, RenderOptions };
-
-export async function startEngine(): Promise<ZvexWorker> {
-    return loadInWorker({
-        worker: new URL('zvex/worker.js', location.href),
-        wasm: new URL('zvex/zvex.wasm', location.href),
-        icu: new URL('zvex/icu.dat', location.href),
-    });
-}
+export { ZvexError, loadWorker } from 'zvex/worker';
+export type { ZvexWorker } from 'zvex/worker';
+export type { Options, Picture } from 'zvex';
 
 interface Waiting {
     run: () => Promise<void>;

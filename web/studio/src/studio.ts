@@ -3,8 +3,8 @@
 
 import type { Item } from './document';
 import { isItem } from './document';
-import type { RenderOptions } from './engine';
-import { startEngine } from './engine';
+import type { Options, ZvexWorker } from './engine';
+import { loadWorker } from './engine';
 import { Schema } from './schema';
 
 export const DEFAULT_FONT = 'DejaVuSans-Bold.ttf';
@@ -12,14 +12,14 @@ export const DEFAULT_FONT = 'DejaVuSans-Bold.ttf';
 export class Studio {
     fonts: string[] = [];
     private constructor(
-        readonly engine: Awaited<ReturnType<typeof startEngine>>,
+        readonly engine: ZvexWorker,
         readonly schema: Schema,
         readonly presets: ReadonlyMap<string, Item>,
     ) {}
 
     static async start(): Promise<Studio> {
         const font = fetch(`fonts/${DEFAULT_FONT}`).then((answer) => answer.arrayBuffer());
-        const engine = await startEngine();
+        const engine = await loadWorker();
         const presets = new Map(Object.entries(await engine.presets()).filter((entry): entry is [string, Item] => isItem(entry[1])));
         const studio = new Studio(engine, new Schema(await engine.schema() as Item), presets);
         await studio.addFont(DEFAULT_FONT, new Uint8Array(await font));
@@ -34,7 +34,7 @@ export class Studio {
         return this.engine.addFile(name, bytes);
     }
     /** The bytes are the renderer's own: a canvas would lose colours where the picture is translucent. */
-    async png(request: RenderOptions, times: number): Promise<Uint8Array<ArrayBuffer>> {
+    async png(request: Options, times: number): Promise<Uint8Array> {
         return this.engine.encodePng(await this.engine.render({ ...request, scale: times }));
     }
 }
