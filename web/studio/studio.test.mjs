@@ -16,7 +16,7 @@ import { serve } from './serve.mjs';
 
 const { ZVEX_STUDIO, ZVEX_ZVTEXT, ZVEX_SHOTS } = process.env;
 const FONT = join(ZVEX_STUDIO, 'fonts/DejaVuSans-Bold.ttf');
-const OTHER_FONT = '/usr/share/fonts/truetype/dejavu/DejaVuSerif.ttf';
+const OTHER_FONT = '/usr/share/fonts/truetype/dejavu/DejaVuSans.ttf';
 const QUIET = ['--no-sandbox', '--disable-gpu', '--disable-quic', '--no-first-run', '--disable-background-networking',
     '--disable-component-update', '--disable-sync'];
 const scratch = mkdtempSync(join(tmpdir(), 'studio-'));
@@ -108,7 +108,7 @@ test('a preset, a slider, undo; exports have the bytes of zvtext; the link bring
 
 test('fonts and styles by drop, Arabic words, errors at their keys', async () => {
     await open();
-    await drop('DejaVuSerif.ttf', readFileSync(OTHER_FONT));
+    await drop('DejaVuSans.ttf', readFileSync(OTHER_FONT));
     await page.waitForFunction(() => document.querySelector('.status').textContent.includes('is loaded'));
     let now = await pixels();
     const style = { color: '#123456', effects: [{ type: 'outer-glow', size: 9 }, { type: 'stroke', width: 3 }] };

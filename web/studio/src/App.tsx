@@ -138,11 +138,12 @@ function usePictures(studio: Studio, session: Session) {
     return { drawn, problem, slow };
 }
 
+// Of a style, the reason begins with the place: "effects[1].width: 500 is not ..."
 function problemOf(error: unknown, style: Item): Problem {
     if (!(error instanceof ZvexError)) return { message: String(error), path: [] };
-    const steps = [...(error.option ?? '').matchAll(/[^.[\]]+/g)].map(([step]) => (/^\d+$/.test(step) ? Number(step) : step));
-    const path = steps[0] === 'style' ? steps.slice(1) : steps;
-    return { message: error.message, path: markedPath(style, path) };
+    const [place = ''] = error.option === 'style' ? error.reason.split(': ', 1) : [error.option];
+    const path = [...place.matchAll(/[^.[\]]+/g)].map(([step]) => (/^\d+$/.test(step) ? Number(step) : step));
+    return { message: error.reason, path: markedPath(style, path) };
 }
 
 function Words({ session, fonts, change, settle, take }: {

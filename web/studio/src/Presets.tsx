@@ -2,7 +2,7 @@
 import type { JSX } from 'preact';
 import { useEffect, useState } from 'preact/hooks';
 
-import type { Picture } from './engine';
+import type { Picture, PresetName } from './engine';
 import { PictureCanvas } from './Preview';
 import type { Studio } from './studio';
 
@@ -16,7 +16,7 @@ export function Presets({ studio, choose }: { studio: Studio; choose: (name: str
         void (async () => {
             for (const name of studio.presets.keys()) {
                 if (stopped) return;
-                const picture = await studio.engine.render({ text: 'Aa', font: studio.fonts[0]!, size: THUMBNAIL_SIZE, preset: name }).catch(() => null);
+                const picture = await studio.engine.render({ text: 'Aa', font: studio.fonts[0]!, size: THUMBNAIL_SIZE, preset: name as PresetName }).catch(() => null);
                 if (picture) setPictures((old) => new Map(old).set(name, picture));
             }
         })();

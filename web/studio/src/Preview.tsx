@@ -13,7 +13,7 @@ export interface Drawn { size: number; picture: Picture | null }
 
 export function Preview({ drawn, grounds, photo, slow }: { drawn: Drawn[]; grounds: Ground[]; photo: string | null; slow: boolean }): JSX.Element {
     return (
-        <div class="preview" aria-busy={slow}>
+        <div class="preview" aria-busy={slow} role="region" aria-label="Pictures" tabIndex={0}>
             {slow && <p class="slow" role="status">Drawing… <progress aria-label="Drawing" /></p>}
             {grounds.map((ground) => (
                 <div key={ground} class={`ground ${ground}`} data-ground={ground}

@@ -3,7 +3,7 @@
 
 export { ZvexError, loadWorker } from 'zvex/worker';
 export type { ZvexWorker } from 'zvex/worker';
-export type { Options, Picture } from 'zvex';
+export type { Options, Picture, PresetName } from 'zvex';
 
 interface Waiting {
     run: () => Promise<void>;
