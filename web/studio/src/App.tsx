@@ -30,7 +30,7 @@ export function App({ studio, start, note }: { studio: Studio; start: Session; n
     const [fonts, setFonts] = useState(studio.fonts);
     const [message, say] = useState(note);
     const [showsHelp, setShowsHelp] = useState(false);
-    const { drawn, problem, slow } = usePictures(studio, showsBefore ? before : session);
+    const { drawn, problem, slow, isCurrent } = usePictures(studio, showsBefore ? before : session);
 
     const change = useCallback((next: Session, group: string | null = null) => { history.change(next, group); show(history.present); }, []);
     const step = (move: 'undo' | 'redo') => { history[move](); show(history.present); };
@@ -84,7 +84,7 @@ export function App({ studio, start, note }: { studio: Studio; start: Session; n
             </header>
             <main>
                 <div class="stage">
-                    <Preview drawn={drawn} grounds={grounds} photo={photo} slow={slow} />
+                    <Preview drawn={drawn} grounds={grounds} photo={photo} slow={slow} isCurrent={isCurrent} />
                     {problem && <p class="error" role="alert">{problem.message}</p>}
                     <p class="status" role="status">{message}</p>
                     <Words session={session} fonts={fonts} change={change} settle={() => history.settle()} take={take} />
@@ -118,12 +118,13 @@ function usePictures(studio: Studio, session: Session) {
     const [drawn, setDrawn] = useState<Drawn[]>([]);
     const [problem, setProblem] = useState<Problem | null>(null);
     const [slow, setSlow] = useState(false);
+    const [answered, setAnswered] = useState<Session | null>(null);
     const newest = useRef(session);
     newest.current = session;
     useEffect(() => {
         const timer = setTimeout(() => setSlow(true), SLOW_MS);
         const work = () => Promise.all(session.sizes.map(async (size) => ({ size, picture: await studio.engine.render(requestOf(session, size)) })));
-        const finish = () => { clearTimeout(timer); setSlow(false); };
+        const finish = () => { clearTimeout(timer); setSlow(false); setAnswered(session); };
         queue.ask('pictures', work).then((pictures) => {
             if (pictures === undefined) return;
             setDrawn(pictures);
@@ -135,7 +136,7 @@ function usePictures(studio: Studio, session: Session) {
         });
         return () => clearTimeout(timer);
     }, [studio, session]);
-    return { drawn, problem, slow };
+    return { drawn, problem, slow, isCurrent: answered === session };
 }
 
 // Of a style, the reason begins with the place: "effects[1].width: 500 is not ..."

@@ -11,9 +11,16 @@ export type Ground = (typeof GROUNDS)[number];
 
 export interface Drawn { size: number; picture: Picture | null }
 
-export function Preview({ drawn, grounds, photo, slow }: { drawn: Drawn[]; grounds: Ground[]; photo: string | null; slow: boolean }): JSX.Element {
+export function Preview({ drawn, grounds, photo, slow, isCurrent }: {
+    drawn: Drawn[];
+    grounds: Ground[];
+    photo: string | null;
+    slow: boolean;
+    /** Whether the pictures show the newest settings. */
+    isCurrent: boolean;
+}): JSX.Element {
     return (
-        <div class="preview" aria-busy={slow} role="region" aria-label="Pictures" tabIndex={0}>
+        <div class="preview" aria-busy={!isCurrent} role="region" aria-label="Pictures" tabIndex={0}>
             {slow && <p class="slow" role="status">Drawing… <progress aria-label="Drawing" /></p>}
             {grounds.map((ground) => (
                 <div key={ground} class={`ground ${ground}`} data-ground={ground}

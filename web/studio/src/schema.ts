@@ -31,7 +31,7 @@ export type Control = NumberControl | AngleControl | SwitchControl | ChoiceContr
 
 export interface EffectKind { name: string; help: string; controls: Control[] }
 
-const UNIT = /,? in (px|deg|em|%)(?=$|[.;:,])/;
+const UNIT = /(?:,? in|(?<=\.) In) (px|deg|em|%)(?=$|[.;:,])/;
 const HIDDEN = new Set(['$schema', 'type', 'effects', 'layers', 'extends']);
 
 export class Schema {
