@@ -11,7 +11,9 @@ struct WordSettings {
     enum Align { Left, Center, Right };
     int wrap = 0;  // pixels above which lines are broken; 0: only where the text has line ends
     Align align = Left;
-    int lines = 0;  // shown at most; 0: all
+    int lines = 0;           // shown at most; 0: all
+    double wordSpacing = 0;  // ems for each space, -1 to 10
+    double lineHeight = 0;   // times the size, up to 10; 0: as the fonts have it
 };
 
 // Lays the words out as scenes do, with the object's font and paint, and gives the object its text, its lines

@@ -7,6 +7,8 @@ import static org.junit.jupiter.api.Assertions.assertFalse;
 import static org.junit.jupiter.api.Assertions.assertThrows;
 import static org.junit.jupiter.api.Assertions.assertTrue;
 
+import android.graphics.Paint;
+import android.text.Layout;
 import java.awt.image.BufferedImage;
 import java.io.IOException;
 import java.io.StringReader;
@@ -14,6 +16,7 @@ import java.nio.file.Files;
 import java.nio.file.Path;
 import java.util.ArrayList;
 import java.util.List;
+import java.util.Locale;
 import java.util.stream.Collectors;
 import java.util.stream.Stream;
 import javax.imageio.ImageIO;
@@ -66,6 +69,9 @@ final class StyleTest {
             "{'color': 'Rgb(12 34.5% 56 / 70%)', 'background': 'hsl(200.7, 33%, 44%)', 'canvas': 'RebeccaPurple', 'effects':"
                     + "[{'type': 'outer-glow', 'stops': [{'color': 'hsla(-0.3turn, 90%, 60%, .4)'}, {'color': 'tan'}, {'color': 'red',"
                     + "'position': 71.3}, {'color': 'blue'}]}]}",
+            "{'word-spacing': 0.75, 'line-height': 1.63, 'upper-case': true, 'color': 'hsl(200 90% 40% / 0.8)', 'effects':"
+                    + "[{'type': 'linear-gradient', 'stops': [{'color': 'tomato'}, {'color': 'rgb(0 0 90%)'}, {'color': 'gold'}]}]}",
+            "{'word-spacing': -1, 'line-height': 0.4, 'background': 'tan', 'effects': [{'type': 'stroke'}]}",
             "{'extends': 'sticker', 'layers': null, 'effects': [{'type': 'stroke', 'color': null}]}",
             "{'extends': 'styles/base.json', 'opacity': null, 'effects': [{'type': 'emboss', 'highlight': {'opacity': null}},"
                     + "{'type': 'pattern', 'scale': 3}], 'canvas': {'type': 'linear-gradient', 'angle': 0}}",
@@ -75,7 +81,7 @@ final class StyleTest {
 
     private static final List<String> REFUSED = List.of(
             "{'colour': '#fff'}", "{'size, color': 1}", "{'color-glyphs': 1}", "{'color': 'reed'}", "{'color': '#12345'}", "{'color': 1}", "{'size': 0}", "{'size': 10001}",
-            "{'size': '96'}", "{'opacity': 1.5}", "{'opacity': true}", "{'letter-spacing': -2}", "{'designed-for': -1}",
+            "{'size': '96'}", "{'opacity': 1.5}", "{'opacity': true}", "{'letter-spacing': -2}", "{'word-spacing': 11}", "{'line-height': 0}", "{'upper-case': 1}", "{'color': 'blac\u212A'}", "{'designed-for': -1}",
             "{'effects': {}}", "{'effects': [1]}", "{'effects': [{'type': 'glow'}]}", "{'effects': [{'type': 7}]}",
             "{'effects': [{'type': 'stroke'}, {'type': 'stroke'}]}", "{'effects': [{'type': 'stroke', 'width': 101}]}",
             "{'effects': [{'type': 'stroke', 'position': 'middle'}]}",
@@ -228,6 +234,24 @@ final class StyleTest {
         assertThrows(IllegalArgumentException.class, () -> ZvStyle.parse(json("{'canvas': {'type': 'pattern', 'file': 'a.png'}}")),
                 "a pattern without pictures");
         assertEquals("//", ZvStyle.parse(new StringReader("/**/{\"description\" /*//*/ : \"//\"} // nothing")).description());
+    }
+
+    @Test
+    void thePlatformsLayoutHasTheHeightAndTheCaseOfAStyle() {
+        SelfLayout self = new SelfLayout();
+        self.setFont(null, FONT);
+        self.paint().setTextLocale(Locale.forLanguageTag("tr"));
+        self.setWords("i\n\u00DF\ni");
+        ZvStyle.parse(json("{'size': 40, 'line-height': 1.5, 'upper-case': true}")).applyTo(self);
+        for (Paint.Align align : Paint.Align.values()) {
+            self.setAlign(align);
+            Layout lines = self.lines();
+            assertEquals("\u0130\nSS\n\u0130", lines.getText().toString());
+            assertEquals(60, lines.getLineTop(1) - lines.getLineTop(0));
+            assertEquals(60, lines.getLineTop(2) - lines.getLineTop(1));
+        }
+        ZvStyle.parse(json("{'word-spacing': 1}")).applyTo(self);
+        assertTrue(assertThrows(IllegalStateException.class, self::lines).getMessage().startsWith("word-spacing"));
     }
 
     @Test

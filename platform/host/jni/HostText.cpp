@@ -101,6 +101,8 @@ private:
         scene::Scene scene;
         scene.text = utf8;
         scene.style.size = static_cast<double>(object.GetPaint().getTextSize());
+        scene.style.wordSpacing = settings.wordSpacing;
+        scene.style.lineHeight = settings.lineHeight;
         scene.width = settings.wrap;
         scene.align = settings.align == WordSettings::Left     ? scene::Scene::Align::Left
                       : settings.align == WordSettings::Center ? scene::Scene::Align::Center

@@ -58,6 +58,9 @@ final class ColorText {
 
     /** Null if it is none. */
     static Integer read(String given) {
+        if (given.chars().anyMatch(c -> c > 0x7F)) {
+            return null; // some letters become ASCII in lower case, such as the Kelvin sign
+        }
         String text = given.toLowerCase(Locale.ROOT);
         if (HEX.matcher(text).matches()) {
             return ofHex(text.substring(1));

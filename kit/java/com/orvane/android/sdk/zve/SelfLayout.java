@@ -23,6 +23,9 @@ final class SelfLayout {
     private int wrap;
     private Layout.Alignment alignment = Layout.Alignment.ALIGN_LEFT;
     private double size = 96; // as it was given; the paint's is rounded to a float
+    private double wordSpacing; // ems
+    private double lineHeight; // times the size; 0: as the fonts have it
+    private boolean upperCase;
 
     SelfLayout() {
         paint.setFlags(Paint.ANTI_ALIAS_FLAG);
@@ -49,8 +52,9 @@ final class SelfLayout {
         return words != null;
     }
 
+    /** As they are shown: in upper case by the rules of the paint's language, where a style says so. */
     String words() {
-        return words;
+        return upperCase ? words.toUpperCase(paint.getTextLocale()) : words;
     }
 
     int wrap() {
@@ -84,6 +88,26 @@ final class SelfLayout {
         paint.setLetterSpacing((float) ems);
     }
 
+    void setWordSpacing(double ems) {
+        wordSpacing = ems;
+    }
+
+    double wordSpacing() {
+        return wordSpacing;
+    }
+
+    void setLineHeight(double sizes) {
+        lineHeight = sizes;
+    }
+
+    double lineHeight() {
+        return lineHeight;
+    }
+
+    void setUpperCase(boolean upper) {
+        upperCase = upper;
+    }
+
     void setFeatures(String features) {
         paint.setFontFeatureSettings(features);
     }
@@ -92,12 +116,20 @@ final class SelfLayout {
         return paint;
     }
 
-    /** The lines, aligned in a column as wide as {@link #width}. */
+    /**
+     * The lines by the platform's own layout, aligned in a column as wide as {@link #width}.
+     *
+     * @throws IllegalStateException if it lacks what a style asks for
+     */
     Layout lines() {
+        if (wordSpacing != 0) {
+            throw new IllegalStateException("word-spacing: the platform's layout has none");
+        }
         paint.setTypeface(ofPaint != null ? ofPaint : font != null ? face() : null);
-        Layout lines = build(wrap > 0 ? wrap : UNBROKEN, wrap > 0 ? alignment : Layout.Alignment.ALIGN_LEFT);
-        boolean done = wrap > 0 || alignment == Layout.Alignment.ALIGN_LEFT;
-        return done ? lines : build(width(lines), alignment);
+        Layout lines = build(wrap > 0 ? wrap : UNBROKEN, wrap > 0 ? alignment : Layout.Alignment.ALIGN_LEFT, 0);
+        float between = lineHeight > 0 ? (float) (lineHeight * size) - lines.getLineBottom(0) : 0;
+        boolean done = between == 0 && (wrap > 0 || alignment == Layout.Alignment.ALIGN_LEFT);
+        return done ? lines : build(width(lines), alignment, between);
     }
 
     /** The width at which lines wrap, or that of the widest line if they do not. */
@@ -112,9 +144,11 @@ final class SelfLayout {
         return (int) Math.ceil(widest);
     }
 
-    private Layout build(int width, Layout.Alignment align) {
-        return StaticLayout.Builder.obtain(words, 0, words.length(), paint, width)
+    private Layout build(int width, Layout.Alignment align, float between) {
+        String shown = words();
+        return StaticLayout.Builder.obtain(shown, 0, shown.length(), paint, width)
                 .setAlignment(align)
+                .setLineSpacing(between, 1)
                 .setIncludePad(false)
                 .build();
     }

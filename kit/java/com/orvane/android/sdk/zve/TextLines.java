@@ -136,7 +136,7 @@ final class TextLines {
     private int[] layOut() {
         Lock fonts = FontLock.setText(self.words());
         try {
-            return text.layOut(self.words(), self.paint(), self.wrap(), self.align(), count);
+            return text.layOut(self, count);
         } finally {
             fonts.unlock();
         }

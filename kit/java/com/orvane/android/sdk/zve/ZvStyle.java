@@ -20,8 +20,10 @@ public final class ZvStyle {
     static final Setting DESIGNED_FOR = Setting.number("designed-for", 0, 0, 10000, "px").above();
     static final Setting[] SETTINGS = {
         SIZE, Setting.color(0xFF000000), Setting.of("background", Type.COLOR, null), Setting.of("canvas", Type.CANVAS, null),
-        Setting.number("letter-spacing", 0, -1, 10, "em"), Setting.of("features", Type.TEXT, null), Setting.opacity(1),
-        Setting.of("color-glyphs", Type.FLAG, null), Setting.of("$schema", Type.TEXT, null),
+        Setting.number("letter-spacing", 0, -1, 10, "em"), Setting.number("word-spacing", 0, -1, 10, "em"),
+        Setting.number("line-height", 0, 0, 10, "").above(), Setting.of("upper-case", Type.FLAG, null),
+        Setting.of("features", Type.TEXT, null), Setting.opacity(1), Setting.of("color-glyphs", Type.FLAG, null),
+        Setting.of("$schema", Type.TEXT, null),
         Setting.of("description", Type.TEXT, null), Setting.of("extends", Type.TEXT, null), DESIGNED_FOR
     };
     static final int MAX_LAYERS = 32;
@@ -43,6 +45,9 @@ public final class ZvStyle {
     final double designedFor; // the text's size; 0 for any
     private final Double size;
     private final Double letterSpacing;
+    private final Double wordSpacing;
+    private final Double lineHeight;
+    private final Boolean upperCase;
     private final String features;
     private final String description;
 
@@ -130,6 +135,9 @@ public final class ZvStyle {
         colorGlyphs = (Boolean) values.get("color-glyphs");
         size = (Double) values.get("size");
         letterSpacing = (Double) values.get("letter-spacing");
+        wordSpacing = (Double) values.get("word-spacing");
+        lineHeight = (Double) values.get("line-height");
+        upperCase = (Boolean) values.get("upper-case");
         features = (String) values.get("features");
         String given = (String) values.get("description");
         description = given != null ? given : "";
@@ -237,6 +245,15 @@ public final class ZvStyle {
         }
         if (letterSpacing != null) {
             text.setSpacing(letterSpacing);
+        }
+        if (wordSpacing != null) {
+            text.setWordSpacing(wordSpacing);
+        }
+        if (lineHeight != null) {
+            text.setLineHeight(lineHeight);
+        }
+        if (upperCase != null) {
+            text.setUpperCase(upperCase);
         }
         if (features != null) {
             text.setFeatures(features);

@@ -126,9 +126,10 @@ public final class ZvText extends TextLook implements AutoCloseable {
     }
 
     /** Null where words need a layout of the platform's. Else the room in the view for ink beyond the lines. */
-    int[] layOut(String words, Paint paint, int wrap, int align, int count) {
-        check(ZvText_SetPaint(paint), "the paint could not be read");
-        int[] lean = ZvTextEffects.ZvTextEffects_LayOut(mHandle, words, wrap, align, count);
+    int[] layOut(SelfLayout self, int count) {
+        check(ZvText_SetPaint(self.paint()), "the paint could not be read");
+        int[] lean = ZvTextEffects.ZvTextEffects_LayOut(
+                mHandle, self.words(), self.wrap(), self.align(), count, self.wordSpacing(), self.lineHeight());
         check(lean != null, "the words could not be laid out");
         return lean.length == 0 ? null : lean;
     }
@@ -369,8 +370,8 @@ public final class ZvText extends TextLook implements AutoCloseable {
 
     /**
      * Sets what the style says: effects, which replace those of their kind, colours, layers and canvas; for a text without a view
-     * also size, letter spacing and features. Effects that are designed for a size grow and shrink with the text, also when its
-     * size is set later.
+     * also size, letter and word spacing, line height, features, and upper case by the rules of the paint's language. Effects that
+     * are designed for a size grow and shrink with the text, also when its size is set later.
      *
      * @param style on top of those set before
      * @return this text

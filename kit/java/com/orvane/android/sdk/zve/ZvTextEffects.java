@@ -81,11 +81,14 @@ final class ZvTextEffects {
      *
      * @param align 0 left, 1 center, 2 right
      * @param lines shown at most; 0 for all
+     * @param wordSpacing -1 to 10, ems for each space
+     * @param lineHeight 0 to 10, times the size; 0 for the fonts' own
      * @return the room that the view has for ink beyond the lines: left, top, right, bottom. Empty, with nothing done, on
      *     Android, where {@code StaticLayout} does this. Null if memory is short
      * @throws IllegalStateException which says why the words make no picture
      */
-    static native int[] ZvTextEffects_LayOut(int handle, String words, int wrap, int align, int lines);
+    static native int[] ZvTextEffects_LayOut(
+            int handle, String words, int wrap, int align, int lines, double wordSpacing, double lineHeight);
 
     /** The next lines are those of a layout. */
     static native boolean ZvTextEffects_LeaveWords(int handle);
