@@ -137,7 +137,6 @@ public:
     bool fits() const {
         const std::vector<host::LineRange> ranges = breakLines();
         if (mScene.maxLines > 0 && ranges.size() > static_cast<size_t>(mScene.maxLines)) return false;
-        if (mWidth > 0 && !wordsAreWhole(ranges)) return false;
         LaidOutText laidOut;
         for (const host::LineRange& range : ranges) {
             try {
@@ -148,7 +147,7 @@ public:
             if (mWidth > 0 && laidOut.lines.back().width > mWidth) return false;
             if (roomHeightOf(mScene) > 0 && laidOut.lines.back().bottom > roomHeightOf(mScene)) return false;
         }
-        return true;
+        return !(mWidth > 0) || wordsAreWhole(ranges);  // last: it takes long where there are many lines
     }
 
 private:
