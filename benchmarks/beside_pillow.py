@@ -2,7 +2,7 @@
 # SPDX-License-Identifier: Apache-2.0
 """Draws the same words with zvex and with Pillow, in turn, into arrays in memory, and prints a Markdown table.
 
-    scripts/python && PYTHONPATH=build/python/python python3 benchmarks/beside_pillow.py
+    scripts/python && PYTHONPATH=build/release/python python3 benchmarks/beside_pillow.py
 
 A thread draws the words alone, then two threads share them. docs/performance.md says what is measured.
 """
