@@ -24,8 +24,8 @@ function valueOf(schema, setting, parts) {
   const {$ref: reference} = schema.anyOf?.[0] ?? schema;
   const part = reference ? parts[reference.split('/').pop()] : schema;
   const [type] = [part.type].flat();
-  const colors = ['#ff8800', '#80204060', '#09c'];
-  if (part.pattern) return colors[setting];
+  const colors = ['#ff8800', '#80204060', 'hsl(200 100% 40%)'];
+  if (reference === '#/$defs/color') return colors[setting];
   if (part.enum) return part.enum[setting % (part.enum.length - 1)];
   if (type === 'boolean') return setting === 1;
   if (type === 'string') return 'patterns/checks.png';
