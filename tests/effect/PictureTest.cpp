@@ -19,11 +19,18 @@
 namespace Zvex {
 namespace {
 
-// Fresh memory holds something, never the same twice.
+// Fresh memory holds something, never the same twice, where the C library can do that.
 class DirtyMemory {
 public:
-    explicit DirtyMemory(int pattern) { mallopt(M_PERTURB, pattern); }
-    ~DirtyMemory() { mallopt(M_PERTURB, 0); }
+    explicit DirtyMemory(int pattern) { fillWith(pattern); }
+    ~DirtyMemory() { fillWith(0); }
+
+private:
+    static void fillWith([[maybe_unused]] int pattern) {
+#ifdef M_PERTURB
+        mallopt(M_PERTURB, pattern);
+#endif
+    }
 };
 
 // Lines of glyphs anywhere on and beside the picture, and a random choice of layers.

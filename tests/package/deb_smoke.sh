@@ -4,6 +4,7 @@
 set -eux
 cd /debs
 export DEBIAN_FRONTEND=noninteractive
+unset CMAKE_CXX_COMPILER_LAUNCHER CMAKE_C_COMPILER_LAUNCHER  # such as a cache outside
 apt-get update -qq
 apt-get install -y -qq --no-install-recommends ./*.deb fonts-dejavu-core g++ cmake make pkg-config >log 2>&1 || { cat log; exit 1; }
 font=/usr/share/fonts/truetype/dejavu/DejaVuSans-Bold.ttf
