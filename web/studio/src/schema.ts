@@ -32,6 +32,7 @@ export type Control = NumberControl | AngleControl | SwitchControl | ChoiceContr
 export interface EffectKind { name: string; help: string; controls: Control[] }
 
 const UNIT = /(?:,? in|(?<=\.) In) (px|deg|em|%)(?=$|[.;:,])/;
+export const DEFAULT_PATTERN = 'checks.png';
 const HIDDEN = new Set(['$schema', 'type', 'effects', 'layers', 'extends']);
 
 export class Schema {
@@ -132,15 +133,13 @@ export function words(key: string): string {
     return spaced.charAt(0).toUpperCase() + spaced.slice(1);
 }
 
-/** What an effect needs beside its type before it can be drawn. */
+/** An effect with what it cannot be drawn without: a pattern's file, and colours where there is not one colour instead. */
 export function firstSettings(kind: EffectKind): Item {
-    const settings: Item = { type: kind.name };
+    const settings: Item = { type: kind.name }, hasColor = kind.controls.some((control) => control.kind === 'color');
     for (const control of kind.controls) {
-        if (!control.required) continue;
-        if (control.kind === 'stops') {
+        if (control.kind === 'file') settings[control.key] = DEFAULT_PATTERN;
+        else if (control.kind === 'stops' && !hasColor) {
             settings[control.key] = [{ color: '#ffd166', position: 0 }, { color: '#d1495b', position: 100 }];
-        } else if (control.kind === 'file') {
-            settings[control.key] = 'checks.png';
         }
     }
     return settings;

@@ -5,9 +5,19 @@ import type { Item } from './document';
 import { isItem } from './document';
 import type { Options, ZvexWorker } from './engine';
 import { loadWorker } from './engine';
-import { Schema } from './schema';
+import { DEFAULT_PATTERN, Schema } from './schema';
 
 export const DEFAULT_FONT = 'DejaVuSans-Bold.ttf';
+
+// What a new pattern shows until a file is chosen.
+async function checks(): Promise<Uint8Array<ArrayBuffer>> {
+    const side = 8, canvas = new OffscreenCanvas(2 * side, 2 * side), ink = canvas.getContext('2d')!;
+    ink.fillStyle = '#f2f2f2';
+    ink.fillRect(0, 0, 2 * side, 2 * side);
+    ink.fillStyle = '#4a6fa5';
+    for (const at of [0, side]) ink.fillRect(at, at, side, side);
+    return new Uint8Array(await (await canvas.convertToBlob({ type: 'image/png' })).arrayBuffer());
+}
 
 export class Studio {
     fonts: string[] = [];
@@ -23,6 +33,7 @@ export class Studio {
         const presets = new Map(Object.entries(await engine.presets()).filter((entry): entry is [string, Item] => isItem(entry[1])));
         const studio = new Studio(engine, new Schema(await engine.schema() as Item), presets);
         await studio.addFont(DEFAULT_FONT, new Uint8Array(await font));
+        await studio.addFile(DEFAULT_PATTERN, await checks());
         return studio;
     }
 
