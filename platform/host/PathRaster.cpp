@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <utility>
 
 namespace host {
@@ -10,6 +11,11 @@ namespace host {
 namespace {
 
 constexpr int64_t kOne = 65536;  // coordinates have 16 fraction bits here
+constexpr size_t kBlock = 16;    // pixels
+
+uint8_t levelOf(int sum) {
+    return static_cast<uint8_t>(std::clamp(sum, 0, 255));
+}
 
 int64_t product(int64_t a, int64_t b) {
     return (a * b) >> 16;
@@ -28,12 +34,20 @@ PathRaster::PathRaster(int width, int height, bool fillsRight)
     : mWidth(width),
       mHeight(height),
       mFillsRight(fillsRight),
-      mChanges(static_cast<size_t>(width) * static_cast<size_t>(height)) {}
+      mBlocks((static_cast<size_t>(width) + kBlock - 1) / kBlock),
+      mChanges(new int[mBlocks * kBlock * static_cast<size_t>(height)]),
+      mTouched(mBlocks * static_cast<size_t>(height)) {}
 
 void PathRaster::put(int row, int64_t column, int change) {
     if (column >= mWidth) return;
-    mChanges[static_cast<size_t>(row) * static_cast<size_t>(mWidth) +
-             static_cast<size_t>(std::max<int64_t>(column, 0))] += change;
+    const auto x = static_cast<size_t>(std::max<int64_t>(column, 0));
+    const size_t block = static_cast<size_t>(row) * mBlocks + x / kBlock;
+    int* changes = &mChanges[block * kBlock];
+    if (mTouched[block] == 0) {
+        mTouched[block] = 1;
+        std::fill_n(changes, kBlock, 0);
+    }
+    changes[x % kBlock] += change;
 }
 
 // Adds one edge within a row, or the part of it whose height gives `full`. `begins`: pixels right of it are
@@ -95,14 +109,28 @@ void PathRaster::line(double fromX, double fromY, double toX, double toY) {
 }
 
 void PathRaster::levels(uint8_t* target) const {
-    const int* change = mChanges.data();
-    for (int row = 0; row < mHeight; ++row) {
-        int level = 0;
-        for (int x = 0; x < mWidth; ++x) {
-            level += *change++;
-            *target++ = static_cast<uint8_t>(std::clamp(level, 0, 255));
+    for (size_t row = 0; row < static_cast<size_t>(mHeight); ++row) target = levelsOfRow(row, target);
+}
+
+// Between the blocks with an edge the level stays the same.
+uint8_t* PathRaster::levelsOfRow(size_t row, uint8_t* target) const {
+    const uint8_t* touched = &mTouched[row * mBlocks];
+    const uint8_t* const end = target + mWidth;
+    int sum = 0;
+    for (size_t block = 0; block < mBlocks;) {
+        size_t next = block;
+        while (next < mBlocks && touched[next] == 0) ++next;
+        if (next > block) {
+            const size_t count = std::min(static_cast<size_t>(end - target), (next - block) * kBlock);
+            std::memset(target, levelOf(sum), count);
+            target += count;
+        } else {
+            const int* change = &mChanges[(row * mBlocks + next++) * kBlock];
+            for (size_t i = 0; i < kBlock && target < end; ++i) *target++ = levelOf(sum += change[i]);
         }
+        block = next;
     }
+    return target;
 }
 
 }  // namespace host

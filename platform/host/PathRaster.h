@@ -2,7 +2,9 @@
 #ifndef ZVEX_PLATFORM_HOST_PATHRASTER_H_
 #define ZVEX_PLATFORM_HOST_PATHRASTER_H_
 
+#include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <vector>
 
 namespace host {
@@ -24,10 +26,15 @@ public:
 private:
     void strip(int row, int64_t left, int64_t right, int64_t climb, int full, bool begins);
     void put(int row, int64_t column, int change);
+    uint8_t* levelsOfRow(size_t row, uint8_t* target) const;
 
     int mWidth, mHeight;
     bool mFillsRight;
-    std::vector<int> mChanges;  // difference of each level from that of the pixel before
+    // The difference of each level from that of the pixel before, in blocks of pixels. Only blocks that an
+    // edge touches have values; there are few, so most of this memory is never touched.
+    size_t mBlocks;  // in a row
+    std::unique_ptr<int[]> mChanges;
+    std::vector<uint8_t> mTouched;
 };
 
 }  // namespace host
