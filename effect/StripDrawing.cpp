@@ -6,25 +6,21 @@
 #include <cstring>
 #include <new>
 
-#include "effect/Composite.h"
 #include "effect/LayerPlace.h"
 #include "effect/ZvECore.h"
 #include "effect/ZvProperty.h"
-#include "effect/kernels/Buffer.h"
 #include "foundation/OutOfMemory.h"
-#include "raster/ClearPixels.h"
 #include "raster/Rects.h"
+#include "raster/WriteAside.h"
 #include "raster/ZvBitmap.h"
 
 namespace Zvex {
 
 namespace {
 
-// How to clear pixels that no layer reaches.
-void (*clearingOf(const ZvBitmap& picture))(uint8_t*, size_t) {
-    constexpr size_t kLarge = size_t{4} << 20;  // at least as large as a core's own caches
-    if (picture.byteCount() >= kLarge) return clearAside;
-    return [](uint8_t* bytes, size_t count) { std::memset(bytes, 0, count); };
+// Whether a core's own caches cannot hold the picture.
+bool isLarge(const ZvBitmap& picture) {
+    return picture.byteCount() >= size_t{4} << 20;
 }
 
 }  // namespace
@@ -55,10 +51,16 @@ void StripDrawing::prepare() {
 }
 
 void StripDrawing::draw(PixelOrder order) {
-    if (isTextAlone()) {
-        drawTextAlone(order);
-    } else {
-        drawLayers(order);
+    const ZvBitmap& picture = mScene.picture;
+    const int width = clampToSize(INT_MAX, picture.width), height = clampToSize(INT_MAX, picture.height);
+    const int step = std::min(stripRows(picture.width), height);
+    if (isLarge(picture)) mFront.allocate(step, width, 4);
+    if (mScene.hasTwoPictures) mBack.allocate(step, width, 4);
+    if (isTextAlone()) mTextAlone.emplace(mScene.layers[0]->getProperty()->color, mScene.textAlpha, order);
+    for (int y = 0; y < height;) {
+        const RowRange rows = {y, height - y < step ? height : y + step};
+        drawStrip(rows, order);
+        y = rows.end;
     }
 }
 
@@ -67,41 +69,47 @@ bool StripDrawing::isTextAlone() const {
            mScene.layers[0]->getStyle() == ZV_EFFECT_TEXT && mWaiting[0].rows != nullptr;
 }
 
-void StripDrawing::drawLayers(PixelOrder order) {
-    ZvBitmap& picture = mScene.picture;
-    const int width = clampToSize(INT_MAX, picture.width), height = clampToSize(INT_MAX, picture.height);
-    const int step = std::min(stripRows(picture.width), height);
-    Buffer<uint8_t> behind;
-    if (mScene.hasTwoPictures) behind.allocate(step, width, 4);
-    const bool hasBack = behind.get() != nullptr;
-    for (int y = 0; y < height;) {
-        const RowRange rows = {y, height - y < step ? height : y + step};
-        const PictureStrip front(picture, rows), back(behind.get(), picture.width, rows);
-        y = rows.end;
-        clearStrip(front, rows);
-        if (mWaiting == nullptr || rows.end <= mDrawn.top || rows.begin >= mDrawn.bottom) continue;
-        if (hasBack) std::memset(back.pixels, 0, back.byteCount());
-        for (size_t i = 0; i < mScene.layers.size(); ++i) {
-            const WaitingLayer& layer = mWaiting[i];
-            if (layer.rows == nullptr || (layer.behind && !layer.both && !hasBack)) continue;
-            layer.rows->draw(rows, layer.behind ? back : front, layer.both ? &front : nullptr);
+void StripDrawing::drawStrip(RowRange rows, PixelOrder order) {
+    const PictureStrip place(mScene.picture, rows);
+    if (mWaiting == nullptr || rows.end <= mDrawn.top || rows.begin >= mDrawn.bottom) {
+        if (isLarge(mScene.picture)) {
+            clearAside(place.pixels, place.byteCount());
+        } else {
+            std::memset(place.pixels, 0, place.byteCount());
         }
-        finishStrip(front, back, rows, order);
+        return;
+    }
+    const bool aside = mFront.get() != nullptr;
+    const PictureStrip front(aside ? mFront.get() : place.pixels, place.width, rows);
+    std::memset(front.pixels, 0, front.byteCount());
+    if (mTextAlone) {
+        drawText(front, rows);
+    } else {
+        drawLayers(front, rows, order);
+    }
+    if (aside) copyAside(place.pixels, front.pixels, front.byteCount());
+}
+
+void StripDrawing::drawText(const PictureStrip& front, RowRange rows) const {
+    const ZvBitmap& mask = mScene.mask;
+    const ZvRect& box = mScene.textRect;
+    const int bottom = std::min(rows.end, box.bottom);
+    for (int y = std::max(rows.begin, box.top); y < bottom; ++y) {
+        const uint8_t* coverage = mask.pixels + static_cast<size_t>(y) * mask.width + box.left;
+        mTextAlone->paintRow(front.at(box.left, y), coverage, static_cast<size_t>(widthOf(box)));
     }
 }
 
-// Clears past the caches where no layer draws.
-void StripDrawing::clearStrip(const PictureStrip& front, RowRange rows) {
-    const auto clear = clearingOf(mScene.picture);
-    if (mWaiting == nullptr || rows.end <= mDrawn.top || rows.begin >= mDrawn.bottom)
-        return clear(front.pixels, front.byteCount());
-    const size_t left = static_cast<size_t>(mDrawn.left), right = static_cast<size_t>(mDrawn.right);
-    for (int row = rows.begin; row < rows.end; ++row) {
-        uint8_t* pixels = front.at(0, row);
-        clear(pixels, left * 4);
-        std::memset(pixels + left * 4, 0, (right - left) * 4);
-        clear(pixels + right * 4, (front.width - right) * 4);
+void StripDrawing::drawLayers(const PictureStrip& front, RowRange rows, PixelOrder order) {
+    const bool hasBack = mBack.get() != nullptr;
+    const PictureStrip back(mBack.get(), front.width, rows);
+    if (hasBack) std::memset(back.pixels, 0, back.byteCount());
+    for (size_t i = 0; i < mScene.layers.size(); ++i) {
+        const WaitingLayer& layer = mWaiting[i];
+        if (layer.rows == nullptr || (layer.behind && !layer.both && !hasBack)) continue;
+        layer.rows->draw(rows, layer.behind ? back : front, layer.both ? &front : nullptr);
     }
+    finishStrip(front, back, rows, order);
 }
 
 void StripDrawing::finishStrip(const PictureStrip& front, const PictureStrip& back, RowRange rows,
@@ -119,29 +127,6 @@ void StripDrawing::finishStrip(const PictureStrip& front, const PictureStrip& ba
         }
         finishRow(front.pixels + at, count, mScene.textAlpha, order);
     }
-}
-
-void StripDrawing::drawTextAlone(PixelOrder order) {
-    const ZvBitmap &picture = mScene.picture, &mask = mScene.mask;
-    const ZvRect& box = mScene.textRect;
-    const TextColors colors(mScene.layers[0]->getProperty()->color, mScene.textAlpha, order);
-    const size_t width = picture.width, left = static_cast<size_t>(box.left),
-                 right = static_cast<size_t>(box.right);
-    const auto row = [&](int y) { return picture.pixels + static_cast<size_t>(y) * width * 4; };
-    const auto clear = clearingOf(picture);
-    const auto clearRows = [&](int top, int bottom) {
-        clear(row(top), static_cast<size_t>(bottom - top) * width * 4);
-    };
-    clearRows(0, box.top);
-    for (int y = box.top; y < box.bottom; ++y) {
-        uint8_t* const pixels = row(y);
-        clear(pixels, left * 4);
-        std::memset(pixels + left * 4, 0, (right - left) * 4);
-        colors.paintRow(pixels + left * 4, mask.pixels + static_cast<size_t>(y) * mask.width + left,
-                        right - left);
-        clear(pixels + right * 4, (width - right) * 4);
-    }
-    clearRows(box.bottom, clampToSize(INT_MAX, picture.height));
 }
 
 }  // namespace Zvex

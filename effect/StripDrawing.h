@@ -4,10 +4,13 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <vector>
 
+#include "effect/Composite.h"
 #include "effect/LayerRows.h"
 #include "effect/PixelOrder.h"
+#include "effect/kernels/Buffer.h"
 #include "raster/ZvRect.h"
 
 namespace Zvex {
@@ -48,14 +51,17 @@ private:
     };
 
     bool isTextAlone() const;
-    void drawTextAlone(PixelOrder order);
-    void drawLayers(PixelOrder order);
-    void clearStrip(const PictureStrip& front, RowRange rows);
+    void drawStrip(RowRange rows, PixelOrder order);
+    void drawText(const PictureStrip& front, RowRange rows) const;
+    void drawLayers(const PictureStrip& front, RowRange rows, PixelOrder order);
     void finishStrip(const PictureStrip& front, const PictureStrip& back, RowRange rows, PixelOrder order);
 
     Scene mScene;
     ZvRect mDrawn;
     std::unique_ptr<WaitingLayer[]> mWaiting;  // one for each layer, or null
+    std::optional<TextColors> mTextAlone;
+    // A strip's rows. If the picture is larger than the caches, they are drawn here and then copied.
+    Buffer<uint8_t> mFront, mBack;
 };
 
 }  // namespace Zvex
