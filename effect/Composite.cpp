@@ -6,7 +6,9 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <numeric>
 
+#include "raster/BlendRows.h"
 #include "raster/CpuTarget.h"
 #include "raster/ZvBitmap.h"
 
@@ -39,6 +41,12 @@ void takeWords(uint8_t* __restrict pixels, const uint8_t* __restrict coverage, s
     for (; x < count; ++x) paint(x);
 }
 
+// All levels of coverage.
+struct Ramp {
+    uint8_t levels[256];
+    Ramp() : levels() { std::iota(levels, levels + 256, uint8_t{0}); }
+};
+
 #define ZVEX_KERNELS "effect/CompositeKernels.inc"
 #include "raster/ForEachTarget.h"
 
@@ -70,15 +78,34 @@ void cutRowToGlyphs(uint8_t* pixels, const uint8_t* coverage, size_t count, uint
 }
 
 TextColors::TextColors(uint32_t color, uint8_t textAlpha, PixelOrder order) : mWords() {
-    uint8_t ramp[256];
-    for (size_t i = 0; i < 256; ++i) ramp[i] = static_cast<uint8_t>(i);
     uint8_t* const bytes = reinterpret_cast<uint8_t*>(mWords);
-    cutRowToGlyphs(bytes, ramp, 256, color);
+    cutRowToGlyphs(bytes, Ramp().levels, 256, color);
     finishRow(bytes, 256, textAlpha, order);
 }
 
 void TextColors::paintRow(uint8_t* pixels, const uint8_t* coverage, size_t count) const {
     takeWords(pixels, coverage, count, mWords);
+}
+
+TextOverColor::TextOverColor(uint32_t text, uint32_t under, uint8_t textAlpha, PixelOrder order)
+    : mText(text), mUnder(under), mTextAlpha(textAlpha), mOrder(order), mWords() {
+    uint8_t full[256];
+    std::fill_n(full, 256, uint8_t{255});
+    uint8_t* const bytes = reinterpret_cast<uint8_t*>(mWords);
+    cutRowToGlyphs(bytes, Ramp().levels, 256, text);
+    BlendRows::dstOver8To32(bytes, full, 256, under);
+    finishRow(bytes, 256, textAlpha, order);
+}
+
+void TextOverColor::paintUnder(uint8_t* pixels, const uint8_t* under, size_t count) const {
+    ZVEX_ON_TARGET(
+        paintColor(pixels, under, count, mUnder, mWords[0], mTextAlpha, mOrder == PixelOrder::BlueFirst));
+}
+
+void TextOverColor::paintBoth(uint8_t* pixels, const uint8_t* text, const uint8_t* under,
+                              size_t count) const {
+    ZVEX_ON_TARGET(paintTextOver(pixels, text, under, count, mWords, mText, mUnder, mTextAlpha,
+                                 mOrder == PixelOrder::BlueFirst));
 }
 
 }  // namespace Zvex

@@ -34,9 +34,11 @@ void finishRow(uint8_t* pixels, size_t count, uint8_t textAlpha, PixelOrder orde
 // (ZVE_BLEND_DST_OVER_SA). Pixels without coverage become transparent.
 void cutRowToGlyphs(uint8_t* pixels, const uint8_t* coverage, size_t count, uint32_t color);
 
-// The result of cutRowToGlyphs on transparent pixels and finishRow, for each coverage.
+// What the rows of a picture of plain text end as: the results of cutRowToGlyphs on transparent pixels and
+// finishRow, for each coverage.
 class TextColors {
 public:
+    // `color` is 0xAARRGGBB.
     TextColors(uint32_t color, uint8_t textAlpha, PixelOrder order);
 
     // Does not change pixels without coverage.
@@ -44,6 +46,22 @@ public:
 
 private:
     uint32_t mWords[256];
+};
+
+// The same with a second colour blended under the text (ZVE_BLEND_DST_OVER), which has a coverage of its own.
+class TextOverColor {
+public:
+    TextOverColor(uint32_t text, uint32_t under, uint8_t textAlpha, PixelOrder order);
+
+    // Both do not change pixels without any coverage: beside the text, and where `text` is its coverage.
+    void paintUnder(uint8_t* pixels, const uint8_t* under, size_t count) const;
+    void paintBoth(uint8_t* pixels, const uint8_t* text, const uint8_t* under, size_t count) const;
+
+private:
+    uint32_t mText, mUnder;
+    uint8_t mTextAlpha;
+    PixelOrder mOrder;
+    uint32_t mWords[256];  // where the second colour has full coverage
 };
 
 }  // namespace Zvex

@@ -38,6 +38,8 @@ public:
     int top;
 };
 
+class ColorRows;
+
 // A layer, ready to be drawn a few rows at a time: its memory is allocated, and planes that need the whole
 // text are computed. So all layers can draw onto a few rows, and the composite can finish these, while they
 // are in the cache.
@@ -49,6 +51,9 @@ public:
     // rows of the pictures; `other` only if the layer draws onto two. The layer, its settings and the mask
     // must not have changed.
     virtual void draw(RowRange rows, const PictureStrip& target, const PictureStrip* other) = 0;
+
+    // This, if it is a layer of one colour, else null.
+    virtual ColorRows* asColor() { return nullptr; }
 
     // No pixel outside this box changes. It may lie outside the picture, in part or wholly.
     virtual ZvRect reach() const = 0;

@@ -7,6 +7,7 @@
 #include <optional>
 #include <vector>
 
+#include "effect/ColorRows.h"
 #include "effect/Composite.h"
 #include "effect/LayerRows.h"
 #include "effect/PixelOrder.h"
@@ -50,16 +51,23 @@ private:
         bool behind = false, both = false;
     };
 
-    bool isTextAlone() const;
+    const uint8_t* coverageAt(int x, int y) const;
+    void preparePlainText(PixelOrder order);
     void drawStrip(RowRange rows, PixelOrder order);
+    void paintText(const PictureStrip& front, int y, int begin, int end) const;
     void drawText(const PictureStrip& front, RowRange rows) const;
+    void drawTextOver(const ColorRows::Part& under, const PictureStrip& front) const;
+    void drawTextOverColor(const PictureStrip& front, RowRange rows) const;
     void drawLayers(const PictureStrip& front, RowRange rows, PixelOrder order);
     void finishStrip(const PictureStrip& front, const PictureStrip& back, RowRange rows, PixelOrder order);
 
     Scene mScene;
     ZvRect mDrawn;
     std::unique_ptr<WaitingLayer[]> mWaiting;  // one for each layer, or null
-    std::optional<TextColors> mTextAlone;
+    // Of a picture with nothing but the text, or the text over one colour.
+    std::optional<TextColors> mText;
+    std::optional<TextOverColor> mTextOver;
+    ColorRows* mUnder = nullptr;
     // A strip's rows. If the picture is larger than the caches, they are drawn here and then copied.
     Buffer<uint8_t> mFront, mBack;
 };

@@ -12,7 +12,7 @@
 #include <memory>
 #include <utility>
 
-#include "effect/LayerRows.h"
+#include "effect/ColorRows.h"
 #include "effect/Numbers.h"
 #include "effect/kernels/Buffer.h"
 #include "effect/kernels/Coverage.h"
@@ -91,24 +91,29 @@ bool cutOut(uint8_t* shadow, const WorkingArea& area, ShadowShift shift, int rad
 }
 
 // The shadow in one colour.
-class PlaneRows : public LayerRows {
+class PlaneRows : public ColorRows {
 public:
     PlaneRows(const WorkingArea& area, Buffer<uint8_t> plane, uint32_t color)
-        : mArea(area), mPlane(std::move(plane)), mColor(color) {}
+        : mArea(area), mPlane(std::move(plane)) {
+        mColor = color;
+        mMode = ZVE_BLEND_DST_OVER;
+    }
 
-    void draw(RowRange rows, const PictureStrip& target, const PictureStrip*) override {
+    Part next(RowRange rows) override {
         const RowRange part = rows.within(mArea.y, mArea.height);
-        if (part.count() <= 0) return;
-        ZvBlender::drawBitmapBlend8(mArea.x, mArea.y + part.begin - target.top, &target,
-                                    mPlane.get() + mArea.row(part.begin), mArea.width, part.count(),
-                                    mArea.width, mColor, ZVE_BLEND_DST_OVER);
+        if (part.count() <= 0) return {};
+        return {mPlane.get() + mArea.row(part.begin),
+                mArea.width,
+                mArea.x,
+                mArea.y + part.begin,
+                mArea.width,
+                part.count()};
     }
     ZvRect reach() const override { return mArea.rect(); }
 
 private:
     WorkingArea mArea;
     Buffer<uint8_t> mPlane;
-    uint32_t mColor;
 };
 
 }  // namespace

@@ -15,7 +15,7 @@
 #include <memory>
 #include <utility>
 
-#include "effect/LayerRows.h"
+#include "effect/ColorRows.h"
 #include "effect/Numbers.h"
 #include "effect/kernels/Buffer.h"
 #include "effect/kernels/Coverage.h"
@@ -37,13 +37,13 @@ int marginOf(const ZvOuterShadowProperty* property, int64_t shift, bool towards)
     return clampToInt(towards ? length + reach : std::max<int64_t>(reach - length, 0));
 }
 
-class ShadowRows : public LayerRows {
+class ShadowRows : public ColorRows {
 public:
     // False if none of it is visible or if memory is short.
     bool make(const ZvECore::ParamPostProcessing& param, const ZvOuterShadowProperty& property,
               ShadowShift shift);
 
-    void draw(RowRange rows, const PictureStrip& target, const PictureStrip* other) override;
+    Part next(RowRange rows) override;
     ZvRect reach() const override { return mSeen; }
 
 private:
@@ -58,7 +58,6 @@ private:
     Buffer<uint8_t> mShadow;  // the rows of the band
     int mStride = 0, mBandRows = 0;
     int mBandBegin = 0, mBandEnd = 0;  // rows of mSeen
-    uint32_t mColor = 0;
 };
 
 bool ShadowRows::make(const ZvECore::ParamPostProcessing& param, const ZvOuterShadowProperty& property,
@@ -69,6 +68,7 @@ bool ShadowRows::make(const ZvECore::ParamPostProcessing& param, const ZvOuterSh
     if (!area.grow(*param.textRect, 2 * int64_t{radius})) return false;
     area.move(shift.x, shift.y);
     mColor = property.color;
+    mMode = ZVE_BLEND_DST_OVER;
     mMask = param.mask;
 
     // Only the visible part is blurred, so a radius far beyond the picture costs no more than the picture's
@@ -105,16 +105,17 @@ void ShadowRows::blurBand(int y) {
     mBandEnd = y + rows;
 }
 
-void ShadowRows::draw(RowRange rows, const PictureStrip& target, const PictureStrip*) {
+ColorRows::Part ShadowRows::next(RowRange rows) {
     const RowRange part = rows.within(mSeen.top, heightOf(mSeen));
-    for (int y = part.begin; y < part.end;) {
-        if (y >= mBandEnd) blurBand(y);
-        const int count = std::min(part.end, mBandEnd) - y;
-        ZvBlender::drawBitmapBlend8(mSeen.left, mSeen.top + y - target.top, &target,
-                                    mShadow.get() + ptrdiff_t{y - mBandBegin} * mStride, widthOf(mSeen),
-                                    count, mStride, mColor, ZVE_BLEND_DST_OVER);
-        y += count;
-    }
+    const int y = part.begin;
+    if (y >= part.end) return {};
+    if (y >= mBandEnd) blurBand(y);
+    return {mShadow.get() + ptrdiff_t{y - mBandBegin} * mStride,
+            mStride,
+            mSeen.left,
+            mSeen.top + y,
+            widthOf(mSeen),
+            std::min(part.end, mBandEnd) - y};
 }
 
 }  // namespace

@@ -16,7 +16,7 @@
 #include <memory>
 #include <utility>
 
-#include "effect/LayerRows.h"
+#include "effect/ColorRows.h"
 #include "effect/Numbers.h"
 #include "effect/kernels/Buffer.h"
 #include "effect/kernels/Coverage.h"
@@ -103,12 +103,12 @@ void dilateRows(Dilation& dilation, int64_t row, int rows, uint8_t* lines, int w
 }
 
 // The band around the edge, a few rows at a time.
-class StrokeRows : public LayerRows {
+class StrokeRows : public ColorRows {
 public:
     // False if memory is short.
     bool make(const ZvECore::ParamPostProcessing& param, const ZvStrokeProperty& property);
 
-    void draw(RowRange rows, const PictureStrip& target, const PictureStrip* other) override;
+    Part next(RowRange rows) override;
     ZvRect reach() const override { return mArea.rect(); }
 
 private:
@@ -119,13 +119,12 @@ private:
     // The dilations of the coverage and of its inverse; null if not needed.
     std::unique_ptr<Dilation> mOutward, mInward;
     Buffer<uint8_t> mBand;  // Dilation::kBatch rows of each
-    uint32_t mColor = 0;
-    int mMode = 0;
 };
 
 bool StrokeRows::make(const ZvECore::ParamPostProcessing& param, const ZvStrokeProperty& property) {
     const bool centered = property.position == ZV_STROKE_CENTER;
     mColor = property.color;
+    mDrawsOnOther = true;
     mMode = centered && param.layerMode != 1 ? ZVE_BLEND_SRC_OVER : ZVE_BLEND_DST_OVER;
 
     unsigned char* cells = nullptr;
@@ -156,17 +155,12 @@ void StrokeRows::makeBand(int row, int rows) {
     for (int64_t i = 0; i < count; ++i) band[i] = std::min(band[i], inside[i]);
 }
 
-void StrokeRows::draw(RowRange rows, const PictureStrip& target, const PictureStrip* other) {
+ColorRows::Part StrokeRows::next(RowRange rows) {
     const RowRange part = rows.within(mArea.y, mArea.height);
-    for (int y = part.begin; y < part.end; y += Dilation::kBatch) {
-        const int count = std::min(part.end - y, Dilation::kBatch);
-        makeBand(y, count);
-        for (const PictureStrip* picture : {&target, other}) {
-            if (picture == nullptr) continue;
-            ZvBlender::drawBitmapBlend8(mArea.x, mArea.y + y - picture->top, picture, mBand.get(),
-                                        mArea.width, count, mArea.width, mColor, mMode);
-        }
-    }
+    const int count = std::min(part.count(), Dilation::kBatch);
+    if (count <= 0) return {};
+    makeBand(part.begin, count);
+    return {mBand.get(), mArea.width, mArea.x, mArea.y + part.begin, mArea.width, count};
 }
 
 }  // namespace

@@ -83,6 +83,37 @@ TEST(Picture, IsWhatTheLayersMakeOneAfterTheOther) {
     }
 }
 
+// Text over one colour, and pictures too large for the caches, have paths of their own.
+TEST(Picture, OfTextOverOneColourOrLarge) {
+    for (unsigned seed = 0; seed < 120; ++seed) {
+        SCOPED_TRACE("seed " + std::to_string(seed));
+        Random random(seed);
+        Rendering rendering(seed);
+        auto& [width, height, stack, lines] = rendering;
+        if (seed % 20 == 0) {
+            width = 2100;
+            height = 501;
+        } else {
+            stack.releaseEffect();
+            stack.clearTextOpacity();
+            width *= 3;
+            const float size = static_cast<float>(random.below(70)) * 0.25f;
+            if (random.below(2) == 0) {
+                stack.addStrokeText(size, random.color(), 1, 0, ZV_STROKE_OUTSIDE);
+            } else {
+                stack.addOuterShadowText(static_cast<float>(random.below(360)),
+                                         static_cast<float>(random.below(30)), size, random.color(), 0.8f);
+            }
+            stack.addText(random.color() | (random.below(2) != 0 ? 0xFF000000u : 0));
+        }
+        ZvBitmap expected = inLayers(stack, width, height, lines);
+        ZvBlender::convertBGRAToARGB(&expected);
+        forEachCpuTarget([&] {
+            ASSERT_TRUE(samePixels(expected, asPicture(stack, width, height, lines, PixelOrder::BlueFirst)));
+        });
+    }
+}
+
 // Nothing leaks, and nothing of the picture's old content is left.
 TEST(Picture, AnyAllocationMayFail) {
     for (unsigned seed = 1; seed <= 14; ++seed) {
