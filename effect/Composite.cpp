@@ -23,9 +23,10 @@ bool isColor(const ZvBitmap* bitmap) {
 }
 
 // words[i] = table[coverage[i]]; eight pixels at a time if they are equal. Pixels without coverage do not
-// change. (Uses the compiler's memcpy: the C library's checked one prevents vectors.)
-void takeWords(uint8_t* __restrict pixels, const uint8_t* __restrict coverage, size_t count,
-               const uint32_t (&table)[256]) {
+// change. (Uses the compiler's memcpy: the C library's checked one prevents vectors. Not inlined into the
+// kernels, where the compiler would make vectors of the look-ups, which is slower.)
+__attribute__((noinline)) void takeWords(uint8_t* __restrict pixels, const uint8_t* __restrict coverage,
+                                         size_t count, const uint32_t* __restrict table) {
     const auto paint = [&](size_t i) { __builtin_memcpy(pixels + 4 * i, &table[coverage[i]], 4); };
     size_t x = 0;
     for (; x + 8 <= count; x += 8) {
