@@ -3,23 +3,28 @@
 #define ZVEX_FOUNDATION_KEPTMEMORY_H_
 
 #include <cstddef>
+#include <cstdint>
 
 namespace Zvex {
 
 // Keeps the memory of one picture's buffers for the next picture, because fresh memory costs more than
 // drawing into it.
 //
-// It keeps blocks between 16 kB and 64 MB, each with room to grow, so that a picture that grows step by step
-// needs a new block only now and then. All are freed together with this object.
+// It keeps blocks of 1 kB to 64 MB. Without a bound each has room to grow, so that a picture that grows step
+// by step needs a new block only now and then. With one, larger blocks take the place of smaller ones. All
+// are freed together with this object.
+//
+// Every thread has one of kKeptByThread bytes, for small pictures, until it ends. Builds for tools that watch
+// memory have none (ZVEX_KEEP_MEMORY in CMakeLists.txt).
 class KeptMemory {
 public:
-    KeptMemory() = default;
+    explicit KeptMemory(size_t most = SIZE_MAX);  // bytes in all; a block has at most a quarter of them
     ~KeptMemory();
     KeptMemory(const KeptMemory&) = delete;
     KeptMemory& operator=(const KeptMemory&) = delete;
 
-    // While one lives, takeMemory and giveMemory of its thread keep and reuse the blocks of `memory`. One
-    // thread at a time.
+    // While one lives, takeMemory and giveMemory of its thread keep and reuse the blocks of `memory` instead
+    // of the thread's own. One thread at a time.
     class Use {
     public:
         explicit Use(KeptMemory* memory);  // null: keeps nothing
@@ -29,11 +34,13 @@ public:
 
     private:
         KeptMemory* const mBefore;
+        const bool mChosenBefore;
     };
 
     // Used by takeMemory and giveMemory.
     void* take(size_t bytes);  // a kept block with undefined content; null if none is large enough
     bool keep(void* block);    // false: the caller must free it
+    bool hasRoomToGrow(size_t bytes) const;  // whether to take a block twice as large
 
 private:
     static constexpr size_t kMostBlocks = 128;
@@ -41,13 +48,16 @@ private:
         void* memory;
         size_t bytes;
     };
+    const size_t mMost, mMostOfBlock;
     Block mBlocks[kMostBlocks];  // blocks not in use
-    size_t mCount = 0;
+    size_t mCount = 0, mBytes = 0;
 };
 
-// malloc, calloc and free for a picture's large buffers. All blocks come from malloc: std::free may free
-// them, and giveMemory takes any block from malloc. Null, without setting the flag of OutOfMemory.h, if
-// memory is short, and for 0 bytes.
+constexpr size_t kKeptByThread = size_t{1} << 20;
+
+// malloc, calloc and free for a picture's buffers. All blocks come from malloc: std::free may free them, and
+// giveMemory takes any block from malloc. Null, without setting the flag of OutOfMemory.h, if memory is short,
+// and for 0 bytes.
 void* takeMemory(size_t bytes);
 void* takeZeroedMemory(size_t bytes);
 void giveMemory(void* block);

@@ -125,7 +125,7 @@ struct Renderer::Text {
 };
 
 struct Renderer::Kept {
-    std::unique_ptr<Zvex::KeptMemory> memory;  // null: nothing is kept
+    std::unique_ptr<Zvex::KeptMemory> memory;  // null: the thread's own
     std::unique_ptr<Text> text;
 };
 
@@ -140,7 +140,8 @@ Renderer& Renderer::operator=(Renderer&&) noexcept = default;
 Rendering Renderer::make(const Scene& scene, const Sink& sink) {
     checkScene(scene);
     const host::RenderingOfThread drawnSo(scene.rendering);
-    const Zvex::KeptMemory::Use memory(mKept->memory.get());
+    std::optional<Zvex::KeptMemory::Use> memory;
+    if (mKept->memory != nullptr) memory.emplace(mKept->memory.get());
     Zvex::takeOutOfMemoryMark();                          // left by an earlier picture
     std::unique_ptr<Text> text = std::move(mKept->text);  // lost if this picture fails
     if (text == nullptr || !(text->from == ShapedFrom(scene))) {

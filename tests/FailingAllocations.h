@@ -7,6 +7,8 @@
 #include <cstddef>
 #include <string>
 
+#include "foundation/KeptMemory.h"
+
 // Makes one allocation fail. While an object of this class lives, the calling thread's allocations with
 // malloc, calloc, realloc and the non-throwing operator new are counted from 0, and number `failing` gives
 // null; nothing fails when it is negative. Throwing operator new (containers) is counted, and throws when its
@@ -31,6 +33,9 @@ public:
     size_t largest() const;   // bytes, of all blocks allocated in any way
     int made() const;         // allocations counted so far, the failed one included
     int outstanding() const;  // blocks allocated in any way less blocks freed, since the start
+
+private:
+    const Zvex::KeptMemory::Use mKeepsNothing{nullptr};  // all blocks are allocated, and freed
 };
 
 // Runs `work` with no failure, twice, to count its allocations, then once for each of them with that one
