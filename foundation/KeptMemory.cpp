@@ -70,9 +70,10 @@ KeptMemory::Use::~Use() {
 
 void* KeptMemory::take(size_t bytes) {
     if (bytes < kLeastKept || bytes > mMostOfBlock) return nullptr;
+    constexpr size_t kMostSlack = 8;  // small buffers leave large blocks to large ones
     Block* best = nullptr;
     for (size_t i = 0; i < mCount; ++i) {
-        const bool fits = mBlocks[i].bytes >= bytes;
+        const bool fits = mBlocks[i].bytes >= bytes && mBlocks[i].bytes / kMostSlack <= bytes;
         if (fits && (best == nullptr || mBlocks[i].bytes < best->bytes)) best = &mBlocks[i];
     }
     if (best == nullptr) return nullptr;

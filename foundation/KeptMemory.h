@@ -38,7 +38,7 @@ public:
     };
 
     // Used by takeMemory and giveMemory.
-    void* take(size_t bytes);  // a kept block with undefined content; null if none is large enough
+    void* take(size_t bytes);  // a kept block with undefined content; null if none is of about that size
     bool keep(void* block);    // false: the caller must free it
     bool hasRoomToGrow(size_t bytes) const;  // whether to take a block twice as large
 
@@ -56,8 +56,8 @@ private:
 constexpr size_t kKeptByThread = size_t{1} << 20;
 
 // malloc, calloc and free for a picture's buffers. All blocks come from malloc: std::free may free them, and
-// giveMemory takes any block from malloc. Null, without setting the flag of OutOfMemory.h, if memory is short,
-// and for 0 bytes.
+// giveMemory takes any block from malloc. Null, without setting the flag of OutOfMemory.h, if memory is
+// short, and for 0 bytes.
 void* takeMemory(size_t bytes);
 void* takeZeroedMemory(size_t bytes);
 void giveMemory(void* block);

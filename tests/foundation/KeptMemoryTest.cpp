@@ -14,13 +14,14 @@ namespace {
 
 constexpr size_t kKilobyte = 1024;
 
-TEST(KeptMemory, TakesTheSmallestBlockThatFits) {
+TEST(KeptMemory, TakesTheSmallestBlockThatFitsAndNoneThatIsFarTooLarge) {
     KeptMemory memory;
     void* const small = std::malloc(4 * kKilobyte);
-    void* const large = std::malloc(64 * kKilobyte);
+    void* const large = std::malloc(20 * kKilobyte);
     ASSERT_TRUE(memory.keep(large));
     ASSERT_TRUE(memory.keep(small));
     EXPECT_EQ(memory.take(3 * kKilobyte), small);
+    EXPECT_EQ(memory.take(2 * kKilobyte), nullptr);
     EXPECT_EQ(memory.take(3 * kKilobyte), large);
     EXPECT_EQ(memory.take(3 * kKilobyte), nullptr);
     std::free(small);
