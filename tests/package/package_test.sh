@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: Apache-2.0
-# Installs the library into an empty prefix, moves the prefix, and uses it as others would: find_package, pkg-config, and
-# for the static library add_subdirectory. The picture is the same every way.
-#     package_test.sh SOURCE_DIR BUILD_DIR CXX static|shared
+# Uses the library as others would. static and shared install it into an empty prefix, move the prefix, and use it with
+# find_package and pkg-config; the picture is the same every way. subdirectory adds the sources to another project.
+#     package_test.sh SOURCE_DIR BUILD_DIR CXX static|shared|subdirectory
 # shared builds libzvex.so in BUILD_DIR/shared first.
 set -euo pipefail
 source=$1 build=$2 cxx=$3 kind=$4
@@ -12,6 +12,29 @@ font=/usr/share/fonts/truetype/dejavu/DejaVuSans-Bold.ttf
 fail() { echo "package: $*"; exit 1; }
 quietly() { "$@" >"$work/log" 2>&1 || { cat "$work/log"; fail "$1 failed"; }; }
 configure() { quietly cmake -G Ninja -DCMAKE_CXX_COMPILER="$cxx" "$@"; }
+
+if [ "$kind" = subdirectory ]; then
+    mkdir "$work/parent"
+    cat >"$work/parent/CMakeLists.txt" <<END
+cmake_minimum_required(VERSION 3.22)
+project(Parent LANGUAGES C CXX)
+add_subdirectory($source zvex)
+if(TARGET zvtext OR TARGET bench_render OR TARGET ZvEffect)
+  message(FATAL_ERROR "more than the library was asked for")
+endif()
+add_executable(user user.cpp)
+target_link_libraries(user PRIVATE Zvex::zvex)
+END
+    cat >"$work/parent/user.cpp" <<'END'
+#include "raster/ZvBitmap.h"
+#include "text/ZvTextObject.h"
+int main() { Zvex::ZvBitmap bitmap(2, 2, 4); return bitmap.format == 1 ? 0 : 1; }
+END
+    configure -S "$work/parent" -B "$work/parent/build" -DCMAKE_BUILD_TYPE=Debug
+    quietly cmake --build "$work/parent/build" --target user
+    "$work/parent/build/user"
+    exit 0
+fi
 
 unshared=$build
 if [ "$kind" = shared ]; then
@@ -137,26 +160,4 @@ else
     quietly cmake --install "$unshared" --prefix "$work/static"
     "$work/static/bin/zvtext" render Hi --font "$font" --output "$work/static.png"
     cmp "$work/hi.png" "$work/static.png"
-    exit 0
 fi
-
-echo "add_subdirectory"
-mkdir "$work/parent"
-cat >"$work/parent/CMakeLists.txt" <<END
-cmake_minimum_required(VERSION 3.22)
-project(Parent LANGUAGES C CXX)
-add_subdirectory($source zvex)
-if(TARGET zvtext OR TARGET bench_render OR TARGET ZvEffect)
-  message(FATAL_ERROR "more than the library was asked for")
-endif()
-add_executable(user user.cpp)
-target_link_libraries(user PRIVATE Zvex::zvex)
-END
-cat >"$work/parent/user.cpp" <<'END'
-#include "raster/ZvBitmap.h"
-#include "text/ZvTextObject.h"
-int main() { Zvex::ZvBitmap bitmap(2, 2, 4); return bitmap.format == 1 ? 0 : 1; }
-END
-configure -S "$work/parent" -B "$work/parent/build" -DCMAKE_BUILD_TYPE=Debug
-quietly cmake --build "$work/parent/build" --target user
-"$work/parent/build/user"

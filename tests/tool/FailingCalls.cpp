@@ -76,9 +76,9 @@ std::string fileOf(const seccomp_notif& request, const Call& call) {
     std::string path;
     if (call.path >= 0) {
         const int memory = open((process + "/mem").c_str(), O_RDONLY | O_CLOEXEC);
-        char byte = 1;
-        auto at = static_cast<off_t>(request.data.args[call.path]);
-        while (pread(memory, &byte, 1, at++) == 1 && byte != '\0') path += byte;
+        char bytes[PATH_MAX] = "";  // reading stops where the memory ends
+        pread(memory, bytes, sizeof bytes - 1, static_cast<off_t>(request.data.args[call.path]));
+        path = bytes;
         close(memory);
     }
     if (path.empty()) return opened(descriptor);
