@@ -125,8 +125,10 @@ uint8_t* PathRaster::levelsOfRow(size_t row, uint8_t* target) const {
             std::memset(target, levelOf(sum), count);
             target += count;
         } else {
-            const int* change = &mChanges[(row * mBlocks + next++) * kBlock];
-            for (size_t i = 0; i < kBlock && target < end; ++i) *target++ = levelOf(sum += change[i]);
+            const int* changes = &mChanges[(row * mBlocks + next++) * kBlock];
+            const size_t count = std::min(static_cast<size_t>(end - target), kBlock);
+            for (size_t i = 0; i < count; ++i) target[i] = levelOf(sum += changes[i]);
+            target += count;
         }
         block = next;
     }
