@@ -18,35 +18,31 @@ namespace Zvex {
 
 namespace {
 
+// Pixels that are finished together: fewer than in other strips, because glyphs have many short opaque and
+// empty runs, and a division is expensive.
+constexpr size_t kPart = 32;
+
 bool isColor(const ZvBitmap* bitmap) {
     return bitmap != nullptr && bitmap->pixels != nullptr && bitmap->bytesPerPixel == 4;
 }
 
-// words[i] = table[coverage[i]]; eight pixels at a time if they are equal. Pixels without coverage do not
-// change. (Uses the compiler's memcpy: the C library's checked one prevents vectors. Not inlined into the
-// kernels, where the compiler would make vectors of the look-ups, which is slower.)
+// The words of kPart pixels by their coverage. Pixels without coverage do not change. Eight at a time: most
+// are equal. (Not inlined into the kernels, where the compiler would make vectors of the look-ups, which is
+// slower. Uses the compiler's memcpy: the C library's checked one prevents vectors.)
 __attribute__((noinline)) void takeWords(uint8_t* __restrict pixels, const uint8_t* __restrict coverage,
-                                         size_t count, const uint32_t* __restrict table) {
-    const auto paint = [&](size_t i) { __builtin_memcpy(pixels + 4 * i, &table[coverage[i]], 4); };
-    size_t x = 0;
-    for (; x + 8 <= count; x += 8) {
+                                         const uint32_t* __restrict table) {
+    const auto paint = [&](size_t i, uint32_t level) { __builtin_memcpy(pixels + 4 * i, &table[level], 4); };
+    for (size_t x = 0; x < kPart; x += 8) {
         uint64_t eight;
         __builtin_memcpy(&eight, coverage + x, 8);
         if (eight == 0) continue;
         if (eight == ~uint64_t{0}) {
-            for (size_t i = 0; i < 8; ++i) __builtin_memcpy(pixels + 4 * (x + i), &table[255], 4);
+            for (size_t i = x; i < x + 8; ++i) paint(i, 255);
         } else {
-            for (size_t i = 0; i < 8; ++i) paint(x + i);
+            for (size_t i = x; i < x + 8; ++i) paint(i, coverage[i]);
         }
     }
-    for (; x < count; ++x) paint(x);
 }
-
-// All levels of coverage.
-struct Ramp {
-    uint8_t levels[256];
-    Ramp() : levels() { std::iota(levels, levels + 256, uint8_t{0}); }
-};
 
 #define ZVEX_KERNELS "effect/CompositeKernels.inc"
 #include "raster/ForEachTarget.h"
@@ -78,35 +74,26 @@ void cutRowToGlyphs(uint8_t* pixels, const uint8_t* coverage, size_t count, uint
     ZVEX_ON_TARGET(cutToCoverage(pixels, coverage, count, color));
 }
 
-TextColors::TextColors(uint32_t color, uint8_t textAlpha, PixelOrder order) : mWords() {
-    uint8_t* const bytes = reinterpret_cast<uint8_t*>(mWords);
-    cutRowToGlyphs(bytes, Ramp().levels, 256, color);
-    finishRow(bytes, 256, textAlpha, order);
-}
-
-void TextColors::paintRow(uint8_t* pixels, const uint8_t* coverage, size_t count) const {
-    takeWords(pixels, coverage, count, mWords);
-}
-
-TextOverColor::TextOverColor(uint32_t text, uint32_t under, uint8_t textAlpha, PixelOrder order)
-    : mText(text), mUnder(under), mTextAlpha(textAlpha), mOrder(order), mWords() {
-    uint8_t full[256];
+PlainColors::PlainColors(const uint32_t* colors, size_t count, uint8_t textAlpha, PixelOrder order)
+    : mResults() {
+    uint8_t levels[256], full[256];
+    std::iota(levels, levels + 256, uint8_t{0});
     std::fill_n(full, 256, uint8_t{255});
-    uint8_t* const bytes = reinterpret_cast<uint8_t*>(mWords);
-    cutRowToGlyphs(bytes, Ramp().levels, 256, text);
-    BlendRows::dstOver8To32(bytes, full, 256, under);
-    finishRow(bytes, 256, textAlpha, order);
+    mResults.count = count;
+    mResults.textAlpha = textAlpha;
+    mResults.blueFirst = order == PixelOrder::BlueFirst;
+    std::copy_n(colors, count, mResults.colors);
+    const auto bytesOf = [](uint32_t* words) { return reinterpret_cast<uint8_t*>(words); };
+    cutRowToGlyphs(bytesOf(mResults.text), levels, 256, colors[0]);
+    if (count > 1) BlendRows::dstOver8To32(bytesOf(mResults.text), full, 256, colors[1]);
+    finishRow(bytesOf(mResults.text), 256, textAlpha, order);
+    for (size_t i = 0; i < count; ++i)
+        BlendRows::dstOver8To32(bytesOf(&mResults.full[i]), full, 1, colors[i]);
+    finishRow(bytesOf(mResults.full), count, textAlpha, order);
 }
 
-void TextOverColor::paintUnder(uint8_t* pixels, const uint8_t* under, size_t count) const {
-    ZVEX_ON_TARGET(
-        paintColor(pixels, under, count, mUnder, mWords[0], mTextAlpha, mOrder == PixelOrder::BlueFirst));
-}
-
-void TextOverColor::paintBoth(uint8_t* pixels, const uint8_t* text, const uint8_t* under,
-                              size_t count) const {
-    ZVEX_ON_TARGET(paintTextOver(pixels, text, under, count, mWords, mText, mUnder, mTextAlpha,
-                                 mOrder == PixelOrder::BlueFirst));
+void PlainColors::paintRow(uint8_t* pixels, int left, int right, const Coverage* coverages) const {
+    ZVEX_ON_TARGET(paintColors(pixels, left, right, coverages, mResults));
 }
 
 }  // namespace Zvex

@@ -34,34 +34,38 @@ void finishRow(uint8_t* pixels, size_t count, uint8_t textAlpha, PixelOrder orde
 // (ZVE_BLEND_DST_OVER_SA). Pixels without coverage become transparent.
 void cutRowToGlyphs(uint8_t* pixels, const uint8_t* coverage, size_t count, uint32_t color);
 
-// What the rows of a picture of plain text end as: the results of cutRowToGlyphs on transparent pixels and
-// finishRow, for each coverage.
-class TextColors {
+// A picture of nothing but text in one colour (cutRowToGlyphs), with other colours blended under it, each
+// through a coverage of its own (ZVE_BLEND_DST_OVER), and finished. Its rows are painted in one pass.
+class PlainColors {
 public:
-    // `color` is 0xAARRGGBB.
-    TextColors(uint32_t color, uint8_t textAlpha, PixelOrder order);
+    static constexpr size_t kMost = 3;
 
-    // Does not change pixels without coverage.
-    void paintRow(uint8_t* pixels, const uint8_t* coverage, size_t count) const;
+    // A row's coverage in the columns from `left` to `right` - 1; there is none in others.
+    struct Coverage {
+        const uint8_t* pixels = nullptr;
+        int left = 0, right = 0;
+    };
+
+    // The text's colour and those under it, topmost first: 1 to kMost words 0xAARRGGBB.
+    PlainColors(const uint32_t* colors, size_t count, uint8_t textAlpha, PixelOrder order);
+
+    // Paints the columns from `left` to `right` - 1 onto blank pixels, the first of which is `pixels`.
+    // `coverages`: one for each colour.
+    void paintRow(uint8_t* pixels, int left, int right, const Coverage* coverages) const;
+
+    struct Results {
+        uint32_t colors[kMost];
+        size_t count;
+        uint32_t full[kMost];  // a colour alone, where its coverage is full
+        // By the text's coverage: over full coverage of the second colour, or the text alone if it is the
+        // only one.
+        uint32_t text[256];
+        uint8_t textAlpha;
+        bool blueFirst;
+    };
 
 private:
-    uint32_t mWords[256];
-};
-
-// The same with a second colour blended under the text (ZVE_BLEND_DST_OVER), which has a coverage of its own.
-class TextOverColor {
-public:
-    TextOverColor(uint32_t text, uint32_t under, uint8_t textAlpha, PixelOrder order);
-
-    // Both do not change pixels without any coverage: beside the text, and where `text` is its coverage.
-    void paintUnder(uint8_t* pixels, const uint8_t* under, size_t count) const;
-    void paintBoth(uint8_t* pixels, const uint8_t* text, const uint8_t* under, size_t count) const;
-
-private:
-    uint32_t mText, mUnder;
-    uint8_t mTextAlpha;
-    PixelOrder mOrder;
-    uint32_t mWords[256];  // where the second colour has full coverage
+    Results mResults;
 };
 
 }  // namespace Zvex

@@ -10,6 +10,7 @@
 #include "effect/ZvECore.h"
 #include "effect/ZvProperty.h"
 #include "foundation/OutOfMemory.h"
+#include "foundation/SafeConvert.h"
 #include "raster/Rects.h"
 #include "raster/WriteAside.h"
 #include "raster/ZvBitmap.h"
@@ -57,7 +58,7 @@ void StripDrawing::draw(PixelOrder order) {
     const int step = std::min(stripRows(picture.width), height);
     if (isLarge(picture)) mFront.allocate(step, width, 4);
     if (mScene.hasTwoPictures) mBack.allocate(step, width, 4);
-    preparePlainText(order);
+    preparePlainColors(order);
     for (int y = 0; y < height;) {
         const RowRange rows = {y, height - y < step ? height : y + step};
         drawStrip(rows, order);
@@ -65,17 +66,22 @@ void StripDrawing::draw(PixelOrder order) {
     }
 }
 
-void StripDrawing::preparePlainText(PixelOrder order) {
-    const size_t count = mScene.layers.size();
-    if (mWaiting == nullptr || mScene.hasTwoPictures || count == 0 || count > 2) return;
-    if (mScene.layers[0]->getStyle() != ZV_EFFECT_TEXT || mWaiting[0].rows == nullptr) return;
-    const uint32_t color = mScene.layers[0]->getProperty()->color;
-    if (count == 2) {
-        mUnder = mWaiting[1].rows != nullptr ? mWaiting[1].rows->asColor() : nullptr;
-        if (mUnder == nullptr || mUnder->mode() != ZVE_BLEND_DST_OVER) return;
-        mTextOver.emplace(color, mUnder->color(), mScene.textAlpha, order);
+void StripDrawing::preparePlainColors(PixelOrder order) {
+    const std::vector<ZvECore*>& layers = mScene.layers;
+    if (mWaiting == nullptr || mScene.hasTwoPictures || layers.empty() || layers.size() > PlainColors::kMost)
+        return;
+    if (layers[0]->getStyle() != ZV_EFFECT_TEXT || mWaiting[0].rows == nullptr) return;
+    uint32_t colors[PlainColors::kMost] = {layers[0]->getProperty()->color};
+    size_t count = 1;
+    for (size_t i = 1; i < layers.size(); ++i) {
+        if (mWaiting[i].rows == nullptr) continue;
+        ColorRows* const rows = mWaiting[i].rows->asColor();
+        if (rows == nullptr || rows->mode() != ZVE_BLEND_DST_OVER) return;
+        colors[count] = rows->color();
+        mColorRows[count++] = rows;
     }
-    mText.emplace(color, mScene.textAlpha, order);
+    mColorCount = count;
+    mPlain.emplace(colors, count, mScene.textAlpha, order);
 }
 
 void StripDrawing::drawStrip(RowRange rows, PixelOrder order) {
@@ -91,64 +97,37 @@ void StripDrawing::drawStrip(RowRange rows, PixelOrder order) {
     const bool aside = mFront.get() != nullptr;
     const PictureStrip front(aside ? mFront.get() : place.pixels, place.width, rows);
     std::memset(front.pixels, 0, front.byteCount());
-    if (mTextOver) {
-        drawTextOverColor(front, rows);
-    } else if (mText) {
-        drawText(front, rows);
+    if (mPlain) {
+        drawPlainColors(front, rows);
     } else {
         drawLayers(front, rows, order);
     }
     if (aside) copyAside(place.pixels, front.pixels, front.byteCount());
 }
 
-const uint8_t* StripDrawing::coverageAt(int x, int y) const {
-    return mScene.mask.pixels + static_cast<size_t>(y) * mScene.mask.width + x;
-}
-
-void StripDrawing::paintText(const PictureStrip& front, int y, int begin, int end) const {
-    if (begin >= end) return;
-    mText->paintRow(front.at(begin, y), coverageAt(begin, y), static_cast<size_t>(end - begin));
-}
-
-void StripDrawing::drawText(const PictureStrip& front, RowRange rows) const {
+void StripDrawing::drawPlainColors(const PictureStrip& front, RowRange rows) const {
+    const ZvBitmap& mask = mScene.mask;
     const ZvRect& box = mScene.textRect;
-    const int end = std::min(rows.end, box.bottom);
-    for (int y = std::max(rows.begin, box.top); y < end; ++y) paintText(front, y, box.left, box.right);
-}
-
-void StripDrawing::drawTextOverColor(const PictureStrip& front, RowRange rows) const {
-    for (ColorRows::Part part = mUnder->next(rows); part.height > 0; part = mUnder->next(rows)) {
-        drawText(front, {rows.begin, part.top});
-        drawTextOver(part, front);
-        rows.begin = part.top + part.height;
-    }
-    drawText(front, rows);
-}
-
-// The rows of the part. Only the columns in its reach have the other colour.
-void StripDrawing::drawTextOver(const ColorRows::Part& under, const PictureStrip& front) const {
-    const ZvRect& box = mScene.textRect;
-    const int width = clampToSize(INT_MAX, front.width);
-    const int left = std::clamp(under.left, 0, width);
-    const int right = static_cast<int>(std::clamp<int64_t>(int64_t{under.left} + under.width, left, width));
-    for (int i = 0; i < under.height; ++i) {
-        const int y = under.top + i;
-        const auto underAt = [&](int x) {
-            return under.coverage + ptrdiff_t{i} * under.stride + (ptrdiff_t{x} - under.left);
-        };
-        const bool hasText = y >= box.top && y < box.bottom;
-        const int begin = std::clamp(hasText ? box.left : right, left, right);
-        const int end = std::clamp(hasText ? box.right : right, begin, right);
-        if (hasText) {
-            paintText(front, y, box.left, std::min(box.right, left));
-            paintText(front, y, std::max(box.left, right), box.right);
+    ColorRows::Part parts[PlainColors::kMost];
+    for (ColorRows::Part& part : parts) part.top = rows.begin;
+    const int end = std::min(rows.end, mDrawn.bottom);
+    for (int y = std::max(rows.begin, mDrawn.top); y < end; ++y) {
+        PlainColors::Coverage coverages[PlainColors::kMost];
+        if (y >= box.top && y < box.bottom) {
+            coverages[0] = {mask.pixels + static_cast<size_t>(y) * mask.width + box.left, box.left,
+                            box.right};
         }
-        if (left == right) continue;
-        mTextOver->paintUnder(front.at(left, y), underAt(left), static_cast<size_t>(begin - left));
-        if (begin < end)
-            mTextOver->paintBoth(front.at(begin, y), coverageAt(begin, y), underAt(begin),
-                                 static_cast<size_t>(end - begin));
-        mTextOver->paintUnder(front.at(end, y), underAt(end), static_cast<size_t>(right - end));
+        for (size_t i = 1; i < mColorCount; ++i) {
+            ColorRows::Part& part = parts[i];
+            if (y >= part.top + part.height) {
+                part = mColorRows[i]->next({y, rows.end});
+                if (part.height <= 0) part.top = rows.end;  // none left in these rows
+            }
+            if (y < part.top) continue;
+            coverages[i] = {part.coverage + ptrdiff_t{y - part.top} * part.stride, part.left,
+                            clampToInt(int64_t{part.left} + part.width)};
+        }
+        mPlain->paintRow(front.at(mDrawn.left, y), mDrawn.left, mDrawn.right, coverages);
     }
 }
 

@@ -2,6 +2,8 @@
 #ifndef ZVEX_EFFECT_STRIPDRAWING_H_
 #define ZVEX_EFFECT_STRIPDRAWING_H_
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -51,23 +53,19 @@ private:
         bool behind = false, both = false;
     };
 
-    const uint8_t* coverageAt(int x, int y) const;
-    void preparePlainText(PixelOrder order);
+    void preparePlainColors(PixelOrder order);
     void drawStrip(RowRange rows, PixelOrder order);
-    void paintText(const PictureStrip& front, int y, int begin, int end) const;
-    void drawText(const PictureStrip& front, RowRange rows) const;
-    void drawTextOver(const ColorRows::Part& under, const PictureStrip& front) const;
-    void drawTextOverColor(const PictureStrip& front, RowRange rows) const;
+    void drawPlainColors(const PictureStrip& front, RowRange rows) const;
     void drawLayers(const PictureStrip& front, RowRange rows, PixelOrder order);
     void finishStrip(const PictureStrip& front, const PictureStrip& back, RowRange rows, PixelOrder order);
 
     Scene mScene;
     ZvRect mDrawn;
     std::unique_ptr<WaitingLayer[]> mWaiting;  // one for each layer, or null
-    // Of a picture with nothing but the text, or the text over one colour.
-    std::optional<TextColors> mText;
-    std::optional<TextOverColor> mTextOver;
-    ColorRows* mUnder = nullptr;
+    // If the picture is only text over colours.
+    std::optional<PlainColors> mPlain;
+    std::array<ColorRows*, PlainColors::kMost> mColorRows = {};  // null for the text
+    size_t mColorCount = 0;
     // A strip's rows. If the picture is larger than the caches, they are drawn here and then copied.
     Buffer<uint8_t> mFront, mBack;
 };

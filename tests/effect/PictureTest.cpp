@@ -83,14 +83,14 @@ TEST(Picture, IsWhatTheLayersMakeOneAfterTheOther) {
     }
 }
 
-// Text over one colour, and pictures too large for the caches, have paths of their own.
-TEST(Picture, OfTextOverOneColourOrLarge) {
-    for (unsigned seed = 0; seed < 120; ++seed) {
+// Text over one or two colours, and pictures too large for the caches, have paths of their own.
+TEST(Picture, OfTextOverColoursOrLarge) {
+    for (unsigned seed = 0; seed < 240; ++seed) {
         SCOPED_TRACE("seed " + std::to_string(seed));
         Random random(seed);
         Rendering rendering(seed);
         auto& [width, height, stack, lines] = rendering;
-        if (seed % 20 == 0) {
+        if (seed % 40 == 0) {
             width = 2100;
             height = 501;
         } else {
@@ -98,12 +98,13 @@ TEST(Picture, OfTextOverOneColourOrLarge) {
             stack.clearTextOpacity();
             width *= 3;
             const float size = static_cast<float>(random.below(70)) * 0.25f;
-            if (random.below(2) == 0) {
-                stack.addStrokeText(size, random.color(), 1, 0, ZV_STROKE_OUTSIDE);
-            } else {
-                stack.addOuterShadowText(static_cast<float>(random.below(360)),
-                                         static_cast<float>(random.below(30)), size, random.color(), 0.8f);
+            const float opacity = random.below(2) != 0 ? 1.0f : 0.6f;
+            if (seed % 3 != 1) {
+                const auto angle = static_cast<float>(random.below(360)),
+                           distance = static_cast<float>(random.below(30));
+                stack.addOuterShadowText(angle, distance, size, random.color(), 1.6f - opacity);
             }
+            if (seed % 3 != 0) stack.addStrokeText(size, random.color(), opacity, 0, ZV_STROKE_OUTSIDE);
             stack.addText(random.color() | (random.below(2) != 0 ? 0xFF000000u : 0));
         }
         ZvBitmap expected = inLayers(stack, width, height, lines);
