@@ -2,8 +2,17 @@
 //
 // Inward: from the distances around the glyphs to the pixels below 0 within them. Every pixel p above 1 is a
 // seed of value -value(p), see SearchWindow.h; the best candidate of q is the smallest |q - p| - value(p). On
-// a slope nearly everything except the ray across the edge is hidden. On that ray all candidates are
-// examined, because their roundings decide.
+// a slope nearly everything except the ray across the edge is hidden. On that ray all candidates are equal
+// except for rounding, and the rounding decides, so a ray cannot be cut short. Two things can:
+//
+// - Straight edges along the axes. If p's neighbours on both sides along one axis are at least as high as p,
+//   every q beside p's own line is nearer to one of them, and no worse off with it: roots and differences
+//   only grow with the distance, however they are rounded. If the two neighbours along the other axis are at
+//   least p's value - 1, they are exactly 1 nearer to a q on that line and at most 1 lower: no worse either,
+//   since whole numbers have exact roots. Such a p is no seed (keepSeeds). The neighbour that replaces it for
+//   q may be none either, but each replacement is nearer to q, so the last one is a seed.
+// - Thin glyphs. A q at a distance d from its nearest seed, which is above 1, has a candidate below d - 1. So
+//   no q needs a p further away than the largest d - 1 plus value(p).
 //
 // Seeds are taken in strips of kStrip pixels, with the smallest advantages of the strip: then a strip hides
 // no more than each of its pixels does. It may examine more than is visible, which does no harm: all are
@@ -28,9 +37,14 @@ constexpr int kStrip = 16;
 // Windows up to this reach are searched whole.
 constexpr int kLastWholeReach = 8;
 
-// A row of seeds: their values, and minus infinity where there is no seed.
+// Up to this one, looking for needless seeds costs more than it saves.
+constexpr int kLastPlainReach = 24;
+
+// A row of pixels above 1, and minus infinity for all others.
 struct SeedRow {
     const float *above, *here, *below;  // this row and its neighbours
+    const float* seeds;                 // this row's seeds
+    float deepest;                      // no candidate above this is needed
     // For each strip, the number of rows down to the next one with pixels below 0. There is such a line for
     // every row from firstRow to the last one searched.
     const int16_t* gaps;
@@ -53,8 +67,10 @@ public:
         mPrepared = begin;
         mLast = end <= s.height - mReach ? end - 1 + mReach : s.height - 1;
         mFar = static_cast<int16_t>(mReach + 1);
-        return mVisibility.make(roots, kInfinite) && makeGaps(begin, end, roots.reachX()) &&
-               makeHigh(roots.reachX()) && mRows.make(roots, s.width, begin, end);
+        mNarrows = std::max(mReach, roots.reachX()) > kLastPlainReach;
+        return (!mNarrows || findDeepest(roots, begin, end)) && mVisibility.make(roots, kInfinite) &&
+               makeGaps(begin, end, roots.reachX()) && makeHigh(roots.reachX()) &&
+               mRows.make(roots, s.width, begin, end);
     }
 
     // Moves to the next row; at the first call, to the first one. Stops and returns false if a value is
@@ -101,12 +117,40 @@ private:
         return true;
     }
 
+    // From the nearest pixels above 1, as NearestFull finds them.
+    bool findDeepest(const WindowRoots& roots, int begin, int end) {
+        const int width = mSearch.width, reachX = roots.reachX(), reachY = roots.reachY();
+        constexpr int kBeyond = 63;  // pixels that NearestFull writes behind a row
+        NearestFull nearest;
+        Buffer<uint8_t> levels;
+        Buffer<float> distances;
+        if (!levels.allocate(int64_t{mLast} - mFirst + 1, width) ||
+            !distances.allocate(int64_t{width} + kBeyond)) {
+            return false;
+        }
+        const float* plane = mSearch.plane + ptrdiff_t{mFirst} * width;
+        ZVEX_ON_TARGET(markHigh(levels.get(), plane, (ptrdiff_t{mLast} - mFirst + 1) * width));
+        if (!nearest.make(levels.get(), width, 0, mLast - mFirst, reachX, reachY, reachY + 1)) return false;
+        float furthest = 1.0f;
+        for (int y = mFirst; y < end; ++y) {
+            const float* values = mSearch.plane + ptrdiff_t{y} * width;
+            if (!nearest.next() || y < begin || !ZVEX_ON_TARGET(isAnyBelow(values, width))) continue;
+            nearest.distances(distances.get(), nullptr, reachX * reachX + reachY * reachY, 0.0f);
+            furthest = ZVEX_ON_TARGET(furthestBelow(values, distances.get(), width, furthest));
+        }
+        // More than rounding can change the sums.
+        const float margin = 1e-2f + 1e-6f * static_cast<float>(std::max(reachX, reachY));
+        mDeepest = furthest - 1.0f + margin;
+        return true;
+    }
+
     bool makeHigh(int reachX) {
         const int64_t padding = 2 * int64_t{reachX} + CandidateRows::kPadding;
         mHighSpan = mSearch.width + 2 * padding;
-        if (!mHigh.allocate(3, mHighSpan)) return false;
-        std::fill_n(mHigh.get(), 3 * mHighSpan, -kInfinite);
+        if (!mHigh.allocate(4, mHighSpan)) return false;
+        std::fill_n(mHigh.get(), 4 * mHighSpan, -kInfinite);
         mHighBegin = mHigh.get() + padding;
+        mSeeds = mHighBegin + 3 * mHighSpan;
         return true;
     }
     float* high(int y) const { return mHighBegin + (y + 3) % 3 * mHighSpan; }
@@ -128,8 +172,10 @@ private:
         ZVEX_ON_TARGET(stepGaps(up, down, mStrips, mFar));
         ZVEX_ON_TARGET(leastGaps(leastUp, up, mStrips, mReachStrips));
         ZVEX_ON_TARGET(leastGaps(leastDown, down, mStrips, mReachStrips));
-        const SeedRow row = {high(y - 1), high(y),   high(y + 1), mGaps.get(),
-                             leastUp,     leastDown, mFirst,      mStrips};
+        if (mNarrows) ZVEX_ON_TARGET(keepSeeds(mSeeds, high(y - 1), high(y), high(y + 1), mSearch.width));
+        const float* seeds = mNarrows ? mSeeds : high(y);
+        const SeedRow row = {high(y - 1), high(y), high(y + 1), seeds,  mDeepest,
+                             mGaps.get(), leastUp, leastDown,   mFirst, mStrips};
         ZVEX_ON_TARGET(writeStrips(mRows.view(), row, y, mReach, mVisibility.view()));
     }
 
@@ -137,7 +183,9 @@ private:
     WindowVisibility mVisibility;
     CandidateRows mRows;
     Buffer<float> mHigh;  // the rows of SeedRow
-    float* mHighBegin = nullptr;
+    float *mHighBegin = nullptr, *mSeeds = nullptr;
+    bool mNarrows = false;       // looks for needless seeds and for the deepest pixel
+    float mDeepest = kInfinite;  // see SeedRow
     int64_t mHighSpan = 0;
     Buffer<int16_t> mGaps, mNone, mUp, mDown, mLeast;  // see SeedRow
     int16_t mFar = 0;                                  // one more than the reach
