@@ -2,6 +2,7 @@
 #include "text/FontFamilyIndex.h"
 
 #include <algorithm>
+#include <mutex>
 #include <utility>
 
 #include "foundation/List.h"
@@ -63,7 +64,11 @@ bool FontFamilyIndex::isCurrent(List* families) const {
 
 std::shared_ptr<const FontFamilyIndex::Families> FontFamilyIndex::update(List* families,
                                                                          std::atomic<uint64_t>& changes) {
-    const std::lock_guard<std::mutex> lock(mMutex);
+    if (families == nullptr) {
+        const std::shared_lock<std::shared_mutex> lock(mMutex);
+        if (mFamilies != nullptr && mFamilies->empty()) return mFamilies;
+    }
+    const std::lock_guard<std::shared_mutex> lock(mMutex);
     if (isCurrent(families)) return mFamilies;
     ++changes;
     mFamilies.reset();

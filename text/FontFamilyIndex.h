@@ -5,7 +5,7 @@
 #include <atomic>
 #include <cstdint>
 #include <memory>
-#include <mutex>
+#include <shared_mutex>
 #include <string>
 #include <vector>
 
@@ -47,7 +47,7 @@ private:
     bool isCurrent(List* families) const;
 
     std::shared_ptr<const Families> mFamilies;  // null: not made
-    std::mutex mMutex;                          // for mFamilies and the cursors of the lists
+    std::shared_mutex mMutex;                   // for mFamilies and the cursors of the lists
 };
 
 }  // namespace Zvex

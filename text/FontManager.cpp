@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "text/FontManager.h"
 
+#include <atomic>
 #include <mutex>
 #include <new>
 #include <string>
@@ -43,10 +44,13 @@ FontManager* FontManager::GetInstance() {
     // Never destroyed: threads may still render while the process ends.
     alignas(FontManager) static char storage[sizeof(FontManager)];
     static FontManager* const instance = new (storage) FontManager;
+    static std::atomic<bool> complete{false};
+    if (complete.load(std::memory_order_acquire)) return instance;
     static std::mutex making;
     // Try again if memory was short the last time.
     const std::lock_guard<std::mutex> lock(making);
     if (instance->mImpl == nullptr) instance->mImpl = new (std::nothrow) ZvFontManagerImpl;
+    complete.store(instance->mImpl != nullptr, std::memory_order_release);
     return instance;
 }
 

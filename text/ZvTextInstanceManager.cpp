@@ -2,6 +2,7 @@
 #include "text/ZvTextInstanceManager.h"
 
 #include <algorithm>
+#include <atomic>
 #include <climits>
 #include <list>
 #include <map>
@@ -21,15 +22,18 @@ namespace {
 
 constexpr char kTag[] = "ZvTextInstanceManager";
 
+using HandleTable = std::map<int, ZvTextObject*>;
+using HandleIndex = std::map<ZvTextObject*, int>;
+
 struct Registry {
     std::map<ZvTextObject*, int> bindCounts;
-    std::map<int, ZvTextObject*> handleTable;
-    std::map<ZvTextObject*, int> handleIndex;
+    HandleTable handleTable;
+    HandleIndex handleIndex;
     std::list<ZvTextObject*> deferred;  // deferred releases, the latest in front
     void (*releaseCallback)(ZvTextObject*) = nullptr;
     bool locked = false;
     int lastHandle = 0;
-    std::unique_ptr<Mutex> mutex;  // null until it could be made
+    std::atomic<Mutex*> mutex{nullptr};  // null until it could be made
     std::mutex makingMutex;
 };
 
@@ -44,15 +48,8 @@ Registry& registry() {
 // one.
 class Guard {
 public:
-    Guard() : mRegistry(registry()) {
-        {
-            const std::lock_guard<std::mutex> lock(mRegistry.makingMutex);
-            if (mRegistry.mutex == nullptr) {
-                auto made = tryMake<Mutex>();
-                if (made != nullptr && made->Construct()) mRegistry.mutex = std::move(made);
-            }
-            mMutex = mRegistry.mutex.get();
-        }
+    Guard() : mRegistry(registry()), mMutex(mRegistry.mutex.load(std::memory_order_acquire)) {
+        if (mMutex == nullptr) mMutex = makeMutex();
         if (mMutex != nullptr) mMutex->Lock();
     }
     ~Guard() {
@@ -64,6 +61,16 @@ public:
     Registry* operator->() { return &mRegistry; }
 
 private:
+    Mutex* makeMutex() {
+        const std::lock_guard<std::mutex> lock(mRegistry.makingMutex);
+        Mutex* mutex = mRegistry.mutex.load(std::memory_order_relaxed);
+        if (mutex != nullptr) return mutex;
+        auto made = tryMake<Mutex>();
+        if (made != nullptr && made->Construct()) mutex = made.release();
+        mRegistry.mutex.store(mutex, std::memory_order_release);
+        return mutex;
+    }
+
     Registry& mRegistry;
     Mutex* mMutex;
 };
@@ -75,7 +82,15 @@ void ZvTextInstanceManager::SetCallBack(void (*callback)(ZvTextObject*)) {
     state->releaseCallback = callback;
 }
 
+// Nodes are made and freed without the mutex, which other threads want.
 int ZvTextInstanceManager::Register(ZvTextObject* object) {
+    HandleTable entry;
+    HandleIndex index;
+    const bool made = unlessOutOfMemory(false, [&] {
+        entry.emplace(0, object);
+        index.emplace(object, 0);
+        return true;
+    });
     Guard state;
     const auto known = state->handleIndex.find(object);
     if (known != state->handleIndex.end()) return known->second;
@@ -84,19 +99,14 @@ int ZvTextInstanceManager::Register(ZvTextObject* object) {
         ZV_REPORT_ERROR(kTag, ZV_ERROR_OUT_OF_RANGE);
         return -1;
     }
-    const int handle = state->lastHandle + 1;
-    return unlessOutOfMemory(-1, [&] {
-        const auto entry = state->handleTable.emplace(handle, object).first;
-        const bool both = unlessOutOfMemory(false, [&] {
-            state->handleIndex.emplace(object, handle);
-            return true;
-        });
-        if (!both) {
-            state->handleTable.erase(entry);
-            return -1;
-        }
-        return state->lastHandle = handle;
-    });
+    if (!made) return -1;
+    const int handle = ++state->lastHandle;
+    HandleTable::node_type node = entry.extract(entry.begin());
+    node.key() = handle;
+    state->handleTable.insert(std::move(node));
+    index.begin()->second = handle;
+    state->handleIndex.insert(index.extract(index.begin()));
+    return handle;
 }
 
 int ZvTextInstanceManager::Unregister(int handle) {
@@ -110,12 +120,11 @@ int ZvTextInstanceManager::Unregister(int handle) {
 }
 
 void ZvTextInstanceManager::Forget(ZvTextObject* object) {
+    HandleTable::node_type entry;
+    HandleIndex::node_type index;
     Guard state;
-    const auto known = state->handleIndex.find(object);
-    if (known != state->handleIndex.end()) {
-        state->handleTable.erase(known->second);
-        state->handleIndex.erase(known);
-    }
+    index = state->handleIndex.extract(object);
+    if (!index.empty()) entry = state->handleTable.extract(index.mapped());
     state->bindCounts.erase(object);
     state->deferred.remove(object);
 }

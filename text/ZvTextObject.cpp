@@ -165,9 +165,8 @@ ZvTextObject::ZvTextObject() : mImpl(nullptr) {
 }
 
 ZvTextObject::~ZvTextObject() {
-    const int handle = mImpl != nullptr ? mImpl->runtimeHandle : -1;
-    ZV_DEBUG_LOG(kTag, "~ZvTextObject(%p / %d)", static_cast<void*>(this), handle);
-    ZvTextInstanceManager::Unregister(handle);
+    ZV_DEBUG_LOG(kTag, "~ZvTextObject(%p / %d)", static_cast<void*>(this),
+                 mImpl != nullptr ? mImpl->runtimeHandle : -1);
     ZvTextInstanceManager::Forget(this);
     delete mImpl;
 }

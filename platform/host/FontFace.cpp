@@ -14,6 +14,7 @@
 #include <limits>
 #include <mutex>
 #include <new>
+#include <shared_mutex>
 #include <utility>
 
 #include "platform/host/CodePointSet.h"
@@ -104,9 +105,10 @@ struct FontFace::Impl {
     CodePointSet codePoints;
     std::vector<hb_variation_t> axes;  // their positions, if not the defaults
 
-    std::mutex mutex;  // guards all members below
+    std::mutex mutex;  // guards FreeType
     FreeTypeFace freeType;
     ColourGlyphs colours;
+    std::shared_mutex keptMutex;
     std::vector<KeptMetrics> kept;  // by hash; empty until first used
 
     bool open(const void* data, size_t size, int index);
@@ -181,14 +183,21 @@ Metrics FontFace::Impl::measure(uint32_t glyph, const GlyphStyle& style) {
 Metrics FontFace::Impl::metrics(uint32_t glyph, const GlyphStyle& style) {
     GlyphKey key = keyOf(id, glyph, style);
     if (style.subpixel) key.flags |= kSubpixelKey;
-    if (kept.empty()) kept.resize(kKeptMetrics);
-    KeptMetrics& place = kept[GlyphKeyHash()(key) % kKeptMetrics];
-    if (!(place.key == key)) {
-        const Metrics measured = measure(glyph, style);
-        freeType.throwIfExhausted();
-        place = {key, measured};
+    const size_t place = GlyphKeyHash()(key) % kKeptMetrics;
+    {
+        const std::shared_lock<std::shared_mutex> lock(keptMutex);
+        if (!kept.empty() && kept[place].key == key) return kept[place].metrics;
     }
-    return place.metrics;
+    KeptMetrics measured = {key, {}};
+    {
+        const std::lock_guard<std::mutex> lock(mutex);
+        measured.metrics = measure(glyph, style);
+        freeType.throwIfExhausted();
+    }
+    const std::lock_guard<std::shared_mutex> lock(keptMutex);
+    if (kept.empty()) kept.resize(kKeptMetrics);
+    kept[place] = measured;
+    return measured.metrics;
 }
 
 GlyphImage FontFace::Impl::draw(uint32_t glyph, const GlyphStyle& style, int quarterX) {
@@ -267,10 +276,7 @@ bool FontFace::coversVariation(uint32_t codePoint, uint32_t selector) const {
 
 float FontFace::advance(uint32_t glyph, const GlyphStyle& style) const {
     if (glyph >= mImpl->glyphCount || !drawable(style)) return 0;
-    if (style.rendering == Rendering::Phone) {
-        std::lock_guard<std::mutex> lock(mImpl->mutex);
-        return mImpl->metrics(glyph, style).advance;
-    }
+    if (style.rendering == Rendering::Phone) return mImpl->metrics(glyph, style).advance;
     const hb_position_t units = hb_font_get_glyph_h_advance(mImpl->hbFont.get(), glyph);
     const float pixels =
         static_cast<float>(units) * (style.size * style.scaleX / static_cast<float>(mImpl->unitsPerEm));
@@ -279,26 +285,49 @@ float FontFace::advance(uint32_t glyph, const GlyphStyle& style) const {
 
 InkBox FontFace::inkBox(uint32_t glyph, const GlyphStyle& style) const {
     if (glyph >= mImpl->glyphCount || !drawable(style)) return {};
-    std::lock_guard<std::mutex> lock(mImpl->mutex);
     return mImpl->metrics(glyph, style).ink;
 }
 
 std::shared_ptr<const GlyphImage> FontFace::image(uint32_t glyph, const GlyphStyle& style,
                                                   int quarterX) const {
+    const PlacedGlyph placed = {glyph, quarterX};
+    std::shared_ptr<const GlyphImage> image;
+    images(&placed, 1, style, &image);
+    return image;
+}
+
+void FontFace::images(const PlacedGlyph* glyphs, size_t count, const GlyphStyle& style,
+                      std::shared_ptr<const GlyphImage>* images) const {
     static const std::shared_ptr<const GlyphImage>* const kBlank =
         new std::shared_ptr<const GlyphImage>(std::make_shared<GlyphImage>());
-    if (glyph >= mImpl->glyphCount || !drawable(style)) return *kBlank;
-    quarterX &= 3;
-    GlyphKey key = keyOf(mImpl->id, glyph, style);
-    key.flags |= static_cast<uint32_t>(quarterX) << kQuarterShift;
-    if (std::shared_ptr<const GlyphImage> kept = findGlyph(key)) return kept;
-    auto image = std::make_shared<GlyphImage>();
-    {
-        std::lock_guard<std::mutex> lock(mImpl->mutex);
-        *image = mImpl->draw(glyph, style, quarterX);
-        mImpl->freeType.throwIfExhausted();
+    const bool visible = drawable(style);
+    constexpr size_t kAtOnce = 32;
+    GlyphKey keys[kAtOnce];
+    for (size_t begin = 0; begin < count; begin += kAtOnce) {
+        const size_t some = std::min(count - begin, kAtOnce);
+        const GlyphKey common = keyOf(mImpl->id, 0, style);
+        for (size_t i = 0; i < some; ++i) {
+            keys[i] = common;
+            keys[i].glyph = glyphs[begin + i].glyph;
+            keys[i].flags |= static_cast<uint32_t>(glyphs[begin + i].quarterX & 3) << kQuarterShift;
+            images[begin + i] = nullptr;
+        }
+        if (visible) findGlyphs(keys, some, images + begin);
+        for (size_t i = 0; i < some; ++i) {
+            std::shared_ptr<const GlyphImage>& image = images[begin + i];
+            if (image != nullptr) continue;
+            const bool exists = visible && keys[i].glyph < mImpl->glyphCount;
+            image = exists ? keepGlyph(keys[i], drawn(glyphs[begin + i], style)) : *kBlank;
+        }
     }
-    return keepGlyph(key, std::move(image));
+}
+
+std::shared_ptr<const GlyphImage> FontFace::drawn(const PlacedGlyph& placed, const GlyphStyle& style) const {
+    auto image = std::make_shared<GlyphImage>();
+    const std::lock_guard<std::mutex> lock(mImpl->mutex);
+    *image = mImpl->draw(placed.glyph, style, placed.quarterX & 3);
+    mImpl->freeType.throwIfExhausted();
+    return image;
 }
 
 bool FontFace::hasColours() const {

@@ -130,6 +130,13 @@ public:
     // Coverage for a pen at quarterX / 4 pixels, quarterX in 0..3 (taken modulo 4). Never null. Kept in the
     // process-wide glyph cache.
     std::shared_ptr<const GlyphImage> image(uint32_t glyph, const GlyphStyle& style, int quarterX) const;
+    // The same for several.
+    struct PlacedGlyph {
+        uint32_t glyph = 0;
+        int quarterX = 0;
+    };
+    void images(const PlacedGlyph* glyphs, size_t count, const GlyphStyle& style,
+                std::shared_ptr<const GlyphImage>* images) const;
 
     // Whether the font may have colour glyphs. Lock-free.
     bool hasColours() const;
@@ -149,6 +156,8 @@ public:
 private:
     struct Impl;
     explicit FontFace(std::unique_ptr<Impl> impl);
+
+    std::shared_ptr<const GlyphImage> drawn(const PlacedGlyph& placed, const GlyphStyle& style) const;
 
     std::unique_ptr<Impl> mImpl;
 };

@@ -1,15 +1,19 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// A list in order of use and a table into it, under one lock. Glyphs are rasterised outside the lock, so two
-// threads may make the same image; the cache keeps the first one.
+// A table under one lock, which threads share while they only look. Glyphs are rasterised outside the lock,
+// so two threads may make the same image; the cache keeps the first one.
 #include "platform/host/GlyphCache.h"
 
+#include <algorithm>
+#include <atomic>
 #include <cstring>
-#include <list>
+#include <iterator>
 #include <mutex>
 #include <new>
+#include <shared_mutex>
 #include <unordered_map>
 #include <utility>
+#include <vector>
 
 namespace host {
 
@@ -56,26 +60,27 @@ public:
         return *cache;
     }
 
-    std::shared_ptr<const GlyphImage> find(const GlyphKey& key) {
-        std::lock_guard<std::mutex> lock(mMutex);
-        const auto found = mTable.find(key);
-        if (found == mTable.end()) return nullptr;
-        mEntries.splice(mEntries.begin(), mEntries, found->second);
-        return found->second->image;
+    void find(const GlyphKey* keys, size_t count, std::shared_ptr<const GlyphImage>* images) {
+        const std::shared_lock<std::shared_mutex> lock(mMutex);
+        for (size_t i = 0; i < count; ++i) {
+            const auto found = mTable.find(keys[i]);
+            if (found == mTable.end()) continue;
+            Entry& entry = found->second;
+            if (entry.lastUse.load(std::memory_order_relaxed) != mTime)
+                entry.lastUse.store(mTime, std::memory_order_relaxed);
+            images[i] = entry.image;
+        }
     }
 
     std::shared_ptr<const GlyphImage> keep(const GlyphKey& key, std::shared_ptr<const GlyphImage> image) {
         // The image's bytes, plus roughly the size of the two records and their links.
         const size_t bytes = image->coverage.capacity() + sizeof(GlyphImage) + sizeof(Entry) + 128;
-        std::lock_guard<std::mutex> lock(mMutex);
+        const std::lock_guard<std::shared_mutex> lock(mMutex);
         const auto found = mTable.find(key);
-        if (found != mTable.end()) return found->second->image;
+        if (found != mTable.end()) return found->second.image;
         if (bytes > mLimit / 4) return image;
         try {
-            Entries entry;
-            entry.push_front({key, image, bytes});
-            mTable.emplace(key, entry.begin());
-            mEntries.splice(mEntries.begin(), entry);
+            mTable.try_emplace(key, image, bytes, ++mTime);
         } catch (const std::bad_alloc&) {
             return image;
         }
@@ -85,52 +90,65 @@ public:
     }
 
     void forget(uint32_t faceId) {
-        std::lock_guard<std::mutex> lock(mMutex);
-        for (auto entry = mEntries.begin(); entry != mEntries.end();) {
-            const auto next = std::next(entry);
-            if (entry->key.faceId == faceId) drop(entry);
-            entry = next;
-        }
+        const std::lock_guard<std::shared_mutex> lock(mMutex);
+        for (auto entry = mTable.begin(); entry != mTable.end();)
+            entry = entry->first.faceId == faceId ? drop(entry) : std::next(entry);
     }
 
     void clear() {
-        std::lock_guard<std::mutex> lock(mMutex);
-        mTable.clear();
-        mEntries.clear();
-        mBytes = 0;
+        const std::lock_guard<std::shared_mutex> lock(mMutex);
+        dropAll();
     }
 
     size_t bytes() {
-        std::lock_guard<std::mutex> lock(mMutex);
+        const std::shared_lock<std::shared_mutex> lock(mMutex);
         return mBytes;
     }
 
     void setLimit(size_t bytes) {
-        std::lock_guard<std::mutex> lock(mMutex);
+        const std::lock_guard<std::shared_mutex> lock(mMutex);
         mLimit = bytes;
         shrink();
     }
 
 private:
     struct Entry {
-        GlyphKey key;
-        std::shared_ptr<const GlyphImage> image;
-        size_t bytes;
+        Entry(std::shared_ptr<const GlyphImage> itsImage, size_t itsBytes, uint64_t time)
+            : image(std::move(itsImage)), bytes(itsBytes), lastUse(time) {}
+        const std::shared_ptr<const GlyphImage> image;
+        const size_t bytes;
+        std::atomic<uint64_t> lastUse;  // as mTime was
     };
-    using Entries = std::list<Entry>;
+    using Table = std::unordered_map<GlyphKey, Entry, GlyphKeyHash>;
 
-    void drop(Entries::iterator entry) {
-        mBytes -= entry->bytes;
-        mTable.erase(entry->key);
-        mEntries.erase(entry);
+    Table::iterator drop(Table::iterator entry) {
+        mBytes -= entry->second.bytes;
+        return mTable.erase(entry);
     }
+    void dropAll() {
+        mTable.clear();
+        mBytes = 0;
+    }
+    // Makes room for some further images at once, because looking for the oldest ones takes a while.
     void shrink() {
-        while (mBytes > mLimit) drop(std::prev(mEntries.end()));
+        if (mBytes <= mLimit) return;
+        try {
+            std::vector<Table::iterator> oldest;
+            oldest.reserve(mTable.size());
+            for (auto entry = mTable.begin(); entry != mTable.end(); ++entry) oldest.push_back(entry);
+            std::sort(oldest.begin(), oldest.end(), [](const auto& a, const auto& b) {
+                return a->second.lastUse.load(std::memory_order_relaxed) <
+                       b->second.lastUse.load(std::memory_order_relaxed);
+            });
+            for (size_t i = 0; mBytes > mLimit - mLimit / 8; ++i) drop(oldest[i]);
+        } catch (const std::bad_alloc&) {
+            dropAll();
+        }
     }
 
-    std::mutex mMutex;
-    Entries mEntries;  // most recently used first
-    std::unordered_map<GlyphKey, Entries::iterator, GlyphKeyHash> mTable;
+    std::shared_mutex mMutex;
+    Table mTable;
+    uint64_t mTime = 0;  // goes on with each image that is kept
     size_t mBytes = 0;
     size_t mLimit = kDefaultGlyphCacheLimit;
 };
@@ -147,8 +165,8 @@ void setGlyphCacheLimit(size_t bytes) {
     GlyphCache::get().setLimit(bytes);
 }
 
-std::shared_ptr<const GlyphImage> findGlyph(const GlyphKey& key) {
-    return GlyphCache::get().find(key);
+void findGlyphs(const GlyphKey* keys, size_t count, std::shared_ptr<const GlyphImage>* images) {
+    GlyphCache::get().find(keys, count, images);
 }
 std::shared_ptr<const GlyphImage> keepGlyph(const GlyphKey& key, std::shared_ptr<const GlyphImage> image) {
     return GlyphCache::get().keep(key, std::move(image));

@@ -10,9 +10,9 @@
 
 namespace host {
 
-// The process keeps rasterised glyphs up to a bound in bytes (16 MiB at the start) and drops the least
-// recently used first. An image of more than a quarter of the bound is not kept. Any thread may call these
-// functions. Images that are in use stay valid in any case.
+// The process keeps rasterised glyphs up to a bound in bytes (16 MiB at the start). Beyond it, the least
+// recently used go first, an eighth of the bound at once. An image of more than a quarter of the bound is not
+// kept. Any thread may call these functions. Images that are in use stay valid in any case.
 constexpr size_t kDefaultGlyphCacheLimit = size_t{16} << 20;
 
 void clearGlyphCache();
@@ -40,7 +40,9 @@ struct GlyphKeyHash {
 GlyphKey keyOf(uint32_t faceId, uint32_t glyph, const GlyphStyle& style);
 
 // For FontFace.
-std::shared_ptr<const GlyphImage> findGlyph(const GlyphKey& key);  // null when not kept
+
+// Sets the images that are kept; the others stay as they are.
+void findGlyphs(const GlyphKey* keys, size_t count, std::shared_ptr<const GlyphImage>* images);
 // Keeps the image unless the key has one already. Returns the kept image, or `image` if none is kept.
 std::shared_ptr<const GlyphImage> keepGlyph(const GlyphKey& key, std::shared_ptr<const GlyphImage> image);
 void forgetGlyphs(uint32_t faceId);

@@ -16,6 +16,7 @@ constexpr uint32_t kNoFace = UINT32_MAX;
 // How many units before and after a word are passed as context. HarfBuzz looks at five characters.
 constexpr size_t kContext = 16;
 constexpr size_t kKeptUnits = 128;  // longer words are not kept
+constexpr size_t kKeyBytes = 128;   // enough for the request and a word of usual length
 
 // Blanks and directional controls; each is a word of its own.
 bool isBlankOrControl(uint16_t unit) {
@@ -49,6 +50,7 @@ void put(std::string* key, const T& value) {
 std::string keyOf(const LayoutRequest& request, const std::vector<hb_feature_t>& features) {
     const GlyphStyle& glyph = request.glyph;
     std::string key;
+    key.reserve(kKeyBytes + features.size() * (sizeof features[0].tag + sizeof features[0].value));
     put(&key, request.collection->id());
     put(&key, request.style.weight());
     put(&key, request.localeListId);
@@ -74,9 +76,9 @@ minikin::MinikinRect moved(const minikin::MinikinRect& box, float x) {
 }  // namespace
 
 LayoutBuilder::LayoutBuilder(const LayoutRequest& request)
-    : mFallback(*request.collection, request.style, request.localeListId, request.variant),
+    : mRequest(request),
+      mFallback(*request.collection, request.style, request.localeListId, request.variant),
       mFeatures(featuresOf(request)),
-      mShaper(request, mFeatures, mFallback),
       mKey(keyOf(request, mFeatures)),
       mKeyStart(mKey.size()),
       mFaceOfFamily(request.collection->families().size(), kNoFace) {}
@@ -120,7 +122,7 @@ void LayoutBuilder::layWord(const WordRange& range, bool rightToLeft) {
     const size_t size = range.contextEnd - range.contextStart, start = range.start - range.contextStart,
                  end = range.end - range.contextStart;
     if (size > kKeptUnits) {
-        append(mShaper.shape(text, start, end, size, rightToLeft), range.contextStart);
+        append(shaper().shape(text, start, end, size, rightToLeft), range.contextStart);
         return;
     }
     mKey.resize(mKeyStart);
@@ -131,15 +133,20 @@ void LayoutBuilder::layWord(const WordRange& range, bool rightToLeft) {
     mKey.append(reinterpret_cast<const char*>(text), size * sizeof *text);
     std::shared_ptr<const Word> word = findWord(mKey);
     if (!word) {
-        word = std::make_shared<const Word>(mShaper.shape(text, start, end, size, rightToLeft));
+        word = std::make_shared<const Word>(shaper().shape(text, start, end, size, rightToLeft));
         keepWord(mKey, word);
     }
     append(*word, range.contextStart);
 }
 
+WordShaper& LayoutBuilder::shaper() {
+    return mShaper ? *mShaper : mShaper.emplace(mRequest, mFeatures, mFallback);
+}
+
 // A word begins at a whole pixel, wherever the word before it ended.
 void LayoutBuilder::append(const Word& word, size_t origin) {
     const float x = std::trunc(mLayout.mAdvance);
+    if (mLayout.mGlyphs.empty()) mLayout.mGlyphs.reserve(word.glyphs.size());
     for (const Word::Glyph& glyph : word.glyphs) {
         mLayout.mGlyphs.push_back({faceIndexOf(glyph.family), glyph.id, x + glyph.x, glyph.y,
                                    static_cast<uint32_t>(origin) + glyph.cluster, moved(glyph.ink, x)});

@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -30,12 +31,14 @@ private:
     void layLeftToRight(size_t start, size_t end);
     void layRightToLeft(size_t start, size_t end);
     void layWord(const WordRange& range, bool rightToLeft);
+    WordShaper& shaper();
     void append(const Word& word, size_t origin);
     uint32_t faceIndexOf(size_t family);
 
+    const LayoutRequest& mRequest;
     FontFallback mFallback;
     const std::vector<hb_feature_t> mFeatures;
-    WordShaper mShaper;
+    std::optional<WordShaper> mShaper;  // made for the first word that is not kept
     std::string mKey;  // of the current word; begins with the part that all words of the request share
     size_t mKeyStart = 0;
     std::vector<uint32_t> mFaceOfFamily;  // index into mLayout.mFaces, or none yet

@@ -151,6 +151,8 @@ bool Locale::writesIn(hb_script_t hbScript) const {
 }
 
 const LocaleList& localeListOf(uint32_t id) {
+    static const LocaleList* const kNone = new LocaleList;
+    if (id == 0) return *kNone;
     Registry& known = registry();
     const std::lock_guard<std::mutex> lock(known.mutex);
     return known.lists[id < known.lists.size() ? id : 0];

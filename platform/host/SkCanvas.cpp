@@ -150,6 +150,15 @@ void straightRowOver(uint8_t* target, const uint8_t* source, uint8_t alpha, int 
     }
 }
 
+// Glyphs whose images are looked up at once.
+struct GlyphBatch {
+    static constexpr size_t kSize = 16;
+    size_t count = 0;
+    host::GlyphPen pens[kSize];
+    host::FontFace::PlacedGlyph glyphs[kSize];
+    std::shared_ptr<const host::GlyphImage> images[kSize];
+};
+
 }  // namespace
 
 SkCanvas::SkCanvas(const SkBitmap& bitmap) : mBitmap(bitmap) {
@@ -232,17 +241,26 @@ void SkCanvas::drawTextBlob(const sk_sp<SkTextBlob>& blob, SkScalar x, SkScalar 
         const host::FontFace& face = *font.getTypeface()->face();
         const host::GlyphStyle style = host::glyphStyleOf(font);
         const bool paths = host::drawnAsPath(style);
+        GlyphBatch batch;
+        const auto drawBatch = [&] {
+            face.images(batch.glyphs, batch.count, style, batch.images);
+            for (size_t i = 0; i < batch.count; ++i)
+                drawGlyph(*batch.images[i], batch.pens[i].x, batch.pens[i].y, color);
+            batch.count = 0;
+        };
         for (size_t i = 0; i < run->glyphs.size(); ++i) {
             const float penX = x + run->positions[2 * i], penY = y + run->positions[2 * i + 1];
-            host::GlyphPen pen;
+            host::GlyphPen& pen = batch.pens[batch.count];
             if (!host::placePen(penX, penY, style, &pen)) continue;
             if (paths) {
                 const host::GlyphBox clip = {mClip.left, mClip.top, mClip.right, mClip.bottom};
                 drawGlyph(face.pathImage(run->glyphs[i], style, penX, penY, clip), 0, 0, color);
-            } else {
-                drawGlyph(*face.image(run->glyphs[i], style, pen.quarterX), pen.x, pen.y, color);
+                continue;
             }
+            batch.glyphs[batch.count] = {run->glyphs[i], pen.quarterX};
+            if (++batch.count == batch.kSize) drawBatch();
         }
+        drawBatch();
     }
 }
 

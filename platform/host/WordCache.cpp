@@ -9,6 +9,7 @@
 #include <functional>
 #include <iterator>
 #include <mutex>
+#include <shared_mutex>
 #include <unordered_map>
 #include <utility>
 
@@ -27,23 +28,34 @@ public:
     }
 
     std::shared_ptr<const Word> find(const std::string& key) {
-        const std::lock_guard<std::mutex> lock(mMutex);
-        const auto young = mYoung.find(key);
-        if (young != mYoung.end()) return young->second;
-        const auto old = mOld.find(key);
-        if (old == mOld.end()) return nullptr;
-        std::shared_ptr<const Word> word = old->second;
-        put(key, word);
+        std::shared_ptr<const Word> word;
+        {
+            const std::shared_lock<std::shared_mutex> lock(mMutex);
+            const auto young = mYoung.find(key);
+            if (young != mYoung.end()) return young->second;
+            const auto old = mOld.find(key);
+            if (old == mOld.end()) return nullptr;
+            word = old->second;
+        }
+        keep(key, word);
         return word;
     }
 
     void keep(const std::string& key, const std::shared_ptr<const Word>& word) {
-        const std::lock_guard<std::mutex> lock(mMutex);
-        put(key, word);
+        Words dropped;  // after the lock, because that takes a while
+        Words entry;
+        entry.emplace(key, word);
+        const std::lock_guard<std::shared_mutex> lock(mMutex);
+        if (mYoung.size() >= kWordsOfShelf) {
+            dropped.reserve(kWordsOfShelf);
+            dropped.swap(mOld);
+            mOld.swap(mYoung);
+        }
+        mYoung.insert(entry.extract(entry.begin()));
     }
 
     void forget(uint64_t collection) {
-        const std::lock_guard<std::mutex> lock(mMutex);
+        const std::lock_guard<std::shared_mutex> lock(mMutex);
         for (Words* words : {&mYoung, &mOld}) {
             for (auto entry = words->begin(); entry != words->end();) {
                 const bool gone = std::memcmp(entry->first.data(), &collection, sizeof collection) == 0;
@@ -55,15 +67,7 @@ public:
 private:
     using Words = std::unordered_map<std::string, std::shared_ptr<const Word>>;
 
-    void put(const std::string& key, const std::shared_ptr<const Word>& word) {
-        if (mYoung.size() >= kWordsOfShelf) {
-            mOld.swap(mYoung);
-            mYoung.clear();
-        }
-        mYoung.emplace(key, word);
-    }
-
-    std::mutex mMutex;
+    std::shared_mutex mMutex;
     Words mYoung, mOld;
 };
 
@@ -81,7 +85,7 @@ struct Collections {
         uint64_t number;
         std::vector<uint32_t> faceIds;
     };
-    std::mutex mutex;
+    std::shared_mutex mutex;
     uint64_t last = 0;
     std::unordered_map<std::string, Entry> numbers;
 };
@@ -98,8 +102,13 @@ Collections& collections() {
 
 uint64_t numberOfCollection(const std::string& bytes, const std::vector<uint32_t>& faceIds) {
     Collections& known = collections();
-    const std::lock_guard<std::mutex> lock(known.mutex);
-    const auto entry = known.numbers.find(bytes);
+    {
+        const std::shared_lock<std::shared_mutex> lock(known.mutex);
+        const auto entry = known.numbers.find(bytes);
+        if (entry != known.numbers.end()) return entry->second.number;
+    }
+    const std::lock_guard<std::shared_mutex> lock(known.mutex);
+    const auto entry = known.numbers.find(bytes);  // another thread may have added it
     if (entry != known.numbers.end()) return entry->second.number;
     if (known.numbers.size() >= kKeptNumbers) {
         for (const auto& [key, value] : known.numbers) {
@@ -115,7 +124,7 @@ uint64_t numberOfCollection(const std::string& bytes, const std::vector<uint32_t
 // Called when fonts are destroyed, so it allocates nothing.
 void forgetWords(uint32_t faceId) {
     Collections& known = collections();
-    const std::lock_guard<std::mutex> lock(known.mutex);
+    const std::lock_guard<std::shared_mutex> lock(known.mutex);
     for (auto entry = known.numbers.begin(); entry != known.numbers.end();) {
         const std::vector<uint32_t>& faces = entry->second.faceIds;
         if (std::find(faces.begin(), faces.end(), faceId) == faces.end()) {

@@ -370,6 +370,7 @@ void WordShaper::place(hb_buffer_t* buffer, const ScriptRun& run) {
     const hb_glyph_info_t* infos = hb_buffer_get_glyph_infos(buffer, &count);
     const hb_glyph_position_t* positions = hb_buffer_get_glyph_positions(buffer, nullptr);
 
+    if (mWord.glyphs.empty()) mWord.glyphs.reserve(count);
     float pen = mWord.advance;
     const auto space = [&pen](double pixels) { pen = static_cast<float>(static_cast<double>(pen) + pixels); };
     for (unsigned i = 0; i < count; i++) {
