@@ -41,6 +41,8 @@ struct Widths {
         radius = soft ? blur : size + 2;
         margin = reliefMargin(radius, blur, property.soften);
     }
+
+    bool exact() const { return soft && radius >= kFirstExactRadius; }
 };
 
 // What the distances are measured from: the full pixels, on the side of the edge that has no slope.
@@ -51,9 +53,9 @@ struct Edge {
 
     // Unless the slope is wide and soft, uses the fractions of partly covered pixels, which lie within a
     // pixel of the other side.
-    bool make(const Widths& widths, const WorkingArea& area, const ZvBitmap& mask, bool inner) {
+    bool make(const Widths& widths, const ReliefArea& area, const ZvBitmap& mask, bool inner) {
         const int radius = static_cast<int>(widths.radius);
-        const bool exact = widths.soft && radius >= kFirstExactRadius;
+        const bool exact = widths.exact();
         if (!levels.allocate(area.height, area.width)) return false;
         makeLevels(levels.get(),
                    inner   ? Levels::Coverage
@@ -78,17 +80,24 @@ SlopeLighting lighting(const ReliefLight& light, int64_t radius, bool inner) {
     return {LitSide::Bevel, light, static_cast<float>(radius), 0, !inner};
 }
 
-// Lights the slopes.
+// Lights the slopes of the area, which is a part of the whole one.
 bool lightSlopes(ReliefPlanes& planes, const ZvBevelProperty& property, const Widths& widths,
-                 const WorkingArea& area, const ZvBitmap& mask) {
+                 const ReliefArea& area, const ReliefArea& whole, const ZvBitmap& mask) {
     const bool inner = property.style == 1;
+    const int radius = static_cast<int>(widths.radius);
+    const bool isPartSame = !widths.exact() || DistanceRows::isMinimum(whole.width, whole.height, radius);
+    const ReliefArea& measured = isPartSame ? area : whole;
     Edge edge;
-    if (!edge.make(widths, area, mask, inner) || !planes.allocate(area)) return false;
+    if (!edge.make(widths, measured, mask, inner) || !planes.allocate(area)) return false;
     const SlopeLighting slopes = lighting(ReliefLight::make(property, kDepthFloor), widths.radius, inner);
-    for (int y = 0; y < area.height; ++y) {
+    const int dx = area.x - measured.x, dy = area.y - measured.y;
+    const DistanceRows& rows = *edge.distances;
+    for (int y = 0; y < dy + area.height; ++y) {
         edge.distances->next();
-        planes.clearRow(area, y);
-        if (y >= 2) planes.lightRow(slopes, area, *edge.distances, y);
+        if (y >= dy) planes.clearRow(area, y - dy);
+        if (y < dy + 2) continue;
+        planes.lightRow(slopes, area, rows.row(y - 2) + dx, rows.row(y - 1) + dx, rows.row(y) + dx,
+                        y - dy - 1);
     }
     return true;
 }
@@ -106,11 +115,12 @@ ZvBevel::~ZvBevel() {
 int ZvBevel::doPostProcessing(ParamPostProcessing* param) {
     if (property == nullptr || !isDrawable(param)) return 0;
     const Widths widths(*property);
-    WorkingArea area;
-    if (!area.grow(*param->textRect, widths.margin)) return 0;
+    ReliefArea whole;
+    if (!whole.grow(*param, widths.margin)) return 0;
+    const ReliefArea area = whole.cut(reliefBorder(widths.blur, property->soften));
 
     ReliefPlanes planes;
-    if (!lightSlopes(planes, *property, widths, area, *param->mask)) return 0;
+    if (!lightSlopes(planes, *property, widths, area, whole, *param->mask)) return 0;
     const ReliefColors colors = {widths.soft ? kSoftGain : 1.0f, property->highlightColor,
                                  property->shadowColor};
     const int mode = param->layerMode == 1 ? ZVE_BLEND_SRC_OVER : ZVE_BLEND_DST_OVER;

@@ -70,33 +70,42 @@ void forReliefs(const ReliefLight& light, int count, const Light& visit) {
 
 // Soft, wide slopes: two planes of distances, one for each side of the edge.
 bool lightExactSlopes(ReliefPlanes* planes, int count, const ZvEmbossProperty& property, const Widths& widths,
-                      const WorkingArea& area, const ZvBitmap& mask) {
+                      const ReliefArea& area, const ReliefArea& whole, const ZvBitmap& mask) {
+    // The neighbours of a pixel on the slope lie less than a pixel beyond it.
+    constexpr int kBeyond = 2;
     const int outer = static_cast<int>(widths.outer), inner = static_cast<int>(widths.inner);
     Buffer<uint8_t> levels[2];
     std::unique_ptr<DistanceRows> distances[2];
+    const bool isPartSame =
+        DistanceRows::isMinimum(whole.width, whole.height, std::max(outer, inner) + kBeyond);
+    const ReliefArea& measured = isPartSame ? area : whole;
     for (int i = 0; i < 2; ++i) {
-        if (!levels[i].allocate(area.height, area.width)) return false;
-        makeLevels(levels[i].get(), i == 0 ? Levels::Beside : Levels::Coverage, area, mask, 1);
-        // The neighbours of a pixel on the slope lie less than a pixel beyond it.
-        distances[i] =
-            DistanceRows::transform(levels[i].get(), area.width, area.height, (i == 0 ? outer : inner) + 2);
+        if (!levels[i].allocate(measured.height, measured.width)) return false;
+        makeLevels(levels[i].get(), i == 0 ? Levels::Beside : Levels::Coverage, measured, mask, 1);
+        distances[i] = DistanceRows::transform(levels[i].get(), measured.width, measured.height,
+                                               (i == 0 ? outer : inner) + kBeyond);
         if (distances[i] == nullptr) return false;
     }
     const ReliefLight light = ReliefLight::make(property, kDepthFloor);
-    for (int y = 0; y < area.height; ++y) {
+    const int dx = area.x - measured.x, dy = area.y - measured.y;
+    for (int y = 0; y < dy + area.height; ++y) {
         for (const auto& rows : distances) rows->next();
-        for (int i = 0; i < count; ++i) planes[i].clearRow(area, y);
-        if (y < 2) continue;
+        if (y < dy) continue;
+        for (int i = 0; i < count; ++i) planes[i].clearRow(area, y - dy);
+        if (y < dy + 2) continue;
         forReliefs(light, count, [&](const ReliefLight& from, int i) {
-            planes[i].lightRow(lighting(LitSide::Around, from, outer, inner), area, *distances[0], y);
-            planes[i].lightRow(lighting(LitSide::Within, from, outer, inner), area, *distances[1], y);
+            for (const LitSide side : {LitSide::Around, LitSide::Within}) {
+                const DistanceRows& rows = *distances[side == LitSide::Around ? 0 : 1];
+                planes[i].lightRow(lighting(side, from, outer, inner), area, rows.row(y - 2) + dx,
+                                   rows.row(y - 1) + dx, rows.row(y) + dx, y - dy - 1);
+            }
         });
     }
     return true;
 }
 
 // All other slopes: one plane of signed distances, with the fractions of partly covered pixels.
-bool measureSigned(float* plane, const Widths& widths, const WorkingArea& area, const ZvBitmap& mask) {
+bool measureSigned(float* plane, const Widths& widths, const ReliefArea& area, const ZvBitmap& mask) {
     const int outer = static_cast<int>(widths.outer), inner = static_cast<int>(widths.inner);
     float ramp[256];
     for (int level = 0; level < 256; ++level) {
@@ -125,15 +134,20 @@ bool measureSigned(float* plane, const Widths& widths, const WorkingArea& area, 
 }
 
 bool lightSignedSlopes(ReliefPlanes* planes, int count, const ZvEmbossProperty& property,
-                       const Widths& widths, const WorkingArea& area, const ZvBitmap& mask) {
+                       const Widths& widths, const ReliefArea& area, const ReliefArea& whole,
+                       const ZvBitmap& mask) {
+    // The inward search needs the distances of all the ground that its windows reach.
     Buffer<float> plane;
-    if (!plane.allocate(area.height, area.width) || !measureSigned(plane.get(), widths, area, mask))
+    if (!plane.allocate(whole.height, whole.width) || !measureSigned(plane.get(), widths, whole, mask))
         return false;
     forReliefs(ReliefLight::make(property, kDepthFloor), count, [&](const ReliefLight& from, int i) {
-        for (int y = 0; y < area.height; ++y) planes[i].clearRow(area, y);
-        lightPlane(lighting(LitSide::Signed, from, widths.outer, widths.inner),
-                   {planes[i].highlight.get(), planes[i].shadow.get(), plane.get(), area.width, 1,
-                    area.width - 1, 1, area.height - 1});
+        for (int y = 0; y < area.height; ++y) {
+            planes[i].clearRow(area, y);
+            if (y < 1 || y >= area.height - 1) continue;
+            const float* row = plane.get() + whole.row(y + area.y - whole.y) + (area.x - whole.x);
+            planes[i].lightRow(lighting(LitSide::Signed, from, widths.outer, widths.inner), area,
+                               row - whole.width, row, row + whole.width, y);
+        }
     });
     return true;
 }
@@ -151,8 +165,9 @@ ZvEmboss::~ZvEmboss() {
 int ZvEmboss::doPostProcessing(ParamPostProcessing* param) {
     if (property == nullptr || !isDrawableOnEither(param)) return 0;
     const Widths widths(*property);
-    WorkingArea area;
-    if (!area.grow(*param->textRect, widths.margin)) return 0;
+    ReliefArea whole;
+    if (!whole.grow(*param, widths.margin)) return 0;
+    const ReliefArea area = whole.cut(reliefBorder(widths.blur, property->soften));
 
     const int count = property->style == kStyleDouble ? 2 : 1;
     ReliefPlanes planes[2];
@@ -160,7 +175,7 @@ int ZvEmboss::doPostProcessing(ParamPostProcessing* param) {
         if (!planes[i].allocate(area)) return 0;
     }
     const auto lightSlopes = widths.exact ? lightExactSlopes : lightSignedSlopes;
-    if (!lightSlopes(planes, count, *property, widths, area, *param->mask)) return 0;
+    if (!lightSlopes(planes, count, *property, widths, area, whole, *param->mask)) return 0;
     const ReliefColors colors = {widths.soft ? kSoftGain : 1.0f, property->highlightColor,
                                  property->shadowColor};
     // The opposite of what the bevel does.

@@ -163,6 +163,10 @@ std::unique_ptr<DistanceRows> DistanceRows::transform(const uint8_t* levels, int
     return made(tryMake<PlaneRows>(width, height, radius), levels);
 }
 
+bool DistanceRows::isMinimum(int width, int height, int radius) {
+    return TransformRows::fits(height, radius) && width <= exactColumns(height);
+}
+
 std::unique_ptr<DistanceRows> DistanceRows::search(const uint8_t* levels, int width, int height, int radius,
                                                    const float* ramp, bool outward) {
     const LevelPlane plane = {levels, ramp};

@@ -21,6 +21,10 @@ public:
     // levels are not told apart. The cost for each pixel is small and hardly grows with the radius up to a
     // height of 4095; beyond that it transforms a whole plane of floats. Null if memory is short.
     static std::unique_ptr<DistanceRows> transform(const uint8_t* levels, int width, int height, int radius);
+    // Whether the transform of such a plane is the true minimum. Then any part of the plane with all full
+    // pixels that count has the same distances. In larger planes rounded sums affect the distances, and they
+    // depend on a pixel's place in the plane.
+    static bool isMinimum(int width, int height, int radius);
 
     // searchNearest on the plane of values ramp[level]. The ramp rises with the level: ramp[0] is 0,
     // ramp[255] the radius. With `outward`, searchOutward; then ramp[0] is at most 0 and ramp[255] at least

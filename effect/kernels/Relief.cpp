@@ -5,10 +5,10 @@
 #include <cstring>
 #include <utility>
 
-#include "effect/kernels/DistanceRows.h"
 #include "effect/kernels/Gaussian.h"
 #include "foundation/Trigonometry.h"
 #include "raster/CpuTarget.h"
+#include "raster/Rects.h"
 #include "raster/ZvBlender.h"
 
 namespace Zvex {
@@ -84,11 +84,43 @@ void lightPlane(const SlopeLighting& lighting, const LitPlane& plane) {
     }
 }
 
-void ReliefPlanes::lightRow(const SlopeLighting& lighting, const WorkingArea& area,
-                            const DistanceRows& distances, int y) const {
-    const size_t at = area.row(y - 1);
-    Zvex::lightRow(lighting, {highlight.get() + at, shadow.get() + at, distances.row(y - 2),
-                              distances.row(y - 1), distances.row(y), 1, area.width - 1});
+bool ReliefArea::grow(const ZvECore::ParamPostProcessing& param, int64_t newMargin) {
+    if (!WorkingArea::grow(*param.textRect, newMargin)) return false;
+    box = *param.textRect;
+    ZvRect pictures = pictureRect(param.mask->width, param.mask->height);
+    for (const ZvBitmap* picture : {param.target, param.otherLayer}) {
+        if (picture != nullptr) pictures = united(pictures, pictureRect(picture->width, picture->height));
+    }
+    const ZvRect part = intersected(rect(), pictures);
+    if (isEmpty(part)) return false;
+    shown = ZvRect(part.left - x, part.top - y, part.right - x, part.bottom - y);
+    return true;
+}
+
+ReliefArea ReliefArea::cut(int64_t border) const {
+    // A blur counts pixels in the border of its rows as 0, so the border affects twice its width.
+    const auto before = [=](int begin) { return begin >= 2 * border ? static_cast<int>(begin - border) : 0; };
+    const auto after = [=](int end, int size) {
+        return size - end >= 2 * border ? static_cast<int>(end + border) : size;
+    };
+    const int left = before(shown.left), top = before(shown.top);
+    const int right = after(shown.right, width), bottom = after(shown.bottom, height);
+    ReliefArea part = *this;
+    part.x += left;
+    part.y += top;
+    part.width = right - left;
+    part.height = bottom - top;
+    part.shown = ZvRect(shown.left - left, shown.top - top, shown.right - left, shown.bottom - top);
+    part.isCutLeft = isCutLeft || left > 0;
+    part.isCutRight = isCutRight || right < width;
+    return part;
+}
+
+void ReliefPlanes::lightRow(const SlopeLighting& lighting, const WorkingArea& area, const float* above,
+                            const float* distances, const float* below, int y) const {
+    const size_t at = area.row(y);
+    Zvex::lightRow(lighting,
+                   {highlight.get() + at, shadow.get() + at, above, distances, below, 1, area.width - 1});
 }
 
 ReliefLight ReliefLight::make(const ZvReliefProperty& property, double depthFloor) {
@@ -109,17 +141,26 @@ int64_t reliefMargin(int64_t radius, int64_t blur, int64_t soften) {
     return std::max(2 * soften, 2 * blur) + radius;
 }
 
-void makeLevels(uint8_t* plane, Levels levels, const WorkingArea& area, const ZvBitmap& mask, int more) {
+int64_t reliefBorder(int64_t blur, int64_t soften) {
+    return std::max<int64_t>(blur, 0) + std::max<int64_t>(soften, 0) + 2;
+}
+
+void makeLevels(uint8_t* plane, Levels levels, const ReliefArea& area, const ZvBitmap& mask, int more) {
     const int none = levels == Levels::Coverage ? 0 : 255;
-    const int right = std::min(area.width - area.margin + more, area.width);
-    const int bottom = std::min(area.height - area.margin + more, area.height);
+    const auto within = [](int64_t at, int size) {
+        return static_cast<int>(std::clamp<int64_t>(at, 0, size));
+    };
+    const int left = within(int64_t{area.box.left} - area.x, area.width);
+    const int top = within(int64_t{area.box.top} - area.y, area.height);
+    const int right = within(int64_t{area.box.right} + more - area.x, area.width);
+    const int bottom = within(int64_t{area.box.bottom} + more - area.y, area.height);
     const auto clear = [&](uint8_t* row, int begin, int end) {
         if (begin < end) std::memset(row + begin, none, static_cast<size_t>(end - begin));
     };
     for (int y = 0; y < area.height; ++y) {
         uint8_t* row = plane + area.row(y);
-        const MaskRow part = maskRow(area, mask, y, area.margin, right);
-        if (y < area.margin || y >= bottom || part.begin >= part.end) {
+        const MaskRow part = maskRow(area, mask, y, left, right);
+        if (y < top || y >= bottom || part.begin >= part.end) {
             clear(row, 0, area.width);
             continue;
         }
@@ -160,15 +201,16 @@ bool ReliefRows::putBehind(ReliefPlanes& light, int firstRadius, int secondRadiu
 }
 
 void ReliefRows::colorRow(int y) {
-    const int width = mArea.width, margin = mArea.margin;
+    const int width = mArea.width;
     mLight.moveTo(y);
     mColors.row(mRow.get(), mLight.highlight(), mLight.shadow(), width);
     if (mMask == nullptr) return;
     mBehind.moveTo(y);
     mColors.row(mRowBehind.get(), mBehind.highlight(), mBehind.shadow(), width);
-    const ZvRect box(mArea.x + margin, mArea.y + y, mArea.x + width - margin, mArea.y + y + 1);
     std::memset(mCoverage.get(), 0, static_cast<size_t>(width));
-    if (y >= margin && y < mArea.height - margin) copyCoverage(*mMask, box, mCoverage.get() + margin, width);
+    const ZvRect row(mArea.x, mArea.y + y, mArea.x + width, mArea.y + y + 1);
+    const ZvRect part = intersected(mArea.box, row);
+    if (!isEmpty(part)) copyCoverage(*mMask, part, mCoverage.get() + (part.left - mArea.x), width);
     ZVEX_ON_TARGET(underlayRow(mRow.get(), mRowBehind.get(), mCoverage.get(), width));
 }
 
@@ -184,18 +226,19 @@ void ReliefRows::draw(RowRange rows, const PictureStrip& target, const PictureSt
     }
 }
 
-bool BlurredLight::make(const WorkingArea& area, ReliefPlanes& light, int firstRadius, int secondRadius) {
+bool BlurredLight::make(const ReliefArea& area, ReliefPlanes& light, int firstRadius, int secondRadius) {
     mArea = area;
     mLight.highlight = std::move(light.highlight);
     mLight.shadow = std::move(light.shadow);
     if (firstRadius > 0 && secondRadius > 0) {
         ReliefPlanes blurred;
-        if (!prepare(firstRadius) || !blurred.highlight.allocate(area.height, area.width) ||
+        if (!prepare(firstRadius, secondRadius) || !blurred.highlight.allocate(area.height, area.width) ||
             !blurred.shadow.allocate(area.height, area.width)) {
             return false;
         }
-        for (int y = 0; y < area.height; y += kBand) {
-            blurRows(y, std::min(kBand, area.height - y), blurred.highlight.get() + area.row(y),
+        for (int y = 0; y < area.height; ++y) blurred.clearRow(area, y);
+        for (int y = mNeeded.top; y < mNeeded.bottom; y += kBand) {
+            blurRows(y, std::min(kBand, mNeeded.bottom - y), blurred.highlight.get() + area.row(y),
                      blurred.shadow.get() + area.row(y));
         }
         mBorder = std::move(mLight.shadow);
@@ -204,14 +247,28 @@ bool BlurredLight::make(const WorkingArea& area, ReliefPlanes& light, int firstR
     }
     const int radius = secondRadius > 0 ? secondRadius : firstRadius;
     if (radius < 1) return true;
-    return prepare(radius) && mBandHighlight.allocate(kBand, area.width) &&
-           mBandShadow.allocate(kBand, area.width);
+    if (!prepare(radius, 0)) return false;
+    for (Buffer<uint8_t>* band : {&mBandHighlight, &mBandShadow}) {
+        if (!band->allocate(kBand, area.width)) return false;
+        std::memset(band->get(), 0, size_t{kBand} * static_cast<size_t>(area.width));
+    }
+    return true;
 }
 
-// Prepares one of the blurs.
-bool BlurredLight::prepare(int radius) {
+// Prepares one of the blurs. The next one needs pixels `beyond` those that are shown.
+bool BlurredLight::prepare(int radius, int beyond) {
     mRadius = radius;
-    if (mArea.width <= 2 * int64_t{radius} || mArea.height <= 2 * int64_t{radius}) return true;  // all border
+    mLeft = mArea.isCutLeft ? 0 : std::min(radius, mArea.width);
+    mRight = mArea.isCutRight ? mArea.width : std::max(mArea.width - radius, mLeft);
+    const auto within = [](int64_t at, int size) {
+        return static_cast<int>(std::clamp<int64_t>(at, 0, size));
+    };
+    const ZvRect& shown = mArea.shown;
+    mNeeded = ZvRect(within(int64_t{shown.left} - beyond, mArea.width),
+                     within(int64_t{shown.top} - beyond, mArea.height),
+                     within(int64_t{shown.right} + beyond, mArea.width),
+                     within(int64_t{shown.bottom} + beyond, mArea.height));
+    if (mLeft >= mRight || mArea.height <= 2 * int64_t{radius}) return true;  // all border
     const int blocks = (mArea.width + kBlock - 1) / kBlock;
     if (!mKernel.make(radius, kWeight, GaussianConstant::Double) ||
         !mBlur.prepare(mKernel, mArea.width, kBand) || !mColumn.allocate(kBand, mArea.width) ||
@@ -233,7 +290,7 @@ void BlurredLight::moveTo(int y) {
     }
     if (y < mBandBegin || y >= mBandEnd) {
         mBandBegin = y;
-        mBandEnd = y + std::min(kBand, mArea.height - y);
+        mBandEnd = y + std::min(kBand, std::max(mNeeded.bottom - y, 1));
         blurRows(mBandBegin, mBandEnd - mBandBegin, mBandHighlight.get(), mBandShadow.get());
     }
     mHighlightRow = mBandHighlight.get() + mArea.row(y - mBandBegin);
@@ -242,9 +299,8 @@ void BlurredLight::moveTo(int y) {
 
 void BlurredLight::blurRows(int y, int count, uint8_t* highlight, uint8_t* shadow) {
     const ptrdiff_t width = mArea.width;
-    const int innerRight = mArea.width - mRadius;
     for (int i = 0; i < count; ++i) {
-        const bool inside = mRadius < innerRight && y + i >= mRadius && y + i < mArea.height - mRadius;
+        const bool inside = mLeft < mRight && y + i >= mRadius && y + i < mArea.height - mRadius;
         const auto fill = [&](ptrdiff_t begin, ptrdiff_t end) {
             const size_t from = mArea.row(y + i) + static_cast<size_t>(begin),
                          size = static_cast<size_t>(end - begin);
@@ -255,11 +311,11 @@ void BlurredLight::blurRows(int y, int count, uint8_t* highlight, uint8_t* shado
                 std::memset(highlight + i * width + begin, 0, size);
             }
         };
-        fill(0, inside ? mRadius : width);
-        if (inside) fill(innerRight, width);
+        fill(0, inside ? mLeft : width);
+        if (inside) fill(mRight, width);
     }
     const int first = std::max(y, mRadius), last = std::min(y + count, mArea.height - mRadius);
-    if (first >= last || mRadius >= innerRight) return;
+    if (first >= last || mLeft >= mRight) return;
     const ptrdiff_t skipped = (first - y) * width;
     findEvenBlocks(first, last - first);
     blurBand(mLight.highlight.get(), first, last - first, 0, highlight + skipped);
@@ -284,18 +340,22 @@ void BlurredLight::findEvenBlocks(int y, int count) {
 // lies in the values of even blocks.
 void BlurredLight::blurBand(const uint8_t* plane, int y, int count, int shift, uint8_t* target) {
     const ptrdiff_t width = mArea.width;
-    const int left = mRadius, right = mArea.width - mRadius, blocks = (mArea.width + kBlock - 1) / kBlock;
+    const int left = mLeft, right = mRight, blocks = (mArea.width + kBlock - 1) / kBlock;
     uint8_t* column = mColumn.get();
     const auto isEven = [&](int block) { return mEvenBand[static_cast<size_t>(block)] != kUneven; };
-    // Calls blur(x, end) for the runs of uneven pixels and sets all others to their value.
-    const auto forRuns = [&](uint8_t* rows, const auto& even, const auto& blurRun) {
+    // For the pixels up to `beyond` those that are needed: calls blur(x, end) for the runs of uneven ones and
+    // sets all others to their value.
+    const auto forRuns = [&](uint8_t* rows, int beyond, const auto& even, const auto& blurRun) {
+        const int64_t from = std::max<int64_t>(int64_t{mNeeded.left} - beyond, left),
+                      to = std::min<int64_t>(int64_t{mNeeded.right} + beyond, right);
         for (int block = 0, next = 0; block < blocks; block = next) {
             const bool same = even(block);
             const int32_t value = mEvenBand[static_cast<size_t>(block)];
             for (next = block + 1; next < blocks && even(next) == same; ++next) {
                 if (same && mEvenBand[static_cast<size_t>(next)] != value) break;
             }
-            const int begin = std::max(block * kBlock, left), end = std::min(next * kBlock, right);
+            const int begin = static_cast<int>(std::max<int64_t>(int64_t{block} * kBlock, from)),
+                      end = static_cast<int>(std::min<int64_t>(int64_t{next} * kBlock, to));
             if (begin >= end) continue;
             if (!same) {
                 blurRun(begin, end);
@@ -305,7 +365,7 @@ void BlurredLight::blurBand(const uint8_t* plane, int y, int count, int shift, u
                 std::memset(rows + i * width + begin, value >> shift & 255, static_cast<size_t>(end - begin));
         }
     };
-    forRuns(column, isEven, [&](int begin, int end) {
+    forRuns(column, mRadius, isEven, [&](int begin, int end) {
         mBlur.columns({plane + mArea.row(y - mRadius) + begin, width, -mRadius, count + mRadius,
                        column + begin, width, end - begin, count, false, false});
     });
@@ -319,7 +379,7 @@ void BlurredLight::blurBand(const uint8_t* plane, int y, int count, int shift, u
         }
         return true;
     };
-    forRuns(target, isEvenAround, [&](int begin, int end) {
+    forRuns(target, 0, isEvenAround, [&](int begin, int end) {
         const int first = std::max(begin - mRadius, left), last = std::min(end + mRadius, right);
         mBlur.rows({column + first, width, first - begin, last - begin, target + begin, width, end - begin,
                     count, false, false});

@@ -15,8 +15,6 @@
 
 namespace Zvex {
 
-class DistanceRows;
-
 // Shared by bevel and emboss. The distance to the glyph edge is the height of a relief. It is lit from one
 // side. Light and shadow go to two planes of bytes, which are blurred. Their difference colours each pixel.
 //
@@ -78,9 +76,25 @@ struct LitPlane {
 // coverage scaled by (shade + 1) * highlightAlpha, the shadow by (256 - shade) * shadowAlpha.
 void lightPlane(const SlopeLighting& lighting, const LitPlane& plane);
 
+// The text box grown by a margin. Pixels near its edges are drawn in another way, see BlurredLight. So a part
+// of it can stand for the whole only if it keeps the edges that matter.
+struct ReliefArea : WorkingArea {
+    ZvRect box;    // the text box, on the target
+    ZvRect shown;  // columns and rows of the area that lie on the target, the other layer or the mask
+    bool isCutLeft = false, isCutRight = false;  // columns are missing there
+
+    // The whole area. False as for WorkingArea, or if nothing of it is shown.
+    bool grow(const ZvECore::ParamPostProcessing& param, int64_t newMargin);
+    // The part within `border` pixels of what is shown. All glyphs lie in it.
+    ReliefArea cut(int64_t border) const;
+};
+
 // How far the working area reaches beyond the text box: the width of the slope, `radius`, plus twice the
 // larger of the two blurs.
 int64_t reliefMargin(int64_t radius, int64_t blur, int64_t soften);
+
+// How far pixels beyond what is shown affect it: both blurs, and the neighbours of a lit pixel.
+int64_t reliefBorder(int64_t blur, int64_t soften);
 
 // The source of the levels for DistanceRows.
 enum class Levels {
@@ -91,7 +105,7 @@ enum class Levels {
 
 // Computes the levels of the area. Coverage counts within the box in its middle, extended by `more` to the
 // right and below.
-void makeLevels(uint8_t* plane, Levels levels, const WorkingArea& area, const ZvBitmap& mask, int more);
+void makeLevels(uint8_t* plane, Levels levels, const ReliefArea& area, const ZvBitmap& mask, int more);
 
 // One blur of bytes: a rectangle of `source` blurred into `destination`, both of the same size, rows packed.
 struct ReliefBlurJob {
@@ -117,9 +131,9 @@ struct ReliefPlanes {
     bool allocate(const WorkingArea& area) {
         return highlight.allocate(area.height, area.width) && shadow.allocate(area.height, area.width);
     }
-    // Lights the row before the one measured last, except for its ends; `y` is the row measured last.
-    void lightRow(const SlopeLighting& lighting, const WorkingArea& area, const DistanceRows& distances,
-                  int y) const;
+    // Lights row y of the area, except for its ends. The three rows of distances begin at its first column.
+    void lightRow(const SlopeLighting& lighting, const WorkingArea& area, const float* above,
+                  const float* distances, const float* below, int y) const;
     // Clears the light of that row.
     void clearRow(const WorkingArea& area, int y) const {
         for (const Buffer<uint8_t>* plane : {&highlight, &shadow})
@@ -138,7 +152,7 @@ class BlurredLight {
 public:
     // Blurs with two radii, in this order; a radius below 1 means no blur. Takes ownership of the planes.
     // False if memory is short.
-    bool make(const WorkingArea& area, ReliefPlanes& light, int firstRadius, int secondRadius);
+    bool make(const ReliefArea& area, ReliefPlanes& light, int firstRadius, int secondRadius);
 
     // Moves to row y; the pointers below are valid until the next call.
     void moveTo(int y);
@@ -146,15 +160,17 @@ public:
     const uint8_t* shadow() const { return mShadowRow; }
 
 private:
-    bool prepare(int radius);
+    bool prepare(int radius, int beyond);
     void blurRows(int y, int count, uint8_t* highlight, uint8_t* shadow);
     void findEvenBlocks(int y, int count);
     void blurBand(const uint8_t* plane, int y, int count, int shift, uint8_t* target);
 
-    WorkingArea mArea;
-    ReliefPlanes mLight;      // the planes to blur
-    Buffer<uint8_t> mBorder;  // shown by the border of the highlight; null is no light
-    int mRadius = 0;          // below 1 there is no blur
+    ReliefArea mArea;
+    int mLeft = 0, mRight = 0;  // the columns of the area that are no border
+    ZvRect mNeeded;             // the columns and rows to blur; all others are left undefined
+    ReliefPlanes mLight;        // the planes to blur
+    Buffer<uint8_t> mBorder;    // shown by the border of the highlight; null is no light
+    int mRadius = 0;            // below 1 there is no blur
     Gaussian mKernel;
     Blur mBlur;
     // For each block of a row: its two bytes if all its pixels are equal, else kUneven. mEvenBand is the same
@@ -180,7 +196,7 @@ struct ReliefColors {
 // The coloured relief.
 class ReliefRows : public LayerRows {
 public:
-    ReliefRows(const WorkingArea& area, const ReliefColors& colors, int blendMode, bool onBoth)
+    ReliefRows(const ReliefArea& area, const ReliefColors& colors, int blendMode, bool onBoth)
         : mArea(area), mColors(colors), mBlendMode(blendMode), mOnBoth(onBoth) {}
 
     // Makes the relief with its two blurs, see BlurredLight. False if memory is short.
@@ -195,7 +211,7 @@ public:
 private:
     void colorRow(int y);
 
-    WorkingArea mArea;
+    ReliefArea mArea;
     BlurredLight mLight, mBehind;
     const ZvBitmap* mMask = nullptr;  // null without a second relief
     ReliefColors mColors;

@@ -68,6 +68,7 @@ TEST(Bevel, EqualsThePlainForm) {
     for (float size : {-4.0f, -1.5f, 0.0f, 0.9f, 1.0f, 3.7f, 12.0f}) check(size, 1, seed += 6, 6);
     for (float size : {-5.0f, -1.5f, 0.0f, 1.0f, 4.0f, 13.9f, 14.0f, 25.0f}) check(size, 0, seed += 6, 6);
     check(120.0f, 0, 2, 1, 7, 6);
+    check(45.0f, 0, 18, 6, 40, 9);
     check(50.0f, 2, 6, 1, 7, 6);
     check(9.0f, 0, 40, 6, 400, 200);
     check(57.0f, 2, 0, 3, 7, 6);
@@ -81,6 +82,7 @@ TEST(Emboss, EqualsThePlainForm) {
     for (float size : {-9.0f, -4.0f, -1.5f, 0.0f, 0.9f, 3.7f, 10.0f, 20.0f}) check(size, 1, seed += 6, 6);
     for (float size : {-5.0f, -3.0f, 0.0f, 1.0f, 10.0f, 25.9f, 26.0f, 31.0f}) check(size, 0, seed += 6, 6);
     check(120.0f, 0, 2, 1, 7, 6);
+    check(70.0f, 0, 18, 6, 40, 9);
     check(101.0f, 2, 6, 2, 7, 6);
 }
 
