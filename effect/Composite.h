@@ -46,8 +46,14 @@ public:
         int left = 0, right = 0;
     };
 
-    // The text's colour and those under it, topmost first: 1 to kMost words 0xAARRGGBB.
+    // The text's colour and those under it, topmost first: 1 to kMost premultiplied words 0xAARRGGBB.
     PlainColors(const uint32_t* colors, size_t count, uint8_t textAlpha, PixelOrder order);
+
+    // Whether no channel exceeds the alpha.
+    static bool isPremultiplied(uint32_t color) {
+        const uint32_t alpha = color >> 24;
+        return (color >> 16 & 0xFF) <= alpha && (color >> 8 & 0xFF) <= alpha && (color & 0xFF) <= alpha;
+    }
 
     // Paints the columns from `left` to `right` - 1 onto blank pixels, the first of which is `pixels`.
     // `coverages`: one for each colour.

@@ -28,6 +28,7 @@
 #include <cstring>
 
 #include "effect/kernels/Buffer.h"
+#include "effect/kernels/SmallDilation.h"
 #include "foundation/OutOfMemory.h"
 #include "raster/CpuTarget.h"
 #include "raster/Intrinsics.h"
@@ -480,6 +481,8 @@ void RingDilation::raise(int64_t row, int rows, uint8_t* target, int64_t stride)
 }  // namespace
 
 std::unique_ptr<Dilation> Dilation::make(const DilationParam& param) {
+    std::unique_ptr<Dilation> small;
+    if (makeSmallDilation(param, &small)) return small;
     auto dilation = tryMake<RingDilation>();
     if (dilation == nullptr || !dilation->prepare(param)) return nullptr;
     return dilation;
