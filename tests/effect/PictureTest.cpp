@@ -109,8 +109,9 @@ TEST(Picture, OfTextOverColoursOrLarge) {
         }
         ZvBitmap expected = inLayers(stack, width, height, lines);
         ZvBlender::convertBGRAToARGB(&expected);
-        forEachCpuTarget([&] {
-            ASSERT_TRUE(samePixels(expected, asPicture(stack, width, height, lines, PixelOrder::BlueFirst)));
+        forEachCpuTarget([&] {  // clang's lambdas do not capture the names of parts
+            ASSERT_TRUE(samePixels(expected, asPicture(rendering.stack, rendering.width, rendering.height,
+                                                       rendering.lines, PixelOrder::BlueFirst)));
         });
     }
 }
