@@ -20,6 +20,9 @@ endif()
 function(zvex_compile_options target)
   target_compile_options(${target} PRIVATE ${ZVEX_EXACT_MATH} -Wall -Wextra
       $<$<BOOL:${ZVEX_WERROR}>:-Werror> -fvisibility=hidden -fvisibility-inlines-hidden)
+  if(EMSCRIPTEN)  # what is unrolled first stays single numbers, as do conversions that trap
+    target_compile_options(${target} PRIVATE -fno-unroll-loops -mnontrapping-fptoint)
+  endif()
   if(ZVEX_HARDENED)
     target_compile_options(${target} PRIVATE -fstack-protector-strong)
     if(NOT CMAKE_CXX_FLAGS MATCHES "_FORTIFY_SOURCE")  # a distribution may ask for more
