@@ -5,7 +5,9 @@
 // What raster/Lanes.inc needs; a source file whose kernels include that file includes this one. The
 // intrinsics are always inlined, so no copy of them can move from one build of a kernel to another.
 
-#if defined(__SSE2__)
+#if defined(__wasm_simd128__)
+#include <wasm_simd128.h>
+#elif defined(__SSE2__)
 #if defined(__GNUC__) && !defined(__clang__)
 // g++ 12 warns about vectors that its own header leaves undefined on purpose.
 #pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
