@@ -41,8 +41,6 @@ struct Widths {
         radius = soft ? blur : size + 2;
         margin = reliefMargin(radius, blur, property.soften);
     }
-
-    bool exact() const { return soft && radius >= kFirstExactRadius; }
 };
 
 // What the distances are measured from: the full pixels, on the side of the edge that has no slope.
@@ -53,9 +51,10 @@ struct Edge {
 
     // Unless the slope is wide and soft, uses the fractions of partly covered pixels, which lie within a
     // pixel of the other side.
-    bool make(const Widths& widths, const ReliefArea& area, const ZvBitmap& mask, bool inner) {
+    bool make(const Widths& widths, const ReliefArea& area, const ReliefArea& whole, const ZvBitmap& mask,
+              bool inner) {
         const int radius = static_cast<int>(widths.radius);
-        const bool exact = widths.exact();
+        const bool exact = widths.soft && radius >= kFirstExactRadius;
         if (!levels.allocate(area.height, area.width)) return false;
         makeLevels(levels.get(),
                    inner   ? Levels::Coverage
@@ -63,7 +62,8 @@ struct Edge {
                            : Levels::Ground,
                    area, mask, exact ? 1 : 0);
         if (exact) {
-            distances = DistanceRows::transform(levels.get(), area.width, area.height, radius);
+            distances = DistanceRows::transform(levels.get(), area.width, area.height, radius,
+                                                area.placeIn(whole, inner));
             return distances != nullptr;
         }
         for (int level = 0; level < 256; ++level) {
@@ -84,20 +84,13 @@ SlopeLighting lighting(const ReliefLight& light, int64_t radius, bool inner) {
 bool lightSlopes(ReliefPlanes& planes, const ZvBevelProperty& property, const Widths& widths,
                  const ReliefArea& area, const ReliefArea& whole, const ZvBitmap& mask) {
     const bool inner = property.style == 1;
-    const int radius = static_cast<int>(widths.radius);
-    const bool isPartSame = !widths.exact() || DistanceRows::isMinimum(whole.width, whole.height, radius);
-    const ReliefArea& measured = isPartSame ? area : whole;
     Edge edge;
-    if (!edge.make(widths, measured, mask, inner) || !planes.allocate(area)) return false;
+    if (!edge.make(widths, area, whole, mask, inner) || !planes.allocate(area)) return false;
     const SlopeLighting slopes = lighting(ReliefLight::make(property, kDepthFloor), widths.radius, inner);
-    const int dx = area.x - measured.x, dy = area.y - measured.y;
-    const DistanceRows& rows = *edge.distances;
-    for (int y = 0; y < dy + area.height; ++y) {
+    for (int y = 0; y < area.height; ++y) {
         edge.distances->next();
-        if (y >= dy) planes.clearRow(area, y - dy);
-        if (y < dy + 2) continue;
-        planes.lightRow(slopes, area, rows.row(y - 2) + dx, rows.row(y - 1) + dx, rows.row(y) + dx,
-                        y - dy - 1);
+        planes.clearRow(area, y);
+        if (y >= 2) planes.lightRow(slopes, area, *edge.distances, y);
     }
     return true;
 }

@@ -71,34 +71,25 @@ void forReliefs(const ReliefLight& light, int count, const Light& visit) {
 // Soft, wide slopes: two planes of distances, one for each side of the edge.
 bool lightExactSlopes(ReliefPlanes* planes, int count, const ZvEmbossProperty& property, const Widths& widths,
                       const ReliefArea& area, const ReliefArea& whole, const ZvBitmap& mask) {
-    // The neighbours of a pixel on the slope lie less than a pixel beyond it.
-    constexpr int kBeyond = 2;
     const int outer = static_cast<int>(widths.outer), inner = static_cast<int>(widths.inner);
     Buffer<uint8_t> levels[2];
     std::unique_ptr<DistanceRows> distances[2];
-    const bool isPartSame =
-        DistanceRows::isMinimum(whole.width, whole.height, std::max(outer, inner) + kBeyond);
-    const ReliefArea& measured = isPartSame ? area : whole;
     for (int i = 0; i < 2; ++i) {
-        if (!levels[i].allocate(measured.height, measured.width)) return false;
-        makeLevels(levels[i].get(), i == 0 ? Levels::Beside : Levels::Coverage, measured, mask, 1);
-        distances[i] = DistanceRows::transform(levels[i].get(), measured.width, measured.height,
-                                               (i == 0 ? outer : inner) + kBeyond);
+        if (!levels[i].allocate(area.height, area.width)) return false;
+        makeLevels(levels[i].get(), i == 0 ? Levels::Beside : Levels::Coverage, area, mask, 1);
+        // The neighbours of a pixel on the slope lie less than a pixel beyond it.
+        distances[i] = DistanceRows::transform(levels[i].get(), area.width, area.height,
+                                               (i == 0 ? outer : inner) + 2, area.placeIn(whole, i == 1));
         if (distances[i] == nullptr) return false;
     }
     const ReliefLight light = ReliefLight::make(property, kDepthFloor);
-    const int dx = area.x - measured.x, dy = area.y - measured.y;
-    for (int y = 0; y < dy + area.height; ++y) {
+    for (int y = 0; y < area.height; ++y) {
         for (const auto& rows : distances) rows->next();
-        if (y < dy) continue;
-        for (int i = 0; i < count; ++i) planes[i].clearRow(area, y - dy);
-        if (y < dy + 2) continue;
+        for (int i = 0; i < count; ++i) planes[i].clearRow(area, y);
+        if (y < 2) continue;
         forReliefs(light, count, [&](const ReliefLight& from, int i) {
-            for (const LitSide side : {LitSide::Around, LitSide::Within}) {
-                const DistanceRows& rows = *distances[side == LitSide::Around ? 0 : 1];
-                planes[i].lightRow(lighting(side, from, outer, inner), area, rows.row(y - 2) + dx,
-                                   rows.row(y - 1) + dx, rows.row(y) + dx, y - dy - 1);
-            }
+            planes[i].lightRow(lighting(LitSide::Around, from, outer, inner), area, *distances[0], y);
+            planes[i].lightRow(lighting(LitSide::Within, from, outer, inner), area, *distances[1], y);
         });
     }
     return true;

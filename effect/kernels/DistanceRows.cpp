@@ -25,35 +25,87 @@ float cappedRoot(float square, int radius) {
 // are that fine. This is the number of columns for which that holds.
 constexpr int64_t kExact = 1 << 24;
 
+// Full pixels closer than this to the first other column might be hidden by rounded parabolas.
+constexpr int kRoundedSlopes = 16;
+
 int exactColumns(int height) {
     const int64_t tallest = int64_t{height} * height;
     if (tallest >= kExact) return 0;
     return static_cast<int>(std::sqrt(static_cast<double>(kExact - tallest)));
 }
 
-// The transform of a whole plane.
+// The transform of a plane within a larger one. Columns of the larger one without both kinds of pixels are
+// all equal, so one of them is transformed for all. Rows are transformed one by one, in their full length.
 class PlaneRows : public DistanceRows {
 public:
-    PlaneRows(int width, int height, int radius) : DistanceRows(width, height), mRadius(radius) {}
+    PlaneRows(int width, int height, int radius, const WholePlane& whole)
+        : DistanceRows(width, height), mRadius(radius), mWhole(whole) {}
 
     bool make(const uint8_t* levels) {
-        if (!mSquares.allocate(mHeight, mWidth)) return false;
-        const size_t count = static_cast<size_t>(mWidth) * static_cast<size_t>(mHeight);
-        for (size_t i = 0; i < count; ++i) mSquares[i] = levels[i] == 0 ? 0.0f : kEndlessSquare;
-        return squaredDistances(mSquares.get(), mWidth, mHeight) && allocate();
+        const int longest = std::max(mWhole.width, mWhole.height);
+        if (!mEnvelope.allocate(longest) || !mLine.allocate(longest) || !mResult.allocate(longest) ||
+            !mPlaces.allocate(mWidth) || !mEqual.allocate(mHeight) || !findPlaces(levels) ||
+            !mSquares.allocate(mHeight, std::max(mPlaced, 1)) || !allocate()) {
+            return false;
+        }
+        transformColumn(nullptr, mEqual.get(), 1);
+        for (int x = 0; x < mWidth; ++x) {
+            const int place = mPlaces[static_cast<size_t>(x)];
+            if (place >= 0) transformColumn(levels + x, mSquares.get() + place, mPlaced);
+        }
+        return true;
     }
 
 private:
+    float outside() const { return mWhole.isFull ? 0.0f : kEndlessSquare; }
+
+    // Gives each column with both kinds of pixels a place in mSquares.
+    bool findPlaces(const uint8_t* levels) {
+        Buffer<uint8_t> differs;
+        if (!differs.allocate(mWidth)) return false;
+        std::fill_n(differs.get(), mWidth, uint8_t{0});
+        for (ptrdiff_t y = 0; y < mHeight; ++y) {
+            const uint8_t* row = levels + y * mWidth;
+            for (int x = 0; x < mWidth; ++x)
+                differs[static_cast<size_t>(x)] |= static_cast<uint8_t>((row[x] == 0) != mWhole.isFull);
+        }
+        for (int x = 0; x < mWidth; ++x)
+            mPlaces[static_cast<size_t>(x)] = differs[static_cast<size_t>(x)] != 0 ? mPlaced++ : -1;
+        return true;
+    }
+
+    // Writes the plane's part of a column to every `step`th float. Null is a column like those outside.
+    void transformColumn(const uint8_t* levels, float* squares, int step) {
+        std::fill_n(mLine.get(), mWhole.height, outside());
+        float* line = mLine.get() + mWhole.y;
+        for (ptrdiff_t y = 0; levels != nullptr && y < mHeight; ++y)
+            line[y] = levels[y * mWidth] == 0 ? 0.0f : kEndlessSquare;
+        mEnvelope.run(mResult.get(), mLine.get(), mWhole.height);
+        for (ptrdiff_t y = 0; y < mHeight; ++y) squares[y * step] = mResult.get()[mWhole.y + y];
+    }
+
     void measure(float* row) override {
-        const float* squares = mSquares.get() + ptrdiff_t{mY} * mWidth;
-        for (int x = 0; x < mWidth; ++x) row[x] = cappedRoot(squares[x], mRadius);
+        std::fill_n(mLine.get(), mWhole.width, mEqual[static_cast<size_t>(mY)]);
+        const float* squares = mSquares.get() + ptrdiff_t{mY} * mPlaced;
+        for (int x = 0; x < mWidth; ++x) {
+            const int place = mPlaces[static_cast<size_t>(x)];
+            if (place >= 0) mLine.get()[mWhole.x + x] = squares[place];
+        }
+        mEnvelope.run(mResult.get(), mLine.get(), mWhole.width);
+        for (int x = 0; x < mWidth; ++x) row[x] = cappedRoot(mResult.get()[mWhole.x + x], mRadius);
     }
 
     int mRadius;
-    Buffer<float> mSquares;
+    WholePlane mWhole;
+    LineTransform mEnvelope;
+    Buffer<float> mLine, mResult;
+    Buffer<int> mPlaces;     // of the columns in mSquares; -1 for a column like those outside
+    Buffer<float> mEqual;    // the squares of the latter
+    Buffer<float> mSquares;  // the squares of the others, row by row
+    int mPlaced = 0;
 };
 
-// The same from the true minimum, and from the envelope only where that could differ.
+// The same for a plane alone, from the true minimum, and from the envelope only where that could differ.
 class TransformRows : public DistanceRows {
 public:
     static bool fits(int height, int radius) {
@@ -76,7 +128,6 @@ private:
     // nearest full kind, shortly before the sums get rounded. It stays in the envelope and hides all pixels
     // before it.
     int transformEnd() {
-        constexpr int kRoundedSlopes = 16;  // closer than this, rounded parabolas might hide it
         const int16_t* steps = mFull.steps();
         int first = std::max(mExact - kRoundedSlopes, 0);
         while (first > 0 && steps[first] != 0) --first;
@@ -157,14 +208,19 @@ bool DistanceRows::allocate() {
 
 std::unique_ptr<DistanceRows> DistanceRows::transform(const uint8_t* levels, int width, int height,
                                                       int radius) {
-    if (TransformRows::fits(height, radius)) {
-        return made(tryMake<TransformRows>(width, height, radius), levels);
-    }
-    return made(tryMake<PlaneRows>(width, height, radius), levels);
+    return transform(levels, width, height, radius, {width, height, 0, 0, false});
 }
 
-bool DistanceRows::isMinimum(int width, int height, int radius) {
-    return TransformRows::fits(height, radius) && width <= exactColumns(height);
+std::unique_ptr<DistanceRows> DistanceRows::transform(const uint8_t* levels, int width, int height,
+                                                      int radius, const WholePlane& whole) {
+    // A part has the same minimum as the whole. The columns after it do not affect it if they begin where
+    // sums are still exact: full pixels end the parabolas, and others are higher than all parabolas.
+    const bool isWhole = whole.width == width && whole.height == height;
+    const bool isExact = int64_t{whole.x} + width <= exactColumns(whole.height) - kRoundedSlopes;
+    if (TransformRows::fits(whole.height, radius) && (isWhole || isExact)) {
+        return made(tryMake<TransformRows>(width, height, radius), levels);
+    }
+    return made(tryMake<PlaneRows>(width, height, radius, whole), levels);
 }
 
 std::unique_ptr<DistanceRows> DistanceRows::search(const uint8_t* levels, int width, int height, int radius,

@@ -9,6 +9,13 @@
 
 namespace Zvex {
 
+// Where a plane lies in a larger one. All other pixels of that one are full, or none is.
+struct WholePlane {
+    int width, height;  // of the larger one
+    int x, y;           // the plane's top-left in it
+    bool isFull;
+};
+
 // The distances of a plane, row by row from the top, without keeping a whole plane of floats. The plane is
 // given as levels, in bytes of packed rows: 0 for a full pixel, from which distances are measured, 1 to 254
 // for a partly covered one, 255 for any other. Its number of pixels must fit an int, and it must outlive the
@@ -18,13 +25,16 @@ public:
     virtual ~DistanceRows() = default;
 
     // The transform: the distance to the nearest full pixel, or `radius`, at least 1, if that is less. Other
-    // levels are not told apart. The cost for each pixel is small and hardly grows with the radius up to a
-    // height of 4095; beyond that it transforms a whole plane of floats. Null if memory is short.
+    // levels are not told apart. The cost for each pixel is small and hardly grows with the radius. Null if
+    // memory is short.
     static std::unique_ptr<DistanceRows> transform(const uint8_t* levels, int width, int height, int radius);
-    // Whether the transform of such a plane is the true minimum. Then any part of the plane with all full
-    // pixels that count has the same distances. In larger planes rounded sums affect the distances, and they
-    // depend on a pixel's place in the plane.
-    static bool isMinimum(int width, int height, int radius);
+
+    // The same part of the transform of a larger plane. A larger one whose size does not fit floats, above
+    // 4095 rows or columns, has other distances than the part alone: rounded sums affect them. Then each row
+    // costs what a row of the larger plane costs, and each column that has both kinds of pixels, too. If the
+    // pixels around the part are full, those at its edges must be.
+    static std::unique_ptr<DistanceRows> transform(const uint8_t* levels, int width, int height, int radius,
+                                                   const WholePlane& whole);
 
     // searchNearest on the plane of values ramp[level]. The ramp rises with the level: ramp[0] is 0,
     // ramp[255] the radius. With `outward`, searchOutward; then ramp[0] is at most 0 and ramp[255] at least

@@ -116,6 +116,11 @@ ReliefArea ReliefArea::cut(int64_t border) const {
     return part;
 }
 
+void ReliefPlanes::lightRow(const SlopeLighting& lighting, const WorkingArea& area,
+                            const DistanceRows& distances, int y) const {
+    lightRow(lighting, area, distances.row(y - 2), distances.row(y - 1), distances.row(y), y - 1);
+}
+
 void ReliefPlanes::lightRow(const SlopeLighting& lighting, const WorkingArea& area, const float* above,
                             const float* distances, const float* below, int y) const {
     const size_t at = area.row(y);

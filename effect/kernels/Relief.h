@@ -11,6 +11,7 @@
 #include "effect/ZvProperty.h"
 #include "effect/kernels/Buffer.h"
 #include "effect/kernels/Coverage.h"
+#include "effect/kernels/DistanceRows.h"
 #include "effect/kernels/Gaussian.h"
 
 namespace Zvex {
@@ -87,6 +88,10 @@ struct ReliefArea : WorkingArea {
     bool grow(const ZvECore::ParamPostProcessing& param, int64_t newMargin);
     // The part within `border` pixels of what is shown. All glyphs lie in it.
     ReliefArea cut(int64_t border) const;
+    // Where this part lies. Pixels outside it are full or not, as levels.
+    WholePlane placeIn(const ReliefArea& whole, bool isFull) const {
+        return {whole.width, whole.height, x - whole.x, y - whole.y, isFull};
+    }
 };
 
 // How far the working area reaches beyond the text box: the width of the slope, `radius`, plus twice the
@@ -131,6 +136,9 @@ struct ReliefPlanes {
     bool allocate(const WorkingArea& area) {
         return highlight.allocate(area.height, area.width) && shadow.allocate(area.height, area.width);
     }
+    // Lights the row before the one measured last, except for its ends; `y` is the row measured last.
+    void lightRow(const SlopeLighting& lighting, const WorkingArea& area, const DistanceRows& distances,
+                  int y) const;
     // Lights row y of the area, except for its ends. The three rows of distances begin at its first column.
     void lightRow(const SlopeLighting& lighting, const WorkingArea& area, const float* above,
                   const float* distances, const float* below, int y) const;

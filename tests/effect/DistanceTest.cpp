@@ -101,6 +101,43 @@ TEST(Distance, WithinARadiusEqualsTheTransform) {
     }
 }
 
+// Also in planes that are too large for exact sums, in which a part alone would have other distances.
+TEST(Distance, APartHasTheTransformOfTheWhole) {
+    Random random(5);
+    for (int i = 0; i < 36; ++i) {
+        const bool isFull = i % 2 == 0, tall = i % 3 == 0;
+        const int across = i % 4 == 0 ? 60 : random.between(3000, i % 4 == 1 ? 5000 : 12000),
+                  along = random.between(30, 60);
+        reference::Distances whole(tall ? along : across, tall ? across : along,
+                                   isFull ? 0.0f : kEndlessSquare);
+        const int left = random.between(0, std::min(whole.width, i % 8 == 1 ? 3900 : 12000) - 10),
+                  top = random.between(0, whole.height - 10);
+        const int width = random.between(9, std::min(whole.width - left, 90));
+        const int height = random.between(9, std::min(whole.height - top, 90)),
+                  radius = random.between(1, 99);
+        std::vector<uint8_t> levels;
+        for (int y = top; y < top + height; ++y) {
+            for (int x = left; x < left + width; ++x) {
+                const bool inside = x > left && y > top && x < left + width - 1 && y < top + height - 1;
+                float& value = whole.at(x, y);
+                if (inside && random.below(9) < 5) value = random.below(9) == 0 ? 0.0f : kEndlessSquare;
+                levels.push_back(value == 0 ? 0 : 200);
+            }
+        }
+        EXPECT_TRUE(squaredDistances(whole.values.data(), whole.width, whole.height));
+        const auto rows = DistanceRows::transform(levels.data(), width, height, radius,
+                                                  {whole.width, whole.height, left, top, isFull});
+        const float limit = static_cast<float>(radius);
+        for (int y = 0; y < height; ++y) {
+            rows->next();
+            for (int x = 0; x < width; ++x) {
+                const float square = whole.at(left + x, top + y);
+                ASSERT_EQ(rows->row(y)[x], square > limit * limit ? limit : std::sqrt(square)) << i;
+            }
+        }
+    }
+}
+
 struct Search {
     const char* name;
     bool (*kernel)(const DistanceSearch&);
