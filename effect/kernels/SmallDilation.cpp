@@ -37,6 +37,13 @@ struct Cells {
 #define ZVEX_KERNELS "effect/kernels/SmallDilationKernels.inc"
 #include "raster/ForEachTarget.h"
 
+void copyRow(uint8_t* __restrict target, const uint8_t* __restrict source, int count, uint8_t inverted) {
+    if (count <= 0) return;
+    std::memcpy(target, source, static_cast<size_t>(count));
+    if (inverted == 0) return;
+    for (int i = 0; i < count; ++i) target[i] ^= inverted;
+}
+
 class SmallDilation : public Dilation {
 public:
     // False if it is not small.
@@ -105,9 +112,8 @@ bool SmallDilation::copySource() {
         if (mParam.inverted != 0) std::memset(line, mParam.inverted, static_cast<size_t>(mWidth));
         const int64_t row = y - mParam.top + mParam.rowBegin;
         if (row < mParam.rowBegin || row >= mParam.rowEnd) continue;
-        const uint8_t* pixels = mParam.source + row * mParam.sourceStride;
-        for (int i = 0; i < mParam.columns; ++i)
-            line[mParam.left + i] = static_cast<uint8_t>(pixels[i] ^ mParam.inverted);
+        copyRow(line + mParam.left, mParam.source + row * mParam.sourceStride, mParam.columns,
+                mParam.inverted);
     }
     mOrigin = (margin - mY) * mStride + margin - mX + mFirstColumn;
     return true;
