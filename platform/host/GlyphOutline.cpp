@@ -247,7 +247,12 @@ void writeSpans(int y, int count, const FT_Span* spans, void* user) {
     uint8_t* row =
         image.coverage.data() + static_cast<size_t>(image.height - 1 - y) * static_cast<size_t>(image.width);
     for (int i = 0; i < count; ++i) {
-        std::memset(row + spans[i].x, (*target.levels)[spans[i].coverage], spans[i].len);
+        const uint8_t level = (*target.levels)[spans[i].coverage];
+        if (spans[i].len == 1) {  // most are, along the edges
+            row[spans[i].x] = level;
+        } else {
+            std::memset(row + spans[i].x, level, spans[i].len);
+        }
     }
 }
 
