@@ -2,6 +2,7 @@
 #include "raster/BlendRows.h"
 
 #include "raster/CpuTarget.h"
+#include "raster/Intrinsics.h"
 
 static_assert(__BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__, "the kernels take pixels as little-endian words");
 
