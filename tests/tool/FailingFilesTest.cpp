@@ -103,11 +103,11 @@ TEST_F(FailingFiles, ARenderGivesAnErrorOrThePicture) {
     failEach(withFont("render x -o -"), {});
 }
 
-// Hundreds of runs: every third call fails, or each with ZVEX_TEST_EACH_CALL.
+// Hundreds of runs: every third call fails, or each with ZVEX_TEST_ALL.
 TEST_F(FailingFiles, ABatchGivesAnErrorOrThePictureAndGoesOn) {
     const std::vector<std::string> resumed = withFont("batch $DIR/lines --resume --output-dir $DIR/out");
     failEach(resumed, {"out/b.png", "out/b.json", "out/d/c.webp"}, resumed,
-             std::getenv("ZVEX_TEST_EACH_CALL") != nullptr ? 1 : 3);
+             std::getenv("ZVEX_TEST_ALL") != nullptr ? 1 : 3);
 }
 
 // A gallery makes many calls, the same few for each file. A stride that divides none of their numbers hits

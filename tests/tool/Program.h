@@ -236,6 +236,14 @@ protected:
         return rows;
     }
 
+    // For a run of the program with each row: under the sanitizers every fourth, or all with ZVEX_TEST_ALL.
+    static std::vector<Row> sampled(const std::vector<Row>& rows) {
+        std::vector<Row> some;
+        const size_t stride = kSanitized && std::getenv("ZVEX_TEST_ALL") == nullptr ? 4 : 1;
+        for (size_t i = 0; i < rows.size(); i += stride) some.push_back(rows[i]);
+        return some;
+    }
+
     // With the repetitions and bytes written out.
     static std::string unpacked(std::string text) {
         for (size_t at; (at = text.find("<<")) != std::string::npos;) {
