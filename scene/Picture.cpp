@@ -13,23 +13,37 @@ uint32_t premultiplied(uint32_t pixel) {
     return alpha << 24 | times(16) | times(8) | times(0);
 }
 
+// Red first in memory, on the little-endian machines that the library is for.
+uint32_t redFirst(uint32_t pixel) {
+    return (pixel & 0xFF00FF00) | (pixel >> 16 & 0xFF) | (pixel & 0xFF) << 16;
+}
+
+// (The C library's checked memcpy prevents vectors.)
+template <typename Turn>
+void turnPixels(const uint32_t* source, size_t count, uint8_t* bytes, Turn turn) {
+    for (size_t i = 0; i < count; ++i) {
+        const uint32_t pixel = turn(source[i]);
+        __builtin_memcpy(bytes + 4 * i, &pixel, 4);
+    }
+}
+
 }  // namespace
 
 void convertPixels(const uint32_t* source, size_t count, PixelFormat format, void* target) {
-    const bool premultiplies =
-        format == PixelFormat::ArgbPremultiplied || format == PixelFormat::RgbaPremultiplied;
-    const bool words = format == PixelFormat::Argb || format == PixelFormat::ArgbPremultiplied;
-    auto* bytes = static_cast<uint8_t*>(target);
-    for (size_t i = 0; i < count; ++i, bytes += 4) {
-        const uint32_t pixel = premultiplies ? premultiplied(source[i]) : source[i];
-        if (words) {
-            std::memcpy(bytes, &pixel, 4);
-            continue;
-        }
-        bytes[0] = static_cast<uint8_t>(pixel >> 16);
-        bytes[1] = static_cast<uint8_t>(pixel >> 8);
-        bytes[2] = static_cast<uint8_t>(pixel);
-        bytes[3] = static_cast<uint8_t>(pixel >> 24);
+    auto* const bytes = static_cast<uint8_t*>(target);
+    switch (format) {
+        case PixelFormat::Argb:
+            if (target != source) std::memcpy(bytes, source, 4 * count);
+            break;
+        case PixelFormat::ArgbPremultiplied:
+            turnPixels(source, count, bytes, premultiplied);
+            break;
+        case PixelFormat::Rgba:
+            turnPixels(source, count, bytes, redFirst);
+            break;
+        case PixelFormat::RgbaPremultiplied:
+            turnPixels(source, count, bytes, [](uint32_t pixel) { return redFirst(premultiplied(pixel)); });
+            break;
     }
 }
 
