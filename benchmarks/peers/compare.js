@@ -158,13 +158,13 @@ const ratio = (ours, theirs) => theirs ? (median(ours) / median(theirs)).toFixed
 
 function printHead(rounds) {
     console.log(`Milliseconds of one picture: the median of ${rounds} rounds, the least in brackets. ${os.cpus()[0].model}.\n`);
-    console.log('| Scene | Size | Zvex | Skia | Skia, unread | Cairo | Zvex / Skia | Zvex / Skia, unread | Zvex / Cairo |');
-    console.log('|---|---|--:|--:|--:|--:|--:|--:|--:|');
+    console.log('| Scene | Size | Zvex | Skia | Skia, unread | Cairo | memset | Zvex / Skia | Zvex / Skia, unread | Zvex / Cairo |');
+    console.log('|---|---|--:|--:|--:|--:|--:|--:|--:|--:|');
 }
 
 function printRow(scene, size, byName) {
-    const {Zvex, Skia, Unread, Cairo} = byName;
-    console.log(`| ${scene} ${kScenes[scene]} | ${size} | ${[Zvex, Skia, Unread, Cairo].map(cell).join(' | ')} | ` +
+    const {Zvex, Skia, Unread, Cairo, Memset} = byName;
+    console.log(`| ${scene} ${kScenes[scene]} | ${size} | ${[Zvex, Skia, Unread, Cairo, Memset].map(cell).join(' | ')} | ` +
                 `${[Skia, Unread, Cairo].map(theirs => ratio(Zvex, theirs)).join(' | ')} |`);
 }
 
@@ -195,6 +195,7 @@ async function compare(options, programs, folder) {
             const able = await checkPictures(programs, scene, size, folder, options.pictures);
             const columns = able.map(name => ({name, program: programs[name], word: []}));
             if (able.includes('Skia')) columns.push({name: 'Unread', program: programs.Skia, word: ['unread']});
+            columns.push({name: 'Memset', program: programs.Zvex, word: ['memset']});
             const times = await timesOf(columns, scene, size, options.rounds);
             printRow(scene, size, Object.fromEntries(columns.map(({name}, i) => [name, times[i]])));
         }

@@ -157,6 +157,41 @@ private:
     Buffer<float> mEnd;
 };
 
+// Part of the transform of a plane that is not much larger.
+class PartRows : public DistanceRows {
+public:
+    static bool fits(int width, int height, const WholePlane& whole) {
+        constexpr int64_t kMostPixels = 4;  // for each of the part
+        return int64_t{whole.width} * whole.height <= kMostPixels * width * height;
+    }
+
+    PartRows(int width, int height, int radius, const WholePlane& whole)
+        : DistanceRows(width, height), mWhole(whole), mRows(whole.width, whole.height, radius) {}
+
+    bool make(const uint8_t* levels) {
+        if (!mLevels.allocate(mWhole.height, mWhole.width)) return false;
+        std::fill_n(mLevels.get(), int64_t{mWhole.width} * mWhole.height,
+                    mWhole.isFull ? uint8_t{0} : uint8_t{255});
+        for (ptrdiff_t y = 0; y < mHeight; ++y) {
+            std::copy_n(levels + y * mWidth, mWidth,
+                        mLevels.get() + (mWhole.y + y) * mWhole.width + mWhole.x);
+        }
+        if (!mRows.make(mLevels.get())) return false;
+        for (int y = 0; y < mWhole.y; ++y) mRows.next();
+        return allocate();
+    }
+
+private:
+    void measure(float* row) override {
+        mRows.next();
+        std::copy_n(mRows.row(mWhole.y + mY) + mWhole.x, mWidth, row);
+    }
+
+    WholePlane mWhole;
+    TransformRows mRows;
+    Buffer<uint8_t> mLevels;
+};
+
 // The values of a plane, unchanged.
 class RampRows : public DistanceRows {
 public:
@@ -217,8 +252,10 @@ std::unique_ptr<DistanceRows> DistanceRows::transform(const uint8_t* levels, int
     // sums are still exact: full pixels end the parabolas, and others are higher than all parabolas.
     const bool isWhole = whole.width == width && whole.height == height;
     const bool isExact = int64_t{whole.x} + width <= exactColumns(whole.height) - kRoundedSlopes;
-    if (TransformRows::fits(whole.height, radius) && (isWhole || isExact)) {
-        return made(tryMake<TransformRows>(width, height, radius), levels);
+    if (TransformRows::fits(whole.height, radius)) {
+        if (isWhole || isExact) return made(tryMake<TransformRows>(width, height, radius), levels);
+        if (PartRows::fits(width, height, whole))
+            return made(tryMake<PartRows>(width, height, radius, whole), levels);
     }
     return made(tryMake<PlaneRows>(width, height, radius, whole), levels);
 }
