@@ -4,7 +4,8 @@
 
     scripts/python && PYTHONPATH=build/release/python python3 benchmarks/beside_pillow.py
 
-A thread draws the words alone, then two threads share them. docs/performance.md says what is measured.
+A thread draws the words alone, then two threads share them. docs/performance.md says what is measured. With --answer it
+is Pillow's side of `scripts/compare --titles`: it answers requests in lines (benchmarks/peers/README.md).
 """
 import argparse
 import os
@@ -18,11 +19,14 @@ import numpy
 import PIL
 from PIL import Image, ImageDraw, ImageFilter, ImageFont
 
-import zvex
-
 FONT = "/usr/share/fonts/truetype/dejavu/DejaVuSans-Bold.ttf"
-STROKE, BLUR, DROP = 4, 4, 6  # pixels; the blur's standard deviation; how far the glyphs' shadow is moved down
-FILL, EDGE = "#ffcc00", "#202020"
+FILL, EDGE = "#ff8800", "#202020"
+LOOKS = {"plain": "plain", "stroke": "stroke", "shadow": "stroke and blurred shadow"}
+
+
+def unit_of(size):
+    """The stroke's width, the blur's standard deviation, and how far the glyphs' shadow is moved down: pixels."""
+    return size // 16
 
 
 def distinct_words(count):
@@ -35,9 +39,13 @@ def distinct_words(count):
 
 
 class Zvex:
-    def __init__(self, size, shadow):
-        looks = {"outer_shadow": f"angle=90,distance={DROP},size={3 * BLUR},opacity=1"} if shadow else {}
-        self.text = zvex.Text(font=FONT, size=size, color=FILL, stroke=f"{STROKE}:{EDGE}", **looks)
+    def __init__(self, size, look):
+        import zvex  # pylint: disable=import-outside-toplevel
+        unit = unit_of(size)
+        looks = {} if look == "plain" else {"stroke": f"{unit}:{EDGE}"}
+        if look == "shadow":
+            looks["outer_shadow"] = f"angle=90,distance={unit},size={3 * unit},opacity=1"
+        self.text = zvex.Text(font=FONT, size=size, color=FILL, **looks)
 
     def draw(self, word):
         return numpy.asarray(self.text.render(word))
@@ -46,23 +54,25 @@ class Zvex:
 class Pillow:
     """Every canvas fits its ink."""
 
-    def __init__(self, size, shadow, layout):
+    def __init__(self, size, look, layout):
         self.font = ImageFont.truetype(FONT, size, layout_engine=layout)
-        self.shadow = shadow
+        self.unit = unit_of(size)
+        self.stroke = 0 if look == "plain" else self.unit
+        self.shadow = look == "shadow"
 
     def draw(self, word):
-        left, top, right, bottom = self.font.getbbox(word, stroke_width=STROKE, anchor="ls")
-        reach = 3 * BLUR - STROKE if self.shadow else 0  # of the blur beyond the stroke
+        left, top, right, bottom = self.font.getbbox(word, stroke_width=self.stroke, anchor="ls")
+        reach = 3 * self.unit - self.stroke if self.shadow else 0  # of the blur beyond the stroke
         canvas = right - left + 2 * reach, bottom - top + 2 * reach
-        at = reach - left, reach - top - (DROP if self.shadow else 0)
+        at = reach - left, reach - top - (self.unit if self.shadow else 0)
         front = Image.new("RGBA", canvas)
-        ImageDraw.Draw(front).text(at, word, FILL, self.font, "ls", stroke_width=STROKE, stroke_fill=EDGE)
+        ImageDraw.Draw(front).text(at, word, FILL, self.font, "ls", stroke_width=self.stroke, stroke_fill=EDGE)
         if not self.shadow:
             return numpy.asarray(front)
         cast = Image.new("L", canvas)
-        ImageDraw.Draw(cast).text((at[0], at[1] + DROP), word, 255, self.font, "ls")
+        ImageDraw.Draw(cast).text((at[0], at[1] + self.unit), word, 255, self.font, "ls")
         picture = Image.new("RGBA", canvas)
-        picture.putalpha(cast.filter(ImageFilter.GaussianBlur(BLUR)))
+        picture.putalpha(cast.filter(ImageFilter.GaussianBlur(self.unit)))
         picture.alpha_composite(front)
         return numpy.asarray(picture)
 
@@ -100,12 +110,38 @@ def rate_of_threads(make, words, count):
     return len(words) / passed, (time.process_time() - used) / passed
 
 
+def answer(line, fonts):
+    """Of `titles LOOK SIZE WAY WORD...` or `title FILE LOOK SIZE WAY WORD`."""
+    kind, *rest = line.split()
+    file = rest.pop(0) if kind == "title" else None
+    look, size, _, *words = rest
+    if look not in LOOKS:
+        return "none"
+    renderer = fonts.setdefault((look, size), None) or Pillow(int(size), look, ImageFont.Layout.RAQM)
+    fonts[look, size] = renderer
+    if file is not None:
+        pixels = renderer.draw(words[0])
+        pixels.tofile(file)
+        return f"written {pixels.shape[1]}"
+    began = time.perf_counter()
+    for word in words:
+        renderer.draw(word)
+    return str(1000 * (time.perf_counter() - began))
+
+
 def main():
     parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
     parser.add_argument("--words", type=int, default=2000, help="all different")
     parser.add_argument("--rounds", type=int, default=5)
     parser.add_argument("--sizes", type=int, nargs="+", default=[64], help="pixels")
+    parser.add_argument("--answer", action="store_true", help="requests of scripts/compare on standard input")
     given = parser.parse_args()
+    if given.answer:
+        fonts = {}
+        for line in sys.stdin:
+            print(answer(line, fonts), flush=True)
+        return
+    import zvex  # pylint: disable=import-outside-toplevel
     words = distinct_words(given.words)
     load = os.getloadavg()[0]
 
@@ -113,19 +149,18 @@ def main():
     print("| Pictures a second of one core | zvex | Pillow | Pillow, no shaping | Ratio | Ratio, no shaping |")
     print("|---|--:|--:|--:|--:|--:|")
     for size in given.sizes:
-        for shadow in (False, True):
-            renderers = [Zvex(size, shadow), Pillow(size, shadow, ImageFont.Layout.RAQM),
-                         Pillow(size, shadow, ImageFont.Layout.BASIC)]
+        for look, called in LOOKS.items():
+            renderers = [Zvex(size, look), Pillow(size, look, ImageFont.Layout.RAQM),
+                         Pillow(size, look, ImageFont.Layout.BASIC)]
             for word in words[:50]:
                 check_same_ink(word, renderers[0].draw(word), renderers[1].draw(word))
             rounds = [[rate(renderer, words) for renderer in renderers] for _ in range(given.rounds)]
             zv, shaped, plain = (statistics.median(rates) for rates in zip(*rounds))
-            name = f"{size} px, stroke" + (" and blurred shadow" if shadow else "")
-            print(f"| {name} | {zv:.0f} | {shaped:.0f} | {plain:.0f} | {zv / shaped:.1f} | {zv / plain:.1f} |", flush=True)
+            print(f"| {size} px, {called} | {zv:.0f} | {shaped:.0f} | {plain:.0f} | {zv / shaped:.1f} | {zv / plain:.1f} |", flush=True)
 
     print("\n| Threads | Pictures a second | Cores they got |\n|--:|--:|--:|")
     counts = (1, 2)
-    rounds = [[rate_of_threads(lambda: Zvex(given.sizes[0], True), words, count) for count in counts]
+    rounds = [[rate_of_threads(lambda: Zvex(given.sizes[0], "shadow"), words, count) for count in counts]
               for _ in range(4 * given.rounds)]
     for count, results in zip(counts, zip(*rounds)):
         pictures, cores = max(results, key=lambda result: result[1])

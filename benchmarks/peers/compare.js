@@ -2,7 +2,7 @@
 // Runs the same pictures through several renderers, in turn, and prints a table. scripts/compare calls it; README.md
 // says how and what it asks of the programs.
 'use strict';
-const {spawn} = require('child_process');
+const {spawn, spawnSync} = require('child_process');
 const fs = require('fs');
 const os = require('os');
 const path = require('path');
@@ -28,6 +28,20 @@ const kLooser = {S6: {pixels: 9, amount: 0.4, level: 72}, S7: {pixels: 2, amount
 
 const kSizes = {small: 1, large: 4};
 const kWarmUps = 3;
+
+// Small titles, as in benchmarks/Titles.h, and what gives each look to `zvtext batch` at a glyph size.
+const kLooks = {
+    plain: () => [],
+    stroke: size => ['--stroke', `${size / 16}:#202020`],
+    shadow: size => [...kLooks.stroke(size), '--outer-shadow', `angle=90,distance=${size / 16},size=${3 * size / 16},opacity=1`],
+    bevel: size => ['--bevel', `size=${size / 12},depth=2,technique=soft,angle=135,altitude=30`],
+};
+const kTitleFont = '/usr/share/fonts/truetype/dejavu/DejaVuSans-Bold.ttf';
+const kTitleSizes = [16, 32, 64];
+const kTitles = 100;        // of a request
+const kBatchTitles = 2000;  // of a run of `zvtext batch`; the time of a run of kTitles is taken off
+// At 16 pixels the phone's hinting and contrast show: another width for each letter, and more ink.
+const kTitleTolerance = {pixels: 3, part: 0.06, amount: 0.35, level: 24};
 // Between two pictures, so that what one program does in the background (Node frees its canvases there) does not run in
 // the time of another on the same core.
 const kPause = 5;
@@ -168,6 +182,94 @@ function printRow(scene, size, byName) {
                 `${[Skia, Unread, Cairo].map(theirs => ratio(Zvex, theirs)).join(' | ')} |`);
 }
 
+// --- Titles
+
+// Different words each time, the same in each run.
+function* wordsOf(seed) {
+    const parts = 'ba ce di fo gu ha ji ko lu me na po qui ro se ta vu wy xa ze'.split(' '), seen = new Set();
+    const below = limit => {
+        seed = (Math.imul(seed, 1664525) + 1013904223) >>> 0;
+        return Math.floor(seed / 2 ** 32 * limit);
+    };
+    while (true) {
+        const word = Array.from({length: 2 + below(4)}, () => parts[below(parts.length)]).join('');
+        if (!seen.has(word)) yield word[0].toUpperCase() + word.slice(1);
+        seen.add(word);
+    }
+}
+const take = (words, count) => Array.from({length: count}, () => words.next().value);
+
+// Throws where a peer's title has another size of ink, amount or colour than ours. False if it draws none.
+async function drawsSameTitle(ours, program, column, look, size, word, folder) {
+    const inks = [];
+    for (const [from, way] of [[ours, 'reused'], [program, column.way]]) {
+        const file = path.join(folder, 'pixels');
+        const [written, width] = (await from.ask(`title ${file} ${look} ${size} ${way} ${word}`)).split(' ');
+        if (written !== 'written') return false;
+        inks.push(inkOf(fs.readFileSync(file), Number(width)));
+    }
+    const [expected, ink] = inks, far = kTitleTolerance;
+    const isFar = (a, b) => !(Math.abs(a - b) <= far.pixels + far.part * b);
+    const colour = look === 'bevel' ? [] : ['red', 'green', 'blue'];
+    if (isFar(ink.right - ink.left, expected.right - expected.left) || isFar(ink.bottom - ink.top, expected.bottom - expected.top) ||
+        !(Math.abs(ink.amount / expected.amount - 1) <= far.amount) ||
+        colour.some(name => !(Math.abs(ink[name] - expected[name]) <= far.level))) {
+        throw new Error(`${column.name} draws another '${word}', ${look} ${size}: ${JSON.stringify(inks)}`);
+    }
+    return true;
+}
+
+// The milliseconds that kTitles titles more take a batch, which writes the pixels to nowhere.
+function batchTime(options, look, size, words, folder) {
+    const command = ['-c', options.cpu, path.resolve(options.programs, '../../tools/zvtext/zvtext'), 'batch', '-', '--font', kTitleFont,
+                     '--size', size, '--color', '#ff8800', '--no-fallback', '--jobs', '1', '--format', 'raw', '--output', '-',
+                     ...kLooks[look](size)].map(String);
+    const run = some => {
+        const input = some.map(text => JSON.stringify({text}) + '\n').join('');
+        const begin = process.hrtime.bigint();
+        const {status} = spawnSync('taskset', command, {input, cwd: folder, stdio: ['pipe', 'ignore', 'inherit']});
+        if (status !== 0) throw new Error(`zvtext batch ended with ${status}`);
+        return Number(process.hrtime.bigint() - begin) / 1e6;
+    };
+    const few = run(take(words, kTitles));
+    return (run(take(words, kTitles + kBatchTitles)) - few) * kTitles / kBatchTitles;
+}
+
+async function compareTitles(options, programs, folder) {
+    const columns = [
+        {name: 'Zvex, reused', program: 'Zvex', way: 'reused'}, {name: 'Zvex, new', program: 'Zvex', way: 'new'},
+        {name: 'zvtext batch'}, {name: 'Skia', program: 'Skia', way: 'read'},
+        {name: 'Skia, unread', program: 'Skia', way: 'unread'}, {name: 'Pillow', program: 'Pillow', way: 'shaped'},
+    ];
+    console.log(`Titles a second: the median of ${options.rounds} rounds of ${kTitles}. ${os.cpus()[0].model}.\n`);
+    console.log(`| Title | ${columns.map(column => column.name).join(' | ')} |\n|---${'|--:'.repeat(columns.length)}|`);
+    const words = wordsOf(1);
+    for (const look of Object.keys(kLooks)) {
+        for (const size of kTitleSizes) {
+            const able = [];
+            for (const column of columns) {
+                const program = programs[column.program];
+                if (!program || await drawsSameTitle(programs.Zvex, program, column, look, size, 'Hamburg', folder)) able.push(column);
+            }
+            const times = new Map(able.map(column => [column, []]));
+            for (let round = -kWarmUps; round < options.rounds; ++round) {
+                const some = take(words, kTitles).join(' ');
+                for (let i = 0; i < able.length; ++i) {
+                    const column = able[(i + round + kWarmUps) % able.length];
+                    if (!column.program) continue;
+                    await pause(kPause);
+                    const elapsed = await programs[column.program].milliseconds(`titles ${look} ${size} ${column.way} ${some}`);
+                    if (round >= 0) times.get(column).push(elapsed);
+                }
+            }
+            const batch = times.get(columns[2]);
+            for (let round = 0; round < Math.min(options.rounds, 5); ++round) batch.push(batchTime(options, look, size, words, folder));
+            const rates = columns.map(column => times.has(column) ? Math.round(kTitles * 1000 / median(times.get(column))) : '');
+            console.log(`| ${size} px, ${look === 'shadow' ? 'stroke and shadow' : look} | ${rates.join(' | ')} |`);
+        }
+    }
+}
+
 // --- Command line
 
 function readArguments() {
@@ -177,6 +279,7 @@ function readArguments() {
         scenes: {type: 'string', default: Object.keys(kScenes).join()},
         sizes: {type: 'string', default: Object.keys(kSizes).join()},
         pictures: {type: 'string'},
+        titles: {type: 'boolean', default: false},
         cpu: {type: 'string', default: String(os.cpus().length - 1)},
     }});
     const list = (name, known) => values[name].split(',').map(word => {
@@ -209,10 +312,12 @@ async function main() {
     const programs = {
         Zvex: new Program([path.join(options.programs, 'peer_ours')], options.cpu),
         Skia: new Program([process.execPath, '--expose-gc', path.join(__dirname, 'skia.js')], options.cpu),
-        Cairo: new Program([path.join(options.programs, 'peer_cairo')], options.cpu),
+        ...(options.titles
+            ? {Pillow: new Program(['/usr/bin/python3', path.join(__dirname, '../beside_pillow.py'), '--answer'], options.cpu)}
+            : {Cairo: new Program([path.join(options.programs, 'peer_cairo')], options.cpu)}),
     };
     try {
-        await compare(options, programs, folder);
+        await (options.titles ? compareTitles : compare)(options, programs, folder);
     } finally {
         for (const program of Object.values(programs)) program.end();
         fs.rmSync(folder, {recursive: true});

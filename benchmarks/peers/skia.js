@@ -85,7 +85,82 @@ const scenes = {
     },
 };
 
-async function answer(scene, size, word) {
+// --- Titles: looks of benchmarks/Titles.h, each word on a canvas of its own, as large as its ink and margins.
+
+const reach = {
+    plain: () => ({side: 0, top: 0, bottom: 0}),
+    stroke: u => ({side: u, top: u, bottom: u}),
+    shadow: u => ({side: 3 * u, top: 2 * u, bottom: 4 * u}),
+    bevel: () => ({side: 0, top: 0, bottom: 0}),
+};
+
+const titleBevel = (word, x, y, width, height, size) => Buffer.from(`
+<svg xmlns="http://www.w3.org/2000/svg" width="${width}" height="${height}">
+  <filter id="bevel" filterUnits="userSpaceOnUse" x="0" y="0" width="${width}" height="${height}">
+    <feGaussianBlur in="SourceAlpha" stdDeviation="${size / 24}"/>
+    <feDiffuseLighting surfaceScale="${size / 24}" diffuseConstant="1.3" lighting-color="#fff" result="light">
+      <feDistantLight azimuth="225" elevation="30"/>
+    </feDiffuseLighting>
+    <feComposite in="SourceGraphic" in2="light" operator="arithmetic" k1="1" k2="0" k3="0" k4="0"/>
+  </filter>
+  <text x="${x}" y="${y}" font-family="Peer" font-size="${size}" fill="${kOrange}" filter="url(#bevel)">${word}</text>
+</svg>`);
+
+let measuring;
+
+async function drawTitle(word, look, size) {
+    const unit = size / 16, margin = reach[look](unit);
+    measuring ??= createCanvas(1, 1).getContext('2d');
+    measuring.font = `${size}px Peer`;
+    const ink = measuring.measureText(word);
+    const left = Math.ceil(ink.actualBoundingBoxLeft) + margin.side, top = Math.ceil(ink.actualBoundingBoxAscent) + margin.top;
+    const width = left + Math.ceil(ink.actualBoundingBoxRight) + margin.side;
+    const height = top + Math.ceil(ink.actualBoundingBoxDescent) + margin.bottom;
+    const canvas = createCanvas(width, height), context = canvas.getContext('2d');
+    if (look === 'bevel') {
+        context.drawImage(await loadImage(titleBevel(word, left, top, width, height, size)), 0, 0);
+        return canvas;
+    }
+    context.font = `${size}px Peer`;
+    context.fillStyle = kOrange;
+    if (look === 'shadow') {
+        context.shadowColor = kBlack;
+        context.shadowOffsetY = unit;
+        context.shadowBlur = 2 * unit;
+        context.fillText(word, left, top);
+        context.shadowColor = 'transparent';
+    }
+    if (look !== 'plain') {
+        context.strokeStyle = kDark;
+        context.lineJoin = 'round';
+        context.lineWidth = 2 * unit;
+        context.strokeText(word, left, top);
+    }
+    context.fillText(word, left, top);
+    return canvas;
+}
+
+async function answerTitles(look, size, way, ...words) {
+    if (!(look in reach)) return 'none';
+    const begin = process.hrtime.bigint();
+    for (const word of words) {
+        const canvas = await drawTitle(word, look, Number(size));
+        if (way === 'unread') canvas.getContext('2d').getImageData(0, 0, 1, 1);
+        else canvas.data();
+    }
+    return (Number(process.hrtime.bigint() - begin) / 1e6).toFixed(6);
+}
+
+async function writeTitle(file, look, size, way, word) {
+    if (!(look in reach)) return 'none';
+    const canvas = await drawTitle(word, look, Number(size));
+    fs.writeFileSync(file, canvas.getContext('2d').getImageData(0, 0, canvas.width, canvas.height).data);
+    return `written ${canvas.width}`;
+}
+
+async function answer(scene, size, word, ...rest) {
+    if (scene === 'titles') return answerTitles(size, word, ...rest);
+    if (scene === 'title') return writeTitle(size, word, ...rest);
     if (!(scene in scenes)) return 'none';
     const k = size === 'large' ? 4 : 1;
     clearAllCache();
