@@ -248,8 +248,14 @@ bool searchWindows(const DistanceSearch& s, const WindowRoots& roots, int& y, in
 // The order of the search matters only once a pixel rises above 1. Until then, a row's pixels are computed
 // side by side. From the first such row on, they are computed one after another.
 bool searchInward(const DistanceSearch& s) {
-    const int begin = std::max(s.rowBegin, 0), end = std::min(s.rowEnd, s.height);
+    int begin = std::max(s.rowBegin, 0), end = std::min(s.rowEnd, s.height);
     if (s.plane == nullptr || s.width < 1 || s.radius < 1 || begin >= end) return true;
+    const auto changes = [&](int y) {
+        return ZVEX_ON_TARGET(isAnyBelow(s.plane + ptrdiff_t{y} * s.width, s.width));
+    };
+    while (begin < end && !changes(begin)) ++begin;
+    while (begin < end && !changes(end - 1)) --end;
+    if (begin >= end) return true;
     WindowRoots roots;
     if (!roots.make(s.width, s.height, s.radius)) return false;
     int y = begin;
