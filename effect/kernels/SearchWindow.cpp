@@ -21,28 +21,31 @@ bool WindowRoots::make(int width, int height, int radius) {
 
 bool WindowVisibility::make(const WindowRoots& roots, float limit) {
     const int reach = roots.reachY();
-    if (!mRanges.allocate(int64_t{reach} + 1)) return false;
+    const int64_t size = kAdvantages * (int64_t{reach} + 1);
+    if (!mRanges.allocate(3, size)) return false;
+    mView.ranges = {mRanges.get(), mRanges.get() + size, mRanges.get() + 2 * size, reach + 1};
     for (int dy = 0; dy <= reach; ++dy) makeRow(dy, roots, limit);
     mView.roots = roots.row(0);
     mView.span = roots.span();
-    mView.ranges = mRanges.get();
-    using Range = VisibleRange;
-    countRows(mView.sides, reach, [](const Range& r, int i, int j) { return -r.side[i] <= r.side[j]; });
-    countRows(mView.sideAndBehind, reach,
-              [](const Range& r, int i, int j) { return -r.side[i] <= r.behind[j]; });
-    countRows(mView.betweenAndSide, reach,
-              [](const Range& r, int i, int j) { return r.between[i] < r.side[j]; });
-    countRows(mView.betweenAndBehind, reach,
-              [](const Range& r, int i, int j) { return r.between[i] < r.behind[j]; });
+    const VisibleRanges& r = mView.ranges;
+    const auto meet = [](int left, int right) { return -left <= right; };
+    const auto leaveGap = [](int hidden, int visible) { return hidden < visible; };
+    countRows(mView.sides, r.side, r.side, meet);
+    countRows(mView.sideAndBehind, r.side, r.behind, meet);
+    countRows(mView.betweenAndSide, r.between, r.side, leaveGap);
+    countRows(mView.betweenAndBehind, r.between, r.behind, leaveGap);
     return true;
 }
 
 template <typename IsVisible>
-void WindowVisibility::countRows(VisibleRows& rows, int reach, IsVisible isVisible) {
-    for (int i = 0; i < kCoarseAdvantages; ++i) {
+void WindowVisibility::countRows(VisibleRows& rows, const int16_t* one, const int16_t* other,
+                                 IsVisible isVisible) {
+    const int step = kCoarse * mView.ranges.rows;
+    for (int i = 0; i < kCoarseAdvantages; ++i, one += step) {
         // A greater advantage leaves less visible.
-        for (int j = 0, dy = reach; j < kCoarseAdvantages; ++j) {
-            while (dy > 0 && !isVisible(mRanges[static_cast<size_t>(dy)], i * kCoarse, j * kCoarse)) --dy;
+        const int16_t* with = other;
+        for (int j = 0, dy = mView.ranges.rows - 1; j < kCoarseAdvantages; ++j, with += step) {
+            while (dy > 0 && !isVisible(one[dy], with[dy])) --dy;
             rows[i][j] = static_cast<int16_t>(dy);
         }
     }
@@ -57,7 +60,7 @@ void WindowVisibility::makeRow(int dy, const WindowRoots& roots, float limit) {
     const float margin = 1e-3f + 1e-6f * static_cast<float>(std::max(reach, roots.reachY()));
     int end = reach;
     while (end >= 0 && !(here[end] < limit)) --end;
-    VisibleRange& range = mRanges[static_cast<size_t>(dy)];
+    const VisibleRanges& ranges = mView.ranges;
     int before = 0, behind = end, beyond = reach, between = -1;
     for (int i = 0; i < kAdvantages; ++i) {
         const float advantage = static_cast<float>(i - kAdvantageSteps) / kAdvantageSteps,
@@ -75,9 +78,10 @@ void WindowVisibility::makeRow(int dy, const WindowRoots& roots, float limit) {
             while (nearer != nullptr && between < reach && here[between + 1] - nearer[between + 1] >= -detour)
                 ++between;
         }
-        range.side[i] = static_cast<int16_t>(std::min(advantage < 0 ? beyond : -before, end));
-        range.behind[i] = static_cast<int16_t>(behind);
-        range.between[i] = static_cast<int16_t>(advantage < 0 ? between : reach);
+        const int at = ranges.at(i, dy);
+        ranges.side[at] = static_cast<int16_t>(std::min(advantage < 0 ? beyond : -before, end));
+        ranges.behind[at] = static_cast<int16_t>(behind);
+        ranges.between[at] = static_cast<int16_t>(advantage < 0 ? between : reach);
     }
 }
 

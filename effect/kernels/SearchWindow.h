@@ -44,11 +44,15 @@ struct Advantages {
 };
 constexpr int kAdvantageSteps = 64, kAdvantages = 2 * kAdvantageSteps;
 
-// The visible part of a row at some distance, by the advantage of one neighbour plus kAdvantageSteps.
-struct VisibleRange {
-    int16_t side[kAdvantages];    // neighbour on a side: the greatest visible dx to that side; may be below 0
-    int16_t behind[kAdvantages];  // neighbour behind the seed: the greatest visible |dx|; -1 is none
-    int16_t between[kAdvantages];  // neighbour on the way: the greatest hidden |dx|
+// The visible parts of the rows 0 to the reach, by the advantage of one neighbour plus kAdvantageSteps: all
+// rows of an advantage, then those of the next.
+struct VisibleRanges {
+    int16_t* side;     // neighbour on a side: the greatest visible dx to that side; may be below 0
+    int16_t* behind;   // neighbour behind the seed: the greatest visible |dx|; -1 is none
+    int16_t* between;  // neighbour on the way: the greatest hidden |dx|
+    int rows;
+
+    int at(int advantage, int dy) const { return advantage * rows + dy; }
 };
 
 // In how many rows anything is visible with two neighbours, by coarser advantages.
@@ -59,7 +63,7 @@ using VisibleRows = int16_t[kCoarseAdvantages][kCoarseAdvantages];
 struct WindowView {
     const float* roots;  // at dx = 0 in row 0
     int64_t span;        // floats from row to row
-    const VisibleRange* ranges;
+    VisibleRanges ranges;
     VisibleRows sides, sideAndBehind, betweenAndSide, betweenAndBehind;
 };
 
@@ -103,9 +107,9 @@ public:
 private:
     void makeRow(int dy, const WindowRoots& roots, float limit);
     template <typename IsVisible>
-    void countRows(VisibleRows& rows, int reach, IsVisible isVisible);
+    void countRows(VisibleRows& rows, const int16_t* one, const int16_t* other, IsVisible isVisible);
 
-    Buffer<VisibleRange> mRanges;
+    Buffer<int16_t> mRanges;
     WindowView mView = {};
 };
 
