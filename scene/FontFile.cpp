@@ -316,15 +316,29 @@ std::string tagName(hb_tag_t tag) {
     return text.substr(0, text.find_last_not_of(' ') + 1);
 }
 
+namespace {
+
+// Their keys are not name(), because a file's name may look like the name of a font in a collection. A font
+// holds its bytes and its source, so their addresses are theirs alone.
+using FontKey = std::tuple<std::string, int, unsigned, std::string, std::string, const void*, const void*>;
+
+std::map<FontKey, std::shared_ptr<const LoadedFont>>& loadedFonts() {
+    static std::map<FontKey, std::shared_ptr<const LoadedFont>> loaded;
+    return loaded;
+}
+
+}  // namespace
+
+size_t loadedFontCount() {
+    return loadedFonts().size();
+}
+
 std::shared_ptr<const LoadedFont> loadFont(const std::string& option, const FontChoice& choice,
                                            const std::string& axesOption, const std::string& axes) {
-    // The key is not name(), because a file's name may look like the name of a font in a collection. A font
-    // holds its bytes and its source, so their addresses are theirs alone.
-    using Key = std::tuple<std::string, int, unsigned, std::string, std::string, const void*, const void*>;
-    static std::map<Key, std::shared_ptr<const LoadedFont>> loaded;
+    auto& loaded = loadedFonts();
     const Source& source = orDefault(choice.source);
-    const Key key(choice.path, choice.index, choice.instance, choice.variations, axes, choice.bytes.get(),
-                  source.realm());
+    const FontKey key(choice.path, choice.index, choice.instance, choice.variations, axes, choice.bytes.get(),
+                      source.realm());
     const auto found = loaded.find(key);
     // It may have been loaded for a caller that may read more.
     if (found != loaded.end() && choice.bytes == nullptr) source.check(option, choice.path);

@@ -55,6 +55,8 @@ struct LoadedFont {
 // listing the axes that it has. One thread at a time.
 std::shared_ptr<const LoadedFont> loadFont(const std::string& option, const FontChoice& choice,
                                            const std::string& axesOption = "", const std::string& axes = "");
+// They stay loaded. One thread at a time.
+size_t loadedFontCount();
 
 // A string of the font's name table (HB_OT_NAME_ID_...), in English if there are several; UTF-8, at most 511
 // bytes.

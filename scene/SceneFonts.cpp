@@ -283,6 +283,11 @@ SceneFonts takeFonts(const Scene& scene, const SceneText& sceneText) {
     return taken;
 }
 
+size_t countLoadedFonts() {
+    const std::lock_guard<std::mutex> lock(reading());
+    return loadedFontCount();
+}
+
 std::vector<std::string> systemFontNames(const std::string& text) {
     const std::u16string units = toUtf16(text);
     std::set<uint32_t> characters;

@@ -30,6 +30,9 @@ struct SceneFonts {
 // read by one at a time. Throws UsageError or Failure, naming the option.
 SceneFonts takeFonts(const Scene& scene, const SceneText& text);
 
+// How many fonts the process has loaded for its scenes, and keeps. Any thread.
+size_t countLoadedFonts();
+
 // The system's fonts that have all characters of the text, which is UTF-8: names for Font, the best first, at
 // most eight. Any thread.
 std::vector<std::string> systemFontNames(const std::string& text);

@@ -4,6 +4,7 @@
 #include <sys/socket.h>
 
 #include <cerrno>
+#include <cstring>
 #include <new>
 #include <utility>
 #include <vector>
@@ -44,23 +45,37 @@ bool receiveBytes(int socket, void* bytes, size_t size) {
     return true;
 }
 
-// The length and the bytes of each.
+void addSize(std::string& message, uint64_t size) {
+    message.append(reinterpret_cast<const char*>(&size), sizeof size);
+}
+
+// The length of all that follows, then the length and the bytes of each.
 bool sendParts(int socket, const Parts& parts) {
     std::string message;
+    uint64_t size = 0;
+    for (const std::string& part : parts) size += sizeof size + part.size();
+    addSize(message, size);
     for (const std::string& part : parts) {
-        const uint64_t size = part.size();
-        message.append(reinterpret_cast<const char*>(&size), sizeof size);
+        addSize(message, part.size());
         message += part;
     }
     return sendBytes(socket, message.data(), message.size());
 }
 
 bool receiveParts(int socket, Parts& parts) {
+    uint64_t size = 0;
+    if (!receiveBytes(socket, &size, sizeof size)) return false;
+    std::string message(size, '\0');
+    if (!receiveBytes(socket, &message[0], size)) return false;
+    size_t at = 0;
     for (std::string& part : parts) {
-        uint64_t size = 0;
-        if (!receiveBytes(socket, &size, sizeof size)) return false;
-        part.resize(size);
-        if (!receiveBytes(socket, &part[0], size)) return false;
+        uint64_t length = 0;
+        if (message.size() - at < sizeof length) return false;
+        std::memcpy(&length, message.data() + at, sizeof length);
+        at += sizeof length;
+        if (message.size() - at < length) return false;
+        part.assign(message, at, length);
+        at += length;
     }
     return true;
 }

@@ -87,7 +87,7 @@ public:
         }
         result.line = job.line;
         // Fonts stay loaded, and lines with their own fonts must not fill the memory.
-        result.last = mFontMarks.size() > kMaxFontsHeld;
+        result.last = countLoadedFonts() > kMaxFontsHeld;
         if (!files) return answer(result);
         result.made = true;
         if (!answer(result)) return false;
@@ -125,7 +125,7 @@ private:
         options.output.scope = mSettings.writes;
         checkOutput(job.path, options.output, "--output");
         const Scene scene = sceneOf(std::move(options.scene));
-        result.record.job = jobDigest(job, scene);
+        if (!job.isStreamed()) result.record.job = jobDigest(job, scene);  // no record is kept of streams
         const bool skipped = mSettings.resumes && !job.isStreamed() && findPicture(job, result.record);
         std::optional<StagedFiles> files;
         if (!skipped) files = makePicture(job, scene, options.output, result);
@@ -171,8 +171,9 @@ private:
                                     {"bottom", margins.bottom}}},
                                   {"baseline", metrics.baseline}});
         EncodedRendering encoded = encodeRendering(rendering, job.path, options, "--output");
-        record.content = digestOf(encoded.picture);
-        if (!job.metrics.empty()) record.content = digestOf(record.content, digestOf(encoded.metrics));
+        if (!job.isStreamed()) record.content = digestOf(encoded.picture);
+        if (!job.isStreamed() && !job.metrics.empty())
+            record.content = digestOf(record.content, digestOf(encoded.metrics));
         if (options.scope.isAnywhere() && !job.isStreamed()) makeFolder(job.path, "--output");
         if (options.scope.isAnywhere()) makeFolder(job.metrics, "--metrics");
         const std::vector<NewFile> all = encoded.files(job.path, options, "--output");
