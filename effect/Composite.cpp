@@ -27,22 +27,32 @@ bool isColor(const ZvBitmap* bitmap) {
     return bitmap != nullptr && bitmap->pixels != nullptr && bitmap->bytesPerPixel == 4;
 }
 
-// The words of kPart pixels by their coverage. Pixels without coverage do not change. Eight at a time: most
-// are equal. (Not inlined into the kernels, where the compiler would make vectors of the look-ups, which is
-// slower. Uses the compiler's memcpy: the C library's checked one prevents vectors.)
+// The words of eight pixels by their coverage. Pixels without coverage do not change. (Uses the compiler's
+// memcpy: the C library's checked one prevents vectors.)
+inline void takeEight(uint8_t* __restrict pixels, const uint8_t* __restrict coverage,
+                      const uint32_t* __restrict table) {
+    const auto paint = [&](size_t i, uint32_t level) { __builtin_memcpy(pixels + 4 * i, &table[level], 4); };
+    uint64_t eight;
+    __builtin_memcpy(&eight, coverage, 8);
+    if (eight == 0) return;
+    if (eight == ~uint64_t{0}) {
+        for (size_t i = 0; i < 8; ++i) paint(i, 255);
+    } else {
+        for (size_t i = 0; i < 8; ++i) paint(i, coverage[i]);
+    }
+}
+
+// Of kPart pixels. Not inlined into the kernels, where the compiler would make vectors of the look-ups, which
+// is slower.
 __attribute__((noinline)) void takeWords(uint8_t* __restrict pixels, const uint8_t* __restrict coverage,
                                          const uint32_t* __restrict table) {
-    const auto paint = [&](size_t i, uint32_t level) { __builtin_memcpy(pixels + 4 * i, &table[level], 4); };
-    for (size_t x = 0; x < kPart; x += 8) {
-        uint64_t eight;
-        __builtin_memcpy(&eight, coverage + x, 8);
-        if (eight == 0) continue;
-        if (eight == ~uint64_t{0}) {
-            for (size_t i = x; i < x + 8; ++i) paint(i, 255);
-        } else {
-            for (size_t i = x; i < x + 8; ++i) paint(i, coverage[i]);
-        }
-    }
+    for (size_t i = 0; i < kPart; i += 8) takeEight(pixels + 4 * i, coverage + i, table);
+}
+
+void takeRow(uint8_t* pixels, const uint8_t* coverage, size_t count, const uint32_t* table) {
+    size_t i = 0;
+    for (; i + 8 <= count; i += 8) takeEight(pixels + 4 * i, coverage + i, table);
+    for (; i < count; ++i) __builtin_memcpy(pixels + 4 * i, &table[coverage[i]], 4);
 }
 
 #define ZVEX_KERNELS "effect/CompositeKernels.inc"
@@ -94,7 +104,11 @@ PlainColors::PlainColors(const uint32_t* colors, size_t count, uint8_t textAlpha
 }
 
 void PlainColors::paintRow(uint8_t* pixels, int left, int right, const Coverage* coverages) const {
-    ZVEX_ON_TARGET(paintColors(pixels, left, right, coverages, mResults));
+    if (mResults.count > 1) return ZVEX_ON_TARGET(paintColors(pixels, left, right, coverages, mResults));
+    const int begin = std::max(left, coverages->left), end = std::min(right, coverages->right);
+    if (begin >= end) return;
+    takeRow(pixels + ptrdiff_t{begin - left} * 4, coverages->pixels + (begin - coverages->left),
+            static_cast<size_t>(end - begin), mResults.text);
 }
 
 }  // namespace Zvex
