@@ -253,10 +253,10 @@ async function compareTitles(options, programs, folder) {
             }
             const times = new Map(able.map(column => [column, []]));
             for (let round = -kWarmUps; round < options.rounds; ++round) {
-                const some = take(words, kTitles).join(' ');
                 for (let i = 0; i < able.length; ++i) {
                     const column = able[(i + round + kWarmUps) % able.length];
                     if (!column.program) continue;
+                    const some = take(words, kTitles).join(' ');  // others each time: none has shaped them before
                     await pause(kPause);
                     const elapsed = await programs[column.program].milliseconds(`titles ${look} ${size} ${column.way} ${some}`);
                     if (round >= 0) times.get(column).push(elapsed);
