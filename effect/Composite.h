@@ -46,7 +46,8 @@ public:
         int left = 0, right = 0;
     };
 
-    // The text's colour and those under it, topmost first: 1 to kMost premultiplied words 0xAARRGGBB.
+    // The text's colour and those under it, topmost first: 1 to kMost words 0xAARRGGBB, premultiplied if
+    // there is more than one.
     PlainColors(const uint32_t* colors, size_t count, uint8_t textAlpha, PixelOrder order);
 
     // Whether no channel exceeds the alpha.

@@ -80,7 +80,7 @@ void StripDrawing::preparePlainColors(PixelOrder order) {
         colors[count] = rows->color();
         mColorRows[count++] = rows;
     }
-    if (!std::all_of(colors, colors + count, PlainColors::isPremultiplied)) return;
+    if (count > 1 && !std::all_of(colors, colors + count, PlainColors::isPremultiplied)) return;
     mColorCount = count;
     mPlain.emplace(colors, count, mScene.textAlpha, order);
 }

@@ -66,8 +66,9 @@ private:
     std::optional<PlainColors> mPlain;
     std::array<ColorRows*, PlainColors::kMost> mColorRows = {};  // null for the text
     size_t mColorCount = 0;
-    // A strip's rows. If the picture is larger than the caches, they are drawn here and then copied.
-    Buffer<uint8_t> mFront, mBack;
+    // A strip of the picture, if that is larger than the caches: drawn here and then copied to its place.
+    Buffer<uint8_t> mFront;
+    Buffer<uint8_t> mBack;  // a strip of the back picture, if there is one
 };
 
 }  // namespace Zvex

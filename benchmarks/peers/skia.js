@@ -39,19 +39,17 @@ function useGradient(context, k) {
     context.fillStyle = gradient;
 }
 
-// Blurred coverage as a height field under a light from the upper left, times the glyphs; only
-// within the rows of the glyphs.
-const bevel = k => Buffer.from(`
-<svg xmlns="http://www.w3.org/2000/svg" width="${1024 * k}" height="${256 * k}">
-  <filter id="bevel" filterUnits="userSpaceOnUse" x="0" y="${97 * k}" width="${1024 * k}" height="${125 * k}">
-    <feGaussianBlur in="SourceAlpha" stdDeviation="${5 * k}"/>
-    <feDiffuseLighting surfaceScale="${5 * k}" diffuseConstant="1.3" lighting-color="#fff" result="light">
+// Blurred coverage as a height field under a light from the upper left, times the glyphs; only in `rows` rows from `top`.
+const bevel = ({word, x, y, size, width, height, top, rows}) => Buffer.from(`
+<svg xmlns="http://www.w3.org/2000/svg" width="${width}" height="${height}">
+  <filter id="bevel" filterUnits="userSpaceOnUse" x="0" y="${top}" width="${width}" height="${rows}">
+    <feGaussianBlur in="SourceAlpha" stdDeviation="${size / 24}"/>
+    <feDiffuseLighting surfaceScale="${size / 24}" diffuseConstant="1.3" lighting-color="#fff" result="light">
       <feDistantLight azimuth="225" elevation="30"/>
     </feDiffuseLighting>
     <feComposite in="SourceGraphic" in2="light" operator="arithmetic" k1="1" k2="0" k3="0" k4="0"/>
   </filter>
-  <text x="${10 * k}" y="${192 * k}" font-family="Peer" font-size="${120 * k}" fill="${kOrange}"
-        filter="url(#bevel)">${kText}</text>
+  <text x="${x}" y="${y}" font-family="Peer" font-size="${size}" fill="${kOrange}" filter="url(#bevel)">${word}</text>
 </svg>`);
 
 const scenes = {
@@ -81,7 +79,8 @@ const scenes = {
         fill(context, k);
     },
     async S7(context, k) {
-        context.drawImage(await loadImage(bevel(k)), 0, 0);
+        const lit = {word: kText, x: 10 * k, y: 192 * k, size: 120 * k, top: 97 * k, rows: 125 * k};
+        context.drawImage(await loadImage(bevel({...lit, width: 1024 * k, height: 256 * k})), 0, 0);
     },
 };
 
@@ -93,18 +92,6 @@ const reach = {
     shadow: u => ({side: 3 * u, top: 2 * u, bottom: 4 * u}),
     bevel: () => ({side: 0, top: 0, bottom: 0}),
 };
-
-const titleBevel = (word, x, y, width, height, size) => Buffer.from(`
-<svg xmlns="http://www.w3.org/2000/svg" width="${width}" height="${height}">
-  <filter id="bevel" filterUnits="userSpaceOnUse" x="0" y="0" width="${width}" height="${height}">
-    <feGaussianBlur in="SourceAlpha" stdDeviation="${size / 24}"/>
-    <feDiffuseLighting surfaceScale="${size / 24}" diffuseConstant="1.3" lighting-color="#fff" result="light">
-      <feDistantLight azimuth="225" elevation="30"/>
-    </feDiffuseLighting>
-    <feComposite in="SourceGraphic" in2="light" operator="arithmetic" k1="1" k2="0" k3="0" k4="0"/>
-  </filter>
-  <text x="${x}" y="${y}" font-family="Peer" font-size="${size}" fill="${kOrange}" filter="url(#bevel)">${word}</text>
-</svg>`);
 
 let measuring;
 
@@ -118,7 +105,8 @@ async function drawTitle(word, look, size) {
     const height = top + Math.ceil(ink.actualBoundingBoxDescent) + margin.bottom;
     const canvas = createCanvas(width, height), context = canvas.getContext('2d');
     if (look === 'bevel') {
-        context.drawImage(await loadImage(titleBevel(word, left, top, width, height, size)), 0, 0);
+        const lit = {word, x: left, y: top, size, width, height, top: 0, rows: height};
+        context.drawImage(await loadImage(bevel(lit)), 0, 0);
         return canvas;
     }
     context.font = `${size}px Peer`;
