@@ -92,8 +92,14 @@ PlainColors::PlainColors(const uint32_t* colors, size_t count, uint8_t textAlpha
     std::fill_n(full, 256, uint8_t{255});
     mResults.count = count;
     mResults.textAlpha = textAlpha;
-    mResults.blueFirst = order == PixelOrder::BlueFirst;
     std::copy_n(colors, count, mResults.colors);
+    for (size_t i = 0; i < count; ++i) {
+        for (const unsigned channel : {0u, 1u, 2u, 3u}) {
+            const bool inPlace = order == PixelOrder::BlueFirst || channel == 3;
+            const uint32_t level = colors[i] >> (inPlace ? 8 * channel : 16 - 8 * channel) & 0xFF;
+            mResults.factors[i][channel] = (level + 1) * 0x10001;
+        }
+    }
     const auto bytesOf = [](uint32_t* words) { return reinterpret_cast<uint8_t*>(words); };
     cutRowToGlyphs(bytesOf(mResults.text), levels, 256, colors[0]);
     if (count > 1) BlendRows::dstOver8To32(bytesOf(mResults.text), full, 256, colors[1]);

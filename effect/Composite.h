@@ -63,12 +63,12 @@ public:
     struct Results {
         uint32_t colors[kMost];
         size_t count;
-        uint32_t full[kMost];  // a colour alone, where its coverage is full
+        uint32_t factors[kMost][4];  // a channel + 1 in both halves of a word, in the order of the result
+        uint32_t full[kMost];        // a colour alone, where its coverage is full
         // By the text's coverage: over full coverage of the second colour, or the text alone if it is the
         // only one.
         uint32_t text[256];
         uint8_t textAlpha;
-        bool blueFirst;
     };
 
 private:
