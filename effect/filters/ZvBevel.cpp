@@ -55,17 +55,12 @@ struct Edge {
               bool inner) {
         const int radius = static_cast<int>(widths.radius);
         const bool exact = widths.soft && radius >= kFirstExactRadius;
-        if (!levels.allocate(area.height, area.width)) return false;
-        makeLevels(levels.get(),
-                   inner   ? Levels::Coverage
-                   : exact ? Levels::Beside
-                           : Levels::Ground,
-                   area, mask, exact ? 1 : 0);
         if (exact) {
-            distances = DistanceRows::transform(levels.get(), area.width, area.height, radius,
-                                                area.placeIn(whole, inner));
+            distances = transformLevels(inner ? Levels::Coverage : Levels::Beside, area, whole, mask, radius);
             return distances != nullptr;
         }
+        if (!levels.allocate(area.height, area.width)) return false;
+        makeLevels(levels.get(), inner ? Levels::Coverage : Levels::Ground, area, mask, 0);
         for (int level = 0; level < 256; ++level) {
             const float unit = static_cast<float>((255 - level) / 254.99);
             ramp[level] = unit <= 0.001 ? static_cast<float>(radius) : unit < 1.0f ? 1.0f - unit : 0.0f;

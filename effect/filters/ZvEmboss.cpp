@@ -72,16 +72,11 @@ void forReliefs(const ReliefLight& light, int count, const Light& visit) {
 bool lightExactSlopes(ReliefPlanes* planes, int count, const ZvEmbossProperty& property, const Widths& widths,
                       const ReliefArea& area, const ReliefArea& whole, const ZvBitmap& mask) {
     const int outer = static_cast<int>(widths.outer), inner = static_cast<int>(widths.inner);
-    Buffer<uint8_t> levels[2];
-    std::unique_ptr<DistanceRows> distances[2];
-    for (int i = 0; i < 2; ++i) {
-        if (!levels[i].allocate(area.height, area.width)) return false;
-        makeLevels(levels[i].get(), i == 0 ? Levels::Beside : Levels::Coverage, area, mask, 1);
-        // The neighbours of a pixel on the slope lie less than a pixel beyond it.
-        distances[i] = DistanceRows::transform(levels[i].get(), area.width, area.height,
-                                               (i == 0 ? outer : inner) + 2, area.placeIn(whole, i == 1));
-        if (distances[i] == nullptr) return false;
-    }
+    // The neighbours of a pixel on the slope lie less than a pixel beyond it.
+    const std::unique_ptr<DistanceRows> distances[] = {
+        transformLevels(Levels::Beside, area, whole, mask, outer + 2),
+        transformLevels(Levels::Coverage, area, whole, mask, inner + 2)};
+    if (distances[0] == nullptr || distances[1] == nullptr) return false;
     const ReliefLight light = ReliefLight::make(property, kDepthFloor);
     for (int y = 0; y < area.height; ++y) {
         for (const auto& rows : distances) rows->next();

@@ -9,10 +9,15 @@
 #include "effect/kernels/NearestFull.h"
 #include "effect/kernels/OutwardSearch.h"
 #include "foundation/OutOfMemory.h"
+#include "raster/CpuTarget.h"
+#include "raster/Rects.h"
 
 namespace Zvex {
 
 namespace {
+
+#define ZVEX_KERNELS "effect/kernels/DistanceRowsKernels.inc"
+#include "raster/ForEachTarget.h"
 
 float cappedRoot(float square, int radius) {
     const float limit = static_cast<float>(radius);
@@ -34,78 +39,123 @@ int exactColumns(int height) {
     return static_cast<int>(std::sqrt(static_cast<double>(kExact - tallest)));
 }
 
-// The transform of a plane within a larger one. Columns of the larger one without both kinds of pixels are
-// all equal, so one of them is transformed for all. Rows are transformed one by one, in their full length.
+// A copy of the levels with the pixels around them.
+bool padLevels(Buffer<uint8_t>* plane, const PlacedLevels& levels, const ZvRect& part) {
+    const ptrdiff_t width = widthOf(part);
+    if (!plane->allocate(heightOf(part), width)) return false;
+    std::fill_n(plane->get(), heightOf(part) * width, levels.isFullAround ? uint8_t{0} : uint8_t{255});
+    uint8_t* to = plane->get() + (levels.rect.top - part.top) * width + (levels.rect.left - part.left);
+    for (ptrdiff_t y = 0; y < heightOf(levels.rect); ++y)
+        std::copy_n(levels.pixels + y * widthOf(levels.rect), widthOf(levels.rect), to + y * width);
+    return true;
+}
+
+// Part of the transform of a large plane, from envelopes. If nothing is full around the levels, the envelopes
+// begin and end with them: the parabolas around lie above all others. Else rows and columns beside the levels
+// are transformed once for all equal ones.
 class PlaneRows : public DistanceRows {
 public:
-    PlaneRows(int width, int height, int radius, const WholePlane& whole)
-        : DistanceRows(width, height), mRadius(radius), mWhole(whole) {}
+    PlaneRows(const PlacedLevels& levels, int width, int height, const ZvRect& part, int radius)
+        : DistanceRows(widthOf(part), heightOf(part)),
+          mRadius(radius),
+          mWholeWidth(width),
+          mWholeHeight(height),
+          mPart(part),
+          mRect(levels.rect),
+          mIsFull(levels.isFullAround) {}
 
-    bool make(const uint8_t* levels) {
-        const int longest = std::max(mWhole.width, mWhole.height);
-        if (!mEnvelope.allocate(longest) || !mLine.allocate(longest) || !mResult.allocate(longest) ||
-            !mPlaces.allocate(mWidth) || !mEqual.allocate(mHeight) || !findPlaces(levels) ||
-            !mSquares.allocate(mHeight, std::max(mPlaced, 1)) || !allocate()) {
+    bool make(const PlacedLevels& levels) {
+        const int longest = std::max(mWholeWidth, mWholeHeight);
+        if (!mEnvelope.allocate(longest) || !mLine.allocate(longest) || !mBeside.allocate(mHeight) ||
+            !mSquares.allocate(mHeight, widthOf(mRect)) || !allocate()) {
             return false;
         }
-        transformColumn(nullptr, mEqual.get(), 1);
-        for (int x = 0; x < mWidth; ++x) {
-            const int place = mPlaces[static_cast<size_t>(x)];
-            if (place >= 0) transformColumn(levels + x, mSquares.get() + place, mPlaced);
-        }
-        return true;
+        return transformColumns(levels.pixels);
     }
 
 private:
-    float outside() const { return mWhole.isFull ? 0.0f : kEndlessSquare; }
+    static constexpr int kColumns = 16;  // transformed together
+    // Rows beside the levels that are kept, by the root of the square that all their columns have. It is a
+    // whole number, and small: rounding is all that makes it differ from 0.
+    static constexpr int kMostKept = 16;
 
-    // Gives each column with both kinds of pixels a place in mSquares.
-    bool findPlaces(const uint8_t* levels) {
-        Buffer<uint8_t> differs;
-        if (!differs.allocate(mWidth)) return false;
-        std::fill_n(differs.get(), mWidth, uint8_t{0});
-        for (ptrdiff_t y = 0; y < mHeight; ++y) {
-            const uint8_t* row = levels + y * mWidth;
-            for (int x = 0; x < mWidth; ++x)
-                differs[static_cast<size_t>(x)] |= static_cast<uint8_t>((row[x] == 0) != mWhole.isFull);
+    bool transformColumns(const uint8_t* levels) {
+        Buffer<float> columns;
+        if (!columns.allocate(kColumns, mHeight)) return false;
+        std::fill_n(mLine.get(), mWholeHeight, mIsFull ? 0.0f : kEndlessSquare);
+        transformLine(mBeside.get(), 0, mWholeHeight);
+        const int width = widthOf(mRect);
+        for (int x = 0; x < width; x += kColumns) {
+            const int count = std::min(kColumns, width - x);
+            for (int i = 0; i < count; ++i)
+                transformColumn(columns.get() + i * ptrdiff_t{mHeight}, levels + x + i);
+            for (ptrdiff_t y = 0; y < mHeight; ++y) {
+                for (int i = 0; i < count; ++i)
+                    mSquares.get()[y * width + x + i] = columns.get()[i * ptrdiff_t{mHeight} + y];
+            }
         }
-        for (int x = 0; x < mWidth; ++x)
-            mPlaces[static_cast<size_t>(x)] = differs[static_cast<size_t>(x)] != 0 ? mPlaced++ : -1;
         return true;
     }
 
-    // Writes the plane's part of a column to every `step`th float. Null is a column like those outside.
-    void transformColumn(const uint8_t* levels, float* squares, int step) {
-        std::fill_n(mLine.get(), mWhole.height, outside());
-        float* line = mLine.get() + mWhole.y;
-        for (ptrdiff_t y = 0; levels != nullptr && y < mHeight; ++y)
-            line[y] = levels[y * mWidth] == 0 ? 0.0f : kEndlessSquare;
-        mEnvelope.run(mResult.get(), mLine.get(), mWhole.height);
-        for (ptrdiff_t y = 0; y < mHeight; ++y) squares[y * step] = mResult.get()[mWhole.y + y];
+    void transformColumn(float* result, const uint8_t* levels) {
+        int first = mRect.bottom, last = mRect.top;  // pixels unlike those around
+        for (int y = mRect.top; y < mRect.bottom; ++y) {
+            const bool isFull = levels[ptrdiff_t{y - mRect.top} * widthOf(mRect)] == 0;
+            mLine.get()[y] = isFull ? 0.0f : kEndlessSquare;
+            if (isFull == mIsFull) continue;
+            first = std::min(first, y);
+            last = y + 1;
+        }
+        if (first >= last) {
+            std::copy_n(mBeside.get(), mHeight, result);
+        } else {
+            transformLine(result, mIsFull ? 0 : first, mIsFull ? mWholeHeight : last);
+        }
+    }
+
+    void transformLine(float* result, int begin, int end) {
+        mEnvelope.find(mLine.get(), begin, end);
+        mEnvelope.squares(result, mLine.get(), mPart.top, mPart.bottom);
     }
 
     void measure(float* row) override {
-        std::fill_n(mLine.get(), mWhole.width, mEqual[static_cast<size_t>(mY)]);
-        const float* squares = mSquares.get() + ptrdiff_t{mY} * mPlaced;
-        for (int x = 0; x < mWidth; ++x) {
-            const int place = mPlaces[static_cast<size_t>(x)];
-            if (place >= 0) mLine.get()[mWhole.x + x] = squares[place];
+        const float beside = mBeside[static_cast<size_t>(mY)], root = std::sqrt(beside);
+        const int width = widthOf(mRect);
+        const float* squares = mSquares.get() + ptrdiff_t{mY} * width;
+        if (!mIsFull || root >= kMostKept ||
+            std::any_of(squares, squares + width, [=](float square) { return square != beside; })) {
+            measureRow(row, beside, squares);
+            return;
         }
-        mEnvelope.run(mResult.get(), mLine.get(), mWhole.width);
-        for (int x = 0; x < mWidth; ++x) row[x] = cappedRoot(mResult.get()[mWhole.x + x], mRadius);
+        Buffer<float>& kept = mKept[static_cast<int>(root)];
+        if (kept.get() == nullptr) {
+            measureRow(row, beside, squares);
+            if (kept.allocate(mWidth)) std::copy_n(row, mWidth, kept.get());
+        } else {
+            std::copy_n(kept.get(), mWidth, row);
+        }
     }
 
-    int mRadius;
-    WholePlane mWhole;
+    void measureRow(float* row, float beside, const float* squares) {
+        if (mIsFull) std::fill_n(mLine.get(), mWholeWidth, beside);
+        std::copy_n(squares, widthOf(mRect), mLine.get() + mRect.left);
+        mEnvelope.find(mLine.get(), mIsFull ? 0 : mRect.left, mIsFull ? mWholeWidth : mRect.right);
+        const float limit = static_cast<float>(mRadius);
+        ZVEX_ON_TARGET(envelopeRoots(row, mPart.left, mPart.right, mLine.get(), mEnvelope.vertices(),
+                                     mEnvelope.bounds(), limit));
+    }
+
+    int mRadius, mWholeWidth, mWholeHeight;
+    ZvRect mPart, mRect;  // of the whole plane: the part to measure, and the levels
+    bool mIsFull;
     LineTransform mEnvelope;
-    Buffer<float> mLine, mResult;
-    Buffer<int> mPlaces;     // of the columns in mSquares; -1 for a column like those outside
-    Buffer<float> mEqual;    // the squares of the latter
-    Buffer<float> mSquares;  // the squares of the others, row by row
-    int mPlaced = 0;
+    Buffer<float> mLine;
+    Buffer<float> mSquares;          // of the columns with levels, row by row
+    Buffer<float> mBeside;           // of all other columns
+    Buffer<float> mKept[kMostKept];  // rows
 };
 
-// The same for a plane alone, from the true minimum, and from the envelope only where that could differ.
+// The transform of a plane alone, from the true minimum, and from the envelope only where that could differ.
 class TransformRows : public DistanceRows {
 public:
     static bool fits(int height, int radius) {
@@ -115,11 +165,13 @@ public:
     TransformRows(int width, int height, int radius)
         : DistanceRows(width, height), mRadius(radius), mExact(exactColumns(height)) {}
 
-    bool make(const uint8_t* levels) {
+    bool make(const PlacedLevels& levels, const ZvRect& part) {
+        Buffer<uint8_t> plane;
+        if (!padLevels(&plane, levels, part)) return false;
         const bool wide = mWidth > mExact;
         if (wide && (!mEnvelope.allocate(mWidth) || !mEnd.allocate(mWidth, 2))) return false;
         const int reachX = std::min(mRadius, mWidth - 1), reachY = std::min(mRadius, mHeight - 1);
-        return mFull.make(levels, mWidth, 0, mHeight - 1, reachX, reachY, wide ? mHeight : reachY + 1) &&
+        return mFull.make(plane.get(), mWidth, 0, mHeight - 1, reachX, reachY, wide ? mHeight : reachY + 1) &&
                allocate();
     }
 
@@ -160,36 +212,28 @@ private:
 // Part of the transform of a plane that is not much larger.
 class PartRows : public DistanceRows {
 public:
-    static bool fits(int width, int height, const WholePlane& whole) {
+    static bool fits(int width, int height, const ZvRect& part) {
         constexpr int64_t kMostPixels = 4;  // for each of the part
-        return int64_t{whole.width} * whole.height <= kMostPixels * width * height;
+        return int64_t{width} * height <= kMostPixels * widthOf(part) * heightOf(part);
     }
 
-    PartRows(int width, int height, int radius, const WholePlane& whole)
-        : DistanceRows(width, height), mWhole(whole), mRows(whole.width, whole.height, radius) {}
+    PartRows(int width, int height, const ZvRect& part, int radius)
+        : DistanceRows(widthOf(part), heightOf(part)), mPart(part), mRows(width, height, radius) {}
 
-    bool make(const uint8_t* levels) {
-        if (!mLevels.allocate(mWhole.height, mWhole.width)) return false;
-        std::fill_n(mLevels.get(), int64_t{mWhole.width} * mWhole.height,
-                    mWhole.isFull ? uint8_t{0} : uint8_t{255});
-        for (ptrdiff_t y = 0; y < mHeight; ++y) {
-            std::copy_n(levels + y * mWidth, mWidth,
-                        mLevels.get() + (mWhole.y + y) * mWhole.width + mWhole.x);
-        }
-        if (!mRows.make(mLevels.get())) return false;
-        for (int y = 0; y < mWhole.y; ++y) mRows.next();
+    bool make(const PlacedLevels& levels, const ZvRect& whole) {
+        if (!mRows.make(levels, whole)) return false;
+        for (int y = 0; y < mPart.top; ++y) mRows.next();
         return allocate();
     }
 
 private:
     void measure(float* row) override {
         mRows.next();
-        std::copy_n(mRows.row(mWhole.y + mY) + mWhole.x, mWidth, row);
+        std::copy_n(mRows.row(mPart.top + mY) + mPart.left, mWidth, row);
     }
 
-    WholePlane mWhole;
+    ZvRect mPart;
     TransformRows mRows;
-    Buffer<uint8_t> mLevels;
 };
 
 // The values of a plane, unchanged.
@@ -241,23 +285,19 @@ bool DistanceRows::allocate() {
     return true;
 }
 
-std::unique_ptr<DistanceRows> DistanceRows::transform(const uint8_t* levels, int width, int height,
-                                                      int radius) {
-    return transform(levels, width, height, radius, {width, height, 0, 0, false});
-}
-
-std::unique_ptr<DistanceRows> DistanceRows::transform(const uint8_t* levels, int width, int height,
-                                                      int radius, const WholePlane& whole) {
+std::unique_ptr<DistanceRows> DistanceRows::transform(const PlacedLevels& levels, int width, int height,
+                                                      const ZvRect& part, int radius) {
     // A part has the same minimum as the whole. The columns after it do not affect it if they begin where
     // sums are still exact: full pixels end the parabolas, and others are higher than all parabolas.
-    const bool isWhole = whole.width == width && whole.height == height;
-    const bool isExact = int64_t{whole.x} + width <= exactColumns(whole.height) - kRoundedSlopes;
-    if (TransformRows::fits(whole.height, radius)) {
-        if (isWhole || isExact) return made(tryMake<TransformRows>(width, height, radius), levels);
-        if (PartRows::fits(width, height, whole))
-            return made(tryMake<PartRows>(width, height, radius, whole), levels);
+    const bool isWhole = widthOf(part) == width && heightOf(part) == height;
+    const bool isExact = part.right <= exactColumns(height) - kRoundedSlopes;
+    if (TransformRows::fits(height, radius)) {
+        if (isWhole || isExact)
+            return made(tryMake<TransformRows>(widthOf(part), heightOf(part), radius), levels, part);
+        if (PartRows::fits(width, height, part))
+            return made(tryMake<PartRows>(width, height, part, radius), levels, ZvRect(0, 0, width, height));
     }
-    return made(tryMake<PlaneRows>(width, height, radius, whole), levels);
+    return made(tryMake<PlaneRows>(levels, width, height, part, radius), levels);
 }
 
 std::unique_ptr<DistanceRows> DistanceRows::search(const uint8_t* levels, int width, int height, int radius,

@@ -6,40 +6,37 @@
 #include <memory>
 
 #include "effect/kernels/Buffer.h"
+#include "raster/ZvRect.h"
 
 namespace Zvex {
 
-// Where a plane lies in a larger one. All other pixels of that one are full, or none is.
-struct WholePlane {
-    int width, height;  // of the larger one
-    int x, y;           // the plane's top-left in it
-    bool isFull;
+// The levels of a part of a plane. All other pixels of the plane are full, or none is.
+struct PlacedLevels {
+    const uint8_t* pixels;
+    ZvRect rect;  // of the plane
+    bool isFullAround;
 };
 
 // The distances of a plane, row by row from the top, without keeping a whole plane of floats. The plane is
 // given as levels, in bytes of packed rows: 0 for a full pixel, from which distances are measured, 1 to 254
-// for a partly covered one, 255 for any other. Its number of pixels must fit an int, and it must outlive the
-// rows.
+// for a partly covered one, 255 for any other. Its number of pixels must fit an int.
 class DistanceRows {
 public:
     virtual ~DistanceRows() = default;
 
-    // The transform: the distance to the nearest full pixel, or `radius`, at least 1, if that is less. Other
-    // levels are not told apart. The cost for each pixel is small and hardly grows with the radius. Null if
-    // memory is short.
-    static std::unique_ptr<DistanceRows> transform(const uint8_t* levels, int width, int height, int radius);
-
-    // The same part of the transform of a larger plane. A larger one whose size does not fit floats, above
-    // 4095 rows or columns, has other distances than the part alone: rounded sums affect them. Then each row
-    // costs what a row of the larger plane costs, and each column that has both kinds of pixels, too. If the
-    // pixels around the part are full, those at its edges must be.
-    static std::unique_ptr<DistanceRows> transform(const uint8_t* levels, int width, int height, int radius,
-                                                   const WholePlane& whole);
+    // Part of the transform of a plane of the given size: the distance to the nearest full pixel, or
+    // `radius`, at least 1, if that is less. Other levels are not told apart. The part must hold the levels
+    // and, if all around them is full, full pixels at its edges. The cost for each pixel is small and hardly
+    // grows with the radius. In planes of more than 4095 rows or columns, rounded sums affect the distances;
+    // there, if all around is full, a row of the levels also costs what a row of the whole plane costs, and a
+    // column likewise. Null if memory is short.
+    static std::unique_ptr<DistanceRows> transform(const PlacedLevels& levels, int width, int height,
+                                                   const ZvRect& part, int radius);
 
     // searchNearest on the plane of values ramp[level]. The ramp rises with the level: ramp[0] is 0,
     // ramp[255] the radius. With `outward`, searchOutward; then ramp[0] is at most 0 and ramp[255] at least
-    // 1. The ramp must outlive the rows. A radius below 1 leaves the values unchanged. Null if memory is
-    // short.
+    // 1. Levels and ramp must outlive the rows. A radius below 1 leaves the values unchanged. Null if memory
+    // is short.
     static std::unique_ptr<DistanceRows> search(const uint8_t* levels, int width, int height, int radius,
                                                 const float* ramp, bool outward);
 

@@ -19,27 +19,31 @@ float crossing(const float* values, int p, int q) {
 
 }  // namespace
 
-void LineTransform::run(float* result, const float* values, int count, int first) const {
+void LineTransform::find(const float* values, int begin, int end) const {
     int* vertices = mVertices.get();
     float* bounds = mBounds.get();
     int last = 0;
-    vertices[0] = first;
+    vertices[0] = begin;
     bounds[0] = -kEndlessSquare;
-    bounds[1] = kEndlessSquare;
-    for (int q = first + 1; q < count; ++q) {
-        float begin = crossing(values, vertices[last], q);
+    for (int q = begin + 1; q < end; ++q) {
+        float bound = crossing(values, vertices[last], q);
         // The first parabola always stays: no image's parabolas cross before bounds[0].
-        while (last > 0 && begin <= bounds[last]) begin = crossing(values, vertices[--last], q);
+        while (last > 0 && bound <= bounds[last]) bound = crossing(values, vertices[--last], q);
         ++last;
         vertices[last] = q;
-        bounds[last] = begin;
-        bounds[last + 1] = kEndlessSquare;
+        bounds[last] = bound;
     }
-    last = 0;
-    for (int q = first; q < count; ++q) {
+    bounds[last + 1] = kEndlessSquare;
+}
+
+void LineTransform::squares(float* result, const float* values, int begin, int end) const {
+    const int* vertices = mVertices.get();
+    const float* bounds = mBounds.get();
+    int last = 0;
+    for (int q = begin; q < end; ++q) {
         while (bounds[last + 1] < static_cast<float>(q)) ++last;
         const int vertex = vertices[last];
-        result[q] = values[vertex] + squareOf(int64_t{q} - vertex);
+        result[q - begin] = values[vertex] + squareOf(int64_t{q} - vertex);
     }
 }
 

@@ -34,7 +34,17 @@ public:
         return mVertices.allocate(longest) && mBounds.allocate(int64_t{longest} + 1);
     }
     // See squaredDistances. With `first`, as if the line began at that pixel.
-    void run(float* result, const float* values, int count, int first = 0) const;
+    void run(float* result, const float* values, int count, int first = 0) const {
+        find(values, first, count);
+        squares(result + first, values, first, count);
+    }
+    // Finds the envelope of the pixels begin..end - 1, at least one. `values` is where the line begins.
+    void find(const float* values, int begin, int end) const;
+    // Writes the envelope at the pixels begin..end - 1, which may lie beyond the ones it was found for.
+    void squares(float* result, const float* values, int begin, int end) const;
+
+    const int* vertices() const { return mVertices.get(); }
+    const float* bounds() const { return mBounds.get(); }
 
 private:
     Buffer<int> mVertices;  // the lowest points of the envelope's parabolas, from left to right

@@ -175,6 +175,28 @@ void makeLevels(uint8_t* plane, Levels levels, const ReliefArea& area, const ZvB
     }
 }
 
+std::unique_ptr<DistanceRows> transformLevels(Levels levels, const ReliefArea& part, const ReliefArea& whole,
+                                              const ZvBitmap& mask, int radius) {
+    // Only pixels of the box can be covered.
+    ReliefArea text = part;
+    const ZvRect& box = part.box;
+    const ZvRect more(box.left, box.top, clampToInt(int64_t{box.right} + 1),
+                      clampToInt(int64_t{box.bottom} + 1));
+    const ZvRect covered = intersected(partWithin(mask, more), part.rect());
+    text.width = text.height = 1;
+    if (!isEmpty(covered)) {
+        text.x = covered.left;
+        text.y = covered.top;
+        text.width = widthOf(covered);
+        text.height = heightOf(covered);
+    }
+    Buffer<uint8_t> plane;
+    if (!plane.allocate(text.height, text.width)) return nullptr;
+    makeLevels(plane.get(), levels, text, mask, 1);
+    return DistanceRows::transform({plane.get(), text.placeIn(whole), levels == Levels::Coverage},
+                                   whole.width, whole.height, part.placeIn(whole), radius);
+}
+
 bool blurRelief(const ReliefBlurJob& job) {
     if (job.source == nullptr || job.destination == nullptr) return true;
     if (job.xBegin >= job.xEnd || job.yBegin >= job.yEnd) return true;

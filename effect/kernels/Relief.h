@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <memory>
 
 #include "effect/LayerRows.h"
 #include "effect/Numbers.h"
@@ -88,9 +89,10 @@ struct ReliefArea : WorkingArea {
     bool grow(const ZvECore::ParamPostProcessing& param, int64_t newMargin);
     // The part within `border` pixels of what is shown. All glyphs lie in it.
     ReliefArea cut(int64_t border) const;
-    // Where this part lies. Pixels outside it are full or not, as levels.
-    WholePlane placeIn(const ReliefArea& whole, bool isFull) const {
-        return {whole.width, whole.height, x - whole.x, y - whole.y, isFull};
+    // Where this part lies.
+    ZvRect placeIn(const ReliefArea& whole) const {
+        const int left = x - whole.x, top = y - whole.y;
+        return ZvRect(left, top, left + width, top + height);
     }
 };
 
@@ -111,6 +113,10 @@ enum class Levels {
 // Computes the levels of the area. Coverage counts within the box in its middle, extended by `more` to the
 // right and below.
 void makeLevels(uint8_t* plane, Levels levels, const ReliefArea& area, const ZvBitmap& mask, int more);
+
+// The transform of the whole area's levels, with `more` 1, in the given part of it. Null if memory is short.
+std::unique_ptr<DistanceRows> transformLevels(Levels levels, const ReliefArea& part, const ReliefArea& whole,
+                                              const ZvBitmap& mask, int radius);
 
 // One blur of bytes: a rectangle of `source` blurred into `destination`, both of the same size, rows packed.
 struct ReliefBlurJob {

@@ -94,14 +94,17 @@ TEST(Distance, WithinARadiusEqualsTheTransform) {
         const float limit = static_cast<float>(radius);
         for (float& value : expected.values) value = value > limit * limit ? limit : std::sqrt(value);
         forEachCpuTarget([&] {
-            const auto rows = DistanceRows::transform(levels.data(), expected.width, expected.height, radius);
+            const ZvRect whole(0, 0, expected.width, expected.height);
+            const auto rows = DistanceRows::transform({levels.data(), whole, false}, expected.width,
+                                                      expected.height, whole, radius);
             ASSERT_EQ(allRows(*rows, expected.width, expected.height), expected.values) << "case " << i;
         });
         if (HasFatalFailure()) return;
     }
 }
 
-// Also in planes that are too large for exact sums, in which a part alone would have other distances.
+// Also in planes that are too large for exact sums, in which a part alone would have other distances. Levels
+// lie anywhere in the part.
 TEST(Distance, APartHasTheTransformOfTheWhole) {
     Random random(5);
     for (int i = 0; i < 36; ++i) {
@@ -118,7 +121,10 @@ TEST(Distance, APartHasTheTransformOfTheWhole) {
                       isMost ? whole.width - left - 5 : random.between(9, std::min(whole.width - left, 90)),
                   height =
                       isMost ? whole.height - top - 5 : random.between(9, std::min(whole.height - top, 90)),
-                  radius = random.between(1, 99);
+                  radius = random.between(1, i % 7 == 0 ? 4000 : 99), around = isMost ? 5 : random.below(600);
+        const ZvRect rect(left, top, left + width, top + height),
+            part(std::max(left - around, 0), std::max(top - around, 0),
+                 std::min(rect.right + around, whole.width), std::min(rect.bottom + around, whole.height));
         std::vector<uint8_t> levels;
         for (int y = top; y < top + height; ++y) {
             for (int x = left; x < left + width; ++x) {
@@ -129,16 +135,20 @@ TEST(Distance, APartHasTheTransformOfTheWhole) {
             }
         }
         EXPECT_TRUE(squaredDistances(whole.values.data(), whole.width, whole.height));
-        const auto rows = DistanceRows::transform(levels.data(), width, height, radius,
-                                                  {whole.width, whole.height, left, top, isFull});
         const float limit = static_cast<float>(radius);
-        for (int y = 0; y < height; ++y) {
-            rows->next();
-            for (int x = 0; x < width; ++x) {
-                const float square = whole.at(left + x, top + y);
-                ASSERT_EQ(rows->row(y)[x], square > limit * limit ? limit : std::sqrt(square)) << i;
+        std::vector<float> expected;
+        for (int y = part.top; y < part.bottom; ++y) {
+            for (int x = part.left; x < part.right; ++x) {
+                const float square = whole.at(x, y);
+                expected.push_back(square > limit * limit ? limit : std::sqrt(square));
             }
         }
+        forEachCpuTarget([&] {
+            const auto rows = DistanceRows::transform({levels.data(), rect, isFull}, whole.width,
+                                                      whole.height, part, radius);
+            ASSERT_EQ(allRows(*rows, part.right - part.left, part.bottom - part.top), expected) << i;
+        });
+        if (HasFatalFailure()) return;
     }
 }
 
