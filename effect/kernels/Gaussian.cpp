@@ -23,10 +23,11 @@ constexpr double kLn100 = 4.60517;
 constexpr int64_t kMaxTotal = UINT32_MAX / 255;
 
 // See Divisor.
-constexpr uint32_t kMaxMultipliedTotal = uint32_t{1} << 23;
+constexpr uint32_t kMaxFactorTotal = uint32_t{1} << 12, kMaxMultipliedTotal = uint32_t{1} << 23;
 
 Divisor divisorOf(uint32_t total) {
     Divisor divisor;
+    if (total <= kMaxFactorTotal) divisor.factor = static_cast<float>((1 + 0x1p-22) / total);
     if (total < 2 || total > kMaxMultipliedTotal) return divisor;
     while (uint64_t{2} << divisor.shift < total) ++divisor.shift;
     const uint64_t power = uint64_t{1} << (32 + divisor.shift);

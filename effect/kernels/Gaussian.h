@@ -16,12 +16,19 @@ namespace Zvex {
 // in double; then a weight of a kernel of radius 963 or more can differ by one.
 enum class GaussianConstant { Single, Double };
 
-// How the weighted sums are divided by the weights' total. For every sum below 256 * total, floor(sum /
-// total) is exactly sum * multiplier >> (32 + shift), where 2^shift < total <= 2^(shift + 1) and multiplier =
-// ceil(2^(32 + shift) / total). The proof: the product exceeds sum / total by less than 1 / total as long as
-// sum * (multiplier * total - 2^(32 + shift)) < 2^(32 + shift), which a total up to 2^23 ensures. For larger
-// totals the multiplier is 0 and the sums are divided.
+// How the weighted sums, each below 256 * total, are divided by the weights' total and rounded down.
+//
+// For a total up to 2^12: the single-precision product of sum and factor, rounded down. The factor exceeds 1
+// / total by 2^-22 of it, give or take 2^-23, and rounding changes the product by at most 2^-24 of it. So the
+// product is not below sum / total, and above it by less than 256 * 2^-20.8 < 1 / total, which lifts no sum
+// to the next quotient.
+//
+// Else sum * multiplier >> (32 + shift), where 2^shift < total <= 2^(shift + 1) and multiplier = ceil(2^(32 +
+// shift) / total). The product exceeds sum / total by less than 1 / total as long as sum * (multiplier *
+// total - 2^(32 + shift)) < 2^(32 + shift), which a total up to 2^23 ensures. For larger totals the
+// multiplier is 0 and the sums are divided.
 struct Divisor {
+    float factor = 0;  // 0 if the total is larger
     uint32_t multiplier = 0;
     int shift = 0;
 };

@@ -41,10 +41,15 @@ TEST(Gaussian, DividesEverySumExactly) {
         Gaussian kernel;
         ASSERT_TRUE(kernel.make(radius, radius % 2 == 0 ? 100 : 128, GaussianConstant::Single));
         const uint64_t total = kernel.total;
-        ASSERT_EQ(kernel.divisor.multiplier == 0, total > 1u << 23);
-        for (uint64_t i = 0; i < 256 && kernel.divisor.multiplier != 0; ++i) {
-            for (const uint64_t sum : {i * total, i * total + total - 1})
-                ASSERT_EQ(sum * kernel.divisor.multiplier >> (32 + kernel.divisor.shift), i) << radius;
+        const auto [factor, multiplier, shift] = kernel.divisor;
+        ASSERT_EQ(factor == 0, total > 1u << 12);
+        ASSERT_EQ(multiplier == 0, total > 1u << 23);
+        for (uint64_t i = 0; i < 256; ++i) {
+            for (const uint64_t sum : {i * total, i * total + total - 1}) {
+                const uint64_t byFactor = static_cast<uint64_t>(static_cast<float>(sum) * factor);
+                ASSERT_EQ(factor != 0 ? byFactor : i, i) << radius;
+                ASSERT_EQ(multiplier != 0 ? sum * multiplier >> (32 + shift) : i, i) << radius;
+            }
         }
     }
 }
