@@ -80,12 +80,17 @@ bool lightSlopes(ReliefPlanes& planes, const ZvBevelProperty& property, const Wi
                  const ReliefArea& area, const ReliefArea& whole, const ZvBitmap& mask) {
     const bool inner = property.style == 1;
     Edge edge;
-    if (!edge.make(widths, area, whole, mask, inner) || !planes.allocate(area)) return false;
+    if (!edge.make(widths, area, whole, mask, inner) ||
+        !planes.allocate(area, widths.blur, property.soften)) {
+        return false;
+    }
     const SlopeLighting slopes = lighting(ReliefLight::make(property, kDepthFloor), widths.radius, inner);
     for (int y = 0; y < area.height; ++y) {
         edge.distances->next();
-        planes.clearRow(area, y);
-        if (y >= 2) planes.lightRow(slopes, area, *edge.distances, y);
+        planes.clearRow(y);
+        if (y < 2) continue;
+        planes.lightRow(slopes, *edge.distances, y);
+        planes.endRow(y - 1);
     }
     return true;
 }
@@ -112,9 +117,8 @@ int ZvBevel::doPostProcessing(ParamPostProcessing* param) {
     const ReliefColors colors = {widths.soft ? kSoftGain : 1.0f, property->highlightColor,
                                  property->shadowColor};
     const int mode = param->layerMode == 1 ? ZVE_BLEND_SRC_OVER : ZVE_BLEND_DST_OVER;
-    auto rows = tryMake<ReliefRows>(area, colors, mode, false);
-    if (rows != nullptr && rows->allocate(planes, static_cast<int>(widths.blur), property->soften))
-        drawLayer(param, std::move(rows));
+    auto rows = tryMake<ReliefRows>(colors, mode, false);
+    if (rows != nullptr && rows->allocate(planes)) drawLayer(param, std::move(rows));
     return 0;
 }
 

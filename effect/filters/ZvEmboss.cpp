@@ -80,11 +80,12 @@ bool lightExactSlopes(ReliefPlanes* planes, int count, const ZvEmbossProperty& p
     const ReliefLight light = ReliefLight::make(property, kDepthFloor);
     for (int y = 0; y < area.height; ++y) {
         for (const auto& rows : distances) rows->next();
-        for (int i = 0; i < count; ++i) planes[i].clearRow(area, y);
+        for (int i = 0; i < count; ++i) planes[i].clearRow(y);
         if (y < 2) continue;
         forReliefs(light, count, [&](const ReliefLight& from, int i) {
-            planes[i].lightRow(lighting(LitSide::Around, from, outer, inner), area, *distances[0], y);
-            planes[i].lightRow(lighting(LitSide::Within, from, outer, inner), area, *distances[1], y);
+            planes[i].lightRow(lighting(LitSide::Around, from, outer, inner), *distances[0], y);
+            planes[i].lightRow(lighting(LitSide::Within, from, outer, inner), *distances[1], y);
+            planes[i].endRow(y - 1);
         });
     }
     return true;
@@ -128,11 +129,12 @@ bool lightSignedSlopes(ReliefPlanes* planes, int count, const ZvEmbossProperty& 
         return false;
     forReliefs(ReliefLight::make(property, kDepthFloor), count, [&](const ReliefLight& from, int i) {
         for (int y = 0; y < area.height; ++y) {
-            planes[i].clearRow(area, y);
+            planes[i].clearRow(y);
             if (y < 1 || y >= area.height - 1) continue;
             const float* row = plane.get() + whole.row(y + area.y - whole.y) + (area.x - whole.x);
-            planes[i].lightRow(lighting(LitSide::Signed, from, widths.outer, widths.inner), area,
-                               row - whole.width, row, row + whole.width, y);
+            planes[i].lightRow(lighting(LitSide::Signed, from, widths.outer, widths.inner), row - whole.width,
+                               row, row + whole.width, y);
+            planes[i].endRow(y);
         }
     });
     return true;
@@ -158,7 +160,7 @@ int ZvEmboss::doPostProcessing(ParamPostProcessing* param) {
     const int count = property->style == kStyleDouble ? 2 : 1;
     ReliefPlanes planes[2];
     for (int i = 0; i < count; ++i) {
-        if (!planes[i].allocate(area)) return 0;
+        if (!planes[i].allocate(area, widths.blur, property->soften)) return 0;
     }
     const auto lightSlopes = widths.exact ? lightExactSlopes : lightSignedSlopes;
     if (!lightSlopes(planes, count, *property, widths, area, whole, *param->mask)) return 0;
@@ -166,10 +168,9 @@ int ZvEmboss::doPostProcessing(ParamPostProcessing* param) {
                                  property->shadowColor};
     // The opposite of what the bevel does.
     const int mode = param->layerMode == 1 ? ZVE_BLEND_DST_OVER : ZVE_BLEND_SRC_OVER;
-    auto rows = tryMake<ReliefRows>(area, colors, mode, true);
-    const int blur = static_cast<int>(widths.blur);
-    if (rows == nullptr || !rows->allocate(planes[0], blur, property->soften)) return 0;
-    if (count == 2 && !rows->putBehind(planes[1], blur, property->soften, *param->mask)) return 0;
+    auto rows = tryMake<ReliefRows>(colors, mode, true);
+    if (rows == nullptr || !rows->allocate(planes[0])) return 0;
+    if (count == 2 && !rows->putBehind(planes[1], *param->mask)) return 0;
     drawLayer(param, std::move(rows));
     return 0;
 }

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <cstdlib>
 
 #include "foundation/SafeConvert.h"
 #include "raster/CpuTarget.h"
@@ -108,6 +109,37 @@ void Blur::columns(const BlurPass& pass) {
     uint8_t* scratch = alignedToCacheLine(mScratch.get());
     const ptrdiff_t weights = weightBytes(kernel.radius);
     ZVEX_ON_TARGET(blurColumns(pass, kernel, scratch, weights));
+}
+
+bool ColumnSums::prepare(const Gaussian& kernel, int first, int count, int width) {
+    mKernel = &kernel;
+    mFirst = first;
+    mCount = count;
+    mWidth = width;
+    return mSums.allocateZeroed(width) && mChanges.allocateZeroed(count, width);
+}
+
+void ColumnSums::add(const uint8_t* row, int y) {
+    const auto weightOf = [&](int target) {
+        const int64_t distance = std::abs(int64_t{y} - mFirst - target);
+        return distance > mKernel->radius ? 0 : mKernel->weights[static_cast<size_t>(distance)];
+    };
+    int weight = weightOf(0);
+    if (weight != 0) ZVEX_ON_TARGET(addWeighted(mSums.get(), row, weight, mWidth));
+    for (int target = 1; target < mCount; ++target) {
+        const int change = weightOf(target) - weight;
+        if (change == 0) continue;
+        weight += change;
+        ZVEX_ON_TARGET(addWeighted(mChanges.get() + ptrdiff_t{target} * mWidth, row, change, mWidth));
+    }
+}
+
+void ColumnSums::finish(uint8_t* means) {
+    for (ptrdiff_t target = 0; target < mCount; ++target) {
+        const ptrdiff_t at = target * mWidth;
+        ZVEX_ON_TARGET(addChanges(mSums.get(), mChanges.get() + at, mWidth));
+        ZVEX_ON_TARGET(divideSums(means + at, mSums.get(), mWidth, mKernel->divisor, mKernel->total));
+    }
 }
 
 int blurBandRows(const Gaussian& kernel) {

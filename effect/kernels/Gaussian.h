@@ -76,6 +76,28 @@ private:
     Buffer<uint8_t> mScratch;
 };
 
+// A pass down the columns for kernels that are much wider than the target. It takes the source row by row and
+// keeps none of it. The cost of a row grows with the number of different weights that the target's rows give
+// it: a few, if neighbouring weights are mostly equal.
+class ColumnSums {
+public:
+    // For `count` rows of the target, from row `first` on, of `width` pixels. False if memory is short. The
+    // kernel must outlive the sums.
+    bool prepare(const Gaussian& kernel, int first, int count, int width);
+    // Adds row y of the source, once. Rows that are not added are empty.
+    void add(const uint8_t* row, int y);
+    // The means of all rows of the target, packed. Ends the sums.
+    void finish(uint8_t* means);
+
+private:
+    const Gaussian* mKernel = nullptr;
+    int mFirst = 0, mCount = 0, mWidth = 0;
+    Buffer<uint32_t> mSums;  // of the first row
+    // By how much each further row's sums exceed those of the row above it. Weights fall from the middle, so
+    // the changes are at most 255 times the middle weight.
+    Buffer<int16_t> mChanges;
+};
+
 // The best number of rows for one pass down the columns: few enough to stay in the cache until the next step,
 // enough that the rows around them are seldom read again.
 int blurBandRows(const Gaussian& kernel);

@@ -30,6 +30,9 @@ constexpr int kBlock = 64;
 // Rows that are blurred at a time.
 constexpr int kBand = 64;
 
+// A first blur is wide if its radius exceeds this many times the rows that it is needed for.
+constexpr int kWideBlur = 4;
+
 // Marks a block whose pixels differ, in light or in shadow.
 constexpr int32_t kUneven = -1;
 
@@ -116,16 +119,72 @@ ReliefArea ReliefArea::cut(int64_t border) const {
     return part;
 }
 
-void ReliefPlanes::lightRow(const SlopeLighting& lighting, const WorkingArea& area,
-                            const DistanceRows& distances, int y) const {
-    lightRow(lighting, area, distances.row(y - 2), distances.row(y - 1), distances.row(y), y - 1);
+bool ReliefPlanes::allocate(const ReliefArea& newArea, int64_t newBlur, int newSoften) {
+    area = newArea;
+    blur = static_cast<int>(newBlur);
+    soften = newSoften;
+    const int more = std::max(soften, 0);
+    const ZvRect& shown = area.shown;
+    const ZvRect needed(shown.left - more, shown.top - more, shown.right + more, shown.bottom + more);
+    const bool showsBorder = needed.left < blur || needed.top < blur || needed.right > area.width - blur ||
+                             needed.bottom > area.height - blur;
+    if (showsBorder || blur <= kWideBlur * int64_t{heightOf(needed)})
+        return highlight.allocate(area.height, area.width) && shadow.allocate(area.height, area.width);
+    mWide = tryMake<WideBlur>();
+    if (mWide == nullptr || !mWide->kernel.make(blur, kWeight, GaussianConstant::Double)) return false;
+    mWide->needed = needed;
+    for (ColumnSums* sums : {&mWide->highlight, &mWide->shadow}) {
+        if (!sums->prepare(mWide->kernel, needed.top, heightOf(needed), area.width)) return false;
+    }
+    return highlight.allocate(area.width) && shadow.allocate(area.width);
 }
 
-void ReliefPlanes::lightRow(const SlopeLighting& lighting, const WorkingArea& area, const float* above,
-                            const float* distances, const float* below, int y) const {
-    const size_t at = area.row(y);
-    Zvex::lightRow(lighting,
-                   {highlight.get() + at, shadow.get() + at, above, distances, below, 1, area.width - 1});
+void ReliefPlanes::clearRow(int y) const {
+    for (const Buffer<uint8_t>* plane : {&highlight, &shadow})
+        std::memset(plane->get() + at(y), 0, static_cast<size_t>(area.width));
+}
+
+void ReliefPlanes::lightRow(const SlopeLighting& lighting, const float* above, const float* distances,
+                            const float* below, int y) const {
+    Zvex::lightRow(lighting, {highlight.get() + at(y), shadow.get() + at(y), above, distances, below, 1,
+                              area.width - 1});
+}
+
+void ReliefPlanes::endRow(int y) const {
+    if (mWide == nullptr) return;
+    mWide->highlight.add(highlight.get(), y);
+    mWide->shadow.add(shadow.get(), y);
+}
+
+bool ReliefPlanes::finish() {
+    if (mWide == nullptr) return true;
+    const ReliefArea part = area.cut(std::max(soften, 0));
+    if (!blurRows(&mWide->highlight, part, &highlight) || !blurRows(&mWide->shadow, part, &shadow))
+        return false;
+    mWide.reset();
+    area = part;
+    blur = 0;
+    return true;
+}
+
+// Ends the first blur: along the rows, into a plane of the part.
+bool ReliefPlanes::blurRows(ColumnSums* sums, const ReliefArea& part, Buffer<uint8_t>* plane) const {
+    const ZvRect& needed = mWide->needed;
+    const int width = widthOf(needed), height = heightOf(needed);
+    Buffer<uint8_t> means;
+    Blur rows;
+    if (!means.allocate(height, area.width) || !plane->allocateZeroed(part.height, part.width) ||
+        !rows.prepare(mWide->kernel, width, height)) {
+        return false;
+    }
+    sums->finish(means.get());
+    // Pixels of the border count as 0.
+    const int left = std::max(needed.left - blur, area.isCutLeft ? 0 : blur);
+    const int right = std::min(needed.right + blur, area.isCutRight ? area.width : area.width - blur);
+    uint8_t* target = plane->get() + part.row(area.y + needed.top - part.y) + (area.x + needed.left - part.x);
+    rows.rows({means.get() + left, area.width, left - needed.left, right - needed.left, target, part.width,
+               width, height, false, false});
+    return true;
 }
 
 ReliefLight ReliefLight::make(const ZvReliefProperty& property, double depthFloor) {
@@ -217,14 +276,15 @@ void ReliefColors::row(uint32_t* pixels, const uint8_t* highlightLights, const u
     ZVEX_ON_TARGET(colorRow(pixels, highlightLights, shadowLights, count, gain, highlight, shadow));
 }
 
-bool ReliefRows::allocate(ReliefPlanes& light, int firstRadius, int secondRadius) {
-    return mLight.make(mArea, light, firstRadius, secondRadius) && mRow.allocate(mArea.width);
+bool ReliefRows::allocate(ReliefPlanes& light) {
+    if (!mLight.make(light)) return false;
+    mArea = light.area;
+    return mRow.allocate(mArea.width);
 }
 
-bool ReliefRows::putBehind(ReliefPlanes& light, int firstRadius, int secondRadius, const ZvBitmap& mask) {
+bool ReliefRows::putBehind(ReliefPlanes& light, const ZvBitmap& mask) {
     mMask = &mask;
-    return mBehind.make(mArea, light, firstRadius, secondRadius) && mRowBehind.allocate(mArea.width) &&
-           mCoverage.allocate(mArea.width);
+    return mBehind.make(light) && mRowBehind.allocate(mArea.width) && mCoverage.allocate(mArea.width);
 }
 
 void ReliefRows::colorRow(int y) {
@@ -253,26 +313,27 @@ void ReliefRows::draw(RowRange rows, const PictureStrip& target, const PictureSt
     }
 }
 
-bool BlurredLight::make(const ReliefArea& area, ReliefPlanes& light, int firstRadius, int secondRadius) {
+bool BlurredLight::make(ReliefPlanes& light) {
+    if (!light.finish()) return false;
+    const ReliefArea& area = light.area;
     mArea = area;
-    mLight.highlight = std::move(light.highlight);
-    mLight.shadow = std::move(light.shadow);
-    if (firstRadius > 0 && secondRadius > 0) {
-        ReliefPlanes blurred;
-        if (!prepare(firstRadius, secondRadius) || !blurred.highlight.allocate(area.height, area.width) ||
-            !blurred.shadow.allocate(area.height, area.width)) {
+    mHighlight = std::move(light.highlight);
+    mShadow = std::move(light.shadow);
+    if (light.blur > 0 && light.soften > 0) {
+        Buffer<uint8_t> highlight, shadow;
+        if (!prepare(light.blur, light.soften) || !highlight.allocateZeroed(area.height, area.width) ||
+            !shadow.allocateZeroed(area.height, area.width)) {
             return false;
         }
-        for (int y = 0; y < area.height; ++y) blurred.clearRow(area, y);
         for (int y = mNeeded.top; y < mNeeded.bottom; y += kBand) {
-            blurRows(y, std::min(kBand, mNeeded.bottom - y), blurred.highlight.get() + area.row(y),
-                     blurred.shadow.get() + area.row(y));
+            blurRows(y, std::min(kBand, mNeeded.bottom - y), highlight.get() + area.row(y),
+                     shadow.get() + area.row(y));
         }
-        mBorder = std::move(mLight.shadow);
-        mLight.highlight = std::move(blurred.highlight);
-        mLight.shadow = std::move(blurred.shadow);
+        mBorder = std::move(mShadow);
+        mHighlight = std::move(highlight);
+        mShadow = std::move(shadow);
     }
-    const int radius = secondRadius > 0 ? secondRadius : firstRadius;
+    const int radius = light.soften > 0 ? light.soften : light.blur;
     if (radius < 1) return true;
     if (!prepare(radius, 0)) return false;
     for (Buffer<uint8_t>* band : {&mBandHighlight, &mBandShadow}) {
@@ -303,16 +364,16 @@ bool BlurredLight::prepare(int radius, int beyond) {
         return false;
     }
     for (int y = 0; y < mArea.height; ++y) {
-        ZVEX_ON_TARGET(findEven(mEven.get() + ptrdiff_t{y} * blocks, mLight.highlight.get() + mArea.row(y),
-                                mLight.shadow.get() + mArea.row(y), mArea.width));
+        ZVEX_ON_TARGET(findEven(mEven.get() + ptrdiff_t{y} * blocks, mHighlight.get() + mArea.row(y),
+                                mShadow.get() + mArea.row(y), mArea.width));
     }
     return true;
 }
 
 void BlurredLight::moveTo(int y) {
     if (mRadius < 1) {
-        mHighlightRow = mLight.highlight.get() + mArea.row(y);
-        mShadowRow = mLight.shadow.get() + mArea.row(y);
+        mHighlightRow = mHighlight.get() + mArea.row(y);
+        mShadowRow = mShadow.get() + mArea.row(y);
         return;
     }
     if (y < mBandBegin || y >= mBandEnd) {
@@ -331,7 +392,7 @@ void BlurredLight::blurRows(int y, int count, uint8_t* highlight, uint8_t* shado
         const auto fill = [&](ptrdiff_t begin, ptrdiff_t end) {
             const size_t from = mArea.row(y + i) + static_cast<size_t>(begin),
                          size = static_cast<size_t>(end - begin);
-            std::memcpy(shadow + i * width + begin, mLight.highlight.get() + from, size);
+            std::memcpy(shadow + i * width + begin, mHighlight.get() + from, size);
             if (mBorder.get() != nullptr) {
                 std::memcpy(highlight + i * width + begin, mBorder.get() + from, size);
             } else {
@@ -345,8 +406,8 @@ void BlurredLight::blurRows(int y, int count, uint8_t* highlight, uint8_t* shado
     if (first >= last || mLeft >= mRight) return;
     const ptrdiff_t skipped = (first - y) * width;
     findEvenBlocks(first, last - first);
-    blurBand(mLight.highlight.get(), first, last - first, 0, highlight + skipped);
-    blurBand(mLight.shadow.get(), first, last - first, 8, shadow + skipped);
+    blurBand(mHighlight.get(), first, last - first, 0, highlight + skipped);
+    blurBand(mShadow.get(), first, last - first, 8, shadow + skipped);
 }
 
 // Finds the blocks that are even in all rows that the windows of these rows see.

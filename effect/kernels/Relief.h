@@ -135,24 +135,43 @@ bool blurRelief(const ReliefBlurJob& job);
 // Blurs the whole plane except for a border of `radius` pixels.
 bool blurRelief(unsigned char* source, unsigned char* destination, int radius, int height, int width);
 
-// Light and shadow of one relief.
-struct ReliefPlanes {
+// Light and shadow of one relief, to be blurred with two radii, in this order; a radius below 1 means no
+// blur. If the first is much larger than the rows that it is needed for, that blur is done here, row by row:
+// planes of the whole area would be larger still.
+class ReliefPlanes {
+public:
+    ReliefArea area;           // what the planes hold
+    int blur = 0, soften = 0;  // the radii, pixels
     Buffer<uint8_t> highlight, shadow;
 
-    bool allocate(const WorkingArea& area) {
-        return highlight.allocate(area.height, area.width) && shadow.allocate(area.height, area.width);
-    }
+    // False if memory is short.
+    bool allocate(const ReliefArea& newArea, int64_t newBlur, int newSoften);
+    // Clears row y. It is cleared before it is lit.
+    void clearRow(int y) const;
     // Lights the row before the one measured last, except for its ends; `y` is the row measured last.
-    void lightRow(const SlopeLighting& lighting, const WorkingArea& area, const DistanceRows& distances,
-                  int y) const;
-    // Lights row y of the area, except for its ends. The three rows of distances begin at its first column.
-    void lightRow(const SlopeLighting& lighting, const WorkingArea& area, const float* above,
-                  const float* distances, const float* below, int y) const;
-    // Clears the light of that row.
-    void clearRow(const WorkingArea& area, int y) const {
-        for (const Buffer<uint8_t>* plane : {&highlight, &shadow})
-            std::memset(plane->get() + area.row(y), 0, static_cast<size_t>(area.width));
+    void lightRow(const SlopeLighting& lighting, const DistanceRows& distances, int y) const {
+        lightRow(lighting, distances.row(y - 2), distances.row(y - 1), distances.row(y), y - 1);
     }
+    // Lights row y, except for its ends. The three rows of distances begin at the first column.
+    void lightRow(const SlopeLighting& lighting, const float* above, const float* distances,
+                  const float* below, int y) const;
+    // Row y is lit, and no other one since the last call.
+    void endRow(int y) const;
+    // All rows are lit. If that completes the first blur, its radius becomes 0, and the area the part of it
+    // that is needed. False if memory is short.
+    bool finish();
+
+private:
+    struct WideBlur {
+        ZvRect needed;  // columns and rows of the area
+        Gaussian kernel;
+        ColumnSums highlight, shadow;
+    };
+
+    bool blurRows(ColumnSums* sums, const ReliefArea& part, Buffer<uint8_t>* plane) const;
+    size_t at(int y) const { return mWide != nullptr ? 0 : area.row(y); }
+
+    std::unique_ptr<WideBlur> mWide;  // null if the planes hold the whole area
 };
 
 // The blurred lights of a relief, as rows of bytes. They are computed a few rows at a time, in the order in
@@ -164,9 +183,8 @@ struct ReliefPlanes {
 // around the text has such a border.
 class BlurredLight {
 public:
-    // Blurs with two radii, in this order; a radius below 1 means no blur. Takes ownership of the planes.
-    // False if memory is short.
-    bool make(const ReliefArea& area, ReliefPlanes& light, int firstRadius, int secondRadius);
+    // Finishes the planes and takes ownership of them. False if memory is short.
+    bool make(ReliefPlanes& light);
 
     // Moves to row y; the pointers below are valid until the next call.
     void moveTo(int y);
@@ -180,11 +198,11 @@ private:
     void blurBand(const uint8_t* plane, int y, int count, int shift, uint8_t* target);
 
     ReliefArea mArea;
-    int mLeft = 0, mRight = 0;  // the columns of the area that are no border
-    ZvRect mNeeded;             // the columns and rows to blur; all others are left undefined
-    ReliefPlanes mLight;        // the planes to blur
-    Buffer<uint8_t> mBorder;    // shown by the border of the highlight; null is no light
-    int mRadius = 0;            // below 1 there is no blur
+    int mLeft = 0, mRight = 0;            // the columns of the area that are no border
+    ZvRect mNeeded;                       // the columns and rows to blur; all others are left undefined
+    Buffer<uint8_t> mHighlight, mShadow;  // the planes to blur
+    Buffer<uint8_t> mBorder;              // shown by the border of the highlight; null is no light
+    int mRadius = 0;                      // below 1 there is no blur
     Gaussian mKernel;
     Blur mBlur;
     // For each block of a row: its two bytes if all its pixels are equal, else kUneven. mEvenBand is the same
@@ -210,14 +228,15 @@ struct ReliefColors {
 // The coloured relief.
 class ReliefRows : public LayerRows {
 public:
-    ReliefRows(const ReliefArea& area, const ReliefColors& colors, int blendMode, bool onBoth)
-        : mArea(area), mColors(colors), mBlendMode(blendMode), mOnBoth(onBoth) {}
+    ReliefRows(const ReliefColors& colors, int blendMode, bool onBoth)
+        : mColors(colors), mBlendMode(blendMode), mOnBoth(onBoth) {}
 
     // Makes the relief with its two blurs, see BlurredLight. False if memory is short.
-    bool allocate(ReliefPlanes& light, int firstRadius, int secondRadius);
+    bool allocate(ReliefPlanes& light);
 
-    // Adds a second relief behind the first one; it fades out where the glyphs are. False if memory is short.
-    bool putBehind(ReliefPlanes& light, int firstRadius, int secondRadius, const ZvBitmap& mask);
+    // Adds a second relief of the same size behind the first one; it fades out where the glyphs are. False if
+    // memory is short.
+    bool putBehind(ReliefPlanes& light, const ZvBitmap& mask);
 
     void draw(RowRange rows, const PictureStrip& target, const PictureStrip* other) override;
     ZvRect reach() const override { return mArea.rect(); }

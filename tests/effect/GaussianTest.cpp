@@ -85,7 +85,7 @@ TEST(Gaussian, BlurEqualsThePlainForm) {
     }
 }
 
-// A line of pixels that begins at `at`, as a row and as a column, against the plain sums.
+// A line of pixels that begins at `at`, as a row, as a column and pixel by pixel, against the plain sums.
 void expectThePlainPass(int radius, const std::vector<uint8_t>& source, int at, int count, bool inverted) {
     Gaussian kernel;
     ASSERT_TRUE(kernel.make(radius, 100, GaussianConstant::Single));
@@ -107,13 +107,22 @@ void expectThePlainPass(int radius, const std::vector<uint8_t>& source, int at, 
         blur.columns({source.data(), 1, at, end, columns.data(), 1, 1, count, false, inverted});
         ASSERT_EQ(rows, expected) << at;
         ASSERT_EQ(columns, expected) << at;
+        if (inverted) return;
+        ColumnSums sums;
+        ASSERT_TRUE(sums.prepare(kernel, 0, count, 1));
+        for (int y = at; y < end; ++y) sums.add(source.data() + (y - at), y);
+        sums.finish(columns.data());
+        ASSERT_EQ(columns, expected) << at;
     });
 }
 
 // One opaque run at each place in and beside a target of several blocks. The inverted pass shows even a
 // single weight.
 TEST(Gaussian, PassesTakeInTheLastPixelOfEachWindow) {
-    for (int at = -71; at < 307; ++at) expectThePlainPass(5, std::vector<uint8_t>(64, 255), at, 300, true);
+    for (int at = -71; at < 307; ++at) {
+        for (bool inverted : {false, true})
+            expectThePlainPass(5, std::vector<uint8_t>(64, 255), at, 300, inverted);
+    }
 }
 
 TEST(Gaussian, SumsThatNoMultiplierDividesEqualThePlainForm) {
