@@ -31,6 +31,10 @@ constexpr float kSoftGain = 2.03f;     // as a float it turns a light of 100 int
 constexpr int kLastWindowedSize = 25;  // of soft slopes
 constexpr int kStyleDouble = 3;
 
+// Ground further away than this does not decide how high a pixel of a glyph lies: nearer ground on the same
+// ray gives the same height except for rounding. So huge sizes cost no more than the picture.
+constexpr int kFurthestGround = 256;
+
 // Sizes in pixels. They fit ints once the working area does.
 struct Widths {
     bool soft, exact;
@@ -47,6 +51,12 @@ struct Widths {
         inner = soft ? outer : ceiling(size * 0.5 + 1.0);
         blur = soft ? ceiling(size * 0.5 + 1.0) : 0;
         margin = reliefMargin(outer, blur, property.soften);
+    }
+
+    // The inner radius as far as the search goes. From each pixel of a glyph it reaches beyond the box.
+    int reach(const ZvRect& box) const {
+        const int64_t depth = std::min(int64_t{box.right} - box.left, int64_t{box.bottom} - box.top) / 2;
+        return static_cast<int>(std::min(inner, std::max<int64_t>(kFurthestGround, depth + 3)));
     }
 };
 
@@ -92,7 +102,8 @@ bool lightExactSlopes(ReliefPlanes* planes, int count, const ZvEmbossProperty& p
 }
 
 // All other slopes: one plane of signed distances, with the fractions of partly covered pixels.
-bool measureSigned(float* plane, const Widths& widths, const ReliefArea& area, const ZvBitmap& mask) {
+bool measureSigned(float* plane, const Widths& widths, const ReliefArea& area, const ReliefArea& whole,
+                   const ZvBitmap& mask) {
     const int outer = static_cast<int>(widths.outer), inner = static_cast<int>(widths.inner);
     float ramp[256];
     for (int level = 0; level < 256; ++level) {
@@ -115,25 +126,32 @@ bool measureSigned(float* plane, const Widths& widths, const ReliefArea& area, c
             std::copy_n(rows->row(y), area.width, plane + area.row(y));
         }
     }
-    // The first row keeps its values. No glyph is near it, so the order of the inward search does not matter.
-    for (int x = 0; x < area.width; ++x) plane[x] = ramp[levels[static_cast<size_t>(x)]];
-    return searchInward({plane, area.height, area.width, inner, 1, area.height});
+    // The whole area's first row keeps its values. No glyph is near it, so the order of the inward search
+    // does not matter.
+    if (area.y == whole.y)
+        for (int x = 0; x < area.width; ++x) plane[x] = ramp[levels[static_cast<size_t>(x)]];
+    return searchInward({plane, area.height, area.width, widths.reach(area.box), 1, area.height});
 }
 
 bool lightSignedSlopes(ReliefPlanes* planes, int count, const ZvEmbossProperty& property,
                        const Widths& widths, const ReliefArea& area, const ReliefArea& whole,
                        const ZvBitmap& mask) {
     // The inward search needs the distances of all the ground that its windows reach.
+    const int reach = widths.reach(whole.box);
+    const int64_t border = std::max<int64_t>(reach + 1, reliefBorder(widths.blur, property.soften));
+    const ReliefArea reached = reach < widths.inner ? whole.cut(border) : whole;
     Buffer<float> plane;
-    if (!plane.allocate(whole.height, whole.width) || !measureSigned(plane.get(), widths, whole, mask))
+    if (!plane.allocate(reached.height, reached.width) ||
+        !measureSigned(plane.get(), widths, reached, whole, mask)) {
         return false;
+    }
     forReliefs(ReliefLight::make(property, kDepthFloor), count, [&](const ReliefLight& from, int i) {
         for (int y = 0; y < area.height; ++y) {
             planes[i].clearRow(y);
             if (y < 1 || y >= area.height - 1) continue;
-            const float* row = plane.get() + whole.row(y + area.y - whole.y) + (area.x - whole.x);
-            planes[i].lightRow(lighting(LitSide::Signed, from, widths.outer, widths.inner), row - whole.width,
-                               row, row + whole.width, y);
+            const float* row = plane.get() + reached.row(y + area.y - reached.y) + (area.x - reached.x);
+            planes[i].lightRow(lighting(LitSide::Signed, from, widths.outer, widths.inner),
+                               row - reached.width, row, row + reached.width, y);
             planes[i].endRow(y);
         }
     });

@@ -89,6 +89,28 @@ TEST(Emboss, EqualsThePlainForm) {
     check(101.0f, 2, 6, 2, 7, 6);
 }
 
+// Beyond the picture a larger size changes nothing, and costs nothing. The square is deeper than the furthest
+// ground of small glyphs.
+TEST(Emboss, HugeSizesDrawTheSamePicture) {
+    for (int side : {30, 540}) {
+        const auto draw = [&](float size) {
+            FilterScene scene(0, side + 10, side + 10);
+            for (size_t i = 0; i < scene.mask.byteCount(); ++i) {
+                const int x = static_cast<int>(i) % (side + 10), y = static_cast<int>(i) / (side + 10);
+                const int edge = std::min({x, y, side + 9 - x, side + 9 - y});
+                scene.mask.pixels[i] = edge < 5 ? 0 : edge == 5 ? 90 : 255;
+            }
+            scene.box = ZvRect(0, 0, side + 10, side + 10);
+            ZvEmboss emboss;
+            ZvEmbossProperty property = makeSettings<ZvEmbossProperty>(1, size, 1, 0);
+            emboss.setProperty(&property);
+            scene.draw(emboss);
+            return scene;
+        };
+        EXPECT_TRUE(draw(30000.0f).sameAs(draw(600.0f))) << side;
+    }
+}
+
 constexpr int kWidth = 23, kHeight = 17;
 constexpr reference::Light kLight = {0.6f, -0.35f, 0.7f, 1.3f};
 
