@@ -33,6 +33,9 @@ constexpr int64_t kExact = 1 << 24;
 // Full pixels closer than this to the first other column might be hidden by rounded parabolas.
 constexpr int kRoundedSlopes = 16;
 
+// The largest radius on open ground for which the true minimum is searched.
+constexpr int kFarthestSearched = 160;
+
 int exactColumns(int height) {
     const int64_t tallest = int64_t{height} * height;
     if (tallest >= kExact) return 0;
@@ -291,7 +294,9 @@ std::unique_ptr<DistanceRows> DistanceRows::transform(const PlacedLevels& levels
     // sums are still exact: full pixels end the parabolas, and others are higher than all parabolas.
     const bool isWhole = widthOf(part) == width && heightOf(part) == height;
     const bool isExact = part.right <= exactColumns(height) - kRoundedSlopes;
-    if (TransformRows::fits(height, radius)) {
+    // The search for a far minimum costs more than the envelope.
+    const bool isFar = radius > kFarthestSearched && !levels.isFullAround;
+    if (TransformRows::fits(height, radius) && !isFar) {
         if (isWhole || isExact)
             return made(tryMake<TransformRows>(widthOf(part), heightOf(part), radius), levels, part);
         if (PartRows::fits(width, height, part))

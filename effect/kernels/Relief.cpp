@@ -31,7 +31,7 @@ constexpr int kBlock = 64;
 constexpr int kBand = 64;
 
 // A first blur is wide if its radius exceeds this many times the rows that it is needed for.
-constexpr int kWideBlur = 4;
+constexpr double kWideBlur = 1.5;
 
 // Marks a block whose pixels differ, in light or in shadow.
 constexpr int32_t kUneven = -1;
@@ -128,7 +128,7 @@ bool ReliefPlanes::allocate(const ReliefArea& newArea, int64_t newBlur, int newS
     const ZvRect needed(shown.left - more, shown.top - more, shown.right + more, shown.bottom + more);
     const bool showsBorder = needed.left < blur || needed.top < blur || needed.right > area.width - blur ||
                              needed.bottom > area.height - blur;
-    if (showsBorder || blur <= kWideBlur * int64_t{heightOf(needed)})
+    if (showsBorder || blur <= kWideBlur * heightOf(needed))
         return highlight.allocate(area.height, area.width) && shadow.allocate(area.height, area.width);
     mWide = tryMake<WideBlur>();
     if (mWide == nullptr || !mWide->kernel.make(blur, kWeight, GaussianConstant::Double)) return false;
