@@ -102,8 +102,7 @@ bool lightExactSlopes(ReliefPlanes* planes, int count, const ZvEmbossProperty& p
 }
 
 // All other slopes: one plane of signed distances, with the fractions of partly covered pixels.
-bool measureSigned(float* plane, const Widths& widths, const ReliefArea& area, const ReliefArea& whole,
-                   const ZvBitmap& mask) {
+bool measureSigned(float* plane, const Widths& widths, const ReliefArea& area, const ZvBitmap& mask) {
     const int outer = static_cast<int>(widths.outer), inner = static_cast<int>(widths.inner);
     float ramp[256];
     for (int level = 0; level < 256; ++level) {
@@ -126,10 +125,9 @@ bool measureSigned(float* plane, const Widths& widths, const ReliefArea& area, c
             std::copy_n(rows->row(y), area.width, plane + area.row(y));
         }
     }
-    // The whole area's first row keeps its values. No glyph is near it, so the order of the inward search
-    // does not matter.
-    if (area.y == whole.y)
-        for (int x = 0; x < area.width; ++x) plane[x] = ramp[levels[static_cast<size_t>(x)]];
+    // The first row keeps its values. No glyph's window reaches it, so the order of the inward search does
+    // not matter.
+    for (int x = 0; x < area.width; ++x) plane[x] = ramp[levels[static_cast<size_t>(x)]];
     return searchInward({plane, area.height, area.width, widths.reach(area.box), 1, area.height});
 }
 
@@ -141,10 +139,8 @@ bool lightSignedSlopes(ReliefPlanes* planes, int count, const ZvEmbossProperty& 
     const int64_t border = std::max<int64_t>(reach + 1, reliefBorder(widths.blur, property.soften));
     const ReliefArea reached = reach < widths.inner ? whole.cut(border) : whole;
     Buffer<float> plane;
-    if (!plane.allocate(reached.height, reached.width) ||
-        !measureSigned(plane.get(), widths, reached, whole, mask)) {
+    if (!plane.allocate(reached.height, reached.width) || !measureSigned(plane.get(), widths, reached, mask))
         return false;
-    }
     forReliefs(ReliefLight::make(property, kDepthFloor), count, [&](const ReliefLight& from, int i) {
         for (int y = 0; y < area.height; ++y) {
             planes[i].clearRow(y);
