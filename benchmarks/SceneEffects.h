@@ -11,10 +11,18 @@
 namespace bench {
 
 constexpr unsigned int kOrange = 0xFFFF8800;  // the text's own colour
+constexpr unsigned int kDark = 0xFF202020, kBlack = 0xFF000000;
+
+// A soft inner bevel, lit from the upper left.
+inline bool addBevel(Zvex::ZvEffect& effects, float size) {
+    constexpr int kInner = 1, kUp = 1, kSoft = 0, kSoften = 0;
+    return effects.addBevelText(kInner, size, 2, kUp, kSoft, kSoften, 1, 135, 30, kBlack, 0.75f, 0xFFFFFFFF,
+                                0.75f) >= 0;
+}
 
 // The effects of a scene of Scenes.h, their lengths multiplied by `scale`. False for an unknown scene.
 inline bool addEffects(Zvex::ZvEffect& effects, const std::string& scene, int scale) {
-    constexpr unsigned int kDark = 0xFF202020, kBlack = 0xFF000000, kGlow = 0xFF0060FF;
+    constexpr unsigned int kGlow = 0xFF0060FF;
     const auto length = [&](int small) { return static_cast<float>(small * scale); };
     const auto stroke = [&] {
         return effects.addStrokeText(length(8), kDark, 1, 0, Zvex::ZV_STROKE_OUTSIDE) >= 0;
@@ -28,18 +36,13 @@ inline bool addEffects(Zvex::ZvEffect& effects, const std::string& scene, int sc
         Zvex::ZvGradient stops[] = {{0xFFFF0000, 1, 0}, {0xFF0000FF, 1, 1}};
         return effects.addLinearGradientText(0, 1, 1, 2, stops) >= 0;
     };
-    constexpr int kInner = 1, kUp = 1, kSoft = 0, kSoften = 0;
     if (scene == "S1") return true;
     if (scene == "S2") return stroke();
     if (scene == "S3") return shadow();
     if (scene == "S4") return gradient();
     if (scene == "S5") return stroke() && shadow() && gradient();
     if (scene == "S6") return effects.addOuterGlowText(length(20), kGlow, 1, 0, nullptr) >= 0;
-    if (scene == "S7") {
-        return effects.addBevelText(kInner, length(10), 2, kUp, kSoft, kSoften, 1, 135, 30, kBlack, 0.75f,
-                                    0xFFFFFFFF, 0.75f) >= 0;
-    }
-    return false;
+    return scene == "S7" && addBevel(effects, length(10));
 }
 
 }  // namespace bench

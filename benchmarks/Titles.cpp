@@ -9,6 +9,7 @@
 #include <memory>
 #include <vector>
 
+#include "benchmarks/SceneEffects.h"
 #include "benchmarks/Scenes.h"
 #include "effect/ZvProperty.h"
 #include "text/FontManager.h"
@@ -20,15 +21,10 @@ namespace {
 using namespace Zvex;
 
 constexpr int kAntiAlias = 1;
-constexpr unsigned int kOrange = 0xFFFF8800, kDark = 0xFF202020, kBlack = 0xFF000000;
 
 bool addLook(ZvEffect& effects, const std::string& look, float unit) {
     if (look == "plain") return true;
-    if (look == "bevel") {
-        constexpr int kInner = 1, kUp = 1, kSoft = 0, kSoften = 0;
-        return effects.addBevelText(kInner, unit * 4 / 3, 2, kUp, kSoft, kSoften, 1, 135, 30, kBlack, 0.75f,
-                                    0xFFFFFFFF, 0.75f) >= 0;
-    }
+    if (look == "bevel") return addBevel(effects, unit * 4 / 3);
     if (look == "shadow") {
         ZvOuterShadowProperty shadow(90, unit, 3 * unit, kBlack, 1);
         if (effects.addEffect(ZV_EFFECT_OUTER_SHADOW, &shadow) < 0) return false;

@@ -12,11 +12,9 @@
 //
 //     plain   fill
 //     stroke  and an outside stroke of width 1
-//     shadow  and an opaque black shadow below it, moved down by 1, blur of size 3: the standard deviation is
-//     1 bevel   fill and a soft inner bevel of size 4/3, lit from the upper left
+//     shadow  and an opaque black shadow below it, moved down by 1, blurred with a standard deviation of 1
+//     bevel   fill and a soft inner bevel of size 4/3, lit from the upper left
 namespace bench {
-
-constexpr const char* kLooks[] = {"plain", "stroke", "shadow", "bevel"};
 
 // Sets up an object, not yet constructed, for any word. False for an unknown look or a font that cannot be
 // loaded.

@@ -117,8 +117,9 @@ def answer(line, fonts):
     look, size, _, *words = rest
     if look not in LOOKS:
         return "none"
-    renderer = fonts.setdefault((look, size), None) or Pillow(int(size), look, ImageFont.Layout.RAQM)
-    fonts[look, size] = renderer
+    if (look, size) not in fonts:
+        fonts[look, size] = Pillow(int(size), look, ImageFont.Layout.RAQM)
+    renderer = fonts[look, size]
     if file is not None:
         pixels = renderer.draw(words[0])
         pixels.tofile(file)

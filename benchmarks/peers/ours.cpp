@@ -45,7 +45,7 @@ std::string timeOfMemset(const bench::Canvas& canvas) {
     if (picture == nullptr) return "none";
     std::memset(picture, 0, bytes);
     asm volatile("" : : "r"(picture) : "memory");  // the compiler must not see that nobody reads it
-    const std::chrono::duration<double, std::milli> elapsed = Clock::now() - begin;
+    const Milliseconds elapsed = Clock::now() - begin;
     std::free(picture);
     return std::to_string(elapsed.count());
 }
