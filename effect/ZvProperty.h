@@ -21,8 +21,8 @@ class ZvBitmap;
 
 // One colour stop of a gradient.
 struct ZvGradient {
-    uint32_t color = 0;  // 0xAARRGGBB, straight; the adders make its alpha byte of the opacities
-    float opacity = 0;   // 0xAARRGGBB, straight; the adders set the alpha byte from the opacities
+    uint32_t color = 0;  // 0xAARRGGBB, straight; the adders set the alpha byte from the opacities
+    float opacity = 0;   // 0 to 1
     float position = 0;  // 0 to 1, along the gradient
 };
 

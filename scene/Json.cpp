@@ -13,7 +13,7 @@ namespace Zvex::scene {
 namespace {
 
 constexpr size_t kLineWidth = 110;
-constexpr size_t kMaxDepth = 16;  // a style within a line needs six
+constexpr size_t kMaxDepth = 16;  // the stops of a layer in the style of a line are at level eight
 // Of the parser, which walks over earlier values time and again. Four effects full of stops make about 8000.
 constexpr size_t kMaxEvents = 20'000;
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 //
-// For benchmarks/web.mjs: times the pictures of benchmarks/Scenes.h, as a program of this machine with the
+// For scenes.mjs: times the pictures of benchmarks/Scenes.h, as a program of this machine with the
 // kernels that every x86-64 has, and as WebAssembly.
 //
 //     scene_times SIZE     of the font, whose bytes standard input begins with: WebAssembly has no files

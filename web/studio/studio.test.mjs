@@ -195,5 +195,5 @@ test('the picture follows a drag: 1024 x 256, three effects', async () => {
     });
     console.log(`${(pictures / seconds).toFixed(1)} pictures a second, longest frame ${longest.toFixed(0)} ms`);
     assert.ok(pictures > 10, 'pictures are drawn during the drag');
-    if (process.env.ZVEX_TEST_SPEED) assert.ok(pictures / seconds >= 30);
+    if (process.env.ZVEX_TEST_ALL) assert.ok(pictures / seconds >= 30);
 });
