@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <memory>
 
 #include "effect/Composite.h"
 #include "effect/LayerRows.h"

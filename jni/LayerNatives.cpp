@@ -16,7 +16,6 @@
 #include "effect/ZvEffect.h"
 #include "effect/ZvProperty.h"
 #include "foundation/OutOfMemory.h"
-#include "foundation/ZvLog.h"
 #include "jni/BoundTextObject.h"
 #include "jni/GlyphColours.h"
 #include "jni/JniSupport.h"

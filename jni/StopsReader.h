@@ -4,6 +4,7 @@
 
 #include <jni.h>
 
+#include <cstdint>
 #include <memory>
 #include <new>
 

@@ -11,6 +11,7 @@
 #include "foundation/KeptMemory.h"
 #include "foundation/OutOfMemory.h"
 #include "raster/ZvBitmap.h"
+#include "scene/ColourGlyphs.h"
 #include "scene/Failure.h"
 #include "scene/LayeredScene.h"
 #include "scene/SceneCheck.h"

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "scene/ColourGlyphs.h"
+#include "scene/ColourRun.h"
 #include "scene/LineShaper.h"
 #include "scene/Metrics.h"
 #include "scene/Scene.h"

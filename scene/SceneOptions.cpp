@@ -2,7 +2,6 @@
 #include "scene/SceneOptions.h"
 
 #include <cmath>
-#include <limits>
 
 #include "scene/Failure.h"
 #include "scene/FieldJson.h"

@@ -6,7 +6,6 @@
 #include <climits>
 #include <list>
 #include <map>
-#include <memory>
 #include <mutex>
 #include <new>
 #include <utility>

@@ -15,6 +15,7 @@
 #include "effect/kernels/DistanceSearch.h"
 #include "effect/kernels/DistanceTransform.h"
 #include "foundation/OutOfMemory.h"
+#include "foundation/SafeConvert.h"
 #include "raster/ZvBlender.h"
 
 namespace Zvex {

@@ -20,6 +20,7 @@
 #include "effect/kernels/DistanceSearch.h"
 #include "effect/kernels/DistanceTransform.h"
 #include "foundation/OutOfMemory.h"
+#include "foundation/SafeConvert.h"
 #include "raster/ZvBlender.h"
 
 namespace Zvex {

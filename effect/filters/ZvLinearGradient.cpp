@@ -5,7 +5,6 @@
 #include "effect/filters/ZvLinearGradient.h"
 
 #include <cmath>
-#include <memory>
 #include <utility>
 
 #include "effect/kernels/Gradient.h"

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 #include "effect/filters/ZvRadialGradient.h"
 
-#include <memory>
 #include <utility>
 
 #include "effect/kernels/Gradient.h"

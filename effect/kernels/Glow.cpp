@@ -15,7 +15,6 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <memory>
 #include <utility>
 
 #include "effect/LayerRows.h"

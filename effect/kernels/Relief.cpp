@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "effect/kernels/Gaussian.h"
+#include "foundation/SafeConvert.h"
 #include "foundation/Trigonometry.h"
 #include "raster/CpuTarget.h"
 #include "raster/Rects.h"

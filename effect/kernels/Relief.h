@@ -4,11 +4,9 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 #include <memory>
 
 #include "effect/LayerRows.h"
-#include "effect/Numbers.h"
 #include "effect/ZvProperty.h"
 #include "effect/kernels/Buffer.h"
 #include "effect/kernels/Coverage.h"

@@ -4,6 +4,8 @@
 
 #include <ft2build.h>
 
+#include <cstdint>
+
 #include "platform/host/FontFace.h"
 #include FT_OUTLINE_H
 

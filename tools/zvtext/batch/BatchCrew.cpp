@@ -5,7 +5,6 @@
 #include <sys/wait.h>
 
 #include <algorithm>
-#include <cstring>
 #include <utility>
 
 namespace zvtext {

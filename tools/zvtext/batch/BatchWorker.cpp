@@ -20,6 +20,7 @@
 #include "scene/Scene.h"
 #include "scene/SceneFonts.h"
 #include "tools/zvtext/batch/BatchLine.h"
+#include "tools/zvtext/batch/BatchMessages.h"
 #include "tools/zvtext/batch/Digest.h"
 #include "tools/zvtext/batch/GroupSync.h"
 #include "tools/zvtext/render/Output.h"

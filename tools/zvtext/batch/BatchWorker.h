@@ -6,7 +6,6 @@
 
 #include "scene/FolderScope.h"
 #include "tools/zvtext/batch/BatchJournal.h"
-#include "tools/zvtext/batch/BatchMessages.h"
 #include "tools/zvtext/render/RenderCommand.h"
 
 namespace zvtext {

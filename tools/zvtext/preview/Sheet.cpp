@@ -5,7 +5,6 @@
 
 #include "scene/Failure.h"
 #include "scene/Scene.h"
-#include "scene/TextInput.h"
 
 namespace zvtext {
 
