@@ -12,8 +12,8 @@ namespace {
 // Writes one record's part of the key; its destructor writes the closing NUL.
 class KeyWriter {
 public:
-    KeyWriter(char** cursor, char tag) : cursor_(cursor) { *(*cursor_)++ = tag; }
-    ~KeyWriter() { **cursor_ = '\0'; }
+    KeyWriter(char** cursor, char tag) : mCursor(cursor) { *(*mCursor)++ = tag; }
+    ~KeyWriter() { **mCursor = '\0'; }
     KeyWriter(const KeyWriter&) = delete;
     KeyWriter& operator=(const KeyWriter&) = delete;
 
@@ -36,9 +36,9 @@ private:
     }
 
     // The top bit keeps the byte from being NUL.
-    void put(uint32_t bits) { *(*cursor_)++ = static_cast<char>(static_cast<unsigned char>(bits | 0x80)); }
+    void put(uint32_t bits) { *(*mCursor)++ = static_cast<char>(static_cast<unsigned char>(bits | 0x80)); }
 
-    char** cursor_;
+    char** mCursor;
 };
 
 // In double precision: 0.29f is a little less than 0.29 and gives 28.

@@ -44,25 +44,25 @@ void coverageRowOver(uint8_t* target, uint8_t source, int count) {
     for (int i = 0; i < count; ++i) target[i] = host::coverageOver(source, target[i]);
 }
 
-template <int LENGTH>
+template <int kLength>
 bool isBlank(const uint8_t* bytes) {
-    uint64_t words[LENGTH / 8], any = 0;
-    std::memcpy(words, bytes, LENGTH);
+    uint64_t words[kLength / 8], any = 0;
+    std::memcpy(words, bytes, kLength);
     for (const uint64_t word : words) any |= word;
     return any == 0;
 }
 
 // Copies onto blank bytes; false, with nothing written, if they are not blank. Copies in fixed lengths,
 // because calls that copy rows as short as a glyph's are slower. The last copy may overlap the one before.
-template <int LENGTH>
+template <int kLength>
 bool copyOntoBlank(uint8_t* __restrict target, const uint8_t* __restrict source, int count) {
-    const int last = count - LENGTH;
-    for (int i = 0; i < last; i += LENGTH) {
-        if (!isBlank<LENGTH>(target + i)) return false;
+    const int last = count - kLength;
+    for (int i = 0; i < last; i += kLength) {
+        if (!isBlank<kLength>(target + i)) return false;
     }
-    if (!isBlank<LENGTH>(target + last)) return false;
-    for (int i = 0; i < last; i += LENGTH) std::memcpy(target + i, source + i, LENGTH);
-    std::memcpy(target + last, source + last, LENGTH);
+    if (!isBlank<kLength>(target + last)) return false;
+    for (int i = 0; i < last; i += kLength) std::memcpy(target + i, source + i, kLength);
+    std::memcpy(target + last, source + last, kLength);
     return true;
 }
 
@@ -107,14 +107,14 @@ void glyphRowOver(uint8_t* target, const uint8_t* coverage, SkColor color, int c
 
 // The number of pixels, from the first one on, whose alpha is `alpha`.
 int runOfAlpha(const uint8_t* pixels, uint8_t alpha, int count) {
-    constexpr int PIECE = 16;
+    constexpr int kPiece = 16;
     const uint8_t same[4] = {0, 0, 0, alpha}, mask[4] = {0, 0, 0, 255};
     uint32_t wanted, alphaBits;
     std::memcpy(&wanted, same, 4);
     std::memcpy(&alphaBits, mask, 4);
     int i = 0;
-    for (; i + PIECE <= count; i += PIECE) {
-        uint32_t words[PIECE], differing = 0;
+    for (; i + kPiece <= count; i += kPiece) {
+        uint32_t words[kPiece], differing = 0;
         std::memcpy(words, pixels + 4 * static_cast<size_t>(i), sizeof words);
         for (const uint32_t word : words) differing |= word ^ wanted;
         if ((differing & alphaBits) != 0) break;
