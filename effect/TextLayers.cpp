@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <cstdlib>
 #include <cstring>
 #include <memory>
 #include <new>
@@ -24,7 +25,8 @@ namespace {
 // A layer that is being made for the joined picture.
 struct DrawnLayer {
     Spread coverage;                    // made unless a layer before has the same
-    std::unique_ptr<ZvBitmap> picture;  // null if transparent
+    ZvRect area;                        // the part of the plane that is drawn, before the layer moves
+    std::unique_ptr<ZvBitmap> picture;  // of that area; null if transparent
 };
 
 void grow(int* margin, int64_t wanted) {
@@ -97,27 +99,29 @@ void joinColours(const uint32_t* colours, size_t count, float opacity, const Spr
     }
 }
 
-// False if memory is short.
-bool drawColours(const TextLayer& layer, const Spread& coverage, const TextCoverage& text, ZvBitmap* drawn) {
+// Onto the layer's picture, in which the text has the box. False if memory is short.
+bool drawColours(const TextLayer& layer, const Spread& coverage, const ZvRect& box, const DrawnLayer& own) {
     const ColourGlyphs& glyphs = *layer.colours;
+    ZvBitmap* drawn = own.picture.get();
     std::unique_ptr<ZvBitmap> around;
     if (glyphs.around != nullptr) {
         around = tryMake<ZvBitmap>(drawn->width, drawn->height, 4u, ZvBitmap::Unset::Pixels);
         glyphs.around->textAlpha = layer.effect->textAlpha;
         if (around == nullptr || around->pixels == nullptr ||
-            !drawStack(*glyphs.around, coverage, text.box.left, text.box.top, around.get())) {
+            !drawStack(*glyphs.around, coverage, box.left, box.top, around.get())) {
             return false;
         }
     }
-    const int64_t left = std::max(glyphs.x, 0), top = std::max(glyphs.y, 0);
-    const int64_t right = std::min<int64_t>(int64_t{glyphs.x} + glyphs.picture.width, drawn->width);
-    const int64_t bottom = std::min<int64_t>(int64_t{glyphs.y} + glyphs.picture.height, drawn->height);
+    const int64_t glyphsX = int64_t{glyphs.x} - own.area.left, glyphsY = int64_t{glyphs.y} - own.area.top;
+    const int64_t left = std::max<int64_t>(glyphsX, 0), top = std::max<int64_t>(glyphsY, 0);
+    const int64_t right = std::min<int64_t>(glyphsX + glyphs.picture.width, drawn->width);
+    const int64_t bottom = std::min<int64_t>(glyphsY + glyphs.picture.height, drawn->height);
     const auto* words = reinterpret_cast<const uint32_t*>(glyphs.picture.pixels);
     for (int64_t y = top; y < bottom && left < right; ++y) {
         const auto at = static_cast<size_t>(y * drawn->width + left);
-        joinColours(words + (y - glyphs.y) * glyphs.picture.width + (left - glyphs.x),
+        joinColours(words + (y - glyphsY) * glyphs.picture.width + (left - glyphsX),
                     static_cast<size_t>(right - left), static_cast<float>(layer.effect->textAlpha) / 255,
-                    coverage, text.box, left, y, reinterpret_cast<uint32_t*>(drawn->pixels) + at,
+                    coverage, box, left, y, reinterpret_cast<uint32_t*>(drawn->pixels) + at,
                     around != nullptr ? reinterpret_cast<const uint32_t*>(around->pixels) + at : nullptr);
     }
     return true;
@@ -142,11 +146,30 @@ size_t firstLike(size_t i, const TextLayer* layers) {
     return static_cast<size_t>(std::find_if(layers, layers + i, isLike) - layers);
 }
 
-JoinedLayer joinedLayer(const TextLayer& layer, const ZvBitmap* picture, const TextCoverage& text) {
+ZvRect movedBy(int64_t x, int64_t y, const ZvRect& rect) {
+    return ZvRect(clampToInt(rect.left + x), clampToInt(rect.top + y), clampToInt(rect.right + x),
+                  clampToInt(rect.bottom + y));
+}
+
+// What is drawn for layer i and those that share its picture: what they show once they have moved, and the
+// whole text, whose effects would change if it were cut. A layer that moves by the picture's size shows
+// nothing.
+ZvRect areaOf(size_t i, const TextLayer* layers, size_t count, const ZvRect& whole, const ZvRect& text) {
+    ZvRect area = intersected(text, whole);
+    for (size_t other = i; other < count; ++other) {
+        const int64_t x = layers[other].x, y = layers[other].y;
+        const bool shows = std::abs(x) < widthOf(whole) && std::abs(y) < heightOf(whole);
+        if (shows && (other == i || firstLike(other, layers) == i))
+            area = united(area, movedBy(-x, -y, whole));
+    }
+    return area;
+}
+
+JoinedLayer joinedLayer(const TextLayer& layer, const DrawnLayer& drawn, const TextCoverage& text) {
     JoinedLayer joined;
-    joined.picture = picture;
-    joined.x = layer.x;
-    joined.y = layer.y;
+    joined.picture = drawn.picture.get();
+    joined.x = clampToInt(int64_t{layer.x} + drawn.area.left);
+    joined.y = clampToInt(int64_t{layer.y} + drawn.area.top);
     joined.blend = layer.blend;
     joined.opacity = layer.opacity;
     joined.clipped = layer.clipped;
@@ -189,27 +212,31 @@ bool drawTextLayers(ZvBitmap* picture, const TextCoverage& text, const TextLayer
     if (drawn == nullptr || joined == nullptr) return false;
     const bool isCut = clip.left > 0 || clip.top > 0 || clip.right < static_cast<int64_t>(picture->width) ||
                        clip.bottom < static_cast<int64_t>(picture->height);
-    const auto pictureOf = [&](size_t i) -> auto& {
-        return drawn[isCut ? i : firstLike(i, layers)].picture;
+    const ZvRect whole = pictureRect(picture->width, picture->height);
+    const auto drawnFor = [&](size_t i) -> auto& {
+        return drawn[isCut ? i : firstLike(i, layers)];
     };
     for (size_t i = 0; i < count && text.mask.pixels != nullptr; ++i) {
-        if (pictureOf(i) != nullptr) continue;
+        if (drawnFor(i).picture != nullptr) continue;
         const TextLayer& layer = layers[i];
         const Spread* coverage = coverageFor(i, text, layers, drawn.get());
         if (coverage == nullptr) return false;
         if (coverage->coverage() == nullptr) continue;
-        auto& own = drawn[i].picture;
-        own = tryMake<ZvBitmap>(picture->width, picture->height, 4u, ZvBitmap::Unset::Pixels);
-        if (own == nullptr || own->pixels == nullptr) return false;
-        if (!drawStack(*layer.effect, *coverage, text.box.left, text.box.top, own.get())) return false;
-        if (layer.colours != nullptr && !drawColours(layer, *coverage, text, own.get())) return false;
+        DrawnLayer& own = drawn[i];
+        const ZvRect spread = movedBy(text.box.left, text.box.top, coverage->box());
+        own.area = areaOf(i, layers, isCut ? i + 1 : count, whole, spread);
+        own.picture =
+            tryMake<ZvBitmap>(static_cast<uint32_t>(widthOf(own.area)),
+                              static_cast<uint32_t>(heightOf(own.area)), 4u, ZvBitmap::Unset::Pixels);
+        if (own.picture == nullptr || own.picture->pixels == nullptr) return false;
+        const ZvRect box = movedBy(-int64_t{own.area.left}, -int64_t{own.area.top}, text.box);
+        if (!drawStack(*layer.effect, *coverage, box.left, box.top, own.picture.get())) return false;
+        if (layer.colours != nullptr && !drawColours(layer, *coverage, box, own)) return false;
         if (!isCut) continue;
-        clearOutside(
-            *own,
-            ZvRect(clampToInt(int64_t{clip.left} - layer.x), clampToInt(int64_t{clip.top} - layer.y),
-                   clampToInt(int64_t{clip.right} - layer.x), clampToInt(int64_t{clip.bottom} - layer.y)));
+        clearOutside(*own.picture,
+                     movedBy(-int64_t{layer.x} - own.area.left, -int64_t{layer.y} - own.area.top, clip));
     }
-    for (size_t i = 0; i < count; ++i) joined[i] = joinedLayer(layers[i], pictureOf(i).get(), text);
+    for (size_t i = 0; i < count; ++i) joined[i] = joinedLayer(layers[i], drawnFor(i), text);
     joinLayers(picture, joined.get(), count, opacity);
     return true;
 }

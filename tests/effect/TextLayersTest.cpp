@@ -22,11 +22,14 @@ void addGlowAndShadow(ZvEffect& effect) {
     effect.addText(0xFFFF8040);
 }
 
-// Two lines, the second one beyond the right edge, as a text object passes them.
-ZvBitmap drawnText(ZvEffect& effect) {
+// Two lines, the second one beyond the right edge, as a text object passes them. `around`: the picture has so
+// many more pixels on each side, but the text still ends at the same edge.
+ZvBitmap drawnText(ZvEffect& effect, int around = 0) {
     Random random(2);
     const ZvBitmap line = makeMask(MaskKind::Shapes, 50, 20, random);
-    return asPicture(effect, kLayeredWidth, kLayeredHeight, {{12, 9, line}, {55, 31, line}},
+    const ZvRect inside(0, 0, kLayeredWidth - 55, 20);
+    return asPicture(effect, kLayeredWidth + 2 * around, kLayeredHeight + 2 * around,
+                     {{around + 12, around + 9, line}, {around + 55, around + 31, ZvBitmap(line, &inside)}},
                      PixelOrder::BlueFirst);
 }
 
@@ -52,23 +55,24 @@ struct LayeredText {
     }
 };
 
-// Within the clip, a single layer equals the text with that stack; a moved layer equals that picture moved.
+// Within the clip, a single layer equals the text with that stack, moved; it also shows what comes into the
+// picture with the move.
 TEST(TextLayers, ALayerIsThePictureOfItsStack) {
     LayeredText text;
     const ZvRect clip(7, 5, 85, 52);
-    for (int x : {0, -9, 14}) {
+    for (int x : {0, -9, 14, -40, 60}) {
         TextLayer layer;
         layer.effect = &text.plain;
         layer.x = x;
         layer.y = x / 2;
         ZvEffect effect;
         addGlowAndShadow(effect);
-        const ZvBitmap stack = drawnText(effect);
+        const ZvBitmap stack = drawnText(effect, 60);
         ZvBitmap expected(kLayeredWidth, kLayeredHeight, 4);
         JoinedLayer joined;
         joined.picture = &stack;
-        joined.x = layer.x;
-        joined.y = layer.y;
+        joined.x = layer.x - 60;
+        joined.y = layer.y - 60;
         joinLayers(&expected, &joined, 1);
         for (int i = 0; i < kLayeredWidth * kLayeredHeight; ++i) {
             const int column = i % 90, row = i / 90;
