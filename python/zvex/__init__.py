@@ -70,19 +70,14 @@ class Picture(_zvex.Picture):
         self, path: Path, *, format: Optional[str] = None, dpi: float = 72, compression: str = "default"
     ) -> None:
         """Writes what `encode` makes, in the format of the path's ending if none is given. The file appears when
-        it is complete."""
+        it is complete, and keeps the mode of the one that it replaces. Links are followed; devices and FIFOs are
+        written to."""
         name = os.fsdecode(path)
         data = self.encode(format or os.path.splitext(name)[1][1:] or "png", dpi=dpi, compression=compression)
-        part = os.path.join(os.path.dirname(name), f".zvex-{secrets.token_hex(8)}.part")
         try:
-            with open(part, "xb") as file:
-                file.write(data)
-            os.replace(part, name)
+            _write(name, data)
         except (OSError, ValueError) as error:
             raise Error("path", f"cannot write {name!r}: {getattr(error, 'strerror', error)}") from None
-        finally:
-            with contextlib.suppress(OSError, ValueError):
-                os.unlink(part)
 
     def to_pil(self) -> "Image":
         """A Pillow image, mode RGBA, with pixels of its own."""
@@ -95,6 +90,28 @@ class Picture(_zvex.Picture):
 
     def _repr_png_(self) -> bytes:
         return self.encode()
+
+
+def _write(name: str, data: bytes) -> None:
+    there = os.path.exists(name)
+    if os.path.islink(name) and not there:
+        raise ValueError("it is a link that leads to no file")
+    if there and not os.path.isfile(name):
+        with open(name, "wb") as stream:
+            stream.write(data)
+        return
+    target = os.path.realpath(name)
+    mode = os.stat(target).st_mode & 0o777 if there else 0o666
+    part = os.path.join(os.path.dirname(target), f".zvex-{secrets.token_hex(8)}.part")
+    try:
+        with open(part, "xb", opener=lambda path, flags: os.open(path, flags, mode)) as file:
+            if there:
+                os.chmod(file.fileno(), mode)  # whatever the umask
+            file.write(data)
+        os.replace(part, target)
+    finally:
+        with contextlib.suppress(OSError, ValueError):
+            os.unlink(part)
 
 
 def _plain(value: Any) -> Any:

@@ -140,6 +140,27 @@ def test_files_and_notebooks(tmp_path):
     assert sorted(p.name for p in tmp_path.iterdir()) == ["p.png", "p.webp", "wide.png"]
 
 
+def test_saving_over_files_links_and_pipes(tmp_path):
+    picture = zvex.render("Saved", font=FONT, size=20)
+    private, link, nowhere, pipe = (tmp_path / name for name in ("private.png", "link.png", "nowhere.png", "pipe.png"))
+    private.touch(mode=0o600)
+    link.symlink_to("private.png")
+    nowhere.symlink_to("missing.png")
+    os.mkfifo(pipe)
+    read = []
+    reader = threading.Thread(target=lambda: read.append(pipe.read_bytes()), daemon=True)
+    reader.start()
+    for path in link, pipe:
+        picture.save(path)
+    reader.join(60)
+    assert read == [private.read_bytes()] == [picture.encode()] and pipe.is_fifo()
+    assert link.is_symlink() and private.stat().st_mode & 0o777 == 0o600
+    for path in nowhere, tmp_path:
+        with pytest.raises(zvex.Error, match="cannot write"):
+            picture.save(path)
+    assert len(list(tmp_path.iterdir())) == 4
+
+
 def test_a_measured_picture_has_no_pixels():
     measured, drawn = (getattr(zvex.Text(font=FONT, outer_shadow="size=9"), way)("Size") for way in ("measure", "render"))
     assert (measured.width, measured.height, measured.margins) == (drawn.width, drawn.height, drawn.margins)
