@@ -23,9 +23,10 @@ jintArray JNICALL ZvTextEffects_RenderLayers(JNIEnv* env, jclass, jint handle, j
                                              jboolean background, jfloat opacity);
 
 // Like ZvText_RenderTextEffect, and glyphs that have colours of their own (GlyphColours) are drawn in these
-// if `colored`.
+// if `colored`. If there are any, the text has `textColor`, and the picture's alpha is multiplied by
+// `opacity`.
 jintArray JNICALL ZvTextEffects_Render(JNIEnv* env, jclass, jint handle, jboolean colored,
-                                       jboolean background);
+                                       jboolean background, jint textColor, jfloat opacity);
 
 }  // namespace Zvex
 

@@ -33,10 +33,13 @@ private:
 // The colour, its alpha multiplied by the opacity.
 uint32_t withOpacity(uint32_t color, double opacity);
 
-// Draws a style with layers or with a canvas, and glyphs in their own colours.
+// Draws a style with layers or with a canvas, glyphs in their own colours, and what becomes translucent as a
+// whole.
 class LayeredScene {
 public:
-    static bool isFor(const Style& style) { return !style.layers.empty() || style.canvas.has_value(); }
+    static bool isFor(const Style& style) {
+        return !style.layers.empty() || style.canvas.has_value() || (style.background && style.opacity < 1);
+    }
 
     // Sets up the object's colours and effects, which ask for the layers' margins. The object and the style
     // must outlive this. Throws Failure.

@@ -155,17 +155,11 @@ Rendering Renderer::make(const Scene& scene, const Sink& sink) {
     style.size = text->laidOut.size;
     fitEffects(style);
     std::optional<LayeredScene> layered;
-    if (!LayeredScene::isFor(style) && hasColours(text->laidOut.colours, style)) {
-        style.color = withOpacity(style.color, style.opacity);
-        if (style.background) style.background = withOpacity(*style.background, style.opacity);
-        style.opacity = 1;
-        layered.emplace(style, object);
-    } else if (LayeredScene::isFor(style)) {
+    if (LayeredScene::isFor(style) || hasColours(text->laidOut.colours, style)) {
         layered.emplace(style, object);
     } else {
         object.SetTextColor(withOpacity(style.color, style.opacity));
-        object.SetBackgroundColor(withOpacity(style.background.value_or(0), style.opacity),
-                                  style.background.has_value());
+        object.SetBackgroundColor(style.background.value_or(0), style.background.has_value());
         addEffects(*object.GetEffect(), style.effects);
     }
 
