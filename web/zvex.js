@@ -98,17 +98,14 @@ function systemOf(memory) {
   };
 }
 
-// JSON of the options, without what JSON cannot say: halves of surrogate pairs, NaN.
+// JSON of the options, without what JSON cannot say: halves of surrogate pairs. NaN and infinity become arrays, which no option takes.
 function jsonOf(options) {
   if (typeof options !== 'object' || options === null) throw new ZvexError('options', 'are no object');
   let json;
   try {
-    json = JSON.stringify(options, (key, value) => {
-      if (typeof value === 'number' && !Number.isFinite(value)) throw new ZvexError(key, `${value} is no number`);
-      return value;
-    });
+    json = JSON.stringify(options, (key, value) => typeof value !== 'number' || Number.isFinite(value) ? value : [`${value}`]);
   } catch (error) {
-    throw error instanceof ZvexError ? error : new ZvexError('options', error.message);
+    throw new ZvexError('options', error.message);
   }
   return json.replace(/\\\\|\\ud[89a-f][0-9a-f]{2}/g, (part) => (part === '\\\\' ? part : '\ufffd'));
 }
@@ -240,7 +237,7 @@ class Zvex {
   #ask(name, ...values) {
     if (this.#call(name, ...values)) return;
     const {option, reason} = this.#json();
-    throw new ZvexError(option, reason);
+    throw new ZvexError(option, reason.replace(/\["(NaN|-?Infinity)"\]/, '$1'));
   }
 
   // Unsigned places of up to 4 GB come as negative numbers.

@@ -15,7 +15,9 @@ from __future__ import annotations
 import contextlib
 import inspect
 import json
+import math
 import os
+import re
 import secrets
 from collections import deque
 from concurrent.futures import Future, ThreadPoolExecutor
@@ -123,6 +125,12 @@ def _plain(value: Any) -> Any:
     raise TypeError(f"{type(value).__name__} is not a string, a number, a list or a dict")
 
 
+def _number(text: str) -> Union[int, List[str]]:
+    """A list for infinity and NaN, which no option takes."""
+    value = float(text)
+    return int(text) if math.isfinite(value) else [str(value)]
+
+
 def _read(given: Mapping[str, Any]) -> Tuple[str, Dict[str, bytes]]:
     """The options as a JSON object, and the fonts that were given as bytes under the names they have there."""
     data: Dict[str, bytes] = {}
@@ -145,9 +153,9 @@ def _read(given: Mapping[str, Any]) -> Tuple[str, Dict[str, bytes]]:
                 value = named(value)
             if option == "fallback":
                 value = [named(one) for one in value] if isinstance(value, (list, tuple)) else [named(value)]
-            text = json.dumps(value, allow_nan=False, default=_plain, ensure_ascii=False)
+            text = json.dumps(value, default=_plain, ensure_ascii=False)
             (option + text).encode("utf-8")
-            values[option.replace("_", "-")] = json.loads(text)
+            values[option.replace("_", "-")] = json.loads(text, parse_int=_number, parse_constant=_number)
         except UnicodeEncodeError:
             raise Error(option, "it has a lone surrogate") from None
         except (TypeError, ValueError, RecursionError) as error:
@@ -174,7 +182,10 @@ class Text:
     """
 
     def __init__(self, *, font: Font, **given: Any) -> None:
-        self._text = _zvex.Text(*_read({"font": font, **given}))
+        try:
+            self._text = _zvex.Text(*_read({"font": font, **given}))
+        except Error as error:
+            raise Error(error.option, re.sub(r'\["(nan|-?inf)"\]', r"\1", error.reason)) from None
 
     def render(self, text: str) -> Picture:
         """The picture of the text. Other threads run meanwhile."""

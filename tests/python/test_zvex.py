@@ -180,6 +180,8 @@ ERRORS = [
     (dict(size=-1), "size"),
     (dict(size=10**9), "size"),
     (dict(size=math.nan), "size"),
+    (dict(language=math.nan), "language"),
+    (dict(tab_stops=[3, math.inf]), "tab_stops[1]"),
     (dict(color="red-ish"), "color"),
     (dict(stroke="wide"), "stroke"),
     (dict(wide=3), "wide"),
@@ -199,6 +201,13 @@ def test_errors_name_the_option(given, option):
         zvex.render(**{"text": "x", "font": FONT, "size": 20, **given})
     assert caught.value.option.split()[0] == option and caught.value.reason
     assert isinstance(caught.value, ValueError)
+
+
+def test_nan_and_infinity_are_out_of_range_as_other_numbers_are():
+    for number, shown in (200, "200"), (math.nan, "nan"), (numpy.float32("-inf"), "-inf"), (10**400, "inf"):
+        with pytest.raises(zvex.Error) as caught:
+            zvex.render("x", font=FONT, stroke={"width": number})
+        assert str(caught.value) == f"stroke.width: {shown} is not a number from 0 to 100 (px)"
 
 
 ODD = [None, True, 0, -1, 10**30, math.inf, 1e300, "", "\0", "\ud800", b"\xff", [], [[]], {}, {"a": {}}, (), object(),

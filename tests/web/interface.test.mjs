@@ -41,12 +41,12 @@ test('wrong options, hostile bytes and absurd sizes are refused by name, and the
   for (let end = 0, i = 0; end < png.length; end += 97, ++i) zvex.addFile(`cut${i}.png`, png.slice(0, end));
   const draw = (more) => () => zvex.render({...scene, ...more});
   const cases = {
-    text: [draw({text: ''}), draw({text: undefined}), draw({text: 7}), draw({text: 'a\0b'})],
+    text: [draw({text: ''}), draw({text: undefined}), draw({text: 7}), draw({text: NaN}), draw({text: 'a\0b'})],
     size: [draw({size: -1}), draw({size: NaN}), draw({size: 1e9}), draw({size: {}})],
     font: [draw({font: 'sanz'}), draw({font: undefined}), draw({font: 'sans#1'}), () => zvex.addFont('empty', new Uint8Array()),
            () => zvex.addFont('none', 'a string'), () => zvex.addFont('detached', detached),
            () => zvex.addFont('cut', font.subarray(0, 2000)), () => zvex.addFont('text', new TextEncoder().encode('no font'))],
-    'stroke.width': [draw({stroke: {width: 1e9}})],
+    'stroke.width': [draw({stroke: {width: 1e9}}), draw({stroke: {width: NaN}})],
     colour: [draw({colour: 'red'})],
     preset: [draw({preset: 'golden'})],
     style: [draw({stroke: null, style: {layers: [{spread: 'wide'}]}})],
@@ -127,6 +127,7 @@ test('metrics count in indexes of the string, measure() has render()\'s, numbers
     }
   };
   assert.deepEqual([-1.5, -1e-7, 1.25e21, -123456.789].map(reason), ['\'-1.5\'', '\'-1e-07\'', '\'1.25e+21\'', '\'-123456.789\'']);
+  assert.deepEqual([NaN, -Infinity].map(reason), ['NaN', '-Infinity']);
   for (const size of ['+40', ' 40', '0x40', '1e400', 'inf', '']) assert.equal(refused(() => zvex.measure({...scene, size})), 'size', size);
   assert.equal(digest(zvex.render({...scene, size: '4e1px'}).data), digest(zvex.render(scene).data));
 });
