@@ -98,7 +98,7 @@ function systemOf(memory) {
   };
 }
 
-// JSON of the options, without what JSON cannot say: halves of surrogate pairs. NaN and infinity become arrays, which no option takes.
+// JSON of the options, without halves of surrogate pairs. NaN and infinity become arrays, which no option takes.
 function jsonOf(options) {
   if (typeof options !== 'object' || options === null) throw new ZvexError('options', 'are no object');
   let json;

@@ -18,7 +18,10 @@ int main(int argc, char** argv) {
 
     Zvex::ZvTextObject object;
     Zvex::ZvString text;
-    if (!object.Construct() || text.Construct(argv[2]) == 0 || !object.SetText(&text)) return 1;
+    if (!object.Construct() || text.Construct(argv[2]) == 0 || !object.SetText(&text)) {
+        std::fprintf(stderr, "title: this text cannot be set\n");
+        return 1;
+    }
     if (!object.SetFont(argv[1])) {
         std::fprintf(stderr, "title: %s is no font\n", argv[1]);
         return 1;
@@ -51,10 +54,16 @@ int main(int argc, char** argv) {
     object.GetView()->SetBitmapWidth(width);
     object.GetView()->SetBitmapHeight(height);
     const uint32_t* pixels = object.RenderTextEffect(width, height);  // 0xAARRGGBB, straight alpha
-    if (pixels == nullptr) return 1;
+    if (pixels == nullptr) {
+        std::fprintf(stderr, "title: the text could not be drawn\n");
+        return 1;
+    }
 
     std::FILE* file = std::fopen(argv[3], "wb");
-    if (file == nullptr) return 1;
+    if (file == nullptr) {
+        std::perror(argv[3]);
+        return 1;
+    }
     std::fprintf(file, "P7\nWIDTH %d\nHEIGHT %d\nDEPTH 4\nMAXVAL 255\nTUPLTYPE RGB_ALPHA\nENDHDR\n", width,
                  height);
     for (int i = 0; i < width * height; ++i) {
@@ -64,5 +73,8 @@ int main(int argc, char** argv) {
         std::fputc(static_cast<int>(p & 0xFF), file);
         std::fputc(static_cast<int>(p >> 24), file);
     }
-    return std::fclose(file) == 0 ? 0 : 1;
+    const bool failed = std::ferror(file) != 0;
+    if (std::fclose(file) == 0 && !failed) return 0;
+    std::perror(argv[3]);
+    return 1;
 }

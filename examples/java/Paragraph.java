@@ -8,9 +8,9 @@ import com.orvane.android.sdk.zve.Stroke;
 import com.orvane.android.sdk.zve.ZvText;
 import com.orvane.android.sdk.zve.font.FontManager;
 import java.awt.image.BufferedImage;
-import java.io.File;
 import java.io.IOException;
 import java.io.InputStream;
+import java.io.OutputStream;
 import java.nio.file.Files;
 import java.nio.file.Path;
 import javax.imageio.ImageIO;
@@ -21,10 +21,21 @@ final class Paragraph {
             "The same bytes on a phone and on a server: lines are wrapped, 日本語の文字 come from a family that stands behind the "
                     + "font, and the paragraph rests at the bottom, on the right.";
 
-    public static void main(String[] args) throws IOException {
-        String font = args[0];
-        setSystemFonts(Path.of(args[1]));
+    public static void main(String[] args) {
+        if (args.length != 3) {
+            System.err.println("usage: Paragraph FONT FONTS_XML OUTPUT_PNG");
+            System.exit(2);
+        }
+        try {
+            setSystemFonts(Path.of(args[1]));
+            draw(args[0], args[2]);
+        } catch (IOException | RuntimeException e) {
+            System.err.println("Paragraph: " + e);
+            System.exit(1);
+        }
+    }
 
+    private static void draw(String font, String output) throws IOException {
         TextView view = new TextView();
         view.setText(TEXT);
         view.setTypeface(Typeface.createFromFile(font));
@@ -41,8 +52,10 @@ final class Paragraph {
 
             BufferedImage image = new BufferedImage(text.width(), text.height(), BufferedImage.TYPE_INT_ARGB);
             image.setRGB(0, 0, text.width(), text.height(), argb, 0, text.width());
-            ImageIO.write(image, "png", new File(args[2]));
-            System.out.println(args[2] + ": " + text.width() + " x " + text.height() + " pixels");
+            try (OutputStream out = Files.newOutputStream(Path.of(output))) {
+                ImageIO.write(image, "png", out);
+            }
+            System.out.println(output + ": " + text.width() + " x " + text.height() + " pixels");
         }
     }
 

@@ -9,8 +9,10 @@ import java.net.InetAddress;
 import java.net.InetSocketAddress;
 import java.net.URLDecoder;
 import java.nio.charset.StandardCharsets;
+import java.util.Arrays;
 import java.util.HashMap;
 import java.util.Map;
+import java.util.Set;
 import java.util.concurrent.ConcurrentHashMap;
 import java.util.concurrent.ExecutorService;
 import java.util.concurrent.Executors;
@@ -27,6 +29,8 @@ final class TitleServer implements AutoCloseable {
     private static final int COLUMN = 1600; // pixels
     private static final int MAX_LINES = 8; // shown: so no picture is larger than about 1800 x 2700 pixels
 
+    private static final Set<String> KEYS = Set.of("text", "size", "preset");
+
     private static final Map<String, ZvStyle> STYLES = new ConcurrentHashMap<>();
 
     private final String font;
@@ -35,6 +39,9 @@ final class TitleServer implements AutoCloseable {
 
     TitleServer(String font, int port, int threads) throws IOException {
         this.font = font;
+        try (ZvText text = new ZvText()) {
+            text.font(font); // throws now, not for each request
+        }
         pool = Executors.newFixedThreadPool(threads);
         server = HttpServer.create(new InetSocketAddress(InetAddress.getLoopbackAddress(), port), 0);
         server.setExecutor(pool);
@@ -85,13 +92,15 @@ final class TitleServer implements AutoCloseable {
         exchange.getResponseBody().write(body);
     }
 
+    /** Throws IllegalArgumentException for unknown keys. */
     private static Map<String, String> queryOf(String query) {
         Map<String, String> values = new HashMap<>();
         for (String part : query == null ? new String[0] : query.split("&")) {
-            int equals = part.indexOf('=');
-            if (equals > 0) {
-                values.put(part.substring(0, equals), URLDecoder.decode(part.substring(equals + 1), StandardCharsets.UTF_8));
+            String[] pair = part.split("=", 2);
+            if (!part.isEmpty() && !KEYS.contains(pair[0])) {
+                throw new IllegalArgumentException(pair[0] + ": is not one of text, size, preset");
             }
+            values.put(pair[0], pair.length < 2 ? "" : URLDecoder.decode(pair[1], StandardCharsets.UTF_8));
         }
         return values;
     }
@@ -122,13 +131,23 @@ final class TitleServer implements AutoCloseable {
         }
     }
 
-    public static void main(String[] args) throws IOException {
+    public static void main(String[] args) {
+        boolean numbers = Arrays.stream(args).skip(1).allMatch(number -> number.matches("[1-9]\\d{0,4}"));
+        if (args.length < 1 || args.length > 3 || !numbers) {
+            System.err.println("usage: TitleServer FONT [PORT [THREADS]]");
+            System.exit(2);
+        }
         int port = args.length > 1 ? Integer.parseInt(args[1]) : 8080;
         int threads = args.length > 2 ? Integer.parseInt(args[2]) : Runtime.getRuntime().availableProcessors();
         // Seconds until a client that sends or reads nothing is dropped: each holds one of the threads.
         System.setProperty("sun.net.httpserver.maxReqTime", "10");
         System.setProperty("sun.net.httpserver.maxRspTime", "60");
-        TitleServer server = new TitleServer(args[0], port, threads);
-        System.out.println("http://localhost:" + server.port() + "/title?text=Words&size=120&preset=gold");
+        try {
+            TitleServer server = new TitleServer(args[0], port, threads);
+            System.out.println("http://localhost:" + server.port() + "/title?text=Words&size=120&preset=gold");
+        } catch (IOException | RuntimeException e) {
+            System.err.println("TitleServer: " + e.getMessage());
+            System.exit(1);
+        }
     }
 }

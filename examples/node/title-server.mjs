@@ -83,7 +83,7 @@ export async function startTitleServer(fontFile, port = 0) {
       response.writeHead(error.status ?? 500, {'content-type': 'text/plain; charset=utf-8'}).end(`${message}\n`);
     }
   });
-  await new Promise((resolve) => server.listen(port, '127.0.0.1', resolve));
+  await new Promise((resolve, reject) => server.once('error', reject).listen(port, '127.0.0.1', resolve));
   return {
     port: server.address().port,
     async close() {
@@ -98,9 +98,13 @@ if (process.argv[1] && import.meta.url === pathToFileURL(process.argv[1]).href) 
   const [font, port] = process.argv.slice(2);
   if (!font) {
     console.error('usage: title-server.mjs FONT [PORT]');
-    process.exitCode = 2;
-  } else {
+    process.exit(2);
+  }
+  try {
     const server = await startTitleServer(font, Number(port ?? 8080));
     console.log(`http://127.0.0.1:${server.port}/title?text=Words&size=120&preset=gold`);
+  } catch (error) {
+    console.error(`title-server: ${error.message}`);
+    process.exit(1);  // the worker may run
   }
 }

@@ -43,9 +43,12 @@ def main() -> None:
     if len(sys.argv) != 4:
         sys.exit(f"usage: {sys.argv[0]} ADDRESS|local TITLES FOLDER")
     address, source, folder = sys.argv[1:]
-    titles = [line for line in pathlib.Path(source).read_text("utf-8").splitlines() if line.strip()]
-    with Client(processes=True, threads_per_worker=1) if address == "local" else Client(address) as client:
-        print(f"{run(client, titles, folder)} pictures in {folder}")
+    try:
+        titles = [line for line in pathlib.Path(source).read_text("utf-8").splitlines() if line.strip()]
+        with Client(processes=True, threads_per_worker=1) if address == "local" else Client(address) as client:
+            print(f"{run(client, titles, folder)} pictures in {folder}")
+    except (OSError, ValueError) as error:
+        sys.exit(f"{sys.argv[0]}: {error}")
 
 
 if __name__ == "__main__":

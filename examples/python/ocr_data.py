@@ -68,21 +68,16 @@ def job(chance: random.Random, words: list, fonts: list) -> dict:
     return {"text": text, "font": chance.choice(fonts), "padding": chance.randint(0, 12), **look(chance)}
 
 
-def main() -> None:
-    parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
-    parser.add_argument("--count", type=int, default=100, help="pictures to make")
-    parser.add_argument("--seed", type=int, default=1)
-    parser.add_argument("--output", type=pathlib.Path, default=pathlib.Path("ocr-data"))
-    parser.add_argument("--words", type=pathlib.Path, help="a file with a word on each line, in place of the built-in ones")
-    parser.add_argument("--font", action="append", help="a font's file or name; give it again for more")
-    given = parser.parse_args()
+def make(given: argparse.Namespace) -> int:
+    """The pictures and their labels; returns how many boxes."""
     words = given.words.read_text("utf-8").split() if given.words else WORDS
+    if not words:
+        raise ValueError(f"--words: {given.words} has none")
     chance = random.Random(given.seed)
     jobs = [job(chance, words, given.font or FONTS) for _ in range(given.count)]
     (given.output / "images").mkdir(parents=True, exist_ok=True)
     images: list = []
     annotations: list = []
-    began = time.monotonic()
     for number, picture in enumerate(zvex.map(jobs), 1):
         name = f"{number:06}.png"
         picture.save(given.output / "images" / name)
@@ -95,7 +90,25 @@ def main() -> None:
     (given.output / "labels.json").write_text(json.dumps(
         {"images": images, "annotations": annotations,
          "categories": [{"id": 1, "name": "word"}, {"id": 2, "name": "character"}]}, ensure_ascii=False), "utf-8")
-    print(f"{given.count} pictures, {len(annotations)} boxes in {time.monotonic() - began:.1f} s: {given.output}")
+    return len(annotations)
+
+
+def main() -> None:
+    parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
+    parser.add_argument("--count", type=int, default=100, help="pictures to make")
+    parser.add_argument("--seed", type=int, default=1)
+    parser.add_argument("--output", type=pathlib.Path, default=pathlib.Path("ocr-data"))
+    parser.add_argument("--words", type=pathlib.Path, help="a file with a word on each line, in place of the built-in ones")
+    parser.add_argument("--font", action="append", help="a font's file or name; give it again for more")
+    given = parser.parse_args()
+    if given.count < 1:
+        parser.error(f"--count: {given.count} is not 1 or more")
+    began = time.monotonic()
+    try:
+        boxes = make(given)
+    except (OSError, ValueError) as error:
+        sys.exit(f"{parser.prog}: {error}")
+    print(f"{given.count} pictures, {boxes} boxes in {time.monotonic() - began:.1f} s: {given.output}")
 
 
 if __name__ == "__main__":

@@ -41,7 +41,7 @@ final class TitleServerTest {
         try (TitleServer server = new TitleServer(FONT, 0, 1)) {
             String long201 = "x".repeat(TitleServer.MAX_CHARACTERS + 1);
             String[] refused = {"", "text=", "text=" + long201, "text=a&size=7", "text=a&size=257", "text=a&size=x",
-                "text=a&preset=none"};
+                "text=a&preset=none", "text=a&color=red", "text=a&foo", "text=a&size"};
             for (String query : refused) {
                 HttpResponse<byte[]> response = get(server.port(), "/title?" + query);
                 assertEquals(400, response.statusCode(), query);

@@ -95,6 +95,21 @@ def test_labels_lie_on_their_words(tmp_path):
             assert abs(inside - ground).max() > 40, (image, left, top)
 
 
+@pytest.mark.parametrize("words, message", [
+    (["ocr_data.py", "--count", "-1"], "--count: -1"),
+    (["ocr_data.py", "--words", "file"], "has none"),
+    (["ocr_data.py", "--font", "No Such Font"], "font: 'No Such Font'"),
+    (["ocr_data.py", "--output", "file"], "Not a directory"),
+    (["dask_titles.py", "local", "missing", "file"], "'missing'"),
+])
+def test_wrong_arguments_are_refused_in_a_line(tmp_path, words, message):
+    if words[0] == "dask_titles.py":
+        pytest.importorskip("distributed")
+    (tmp_path / "file").touch()
+    done = subprocess.run([sys.executable, EXAMPLES / words[0], *words[1:]], cwd=tmp_path, stderr=subprocess.PIPE, text=True)
+    assert done.returncode in (1, 2) and message in done.stderr.splitlines()[-1] and "Traceback" not in done.stderr
+
+
 def test_a_dask_worker_may_die(tmp_path):
     pytest.importorskip("distributed")
     sys.path.insert(0, str(EXAMPLES))

@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: Apache-2.0
 // The example's server, with the package installed beside it.
 import assert from 'node:assert/strict';
+import {execFile} from 'node:child_process';
 import {cpSync, mkdirSync, rmSync, symlinkSync} from 'node:fs';
 import {join} from 'node:path';
 import test from 'node:test';
 import {pathToFileURL} from 'node:url';
+import {promisify} from 'node:util';
 
 import {fontPath, root} from './scenes.mjs';
 
@@ -27,6 +29,11 @@ test('the server draws titles, refuses by name, and lives on', async () => {
     }
     assert.equal((await ask('text=a', 'elsewhere')).status, 404);
     assert.equal((await ask('text=a', 'title', {method: 'POST'})).status, 405);
+    const wrong = {'none.ttf': /^title-server: ENOENT.*\n$/, [fontPath('DejaVuSans-Bold.ttf')]: /^title-server: .*EADDRINUSE.*\n$/};
+    for (const [font, stderr] of Object.entries(wrong)) {
+      const started = promisify(execFile)(process.execPath, [join(folder, 'title-server.mjs'), font, `${server.port}`]);
+      await assert.rejects(started, {code: 1, stderr});
+    }
     const statuses = await Promise.all(Array.from({length: 60}, async (_, i) => {
       const response = await ask(`text=Title ${i}&size=120&preset=gold`);
       const bytes = new Uint8Array(await response.arrayBuffer());
