@@ -37,7 +37,8 @@ constexpr int kLayerBlends = 17;
 //     colour = ((1 - a_s) a_b C_b + a_s ((1 - a_b) C_s + a_b B(C_b, C_s))) / alpha
 //
 // Between layers nothing is rounded to bytes: a piece holds single-precision numbers, so the result of any
-// number of layers is within one level of the exact one. The plain form,
+// number of layers is within one level of the exact one. The modes hue, saturation, color and luminosity take
+// a colour whose channels differ by no more than 2^-20 as grey. The plain form,
 // tests/reference/LayerJoinReference.h, states the order of operations. Built for several instruction sets
 // (raster/ForEachTarget.h). Always kPiece pixels; addresses need no alignment; nothing is allocated. Pixels
 // given as words are straight 0xAARRGGBB.

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cstdarg>
 #include <cstdio>
+#include <cstring>
 #include <memory>
 #include <mutex>
 #include <new>
@@ -29,8 +30,10 @@ struct LogSink {
     void write(int priority, const char* tag, const char* text) {
         static const char kLetters[] = "??VDIWEFS";
         const char letter = priority >= 0 && priority <= 8 ? kLetters[priority] : '?';
+        const size_t length = std::strlen(text);
+        const char* end = length > 0 && text[length - 1] == '\n' ? "" : "\n";
         std::lock_guard<std::mutex> lock(mutex);
-        std::fprintf(stderr, "%c/%s: %s\n", letter, tag, text);
+        std::fprintf(stderr, "%c/%s: %s%s", letter, tag, text, end);
         for (LogCapture* capture : captures) capture->mLines.push_back({priority, tag, text});
     }
 };

@@ -11,7 +11,7 @@ namespace host {
 struct LogLine {
     int priority = 0;  // 3 debug, 4 info, 5 warning, 6 error
     std::string tag;   // the part of the library that wrote it
-    std::string text;  // without the line ending
+    std::string text;  // as the caller gave it; may end with a newline
 };
 
 // Keeps every log line that any thread writes while it lives; the lines still go to standard error. Captures

@@ -157,6 +157,42 @@ TEST(LayerJoin, WhiteStaysWhiteUnderBurn) {
     }
 }
 
+// Modes of whole colours make channels exactly 0 or 1, where the next layer's mode leaps, and leave a grey
+// that an earlier layer made without the colours of its rounding.
+TEST(LayerJoin, WholeColorsMeetTheLeapsOfTheNextLayer) {
+    constexpr size_t kCount = 4096;
+    Random random(11);
+    const auto layerOf = [](LayerBlend mode) {
+        return PlainLayer{std::vector<uint32_t>(kCount), std::vector<uint8_t>(kCount, 0), mode, 1, false};
+    };
+    const auto color = [&] { return 0xFF000000u | static_cast<uint32_t>(random.below(1 << 24)); };
+    for (int mode = static_cast<int>(LayerBlend::Hue); mode <= static_cast<int>(LayerBlend::Luminosity);
+         ++mode) {
+        for (const LayerBlend leap : {LayerBlend::ColorDodge, LayerBlend::ColorBurn}) {
+            std::vector<PlainLayer> layers = {layerOf(LayerBlend::Difference),
+                                              layerOf(static_cast<LayerBlend>(mode)), layerOf(leap)};
+            std::vector<uint32_t> canvas(kCount);
+            for (size_t i = 0; i < kCount; ++i) {
+                const uint32_t dark = color() & 0xFF7F7F7F,
+                               grey = static_cast<uint32_t>(random.below(128)) * 0x10101;
+                canvas[i] = i % 2 == 0 ? color() : dark;
+                layers[0].words[i] = i % 2 == 0 ? 0 : dark + grey;
+                layers[1].words[i] = color();
+                layers[2].words[i] = leap == LayerBlend::ColorDodge ? 0xFFFFFFFF : 0xFF000000;
+            }
+            for (const size_t count : {3, 2}) {
+                layers.resize(count);
+                const ZvBitmap picture = joined(canvas, layers, 64, 1);
+                for (size_t i = 0; i < kCount; ++i) {
+                    ASSERT_TRUE(isWithinALevel(wordAt(picture, i),
+                                               reference::exact::joinLayersAt(i, canvas[i], layers, 1)))
+                        << "mode " << mode << ", " << count << " layers, pixel " << i;
+                }
+            }
+        }
+    }
+}
+
 // A picture and its knockout coverage, moved anywhere, equal pictures of the full size.
 TEST(LayerJoin, LayersLieAnywhere) {
     Random random(11);
