@@ -2,6 +2,9 @@
 #include "scene/Picture.h"
 
 #include <cstring>
+#include <string>
+
+#include "scene/Failure.h"
 
 namespace Zvex::scene {
 
@@ -47,7 +50,16 @@ void convertPixels(const uint32_t* source, size_t count, PixelFormat format, voi
     }
 }
 
+void checkComplete(const Picture& picture) {
+    const int64_t width = picture.width, height = picture.height;
+    if (width > 0 && height > 0 && static_cast<uint64_t>(width * height) == picture.pixels.size()) return;
+    throw UsageError("picture: it is " + std::to_string(width) + " x " + std::to_string(height) +
+                     " pixels and holds " + std::to_string(picture.pixels.size()) +
+                     (picture.pixels.empty() ? "; it was measured, not drawn" : ""));
+}
+
 std::vector<uint8_t> pixelBytes(const Picture& picture, PixelFormat format) {
+    checkComplete(picture);
     std::vector<uint8_t> bytes(picture.pixels.size() * 4);
     convertPixels(picture.pixels.data(), picture.pixels.size(), format, bytes.data());
     return bytes;

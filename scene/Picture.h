@@ -33,7 +33,10 @@ enum class PixelFormat {
 // itself; otherwise they must not overlap.
 void convertPixels(const uint32_t* source, size_t count, PixelFormat format, void* target);
 
-// All of the picture's pixels: 4 * width * height bytes.
+// Throws UsageError unless the picture has all its pixels; one from measure() has none.
+void checkComplete(const Picture& picture);
+
+// All of the picture's pixels: 4 * width * height bytes. Throws UsageError as checkComplete does.
 std::vector<uint8_t> pixelBytes(const Picture& picture, PixelFormat format = PixelFormat::Rgba);
 
 }  // namespace Zvex::scene

@@ -24,7 +24,7 @@ constexpr double kPointsPerInch = 72;
 
 // The picture as the content of an 8-bit RGBA PNG file with a resolution of `dpi` pixels an inch (1 to
 // 10000). Takes, beyond the picture, 4 bytes a pixel and twice the file's size; with Compression::Small three
-// times. Throws std::bad_alloc.
+// times. Throws std::bad_alloc, and UsageError as checkComplete does.
 std::string encodePng(const Picture& picture, double dpi = kPointsPerInch,
                       Compression compression = Compression::Default);
 

@@ -106,6 +106,7 @@ void addChunk(std::string& file, const char* type, std::string_view content) {
 }  // namespace
 
 std::string encodePng(const Picture& picture, double dpi, Compression compression) {
+    checkComplete(picture);
     const std::string data = pictureData(picture, compression);
     const std::string perMetre = bigEndian(static_cast<size_t>(std::lround(dpi / 0.0254)));
     std::string file = "\x89PNG\r\n\x1A\n";

@@ -25,6 +25,7 @@ int onWebpWrite(const uint8_t* data, size_t size, const WebPPicture* webp) {
 }  // namespace
 
 std::string encodeWebp(const Picture& picture, Compression compression) {
+    checkComplete(picture);
     // Of libwebp's levels, 0 to 9. From 0 to 1 files shrink by a third, above 5 by less than a hundredth.
     const int level = compression == Compression::Fast ? 0 : compression == Compression::Default ? 1 : 6;
     std::string bytes;

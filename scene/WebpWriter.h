@@ -11,7 +11,7 @@ namespace Zvex::scene {
 constexpr int kMaxWebpSide = 16383;  // limit of the format
 
 // The picture as the content of a lossless WebP file. Every pixel is kept exactly, the colours of transparent
-// ones too. Sides are at most kMaxWebpSide. Throws std::bad_alloc.
+// ones too. Sides are at most kMaxWebpSide. Throws std::bad_alloc, and UsageError as checkComplete does.
 std::string encodeWebp(const Picture& picture, Compression compression = Compression::Default);
 
 }  // namespace Zvex::scene

@@ -11,6 +11,7 @@
 
 #include "scene/Failure.h"
 #include "scene/Png.h"
+#include "scene/WebpWriter.h"
 #include "tests/scene/Refusal.h"
 
 namespace Zvex::scene {
@@ -51,6 +52,11 @@ TEST(Render, MeasuresAndDrawsIntoTheCallersMemory) {
     const Rendering whole = render(scene), measured = measure(scene);
     const int width = measured.picture.width, height = measured.picture.height;
     EXPECT_TRUE(measured.picture.pixels.empty());
+    const std::string why = "picture: it is " + std::to_string(width) + " x " + std::to_string(height) +
+                            " pixels and holds 0; it was measured, not drawn";
+    EXPECT_EQ(refusal([&] { encodePng(measured.picture); }), why);
+    EXPECT_EQ(refusal([&] { encodeWebp(measured.picture); }), why);
+    EXPECT_EQ(refusal([&] { pixelBytes(measured.picture); }), why);
     EXPECT_EQ(writeMetrics(measured.metrics), writeMetrics(whole.metrics));
     const size_t stride = static_cast<size_t>(width) + 3;
     std::vector<uint32_t> memory(stride * static_cast<size_t>(height), 7);
