@@ -60,22 +60,23 @@ TEST_F(BatchCommand, LinesAreThePicturesOfRenderInTheirOrder) {
 TEST_F(BatchCommand, ResultsRepeatTheIdsOfTheirLines) {
     const std::string lines = R"({"id":"a\u0007é","text":"x"}
 {"id":-7,"text":"x","size":-1}
-{"id":1.5,"text":"x","output":5}
+{"id":/**/1.5,"text":"x","output":5}
+{"id":18446744073709551615,"text":"x","output":5}
 {"text":"x"}
 )" + slowLine();
     Running running(arguments("--first-line 4000000001"));
     running.put("\n" + lines.substr(0, lines.size() - 2) + ",\"id\":\"slow\"}\n");
-    for (const Json& id : {Json("a\aé"), Json(-7), Json(1.5), Json()}) {
+    for (const Json& id : {Json("a\aé"), Json(-7), Json(1.5), Json(UINT64_MAX), Json()}) {
         const Json result = running.next();
         EXPECT_EQ(result.value("id", Json()), id);
         if (id.is_null()) {
-            EXPECT_EQ(result.value("path", ""), folder() / "4000000005.png");
+            EXPECT_EQ(result.value("path", ""), folder() / "4000000006.png");
         }
     }
     kill(running.worker(), SIGKILL);
     const Json died = running.next();
     EXPECT_EQ(died.value("id", ""), "slow");
-    EXPECT_EQ(died.value("line", uint64_t{0}), 4'000'000'006u);
+    EXPECT_EQ(died.value("line", uint64_t{0}), 4'000'000'007u);
 }
 
 TEST_F(BatchCommand, AnOutputOrAnInputThatFailsEndsItAfterTheLinesUnderWay) {

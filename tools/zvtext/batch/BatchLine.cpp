@@ -19,12 +19,16 @@ bool isName(const std::pair<std::string, Json>& option) {
     return option.first == "id" || option.first == "output" || option.first == "metrics";
 }
 
-std::string idOf(const Json& value) {
+std::string idOf(const Json& value, const std::string& line) {
     if (value.is_null()) return "";
     if (!value.is_string() && !value.is_number()) {
         throw UsageError(std::string("id: ") + value.type_name() + " is neither a string nor a number");
     }
     std::string id = dumpJson(value);
+    // A number beyond 64 bits is read as the nearest double.
+    if (value.is_number_float() && id != writtenNumber(line, "id")) {
+        throw UsageError("id: the number would come back as " + id + "; write it as a string");
+    }
     if (id.size() > kMaxFieldBytes) {
         throw UsageError("id: it is longer than " + std::to_string(kMaxFieldBytes) + " bytes");
     }
@@ -36,7 +40,7 @@ std::string idOf(const Json& value) {
 void readLineNames(const std::string& line, LineNames& names) {
     const GivenOptions given = readGiven(line, kName);
     for (const auto& [key, value] : given) {
-        if (key == "id") names.id = idOf(value);
+        if (key == "id") names.id = idOf(value, line);
     }
     for (const auto& option : given) {
         const auto& [key, value] = option;
