@@ -98,10 +98,11 @@ struct ReadText {
         *field.value = std::move(stops);
     }
     void operator()(const TextField& field) const {
-        if (text.empty() && *field.wanted != '\0') refuse();
+        if (text.empty() && *field.wanted != '\0' && field.takes == nullptr) refuse();
         if (text.size() > field.mostBytes) {
             throw UsageError(where + ": it is longer than " + std::to_string(field.mostBytes) + " bytes");
         }
+        if (field.takes != nullptr && !field.takes(text)) refuse();
         *field.value = text;
     }
     void operator()(const FileField& field) const {

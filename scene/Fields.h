@@ -127,6 +127,7 @@ struct TextField {
     std::string* value;
     size_t mostBytes = kMaxFieldBytes;
     const char* wanted = "";  // what it takes, where that is more than any text; it must not be empty then
+    bool (*takes)(const std::string& text) = nullptr;  // instead: whether it takes the text
 };
 struct FileField {  // a path; from a style file, relative to the style's folder
     std::string* value;

@@ -68,7 +68,10 @@ struct CheckValue {
         if (falling < count)
             refuse(place + "[" + std::to_string(falling) + "].position", "positions must not fall");
     }
-    void operator()(const TextField& f) const { checkLength(*f.value); }
+    void operator()(const TextField& f) const {
+        checkLength(*f.value);
+        if (f.takes != nullptr && !f.takes(*f.value)) refuse(place, "'" + *f.value + "' is not " + f.wanted);
+    }
     void operator()(const FileField& f) const {
         if (f.value->empty()) refuse(place, "is missing; it takes " + wantedBy(field));
         checkLength(*f.value);

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstring>
 
+#include "platform/host/WordShaper.h"
 #include "scene/Presets.h"
 
 namespace Zvex::scene {
@@ -53,7 +54,11 @@ Fields fieldsOf(Style& style) {
          "Distance between baselines, times the size; without it, as the fonts have it"},
         {"upper-case", FlagField{&style.upperCase},
          "Draw the text in upper case, by the rules of its language"},
-        {"features", TextField{&style.features}, "OpenType features, such as 'smcp, -liga, ss01=1'", "LIST"},
+        {"features",
+         TextField{&style.features, kMaxFieldBytes,
+                   "a list of OpenType features, each written tag, -tag or tag=N, with commas between",
+                   host::areFeatures},
+         "OpenType features, such as 'smcp, -liga, ss01=1'", "LIST"},
         {"opacity", NumberField{&style.opacity, kShare}, "Opacity of the whole picture: 0.6 or 60%"},
         {"color-glyphs", OptionalFlagField{&style.colorGlyphs},
          "Emoji in their own colours, in the front layer if there are several; false: silhouettes in the "

@@ -51,7 +51,7 @@ struct OfValue {
     Json operator()(const StopsField&) const { return {{"$ref", "#/$defs/stops"}}; }
     Json operator()(const TextField& field) const {
         Json schema = {{"type", "string"}, {"maxLength", field.mostBytes}};
-        if (*field.wanted != '\0') schema["minLength"] = 1;
+        if (*field.wanted != '\0' && field.takes == nullptr) schema["minLength"] = 1;
         return schema;
     }
     Json operator()(const PaddingField&) const { return {{"type", {"number", "string"}}}; }

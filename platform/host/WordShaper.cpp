@@ -156,6 +156,38 @@ void join(minikin::MinikinRect* bounds, const minikin::MinikinRect& ink) {
     bounds->mBottom = std::max(bounds->mBottom, ink.mBottom);
 }
 
+namespace {
+
+// Calls visit(feature) for each entry of the settings; the feature is null if it cannot be read, or is
+// for a part of the text.
+template <typename Visit>
+void forEachFeature(const std::string& settings, Visit visit) {
+    for (size_t begin = 0; begin < settings.size();) {
+        const size_t comma = std::min(settings.find(',', begin), settings.size());
+        hb_feature_t feature;
+        const bool read =
+            hb_feature_from_string(settings.data() + begin, static_cast<int>(comma - begin), &feature) &&
+            feature.start == HB_FEATURE_GLOBAL_START && feature.end == HB_FEATURE_GLOBAL_END;
+        visit(read ? &feature : nullptr);
+        begin = comma + 1;
+    }
+}
+
+}  // namespace
+
+bool areFeatures(const std::string& settings) {
+    // HarfBuzz lets values overflow; with so many digits none is of use.
+    constexpr size_t kMaxDigits = 9;
+    size_t digits = 0;
+    for (const char c : settings) {
+        digits = c >= '0' && c <= '9' ? digits + 1 : 0;
+        if (digits > kMaxDigits) return false;
+    }
+    bool all = true;
+    forEachFeature(settings, [&](const hb_feature_t* feature) { all = all && feature != nullptr; });
+    return all;
+}
+
 // HarfBuzz sorts the list recursively, so its length is limited.
 std::vector<hb_feature_t> featuresOf(const LayoutRequest& request) {
     std::map<hb_tag_t, uint32_t> values;
@@ -163,21 +195,15 @@ std::vector<hb_feature_t> featuresOf(const LayoutRequest& request) {
         values[HB_TAG('l', 'i', 'g', 'a')] = values[HB_TAG('c', 'l', 'i', 'g')] = 0;
     }
     // Later entries win, so a setting can turn ligatures on again.
-    const std::string& settings = request.features;
     bool tooMany = false;
-    for (size_t begin = 0; begin < settings.size();) {
-        const size_t comma = std::min(settings.find(',', begin), settings.size());
-        hb_feature_t feature;
-        if (hb_feature_from_string(settings.data() + begin, static_cast<int>(comma - begin), &feature) &&
-            feature.start == HB_FEATURE_GLOBAL_START && feature.end == HB_FEATURE_GLOBAL_END) {
-            if (values.size() < kMaxFeatures || values.count(feature.tag) != 0) {
-                values[feature.tag] = feature.value;
-            } else {
-                tooMany = true;
-            }
+    forEachFeature(request.features, [&](const hb_feature_t* feature) {
+        if (feature == nullptr) return;
+        if (values.size() < kMaxFeatures || values.count(feature->tag) != 0) {
+            values[feature->tag] = feature->value;
+        } else {
+            tooMany = true;
         }
-        begin = comma + 1;
-    }
+    });
     static std::atomic<bool> said{false};
     if (tooMany && !said.exchange(true)) {
         __android_log_print(ANDROID_LOG_ERROR, "Minikin",

@@ -47,6 +47,9 @@ struct Word {
 // tag wins, and those that its letter spacing turns off. At most kMaxFeatures tags; the first time that some
 // are left out, it is logged.
 constexpr size_t kMaxFeatures = 1024;
+
+// Whether every entry of the settings can be read, or there is none.
+bool areFeatures(const std::string& settings);
 std::vector<hb_feature_t> featuresOf(const LayoutRequest& request);
 
 bool isEmpty(const minikin::MinikinRect& box);

@@ -198,6 +198,7 @@ TEST(Render, RefusesWhatNoStyleFileCouldHold) {
          }},
         {"tab-stops", [&](Scene& s) { s.tabStops = {nan}; }},
         {"features", [](Scene& s) { s.style.features.assign(5000, 'x'); }},
+        {"features", [](Scene& s) { s.style.features = "liga on on"; }},
         {"stroke width", [](Scene& s) { s.style.add(StrokeSettings{-3}); }},
         {"stroke position",
          [](Scene& s) {
