@@ -70,8 +70,9 @@ bool hasAll(const LoadedFont& font, const std::vector<uint32_t>& characters) {
                        [&](uint32_t c) { return font.face->covers(c); });
 }
 
+// Tabs, which are drawn as spaces, and what ends a line; other control characters are drawn as missing.
 bool hasNoGlyph(uint32_t c) {
-    return (c >= 0x09 && c <= 0x0D) || c == 0x85 || c == 0x2028 || c == 0x2029;
+    return c == '\t' || c == '\n' || c == '\r' || c == 0x2028 || c == 0x2029;
 }
 
 std::u16string toUtf16(const std::string& text) {
