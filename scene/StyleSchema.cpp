@@ -41,10 +41,13 @@ struct OfValue {
     }
     Json operator()(const CanvasField&) const {
         Json fills = Json::array({{{"$ref", "#/$defs/color"}}});
+        std::string names;
         for (const EffectKind& kind : effectKinds()) {
-            if (findCanvasKind(kind.name) != nullptr)
-                fills.push_back({{"$ref", std::string("#/$defs/") + kind.name}});
+            if (findCanvasKind(kind.name) == nullptr) continue;
+            fills.push_back({{"$ref", std::string("#/$defs/") + kind.name}});
+            names += (names.empty() ? "" : "|") + std::string(kind.name);
         }
+        fills.push_back({{"type", "string"}, {"pattern", "^(" + names + "):"}});
         return {{"oneOf", fills}};
     }
     Json operator()(const TintField&) const { return {{"$ref", "#/$defs/tint"}}; }
@@ -220,9 +223,11 @@ Json sharedParts() {
     for (const auto& [name, color] : colorNames()) names.push_back(name);
     const Json hex = {{"pattern", "^#([0-9A-Fa-f]{3}|[0-9A-Fa-f]{6}|[0-9A-Fa-f]{8})$"}};
     const Json function = {{"pattern", "^([Rr][Gg][Bb]|[Hh][Ss][Ll])[Aa]?\\([-+.%0-9A-Za-z, /]+\\)$"}};
+    // Names may have capitals, but patterns cannot leave case aside: any word with one passes.
+    const Json capitals = {{"pattern", "^[a-z]*[A-Z][A-Za-z]*$"}};
     parts["color"] = {{"description", "#rgb, #rrggbb, #aarrggbb, or a name, rgb() or hsl() as in CSS"},
                       {"type", "string"},
-                      {"anyOf", {hex, function, {{"enum", std::move(names)}}}}};
+                      {"anyOf", {hex, function, {{"enum", std::move(names)}}, capitals}}};
     parts["tint"] = ofObject(fieldsOf(tint));
     parts["stops"] = {
         {"type", "array"}, {"items", ofStop(fieldsOf(stop))}, {"minItems", 1}, {"maxItems", kMaxStops}};

@@ -83,6 +83,7 @@ TEST_F(Refusals, OfStyles) {
             "linear-gradient", "designed-for": 0}, {"type": "bevel", "style": null, "shadow": {"opacity": 1},
             "highlight": null}]})",
         R"~({"color": "navy", "background": "rgb(0 0 0 / 50%)"})~",
+        R"({"color": "Navy", "background": "BLACK", "canvas": "linear-gradient:stops=#fd5:#e31", "features": ""})",
         R"~({"canvas": "HSLA(1, 2%, 3%, 0.5)"})~",
         R"({"extends": "triple", "layers": [null, {"color": null, "effects": null}]})"};
     for (const auto& file : fs::directory_iterator(fs::path(ZVTEXT_SOURCE) / "examples/styles")) {
