@@ -42,6 +42,8 @@ TEST_F(Pages, HelpHasExamplesAndTheHelpOfAllHasEverything) {
             EXPECT_NE(help.out.find(flag), std::string::npos) << command << " " << flag;
             EXPECT_NE(all.find(flag), std::string::npos) << command << " " << flag;
         }
+        const std::string example = help.out.substr(help.out.rfind("zvtext " + command));
+        EXPECT_NE(all.find(example.substr(0, example.find('\n'))), std::string::npos) << example;
     }
     EXPECT_GE(count, 6u);
     const std::string version = zvtext("version").out;

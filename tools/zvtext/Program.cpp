@@ -10,6 +10,7 @@
 #include <cstdio>
 #include <exception>
 #include <iostream>
+#include <memory>
 #include <new>
 #include <string>
 
@@ -44,16 +45,31 @@ int complain(std::string message, int status) {
 // Commands that print what the program knows about itself.
 void addPrintingCommands(CLI::App& app) {
     CLI::App* list = app.add_subcommand("presets", "List the styles that --preset takes");
-    list->footer("Example:\n  zvtext presets");
+    list->footer("Example:\n  $ zvtext presets");
     list->callback([] { print(presetList()); });
     CLI::App* schema = app.add_subcommand("schema", "Print the JSON Schema of style files");
-    schema->footer("Example:\n  zvtext schema > style.schema.json");
+    schema->footer("Example:\n  $ zvtext schema > style.schema.json");
     schema->callback([] { print(styleSchema()); });
     CLI::App* completion =
         app.add_subcommand("completion", "Print the script that completes command lines in bash");
-    completion->footer("Example:\n  source <(zvtext completion)");
+    completion->footer("Example:\n  $ source <(zvtext completion)");
     completion->callback([&app] { print(bashCompletion(app)); });
 }
+
+// The help of all commands has all that their own has: the keys of effects, the lines of a batch, examples,
+// and the commands of inspect.
+class WholeHelp : public CLI::Formatter {
+    std::string make_subcommands(const CLI::App* command, CLI::AppFormatMode mode) const override {
+        using Mode = CLI::AppFormatMode;
+        return CLI::Formatter::make_subcommands(command, mode == Mode::Sub ? Mode::All : mode);
+    }
+    std::string make_expanded(const CLI::App* command) const override {
+        const std::string help = CLI::Formatter::make_expanded(command), end = make_footer(command);
+        if (end.empty()) return help;
+        return help + CLI::detail::find_and_replace("\n" + end.substr(0, end.size() - 1), "\n", "\n  ") +
+               "\n";
+    }
+};
 
 // If a standard stream is closed, a file must not get its number: output would go into that file. The
 // placeholder opened here can be neither read nor written, as before.
@@ -65,6 +81,7 @@ void holdStandardStreams() {
 
 int run(int argc, char** argv) {
     CLI::App app("Renders text with effects, byte for byte as on the phone.", "zvtext");
+    app.formatter(std::make_shared<WholeHelp>());  // of the commands, too
     app.set_version_flag("--version", ZVEX_VERSION);
     app.set_help_all_flag("--help-all", "Print the help of every command");
     app.require_subcommand(1);
@@ -87,8 +104,8 @@ int run(int argc, char** argv) {
     addPrintingCommands(app);
     app.footer(
         "Examples:\n"
-        "  zvtext render 'Grüße' --font 'DejaVu Sans:bold' --preset gold -o gold.png\n"
-        "  zvtext render --help\n"
+        "  $ zvtext render 'Grüße' --font 'DejaVu Sans:bold' --preset gold -o gold.png\n"
+        "  $ zvtext render --help\n"
         "The exit status is 0, 1 where a file or the machine failed, or 2 where the command line was wrong.");
     BatchArguments batchArguments;
     CLI::App* batch = app.add_subcommand("batch", "Render lines of JSON, one picture each");

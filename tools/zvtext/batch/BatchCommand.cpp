@@ -59,8 +59,8 @@ most 16 MiB. Warnings on standard error name the line.
 (given or the system's; by place, size and time), a pattern or a file of the line's is not what it was.
 
 Examples:
-  zvtext batch titles.jsonl --font 'DejaVu Sans:bold' --output-dir out --jobs 0 > results.jsonl
-  zvtext batch titles.jsonl --font 'DejaVu Sans:bold' --output-dir out --resume > results.jsonl
+  $ zvtext batch titles.jsonl --font 'DejaVu Sans:bold' --output-dir out --jobs 0 > results.jsonl
+  $ zvtext batch titles.jsonl --font 'DejaVu Sans:bold' --output-dir out --resume > results.jsonl
 The exit status is 0, 1 where a line failed, 2 where the command line was wrong, or 128 and the signal.)");
 }
 

@@ -176,8 +176,8 @@ void addGalleryOptions(CLI::App& command, GalleryArguments& a) {
         ->allow_extra_args(false);
     command.footer(
         "Examples:\n"
-        "  zvtext gallery out\n"
-        "  zvtext gallery out --only styles --only stroke --font-dir ~/.fonts");
+        "  $ zvtext gallery out\n"
+        "  $ zvtext gallery out --only styles --only stroke --font-dir ~/.fonts");
 }
 
 void runGallery(const GalleryArguments& arguments) {

@@ -23,9 +23,9 @@ void addInspectCommands(CLI::App& inspect, InspectArguments& arguments) {
     inspect.require_subcommand(1);
     inspect.footer(
         "Examples:\n"
-        "  zvtext inspect font 'Noto Serif:bold'\n"
-        "  zvtext inspect style gold\n"
-        "  zvtext inspect text 'Grüße, 世界' --font 'DejaVu Sans:bold'");
+        "  $ zvtext inspect font 'Noto Serif:bold'\n"
+        "  $ zvtext inspect style gold\n"
+        "  $ zvtext inspect text 'Grüße, 世界' --font 'DejaVu Sans:bold'");
     addInspectFont(inspect, arguments.font);
     addInspectStyle(inspect, arguments.style);
     addInspectText(inspect, arguments.text);
@@ -124,7 +124,7 @@ const char* instructionSet() {
 
 void addVersionOptions(CLI::App& version, bool& json) {
     addJsonFlag(version, json);
-    version.footer("Example:\n  zvtext version --json");
+    version.footer("Example:\n  $ zvtext version --json");
     version.callback([&json] {
         Json libraries = Json::object();
         for (const auto& [name, number] : libraryVersions()) libraries[name] = number;

@@ -142,8 +142,8 @@ void addInspectFont(CLI::App& inspect, InspectFontArguments& a) {
     addJsonFlag(*command, a.json);
     command->footer(
         "Examples:\n"
-        "  zvtext inspect font 'DejaVu Sans:bold'\n"
-        "  zvtext inspect font Inter-roman.var.ttf --axes wght=650 --json");
+        "  $ zvtext inspect font 'DejaVu Sans:bold'\n"
+        "  $ zvtext inspect font Inter-roman.var.ttf --axes wght=650 --json");
     command->callback([&a] { runInspectFont(a); });
 }
 

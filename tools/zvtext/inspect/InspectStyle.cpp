@@ -140,8 +140,8 @@ void addInspectStyle(CLI::App& inspect, InspectStyleArguments& a) {
     addJsonFlag(*command, a.json);
     command->footer(
         "Examples:\n"
-        "  zvtext inspect style gold --size 200\n"
-        "  zvtext inspect style mine.json --width 3840 --height 2160 --json");
+        "  $ zvtext inspect style gold --size 200\n"
+        "  $ zvtext inspect style mine.json --width 3840 --height 2160 --json");
     command->callback([&a] { runInspectStyle(a); });
 }
 

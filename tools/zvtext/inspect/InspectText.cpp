@@ -160,8 +160,8 @@ void addInspectText(CLI::App& inspect, InspectTextArguments& a) {
     addJsonFlag(*command, a.json);
     command->footer(
         "Examples:\n"
-        "  zvtext inspect text 'Grüße, 世界' --font 'DejaVu Sans:bold'\n"
-        "  zvtext inspect text --text-file story.txt --font 'Noto Serif' --size 32 --width 600 --json");
+        "  $ zvtext inspect text 'Grüße, 世界' --font 'DejaVu Sans:bold'\n"
+        "  $ zvtext inspect text --text-file story.txt --font 'Noto Serif' --size 32 --width 600 --json");
     command->callback([&a] { runInspectText(a); });
 }
 

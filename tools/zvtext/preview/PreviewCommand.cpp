@@ -225,9 +225,9 @@ void addPreviewOptions(CLI::App& command, PreviewArguments& a) {
     addReadOptions(command, a.reads, "a style file");
     command.footer(
         "Examples:\n"
-        "  zvtext preview gold chrome mine.json --text Title --font 'Noto Serif:bold'\n"
-        "  zvtext preview mine.json --text Title --text 'A longer line' --watch -o mine.html\n"
-        "  zvtext preview gold neon ice --sizes 64 --grounds dark -o sheet.png");
+        "  $ zvtext preview gold chrome mine.json --text Title --font 'Noto Serif:bold'\n"
+        "  $ zvtext preview mine.json --text Title --text 'A longer line' --watch -o mine.html\n"
+        "  $ zvtext preview gold neon ice --sizes 64 --grounds dark -o sheet.png");
 }
 
 int runPreview(const PreviewArguments& arguments) {
