@@ -43,7 +43,11 @@ void fillGround(const Canvas& canvas, ZvBitmap& picture) {
         return;
     }
     Zvex::ZvEffect fill;
-    addEffects(fill, {std::get<EffectSettings>(canvas.fill)});
+    try {
+        addEffects(fill, {std::get<EffectSettings>(canvas.fill)});
+    } catch (const Failure& failure) {  // of the pattern's file
+        throw Failure("--canvas: " + failure.cause());
+    }
     Zvex::fillCanvas(&picture, &fill);
 }
 

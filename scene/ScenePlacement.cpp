@@ -57,10 +57,18 @@ void setSize(PlacedScene& placed, const Scene& scene, int64_t viewWidth, int64_t
     const auto pictures = static_cast<int64_t>(std::max<size_t>(scene.style.layers.size(), 1));
     const int64_t side = std::min(scene.limits.side, kMaxSide);
     const int64_t most = std::min(scene.limits.pixels, 3 * kMaxPixels / pictures);
-    if (width > side || height > side || width * height > most) {
-        throw UsageError(std::string(scene.width > 0 ? "--width" : "--size") + ": the picture would be " +
-                         std::to_string(width) + " x " + std::to_string(height) + " pixels; at most " +
-                         std::to_string(side) + " a side and " + std::to_string(most) + " in all");
+    const auto fits = [&](int64_t w, int64_t h) { return w <= side && h <= side && w * h <= most; };
+    if (!fits(width, height)) {
+        // A given width and height have the padding in them.
+        const Padding& p = scene.padding;
+        const bool padded = fits(scene.width > 0 ? width : width - p.left - p.right,
+                                 scene.height > 0 ? height : height - p.top - p.bottom);
+        throw UsageError(std::string(padded            ? "--padding"
+                                     : scene.width > 0 ? "--width"
+                                                       : "--size") +
+                         ": the picture would be " + std::to_string(width) + " x " + std::to_string(height) +
+                         " pixels; at most " + std::to_string(side) + " a side and " + std::to_string(most) +
+                         " in all");
     }
     placed.width = static_cast<int>(width);
     placed.height = static_cast<int>(height);

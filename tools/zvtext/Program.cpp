@@ -125,6 +125,13 @@ int run(int argc, char** argv) {
         if (unknown.empty() || !ofCommand)
             return complain(std::string(error.what()) + " (see zvtext --help)", kExitUsage);
         return complain("'" + unknown.front() + "' is no command (see zvtext --help)", kExitUsage);
+    } catch (const CLI::ExtrasError&) {  // its message lists them backwards
+        const std::vector<std::string> unknown = app.remaining(true);
+        std::string list;
+        for (const std::string& argument : unknown) list += " " + argument;
+        return complain(std::string("The following argument") + (unknown.size() > 1 ? "s were" : " was") +
+                            " not expected:" + list + " (see zvtext --help)",
+                        kExitUsage);
     } catch (const CLI::ParseError& error) {
         return complain(std::string(error.what()) + " (see zvtext --help)", kExitUsage);
     } catch (const UsageError& error) {

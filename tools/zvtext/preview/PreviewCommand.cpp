@@ -171,7 +171,7 @@ private:
                 SceneOptions one = options;
                 one.scene.text = text;
                 one.scene.style.size = size;
-                Rendering rendering = render(sceneOf(std::move(one)));
+                Rendering rendering = made(std::move(one));
                 for (const std::string& warning : rendering.warnings) {
                     if (std::count(warnings.begin(), warnings.end(), warning) == 0)
                         warnings.push_back(warning);
@@ -184,6 +184,15 @@ private:
         }
         warn(warnings);
         return result;
+    }
+
+    static Rendering made(SceneOptions options) {
+        try {
+            return render(sceneOf(std::move(options)));
+        } catch (const UsageError& error) {
+            if (error.place() != "size") throw;
+            throw UsageError("--sizes: " + error.cause());
+        }
     }
 
     // No page looks for the next one when there will be none.
