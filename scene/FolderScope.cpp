@@ -75,6 +75,8 @@ std::string FolderScope::refusal(const std::string& option, const std::string& p
     std::string list;
     for (const std::string& folder : mFolders) list += (list.empty() ? "'" : " and '") + folder + "'";
     if (list.empty()) list = "every folder";
+    if (mFolders.size() == 1 && resolvedPath(mFolders[0]).empty())
+        return option + ": '" + path + "' cannot be reached: the folder " + list + " is gone";
     return option + ": '" + path + "' lies outside " + list + ", where " + mUser;
 }
 

@@ -64,7 +64,8 @@ public:
     // openFile does. Only for scopes that are not anywhere.
     Descriptor makeFolder(const std::string& option, const std::string& path) const;
 
-    // "--font: '/etc/x' lies outside '/home/me', where a style may read; ..."
+    // "--font: '/etc/x' lies outside '/home/me', where a style may read; ...". If that folder is gone, it
+    // says so instead.
     std::string refusal(const std::string& option, const std::string& path) const;
 
     // Whether a path that cannot be opened would be inside, judged by its deepest existing folder. Messages

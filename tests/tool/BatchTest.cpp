@@ -139,6 +139,17 @@ TEST_F(BatchCommand, ResultsComeWithTheirLinesAndSignalsLetThemFinish) {
     EXPECT_EQ(running.wait(), SIGTERM) << "the second does not wait for the line";
 }
 
+TEST_F(BatchCommand, AnOutputFolderThatIsMovedAwayIsGone) {
+    Running running(arguments());
+    running.put("{\"text\":\"one\"}\n");
+    EXPECT_EQ(running.next().value("line", 0), 1);
+    fs::rename(folder(), file("elsewhere"));
+    running.put("{\"text\":\"two\"}\n");
+    EXPECT_EQ(running.next().value("error", ""), "--output: '" + (folder() / "2.png").string() +
+                                                     "' cannot be reached: the folder '" + folder().string() +
+                                                     "' is gone");
+}
+
 TEST_F(BatchCommand, AReaderThatStopsReadingDoesNotKeepItFromEnding) {
     Running running(arguments());
     fcntl(running.output, F_SETPIPE_SZ, 4096);  // full with the first results
