@@ -116,8 +116,7 @@ private:
             throw UsageError(place + ": more than " + std::to_string(kMaxBases) +
                              " style files extend one another");
         }
-        const bool relative = fs::path(notes.extends).is_relative();
-        fs::path path = relative ? mPlaces.folder / fs::path(notes.extends) : fs::path(notes.extends);
+        fs::path path = pathOf(notes.extends);
         if (path == "-") path = "./-";  // no standard input
         const std::string full = orDefault(mPlaces.source).fullName(path);
         if (std::find(mAbove.begin(), mAbove.end(), full) != mAbove.end())
@@ -222,6 +221,16 @@ private:
     static const EffectKind* takenAway(const Json& json) {
         const bool one = json.is_object() && json.size() == 1 && json.begin()->is_null();
         return one ? findEffectKind(json.begin().key()) : nullptr;
+    }
+
+    // The path of a file that is named beside this one, without "./" in the middle.
+    fs::path pathOf(const std::string& name) const {
+        if (fs::path(name).is_absolute()) return name;
+        fs::path path = mPlaces.folder;
+        for (const fs::path& part : fs::path(name)) {
+            if (part != ".") path /= part;
+        }
+        return path;
     }
 
     const FilePlaces mPlaces;

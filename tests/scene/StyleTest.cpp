@@ -257,6 +257,8 @@ TEST(Style, RefusalsOfWhatItExtendsNameTheFiles) {
         {R"({"extends": "none.json"})", "extends: there is no 'none.json'"},
         {R"({"extends": "-"})", "extends: '-' is no file"},
         {R"({"extends": "a"})", "extends: 'a': extends: 'b': extends: 'a' extends this style itself"},
+        {R"({"extends": "./sub/x"})",
+         "extends: 'sub/x': extends: 'sub/y': extends: there is no 'sub/../none'"},
         {R"({"extends": "bad"})", "extends: 'bad': effects[0].width: 101 is not a number from 0 to 100 (px)"},
         {R"({"extends": "gold", "effects": [{"type": "stroke", "width": 101}]})",
          "effects[0].width: 101 is not"},
@@ -273,6 +275,8 @@ TEST(Style, RefusalsOfWhatItExtendsNameTheFiles) {
     };
     add("a", R"({"extends": "b"})");
     add("b", R"({"extends": "a"})");
+    add("sub/x", R"({"extends": "././y"})");
+    add("sub/y", R"({"extends": "../none"})");
     add("bad", R"({"effects": [{"type": "stroke", "width": 101}]})");
     for (int i = 1; i <= 9; ++i)
         add("chain" + std::to_string(i),
