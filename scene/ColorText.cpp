@@ -118,7 +118,8 @@ std::optional<uint32_t> ofFunction(const std::string& name, const std::string& i
     return channel(*alpha) << 24 | color;
 }
 
-// Where the alpha of eight digits says nothing as they are read, and something the other way round.
+// A warning for eight digits whose alpha is 0 or 255 as #aarrggbb but would mean something as #rrggbbaa; else
+// empty.
 std::string eightDigitsWarning(const std::string& text, uint32_t color) {
     const uint32_t alpha = color >> 24, last = color & 0xFF;
     if (text[0] != '#' || text.size() != 9 || (alpha != 0 && alpha != 0xFF) || last == 0) return "";

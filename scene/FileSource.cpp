@@ -26,8 +26,8 @@ public:
         return std::make_shared<const std::string>(readFile(option, name, maxBytes, mScope));
     }
 
-    // A folder is no file: one that is called as a font is must not hide it. Nothing is there outside the
-    // scope, so that no message tells what is.
+    // False for folders, so that a folder named like a font does not hide the font. False outside the scope,
+    // so that messages do not reveal what exists there.
     bool has(const std::string& name) const override {
         const Descriptor found(open(name.c_str(), O_PATH | O_CLOEXEC));
         struct stat status;
@@ -43,7 +43,7 @@ public:
 
     std::shared_ptr<const Source> ofStyle(const std::string& name) const override {
         const std::string folder = std::filesystem::path(name).parent_path().string();
-        // A name that leads back into the scope may begin outside, and its folder is not the style's then.
+        // A link outside the scope may lead to a file inside it; the link's folder is then not added.
         std::vector<std::string> own;
         const std::string resolved = resolvedPath(folder.empty() ? "." : folder);
         if (!resolved.empty() && mScope.holds(resolved)) own.push_back(resolved);
@@ -79,7 +79,7 @@ std::string readFile(const std::string& option, const std::string& path, size_t 
     if (fstat(descriptor, &status) != 0) refuse();
     if (S_ISDIR(status.st_mode)) throw Failure(option + ": " + name + " is a folder");
     // A file says its size, which saves reading one that is too large and copying while the text grows.
-    // Standard input may stand in the midst of one.
+    // Standard input may be a file that is already partly read.
     const bool known = !standardInput && S_ISREG(status.st_mode);
     const auto size = known ? static_cast<uint64_t>(status.st_size) : 0;
     std::string content;

@@ -61,7 +61,7 @@ private:
     size_t mEvents = 0;
 };
 
-// Where the space or the comments that begin there end.
+// The end of the blanks and comments that begin at `at`.
 size_t skipBlank(const std::string& text, size_t at) {
     for (; at < text.size(); ++at) {
         if (text.compare(at, 2, "//") == 0) {

@@ -10,10 +10,9 @@ namespace Zvex::scene {
 // Objects keep the order of their keys.
 using Json = nlohmann::ordered_json;
 
-// The text's value; comments, and commas behind the last of several, are allowed. Throws UsageError where it
-// is no JSON, where an object has a key twice, and where it is nested more deeply or holds more than styles
-// and lines of a batch need; the message begins with the place in it ("effects[2].size"), or calls the text
-// by its `name`.
+// The text's value; comments and trailing commas are allowed. Throws UsageError if the text is not JSON, if
+// an object has a key twice, and if it is nested more deeply or holds more than styles and lines of a batch
+// need. The message begins with the place in the text ("effects[2].size") or with its `name`.
 Json parseJson(const std::string& text, const std::string& name = "it");
 
 // The number at the object's key as it is written: "1e2". The object is one that parseJson takes; empty where

@@ -74,8 +74,8 @@ struct Scene {
     // The least size, in pixels, to which the text shrinks until it fits width, height and maxLines with all
     // its words whole; 0: it does not shrink.
     double fit = 0;
-    // Pixels from a line's start, rising. The distance of the last two, or the only one, goes on behind them.
-    // Empty: a tab is a space.
+    // Pixels from a line's start, rising. Beyond the last stop, the distance between the last two (or of the
+    // only one) repeats. Empty: a tab is a space.
     std::vector<double> tabStops;
     Padding padding;
     host::Rendering rendering = host::Rendering::Phone;

@@ -22,7 +22,7 @@ struct SceneOptions {
 };
 Fields fieldsOf(SceneOptions& options);
 
-// The fields of the scene and its style, those of SceneOptions left aside.
+// The fields of the scene and its style, without those of SceneOptions.
 Fields fieldsOf(Scene& scene);
 
 // Options as they were given, in their order: names, and values as JSON has them.

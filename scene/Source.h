@@ -27,10 +27,11 @@ public:
     // Throws Failure where the name may not be read, although its bytes are known from before.
     virtual void check(const std::string& /*option*/, const std::string& /*name*/) const {}
 
-    // Within which the same name has the same bytes as long as the process: null for the machine's files.
+    // Sources of the same realm give the same bytes for a name as long as the process lives. Null for the
+    // machine's files, which may change.
     virtual const void* realm() const { return this; }
 
-    // What a style of this name may name; null: what this source has.
+    // The source for the files that the style of this name refers to; null: this one.
     virtual std::shared_ptr<const Source> ofStyle(const std::string& /*name*/) const { return nullptr; }
 
     // The name as a style is written with it, good from any folder.
@@ -40,7 +41,7 @@ public:
 // Bytes by their names, for programs without files. Names are compared as they are.
 std::shared_ptr<const Source> namedBytes(std::map<std::string, Bytes> bytes);
 
-// The source itself. Without one the machine's files, wherever they lie; nothing in a library without files.
+// `source`; if it is null, the machine's files without limits (none if ZVEX_SCENE_FILES is off).
 const Source& orDefault(const std::shared_ptr<const Source>& source);
 
 }  // namespace Zvex::scene

@@ -270,7 +270,7 @@ double designedForOf(const Look& look, const EffectSettings& settings) {
     return designed != look.designedFor.end() ? designed->second : 0;
 }
 
-// Those that are designed for another size than the style say so.
+// Writes `designed-for` only for effects whose size differs from the style's.
 Json writeEffects(const Look& look, double designedFor) {
     Json effects = Json::array();
     for (const EffectSettings& settings : look.effects) {

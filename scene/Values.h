@@ -15,7 +15,7 @@ namespace Zvex::scene {
 
 // "#rgb", "#rrggbb" or "#aarrggbb", alpha first as on Android; or as CSS writes it: a name, "rgb(255 136 0 /
 // 50%)" or "hsl(32, 100%, 50%)", also with commas, percentages and an "a" behind the name. Gives 0xAARRGGBB.
-// Where #rrggbbaa may be meant by eight digits, that is appended to the warnings.
+// Eight digits that may mean #rrggbbaa add a warning.
 constexpr char kWantedColor[] =
     "a colour; write #rgb, #rrggbb, #aarrggbb, or a name, rgb() or hsl() as in CSS";
 uint32_t parseColor(const std::string& option, const std::string& text,

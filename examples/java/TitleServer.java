@@ -127,7 +127,7 @@ final class TitleServer implements AutoCloseable {
             text.picture().writePng(png);
             return png.toByteArray();
         } catch (IOException e) {
-            throw new IllegalStateException(e); // memory is no device that fails
+            throw new IllegalStateException(e); // writing to memory cannot fail
         }
     }
 

@@ -26,7 +26,7 @@ struct LineNames {
 // `names` by then if it is a good one.
 void readLineNames(const std::string& line, LineNames& names);
 
-// What the line asks for, its names left aside; the defaults hold for what it leaves out. Its effects come
+// The options of the line without its names; options that it does not give are the defaults. Its effects come
 // behind those of the defaults or replace them. Files that lines name lie in the places, fonts in the
 // system's folders as well. Throws UsageError or Failure.
 RenderOptions readLine(const std::string& line, const RenderOptions& defaults, FilePlaces places,

@@ -18,11 +18,11 @@ public:
     int errors() const { return mErrors; }          // where its standard error is read; below 0: nowhere
 
     // The new process runs work(its socket). It ends afterwards, or with this process. Signals from the
-    // terminal are left to this process, and standard input and output lead nowhere. Returns an empty text,
-    // or why no process could be started.
+    // terminal are left to this process, and standard input and output are /dev/null. Returns an empty
+    // text, or why no process could be started.
     std::string start(const std::function<void(int socket)>& work);
 
-    // In another fork: its ends are not that one's.
+    // Call in other forks: closes the copies of the socket and the pipe that they inherited.
     void closeEnds() const;
 
     // The whole lines that have come from standard error; with `atEnd` all there is. At most about 64 kB.

@@ -13,7 +13,8 @@ namespace {
 
 constexpr char kReloadingBegin[] = "<script>\n// Until", kReloadingEnd[] = "</script>\n";
 
-// A page from a file may not read itself, but a frame within it may say which one it is.
+// A page opened from a file cannot fetch itself again, so it loads itself in a hidden frame, which posts its
+// version.
 std::string reloading(const std::string& version) {
     return kReloadingBegin +
            (" the preview ends: loads the page once more, unseen, and shows it if it is new.\n"

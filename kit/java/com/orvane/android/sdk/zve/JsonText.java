@@ -7,8 +7,8 @@ import java.util.regex.Matcher;
 import java.util.regex.Pattern;
 
 /**
- * Checks the form of JSON before {@code org.json} reads it, which takes much that is none: equal keys, single quotes, words
- * without quotes. Comments, as in C, and commas behind the last element are allowed, and left out of the result.
+ * Checks the form of JSON before {@code org.json} reads it, which also accepts much that is not JSON: equal keys, single
+ * quotes, words without quotes. Comments, as in C, and trailing commas are allowed, and left out of the result.
  */
 final class JsonText {
     private static final int MAX_DEPTH = 16;

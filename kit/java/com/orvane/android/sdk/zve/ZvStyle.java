@@ -67,7 +67,7 @@ public final class ZvStyle {
          *
          * @param file as the style names it; in a file that was found so, from that file's folder on
          * @return JSON
-         * @throws IOException if there is none, which is the case unless a class of yours says otherwise
+         * @throws IOException if there is none; the default implementation always throws
          */
         default String findStyle(String file) throws IOException {
             throw new IOException("only presets are known");
