@@ -27,13 +27,13 @@ constexpr NumberRange kPatternScale = {0, 10, "", false, true};  // pixels for e
 // A stem is the main stroke of a letter. Where a sentence names a width in stems or a number, it was measured
 // on DejaVu Sans Bold, whose stems are a fifth of the text's size.
 constexpr char kEffectOpacity[] =
-    "How opaque the effect is; the colour's alpha multiplies into it. At 0 it does not show";
+    "How opaque the effect is, multiplied by the colour's alpha. At 0 it does not show";
 constexpr char kFillOpacity[] = "How opaque the effect is. At 0 it does not show";
 
 template <typename Shadow>
 Fields shadowFields(Shadow& s, const char* distanceHelp, const char* sizeHelp) {
     return {{"angle", NumberField{&s.angle, kAngle},
-             "Where the light comes from: 0 is the right, 90 the top. Without distance it changes nothing"},
+             "Where the light comes from: 0 is the right, 90 the top. If distance is 0, it changes nothing"},
             {"distance", NumberField{&s.distance, kPixels}, distanceHelp},
             {"size", NumberField{&s.size, kPixels}, sizeHelp},
             {"color", ColorField{&s.color}, "The shadow's colour"},
@@ -43,15 +43,17 @@ Fields shadowFields(Shadow& s, const char* distanceHelp, const char* sizeHelp) {
 template <typename Glow>
 Fields glowFields(Glow& s, const char* sizeHelp) {
     return {{"size", NumberField{&s.size, kPixels}, sizeHelp},
-            {"color", ColorField{&s.color}, "Its colour, where there are no stops"},
+            {"color", ColorField{&s.color}, "Colour of the glow, if it has no stops"},
             {"opacity", NumberField{&s.opacity, kShare}, kEffectOpacity},
             {"stops", StopsField{&s.stops},
-             "Colours from the edge on, in place of one. Two at one position make a sharp border"}};
+             "Several colours instead of one, from the edge to the far end of the glow. Two at the same "
+             "position make a sharp border"}};
 }
 
 Field stopsField(std::vector<Stop>& stops) {
-    return required({"stops", StopsField{&stops},
-                     "The colours and where they stand on the way. Two at one position make a sharp border"});
+    return required(
+        {"stops", StopsField{&stops},
+         "The colours and their positions along the gradient. Two at the same position make a sharp border"});
 }
 
 struct ReliefHelp {
@@ -63,7 +65,7 @@ Fields reliefFields(Relief& s, ChoiceField style, const ReliefHelp& help) {
     return {
         {"style", std::move(style), help.style},
         {"technique", ChoiceField{&s.technique, {{"soft", 0}, {"hard", 1}}},
-         "Whether the slopes are rounded or cut sharply. Soft ones fade where size is large"},
+         "Whether the slopes are rounded or cut sharply. Soft ones fade at large sizes"},
         {"direction", ChoiceField{&s.direction, {{"up", 1}, {"down", 0}}},
          "Whether the text is raised or sunk. Down is the same as the light from the opposite side"},
         {"size", NumberField{&s.size, kPixels}, help.size},
@@ -73,9 +75,10 @@ Fields reliefFields(Relief& s, ChoiceField style, const ReliefHelp& help) {
          "changes"},
         {"altitude", NumberField{&s.altitude, kAltitude}, help.altitude},
         {"soften", NumberField{&s.soften, kSoften},
-         "How far the finished relief is blurred; below 1 not at all. At twice the size half of it is left"},
+         "How far the finished relief is blurred; below 1 not at all. If soften is twice size, half of the "
+         "relief is left"},
         {"highlight", TintField{&s.highlight}, "The colour of slopes that face the light"},
-        {"shadow", TintField{&s.shadow}, "The colour of slopes that face away from it"},
+        {"shadow", TintField{&s.shadow}, "The colour of slopes that face away from the light"},
         {"opacity", NumberField{&s.opacity, kShare}, kFillOpacity}};
 }
 
@@ -83,78 +86,74 @@ struct FieldsOf {
     Fields operator()(OuterShadowSettings& s) const {
         return shadowFields(
             s,
-            "How far the shadow is moved, away from the light. At 0, with size 0, opaque text "
-            "hides it",
+            "How far the shadow is moved, away from the light. If distance and size are 0, opaque text hides "
+            "it",
             "How far its edges are blurred; 0 is a sharp edge. Beyond half a stem it fades, and at "
             "two stems it is half as dark");
     }
     Fields operator()(InnerShadowSettings& s) const {
         return shadowFields(
             s,
-            "How far the shadow is moved into the letters, away from the light. Well beyond a stem "
-            "they are all shadow",
+            "How far the shadow is moved into the letters, away from the light. Well beyond a stem, the "
+            "letters are all shadow",
             "How far its edges are blurred; 0 is a sharp edge. The further beyond a stem, the more "
             "evenly it darkens the letters");
     }
     Fields operator()(OuterGlowSettings& s) const {
-        return glowFields(
-            s,
-            "How far the light reaches from the edge; below 1 there is none. Beyond half the gap "
-            "between letters their lights run together");
+        return glowFields(s,
+                          "How far the light reaches from the edge; below 1 there is none. Beyond half the "
+                          "gap between letters, their glows merge");
     }
     Fields operator()(InnerGlowSettings& s) const {
-        return glowFields(
-            s,
-            "How far the light reaches from the edge; below 1 there is none. From a stem on it fills "
-            "the letters, and more changes nothing");
+        return glowFields(s,
+                          "How far the light reaches from the edge; below 1 there is none. At one stem it "
+                          "fills the letters, and larger values change nothing");
     }
     Fields operator()(LinearGradientSettings& s) const {
-        return {
-            {"angle", NumberField{&s.angle, kAngle}, "The way of the colours: 0 to the right, 90 to the top"},
-            {"scale", NumberField{&s.scale, kGradientScale},
-             "The way's length; 1 is that of the text. Below 1 the first and last colour fill the rest, "
-             "above it they "
-             "lie outside the text; below 0.1 nothing is drawn"},
-            {"opacity", NumberField{&s.opacity, kShare}, kFillOpacity},
-            stopsField(s.stops)};
+        return {{"angle", NumberField{&s.angle, kAngle},
+                 "Direction of the colours: 0 to the right, 90 to the top"},
+                {"scale", NumberField{&s.scale, kGradientScale},
+                 "Length of the gradient; 1 spans the text. Below 1 the first and last colour fill the rest, "
+                 "above 1 they lie outside the text; below 0.1 nothing is drawn"},
+                {"opacity", NumberField{&s.opacity, kShare}, kFillOpacity},
+                stopsField(s.stops)};
     }
     Fields operator()(RadialGradientSettings& s) const {
         return {{"scale", NumberField{&s.scale, kGradientScale},
-                 "The circle's diameter; 1 is the text's width. The last colour fills what is outside; below "
-                 "0.1 nothing is "
-                 "drawn"},
+                 "The circle's diameter; 1 is the text's width. Outside it is the last colour; below 0.1 "
+                 "nothing is drawn"},
                 {"opacity", NumberField{&s.opacity, kShare}, kFillOpacity},
                 stopsField(s.stops)};
     }
     Fields operator()(StrokeSettings& s) const {
-        return {
-            {"width", NumberField{&s.width, kPixels},
-             "How wide the line is; below 1 there is none. Inside, it fills the letters from half a stem on"},
-            {"color", ColorField{&s.color}, "The line's colour"},
-            {"position",
-             ChoiceField{&s.position,
-                         {{"outside", Zvex::ZV_STROKE_OUTSIDE},
-                          {"inside", Zvex::ZV_STROKE_INSIDE},
-                          {"center", Zvex::ZV_STROKE_CENTER}}},
-             "On which side of the edge it runs; in the center half of it lies on each"},
-            {"opacity", NumberField{&s.opacity, kShare}, kEffectOpacity}};
+        return {{"width", NumberField{&s.width, kPixels},
+                 "How wide the line is; below 1 there is none. Inside the edge, it fills the letters from "
+                 "half a stem on"},
+                {"color", ColorField{&s.color}, "The line's colour"},
+                {"position",
+                 ChoiceField{&s.position,
+                             {{"outside", Zvex::ZV_STROKE_OUTSIDE},
+                              {"inside", Zvex::ZV_STROKE_INSIDE},
+                              {"center", Zvex::ZV_STROKE_CENTER}}},
+                 "On which side of the edge the line lies; center puts half of it on each side"},
+                {"opacity", NumberField{&s.opacity, kShare}, kEffectOpacity}};
     }
     Fields operator()(PatternSettings& s) const {
         return {required({"file", FileField{&s.file, &s.source},
-                          "The PNG whose copies fill the text; of a style file, in its folder or below"}),
+                          "The PNG whose copies fill the text. In a style file, it must lie in the file's "
+                          "folder or below"}),
                 {"scale", NumberField{&s.scale, kPatternScale},
-                 "The picture's pixels for each pixel of the file. Above 1 they run into each other; below "
-                 "0.1 nothing is drawn"},
+                 "Scale of the PNG. Above 1 its pixels blend into each other; below 0.1 nothing is drawn"},
                 {"opacity", NumberField{&s.opacity, kShare}, kFillOpacity}};
     }
     Fields operator()(BevelSettings& s) const {
         return reliefFields(
             s, {&s.style, {{"inner", 1}, {"outer", 0}}},
             {"Whether the slopes lie inside or outside the edge. Both widen the picture by size",
-             "How wide the slopes are. Inside they are strongest at half a stem: beyond, soft ones fade and "
-             "are nearly "
-             "flat at three stems, and hard ones stay as they are",
-             "How strongly light and shadow differ. Above 3 hardly anything changes, below 0.1 nothing",
+             "How wide the slopes are. Inner slopes are strongest at half a stem: above that, soft ones fade "
+             "and are nearly flat at three stems, while hard ones do not change",
+             "How strongly light and shadow differ. Values above 3 look nearly alike, values up to 0.1 "
+             "exactly alike",
              "How high the light stands above the picture. Near 0 it darkens the slopes, near 90 it bleaches "
              "them"});
     }
@@ -163,9 +162,9 @@ struct FieldsOf {
             s, {&s.style, {{"single", 1}, {"double", 3}}},
             {"Whether the light comes from one side or from both",
              "How wide the slopes are, half on each side of the edge. They are strongest at about a stem: "
-             "beyond, soft "
-             "ones fade, and in the letters hard ones stay as they are",
-             "How strongly light and shadow differ. Above 3 hardly anything changes, below 0.2 nothing",
+             "above that, soft ones fade, while hard ones do not change within the letters",
+             "How strongly light and shadow differ. Values above 3 look nearly alike, values up to 0.2 "
+             "exactly alike",
              "How high the light stands above the picture. Near 0 it brightens the letters, near 90 it "
              "darkens them"});
     }
@@ -289,10 +288,10 @@ const std::vector<EffectKind>& effectKinds() {
         {"linear-gradient", "Colours along a line; 0deg is left to right, 90deg bottom to top",
          LinearGradientSettings()},
         {"radial-gradient", "Colours from the centre outwards", RadialGradientSettings()},
-        {"stroke", "An outline; in short WIDTH[:COLOR[:POSITION]]", StrokeSettings(), "STROKE"},
-        {"pattern", "A PNG in tiles; FILE may stand first without file=", PatternSettings(), "FILE,..."},
+        {"stroke", "An outline; short form: WIDTH[:COLOR[:POSITION]]", StrokeSettings(), "STROKE"},
+        {"pattern", "A tiled PNG; file= may be left out if FILE comes first", PatternSettings(), "FILE,..."},
         {"bevel", "Raised edges, lit from the angle", BevelSettings()},
-        {"emboss", "A relief pressed from a sheet, on both sides of the edge", EmbossSettings()}};
+        {"emboss", "A relief on both sides of the edge, as if pressed from a sheet", EmbossSettings()}};
     return kinds;
 }
 

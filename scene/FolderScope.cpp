@@ -115,8 +115,9 @@ Descriptor FolderScope::openFile(const std::string& option, const std::string& p
     struct stat status = {};
     if (fstat(found.number(), &status) != 0 || !S_ISREG(status.st_mode)) {
         throw Failure(option + ": '" + path + "' is " +
-                      (S_ISDIR(status.st_mode) ? "a folder"
-                                               : "no regular file; --allow-read-anywhere lets it be read"));
+                      (S_ISDIR(status.st_mode)
+                           ? "a folder"
+                           : "not a regular file; --allow-read-anywhere lets it be read"));
     }
     Descriptor file(open(found.name().c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK));
     if (!file) throw Failure(option + ": cannot read '" + path + "': " + std::strerror(errno));

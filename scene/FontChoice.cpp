@@ -35,7 +35,7 @@ bool readIndex(const std::string& option, const std::string& text, FontChoice& c
     const bool isFont = orDefault(choice.source).has(path) || endsAsFontFile(path);
     if (isFont && !isNumber) {
         throw UsageError(option + ": '" + number + "' after '" + path +
-                         "' is no number of a font in a collection; write FILE#0 for the first");
+                         "' is not the number of a font in a collection; write FILE#0 for the first");
     }
     if (!isNumber || !(isFont || looksLikeFile(path))) return false;
     choice.path = path;

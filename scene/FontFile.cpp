@@ -67,7 +67,7 @@ void readAxes(const std::string& option, const std::string& text, const std::str
         const auto axis = std::find_if(axes.begin(), axes.end(),
                                        [&](const auto& info) { return tagName(info.tag) == tag; });
         if (equals == std::string::npos || axis == axes.end()) {
-            throw UsageError(option + ": '" + part + "' is no AXIS=VALUE of '" + font + "', which has " +
+            throw UsageError(option + ": '" + part + "' is not an AXIS=VALUE of '" + font + "', which has " +
                              listAxes(axes));
         }
         if (std::find(seen.begin(), seen.end(), axis->tag) != seen.end()) {
@@ -245,7 +245,7 @@ std::shared_ptr<const LoadedFont> readFont(const std::string& option, const Font
         throw Failure(option + ": '" + path + "' is a compressed font (WOFF); unpack it to .ttf or .otf");
     }
     const Failure unreadable(option + ": '" + choice.name() +
-                             "' is no font that can be read (or a damaged one)");
+                             "' is not a font that can be read (or is damaged)");
     const HbOwner<hb_blob_t> blob(hb_blob_create(content.data(), static_cast<unsigned>(content.size()),
                                                  HB_MEMORY_MODE_READONLY, nullptr, nullptr));
     const auto fonts = static_cast<int>(hb_face_count(blob.get()));

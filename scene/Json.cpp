@@ -117,7 +117,7 @@ Json parseJson(const std::string& text, const std::string& name) {
         const std::string line = "line 1, ";
         const size_t at = what.find(line);
         if (at != std::string::npos && text.find('\n') == std::string::npos) what.erase(at, line.size());
-        throw UsageError(name + " is no JSON: " + what);
+        throw UsageError(name + " is not JSON: " + what);
     }
 }
 

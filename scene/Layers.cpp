@@ -44,22 +44,22 @@ Look& Look::add(EffectSettings settings) {
 }
 
 Fields fieldsOf(LayerSettings& layer) {
-    return {{"color", OptionalColorField{&layer.color}, "The text's colour in this layer; else the style's"},
-            {"opacity", NumberField{&layer.opacity, kShare},
-             "How opaque the layer is, effects and all. At 0 it does not show"},
-            {"spread", NumberField{&layer.spread, kSpread},
-             "How far the letters grow, or shrink below 0, before the effects see them. Shrunk by more than "
-             "half a stem they "
-             "are gone"},
-            {"offset", OffsetField{&layer.offset}, "How far the layer is moved, to the right and down"},
-            {"blend", ChoiceField{&layer.blend, blendNames()},
-             "How its colours meet those behind it. Where nothing is behind it they stay as they are"},
-            {"clip", FlagField{&layer.clip},
-             "It shows only where the nearest layer behind it does that is not clipped"},
-            {"knockout", FlagField{&layer.knockout},
-             "It does not show within the letters, spread and offset left aside"},
-            {"color-glyphs", OptionalFlagField{&layer.colorGlyphs},
-             "Emoji in their own colours; unset: in the front layer, unless another has them"}};
+    return {
+        {"color", OptionalColorField{&layer.color},
+         "The text's colour in this layer; by default the style's"},
+        {"opacity", NumberField{&layer.opacity, kShare},
+         "How opaque the layer is, with its effects. At 0 it does not show"},
+        {"spread", NumberField{&layer.spread, kSpread},
+         "How far the letters grow before effects are applied; negative values shrink them. Shrunk by more "
+         "than half a stem, they disappear"},
+        {"offset", OffsetField{&layer.offset}, "How far the layer is moved, to the right and down"},
+        {"blend", ChoiceField{&layer.blend, blendNames()},
+         "How its colours blend with those behind it. Where nothing is behind it, they stay as they are"},
+        {"clip", FlagField{&layer.clip}, "Shows only within the nearest layer behind it that is not clipped"},
+        {"knockout", FlagField{&layer.knockout},
+         "Does not show within the letters as they are before spread and offset"},
+        {"color-glyphs", OptionalFlagField{&layer.colorGlyphs},
+         "Draw emoji in their own colours; if no layer says true, the front one does"}};
 }
 
 std::string canvasKinds() {

@@ -68,7 +68,7 @@ Picture decodePng(const std::string& name, const std::string& bytes) {
     PngStream stream = {&bytes};
     spng_set_png_stream(png.get(), readPart, &stream);
     spng_ihdr header = {};
-    check(spng_get_ihdr(png.get(), &header), " is no PNG that can be read: ");
+    check(spng_get_ihdr(png.get(), &header), " is not a readable PNG: ");
     if (header.width > kMaxPngSide || header.height > kMaxPngSide ||
         int64_t{header.width} * header.height > kMaxPngPixels) {
         throw Failure(name + " is " + std::to_string(header.width) + " x " + std::to_string(header.height) +

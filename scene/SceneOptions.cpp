@@ -24,19 +24,19 @@ Fields textFields(Scene& scene) {
         {"font", FontField{&scene.font},
          "A font: a file, FILE#2 for the third font of a collection, or a name such as 'Noto Serif:bold'", "",
          "f"},
-        {"axes", TextField{&scene.font.axes, kMaxFieldBytes, "places of axes; write AXIS=VALUE,..."},
-         "Where the axes of a variable font stand, such as wght=650,opsz=20", "AXIS=VALUE,..."},
+        {"axes", TextField{&scene.font.axes, kMaxFieldBytes, "axis values; write AXIS=VALUE,..."},
+         "Axis values of a variable font, such as wght=650,opsz=20", "AXIS=VALUE,..."},
         {"fallback", FontsField{&scene.fallbacks},
-         "A font for what --font lacks; give it again for more, in order"},
+         "A font for characters that --font lacks; give it again for more, in order"},
         {"no-fallback", FlagField{&scene.systemFallback, false},
-         "Draw what --font and --fallback lack as missing; else the system's fonts serve it"},
+         "Show missing-glyph boxes instead of falling back to the system's fonts"},
         {"language", TextField{&scene.language, kMaxLanguage, kWantedLanguage},
          "Language of the text, for line breaks, upper case, letter forms and the choice of fonts", "TAG"},
         {"direction",
          ChoiceField{
              &scene.direction,
              {{"auto", Direction::Auto}, {"ltr", Direction::LeftToRight}, {"rtl", Direction::RightToLeft}}},
-         "Where paragraphs begin; auto takes it from the first letter of each"}};
+         "Direction of paragraphs; auto takes it from the first letter of each"}};
 }
 
 Fields viewFields(Scene& scene) {
@@ -45,9 +45,9 @@ Fields viewFields(Scene& scene) {
     using host::Rendering;
     return {
         {"width", NumberField{&scene.width, kViewSide},
-         "Width in which lines wrap, padding included; else lines are as long as they are"},
+         "Wrap lines at this width, padding included; without it they do not wrap"},
         {"height", NumberField{&scene.height, kViewSide},
-         "Height, padding included; else as high as the lines"},
+         "Height of the view, padding included; without it the view is as high as the lines"},
         {"align",
          ChoiceField{&scene.align,
                      {{"left", Align::Left},
@@ -56,23 +56,25 @@ Fields viewFields(Scene& scene) {
                       {"start", Align::Start},
                       {"end", Align::End},
                       {"justify", Align::Justify}}},
-         "Where lines stand between the sides; start and end follow --direction, and justify fills --width"},
+         "Alignment of the lines; start and end follow --direction, justify fills --width"},
         {"gravity",
          ChoiceField{&scene.gravity,
                      {{"top", Gravity::Top}, {"center", Gravity::Center}, {"bottom", Gravity::Bottom}}},
-         "Where the lines stand, if --height leaves room"},
+         "Vertical position of the lines, if --height leaves room"},
         {"max-lines", NumberField{&scene.maxLines, kLines},
-         "Lines shown: the first ones, or the last ones with --gravity bottom"},
+         "Show at most this many lines: the first ones, or the last ones with --gravity bottom"},
         {"ellipsis", FlagField{&scene.ellipsis},
-         "End the last line with … where --max-lines or --height leave text out; the first lines show"},
+         "If --max-lines or --height leave text out, show the first lines and end the last of them with …"},
         {"fit", NumberField{&scene.fit, kTextSize}.orNone(),
-         "Shrink the text, to this size at the least, until it fits --width, --height and --max-lines"},
+         "Shrink the text until it fits --width, --height and --max-lines, but not below this size"},
         {"tab-stops", NumbersField{&scene.tabStops, kTabStop},
-         "Positions of tabs from a line's start; the last distance goes on. Else a tab is a space"},
-        {"padding", PaddingField{&scene.padding}, "ALL, SIDES,ENDS or LEFT,TOP,RIGHT,BOTTOM"},
+         "Tab stops, measured from the line's start; the last distance repeats. Without them a tab is a "
+         "space"},
+        {"padding", PaddingField{&scene.padding},
+         "Space around the lines: ALL, SIDES,ENDS or LEFT,TOP,RIGHT,BOTTOM"},
         {"text-rendering",
          ChoiceField{&scene.rendering, {{"phone", Rendering::Phone}, {"plain", Rendering::Plain}}},
-         "Glyphs as the phone draws them, or at exact sizes without hinting and gamma"},
+         "Draw glyphs as the phone does, or at exact sizes without hinting and gamma"},
         {"trim", FlagField{&scene.trim}, "Cut off the picture's transparent border"}};
 }
 
@@ -80,12 +82,11 @@ Fields viewFields(Scene& scene) {
 Fields looksOf(Style& style) {
     static const std::string styleHelp = [] {
         Style any;
-        return "Take effects, layers and any of these from a JSON file, or from {...} itself: " +
+        return "Read a style from a JSON file, or from {...} itself; its keys: effects, layers, " +
                namesOf(fieldsOf(any));
     }();
     Fields fields = {{"style", StyleField{&style}, styleHelp.c_str()},
-                     {"preset", PresetField{&style},
-                      "The same from a style of the program's own; zvtext presets lists them"}};
+                     {"preset", PresetField{&style}, "Use a built-in style; zvtext presets lists them"}};
     for (const EffectKind& kind : effectKinds())
         fields.push_back({kind.name, EffectField{&style, &kind}, kind.summary});
     return fields;
@@ -136,7 +137,7 @@ Fields fieldsOf(SceneOptions& options) {
     addFields(fields, fieldsOf(options.scene));
     addFields(fields, looksOf(options.scene.style), "Style");
     addFields(fields,
-              {{"scale", NumberField{&options.scale, kScale}, "Multiply every length, those of effects too",
+              {{"scale", NumberField{&options.scale, kScale}, "Multiply every length, also those of effects",
                 "FACTOR"}},
               "View");
     return fields;
@@ -178,7 +179,7 @@ Scene sceneOf(SceneOptions options) {
 
 GivenOptions readGiven(const std::string& json, const std::string& name) {
     Json object = parseJson(json, name);
-    if (!object.is_object()) throw UsageError(name + " is no JSON object");
+    if (!object.is_object()) throw UsageError(name + " is not a JSON object");
     GivenOptions given;
     for (auto& [key, value] : object.items()) given.emplace_back(key, std::move(value));
     return given;

@@ -38,20 +38,21 @@ void fitLook(Look& look, double size) {
 Fields fieldsOf(Style& style) {
     return {
         {"size", NumberField{&style.size, kTextSize},
-         "Size of the text, the height of its em. Effects keep their pixels, unless the style is designed "
+         "Size of the text, the height of its em. Effects do not grow with it, unless the style is designed "
          "for a size",
          "", "s"},
         {"color", ColorField{&style.color}, "The text's colour: #rgb, #rrggbb, #aarrggbb, or as in CSS", "",
          "c"},
-        {"background", OptionalColorField{&style.background}, "Fill behind each line; none without it"},
+        {"background", OptionalColorField{&style.background}, "Fill behind each line; none by default"},
         {"canvas", CanvasField{&style.canvas},
-         "Ground of the whole picture: a colour, or linear-gradient:, radial-gradient: or pattern: and what "
-         "that effect takes"},
+         "Fill behind the whole picture: a colour, or linear-gradient:, radial-gradient: or pattern: with "
+         "that effect's keys"},
         {"letter-spacing", NumberField{&style.letterSpacing, {-1, 10, "em"}},
          "Extra space between letters; below 0 they move together until they overlap"},
         {"word-spacing", NumberField{&style.wordSpacing, {-1, 10, "em"}}, "Extra space between words"},
         {"line-height", NumberField{&style.lineHeight, {0, 10, "", true}}.orNone(),
-         "Distance between baselines, times the size; without it, as the fonts have it"},
+         "Distance between baselines, as a multiple of the size; by default the distance that the fonts ask "
+         "for"},
         {"upper-case", FlagField{&style.upperCase},
          "Draw the text in upper case, by the rules of its language"},
         {"features",
@@ -61,20 +62,19 @@ Fields fieldsOf(Style& style) {
          "OpenType features, such as 'smcp, -liga, ss01=1'", "LIST"},
         {"opacity", NumberField{&style.opacity, kShare}, "Opacity of the whole picture: 0.6 or 60%"},
         {"color-glyphs", OptionalFlagField{&style.colorGlyphs},
-         "Emoji in their own colours, in the front layer if there are several; false: silhouettes in the "
-         "text's"}};
+         "Draw emoji in their own colours; of several layers, only in the front one. False draws silhouettes "
+         "in the text's colour"}};
 }
 
 Fields fieldsOf(StyleNotes& notes) {
-    return {{"$schema", TextField{&notes.schema}, "Where an editor finds this schema"},
-            {"description", TextField{&notes.description}, "A line for people"},
+    return {{"$schema", TextField{&notes.schema}, "Address of this schema, for editors"},
+            {"description", TextField{&notes.description}, "A short description for people"},
             {"extends",
              TextField{&notes.extends, kMaxFieldBytes, "the name of a preset or the path of a style file"},
-             "The style that this one changes: a preset, or a file in this one's folder or below"},
+             "The style that this one is based on: a preset, or a file in this file's folder or below"},
             {"designed-for", NumberField{&notes.designedFor, kTextSize},
-             "The text size that the effects' pixels are meant for; they grow and shrink with the text's "
-             "own, up to "
-             "their limits"}};
+             "The text size that the effects are designed for; at other sizes they scale with the text, up "
+             "to their limits"}};
 }
 
 const Preset* findPreset(const std::string& name) {

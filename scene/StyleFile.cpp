@@ -123,7 +123,8 @@ private:
             throw UsageError(place + ": '" + path.string() + "' extends this style itself");
         if (!orDefault(mPlaces.source).has(path) && notes.extends.find('/') == std::string::npos &&
             path.extension().empty()) {
-            throw UsageError(place + ": '" + notes.extends + "' is no file, and not one of " + presetNames());
+            throw UsageError(place + ": '" + notes.extends + "' is not a file, and not one of " +
+                             presetNames());
         }
         return readFile(place, path, mPlaces.source, mAbove);
     }

@@ -144,7 +144,8 @@ Json ofEffect(const EffectKind& kind) {
                    {"required", {"type"}}};
     addProperties(object["properties"], fields);
     object["properties"]["designed-for"] = {
-        {"description", "The text size that its pixels are meant for, if not the style's; 0: any, in px"},
+        {"description",
+         "The text size that the effect is designed for, if not the style's; 0: it does not scale. In px"},
         {"type", {"number", "null"}},
         {"minimum", numberJson(kEffectDesignedFor.low)},
         {"maximum", numberJson(kEffectDesignedFor.high)}};
@@ -208,7 +209,7 @@ Json ofLayers() {
     Json object = ofObject(fieldsOf(layer));
     object["properties"]["effects"] = {{"$ref", "#/$defs/effects"}};
     object["type"] = {"object", "null"};
-    return {{"description", "from the front to the back, in the place of effects"},
+    return {{"description", "from the front to the back, instead of effects"},
             {"type", {"array", "null"}},
             {"items", std::move(object)},
             {"minItems", 1},
@@ -241,9 +242,10 @@ std::string styleSchema() {
     StyleNotes notes;
     Fields fields = fieldsOf(notes);
     addFields(fields, fieldsOf(style));
-    Json schema = {{"$schema", "https://json-schema.org/draft/2020-12/schema"},
-                   {"title", "A style of zvtext"},
-                   {"description", "How a text looks. Comments are allowed; stops never fall in position."}};
+    Json schema = {
+        {"$schema", "https://json-schema.org/draft/2020-12/schema"},
+        {"title", "A style of zvtext"},
+        {"description", "How a text looks. Comments are allowed; stops are in order of position."}};
     schema.update(ofObject(fields));
     schema["properties"]["designed-for"].erase("default");
     schema["properties"]["effects"] = {{"$ref", "#/$defs/effects"}};

@@ -187,8 +187,8 @@ FcOwner<FcPattern> readPattern(const std::string& option, const std::string& tex
     for (size_t i = 1; i < parts.size(); ++i) {
         const std::string object = objectOf(parts[i]);
         if (object.empty()) {
-            throw UsageError(option + ": '" + parts[i] + "' in '" + text + "' is no style of fontconfig's" +
-                             apartHint(parts[i]));
+            throw UsageError(option + ": '" + parts[i] + "' in '" + text +
+                             "' is not a style of fontconfig's" + apartHint(parts[i]));
         }
         if (!objects.insert(object).second) {
             throw UsageError(option + ": '" + text + "' says the " + object + " twice");
@@ -242,14 +242,14 @@ FontChoice matchSystemFont(const std::string& option, const std::string& text) {
     const FcOwner<FcPattern> answer(FcFontMatch(fontconfig(), pattern.get(), &result));
     const std::string path = answer != nullptr ? firstOf(answer.get(), FC_FILE) : "";
     if (path.empty()) {
-        throw Failure(option + ": '" + text + "' is no file, and fontconfig knows no font at all");
+        throw Failure(option + ": '" + text + "' is not a file, and fontconfig knows no font at all");
     }
     const std::vector<std::string> families = stringsOf(asked.get(), FC_FAMILY);
     const bool generic = std::any_of(families.begin(), families.end(), isGeneric);
     const std::string instead = "fontconfig would take '" + firstOf(answer.get(), FC_FAMILY) + " " +
                                 firstOf(answer.get(), FC_STYLE) + "' (" + path + ")";
     if (!generic && !answered(asked.get(), answer.get(), FC_FAMILY)) {
-        throw Failure(option + ": '" + text + "' is no file, and no font has that name; " + instead);
+        throw Failure(option + ": '" + text + "' is not a file, and no font has that name; " + instead);
     }
     if (!hasStyle(asked.get(), answer.get())) {
         throw Failure(option + ": '" + text + "' is a style that the font lacks; " + instead);

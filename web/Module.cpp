@@ -44,7 +44,7 @@ public:
         if (found != mFiles.end() && *found->second == bytes) return false;
         if (found != mFiles.end())
             throw UsageError("name: '" + name + "' has other bytes already; take another name");
-        if (name.empty() || name == "-") throw UsageError("name: '" + name + "' is no name for a file");
+        if (name.empty() || name == "-") throw UsageError("name: '" + name + "' is not a name for a file");
         mFiles[name] = std::make_shared<const std::string>(std::move(bytes));
         return true;
     }

@@ -100,7 +100,7 @@ function systemOf(memory) {
 
 // JSON of the options, without halves of surrogate pairs. NaN and infinity become arrays, which no option takes.
 function jsonOf(options) {
-  if (typeof options !== 'object' || options === null) throw new ZvexError('options', 'are no object');
+  if (typeof options !== 'object' || options === null) throw new ZvexError('options', 'is not an object');
   let json;
   try {
     json = JSON.stringify(options, (key, value) => typeof value !== 'number' || Number.isFinite(value) ? value : [`${value}`]);
@@ -192,7 +192,7 @@ class Zvex {
   }
 
   #add(option, name, bytes, font) {
-    if (typeof name !== 'string' || name === '') throw new ZvexError('name', 'is no name');
+    if (typeof name !== 'string' || name === '') throw new ZvexError('name', 'is not a name');
     this.#with([new TextEncoder().encode(name), bytesOf(option, bytes)], (text, data, textSize, size) =>
         this.#ask('zvex_add', text, textSize, data, size, font));
   }

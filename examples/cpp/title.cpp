@@ -23,7 +23,7 @@ int main(int argc, char** argv) {
         return 1;
     }
     if (!object.SetFont(argv[1])) {
-        std::fprintf(stderr, "title: %s is no font\n", argv[1]);
+        std::fprintf(stderr, "title: %s is not a font\n", argv[1]);
         return 1;
     }
     android::Paint paint;

@@ -160,7 +160,7 @@ final class TextTest {
         wrong.put("wrap width: -1", t -> t.wrap(-1));
         wrong.put("opacity: -0.5", t -> t.opacity(-0.5f));
         wrong.put("stop position: 101 is not a number from 0 to 100 (%)", t -> new Stops().add(0, 101));
-        wrong.put("3 pixels are no picture of 2 x 2", t -> new ZvPicture(new int[3], 2, 2));
+        wrong.put("3 pixels are not a picture of 2 x 2", t -> new ZvPicture(new int[3], 2, 2));
         try (ZvText text = text("Text")) {
             int[] before = text.render();
             wrong.forEach((message, call) -> {

@@ -60,7 +60,7 @@ TEST(SceneOptions, AreRefusedWithPlaceAndCause) {
         {R"("font": ""})", "font: is given twice"}};
     for (const auto& [options, message] : cases)
         EXPECT_EQ(refusal([&line = options] { readScene(kStart + line); }), message);
-    EXPECT_EQ(refusal([] { readScene("[]"); }), "it is no JSON object");
+    EXPECT_EQ(refusal([] { readScene("[]"); }), "it is not a JSON object");
     try {
         readScene(kStart + R"("size": "9%"})");
         FAIL();

@@ -42,9 +42,10 @@ TEST(Render, AFontsBytesDrawAsItsFile) {
     bytes << std::ifstream(kFont, std::ios::binary).rdbuf();
     EXPECT_EQ(render(sceneOf("Bytes", Font::fromBytes(bytes.str()))).picture.pixels,
               render(sceneOf("Bytes")).picture.pixels);
-    EXPECT_EQ(
-        refusal([] { render(sceneOf("x", Font::fromBytes("none"))); }).rfind("--font: 'bytes' is no font", 0),
-        0u);
+    EXPECT_EQ(refusal([] {
+                  render(sceneOf("x", Font::fromBytes("none")));
+              }).rfind("--font: 'bytes' is not a font", 0),
+              0u);
 }
 
 TEST(Render, MeasuresAndDrawsIntoTheCallersMemory) {

@@ -253,9 +253,9 @@ TEST(Style, RefusalsOfWhatItExtendsNameTheFiles) {
     const std::pair<const char*, const char*> cases[] = {
         {R"({"extends": 1})", "extends: 1 is not the name of a preset or the path of a style file"},
         {R"({"extends": ""})", "extends: '' is not the name of a preset or the path of a style file"},
-        {R"({"extends": "golden"})", "extends: 'golden' is no file, and not one of aurora, "},
+        {R"({"extends": "golden"})", "extends: 'golden' is not a file, and not one of aurora, "},
         {R"({"extends": "none.json"})", "extends: there is no 'none.json'"},
-        {R"({"extends": "-"})", "extends: '-' is no file"},
+        {R"({"extends": "-"})", "extends: '-' is not a file"},
         {R"({"extends": "a"})", "extends: 'a': extends: 'b': extends: 'a' extends this style itself"},
         {R"({"extends": "./sub/x"})",
          "extends: 'sub/x': extends: 'sub/y': extends: there is no 'sub/../none'"},

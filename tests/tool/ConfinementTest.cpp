@@ -162,7 +162,7 @@ TEST_F(Confinement, LinksDoNotLeadALinesFilesOutOfTheOutputFolder) {
     for (size_t i = 0; i < lines.size(); ++i) {
         EXPECT_EQ(errors[i].empty(), cases[i].answer == "drawn") << lines[i] << errors[i];
         const std::string expected = cases[i].answer == "drawn"  ? ""
-                                     : cases[i].answer == "pipe" ? "is no regular file"
+                                     : cases[i].answer == "pipe" ? "is not a regular file"
                                                                  : outside;
         EXPECT_NE(errors[i].find(expected), std::string::npos) << lines[i] << errors[i];
     }

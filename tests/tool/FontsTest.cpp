@@ -98,7 +98,7 @@ TEST_F(Fonts, NamesOfFilesWinAndTheSystemMayHaveNone) {
     EXPECT_NE(report("inspect font Sans-Serif")["family"], "") << "any font serves a generic name";
     configure("");
     expectRefused("inspect font 'DejaVu Sans'", 1,
-                  "FONT: 'DejaVu Sans' is no file, and fontconfig knows no font at all");
+                  "FONT: 'DejaVu Sans' is not a file, and fontconfig knows no font at all");
 }
 
 TEST_F(Fonts, TheSystemsFontsServeWhatTheGivenOnesLack) {

@@ -78,13 +78,13 @@ void addJsonFlag(CLI::App& command, bool& json) {
 void addReadOptions(CLI::App& command, ReadOptions& reads, const std::string& namers) {
     command
         .add_option("--allow-read", reads.folders,
-                    "Let " + namers + " name files in this folder and below it; give it again for more")
+                    "Let " + namers + " use files in this folder and below; give it again for more")
         ->type_name("DIR")
         ->check(CLI::Validator(CLI::ExistingDirectory).description(""))
         ->take_all()
         ->allow_extra_args(false);
     command.add_flag("--allow-read-anywhere", reads.anywhere,
-                     "Let " + namers + " name any file, pipes and devices too");
+                     "Let " + namers + " use any file, also pipes and devices");
 }
 
 }  // namespace zvtext

@@ -95,18 +95,19 @@ int run(int argc, char** argv) {
     gallery->callback([&] { runGallery(galleryArguments); });
     int status = 0;
     PreviewArguments previewArguments;
-    CLI::App* preview = app.add_subcommand("preview", "Show styles at several sizes on several grounds");
+    CLI::App* preview = app.add_subcommand("preview", "Show styles at several sizes, on several backgrounds");
     addPreviewOptions(*preview, previewArguments);
     preview->callback([&] { status = runPreview(previewArguments); });
     InspectArguments inspectArguments;
-    addInspectCommands(*app.add_subcommand("inspect", "Say what a font or a style is, or what a text needs"),
+    addInspectCommands(*app.add_subcommand("inspect", "Describe a font, a style, or what a text needs"),
                        inspectArguments);
     addPrintingCommands(app);
     app.footer(
         "Examples:\n"
         "  $ zvtext render 'Grüße' --font 'DejaVu Sans:bold' --preset gold -o gold.png\n"
         "  $ zvtext render --help\n"
-        "The exit status is 0, 1 where a file or the machine failed, or 2 where the command line was wrong.");
+        "The exit status is 0 on success, 1 if a file or the machine failed, or 2 if the command line was "
+        "wrong.");
     BatchArguments batchArguments;
     CLI::App* batch = app.add_subcommand("batch", "Render lines of JSON, one picture each");
     addBatchOptions(*batch, batchArguments);
@@ -124,7 +125,7 @@ int run(int argc, char** argv) {
         const bool ofCommand = std::string(error.what()).find("subcommand") != std::string::npos;
         if (unknown.empty() || !ofCommand)
             return complain(std::string(error.what()) + " (see zvtext --help)", kExitUsage);
-        return complain("'" + unknown.front() + "' is no command (see zvtext --help)", kExitUsage);
+        return complain("'" + unknown.front() + "' is not a command (see zvtext --help)", kExitUsage);
     } catch (const CLI::ExtrasError&) {  // its message lists them backwards
         const std::vector<std::string> unknown = app.remaining(true);
         std::string list;

@@ -51,7 +51,7 @@ BatchJournal::BatchJournal(const std::string& folder, bool reads) {
     struct stat status = {};
     if (fstat(mDescriptor, &status) != 0 || !S_ISREG(status.st_mode)) {
         close(mDescriptor);
-        refuse("it is no regular file");
+        refuse("it is not a regular file");
     }
     if (reads) findRecords();
     const off_t size = lseek(mDescriptor, 0, SEEK_END);

@@ -39,7 +39,7 @@ std::string BatchNames::pathOf(const std::string& option, const std::string& nam
     if (name == "-" && option == "--output") return name;
     const fs::path path = fs::path(name).lexically_normal();
     if (path.empty() || !path.has_filename() || path == "." || path.filename() == "..") {
-        throw UsageError(option + ": '" + name + "' is no name of a file");
+        throw UsageError(option + ": '" + name + "' is not the name of a file");
     }
     if ((path.is_absolute() || *path.begin() == "..") && !mScope.isAnywhere()) {
         throw UsageError(option + ": '" + name + "' leaves the output folder; --allow-outside lets it");

@@ -163,14 +163,14 @@ std::vector<std::string> galleryGroupNames() {
 }
 
 void addGalleryOptions(CLI::App& command, GalleryArguments& a) {
-    command.add_option("dir", a.folder, "The folder to write into; made when missing")
+    command.add_option("dir", a.folder, "The folder to write into; created if missing")
         ->type_name("DIR")
         ->required();
     addSettings(command, {{"font-dir", TextField{&a.fontFolder, kMaxFieldBytes, "a folder"},
-                           "Where fonts are looked for, by file name", "DIR"}});
+                           "Folder in which fonts are searched for, by file name", "DIR"}});
     command
         .add_option("--only", a.groups,
-                    "Only this group; give it again for more: " + joined(galleryGroupNames()))
+                    "Draw only this group; give it again for more: " + joined(galleryGroupNames()))
         ->type_name("GROUP")
         ->take_all()
         ->allow_extra_args(false);

@@ -133,7 +133,7 @@ void runInspectFont(const InspectFontArguments& arguments) {
 
 void addInspectFont(CLI::App& inspect, InspectFontArguments& a) {
     CLI::App* command =
-        inspect.add_subcommand("font", "What a font is: names, style, metrics, axes, scripts");
+        inspect.add_subcommand("font", "Describe a font: names, style, metrics, axes, scripts");
     const Fields fields = fieldsOf(a.scene);
     command->add_option("font", a.scene.font.name, findField(fields, "font")->help)
         ->type_name("FONT")

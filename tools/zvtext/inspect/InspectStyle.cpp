@@ -127,15 +127,14 @@ void runInspectStyle(const InspectStyleArguments& a) {
 
 void addInspectStyle(CLI::App& inspect, InspectStyleArguments& a) {
     CLI::App* command =
-        inspect.add_subcommand("style", "What a style draws: margins, layers, estimated working memory");
-    command->add_option("style", a.style, "A preset's name, or a style file; ./NAME is always a file")
+        inspect.add_subcommand("style", "Describe a style: margins, layers, estimated working memory");
+    command->add_option("style", a.style, "Name of a preset, or a style file; ./NAME is always a file")
         ->type_name("FILE|PRESET")
         ->required();
-    addSettings(*command, {{"size", NumberField{&a.size, kTextSize},
-                            "The text size it is used at; else the style's own"},
+    addSettings(*command, {{"size", NumberField{&a.size, kTextSize}, "Text size; by default the style's own"},
                            {"width", NumberField{&a.width, kViewSide},
-                            "Width of the picture the memory is for, without margins"},
-                           {"height", NumberField{&a.height, kViewSide}, "Its height"}});
+                            "Width of the picture for which memory is estimated, without margins"},
+                           {"height", NumberField{&a.height, kViewSide}, "Height of that picture"}});
     addReadOptions(*command, a.reads, "the style file");
     addJsonFlag(*command, a.json);
     command->footer(

@@ -153,7 +153,7 @@ void runInspectText(const InspectTextArguments& arguments) {
 
 void addInspectText(CLI::App& inspect, InspectTextArguments& a) {
     CLI::App* command = inspect.add_subcommand(
-        "text", "What a text needs: scripts, the font of each part, what no font has, where lines break");
+        "text", "Show what a text needs: scripts, the font of each part, missing characters, line breaks");
     SceneOptions options;
     addOptions(*command, fieldsOf(options), a.given);
     addReadOptions(*command, a.reads, "a style file");

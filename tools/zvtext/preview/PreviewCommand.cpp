@@ -212,22 +212,22 @@ private:
 }  // namespace
 
 void addPreviewOptions(CLI::App& command, PreviewArguments& a) {
-    command.add_option("style", a.styles, "Presets' names and style files; ./NAME is always a file")
+    command.add_option("style", a.styles, "Names of presets, or style files; ./NAME is always a file")
         ->type_name("FILE|PRESET")
         ->required();
-    command.add_option("--text", a.texts, "The words, instead of Sample; give it again for more")
+    command.add_option("--text", a.texts, "The words, Sample by default; give it again for more")
         ->type_name("WORDS")
         ->take_all()
         ->allow_extra_args(false);
     addSettings(command, {{"sizes", TextField{&a.sizes, kMaxFieldBytes, "a list of sizes; write 24,64,160"},
                            "The text sizes, in pixels", "PX,PX,..."},
                           {"grounds", TextField{&a.grounds, kMaxFieldBytes, "a list of grounds"},
-                           "What lies behind the pictures; all three without it", "light,dark,transparent"},
+                           "Backgrounds of the pictures; all three by default", "light,dark,transparent"},
                           {"output", TextField{&a.output, kMaxFieldBytes, kWantedPath},
-                           "A page by itself, .html, or a picture, .png", "FILE", "o"},
+                           "One HTML page (.html) or one picture (.png)", "FILE", "o"},
                           {"watch", FlagField{&a.watches},
-                           "Make it again when a style, its pattern or a font changes, until Ctrl-C; a page "
-                           "that is open shows the new one"}});
+                           "Make it again whenever a style, its pattern or a font changes, until Ctrl-C; an "
+                           "open page reloads itself"}});
     SceneOptions options;
     options.scene.font.name = kDefaultFont;
     addOptions(command, settingFields(options), a.given);

@@ -69,12 +69,12 @@ Fields fieldsOf(OutputOptions& options) {
         {"format",
          ChoiceField{&options.format,
                      {{"png", OutputFormat::Png}, {"webp", OutputFormat::Webp}, {"raw", OutputFormat::Rgba}}},
-         "PNG, lossless WebP or raw RGBA bytes; else by the output's ending: .png, .webp, .rgba"},
+         "PNG, lossless WebP or raw RGBA bytes; by default as the output's ending says: .png, .webp, .rgba"},
         {"dpi", NumberField{&options.dpi, {1, 10000}},
-         "Pixels an inch that a PNG says it has; at 72 a pixel is a point"},
+         "Resolution stored in a PNG, in pixels per inch; at 72 a pixel is a point"},
         compressionField(options.compression),
         {"premultiplied", FlagField{&options.premultiplied},
-         "Colours multiplied by their alpha; otherwise straight"}};
+         "Multiply colours by alpha; by default they are straight"}};
 }
 
 void checkOutput(const std::string& path, const OutputOptions& options, const std::string& option) {

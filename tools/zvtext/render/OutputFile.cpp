@@ -129,7 +129,7 @@ private:
             if (!scope.holds(existing)) throw Failure(scope.refusal(mOption, mPath));
             if (!S_ISREG(status.st_mode)) {
                 throw Failure(mOption + ": '" + mPath + "' is " +
-                              (S_ISDIR(status.st_mode) ? "a folder" : "no regular file"));
+                              (S_ISDIR(status.st_mode) ? "a folder" : "not a regular file"));
             }
             mode = status.st_mode & kPermissions;
             const std::string resolved = resolvedPath(mPath);

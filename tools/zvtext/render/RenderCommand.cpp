@@ -24,25 +24,24 @@ void addRenderOptions(CLI::App& command, RenderArguments& a) {
     addOptions(command, fieldsOf(options), a.given);
     addReadOptions(command, a.reads, "a style file");
     Fields own;
-    addFields(
-        own,
-        {{"output", TextField{&a.output, kMaxFieldBytes, kWantedPath},
-          "The picture, zvtext.png without it; - is standard output", "FILE", "o"},
-         {"metrics", TextField{&a.metrics, kMaxFieldBytes, kWantedPath},
-          "Where the parts of the picture lie, in JSON; - is standard output", "FILE"},
-         {"print-style", FlagField{&a.printStyle},
-          "Print the style these options make, for --style; renders only with --output"},
-         {"print-key", FlagField{&a.printKey},
-          "Print the layer key in hex; renders only with --output. A pattern's part of it is different in "
-          "every run"}},
-        "Output");
+    addFields(own,
+              {{"output", TextField{&a.output, kMaxFieldBytes, kWantedPath},
+                "The picture's file, zvtext.png by default; - is standard output", "FILE", "o"},
+               {"metrics", TextField{&a.metrics, kMaxFieldBytes, kWantedPath},
+                "JSON file for the picture's metrics: size, margins, baseline, boxes; - is standard output",
+                "FILE"},
+               {"print-style", FlagField{&a.printStyle},
+                "Print the style that these options make, as a file for --style; renders only with --output"},
+               {"print-key", FlagField{&a.printKey},
+                "Print the layer key in hex; renders only with --output. A pattern's part of the key differs "
+                "in each run"}},
+              "Output");
     addSettings(command, own);
     command.footer(
-        "Effects, each with what it takes and the value of what is left out:\n" + effectsHelp() +
-        "Effects are added in the order given; giving one again replaces it. Options win over --style.\n"
-        "The library drops fractions of pixels, degrees and stop positions. The alpha of a colour "
-        "multiplies\n"
-        "into the opacity beside it. Every effect widens the picture by the margin it needs.\n\n"
+        "Keys of each effect, with ranges and defaults:\n" + effectsHelp() +
+        "Effects are added in the order given; giving one again replaces it. Options override --style.\n"
+        "The library drops fractions of pixels, degrees and stop positions. A colour's alpha multiplies\nthe "
+        "opacity beside it. Every effect widens the picture by the margin it needs.\n\n"
         "Examples:\n"
         "  $ zvtext render 'Grüße' --font 'DejaVu Sans:bold' --size 120 --color '#ff8800' --stroke "
         "8:#202020\n"
@@ -53,7 +52,8 @@ void addRenderOptions(CLI::App& command, RenderArguments& a) {
         "  $ zvtext render 'Ice' --font 'DejaVu Sans:bold' --preset ice --scale 2 -o ice.webp\n"
         "  $ date | zvtext render - --font 'DejaVu Serif:bold' --size 32 --width 600 --align center -o "
         "date.png\n"
-        "The exit status is 0, 1 where a file or the machine failed, or 2 where the command line was wrong.");
+        "The exit status is 0 on success, 1 if a file or the machine failed, or 2 if the command line was "
+        "wrong.");
 }
 
 RenderOptions readRenderOptions(const RenderArguments& arguments) {

@@ -123,7 +123,7 @@ public class FontListParser {
         try {
             return value == null ? missing : Integer.parseInt(value);
         } catch (NumberFormatException e) {
-            throw fault(attribute + "=\"" + value + "\" is no number");
+            throw fault(attribute + "=\"" + value + "\" is not a number");
         }
     }
 

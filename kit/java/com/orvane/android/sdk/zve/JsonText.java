@@ -50,7 +50,7 @@ final class JsonText {
         }
         String where = text.indexOf('\n') < 0 ? "" : "line " + line + ", ";
         return new IllegalArgumentException(
-                "it is no JSON: parse error at " + where + "column " + (at - begin + 1) + ": " + why);
+                "it is not JSON: parse error at " + where + "column " + (at - begin + 1) + ": " + why);
     }
 
     private void count() {

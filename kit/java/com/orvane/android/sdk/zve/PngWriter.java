@@ -17,7 +17,7 @@ final class PngWriter {
 
     static void write(OutputStream out, int[] argb, int width, int height) throws IOException {
         if (width < 1 || height < 1) {
-            throw new IOException("a picture of " + width + " x " + height + " pixels is no PNG");
+            throw new IOException("a picture of " + width + " x " + height + " pixels cannot be a PNG");
         }
         DataOutputStream data = new DataOutputStream(out);
         data.write(new byte[] {(byte) 0x89, 'P', 'N', 'G', '\r', '\n', 0x1A, '\n'});

@@ -106,7 +106,7 @@ final class StyleReader {
             }
             return (JSONObject) value;
         } catch (JSONException e) {
-            throw new IllegalArgumentException("it is no JSON: " + e.getMessage(), e);
+            throw new IllegalArgumentException("it is not JSON: " + e.getMessage(), e);
         }
     }
 
@@ -131,7 +131,7 @@ final class StyleReader {
         try {
             return within("extends: '" + file + "'", files.findStyle(file), below);
         } catch (IOException e) {
-            String why = name.matches("[^./]*") ? "is no file, and not one of " + String.join(", ", ZvStyle.presets())
+            String why = name.matches("[^./]*") ? "is not a file, and not one of " + String.join(", ", ZvStyle.presets())
                     : "cannot be read: " + e.getMessage();
             throw new IllegalArgumentException("extends: '" + file + "' " + why, e);
         }

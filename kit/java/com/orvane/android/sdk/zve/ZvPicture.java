@@ -23,7 +23,7 @@ public final class ZvPicture extends PictureImages {
     public ZvPicture(int[] argb, int width, int height) {
         this(argb.clone(), width, height, new int[4], new int[2]);
         if (width < 1 || height < 1 || (long) width * height != argb.length) {
-            throw new IllegalArgumentException(argb.length + " pixels are no picture of " + width + " x " + height);
+            throw new IllegalArgumentException(argb.length + " pixels are not a picture of " + width + " x " + height);
         }
     }
 
