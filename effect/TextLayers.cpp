@@ -73,13 +73,13 @@ int coverageAt(const Spread& coverage, const ZvRect& text, int64_t x, int64_t y)
 
 // `count` pixels of a row of colour glyphs onto the layer's picture, from (x, y) on; `around` is the picture
 // of the effects around them.
-void joinColours(const uint32_t* colours, size_t count, float opacity, const Spread& coverage,
-                 const ZvRect& text, int64_t x, int64_t y, uint32_t* target, const uint32_t* around) {
+void joinColors(const uint32_t* colors, size_t count, float opacity, const Spread& coverage,
+                const ZvRect& text, int64_t x, int64_t y, uint32_t* target, const uint32_t* around) {
     using JoinRows::kPiece;
     for (size_t at = 0; at < count; at += kPiece) {
         const size_t here = std::min(kPiece, count - at);
         uint32_t source[kPiece] = {}, below[kPiece] = {};
-        std::copy_n(colours + at, here, source);
+        std::copy_n(colors + at, here, source);
         if (JoinRows::isTransparent(source)) continue;
         for (size_t i = 0; i < here; ++i) {
             const int alpha = static_cast<int>(source[i] >> 24);
@@ -100,8 +100,9 @@ void joinColours(const uint32_t* colours, size_t count, float opacity, const Spr
 }
 
 // Onto the layer's picture, in which the text has the box. False if memory is short.
-bool drawColours(const TextLayer& layer, const Spread& coverage, const ZvRect& box, const DrawnLayer& own) {
-    const ColourGlyphs& glyphs = *layer.colours;
+bool drawColorGlyphs(const TextLayer& layer, const Spread& coverage, const ZvRect& box,
+                     const DrawnLayer& own) {
+    const ColorGlyphLayer& glyphs = *layer.colorGlyphs;
     ZvBitmap* drawn = own.picture.get();
     std::unique_ptr<ZvBitmap> around;
     if (glyphs.around != nullptr) {
@@ -119,10 +120,10 @@ bool drawColours(const TextLayer& layer, const Spread& coverage, const ZvRect& b
     const auto* words = reinterpret_cast<const uint32_t*>(glyphs.picture.pixels);
     for (int64_t y = top; y < bottom && left < right; ++y) {
         const auto at = static_cast<size_t>(y * drawn->width + left);
-        joinColours(words + (y - glyphsY) * glyphs.picture.width + (left - glyphsX),
-                    static_cast<size_t>(right - left), static_cast<float>(layer.effect->textAlpha) / 255,
-                    coverage, box, left, y, reinterpret_cast<uint32_t*>(drawn->pixels) + at,
-                    around != nullptr ? reinterpret_cast<const uint32_t*>(around->pixels) + at : nullptr);
+        joinColors(words + (y - glyphsY) * glyphs.picture.width + (left - glyphsX),
+                   static_cast<size_t>(right - left), static_cast<float>(layer.effect->textAlpha) / 255,
+                   coverage, box, left, y, reinterpret_cast<uint32_t*>(drawn->pixels) + at,
+                   around != nullptr ? reinterpret_cast<const uint32_t*>(around->pixels) + at : nullptr);
     }
     return true;
 }
@@ -141,7 +142,7 @@ const Spread* coverageFor(size_t i, const TextCoverage& text, const TextLayer* l
 size_t firstLike(size_t i, const TextLayer* layers) {
     const auto isLike = [&](const TextLayer& layer) {
         return layer.effect == layers[i].effect && layer.spread == layers[i].spread &&
-               layer.colours == layers[i].colours;
+               layer.colorGlyphs == layers[i].colorGlyphs;
     };
     return static_cast<size_t>(std::find_if(layers, layers + i, isLike) - layers);
 }
@@ -231,7 +232,7 @@ bool drawTextLayers(ZvBitmap* picture, const TextCoverage& text, const TextLayer
         if (own.picture == nullptr || own.picture->pixels == nullptr) return false;
         const ZvRect box = movedBy(-int64_t{own.area.left}, -int64_t{own.area.top}, text.box);
         if (!drawStack(*layer.effect, *coverage, box.left, box.top, own.picture.get())) return false;
-        if (layer.colours != nullptr && !drawColours(layer, *coverage, box, own)) return false;
+        if (layer.colorGlyphs != nullptr && !drawColorGlyphs(layer, *coverage, box, own)) return false;
         if (!isCut) continue;
         clearOutside(*own.picture,
                      movedBy(-int64_t{layer.x} - own.area.left, -int64_t{layer.y} - own.area.top, clip));

@@ -21,7 +21,7 @@ class ZvEffect;
 //     drawTextLayers makes the picture
 
 // The glyphs of a layer that have their own colours instead of the stack's fill.
-struct ColourGlyphs {
+struct ColorGlyphLayer {
     ZvBitmap picture;  // straight words 0xAARRGGBB
     int x = 0, y = 0;  // its top-left in the picture, before the layer moves
     // A stack without text colour: the effects that show around these glyphs. Its opacity is not used. Not
@@ -39,7 +39,7 @@ struct TextLayer {
     float opacity = 1;
     bool clipped = false;   // to the nearest layer behind it that is not clipped (JoinedLayer)
     bool knockout = false;  // hides the layer within the glyphs, as they are before any spread and move
-    const ColourGlyphs* colours = nullptr;  // glyphs with colours of their own; not owned
+    const ColorGlyphLayer* colorGlyphs = nullptr;  // glyphs with colours of their own; not owned
 };
 
 // How far the layers reach beyond the text, in pixels: for each layer its stack's margins plus a positive

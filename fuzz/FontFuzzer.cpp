@@ -87,8 +87,8 @@ void askFace(const std::string& file, const host::GlyphStyle& style, fuzz::Input
             const auto image = face->image(glyph, style, quarterX);
             ZVEX_FUZZ_CHECK(image->coverage.size() ==
                             static_cast<size_t>(image->width) * static_cast<size_t>(image->height));
-            const host::ColourImage colours = face->colourImage(glyph, style, quarterX, input.word());
-            ZVEX_FUZZ_CHECK(colours.pixels.empty() || colours.pixels.size() == image->coverage.size());
+            const host::ColorImage colors = face->colorImage(glyph, style, quarterX, input.word());
+            ZVEX_FUZZ_CHECK(colors.pixels.empty() || colors.pixels.size() == image->coverage.size());
         }
         ZVEX_FUZZ_CHECK(box.right - box.left <= host::kMaxGlyphSide &&
                         box.bottom - box.top <= host::kMaxGlyphSide);

@@ -17,7 +17,7 @@
 #include "effect/ZvProperty.h"
 #include "foundation/OutOfMemory.h"
 #include "jni/BoundTextObject.h"
-#include "jni/GlyphColours.h"
+#include "jni/GlyphColors.h"
 #include "jni/JniSupport.h"
 #include "jni/RenderPicture.h"
 #include "raster/ZvBitmap.h"
@@ -71,23 +71,23 @@ public:
     size_t count() const { return mLayers.size(); }
 
     // Gives the layers that show the glyphs' colours these, and the coverage the glyphs' shape.
-    void takeColours(const GlyphColours& glyphs, TextCoverage& coverage, const ZvBitmap& picture) {
+    void takeColorGlyphs(const GlyphColors& glyphs, TextCoverage& coverage, const ZvBitmap& picture) {
         const auto draw = [&](uint32_t textColor) {
             return glyphs.draw(coverage.margins, static_cast<int>(picture.width),
                                static_cast<int>(picture.height), textColor | 0xFF000000);
         };
         for (size_t i = 0; i < mLayers.size(); ++i) {
             if (!mColored[i]) continue;
-            mColours.push_back(std::make_unique<LayerColours>(draw(mColors[i]), *mLayers[i].effect));
-            mLayers[i].colours = &mColours.back()->glyphs;
+            mColorGlyphs.push_back(std::make_unique<LayerGlyphs>(draw(mColors[i]), *mLayers[i].effect));
+            mLayers[i].colorGlyphs = &mColorGlyphs.back()->glyphs;
         }
-        glyphs.complete(coverage, mColours.empty() ? draw(0) : mColours.front()->glyphs);
+        glyphs.complete(coverage, mColorGlyphs.empty() ? draw(0) : mColorGlyphs.front()->glyphs);
     }
 
 private:
     // One layer's glyphs in their colours, and those of its effects that show around them.
-    struct LayerColours {
-        LayerColours(ColourGlyphs drawn, const ZvEffect& stack) : glyphs(std::move(drawn)), around(stack) {
+    struct LayerGlyphs {
+        LayerGlyphs(ColorGlyphLayer drawn, const ZvEffect& stack) : glyphs(std::move(drawn)), around(stack) {
             for (int type = ZV_EFFECT_OUTER_SHADOW; type <= ZV_EFFECT_TEXT; ++type) {
                 if (!showsAround(around.getEffect(type))) around.releaseEffect(around.getEffect(type));
             }
@@ -103,7 +103,7 @@ private:
                                      : type == ZV_EFFECT_OUTER_SHADOW || type == ZV_EFFECT_OUTER_GLOW;
         }
 
-        ColourGlyphs glyphs;
+        ColorGlyphLayer glyphs;
         ZvEffect around;
     };
 
@@ -135,7 +135,7 @@ private:
     std::vector<TextLayer> mLayers;
     std::vector<uint32_t> mColors;
     std::vector<bool> mColored;
-    std::vector<std::unique_ptr<LayerColours>> mColours;
+    std::vector<std::unique_ptr<LayerGlyphs>> mColorGlyphs;
 };
 
 // While it lives, the object's stack has only the coverage as a layer, and its text has no colour.
@@ -194,7 +194,7 @@ void drawGround(const Ground& ground, const ZvBitmap& background, ZvBitmap* pict
 // The picture as a Java array; null if memory is short, possibly with an exception pending. `glyphs` are the
 // text's; null if none has colours.
 jintArray renderLayers(JNIEnv* env, ZvTextObject& text, LayerList& list, const Ground& ground, float opacity,
-                       const GlyphColours* glyphs) {
+                       const GlyphColors* glyphs) {
     TextCoverage coverage;
     coverage.margins = marginsOf(list.layers(), list.count());
     const uint32_t* words = nullptr;
@@ -215,7 +215,7 @@ jintArray renderLayers(JNIEnv* env, ZvTextObject& text, LayerList& list, const G
                               reinterpret_cast<const unsigned char*>(words), 4);
     drawGround(ground, background, &picture);
     list.setColors();
-    if (glyphs != nullptr) list.takeColours(*glyphs, coverage, picture);
+    if (glyphs != nullptr) list.takeColorGlyphs(*glyphs, coverage, picture);
     if (!drawTextLayers(&picture, coverage, list.layers(), list.count(), textClip(view), opacity) ||
         (ground.background && ground.linear && !layOver(background, picture))) {
         return nullptr;
@@ -253,7 +253,7 @@ jintArray JNICALL ZvTextEffects_RenderLayers(JNIEnv* env, jclass, jint handle, j
         ground.canvas = filled->GetEffect();
     }
     return unlessOutOfMemory<jintArray>(nullptr, [&] {
-        const std::unique_ptr<GlyphColours> glyphs = GlyphColours::of(*text);
+        const std::unique_ptr<GlyphColors> glyphs = GlyphColors::of(*text);
         return renderLayers(env, *text, list, ground, opacity, glyphs.get());
     });
 }
@@ -262,7 +262,7 @@ jintArray JNICALL ZvTextEffects_Render(JNIEnv* env, jclass, jint handle, jboolea
                                        jboolean background, jint textColor, jfloat opacity) {
     ZV_TEXT_OBJECT_OF(handle, text, nullptr);
     return unlessOutOfMemory<jintArray>(nullptr, [&] {
-        const std::unique_ptr<GlyphColours> glyphs = GlyphColours::of(*text);
+        const std::unique_ptr<GlyphColors> glyphs = GlyphColors::of(*text);
         if (glyphs == nullptr || (colored == JNI_FALSE && !glyphs->lackCoverage()))
             return renderPicture(env, *text, kTag, "ZvTextEffects_Render");
         LayerList list;

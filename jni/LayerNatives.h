@@ -22,7 +22,7 @@ jintArray JNICALL ZvTextEffects_RenderLayers(JNIEnv* env, jclass, jint handle, j
                                              jfloatArray opacities, jint canvas, jint canvasColor,
                                              jboolean background, jfloat opacity);
 
-// Like ZvText_RenderTextEffect, and glyphs that have colours of their own (GlyphColours) are drawn in these
+// Like ZvText_RenderTextEffect, and glyphs that have colours of their own (GlyphColors) are drawn in these
 // if `colored`. If there are any, the text has `textColor`, and the picture's alpha is multiplied by
 // `opacity`.
 jintArray JNICALL ZvTextEffects_Render(JNIEnv* env, jclass, jint handle, jboolean colored,

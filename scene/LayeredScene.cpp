@@ -98,22 +98,22 @@ LayeredScene::LayeredScene(const Style& style, Zvex::ZvTextObject& object)
     object.SetBackgroundColor(style.background.value_or(0), style.background.has_value());
 }
 
-std::unique_ptr<LayeredScene::Colours> LayeredScene::coloursOf(const Look& look, uint32_t color,
-                                                               const ZvBitmap& picture,
-                                                               const std::vector<PlacedRun>& runs) const {
-    auto colours = std::make_unique<Colours>();
-    colours->glyphs = drawColours(runs, color | 0xFF000000, static_cast<int>(picture.width),
-                                  static_cast<int>(picture.height));
+std::unique_ptr<LayeredScene::Colors> LayeredScene::colorsOf(const Look& look, uint32_t color,
+                                                             const ZvBitmap& picture,
+                                                             const std::vector<PlacedRun>& runs) const {
+    auto colors = std::make_unique<Colors>();
+    colors->glyphs = drawColorGlyphs(runs, color | 0xFF000000, static_cast<int>(picture.width),
+                                     static_cast<int>(picture.height));
     const std::vector<EffectSettings> around = effectsAround(look.effects);
-    addEffects(colours->around, around);
-    if (!around.empty()) colours->glyphs.around = &colours->around;
-    return colours;
+    addEffects(colors->around, around);
+    if (!around.empty()) colors->glyphs.around = &colors->around;
+    return colors;
 }
 
 // Gives the layers, from the back, their colours, and the coverage the shape of these glyphs.
-void LayeredScene::setColours(std::vector<Zvex::TextLayer>& layers,
-                              std::vector<std::unique_ptr<Colours>>& colours, const ZvBitmap& picture,
-                              const std::vector<PlacedRun>& runs) {
+void LayeredScene::setColors(std::vector<Zvex::TextLayer>& layers,
+                             std::vector<std::unique_ptr<Colors>>& colors, const ZvBitmap& picture,
+                             const std::vector<PlacedRun>& runs) {
     const bool any = std::any_of(runs.begin(), runs.end(),
                                  [](const PlacedRun& placed) { return !placed.run->glyphs.empty(); });
     if (!any) return;
@@ -123,11 +123,11 @@ void LayeredScene::setColours(std::vector<Zvex::TextLayer>& layers,
         const bool single = mStyle.layers.empty();
         const Look& look = single ? static_cast<const Look&>(mStyle) : mStyle.layers[i];
         const uint32_t color = single ? mStyle.color : mStyle.layers[i].color.value_or(mStyle.color);
-        colours.push_back(coloursOf(look, color, picture, runs));
-        layers[layers.size() - 1 - i].colours = &colours.back()->glyphs;
+        colors.push_back(colorsOf(look, color, picture, runs));
+        layers[layers.size() - 1 - i].colorGlyphs = &colors.back()->glyphs;
     }
-    if (colours.empty()) colours.push_back(coloursOf({}, 0, picture, runs));
-    raiseCoverage(*mCoverage, colours.front()->glyphs);
+    if (colors.empty()) colors.push_back(colorsOf({}, 0, picture, runs));
+    raiseCoverage(*mCoverage, colors.front()->glyphs);
 }
 
 void LayeredScene::render(ZvBitmap& picture, const std::vector<PlacedRun>& runs) {
@@ -144,8 +144,8 @@ void LayeredScene::render(ZvBitmap& picture, const std::vector<PlacedRun>& runs)
         Zvex::joinLayers(&picture, &layer, 1);
     }
     std::vector<Zvex::TextLayer> layers = mStacks.layers;
-    std::vector<std::unique_ptr<Colours>> colours;
-    setColours(layers, colours, picture, runs);
+    std::vector<std::unique_ptr<Colors>> colors;
+    setColors(layers, colors, picture, runs);
     if (!Zvex::drawTextLayers(&picture, *mCoverage, layers.data(), layers.size(),
                               Zvex::textClip(*mObject.GetView()), static_cast<float>(mStyle.opacity))) {
         refuseForMemory();

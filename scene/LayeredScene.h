@@ -10,7 +10,7 @@
 #include "effect/TextLayers.h"
 #include "effect/ZvEffect.h"
 #include "raster/ZvBitmap.h"
-#include "scene/ColourGlyphs.h"
+#include "scene/ColorGlyphs.h"
 #include "scene/Style.h"
 #include "text/ZvTextObject.h"
 
@@ -51,14 +51,14 @@ public:
 
 private:
     // One layer's glyphs in their colours, and the effects around them.
-    struct Colours {
-        Zvex::ColourGlyphs glyphs;
+    struct Colors {
+        Zvex::ColorGlyphLayer glyphs;
         Zvex::ZvEffect around;
     };
-    std::unique_ptr<Colours> coloursOf(const Look& look, uint32_t color, const Zvex::ZvBitmap& picture,
-                                       const std::vector<PlacedRun>& runs) const;
-    void setColours(std::vector<Zvex::TextLayer>& layers, std::vector<std::unique_ptr<Colours>>& colours,
-                    const Zvex::ZvBitmap& picture, const std::vector<PlacedRun>& runs);
+    std::unique_ptr<Colors> colorsOf(const Look& look, uint32_t color, const Zvex::ZvBitmap& picture,
+                                     const std::vector<PlacedRun>& runs) const;
+    void setColors(std::vector<Zvex::TextLayer>& layers, std::vector<std::unique_ptr<Colors>>& colors,
+                   const Zvex::ZvBitmap& picture, const std::vector<PlacedRun>& runs);
 
     const Style& mStyle;
     Zvex::ZvTextObject& mObject;

@@ -11,7 +11,7 @@
 #include "foundation/KeptMemory.h"
 #include "foundation/OutOfMemory.h"
 #include "raster/ZvBitmap.h"
-#include "scene/ColourGlyphs.h"
+#include "scene/ColorGlyphs.h"
 #include "scene/Failure.h"
 #include "scene/LayeredScene.h"
 #include "scene/SceneCheck.h"
@@ -155,7 +155,7 @@ Rendering Renderer::make(const Scene& scene, const Sink& sink) {
     style.size = text->laidOut.size;
     fitEffects(style);
     std::optional<LayeredScene> layered;
-    if (LayeredScene::isFor(style) || hasColours(text->laidOut.colours, style)) {
+    if (LayeredScene::isFor(style) || hasColors(text->laidOut.colors, style)) {
         layered.emplace(style, object);
     } else {
         object.SetTextColor(withOpacity(style.color, style.opacity));
@@ -168,7 +168,7 @@ Rendering Renderer::make(const Scene& scene, const Sink& sink) {
     Rendering rendering;
     rendering.warnings = style.warnings;
     for (std::string warning :
-         {missingWarning(text->fonts, scene.systemFallback), silhouetteWarning(text->laidOut.colours, style),
+         {missingWarning(text->fonts, scene.systemFallback), silhouetteWarning(text->laidOut.colors, style),
           fitWarning(scene, text->laidOut)}) {
         if (!warning.empty()) rendering.warnings.push_back(std::move(warning));
     }

@@ -47,8 +47,8 @@ void checkSize(const ShapedLine& line) {
 }
 
 // The line's glyphs that may have colours.
-ColourRun colourRunOf(const ShapedLine& line, const android::Paint& paint) {
-    ColourRun run;
+ColorRun colorRunOf(const ShapedLine& line, const android::Paint& paint) {
+    ColorRun run;
     const InkBox box(line.ink);
     run.left = box.left;
     run.width = box.width;
@@ -58,8 +58,8 @@ ColourRun colourRunOf(const ShapedLine& line, const android::Paint& paint) {
     forEachFont(line, font, [&](size_t begin, size_t end) {
         addGlyphs(run, font, end - begin, [&](size_t i) {
             const ShapedLine::Glyph& glyph = line.glyphs[begin + i];
-            return ColourRun::Candidate{glyph.id, glyph.x - static_cast<float>(box.left),
-                                        glyph.y - static_cast<float>(box.top), glyph.ink};
+            return ColorRun::Candidate{glyph.id, glyph.x - static_cast<float>(box.left),
+                                       glyph.y - static_cast<float>(box.top), glyph.ink};
         });
     });
     return run;
@@ -175,7 +175,7 @@ private:
         laidOut.forms.push_back(form);
         laidOut.forms.back().beginsRight = mText.directions.beginsRight(form.start);
         laidOut.glyphs.push_back(glyphsOf(shaped));
-        laidOut.colours.push_back(colourRunOf(shaped, mShaper.paint()));
+        laidOut.colors.push_back(colorRunOf(shaped, mShaper.paint()));
         laidOut.inks.push_back({ink.mLeft, ink.mTop, ink.mRight, ink.mBottom});
         Zvex::LaidOutLine line;
         place(laidOut.lines.size(), laidOut.lines.empty() ? 0 : laidOut.lines.back().bottom, ink, line);
@@ -220,7 +220,7 @@ private:
         laidOut.lines.resize(shown - 1);
         laidOut.forms.resize(shown - 1);
         laidOut.glyphs.resize(shown - 1);
-        laidOut.colours.resize(shown - 1);
+        laidOut.colors.resize(shown - 1);
         laidOut.inks.resize(shown - 1);
         add(shortened(ranges[shown - 1]), laidOut);
     }

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "scene/ColourRun.h"
+#include "scene/ColorRun.h"
 #include "scene/LineShaper.h"
 #include "scene/Metrics.h"
 #include "scene/Scene.h"
@@ -30,7 +30,7 @@ struct LaidOutText {
     std::vector<Zvex::LaidOutLine> lines;
     std::vector<LineForm> forms;                 // of each line
     std::vector<std::vector<LineGlyph>> glyphs;  // of each line, from left to right
-    std::vector<ColourRun> colours;              // of each line
+    std::vector<ColorRun> colors;                // of each line
     std::vector<Box> inks;                       // of each line, from its left end and baseline
 };
 

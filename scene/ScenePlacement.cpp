@@ -160,7 +160,7 @@ PlacedScene placeScene(ZvTextObject& object, const Scene& scene, const LaidOutTe
 std::vector<PlacedRun> placeRuns(const LaidOutText& laidOut, const PlacedScene& placed) {
     std::vector<PlacedRun> result;
     for (size_t i = 0; i < placed.lines.size(); ++i) {
-        const ColourRun& run = laidOut.colours[placed.first + i];
+        const ColorRun& run = laidOut.colors[placed.first + i];
         result.push_back(
             {&run, placed.lines[i].x + placed.origin.x + run.left, placed.lines[i].y + placed.origin.y});
     }

@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <vector>
 
-#include "scene/ColourRun.h"
+#include "scene/ColorRun.h"
 #include "scene/Metrics.h"
 #include "scene/Scene.h"
 #include "scene/SceneLayout.h"

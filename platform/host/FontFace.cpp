@@ -18,7 +18,7 @@
 #include <utility>
 
 #include "platform/host/CodePointSet.h"
-#include "platform/host/ColourGlyphs.h"
+#include "platform/host/ColorGlyphs.h"
 #include "platform/host/FreeTypeFace.h"
 #include "platform/host/GlyphCache.h"
 #include "platform/host/GlyphOutline.h"
@@ -107,7 +107,7 @@ struct FontFace::Impl {
 
     std::mutex mutex;  // guards FreeType
     FreeTypeFace freeType;
-    ColourGlyphs colours;
+    ColorGlyphs colors;
     std::shared_mutex keptMutex;
     std::vector<KeptMetrics> kept;  // by hash; empty until first used
 
@@ -146,7 +146,7 @@ bool FontFace::Impl::open(const void* data, size_t size, int index) {
     const bool opened = freeType.open(data, size, index);
     freeType.throwIfExhausted();
     if (!opened || (!axes.empty() && !freeType.setAxes(hbFont.get()))) return false;
-    colours.open(freeType, hbFace.get());
+    colors.open(freeType, hbFace.get());
     freeType.throwIfExhausted();
     return true;
 }
@@ -167,8 +167,8 @@ Metrics FontFace::Impl::measure(uint32_t glyph, const GlyphStyle& style) {
     }
     Metrics metrics;
     GlyphBox box;
-    if (colours.box(freeType, glyph, style, 0, &box)) {
-        if (phone) metrics.advance = colours.advance(freeType, glyph, style);
+    if (colors.box(freeType, glyph, style, 0, &box)) {
+        if (phone) metrics.advance = colors.advance(freeType, glyph, style);
     } else if (loadGlyph(freeType, glyph, style)) {
         if (phone) metrics.advance = slotAdvance(freeType, style);
         box = outlineBox(freeType);
@@ -202,7 +202,7 @@ Metrics FontFace::Impl::metrics(uint32_t glyph, const GlyphStyle& style) {
 
 GlyphImage FontFace::Impl::draw(uint32_t glyph, const GlyphStyle& style, int quarterX) {
     GlyphImage image;
-    if (colours.draw(freeType, glyph, style, quarterX, &image)) return image;
+    if (colors.draw(freeType, glyph, style, quarterX, &image)) return image;
     if (!loadOutline(freeType, glyph, style, quarterX)) return {};
     image = blankImage(outlineBox(freeType));
     if (image.coverage.empty() || !rasterise(freeType, style, levelsOf(style), image)) return {};
@@ -214,8 +214,8 @@ GlyphImage FontFace::Impl::drawPath(uint32_t glyph, const GlyphStyle& style, flo
     GlyphStyle measured = style;
     measured.size = kPathSize;
     measured.linear = true;
-    GlyphBox colour;
-    if (colours.box(freeType, glyph, measured, 0, &colour)) return {};
+    GlyphBox color;
+    if (colors.box(freeType, glyph, measured, 0, &color)) return {};
     if (!loadOutline(freeType, glyph, measured, 0)) return {};
     const float scale = style.size / kPathSize;
     const GlyphBox box = outlineBox(freeType);
@@ -330,15 +330,15 @@ std::shared_ptr<const GlyphImage> FontFace::drawn(const PlacedGlyph& placed, con
     return image;
 }
 
-bool FontFace::hasColours() const {
-    return mImpl->colours.hasAny();
+bool FontFace::hasColors() const {
+    return mImpl->colors.hasAny();
 }
 
-ColourImage FontFace::colourImage(uint32_t glyph, const GlyphStyle& style, int quarterX,
-                                  uint32_t textColour) const {
+ColorImage FontFace::colorImage(uint32_t glyph, const GlyphStyle& style, int quarterX,
+                                uint32_t textColor) const {
     if (glyph >= mImpl->glyphCount || !drawable(style)) return {};
     std::lock_guard<std::mutex> lock(mImpl->mutex);
-    ColourImage image = mImpl->colours.paint(mImpl->freeType, glyph, style, quarterX & 3, textColour);
+    ColorImage image = mImpl->colors.paint(mImpl->freeType, glyph, style, quarterX & 3, textColor);
     mImpl->freeType.throwIfExhausted();
     return image;
 }

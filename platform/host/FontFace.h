@@ -61,7 +61,7 @@ struct GlyphImage {
 };
 
 // The same in colour: straight 0xAARRGGBB words, in rows of `width`.
-struct ColourImage {
+struct ColorImage {
     int left = 0, top = 0, width = 0, height = 0;
     std::vector<uint32_t> pixels;
 };
@@ -139,14 +139,14 @@ public:
                 std::shared_ptr<const GlyphImage>* images) const;
 
     // Whether the font may have colour glyphs. Lock-free.
-    bool hasColours() const;
+    bool hasColors() const;
 
     // The picture of a colour glyph, for a pen at quarterX / 4 pixels; no pixels if the glyph has no colours.
-    // Palettes may refer to `textColour`; if it is opaque, the alpha of strikes and layers is that of
+    // Palettes may refer to `textColor`; if it is opaque, the alpha of strikes and layers is that of
     // image(). Strikes are filtered premultiplied. A glyph with a graph and layers is painted from the graph
     // (PaintGraph.h). Large glyphs are not paths here. A picture of more than kMaxGlyphBytes is blank. The
     // picture is not kept.
-    ColourImage colourImage(uint32_t glyph, const GlyphStyle& style, int quarterX, uint32_t textColour) const;
+    ColorImage colorImage(uint32_t glyph, const GlyphStyle& style, int quarterX, uint32_t textColor) const;
 
     // The part within `clip` of a glyph whose style is drawn as a path, for a pen at (x, y). Positions are
     // not rounded, and the image is not kept. Colour glyphs have no path.

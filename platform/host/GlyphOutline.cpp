@@ -149,9 +149,9 @@ GlyphImage blankImage(const GlyphBox& wanted) {
     return image;
 }
 
-ColourImage blankPicture(const GlyphBox& wanted) {
+ColorImage blankPicture(const GlyphBox& wanted) {
     const GlyphBox box = limitedBox(wanted);
-    ColourImage image;
+    ColorImage image;
     const auto width = static_cast<size_t>(box.right - box.left);
     const auto height = static_cast<size_t>(box.bottom - box.top);
     if (box.empty() || width * height > kMaxGlyphBytes / 4) return image;

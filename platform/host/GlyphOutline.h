@@ -17,7 +17,7 @@ GlyphBox limitedBox(const GlyphBox& box);
 GlyphBox unionOf(const GlyphBox& a, const GlyphBox& b);
 // An image of zeros; without pixels if the box is larger than an image may be.
 GlyphImage blankImage(const GlyphBox& box);
-ColourImage blankPicture(const GlyphBox& box);
+ColorImage blankPicture(const GlyphBox& box);
 
 // How the phone sizes a style: FreeType's size, then a matrix (y downwards) for what FreeType cannot scale.
 struct PhoneScale {

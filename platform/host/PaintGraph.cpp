@@ -37,19 +37,19 @@ size_t areaOf(const GlyphBox& box) {
                ? 0
                : static_cast<size_t>(box.right - box.left) * static_cast<size_t>(box.bottom - box.top);
 }
-GlyphBox boxOf(const ColourImage& image) {
+GlyphBox boxOf(const ColorImage& image) {
     return {image.left, image.top, image.left + image.width, image.top + image.height};
 }
 
-uint32_t* rowOf(ColourImage& image, int x, int y) {
+uint32_t* rowOf(ColorImage& image, int x, int y) {
     return image.pixels.data() + static_cast<size_t>(y - image.top) * static_cast<size_t>(image.width) +
            static_cast<size_t>(x - image.left);
 }
 
 // The picture, extended to a larger box.
-ColourImage grown(ColourImage image, const GlyphBox& box) {
+ColorImage grown(ColorImage image, const GlyphBox& box) {
     if (areaOf(box) == image.pixels.size()) return image;
-    ColourImage result = blankPicture(box);
+    ColorImage result = blankPicture(box);
     for (int y = image.top; y < image.top + image.height; ++y) {
         std::copy_n(rowOf(image, image.left, y), image.width, rowOf(result, image.left, y));
     }
@@ -154,7 +154,7 @@ public:
         return mShapes;
     }
 
-    ColourImage draw(uint32_t glyph, const PaletteColours& palette, const GlyphBox& box) {
+    ColorImage draw(uint32_t glyph, const PaletteColors& palette, const GlyphBox& box) {
         mPalette = &palette;
         mPixelsLeft = kFreePixels + kMaxFills * areaOf(box);
         return paint(mGraph.rootOf(glyph), mRoot, box);
@@ -193,20 +193,20 @@ private:
     }
 
     // The part of the paint's picture within `clip`. A composite without bounds of its own fills the clip.
-    ColourImage paint(size_t place, const Affine& toPixels, const GlyphBox& clip) {
+    ColorImage paint(size_t place, const Affine& toPixels, const GlyphBox& clip) {
         if (place == 0 || clip.empty() || mDepth == kMaxDepth || mPaints == kMaxPaints) return {};
         const size_t held = mMeasures ? 0 : 2 * areaOf(clip);
         if (held > kMaxHeld - mHeld) return {};
         ++mPaints;
         ++mDepth;
         mHeld += held;
-        ColourImage picture = paintKind(place, toPixels, clip);
+        ColorImage picture = paintKind(place, toPixels, clip);
         mHeld -= held;
         --mDepth;
         return picture;
     }
 
-    ColourImage paintKind(size_t place, const Affine& toPixels, const GlyphBox& clip) {
+    ColorImage paintKind(size_t place, const Affine& toPixels, const GlyphBox& clip) {
         const uint32_t format = mGraph.word(place, 1);
         // An odd format is the even one before it with deltas, except for two.
         const uint32_t kind = format == 1 || format == 11 ? format : format & ~1u;
@@ -278,8 +278,8 @@ private:
     }
 
     // Each layer lies over those before it.
-    ColourImage layers(size_t place, const Affine& toPixels, const GlyphBox& clip) {
-        ColourImage all;
+    ColorImage layers(size_t place, const Affine& toPixels, const GlyphBox& clip) {
+        ColorImage all;
         const uint32_t count = mGraph.word(place + 1, 1), first = mGraph.word(place + 2, 4);
         for (uint32_t i = 0; i < count; ++i) {
             all =
@@ -289,21 +289,21 @@ private:
     }
 
     // The limits end a glyph that paints itself. A box that is rotated or slanted does not clip.
-    ColourImage glyph(uint32_t number, const Affine& toPixels, const GlyphBox& clip) {
+    ColorImage glyph(uint32_t number, const Affine& toPixels, const GlyphBox& clip) {
         const size_t box = mMeasures ? 0 : mGraph.clipOf(number);
         const GlyphBox all = box == 0 || toPixels.yx != 0 ? clip : meet(clip, clipBox(box, toPixels));
         return paint(mGraph.rootOf(number), toPixels, all);
     }
 
-    ColourImage composite(size_t place, const Affine& toPixels, const GlyphBox& clip) {
+    ColorImage composite(size_t place, const Affine& toPixels, const GlyphBox& clip) {
         const uint32_t mode = mGraph.word(place + 4, 1);
-        ColourImage backdrop = paint(child(place, 5), toPixels, clip);
-        ColourImage source = paint(child(place, 1), toPixels, clip);
+        ColorImage backdrop = paint(child(place, 5), toPixels, clip);
+        ColorImage source = paint(child(place, 1), toPixels, clip);
         if (mode >= kComposites) return {};
         return join(std::move(backdrop), std::move(source), static_cast<Composite>(mode));
     }
 
-    ColourImage join(ColourImage backdrop, ColourImage source, Composite mode) {
+    ColorImage join(ColorImage backdrop, ColorImage source, Composite mode) {
         if (mode == Composite::SourceOver && backdrop.pixels.empty()) return source;
         if (mode == Composite::SourceOver && source.pixels.empty()) return backdrop;
         const GlyphBox box = unionOf(boxOf(backdrop), boxOf(source));
@@ -320,7 +320,7 @@ private:
     }
 
     // Fills an outline with what is painted there.
-    ColourImage shape(size_t place, const Affine& toPixels, const GlyphBox& clip) {
+    ColorImage shape(size_t place, const Affine& toPixels, const GlyphBox& clip) {
         if (!loadShape(mGraph.word(place + 4, 2), toPixels)) return {};
         const GlyphBox all = outlineBox(mFont), box = meet(all, clip);
         if (mMeasures) mShapes = unionOf(mShapes, all);
@@ -333,7 +333,7 @@ private:
         if (!mAntiAlias) {
             for (uint8_t& level : mask.coverage) level = level >= 128 ? 255 : 0;
         }
-        ColourImage picture = paint(child(place, 1), toPixels, box);
+        ColorImage picture = paint(child(place, 1), toPixels, box);
         for (int y = picture.top; y < picture.top + picture.height; ++y) {
             uint32_t* pixels = rowOf(picture, picture.left, y);
             const uint8_t* coverage = mask.coverage.data() +
@@ -378,35 +378,35 @@ private:
         return 2 * length;  // contours are closed
     }
 
-    uint32_t colour(size_t place) const {
-        const uint32_t colour = mPalette->at(mGraph.word(place, 2));
-        const double alpha = std::clamp(share(place + 2), 0.0, 1.0) * (colour >> 24);
-        return withAlpha(colour, static_cast<uint32_t>(alpha + 0.5));
+    uint32_t color(size_t place) const {
+        const uint32_t color = mPalette->at(mGraph.word(place, 2));
+        const double alpha = std::clamp(share(place + 2), 0.0, 1.0) * (color >> 24);
+        return withAlpha(color, static_cast<uint32_t>(alpha + 0.5));
     }
 
-    ColourLine colourLine(size_t place, bool variable) {
-        std::vector<ColourLine::Stop> stops;
+    ColorLine colorLine(size_t place, bool variable) {
+        std::vector<ColorLine::Stop> stops;
         const size_t line = child(place, 1), size = variable ? 10 : 6;
         const uint32_t count = line == 0 ? 0 : mGraph.word(line + 1, 2), extend = mGraph.word(line, 1);
-        if (!spend(count)) return {{}, ColourLine::Extend::Pad};
+        if (!spend(count)) return {{}, ColorLine::Extend::Pad};
         for (size_t stop = line + 3; stop < line + 3 + size * count && stop < mGraph.mSize; stop += size) {
-            stops.push_back({share(stop), colour(stop + 2)});
+            stops.push_back({share(stop), color(stop + 2)});
         }
         return {std::move(stops),
-                extend > 2 ? ColourLine::Extend::Pad : static_cast<ColourLine::Extend>(extend)};
+                extend > 2 ? ColorLine::Extend::Pad : static_cast<ColorLine::Extend>(extend)};
     }
 
-    ColourImage fill(size_t place, const Affine& toPixels, const GlyphBox& clip) {
+    ColorImage fill(size_t place, const Affine& toPixels, const GlyphBox& clip) {
         Affine fromPixels;
         if (mMeasures || !spend(areaOf(clip))) return {};
         const uint32_t format = mGraph.word(place, 1);
-        ColourImage picture = blankPicture(clip);
+        ColorImage picture = blankPicture(clip);
         if (format <= 3) {
-            std::fill(picture.pixels.begin(), picture.pixels.end(), colour(place + 1));
+            std::fill(picture.pixels.begin(), picture.pixels.end(), color(place + 1));
             return picture;
         }
         if (!toPixels.invert(&fromPixels)) return {};
-        const ColourLine line = colourLine(place, format % 2 != 0);
+        const ColorLine line = colorLine(place, format % 2 != 0);
         const auto each = [&](const auto& gradient) {
             for (int y = clip.top; y < clip.bottom; ++y) {
                 uint32_t* pixels = rowOf(picture, clip.left, y);
@@ -438,7 +438,7 @@ private:
     FreeTypeFace& mFont;
     const bool mAntiAlias;
     Affine mRoot;
-    const PaletteColours* mPalette = nullptr;
+    const PaletteColors* mPalette = nullptr;
     bool mMeasures = false;
     GlyphBox mShapes;
     int mDepth = 0, mPaints = 0;
@@ -450,8 +450,8 @@ GlyphBox PaintGraph::box(FreeTypeFace& font, uint32_t glyph, const GlyphStyle& s
     return Painter(*this, font, style, quarterX).measure(glyph);
 }
 
-ColourImage PaintGraph::draw(FreeTypeFace& font, uint32_t glyph, const GlyphStyle& style, int quarterX,
-                             const PaletteColours& palette) const {
+ColorImage PaintGraph::draw(FreeTypeFace& font, uint32_t glyph, const GlyphStyle& style, int quarterX,
+                            const PaletteColors& palette) const {
     const GlyphBox whole = limitedBox(box(font, glyph, style, quarterX));
     if (whole.empty() || areaOf(whole) > kMaxPixels) return {};
     return Painter(*this, font, style, quarterX).draw(glyph, palette, whole);

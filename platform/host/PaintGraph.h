@@ -10,18 +10,18 @@
 #include <utility>
 #include <vector>
 
-#include "platform/host/ColourLine.h"
+#include "platform/host/ColorLine.h"
 #include "platform/host/FontFace.h"
 #include "platform/host/FreeTypeFace.h"
 
 namespace host {
 
 // The first palette's colours, straight 0xAARRGGBB. Numbers beyond them mean the text's colour.
-struct PaletteColours {
-    const std::vector<uint32_t>* colours;
+struct PaletteColors {
+    const std::vector<uint32_t>* colors;
     uint32_t text;
 
-    uint32_t at(uint32_t number) const { return number < colours->size() ? (*colours)[number] : text; }
+    uint32_t at(uint32_t number) const { return number < colors->size() ? (*colors)[number] : text; }
 };
 
 // The painted glyphs of a font: the COLR table, version 1, has graphs of fills, shapes, transforms and
@@ -41,8 +41,8 @@ public:
 
     // The box of the glyph's picture: its clip box, else that of its shapes, rounded outwards.
     GlyphBox box(FreeTypeFace& font, uint32_t glyph, const GlyphStyle& style, int quarterX) const;
-    ColourImage draw(FreeTypeFace& font, uint32_t glyph, const GlyphStyle& style, int quarterX,
-                     const PaletteColours& palette) const;
+    ColorImage draw(FreeTypeFace& font, uint32_t glyph, const GlyphStyle& style, int quarterX,
+                    const PaletteColors& palette) const;
 
 private:
     class Painter;

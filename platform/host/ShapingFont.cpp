@@ -40,7 +40,7 @@ std::shared_ptr<const ShapingFont> ShapingFont::open(const minikin::MinikinFont*
 ShapingFont::ShapingFont(std::shared_ptr<FontFace> fontFace)
     : face(std::move(fontFace)),
       hbFont(immutableFont(*face)),
-      colourBitmaps(hasTable(face->hbFace(), HB_TAG('C', 'B', 'D', 'T'))) {}
+      colorBitmaps(hasTable(face->hbFace(), HB_TAG('C', 'B', 'D', 'T'))) {}
 
 ShapingFont::~ShapingFont() {
     hb_font_destroy(hbFont);

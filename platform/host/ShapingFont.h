@@ -24,7 +24,7 @@ struct ShapingFont {
 
     const std::shared_ptr<FontFace> face;
     hb_font_t* const hbFont;
-    const bool colourBitmaps;  // has a table of colour strikes (CBDT)
+    const bool colorBitmaps;  // has a table of colour strikes (CBDT)
 };
 
 }  // namespace host

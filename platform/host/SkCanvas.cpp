@@ -83,25 +83,25 @@ void glyphRowOver(uint8_t* __restrict target, const uint8_t* __restrict coverage
 
 // Source-over of a straight colour, with its alpha scaled by `share`, onto a pixel of straight colour: in
 // linear light if the canvas has a colour space, else on the bytes.
-void colourOver(uint8_t* pixel, const uint8_t* colour, uint8_t alpha, uint8_t share, bool linear) {
+void colorOver(uint8_t* pixel, const uint8_t* color, uint8_t alpha, uint8_t share, bool linear) {
     if (alpha == 0 || share == 0) return;
     if (alpha == 255 && share == 255) {
-        std::memcpy(pixel, colour, 3);
+        std::memcpy(pixel, color, 3);
         pixel[3] = 255;
     } else if (linear) {
-        const host::LightSource source = host::lightSource(colour[0], colour[1], colour[2], alpha);
+        const host::LightSource source = host::lightSource(color[0], color[1], color[2], alpha);
         host::lightOver(pixel, source, static_cast<float>(share) * (1 / 255.0f));
     } else {
         const auto scaled = static_cast<uint8_t>(host::multiplyBytes(alpha, share));
-        host::straightOver(pixel, colour[0], colour[1], colour[2], scaled);
+        host::straightOver(pixel, color[0], color[1], color[2], scaled);
     }
 }
 
 // Draws a row of a glyph's coverage onto a row of straight colour.
 void glyphRowOver(uint8_t* target, const uint8_t* coverage, SkColor color, int count, bool linear) {
-    const uint8_t colour[3] = {SkColorGetR(color), SkColorGetG(color), SkColorGetB(color)};
+    const uint8_t channels[3] = {SkColorGetR(color), SkColorGetG(color), SkColorGetB(color)};
     for (int i = 0; i < count; ++i, target += 4) {
-        colourOver(target, colour, SkColorGetA(color), coverage[i], linear);
+        colorOver(target, channels, SkColorGetA(color), coverage[i], linear);
     }
 }
 
@@ -128,7 +128,7 @@ int runOfAlpha(const uint8_t* pixels, uint8_t alpha, int count) {
 void straightRowOver(uint8_t* target, const uint8_t* source, uint8_t alpha, int count, bool linear) {
     if (alpha != 255) {
         for (int i = 0; i < count; ++i, target += 4, source += 4) {
-            colourOver(target, source, source[3], alpha, linear);
+            colorOver(target, source, source[3], alpha, linear);
         }
         return;
     }
@@ -142,7 +142,7 @@ void straightRowOver(uint8_t* target, const uint8_t* source, uint8_t alpha, int 
         } else if (target[3] == 0) {
             std::memcpy(target, source, 4);
         } else {
-            colourOver(target, source, source[3], 255, linear);
+            colorOver(target, source, source[3], 255, linear);
         }
         target += 4 * static_cast<size_t>(run);
         source += 4 * static_cast<size_t>(run);
@@ -208,7 +208,7 @@ void SkCanvas::fill(const PixelRect& area, SkColor color, SkBlendMode mode) {
             for (int x = 0; x < count; ++x) std::memcpy(row + 4 * static_cast<size_t>(x), &word, 4);
         } else {
             for (int x = 0; x < count; ++x) {
-                colourOver(row + 4 * static_cast<size_t>(x), source, alpha, 255, isLinear(mBitmap));
+                colorOver(row + 4 * static_cast<size_t>(x), source, alpha, 255, isLinear(mBitmap));
             }
         }
     }

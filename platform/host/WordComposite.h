@@ -27,8 +27,8 @@ enum class Composite : uint8_t {
     Overlay,
     Darken,
     Lighten,
-    ColourDodge,
-    ColourBurn,
+    ColorDodge,
+    ColorBurn,
     HardLight,
     SoftLight,
     Difference,
@@ -36,13 +36,13 @@ enum class Composite : uint8_t {
     Multiply,
     Hue,
     Saturation,
-    Colour,
+    Color,
     Luminosity,
 };
 constexpr int kComposites = 28;
 
-constexpr uint32_t withAlpha(uint32_t colour, uint32_t alpha) {
-    return alpha == 0 ? 0 : (colour & 0xFFFFFF) | alpha << 24;
+constexpr uint32_t withAlpha(uint32_t color, uint32_t alpha) {
+    return alpha == 0 ? 0 : (color & 0xFFFFFF) | alpha << 24;
 }
 
 // Joins rows of straight 0xAARRGGBB words, which must not overlap. Colours and alphas are rounded to the

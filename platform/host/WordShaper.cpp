@@ -290,7 +290,7 @@ const WordShaper::SizedFont& WordShaper::fontOf(size_t family) {
     index = static_cast<uint32_t>(mFonts.size());
     mFonts.push_back(font);
     // The phone uses the file's advances for fonts with colour strikes.
-    if (!parent.colourBitmaps || font.glyph.rendering != Rendering::Phone) {
+    if (!parent.colorBitmaps || font.glyph.rendering != Rendering::Phone) {
         hb_font_set_funcs(font.hbFont, fontFunctions(), &mFonts.back(), nullptr);
     }
     return mFonts.back();

@@ -84,7 +84,7 @@ TEST(Picture, IsWhatTheLayersMakeOneAfterTheOther) {
 }
 
 // Text over one or two colours, and pictures too large for the caches, have paths of their own.
-TEST(Picture, OfTextOverColoursOrLarge) {
+TEST(Picture, OfTextOverColorsOrLarge) {
     for (unsigned seed = 0; seed < 240; ++seed) {
         SCOPED_TRACE("seed " + std::to_string(seed));
         Random random(seed);

@@ -112,12 +112,12 @@ TEST(TextLayers, SpreadIsAStrokeAndKnockoutLeavesTheGlyphsOut) {
 
 // Glyphs with colours lie over the effects around them where they are alone, over the fill where other glyphs
 // or the spread reach.
-TEST(TextLayers, ColourGlyphsTakeThePlaceOfTheFill) {
+TEST(TextLayers, ColorGlyphsTakeThePlaceOfTheFill) {
     LayeredText text;
     ZvEffect around;
     around.addOuterGlowText(6, 0xFF00FF00, 0.7f, 0, nullptr);
     around.addOuterShadowText(135, 5, 4, 0xFF203040, 0.6f);
-    ColourGlyphs glyphs;
+    ColorGlyphLayer glyphs;
     glyphs.x = text.coverage->box.left - 3;
     glyphs.y = text.coverage->box.top + 2;
     glyphs.picture = ZvBitmap(70, 15, 4);
@@ -136,7 +136,7 @@ TEST(TextLayers, ColourGlyphsTakeThePlaceOfTheFill) {
         layer.effect = &text.plain;
         under.effect = &around;
         const ZvBitmap filled = text.draw(&layer), beneath = text.draw(&under);
-        layer.colours = &glyphs;
+        layer.colorGlyphs = &glyphs;
         const ZvBitmap actual = text.draw(&layer);
         int alone = 0, mixed = 0;
         for (int i = 0; i < kLayeredWidth * kLayeredHeight; ++i) {
@@ -219,10 +219,10 @@ TEST(TextLayers, WithoutMemoryThePictureIsLeftOrLacksAnEffect) {
     layers[1].spread = -2;
     layers[2].spread = 3;
     layers[2].blend = LayerBlend::Screen;
-    ColourGlyphs glyphs;
+    ColorGlyphLayer glyphs;
     glyphs.picture = ZvBitmap(20, 20, 4);
     glyphs.around = &text.plain;
-    layers[0].colours = &glyphs;
+    layers[0].colorGlyphs = &glyphs;
     const ZvRect clip(0, 0, kLayeredWidth, kLayeredHeight);
     ZvBitmap picture(kLayeredWidth, kLayeredHeight, 4);
     const ZvBitmap before(picture);

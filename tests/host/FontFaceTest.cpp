@@ -182,7 +182,7 @@ TEST(FontFace, OutlinesAreFreeTypesSmoothOnesUnhinted) {
     EXPECT_TRUE(boxOf(*face, face->glyphCount(), styled(40)).empty());
 }
 
-TEST(FontFace, ColourStrikesGiveTheirAlphaAtTheSize) {
+TEST(FontFace, ColorStrikesGiveTheirAlphaAtTheSize) {
     const auto face = fonts::open(Role::kEmoji);
     const uint32_t glyph = glyphOf(*face, 0x1F600);
     const FreeTypeOracle oracle(fonts::bytes(Role::kEmoji), 0);

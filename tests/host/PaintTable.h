@@ -26,13 +26,13 @@ inline int share(double v) {
     return static_cast<int>(v * 16384);
 }
 
-inline std::string solid(int colour, double alpha = 1) {
-    return "\x02" + shorts({colour, share(alpha)});
+inline std::string solid(int color, double alpha = 1) {
+    return "\x02" + shorts({color, share(alpha)});
 }
 
 struct Stop {
     double position;
-    int colour;
+    int color;
     double alpha;
 };
 // `format` 4, 6 or 8, its six or four values, and its colour line.
@@ -40,7 +40,7 @@ inline std::string gradient(int format, const std::vector<int>& values, const st
                             uint32_t extend = 0) {
     const std::string fields = shorts(values);
     std::string line = big(1, {extend}) + shorts({static_cast<int>(stops.size())});
-    for (const Stop& stop : stops) line += shorts({share(stop.position), stop.colour, share(stop.alpha)});
+    for (const Stop& stop : stops) line += shorts({share(stop.position), stop.color, share(stop.alpha)});
     return static_cast<char>(format) + big(3, {4 + static_cast<uint32_t>(fields.size())}) + fields + line;
 }
 inline std::string shape(uint32_t glyph, const std::string& paint) {

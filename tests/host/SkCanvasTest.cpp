@@ -128,12 +128,12 @@ TEST(SkBitmap, RefusesWhatItCannotDraw) {
 }
 
 TEST(SkCanvas, DrawColorWritesOrComposites) {
-    Picture colour(1, 1, kRGBA_8888_SkColorType), coverage(1, 1, kAlpha_8_SkColorType);
-    colour.canvas->drawColor(0x40102030, SkBlendMode::kSrc);
-    EXPECT_EQ(colour.pixels(), (Bytes{0x10, 0x20, 0x30, 0x40}));
-    colour.canvas->drawColor(0x80FF0000, SkBlendMode::kSrcOver);
+    Picture color(1, 1, kRGBA_8888_SkColorType), coverage(1, 1, kAlpha_8_SkColorType);
+    color.canvas->drawColor(0x40102030, SkBlendMode::kSrc);
+    EXPECT_EQ(color.pixels(), (Bytes{0x10, 0x20, 0x30, 0x40}));
+    color.canvas->drawColor(0x80FF0000, SkBlendMode::kSrcOver);
     // A = 128 * 255 + 64 * 127 = 40768; red (255 * 32640 + 16 * 8128) / A = 207.3; alpha 159.9.
-    EXPECT_EQ(colour.pixels(), (Bytes{207, 6, 10, 160}));
+    EXPECT_EQ(color.pixels(), (Bytes{207, 6, 10, 160}));
     coverage.canvas->drawColor(0x80FFFFFF, SkBlendMode::kSrc);
     coverage.canvas->drawColor(0x80000000, SkBlendMode::kSrcOver);
     EXPECT_EQ(coverage.pixels(), Bytes{192});  // 128 + 128 * 127 / 255
@@ -327,10 +327,10 @@ TEST_F(TextTest, GlyphsLieOverEachOtherInOrder) {
             half.setTextSize(99);
             half.setFakeBoldText(true);
             const Bytes result = drawn(both, 0, 0), faint = drawn(both, 0, 0, half);
-            Picture colour(kWidth, kHeight, kRGBA_8888_SkColorType);
-            colour.canvas->drawColor(0xFFFFFFFF, SkBlendMode::kSrc);
-            colour.canvas->drawTextBlob(both, 0, 0, colored(0xFF0000FF));
-            const Bytes blue = colour.pixels();
+            Picture color(kWidth, kHeight, kRGBA_8888_SkColorType);
+            color.canvas->drawColor(0xFFFFFFFF, SkBlendMode::kSrc);
+            color.canvas->drawTextBlob(both, 0, 0, colored(0xFF0000FF));
+            const Bytes blue = color.pixels();
             for (size_t i = 0; i < result.size(); ++i) {
                 const auto halved = [](uint8_t c) {
                     return static_cast<uint8_t>(host::multiplyBytes(c, 128));

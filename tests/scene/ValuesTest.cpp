@@ -19,7 +19,7 @@ TEST(Values, PaddingTakesOneTwoOrFourSides) {
     }
 }
 
-TEST(Values, ColoursAreThoseOfCss) {
+TEST(Values, ColorsAreThoseOfCss) {
     const std::pair<const char*, uint32_t> cases[] = {{"RebeccaPurple", 0xFF663399},
                                                       {"transparent", 0},
                                                       {"rgb(255, 136, 0)", 0xFFFF8800},

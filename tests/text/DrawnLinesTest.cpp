@@ -129,7 +129,7 @@ TEST_F(KeptLines, AFontThatIsReplacedShows) {
     EXPECT_EQ(scene->render().countVisible(), 0);  // without any font
 }
 
-TEST_F(KeptLines, EffectsColoursAndPlacesDrawNoLineAnew) {
+TEST_F(KeptLines, EffectsColorsAndPlacesDrawNoLineAnew) {
     const Change changes[] = {
         {"nothing", [](TextScene&) {}},
         {"stroke", [](TextScene& s) { s.effect().addStrokeText(3, 0xFF0000FF, 0.8f, 0, 1); }},

@@ -118,7 +118,7 @@ TEST_F(Output, EveryFormatHoldsTheSamePixels) {
     }
 }
 
-TEST(Webp, KeepsTheColoursOfTransparentPixels) {
+TEST(Webp, KeepsTheColorsOfTransparentPixels) {
     const Image image = readWebp(Zvex::scene::encodeWebp({2, 1, {0x00123456, 0x40FFFE01}}));
     EXPECT_EQ(image.rgba, (std::vector<uint8_t>{0x12, 0x34, 0x56, 0, 0xFF, 0xFE, 1, 0x40}));
 }

@@ -9,7 +9,7 @@ using Json = nlohmann::json;
 
 const std::string kAt48 = "-s 48 -f $FONT ";
 
-TEST_F(RenderCommand, DrawsTextInItsColourAndNamesTheFile) {
+TEST_F(RenderCommand, DrawsTextInItsColorAndNamesTheFile) {
     const Result result = zvtext("render Grüße -f $FONT -c #ff8800 -o $DIR/out.png");
     EXPECT_EQ(result.status, 0);
     EXPECT_EQ(result.err, "");

@@ -18,11 +18,11 @@
 #include "effect/ZvEffect.h"
 #include "foundation/List.h"
 #include "foundation/ZvString.h"
-#include "jni/GlyphColours.h"
+#include "jni/GlyphColors.h"
 #include "jni/WordLayout.h"
 #include "platform/host/FontFace.h"
 #include "platform/host/ShapingFont.h"
-#include "scene/ColourRun.h"
+#include "scene/ColorRun.h"
 #include "scene/Failure.h"
 #include "scene/SceneLayout.h"
 #include "scene/ScenePlacement.h"
@@ -35,7 +35,7 @@ namespace Zvex {
 
 namespace {
 
-using scene::ColourRun;
+using scene::ColorRun;
 using scene::PlacedRun;
 using Families = std::vector<std::shared_ptr<minikin::FontFamily>>;
 
@@ -57,12 +57,12 @@ std::unique_ptr<const android::Typeface> typefaceOf(ZvTextObject& text, Families
         android::Typeface::createFromFamilies(std::move(families), weight, text.isItalicTextStyle() ? 1 : 0));
 }
 
-bool hasColours(const minikin::FontFamily& family) {
+bool hasColors(const minikin::FontFamily& family) {
     const minikin::Font* font = family.getClosestMatch(minikin::FontStyle()).font;
     if (font == nullptr) return false;
     const auto& skia = static_cast<const android::MinikinFontSkia&>(*font->typeface());
     const host::FontFace& face = *skia.GetSkTypeface()->face();
-    return face.hasColours() || hb_ot_color_has_svg(face.hbFace()) != 0;
+    return face.hasColors() || hb_ot_color_has_svg(face.hbFace()) != 0;
 }
 
 // --- Words
@@ -94,7 +94,7 @@ public:
         return lean;
     }
 
-    const ColourRun& coloursOf(size_t shownLine) const { return mLayout.lines().colours[mFirst + shownLine]; }
+    const ColorRun& colorsOf(size_t shownLine) const { return mLayout.lines().colors[mFirst + shownLine]; }
 
 private:
     static scene::Scene sceneOf(ZvTextObject& object, const char* utf8, const WordSettings& settings) {
@@ -139,15 +139,15 @@ private:
 
 // --- Colours
 
-class HostGlyphColours : public GlyphColours {
+class HostGlyphColors : public GlyphColors {
 public:
-    explicit HostGlyphColours(ZvTextObject& text) {
+    explicit HostGlyphColors(ZvTextObject& text) {
         const List* lines = text.GetLineInfo();
         const auto* words = dynamic_cast<const Words*>(text.GetFont()->GetLinePainter());
         if (words == nullptr) layOut(text, lines);
         for (int i = 0; words != nullptr && lines != nullptr && i < lines->GetCount(); ++i) {
             const auto& line = *static_cast<const ZvLineInfo*>(lines->Get(i));
-            const ColourRun& run = words->coloursOf(static_cast<size_t>(i));
+            const ColorRun& run = words->colorsOf(static_cast<size_t>(i));
             mLines.push_back({run, line.x + run.left, line.y});
         }
     }
@@ -158,14 +158,14 @@ public:
     }
 
     void warn() const {
-        const auto any = [&](bool ColourRun::*flag) {
+        const auto any = [&](bool ColorRun::*flag) {
             return std::any_of(mLines.begin(), mLines.end(),
                                [&](const Line& line) { return line.run.*flag; });
         };
-        if (any(&ColourRun::hasSvg)) {
+        if (any(&ColorRun::hasSvg)) {
             __android_log_print(ANDROID_LOG_WARN, kTag,
                                 "a font has its emoji as SVG, which is not read; they are silhouettes");
-        } else if (any(&ColourRun::hasLarge)) {
+        } else if (any(&ColorRun::hasLarge)) {
             __android_log_print(ANDROID_LOG_WARN, kTag, "emoji this large have no colours");
         }
     }
@@ -177,20 +177,20 @@ public:
         });
     }
 
-    ColourGlyphs draw(const ZvRect& margins, int width, int height, uint32_t textColor) const override {
+    ColorGlyphLayer draw(const ZvRect& margins, int width, int height, uint32_t textColor) const override {
         std::vector<PlacedRun> placed;
         for (const Line& line : mLines)
             placed.push_back({&line.run, line.x + margins.left, line.y + margins.top});
-        return scene::drawColours(placed, textColor, width, height);
+        return scene::drawColorGlyphs(placed, textColor, width, height);
     }
 
-    void complete(TextCoverage& coverage, const ColourGlyphs& drawn) const override {
+    void complete(TextCoverage& coverage, const ColorGlyphLayer& drawn) const override {
         scene::raiseCoverage(coverage, drawn);
     }
 
 private:
     struct Line {
-        ColourRun run;
+        ColorRun run;
         int x, y;  // in the view: left end of the run's image, and baseline
     };
 
@@ -212,7 +212,7 @@ private:
                 static_cast<size_t>(length), nullptr);
             minikin::MinikinRect ink;
             layout.getBounds(&ink);
-            mLines.push_back({scene::colourRunOf(layout, ink, paint), line.x, line.y});
+            mLines.push_back({scene::colorRunOf(layout, ink, paint), line.x, line.y});
         }
     }
 
@@ -222,15 +222,15 @@ private:
 
 }  // namespace
 
-std::unique_ptr<GlyphColours> GlyphColours::of(ZvTextObject& text) {
+std::unique_ptr<GlyphColors> GlyphColors::of(ZvTextObject& text) {
     int weight = 0;
     const Families families = familiesOf(text, &weight);
-    if (std::none_of(families.begin(), families.end(), [](const auto& one) { return hasColours(*one); }))
+    if (std::none_of(families.begin(), families.end(), [](const auto& one) { return hasColors(*one); }))
         return nullptr;
-    auto colours = std::make_unique<HostGlyphColours>(text);
-    colours->warn();
-    if (colours->empty()) return nullptr;
-    return colours;
+    auto colors = std::make_unique<HostGlyphColors>(text);
+    colors->warn();
+    if (colors->empty()) return nullptr;
+    return colors;
 }
 
 bool layOutWords(ZvTextObject& text, const char* utf8, const WordSettings& settings, ZvRect* lean) {

@@ -29,11 +29,11 @@ Picture labelPicture(const std::string& text) {
 }
 
 // The colour over an opaque one, each part to the nearest.
-uint32_t over(uint32_t colour, uint32_t ground) {
-    const uint32_t alpha = colour >> 24;
+uint32_t over(uint32_t color, uint32_t ground) {
+    const uint32_t alpha = color >> 24;
     uint32_t result = 0xFF000000;
     for (int shift = 0; shift < 24; shift += 8) {
-        const uint32_t parts = (colour >> shift & 0xFF) * alpha + (ground >> shift & 0xFF) * (255 - alpha);
+        const uint32_t parts = (color >> shift & 0xFF) * alpha + (ground >> shift & 0xFF) * (255 - alpha);
         result |= (parts + 127) / 255 << shift;
     }
     return result;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "scene/ColourGlyphs.h"
+#include "scene/ColorGlyphs.h"
 
 #include <gtest/gtest.h>
 
@@ -33,23 +33,23 @@ uint32_t pixelAt(const Picture& picture, int x, int y) {
 }
 
 // The picture in the emoji font.
-host::ColourImage imageOf(uint32_t codePoint, float size, host::Rendering rendering) {
+host::ColorImage imageOf(uint32_t codePoint, float size, host::Rendering rendering) {
     const auto face = fonts::open(fonts::Role::kEmoji);
     const uint32_t glyph = fonts::glyphOf(*face, codePoint);
     host::GlyphStyle style;
     style.size = size;
     style.rendering = rendering;
-    return face->colourImage(glyph, style, 0, 0xFF000000);
+    return face->colorImage(glyph, style, 0, 0xFF000000);
 }
 
-TEST(ColourGlyphs, EmojiAreTheFontsPicturesAtEverySize) {
+TEST(ColorGlyphs, EmojiAreTheFontsPicturesAtEverySize) {
     for (const host::Rendering rendering : {host::Rendering::Phone, host::Rendering::Plain}) {
         for (const float size : {40.0f, 109.0f, 300.0f}) {
             Scene scene = emojiScene("\U0001F44D", static_cast<double>(size));
             scene.rendering = rendering;
             const Rendering colored = render(scene);
             EXPECT_TRUE(colored.warnings.empty());
-            const host::ColourImage image = imageOf(0x1F44D, size, rendering);
+            const host::ColorImage image = imageOf(0x1F44D, size, rendering);
             const auto middle = static_cast<size_t>(image.height / 2 * image.width + image.width / 2);
             EXPECT_GT(image.pixels[middle] >> 16 & 255, image.pixels[middle] & 255u);  // yellow
             // Ink begins at the line's left end.
@@ -79,7 +79,7 @@ TEST(ColourGlyphs, EmojiAreTheFontsPicturesAtEverySize) {
 
 // Outside the emoji's shape the picture is that with its silhouette: the text and the effects keep their
 // bytes. Along its edge the stroke goes on beneath.
-TEST(ColourGlyphs, EffectsGoAroundTheShape) {
+TEST(ColorGlyphs, EffectsGoAroundTheShape) {
     Scene plain = emojiScene("A\U0001F9D0\U0001F1E9\U0001F1EA\U0001F44D\U0001F3FDx", 60);
     const Picture shape = render(plain).picture;
     for (const bool ground : {false, true}) {
@@ -111,7 +111,7 @@ TEST(ColourGlyphs, EffectsGoAroundTheShape) {
 }
 
 // The picture becomes translucent, not its parts: nothing shows through from behind.
-TEST(ColourGlyphs, OpacityIsThatOfTheWholePicture) {
+TEST(ColorGlyphs, OpacityIsThatOfTheWholePicture) {
     for (const char* text : {"A", "\U0001F44D"}) {
         Scene scene = emojiScene(text, 60);
         scene.style.effects = {StrokeSettings()};
@@ -125,7 +125,7 @@ TEST(ColourGlyphs, OpacityIsThatOfTheWholePicture) {
     }
 }
 
-TEST(ColourGlyphs, TheFrontLayerHasThemUnlessOthersAskForThem) {
+TEST(ColorGlyphs, TheFrontLayerHasThemUnlessOthersAskForThem) {
     using Flags = std::vector<std::optional<bool>>;
     const struct {
         std::optional<bool> style;
@@ -157,7 +157,7 @@ TEST(ColourGlyphs, TheFrontLayerHasThemUnlessOthersAskForThem) {
     EXPECT_NE(render(scene).picture.pixels[middle] & 0xFFFFFF, 0x2040C0u);
 }
 
-TEST(ColourGlyphs, AWarningTellsOfSilhouettesThatAreNotWanted) {
+TEST(ColorGlyphs, AWarningTellsOfSilhouettesThatAreNotWanted) {
     std::string table;
     fonts::put(table, 2, {0, 0, 10, 0, 0, 1, 0, 0xFFFF});  // one document, for all glyphs
     fonts::put(table, 4, {14, 6});

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-#ifndef ZVEX_PLATFORM_HOST_COLOURLINE_H_
-#define ZVEX_PLATFORM_HOST_COLOURLINE_H_
+#ifndef ZVEX_PLATFORM_HOST_COLORLINE_H_
+#define ZVEX_PLATFORM_HOST_COLORLINE_H_
 
 #include <cstdint>
 #include <vector>
@@ -18,17 +18,17 @@ struct Affine {
 };
 
 // Straight 0xAARRGGBB colours along a line.
-class ColourLine {
+class ColorLine {
 public:
     enum class Extend { Pad, Repeat, Reflect };
     struct Stop {
         double position;
-        uint32_t colour;
+        uint32_t color;
     };
 
     // The stops are sorted by position; equal positions keep their order and make a step. If all have the
     // same position, every extension pads.
-    ColourLine(std::vector<Stop> stops, Extend extend);
+    ColorLine(std::vector<Stop> stops, Extend extend);
 
     // Between two stops the straight channels are linear in `position`, rounded half up. 0 if there are no
     // stops or the position is NaN.
@@ -66,4 +66,4 @@ struct SweepGradient {
 
 }  // namespace host
 
-#endif  // ZVEX_PLATFORM_HOST_COLOURLINE_H_
+#endif  // ZVEX_PLATFORM_HOST_COLORLINE_H_

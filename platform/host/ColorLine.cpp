@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
 // In double precision with only its four operations and square root; angles are FreeType's, in integers.
-#include "platform/host/ColourLine.h"
+#include "platform/host/ColorLine.h"
 
 #include <ft2build.h>
 
@@ -41,12 +41,12 @@ bool Affine::invert(Affine* inverse) const {
     return std::isfinite(inverse->xx + inverse->xy + inverse->x0 + inverse->yx + inverse->yy + inverse->y0);
 }
 
-ColourLine::ColourLine(std::vector<Stop> stops, Extend extend) : mStops(std::move(stops)), mExtend(extend) {
+ColorLine::ColorLine(std::vector<Stop> stops, Extend extend) : mStops(std::move(stops)), mExtend(extend) {
     const auto isBefore = [](const Stop& a, const Stop& b) { return a.position < b.position; };
     std::stable_sort(mStops.begin(), mStops.end(), isBefore);
 }
 
-uint32_t ColourLine::at(double position) const {
+uint32_t ColorLine::at(double position) const {
     if (mStops.empty() || std::isnan(position)) return 0;
     const double first = mStops.front().position, length = mStops.back().position - first;
     if (mExtend != Extend::Pad && length > 0) {
@@ -59,10 +59,10 @@ uint32_t ColourLine::at(double position) const {
     const auto after =
         std::upper_bound(mStops.begin(), mStops.end(), position,
                          [](double wanted, const Stop& stop) { return wanted < stop.position; });
-    if (after == mStops.begin()) return after->colour;
-    if (after == mStops.end()) return mStops.back().colour;
+    if (after == mStops.begin()) return after->color;
+    if (after == mStops.end()) return mStops.back().color;
     const Stop &from = after[-1], &to = *after;
-    return mixed(from.colour, to.colour, (position - from.position) / (to.position - from.position));
+    return mixed(from.color, to.color, (position - from.position) / (to.position - from.position));
 }
 
 LinearGradient::LinearGradient(double x0, double y0, double x1, double y1, double x2, double y2)

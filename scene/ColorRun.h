@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-#ifndef ZVEX_SCENE_COLOURRUN_H_
-#define ZVEX_SCENE_COLOURRUN_H_
+#ifndef ZVEX_SCENE_COLORRUN_H_
+#define ZVEX_SCENE_COLORRUN_H_
 
 #include <hwui/Paint.h>
 #include <minikin/Layout.h>
@@ -18,7 +18,7 @@ namespace Zvex::scene {
 
 // The glyphs of a line that may have colours of their own, where the text object draws them: counted from the
 // top left of the line's image, outside which nothing of the line shows.
-struct ColourRun {
+struct ColorRun {
     struct Glyph {
         const host::FontFace* face;  // of one of the scene's fonts
         uint32_t id;
@@ -39,25 +39,26 @@ struct ColourRun {
     int baseline = 0;           // below its top
 };
 // Adds those of `count` glyphs that may have colours. `font` is set up to draw them.
-void addGlyphs(ColourRun& run, const SkPaint& font, size_t count,
-               const std::function<ColourRun::Candidate(size_t)>& glyphAt);
+void addGlyphs(ColorRun& run, const SkPaint& font, size_t count,
+               const std::function<ColorRun::Candidate(size_t)>& glyphAt);
 // All of a layout; `ink` is the layout's.
-ColourRun colourRunOf(const minikin::Layout& layout, const minikin::MinikinRect& ink,
-                      const android::Paint& paint);
+ColorRun colorRunOf(const minikin::Layout& layout, const minikin::MinikinRect& ink,
+                    const android::Paint& paint);
 
 // A run in the picture: the left end of its image, and its baseline.
 struct PlacedRun {
-    const ColourRun* run;
+    const ColorRun* run;
     int x, y;
 };
 
 // The runs' glyphs within a picture of that size; palettes' references to the text colour get `textColor`.
 // Without pixels if none has colours. Throws std::bad_alloc.
-Zvex::ColourGlyphs drawColours(const std::vector<PlacedRun>& runs, uint32_t textColor, int width, int height);
+Zvex::ColorGlyphLayer drawColorGlyphs(const std::vector<PlacedRun>& runs, uint32_t textColor, int width,
+                                      int height);
 
 // Gives the coverage the glyphs' alpha where it has less: the platform draws no coverage for large ones.
-void raiseCoverage(Zvex::TextCoverage& coverage, const Zvex::ColourGlyphs& glyphs);
+void raiseCoverage(Zvex::TextCoverage& coverage, const Zvex::ColorGlyphLayer& glyphs);
 
 }  // namespace Zvex::scene
 
-#endif  // ZVEX_SCENE_COLOURRUN_H_
+#endif  // ZVEX_SCENE_COLORRUN_H_

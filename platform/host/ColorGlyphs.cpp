@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "platform/host/ColourGlyphs.h"
+#include "platform/host/ColorGlyphs.h"
 
 #include <algorithm>
 #include <cmath>
@@ -31,14 +31,14 @@ size_t placeWithin(const Image& image, const GlyphImage& layer, int y) {
 
 }  // namespace
 
-struct ColourGlyphs::Strike {
+struct ColorGlyphs::Strike {
     const FT_Bitmap* bitmap;
     int left, top;                // the bitmap's top left corner from the pen, in its own pixels, y upwards
     double perPixelX, perPixelY;  // perPixelX is negative in mirrored styles
     StrikePlace place;            // for the phone: position of the bitmap from the pen
 };
 
-void ColourGlyphs::open(FreeTypeFace& font, hb_face_t* hbFace) {
+void ColorGlyphs::open(FreeTypeFace& font, hb_face_t* hbFace) {
     const FT_Face face = font.face();
     mHasStrikes = FT_HAS_COLOR(face) && face->num_fixed_sizes > 0;
     FT_Palette_Data palettes;
@@ -55,8 +55,8 @@ void ColourGlyphs::open(FreeTypeFace& font, hb_face_t* hbFace) {
 
 // Loads the glyph's colour bitmap from the smallest strike that is not smaller than the style, else from the
 // largest one. With metricsOnly, loads only its sides and position. False if the font has none for the glyph.
-bool ColourGlyphs::loadStrike(FreeTypeFace& font, uint32_t glyph, const GlyphStyle& style, bool metricsOnly,
-                              Strike* strike) const {
+bool ColorGlyphs::loadStrike(FreeTypeFace& font, uint32_t glyph, const GlyphStyle& style, bool metricsOnly,
+                             Strike* strike) const {
     if (!mHasStrikes) return false;
     const FT_Face face = font.face();
     const FT_Bitmap_Size* sizes = face->available_sizes;
@@ -95,7 +95,7 @@ bool ColourGlyphs::loadStrike(FreeTypeFace& font, uint32_t glyph, const GlyphSty
     return true;
 }
 
-GlyphBox ColourGlyphs::strikeBox(const Strike& strike, const GlyphStyle& style, int quarterX) {
+GlyphBox ColorGlyphs::strikeBox(const Strike& strike, const GlyphStyle& style, int quarterX) {
     static constexpr double kFar = 1e9;  // beyond the limits, but safe to convert
     const auto whole = [](double v) { return static_cast<int64_t>(std::min(std::max(v, -kFar), kFar)); };
     if (style.rendering == Rendering::Phone) {
@@ -120,8 +120,8 @@ GlyphBox ColourGlyphs::strikeBox(const Strike& strike, const GlyphStyle& style, 
                    whole(std::ceil(bottom)));
 }
 
-void ColourGlyphs::drawStrike(const Strike& strike, const GlyphStyle& style, int quarterX, int channel,
-                              GlyphImage& image) {
+void ColorGlyphs::drawStrike(const Strike& strike, const GlyphStyle& style, int quarterX, int channel,
+                             GlyphImage& image) {
     if (style.rendering == Rendering::Phone) {
         StrikePlace place = strike.place;
         place.x0 += static_cast<float>(quarterX) * 0.25f - static_cast<float>(image.left);
@@ -165,9 +165,9 @@ bool isCut(const GlyphStyle& style) {
 
 }  // namespace
 
-ColourImage ColourGlyphs::paintStrike(const Strike& strike, const GlyphStyle& style, int quarterX) {
+ColorImage ColorGlyphs::paintStrike(const Strike& strike, const GlyphStyle& style, int quarterX) {
     const GlyphBox box = strikeBox(strike, style, quarterX);
-    ColourImage image = blankPicture(box);
+    ColorImage image = blankPicture(box);
     if (image.pixels.empty()) return image;
     GlyphImage plane = blankImage(box);
     std::vector<uint8_t> alphas = plane.coverage;
@@ -178,8 +178,8 @@ ColourImage ColourGlyphs::paintStrike(const Strike& strike, const GlyphStyle& st
         drawStrike(strike, style, quarterX, channel, plane);
         for (size_t i = 0; i < alphas.size(); ++i) {
             if (alphas[i] == 0) continue;
-            const uint32_t colour = nearestQuotient(plane.coverage[i] * 255u, alphas[i]);
-            image.pixels[i] |= std::min(colour, 255u) << (8 * channel);
+            const uint32_t color = nearestQuotient(plane.coverage[i] * 255u, alphas[i]);
+            image.pixels[i] |= std::min(color, 255u) << (8 * channel);
         }
     }
     for (size_t i = 0; i < alphas.size(); ++i) {
@@ -191,7 +191,7 @@ ColourImage ColourGlyphs::paintStrike(const Strike& strike, const GlyphStyle& st
 
 // Calls visit(layer's glyph, number of its colour) for each layer, the lowest first.
 template <typename Visit>
-bool ColourGlyphs::forEachLayer(FreeTypeFace& font, uint32_t glyph, Visit visit) const {
+bool ColorGlyphs::forEachLayer(FreeTypeFace& font, uint32_t glyph, Visit visit) const {
     FT_LayerIterator iterator;
     std::memset(&iterator, 0, sizeof iterator);
     FT_UInt layerGlyph = 0, color = 0;
@@ -204,8 +204,8 @@ bool ColourGlyphs::forEachLayer(FreeTypeFace& font, uint32_t glyph, Visit visit)
     return count > 0;
 }
 
-bool ColourGlyphs::layersBox(FreeTypeFace& font, uint32_t glyph, const GlyphStyle& style, int quarterX,
-                             GlyphBox* box) const {
+bool ColorGlyphs::layersBox(FreeTypeFace& font, uint32_t glyph, const GlyphStyle& style, int quarterX,
+                            GlyphBox* box) const {
     GlyphBox all;
     const bool layered = forEachLayer(font, glyph, [&](uint32_t layerGlyph, uint32_t) {
         if (loadOutline(font, layerGlyph, style, quarterX)) {
@@ -218,21 +218,21 @@ bool ColourGlyphs::layersBox(FreeTypeFace& font, uint32_t glyph, const GlyphStyl
 
 // Calls visit(the layer's coverage, number of its colour) for each layer, the lowest first.
 template <typename Visit>
-void ColourGlyphs::drawEachLayer(FreeTypeFace& font, uint32_t glyph, const GlyphStyle& style, int quarterX,
-                                 Visit visit) const {
-    forEachLayer(font, glyph, [&](uint32_t layerGlyph, uint32_t colour) {
+void ColorGlyphs::drawEachLayer(FreeTypeFace& font, uint32_t glyph, const GlyphStyle& style, int quarterX,
+                                Visit visit) const {
+    forEachLayer(font, glyph, [&](uint32_t layerGlyph, uint32_t color) {
         if (!loadOutline(font, layerGlyph, style, quarterX)) return;
         const GlyphBox box = outlineBox(font);
         GlyphImage layer = blankImage(box);
-        if (!box.empty() && rasterise(font, style, exactLevels(), layer)) visit(layer, colour);
+        if (!box.empty() && rasterise(font, style, exactLevels(), layer)) visit(layer, color);
     });
 }
 
 // One layer over the other: the alphas of the picture that paintLayers makes.
-void ColourGlyphs::drawLayers(FreeTypeFace& font, uint32_t glyph, const GlyphStyle& style, int quarterX,
-                              GlyphImage& image) const {
-    drawEachLayer(font, glyph, style, quarterX, [&](const GlyphImage& layer, uint32_t colour) {
-        const uint32_t alpha = PaletteColours{&mPalette, 0xFF000000}.at(colour) >> 24;
+void ColorGlyphs::drawLayers(FreeTypeFace& font, uint32_t glyph, const GlyphStyle& style, int quarterX,
+                             GlyphImage& image) const {
+    drawEachLayer(font, glyph, style, quarterX, [&](const GlyphImage& layer, uint32_t color) {
+        const uint32_t alpha = PaletteColors{&mPalette, 0xFF000000}.at(color) >> 24;
         const uint8_t* source = layer.coverage.data();
         for (int y = 0; y < layer.height; ++y) {
             uint8_t* target = image.coverage.data() + placeWithin(image, layer, y);
@@ -243,19 +243,19 @@ void ColourGlyphs::drawLayers(FreeTypeFace& font, uint32_t glyph, const GlyphSty
     });
 }
 
-ColourImage ColourGlyphs::paintLayers(FreeTypeFace& font, uint32_t glyph, const GlyphStyle& style,
-                                      int quarterX, uint32_t textColour) const {
+ColorImage ColorGlyphs::paintLayers(FreeTypeFace& font, uint32_t glyph, const GlyphStyle& style, int quarterX,
+                                    uint32_t textColor) const {
     GlyphBox box;
     layersBox(font, glyph, style, quarterX, &box);
-    ColourImage image = blankPicture(box);
+    ColorImage image = blankPicture(box);
     if (image.pixels.empty()) return image;
     std::vector<uint32_t> row;
     drawEachLayer(font, glyph, style, quarterX, [&](const GlyphImage& layer, uint32_t number) {
-        const uint32_t colour = PaletteColours{&mPalette, textColour}.at(number);
+        const uint32_t color = PaletteColors{&mPalette, textColor}.at(number);
         const uint8_t* source = layer.coverage.data();
         row.resize(static_cast<size_t>(layer.width));
         for (int y = 0; y < layer.height; ++y) {
-            for (uint32_t& word : row) word = withAlpha(colour, multiplyBytes(*source++, colour >> 24));
+            for (uint32_t& word : row) word = withAlpha(color, multiplyBytes(*source++, color >> 24));
             compositeWords(image.pixels.data() + placeWithin(image, layer, y), row.data(), row.size(),
                            Composite::SourceOver);
         }
@@ -263,12 +263,12 @@ ColourImage ColourGlyphs::paintLayers(FreeTypeFace& font, uint32_t glyph, const 
     return image;
 }
 
-bool ColourGlyphs::isGraphOnly(FreeTypeFace& font, uint32_t glyph, const GlyphStyle& style) const {
+bool ColorGlyphs::isGraphOnly(FreeTypeFace& font, uint32_t glyph, const GlyphStyle& style) const {
     return mGraph.has(glyph) && !loadOutline(font, glyph, style, 0);
 }
 
-bool ColourGlyphs::box(FreeTypeFace& font, uint32_t glyph, const GlyphStyle& style, int quarterX,
-                       GlyphBox* box) const {
+bool ColorGlyphs::box(FreeTypeFace& font, uint32_t glyph, const GlyphStyle& style, int quarterX,
+                      GlyphBox* box) const {
     Strike strike;
     if (loadStrike(font, glyph, style, true, &strike)) {
         *box = strikeBox(strike, style, quarterX);
@@ -280,7 +280,7 @@ bool ColourGlyphs::box(FreeTypeFace& font, uint32_t glyph, const GlyphStyle& sty
     return true;
 }
 
-float ColourGlyphs::advance(FreeTypeFace& font, uint32_t glyph, const GlyphStyle& style) const {
+float ColorGlyphs::advance(FreeTypeFace& font, uint32_t glyph, const GlyphStyle& style) const {
     Strike strike;
     if (loadStrike(font, glyph, style, true, &strike)) {
         // Scales as FreeType's own matrix would.
@@ -290,8 +290,8 @@ float ColourGlyphs::advance(FreeTypeFace& font, uint32_t glyph, const GlyphStyle
     return loadGlyph(font, glyph, style) ? slotAdvance(font, style) : 0;
 }
 
-bool ColourGlyphs::draw(FreeTypeFace& font, uint32_t glyph, const GlyphStyle& style, int quarterX,
-                        GlyphImage* image) const {
+bool ColorGlyphs::draw(FreeTypeFace& font, uint32_t glyph, const GlyphStyle& style, int quarterX,
+                       GlyphImage* image) const {
     Strike strike;
     if (loadStrike(font, glyph, style, false, &strike)) {
         *image = blankImage(strikeBox(strike, style, quarterX));
@@ -308,7 +308,7 @@ bool ColourGlyphs::draw(FreeTypeFace& font, uint32_t glyph, const GlyphStyle& st
         return true;
     }
     if (!isGraphOnly(font, glyph, style)) return false;
-    const ColourImage painted = mGraph.draw(font, glyph, style, quarterX, {&mPalette, 0xFF000000});
+    const ColorImage painted = mGraph.draw(font, glyph, style, quarterX, {&mPalette, 0xFF000000});
     *image =
         blankImage({painted.left, painted.top, painted.left + painted.width, painted.top + painted.height});
     std::transform(painted.pixels.begin(), painted.pixels.end(), image->coverage.begin(),
@@ -316,12 +316,12 @@ bool ColourGlyphs::draw(FreeTypeFace& font, uint32_t glyph, const GlyphStyle& st
     return true;
 }
 
-ColourImage ColourGlyphs::paint(FreeTypeFace& font, uint32_t glyph, const GlyphStyle& style, int quarterX,
-                                uint32_t textColour) const {
+ColorImage ColorGlyphs::paint(FreeTypeFace& font, uint32_t glyph, const GlyphStyle& style, int quarterX,
+                              uint32_t textColor) const {
     Strike strike;
     if (loadStrike(font, glyph, style, false, &strike)) return paintStrike(strike, style, quarterX);
-    if (mGraph.has(glyph)) return mGraph.draw(font, glyph, style, quarterX, {&mPalette, textColour});
-    return paintLayers(font, glyph, style, quarterX, textColour);
+    if (mGraph.has(glyph)) return mGraph.draw(font, glyph, style, quarterX, {&mPalette, textColor});
+    return paintLayers(font, glyph, style, quarterX, textColor);
 }
 
 }  // namespace host

@@ -14,7 +14,7 @@ namespace {
 
 using fonts::glyphOf;
 using fonts::Role;
-using host::ColourImage;
+using host::ColorImage;
 using host::FontFace;
 using host::GlyphImage;
 using host::GlyphStyle;
@@ -38,30 +38,30 @@ const uint32_t kBase = glyphOf(plainFont(), ' '), kRound = glyphOf(plainFont(), 
                kBar = glyphOf(plainFont(), '|');
 
 // The small font with a palette: red, half-transparent green, blue.
-struct ColourFont {
+struct ColorFont {
     std::string file;
     std::shared_ptr<FontFace> face;
-    explicit ColourFont(const std::string& table) {
+    explicit ColorFont(const std::string& table) {
         const std::string palette =
             paints::big(2, {0, 3, 1, 3, 0, 14, 0}) + paints::big(4, {0x0000FFFF, 0x00FF0080, 0xFF0000FF});
         file = fonts::withTables(
             Role::kLatinSmall, {{HB_TAG('C', 'O', 'L', 'R'), table}, {HB_TAG('C', 'P', 'A', 'L'), palette}});
         face = FontFace::open(file.data(), file.size(), 0);
     }
-    ColourFont(const std::string& paint, const std::vector<int>& clip)
-        : ColourFont(paints::Table{{{kBase, paint}}, {}, clip}.bytes()) {}
-    ColourImage image(float size) const { return face->colourImage(kBase, sized(size), 0, kText); }
+    ColorFont(const std::string& paint, const std::vector<int>& clip)
+        : ColorFont(paints::Table{{{kBase, paint}}, {}, clip}.bytes()) {}
+    ColorImage image(float size) const { return face->colorImage(kBase, sized(size), 0, kText); }
 };
 
 // Pixels of the pen's grid, 0 outside the image.
-uint32_t at(const ColourImage& image, int x, int y) {
+uint32_t at(const ColorImage& image, int x, int y) {
     x -= image.left;
     y -= image.top;
     if (x < 0 || x >= image.width || y < 0 || y >= image.height) return 0;
     return image.pixels[static_cast<size_t>(y * image.width + x)];
 }
 
-std::vector<uint8_t> alphasOf(const ColourImage& image) {
+std::vector<uint8_t> alphasOf(const ColorImage& image) {
     std::vector<uint8_t> alphas;
     for (const uint32_t word : image.pixels) alphas.push_back(static_cast<uint8_t>(word >> 24));
     return alphas;
@@ -74,7 +74,7 @@ double apart(uint32_t a, uint32_t b) {
                        std::max({std::fabs(p.alpha - q.alpha), std::fabs(p.color.r - q.color.r),
                                  std::fabs(p.color.g - q.color.g), std::fabs(p.color.b - q.color.b)}));
 }
-double apart(const ColourImage& a, const ColourImage& b) {
+double apart(const ColorImage& a, const ColorImage& b) {
     double most = 0;
     for (int y = std::min(a.top, b.top); y < std::max(a.top + a.height, b.top + b.height); ++y) {
         for (int x = std::min(a.left, b.left); x < std::max(a.left + a.width, b.left + b.width); ++x) {
@@ -84,10 +84,10 @@ double apart(const ColourImage& a, const ColourImage& b) {
     return most;
 }
 
-TEST(ColourGlyphs, AlphaIsTheSilhouettesInEveryStyle) {
+TEST(ColorGlyphs, AlphaIsTheSilhouettesInEveryStyle) {
     const std::string layered = paints::big(2, {0, 1}) + paints::big(4, {14, 20}) +
                                 paints::big(2, {3, kBase, 0, 3, kRound, 1, kBar, 0xFFFF, kBar + 1, 2});
-    const ColourFont layers(layered), graph(paints::shape(kRound, paints::solid(1)), {});
+    const ColorFont layers(layered), graph(paints::shape(kRound, paints::solid(1)), {});
     const auto emoji = fonts::open(Role::kEmoji);
     const std::pair<const FontFace*, uint32_t> glyphs[] = {
         {emoji.get(), glyphOf(*emoji, 0x1F600)}, {layers.face.get(), kBase}, {graph.face.get(), kBase}};
@@ -102,7 +102,7 @@ TEST(ColourGlyphs, AlphaIsTheSilhouettesInEveryStyle) {
                     style.fakeBold = variant / 4 != 0;
                     if (variant == 6) style.scaleX = -1.5f;
                     const auto silhouette = face->image(glyph, style, variant % 4);
-                    const ColourImage image = face->colourImage(glyph, style, variant % 4, kText);
+                    const ColorImage image = face->colorImage(glyph, style, variant % 4, kText);
                     ASSERT_EQ(image.left, silhouette->left);
                     ASSERT_EQ(image.top, silhouette->top);
                     ASSERT_EQ(image.width, silhouette->width);
@@ -113,15 +113,15 @@ TEST(ColourGlyphs, AlphaIsTheSilhouettesInEveryStyle) {
         }
     }
     EXPECT_EQ(drawn, 3 * 2 * 4 * 8);
-    EXPECT_TRUE(plainFont().colourImage(kRound, sized(40), 0, kText).pixels.empty());
+    EXPECT_TRUE(plainFont().colorImage(kRound, sized(40), 0, kText).pixels.empty());
     // A base with an outline of its own keeps it as its silhouette.
-    const ColourFont outlined(
+    const ColorFont outlined(
         paints::Table{{{kBar, paints::shape(kRound, paints::solid(0))}}, {}, {}}.bytes());
     EXPECT_EQ(outlined.face->image(kBar, sized(40), 0)->coverage,
               plainFont().image(kBar, sized(40), 0)->coverage);
 }
 
-TEST(ColourGlyphs, StrikesKeepTheirColours) {
+TEST(ColorGlyphs, StrikesKeepTheirColors) {
     const auto face = fonts::open(Role::kEmoji);
     const uint32_t glyph = glyphOf(*face, 0x1F600);
     const FreeTypeOracle oracle(fonts::bytes(Role::kEmoji), 0);
@@ -132,8 +132,7 @@ TEST(ColourGlyphs, StrikesKeepTheirColours) {
     const auto ppem = static_cast<float>(oracle.face()->size->metrics.y_ppem);
     // Squares of as many pixels as the strike is shrunk by have the picture's means, premultiplied.
     for (const int shrunk : {1, 4}) {
-        const ColourImage image =
-            face->colourImage(glyph, sized(ppem / static_cast<float>(shrunk)), 0, kText);
+        const ColorImage image = face->colorImage(glyph, sized(ppem / static_cast<float>(shrunk)), 0, kText);
         ASSERT_FALSE(image.pixels.empty());
         for (int y = image.top + 1; y < image.top + image.height - 1; ++y) {
             for (int x = image.left + 1; x < image.left + image.width - 1; ++x) {
@@ -159,11 +158,11 @@ TEST(ColourGlyphs, StrikesKeepTheirColours) {
     }
 }
 
-TEST(ColourGlyphs, LayersHaveTheirPalettesColoursAndTheTexts) {
-    const ColourFont font(paints::big(2, {0, 1}) + paints::big(4, {14, 20}) +
-                          paints::big(2, {2, kBase, 0, 2, kBar, 0, kBar, 1}));
-    const ColourFont text(paints::big(2, {0, 1}) + paints::big(4, {14, 20}) +
-                          paints::big(2, {1, kBase, 0, 1, kBar, 0xFFFF}));
+TEST(ColorGlyphs, LayersHaveTheirPalettesColorsAndTheTexts) {
+    const ColorFont font(paints::big(2, {0, 1}) + paints::big(4, {14, 20}) +
+                         paints::big(2, {2, kBase, 0, 2, kBar, 0, kBar, 1}));
+    const ColorFont text(paints::big(2, {0, 1}) + paints::big(4, {14, 20}) +
+                         paints::big(2, {1, kBase, 0, 1, kBar, 0xFFFF}));
     const auto bar = plainFont().inkBox(kBar, sized(400));
     const int x = static_cast<int>(bar.left + bar.right) / 2;
     EXPECT_EQ(at(font.image(400), x, -100), 0xFF7F8000);  // 128 of 255 green over red
@@ -173,7 +172,7 @@ TEST(ColourGlyphs, LayersHaveTheirPalettesColoursAndTheTexts) {
 // 64 pixels for 64 units, so that positions are easily told.
 constexpr float kUnitSize = kEm;
 
-TEST(PaintGraphs, GradientsHaveTheColoursOfTheirFormulas) {
+TEST(PaintGraphs, GradientsHaveTheColorsOfTheirFormulas) {
     const std::vector<paints::Stop> ramp = {{0, 0, 1}, {1, 2, 1}}, part = {{0.25, 0, 1}, {0.75, 2, 0.5}};
     const auto frac = [](double v) { return v - std::floor(v); };
     constexpr double kPi = 3.14159265358979323846;
@@ -206,7 +205,7 @@ TEST(PaintGraphs, GradientsHaveTheColoursOfTheirFormulas) {
          [&](double x, double y) { return frac(std::atan2(y - 32, x - 32) / (kPi / 2)); }},
     };
     for (const Case& one : cases) {
-        const ColourImage image = ColourFont(one.paint, {0, 0, 64, 64}).image(kUnitSize);
+        const ColorImage image = ColorFont(one.paint, {0, 0, 64, 64}).image(kUnitSize);
         ASSERT_EQ(image.width, 64) << one.what;
         for (int y = -64; y < 0; ++y) {
             for (int x = 0; x < 64; ++x) {
@@ -218,8 +217,8 @@ TEST(PaintGraphs, GradientsHaveTheColoursOfTheirFormulas) {
         }
     }
     // Exactly, at the middles of pixels 16 and 0.
-    const ColourImage faint =
-        ColourFont(paints::gradient(4, {0, 0, 33, 0, 0, 9}, part), {0, 0, 64, 64}).image(kUnitSize);
+    const ColorImage faint =
+        ColorFont(paints::gradient(4, {0, 0, 33, 0, 0, 9}, part), {0, 0, 64, 64}).image(kUnitSize);
     EXPECT_EQ(at(faint, 16, -1), 0xC0800080);
     EXPECT_EQ(at(faint, 0, -1), 0xFFFF0000);
     EXPECT_EQ(at(faint, 63, -1), 0x800000FF);
@@ -234,8 +233,8 @@ TEST(PaintGraphs, CompositesFollowTheirFormulas) {
                            Mode::Saturation, Mode::Color,     Mode::Luminosity};
     for (uint32_t mode = 0; mode < 28; ++mode) {
         for (const auto& [s, b] : {std::pair<float, float>{1, 1}, {0.5f, 0.75f}, {0.25f, 0}, {0, 0.75f}}) {
-            const ColourFont font(paints::composite(paints::solid(1, s), mode, paints::solid(0xFFFF, b)),
-                                  {0, 0, 4, 4});
+            const ColorFont font(paints::composite(paints::solid(1, s), mode, paints::solid(0xFFFF, b)),
+                                 {0, 0, 4, 4});
             const float below = std::floor(255 * b + 0.5f) / 255, above = std::floor(128 * s + 0.5f) / 255;
             const reference::JoinedPixel back = {{below * 0x10 / 255, below * 0x20 / 255, below * 0x30 / 255},
                                                  below};
@@ -292,17 +291,17 @@ TEST(PaintGraphs, TransformsMoveShapesAndTheirFills) {
         {30, {0, share(15.0 / 180), 700, 600}, {1, slope, 0, 1, 0, -700 * slope}},
     };
     for (const Case& one : cases) {
-        const ColourImage expected = ColourFont(paints::transformed(one.matrix, paint), {}).image(100);
+        const ColorImage expected = ColorFont(paints::transformed(one.matrix, paint), {}).image(100);
         for (const int variable : {0, 1}) {
-            const ColourFont font(paints::moved(one.format + variable, one.values, paint), {});
+            const ColorFont font(paints::moved(one.format + variable, one.values, paint), {});
             ASSERT_FALSE(font.image(100).pixels.empty()) << one.format;
             // The angles of tables are multiples of 180 / 16384 degrees.
             EXPECT_LE(apart(font.image(100), expected), one.format >= 28 ? 8 : 1.001)
                 << one.format + variable;
         }
     }
-    const ColourImage still = ColourFont(paint, {}).image(100),
-                      turned = ColourFont(paints::moved(24, {share(0.5)}, paint), {}).image(100);
+    const ColorImage still = ColorFont(paint, {}).image(100),
+                     turned = ColorFont(paints::moved(24, {share(0.5)}, paint), {}).image(100);
     EXPECT_LE(apart(at(still, 40, -10), at(turned, 10, -41)), 3);  // a quarter to the left
     // The shape is the outline's.
     const auto outline = plainFont().image(kRound, sized(100), 0);
@@ -317,9 +316,9 @@ TEST(PaintGraphs, GlyphsAndLayersOfGlyphsAreWithinTheirClips) {
     table.layers = {paints::shape(kBar, paints::solid(0)), paints::glyph(kRound), paints::solid(1)};
     table.glyphs = {{kBase, paints::layers(2, 0)}, {kRound, paints::shape(kRound, paints::solid(2))}};
     ASSERT_LT(kBase, kRound);
-    const ColourImage free = ColourFont(table.bytes()).image(100);
+    const ColorImage free = ColorFont(table.bytes()).image(100);
     table.clip = {0, 0, kEm / 4, kEm / 4};
-    const ColourImage cut = ColourFont(table.bytes()).image(100);
+    const ColorImage cut = ColorFont(table.bytes()).image(100);
     EXPECT_TRUE(cut.left >= 0 && cut.left + cut.width <= 25 && cut.top == -25 && cut.height <= 25);
     for (int y = -25; y < 0; ++y) {
         for (int x = 0; x < 25; ++x) ASSERT_EQ(at(cut, x, y), at(free, x, y));
@@ -328,7 +327,7 @@ TEST(PaintGraphs, GlyphsAndLayersOfGlyphsAreWithinTheirClips) {
     // The inner glyph's box moves along with it.
     table.glyphs = {{kBase, paints::moved(14, {kEm / 8, 0}, paints::glyph(kRound))},
                     {kRound, paints::solid(2)}};
-    const ColourImage moved = ColourFont(table.bytes()).image(100);
+    const ColorImage moved = ColorFont(table.bytes()).image(100);
     EXPECT_EQ(moved.left, 12);
     EXPECT_EQ(moved.width, 13);
 }
@@ -339,7 +338,7 @@ TEST(PaintGraphs, HostileTablesEnd) {
     std::string doubled =
         paints::shape(kRound, paints::composite(paints::glyph(kBase), 3, paints::glyph(kBase)));
     table.glyphs = {{kBase, doubled}};
-    EXPECT_GT(ColourFont(table.bytes()).face->image(kBase, sized(40), 0)->width, -1);
+    EXPECT_GT(ColorFont(table.bytes()).face->image(kBase, sized(40), 0)->width, -1);
     table.layers = {paints::layers(255, 0),
                     paints::glyph(kBase),
                     paints::transformed({30000, 0, 0, 30000, 0, 0}, paints::shape(kRound, paints::solid(0))),
@@ -355,9 +354,9 @@ TEST(PaintGraphs, HostileTablesEnd) {
         std::string damaged = whole;
         for (int i = 0; i < round % 8; ++i) damaged[random() % damaged.size()] = static_cast<char>(random());
         if (round % 5 == 4) damaged.resize(random() % damaged.size());
-        const ColourFont font(damaged);
+        const ColorFont font(damaged);
         if (font.face == nullptr) continue;
-        const ColourImage image = font.image(12);
+        const ColorImage image = font.image(12);
         ASSERT_EQ(image.pixels, font.image(12).pixels) << round;
         EXPECT_FALSE(round == 0 && image.pixels.empty());
     }

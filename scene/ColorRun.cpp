@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "scene/ColourRun.h"
+#include "scene/ColorRun.h"
 
 #include <hb-ot.h>
 #include <hwui/MinikinUtils.h>
@@ -18,14 +18,14 @@ namespace {
 
 // Where the run's image lies in a picture of that size.
 ZvRect boxOf(const PlacedRun& placed, int width, int height) {
-    const ColourRun& run = *placed.run;
+    const ColorRun& run = *placed.run;
     const int64_t top = int64_t{placed.y} - run.baseline;
     return ZvRect(std::max(placed.x, 0), static_cast<int>(std::clamp<int64_t>(top, 0, height)),
                   static_cast<int>(std::clamp<int64_t>(int64_t{placed.x} + run.width, 0, width)),
                   static_cast<int>(std::clamp<int64_t>(top + run.height, 0, height)));
 }
 
-uint32_t* wordsAt(const Zvex::ColourGlyphs& glyphs, int x, int y) {
+uint32_t* wordsAt(const Zvex::ColorGlyphLayer& glyphs, int x, int y) {
     return reinterpret_cast<uint32_t*>(glyphs.picture.pixels) +
            static_cast<size_t>(y - glyphs.y) * glyphs.picture.width + static_cast<size_t>(x - glyphs.x);
 }
@@ -40,10 +40,10 @@ bool hasSvgPicture(const host::FontFace& face, uint32_t glyph) {
     return has;
 }
 
-void drawGlyph(const ColourRun::Glyph& glyph, const PlacedRun& placed, const ZvRect& clip, uint32_t textColor,
-               Zvex::ColourGlyphs& target) {
-    const host::ColourImage image =
-        glyph.face->colourImage(glyph.id, glyph.style, glyph.pen.quarterX, textColor);
+void drawGlyph(const ColorRun::Glyph& glyph, const PlacedRun& placed, const ZvRect& clip, uint32_t textColor,
+               Zvex::ColorGlyphLayer& target) {
+    const host::ColorImage image =
+        glyph.face->colorImage(glyph.id, glyph.style, glyph.pen.quarterX, textColor);
     const int left = placed.x + glyph.pen.x + image.left;
     const int top = placed.y - placed.run->baseline + glyph.pen.y + image.top;
     const int begin = std::max(left, clip.left), end = std::min(left + image.width, clip.right);
@@ -58,27 +58,27 @@ void drawGlyph(const ColourRun::Glyph& glyph, const PlacedRun& placed, const ZvR
 
 }  // namespace
 
-void addGlyphs(ColourRun& run, const SkPaint& font, size_t count,
-               const std::function<ColourRun::Candidate(size_t)>& glyphAt) {
+void addGlyphs(ColorRun& run, const SkPaint& font, size_t count,
+               const std::function<ColorRun::Candidate(size_t)>& glyphAt) {
     const host::FontFace* face = font.getTypeface()->face().get();
     const bool svg = hb_ot_color_has_svg(face->hbFace()) != 0;
-    if (!face->hasColours() && !svg) return;
+    if (!face->hasColors() && !svg) return;
     const host::GlyphStyle style = host::glyphStyleOf(font);
     for (size_t i = 0; i < count; ++i) {
-        const ColourRun::Candidate glyph = glyphAt(i);
+        const ColorRun::Candidate glyph = glyphAt(i);
         const float width = glyph.ink.mRight - glyph.ink.mLeft, height = glyph.ink.mBottom - glyph.ink.mTop;
         host::GlyphPen pen;
         if (!(width > 0) || !host::placePen(glyph.x, glyph.y, style, &pen)) continue;
         if (svg) run.hasSvg = run.hasSvg || hasSvgPicture(*face, glyph.id);
-        if (!face->hasColours()) continue;
+        if (!face->hasColors()) continue;
         run.hasLarge = run.hasLarge || width * height > kMostPixels;
         run.glyphs.push_back({face, glyph.id, style, pen});
     }
 }
 
-ColourRun colourRunOf(const minikin::Layout& layout, const minikin::MinikinRect& ink,
-                      const android::Paint& paint) {
-    ColourRun run;
+ColorRun colorRunOf(const minikin::Layout& layout, const minikin::MinikinRect& ink,
+                    const android::Paint& paint) {
+    ColorRun run;
     run.width = static_cast<int>(truncateToUnsigned(layout.getAdvance()));
     run.height = static_cast<int>(truncateToUnsigned(ink.mBottom - ink.mTop));
     run.baseline = truncateToInt(-ink.mTop);
@@ -86,18 +86,18 @@ ColourRun colourRunOf(const minikin::Layout& layout, const minikin::MinikinRect&
     const auto addRun = [&](size_t start, size_t end) {
         addGlyphs(run, font, end - start, [&](size_t i) {
             const int index = static_cast<int>(start + i);
-            return ColourRun::Candidate{layout.getGlyphId(index), layout.getX(index) - ink.mLeft,
-                                        layout.getY(index) - ink.mTop,
-                                        host::LayoutGlyphs::inkOf(layout, index)};
+            return ColorRun::Candidate{layout.getGlyphId(index), layout.getX(index) - ink.mLeft,
+                                       layout.getY(index) - ink.mTop,
+                                       host::LayoutGlyphs::inkOf(layout, index)};
         });
     };
     android::MinikinUtils::forFontRun(layout, &font, addRun);
     return run;
 }
 
-Zvex::ColourGlyphs drawColours(const std::vector<PlacedRun>& runs, uint32_t textColor, int width,
-                               int height) {
-    Zvex::ColourGlyphs glyphs;
+Zvex::ColorGlyphLayer drawColorGlyphs(const std::vector<PlacedRun>& runs, uint32_t textColor, int width,
+                                      int height) {
+    Zvex::ColorGlyphLayer glyphs;
     ZvRect all;
     for (const PlacedRun& placed : runs) {
         const ZvRect box = boxOf(placed, width, height);
@@ -111,14 +111,14 @@ Zvex::ColourGlyphs drawColours(const std::vector<PlacedRun>& runs, uint32_t text
     if (glyphs.picture.pixels == nullptr) throw std::bad_alloc();
     for (const PlacedRun& placed : runs) {
         const ZvRect box = boxOf(placed, width, height);
-        for (const ColourRun::Glyph& glyph : placed.run->glyphs) {
+        for (const ColorRun::Glyph& glyph : placed.run->glyphs) {
             drawGlyph(glyph, placed, box, textColor, glyphs);
         }
     }
     return glyphs;
 }
 
-void raiseCoverage(Zvex::TextCoverage& coverage, const Zvex::ColourGlyphs& glyphs) {
+void raiseCoverage(Zvex::TextCoverage& coverage, const Zvex::ColorGlyphLayer& glyphs) {
     const ZvRect& box = coverage.box;
     const int left = std::max(box.left, glyphs.x);
     const int right = std::min(box.right, glyphs.x + static_cast<int>(glyphs.picture.width));

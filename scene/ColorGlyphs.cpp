@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: Apache-2.0
-#include "scene/ColourGlyphs.h"
+#include "scene/ColorGlyphs.h"
 
 #include <algorithm>
 #include <variant>
@@ -28,23 +28,23 @@ std::vector<EffectSettings> effectsAround(const std::vector<EffectSettings>& eff
 }
 
 // Large glyphs have no coverage of the platform's, which draws them as paths.
-bool hasColours(const std::vector<ColourRun>& runs, const Style& style) {
+bool hasColors(const std::vector<ColorRun>& runs, const Style& style) {
     const bool colored = hasColoredLayer(style);
-    return std::any_of(runs.begin(), runs.end(), [&](const ColourRun& run) {
-        return std::any_of(run.glyphs.begin(), run.glyphs.end(), [&](const ColourRun::Glyph& glyph) {
+    return std::any_of(runs.begin(), runs.end(), [&](const ColorRun& run) {
+        return std::any_of(run.glyphs.begin(), run.glyphs.end(), [&](const ColorRun::Glyph& glyph) {
             return colored || host::drawnAsPath(glyph.style);
         });
     });
 }
 
-std::string silhouetteWarning(const std::vector<ColourRun>& runs, const Style& style) {
-    const auto any = [&](bool ColourRun::*flag) {
-        return std::any_of(runs.begin(), runs.end(), [&](const ColourRun& run) { return run.*flag; });
+std::string silhouetteWarning(const std::vector<ColorRun>& runs, const Style& style) {
+    const auto any = [&](bool ColorRun::*flag) {
+        return std::any_of(runs.begin(), runs.end(), [&](const ColorRun& run) { return run.*flag; });
     };
     if (!hasColoredLayer(style)) return "";
-    if (any(&ColourRun::hasSvg))
+    if (any(&ColorRun::hasSvg))
         return "a font has its emoji as SVG, which is not read; they are drawn as silhouettes";
-    return any(&ColourRun::hasLarge) ? "emoji this large have no colours; lower --size" : "";
+    return any(&ColorRun::hasLarge) ? "emoji this large have no colours; lower --size" : "";
 }
 
 // A style that says nothing means its front layer.

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: Apache-2.0
-#ifndef ZVEX_PLATFORM_HOST_COLOURGLYPHS_H_
-#define ZVEX_PLATFORM_HOST_COLOURGLYPHS_H_
+#ifndef ZVEX_PLATFORM_HOST_COLORGLYPHS_H_
+#define ZVEX_PLATFORM_HOST_COLORGLYPHS_H_
 
 #include <cstdint>
 #include <vector>
@@ -13,7 +13,7 @@ namespace host {
 
 // The colour glyphs of a font, as alpha and in colour: bitmap strikes, layers and painted graphs. The calls
 // return false, or no pixels, for a glyph that has no colour.
-class ColourGlyphs {
+class ColorGlyphs {
 public:
     void open(FreeTypeFace& font, hb_face_t* face);
 
@@ -23,8 +23,8 @@ public:
     bool box(FreeTypeFace& font, uint32_t glyph, const GlyphStyle& style, int quarterX, GlyphBox* box) const;
     bool draw(FreeTypeFace& font, uint32_t glyph, const GlyphStyle& style, int quarterX,
               GlyphImage* image) const;
-    ColourImage paint(FreeTypeFace& font, uint32_t glyph, const GlyphStyle& style, int quarterX,
-                      uint32_t textColour) const;
+    ColorImage paint(FreeTypeFace& font, uint32_t glyph, const GlyphStyle& style, int quarterX,
+                     uint32_t textColor) const;
     // The advance of a colour glyph, as the phone measures it.
     float advance(FreeTypeFace& font, uint32_t glyph, const GlyphStyle& style) const;
 
@@ -37,7 +37,7 @@ private:
     // Draws one of the bitmap's channels: blue, green, red or alpha.
     static void drawStrike(const Strike& strike, const GlyphStyle& style, int quarterX, int channel,
                            GlyphImage& image);
-    static ColourImage paintStrike(const Strike& strike, const GlyphStyle& style, int quarterX);
+    static ColorImage paintStrike(const Strike& strike, const GlyphStyle& style, int quarterX);
     template <typename Visit>
     bool forEachLayer(FreeTypeFace& font, uint32_t glyph, Visit visit) const;
     template <typename Visit>
@@ -47,8 +47,8 @@ private:
                    GlyphBox* box) const;
     void drawLayers(FreeTypeFace& font, uint32_t glyph, const GlyphStyle& style, int quarterX,
                     GlyphImage& image) const;
-    ColourImage paintLayers(FreeTypeFace& font, uint32_t glyph, const GlyphStyle& style, int quarterX,
-                            uint32_t textColour) const;
+    ColorImage paintLayers(FreeTypeFace& font, uint32_t glyph, const GlyphStyle& style, int quarterX,
+                           uint32_t textColor) const;
     // Whether the glyph consists only of the graph.
     bool isGraphOnly(FreeTypeFace& font, uint32_t glyph, const GlyphStyle& style) const;
 
@@ -59,4 +59,4 @@ private:
 
 }  // namespace host
 
-#endif  // ZVEX_PLATFORM_HOST_COLOURGLYPHS_H_
+#endif  // ZVEX_PLATFORM_HOST_COLORGLYPHS_H_
