@@ -240,7 +240,7 @@ bool ZvTextEffects_OnLoad(JNIEnv* env) {
         nativeMethod("ZvTextEffects_GetOrigin", "(I)[I", getOrigin),
         nativeMethod("ZvTextEffects_GetLayerMargins", "([I[F)[I", ZvTextEffects_GetLayerMargins),
         nativeMethod("ZvTextEffects_RenderLayers", "(I[I[FIIZF)[I", ZvTextEffects_RenderLayers),
-        nativeMethod("ZvTextEffects_Render", "(IZZIF)[I", ZvTextEffects_Render),
+        nativeMethod("ZvTextEffects_Render", "(IZZ)[I", ZvTextEffects_Render),
         nativeMethod("ZvTextEffects_LayOut", "(ILjava/lang/String;IIIDD)[I", layOut),
         nativeMethod("ZvTextEffects_LeaveWords", "(I)Z", leaveWords),
         nativeMethod("ZvTextEffects_SetWords", "(ILjava/lang/String;)Z", setWords),

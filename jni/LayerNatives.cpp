@@ -56,10 +56,10 @@ public:
     }
 
     // The text with its own effects as the only layer.
-    void addText(ZvTextObject& text, uint32_t color, bool colored) {
+    void addText(ZvTextObject& text, bool colored) {
         TextLayer layer;
         layer.effect = text.GetEffect();
-        add(layer, color, colored);
+        add(layer, text.GetTextColor(), colored);
     }
 
     // Call before drawing, and again after anything else has used the same stacks.
@@ -259,18 +259,18 @@ jintArray JNICALL ZvTextEffects_RenderLayers(JNIEnv* env, jclass, jint handle, j
 }
 
 jintArray JNICALL ZvTextEffects_Render(JNIEnv* env, jclass, jint handle, jboolean colored,
-                                       jboolean background, jint textColor, jfloat opacity) {
+                                       jboolean background) {
     ZV_TEXT_OBJECT_OF(handle, text, nullptr);
     return unlessOutOfMemory<jintArray>(nullptr, [&] {
         const std::unique_ptr<GlyphColors> glyphs = GlyphColors::of(*text);
         if (glyphs == nullptr || (colored == JNI_FALSE && !glyphs->lackCoverage()))
             return renderPicture(env, *text, kTag, "ZvTextEffects_Render");
         LayerList list;
-        list.addText(*text, static_cast<uint32_t>(textColor), colored != JNI_FALSE);
+        list.addText(*text, colored != JNI_FALSE);
         Ground ground;
         ground.background = background != JNI_FALSE;
         ground.linear = true;
-        return renderLayers(env, *text, list, ground, opacity, glyphs.get());
+        return renderLayers(env, *text, list, ground, 1, glyphs.get());
     });
 }
 

@@ -23,10 +23,9 @@ jintArray JNICALL ZvTextEffects_RenderLayers(JNIEnv* env, jclass, jint handle, j
                                              jboolean background, jfloat opacity);
 
 // Like ZvText_RenderTextEffect, and glyphs that have colours of their own (GlyphColors) are drawn in these
-// if `colored`. If there are any, the text has `textColor`, and the picture's alpha is multiplied by
-// `opacity`.
+// if `colored`.
 jintArray JNICALL ZvTextEffects_Render(JNIEnv* env, jclass, jint handle, jboolean colored,
-                                       jboolean background, jint textColor, jfloat opacity);
+                                       jboolean background);
 
 }  // namespace Zvex
 

@@ -33,13 +33,10 @@ private:
 // The colour, its alpha multiplied by the opacity.
 uint32_t withOpacity(uint32_t color, double opacity);
 
-// Draws a style with layers or with a canvas, glyphs in their own colours, and what becomes translucent as a
-// whole.
+// Draws a style with layers or with a canvas, and glyphs in their own colours.
 class LayeredScene {
 public:
-    static bool isFor(const Style& style) {
-        return !style.layers.empty() || style.canvas.has_value() || (style.background && style.opacity < 1);
-    }
+    static bool isFor(const Style& style) { return !style.layers.empty() || style.canvas.has_value(); }
 
     // Sets up the object's colours and effects, which ask for the layers' margins. The object and the style
     // must outlive this. Throws Failure.

@@ -155,11 +155,17 @@ Rendering Renderer::make(const Scene& scene, const Sink& sink) {
     style.size = text->laidOut.size;
     fitEffects(style);
     std::optional<LayeredScene> layered;
-    if (LayeredScene::isFor(style) || hasColors(text->laidOut.colors, style)) {
+    if (!LayeredScene::isFor(style) && hasColors(text->laidOut.colors, style)) {
+        style.color = withOpacity(style.color, style.opacity);
+        if (style.background) style.background = withOpacity(*style.background, style.opacity);
+        style.opacity = 1;
+        layered.emplace(style, object);
+    } else if (LayeredScene::isFor(style)) {
         layered.emplace(style, object);
     } else {
         object.SetTextColor(withOpacity(style.color, style.opacity));
-        object.SetBackgroundColor(style.background.value_or(0), style.background.has_value());
+        object.SetBackgroundColor(withOpacity(style.background.value_or(0), style.opacity),
+                                  style.background.has_value());
         addEffects(*object.GetEffect(), style.effects);
     }
 

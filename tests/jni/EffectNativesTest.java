@@ -154,7 +154,7 @@ final class EffectNativesTest {
         refused(19, false, "RemoveEffect", GONE, 0);
         refused(19, false, "ClearEffect", -1, 3);
         refused(19, null, "GetLayerKey", GONE);
-        refused(19, null, "Render", GONE, true, false, 0, 1f);
+        refused(19, null, "Render", GONE, true, false);
         refused(19, false, "SetWords", GONE, "a");
         refused(7, false, "SetWords", handle, null);
         int[] layer = {handle, 0, 0, 0, 0, 0, 0};

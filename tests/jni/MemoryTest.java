@@ -63,7 +63,7 @@ final class MemoryTest {
             useEffects(text.handle());
             if (i % 20 == 0) {
                 text.render();
-                EffectNativesTest.effects("Render", text.handle(), true, false, 0, 1f);
+                EffectNativesTest.effects("Render", text.handle(), true, false);
                 EffectNativesTest.effects("RenderLayers", text.handle(), new int[] {text.handle(), 0, 1, 0, 0, 0, 4}, new float[1],
                         0, 0, false, 1f);
             }

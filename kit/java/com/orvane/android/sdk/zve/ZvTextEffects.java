@@ -73,15 +73,8 @@ final class ZvTextEffects {
     static native int[] ZvTextEffects_RenderLayers(
             int handle, int[] layers, float[] opacities, int canvas, int canvasColor, boolean background, float opacity);
 
-    /**
-     * The picture with the text's own effects.
-     *
-     * @param colored whether glyphs have their own colours
-     * @param textColor the text's, not faded
-     * @param opacity of the picture; the text's colour has it already, for pictures without such glyphs
-     */
-    static native int[] ZvTextEffects_Render(
-            int handle, boolean colored, boolean background, int textColor, float opacity);
+    /** The picture with the text's own effects. @param colored whether glyphs have their own colours */
+    static native int[] ZvTextEffects_Render(int handle, boolean colored, boolean background);
 
     /**
      * Lays words out and gives the text a view of their size, on a desktop.
