@@ -60,7 +60,9 @@ Fields fieldsOf(Style& style) {
                    "a list of OpenType features, each written tag, -tag or tag=N, with commas between",
                    host::areFeatures},
          "OpenType features, such as 'smcp, -liga, ss01=1'", "LIST"},
-        {"opacity", NumberField{&style.opacity, kShare}, "Opacity of the whole picture: 0.6 or 60%"},
+        {"opacity", NumberField{&style.opacity, kShare},
+         "Opacity of the picture: 0.6 or 60%. Text, background and emoji fade each by itself, layers and a "
+         "canvas as a whole"},
         {"color-glyphs", OptionalFlagField{&style.colorGlyphs},
          "Draw emoji in their own colours; of several layers, only in the front one. False draws silhouettes "
          "in the text's colour"}};

@@ -79,7 +79,7 @@ abstract class TextLook {
     }
 
     /**
-     * Sets the opacity of the whole picture.
+     * Sets the opacity of the picture. Text, background and emoji fade each by itself, layers and a canvas as a whole.
      *
      * @param opacity 0 to 1
      * @return this text
