@@ -74,9 +74,9 @@ public:
 // more than their alpha, only the effects around them lie below, so that no edge of the fill shows.
 //
 // False, with the picture unchanged, if memory is short (4 bytes a pixel for each layer, more if layers that
-// share a picture move apart; one more layer with colour glyphs; plus what a stack needs), or if a side of the
-// text's box, spread included, has 2^16 pixels or more. An effect that finds no memory is left out and sets
-// the flag of foundation/OutOfMemory.h.
+// share a picture move apart; one more layer with colour glyphs; plus what a stack needs), or if a side of
+// the text's box, spread included, has 2^16 pixels or more. An effect that finds no memory is left out and
+// sets the flag of foundation/OutOfMemory.h.
 bool drawTextLayers(ZvBitmap* picture, const TextCoverage& text, const TextLayer* layers, size_t count,
                     const ZvRect& clip, float opacity = 1);
 
