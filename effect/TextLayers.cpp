@@ -153,15 +153,19 @@ ZvRect movedBy(int64_t x, int64_t y, const ZvRect& rect) {
 }
 
 // What is drawn for layer i and those that share its picture: what they show once they have moved, and the
-// whole text, whose effects would change if it were cut. A layer that moves by the picture's size shows
-// nothing.
+// whole text, whose effects would change if it were cut. Layers that have moved out of the picture with all
+// their margins need nothing more.
 ZvRect areaOf(size_t i, const TextLayer* layers, size_t count, const ZvRect& whole, const ZvRect& text) {
+    ZvEffect& stack = *layers[i].effect;
+    const ZvRect shown(clampToInt(int64_t{text.left} - stack.getLeftOffset()),
+                       clampToInt(int64_t{text.top} - stack.getTopOffset()),
+                       clampToInt(int64_t{text.right} + stack.getRightOffset()),
+                       clampToInt(int64_t{text.bottom} + stack.getBottomOffset()));
     ZvRect area = intersected(text, whole);
     for (size_t other = i; other < count; ++other) {
-        const int64_t x = layers[other].x, y = layers[other].y;
-        const bool shows = std::abs(x) < widthOf(whole) && std::abs(y) < heightOf(whole);
-        if (shows && (other == i || firstLike(other, layers) == i))
-            area = united(area, movedBy(-x, -y, whole));
+        if (other != i && firstLike(other, layers) != i) continue;
+        const ZvRect moved = movedBy(-int64_t{layers[other].x}, -int64_t{layers[other].y}, whole);
+        if (!isEmpty(intersected(shown, moved))) area = united(area, moved);
     }
     return area;
 }

@@ -59,12 +59,12 @@ struct LayeredText {
 // picture with the move.
 TEST(TextLayers, ALayerIsThePictureOfItsStack) {
     LayeredText text;
-    const ZvRect clip(7, 5, 85, 52);
-    for (int x : {0, -9, 14, -40, 60}) {
+    const ZvRect clip(1, 5, 85, 52);
+    for (int x : {0, -9, 14, -40, 60, -92, 5000}) {
         TextLayer layer;
         layer.effect = &text.plain;
         layer.x = x;
-        layer.y = x / 2;
+        layer.y = x == -92 ? 0 : x / 2;
         ZvEffect effect;
         addGlowAndShadow(effect);
         const ZvBitmap stack = drawnText(effect, 60);
@@ -157,6 +157,15 @@ TEST(TextLayers, ColorGlyphsTakeThePlaceOfTheFill) {
         }
         EXPECT_GT(alone, 100);
         EXPECT_GT(mixed, 10);
+        layer.x = 20;
+        layer.y = -2;
+        ZvBitmap moved(kLayeredWidth, kLayeredHeight, 4);
+        JoinedLayer joined;
+        joined.picture = &actual;
+        joined.x = layer.x;
+        joined.y = layer.y;
+        joinLayers(&moved, &joined, 1);
+        EXPECT_TRUE(samePixels(moved, text.draw(&layer)));
     }
 }
 
