@@ -121,18 +121,6 @@ Json parseJson(const std::string& text, const std::string& name) {
     }
 }
 
-// Strings hold no key with its quotes: theirs would have backslashes.
-std::string writtenNumber(const std::string& object, const std::string& key) {
-    const std::string quoted = '"' + key + '"';
-    for (size_t at = object.find(quoted); at != std::string::npos; at = object.find(quoted, at + 1)) {
-        const size_t colon = skipBlank(object, at + quoted.size());
-        if (colon >= object.size() || object[colon] != ':') continue;
-        const size_t begin = skipBlank(object, colon + 1);
-        return object.substr(begin, object.find_first_not_of("+-.0123456789Ee", begin) - begin);
-    }
-    return "";
-}
-
 Json numberJson(double value) {
     const auto whole = static_cast<int64_t>(std::clamp(value, -1e15, 1e15));
     return static_cast<double>(whole) == value ? Json(whole) : Json(value);

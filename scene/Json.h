@@ -15,10 +15,6 @@ using Json = nlohmann::ordered_json;
 // need. The message begins with the place in the text ("effects[2].size") or with its `name`.
 Json parseJson(const std::string& text, const std::string& name = "it");
 
-// The number at the object's key as it is written: "1e2". The object is one that parseJson takes; empty where
-// the key is written with escapes.
-std::string writtenNumber(const std::string& object, const std::string& key);
-
 // "effects[2].size": the names of a member and an element of what stands at `place`.
 std::string member(const std::string& place, const std::string& key);
 std::string element(const std::string& place, size_t index);

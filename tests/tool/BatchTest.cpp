@@ -60,7 +60,7 @@ TEST_F(BatchCommand, LinesAreThePicturesOfRenderInTheirOrder) {
 TEST_F(BatchCommand, ResultsRepeatTheIdsOfTheirLines) {
     const std::string lines = R"({"id":"a\u0007é","text":"x"}
 {"id":-7,"text":"x","size":-1}
-{"id":/**/1.5,"text":"x","output":5}
+{"id":1.5,"text":"x","output":5}
 {"id":18446744073709551615,"text":"x","output":5}
 {"text":"x"}
 )" + slowLine();

@@ -2,6 +2,7 @@
 #include "tools/zvtext/batch/BatchLine.h"
 
 #include <algorithm>
+#include <cmath>
 
 #include "scene/Failure.h"
 #include "scene/FileSource.h"
@@ -19,16 +20,16 @@ bool isName(const std::pair<std::string, Json>& option) {
     return option.first == "id" || option.first == "output" || option.first == "metrics";
 }
 
-std::string idOf(const Json& value, const std::string& line) {
+std::string idOf(const Json& value) {
     if (value.is_null()) return "";
     if (!value.is_string() && !value.is_number()) {
         throw UsageError(std::string("id: ") + value.type_name() + " is neither a string nor a number");
     }
-    std::string id = dumpJson(value);
-    // A number beyond 64 bits is read as the nearest double.
-    if (value.is_number_float() && id != writtenNumber(line, "id")) {
-        throw UsageError("id: the number would come back as " + id + "; write it as a string");
+    // A whole number beyond 64 bits is read as the nearest double.
+    if (value.is_number_float() && std::abs(value.get<double>()) >= 0x1p53) {
+        throw UsageError("id: the number is too large to come back unchanged; write it as a string");
     }
+    std::string id = dumpJson(value);
     if (id.size() > kMaxFieldBytes) {
         throw UsageError("id: it is longer than " + std::to_string(kMaxFieldBytes) + " bytes");
     }
@@ -40,7 +41,7 @@ std::string idOf(const Json& value, const std::string& line) {
 void readLineNames(const std::string& line, LineNames& names) {
     const GivenOptions given = readGiven(line, kName);
     for (const auto& [key, value] : given) {
-        if (key == "id") names.id = idOf(value, line);
+        if (key == "id") names.id = idOf(value);
     }
     for (const auto& option : given) {
         const auto& [key, value] = option;

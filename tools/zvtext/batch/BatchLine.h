@@ -18,7 +18,7 @@ constexpr size_t kMaxLineBytes = size_t{16} << 20;
 
 // What the line says of itself; none if it lacks the key.
 struct LineNames {
-    std::string id;  // JSON of a string or number as it is written, at most kMaxFieldBytes; empty: none
+    std::string id;  // JSON of a number or a string, of at most kMaxFieldBytes bytes; empty: none
     std::optional<std::string> output, metrics;
 };
 
