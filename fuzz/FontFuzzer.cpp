@@ -87,11 +87,10 @@ void askFace(const std::string& file, const host::GlyphStyle& style, fuzz::Input
             const auto image = face->image(glyph, style, quarterX);
             ZVEX_FUZZ_CHECK(image->coverage.size() ==
                             static_cast<size_t>(image->width) * static_cast<size_t>(image->height));
+            ZVEX_FUZZ_CHECK(image->width <= host::kMaxGlyphSide && image->height <= host::kMaxGlyphSide);
             const host::ColorImage colors = face->colorImage(glyph, style, quarterX, input.word());
             ZVEX_FUZZ_CHECK(colors.pixels.empty() || colors.pixels.size() == image->coverage.size());
         }
-        ZVEX_FUZZ_CHECK(box.right - box.left <= host::kMaxGlyphSide &&
-                        box.bottom - box.top <= host::kMaxGlyphSide);
         face->covers(input.word() % 0x20000);
         face->coversVariation(input.word() % 0x20000, 0xFE00 + input.byte() % 16);
     }

@@ -124,7 +124,8 @@ public:
 
     // The box of the outline's control points (of all layers; of the scaled strike), rounded outwards to
     // whole pixels, for a pen at a whole pixel; empty for blank glyphs. No pixel of image(glyph, style, 0)
-    // lies outside it. Phone, for linear text and glyphs that are paths: the box at 64 pixels, scaled.
+    // lies outside it. Phone, for linear text and glyphs that are paths: the box at 64 pixels, scaled. Phone:
+    // also for a glyph whose image is blank because it would be too large.
     InkBox inkBox(uint32_t glyph, const GlyphStyle& style) const;
 
     // Coverage for a pen at quarterX / 4 pixels, quarterX in 0..3 (taken modulo 4). Never null. Kept in the
