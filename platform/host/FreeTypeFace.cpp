@@ -9,6 +9,7 @@
 #include <new>
 #include <utility>
 #include <vector>
+#include FT_DRIVER_H
 #include FT_MODULE_H
 #include FT_MULTIPLE_MASTERS_H
 #include FT_SYSTEM_H
@@ -120,6 +121,17 @@ bool FreeTypeFace::setSize(FT_F26Dot6 width, FT_F26Dot6 height) {
 bool FreeTypeFace::setStrike(int index) {
     mWidth = mHeight = -1;
     return FT_Select_Size(mFace, index) == 0;
+}
+
+void FreeTypeFace::freeDigits() {
+    if (mDigitsFree) return;
+    constexpr FT_UShort kDigit = 0x8000;
+    FT_Prop_GlyphToScriptMap scripts = {mFace, nullptr};
+    if (FT_Property_Get(mLibrary, "autofitter", "glyph-to-script-map", &scripts) != 0) return;
+    for (FT_Long glyph = 0; glyph < mFace->num_glyphs; ++glyph) {
+        scripts.map[glyph] = static_cast<FT_UShort>(scripts.map[glyph] & ~kDigit);
+    }
+    mDigitsFree = true;
 }
 
 void FreeTypeFace::throwIfExhausted() {

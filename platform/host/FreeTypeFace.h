@@ -33,6 +33,9 @@ public:
     // Pixels per em, 26.6. Setting the current size again costs nothing; a new size runs a font's program.
     bool setSize(FT_F26Dot6 width, FT_F26Dot6 height);
     bool setStrike(int index);
+    // Lets FreeType's own hinter give each digit its own width, as on the platform. Newer versions give all
+    // digits of a font one width.
+    void freeDigits();
 
     // Throws std::bad_alloc if the machine ran out of memory since the last call. FreeType's own error is not
     // enough: it also says "out of memory" for a damaged font's absurd sizes, or goes on without a part.
@@ -53,6 +56,7 @@ private:
     FT_Library mLibrary = nullptr;
     FT_Face mFace = nullptr;
     FT_F26Dot6 mWidth = -1, mHeight = -1;
+    bool mDigitsFree = false;
 };
 
 }  // namespace host

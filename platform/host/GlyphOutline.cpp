@@ -99,8 +99,11 @@ bool loadPhone(FreeTypeFace& font, uint32_t glyph, const GlyphStyle& style) {
     FT_Int32 flags = FT_LOAD_NO_BITMAP | FT_LOAD_IGNORE_GLOBAL_ADVANCE_WIDTH;
     if (!isHinted(style)) {
         flags |= FT_LOAD_NO_HINTING;
+    } else if (style.antiAlias) {
+        flags |= FT_LOAD_NO_AUTOHINT | FT_LOAD_TARGET_NORMAL;
     } else {
-        flags |= style.antiAlias ? FT_LOAD_NO_AUTOHINT | FT_LOAD_TARGET_NORMAL : FT_LOAD_TARGET_MONO;
+        flags |= FT_LOAD_TARGET_MONO;
+        font.freeDigits();
     }
     if (!loadSlot(font, glyph, flags)) return false;
     if (style.fakeBold) {
