@@ -150,7 +150,7 @@ jboolean JNICALL setWords(JNIEnv* env, jclass, jint handle, jstring words) {
 // room that the view has for ink beyond the lines: left, top, right, bottom. Empty where the platform's
 // classes do all this. An IllegalStateException says why words make no picture.
 jintArray JNICALL layOut(JNIEnv* env, jclass, jint handle, jstring words, jint wrap, jint align, jint lines,
-                         jdouble wordSpacing, jdouble lineHeight) {
+                         jdouble size, jdouble wordSpacing, jdouble lineHeight) {
     ZV_TEXT_OBJECT_OF(handle, text, nullptr);
     const Utf8Chars chars(env, words);
     ZV_REFUSE_UNLESS(chars.get() != nullptr && wrap >= 0 && align >= 0 && align <= 2 && lines >= 0, nullptr);
@@ -159,6 +159,7 @@ jintArray JNICALL layOut(JNIEnv* env, jclass, jint handle, jstring words, jint w
     settings.wrap = wrap;
     settings.align = static_cast<WordSettings::Align>(align);
     settings.lines = lines;
+    settings.size = size;
     settings.wordSpacing = wordSpacing;
     settings.lineHeight = lineHeight;
     ZvRect lean;
@@ -241,7 +242,7 @@ bool ZvTextEffects_OnLoad(JNIEnv* env) {
         nativeMethod("ZvTextEffects_GetLayerMargins", "([I[F)[I", ZvTextEffects_GetLayerMargins),
         nativeMethod("ZvTextEffects_RenderLayers", "(I[I[FIIZF)[I", ZvTextEffects_RenderLayers),
         nativeMethod("ZvTextEffects_Render", "(IZZ)[I", ZvTextEffects_Render),
-        nativeMethod("ZvTextEffects_LayOut", "(ILjava/lang/String;IIIDD)[I", layOut),
+        nativeMethod("ZvTextEffects_LayOut", "(ILjava/lang/String;IIIDDD)[I", layOut),
         nativeMethod("ZvTextEffects_LeaveWords", "(I)Z", leaveWords),
         nativeMethod("ZvTextEffects_SetWords", "(ILjava/lang/String;)Z", setWords),
     };

@@ -12,6 +12,7 @@ struct WordSettings {
     int wrap = 0;  // pixels above which lines are broken; 0: only where the text has line ends
     Align align = Left;
     int lines = 0;           // shown at most; 0: all
+    double size = 0;         // the paint's before it was rounded: lengths in ems follow it
     double wordSpacing = 0;  // ems for each space, -1 to 10
     double lineHeight = 0;   // times the size, up to 10; 0: as the fonts have it
 };

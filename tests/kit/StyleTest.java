@@ -74,6 +74,7 @@ final class StyleTest {
             "{'word-spacing': -1, 'line-height': 0.4, 'background': 'tan', 'effects': [{'type': 'stroke'}]}",
             "{'extends': 'sticker', 'layers': null, 'effects': [{'type': 'stroke', 'color': null}]}",
             "{'extends': 'styles/base.json', 'opacity': null, 'effects': [{'type': 'emboss', 'highlight': {'opacity': null}},"
+            "{'size': 33.3, 'word-spacing': 5, 'line-height': 5, 'features': '-kern, \\\"liga\\\" off, ss01=1,'}",
                     + "{'type': 'pattern', 'scale': 3}], 'canvas': {'type': 'linear-gradient', 'angle': 0}}",
             "{'canvas': {'type': 'pattern', 'file': 'tile.png'}, 'designed-for': 192, 'layers': [{'spread': -3, 'offset':"
                     + "[-7, 4], 'color': '#fff', 'effects': [{'type': 'bevel', 'size': 90}]}, {'clip': true, 'offset': [9, 9], 'color':"

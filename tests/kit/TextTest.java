@@ -100,6 +100,7 @@ final class TextTest {
             int[] half = text.opacity(0.5f).render();
             assertTrue(has(half, 0x80808080), "the background's");
             assertFalse(has(half, 0xFF204060));
+            assertTrue(has(text.opacity(0.7f).render(), 0xB3808080), "0.7, as zvtext reads it: 178.5 is rounded up");
         }
     }
 

@@ -71,7 +71,7 @@ bool hasColors(const minikin::FontFamily& family) {
 class Words : public LinePainter {
 public:
     Words(ZvTextObject& object, const char* utf8, const WordSettings& settings)
-        : mScene(sceneOf(object, utf8, settings)),
+        : mScene(sceneOf(utf8, settings)),
           mFonts(fontsOf(object)),
           mText(mScene),
           mLayout(mScene, mFonts, mText, object.GetPaint()) {}
@@ -97,10 +97,10 @@ public:
     const ColorRun& colorsOf(size_t shownLine) const { return mLayout.lines().colors[mFirst + shownLine]; }
 
 private:
-    static scene::Scene sceneOf(ZvTextObject& object, const char* utf8, const WordSettings& settings) {
+    static scene::Scene sceneOf(const char* utf8, const WordSettings& settings) {
         scene::Scene scene;
         scene.text = utf8;
-        scene.style.size = static_cast<double>(object.GetPaint().getTextSize());
+        scene.style.size = settings.size;
         scene.style.wordSpacing = settings.wordSpacing;
         scene.style.lineHeight = settings.lineHeight;
         scene.width = settings.wrap;

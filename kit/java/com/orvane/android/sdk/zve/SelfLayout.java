@@ -35,7 +35,7 @@ final class SelfLayout {
     void setPaint(Paint other) {
         paint.set(other);
         ofPaint = other.getTypeface();
-        size = other.getTextSize();
+        size = Setting.decimal(other.getTextSize());
     }
 
     /** @param from null for a file */

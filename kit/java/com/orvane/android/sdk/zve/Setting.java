@@ -138,7 +138,7 @@ final class Setting {
 
     /** @throws IllegalArgumentException with a message that begins with {@code where} and says what is accepted */
     double checked(String where, Number given) {
-        double value = given.doubleValue();
+        double value = given instanceof Float ? decimal((Float) given) : given.doubleValue();
         if (!contains(value)) {
             throw new IllegalArgumentException(where + ": " + shown(given) + " is not " + wanted());
         }
@@ -146,6 +146,11 @@ final class Setting {
     }
 
     /** The value as a person would write it. */
+    /** What was written: 0.7f is 0.699999988 and means 0.7, as a style file has it. */
+    static double decimal(float number) {
+        return Double.parseDouble(Float.toString(number));
+    }
+
     static String shown(Number number) {
         double value = number.doubleValue();
         return value == Math.rint(value) && Math.abs(value) < 1e15 ? Long.toString((long) value) : number.toString();

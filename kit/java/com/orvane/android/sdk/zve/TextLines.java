@@ -39,7 +39,7 @@ final class TextLines {
 
     void setPaint(Paint paint) {
         self.setPaint(paint);
-        paintSize = paint.getTextSize();
+        paintSize = Setting.decimal(paint.getTextSize());
         changed();
     }
 

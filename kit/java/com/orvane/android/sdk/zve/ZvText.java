@@ -129,7 +129,7 @@ public final class ZvText extends TextLook implements AutoCloseable {
     int[] layOut(SelfLayout self, int count) {
         check(ZvText_SetPaint(self.paint()), "the paint could not be read");
         int[] lean = ZvTextEffects.ZvTextEffects_LayOut(
-                mHandle, self.words(), self.wrap(), self.align(), count, self.wordSpacing(), self.lineHeight());
+                mHandle, self.words(), self.wrap(), self.align(), count, self.size(), self.wordSpacing(), self.lineHeight());
         check(lean != null, "the words could not be laid out");
         return lean.length == 0 ? null : lean;
     }

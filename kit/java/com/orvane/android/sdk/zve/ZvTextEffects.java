@@ -81,6 +81,7 @@ final class ZvTextEffects {
      *
      * @param align 0 left, 1 center, 2 right
      * @param lines shown at most; 0 for all
+     * @param size of the text, which spaces and line heights follow
      * @param wordSpacing -1 to 10, ems for each space
      * @param lineHeight 0 to 10, times the size; 0 for the fonts' own
      * @return the room that the view has for ink beyond the lines: left, top, right, bottom. Empty, with nothing done, on
@@ -88,7 +89,7 @@ final class ZvTextEffects {
      * @throws IllegalStateException which says why the words make no picture
      */
     static native int[] ZvTextEffects_LayOut(
-            int handle, String words, int wrap, int align, int lines, double wordSpacing, double lineHeight);
+            int handle, String words, int wrap, int align, int lines, double size, double wordSpacing, double lineHeight);
 
     /** The next lines are those of a layout. */
     static native boolean ZvTextEffects_LeaveWords(int handle);
