@@ -15,8 +15,11 @@ import java.io.StringReader;
 import java.nio.file.Files;
 import java.nio.file.Path;
 import java.util.ArrayList;
+import java.util.Arrays;
+import java.util.HashSet;
 import java.util.List;
 import java.util.Locale;
+import java.util.Set;
 import java.util.stream.Collectors;
 import java.util.stream.Stream;
 import javax.imageio.ImageIO;
@@ -264,6 +267,13 @@ final class StyleTest {
             assertArrayEquals(picture, text.clearEffect("stroke").render());
             text.clearEffects().stroke(3, 0xFF000000, Stroke.OUTSIDE).render();
             assertEquals(3, text.marginLeft());
+            Set<String> keys = new HashSet<>();
+            for (String style : List.of("{'extends': 'glitch'}", "{'extends': 'ghost'}", "{'canvas': '#fff'}", "{'canvas': '#000'}",
+                    "{'layers': [{'effects': [{'type': 'stroke'}]}]}", "{'layers': [{'effects': [{'type': 'bevel'}]}]}")) {
+                byte[] key = text.clearEffects().style(ZvStyle.parse(json(style))).layerKey();
+                assertArrayEquals(key, text.layerKey());
+                assertTrue(keys.add(Arrays.toString(key)), style);
+            }
         }
     }
 }

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: Apache-2.0
 package com.orvane.android.sdk.zve;
 
+import java.nio.charset.StandardCharsets;
 import java.util.ArrayList;
+import java.util.Arrays;
 import java.util.EnumMap;
 import java.util.EnumSet;
 import java.util.List;
@@ -167,6 +169,29 @@ final class Look {
                     + (isColored(i) ? COLORED : 0);
         }
         return numbers;
+    }
+
+    /** The text's own key with those of its layers and its canvas. */
+    byte[] layeredKey(byte[] own, ZvText text, int textColor) {
+        StringBuilder key = new StringBuilder(textOf(own)).append(opacity);
+        int[] numbers = numbers(text, textColor);
+        float[] opacities = opacities();
+        for (int i = 0; i < numbers.length; i += NUMBERS) {
+            key.append(keyOf(numbers[i])).append(opacities[i / NUMBERS])
+                    .append(Arrays.toString(Arrays.copyOfRange(numbers, i + 1, i + NUMBERS)));
+        }
+        key.append(canvas instanceof Effect ? keyOf(canvasText.handle()) : canvas);
+        return key.toString().getBytes(StandardCharsets.ISO_8859_1);
+    }
+
+    private static String keyOf(int handle) {
+        byte[] key = ZvTextEffects.ZvTextEffects_GetLayerKey(handle);
+        ZvText.check(key != null, "the key could not be made");
+        return textOf(key);
+    }
+
+    private static String textOf(byte[] key) {
+        return new String(key, StandardCharsets.ISO_8859_1);
     }
 
     // Glyphs have their own colours in the layers that say so; in the front one if no layer does.

@@ -388,7 +388,8 @@ public final class ZvText extends TextLook implements AutoCloseable {
     }
 
     /**
-     * A key for caches: equal for texts with the same effects, added in the same order, and the same colour.
+     * A key for caches: equal for texts with the same effects, added in the same order, and the same colour; with a style of
+     * layers or a canvas, also with these.
      *
      * @return a copy
      */
@@ -397,8 +398,9 @@ public final class ZvText extends TextLook implements AutoCloseable {
             begin();
             applyColors();
             byte[] key = ZvTextEffects.ZvTextEffects_GetLayerKey(mHandle);
-            used = true;
             check(key != null, "the key could not be made");
+            key = look.isLayered() ? look.layeredKey(key, this, textColor()) : key;
+            used = true;
             return key;
         }
     }
