@@ -74,10 +74,10 @@ final class StyleTest {
                     + "'position': 71.3}, {'color': 'blue'}]}]}",
             "{'word-spacing': 0.75, 'line-height': 1.63, 'upper-case': true, 'color': 'hsl(200 90% 40% / 0.8)', 'effects':"
                     + "[{'type': 'linear-gradient', 'stops': [{'color': 'tomato'}, {'color': 'rgb(0 0 90%)'}, {'color': 'gold'}]}]}",
+            "{'size': 33.3, 'word-spacing': 5, 'line-height': 5, 'features': '-kern, \\\"liga\\\" off, ss01=1,'}",
             "{'word-spacing': -1, 'line-height': 0.4, 'background': 'tan', 'effects': [{'type': 'stroke'}]}",
             "{'extends': 'sticker', 'layers': null, 'effects': [{'type': 'stroke', 'color': null}]}",
             "{'extends': 'styles/base.json', 'opacity': null, 'effects': [{'type': 'emboss', 'highlight': {'opacity': null}},"
-            "{'size': 33.3, 'word-spacing': 5, 'line-height': 5, 'features': '-kern, \\\"liga\\\" off, ss01=1,'}",
                     + "{'type': 'pattern', 'scale': 3}], 'canvas': {'type': 'linear-gradient', 'angle': 0}}",
             "{'canvas': {'type': 'pattern', 'file': 'tile.png'}, 'designed-for': 192, 'layers': [{'spread': -3, 'offset':"
                     + "[-7, 4], 'color': '#fff', 'effects': [{'type': 'bevel', 'size': 90}]}, {'clip': true, 'offset': [9, 9], 'color':"
@@ -85,7 +85,7 @@ final class StyleTest {
 
     private static final List<String> REFUSED = List.of(
             "{'colour': '#fff'}", "{'size, color': 1}", "{'color-glyphs': 1}", "{'color': 'reed'}", "{'color': '#12345'}", "{'color': 1}", "{'size': 0}", "{'size': 10001}",
-            "{'size': '96'}", "{'opacity': 1.5}", "{'opacity': true}", "{'letter-spacing': -2}", "{'word-spacing': 11}", "{'line-height': 0}", "{'upper-case': 1}", "{'color': 'blac\u212A'}", "{'designed-for': -1}",
+            "{'size': '96'}", "{'opacity': 1.5}", "{'opacity': true}", "{'letter-spacing': -2}", "{'word-spacing': 11}", "{'line-height': 0}", "{'upper-case': 1}", "{'features': 'kern=x'}", "{'features': 7}", "{'description': 7}", "{'color': 'blac\u212A'}", "{'designed-for': -1}",
             "{'effects': {}}", "{'effects': [1]}", "{'effects': [{'type': 'glow'}]}", "{'effects': [{'type': 7}]}",
             "{'effects': [{'type': 'stroke'}, {'type': 'stroke'}]}", "{'effects': [{'type': 'stroke', 'width': 101}]}",
             "{'effects': [{'type': 'stroke', 'position': 'middle'}]}",
@@ -104,7 +104,7 @@ final class StyleTest {
             "{'canvas': 'radial-gradient:scale=1,scale=1'}", "{'canvas': 'radial-gradient:opacity=101%'}",
             "{'canvas': 'radial-gradient:stops=#f0'}", "{'canvas': 'radial-gradient:stops=#f00@9:#f00@8'}",
             "{'canvas': 'radial-gradient:stops=#f00@9@2'}", "{'canvas': 'linear-gradient:angle=1e'}",
-            "{'extends': ''}", "{'extends': 'nothing'}", "{'extends': 7}", "{'extends': 'gold', 'layers': [{}]}",
+            "{'extends': ''}", "{'extends': 'nothing'}", "{'extends': 7}", "{'extends': 'gold', 'layers': [{}]}", "{'extends': 'glitch', 'effects': []}",
             "{'extends': 'gold', 'effects': [{'type': 'stroke', 'width': 101}]}", "{'effects': [{'type': 'stroke', 'designed-for': -1}]}",
             "{'effects': [{'stroke': null}, {'type': 'stroke'}]}", "{'layers': [{}, null, {'clip': true}]}",
             "{'effects': [{'type': 'stroke'}, {'type': 'outer-glow', 'size': 1, 'size': 2}]}", "{'a': {'b': 1, 'b': 2}}", "[]", "7",

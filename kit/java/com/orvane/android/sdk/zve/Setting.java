@@ -15,6 +15,7 @@ final class Setting {
         TINT, // Tint
         STOPS, // Stops, perhaps none
         TEXT, // String
+        FEATURES, // String
         PICTURE, // ZvPicture
         CANVAS // Integer for a colour, or an Effect
     }
@@ -145,12 +146,12 @@ final class Setting {
         return value;
     }
 
-    /** The value as a person would write it. */
     /** What was written: 0.7f is 0.699999988 and means 0.7, as a style file has it. */
     static double decimal(float number) {
         return Double.parseDouble(Float.toString(number));
     }
 
+    /** The value as a person would write it. */
     static String shown(Number number) {
         double value = number.doubleValue();
         return value == Math.rint(value) && Math.abs(value) < 1e15 ? Long.toString((long) value) : number.toString();
@@ -172,7 +173,9 @@ final class Setting {
             case STOPS:
                 return "an array of 1 to " + Stops.MAX + " stops, objects with the keys color, position, opacity";
             case TEXT:
-                return "a text of up to " + MAX_TEXT_BYTES + " bytes";
+                return "a text";
+            case FEATURES:
+                return "a list of OpenType features, each written tag, -tag or tag=N, with commas between";
             case PICTURE:
                 return "the path of a file";
             case CANVAS:

@@ -45,9 +45,6 @@ final class StyleReader {
         final List<Layer> layers = new ArrayList<>(); // from the front
 
         ZvStyle finished() {
-            if (!layers.isEmpty() && !effects.values.isEmpty()) {
-                throw ValueReader.refusal("effects", "belong into the layers where there are some");
-            }
             Object designed = settings.get(DESIGNED_FOR);
             double size = designed != null ? (Double) designed : 0;
             List<ZvStyle.Layer> finished = new ArrayList<>();
@@ -92,6 +89,9 @@ final class StyleReader {
         readSettings(json, content);
         readLayers(json, content);
         readEffects("", json, content.effects);
+        if (!json.isNull("effects") && !content.layers.isEmpty()) {
+            throw ValueReader.refusal("effects", "belong into the layers where there are some");
+        }
         return content;
     }
 
@@ -168,9 +168,6 @@ final class StyleReader {
         if (array.length() < 1 || array.length() > ZvStyle.MAX_LAYERS) {
             throw ValueReader.refusal("layers",
                     ValueReader.shown(list) + " is not an array of 1 to " + ZvStyle.MAX_LAYERS + " layers");
-        }
-        if (!json.isNull("effects")) {
-            throw ValueReader.refusal("effects", "belong into the layers where there are some");
         }
         if (!content.effects.values.isEmpty() && !json.has("effects")) {
             throw ValueReader.refusal("layers",

@@ -10,6 +10,7 @@ import java.util.HashMap;
 import java.util.Iterator;
 import java.util.List;
 import java.util.Map;
+import java.util.regex.Pattern;
 import org.json.JSONArray;
 import org.json.JSONObject;
 
@@ -18,6 +19,11 @@ final class ValueReader {
     private static final Setting[] STOP = {
         Setting.color(0).required(), Setting.number("position", Double.NaN, 0, 100, "%"), Setting.opacity(1)
     };
+    // As HarfBuzz reads it, for the whole text. It takes any word for a value without an equals sign, and lets longer numbers
+    // overflow.
+    private static final Pattern FEATURE = Pattern.compile((
+            "@[-+]?@(\"\\w{4}\"|'\\w{4}'|\\w{1,4}+(?!\\w))@(\\[@(0{0,9}@[:;]@)?]@)?((=@)?[-+]?[0-9]{1,9}|=@(?i:on|off)|[A-Za-z]+)?@")
+                    .replace("@", "[ \\f\\n\\r\\t\\x0B]*+"));
     private static final Setting OFFSET_SIDE = ZvStyle.Layer.OFFSET_SIDE;
 
     private final ZvStyle.Pictures pictures;
@@ -117,6 +123,11 @@ final class ValueReader {
                 return SettingText.readCanvas(place, text, this);
             case TEXT:
                 return Setting.checkedText(place, text);
+            case FEATURES:
+                if (!areFeatures(Setting.checkedText(place, text))) {
+                    throw refusal(place, "'" + text + "' is not " + setting.wanted());
+                }
+                return text;
             case PICTURE:
                 if (text.isEmpty()) {
                     throw refusal;
@@ -132,6 +143,13 @@ final class ValueReader {
             default:
                 throw refusal;
         }
+    }
+
+    /** Separated by commas; one may end the list. */
+    private static boolean areFeatures(String text) {
+        String[] each = text.split(",", -1);
+        int count = each[each.length - 1].isEmpty() ? each.length - 1 : each.length;
+        return Arrays.stream(each, 0, count).allMatch(one -> FEATURE.matcher(one).matches());
     }
 
     ZvPicture findPicture(String place, String file) {

@@ -22,7 +22,7 @@ public final class ZvStyle {
         SIZE, Setting.color(0xFF000000), Setting.of("background", Type.COLOR, null), Setting.of("canvas", Type.CANVAS, null),
         Setting.number("letter-spacing", 0, -1, 10, "em"), Setting.number("word-spacing", 0, -1, 10, "em"),
         Setting.number("line-height", 0, 0, 10, "").above(), Setting.of("upper-case", Type.FLAG, null),
-        Setting.of("features", Type.TEXT, null), Setting.opacity(1), Setting.of("color-glyphs", Type.FLAG, null),
+        Setting.of("features", Type.FEATURES, null), Setting.opacity(1), Setting.of("color-glyphs", Type.FLAG, null),
         Setting.of("$schema", Type.TEXT, null),
         Setting.of("description", Type.TEXT, null), Setting.of("extends", Type.TEXT, null), DESIGNED_FOR
     };

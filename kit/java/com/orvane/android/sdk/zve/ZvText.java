@@ -404,6 +404,7 @@ public final class ZvText extends TextLook implements AutoCloseable {
             return key;
         }
     }
+
     /**
      * Renders the picture: rows of {@link #width} pixels from the top, straight {@code 0xAARRGGBB}. Its size is the view
      * plus the margins that the effects need.
