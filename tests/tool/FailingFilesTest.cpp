@@ -110,6 +110,19 @@ TEST_F(FailingFiles, ABatchGivesAnErrorOrThePictureAndGoesOn) {
              std::getenv("ZVEX_TEST_ALL") != nullptr ? 1 : 3);
 }
 
+TEST_F(FailingFiles, AStreamedPicturesMetricsAreNamedWhenTheirFolderIsSynced) {
+    write("lines", R"({"text": "b", "metrics": "d/b.json", "output": "-"})");
+    const auto command = withFont("batch $DIR/lines --output-dir $DIR/out");
+    const std::string wanted = "fsync, " + file("out/d").string();
+    FailedCall failed;
+    for (int number = 1; number == 1 || (!failed.name.empty() && failed.name != wanted); ++number) {
+        failed = runWithFailingCall(mFolder, number, Fails::WithError, [&] { return become(command); });
+        if (!failed.supported) GTEST_SKIP() << "no such filters here";
+    }
+    EXPECT_EQ(failed.name, wanted);
+    EXPECT_EQ(failed.status, 1);
+}
+
 // A gallery makes many calls, the same few for each file. A stride that divides none of their numbers hits
 // each kind.
 TEST_F(FailingFiles, AGalleryLeavesNothingHalfDone) {

@@ -180,8 +180,10 @@ private:
         const std::vector<NewFile> all = encoded.files(job.path, options, "--output");
         StagedFiles files({all.begin() + (job.isStreamed() ? 1 : 0), all.end()});
         if (!job.isStreamed() && !files.hasStreams()) return files;
-        files.sync();
-        files.take();
+        std::vector<StagedFiles> alone;
+        alone.push_back(std::move(files));
+        const std::exception_ptr error = commitTogether(alone).front();
+        if (error != nullptr) std::rethrow_exception(error);
         if (job.isStreamed()) result.picture = std::move(encoded.picture);
         return std::nullopt;
     }

@@ -12,6 +12,7 @@
 #include <cstring>
 #include <filesystem>
 #include <map>
+#include <mutex>
 #include <optional>
 #include <set>
 #include <system_error>
@@ -206,6 +207,8 @@ private:
 
     // A folder may be new itself: those around it are synced when the process meets it first.
     static void syncParents(Descriptor folder, Id id) {
+        static std::mutex mutex;
+        const std::lock_guard lock(mutex);
         static std::set<Id> met;
         while (met.insert(id).second) {
             folder = Descriptor(openat(folder.number(), "..", kFlags));

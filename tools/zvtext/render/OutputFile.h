@@ -56,7 +56,7 @@ private:
 
 // Syncs and names them all, for little more than one of them takes: the disk gets many syncs at once. The
 // names are on the disk afterwards, too. One that fails leaves the others alone; returns what each one has
-// thrown, null for success. For one thread of a process.
+// thrown, null for success.
 std::vector<std::exception_ptr> commitTogether(std::vector<StagedFiles>& group);
 
 // Prints `text` on standard output and checks that it was written; throws Failure if not.
