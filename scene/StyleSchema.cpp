@@ -168,7 +168,8 @@ Json ofCompleteEffect() {
                 rule["required"].push_back(field.name);
                 rule["properties"][field.name] = {{"not", {{"type", "null"}}}};
             } else if (std::holds_alternative<TintField>(field.value)) {
-                rule["properties"][field.name] = {{"type", {"object", "null"}}, {"required", {"color"}}};
+                rule["properties"][field.name] = {
+                    {"type", {"object", "null"}}, {"properties", {{"color", true}}}, {"required", {"color"}}};
             }
         }
         if (rule.size() > 1) rules.push_back({{"if", isKind(kind)}, {"then", std::move(rule)}});
@@ -253,7 +254,7 @@ std::string styleSchema() {
     const Json array = {{"type", "array"}};
     schema["not"] = {{"properties", {{"effects", array}, {"layers", array}}},
                      {"required", {"effects", "layers"}}};
-    schema["if"] = {{"required", {"extends"}}};
+    schema["if"] = {{"properties", {{"extends", true}}}, {"required", {"extends"}}};
     schema["else"] = ofCompleteStyle();
     Json& parts = schema["$defs"] = sharedParts();
     parts["effects"] = ofEffects();
