@@ -275,10 +275,15 @@ std::string systemFontLike(const std::string& file) {
                           family = firstOf(fonts->fonts[i], FC_FAMILY),
                           style = firstOf(fonts->fonts[i], FC_STYLE);
         const bool same = plain(path.substr(path.rfind('/') + 1)) == plain(name);
-        if (!same && stem != plain(family + style) && stem != plain(family)) continue;
-        std::string words;
-        for (const std::string& word : split(style, ' ')) words += ":" + folded(word);
-        for (const std::string& pattern : {family, family + words, family + ":style=" + style}) {
+        const bool styled = same || stem == plain(family + style);
+        if (!styled && stem != plain(family)) continue;
+        std::vector<std::string> patterns = {family};
+        if (styled) {
+            std::string words;
+            for (const std::string& word : split(style, ' ')) words += ":" + folded(word);
+            patterns.insert(patterns.end(), {family + words, family + ":style=" + style});
+        }
+        for (const std::string& pattern : patterns) {
             try {
                 if (matchSystemFont("", pattern).path == path) return pattern;
             } catch (const Error&) {  // no name of that font
