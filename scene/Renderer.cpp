@@ -222,7 +222,12 @@ Rendering Renderer::measure(const Scene& scene) {
 Rendering Renderer::renderInto(const Scene& scene, uint32_t* target, int width, int height, size_t stride,
                                PixelFormat format) {
     return make(scene, [&](const unsigned* pixels, int madeWidth, int madeHeight) {
-        if (madeWidth != width || madeHeight != height || stride < static_cast<size_t>(width)) {
+        if (target == nullptr) throw UsageError("pixels: is a null pointer");
+        if (stride < static_cast<size_t>(madeWidth)) {
+            throw UsageError("stride: " + std::to_string(stride) + " is less than the picture's width, " +
+                             std::to_string(madeWidth));
+        }
+        if (madeWidth != width || madeHeight != height) {
             throw UsageError("TEXT: the picture is " + std::to_string(madeWidth) + " x " +
                              std::to_string(madeHeight) + " pixels, not " + std::to_string(width) + " x " +
                              std::to_string(height));

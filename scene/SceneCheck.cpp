@@ -84,6 +84,11 @@ void checkFields(const std::string& where, const Fields& fields) {
     for (const Field& field : fields) std::visit(CheckValue{where + field.name, field}, field.value);
 }
 
+void checkDesignedFor(const std::string& place, double size) {
+    if (!kEffectDesignedFor.contains(size))
+        refuse(place, formatNumber(size) + " is not " + kEffectDesignedFor.wanted());
+}
+
 void checkLook(const std::string& where, const Look& look) {
     std::vector<bool> seen(effectKinds().size());
     for (const EffectSettings& settings : look.effects) {
@@ -91,6 +96,9 @@ void checkLook(const std::string& where, const Look& look) {
             refuse(where + kindOf(settings).name, "is there already; several of a kind need layers");
         seen[settings.index()] = true;
         checkEffect(where, settings);
+        const auto designed = look.designedFor.find(settings.index());
+        if (designed != look.designedFor.end())
+            checkDesignedFor(where + kindOf(settings).name + " designed-for", designed->second);
     }
 }
 
@@ -153,6 +161,7 @@ void checkStyle(const Style& style) {
         checkLook(where, copy.layers[i]);
     }
     checkClips(copy.layers);
+    checkDesignedFor("designed-for", copy.layersDesignedFor);
 }
 
 void checkScene(const Scene& scene) {

@@ -67,6 +67,10 @@ TEST(Render, MeasuresAndDrawsIntoTheCallersMemory) {
         ASSERT_EQ(memory[i], x < stride - 3 ? whole.picture.pixels[y * (stride - 3) + x] : 7) << i;
     }
     EXPECT_NE(refusal([&] { renderInto(scene, memory.data(), width - 1, height, stride); }), "");
+    EXPECT_EQ(refusal([&] { renderInto(scene, memory.data(), width, height, 1); }),
+              "stride: 1 is less than the picture's width, " + std::to_string(width));
+    EXPECT_EQ(refusal([&] { renderInto(scene, nullptr, width, height, stride); }),
+              "pixels: is a null pointer");
     renderInto(scene, memory.data(), width, height, stride, PixelFormat::RgbaPremultiplied);
     const auto* bytes = reinterpret_cast<const uint8_t*>(memory.data());
     for (size_t i = 0; i < whole.picture.pixels.size(); ++i) {
@@ -206,6 +210,11 @@ TEST(Render, RefusesWhatNoStyleFileCouldHold) {
              s.style.add(StrokeSettings{3, 0, 77});
          }},
         {"stroke", [](Scene& s) { s.style.effects.assign(2, StrokeSettings()); }},
+        {"designed-for", [&](Scene& s) { s.style.layersDesignedFor = nan; }},
+        {"stroke designed-for",
+         [](Scene& s) {
+             s.style.add(StrokeSettings()).designedFor[EffectSettings(StrokeSettings()).index()] = -1;
+         }},
         {"bevel soften",
          [](Scene& s) {
              s.style.add(BevelSettings{1, 0, 1, 8, 1, 0, 30, 99});
