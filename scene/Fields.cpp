@@ -7,6 +7,7 @@
 #include <set>
 
 #include "scene/Failure.h"
+#include "scene/Json.h"
 #include "scene/Scene.h"
 
 namespace Zvex::scene {
@@ -125,7 +126,7 @@ struct ReadText {
         field.look->add(parseEffect(where, *field.kind, text, places));
     }
     void operator()(const StyleField& field) const {
-        if (text.rfind('{', 0) == 0) {
+        if (beginsObject(text)) {
             readStyleText(where, text, *field.style, places.source);
         } else {
             readStyle(where, text, *field.style, places.source);

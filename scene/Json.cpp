@@ -94,6 +94,11 @@ std::string withoutTrailingCommas(std::string text) {
 
 }  // namespace
 
+bool beginsObject(const std::string& text) {
+    const size_t start = skipBlank(text, 0);
+    return start < text.size() && text[start] == '{';
+}
+
 std::string member(const std::string& place, const std::string& key) {
     return place.empty() ? key : place + "." + key;
 }

@@ -15,6 +15,9 @@ using Json = nlohmann::ordered_json;
 // need. The message begins with the place in the text ("effects[2].size") or with its `name`.
 Json parseJson(const std::string& text, const std::string& name = "it");
 
+// Whether the first thing after blanks and comments is the { of an object.
+bool beginsObject(const std::string& text);
+
 // "effects[2].size": the names of a member and an element of what stands at `place`.
 std::string member(const std::string& place, const std::string& key);
 std::string element(const std::string& place, size_t index);
