@@ -14,8 +14,8 @@ class Error : public std::runtime_error {
 public:
     // The place may also be written as on the command line, "--size" and "TEXT".
     explicit Error(const std::string& message)
-        : std::runtime_error(isText(message) ? "text" + message.substr(4)
-                                             : message.substr(isOption(message) ? 2 : 0)),
+        : std::runtime_error(withoutNul(isText(message) ? "text" + message.substr(4)
+                                                        : message.substr(isOption(message) ? 2 : 0))),
           mOption(isOption(message)),
           mText(isText(message)) {}
 
@@ -29,6 +29,12 @@ public:
     }
 
 private:
+    // what() would end at a NUL that the message quotes.
+    static std::string withoutNul(std::string message) {
+        for (size_t at = 0; (at = message.find('\0', at)) != std::string::npos;)
+            message.replace(at, 1, "\\0");
+        return message;
+    }
     static bool isOption(const std::string& message) { return message.compare(0, 2, "--") == 0; }
     static bool isText(const std::string& message) { return message.compare(0, 6, "TEXT: ") == 0; }
     std::string message() const { return what(); }
