@@ -12,15 +12,6 @@ namespace Zvex::scene {
 
 namespace {
 
-bool endsAsFontFile(const std::string& text) {
-    const size_t dot = text.rfind('.');
-    std::string end;
-    for (const char c : dot != std::string::npos ? text.substr(dot + 1) : "") {
-        if (c != ' ') end += c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-    }
-    return end == "ttf" || end == "otf" || end == "ttc" || end == "otc";
-}
-
 bool looksLikeFile(const std::string& text) {
     return text.find('/') != std::string::npos || endsAsFontFile(text);
 }

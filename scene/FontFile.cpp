@@ -263,7 +263,9 @@ std::shared_ptr<const LoadedFont> readFont(const std::string& option, const Font
     const std::vector<AxisValue> places = placesOf(option, choice, face->hbFace(), axesOption, axes);
     bool held = false;
     if (choice.index == 0 && places.empty() && choice.bytes == nullptr) {
-        font->key = path;
+        // Elsewhere than among the machine's files a name may say nothing of the weight.
+        const bool isFile = orDefault(choice.source).realm() == nullptr || endsAsFontFile(path);
+        font->key = isFile ? path : keyFor(factsOf(*face), number);
         held = hold(*font, content.data(), content.size());
     } else {
         const HbOwner<hb_blob_t> own = rebuilt(face->hbFace(), places);
@@ -280,6 +282,15 @@ std::shared_ptr<const LoadedFont> readFont(const std::string& option, const Font
 }
 
 }  // namespace
+
+bool endsAsFontFile(const std::string& text) {
+    const size_t dot = text.rfind('.');
+    std::string end;
+    for (const char c : dot != std::string::npos ? text.substr(dot + 1) : "") {
+        if (c != ' ') end += c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+    }
+    return end == "ttf" || end == "otf" || end == "ttc" || end == "otc";
+}
 
 std::string FontChoice::name() const {
     return index == 0 ? path : path + "#" + std::to_string(index);

@@ -38,7 +38,7 @@ struct FontFacts {
 
 // A loaded font. For a plain font the key is its path, whose words give its style (see
 // FontManager::GetMinikinFontFamilies). A font with axis values other than the defaults, or from inside a
-// collection, has a key that states its weight.
+// collection, has a key that states its weight; so has one of a Source under a name that is no file's.
 struct LoadedFont {
     FontChoice choice;
     std::string key;
@@ -57,6 +57,8 @@ std::shared_ptr<const LoadedFont> loadFont(const std::string& option, const Font
                                            const std::string& axesOption = "", const std::string& axes = "");
 // They stay loaded. One thread at a time.
 size_t loadedFontCount();
+
+bool endsAsFontFile(const std::string& path);
 
 // A string of the font's name table (HB_OT_NAME_ID_...), in English if there are several; UTF-8, at most 511
 // bytes.

@@ -42,6 +42,13 @@ TEST(Render, AFontsBytesDrawAsItsFile) {
     bytes << std::ifstream(kFont, std::ios::binary).rdbuf();
     EXPECT_EQ(render(sceneOf("Bytes", Font::fromBytes(bytes.str()))).picture.pixels,
               render(sceneOf("Bytes")).picture.pixels);
+    // A fallback that is lighter is widened, whatever name the bytes have.
+    Scene named = sceneOf("世");
+    named.fallbacks = {kCjk};
+    const std::vector<uint32_t> widened = render(named).picture.pixels;
+    named.font = "sans";
+    named.font.source = namedBytes({{"sans", std::make_shared<const std::string>(bytes.str())}});
+    EXPECT_EQ(render(named).picture.pixels, widened);
     EXPECT_EQ(refusal([] {
                   render(sceneOf("x", Font::fromBytes("none")));
               }).rfind("--font: 'bytes' is not a font", 0),
