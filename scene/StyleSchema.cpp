@@ -57,6 +57,9 @@ struct OfValue {
         if (*field.wanted != '\0' && field.takes == nullptr) schema["minLength"] = 1;
         return schema;
     }
+    Json operator()(const NumbersField&) const {
+        return {{"type", {"array", "number", "string"}}, {"items", {{"type", "number"}}}};
+    }
     Json operator()(const PaddingField&) const { return {{"type", {"number", "string"}}}; }
     Json operator()(const FontsField&) const {
         return {{"type", "array"}, {"items", {{"type", "string"}}}, {"maxItems", kMaxFonts}};

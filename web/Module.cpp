@@ -142,7 +142,7 @@ std::string describe(const Rendering& made) {
 Scene readOptionsOf(const char* json, size_t size) {
     const std::shared_ptr<const Source> files = module().files;
     SceneOptions options;
-    readOptions(fieldsOf(options), readGiven(std::string(json, size), "options"), {"", files, files});
+    readOptions(fieldsOf(options), readGiven(std::string(json, size), "options: it"), {"", files, files});
     if (!options.textFile.empty())
         throw UsageError("text-file: there are no files of texts; give the text itself");
     return sceneOf(std::move(options));

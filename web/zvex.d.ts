@@ -78,7 +78,7 @@ export interface Zvex {
   addFile(name: string, bytes: Bytes): void;
   /** The options are those of the lines of zvtext batch. Text, font and look that stay the same are kept for the next call. */
   render(options: Options): Picture;
-  /** The same without pixels. */
+  /** The same without pixels; trim has no effect. */
   measure(options: Options): Metrics;
   /** The styles of the presets by their names. */
   presets(): Record<PresetName, Style>;

@@ -168,7 +168,8 @@ class Zvex {
     return structuredClone(this.#describe().options);
   }
 
-  encodePng(picture, {dpi = 72} = {}) {
+  encodePng(picture, settings) {
+    const {dpi = 72} = settings ?? {};
     const {width, height} = picture ?? {};
     const data = bytesOf('data', picture?.data);
     if (!(Number.isInteger(width) && Number.isInteger(height) && width > 0 && height > 0 && data.length === 4 * width * height))

@@ -52,7 +52,7 @@ test('wrong options, hostile bytes and absurd sizes are refused by name, and the
     style: [draw({stroke: null, style: {layers: [{spread: 'wide'}]}})],
     width: [draw({size: 3000, width: 32767, height: 32767})],
     'text-file': [draw({text: undefined, 'text-file': '-'})],
-    options: [draw(circle), () => zvex.render(), () => zvex.measure('text')],
+    options: [draw(circle), draw({stroke: JSON.parse('['.repeat(20) + ']'.repeat(20))}), () => zvex.render(), () => zvex.measure('text')],
     name: [() => zvex.addFont('', font), () => zvex.addFont('sans', font.subarray(0, -1)), () => zvex.addFile(7, font)],
     data: [() => zvex.encodePng(), () => zvex.encodePng({width: 2, height: 2, data: new Uint8Array(15)}),
            () => zvex.encodePng({width: 1e6, height: 1e6, data: new Uint8Array(4)})],
@@ -174,6 +174,7 @@ test('the package can be installed and has types for every option', () => {
   for (const name of ['zvex.wasm', 'zvex.d.ts', 'worker.d.ts', 'options.d.ts', 'icu.dat', 'LICENSE']) assert.ok(names.includes(name), name);
   const types = readFileSync(new URL('../../out/npm/options.d.ts', import.meta.url), 'utf8');
   assert.match(types, /"max-lines"\?: number \| null;/);
+  assert.match(types, /"tab-stops"\?: Array<number> \| number \| string \| null;/);
   assert.match(types, /"stroke"\?: string \| OptionStroke \| null;/);
   assert.match(types, /export type PresetName = .*"gold"/);
 });
