@@ -48,6 +48,17 @@ py::buffer_info bufferOf(Pixels& pixels) {
     return {pixels.bytes(), 1, "B", dimensions, std::move(shape), std::move(strides), true};
 }
 
+// The same for programs that ask for an array, not for a buffer, such as Pillow's fromarray.
+py::dict arrayInterfaceOf(Pixels& pixels) {
+    const py::buffer_info buffer = bufferOf(pixels);
+    py::dict array;
+    array["version"] = 3;
+    array["shape"] = py::tuple(py::cast(buffer.shape));
+    array["typestr"] = "|u1";
+    array["data"] = std::make_tuple(reinterpret_cast<uintptr_t>(buffer.ptr), true);  // read-only
+    return array;
+}
+
 // Part of a text and where it lies. Offsets count code points, as Python's strings do.
 struct Span {
     size_t start, end;
@@ -174,7 +185,7 @@ Font fontOf(const std::string& bytes) {
 class Text {
 public:
     Text(const std::string& json, const std::map<std::string, std::string>& fontBytes) {
-        readOptions(fieldsOf(mOptions), readGiven(json, "the options"));
+        readOptions(fieldsOf(mOptions), readGiven(json, "options: it"));
         const auto find = [&](Font& font) {
             const auto bytes = fontBytes.find(font.name);
             if (bytes == fontBytes.end()) return;
@@ -219,7 +230,9 @@ std::vector<std::string> namesOfPresets() {
 }
 
 void bindPicture(py::module_& module) {
-    py::class_<Pixels>(module, "Pixels", py::buffer_protocol()).def_buffer(bufferOf);
+    py::class_<Pixels>(module, "Pixels", py::buffer_protocol())
+        .def_buffer(bufferOf)
+        .def_property_readonly("__array_interface__", arrayInterfaceOf);
     py::class_<Span>(module, "Span")
         .def_readonly("start", &Span::start)
         .def_readonly("end", &Span::end)

@@ -16,6 +16,7 @@ import contextlib
 import inspect
 import json
 import math
+import numbers
 import os
 import re
 import secrets
@@ -64,7 +65,7 @@ class Picture(_zvex.Picture):
         kind = str(format).lower()
         if kind not in ("png", "webp"):
             raise Error("format", f"{format!r} is not png or webp")
-        if not isinstance(dpi, (int, float)) or not 1 <= dpi <= 10000:
+        if not isinstance(dpi, numbers.Real) or not 1 <= dpi <= 10000:
             raise Error("dpi", f"{dpi!r} is not a number from 1 to 10000")
         return self._encode(kind, float(dpi), str(compression).encode("utf-8", "replace"))
 
@@ -74,7 +75,10 @@ class Picture(_zvex.Picture):
         """Writes what `encode` makes, in the format of the path's ending if none is given. The file appears when
         it is complete, and keeps the mode of the one that it replaces. Links are followed; devices and FIFOs are
         written to."""
-        name = os.fsdecode(path)
+        try:
+            name = os.fsdecode(path)
+        except TypeError as error:
+            raise Error("path", str(error)) from None
         data = self.encode(format or os.path.splitext(name)[1][1:] or "png", dpi=dpi, compression=compression)
         try:
             _write(name, data)
@@ -151,7 +155,7 @@ def _read(given: Mapping[str, Any]) -> Tuple[str, Dict[str, bytes]]:
         try:
             if option == "font":
                 value = named(value)
-            if option == "fallback":
+            if option == "fallback" and value is not None:
                 value = [named(one) for one in value] if isinstance(value, (list, tuple)) else [named(value)]
             text = json.dumps(value, default=_plain, ensure_ascii=False)
             (option + text).encode("utf-8")
@@ -192,7 +196,7 @@ class Text:
         return Picture(self._text, _utf8(text), True)
 
     def measure(self, text: str) -> Picture:
-        """The same without pixels: size, margins, lines and clusters."""
+        """The same without pixels: size, margins, lines and clusters. `trim` has no effect."""
         return Picture(self._text, _utf8(text), False)
 
 
@@ -227,7 +231,7 @@ def map(jobs: Iterable[Mapping[str, Any]], *, workers: Optional[int] = None) -> 
     `workers` is as many as the cores that the process may use; 0 means that, too. Four jobs for each are under way at the most, so
     that the memory does not grow with their number. The first error is raised in its place and ends it.
     """
-    if workers is not None and (not isinstance(workers, int) or workers < 0):
+    if workers is not None and (not isinstance(workers, numbers.Integral) or workers < 0):
         raise Error("workers", f"{workers!r} is not a number of threads")
     count = workers or len(os.sched_getaffinity(0))
     pending: Deque[Future[Picture]] = deque()
@@ -245,4 +249,7 @@ def map(jobs: Iterable[Mapping[str, Any]], *, workers: Optional[int] = None) -> 
 
 
 def _render_job(job: Mapping[str, Any]) -> Picture:
-    return render(**job)
+    try:
+        return render(**job)
+    except TypeError as error:  # it is no mapping, or lacks the text or the font
+        raise Error("jobs", str(error)) from None

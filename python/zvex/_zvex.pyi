@@ -1,10 +1,11 @@
 # SPDX-License-Identifier: Apache-2.0
-from typing import Dict, List, Tuple
+from typing import Any, Dict, List, Tuple
 
 __version__: str
 
 class Pixels:
     """(height, width, 4) or (height, width) bytes that buffers and arrays may refer to."""
+    __array_interface__: Dict[str, Any]
 
 class Span:
     start: int

@@ -45,6 +45,7 @@ OPTIONS = [
     {"style": {"effects": [{"type": "bevel", "size": 5}]}, "padding": "3,4", "letter_spacing": 0.1},
     {"width": 200, "align": "center", "max_lines": 2, "canvas": "#123456", "trim": True},
     {"fallback": ["DejaVu Serif", "DejaVu Sans Mono"], "no_fallback": True, "scale": 1.5, "opacity": "50%"},
+    {"style": '\n// red\n{"color": "#f00"}'},
     {"text_rendering": "plain", "background": "#eee", "gravity": "bottom", "height": 200},
 ]
 
@@ -68,6 +69,7 @@ def test_a_font_is_a_path_a_name_or_bytes(tmp_path):
     by_name = numpy.asarray(zvex.render("Aß", font=FONT))
     for font in (SANS, pathlib.Path(SANS), data, bytearray(data), memoryview(data), numpy.frombuffer(data, numpy.uint8)):
         assert numpy.array_equal(zvex.render("Aß", font=font), by_name)
+    assert numpy.array_equal(zvex.render("Aß", font=FONT, fallback=None), by_name)
     alone = zvex.render("Aß", font=data, fallback=[open(SANS, "rb").read()], no_fallback=True)
     assert numpy.array_equal(alone, by_name)
 
@@ -81,6 +83,8 @@ def test_arrays_share_the_pictures_memory():
     assert len(inside) > 100 and (inside == [255, 128, 0, 255]).all()
     with pytest.raises(ValueError):
         array[0, 0, 0] = 1
+    given = picture.__array_interface__
+    assert given["shape"] == array.shape and given["data"] == (array.ctypes.data, True)
     del picture
     gc.collect()
     assert (array[array[..., 3] == 255] == inside).all()  # the array keeps the memory
@@ -127,10 +131,11 @@ def test_files_and_notebooks(tmp_path):
         assert numpy.array_equal(Image.open(tmp_path / name).convert("RGBA"), picture)
     assert numpy.array_equal(picture.to_pil(), picture)
     assert numpy.array_equal(Image.open(io.BytesIO(picture._repr_png_())), picture)
-    for name, given in [("p.gif", {}), ("missing/p.png", {}), ("a\0", {}), ("a\ud800", {}), ("p", {"format": 7}),
+    assert picture.encode(dpi=numpy.float32(72)) == picture.encode()
+    for name, given in [("p.gif", {}), (None, {}), ("missing/p.png", {}), ("a\0", {}), ("a\ud800", {}), ("p", {"format": 7}),
                         *[("p.png", {"dpi": dpi}) for dpi in (0, -1, math.nan, 1e300, 10**400, None, "x")]]:
         with pytest.raises(zvex.Error):
-            picture.save(tmp_path / name, **given)
+            picture.save(name and tmp_path / name, **given)
     wide = zvex.render("x", font=FONT, width=20000, size=8)
     wide.save(tmp_path / "wide.png")
     with pytest.raises(zvex.Error):
@@ -185,6 +190,8 @@ ERRORS = [
     (dict(color="red-ish"), "color"),
     (dict(stroke="wide"), "stroke"),
     (dict(wide=3), "wide"),
+    (dict(stroke=json.loads("[" * 20 + "]" * 20)), "options"),
+    (dict(features="a\0b"), "features"),
     (dict(style={"effects": [{"type": "stroke", "width": 1000}]}), "style"),
     (dict(style=lambda: 0), "style"),
     (dict(style={"color": "\ud800"}), "style"),
@@ -265,6 +272,8 @@ def test_map_keeps_the_order_and_a_bound():
     rest = list(pictures)
     expected = [zvex.render(str(i), font=FONT, size=16) for i in range(100)]
     assert [bytes(p) for p in [first, *rest]] == [bytes(p) for p in expected]
+    with pytest.raises(zvex.Error, match="jobs: "):
+        list(zvex.map([None]))
     for size, workers in ("big", 2), (9, -1), (9, math.nan), (9, "2"):
         with pytest.raises(zvex.Error):
             list(zvex.map([{"text": "x", "font": FONT, "size": size}] * 9, workers=workers))
