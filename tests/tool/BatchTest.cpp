@@ -186,6 +186,15 @@ TEST_F(BatchCommand, StreamedPicturesComeBehindTheirResults) {
     EXPECT_EQ(running.wait(), 1 << 8);
 }
 
+TEST_F(BatchCommand, StreamsAloneMakeNoFile) {
+    const std::string command = "batch -f $FONT --output-dir $DIR/out --output -", line = R"({"text":"x")";
+    EXPECT_EQ(zvtext(command, line + "}").status, 0);
+    EXPECT_TRUE(fs::is_empty(folder()));
+    zvtext(command, line + R"(,"output":"x.png"})");
+    const Result again = zvtext(command + " --resume", line + R"(,"output":"x.png"})");
+    EXPECT_NE(again.out.find("skipped"), std::string::npos) << again.out;
+}
+
 TEST_F(BatchCommand, AFullDiskIsSaidOnce) {
     const Result result = zvtext("batch -f $FONT --output-dir $DIR/out --allow-outside",
                                  "{\"text\":\"x\"}\n{\"text\":\"x\",\"output\":\"/dev/full\"}\n");

@@ -9,6 +9,7 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
+#include <utility>
 
 #include "scene/Failure.h"
 #include "tools/zvtext/batch/Digest.h"
@@ -39,18 +40,17 @@ uint64_t placeKey(const std::string& job) {
 
 }  // namespace
 
-BatchJournal::BatchJournal(const std::string& folder, bool reads) {
-    const std::string path = folder + "/" + kJournalName;
+void BatchJournal::open(bool reads) {
     const auto refuse = [&](const std::string& why) {
-        throw Failure("--output-dir: cannot write '" + path + "': " + why);
+        throw Failure("--output-dir: cannot write '" + mPath + "': " + why);
     };
     // Does not follow a link, which may lead anywhere, and does not block, as a pipe would.
     constexpr int kFlags = O_RDWR | O_CREAT | O_APPEND | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK;
-    mDescriptor = open(path.c_str(), kFlags, 0666);
+    mDescriptor = ::open(mPath.c_str(), kFlags, 0666);
     if (mDescriptor < 0) refuse(errno == ELOOP ? "it is a link" : std::strerror(errno));
     struct stat status = {};
     if (fstat(mDescriptor, &status) != 0 || !S_ISREG(status.st_mode)) {
-        close(mDescriptor);
+        close(std::exchange(mDescriptor, -1));
         refuse("it is not a regular file");
     }
     if (reads) findRecords();
@@ -60,7 +60,7 @@ BatchJournal::BatchJournal(const std::string& folder, bool reads) {
 }
 
 BatchJournal::~BatchJournal() {
-    close(mDescriptor);
+    if (mDescriptor >= 0) close(mDescriptor);
 }
 
 void BatchJournal::findRecords() {
@@ -99,6 +99,11 @@ std::optional<BatchJournal::Record> BatchJournal::find(const std::string& job) c
 }
 
 bool BatchJournal::append(const Record& record) {
+    try {
+        if (mDescriptor < 0) open(false);
+    } catch (const Failure&) {
+        return false;
+    }
     // A record starts a new line even after one that was cut short.
     const std::string line =
         (mCutShort ? "\n" : "") + sealed(record.job + " " + record.content + " " + record.result) + "\n";

@@ -23,24 +23,26 @@ public:
         std::string result;   // JSON on one line
     };
 
-    // Opens the folder's journal and creates it if it is missing. With `reads`, finds the records in it,
-    // which takes 16 bytes of memory each. Throws Failure.
-    BatchJournal(const std::string& folder, bool reads);
+    // A file in the folder, which must be opened before records are found in it.
+    explicit BatchJournal(const std::string& folder) : mPath(folder + "/" + kJournalName) {}
     ~BatchJournal();
     BatchJournal(const BatchJournal&) = delete;
     BatchJournal& operator=(const BatchJournal&) = delete;
 
-    int descriptor() const { return mDescriptor; }
+    // Creates the file if it is missing. With `reads`, finds the records in it, which takes 16 bytes of
+    // memory each. Throws Failure.
+    void open(bool reads);
 
     // The job's last record among those that were there when the journal was opened.
     std::optional<Record> find(const std::string& job) const;
 
-    // False if the disk is full.
+    // Opens the file if it is not open. False if it cannot be written.
     bool append(const Record& record);
 
 private:
     void findRecords();
 
+    const std::string mPath;
     int mDescriptor = -1;
     bool mCutShort = false;                              // the last record
     std::vector<std::pair<uint64_t, uint64_t>> mPlaces;  // half of a job's digest, offset; sorted

@@ -79,7 +79,7 @@ public:
           mInput(arguments.input, kMaxLineBytes),
           mLine(static_cast<uint64_t>(arguments.firstLine)),
           mNames(madeFolder(arguments.outputFolder), writeScope(arguments), arguments.resume),
-          mJournal(arguments.outputFolder, arguments.resume),
+          mJournal(arguments.outputFolder),
           mProgress(!arguments.quiet && isatty(STDERR_FILENO) == 1),
           mCrew(static_cast<size_t>(arguments.jobs == 0 ? std::min(usableCores(), kMaxJobs) : arguments.jobs),
                 {[this](int socket) { work(socket); }, [this](const BatchJob& job) { return mayStart(job); },
@@ -87,6 +87,8 @@ public:
                  [this](const std::string& text) { say(text); },
                  [this](const std::string& why) { stop(why); }}) {
         mSettings.writes = writeScope(arguments);
+        // A program that wants no files has none, and may run where it cannot write.
+        if (arguments.output != "-" || arguments.resume) mJournal.open(arguments.resume);
         std::signal(SIGPIPE, SIG_IGN);
         std::signal(SIGXFSZ, SIG_IGN);  // so that it is an error like a full disk
         std::signal(SIGCHLD, SIG_DFL);  // the workers' exit statuses must not be lost
