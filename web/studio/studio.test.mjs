@@ -117,9 +117,13 @@ test('fonts and styles by drop, Arabic words, errors at their keys', async () =>
     let now = await settled();
     const style = { color: '#123456', effects: [{ type: 'outer-glow', size: 9 }, { type: 'stroke', width: 3 }] };
     now = await changed(now, () => drop('mine.json', `// mine\n${JSON.stringify(style).replace('}]', '},]')}`));
-    now = await changed(now, () => page.fill('#text', 'مرحبا'));
+    now = await changed(now, () => page.fill('#text', "مرحبا it's ไทย"));
     const png = PNG.sync.read(await download('PNG 1×'));
-    assert.ok(native('مرحبا', OTHER_FONT, 120, style).equals(png.data));
+    assert.ok(native("مرحبا it's ไทย", OTHER_FONT, 120, style).equals(png.data));
+    const code = (await page.locator('pre').textContent()).replace('zvtext', ZVEX_ZVTEXT).replace('DejaVuSans.ttf', OTHER_FONT);
+    rmSync(join(scratch, 'words.png'));
+    execFileSync('sh', ['-c', code], { cwd: scratch });
+    assert.ok(PNG.sync.read(readFileSync(join(scratch, 'words.png'))).data.equals(png.data), code);
 
     for (const effect of ['bevel', 'linear-gradient', 'pattern']) {
         now = await changed(now, () => page.getByLabel('Add effect').selectOption(effect));
@@ -129,6 +133,8 @@ test('fonts and styles by drop, Arabic words, errors at their keys', async () =>
         await chooser.setFiles({ name: 'own.png', mimeType: 'image/png', buffer: PNG.sync.write(Object.assign(new PNG({ width: 3, height: 3 }), { data: Buffer.alloc(36, 200) })) });
         await page.waitForFunction(() => document.querySelector('.status').textContent.startsWith('own.png'));
     });
+    await page.getByLabel('Code for').selectOption('JavaScript');
+    assert.match(await page.locator('pre').textContent(), /addFile\("own.png", pngBytes\)/);
     now = await changed(now, () => page.getByRole('button', { name: 'Switch outer glow off' }).click());
     await page.locator('[data-effect=stroke] [data-key=width] input[type=number]').fill('500');
     const error = page.locator('[data-effect=stroke] [data-key=width] .error');

@@ -167,7 +167,7 @@ function Words({ session, fonts, change, settle, take }: {
                     </select>
                 </label>
                 <label class="button">Load files…
-                    <input type="file" multiple accept=".ttf,.otf,.ttc,.woff,.json,.png" onChange={(event) => void take(event.currentTarget.files ?? [])} />
+                    <input type="file" multiple accept=".ttf,.otf,.ttc,.otc,.json,.png" onChange={(event) => void take(event.currentTarget.files ?? [])} />
                 </label>
                 <label class="inline">Sizes in px{' '}
                     <input type="text" inputMode="numeric" size={12} value={draft ?? session.sizes.join(', ')}
