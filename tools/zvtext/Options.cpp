@@ -27,8 +27,11 @@ void addOption(CLI::App& command, const Field& field, const Take& take) {
                        : (*field.flag != '\0' ? "-" + std::string(field.flag) + "," : "") + "--" + name;
     CLI::Option* option = nullptr;
     if (std::holds_alternative<FlagField>(field.value)) {
-        option = command.add_flag_callback(
-            flags, [=] { take(name, true); }, field.help);
+        // --NAME=false overrides a style that says true.
+        option = command.add_flag(flags)->description(field.help)->each([=](const std::string& value) {
+            bool given = false;
+            take(name, CLI::detail::lexical_cast(value, given) ? Json(given) : Json(value));
+        });
     } else {
         option = command.add_option_function<std::string>(
             flags, [=](const std::string& value) { take(name, value); }, helpOf(field));
