@@ -56,5 +56,5 @@ writeFileSync(target, [
   ...parts(options, 'Option'),
   declarationOf('Style', style, 'Style'),
   ...parts(style, 'Style'),
-  `export type PresetName = ${typeOf(options.properties.preset, '')};\n`,
+  `export type PresetName = ${typeOf({enum: Object.keys(zvex.presets())}, '')};\n`,
 ].join('\n'));
