@@ -237,6 +237,9 @@ final class StyleTest {
         }
         assertThrows(IllegalArgumentException.class, () -> ZvStyle.parse(json("{'canvas': {'type': 'pattern', 'file': 'a.png'}}")),
                 "a pattern without pictures");
+        String said = assertThrows(IllegalArgumentException.class, () -> ZvStyle.parse(json("{'canvas': 'pattern:a.png'}"), file -> null),
+                "a picture that is not there").getMessage();
+        assertTrue(said.startsWith("canvas pattern file: "), said);
         assertEquals("//", ZvStyle.parse(new StringReader("/**/{\"description\" /*//*/ : \"//\"} // nothing")).description());
     }
 

@@ -129,7 +129,7 @@ final class StyleReader {
         List<String> below = new ArrayList<>(above);
         below.add(file);
         try {
-            return within("extends: '" + file + "'", files.findStyle(file), below);
+            return within("extends: '" + file + "'", ValueReader.found(files.findStyle(file)), below);
         } catch (IOException e) {
             String why = name.matches("[^./]*") ? "is not a file, and not one of " + String.join(", ", ZvStyle.presets())
                     : "cannot be read: " + e.getMessage();

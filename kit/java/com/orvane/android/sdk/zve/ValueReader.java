@@ -154,10 +154,18 @@ final class ValueReader {
 
     ZvPicture findPicture(String place, String file) {
         try {
-            return pictures.find(file.startsWith("/") ? file : folder + file);
+            return found(pictures.find(file.startsWith("/") ? file : folder + file));
         } catch (IOException e) {
             throw new IllegalArgumentException(place + ": " + shown(file) + " cannot be read: " + e.getMessage(), e);
         }
+    }
+
+    /** Finders may say with null that there is none. */
+    static <T> T found(T thing) throws IOException {
+        if (thing == null) {
+            throw new IOException("it is not there");
+        }
+        return thing;
     }
 
     private Tint readTint(String place, Object json, Tint start, Tint base) {

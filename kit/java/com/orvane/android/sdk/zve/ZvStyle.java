@@ -57,8 +57,8 @@ public final class ZvStyle {
          * Gives the picture for a pattern.
          *
          * @param file as the style names it; do not open it just anywhere if the style is not your own
-         * @return the picture
-         * @throws IOException if there is none
+         * @return the picture; null if there is none
+         * @throws IOException if it cannot be read
          */
         ZvPicture find(String file) throws IOException;
 
@@ -66,8 +66,8 @@ public final class ZvStyle {
          * Gives the content of the style file that a style extends. Presets are not asked for.
          *
          * @param file as the style names it; in a file that was found so, from that file's folder on
-         * @return JSON
-         * @throws IOException if there is none; the default implementation always throws
+         * @return JSON; null if there is none
+         * @throws IOException if it cannot be read; the default implementation always throws
          */
         default String findStyle(String file) throws IOException {
             throw new IOException("only presets are known");
