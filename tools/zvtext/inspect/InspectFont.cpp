@@ -143,7 +143,7 @@ void addInspectFont(CLI::App& inspect, InspectFontArguments& a) {
     command->footer(
         "Examples:\n"
         "  $ zvtext inspect font 'DejaVu Sans:bold'\n"
-        "  $ zvtext inspect font Inter-roman.var.ttf --axes wght=650 --json");
+        "  $ zvtext inspect font Inter --axes wght=650 --json");
     command->callback([&a] { runInspectFont(a); });
 }
 
