@@ -30,7 +30,8 @@ from ._zvex import Pixels, Span, __version__, options, presets
 if TYPE_CHECKING:
     from PIL.Image import Image  # type: ignore[import]
 
-__all__ = ["Error", "Picture", "Pixels", "Span", "Text", "fonts", "map", "options", "presets", "render", "schema"]
+__all__ = ["Error", "Picture", "Pixels", "Span", "Text", "__version__", "fonts", "map", "options", "presets", "render",
+           "schema"]
 
 Font = Union[str, bytes, "os.PathLike[str]"]
 Path = Union[str, "os.PathLike[str]"]

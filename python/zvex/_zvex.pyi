@@ -6,6 +6,7 @@ __version__: str
 class Pixels:
     """(height, width, 4) or (height, width) bytes that buffers and arrays may refer to."""
     __array_interface__: Dict[str, Any]
+    def __buffer__(self, flags: int) -> memoryview: ...
 
 class Span:
     start: int
