@@ -120,6 +120,7 @@ test('fonts and styles by drop, Arabic words, errors at their keys', async () =>
     now = await changed(now, () => page.fill('#text', "مرحبا it's ไทย"));
     const png = PNG.sync.read(await download('PNG 1×'));
     assert.ok(native("مرحبا it's ไทย", OTHER_FONT, 120, style).equals(png.data));
+    assert.match(await page.locator('.status').textContent(), /no font has U\+0E44/);
     const code = (await page.locator('pre').textContent()).replace('zvtext', ZVEX_ZVTEXT).replace('DejaVuSans.ttf', OTHER_FONT);
     rmSync(join(scratch, 'words.png'));
     execFileSync('sh', ['-c', code], { cwd: scratch });
@@ -159,6 +160,15 @@ test('layers by keyboard; no serious fault for assistive tools; three widths', a
         const serious = violations.filter(({ impact }) => impact === 'serious' || impact === 'critical');
         assert.deepEqual(serious.map(({ id, nodes }) => `${id}: ${nodes[0].html}`), []);
         assert.ok(await page.evaluate(() => document.documentElement.scrollWidth <= innerWidth), `${width}: nothing sticks out`);
+        for (let i = 0; i < 30; ++i) {
+            await page.keyboard.press('Shift+Tab');
+            const hidden = await page.evaluate(() => {
+                const focus = document.activeElement, { left, top, height } = focus.getBoundingClientRect();
+                const covers = document.elementFromPoint(left + 2, top + height / 2)?.closest('.preview');
+                return covers && focus !== document.body && !covers.contains(focus) ? focus.outerHTML : '';
+            });
+            assert.equal(hidden, '', `${width}: the focus is behind the preview`);
+        }
         if (ZVEX_SHOTS) await page.screenshot({ path: join(ZVEX_SHOTS, `studio-${width}.png`) });
     }
     assert.deepEqual(complaints, []);

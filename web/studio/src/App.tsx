@@ -86,7 +86,7 @@ export function App({ studio, start, note }: { studio: Studio; start: Session; n
                 <div class="stage">
                     <Preview drawn={drawn} grounds={grounds} photo={photo} slow={slow} isCurrent={isCurrent} />
                     {problem && <p class="error" role="alert">{problem.message}</p>}
-                    <p class="status" role="status">{message}</p>
+                    <p class="status" role="status">{[message, ...(drawn[0]?.picture?.warnings ?? []).map((warning) => warning.split(';')[0])].join(' ')}</p>
                     <Words session={session} fonts={fonts} change={change} settle={() => history.settle()} take={take} />
                     <fieldset class="row wrap">
                         <legend>Grounds</legend>
