@@ -59,10 +59,10 @@ export async function startTitleServer(fontFile, port = 0) {
   }
 
   async function answer(request) {
-    const url = new URL(request.url, 'http://localhost');
-    if (url.pathname !== '/title') throw new Refusal(404, 'GET /title?text=Words');
+    const [path, ...query] = request.url.split('?');
+    if (path !== '/title') throw new Refusal(404, 'GET /title?text=Words');
     if (request.method !== 'GET') throw new Refusal(405, 'GET only');
-    const options = optionsOf(url.searchParams);
+    const options = optionsOf(new URLSearchParams(query.join('?')));
     if (waiting >= MAX_WAITING) throw new Refusal(503, 'too many requests wait');
     ++waiting;
     try {

@@ -27,7 +27,7 @@ test('the server draws titles, refuses by name, and lives on', async () => {
       assert.equal(response.status, 400, query);
       assert.match(await response.text(), message);
     }
-    assert.equal((await ask('text=a', 'elsewhere')).status, 404);
+    for (const path of ['elsewhere', '/', '%ff']) assert.equal((await ask('text=a', path)).status, 404, path);
     assert.equal((await ask('text=a', 'title', {method: 'POST'})).status, 405);
     const wrong = {'none.ttf': /^title-server: ENOENT.*\n$/, [fontPath('DejaVuSans-Bold.ttf')]: /^title-server: .*EADDRINUSE.*\n$/};
     for (const [font, stderr] of Object.entries(wrong)) {
