@@ -3,7 +3,7 @@
 BEGIN {
     split("cstdio fstream iterator thread vector", headers)
     for (i in headers) print "#include <" headers[i] ">"
-    split("Failure Png Scene", headers)
+    split("Failure FileSource Png Presets Renderer Scene WebpWriter", headers)
     for (i in headers) print "#include \"scene/" headers[i] ".h\""
     print "using namespace Zvex::scene;"
 }
