@@ -2,118 +2,144 @@
 #include "platform/host/PathRaster.h"
 
 #include <algorithm>
-#include <cmath>
+#include <cstdlib>
 #include <cstring>
-#include <utility>
+
+#include "platform/host/PathWalk.h"
 
 namespace host {
 
 namespace {
 
-constexpr int64_t kOne = 65536;  // coordinates have 16 fraction bits here
-constexpr size_t kBlock = 16;    // pixels
+constexpr size_t kBlock = 16;         // pixels
+constexpr size_t kMostWalked = 4096;  // points
 
-uint8_t levelOf(int sum) {
-    return static_cast<uint8_t>(std::clamp(sum, 0, 255));
+uint8_t levelOf(int share) {
+    return static_cast<uint8_t>(std::min(std::abs(share) >> 8, 255));
 }
 
-int64_t product(int64_t a, int64_t b) {
-    return (a * b) >> 16;
-}
-
-// The area of a triangle, of 256. `width` is its width; its height is width times `climb`. Each factor keeps
-// only its upper five fraction bits.
-int triangle(int64_t width, int64_t climb) {
-    const int64_t short5 = width >> 11;
-    return static_cast<int>(short5 * short5 * std::min<int64_t>(climb >> 11, 1 << 20) >> 8 & 255);
+// The area of a triangle; its height is `width` times `climb`. Each factor keeps only its upper five fraction
+// bits.
+Fixed triangle(Fixed width, Fixed climb) {
+    return std::clamp<Fixed>((width >> 11) * (width >> 11) * (climb >> 11), 0, kFixedOne);
 }
 
 }  // namespace
 
-PathRaster::PathRaster(int width, int height, bool fillsRight)
+PathRaster::PathRaster(int width, int height, int left, int top)
     : mWidth(width),
       mHeight(height),
-      mFillsRight(fillsRight),
-      mBlocks((static_cast<size_t>(width) + kBlock - 1) / kBlock),
-      mChanges(new int[mBlocks * kBlock * static_cast<size_t>(height)]),
-      mTouched(mBlocks * static_cast<size_t>(height)) {}
+      mLeft(static_cast<float>(left)),
+      mTop(static_cast<float>(top)),
+      mBlocks((static_cast<size_t>(width) + kBlock - 1) / kBlock) {}
 
-void PathRaster::put(int row, int64_t column, int change) {
+void PathRaster::moveTo(const PathPoint& to) {
+    mPoints.push_back({to.x - mLeft, to.y - mTop});
+    mPieces.push_back(0);
+}
+
+void PathRaster::add(const PathPoint* points, size_t count) {
+    for (size_t i = 0; i < count; ++i) mPoints.push_back({points[i].x - mLeft, points[i].y - mTop});
+    mPieces.push_back(static_cast<uint8_t>(count));
+}
+
+bool PathRaster::hasManyPoints() const {
+    const auto byX = [](const PathPoint& a, const PathPoint& b) { return a.x < b.x; };
+    const auto byY = [](const PathPoint& a, const PathPoint& b) { return a.y < b.y; };
+    const auto x = std::minmax_element(mPoints.begin(), mPoints.end(), byX);
+    const auto y = std::minmax_element(mPoints.begin(), mPoints.end(), byY);
+    const float size = std::max(x.second->x - x.first->x, y.second->y - y.first->y);
+    return mPoints.size() > kMostWalked || static_cast<float>(mPoints.size()) >= size / 8;
+}
+
+std::vector<PathEdge> PathRaster::edges(bool turns) const {
+    std::vector<PathEdge> edges;
+    const PathPoint* next = mPoints.data();
+    for (const uint8_t count : mPieces) {
+        if (count == 1) addLine(next - 1, &edges);
+        if (count == 2) addQuad(next - 1, &edges);
+        if (count == 3) addCubic(next - 1, turns, &edges);
+        next += std::max<size_t>(count, 1);
+    }
+    return edges;
+}
+
+void PathRaster::fill(uint8_t* target) {
+    if (mPoints.empty()) return;
+    const bool turns = hasManyPoints();
+    std::vector<PathEdge> list = edges(turns);
+    if (!turns) {
+        PathWalk(mWidth, mHeight, target).fill(&list);
+        return;
+    }
+    mChanges.reset(new int[mBlocks * kBlock * static_cast<size_t>(mHeight)]);
+    mTouched.resize(mBlocks * static_cast<size_t>(mHeight));
+    for (PathEdge& edge : list) addShares(&edge);
+    for (size_t row = 0; row < static_cast<size_t>(mHeight); ++row) {
+        levelsOfRow(row, target + row * static_cast<size_t>(mWidth));
+    }
+}
+
+void PathRaster::put(int row, Fixed column, Fixed change) {
     if (column >= mWidth) return;
-    const auto x = static_cast<size_t>(std::max<int64_t>(column, 0));
+    const auto x = static_cast<size_t>(std::max<Fixed>(column, 0));
     const size_t block = static_cast<size_t>(row) * mBlocks + x / kBlock;
     int* changes = &mChanges[block * kBlock];
     if (mTouched[block] == 0) {
         mTouched[block] = 1;
         std::fill_n(changes, kBlock, 0);
     }
-    changes[x % kBlock] += change;
+    changes[x % kBlock] += static_cast<int>(change);
 }
 
-// Adds one edge within a row, or the part of it whose height gives `full`. `begins`: pixels right of it are
-// added, else removed. `climb` is the edge's height for each pixel across.
-void PathRaster::strip(int row, int64_t left, int64_t right, int64_t climb, int full, bool begins) {
-    const int64_t first = left >> 16;
-    const int64_t l = left - first * kOne, r = right - first * kOne;
-    const int64_t count = std::max<int64_t>((r + kOne - 1) >> 16, 1);
-    const int sign = begins ? 1 : -1;
-    int before = 0;
-    const auto step = [&](int64_t i, int64_t level) {
-        const int now = static_cast<int>(std::clamp<int64_t>(level, 0, full));
-        put(row, first + i, sign * (now - before));
-        before = now;
-    };
-    const auto part = [full](int64_t level) {
-        level = std::min<int64_t>(level, 255);
-        return full == 255 ? level : level * full >> 8;
-    };
-    if (count == 1) {
-        step(0, begins ? part(((kOne - l) + (kOne - r)) / 2 >> 8) : full - part((l + r) / 2 >> 8));
-    } else {
-        const int64_t head = kOne - l, tail = r - (count - 1) * kOne;
-        const int64_t headHeight = product(head, climb), tailHeight = product(tail, climb);
-        const bool two = count == 2;
-        step(0, two || begins ? triangle(head, climb) : product(head, headHeight) >> 9);
-        for (int64_t i = 1; i < count - 1; ++i) {
-            if (first + i >= mWidth) break;
-            step(i, begins ? full - ((tailHeight + climb / 2 + (count - 2 - i) * climb) >> 8)
-                           : (headHeight + climb / 2 + (i - 1) * climb) >> 8);
+// All steps of an edge, row by row.
+void PathRaster::addShares(PathEdge* edge) {
+    const Fixed bottom = Fixed{mHeight} * kFixedOne;
+    do {
+        Fixed x = edge->x, y = edge->upperY;
+        const Fixed end = std::min(edge->lowerY, bottom);
+        if (y < 0 && y < end) {
+            x += product(edge->slope, -y);
+            y = 0;
         }
-        step(count - 1, full - (two || !begins ? triangle(tail, climb) : product(tail, tailHeight) >> 9));
-    }
-    step(count, full);
+        while (y < end) {
+            const Fixed row = y >> 16, next = std::min(end, (row + 1) * kFixedOne);
+            const Fixed to = x + product(edge->slope, next - y);
+            addShare(static_cast<int>(row), next - y, x, to, *edge);
+            x = to;
+            y = next;
+        }
+    } while (edge->next());
 }
 
-void PathRaster::line(double fromX, double fromY, double toX, double toY) {
-    if (fromY == toY) return;
-    const bool rises = fromY > toY;
-    if (rises) {
-        std::swap(fromX, toX);
-        std::swap(fromY, toY);
+// Adds the area to the right of an edge within a row, over `height`.
+void PathRaster::addShare(int row, Fixed height, Fixed from, Fixed to, const PathEdge& edge) {
+    const Fixed left = std::min(from, to), right = std::max(from, to);
+    const Fixed first = left >> 16, count = ((right + kFixedOne - 1) >> 16) - first;
+    Fixed before = 0;
+    const auto step = [&](Fixed i, Fixed share) {
+        put(row, first + i, (share - before) * edge.winding);
+        before = share;
+    };
+    const Fixed head = (first + 1) * kFixedOne - left, tail = right - (first + count - 1) * kFixedOne;
+    if (count == 1) {
+        step(0, product(kFixedOne - (((left + right) >> 1) - first * kFixedOne), height));
+    } else if (count == 2) {
+        step(0, triangle(head, edge.climb));
+        step(1, height - triangle(tail, edge.climb));
+    } else if (count > 2) {
+        const Fixed headHeight = product(head, edge.climb);
+        step(0, product(head, headHeight) >> 1);
+        for (Fixed i = 1; i < count - 1 && first + i < mWidth; ++i) {
+            step(i, headHeight + (edge.climb >> 1) + (i - 1) * edge.climb);
+        }
+        step(count - 1, height - triangle(tail, edge.climb));
     }
-    const double slope = (toX - fromX) / (toY - fromY);
-    const double perPixel = slope == 0 ? 1e9 : std::min(1 / std::fabs(slope), 1e9);
-    const auto climb = static_cast<int64_t>(perPixel * kOne);
-    const auto fixed = [](double v) { return static_cast<int64_t>(std::floor(v * kOne)); };
-    double y = std::max(fromY, 0.0);
-    const double end = std::min<double>(toY, mHeight);
-    while (y < end) {
-        const int row = static_cast<int>(y);
-        const double next = std::min(end, row + 1.0);
-        const int64_t a = fixed(fromX + (y - fromY) * slope), b = fixed(fromX + (next - fromY) * slope);
-        // Rounded so that the parts of a row add up to 255.
-        const int full = static_cast<int>((next - row) * 255 + 0.5) - static_cast<int>((y - row) * 255 + 0.5);
-        strip(row, std::min(a, b), std::max(a, b), climb, full, rises == mFillsRight);
-        y = next;
-    }
-}
-
-void PathRaster::levels(uint8_t* target) const {
-    for (size_t row = 0; row < static_cast<size_t>(mHeight); ++row) target = levelsOfRow(row, target);
+    step(count, height);
 }
 
 // Between the blocks with an edge the level stays the same.
-uint8_t* PathRaster::levelsOfRow(size_t row, uint8_t* target) const {
+void PathRaster::levelsOfRow(size_t row, uint8_t* target) const {
     const uint8_t* touched = &mTouched[row * mBlocks];
     const uint8_t* const end = target + mWidth;
     int sum = 0;
@@ -132,7 +158,6 @@ uint8_t* PathRaster::levelsOfRow(size_t row, uint8_t* target) const {
         }
         block = next;
     }
-    return target;
 }
 
 }  // namespace host
