@@ -25,10 +25,10 @@ Fixed quotient(Fixed a, Fixed b) {
     return std::clamp(a * kFixedOne / b, -kFixedMost, kFixedMost);
 }
 
-// Coordinates with 8 fraction bits.
+// Coordinates with 8 fraction bits. What is not a number lies far left or above.
 Fixed to8(float v) {
     constexpr float kFar = 1 << 24;  // pixels
-    return static_cast<Fixed>(std::floor(std::clamp(v, -kFar, kFar) * 256));
+    return static_cast<Fixed>(std::floor(std::min(std::max(-kFar, v), kFar) * 256));
 }
 
 // From how far a curve is off its chord, in 256ths of a pixel.

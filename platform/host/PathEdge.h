@@ -11,8 +11,9 @@ namespace host {
 using Fixed = int64_t;
 constexpr Fixed kFixedOne = 65536, kFixedQuarter = kFixedOne / 4, kFixedMost = INT32_MAX;
 
+// In two parts, so that a steep slope times a far distance does not overflow.
 inline Fixed product(Fixed a, Fixed b) {
-    return (a * b) >> 16;
+    return a * (b >> 16) + ((a * (b & (kFixedOne - 1))) >> 16);
 }
 
 struct PathPoint {

@@ -130,7 +130,7 @@ void PathRaster::addShare(int row, Fixed height, Fixed from, Fixed to, const Pat
     } else if (count > 2) {
         const Fixed headHeight = product(head, edge.climb);
         step(0, product(head, headHeight) >> 1);
-        for (Fixed i = 1; i < count - 1 && first + i < mWidth; ++i) {
+        for (Fixed i = std::max<Fixed>(1, -first); i < count - 1 && first + i < mWidth; ++i) {
             step(i, headHeight + (edge.climb >> 1) + (i - 1) * edge.climb);
         }
         step(count - 1, height - triangle(tail, edge.climb));

@@ -264,7 +264,7 @@ void PathWalk::takeLeft(const Trapezoid& t, Fixed first) {
     const Fixed tailHeight = product(tail, t.leftClimb);
     take(count - 1, count == 2 ? triangle(tail, t.leftClimb) : product(tail, tailHeight) >> 9);
     Fixed share = tailHeight + (t.leftClimb >> 1);
-    for (Fixed i = count - 2; i > 0; --i, share += t.leftClimb) take(i, share >> 8);
+    for (Fixed i = count - 2; i > 0 && first + i >= 0; --i, share += t.leftClimb) take(i, share >> 8);
 }
 
 void PathWalk::takeRight(const Trapezoid& t, Fixed first) {
@@ -277,7 +277,8 @@ void PathWalk::takeRight(const Trapezoid& t, Fixed first) {
     take(at, count == 2 ? triangle(head, t.rightClimb) : product(head, headHeight) >> 9);
     take(at + count - 1, mFull - triangle(tail, t.rightClimb));
     Fixed share = headHeight + (t.rightClimb >> 1);
-    for (Fixed i = 1; i < count - 1; ++i, share += t.rightClimb) take(at + i, share >> 8);
+    for (Fixed i = 1; i < count - 1 && place + i < mWidth; ++i, share += t.rightClimb)
+        take(at + i, share >> 8);
 }
 
 }  // namespace host
