@@ -6,12 +6,15 @@
 #include <gtest/gtest.h>
 #include <png.h>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
+#include <vector>
 
 #include "Lines.h"
+#include "platform/host/PathRaster.h"
 #include "platform/host/Rendering.h"
 
 namespace {
@@ -107,6 +110,32 @@ TEST(PlainGlyphs, CoverageStays) {
         EXPECT_FALSE(expected.pixels.empty()) << fields.at("name");
     }
     host::setRendering(host::Rendering::Phone);
+}
+
+// As damaged fonts have them at large sizes. The sanitizers see overflows; pixels outside the picture must
+// cost nothing, or the flat edges take a minute.
+TEST(PhoneGlyphs, FarPathsAreFilled) {
+    constexpr float kFar = 1e30f, kNever = HUGE_VALF;
+    const host::PathPoint whole[] = {{4, -kFar}, {kFar, kFar}, {-kFar, kFar}, {4, -kFar}};
+    const host::PathPoint flat[] = {{-2e7f, 0}, {2e7f, 2000}, {-2e7f, 4000}, {-2e7f, 0}};
+    const host::PathPoint endless[] = {{1, 2}, {kNever, 10}, {kNever, 3}, {5, 6}};
+    for (const int flatOnes : {0, 1, 20000}) {
+        host::PathRaster raster(8, 2000, 0, 0);
+        raster.moveTo(whole[0]);
+        for (int i = 1; i < 4; ++i) raster.add(whole + i, 1);
+        for (int i = 0; i < flatOnes; ++i) {
+            raster.moveTo(flat[0]);
+            for (int j = 1; j < 4; ++j) raster.add(flat + j, 1);
+        }
+        std::vector<uint8_t> levels(8 * 2000);
+        raster.fill(levels.data());
+        EXPECT_EQ(std::count(levels.begin(), levels.end(), 255), 8 * 2000) << flatOnes;
+        host::PathRaster curves(8, 8, 0, 0);
+        curves.moveTo(endless[0]);
+        curves.add(endless + 1, 2);
+        curves.add(endless + 1, 3);
+        curves.fill(levels.data());
+    }
 }
 
 // A picture that shows a part of a path has the levels of the whole one there.
