@@ -29,8 +29,7 @@ void addOption(CLI::App& command, const Field& field, const Take& take) {
     if (std::holds_alternative<FlagField>(field.value)) {
         // --NAME=false overrides a style that says true.
         option = command.add_flag(flags)->description(field.help)->each([=](const std::string& value) {
-            bool given = false;
-            take(name, CLI::detail::lexical_cast(value, given) ? Json(given) : Json(value));
+            take(name, value == "true" || value == "false" ? Json(value == "true") : Json(value));
         });
     } else {
         option = command.add_option_function<std::string>(
